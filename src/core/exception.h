@@ -1,0 +1,19 @@
+// An exception of no particular class, with a text that may be empty.
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace oct {
+
+class Exception : public std::exception {
+ public:
+  explicit Exception(std::string message) : message_(std::move(message)) {}
+  const char* what() const noexcept override { return message_.c_str(); }
+
+ private:
+  std::string message_;
+};
+
+}  // namespace oct

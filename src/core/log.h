@@ -1,0 +1,33 @@
+// The library log: lines appended to the file whose name all processes share.
+#pragma once
+
+#include <sstream>
+#include <string_view>
+
+namespace oct {
+
+// Sets the file name in the shared settings block; empty: no file. Throws std::invalid_argument for a name of more
+// than 1024 bytes.
+void setLogFileName(std::string_view name);
+
+// One line of the log, written when the object ends. Failures of the log never reach the caller.
+class LogLine {
+ public:
+  LogLine() = default;
+  ~LogLine();
+  LogLine(const LogLine&) = delete;
+  LogLine& operator=(const LogLine&) = delete;
+
+  template <class T>
+  LogLine& operator<<(const T& value) {
+    text_ << value;
+    return *this;
+  }
+
+ private:
+  std::ostringstream text_;
+};
+
+inline LogLine log() { return {}; }
+
+}  // namespace oct

@@ -1,0 +1,15 @@
+// Small services of the operating system that the core needs. One source per platform.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace oct {
+
+// Identifier of the calling thread as the operating system gives it.
+std::uint32_t currentThreadId();
+
+// Text of the calling thread's last system error, "Error text could not be obtained." if there is none for it.
+std::string systemErrorText();
+
+}  // namespace oct
