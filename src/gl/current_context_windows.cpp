@@ -1,0 +1,11 @@
+#include <windows.h>
+
+#include "gl/current_context.h"
+
+namespace oct::gl {
+
+void* currentContext() { return wglGetCurrentContext(); }
+
+bool isContextCurrent() { return wglGetCurrentContext() != nullptr; }
+
+}  // namespace oct::gl

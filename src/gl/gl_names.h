@@ -1,0 +1,116 @@
+// Move-only owners of OpenGL names. The library's only places that create or delete an OpenGL object.
+#pragma once
+
+#include <utility>
+
+#include "gl/current_context.h"
+#include "gl/gl.h"
+
+namespace oct::gl {
+
+// Owns one name in the context that was current when it was made, and deletes it only while that context is
+// current: in any other context the same number names somebody else's object. A name whose context is gone or not
+// current is given up and dies with its context.
+template <class Kind>
+class Name {
+ public:
+  Name() = default;
+  Name(Name&& other) noexcept
+      : name_(std::exchange(other.name_, 0)), context_(std::exchange(other.context_, nullptr)) {}
+  Name& operator=(Name&& other) noexcept {
+    if (this != &other) {
+      reset();
+      name_ = std::exchange(other.name_, 0);
+      context_ = std::exchange(other.context_, nullptr);
+    }
+    return *this;
+  }
+  ~Name() { reset(); }
+
+  // Null (0) when OpenGL gives none.
+  template <class... Arguments>
+  static Name create(Arguments... arguments) {
+    Name result;
+    result.name_ = Kind::create(arguments...);
+    result.context_ = currentContext();
+    return result;
+  }
+
+  void reset() {
+    if (name_ != 0 && context_ == currentContext()) Kind::destroy(name_);
+    name_ = 0;
+    context_ = nullptr;
+  }
+
+  GLuint get() const { return name_; }
+  explicit operator bool() const { return name_ != 0; }
+
+ private:
+  GLuint name_ = 0;
+  void* context_ = nullptr;
+};
+
+struct TextureKind {
+  static GLuint create() {
+    GLuint name = 0;
+    glGenTextures(1, &name);
+    return name;
+  }
+  static void destroy(GLuint name) { glDeleteTextures(1, &name); }
+};
+
+struct BufferKind {
+  static GLuint create() {
+    GLuint name = 0;
+    glGenBuffers(1, &name);
+    return name;
+  }
+  static void destroy(GLuint name) { glDeleteBuffers(1, &name); }
+};
+
+struct VertexArrayKind {
+  static GLuint create() {
+    GLuint name = 0;
+    glGenVertexArrays(1, &name);
+    return name;
+  }
+  static void destroy(GLuint name) { glDeleteVertexArrays(1, &name); }
+};
+
+struct FramebufferKind {
+  static GLuint create() {
+    GLuint name = 0;
+    glGenFramebuffers(1, &name);
+    return name;
+  }
+  static void destroy(GLuint name) { glDeleteFramebuffers(1, &name); }
+};
+
+struct RenderbufferKind {
+  static GLuint create() {
+    GLuint name = 0;
+    glGenRenderbuffers(1, &name);
+    return name;
+  }
+  static void destroy(GLuint name) { glDeleteRenderbuffers(1, &name); }
+};
+
+struct ShaderObjectKind {
+  static GLuint create(GLenum stage) { return glCreateShader(stage); }
+  static void destroy(GLuint name) { glDeleteShader(name); }
+};
+
+struct ProgramKind {
+  static GLuint create() { return glCreateProgram(); }
+  static void destroy(GLuint name) { glDeleteProgram(name); }
+};
+
+using Texture = Name<TextureKind>;
+using Buffer = Name<BufferKind>;
+using VertexArray = Name<VertexArrayKind>;
+using Framebuffer = Name<FramebufferKind>;
+using Renderbuffer = Name<RenderbufferKind>;
+using ShaderObject = Name<ShaderObjectKind>;
+using Program = Name<ProgramKind>;
+
+}  // namespace oct::gl

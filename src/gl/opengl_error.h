@@ -1,0 +1,23 @@
+// Named checkpoints of the OpenGL error flag, and the texts of OpenGL's codes.
+#pragma once
+
+#include <string>
+
+#include "gl/gl.h"
+
+namespace oct::gl {
+
+// Text of an error code with OpenGL's name for it in parentheses, and without.
+const char* errorText(GLenum code);
+const char* plainErrorText(GLenum code);
+
+// Reads the error flag once and throws std::runtime_error when it is set. Further queued errors stay for the next
+// checkpoint.
+void throwOnGLError(std::string where);
+
+// The same, but writes the text to the standard error stream and returns.
+void printGLError(std::string where);
+
+const char* framebufferStatusName(GLenum status);
+
+}  // namespace oct::gl

@@ -1,0 +1,20 @@
+// Loads the OpenGL entry points of the process and checks the version of the current context.
+#pragma once
+
+namespace oct::gl {
+
+// Loads the entry points (once per process, under a lock) and checks the current context's version. Throws
+// std::runtime_error. Call with a context current, before any other OpenGL call.
+void initGlew();
+
+// For objects that live in a context of the client's: initGlew unless it has succeeded before, then throws when no
+// context is current.
+void requireOpenGL();
+
+// Throws std::runtime_error unless the current context's version is at least the required one.
+void checkOpenGLVersion(int requiredMajor, int requiredMinor);
+
+bool glewInitialized();  // whether GLEW has loaded the entry points
+bool openGL42();         // whether the context last checked reports OpenGL 4.2 or later
+
+}  // namespace oct::gl

@@ -1,0 +1,18 @@
+// Pixel transfer settings of the current context.
+#pragma once
+
+#include "gl/gl.h"
+
+namespace oct::gl {
+
+// Makes uploads read tightly packed client memory: a client's context may carry other settings, or a buffer that
+// would turn the pointer into an offset.
+inline void resetPixelUnpack() {
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+  glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+  glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+  glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
+  glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
+}
+
+}  // namespace oct::gl

@@ -1,0 +1,33 @@
+#include "gl/program_cache.h"
+
+#include <map>
+#include <mutex>
+
+namespace oct::gl {
+namespace {
+
+struct Cache {
+  std::mutex mutex;
+  std::map<ProgramKey, std::shared_ptr<const ProgramBinary>> entries;
+};
+
+Cache& cache() {
+  static Cache instance;
+  return instance;
+}
+
+}  // namespace
+
+std::shared_ptr<const ProgramBinary> findProgramBinary(const ProgramKey& key) {
+  const std::lock_guard lock(cache().mutex);
+  const auto entry = cache().entries.find(key);
+  return entry == cache().entries.end() ? nullptr : entry->second;
+}
+
+void storeProgramBinary(const ProgramKey& key, ProgramBinary binary) {
+  auto entry = std::make_shared<const ProgramBinary>(std::move(binary));
+  const std::lock_guard lock(cache().mutex);
+  cache().entries[key] = std::move(entry);
+}
+
+}  // namespace oct::gl

@@ -1,0 +1,36 @@
+#include "gl/quad.h"
+
+#include <array>
+#include <stdexcept>
+
+namespace oct::gl {
+
+void Quad::create(const char* failure) {
+  if (buffer_) return;
+  Buffer buffer = Buffer::create();
+  if (!buffer) throw std::runtime_error(failure);
+  VertexArray vertexArray = VertexArray::create();
+  constexpr std::array<GLfloat, 8> corners{-1, -1, 1, -1, -1, 1, 1, 1};
+  glBindVertexArray(vertexArray.get());
+  glBindBuffer(GL_ARRAY_BUFFER, buffer.get());
+  glBufferData(GL_ARRAY_BUFFER, sizeof corners, corners.data(), GL_STATIC_DRAW);
+  glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
+  glEnableVertexAttribArray(0);
+  glBindVertexArray(0);
+  glBindBuffer(GL_ARRAY_BUFFER, 0);
+  buffer_ = std::move(buffer);
+  vertexArray_ = std::move(vertexArray);
+}
+
+void Quad::release() {
+  vertexArray_.reset();
+  buffer_.reset();
+}
+
+void Quad::draw() const {
+  glBindVertexArray(vertexArray_.get());
+  glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+  glBindVertexArray(0);
+}
+
+}  // namespace oct::gl

@@ -1,0 +1,117 @@
+#include "gl/shader.h"
+
+#include <stdexcept>
+#include <vector>
+
+#include "core/exception.h"
+#include "core/log.h"
+#include "gl/opengl_error.h"
+#include "gl/program_cache.h"
+
+namespace oct::gl {
+namespace {
+
+ProgramKey keyOf(const std::string& name, const std::string& vertexSource, const std::string& fragmentSource) {
+  return {{fragmentSource.size(), vertexSource.size()}, name};
+}
+
+ShaderObject compile(GLenum stage, const std::string& source) {
+  ShaderObject shader = ShaderObject::create(stage);
+  const GLchar* const text = source.c_str();
+  glShaderSource(shader.get(), 1, &text, nullptr);
+  glCompileShader(shader.get());
+  return shader;
+}
+
+void checkCompiled(const ShaderObject& shader, const char* failure) {
+  GLint status = GL_FALSE;
+  glGetShaderiv(shader.get(), GL_COMPILE_STATUS, &status);
+  if (status == GL_TRUE) return;
+  GLint length = 0;
+  glGetShaderiv(shader.get(), GL_INFO_LOG_LENGTH, &length);
+  std::vector<GLchar> text(static_cast<std::size_t>(length) + 1, '\0');
+  glGetShaderInfoLog(shader.get(), length, nullptr, text.data());
+  log() << "Shader compilation failed: " << text.data();
+  throw Exception(failure);
+}
+
+GLint binaryLength(const Program& program) {
+  GLint length = 0;
+  glGetProgramiv(program.get(), GL_PROGRAM_BINARY_LENGTH, &length);
+  return length;
+}
+
+// Nothing is kept when the driver offers no binary formats: it then reports length 0, and reading would be an
+// error.
+void keepBinary(const Program& program, const ProgramKey& key) {
+  ProgramBinary binary;
+  const GLint length = binaryLength(program);
+  if (length > 0) {
+    binary.bytes.resize(static_cast<std::size_t>(length));
+    glGetProgramBinary(program.get(), length, nullptr, &binary.format, binary.bytes.data());
+  }
+  throwOnGLError("BinaryShader");
+  if (length > 0) storeProgramBinary(key, std::move(binary));
+}
+
+}  // namespace
+
+void Shader::load_to_program(const std::string& name, const std::string& vertexSource,
+                             const std::string& fragmentSource) {
+  release();
+  if (loadBinary(name, vertexSource, fragmentSource)) return;
+  compileAndLink(vertexSource, fragmentSource);
+  keepBinary(program_, keyOf(name, vertexSource, fragmentSource));
+}
+
+bool Shader::loadBinary(const std::string& name, const std::string& vertexSource,
+                        const std::string& fragmentSource) {
+  const auto binary = findProgramBinary(keyOf(name, vertexSource, fragmentSource));
+  if (!binary) return false;
+  program_ = Program::create();
+  glProgramBinary(program_.get(), binary->format, binary->bytes.data(),
+                  static_cast<GLsizei>(binary->bytes.size()));
+  throwOnGLError("BinaryShader::load_to_program");
+  // A driver may refuse a binary without raising an error (after an update, or one made for another GPU of this
+  // machine). It then holds no executable for the program, and the sources are compiled again.
+  return binaryLength(program_) > 0;
+}
+
+void Shader::compileAndLink(const std::string& vertexSource, const std::string& fragmentSource) {
+  vertexShader_ = compile(GL_VERTEX_SHADER, vertexSource);
+  checkCompiled(vertexShader_, "Vertex shader compilation failed");
+  fragmentShader_ = compile(GL_FRAGMENT_SHADER, fragmentSource);
+  checkCompiled(fragmentShader_, "Fragment shader compilation failed");
+  program_ = Program::create();
+  glAttachShader(program_.get(), vertexShader_.get());
+  glAttachShader(program_.get(), fragmentShader_.get());
+  glProgramParameteri(program_.get(), GL_PROGRAM_BINARY_RETRIEVABLE_HINT, GL_TRUE);
+  glLinkProgram(program_.get());
+  GLint status = GL_FALSE;
+  glGetProgramiv(program_.get(), GL_LINK_STATUS, &status);
+  if (status != GL_TRUE) {
+    log() << "Linking failed. ";
+    throw Exception("");
+  }
+  vertexShader_.reset();
+  fragmentShader_.reset();
+}
+
+void Shader::release() {
+  vertexShader_.reset();
+  fragmentShader_.reset();
+  program_.reset();
+}
+
+void Shader::use() const {
+  if (!program_) throw std::runtime_error("Program has not been compiled yet.");
+  glUseProgram(program_.get());
+}
+
+GLint Shader::uniform(const char* name) const {
+  const GLint location = glGetUniformLocation(program_.get(), name);
+  if (location == -1) log() << "Uniform " << name << " was not found. ";
+  return location;
+}
+
+}  // namespace oct::gl
