@@ -1,0 +1,23 @@
+# Library, header, CMake config package and pkg-config file.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS oct_rendering EXPORT oct_rendering-targets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+  RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+if(OCT_PLATFORM STREQUAL "windows")
+  install(FILES "${CMAKE_BINARY_DIR}/bin/oct_rendering.lib" DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+endif()
+install(DIRECTORY "${CMAKE_SOURCE_DIR}/include/oct_rendering" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+
+set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/oct_rendering")
+install(EXPORT oct_rendering-targets NAMESPACE oct_rendering:: DESTINATION "${package_dir}")
+configure_package_config_file("${CMAKE_SOURCE_DIR}/cmake/oct_rendering-config.cmake.in"
+  "${CMAKE_BINARY_DIR}/oct_rendering-config.cmake" INSTALL_DESTINATION "${package_dir}")
+write_basic_package_version_file("${CMAKE_BINARY_DIR}/oct_rendering-config-version.cmake"
+  COMPATIBILITY SameMajorVersion)
+install(FILES "${CMAKE_BINARY_DIR}/oct_rendering-config.cmake"
+  "${CMAKE_BINARY_DIR}/oct_rendering-config-version.cmake" DESTINATION "${package_dir}")
+
+configure_file("${CMAKE_SOURCE_DIR}/cmake/oct_rendering.pc.in" "${CMAKE_BINARY_DIR}/oct_rendering.pc" @ONLY)
+install(FILES "${CMAKE_BINARY_DIR}/oct_rendering.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

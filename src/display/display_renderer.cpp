@@ -1,0 +1,231 @@
+#include "display/display_renderer.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "core/log.h"
+#include "core/timing_mark.h"
+#include "gl/opengl_error.h"
+#include "gl/opengl_loader.h"
+#include "shaders.h"
+
+namespace oct {
+namespace {
+
+// Texture units of the two programs.
+constexpr GLint displayUnit = 0;
+constexpr GLint colorUnit = 1;
+constexpr GLint overlayUnit = 2;
+
+void bindTexture(GLint unit, GLenum target, GLuint texture) {
+  glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
+  glBindTexture(target, texture);
+}
+
+// Leaves no program and no texture of a frame bound, however the frame ends.
+class FrameBindings {
+ public:
+  FrameBindings() = default;
+  ~FrameBindings() {
+    bindTexture(overlayUnit, GL_TEXTURE_2D, 0);
+    bindTexture(colorUnit, GL_TEXTURE_1D, 0);
+    bindTexture(displayUnit, GL_TEXTURE_2D, 0);
+    glUseProgram(0);
+    glDisable(GL_BLEND);
+  }
+  FrameBindings(const FrameBindings&) = delete;
+  FrameBindings& operator=(const FrameBindings&) = delete;
+};
+
+}  // namespace
+
+struct DisplayRenderer::Frame {
+  const FrameSettings& settings;
+  TextureView image;  // the base image after its filters; depth along the first axis
+  GLsizei width;      // of the viewport
+  GLsizei height;
+};
+
+DisplayRenderer::~DisplayRenderer() {
+  const TimingMark destruction("Display renderer destruction");
+  const TimingMark mark("~DisplayRenderer");
+}
+
+void DisplayRenderer::init() {
+  const TimingMark mark("Before DisplayRenderer::init");
+  gl::requireOpenGL();
+  gl::throwOnGLError("Before DisplayRenderer::init");
+  release();
+  try {
+    buildPrograms();
+    filters_.init();
+    quad_.create("Could not create OpenGL buffer. ");
+    gl::throwOnGLError("DisplayRenderer::init");
+  } catch (...) {
+    release();
+    throw;
+  }
+  {
+    const std::lock_guard lock(settingsMutex_);
+    for (Layer& layer : layers_) layer.colormapChanged = true;
+  }
+  initialized_ = true;
+}
+
+void DisplayRenderer::buildPrograms() {
+  gl::Shader& display = display_.shader;
+  display.load_to_program("display_program", shaders::display_vert, shaders::display_frag);
+  display_.lowerValue = display.uniform("lowerValue");
+  display_.upperValue = display.uniform("upperValue");
+  display_.displayTex = display.uniform("displayTex");
+  display_.colorTex = display.uniform("colorTex");
+  display_.textureSize = display.uniform("textureSize");
+  display_.displaySize = display.uniform("displaySize");
+  display_.dpp = display.uniform("DPP");
+  display_.gamma = display.uniform("gamma");
+  display_.flip = display.uniform("flip");
+
+  gl::Shader& overlay = overlay_.shader;
+  overlay.load_to_program("overlay_program", shaders::display_vert, shaders::overlay_frag);
+  overlay_.lowerValue = overlay.uniform("lowerValue");
+  overlay_.upperValue = overlay.uniform("upperValue");
+  overlay_.displayTex = overlay.uniform("displayTex");
+  overlay_.overlayTex = overlay.uniform("overlayTex");
+  overlay_.colorTex = overlay.uniform("colorTex");
+  overlay_.displaySize = overlay.uniform("displaySize");
+  overlay_.threshold = overlay.uniform("threshold");
+  overlay_.flip = overlay.uniform("flip");
+}
+
+void DisplayRenderer::release() {
+  initialized_ = false;
+  display_.shader.release();
+  overlay_.shader.release();
+  filters_.release();
+  quad_.release();
+  for (gl::Texture& texture : colormapTextures_) texture.reset();
+  displayData_.release();
+  overlayData_.release();
+}
+
+void DisplayRenderer::uninit() {
+  const TimingMark begin("DisplayRenderer::uninit begin");
+  const TimingMark mark("Uninit display renderer");
+  if (!initialized_) return;
+  gl::requireOpenGL();
+  release();
+  gl::throwOnGLError("DisplayRenderer::uninit");
+}
+
+void DisplayRenderer::render() {
+  if (!initialized_) {
+    log() << "Renderer has not yet been initialized. Aborting rendering";
+    return;
+  }
+  gl::requireOpenGL();
+  gl::throwOnGLError("render: init");
+  const FrameBindings bindings;
+  const FrameSettings settings = takeSettings();
+  uploadColormaps(settings);
+
+  const auto locked = displayData_.lock();
+  if (locked->texture() == 0) throw std::runtime_error("Invalid texture for rendering....");
+  const TextureView source{locked->texture(), static_cast<GLsizei>(locked->height()),
+                           static_cast<GLsizei>(locked->width())};
+  const TextureView image = filters_.run(source);
+  quad_.create("Could not create OpenGL buffer.");
+
+  glDisable(GL_DEPTH_TEST);
+  glDisable(GL_BLEND);
+  glDisable(GL_CULL_FACE);
+  const auto& background = settings.common.backgroundColor;
+  glClearColor(background[0], background[1], background[2], background[3]);
+  glClear(GL_COLOR_BUFFER_BIT);
+
+  std::array<GLint, 4> viewport{};
+  glGetIntegerv(GL_VIEWPORT, viewport.data());
+  const Frame frame{settings, image, viewport[2], viewport[3]};
+  if (frame.width > 0 && frame.height > 0) {
+    drawBase(frame);
+    drawOverlays(frame);
+  }
+  gl::throwOnGLError("DisplayRenderer::render");
+}
+
+DisplayRenderer::FrameSettings DisplayRenderer::takeSettings() {
+  const std::lock_guard lock(settingsMutex_);
+  FrameSettings result;
+  result.common = settings_;
+  for (std::size_t i = 0; i < layerCount; ++i) {
+    result.layers[i] = layers_[i].settings;
+    if (!layers_[i].colormapChanged) continue;
+    result.changedColormaps.push_back({i, layers_[i].colormap});
+    layers_[i].colormapChanged = false;
+  }
+  return result;
+}
+
+void DisplayRenderer::uploadColormaps(const FrameSettings& settings) {
+  for (const ChangedColormap& changed : settings.changedColormaps) {
+    uploadColormap(colormapTextures_[changed.layer], changed.colormap);
+    gl::throwOnGLError("render: colormap changed");
+  }
+}
+
+void DisplayRenderer::drawBase(const Frame& frame) {
+  const auto samples = [](GLsizei texels, GLsizei pixels) {
+    return std::max(static_cast<float>(texels) / static_cast<float>(pixels), 1.0F);
+  };
+  const LayerSettings& layer = frame.settings.layers[0];
+  const bool reduce = frame.settings.common.dynamicReduction;
+  const GLsizei aScans = frame.image.height;
+  const GLsizei depth = frame.image.width;
+
+  display_.shader.use();
+  bindTexture(displayUnit, GL_TEXTURE_2D, frame.image.texture);
+  bindTexture(colorUnit, GL_TEXTURE_1D, colormapTextures_[0].get());
+  glUniform1i(display_.displayTex, displayUnit);
+  glUniform1i(display_.colorTex, colorUnit);
+  glUniform1f(display_.lowerValue, layer.lowerValue);
+  glUniform1f(display_.upperValue, layer.upperValue);
+  glUniform2f(display_.textureSize, static_cast<float>(aScans), static_cast<float>(depth));
+  glUniform2f(display_.displaySize, static_cast<float>(frame.width), static_cast<float>(frame.height));
+  glUniform2f(display_.dpp, reduce ? samples(aScans, frame.width) : 1.0F,
+              reduce ? samples(depth, frame.height) : 1.0F);
+  glUniform1f(display_.gamma, frame.settings.common.gamma);
+  glUniform1i(display_.flip, frame.settings.common.flip);
+  quad_.draw();
+}
+
+void DisplayRenderer::drawOverlays(const Frame& frame) {
+  const auto& layers = frame.settings.layers;
+  if (std::none_of(layers.begin() + 1, layers.end(), [](const auto& layer) { return layer.enabled; })) return;
+
+  const auto locked = overlayData_.lock();
+  if (locked->texture() == 0) throw std::runtime_error("Invalid texture for rendering....");
+  glEnable(GL_BLEND);
+  glBlendEquation(GL_FUNC_ADD);
+  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+  overlay_.shader.use();
+  bindTexture(displayUnit, GL_TEXTURE_2D, frame.image.texture);
+  bindTexture(overlayUnit, GL_TEXTURE_2D, locked->texture());
+  for (std::size_t i = 1; i < layerCount; ++i) {
+    if (layers[i].enabled) drawOverlay(frame, i);
+  }
+}
+
+void DisplayRenderer::drawOverlay(const Frame& frame, std::size_t index) {
+  const LayerSettings& layer = frame.settings.layers[index];
+  bindTexture(colorUnit, GL_TEXTURE_1D, colormapTextures_[index].get());
+  glUniform1i(overlay_.displayTex, displayUnit);
+  glUniform1i(overlay_.overlayTex, overlayUnit);
+  glUniform1i(overlay_.colorTex, colorUnit);
+  glUniform1f(overlay_.lowerValue, layer.lowerValue);
+  glUniform1f(overlay_.upperValue, layer.upperValue);
+  glUniform1f(overlay_.threshold, frame.settings.common.threshold);
+  glUniform2f(overlay_.displaySize, static_cast<float>(frame.width), static_cast<float>(frame.height));
+  glUniform1i(overlay_.flip, frame.settings.common.flip);
+  quad_.draw();
+}
+
+}  // namespace oct

@@ -1,0 +1,115 @@
+#include "display/filters.h"
+
+#include <vector>
+
+#include "gl/draw_state.h"
+#include "gl/opengl_error.h"
+#include "gl/pixel_store.h"
+#include "shaders.h"
+
+namespace oct {
+
+void AbstractOpenGLFilter::init() {
+  program_.load_to_program("filter_program_" + name(), shaders::filter_vert, fragment_source());
+  inputTextureUniform_ = program_.uniform("inputTexture");
+  inputTextureSizeUniform_ = program_.uniform("inputTextureSize");
+  quad_.create("Could not create OpenGL buffer. ");
+}
+
+void AbstractOpenGLFilter::release() {
+  program_.release();
+  quad_.release();
+  framebuffer_.reset();
+  output_.reset();
+  width_ = 0;
+  height_ = 0;
+}
+
+void AbstractOpenGLFilter::bind_input(const TextureView& input) {
+  glActiveTexture(GL_TEXTURE0);
+  if (!output_ || input.width != width_ || input.height != height_) {
+    // Forgotten first: if OpenGL refuses the allocation below, the next pass tries again.
+    width_ = 0;
+    height_ = 0;
+    if (!output_) output_ = gl::Texture::create();
+    glBindTexture(GL_TEXTURE_2D, output_.get());
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    gl::resetPixelUnpack();
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_R32F, input.width, input.height, 0, GL_RED, GL_FLOAT, nullptr);
+    gl::throwOnGLError("AbstractOpenGLFilter::resize");
+    width_ = input.width;
+    height_ = input.height;
+  }
+  if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
+  glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, output_.get(), 0);
+  glViewport(0, 0, width_, height_);
+  glBindTexture(GL_TEXTURE_2D, input.texture);
+}
+
+void AbstractOpenGLFilter::set_uniforms(const TextureView& input) {
+  program_.use();
+  glUniform1i(inputTextureUniform_, 0);
+  glUniform2f(inputTextureSizeUniform_, static_cast<GLfloat>(input.width), static_cast<GLfloat>(input.height));
+}
+
+void AbstractOpenGLFilter::draw() {
+  quad_.draw();
+  gl::throwOnGLError("AbstractOpenGLFilter::draw");
+}
+
+std::string GaussianFilterX::name() const { return "gaussian_x"; }
+const char* GaussianFilterX::fragment_source() const { return shaders::gaussian_x_frag; }
+
+std::string GaussianFilterY::name() const { return "gaussian_y"; }
+const char* GaussianFilterY::fragment_source() const { return shaders::gaussian_y_frag; }
+
+std::string PepperFilter::name() const { return "pepper"; }
+const char* PepperFilter::fragment_source() const { return shaders::pepper_frag; }
+
+FilterChain::FilterChain()
+    : slots_{std::make_unique<GaussianFilterX>(), std::make_unique<GaussianFilterY>(),
+             std::make_unique<PepperFilter>(), std::make_unique<GaussianFilterX>(),
+             std::make_unique<GaussianFilterY>()} {}
+
+void FilterChain::setBlur(bool first, bool second) {
+  slots_[0]->enabled = first;
+  slots_[1]->enabled = first;
+  slots_[3]->enabled = second;
+  slots_[4]->enabled = second;
+}
+
+void FilterChain::setPepper(bool enabled) { slots_[2]->enabled = enabled; }
+
+void FilterChain::init() {
+  for (const auto& filter : slots_) filter->init();
+}
+
+void FilterChain::release() {
+  for (const auto& filter : slots_) filter->release();
+}
+
+TextureView FilterChain::run(const TextureView& input) {
+  std::vector<AbstractOpenGLFilter*> enabled;
+  for (const auto& filter : slots_) {
+    if (filter->enabled) enabled.push_back(filter.get());
+  }
+  if (enabled.empty()) return input;
+
+  const gl::DrawTargetGuard target;
+  const gl::ScopedDisable plain{GL_BLEND, GL_DEPTH_TEST, GL_CULL_FACE, GL_SCISSOR_TEST};
+  TextureView current = input;
+  for (AbstractOpenGLFilter* const filter : enabled) {
+    filter->bind_input(current);
+    filter->set_uniforms(current);
+    filter->draw();
+    current = filter->output();
+  }
+  glBindTexture(GL_TEXTURE_2D, 0);
+  return current;
+}
+
+}  // namespace oct

@@ -1,0 +1,118 @@
+#include "hosting/offscreen_buffer_object.h"
+
+#include <chrono>
+#include <utility>
+
+#include "core/timing_mark.h"
+
+namespace oct {
+
+void OffscreenBufferObject::release() {
+  detach();
+  const GLuint names[] = {framebuffer_.get(), color_.get(), depth_.get()};
+  framebuffer_.reset();
+  color_.reset();
+  depth_.reset();
+  // A second time, with names that no longer exist: OpenGL ignores them.
+  gl::FramebufferKind::destroy(names[0]);
+  gl::RenderbufferKind::destroy(names[1]);
+  gl::RenderbufferKind::destroy(names[2]);
+}
+
+void OffscreenBufferObject::resize(std::uint32_t width, std::uint32_t height) {
+  done_.guarded([&] { size_ = {width, height}; });
+}
+
+OffscreenBufferObject::Size OffscreenBufferObject::size() const {
+  return done_.guarded([&] { return size_; });
+}
+
+std::uint32_t OffscreenBufferObject::width() const { return size().width; }
+std::uint32_t OffscreenBufferObject::height() const { return size().height; }
+
+void OffscreenBufferObject::detach() {
+  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+  if (framebuffer_) {
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, 0);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, 0);
+  }
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  glBindRenderbuffer(GL_RENDERBUFFER, 0);
+}
+
+// The target is made anew for every frame, so that the size is always the current one and no frame depends on what
+// an earlier one left.
+void OffscreenBufferObject::prepare(std::int32_t request) {
+  const TimingMark mark("OffscreenBuffer::prepare");
+  lastRequest_ = request;
+  if (framebuffer_ && color_ && depth_) {
+    detach();
+  } else {
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glBindRenderbuffer(GL_RENDERBUFFER, 0);
+  }
+  framebuffer_.reset();
+  color_.reset();
+  depth_.reset();
+
+  frameSize_ = size();
+  const auto width = static_cast<GLsizei>(frameSize_.width);
+  const auto height = static_cast<GLsizei>(frameSize_.height);
+  framebuffer_ = gl::Framebuffer::create();
+  color_ = gl::Renderbuffer::create();
+  depth_ = gl::Renderbuffer::create();
+  glBindRenderbuffer(GL_RENDERBUFFER, color_.get());
+  glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, width, height);
+  glBindRenderbuffer(GL_RENDERBUFFER, depth_.get());
+  glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, width, height);
+  glBindRenderbuffer(GL_RENDERBUFFER, 0);
+  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color_.get());
+  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, depth_.get());
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
+  glViewport(0, 0, width, height);
+  recordTimingMark("before_rendering");
+}
+
+void OffscreenBufferObject::finish() {
+  const TimingMark mark("OffscreenBuffer::finish");
+  // A client may have asked for another size while this frame was drawn. Its memory has that size, so it is left
+  // for the next frame.
+  bool stale = false;
+  void* const data = done_.guarded([&]() -> void* {
+    stale = outputData_ && !(frameSize_ == size_);
+    return stale ? nullptr : std::exchange(outputData_, nullptr);
+  });
+  if (stale) return;
+  if (data) read_pixels(data);
+  done_.signal(0xFFFFFFFFU);
+}
+
+std::int64_t OffscreenBufferObject::timestamp() const {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+}
+
+void OffscreenBufferObject::read_pixels(void* data) {
+  if (!data) return;
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+  glReadBuffer(GL_COLOR_ATTACHMENT0);
+  glReadPixels(0, 0, static_cast<GLsizei>(frameSize_.width), static_cast<GLsizei>(frameSize_.height), GL_BGRA,
+               GL_UNSIGNED_BYTE, data);
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+}
+
+void OffscreenBufferObject::set_output_data(void* data) {
+  const TimingMark mark("OffscreenBuffer::set_output_data");
+  done_.clear([&] { outputData_ = data; });
+}
+
+void OffscreenBufferObject::wait() {
+  const TimingMark mark("OffscreenBuffer::wait");
+  done_.wait([&] { outputData_ = nullptr; });
+}
+
+}  // namespace oct

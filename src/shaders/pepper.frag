@@ -1,0 +1,23 @@
+#version 330 core
+
+// Lifts texels below the mean of their 3 by 3 neighbourhood to that mean; bright structure stays as it is.
+in vec2 texCoord;
+out float result;
+
+uniform sampler2D inputTexture;
+uniform vec2 inputTextureSize;
+
+const float threshold = 0.0;  // not used: every texel below its mean is lifted
+
+void main() {
+  vec2 step = 1.0 / inputTextureSize;
+  float sum = 0.0;
+  for (int x = -1; x <= 1; ++x) {
+    for (int y = -1; y <= 1; ++y) {
+      sum += texture(inputTexture, texCoord + vec2(float(x), float(y)) * step).r;
+    }
+  }
+  float mean = sum / 9.0;
+  float centre = texture(inputTexture, texCoord).r;
+  result = centre < mean ? mean : centre;
+}
