@@ -14,6 +14,7 @@ void AbstractOpenGLFilter::init() {
   inputTextureUniform_ = program_.uniform("inputTexture");
   inputTextureSizeUniform_ = program_.uniform("inputTextureSize");
   quad_.create("Could not create OpenGL buffer. ");
+  gl::throwOnGLError("AbstractOpenGLFilter::init");
 }
 
 void AbstractOpenGLFilter::release() {

@@ -1,5 +1,6 @@
 #include "display/simple_data_provider.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -20,8 +21,11 @@ std::size_t sampleCount(int height, int width) {
   return static_cast<std::size_t>(count);
 }
 
-// Asks the driver whether it could hold such a texture.
-bool proxyAccepts(GLint internalFormat, GLenum type, int height, int width) {
+// Asks the driver whether it could hold such a texture. Extents above the limit are as good as the next one above
+// it; Mesa's software renderer writes past its stack when it sizes one of 2^30 texels.
+bool proxyAccepts(GLint internalFormat, GLenum type, int height, int width, GLint limit) {
+  height = std::min(height, limit + 1);
+  width = std::min(width, limit + 1);
   glTexImage2D(GL_PROXY_TEXTURE_2D, 0, internalFormat, height, width, 0, GL_RED, type, nullptr);
   GLint firstAxis = 0;
   GLint secondAxis = 0;
@@ -87,8 +91,8 @@ void SimpleDataProvider::resize(int height, int width) {
   texture_.reset();
   gl::resetPixelUnpack();
   GLint internalFormat = GL_R32F;
-  if (!proxyAccepts(GL_R32F, GL_FLOAT, height, width)) {
-    if (!proxyAccepts(GL_R16F, GL_HALF_FLOAT, height, width)) {
+  if (!proxyAccepts(GL_R32F, GL_FLOAT, height, width, limit)) {
+    if (!proxyAccepts(GL_R16F, GL_HALF_FLOAT, height, width, limit)) {
       glGetError();  // some drivers raise an error for an impossible proxy; this exception says it all
       throw std::invalid_argument("Cannot generate a texture of the required size. ");
     }

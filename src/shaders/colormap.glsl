@@ -1,5 +1,8 @@
-// Colour of a normalised value: the centre of the first entry at 0, the centre of the last at 1.
+// Colour of a normalised value: the first entry at 0, the last at 1, linear in between. Interpolated here and not by
+// the texture unit, whose weights have eight bits: on a map of two colours, or blended as an overlay, that shows.
 vec4 colorOf(sampler1D colors, float value) {
-  float count = float(textureSize(colors, 0));
-  return texture(colors, (0.5 + clamp(value, 0.0, 1.0) * (count - 1.0)) / count);
+  int last = textureSize(colors, 0) - 1;
+  float position = clamp(value, 0.0, 1.0) * float(last);
+  int below = int(position);
+  return mix(texelFetch(colors, below, 0), texelFetch(colors, min(below + 1, last), 0), position - float(below));
 }

@@ -1,0 +1,89 @@
+// Settings from several threads while the rendering thread draws.
+#include <atomic>
+#include <thread>
+
+#include "support/display_reference.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+// Every colour map is of one colour and every image of one value, so that a torn one shows as a second colour.
+TEST(DisplayThreadGLTest, NoTornSettings) {
+  const OffscreenTargetHandle target = createOffscreenTarget();
+  const DisplayRenderingHandle renderer = createDisplayRendering();
+  initDisplayRendering(renderer);
+  const std::vector<float> first(64 * 64, 0.5F);
+  setDisplayData(renderer, 64, 64, first.data());
+  setDisplayOverlayData(renderer, 64, 64, first.data());
+
+  std::atomic<bool> running{true};
+  std::vector<std::thread> writers;
+  for (unsigned writer = 0; writer < 4; ++writer) {
+    writers.emplace_back([&, writer] {
+      for (unsigned i = 0; running; ++i) {
+        const std::uint32_t grey = (i * 7 + writer * 50) & 0xFFU;
+        const std::vector<std::uint32_t> colors(64 + 64 * (i % 4), grey | grey << 8 | grey << 16 | 0xFF000000U);
+        setDisplayColormap(renderer, colors.data(), static_cast<int>(colors.size()));
+        const int size = 16 + static_cast<int>(i % 3) * 24;
+        const std::vector<float> samples(static_cast<std::size_t>(size) * static_cast<std::size_t>(size), 0.25F);
+        setDisplayData(renderer, size, size, samples.data());
+        setDisplayColoringBoundaries(renderer, -0.1 * i, 1.0 + 0.1 * i);
+        setDisplayBlur(renderer, i % 2, i % 3 == 0);
+        setDisplayPepperFilter(renderer, i % 5 == 0);
+        setDisplayFlip(renderer, i % 2);
+        setBackgroundColor(renderer, static_cast<int>(i));
+        setDisplayBounds(renderer, 0, size);
+        // Invisible overlays: their work is done, their colour is not seen.
+        const std::uint32_t clear[] = {0x00FFFFFFU, 0x00FFFFFFU};
+        setDisplayOverlayColormap(renderer, static_cast<int>(i % OCT_DISPLAY_OVERLAYS), clear, 2);
+        setDisplayOverlayData(renderer, size, size, samples.data());
+        setDisplayOveralyThreshold(renderer, 10.0);
+        setDisplayNumberOverlays(renderer, 0, static_cast<int>(i % 9));
+      }
+    });
+  }
+
+  Picture picture(32, 32);
+  int torn = 0;
+  for (int frame = 0; frame < 200; ++frame) {
+    beginOffscreenFrame(target, 32, 32);
+    renderDisplay(renderer);
+    finishOffscreenFrame(target, picture.bytes.data());
+    for (std::size_t i = 4; i < picture.bytes.size(); ++i) {
+      if (picture.bytes[i] != picture.bytes[i - 4]) {
+        ++torn;
+        break;
+      }
+    }
+  }
+  running = false;
+  for (std::thread& writer : writers) writer.join();
+  EXPECT_EQ(torn, 0);
+  EXPECT_EQ(pendingError(), "(none)");
+  uninitDisplayRendering(renderer);
+  clearDisplayRendering(renderer);
+  clearOffscreenTarget(target);
+}
+
+// Two renderers in two contexts on two threads, built at the same time from the same program cache.
+TEST(DisplayThreadGLTest, RenderersOnSeveralThreads) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([i] {
+      Scene scene;
+      scene.image = testImage(50 + i, 60 - i, static_cast<unsigned>(i));
+      scene.width = 70;
+      scene.height = 40;
+      scene.firstBlur = scene.pepper = true;
+      for (int round = 0; round < 5; ++round) {
+        EXPECT_TRUE(agree(renderedPicture(scene), referencePicture(scene)));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,169 @@
+#include "support/display_reference.h"
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+namespace oct::test {
+namespace {
+
+using Color = std::array<double, 4>;  // red, green, blue, alpha from 0 to 1
+
+double sampleClamped(const Image& image, int z, int x) {
+  return image.at(std::clamp(z, 0, image.depth - 1), std::clamp(x, 0, image.aScans - 1));
+}
+
+template <class Function>
+Image mapped(const Image& image, Function&& value) {
+  Image result{image.depth, image.aScans, std::vector<float>(image.samples.size())};
+  for (int x = 0; x < image.aScans; ++x) {
+    for (int z = 0; z < image.depth; ++z) {
+      result.samples[static_cast<std::size_t>(x) * static_cast<std::size_t>(image.depth) +
+                     static_cast<std::size_t>(z)] = static_cast<float>(value(z, x));
+    }
+  }
+  return result;
+}
+
+Image blurred(const Image& image) {
+  constexpr double kernel[] = {0.1, 0.2, 0.4, 0.2, 0.1};
+  const Image once = mapped(image, [&](int z, int x) {
+    double sum = 0.0;
+    for (int i = -2; i <= 2; ++i) sum += sampleClamped(image, z + i, x) * kernel[i + 2];
+    return sum;
+  });
+  return mapped(once, [&](int z, int x) {
+    double sum = 0.0;
+    for (int i = -2; i <= 2; ++i) sum += sampleClamped(once, z, x + i) * kernel[i + 2];
+    return sum;
+  });
+}
+
+Image peppered(const Image& image) {
+  return mapped(image, [&](int z, int x) {
+    double sum = 0.0;
+    for (int i = -1; i <= 1; ++i) {
+      for (int j = -1; j <= 1; ++j) sum += sampleClamped(image, z + i, x + j);
+    }
+    return std::max(sum / 9.0, static_cast<double>(image.at(z, x)));
+  });
+}
+
+Color colorOf(const std::vector<std::uint32_t>& colormap, double value) {
+  const double position = std::clamp(value, 0.0, 1.0) * static_cast<double>(colormap.size() - 1);
+  const auto below = static_cast<std::size_t>(position);
+  const std::size_t above = std::min(below + 1, colormap.size() - 1);
+  const double part = position - static_cast<double>(below);
+  Color color{};
+  for (unsigned c = 0; c < 4; ++c) {
+    const double low = (colormap[below] >> (8 * c)) & 0xFFU;
+    const double high = (colormap[above] >> (8 * c)) & 0xFFU;
+    color[c] = (low + (high - low) * part) / 255.0;
+  }
+  return color;
+}
+
+std::uint8_t quantised(double channel) {
+  return static_cast<std::uint8_t>(std::lround(std::clamp(channel, 0.0, 1.0) * 255.0));
+}
+
+// Index of the sample below the centre of a pixel: floor((pixel + 1/2) / pixels * samples).
+int sampleBelow(int pixel, int pixels, int samples) {
+  return static_cast<int>((2LL * pixel + 1) * samples / (2LL * pixels));
+}
+
+int samplesPerPixel(int samples, int pixels) {
+  return std::max(1, static_cast<int>(static_cast<float>(samples) / static_cast<float>(pixels)));
+}
+
+}  // namespace
+
+Image testImage(int depth, int aScans, unsigned seed) {
+  std::mt19937 generator(seed);
+  std::uniform_real_distribution<double> noise(-0.15, 0.15);
+  Image empty{depth, aScans, std::vector<float>(static_cast<std::size_t>(depth) * static_cast<std::size_t>(aScans))};
+  return mapped(empty, [&](int z, int x) {
+    const double slope = 1.2 * z / depth - 0.1;
+    const double waves = 0.25 * std::sin(x * 0.11) * std::cos(z * 0.07);
+    const bool speck = generator() % 41 == 0;
+    return speck ? -0.2 : slope + waves + noise(generator);
+  });
+}
+
+Picture referencePicture(const Scene& scene) {
+  Image image = scene.image;
+  if (scene.firstBlur) image = blurred(image);
+  if (scene.pepper) image = peppered(image);
+  if (scene.secondBlur) image = blurred(image);
+
+  const int boxDepth = samplesPerPixel(image.depth, scene.height);
+  const int boxAScans = samplesPerPixel(image.aScans, scene.width);
+  Picture picture(scene.width, scene.height);
+  for (int row = 0; row < scene.height; ++row) {
+    const int down = scene.flip ? row : scene.height - 1 - row;  // pixels along the depth axis
+    const int z = sampleBelow(down, scene.height, image.depth);
+    for (int column = 0; column < scene.width; ++column) {
+      const int x = sampleBelow(column, scene.width, image.aScans);
+      double sum = 0.0;
+      for (int i = 0; i < boxAScans; ++i) {
+        for (int j = 0; j < boxDepth; ++j) sum += sampleClamped(image, z + j, x + i);
+      }
+      const double value = sum / (boxAScans * boxDepth);
+      const Color base = colorOf(scene.colormap, (value - scene.lower) / (scene.upper - scene.lower));
+      std::array<std::uint8_t, 4> drawn{};
+      for (unsigned c = 0; c < 4; ++c) drawn[c] = quantised(base[c]);
+
+      for (const Overlay& overlay : scene.overlays) {
+        if (!(image.at(z, x) >= static_cast<float>(scene.threshold))) continue;
+        const double over = scene.overlayImage.at(sampleBelow(down, scene.height, scene.overlayImage.depth),
+                                                  sampleBelow(column, scene.width, scene.overlayImage.aScans));
+        const Color color = colorOf(overlay.colormap, (over - overlay.lower) / (overlay.upper - overlay.lower));
+        for (unsigned c = 0; c < 4; ++c) {
+          drawn[c] = quantised(color[c] * color[3] + drawn[c] / 255.0 * (1.0 - color[3]));
+        }
+      }
+      std::uint8_t* const pixel = picture.pixel(column, row);
+      pixel[0] = drawn[2];
+      pixel[1] = drawn[1];
+      pixel[2] = drawn[0];
+      pixel[3] = drawn[3];
+    }
+  }
+  return picture;
+}
+
+void apply(const Scene& scene, DisplayRenderingHandle renderer) {
+  setDisplayData(renderer, scene.image.depth, scene.image.aScans, scene.image.samples.data());
+  setDisplayColormap(renderer, scene.colormap.data(), static_cast<int>(scene.colormap.size()));
+  setDisplayColoringBoundaries(renderer, scene.lower, scene.upper);
+  setDisplayFlip(renderer, scene.flip);
+  setDisplayBlur(renderer, scene.firstBlur, scene.secondBlur);
+  setDisplayPepperFilter(renderer, scene.pepper);
+  setDisplayOverlayData(renderer, scene.overlayImage.depth, scene.overlayImage.aScans,
+                        scene.overlayImage.samples.data());
+  setDisplayOveralyThreshold(renderer, scene.threshold);
+  for (std::size_t i = 0; i < scene.overlays.size(); ++i) {
+    const Overlay& overlay = scene.overlays[i];
+    const int index = static_cast<int>(i);
+    setDisplayOverlayColormap(renderer, index, overlay.colormap.data(), static_cast<int>(overlay.colormap.size()));
+    setDisplayOveralyColoringBoundaries(renderer, index, overlay.lower, overlay.upper);
+  }
+  setDisplayNumberOverlays(renderer, 0, static_cast<int>(scene.overlays.size()));
+}
+
+Picture renderedPicture(const Scene& scene) {
+  Picture picture(scene.width, scene.height);
+  const OffscreenTargetHandle target = createOffscreenTarget();
+  const DisplayRenderingHandle renderer = createDisplayRendering();
+  initDisplayRendering(renderer);
+  apply(scene, renderer);
+  beginOffscreenFrame(target, static_cast<unsigned>(scene.width), static_cast<unsigned>(scene.height));
+  renderDisplay(renderer);
+  finishOffscreenFrame(target, picture.bytes.data());
+  uninitDisplayRendering(renderer);
+  clearDisplayRendering(renderer);
+  clearOffscreenTarget(target);
+  return picture;
+}
+
+}  // namespace oct::test

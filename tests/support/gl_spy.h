@@ -1,0 +1,42 @@
+// Counts OpenGL calls of the library, keeps a census of OpenGL objects, and makes calls fail.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+
+#include "gl/gl.h"
+
+namespace oct::test {
+
+// While it lives, the entry points it knows are replaced; one at a time, on one thread, with OpenGL loaded.
+class GlSpy {
+ public:
+  GlSpy();
+  ~GlSpy();
+  GlSpy(const GlSpy&) = delete;
+  GlSpy& operator=(const GlSpy&) = delete;
+
+  // Calls of a function, by its OpenGL name.
+  int calls(const std::string& function) const;
+
+  // Makes the next calls of a function fail: functions that create give 0, compile and link report failure, the
+  // others do nothing and leave the given error for glGetError.
+  void failNext(const std::string& function, int times = 1, GLenum error = GL_OUT_OF_MEMORY);
+
+  // What queries of these values answer from now on.
+  void answer(GLenum integerQuery, GLint value);
+
+  // Errors that glGetError will report, in this order, before OpenGL's own.
+  void queueError(GLenum error);
+
+  // Objects made and not deleted since the spy was made.
+  std::size_t liveObjects() const;
+
+  struct State;
+
+ private:
+  State* const state_;
+};
+
+}  // namespace oct::test

@@ -1,0 +1,79 @@
+#include "support/pictures.h"
+
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#include <stb/stb_image_write.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace oct::test {
+namespace {
+
+Picture difference(const Picture& a, const Picture& b) {
+  Picture result(a.width, a.height);
+  for (std::size_t i = 0; i < result.bytes.size(); ++i) {
+    const int apart = std::abs(int{a.bytes[i]} - int{b.bytes[i]});
+    result.bytes[i] = static_cast<std::uint8_t>(i % 4 == 3 ? 255 : std::min(255, apart * 32));
+  }
+  return result;
+}
+
+std::string currentTestName() {
+  const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
+  std::string name = std::string(test->test_suite_name()) + "." + test->name();
+  std::replace(name.begin(), name.end(), '/', '_');
+  return name;
+}
+
+}  // namespace
+
+void writePng(const Picture& picture, const std::string& file) {
+  std::vector<std::uint8_t> rgba(picture.bytes.size());
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      const std::uint8_t* const from = picture.pixel(x, picture.height - 1 - y);
+      std::uint8_t* const to =
+          rgba.data() + (static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width) + static_cast<std::size_t>(x)) * 4;
+      to[0] = from[2];
+      to[1] = from[1];
+      to[2] = from[0];
+      to[3] = from[3];
+    }
+  }
+  stbi_write_png(file.c_str(), picture.width, picture.height, 4, rgba.data(), picture.width * 4);
+}
+
+testing::AssertionResult agree(const Picture& actual, const Picture& expected, Tolerance tolerance) {
+  if (actual.width != expected.width || actual.height != expected.height) {
+    return testing::AssertionFailure() << "sizes differ";
+  }
+  int worst = 0;
+  std::size_t worstAt = 0;
+  std::size_t farPixels = 0;
+  const std::size_t pixels = actual.bytes.size() / 4;
+  for (std::size_t i = 0; i < pixels; ++i) {
+    int apart = 0;
+    for (std::size_t c = 0; c < 4; ++c) {
+      apart = std::max(apart, std::abs(int{actual.bytes[i * 4 + c]} - int{expected.bytes[i * 4 + c]}));
+    }
+    if (apart > tolerance.nearly) ++farPixels;
+    if (apart > worst) {
+      worst = apart;
+      worstAt = i;
+    }
+  }
+  const bool enough = static_cast<double>(farPixels) <= (1.0 - tolerance.fraction) * static_cast<double>(pixels);
+  if (enough && worst <= tolerance.most) return testing::AssertionSuccess();
+
+  const std::string name = currentTestName();
+  writePng(actual, name + ".actual.png");
+  writePng(expected, name + ".expected.png");
+  writePng(difference(actual, expected), name + ".difference.png");
+  return testing::AssertionFailure()
+         << farPixels << " of " << pixels << " pixels differ by more than " << tolerance.nearly
+         << " levels; the worst by " << worst << " at column " << worstAt % static_cast<std::size_t>(actual.width)
+         << ", row " << worstAt / static_cast<std::size_t>(actual.width) << " from the bottom. See " << name
+         << ".*.png";
+}
+
+}  // namespace oct::test

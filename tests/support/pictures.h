@@ -1,0 +1,43 @@
+// Whole pictures and how far two of them are apart.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace oct::test {
+
+// BGRA, bottom row first, as the library reads frames back.
+struct Picture {
+  int width = 0;
+  int height = 0;
+  std::vector<std::uint8_t> bytes;
+
+  Picture() = default;
+  Picture(int pictureWidth, int pictureHeight)
+      : width(pictureWidth),
+        height(pictureHeight),
+        bytes(static_cast<std::size_t>(pictureWidth) * static_cast<std::size_t>(pictureHeight) * 4) {}
+
+  // The pixel at column x of row y, counted from the bottom.
+  std::uint8_t* pixel(int x, int y) {
+    return bytes.data() + (static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)) * 4;
+  }
+  const std::uint8_t* pixel(int x, int y) const { return const_cast<Picture*>(this)->pixel(x, y); }
+};
+
+struct Tolerance {
+  int nearly = 1;           // levels of 255 that all but a few pixels may differ by
+  double fraction = 0.999;  // share of pixels within that
+  int most = 3;             // levels that no pixel exceeds
+};
+
+// Every channel counts. A failed comparison writes both pictures and their difference as PNG files into the
+// working folder and names them.
+testing::AssertionResult agree(const Picture& actual, const Picture& expected, Tolerance tolerance = {});
+
+void writePng(const Picture& picture, const std::string& file);
+
+}  // namespace oct::test

@@ -1,0 +1,36 @@
+#include "support/test_context.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "core/log.h"
+#include "gl/gl.h"
+#include "oct_rendering/oct_rendering.h"
+
+namespace oct::test {
+
+void GLTest::TearDown() { EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)); }
+
+std::string pendingError() {
+  std::array<char, 4096> message{};
+  if (getRendererError(message.data(), static_cast<int>(message.size())) == 0) return "(none)";
+  return message.data();
+}
+
+std::string logOf(const std::function<void()>& action) {
+  const auto file =
+      std::filesystem::temp_directory_path() / ("oct_log_" + std::to_string(std::random_device{}()) + ".txt");
+  setLogFileName(file.string());
+  action();
+  setLogFileName("");
+  log() << "closes the file before it is read";
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  std::filesystem::remove(file);
+  return text.str();
+}
+
+}  // namespace oct::test
