@@ -1,0 +1,31 @@
+/** @file
+ * Handle types of the device functions.
+ *
+ * A handle is an opaque value of pointer size. Null is the invalid handle. A handle is valid from the call
+ * that creates it to the call that clears it and is never given out again afterwards.
+ */
+#ifndef OCT_DEVICE_OCT_DEVICE_TYPES_H
+#define OCT_DEVICE_OCT_DEVICE_TYPES_H
+
+#if defined(_WIN32)
+#define OCT_DEVICE_API
+#else
+#define OCT_DEVICE_API __attribute__((visibility("default")))
+#endif
+
+/** An OCT device: light source, interferometer, scanner and camera. */
+typedef struct OctDevice* OCTDeviceHandle;
+
+/** The chain of computations that turns raw spectra into a depth-resolved picture. */
+typedef struct OctProcessing* ProcessingHandle;
+
+/** The lateral positions at which a volume is measured. */
+typedef struct OctScanPattern* ScanPatternHandle;
+
+/** The camera readings of one volume. */
+typedef struct OctRawData* RawDataHandle;
+
+/** A processed volume of 32-bit floats with its sizes and physical ranges. */
+typedef struct OctData* DataHandle;
+
+#endif

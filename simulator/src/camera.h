@@ -1,0 +1,31 @@
+/// @file
+/// The line camera behind the spectrometer.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace oct::simulator {
+
+/// Turns light into counts of 12 bits, with shot noise and read noise. Used by several threads at once.
+class Camera {
+public:
+  static constexpr int kLargestCount = 4095;
+
+  explicit Camera(std::uint64_t seed);
+
+  /// @param light relative to the brightest light of the reference arm, one value per pixel
+  /// @param exposure number of the exposure; another number gives other noise
+  /// @param counts receives the reading, 0 to kLargestCount
+  void expose(std::span<const float> light, std::uint64_t exposure, std::span<std::uint16_t> counts) const;
+
+  /// The reading without noise and rounding, for calibration.
+  static float meanCount(float light);
+
+private:
+  std::uint64_t seed_;
+  std::vector<float> deviates_;
+};
+
+}  // namespace oct::simulator

@@ -1,0 +1,36 @@
+/// @file
+/// What a phantom tells the interferometer about itself.
+#pragma once
+
+#include <vector>
+
+namespace oct::simulator {
+
+/// A smooth surface that returns light with a definite phase.
+struct Reflector {
+  double depthMm;   ///< optical depth
+  float amplitude;  ///< fringe amplitude relative to the light of the reference arm
+};
+
+/// Everything that sends light back along one A-scan. Depths are optical: geometric depth times the
+/// refractive index on the way.
+struct DepthProfile {
+  /// Light scattered from each depth cell, already weakened by the tissue above it: the fringe amplitude a
+  /// millimetre of such cells would give, per square root of a millimetre, relative to the reference arm.
+  std::vector<float> scattering;
+  std::vector<Reflector> reflectors;
+};
+
+/// An object in front of the device. The beam comes from depth 0; lateral position (0, 0) is the middle.
+class Phantom {
+public:
+  virtual ~Phantom() = default;
+
+  /// Describes the object at one lateral position. Called by several threads at once.
+  /// @param cellMm optical depth per cell
+  /// @param profile receives the description; the size of its scattering is the number of cells to fill, and
+  ///        it comes with all cells zero and without reflectors
+  virtual void describe(double xMm, double yMm, double cellMm, DepthProfile& profile) const = 0;
+};
+
+}  // namespace oct::simulator

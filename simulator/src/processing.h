@@ -1,0 +1,42 @@
+/// @file
+/// From camera readings to a picture in decibels.
+#pragma once
+
+#include "calibration.h"
+#include "data.h"
+#include "handle_table.h"
+#include "resampler.h"
+
+#include <complex>
+#include <memory>
+#include <vector>
+
+namespace oct::simulator {
+
+/// Processes whole volumes. The noise of one camera count per pixel gives about the same level for every
+/// spectrum length, because the transform is scaled to keep the signal's energy.
+class Processing : public HandleObject {
+public:
+  static constexpr const char* kName = "processing";
+
+  /// Throws std::invalid_argument if the sequences differ in length or the positions do not rise.
+  explicit Processing(const Calibration& calibration);
+
+  /// The output is not owned; if it is gone when execute() is called, that fails.
+  void setOutput(const std::shared_ptr<Data>& output) { output_ = output; }
+
+  /// @param workers number of threads, 0 for one per core; the result does not depend on it
+  void execute(const RawData& raw, int workers = 0);
+
+private:
+  std::vector<float> backgrounds(const RawData& raw, int workers) const;
+
+  int spectrumLength_;
+  double depthRangeMm_;
+  std::vector<float> background_;
+  Resampler toEvenWavenumbers_;
+  std::vector<std::complex<float>> weights_;
+  std::weak_ptr<Data> output_;
+};
+
+}  // namespace oct::simulator

@@ -1,0 +1,132 @@
+// The pictures must show the anatomy.
+
+#include "measurement.h"
+
+#include "finger_pad.h"
+#include "retina.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+
+namespace oct::simulator::test {
+namespace {
+
+/// Depth of the first sample of an A-scan that stands out of the noise, in millimetres.
+double firstLightMm(const Volume& volume, int aScan, float level) {
+  int depth = 12;
+  while (depth < volume.depths() - 1 && volume.at(depth, aScan) < level) ++depth;
+  return depth * volume.cellMm();
+}
+
+/// Mean level of every retinal layer in decibels, the last entry being the vitreous body.
+std::array<double, Retina::kLayerCount + 1> layerLevels() {
+  const auto retina = std::make_shared<Retina>(2);
+  Device device(Spectrometer(2048, 850.0, 2.4), retina, 2);
+  const ScanPattern pattern(400, 1, 8.0, 1.0);
+  const auto volume = measure(device, pattern);
+  std::array<double, Retina::kLayerCount + 1> sums{};
+  std::array<int, Retina::kLayerCount + 1> counts{};
+  const auto add = [&](int layer, double depthMm, int aScan) {
+    const int depth = static_cast<int>(std::lround(depthMm / volume.cellMm()));
+    sums[layer] += std::pow(10.0, 0.1 * volume.at(depth, aScan));
+    ++counts[layer];
+  };
+  for (int aScan = 0; aScan < 400; ++aScan) {
+    const double x = pattern.xMm(aScan);
+    if (std::abs(x) < 1.0 || std::abs(x) > 3.0) continue;
+    const auto border = retina->borders(x, 0.0);
+    for (int layer = 0; layer < Retina::kLayerCount; ++layer)
+      add(layer, 0.5 * (border[layer] + border[layer + 1]), aScan);
+    add(Retina::kLayerCount, border[0] - 0.15, aScan);
+  }
+  for (std::size_t i = 0; i < sums.size(); ++i) sums[i] = 10.0 * std::log10(sums[i] / counts[i]);
+  return sums;
+}
+
+TEST(Retina, LayersHaveTheirOrderOfBrightness) {
+  const auto level = layerLevels();
+  const double vitreous = level[Retina::kLayerCount];
+  EXPECT_GT(level[Retina::kOuterNuclear], vitreous + 6.0);
+  EXPECT_GT(level[Retina::kNerveFibres], level[Retina::kGanglionCells] + 3.0);
+  EXPECT_GT(level[Retina::kInnerPlexiform], level[Retina::kInnerNuclear] + 3.0);
+  EXPECT_GT(level[Retina::kOuterPlexiform], level[Retina::kInnerNuclear] + 2.0);
+  EXPECT_GT(level[Retina::kOuterPlexiform], level[Retina::kOuterNuclear] + 5.0);
+  EXPECT_GT(level[Retina::kOuterLimitingMembrane], level[Retina::kInnerSegments] + 2.0);
+  EXPECT_GT(level[Retina::kSegmentJunction], level[Retina::kOuterSegments] + 5.0);
+  EXPECT_GT(level[Retina::kPigmentEpithelium], level[Retina::kOuterNuclear] + 15.0);
+  EXPECT_GT(level[Retina::kPigmentEpithelium], level[Retina::kChoroid] + 3.0);
+}
+
+TEST(Retina, LayersLieBelowEachOtherEverywhere) {
+  const Retina retina(2);
+  for (double y = -4.0; y <= 4.0; y += 0.5)
+    for (double x = -4.0; x <= 4.0; x += 0.25) {
+      const auto border = retina.borders(x, y);
+      for (int layer = 0; layer < Retina::kLayerCount; ++layer)
+        EXPECT_LT(border[layer], border[layer + 1]) << "layer " << layer << " at " << x << ", " << y;
+      EXPECT_NEAR(border[Retina::kLayerCount] - border[0], 0.75, 0.25) << x << ", " << y;
+    }
+}
+
+TEST(Retina, FoveaIsAPitInTheMiddle) {
+  Device device(Spectrometer(2048, 850.0, 2.4), std::make_shared<Retina>(2), 2);
+  const auto volume = measure(device, ScanPattern(81, 1, 4.0, 1.0));
+  const auto surface = [&](int aScan) { return firstLightMm(volume, aScan, 32.0f); };
+  EXPECT_GT(surface(40), surface(20) + 0.1);  // 1 mm to the left
+  EXPECT_GT(surface(40), surface(60) + 0.1);  // 1 mm to the right
+}
+
+TEST(FingerPad, SurfaceLiesWhereThePhantomHasIt) {
+  const FingerPad pad(2);
+  Device device(standardSpectrometer(), std::make_shared<FingerPad>(2), 2);
+  const ScanPattern pattern(300, 1, 3.0, 1.0);
+  const auto volume = measure(device, pattern);
+  int close = 0;
+  for (int aScan = 0; aScan < 300; ++aScan)
+    close += std::abs(firstLightMm(volume, aScan, 36.0f) - pad.surfaceMm(pattern.xMm(aScan), 0.0)) < 0.02;
+  EXPECT_GT(close, 285);
+}
+
+TEST(FingerPad, HasRidgesOfAFingerprintInBothDirections) {
+  const FingerPad pad(2);
+  const auto crests = [&](auto surfaceAt) {
+    int count = 0;
+    for (double s = -2.5; s < 2.5; s += 0.01)
+      count += surfaceAt(s) < surfaceAt(s - 0.01) && surfaceAt(s) <= surfaceAt(s + 0.01);
+    return count;
+  };
+  const int across = crests([&](double x) { return pad.surfaceMm(x, -1.0); });
+  const int along = crests([&](double y) { return pad.surfaceMm(-1.0, y); });
+  EXPECT_GE(across, 7);
+  EXPECT_LE(across, 20);
+  EXPECT_GE(along, 2);
+}
+
+TEST(FingerPad, DuctsWindThroughTheHornyLayer) {
+  const std::uint64_t seed = 2;
+  const FingerPad pad(seed);
+  DepthProfile profile;
+  const double cell = 0.004;
+  // Look straight down on a fine grid, at half the horny layer's depth: ducts are small, bright and apart.
+  int bright = 0, all = 0;
+  double wandering = 0.0;
+  for (double y = -1.0; y < 1.0; y += 0.02) {
+    for (double x = -1.0; x < 1.0; x += 0.02, ++all) {
+      profile.scattering.assign(900, 0.0f);
+      pad.describe(x, y, cell, profile);
+      const int top = static_cast<int>(pad.surfaceMm(x, y) / cell);
+      const bool upper = profile.scattering[top + 40] > 0.15f;
+      const bool lower = profile.scattering[top + 61] > 0.15f;  // half a turn further down
+      bright += upper;
+      wandering += upper != lower;
+    }
+  }
+  EXPECT_GT(bright, all / 500);
+  EXPECT_LT(bright, all / 25);
+  EXPECT_GT(wandering, 1.0 * bright);
+}
+
+}  // namespace
+}  // namespace oct::simulator::test

@@ -1,0 +1,96 @@
+// The simulator's processing against spectra of a real spectrometer and the picture made of them elsewhere.
+
+#include "measurement.h"
+#include "npy.h"
+
+#include <gtest/gtest.h>
+
+#define STB_IMAGE_IMPLEMENTATION
+#define STB_IMAGE_STATIC
+#define STBI_ONLY_PNG
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wunused-function"
+#include <stb/stb_image.h>
+#pragma GCC diagnostic pop
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace oct::simulator::test {
+namespace {
+
+constexpr int kPixels = 1024;
+constexpr int kAScans = 1049;
+constexpr int kDepths = kPixels / 2;
+
+std::filesystem::path recordings() {
+  const char* folder = std::getenv("OCT_SHARED_DATA");
+  return folder ? folder : OCT_SHARED_DATA;
+}
+
+RawData readSpectra(const std::filesystem::path& file) {
+  const auto counts = readNpy<std::uint16_t>(file, "<u2");
+  if (counts.size() != std::size_t{kPixels} * kAScans)
+    throw std::runtime_error("Unexpected number of spectra. ");
+  RawData raw;
+  raw.resize(kPixels, kAScans, 1, 1.0, 1.0);
+  for (int aScan = 0; aScan < kAScans; ++aScan)
+    std::copy_n(counts.begin() + std::ptrdiff_t{aScan} * kPixels, kPixels, raw.spectrum(aScan).begin());
+  return raw;
+}
+
+/// Grey values 0 to 255 as the reference picture shows them: 31 dB black, 67 dB white, for a transform that
+/// is not scaled.
+double grey(float decibels) {
+  const double unscaled = decibels + 10.0 * std::log10(kPixels);
+  return std::clamp((unscaled - 31.0) / (67.0 - 31.0), 0.0, 1.0) * 255.0;
+}
+
+TEST(RecordedSpectra, GiveTheReferencePicture) {
+  const auto folder = recordings();
+  if (folder.empty() || !std::filesystem::exists(folder / "spectra_wood.npy"))
+    GTEST_SKIP() << "no recorded spectra: set OCT_SHARED_DATA to the folder that holds spectra_wood.npy";
+  int width = 0, height = 0, channels = 0;
+  const std::unique_ptr<unsigned char, void (*)(void*)> picture(
+      stbi_load((folder / "spectra_wood_reference.png").string().c_str(), &width, &height, &channels, 1),
+      stbi_image_free);
+  ASSERT_TRUE(picture);
+  ASSERT_EQ(width, kAScans);
+  ASSERT_EQ(height, kDepths);
+
+  const Calibration calibration{
+      .depthRangeMm = 1.0,
+      .wavenumberPositions = readNpy<double>(folder / "spectra_wood_kpos.npy", "<f8"),
+      .compensationPhase = readNpy<double>(folder / "spectra_wood_dispersion.npy", "<f8"),
+      .background = std::vector<float>(kPixels)};
+  const auto volume = process(calibration, readSpectra(folder / "spectra_wood.npy"));
+
+  double a = 0.0, b = 0.0, aa = 0.0, bb = 0.0, ab = 0.0, off = 0.0;
+  for (int depth = 0; depth < kDepths; ++depth)
+    for (int aScan = 0; aScan < kAScans; ++aScan) {
+      const double mine = grey(volume.at(depth, aScan));
+      const double theirs = picture.get()[depth * kAScans + aScan];
+      a += mine;
+      b += theirs;
+      aa += mine * mine;
+      bb += theirs * theirs;
+      ab += mine * theirs;
+      off += std::abs(mine - theirs);
+    }
+  const double count = double{kDepths} * kAScans;
+  const double varianceA = aa / count - std::pow(a / count, 2);
+  const double varianceB = bb / count - std::pow(b / count, 2);
+  const double correlation = (ab / count - a / count * b / count) / std::sqrt(varianceA * varianceB);
+  RecordProperty("correlation", std::to_string(correlation));
+  RecordProperty("mean_grey_difference", std::to_string(off / count));
+  EXPECT_GT(correlation, 0.995);
+  EXPECT_LT(off / count, 3.0);
+}
+
+}  // namespace
+}  // namespace oct::simulator::test

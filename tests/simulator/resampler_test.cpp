@@ -1,0 +1,52 @@
+#include "resampler.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <stdexcept>
+
+namespace oct::simulator {
+namespace {
+
+TEST(Resampler, ReadsAWaveBetweenItsSamples) {
+  const double rate = 2.0 * 3.14159265358979 * 0.3;  // six tenths of the highest frequency
+  std::vector<float> wave(100);
+  for (int i = 0; i < 100; ++i) wave[i] = static_cast<float>(std::cos(rate * i));
+  std::vector<double> positions;
+  for (double position = 10.0; position < 90.0; position += 0.37) positions.push_back(position);
+  std::vector<float> read(positions.size());
+  Resampler(100, positions).apply(wave.data(), read.data());
+  for (std::size_t i = 0; i < positions.size(); ++i)
+    EXPECT_NEAR(read[i], std::cos(rate * positions[i]), 0.02) << positions[i];
+}
+
+TEST(Resampler, KeepsSamplesAndLevels) {
+  const std::vector<std::complex<float>> level(20, {2.0f, -1.0f});
+  std::vector<std::complex<float>> read(3);
+  Resampler(20, {5.0, 8.3, 9.9}).apply(level.data(), read.data());
+  for (const auto& value : read) EXPECT_LT(std::abs(value - level[0]), 1e-5f);
+}
+
+TEST(Resampler, RefusesPositionsOutsideTheSignal) {
+  EXPECT_THROW(Resampler(20, {-0.1}), std::invalid_argument);
+  EXPECT_THROW(Resampler(20, {19.1}), std::invalid_argument);
+  EXPECT_THROW(Resampler(20, {std::nan("")}), std::invalid_argument);
+  EXPECT_THROW(Resampler(4, {1.0}), std::invalid_argument);
+}
+
+TEST(InvertPositions, FindsThePlacesOfWholeValues) {
+  const auto places = invertPositions({0.0, 0.5, 2.5, 3.0});
+  ASSERT_EQ(places.size(), 4u);
+  EXPECT_DOUBLE_EQ(places[0], 0.0);
+  EXPECT_DOUBLE_EQ(places[1], 1.25);
+  EXPECT_DOUBLE_EQ(places[2], 1.75);
+  EXPECT_DOUBLE_EQ(places[3], 3.0);
+}
+
+TEST(InvertPositions, RefusesPositionsThatDoNotRise) {
+  EXPECT_THROW(invertPositions({0.0, 0.0, 2.0, 3.0}), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace oct::simulator
