@@ -1,6 +1,41 @@
 # GoogleTest from Debian's sources, built with the project's own compiler and sanitizers, and how tests are registered.
+set(BUILD_GMOCK OFF)
+set(INSTALL_GTEST OFF)
 add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
+include(GoogleTest)
 
-if(OCT_PLATFORM STREQUAL "windows")
-  set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/scripts/wine-run")
+# Real recordings next to the project, where a machine has them. Tests that want them skip otherwise and say so.
+set(OCT_SHARED_DATA "${CMAKE_SOURCE_DIR}/../shared/data" CACHE PATH "Folder of recorded OCT data")
+
+# ThreadSanitizer runs what threads do; the rest would cost time and find nothing.
+option(OCT_THREAD_TESTS_ONLY "Build and register only tests about threads" OFF)
+
+if(OCT_SANITIZE STREQUAL "thread")
+  # Drivers and their compiler are not instrumented.
+  set(oct_test_environment "TSAN_OPTIONS=ignore_noninstrumented_modules=1:halt_on_error=1")
+elseif(OCT_SANITIZE)
+  set(oct_test_environment "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1")
 endif()
+
+# oct_add_test(target [THREADS] [LOG])
+#   THREADS: the test is about threads. LOG: it uses the log settings, of which the machine has one set.
+# Tests are named after the preset, so that several builds can be run as one.
+function(oct_add_test target)
+  cmake_parse_arguments(test "THREADS;LOG" "" "" ${ARGN})
+  oct_warnings(${target})
+  target_compile_definitions(${target} PRIVATE OCT_SHARED_DATA="${OCT_SHARED_DATA}")
+  if(OCT_THREAD_TESTS_ONLY AND NOT test_THREADS)
+    set_target_properties(${target} PROPERTIES EXCLUDE_FROM_ALL ON)
+    return()
+  endif()
+  get_filename_component(preset "${CMAKE_BINARY_DIR}" NAME)
+  set(properties TIMEOUT 300 LABELS "${preset}")
+  if(oct_test_environment)
+    list(APPEND properties ENVIRONMENT "${oct_test_environment}")
+  endif()
+  if(test_LOG)
+    list(APPEND properties RESOURCE_LOCK log_settings)
+  endif()
+  gtest_discover_tests(${target} TEST_PREFIX "${preset}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+    PROPERTIES ${properties})
+endfunction()

@@ -95,17 +95,6 @@ TEST_F(DisplayApiTest, RenderingBeforeInitIsLoggedAndSkipped) {
   EXPECT_EQ(pendingError(), "(none)");
 }
 
-TEST_F(DisplayApiTest, WithoutContext) {
-  testing::internal::CaptureStdout();
-  initDisplayRendering(renderer_);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "Glew error: 1\nglewInit failed.\n");
-  EXPECT_EQ(pendingError(), "Could not load OpenGL. ");
-
-  { const TestContext elsewhere; }  // OpenGL is loaded now, but no context is current
-  initDisplayRendering(renderer_);
-  EXPECT_EQ(pendingError(), "No OpenGL context is current on the calling thread. ");
-}
-
 class DisplayApiGLTest : public testing::Test {
  protected:
   DisplayApiGLTest() : target_(createOffscreenTarget()), renderer_(createDisplayRendering()) {

@@ -1,0 +1,86 @@
+#include "core/log.h"
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+#include "core/shared_block.h"
+#include "oct_rendering/oct_rendering.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+class LogTest : public testing::Test {
+ protected:
+  ~LogTest() override { setRendererLogFile(nullptr); }
+
+  static std::string settings() {
+    const SharedBlock block("oct_log_settings", 1024);
+    return {block.data(), strnlen(block.data(), 1024)};
+  }
+};
+
+TEST_F(LogTest, LinesGoToTheNamedFile) {
+  EXPECT_EQ(logOf([] {
+              log() << "Uniform " << "gamma" << " was not found. ";
+              log() << 1 << " and " << 2.5;
+            }),
+            "Uniform gamma was not found. \n1 and 2.5\n");
+}
+
+TEST_F(LogTest, LinesAreAppended) {
+  const auto file = std::filesystem::temp_directory_path() / "oct_log_append.txt";
+  std::ofstream(file) << "earlier\n";
+  setRendererLogFile(file.string().c_str());
+  log() << "later";
+  setRendererLogFile("");
+  log() << "nowhere";
+  std::ifstream stream(file);
+  std::string lines((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(lines, "earlier\nlater\n");
+  stream.close();
+  std::filesystem::remove(file);
+}
+
+TEST_F(LogTest, NameIsSharedWithOtherProcesses) {
+  setRendererLogFile("some/file.txt");
+  EXPECT_EQ(settings(), "some/file.txt");
+  setRendererLogFile("x");
+  EXPECT_EQ(settings(), "x") << "rest of an older name";
+  setRendererLogFile(nullptr);
+  EXPECT_EQ(settings(), "");
+}
+
+TEST_F(LogTest, NameSetByAnotherProcessIsFollowed) {
+  const auto file = std::filesystem::temp_directory_path() / "oct_log_follow.txt";
+  log() << "opens the block";
+  {
+    const SharedBlock block("oct_log_settings", 1024);
+    std::strcpy(block.data(), file.string().c_str());
+  }
+  log() << "hello";
+  setRendererLogFile(nullptr);
+  log() << "closes";
+  std::ifstream stream(file);
+  std::string line;
+  std::getline(stream, line);
+  EXPECT_EQ(line, "hello");
+  stream.close();
+  std::filesystem::remove(file);
+}
+
+TEST_F(LogTest, LengthOfTheName) {
+  setRendererLogFile(std::string(1024, 'a').c_str());
+  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(settings(), std::string(1024, 'a'));
+  log() << "a file of this name cannot be opened; nothing happens";
+
+  setRendererLogFile(std::string(1025, 'b').c_str());
+  EXPECT_EQ(pendingError(), "Filename for logging is too long. Filename is limited to 1024 characters. ");
+  EXPECT_EQ(settings(), std::string(1024, 'a')) << "a refused name changes nothing";
+}
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,66 @@
+#include "core/object_lock.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace oct::test {
+namespace {
+
+TEST(ObjectLockTest, Null) {
+  try {
+    const ObjectLock lock(nullptr);
+    FAIL();
+  } catch (const std::exception& error) {
+    EXPECT_STREQ(error.what(), "Cannot lock nullptr. ");
+  }
+  EXPECT_EQ(lockedObjectCount(), 0U);
+}
+
+TEST(ObjectLockTest, SerialisesOneObjectAndNotAnother) {
+  int first = 0;
+  int second = 0;
+  std::atomic<int> inside{0};
+  std::atomic<int> most{0};
+  {
+    const ObjectLock held(&second);  // must not hinder the users of the first
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+      threads.emplace_back([&] {
+        for (int n = 0; n < 2000; ++n) {
+          const ObjectLock lock(&first);
+          most = std::max(most.load(), ++inside);
+          ++first;
+          --inside;
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(lockedObjectCount(), 1U);
+  }
+  EXPECT_EQ(first, 16000);
+  EXPECT_EQ(most, 1);
+}
+
+TEST(ObjectLockTest, SameThreadAgain) {
+  int object = 0;
+  const ObjectLock outer(&object);
+  const ObjectLock inner(&object);
+  EXPECT_EQ(lockedObjectCount(), 1U);
+}
+
+TEST(ObjectLockTest, EntriesOfDestroyedObjectsDoNotPileUp) {
+  for (int i = 0; i < 1000; ++i) {
+    const auto object = std::make_unique<int>(i);
+    const ObjectLock lock(object.get());
+  }
+  EXPECT_EQ(lockedObjectCount(), 0U);
+}
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,63 @@
+#include "gl/gl_names.h"
+
+#include "support/gl_spy.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+class NamesGLTest : public GLTest {};
+
+TEST_F(NamesGLTest, MoveAndReset) {
+  GlSpy spy;
+  gl::Texture a = gl::Texture::create();
+  const GLuint name = a.get();
+  gl::Texture b = std::move(a);
+  EXPECT_FALSE(a);
+  EXPECT_EQ(b.get(), name);
+  b = gl::Texture::create();
+  EXPECT_EQ(spy.liveObjects(), 1U);
+  gl::Texture& self = b;
+  b = std::move(self);
+  EXPECT_TRUE(b);
+  b.reset();
+  b.reset();
+  EXPECT_EQ(spy.liveObjects(), 0U);
+  EXPECT_EQ(spy.calls("glDeleteTextures"), 2);
+}
+
+TEST_F(NamesGLTest, EveryKindIsDeletedOnce) {
+  GlSpy spy;
+  {
+    const auto texture = gl::Texture::create();
+    const auto buffer = gl::Buffer::create();
+    const auto vertexArray = gl::VertexArray::create();
+    const auto framebuffer = gl::Framebuffer::create();
+    const auto renderbuffer = gl::Renderbuffer::create();
+    const auto shader = gl::ShaderObject::create(GL_VERTEX_SHADER);
+    const auto program = gl::Program::create();
+    EXPECT_EQ(spy.liveObjects(), 7U);
+  }
+  EXPECT_EQ(spy.liveObjects(), 0U);
+}
+
+TEST_F(NamesGLTest, NothingIsDeletedOutsideItsOwnContext) {
+  GlSpy spy;
+  gl::Texture texture = gl::Texture::create();
+  {
+    TestContext other;
+    // Names start over in every context; this one is the other context's and must survive.
+    const GLuint same = gl::Texture::create().get();
+    EXPECT_EQ(same, texture.get());
+    const int before = spy.calls("glDeleteTextures");
+    texture.reset();
+    EXPECT_EQ(spy.calls("glDeleteTextures"), before);
+  }
+  context_.window().makeUncurrent();
+  gl::Buffer buffer;
+  buffer.reset();
+  context_.makeCurrent();
+}
+
+}  // namespace
+}  // namespace oct::test

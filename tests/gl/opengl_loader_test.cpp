@@ -1,0 +1,51 @@
+#include "gl/opengl_loader.h"
+
+#include "support/gl_spy.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+class LoaderGLTest : public GLTest {
+ protected:
+  static std::string checked(GlSpy& spy, int major, int minor, int requiredMajor, int requiredMinor) {
+    spy.answer(GL_MAJOR_VERSION, major);
+    spy.answer(GL_MINOR_VERSION, minor);
+    testing::internal::CaptureStdout();
+    std::string result = "accepted";
+    try {
+      gl::checkOpenGLVersion(requiredMajor, requiredMinor);
+    } catch (const std::runtime_error& error) {
+      result = error.what();
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Found OpenGL " + std::to_string(major) + "." + std::to_string(minor) + "\n");
+    return result;
+  }
+};
+
+TEST_F(LoaderGLTest, RequiredVersion) {
+  GlSpy spy;
+  EXPECT_EQ(checked(spy, 3, 0, 3, 0), "accepted");
+  EXPECT_EQ(checked(spy, 4, 0, 3, 3), "accepted");
+  EXPECT_EQ(checked(spy, 3, 2, 3, 3), "OpenGL 3.3 required. Version is currently 3.2");
+  EXPECT_EQ(checked(spy, 2, 1, 3, 0), "OpenGL 3.0 required. Version is currently 2.1");
+}
+
+TEST_F(LoaderGLTest, VersionClasses) {
+  GlSpy spy;
+  const std::pair<std::pair<int, int>, bool> classes[] = {
+      {{3, 0}, false}, {{3, 3}, false}, {{4, 0}, false}, {{4, 1}, false}, {{4, 2}, true}, {{4, 6}, true}, {{5, 0}, true}};
+  for (const auto& [version, modern] : classes) {
+    spy.answer(GL_MAJOR_VERSION, version.first);
+    spy.answer(GL_MINOR_VERSION, version.second);
+    gl::initGlew();
+    EXPECT_EQ(gl::openGL42(), modern) << version.first << "." << version.second;
+  }
+  spy.answer(GL_MAJOR_VERSION, 2);
+  EXPECT_THROW(gl::initGlew(), std::runtime_error);
+  EXPECT_TRUE(gl::glewInitialized());
+}
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,186 @@
+#include "gl/shader.h"
+
+#include "gl/program_cache.h"
+#include "support/gl_spy.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+const std::string vertex =
+    "#version 330 core\nlayout(location = 0) in vec2 v;\nvoid main() { gl_Position = vec4(v, 0.0, 1.0); }\n";
+const std::string fragment =
+    "#version 330 core\nuniform float used;\nout vec4 c;\nvoid main() { c = vec4(used); }\n";
+
+class ShaderGLTest : public GLTest {
+ protected:
+  // A name of its own for every test: binaries are never forgotten.
+  static std::string name() { return testing::UnitTest::GetInstance()->current_test_info()->name(); }
+
+  static std::string failure(gl::Shader& shader, const std::string& v, const std::string& f) {
+    try {
+      shader.load_to_program(name(), v, f);
+      return "(none)";
+    } catch (const std::exception& error) {
+      return error.what();
+    }
+  }
+
+  static bool linked(const gl::Shader& shader) {
+    GLint status = GL_FALSE;
+    glGetProgramiv(shader.program(), GL_LINK_STATUS, &status);
+    return status == GL_TRUE;
+  }
+
+  static gl::ProgramKey key() { return {{fragment.size(), vertex.size()}, name()}; }
+};
+
+TEST_F(ShaderGLTest, SecondBuildReadsTheBinary) {
+  GlSpy spy;
+  gl::Shader first;
+  first.load_to_program(name(), vertex, fragment);
+  EXPECT_EQ(spy.calls("glCompileShader"), 2);
+  EXPECT_EQ(spy.calls("glDeleteShader"), 2);
+  EXPECT_TRUE(linked(first));
+
+  gl::Shader second;
+  second.load_to_program(name(), vertex, fragment);
+  EXPECT_EQ(spy.calls("glCompileShader"), 2);
+  EXPECT_EQ(spy.calls("glLinkProgram"), 1);
+  EXPECT_EQ(spy.calls("glProgramBinary"), 1);
+  EXPECT_TRUE(linked(second));
+  EXPECT_GE(second.uniform("used"), 0);
+}
+
+TEST_F(ShaderGLTest, BinaryServesAnotherContext) {
+  {
+    TestContext other;
+    gl::Shader shader;
+    shader.load_to_program(name(), vertex, fragment);
+  }
+  context_.makeCurrent();
+  GlSpy spy;
+  gl::Shader shader;
+  shader.load_to_program(name(), vertex, fragment);
+  EXPECT_EQ(spy.calls("glCompileShader"), 0);
+  EXPECT_TRUE(linked(shader));
+}
+
+TEST_F(ShaderGLTest, NameAndLengthsAreTheKey) {
+  GlSpy spy;
+  gl::Shader first;
+  first.load_to_program(name(), vertex, fragment);
+  std::string sameLength = fragment;
+  sameLength.replace(sameLength.find("used);"), 6, "1.0 );");
+  sameLength.resize(fragment.size(), '\n');
+  gl::Shader shared;
+  shared.load_to_program(name(), vertex, sameLength);
+  EXPECT_EQ(spy.calls("glCompileShader"), 2) << "texts are not compared";
+  gl::Shader longer;
+  longer.load_to_program(name(), vertex, fragment + " ");
+  EXPECT_EQ(spy.calls("glCompileShader"), 4);
+  gl::Shader renamed;
+  renamed.load_to_program(name() + "2", vertex, fragment);
+  EXPECT_EQ(spy.calls("glCompileShader"), 6);
+}
+
+TEST_F(ShaderGLTest, SyntaxErrors) {
+  gl::Shader shader;
+  GlSpy spy;
+  std::string text = logOf([&] {
+    EXPECT_EQ(failure(shader, vertex, "#version 330 core\nout vec4 c;\nvoid main() { c = nonsense; }\n"),
+              "Fragment shader compilation failed");
+  });
+  EXPECT_EQ(text.find("Shader compilation failed: "), 0U);
+  EXPECT_NE(text.find("nonsense"), std::string::npos) << "the driver's own words: " << text;
+  EXPECT_EQ(spy.liveObjects(), 2U) << "both shader objects stay until the program is released";
+  shader.release();
+  EXPECT_EQ(spy.liveObjects(), 0U);
+
+  EXPECT_EQ(failure(shader, "#version 330 core\nnonsense\n", fragment), "Vertex shader compilation failed");
+  EXPECT_EQ(shader.program(), 0U);
+  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
+  EXPECT_TRUE(linked(shader));
+}
+
+TEST_F(ShaderGLTest, LinkFailure) {
+  gl::Shader shader;
+  GlSpy spy;
+  const std::string gives =
+      "#version 330 core\nlayout(location = 0) in vec2 v;\nout vec2 passed;\n"
+      "void main() { passed = v; gl_Position = vec4(v, 0.0, 1.0); }\n";
+  const std::string takes = "#version 330 core\nin vec4 passed;\nout vec4 c;\nvoid main() { c = passed; }\n";
+  const std::string text = logOf([&] { EXPECT_EQ(failure(shader, gives, takes), ""); });
+  EXPECT_EQ(text, "Linking failed. \n");
+  shader.release();
+  EXPECT_EQ(spy.liveObjects(), 0U);
+}
+
+TEST_F(ShaderGLTest, MissingUniformIsLogged) {
+  gl::Shader shader;
+  shader.load_to_program(name(), vertex, fragment);
+  EXPECT_EQ(logOf([&] {
+              EXPECT_EQ(shader.uniform("absent"), -1);
+              EXPECT_GE(shader.uniform("used"), 0);
+            }),
+            "Uniform absent was not found. \n");
+}
+
+TEST_F(ShaderGLTest, UseBeforeBuild) {
+  gl::Shader shader;
+  try {
+    shader.use();
+    FAIL();
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "Program has not been compiled yet.");
+  }
+}
+
+TEST_F(ShaderGLTest, DriverWithoutBinaryFormats) {
+  GlSpy spy;
+  spy.answer(GL_PROGRAM_BINARY_LENGTH, 0);
+  for (int i = 1; i <= 2; ++i) {
+    gl::Shader shader;
+    shader.load_to_program(name(), vertex, fragment);
+    EXPECT_TRUE(linked(shader));
+    EXPECT_EQ(spy.calls("glLinkProgram"), i);
+  }
+  EXPECT_EQ(spy.calls("glGetProgramBinary"), 0);
+  EXPECT_EQ(gl::findProgramBinary(key()), nullptr);
+}
+
+TEST_F(ShaderGLTest, FailedReadBackOfTheBinaryKeepsNothing) {
+  GlSpy spy;
+  spy.failNext("glGetProgramBinary");
+  gl::Shader shader;
+  EXPECT_EQ(failure(shader, vertex, fragment).find("An OpenGL error in BinaryShader occured: There is not enough"), 0U);
+  EXPECT_EQ(gl::findProgramBinary(key()), nullptr);
+  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
+  shader.release();
+  EXPECT_EQ(spy.liveObjects(), 0U);
+}
+
+TEST_F(ShaderGLTest, BinaryRefusedWithAnError) {
+  gl::storeProgramBinary(key(), {0xDEADU, {1, 2, 3}});
+  gl::Shader shader;
+  EXPECT_EQ(failure(shader, vertex, fragment).find("An OpenGL error in BinaryShader::load_to_program occured: "), 0U);
+  while (glGetError() != GL_NO_ERROR) {
+  }
+}
+
+TEST_F(ShaderGLTest, BinaryRefusedInSilenceIsCompiledAgain) {
+  gl::Shader shader;
+  shader.load_to_program(name(), vertex, fragment);
+  gl::ProgramBinary damaged = *gl::findProgramBinary(key());
+  for (std::size_t i = damaged.bytes.size() / 2; i < damaged.bytes.size(); ++i) damaged.bytes[i] ^= 0xFFU;
+  gl::storeProgramBinary(key(), damaged);
+  GlSpy spy;
+  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
+  EXPECT_TRUE(linked(shader));
+  EXPECT_EQ(spy.calls("glLinkProgram"), 1);
+  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
+  EXPECT_EQ(spy.calls("glLinkProgram"), 1) << "the good binary has replaced the damaged one";
+}
+
+}  // namespace
+}  // namespace oct::test

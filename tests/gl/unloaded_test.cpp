@@ -1,0 +1,26 @@
+// Using the library before any context has been current in the process.
+#include "oct_rendering/oct_rendering.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+TEST(UnloadedTest, InitWithoutContext) {
+  const DisplayRenderingHandle renderer = createDisplayRendering();
+  testing::internal::CaptureStdout();
+  initDisplayRendering(renderer);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "Glew error: 1\nglewInit failed.\n");
+  EXPECT_EQ(pendingError(), "Could not load OpenGL. ");
+  EXPECT_FALSE(gl::glewInitialized());
+
+  { const TestContext elsewhere; }
+  EXPECT_TRUE(gl::glewInitialized());
+  initDisplayRendering(renderer);
+  EXPECT_EQ(pendingError(), "No OpenGL context is current on the calling thread. ");
+  uninitDisplayRendering(renderer);
+  EXPECT_EQ(pendingError(), "(none)");
+  clearDisplayRendering(renderer);
+}
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,142 @@
+#include "hosting/offscreen_buffer_object.h"
+
+#include <atomic>
+#include <thread>
+
+#include "support/gl_spy.h"
+#include "support/pictures.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+class OffscreenBufferGLTest : public GLTest {
+ protected:
+  static void clearTo(int red, int green, int blue) {
+    glClearColor(static_cast<float>(red) / 255.0F, static_cast<float>(green) / 255.0F,
+                 static_cast<float>(blue) / 255.0F, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+  }
+
+  OffscreenBufferObject buffer_;
+};
+
+TEST_F(OffscreenBufferGLTest, BottomRowFirstInBgra) {
+  Picture picture(5, 3);
+  buffer_.resize(5, 3);
+  buffer_.set_output_data(picture.bytes.data());
+  buffer_.prepare(42);
+  clearTo(10, 20, 30);
+  glEnable(GL_SCISSOR_TEST);
+  glScissor(1, 0, 1, 1);
+  clearTo(200, 100, 50);
+  glDisable(GL_SCISSOR_TEST);
+  buffer_.finish();
+  buffer_.wait();
+  for (int y = 0; y < 3; ++y) {
+    for (int x = 0; x < 5; ++x) {
+      const bool special = x == 1 && y == 0;
+      const std::uint8_t* const p = picture.pixel(x, y);
+      EXPECT_EQ((std::array<int, 4>{p[0], p[1], p[2], p[3]}),
+                (special ? std::array<int, 4>{50, 100, 200, 255} : std::array<int, 4>{30, 20, 10, 255}));
+    }
+  }
+  EXPECT_EQ(buffer_.order_key(), 42);
+  EXPECT_EQ(buffer_.buffer_id(), -1);
+  EXPECT_TRUE(buffer_.is_offscreen());
+  EXPECT_EQ(buffer_.map(), nullptr);
+}
+
+TEST_F(OffscreenBufferGLTest, PrepareSetsTargetAndViewport) {
+  buffer_.resize(17, 9);
+  buffer_.prepare(1);
+  GLint viewport[4] = {};
+  glGetIntegerv(GL_VIEWPORT, viewport);
+  EXPECT_EQ(viewport[2], 17);
+  EXPECT_EQ(viewport[3], 9);
+  EXPECT_EQ(glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER), static_cast<GLenum>(GL_FRAMEBUFFER_COMPLETE));
+  GLint depth = 0;
+  glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT,
+                                        GL_FRAMEBUFFER_ATTACHMENT_DEPTH_SIZE, &depth);
+  EXPECT_EQ(depth, 24);
+}
+
+TEST_F(OffscreenBufferGLTest, FinishWithoutOutputDataSignals) {
+  buffer_.resize(4, 4);
+  buffer_.set_output_data(nullptr);
+  buffer_.prepare(0);
+  buffer_.finish();
+  buffer_.wait();
+}
+
+TEST_F(OffscreenBufferGLTest, OnlyTheFirstFinishReads) {
+  Picture picture(4, 4);
+  buffer_.resize(4, 4);
+  buffer_.set_output_data(picture.bytes.data());
+  buffer_.prepare(0);
+  clearTo(1, 2, 3);
+  buffer_.finish();
+  buffer_.prepare(0);
+  clearTo(200, 200, 200);
+  buffer_.finish();
+  EXPECT_EQ(picture.bytes[0], 3);
+}
+
+TEST_F(OffscreenBufferGLTest, EmptyTargetWritesNothing) {
+  Picture picture(2, 2);
+  buffer_.resize(0, 0);
+  buffer_.set_output_data(picture.bytes.data());
+  buffer_.prepare(0);
+  buffer_.finish();
+  EXPECT_EQ(picture.bytes, std::vector<std::uint8_t>(16, 0));
+  while (glGetError() != GL_NO_ERROR) {
+  }
+}
+
+TEST_F(OffscreenBufferGLTest, RebuiltEveryFrameAndReleased) {
+  GlSpy spy;
+  for (int i = 1; i <= 100; ++i) {
+    buffer_.resize(static_cast<std::uint32_t>(i), 7);
+    buffer_.prepare(i);
+    buffer_.finish();
+    EXPECT_EQ(spy.liveObjects(), 3U);
+  }
+  EXPECT_EQ(spy.calls("glGenFramebuffers"), 100);
+  const int before = spy.calls("glDeleteRenderbuffers");
+  buffer_.release();
+  EXPECT_EQ(spy.liveObjects(), 0U);
+  EXPECT_EQ(spy.calls("glDeleteRenderbuffers") - before, 4) << "each name twice";
+  buffer_.release();
+}
+
+// A client on its own thread asks for pictures of changing sizes while frames are drawn all the time. The colour of a
+// frame tells its width, so that a picture of another frame's size shows.
+TEST_F(OffscreenBufferGLTest, SnapshotsFromAnotherThread) {
+  std::atomic<bool> running{true};
+  int wrong = 0;
+  std::thread client([&] {
+    for (int i = 0; i < 100; ++i) {
+      const int width = 1 + i * 7 % 200;
+      Picture picture(width, 5);
+      buffer_.resize(static_cast<std::uint32_t>(width), 5);
+      buffer_.set_output_data(picture.bytes.data());
+      buffer_.wait();
+      for (int p = 0; p < width * 5; ++p) wrong += picture.bytes[static_cast<std::size_t>(p) * 4 + 2] != width;
+    }
+    running = false;
+  });
+  while (running) {
+    const auto lock = buffer_.lock();
+    buffer_.prepare(0);
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    clearTo(viewport[2], 0, 0);
+    buffer_.finish();
+    glGetError();  // a frame before the first size is empty
+  }
+  client.join();
+  EXPECT_EQ(wrong, 0);
+}
+
+}  // namespace
+}  // namespace oct::test

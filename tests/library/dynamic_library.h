@@ -1,0 +1,26 @@
+// A library loaded while the program runs. One source per platform.
+#pragma once
+
+#include <string>
+
+namespace oct::test {
+
+class DynamicLibrary {
+ public:
+  explicit DynamicLibrary(const std::string& file);  // ends the test with the system's reason on failure
+  ~DynamicLibrary();
+  DynamicLibrary(const DynamicLibrary&) = delete;
+  DynamicLibrary& operator=(const DynamicLibrary&) = delete;
+
+  void* symbol(const char* name) const;  // null when there is none
+
+  template <class Function>
+  Function* function(const char* name) const {
+    return reinterpret_cast<Function*>(symbol(name));
+  }
+
+ private:
+  void* handle_;
+};
+
+}  // namespace oct::test

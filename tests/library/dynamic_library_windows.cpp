@@ -1,0 +1,19 @@
+#include <windows.h>
+
+#include <stdexcept>
+
+#include "library/dynamic_library.h"
+
+namespace oct::test {
+
+DynamicLibrary::DynamicLibrary(const std::string& file) : handle_(LoadLibraryA(file.c_str())) {
+  if (!handle_) throw std::runtime_error("LoadLibrary failed: " + std::to_string(GetLastError()));
+}
+
+DynamicLibrary::~DynamicLibrary() { FreeLibrary(static_cast<HMODULE>(handle_)); }
+
+void* DynamicLibrary::symbol(const char* name) const {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
+}
+
+}  // namespace oct::test

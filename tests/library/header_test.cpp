@@ -1,0 +1,54 @@
+// The public header and its reference comments.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <set>
+#include <string>
+
+#include "oct_rendering/oct_rendering.h"
+
+extern "C" int octHeaderErrorCode(void);
+
+namespace oct::test {
+namespace {
+
+std::string contentOf(const std::string& file) {
+  std::ifstream stream(std::string(OCT_SOURCE_DIR) + "/" + file);
+  EXPECT_TRUE(stream.is_open()) << file;
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+TEST(HeaderTest, CompilesAsC) {
+  EXPECT_EQ(octHeaderErrorCode(), -536870912);
+  EXPECT_EQ(static_cast<unsigned>(OCT_RENDERER_ERROR), 0xE0000000U);
+}
+
+// Every export is declared once, right behind a comment that says what it does, documents each parameter and names
+// the thread rule; functions that can fail say how.
+TEST(HeaderTest, EveryExportIsDocumented) {
+  const std::string header = contentOf("include/oct_rendering/oct_rendering.h");
+  const std::regex declaration(R"(/\*\*((?:[^*]|\*(?!/))*)\*/\s*OCT_API\s+[^(]*?(\w+)\(([^)]*)\);)");
+  std::set<std::string> declared;
+  for (std::sregex_iterator found(header.begin(), header.end(), declaration), end; found != end; ++found) {
+    const std::string comment = (*found)[1];
+    const std::string name = (*found)[2];
+    const std::string parameters = (*found)[3];
+    EXPECT_TRUE(declared.insert(name).second) << name;
+    EXPECT_NE(comment.find("@brief"), std::string::npos) << name;
+    EXPECT_NE(comment.find("@thread"), std::string::npos) << name;
+    const std::regex parameter(R"((\w+)\s*(?:,|$))");
+    if (parameters == "void") continue;
+    for (std::sregex_iterator p(parameters.begin(), parameters.end(), parameter); p != end; ++p) {
+      EXPECT_NE(comment.find("@param " + std::string((*p)[1])), std::string::npos) << name << ": " << (*p)[1];
+    }
+  }
+  std::set<std::string> exported;
+  std::ifstream list(std::string(OCT_SOURCE_DIR) + "/src/api/exports.txt");
+  for (std::string name; std::getline(list, name);) exported.insert(name);
+  EXPECT_EQ(declared, exported);
+}
+
+}  // namespace
+}  // namespace oct::test

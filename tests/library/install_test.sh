@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Installs the build, then builds and runs the C example from the installation alone, through CMake's find_package and
+# through pkg-config. Arguments: build folder, source folder.
+set -euo pipefail
+build=$1 source=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cmake --install "$build" --prefix "$work/prefix" >/dev/null
+libdir=$(dirname "$(find "$work/prefix" -name 'liboct_rendering.so')")
+
+mkdir "$work/client"
+cp "$source/examples/draw_bscan.c" "$work/client/"
+cat >"$work/client/CMakeLists.txt" <<'EOF'
+cmake_minimum_required(VERSION 3.25)
+project(client C)
+find_package(oct_rendering 0.1 REQUIRED)
+add_executable(client draw_bscan.c)
+target_link_libraries(client PRIVATE oct_rendering::oct_rendering m)
+EOF
+cmake -S "$work/client" -B "$work/client/build" "-DCMAKE_PREFIX_PATH=$work/prefix" >/dev/null
+cmake --build "$work/client/build" >/dev/null
+"$work/client/build/client" "$work/cmake.ppm" >/dev/null
+
+export PKG_CONFIG_PATH="$libdir/pkgconfig"
+# The flags are words of a command line.
+# shellcheck disable=SC2046
+cc -std=c99 "$work/client/draw_bscan.c" -o "$work/client/plain" $(pkg-config --cflags --libs oct_rendering) -lm
+LD_LIBRARY_PATH="$libdir" "$work/client/plain" "$work/pkgconfig.ppm" >/dev/null
+
+cmp "$work/cmake.ppm" "$work/pkgconfig.ppm"
+[ "$(stat -c %s "$work/cmake.ppm")" -gt 900000 ]
+"$work/prefix/bin/octrender" --help >/dev/null

@@ -1,0 +1,62 @@
+// The library loaded, used and unloaded by name, as a measurement application does it.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdlib>
+#include <vector>
+
+#include "library/dynamic_library.h"
+#include "oct_rendering/oct_rendering.h"
+
+namespace oct::test {
+namespace {
+
+// Draws an image of one bright A-scan and returns the brightness of a pixel of it and of one beside.
+std::array<int, 2> draw(const DynamicLibrary& library) {
+  const auto createTarget = library.function<decltype(createOffscreenTarget)>("createOffscreenTarget");
+  const auto clearTarget = library.function<decltype(clearOffscreenTarget)>("clearOffscreenTarget");
+  const auto begin = library.function<decltype(beginOffscreenFrame)>("beginOffscreenFrame");
+  const auto finish = library.function<decltype(finishOffscreenFrame)>("finishOffscreenFrame");
+  const auto create = library.function<decltype(createDisplayRendering)>("createDisplayRendering");
+  const auto clear = library.function<decltype(clearDisplayRendering)>("clearDisplayRendering");
+  const auto init = library.function<decltype(initDisplayRendering)>("initDisplayRendering");
+  const auto uninit = library.function<decltype(uninitDisplayRendering)>("uninitDisplayRendering");
+  const auto render = library.function<decltype(renderDisplay)>("renderDisplay");
+  const auto setData = library.function<decltype(setDisplayData)>("setDisplayData");
+
+  std::vector<float> image(8 * 8, 0.0F);
+  for (std::size_t z = 0; z < 8; ++z) image[2 * 8 + z] = 1.0F;  // A-scan 2
+  std::array<std::array<std::array<unsigned char, 4>, 8>, 8> pixels{};
+  const OffscreenTargetHandle target = createTarget();
+  const DisplayRenderingHandle renderer = create();
+  init(renderer);
+  setData(renderer, 8, 8, image.data());
+  begin(target, 8, 8);
+  render(renderer);
+  finish(target, pixels.data());
+  uninit(renderer);
+  clear(renderer);
+  clearTarget(target);
+  return {pixels[5][2][0], pixels[5][3][0]};
+}
+
+TEST(LifetimeGLTest, LoadedUsedAndUnloadedManyTimes) {
+  for (int round = 0; round < 10; ++round) {
+    testing::internal::CaptureStdout();
+    {
+      const DynamicLibrary library(OCT_LIBRARY_FILE);
+      EXPECT_STREQ(library.function<decltype(getRendererVersion)>("getRendererVersion")(), OCT_VERSION);
+      EXPECT_EQ(draw(library), (std::array<int, 2>{255, 0}));
+      EXPECT_EQ(library.function<decltype(isRendererError)>("isRendererError")(), 0);
+      library.function<decltype(setDisplayFlip)>("setDisplayFlip")(nullptr, 1);
+      EXPECT_EQ(library.function<decltype(isRendererError)>("isRendererError")(), OCT_RENDERER_ERROR);
+    }  // the pending error goes with the library
+    const std::string output = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(output.find("Process attach... "), 0U) << output;
+    EXPECT_NE(output.find("Found OpenGL "), std::string::npos) << output;
+    EXPECT_NE(output.find("\nProcess detach... "), std::string::npos) << output;
+  }
+}
+
+}  // namespace
+}  // namespace oct::test
