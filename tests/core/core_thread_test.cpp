@@ -6,7 +6,6 @@
 #include <sstream>
 #include <thread>
 
-#include "core/log.h"
 #include "core/timing_mark.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/test_context.h"
@@ -44,19 +43,6 @@ TEST(CoreThreadTest, EveryErrorIsReadByItsOwnThread) {
   EXPECT_EQ(counted["An error occured: Invalid DisplayRenderingHandle specified. "], 800);
   EXPECT_EQ(counted["An error occured: Invalid OffscreenTargetHandle specified. "], 800);
   EXPECT_EQ(counted.size(), 2U);
-}
-
-TEST(CoreThreadTest, LogLinesOfSeveralThreadsStayWhole) {
-  const std::string text = logOf([] {
-    onThreads(6, [](int i) {
-      for (int n = 0; n < 200; ++n) log() << "thread " << i << " writes a line";
-    });
-  });
-  std::istringstream lines(text);
-  std::map<std::string, int> counted;
-  for (std::string line; std::getline(lines, line);) ++counted[line];
-  EXPECT_EQ(counted.size(), 6U);
-  for (const auto& [line, count] : counted) EXPECT_EQ(count, 200) << line;
 }
 
 TEST(CoreThreadTest, ListenerComesAndGoesBetweenMarks) {

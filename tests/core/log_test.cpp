@@ -3,6 +3,9 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <sstream>
+#include <thread>
 #include <vector>
 
 #include "core/shared_block.h"
@@ -80,6 +83,23 @@ TEST_F(LogTest, LengthOfTheName) {
   setRendererLogFile(std::string(1025, 'b').c_str());
   EXPECT_EQ(pendingError(), "Filename for logging is too long. Filename is limited to 1024 characters. ");
   EXPECT_EQ(settings(), std::string(1024, 'a')) << "a refused name changes nothing";
+}
+
+TEST(LogThreadTest, LogLinesOfSeveralThreadsStayWhole) {
+  const std::string text = logOf([] {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 6; ++i) {
+      threads.emplace_back([i] {
+        for (int n = 0; n < 200; ++n) log() << "thread " << i << " writes a line";
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+  });
+  std::istringstream lines(text);
+  std::map<std::string, int> counted;
+  for (std::string line; std::getline(lines, line);) ++counted[line];
+  EXPECT_EQ(counted.size(), 6U);
+  for (const auto& [line, count] : counted) EXPECT_EQ(count, 200) << line;
 }
 
 }  // namespace

@@ -88,13 +88,6 @@ TEST_F(DisplayApiTest, AcceptedWithoutEffect) {
   EXPECT_EQ(pendingError(), "(none)");
 }
 
-TEST_F(DisplayApiTest, RenderingBeforeInitIsLoggedAndSkipped) {
-  EXPECT_NE(logOf([&] { renderDisplay(renderer_); })
-                .find("Renderer has not yet been initialized. Aborting rendering\n"),
-            std::string::npos);
-  EXPECT_EQ(pendingError(), "(none)");
-}
-
 class DisplayApiGLTest : public testing::Test {
  protected:
   DisplayApiGLTest() : target_(createOffscreenTarget()), renderer_(createDisplayRendering()) {

@@ -109,13 +109,5 @@ TEST_F(FilterGLTest, RunBeforeInit) {
       std::runtime_error);
 }
 
-TEST_F(FilterGLTest, UnusedUniformsAreOnlyLogged) {
-  const std::string text = logOf([] {
-    FilterChain chain;
-    chain.init();
-  });
-  EXPECT_EQ(text.find("inputTexture"), std::string::npos) << text;
-}
-
 }  // namespace
 }  // namespace oct::test

@@ -57,10 +57,6 @@ TEST(OpenGLWindowGLTest, SeveralWindowsAtOnce) {
   second.deleteContext(context);
 }
 
-TEST(OpenGLWindowGLTest, CreationIsLogged) {
-  EXPECT_EQ(logOf([] { const gl::OpenGLWindow window; }), "Creating hidden Window\n");
-}
-
 TEST(OpenGLWindowGLTest, WindowsOnSeveralThreads) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 6; ++i) {
@@ -80,7 +76,9 @@ TEST(OpenGLWindowGLTest, ManyLivesAreFlat) {
   const std::size_t memory = residentMemory();
   for (int i = 0; i < 60; ++i) TestContext context;
   // A leaked context of the software renderer weighs more than a megabyte.
-  EXPECT_LT(residentMemory(), memory + 30'000'000);
+  if (measuresMemory) {
+    EXPECT_LT(residentMemory(), memory + 30'000'000);
+  }
 }
 
 }  // namespace

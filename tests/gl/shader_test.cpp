@@ -1,39 +1,10 @@
 #include "gl/shader.h"
 
-#include "gl/program_cache.h"
+#include "gl/shader_fixture.h"
 #include "support/gl_spy.h"
-#include "support/test_context.h"
 
 namespace oct::test {
 namespace {
-
-const std::string vertex =
-    "#version 330 core\nlayout(location = 0) in vec2 v;\nvoid main() { gl_Position = vec4(v, 0.0, 1.0); }\n";
-const std::string fragment =
-    "#version 330 core\nuniform float used;\nout vec4 c;\nvoid main() { c = vec4(used); }\n";
-
-class ShaderGLTest : public GLTest {
- protected:
-  // A name of its own for every test: binaries are never forgotten.
-  static std::string name() { return testing::UnitTest::GetInstance()->current_test_info()->name(); }
-
-  static std::string failure(gl::Shader& shader, const std::string& v, const std::string& f) {
-    try {
-      shader.load_to_program(name(), v, f);
-      return "(none)";
-    } catch (const std::exception& error) {
-      return error.what();
-    }
-  }
-
-  static bool linked(const gl::Shader& shader) {
-    GLint status = GL_FALSE;
-    glGetProgramiv(shader.program(), GL_LINK_STATUS, &status);
-    return status == GL_TRUE;
-  }
-
-  static gl::ProgramKey key() { return {{fragment.size(), vertex.size()}, name()}; }
-};
 
 TEST_F(ShaderGLTest, SecondBuildReadsTheBinary) {
   GlSpy spy;
@@ -82,48 +53,6 @@ TEST_F(ShaderGLTest, NameAndLengthsAreTheKey) {
   gl::Shader renamed;
   renamed.load_to_program(name() + "2", vertex, fragment);
   EXPECT_EQ(spy.calls("glCompileShader"), 6);
-}
-
-TEST_F(ShaderGLTest, SyntaxErrors) {
-  gl::Shader shader;
-  GlSpy spy;
-  std::string text = logOf([&] {
-    EXPECT_EQ(failure(shader, vertex, "#version 330 core\nout vec4 c;\nvoid main() { c = nonsense; }\n"),
-              "Fragment shader compilation failed");
-  });
-  EXPECT_EQ(text.find("Shader compilation failed: "), 0U);
-  EXPECT_NE(text.find("nonsense"), std::string::npos) << "the driver's own words: " << text;
-  EXPECT_EQ(spy.liveObjects(), 2U) << "both shader objects stay until the program is released";
-  shader.release();
-  EXPECT_EQ(spy.liveObjects(), 0U);
-
-  EXPECT_EQ(failure(shader, "#version 330 core\nnonsense\n", fragment), "Vertex shader compilation failed");
-  EXPECT_EQ(shader.program(), 0U);
-  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
-  EXPECT_TRUE(linked(shader));
-}
-
-TEST_F(ShaderGLTest, LinkFailure) {
-  gl::Shader shader;
-  GlSpy spy;
-  const std::string gives =
-      "#version 330 core\nlayout(location = 0) in vec2 v;\nout vec2 passed;\n"
-      "void main() { passed = v; gl_Position = vec4(v, 0.0, 1.0); }\n";
-  const std::string takes = "#version 330 core\nin vec4 passed;\nout vec4 c;\nvoid main() { c = passed; }\n";
-  const std::string text = logOf([&] { EXPECT_EQ(failure(shader, gives, takes), ""); });
-  EXPECT_EQ(text, "Linking failed. \n");
-  shader.release();
-  EXPECT_EQ(spy.liveObjects(), 0U);
-}
-
-TEST_F(ShaderGLTest, MissingUniformIsLogged) {
-  gl::Shader shader;
-  shader.load_to_program(name(), vertex, fragment);
-  EXPECT_EQ(logOf([&] {
-              EXPECT_EQ(shader.uniform("absent"), -1);
-              EXPECT_GE(shader.uniform("used"), 0);
-            }),
-            "Uniform absent was not found. \n");
 }
 
 TEST_F(ShaderGLTest, UseBeforeBuild) {

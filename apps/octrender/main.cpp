@@ -1,0 +1,6 @@
+#include "platform.h"
+#include "program.h"
+
+int main(int argc, char** argv) {
+  return oct::app::runProgram(oct::app::commandLineArguments(argc, argv));
+}

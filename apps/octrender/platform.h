@@ -1,0 +1,14 @@
+// What the program needs to know from the system it runs on.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace oct::app {
+
+// The arguments behind the program's name, in UTF-8.
+std::vector<std::string> commandLineArguments(int argc, char** argv);
+
+bool errorStreamIsTerminal();
+
+}  // namespace oct::app

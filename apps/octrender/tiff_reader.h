@@ -1,0 +1,11 @@
+// Gray TIFF images of 8 or 16 bits or 32-bit floats; each page is a frame.
+#pragma once
+
+#include "image.h"
+#include "input_file.h"
+
+namespace oct::app {
+
+Raster readTiff(InputFile& file, const FrameChoice& choice);
+
+}  // namespace oct::app

@@ -1,0 +1,10 @@
+#include "failure.h"
+#include "tiff_reader.h"
+
+namespace oct::app {
+
+Raster readTiff(InputFile& file, const FrameChoice&) {
+  throw inputFailure(file.path(), "TIFF input needs the Linux build");
+}
+
+}  // namespace oct::app

@@ -1,0 +1,234 @@
+// octrender bscan: one B-scan as a PNG picture.
+#include <algorithm>
+#include <iostream>
+#include <limits>
+#include <memory>
+
+#include "bscan_scene.h"
+#include "failure.h"
+#include "image_input.h"
+#include "option_values.h"
+#include "png_writer.h"
+#include "verbs.h"
+
+namespace oct::app {
+namespace {
+
+constexpr char kDescription[] = "Draw one B-scan as a PNG picture, depth downwards, A-scans to the right";
+
+constexpr char kFooter[] = R"(
+Input: a .npy array (float32, float64, uint8, uint16 or bool; little-endian; either
+memory order), a PNG image (8 or 16 bits; colours count by their luminance) or, in the
+Linux build, a gray TIFF image (8 or 16 bits or 32-bit float, in strips). Rows are depth
+and columns A-scans. The first axis of a three-dimensional array and the pages of a TIFF
+file are frames. Samples keep their values: a 16-bit image goes from 0 to 65535.
+
+NaN and infinite samples do not count for an automatic range. NaN and minus infinity are
+drawn in the first colour, infinity in the last. An automatic range without extent is
+widened to the lowest and highest sample.
+
+A colour map of your own is a .csv file of 2 to 4096 lines r,g,b or r,g,b,a: whole numbers
+from 0 to 255, or numbers from 0 to 1 when none in the file is above 1. A first line
+without numbers is a header. Alpha of the base map lets the background through, alpha of
+the overlay map the base image.
+
+The picture is written under a temporary name and then renamed: a run that fails leaves an
+existing file as it was.
+
+OpenGL: the program makes its own context through the library's offscreen target.
+
+Exit codes: 0 written, 1 rendering failed, 2 wrong command line, 3 input cannot be read or
+understood, 4 output cannot be written.
+
+Examples:
+  octrender bscan skin.npy -o skin.png --spacing 5.75 3.1
+  octrender bscan retina_linear.npy -o retina.png --db --range -80 -10
+  octrender bscan artery.npy -o artery.png --frame 20 --colormap inferno --blur first
+  octrender bscan skin.npy -o flow.png --overlay flow.npy --overlay-threshold 60
+)";
+
+struct Options {
+  std::string input;
+  std::string output;
+  std::optional<std::size_t> frame;
+  bool transpose = false;
+  bool decibels = false;
+  std::string size;
+  std::optional<NumberPair> spacing;
+  std::string colormap = "gray";
+  bool reverse = false;
+  std::optional<NumberPair> range;
+  std::string blur;
+  bool pepper = false;
+  bool flip = false;
+  std::string background = "000000";
+  std::string overlay;
+  std::optional<double> overlayThreshold;
+  std::string overlayColormap = "inferno";
+  std::optional<NumberPair> overlayRange;
+  double overlayOpacity = 0.5;
+};
+
+void addInputOptions(CLI::App& verb, Options& options) {
+  verb.add_option("IN", options.input, "Image or volume to read")->type_name("")->required();
+  verb.add_option("-o,--output", options.output, "Picture to write; must end in .png")
+      ->type_name("OUT.png")
+      ->required();
+  verb.add_option("--frame", options.frame, "Frame of a volume, from 0 (default: the middle one)")
+      ->type_name("N")
+      ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""));
+  verb.add_flag("--transpose", options.transpose, "Rows of the files are A-scans, columns depth");
+  verb.add_flag("--db", options.decibels,
+                "Draw 20 log10 of the samples, for linear data. --range\n"
+                "and --overlay-threshold are then in decibels");
+}
+
+void addDisplayOptions(CLI::App& verb, Options& options) {
+  auto* size = verb.add_option("--size", options.size,
+                               "Size of the picture in pixels (default: one\n"
+                               "pixel per sample, at most 4096 a side)");
+  size->type_name("WxH");
+  verb.add_option("--spacing", options.spacing,
+                  "Distance between samples along depth and between\n"
+                  "A-scans, in one unit: gives the true aspect")
+      ->type_name("DEPTH LATERAL")
+      ->excludes(size);
+  verb.add_option("--range", options.range,
+                  "Sample values of the first and the last colour\n"
+                  "(default: auto, the 1st and the 99.5th\n"
+                  "percentile). LO above HI inverts the map")
+      ->type_name("LO HI | auto");
+  verb.add_option("--colormap", options.colormap, colormapNames() + "\nor a .csv file")
+      ->type_name("MAP")
+      ->capture_default_str();
+  verb.add_flag("--reverse", options.reverse, "Turn the colour map round");
+  verb.add_option("--blur", options.blur, "Smooth before (first) or after (second) the\npepper filter")
+      ->type_name("first|second|both")
+      ->check(CLI::IsMember({"first", "second", "both"}).description(""));
+  verb.add_flag("--pepper", options.pepper, "Raise samples darker than their surroundings");
+  verb.add_flag("--flip", options.flip, "Depth upwards");
+  verb.add_option("--background", options.background, "Colour behind transparent colours of the map")
+      ->type_name("RRGGBB")
+      ->capture_default_str();
+}
+
+void addOverlayOptions(CLI::App& verb, Options& options) {
+  auto* overlay = verb.add_option("--overlay", options.overlay,
+                                  "Second image, stretched over the first; of a\n"
+                                  "volume the frame of the first is taken");
+  overlay->type_name("FILE");
+  verb.add_option("--overlay-threshold", options.overlayThreshold,
+                  "Draw the overlay only where the base image is at\n"
+                  "least this (default: everywhere)")
+      ->type_name("T")
+      ->needs(overlay);
+  verb.add_option("--overlay-range", options.overlayRange, "As --range, for the overlay")
+      ->type_name("LO HI | auto")
+      ->needs(overlay);
+  verb.add_option("--overlay-colormap", options.overlayColormap, "As --colormap, for the overlay")
+      ->type_name("MAP")
+      ->capture_default_str()
+      ->needs(overlay);
+  verb.add_option("--overlay-opacity", options.overlayOpacity, "0 (invisible) to 1 (opaque)")
+      ->type_name("A")
+      ->check(CLI::Range(0.0, 1.0).description(""))
+      ->capture_default_str()
+      ->needs(overlay);
+}
+
+void note(const std::string& file, const std::string& text) {
+  std::cerr << "octrender: " << file << ": " << text << std::endl;
+}
+
+std::filesystem::path outputPath(const Options& options) {
+  const std::filesystem::path output = fromUtf8(options.output);
+  if (output.extension() != ".png")
+    throw badCommandLine("the output '" + options.output + "' must end in .png");
+  for (const std::string& input : {options.input, options.overlay}) {
+    std::error_code ignored;
+    if (!input.empty() && std::filesystem::equivalent(fromUtf8(input), output, ignored)) {
+      throw badCommandLine("the output would overwrite the input '" + input + "'");
+    }
+  }
+  return output;
+}
+
+ValueRange finishRange(const std::string& file, const Image& image, const std::optional<ValueRange>& given) {
+  const std::optional<ValueRange> range = given ? given : automaticRange(image.samples);
+  if (!range) throw inputFailure(fromUtf8(file), "the image holds no finite sample");
+  return *range;
+}
+
+Layer makeBase(const Options& options, LoadedImage& loaded, const std::optional<ValueRange>& givenRange) {
+  if (loaded.frameCount > 1 && !options.frame) {
+    note(options.input, "showing frame " + std::to_string(loaded.frame) + " of 0 to " +
+                            std::to_string(loaded.frameCount - 1) + "; choose another with --frame");
+  }
+  Layer layer;
+  layer.image = std::move(loaded.image);
+  if (options.decibels) toDecibels(layer.image.samples);
+  layer.range = finishRange(options.input, layer.image, givenRange);
+  if (!options.decibels && !givenRange && looksLinear(layer.image.samples, layer.range)) {
+    note(options.input, "most samples are very dark beside the brightest; for linear data try --db");
+  }
+  replaceNonFinite(layer.image.samples, layer.range);
+  return layer;
+}
+
+Overlay makeOverlay(const Options& options, const LoadedImage& base, Colormap colormap,
+                    const std::optional<ValueRange>& givenRange) {
+  FrameChoice frame{options.frame, true};
+  if (base.frameCount > 1) frame.number = base.frame;
+  const std::filesystem::path path = fromUtf8(options.overlay);
+  Overlay overlay;
+  overlay.threshold = options.overlayThreshold;
+  Layer& layer = overlay.layer;
+  layer.image = loadImage(path, frame, options.transpose).image;
+  layer.colormap = std::move(colormap);
+  scaleAlpha(layer.colormap, options.overlayOpacity);
+  layer.range = finishRange(options.overlay, layer.image, givenRange);
+  replaceNonFinite(layer.image.samples, layer.range);
+  return overlay;
+}
+
+void run(const Options& options) {
+  // Everything that can be refused by the command line alone comes before the files are read.
+  const std::filesystem::path output = outputPath(options);
+  const std::optional<ValueRange> range = parseRange("--range", options.range);
+  const std::optional<ValueRange> overlayRange = parseRange("--overlay-range", options.overlayRange);
+  const Spacing spacing = parseSpacing(options.spacing);
+  BscanScene scene;
+  if (!options.size.empty()) scene.size = parsePictureSize(options.size);
+  scene.background = parseColor("--background", options.background);
+  Colormap colormap = loadColormap(options.colormap);
+  const Colormap overlayColormap = loadColormap(options.overlayColormap);
+  if (options.reverse) std::reverse(colormap.begin(), colormap.end());
+  flattenOnto(colormap, scene.background);
+
+  LoadedImage loaded = loadImage(fromUtf8(options.input), {options.frame}, options.transpose);
+  if (options.size.empty()) {
+    scene.size = naturalPictureSize(loaded.image.depth, loaded.image.ascans, spacing);
+  }
+  scene.base = makeBase(options, loaded, range);
+  scene.base.colormap = std::move(colormap);
+  if (!options.overlay.empty()) scene.overlay = makeOverlay(options, loaded, overlayColormap, overlayRange);
+  scene.firstBlur = options.blur == "first" || options.blur == "both";
+  scene.secondBlur = options.blur == "second" || options.blur == "both";
+  scene.pepperFilter = options.pepper;
+  scene.flip = options.flip;
+  writePng(output, renderBscan(scene));
+}
+
+}  // namespace
+
+void addBscanVerb(CLI::App& program) {
+  CLI::App* verb = program.add_subcommand("bscan", kDescription);
+  const auto options = std::make_shared<Options>();
+  addInputOptions(*verb, *options);
+  addDisplayOptions(*verb, *options);
+  addOverlayOptions(*verb, *options);
+  verb->footer(kFooter);
+  verb->callback([options] { run(*options); });
+}
+
+}  // namespace oct::app

@@ -1,0 +1,10 @@
+// The verbs of the program. Each function adds one to the command line; a verb that runs reports by throwing.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace oct::app {
+
+void addBscanVerb(CLI::App& program);
+
+}  // namespace oct::app

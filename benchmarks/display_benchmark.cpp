@@ -1,0 +1,152 @@
+// A whole B-scan frame, 1024 x 2048 floats into 1024 x 1024 pixels, against the parts that no implementation can do
+// without, measured in turn in the same run: copying the client's samples, uploading them, drawing as many pixels with
+// the least possible shader, reading them back. Absolute times mean little on a shared machine; "ratio" is the result.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <vector>
+
+#include "gl/gl_names.h"
+#include "gl/quad.h"
+#include "gl/shader.h"
+#include "oct_rendering/oct_rendering.h"
+#include "shaders.h"
+
+namespace {
+
+constexpr int depth = 1024;
+constexpr int aScans = 2048;
+constexpr unsigned width = 1024;
+constexpr unsigned height = 1024;
+
+const char* const bareFragment = R"(#version 330 core
+uniform sampler2D image;
+out vec4 color;
+void main() { color = vec4(texelFetch(image, ivec2(gl_FragCoord.yx) * ivec2(1, 2), 0).r); }
+)";
+
+// The same work as the frame, written down bare.
+class Parts {
+ public:
+  Parts() : samples_(static_cast<std::size_t>(depth) * aScans) {
+    texture_ = oct::gl::Texture::create();
+    glBindTexture(GL_TEXTURE_2D, texture_.get());
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_R32F, depth, aScans, 0, GL_RED, GL_FLOAT, nullptr);
+    shader_.load_to_program("bare", oct::shaders::filter_vert, bareFragment);
+    quad_.create("no buffer");
+    framebuffer_ = oct::gl::Framebuffer::create();
+    color_ = oct::gl::Renderbuffer::create();
+    glBindRenderbuffer(GL_RENDERBUFFER, color_.get());
+    glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, width, height);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color_.get());
+  }
+
+  void copy(const std::vector<float>& image) {
+    std::memcpy(samples_.data(), image.data(), image.size() * sizeof(float));
+    benchmark::ClobberMemory();
+  }
+  void upload() {
+    glBindTexture(GL_TEXTURE_2D, texture_.get());
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, depth, aScans, GL_RED, GL_FLOAT, samples_.data());
+    glFinish();
+  }
+  void draw() {
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+    glViewport(0, 0, width, height);
+    shader_.use();
+    quad_.draw();
+    glFinish();
+  }
+  void readBack(std::vector<unsigned char>& pixels) {
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+    glReadPixels(0, 0, width, height, GL_BGRA, GL_UNSIGNED_BYTE, pixels.data());
+  }
+
+ private:
+  std::vector<float> samples_;
+  oct::gl::Texture texture_;
+  oct::gl::Shader shader_;
+  oct::gl::Quad quad_;
+  oct::gl::Framebuffer framebuffer_;
+  oct::gl::Renderbuffer color_;
+};
+
+template <class Work>
+double milliseconds(Work&& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+class Median {
+ public:
+  void add(double value) { values_.push_back(value); }
+  double value() {
+    std::nth_element(values_.begin(), values_.begin() + static_cast<std::ptrdiff_t>(values_.size() / 2),
+                     values_.end());
+    return values_[values_.size() / 2];
+  }
+
+ private:
+  std::vector<double> values_;
+};
+
+void frameAgainstItsParts(benchmark::State& state) {
+  std::vector<float> image(static_cast<std::size_t>(depth) * aScans);
+  for (std::size_t i = 0; i < image.size(); ++i) image[i] = static_cast<float>(i * 2654435761U % 1000U) / 1000.0F;
+  std::vector<unsigned char> pixels(width * height * 4);
+
+  const OffscreenTargetHandle target = createOffscreenTarget();
+  const DisplayRenderingHandle display = createDisplayRendering();
+  initDisplayRendering(display);
+  if (state.range(0) != 0) {
+    setDisplayBlur(display, 1, 0);
+    setDisplayPepperFilter(display, 1);
+  }
+  {
+    Parts parts;
+    Median set, render, read, frame, copy, upload, draw, readBack;
+    for (auto _ : state) {
+      const double setTime = milliseconds([&] { setDisplayData(display, depth, aScans, image.data()); });
+      const double renderTime = milliseconds([&] {
+        beginOffscreenFrame(target, width, height);
+        renderDisplay(display);
+        glFinish();  // so that drawing is not counted as reading back
+      });
+      const double readTime = milliseconds([&] { finishOffscreenFrame(target, pixels.data()); });
+      set.add(setTime);
+      render.add(renderTime);
+      read.add(readTime);
+      frame.add(setTime + renderTime + readTime);
+      copy.add(milliseconds([&] { parts.copy(image); }));
+      upload.add(milliseconds([&] { parts.upload(); }));
+      draw.add(milliseconds([&] { parts.draw(); }));
+      readBack.add(milliseconds([&] { parts.readBack(pixels); }));
+    }
+    const double sum = copy.value() + upload.value() + draw.value() + readBack.value();
+    state.counters["ratio"] = frame.value() / sum;
+    state.counters["frame_ms"] = frame.value();
+    state.counters["set_ms"] = set.value();
+    state.counters["render_ms"] = render.value();
+    state.counters["read_ms"] = read.value();
+    state.counters["part_copy_ms"] = copy.value();
+    state.counters["part_upload_ms"] = upload.value();
+    state.counters["part_draw_ms"] = draw.value();
+    state.counters["part_read_ms"] = readBack.value();
+    state.counters["to_upload"] = frame.value() / upload.value();
+    state.counters["to_read"] = frame.value() / readBack.value();
+  }
+  uninitDisplayRendering(display);
+  clearDisplayRendering(display);
+  clearOffscreenTarget(target);
+}
+BENCHMARK(frameAgainstItsParts)->ArgName("filters")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+#include <tiffio.h>
+
+#include "image_input.h"
+#include "test_files.h"
+
+namespace oct::app::test {
+namespace {
+
+struct Page {
+  std::uint32_t width = 3;
+  std::uint32_t height = 2;
+  int bits = 8;
+  int format = SAMPLEFORMAT_UINT;
+  int photometric = PHOTOMETRIC_MINISBLACK;
+  int compression = COMPRESSION_NONE;
+  int samplesPerPixel = 1;
+};
+
+class TiffReader : public testing::Test {
+ protected:
+  template <class T>
+  void write(const Page& page, const std::vector<T>& samples, const char* mode = "w") {
+    TIFF* tiff = TIFFOpen(path_.c_str(), mode);
+    ASSERT_NE(tiff, nullptr);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, page.width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, page.height);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, page.bits);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, page.samplesPerPixel);
+    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, page.format);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, page.photometric);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, page.compression);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 1);
+    std::vector<T> copy = samples;
+    const std::size_t rowSamples = samples.size() / page.height;
+    for (std::uint32_t row = 0; row < page.height; ++row) {
+      ASSERT_EQ(TIFFWriteScanline(tiff, &copy[row * rowSamples], row), 1);
+    }
+    ASSERT_EQ(TIFFWriteDirectory(tiff), 1);
+    TIFFClose(tiff);
+  }
+
+  LoadedImage load(std::optional<std::size_t> frame = std::nullopt) {
+    return loadImage(path_, {frame}, false);
+  }
+
+  TemporaryFolder folder_;
+  std::filesystem::path path_ = folder_ / "image.tif";
+};
+
+TEST_F(TiffReader, ReadsEveryType) {
+  write<std::uint8_t>({}, {0, 1, 2, 3, 4, 255});
+  EXPECT_EQ(load().image.samples, (std::vector<float>{0, 3, 1, 4, 2, 255}));
+  EXPECT_EQ(load().image.depth, 2u);
+
+  write<std::uint16_t>({.bits = 16}, {0, 1, 2, 300, 40000, 65535});
+  EXPECT_EQ(load().image.samples, (std::vector<float>{0, 300, 1, 40000, 2, 65535}));
+
+  write<float>({.bits = 32, .format = SAMPLEFORMAT_IEEEFP}, {-1.5f, 0, 1, 2, 3, 1e20f});
+  EXPECT_EQ(load().image.samples, (std::vector<float>{-1.5f, 2, 0, 3, 1, 1e20f}));
+}
+
+TEST_F(TiffReader, ReadsCompressedAndBigEndianFiles) {
+  write<std::uint16_t>({.bits = 16, .compression = COMPRESSION_LZW}, {0, 1, 2, 300, 40000, 65535}, "wb");
+  EXPECT_EQ(load().image.samples, (std::vector<float>{0, 300, 1, 40000, 2, 65535}));
+}
+
+TEST_F(TiffReader, ReadsFilesWith64BitOffsets) {
+  write<std::uint8_t>({}, {0, 1, 2, 3, 4, 255}, "w8");
+  EXPECT_EQ(load().image.samples, (std::vector<float>{0, 3, 1, 4, 2, 255}));
+}
+
+TEST_F(TiffReader, InvertsWhereZeroIsWhite) {
+  write<std::uint8_t>({.photometric = PHOTOMETRIC_MINISWHITE}, {0, 1, 2, 3, 4, 255});
+  EXPECT_EQ(load().image.samples, (std::vector<float>{255, 252, 254, 251, 253, 0}));
+}
+
+TEST_F(TiffReader, PicksAPage) {
+  for (std::uint8_t page = 0; page < 3; ++page) {
+    write<std::uint8_t>({.width = 1, .height = 1}, {static_cast<std::uint8_t>(page * 10)}, page ? "a" : "w");
+  }
+  EXPECT_EQ(load(2).image.samples, std::vector<float>{20});
+  const LoadedImage middle = load();
+  EXPECT_EQ(middle.image.samples, std::vector<float>{10});
+  EXPECT_EQ(middle.frameCount, 3u);
+  expectFailure(ExitCode::InputFailed, "no frame 3", [&] { load(3); });
+}
+
+TEST_F(TiffReader, RefusesOtherKinds) {
+  write<std::int16_t>({.bits = 16, .format = SAMPLEFORMAT_INT}, {0, 1, 2, 3, 4, -5});
+  expectFailure(ExitCode::InputFailed, "16 bits", [&] { load(); });
+  write<double>({.bits = 64, .format = SAMPLEFORMAT_IEEEFP}, {0, 1, 2, 3, 4, 5});
+  expectFailure(ExitCode::InputFailed, "64 bits", [&] { load(); });
+  write<std::uint8_t>({.photometric = PHOTOMETRIC_RGB, .samplesPerPixel = 3},
+                      std::vector<std::uint8_t>(18, 1));
+  expectFailure(ExitCode::InputFailed, "only gray", [&] { load(); });
+}
+
+// Cut anywhere, the file must be refused and neither crash the program nor pass as an image.
+TEST_F(TiffReader, RefusesTruncatedFiles) {
+  write<std::uint8_t>({}, {0, 1, 2, 3, 4, 255});
+  const std::string good = readFile(path_);
+  for (std::size_t length = 4; length < good.size() - 4; ++length) {
+    SCOPED_TRACE(length);
+    writeFile(path_, good.substr(0, length));
+    expectFailure(ExitCode::InputFailed, "image.tif: ", [&] { load(); });
+  }
+}
+
+}  // namespace
+}  // namespace oct::app::test
