@@ -78,16 +78,19 @@ void OffscreenBufferObject::prepare(std::int32_t request) {
 
 void OffscreenBufferObject::finish() {
   const TimingMark mark("OffscreenBuffer::finish");
-  // A client may have asked for another size while this frame was drawn. Its memory has that size, so it is left
-  // for the next frame.
-  bool stale = false;
-  void* const data = done_.guarded([&]() -> void* {
-    stale = outputData_ && !(frameSize_ == size_);
-    return stale ? nullptr : std::exchange(outputData_, nullptr);
+  constexpr std::uint32_t finished = 0xFFFFFFFFU;
+  void* data = nullptr;
+  done_.signalIf(finished, [&] {
+    // Without anything to read the frame is over at once. Signalling later would answer a client that asks now.
+    if (!outputData_) return true;
+    // A client may have asked for another size while this frame was drawn. Its memory has that size, so it is left
+    // for the next frame.
+    if (frameSize_ == size_) data = std::exchange(outputData_, nullptr);
+    return false;
   });
-  if (stale) return;
-  if (data) read_pixels(data);
-  done_.signal(0xFFFFFFFFU);
+  if (!data) return;
+  read_pixels(data);
+  done_.signal(finished);
 }
 
 std::int64_t OffscreenBufferObject::timestamp() const {

