@@ -19,5 +19,7 @@ write_basic_package_version_file("${CMAKE_BINARY_DIR}/oct_rendering-config-versi
 install(FILES "${CMAKE_BINARY_DIR}/oct_rendering-config.cmake"
   "${CMAKE_BINARY_DIR}/oct_rendering-config-version.cmake" DESTINATION "${package_dir}")
 
+# The file finds its prefix from where it lies, however deep the library folder is.
+file(RELATIVE_PATH pc_to_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file("${CMAKE_SOURCE_DIR}/cmake/oct_rendering.pc.in" "${CMAKE_BINARY_DIR}/oct_rendering.pc" @ONLY)
 install(FILES "${CMAKE_BINARY_DIR}/oct_rendering.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

@@ -35,6 +35,9 @@ void checkCompiled(const ShaderObject& shader, const char* failure) {
   throw Exception(failure);
 }
 
+// OpenGL 3.3 has program binaries only as an extension.
+bool hasProgramBinaries() { return glProgramParameteri && glGetProgramBinary && glProgramBinary; }
+
 GLint binaryLength(const Program& program) {
   GLint length = 0;
   glGetProgramiv(program.get(), GL_PROGRAM_BINARY_LENGTH, &length);
@@ -45,7 +48,7 @@ GLint binaryLength(const Program& program) {
 // error.
 void keepBinary(const Program& program, const ProgramKey& key) {
   ProgramBinary binary;
-  const GLint length = binaryLength(program);
+  const GLint length = hasProgramBinaries() ? binaryLength(program) : 0;
   if (length > 0) {
     binary.bytes.resize(static_cast<std::size_t>(length));
     glGetProgramBinary(program.get(), length, nullptr, &binary.format, binary.bytes.data());
@@ -67,7 +70,7 @@ void Shader::load_to_program(const std::string& name, const std::string& vertexS
 bool Shader::loadBinary(const std::string& name, const std::string& vertexSource,
                         const std::string& fragmentSource) {
   const auto binary = findProgramBinary(keyOf(name, vertexSource, fragmentSource));
-  if (!binary) return false;
+  if (!binary || !hasProgramBinaries()) return false;
   program_ = Program::create();
   glProgramBinary(program_.get(), binary->format, binary->bytes.data(),
                   static_cast<GLsizei>(binary->bytes.size()));
@@ -85,7 +88,9 @@ void Shader::compileAndLink(const std::string& vertexSource, const std::string& 
   program_ = Program::create();
   glAttachShader(program_.get(), vertexShader_.get());
   glAttachShader(program_.get(), fragmentShader_.get());
-  glProgramParameteri(program_.get(), GL_PROGRAM_BINARY_RETRIEVABLE_HINT, GL_TRUE);
+  if (hasProgramBinaries()) {
+    glProgramParameteri(program_.get(), GL_PROGRAM_BINARY_RETRIEVABLE_HINT, GL_TRUE);
+  }
   glLinkProgram(program_.get());
   GLint status = GL_FALSE;
   glGetProgramiv(program_.get(), GL_LINK_STATUS, &status);

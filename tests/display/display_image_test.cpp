@@ -1,8 +1,10 @@
 // Whole pictures of the display, drawn through the exports, against the CPU reference.
 #include <cmath>
+#include <filesystem>
 #include <ostream>
 
 #include "support/display_reference.h"
+#include "support/npy.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -125,6 +127,26 @@ TEST(DisplaySequenceGLTest, SettingsBetweenFrames) {
   uninitDisplayRendering(renderer);
   clearDisplayRendering(renderer);
   clearOffscreenTarget(target);
+}
+
+// A measurement of skin, reduced and enlarged at once; noise of that kind has no two equal neighbours.
+TEST(DisplayRecordedGLTest, SkinEqualsReference) {
+  const std::filesystem::path file = std::filesystem::path(OCT_SHARED_DATA) / "bscan_skin_thumb.npy";
+  if (!std::filesystem::exists(file)) GTEST_SKIP() << "no recorded data beside the project: " << file;
+  const std::vector<float> rows = readNpy<float>(file, "<f4");
+  constexpr std::size_t depth = 512;
+  constexpr std::size_t aScans = 1272;
+  ASSERT_EQ(rows.size(), depth * aScans);
+  Scene scene = sceneOf(512, 1272, 640, 700);
+  for (std::size_t z = 0; z < depth; ++z) {
+    for (std::size_t x = 0; x < aScans; ++x) scene.image.samples[x * depth + z] = rows[z * aScans + x];
+  }
+  scene.lower = 20.0;
+  scene.upper = 180.0;
+  for (const bool filtered : {false, true}) {
+    scene.pepper = scene.secondBlur = filtered;
+    EXPECT_TRUE(agree(renderedPicture(scene), referencePicture(scene)));
+  }
 }
 
 // What a client's context may have been left in must not show in the picture.

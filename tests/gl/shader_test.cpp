@@ -78,6 +78,20 @@ TEST_F(ShaderGLTest, DriverWithoutBinaryFormats) {
   EXPECT_EQ(gl::findProgramBinary(key()), nullptr);
 }
 
+TEST_F(ShaderGLTest, DriverWithoutProgramBinaries) {
+  const auto parameter = __glewProgramParameteri;
+  const auto getBinary = __glewGetProgramBinary;
+  __glewProgramParameteri = nullptr;
+  __glewGetProgramBinary = nullptr;
+  gl::Shader shader;
+  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
+  EXPECT_TRUE(linked(shader));
+  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
+  __glewProgramParameteri = parameter;
+  __glewGetProgramBinary = getBinary;
+  EXPECT_EQ(gl::findProgramBinary(key()), nullptr);
+}
+
 TEST_F(ShaderGLTest, FailedReadBackOfTheBinaryKeepsNothing) {
   GlSpy spy;
   spy.failNext("glGetProgramBinary");

@@ -1,7 +1,7 @@
 // The simulator's processing against spectra of a real spectrometer and the picture made of them elsewhere.
 
 #include "measurement.h"
-#include "npy.h"
+#include "support/npy.h"
 
 #include <gtest/gtest.h>
 
@@ -34,7 +34,7 @@ std::filesystem::path recordings() {
 }
 
 RawData readSpectra(const std::filesystem::path& file) {
-  const auto counts = readNpy<std::uint16_t>(file, "<u2");
+  const auto counts = oct::test::readNpy<std::uint16_t>(file, "<u2");
   if (counts.size() != std::size_t{kPixels} * kAScans)
     throw std::runtime_error("Unexpected number of spectra. ");
   RawData raw;
@@ -65,8 +65,8 @@ TEST(RecordedSpectra, GiveTheReferencePicture) {
 
   const Calibration calibration{
       .depthRangeMm = 1.0,
-      .wavenumberPositions = readNpy<double>(folder / "spectra_wood_kpos.npy", "<f8"),
-      .compensationPhase = readNpy<double>(folder / "spectra_wood_dispersion.npy", "<f8"),
+      .wavenumberPositions = oct::test::readNpy<double>(folder / "spectra_wood_kpos.npy", "<f8"),
+      .compensationPhase = oct::test::readNpy<double>(folder / "spectra_wood_dispersion.npy", "<f8"),
       .background = std::vector<float>(kPixels)};
   const auto volume = process(calibration, readSpectra(folder / "spectra_wood.npy"));
 

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <vector>
 
-namespace oct::simulator::test {
+namespace oct::test {
 
 /// The bytes of a little-endian array in C order; throws std::runtime_error if the file is not one.
 /// @param type the element type as NumPy writes it, for example "<f8"
@@ -20,4 +20,4 @@ std::vector<Element> readNpy(const std::filesystem::path& file, const char* type
   return {elements, elements + bytes.size() / sizeof(Element)};
 }
 
-}  // namespace oct::simulator::test
+}  // namespace oct::test

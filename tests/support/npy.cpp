@@ -1,11 +1,11 @@
-#include "npy.h"
+#include "support/npy.h"
 
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
 
-namespace oct::simulator::test {
+namespace oct::test {
 
 std::vector<char> readNpyBytes(const std::filesystem::path& file, const char* type) {
   std::ifstream stream(file, std::ios::binary);
@@ -23,4 +23,4 @@ std::vector<char> readNpyBytes(const std::filesystem::path& file, const char* ty
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-}  // namespace oct::simulator::test
+}  // namespace oct::test
