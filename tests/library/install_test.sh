@@ -28,5 +28,11 @@ cc -std=c99 "$work/client/draw_bscan.c" -o "$work/client/plain" $(pkg-config --c
 LD_LIBRARY_PATH="$libdir" "$work/client/plain" "$work/pkgconfig.ppm" >/dev/null
 
 cmp "$work/cmake.ppm" "$work/pkgconfig.ppm"
+
+# The program in the README.
+sed -n '/^```c$/,/^```$/{/^```/d;p}' "$source/README.md" >"$work/readme.c"
+# shellcheck disable=SC2046
+cc -std=c99 -Wall -Werror "$work/readme.c" -o "$work/readme" $(pkg-config --cflags --libs oct_rendering)
+LD_LIBRARY_PATH="$libdir" "$work/readme" | grep -q "the middle pixel is [1-9]"
 [ "$(stat -c %s "$work/cmake.ppm")" -gt 900000 ]
 "$work/prefix/bin/octrender" --help >/dev/null
