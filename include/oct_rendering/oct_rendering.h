@@ -127,8 +127,8 @@ OCT_API void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction 
  * from any thread; renderDisplay() per frame; with the context current uninitDisplayRendering();
  * clearDisplayRendering().
  *
- * The picture fills the current viewport. Depth runs down the screen and A-scans run to the right; a pixel that
- * covers several samples shows their mean. A sample v is coloured by the colour map at
+ * The picture fills the current viewport. Depth runs down the screen and A-scans run to the right. A pixel that
+ * covers several samples shows the mean of as many, from the sample below its centre on. A sample v is coloured by the colour map at
  * (v - Lower) / (Upper - Lower): 0 and below is its first entry, 1 and above its last, linear in between.
  *
  * Every function refuses a null handle with "Invalid DisplayRenderingHandle specified. ", except
