@@ -162,8 +162,10 @@ void VolumeRenderer::drawBox(const VolumeFrame& frame) {
   program.use();
   glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
   glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
-  enableBlending();
+  glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
   box_.draw(frame.boxFilled() ? frame.filledEnd : 1.0F);
+  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+  enableBlending();
   if (frame.volumeShown()) elements_.drawTranslucent(frame);
 }
 
@@ -194,6 +196,7 @@ void VolumeRenderer::drawVolume(const VolumeFrame& frame) {
   }
   glPolygonOffset(1.0F, 4.0F);
   raycaster_.draw(frame, box_);
+  if (clipPlane_.enabled()) elements_.drawClipPlaneBorder(frame);  // the rays covered its part on the cut
   if (settings_.removeSegment) elements_.drawRemovedSegment(frame);
 }
 
