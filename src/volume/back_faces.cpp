@@ -61,10 +61,8 @@ void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cutFace) 
   program.use();
   glUniformMatrix4fv(program.at().modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
   glUniformMatrix4fv(program.at().projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
-  // Seen from the kept side, rays leave through the cut. Seen from the other side they enter there, and the
-  // faces drawn after it hold where they leave.
   const auto corners = static_cast<GLsizei>(frame.clipPlane.cutFace().size());
-  if (corners > 0) {
+  if (corners > 0 && !frame.cutFacesViewer()) {
     glUniform4f(program.ray().clipPlane, 0.0F, 0.0F, 0.0F, 0.0F);
     cutFace.draw(GL_TRIANGLES, 0, corners);
   }

@@ -11,7 +11,6 @@ class BackFaces {
  public:
   void create();
   void release();
-  void rebuild() { rebuild_ = true; }
 
   // Leaves the draw framebuffer and the viewport as they were, and front faces culled.
   void draw(const VolumeFrame& frame, Box& box, gl::Geometry& cutFace);

@@ -79,15 +79,19 @@ void Raycaster::drawFrontFaces(const RaycastingProgram& program, const VolumeFra
   glEnable(GL_BLEND);
   glBlendEquation(GL_FUNC_ADD);
   glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+  // Nothing that is drawn before lies in front of the volume. A test against the far side would lose the
+  // box's rim, where the two sides are closer to each other than the polygon offset.
+  glDepthFunc(GL_ALWAYS);
   glCullFace(GL_BACK);
   box.draw(frame.filledEnd);
   const auto corners = static_cast<GLsizei>(frame.clipPlane.cutFace().size());
-  if (corners > 0 && !frame.clipPlane.secondFlag()) {
+  if (corners > 0 && !frame.clipPlane.secondFlag() && frame.cutFacesViewer()) {
     // Points of the plane itself; rounding must not clip them. Each triangle comes in both windings, of which
     // one is culled.
     glUniform4f(program.ray().clipPlane, 0.0F, 0.0F, 0.0F, 0.0F);
     cutFace_.draw(GL_TRIANGLES, 0, corners);
   }
+  glDepthFunc(GL_LEQUAL);
   glDisable(GL_BLEND);
 }
 

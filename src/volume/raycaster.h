@@ -11,7 +11,6 @@ class Raycaster {
  public:
   void create() { backFaces_.create(); }
   void release();
-  void rebuildBackTexture() { backFaces_.rebuild(); }
 
   // Blends the volume over what is drawn. A dual coloured volume without a slice of secondary data draws
   // nothing.

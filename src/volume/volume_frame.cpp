@@ -9,6 +9,12 @@ void bindVolumeTexture(GLint unit, GLenum target, GLuint texture) {
   glBindTexture(target, texture);
 }
 
+bool VolumeFrame::cutFacesViewer() const {
+  const glm::vec4 viewer = settings.view.perspective ? glm::vec4(0.0F, 0.0F, 0.0F, 1.0F)
+                                                     : glm::vec4(0.0F, 0.0F, 1.0F, 0.0F);  // infinitely far
+  return glm::dot(clipPlane.plane(), glm::inverse(camera.modelview) * viewer) < 0.0F;
+}
+
 void useVolumeProgram(const VolumeRenderingProgram& program, const VolumeFrame& frame) {
   program.use();
   const auto& at = program.at();

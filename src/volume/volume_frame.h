@@ -33,6 +33,9 @@ struct VolumeFrame {
   bool boxFilled() const { return filledEnd > -1.0F; }
   bool volumeShown() const { return source.volume != 0 && settings.renderVolume && boxFilled(); }
 
+  // Whether the viewer looks at the cut of the clip plane, and not at it through the volume.
+  bool cutFacesViewer() const;
+
   // The colour map that colours the volume.
   const VolumeColormap& mainColormap() const {
     return colormaps.at(source.mainColormapIsOverlay ? ColormapRole::overlay : ColormapRole::main);

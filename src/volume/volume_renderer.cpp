@@ -167,8 +167,10 @@ void VolumeRenderer::drawFarSide(const VolumeFrame& frame) {
   program.use();
   glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
   glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
-  enableBlending();
+  glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
   box_.draw(frame.boxFilled() ? frame.filledEnd : 1.0F);
+  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+  enableBlending();
 }
 
 void VolumeRenderer::drawBehindVolume(const VolumeFrame& frame) {
@@ -198,6 +200,7 @@ void VolumeRenderer::drawVolume(const VolumeFrame& frame) {
   }
   glPolygonOffset(1.0F, 4.0F);
   raycaster_.draw(frame, box_);
+  // The rays covered the border's part on the cut.
   if (clipPlane_.enabled()) elements_.drawClipPlaneBorder(frame, ElementPass::inFront);
   if (settings_.removeSegment) elements_.drawRemovedSegment(frame);
 }

@@ -61,8 +61,6 @@ class VolumeRenderer : public AbstractRenderer {
   // For the owner of the volume
   VolumeSource source() const;
   void setSource(const VolumeSource& source);
-  void setModelRange(const Range& range);
-  void rebuildBackTexture();
   void clear();  // forgets the volume and shows neither volume nor surface
 
   VolumeSettings settings() const;

@@ -26,12 +26,8 @@ void VolumeRenderer::setTranslation(double x, double y, double z) {
 }
 
 void VolumeRenderer::setRange(double axial, double lateral1, double lateral2) {
-  setModelRange(rangeOf(axial, lateral1, lateral2));
-}
-
-void VolumeRenderer::setModelRange(const Range& range) {
   const ObjectLock lock(this);
-  settings_.range = range;
+  settings_.range = rangeOf(axial, lateral1, lateral2);
 }
 
 void VolumeRenderer::setZoom(double zoom) {
@@ -145,14 +141,10 @@ void VolumeRenderer::setSource(const VolumeSource& source) {
   source_ = source;
 }
 
-void VolumeRenderer::rebuildBackTexture() {
-  const ObjectLock lock(this);
-  raycaster_.rebuildBackTexture();
-}
-
 void VolumeRenderer::clear() {
   const ObjectLock lock(this);
   source_.volume = 0;
+  source_.revision = 0;
   settings_.renderVolume = false;
   settings_.renderSurface = false;
 }
