@@ -1,41 +1,68 @@
-// What is drawn around the volume: translucent elements, frame, clip plane border, sectional view.
+// What is drawn around the volume: translucent box, frame with scale marks, clip plane border, removed
+// segment.
 #pragma once
 
-#include <array>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <utility>
 
+#include "gl/geometry.h"
+#include "volume/font_renderer.h"
+#include "volume/scale_marks.h"
+#include "volume/sectional_view.h"
 #include "volume/volume_frame.h"
 
 namespace oct {
 
-struct Section {
-  bool shown = true;
-  float position = 0.5F;  // 0 to 1
-};
+// Most elements are drawn twice: before the volume with what lies behind it (depth test: greater or equal),
+// and after it with what lies in front.
+enum class ElementPass { behind, inFront };
 
-// The three slices through the volume, along x, y and z.
-class SectionalView {
- public:
-  // Throws std::invalid_argument and changes nothing when a position is not in 0 to 1.
-  void set(const std::array<Section, 3>& sections);
-
-  void draw(const VolumeFrame& frame);
-  void drawOutline(const VolumeFrame& frame);
-  void release() {}
-
- private:
-  std::array<Section, 3> sections_;
-};
-
-// Each element is drawn once behind the volume (depth test: greater or equal) and once in front of it.
 class SceneElements {
  public:
   SectionalView sectionalView;
 
-  void drawTranslucent(const VolumeFrame& frame);  // blending on
-  void drawFrame(const VolumeFrame& frame);        // edges and scale marks, by the frame flags
-  void drawClipPlaneBorder(const VolumeFrame& frame);
+  void drawTranslucent(const VolumeFrame& frame, ElementPass pass);
+
+  // Edges and scale marks, by the frame flags. Without any font on the machine marks have no labels; that is
+  // thrown once everything else is drawn, at the end of the pass in front.
+  void drawFrame(const VolumeFrame& frame, ElementPass pass);
+
+  void drawClipPlaneBorder(const VolumeFrame& frame, ElementPass pass);
   void drawRemovedSegment(const VolumeFrame& frame);  // after the rays, with remove segment on
   void release();                                     // deletes the OpenGL objects and the text renderers
+
+ private:
+  struct Fonts {
+    explicit Fonts(int lineHeight)
+        : height(lineHeight), numbers(lineHeight, false), captions(lineHeight, true) {}
+    int height;
+    FontRenderer numbers;
+    FontRenderer captions;
+  };
+
+  // The marks of the last frame, which the next one often needs again.
+  struct Layout {
+    Camera camera;
+    glm::vec3 extent;
+    ScaleMarks marks;
+  };
+
+  void drawEdges(const VolumeFrame& frame);
+  void drawScaleMarks(const VolumeFrame& frame);
+  void drawLabels(const VolumeFrame& frame);
+  void provideFonts(int height);
+  const ScaleMarks& marksOf(const VolumeFrame& frame);
+
+  gl::Geometry faces_;
+  gl::Geometry edges_;
+  gl::Geometry ticks_;
+  gl::Geometry border_;
+  gl::Geometry removed_;
+  std::unique_ptr<Fonts> fonts_;
+  std::exception_ptr fontFailure_;
+  std::optional<Layout> layout_;
 };
 
 }  // namespace oct

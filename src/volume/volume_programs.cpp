@@ -18,13 +18,23 @@ void EmptyProgram::load() {
   projection = uniform("projection");
 }
 
+void SurfaceProgram::load() {
+  load_to_program("surface_program", shaders::surface_vert, shaders::surface_frag);
+  modelview = uniform("modelview");
+  projection = uniform("projection");
+  normal = uniform("normal");
+  lowerDepth = uniform("lowerDepth");
+  upperDepth = uniform("upperDepth");
+  colorTex = uniform("colorTex");
+}
+
 void VolumePrograms::loadScene() {
   const TimingMark mark("shader_compile_volume");
   background.load_to_program("background_program", shaders::background_vert, shaders::background_frag);
   simple.load();
   section.load("program", shaders::section_vert, shaders::section_frag);
   sectionOverlay.load("overlay_rendering_program", shaders::section_vert, shaders::section_overlay_frag);
-  surface.load("surface_program", shaders::surface_vert, shaders::surface_frag);
+  surface.load();
   empty.load();
 }
 
@@ -47,8 +57,9 @@ void VolumePrograms::unload() {
   background.release();
   simple.release();
   empty.release();
+  surface.release();
   for (VolumeRenderingProgram* const program : std::initializer_list<VolumeRenderingProgram*>{
-           &section, &sectionOverlay, &surface, &raycastingBack, &raycasting, &raycastingMaximum,
+           &section, &sectionOverlay, &raycastingBack, &raycasting, &raycastingMaximum,
            &raycastingMean, &raycastingDualColoring, &raycastingOverlay, &raycastingOverlayMaximum,
            &raycastingOverlayMean}) {
     program->unload();

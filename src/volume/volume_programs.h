@@ -18,13 +18,18 @@ struct EmptyProgram : gl::Shader {
   GLint modelview = -1, projection = -1;
 };
 
+struct SurfaceProgram : gl::Shader {
+  void load();
+  GLint modelview = -1, projection = -1, normal = -1, lowerDepth = -1, upperDepth = -1, colorTex = -1;
+};
+
 class VolumePrograms {
  public:
   gl::Shader background;                  // "background_program": vec2 vertex (0), vec4 colour (1)
   SimpleProgram simple;                   // "simple_program": vec3 vertex (0); modelview, projection, color
   VolumeRenderingProgram section;         // "program": vec3 vertex (0); modelview, projection, flip
   VolumeRenderingProgram sectionOverlay;  // "overlay_rendering_program": the same with the overlay
-  VolumeRenderingProgram surface;         // "surface_program": vec3 position (0), vec3 normal (1)
+  SurfaceProgram surface;                 // "surface_program": vec3 position (0), vec3 normal (1)
   EmptyProgram empty;                     // "empty_program": transparent black, for depth alone
 
   RaycastingProgram raycastingBack;

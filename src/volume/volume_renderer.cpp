@@ -158,6 +158,11 @@ void VolumeRenderer::beginDepth() {
 
 // The far side of the box, in depth alone: what lies before it is drawn after it.
 void VolumeRenderer::drawBox(const VolumeFrame& frame) {
+  drawFarSide(frame);
+  if (frame.volumeShown()) elements_.drawTranslucent(frame, ElementPass::behind);
+}
+
+void VolumeRenderer::drawFarSide(const VolumeFrame& frame) {
   const EmptyProgram& program = programs_.empty;
   program.use();
   glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
@@ -166,17 +171,16 @@ void VolumeRenderer::drawBox(const VolumeFrame& frame) {
   box_.draw(frame.boxFilled() ? frame.filledEnd : 1.0F);
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
   enableBlending();
-  if (frame.volumeShown()) elements_.drawTranslucent(frame);
 }
 
 void VolumeRenderer::drawBehindVolume(const VolumeFrame& frame) {
   glDepthMask(GL_FALSE);
-  elements_.drawFrame(frame);
+  elements_.drawFrame(frame, ElementPass::behind);
   if (!frame.volumeShown()) return;
   if (settings_.renderingMode == RenderingMode::sectionalView) {
     elements_.sectionalView.drawOutline(frame);
   } else if (clipPlane_.enabled()) {
-    elements_.drawClipPlaneBorder(frame);
+    elements_.drawClipPlaneBorder(frame, ElementPass::behind);
   }
 }
 
@@ -192,23 +196,32 @@ void VolumeRenderer::drawVolume(const VolumeFrame& frame) {
   }
   if (clipPlane_.enabled()) {
     glPolygonOffset(0.0F, 0.0F);
-    elements_.drawClipPlaneBorder(frame);
+    elements_.drawClipPlaneBorder(frame, ElementPass::behind);
   }
   glPolygonOffset(1.0F, 4.0F);
   raycaster_.draw(frame, box_);
-  if (clipPlane_.enabled()) elements_.drawClipPlaneBorder(frame);  // the rays covered its part on the cut
+  // The rays covered the border's part on the cut.
+  if (clipPlane_.enabled()) elements_.drawClipPlaneBorder(frame, ElementPass::inFront);
   if (settings_.removeSegment) elements_.drawRemovedSegment(frame);
 }
 
 void VolumeRenderer::drawSurface(const VolumeFrame& frame) {
-  if (settings_.renderSurface && !surface_.empty()) surface_.draw(frame);
+  if (!settings_.renderSurface || surface_.empty()) return;
+  if (frame.volumeShown() && settings_.renderingMode == RenderingMode::raycasting) {
+    // Rays left the depth of the box's near side, which would hide whatever the volume holds.
+    beginDepth();
+    drawFarSide(frame);
+    glDepthFunc(GL_LEQUAL);
+    glPolygonOffset(1.0F, 4.0F);
+  }
+  surface_.draw(frame);
 }
 
 void VolumeRenderer::drawInFront(const VolumeFrame& frame) {
   glDepthMask(GL_TRUE);
-  if (frame.volumeShown()) elements_.drawTranslucent(frame);
+  if (frame.volumeShown()) elements_.drawTranslucent(frame, ElementPass::inFront);
   glDepthFunc(GL_LEQUAL);
-  elements_.drawFrame(frame);
+  elements_.drawFrame(frame, ElementPass::inFront);
 }
 
 void VolumeRenderer::finishFrame() {

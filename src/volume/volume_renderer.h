@@ -72,6 +72,7 @@ class VolumeRenderer : public AbstractRenderer {
   void drawBackground();
   void beginDepth();
   void drawBox(const VolumeFrame& frame);
+  void drawFarSide(const VolumeFrame& frame);
   void drawBehindVolume(const VolumeFrame& frame);
   void drawVolume(const VolumeFrame& frame);
   void drawSurface(const VolumeFrame& frame);
