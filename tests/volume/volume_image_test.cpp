@@ -32,9 +32,9 @@ VolumeScene baseScene() {
   return scene;
 }
 
-// A ray along the rim of the box passes through less than a step; where the two rasterise a rim differently, or stop a
-// step apart, one pixel differs by much. Elsewhere rounding is left: the driver blends in eight bits, which is a tenth of
-// a level on average where a translucent volume fills the picture.
+// A ray along the rim of the box passes through less than a step; where the two rasterise a rim differently,
+// or stop a step apart, one pixel differs by much. Elsewhere rounding is left: the driver blends in eight
+// bits, which is a tenth of a level on average where a translucent volume fills the picture.
 constexpr Tolerance tolerance{1, 0.995, 140, 0.12};
 
 class VolumeImageTest : public testing::TestWithParam<Case> {};
@@ -153,6 +153,37 @@ INSTANTIATE_TEST_SUITE_P(
              [](VolumeScene& s) {
                s.volume.voxels.assign(s.volume.voxels.size(), 0.5F);
                s.coloring = {opaqueColors(16), 0.5, 1.0};
+             }}),
+    [](const auto& tested) { return tested.param.name; });
+
+void clip(VolumeScene& scene, float value) {
+  scene.clip = true;
+  scene.clipValue = value;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Clipped, VolumeImageTest,
+    testing::Values(
+        Case{"Half", [](VolumeScene& s) { clip(s, 0.5F); }},
+        Case{"Half1", [](VolumeScene& s) { clip(s, 0.5F), s.mode = 1; }},
+        Case{"Half2", [](VolumeScene& s) { clip(s, 0.45F), s.mode = 2, s.coloring.upper = 0.6; }},
+        Case{"Overlay", [](VolumeScene& s) { clip(s, 0.6F), addOverlay(s); }},
+        Case{"Dual", [](VolumeScene& s) { clip(s, 0.6F), addSecondary(s); }},
+        Case{"AlmostAll", [](VolumeScene& s) { clip(s, 0.1F); }},
+        Case{"AlmostNothing", [](VolumeScene& s) { clip(s, 0.9F); }},
+        Case{"Open",
+             [](VolumeScene& s) { clip(s, 0.5F), s.clipOpen = true, s.coloring.colors = opaqueColors(256); }},
+        Case{"Orthographic", [](VolumeScene& s) { clip(s, 0.4F), s.perspective = false; }},
+        Case{"AnotherAngle", [](VolumeScene& s) { clip(s, 0.5F), s.angleX = -40.0, s.angleY = 110.0; }},
+        Case{"FixedFromTheSide",
+             [](VolumeScene& s) {
+               clip(s, 0.5F), s.clipFixed = true, s.fixedAngleX = 10.0, s.fixedAngleY = 30.0;
+             }},
+        // Seen through the volume: rays leave through the cut.
+        Case{"FixedFromBehind",
+             [](VolumeScene& s) {
+               clip(s, 0.5F), s.clipFixed = true, s.fixedAngleX = 10.0, s.fixedAngleY = 170.0,
+                              s.coloring.colors = opaqueColors(64), s.mode = 1;
              }}),
     [](const auto& tested) { return tested.param.name; });
 
