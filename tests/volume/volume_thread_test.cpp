@@ -64,11 +64,13 @@ TEST(VolumeThreadTest, SettersNeverTearAFrame) {
       },
   };
   std::atomic<bool> stop{false};
+  std::atomic<int> calls{0};
   std::vector<std::thread> threads;
   for (const auto& setter : setters) {
-    threads.emplace_back([&stop, &setter] {
+    threads.emplace_back([&stop, &calls, &setter] {
       for (int i = 0; !stop; ++i) {
         setter(i);
+        ++calls;
         if (i % 16 == 0) std::this_thread::yield();
       }
     });
@@ -85,6 +87,7 @@ TEST(VolumeThreadTest, SettersNeverTearAFrame) {
   stop = true;
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(torn, 0);
+  EXPECT_GT(calls, 500) << "the setters did not get their turn";
   EXPECT_EQ(pendingError(), "(none)");
 }
 
