@@ -30,7 +30,6 @@ struct Line {
 struct Passage {
   Vector front;
   Vector back;
-  bool throughCut = false;  // enters through the clip plane
 };
 
 double radians(double degrees) {
@@ -112,7 +111,6 @@ std::optional<Passage> passage(const VolumeScene& scene, const Line& line, doubl
     leave = std::min(leave, std::max(first, second));
   }
   if (enter >= leave) return {};
-  bool throughCut = false;
   if (const auto plane = clipPlane(scene)) {
     const auto& [a, b, c, d] = *plane;
     const double along = a * line.direction.x + b * line.direction.y + c * line.direction.z;
@@ -123,13 +121,20 @@ std::optional<Passage> passage(const VolumeScene& scene, const Line& line, doubl
     const bool leavesKept = distance(line.at(leave)) >= 0.0;
     const double cut = -distance(line.origin) / along;
     if (!entersKept && (!leavesKept || scene.clipOpen)) return {};
-    if (!entersKept) {
-      enter = cut;
-      throughCut = true;
-    }
+    if (!entersKept) enter = cut;
     if (!leavesKept) leave = cut;
   }
-  return Passage{line.at(enter), line.at(leave), throughCut};
+  return Passage{line.at(enter), line.at(leave)};
+}
+
+// Whether a view line meets the part of the clip plane that lies in the box.
+bool meetsCut(const VolumeScene& scene, const Line& line) {
+  const auto plane = clipPlane(scene);
+  if (!plane) return false;
+  const auto& [a, b, c, d] = *plane;
+  const double along = a * line.direction.x + b * line.direction.y + c * line.direction.z;
+  const Vector p = line.at(-(a * line.origin.x + b * line.origin.y + c * line.origin.z + d) / along);
+  return std::max({std::abs(p.x), std::abs(p.y), std::abs(p.z)}) <= 1.0;
 }
 
 double sample(const Volume& volume, const std::array<double, 3>& coordinate, bool repeatFirst = false) {
@@ -155,7 +160,7 @@ double sample(const Volume& volume, const std::array<double, 3>& coordinate, boo
       }
     }
   }
-  return sum;
+  return static_cast<float>(sum);  // an even volume stays exactly even
 }
 
 // Linear between the centres of the entries.
@@ -312,9 +317,9 @@ ReferencePicture referencePicture(const VolumeScene& scene) {
   for (int row = 0; row < height; ++row) {
     for (int column = 0; column < width; ++column) {
       Rgba color = backgroundAt(scene, row);
-      const auto passes = passage(scene, viewLine(scene, model, column, row), end);
-      if (passes) {
-        cut[static_cast<std::size_t>(row * width + column)] = passes->throughCut;
+      const Line line = viewLine(scene, model, column, row);
+      cut[static_cast<std::size_t>(row * width + column)] = meetsCut(scene, line);
+      if (const auto passes = passage(scene, line, end)) {
         const Rgba ray = Ray(scene, *passes).color();
         const double alpha = std::clamp(ray[3], 0.0, 1.0);
         for (std::size_t c = 0; c < 4; ++c) {

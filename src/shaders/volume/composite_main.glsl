@@ -1,24 +1,20 @@
+// The loop over the steps that need no measuring has one way out: several cost more than they save.
 void main() {
   if (clipDist < 0.0) discard;
   Ray ray = castRay();
   vec3 current = front;
   int i = 0;
-  for (; i < ray.sure; ++i) {
+  while (i < ray.sure && !(final.a > opaque)) {
     composite(current);
-    if (final.a > opaque) {
-      fragColor = vec4(final.rgb, 1.0);
-      return;
-    }
     current += ray.step;
+    ++i;
   }
-  for (; i <= slices; ++i) {
-    composite(current);
-    if (final.a > opaque) {
-      fragColor = vec4(final.rgb, 1.0);
-      return;
+  if (!(final.a > opaque)) {
+    for (; i <= slices; ++i) {
+      composite(current);
+      if (final.a > opaque || atEnd(ray, current)) break;
+      current += ray.step;
     }
-    if (atEnd(ray, current)) break;
-    current += ray.step;
   }
-  fragColor = final;
+  fragColor = final.a > opaque ? vec4(final.rgb, 1.0) : final;
 }

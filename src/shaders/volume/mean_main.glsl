@@ -17,5 +17,5 @@ void main() {
     ++counter;
   }
   mean /= float(counter);
-  fragColor = texture(colorTex, normalised(mean));
+  fragColor = colorAt(colorTex, normalised(mean));
 }

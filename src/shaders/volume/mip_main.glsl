@@ -1,19 +1,26 @@
-// The front point is sampled twice, before the loop and by its first turn.
+// The front point is sampled twice, before the loop and by its first turn; the second time changes no maximum and is
+// left out.
 void main() {
   if (clipDist < 0.0) discard;
   Ray ray = castRay();
   vec3 current = front;
   float maximum = sampleAt(current);
   int i = 1;
-  for (; i <= ray.sure; ++i) {
-    maximum = max(maximum, sampleAt(current));
-    if (maximum > upperValue) break;
+  if (i <= ray.sure) {
     current += ray.step;
+    ++i;
   }
-  for (; i <= slices; ++i) {
+  while (i <= ray.sure && !(maximum > upperValue)) {
     maximum = max(maximum, sampleAt(current));
-    if (maximum > upperValue || atEnd(ray, current)) break;
     current += ray.step;
+    ++i;
   }
-  fragColor = texture(colorTex, normalised(maximum));
+  if (!(maximum > upperValue)) {
+    for (; i <= slices; ++i) {
+      maximum = max(maximum, sampleAt(current));
+      if (maximum > upperValue || atEnd(ray, current)) break;
+      current += ray.step;
+    }
+  }
+  fragColor = colorAt(colorTex, normalised(maximum));
 }

@@ -30,5 +30,5 @@ bool atEnd(Ray ray, vec3 current) {
 }
 
 float sampleAt(vec3 current) {
-  return textureLod(volumeTex, current.yxz, 0.0).r;
+  return texture(volumeTex, current.yxz).r;
 }

@@ -8,7 +8,7 @@ const float opaque = 0.9;  // enough for the eye; what lies behind is not sample
 
 void composite(vec3 current) {
   float value = sampleAt(current);
-  if (value > lowerValue) blend(texture(colorTex, normalised(value)));
+  if (value > lowerValue) blend(colorAt(colorTex, normalised(value)));
 }
 
 #include "composite_main.glsl"

@@ -13,7 +13,7 @@ float overlay = -1e6;
 void composite(vec3 current) {
   if (!(final.a > opaque)) {
     float value = sampleAt(current);
-    if (value > lowerValue) blend(texture(colorTex, normalised(value)));
+    if (value > lowerValue) blend(colorAt(colorTex, normalised(value)));
   }
   overlay = max(normalisedOverlay(textureLod(volumeOverlayTex, current.yxz, 0.0).r), overlay);
 }
@@ -32,6 +32,6 @@ void main() {
     if (atEnd(ray, current)) break;
     current += ray.step;
   }
-  vec4 over = vec4(texture(colorOverlayTex, overlay).rgb, overlay);
+  vec4 over = vec4(colorAt(colorOverlayTex, overlay).rgb, overlay);
   fragColor = mix(final, over, over.a);
 }

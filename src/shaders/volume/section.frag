@@ -6,5 +6,5 @@ out vec4 fragColor;
 #include "volume.glsl"
 
 void main() {
-  fragColor = texture(colorTex, normalised(texture(volumeTex, texCoord).r));
+  fragColor = colorAt(colorTex, normalised(texture(volumeTex, texCoord).r));
 }

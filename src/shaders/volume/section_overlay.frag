@@ -7,7 +7,7 @@ out vec4 fragColor;
 #include "overlay.glsl"
 
 void main() {
-  vec4 color = texture(colorTex, normalised(texture(volumeTex, texCoord).r));
-  vec4 over = texture(colorOverlayTex, normalisedOverlay(texture(volumeOverlayTex, texCoord).r));
+  vec4 color = colorAt(colorTex, normalised(texture(volumeTex, texCoord).r));
+  vec4 over = colorAt(colorOverlayTex, normalisedOverlay(texture(volumeOverlayTex, texCoord).r));
   fragColor = mix(color, over, over.a);
 }
