@@ -188,6 +188,26 @@ TEST(ScaleMarksTest, WithoutRoomForACaptionTheLastNumberTellsTheUnit) {
   EXPECT_TRUE(unit);
 }
 
+TEST(ScaleMarksTest, EveryAxisWithNumbersTellsItsUnit) {
+  for (const Camera& camera : allSides()) {
+    if (camera.viewport.width < 400) continue;  // too small for that on every side
+    std::set<int> numbered;
+    std::set<int> told;
+    for (const MarkLabel& label : marksOf(camera).labels) {
+      const int axis = axisOf(label.anchor);
+      if (axis < 0) continue;  // at a corner, which several axes share
+      const bool unit = label.text.find("mm") != std::string::npos;
+      (unit ? told : numbered).insert(axis);
+    }
+    std::size_t atCorners = 0;
+    for (const MarkLabel& label : marksOf(camera).labels) {
+      atCorners += axisOf(label.anchor) < 0 && label.text.find("mm") != std::string::npos;
+    }
+    for (const int axis : told) numbered.erase(axis);
+    EXPECT_LE(numbered.size(), atCorners);
+  }
+}
+
 TEST(ScaleMarksTest, AnAxisSeenEndOnHasNoMarks) {
   for (const bool perspective : {true, false}) {
     const Camera camera = cameraAt(0, 0, 45.0, perspective);

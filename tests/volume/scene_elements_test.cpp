@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "support/gl_spy.h"
+#include "support/golden.h"
 #include "support/reference_camera.h"
 #include "support/test_context.h"
 #include "volume/box_view.h"
@@ -268,6 +269,17 @@ TEST_F(SceneElementsTest, LabelsKeepTheirPixelsWhileTheBoxTurns) {
   EXPECT_LT(marks, 6000.0);
   scene_.angleY += 1.0;
   EXPECT_NEAR(ink(draw({1, 0, 0})), marks, 0.2 * marks);
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+// Where ticks and labels stand, and that they read well, was looked at. Fonts differ from machine to machine: their
+// pixels may differ, what is not text may not.
+TEST_F(SceneElementsTest, TheFrameLooksAsAccepted) {
+  scene_.viewportWidth = 420;
+  scene_.viewportHeight = 320;
+  scene_.zoom = 42.0;
+  const Picture drawn = draw({1, 1, 1});
+  EXPECT_TRUE(looksLike(drawn, "frame_with_scale_marks", {12, 0.97, 255, 3.0}));
   EXPECT_EQ(pendingError(), "(none)");
 }
 
