@@ -1,5 +1,6 @@
 #include "volume/clip_plane.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -117,10 +118,17 @@ void ClipPlane::connectIntersections() {
     for (std::size_t j = 0; j < intersections_.size(); ++j) {
       if (i == j || !onCommonFace(intersections_[i], intersections_[j])) continue;
       border_.insert(border_.end(), {intersections_[i], intersections_[j]});
-      if (i == 0 || j == 0) continue;
+      // A plane through a corner meets several edges there. Triangles between the same corners once more
+      // would show: the cut face is blended.
+      if (i == 0 || j == 0 || foundBefore(i) || foundBefore(j)) continue;
       cutFace_.insert(cutFace_.end(), {intersections_[0], intersections_[i], intersections_[j]});
     }
   }
+}
+
+bool ClipPlane::foundBefore(std::size_t index) const {
+  const auto end = intersections_.begin() + static_cast<std::ptrdiff_t>(index);
+  return std::find(intersections_.begin(), end, *end) != end;
 }
 
 }  // namespace oct

@@ -42,6 +42,7 @@ class ClipPlane {
  private:
   void orient(const View& view);
   void connectIntersections();
+  bool foundBefore(std::size_t index) const;  // whether an earlier intersection is the same point
 
   bool enabled_ = false;
   bool secondFlag_ = false;

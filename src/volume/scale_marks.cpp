@@ -87,14 +87,16 @@ class AxisLayout {
     return std::nullopt;
   }
 
-  // What else tells the unit: the last number that is to be seen.
-  void addUnit(std::vector<MarkLabel>& numbers) const {
+  // What else tells the unit: the last number with room for it, which takes the plain one's place.
+  std::optional<MarkLabel> numberWithUnit(std::vector<MarkLabel>& numbers,
+                                          const std::vector<MarkLabel>& others) const {
     for (std::size_t i = numbers.size(); i-- > 0;) {
       const MarkLabel label = numberAt(static_cast<int>(i), step_, unit);
-      if (!fits(label, {})) continue;
-      numbers[i] = label;
-      return;
+      if (!fits(label, others)) continue;
+      numbers.erase(numbers.begin() + static_cast<std::ptrdiff_t>(i));
+      return label;
     }
+    return std::nullopt;
   }
 
   bool fits(const MarkLabel& label, const std::vector<MarkLabel>& others) const {
@@ -175,7 +177,7 @@ class AxisLayout {
   const Camera& camera_;
   const MarkStyle& style_;
   const MeasureText& measure_;
-  const MarkedEdge& edge_;
+  MarkedEdge edge_;
   double extent_;
   TickStep step_ = TickStep::atLeast(extent_ / intervals);
 };
@@ -263,25 +265,33 @@ MarkStyle MarkStyle::forFont(int height) {
 
 ScaleMarks scaleMarks(const Camera& camera, const glm::vec3& extent, const MarkStyle& style,
                       const MeasureText& measure) {
+  struct MarkedAxis {
+    AxisLayout layout;
+    const char* caption;
+    std::vector<MarkLabel> numbers;
+  };
+  std::vector<MarkedAxis> marked;
   ScaleMarks marks;
-  std::vector<MarkLabel> numbers;
   for (const Axis& axis : axes) {
     const auto length = static_cast<double>(std::abs(extent[axis.extent]));
     const auto edge = markedEdge(camera, axis.model);
     if (!edge || !std::isfinite(length) || length <= 0.0) continue;
     AxisLayout layout(camera, style, measure, *edge, length);
-    std::vector<MarkLabel> own = layout.numbers();
+    std::vector<MarkLabel> numbers = layout.numbers();
     layout.addTicks(marks.ticks);
-    if (const auto caption = layout.caption(axis.caption, own, marks.labels)) {
-      marks.labels.push_back(*caption);
-    } else {
-      layout.addUnit(own);
-    }
-    numbers.insert(numbers.end(), own.begin(), own.end());
+    marked.push_back({std::move(layout), axis.caption, std::move(numbers)});
   }
-  // Captions come first; a number gives way to whatever stands in its place already.
-  for (const MarkLabel& number : numbers) {
-    if (fits(number, camera.viewport, style, marks.labels)) marks.labels.push_back(number);
+
+  // What tells the unit comes first; a number gives way to whatever stands in its place already.
+  for (MarkedAxis& axis : marked) {
+    auto label = axis.layout.caption(axis.caption, axis.numbers, marks.labels);
+    if (!label) label = axis.layout.numberWithUnit(axis.numbers, marks.labels);
+    if (label) marks.labels.push_back(std::move(*label));
+  }
+  for (const MarkedAxis& axis : marked) {
+    for (const MarkLabel& number : axis.numbers) {
+      if (fits(number, camera.viewport, style, marks.labels)) marks.labels.push_back(number);
+    }
   }
   return marks;
 }

@@ -136,15 +136,18 @@ void SceneElements::drawClipPlaneBorder(const VolumeFrame& frame, ElementPass pa
   gl::throwOnGLError("VolumeRenderer::render_clip_plane_border");
 }
 
-void SceneElements::drawRemovedSegment(const VolumeFrame& frame) {
+void SceneElements::drawRemovedSegment(const VolumeFrame& frame, ElementPass pass) {
   if (!frame.clipPlane.enabled()) return;
+  // The plane parts the box: one side of it lies in front of the other as a whole.
+  const bool inFront = frame.cutFacesViewer();
+  if (inFront != (pass == ElementPass::inFront)) return;
   const std::vector<glm::vec3> triangles = removedFaces(frame.clipPlane.plane());
   if (triangles.empty()) return;
   useSimpleProgram(frame, foreground(frame, removedPane));
-  const DepthWritesOff depth;
-  glPolygonOffset(-2.0F, -8.0F);  // wins over the faces of the box where they coincide
-  drawFaces(removed_, triangles);
-  glPolygonOffset(1.0F, 4.0F);
+  {
+    const gl::ScopedDisable untested(GL_DEPTH_TEST);
+    drawFaces(removed_, triangles);
+  }
   gl::throwOnGLError("VolumeRenderer::render_removed_segment");
 }
 

@@ -30,8 +30,8 @@ class SceneElements {
   void drawFrame(const VolumeFrame& frame, ElementPass pass);
 
   void drawClipPlaneBorder(const VolumeFrame& frame, ElementPass pass);
-  void drawRemovedSegment(const VolumeFrame& frame);  // after the rays, with remove segment on
-  void release();                                     // deletes the OpenGL objects and the text renderers
+  void drawRemovedSegment(const VolumeFrame& frame, ElementPass pass);  // before and after the rays
+  void release();  // deletes the OpenGL objects and the text renderers
 
  private:
   struct Fonts {

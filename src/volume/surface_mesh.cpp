@@ -56,8 +56,8 @@ class Grid {
   const std::vector<glm::vec3>& vertices_;
 };
 
-// A cell's two triangles, parted along the diagonal whose ends are closer in depth: a ridge is then one edge
-// and no row of teeth.
+// A cell's two triangles, parted along the diagonal whose ends are closer in depth: a step that runs
+// across the cells is then a line and no row of teeth.
 void addCell(const Grid& grid, int column, int row, std::vector<std::uint32_t>& triangles) {
   const auto depthStep = [&](int fromColumn, int fromRow, int toColumn, int toRow) {
     return std::abs(grid.at(fromColumn, fromRow).z - grid.at(toColumn, toRow).z);

@@ -199,10 +199,11 @@ void VolumeRenderer::drawVolume(const VolumeFrame& frame) {
     elements_.drawClipPlaneBorder(frame, ElementPass::behind);
   }
   glPolygonOffset(1.0F, 4.0F);
+  if (settings_.removeSegment) elements_.drawRemovedSegment(frame, ElementPass::behind);
   raycaster_.draw(frame, box_);
+  if (settings_.removeSegment) elements_.drawRemovedSegment(frame, ElementPass::inFront);
   // The rays covered the border's part on the cut.
   if (clipPlane_.enabled()) elements_.drawClipPlaneBorder(frame, ElementPass::inFront);
-  if (settings_.removeSegment) elements_.drawRemovedSegment(frame);
 }
 
 void VolumeRenderer::drawSurface(const VolumeFrame& frame) {
@@ -212,7 +213,6 @@ void VolumeRenderer::drawSurface(const VolumeFrame& frame) {
     beginDepth();
     drawFarSide(frame);
     glDepthFunc(GL_LEQUAL);
-    glPolygonOffset(1.0F, 4.0F);
   }
   surface_.draw(frame);
 }
