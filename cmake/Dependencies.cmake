@@ -33,3 +33,13 @@ else()
   target_compile_definitions(oct_glew PUBLIC GLEW_EGL)
   target_link_libraries(oct_glew PUBLIC EGL OpenGL)
 endif()
+
+# Fonts for text labels.
+add_library(oct_fonts INTERFACE)
+if(OCT_PLATFORM STREQUAL "windows")
+  target_link_libraries(oct_fonts INTERFACE gdi32 user32)
+else()
+  find_package(Freetype REQUIRED)
+  find_package(Fontconfig REQUIRED)
+  target_link_libraries(oct_fonts INTERFACE Freetype::Freetype Fontconfig::Fontconfig)
+endif()

@@ -25,6 +25,8 @@ constexpr char kFooter[] =
     "  4  the output cannot be written\n\n"
     "Examples:\n"
     "  octrender bscan skin.npy -o skin.png\n"
+    "  octrender volume skin.npy -o skin.png --extent 2.5 6 6\n"
+    "  octrender info\n"
     "  octrender bscan --help        everything about one verb";
 
 void describe(CLI::App& program) {
@@ -45,6 +47,8 @@ int runProgram(const std::vector<std::string>& arguments) {
   CLI::App program(kDescription);
   describe(program);
   addBscanVerb(program);
+  addVolumeVerb(program);
+  addInfoVerb(program);
   try {
     std::vector<std::string> words = withoutAutomaticRanges(arguments);
     program.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // CLI11 wants the last one first

@@ -51,4 +51,26 @@ DisplayRenderer::~DisplayRenderer() {
   discardPendingErrors();
 }
 
+VolumeRendering::VolumeRendering() : renderer_(checked(createVolumeRenderer)) {
+  try {
+    offline_ = checked(createOfflineRendering);
+    checked(initializeVolumeRenderer, renderer_);
+    checked(setOfflineRenderingRenderer, offline_, renderer_);
+  } catch (...) {
+    release();
+    throw;
+  }
+}
+
+VolumeRendering::~VolumeRendering() {
+  release();
+  discardPendingErrors();
+}
+
+void VolumeRendering::release() {
+  clearOfflineRendering(offline_);
+  uninitializeVolumeRenderer(renderer_);
+  deleteVolumeRenderer(renderer_);
+}
+
 }  // namespace oct::app

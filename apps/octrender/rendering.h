@@ -61,4 +61,22 @@ class DisplayRenderer {
   DisplayRenderingHandle handle_;
 };
 
+// A volume renderer and the volume it draws, initialised in the context that is current. The context must outlive them.
+class VolumeRendering {
+ public:
+  VolumeRendering();
+  ~VolumeRendering();
+  VolumeRendering(const VolumeRendering&) = delete;
+  VolumeRendering& operator=(const VolumeRendering&) = delete;
+
+  VolumeRendererHandle renderer() const { return renderer_; }
+  OfflineRenderingHandle offline() const { return offline_; }
+
+ private:
+  void release();
+
+  VolumeRendererHandle renderer_ = nullptr;
+  OfflineRenderingHandle offline_ = nullptr;
+};
+
 }  // namespace oct::app

@@ -59,6 +59,12 @@ typedef struct OctLiveDataSource* LiveDataSourceHandle;
 /** @brief An offscreen framebuffer with an OpenGL context of its own. Null is the invalid handle. */
 typedef struct OctOffscreenTarget* OffscreenTargetHandle;
 
+/** @brief A renderer of volumes. Null is the invalid handle. */
+typedef struct OctVolumeRenderer* VolumeRendererHandle;
+
+/** @brief A volume that a client uploads. Null is the invalid handle. */
+typedef struct OctOfflineRendering* OfflineRenderingHandle;
+
 /** @brief Receives the text of an error; the text is valid until the callback returns. */
 typedef void (*OctErrorFunction)(const char* message);
 
@@ -375,6 +381,564 @@ OCT_API void setDisplayOveralyColoringBoundaries(DisplayRenderingHandle Handle, 
  * @thread Any thread; takes effect at the next frame.
  */
 OCT_API void setDisplayOveralyThreshold(DisplayRenderingHandle Handle, double Threshold);
+
+/** @} */
+/* ---------------------------------------------------------------------------------------------------------- */
+/**
+ * @defgroup volume Volume renderer
+ *
+ * Draws a volume, and the scene around it, into the current framebuffer and viewport. The volume itself comes from
+ * an owner that the renderer is attached to: see @ref offline.
+ *
+ * Order of calls: createVolumeRenderer(); with the context current initializeVolumeRenderer(); settings at any time
+ * from any thread; frames through the owner; with the context current uninitializeVolumeRenderer() and
+ * deleteVolumeRenderer().
+ *
+ * The volume fills a box with corners at -1 and 1 on the model's axes: y is the axial direction (depth, downwards on
+ * screen), x and z are the lateral ones. The box is scaled to the physical range, so that its half diagonal is 2
+ * whatever the unit. The camera looks at it from a distance of 5.
+ *
+ * A voxel v is coloured by a colour map at (v - Lower) / (Upper - Lower); alpha is opacity. Four colour maps exist:
+ * of the volume, of the secondary data, of the overlay volume and of the surface. They live from
+ * initializeVolumeRenderer() to uninitializeVolumeRenderer(); setting colours or boundaries outside of that does
+ * nothing. Each starts as an opaque ramp from black to white with the boundaries 0 and 1.
+ *
+ * Every function with a handle refuses null with "The specified VolumeRendererHandle is invalid. ".
+ */
+/** @{ */
+
+/**
+ * @brief Makes a volume renderer. Does no OpenGL work.
+ * @return The renderer, to be freed with deleteVolumeRenderer(); null on failure.
+ * @thread Any thread.
+ */
+OCT_API VolumeRendererHandle createVolumeRenderer(void);
+
+/**
+ * @brief Frees a renderer. Waits for a frame that is being drawn. Objects that refer to the renderer must be cleared
+ *        before. OpenGL objects that are still held are deleted when their context is current and otherwise left to
+ *        die with it.
+ * @param Handle The renderer.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Rendering thread, after every other call with this handle has returned.
+ */
+OCT_API void deleteVolumeRenderer(VolumeRendererHandle Handle);
+
+/**
+ * @brief Builds programs and textures in the current context, and the colour maps. Loads OpenGL on the first call of
+ *        the process. Calling it again rebuilds them and keeps the colours.
+ * @param Handle The renderer.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; "Could not load OpenGL. "; "OpenGL 3.0 required. Version is
+ * currently ..."; "No OpenGL context is current on the calling thread. "; "Vertex shader compilation failed";
+ * "Fragment shader compilation failed"; "" (a program did not link, see the log); "An OpenGL error in ... occured:
+ * ...". After an error the renderer is not initialised.
+ * @thread Rendering thread.
+ */
+OCT_API void initializeVolumeRenderer(VolumeRendererHandle Handle);
+
+/**
+ * @brief Deletes programs, textures and colour maps. The other settings stay. Does nothing when not initialised.
+ * @param Handle The renderer.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Rendering thread, with the context of initializeVolumeRenderer() current.
+ */
+OCT_API void uninitializeVolumeRenderer(VolumeRendererHandle Handle);
+
+/**
+ * @brief Forgets the volume and shows neither volume nor surface until the owner or setRenderElements() says so.
+ * @param Handle The renderer.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void clearVolumeRenderer(VolumeRendererHandle Handle);
+
+/**
+ * @brief Turns the volume: first about the screen's horizontal axis, within that about the volume's axial one.
+ * @param Handle The renderer.
+ * @param X Angle about the x axis in degrees; brought into -180 to 180 by whole turns. The start is 0.
+ * @param Y Angle about the y axis in degrees, likewise.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setAngles(VolumeRendererHandle Handle, double X, double Y);
+
+/**
+ * @brief Moves the volume. The start is the centre of the view.
+ * @param Handle The renderer.
+ * @param X To the right, in model units (the box's half diagonal is 2).
+ * @param Y Upwards.
+ * @param Z Towards the viewer, who is at a distance of 5. With perspective, planes at distances 3 and 8 limit what is
+ *          drawn.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setTranslation(VolumeRendererHandle Handle, double X, double Y, double Z);
+
+/**
+ * @brief Sets the physical extent of the volume, which gives the box its proportions and the scale marks their
+ *        numbers. Offline rendering sets it with every frame from setOfflineAspectRatio().
+ * @param Handle The renderer.
+ * @param Axial Extent along depth, in millimetres.
+ * @param Lateral1 Extent along the second axis of the volume (model x).
+ * @param Lateral2 Extent along the third axis (model z).
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setRange(VolumeRendererHandle Handle, double Axial, double Lateral1, double Lateral2);
+
+/**
+ * @brief Sets how much the view shows.
+ * @param Handle The renderer.
+ * @param Zoom With perspective, the vertical field of view less 5 degrees; orthographic, five times the visible width
+ *             in model units. The start is 40. Smaller is closer.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setZoom(VolumeRendererHandle Handle, double Zoom);
+
+/**
+ * @brief Sets the OpenGL viewport of the current context to the origin and the given size.
+ * @param Width Width in pixels.
+ * @param Height Height in pixels.
+ * @par Errors
+ * "Could not load OpenGL. "; "No OpenGL context is current on the calling thread. "; "An OpenGL error in
+ * setViewportSize occured: ..."
+ * @thread Rendering thread.
+ */
+OCT_API void setViewportSize(unsigned int Width, unsigned int Height);
+
+/**
+ * @brief Sets the number of steps that a ray takes along the box's diagonal.
+ * @param Handle The renderer.
+ * @param Slices 0 or more; the start is 128. More is finer and slower.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; "The number of rendering slices must not be negative. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setRenderingSlices(VolumeRendererHandle Handle, int Slices);
+
+/**
+ * @brief Chooses the projection.
+ * @param Handle The renderer.
+ * @param Perspective True (the start): perspective; false: orthographic.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setUsePerspective(VolumeRendererHandle Handle, bool Perspective);
+
+/**
+ * @brief Stores a value for clients; the picture does not depend on it.
+ * @param Handle The renderer.
+ * @param Voxels Lateral voxels per pixel; the start is 1.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setLateralVoxelsPerPixel(VolumeRendererHandle Handle, double Voxels);
+
+/**
+ * @brief Chooses between the whole volume and slices through it.
+ * @param Handle The renderer.
+ * @param Mode 0 (the start): ray casting; 1: sectional view.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; "Invalid rendering mode selected."
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setRenderingMode(VolumeRendererHandle Handle, int Mode);
+
+/**
+ * @brief Chooses what a ray makes of the voxels it meets.
+ * @param Handle The renderer.
+ * @param Mode 0 (the start): composites them by the opacity of the colour map, voxels at the lower boundary and below
+ *             being invisible; 1: their maximum; 2: their mean; 3: as 0, with colours modulated by the secondary data
+ *             (nothing is drawn without a valid slice of them). With an overlay, mode 0 lays the overlay's maximum
+ *             along the ray over the result.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; "Invalid rendering mode selected."
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setVolumeMode(VolumeRendererHandle Handle, int Mode);
+
+/**
+ * @brief Chooses the slices of the sectional view. At the start all are shown, through the middle.
+ * @param Handle The renderer.
+ * @param Show1 Non-zero shows the slice across model x (the volume's second axis).
+ * @param Position1 Its position along that axis, 0 to 1.
+ * @param Show2 Non-zero shows the slice across model y (depth).
+ * @param Position2 Its position.
+ * @param Show3 Non-zero shows the slice across model z (the third axis).
+ * @param Position3 Its position.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; "Slice positions of sectional view are out of range. Values must
+ * be in range from 0.0 to 1.0. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setSectionalView(VolumeRendererHandle Handle, int Show1, float Position1, int Show2, float Position2,
+                              int Show3, float Position3);
+
+/**
+ * @brief Cuts the volume by a plane that faces the viewer.
+ * @param Handle The renderer.
+ * @param Enable Non-zero cuts; 0 (the start) does not.
+ * @param OpenCut Non-zero leaves the cut open: only what the box's own faces show is drawn. 0 (the start) closes it.
+ * @param Value Position of the plane: 0 (the start) just inside the far corner, so that almost everything is cut
+ *              away, 1 just inside the near corner.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setClipPlane(VolumeRendererHandle Handle, int Enable, int OpenCut, float Value);
+
+/**
+ * @brief Lets the clip plane turn with the volume instead of facing the viewer.
+ * @param Handle The renderer.
+ * @param Fix Non-zero keeps the orientation that the plane has; 0 (the start) follows the viewer.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void fixClipPlane(VolumeRendererHandle Handle, int Fix);
+
+/**
+ * @brief Chooses what is drawn around the volume. At the start everything is.
+ * @param Handle The renderer.
+ * @param ScaleMarks Non-zero draws scale marks with labels.
+ * @param Edges Non-zero draws the edges of the box.
+ * @param Box Non-zero draws the translucent faces of the box.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setBorder(VolumeRendererHandle Handle, int ScaleMarks, int Edges, int Box);
+
+/**
+ * @brief Marks the part of the box that the clip plane cuts away.
+ * @param Handle The renderer.
+ * @param Remove Non-zero: on; 0 (the start): off.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setRemoveSegment(VolumeRendererHandle Handle, int Remove);
+
+/**
+ * @brief Shows or hides volume and surface. Both are hidden at the start; an upload shows the volume and hides the
+ *        surface.
+ * @param Handle The renderer.
+ * @param Volume Non-zero shows the volume.
+ * @param Surface Non-zero shows the surface of setSurface().
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setRenderElements(VolumeRendererHandle Handle, int Volume, int Surface);
+
+/**
+ * @brief Sets the colours of the background, which runs from the one to the other.
+ * @param Handle The renderer.
+ * @param Bottom 0xRRGGBBAA, alpha ignored; the start is 0x000066FF.
+ * @param Top The same; the start is 0x000019FF.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setRenderBackground(VolumeRendererHandle Handle, unsigned int Bottom, unsigned int Top);
+
+/**
+ * @brief Sets the colour of lines and labels.
+ * @param Handle The renderer.
+ * @param Color 0xRRGGBBAA, alpha ignored; the start is white.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color);
+
+/**
+ * @brief Sets the colour map of the volume.
+ * @param Handle The renderer.
+ * @param Colormap @p Count colours of four bytes each: red, green, blue, alpha (opacity of one step of a ray); copied
+ *        before the call returns.
+ * @param Count Number of colours, up to the driver's texture limit (16384 on most); 0: nothing is visible.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; "The number of colours must not be negative. "; "Colour map data
+ * must not be null. ". A count above the driver's limit is reported by the next frame.
+ * @thread Any thread; waits while a frame is being drawn. Takes effect at the next one.
+ */
+OCT_API void setRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count);
+
+/**
+ * @brief Sets the colour map of the secondary data.
+ * @param Handle The renderer.
+ * @param Colormap As setRendererColormap(); alpha is ignored.
+ * @param Count As setRendererColormap().
+ * @par Errors
+ * As setRendererColormap().
+ * @thread As setRendererColormap().
+ */
+OCT_API void setRendererSecondaryColormap(VolumeRendererHandle Handle, const void* Colormap, int Count);
+
+/**
+ * @brief Sets the colour map of the overlay volume.
+ * @param Handle The renderer.
+ * @param Colormap As setRendererColormap().
+ * @param Count As setRendererColormap().
+ * @par Errors
+ * As setRendererColormap().
+ * @thread As setRendererColormap().
+ */
+OCT_API void setOverlayRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count);
+
+/**
+ * @brief Sets the colour map of the surface.
+ * @param Handle The renderer.
+ * @param Colormap As setRendererColormap(); alpha is ignored.
+ * @param Count As setRendererColormap().
+ * @par Errors
+ * As setRendererColormap().
+ * @thread As setRendererColormap().
+ */
+OCT_API void setSurfaceColormap(VolumeRendererHandle Handle, const void* Colormap, int Count);
+
+/**
+ * @brief Sets which voxel values the ends of the volume's colour map stand for.
+ * @param Handle The renderer.
+ * @param Lower Value of the first colour, in the unit of the volume.
+ * @param Upper Value of the last colour. Equal to @p Lower: not checked, the colours are then undefined.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setRendererColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper);
+
+/**
+ * @brief Sets which values the ends of the secondary colour map stand for.
+ * @param Handle The renderer.
+ * @param Lower As setRendererColoringBoundaries(), in the unit of the secondary data.
+ * @param Upper As setRendererColoringBoundaries().
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setRendererSecondaryColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper);
+
+/**
+ * @brief Sets which values the ends of the overlay's colour map stand for.
+ * @param Handle The renderer.
+ * @param Lower As setRendererColoringBoundaries(), in the unit of the overlay volume.
+ * @param Upper As setRendererColoringBoundaries().
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setOverlayRendererColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper);
+
+/**
+ * @brief Chooses the image of the secondary data that colours the volume in volume mode 3.
+ * @param Handle The renderer.
+ * @param Index 0 to the number of images less one; outside of that mode 3 draws no volume. The start is 0.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index);
+
+/**
+ * @brief Sets the surface, a height map over the two lateral axes.
+ * @param Handle The renderer.
+ * @param Width Number of samples along the first lateral axis.
+ * @param Height Number of samples along the second lateral axis.
+ * @param Scale Depth of the whole box in the unit of @p Values.
+ * @param Values Width * Height floats, row by row: the depth of each sample; copied before the call returns.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; the sizes, the scale or the data are not valid.
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setSurface(VolumeRendererHandle Handle, int Width, int Height, double Scale, const float* Values);
+
+/**
+ * @brief Sets the depths between which the surface runs through its colour map. Call after setSurface(), whose scale
+ *        it uses.
+ * @param Handle The renderer.
+ * @param Lower First depth, in the unit of the surface's values.
+ * @param Upper Second depth.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits while a frame is being drawn.
+ */
+OCT_API void setSurfaceDepths(VolumeRendererHandle Handle, double Lower, double Upper);
+
+/** @} */
+/* ---------------------------------------------------------------------------------------------------------- */
+/**
+ * @defgroup offline Offline volumes
+ *
+ * Shows a volume that the client holds in memory. Order of calls, on the rendering thread: createOfflineRendering();
+ * setOfflineRenderingRenderer() with an initialised volume renderer; setOfflineAspectRatio(); allocateOfflineVolume();
+ * uploads; renderOfflineVolume() per frame; clearOfflineRendering(). The renderer must live as long as it is attached.
+ *
+ * A volume is Width * Height * Depth floats with Width (depth in the tissue, samples of an A-scan) fastest and Depth
+ * (slices, B-scans) slowest in memory. It is kept with 16 bits per voxel; values keep 11 bits of precision and must lie
+ * within -65504 to 65504. An extent may reach the driver's limit for 3-D textures (2048 on most).
+ *
+ * Every function refuses a null handle with "The specified OfflineRenderingHandle is invalid. ", except
+ * clearOfflineRendering(), which ignores it, and uploadOfflineSecondaryData().
+ */
+/** @{ */
+
+/**
+ * @brief Makes an object for uploaded volumes. Does no OpenGL work.
+ * @return The object, to be freed with clearOfflineRendering(); null on failure.
+ * @thread Any thread.
+ */
+OCT_API OfflineRenderingHandle createOfflineRendering(void);
+
+/**
+ * @brief Frees the object and deletes its textures. The renderer stays the client's.
+ * @param Handle The object; null is ignored.
+ * @thread Rendering thread.
+ */
+OCT_API void clearOfflineRendering(OfflineRenderingHandle Handle);
+
+/**
+ * @brief Attaches the renderer that draws the volume.
+ * @param Handle The object.
+ * @param Renderer The renderer; null detaches, and then nothing is drawn.
+ * @par Errors
+ * "The specified OfflineRenderingHandle is invalid. "
+ * @thread Rendering thread.
+ */
+OCT_API void setOfflineRenderingRenderer(OfflineRenderingHandle Handle, VolumeRendererHandle Renderer);
+
+/**
+ * @brief Sets the physical extent of the volume. Required before the first frame.
+ * @param Handle The object.
+ * @param Axial Extent along the first axis, in millimetres.
+ * @param Lateral1 Extent along the second axis.
+ * @param Lateral2 Extent along the third axis.
+ * @par Errors
+ * "The specified OfflineRenderingHandle is invalid. "
+ * @thread Rendering thread.
+ */
+OCT_API void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, float Lateral1, float Lateral2);
+
+/**
+ * @brief Makes the texture of the volume. The sizes it has already: nothing happens and the contents stay. Other
+ *        sizes: the volume before is lost, except after an error that names a limit.
+ * @param Handle The object, with a renderer attached.
+ * @param Width Voxels along the first axis, 0 or more.
+ * @param Height Voxels along the second axis.
+ * @param Depth Voxels along the third axis, the slices.
+ * @par Errors
+ * "The specified OfflineRenderingHandle is invalid. "; "Attach a volume renderer before allocating a volume. ";
+ * "Volume sizes must not be negative. "; "A volume of ... voxels is too large: this OpenGL driver allows ... voxels
+ * along each axis. "; "A volume of ... voxels needs a texture of ... MB, more than this OpenGL driver allows. "; "An
+ * OpenGL error in OfflineVolumeRendering::allocate, glTexImage3D occured: ... A volume of ... voxels needs a texture
+ * of ... MB, which the driver could not provide. "; "No OpenGL context is current on the calling thread. "
+ * @thread Rendering thread.
+ */
+OCT_API void allocateOfflineVolume(OfflineRenderingHandle Handle, int Width, int Height, int Depth);
+
+/**
+ * @brief Uploads the whole volume and shows it.
+ * @param Handle The object.
+ * @param Volume Width * Height * Depth floats; read before the call returns.
+ * @par Errors
+ * "The specified OfflineRenderingHandle is invalid. "; "Volume data must not be null. "; "Allocate a volume before
+ * uploading one. "; "An OpenGL error in OfflineVolumeRendering::upload occured: ..."
+ * @thread Rendering thread.
+ */
+OCT_API void uploadOfflineVolume(OfflineRenderingHandle Handle, const float* Volume);
+
+/**
+ * @brief The same as uploadOfflineVolume(), overlay or not. For an overlay see uploadOverlayOfflineVolume().
+ * @param Handle As uploadOfflineVolume().
+ * @param Volume As uploadOfflineVolume().
+ * @par Errors
+ * As uploadOfflineVolume().
+ * @thread Rendering thread.
+ */
+OCT_API void uploadOfflineVolumeOverlay(OfflineRenderingHandle Handle, const float* Volume);
+
+/**
+ * @brief Uploads some slices and shows the volume up to the last of them.
+ * @param Handle The object.
+ * @param First Index of the first slice.
+ * @param End Index behind the last slice.
+ * @param Block Width * Height * (End - First) floats, starting with slice First; read before the call returns. Null:
+ *        the volume counts as empty from now on.
+ * @par Errors
+ * "The specified OfflineRenderingHandle is invalid. "; "Allocate a volume before uploading one. "; "The slices lie
+ * outside the allocated volume. "; "An OpenGL error in OfflineVolumeRendering::upload occured: ..."
+ * @thread Rendering thread.
+ */
+OCT_API void uploadOfflineSubVolume(OfflineRenderingHandle Handle, int First, int End, const float* Block);
+
+/**
+ * @brief Uploads one slice and shows the volume up to, and without, that slice.
+ * @param Handle The object.
+ * @param Index Index of the slice.
+ * @param Slice Width * Height floats; read before the call returns.
+ * @par Errors
+ * "The specified OfflineRenderingHandle is invalid. "; "Slice data must not be null. "; "Allocate a volume before
+ * uploading one. "; "The slices lie outside the allocated volume. "; "An OpenGL error in
+ * OfflineVolumeRendering::upload occured: ..."
+ * @thread Rendering thread.
+ */
+OCT_API void uploadOfflineVolumeSlice(OfflineRenderingHandle Handle, int Index, const float* Slice);
+
+/**
+ * @brief Uploads a volume that is laid over the first one.
+ * @param Handle The object, with a volume allocated.
+ * @param Volume As many floats as the allocated volume has voxels; read before the call returns. Null frees the
+ *        overlay.
+ * @par Errors
+ * "The specified OfflineRenderingHandle is invalid. "; "Allocate a volume before uploading one. "; reasons of size as
+ * allocateOfflineVolume(); "An OpenGL error in OfflineVolumeRendering::upload_overlay occured: ..."
+ * @thread Rendering thread.
+ */
+OCT_API void uploadOverlayOfflineVolume(OfflineRenderingHandle Handle, const float* Volume);
+
+/**
+ * @brief Uploads images over the two lateral axes that colour the volume in volume mode 3, whole or in blocks. A block
+ *        that starts at 0 begins anew.
+ * @param Handle The object, with a renderer attached.
+ * @param Height Samples along the first lateral axis (model x), the second of the texture.
+ * @param Depth Samples along the second lateral axis (model z), the third of the texture.
+ * @param Width Number of images, the first axis of the texture and fastest in memory.
+ * @param First First sample of the block along @p Depth.
+ * @param Count Number of samples of the block along @p Depth.
+ * @param Data Width * Height * Count floats; read before the call returns. Null frees the secondary data.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. " (a null handle, or no renderer attached); "The secondary data lies
+ * outside its texture. "; "The first block of secondary data must start at 0. "; reasons of size as
+ * allocateOfflineVolume(); "An OpenGL error in OfflineVolumeRendering::upload_secondary_data occured: ..."
+ * @thread Rendering thread.
+ */
+OCT_API void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int Depth, unsigned int Width,
+                                        unsigned int First, unsigned int Count, const float* Data);
+
+/**
+ * @brief Draws one frame into the current framebuffer and viewport. Does nothing while no renderer is attached;
+ *        without a volume the frame shows the rest of the scene.
+ * @param Handle The object.
+ * @param ContentType 0: the volume; 1: the overlay volume alone, in its own colours; 2: the volume with the overlay.
+ * @par Errors
+ * "The specified OfflineRenderingHandle is invalid. "; "Content type is not supported for rendering. "; "Program has
+ * not been compiled yet." (the renderer is not initialised); "Could not create OpenGL buffer. "; "An OpenGL error
+ * occured. Framebuffer is not complete: ..."; "An OpenGL error in ... occured: ..."
+ * @thread Rendering thread. Setters of the renderer on other threads wait until the frame is drawn.
+ */
+OCT_API void renderOfflineVolume(OfflineRenderingHandle Handle, int ContentType);
 
 /** @} */
 /* ---------------------------------------------------------------------------------------------------------- */

@@ -45,6 +45,8 @@ GlSpy::State* spy = nullptr;
   X(genBuffers, __glewGenBuffers) \
   X(deleteBuffers, __glewDeleteBuffers) \
   X(bufferData, __glewBufferData) \
+  X(texImage3D, __glewTexImage3D) \
+  X(texSubImage3D, __glewTexSubImage3D) \
   X(genVertexArrays, __glewGenVertexArrays) \
   X(deleteVertexArrays, __glewDeleteVertexArrays) \
   X(genFramebuffers, __glewGenFramebuffers) \
@@ -98,6 +100,21 @@ void GLAPIENTRY deleteBuffers(GLsizei n, const GLuint* names) {
 }
 void GLAPIENTRY bufferData(GLenum target, GLsizeiptr size, const void* data, GLenum usage) {
   if (!spy->enterOrError("glBufferData")) original.bufferData(target, size, data, usage);
+}
+void GLAPIENTRY texImage3D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height, GLsizei depth,
+                           GLint border, GLenum format, GLenum type, const void* pixels) {
+  if (target == GL_PROXY_TEXTURE_3D) {
+    // A refused proxy has no extent; so has one that is asked for without.
+    if (spy->enter("3-D proxy")) width = 0;
+  } else if (spy->enterOrError("glTexImage3D")) {
+    return;
+  }
+  original.texImage3D(target, level, internal, width, height, depth, border, format, type, pixels);
+}
+void GLAPIENTRY texSubImage3D(GLenum target, GLint level, GLint x, GLint y, GLint z, GLsizei width, GLsizei height,
+                              GLsizei depth, GLenum format, GLenum type, const void* pixels) {
+  if (spy->enterOrError("glTexSubImage3D")) return;
+  original.texSubImage3D(target, level, x, y, z, width, height, depth, format, type, pixels);
 }
 void GLAPIENTRY genVertexArrays(GLsizei n, GLuint* names) {
   generate("glGenVertexArrays", "vertex array", n, names, original.genVertexArrays);

@@ -50,11 +50,14 @@ testing::AssertionResult agree(const Picture& actual, const Picture& expected, T
   int worst = 0;
   std::size_t worstAt = 0;
   std::size_t farPixels = 0;
+  double sum = 0.0;
   const std::size_t pixels = actual.bytes.size() / 4;
   for (std::size_t i = 0; i < pixels; ++i) {
     int apart = 0;
     for (std::size_t c = 0; c < 4; ++c) {
-      apart = std::max(apart, std::abs(int{actual.bytes[i * 4 + c]} - int{expected.bytes[i * 4 + c]}));
+      const int channel = std::abs(int{actual.bytes[i * 4 + c]} - int{expected.bytes[i * 4 + c]});
+      apart = std::max(apart, channel);
+      sum += channel;
     }
     if (apart > tolerance.nearly) ++farPixels;
     if (apart > worst) {
@@ -63,7 +66,8 @@ testing::AssertionResult agree(const Picture& actual, const Picture& expected, T
     }
   }
   const bool enough = static_cast<double>(farPixels) <= (1.0 - tolerance.fraction) * static_cast<double>(pixels);
-  if (enough && worst <= tolerance.most) return testing::AssertionSuccess();
+  const double mean = sum / static_cast<double>(actual.bytes.size());
+  if (enough && worst <= tolerance.most && mean <= tolerance.mean) return testing::AssertionSuccess();
 
   const std::string name = currentTestName();
   writePng(actual, name + ".actual.png");
@@ -71,7 +75,7 @@ testing::AssertionResult agree(const Picture& actual, const Picture& expected, T
   writePng(difference(actual, expected), name + ".difference.png");
   return testing::AssertionFailure()
          << farPixels << " of " << pixels << " pixels differ by more than " << tolerance.nearly
-         << " levels; the worst by " << worst << " at column " << worstAt % static_cast<std::size_t>(actual.width)
+         << " levels, all by " << mean << " on average; the worst by " << worst << " at column " << worstAt % static_cast<std::size_t>(actual.width)
          << ", row " << worstAt / static_cast<std::size_t>(actual.width) << " from the bottom. See " << name
          << ".*.png";
 }

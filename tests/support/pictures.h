@@ -32,6 +32,7 @@ struct Tolerance {
   int nearly = 1;           // levels of 255 that all but a few pixels may differ by
   double fraction = 0.999;  // share of pixels within that
   int most = 3;             // levels that no pixel exceeds
+  double mean = 255.0;      // levels that all channels of all pixels may differ by on average
 };
 
 // Every channel counts. A failed comparison writes both pictures and their difference as PNG files into the

@@ -1,0 +1,94 @@
+// octrender info: what the program runs on, for reports of errors.
+#include <iostream>
+#include <memory>
+
+#include "failure.h"
+#include "rendering.h"
+#include "verbs.h"
+#include "volume_data.h"
+
+// OpenGL 1.0, which every system's own OpenGL library has. Both platforms know one calling convention.
+extern "C" const unsigned char* glGetString(unsigned int name);
+extern "C" void glGetIntegerv(unsigned int name, int* value);
+
+namespace oct::app {
+namespace {
+
+constexpr char kDescription[] =
+    "Show the OpenGL driver, versions and limits, and what they mean for a volume";
+
+constexpr char kFooter[] = R"(
+Examples:
+  octrender info
+  octrender info skin.npy
+)";
+
+constexpr unsigned int kVendor = 0x1F00;
+constexpr unsigned int kRenderer = 0x1F01;
+constexpr unsigned int kVersion = 0x1F02;
+constexpr unsigned int kShadingLanguage = 0x8B8C;
+constexpr unsigned int kMaxTextureSize = 0x0D33;
+constexpr unsigned int kMax3DTextureSize = 0x8073;
+constexpr unsigned int kMaxRenderbufferSize = 0x84E8;
+
+struct Options {
+  std::string input;
+  std::string raw;
+  bool transpose = false;
+};
+
+std::string text(unsigned int name) {
+  const unsigned char* const value = glGetString(name);
+  return value ? reinterpret_cast<const char*>(value) : "(none)";
+}
+
+int number(unsigned int name) {
+  int value = 0;
+  glGetIntegerv(name, &value);
+  return value;
+}
+
+void showDriver() {
+  std::cout << "octrender            " << getRendererVersion() << "\n"
+            << "OpenGL               " << text(kVersion) << "\n"
+            << "driver               " << text(kRenderer) << "\n"
+            << "vendor               " << text(kVendor) << "\n"
+            << "shading language     " << text(kShadingLanguage) << "\n"
+            << "largest picture      " << number(kMaxRenderbufferSize) << " pixels a side\n"
+            << "largest B-scan       " << number(kMaxTextureSize) << " samples a side\n"
+            << "largest volume       " << number(kMax3DTextureSize) << " voxels a side\n";
+}
+
+// Asks the library itself: the driver's word on an extent is not yet a texture.
+void showVolume(const Options& options) {
+  const std::optional<RawLayout> raw =
+      options.raw.empty() ? std::optional<RawLayout>() : parseRawLayout(options.raw);
+  const VolumeData volume = loadVolume(fromUtf8(options.input), options.transpose, raw);
+  std::cout << options.input << ": depth " << volume.depth << ", A-scans " << volume.ascans << ", B-scans "
+            << volume.bscans << "; " << (volume.voxels.size() * 2 + 999'999) / 1'000'000
+            << " MB on the graphics device\n";
+  const VolumeRendering rendering;
+  checked(allocateOfflineVolume, rendering.offline(), static_cast<int>(volume.depth),
+          static_cast<int>(volume.ascans), static_cast<int>(volume.bscans));
+  std::cout << "The volume fits.\n";
+}
+
+void run(const Options& options) {
+  const OffscreenTarget target;
+  showDriver();
+  if (!options.input.empty()) showVolume(options);
+}
+
+}  // namespace
+
+void addInfoVerb(CLI::App& program) {
+  CLI::App* verb = program.add_subcommand("info", kDescription);
+  const auto options = std::make_shared<Options>();
+  verb->add_option("IN", options->input, "Volume to check, as octrender volume reads it")->type_name("");
+  verb->add_option("--raw", options->raw, "As for octrender volume")->type_name("DEPTHxASCANSxBSCANS:TYPE");
+  verb->add_flag("--transpose", options->transpose, "As for octrender volume");
+  verb->footer(kFooter);
+  verb->callback([options] { run(*options); });
+}
+
+}  // namespace oct::app

@@ -1,0 +1,115 @@
+#include "gl/texture_3d.h"
+
+#include <array>
+#include <stdexcept>
+#include <string>
+
+#include "gl/opengl_error.h"
+#include "gl/pixel_store.h"
+
+namespace oct::gl {
+namespace {
+
+constexpr std::array<GLenum, 2> filters{GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER};
+constexpr std::array<GLenum, 3> wraps{GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R};
+
+std::string textOf(const Extent3D& extent) {
+  return std::to_string(extent.width) + " x " + std::to_string(extent.height) + " x " +
+         std::to_string(extent.depth);
+}
+
+std::uint64_t megabytes(const Extent3D& extent, GLenum internalFormat) {
+  const std::uint64_t bytesPerVoxel = internalFormat == GL_R16F ? 2 : 4;
+  const auto voxels = static_cast<std::uint64_t>(extent.width) * static_cast<std::uint64_t>(extent.height) *
+                      static_cast<std::uint64_t>(extent.depth);
+  return (voxels * bytesPerVoxel + 999'999) / 1'000'000;
+}
+
+bool proxyAccepts(const Extent3D& extent, GLenum internalFormat) {
+  glTexImage3D(GL_PROXY_TEXTURE_3D, 0, static_cast<GLint>(internalFormat), static_cast<GLsizei>(extent.width),
+               static_cast<GLsizei>(extent.height), static_cast<GLsizei>(extent.depth), 0, GL_RED, GL_FLOAT,
+               nullptr);
+  GLint width = 0;
+  glGetTexLevelParameteriv(GL_PROXY_TEXTURE_3D, 0, GL_TEXTURE_WIDTH, &width);
+  return width == extent.width;
+}
+
+std::string memoryText(const Extent3D& extent, GLenum internalFormat) {
+  return "A volume of " + textOf(extent) + " voxels needs a texture of " +
+         std::to_string(megabytes(extent, internalFormat)) + " MB, ";
+}
+
+}  // namespace
+
+void Texture3D::require(const Extent3D& extent, GLenum internalFormat) {
+  if (extent.width < 0 || extent.height < 0 || extent.depth < 0) {
+    throw std::invalid_argument("Volume sizes must not be negative. ");
+  }
+  GLint limit = 0;
+  glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &limit);
+  if (extent.width > limit || extent.height > limit || extent.depth > limit) {
+    throw std::invalid_argument("A volume of " + textOf(extent) +
+                                " voxels is too large: this OpenGL driver allows " + std::to_string(limit) +
+                                " voxels along each axis. ");
+  }
+  if (!extent.empty() && !proxyAccepts(extent, internalFormat)) {
+    glGetError();  // some drivers raise an error for an impossible proxy; this exception says it all
+    throw std::invalid_argument(memoryText(extent, internalFormat) + "more than this OpenGL driver allows. ");
+  }
+}
+
+void Texture3D::allocate(const Extent3D& extent, GLenum internalFormat, const char* checkpoint,
+                         const float* data) {
+  require(extent, internalFormat);
+  reset();
+  Texture texture = Texture::create();
+  glActiveTexture(GL_TEXTURE0);
+  glBindTexture(GL_TEXTURE_3D, texture.get());
+  for (const GLenum filter : filters) glTexParameteri(GL_TEXTURE_3D, filter, GL_LINEAR);
+  for (const GLenum wrap : wraps) glTexParameteri(GL_TEXTURE_3D, wrap, GL_CLAMP_TO_EDGE);
+  glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAX_LEVEL, 0);
+  resetPixelUnpack();
+  glTexImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(internalFormat), static_cast<GLsizei>(extent.width),
+               static_cast<GLsizei>(extent.height), static_cast<GLsizei>(extent.depth), 0, GL_RED, GL_FLOAT,
+               data);
+  if (!data && !extent.empty()) {
+    // Written to, so that the driver commits the memory now and not during the first frame.
+    const float voxel = 0.0F;
+    glTexSubImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(extent.width - 1),
+                    static_cast<GLint>(extent.height - 1), static_cast<GLint>(extent.depth - 1), 1, 1, 1,
+                    GL_RED, GL_FLOAT, &voxel);
+  }
+  try {
+    throwOnGLError(checkpoint);
+  } catch (const std::runtime_error& error) {
+    while (glGetError() != GL_NO_ERROR) {
+    }
+    glBindTexture(GL_TEXTURE_3D, 0);
+    throw std::runtime_error(std::string(error.what()) + " " + memoryText(extent, internalFormat) +
+                             "which the driver could not provide. ");
+  }
+  texture_ = std::move(texture);
+  extent_ = extent;
+}
+
+void Texture3D::bind() const {
+  glActiveTexture(GL_TEXTURE0);
+  glBindTexture(GL_TEXTURE_3D, texture_.get());
+}
+
+void Texture3D::uploadSlices(std::int64_t first, std::int64_t count, const float* data) const {
+  resetPixelUnpack();
+  const std::int64_t sliceVoxels = extent_.width * extent_.height;
+  for (std::int64_t k = 0; k < count; ++k) {
+    glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, static_cast<GLint>(first + k),
+                    static_cast<GLsizei>(extent_.width), static_cast<GLsizei>(extent_.height), 1, GL_RED,
+                    GL_FLOAT, data + k * sliceVoxels);
+  }
+}
+
+void Texture3D::reset() {
+  texture_.reset();
+  extent_ = {};
+}
+
+}  // namespace oct::gl

@@ -1,0 +1,63 @@
+// Volumes that a client uploads, kept in textures and drawn by a volume renderer that the client attaches.
+#pragma once
+
+#include <cstdint>
+
+#include "gl/texture_3d.h"
+#include "volume/volume_renderer.h"
+
+namespace oct {
+
+// No lock of its own: everything runs on the thread that owns the context. The attached renderer's setters
+// may run on other threads.
+class OfflineVolumeRendering {
+ public:
+  OfflineVolumeRendering();
+  ~OfflineVolumeRendering();
+  OfflineVolumeRendering(const OfflineVolumeRendering&) = delete;
+  OfflineVolumeRendering& operator=(const OfflineVolumeRendering&) = delete;
+
+  // Not owned; null detaches.
+  void setRenderer(VolumeRenderer* renderer) { renderer_ = renderer; }
+  void setAspectRatio(float axial, float lateral1, float lateral2);
+
+  // Keeps volume and contents when the sizes are those it has.
+  void allocate(std::int64_t width, std::int64_t height, std::int64_t depth);
+
+  void upload(const float* volume);
+  void uploadSubVolume(int first, int end, const float* block);  // a null block empties the picture
+  void uploadSlice(int index, const float* slice);
+
+  void uploadOverlay(const float* volume);  // null frees the overlay
+
+  // Null frees the secondary data. The first axis, `width`, counts the images.
+  struct SecondaryBlock {
+    int height = 0;
+    int depth = 0;
+    std::uint32_t width = 0;
+    std::uint32_t first = 0;  // along depth
+    std::uint32_t count = 0;
+    const float* data = nullptr;
+  };
+  void uploadSecondaryData(const SecondaryBlock& block);
+
+  // 0: the volume, 1: the overlay alone, 2: both.
+  void render(int contentType);
+
+ private:
+  void requireVolume() const;
+  void requireSlices(std::int64_t first, std::int64_t end) const;
+  void volumeFilled(float fraction);
+  void freeSecondary();
+  VolumeSource sourceOf(int contentType) const;
+
+  VolumeRenderer* renderer_ = nullptr;
+  float axial_ = 0.0F;
+  float lateral1_ = 0.0F;
+  float lateral2_ = 0.0F;
+  gl::Texture3D volume_;
+  gl::Texture3D overlay_;
+  gl::Texture3D secondary_;
+};
+
+}  // namespace oct

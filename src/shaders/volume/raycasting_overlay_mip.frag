@@ -1,0 +1,6 @@
+#version 330 core
+
+#include "volume.glsl"
+#include "overlay.glsl"
+#include "ray.glsl"
+#include "mip_main.glsl"

@@ -1,0 +1,22 @@
+// The two-coloured background of a volume frame.
+#pragma once
+
+#include "gl/geometry.h"
+#include "gl/shader.h"
+
+namespace oct {
+
+class Background {
+ public:
+  void setColors(const glm::vec4& bottom, const glm::vec4& top);
+  void draw(const gl::Shader& program);
+  void release();
+
+ private:
+  gl::Geometry quad_;
+  glm::vec4 bottom_{0.0F};
+  glm::vec4 top_{0.0F};
+  bool changed_ = true;
+};
+
+}  // namespace oct

@@ -1,0 +1,23 @@
+// The box of a volume: the cube with corners at -1 and 1, shorter along z while the volume is being filled.
+#pragma once
+
+#include "gl/geometry.h"
+
+namespace oct {
+
+class Box {
+ public:
+  // The faces look outwards where the model is mirrored along one axis, as a range mirrors depth.
+  void draw(float end);
+  void release() { geometry_.release(); }
+
+ private:
+  gl::Geometry geometry_;
+  float end_ = 1.0F;  // of the geometry
+};
+
+// Where a box with a filled fraction ends: at the centre of the last of `parts` filled, so that nothing
+// beyond it is interpolated.
+float filledEnd(float fraction, int parts);
+
+}  // namespace oct

@@ -1,0 +1,45 @@
+// Where a volume stands before the viewer. Pure arithmetic, no OpenGL.
+#pragma once
+
+#include <glm/glm.hpp>
+
+namespace oct {
+
+struct Viewport {
+  int width = 0;
+  int height = 0;
+};
+
+// What a client sets. Angles in degrees.
+struct View {
+  float angleX = 0.0F;
+  float angleY = 0.0F;
+  float angleZ = 0.0F;  // stored, never used
+  glm::vec3 translation{0.0F};
+  double zoom = 40.0;
+  bool perspective = true;
+};
+
+// Physical extent of the volume, in any unit: x is axial, y and z are lateral. The model is scaled so that
+// the box's half diagonal is 1 on the scale of half edges, whatever the unit; depth grows downwards.
+struct Range {
+  glm::vec3 extent{1.0F};
+  glm::vec3 modelScale{1.0F, -1.0F, 1.0F};
+};
+
+Range rangeOf(double axial, double lateral1, double lateral2);
+
+// Brings an angle into -180..180 by whole turns.
+double wrappedAngle(double degrees);
+
+struct Camera {
+  Viewport viewport;
+  glm::mat4 modelview{1.0F};
+  glm::mat4 elementModelview{1.0F};
+  glm::mat4 projection{1.0F};
+  glm::mat3 normal{1.0F};
+};
+
+Camera cameraOf(const View& view, const Range& range, Viewport viewport);
+
+}  // namespace oct

@@ -1,0 +1,39 @@
+#include "volume/line_drawing.h"
+
+#include <glm/gtc/type_ptr.hpp>
+
+namespace oct {
+namespace {
+
+void drawLines(gl::Geometry& geometry, std::span<const glm::vec3> lines) {
+  const Blending blending;
+  glEnable(GL_LINE_SMOOTH);
+  geometry.setVertices(lines);
+  geometry.draw(GL_LINES, 0, static_cast<GLsizei>(lines.size()));
+  glDisable(GL_LINE_SMOOTH);
+}
+
+}  // namespace
+
+Blending::Blending() {
+  glEnable(GL_BLEND);
+  glBlendEquation(GL_FUNC_ADD);
+  glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+}
+
+void drawModelLines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
+                    const glm::vec4& color) {
+  useSimpleProgram(frame, color);
+  drawLines(geometry, lines);
+}
+
+void drawScreenLines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
+                     const glm::vec4& color) {
+  useSimpleProgram(frame, color);
+  constexpr glm::mat4 identity(1.0F);
+  glUniformMatrix4fv(frame.programs.simple.modelview, 1, GL_FALSE, glm::value_ptr(identity));
+  glUniformMatrix4fv(frame.programs.simple.projection, 1, GL_FALSE, glm::value_ptr(identity));
+  drawLines(geometry, lines);
+}
+
+}  // namespace oct

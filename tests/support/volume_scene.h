@@ -1,0 +1,101 @@
+// A volume and everything that a frame of it depends on, and its picture by the library.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "oct_rendering/oct_rendering.h"
+#include "support/pictures.h"
+
+namespace oct::test {
+
+// The first axis is the fastest in memory.
+struct Volume {
+  int width = 0;   // axial
+  int height = 0;  // lateral
+  int depth = 0;   // lateral, the slices
+  std::vector<float> voxels;
+
+  std::size_t sliceVoxels() const {
+    return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+  }
+  float at(int u, int v, int w) const {
+    return voxels[static_cast<std::size_t>(w) * sliceVoxels() +
+                  static_cast<std::size_t>(v) * static_cast<std::size_t>(width) +
+                  static_cast<std::size_t>(u)];
+  }
+};
+
+struct Coloring {
+  std::vector<std::uint32_t> colors{0xFF000000U, 0xFFFFFFFFU};  // R is the lowest byte, A the highest
+  double lower = 0.0;
+  double upper = 1.0;
+};
+
+struct VolumeScene {
+  Volume volume;
+  Volume overlay;           // empty: none
+  Volume secondary;         // empty: none; the first axis counts images
+  int content = 0;          // of renderOfflineVolume
+  int slicesUploaded = -1;  // -1: the whole volume at once; else this many in one block
+
+  int viewportWidth = 97;
+  int viewportHeight = 71;
+  double angleX = 0.0;
+  double angleY = 0.0;
+  std::array<double, 3> translation{};
+  std::array<float, 3> range{1.0F, 1.0F, 1.0F};  // axial, lateral, lateral
+  double zoom = 40.0;
+  bool perspective = true;
+
+  int slices = 128;
+  int mode = 0;
+  Coloring coloring;
+  Coloring overlayColoring;
+  Coloring secondaryColoring;
+  int secondaryIndex = 0;
+
+  bool clip = false;
+  bool clipOpen = false;
+  float clipValue = 0.0F;
+  // Angles at which the plane was fixed; used when clipFixed.
+  bool clipFixed = false;
+  double fixedAngleX = 0.0;
+  double fixedAngleY = 0.0;
+
+  std::uint32_t backgroundBottom = 0x000066FFU;
+  std::uint32_t backgroundTop = 0x000019FFU;
+};
+
+// Layers, blobs and noise between 0 and 1, in steps that a 16-bit float holds exactly.
+Volume testVolume(int width, int height, int depth, unsigned seed = 1);
+
+// Opaque colours, or an opacity rising with the square of the value up to `opacity`.
+std::vector<std::uint32_t> opaqueColors(int count);
+std::vector<std::uint32_t> rampColors(int count, double opacity);
+
+// Gives a renderer all settings of the scene through the exports, with nothing drawn around the volume.
+void apply(const VolumeScene& scene, VolumeRendererHandle renderer);
+
+// Allocates and uploads the scene's data.
+void upload(const VolumeScene& scene, OfflineRenderingHandle offline);
+
+// A target, a renderer and an offline object that belong together; what a client has.
+class VolumeStage {
+ public:
+  VolumeStage();
+  ~VolumeStage();
+  VolumeStage(const VolumeStage&) = delete;
+  VolumeStage& operator=(const VolumeStage&) = delete;
+
+  Picture draw(const VolumeScene& scene);                   // settings, data and a frame
+  Picture frame(int width, int height, int content) const;  // as things stand
+
+  OffscreenTargetHandle target = nullptr;
+  VolumeRendererHandle renderer = nullptr;
+  OfflineRenderingHandle offline = nullptr;
+};
+
+}  // namespace oct::test

@@ -1,0 +1,164 @@
+// Labels on the screen: every pixel is the rasteriser's, wherever the anchor lies and whatever the zoom.
+#include "volume/font_renderer.h"
+
+#include <cmath>
+#include <glm/gtc/matrix_transform.hpp>
+
+#include "hosting/offscreen_target.h"
+#include "support/gl_spy.h"
+#include "support/pictures.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+constexpr int width = 200;
+constexpr int height = 120;
+constexpr glm::vec3 color{1.0F, 0.5F, 0.25F};
+constexpr glm::vec3 background{0.1F, 0.2F, 0.6F};
+
+class FontRendererGLTest : public testing::Test {
+ protected:
+  Picture draw(FontRenderer& font, const Label& label, const LabelView& view) {
+    Picture picture(width, height);
+    target_.beginFrame(width, height);
+    glClearColor(background.r, background.g, background.b, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glDisable(GL_DEPTH_TEST);
+    font.draw(label, color, view);
+    EXPECT_FALSE(glIsEnabled(GL_BLEND));
+    target_.finishFrame(picture.bytes.data());
+    return picture;
+  }
+
+  OffscreenTarget target_;
+};
+
+LabelView perspectiveView(float zoom) {
+  return {
+      glm::perspective(glm::radians(5.0F + zoom), static_cast<float>(width) / static_cast<float>(height),
+                       3.0F, 8.0F),
+      glm::rotate(glm::translate(glm::mat4(1.0F), glm::vec3(0, 0, -5)), 0.4F, glm::vec3(0.6F, 0.8F, 0.0F)),
+      glm::vec2(width, height)};
+}
+
+// The text's pixels from the lower left corner on, which is the anchor's projection plus the offset.
+Picture expected(TextRasteriser& rasteriser, const Label& label, const LabelView& view) {
+  const TextPicture text = rasteriser.rasterise(label.text);
+  const glm::vec4 clip = view.projection * view.modelview * glm::vec4(label.anchor, 1.0F);
+  const glm::vec2 corner = (glm::vec2(clip) / clip.w + 1.0F) * 0.5F * view.viewport + label.offset;
+  Picture picture(width, height);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const int column = static_cast<int>(std::floor(static_cast<float>(x) + 0.5F - corner.x));
+      const int row = static_cast<int>(std::floor(static_cast<float>(y) + 0.5F - corner.y));
+      const bool inside = column >= 0 && column < text.width && row >= 0 && row < text.height;
+      const float mask =
+          inside ? static_cast<float>(text.pixels[static_cast<std::size_t>(row * text.width + column) * 4]) /
+                       255.0F
+                 : 0.0F;
+      const glm::vec3 mixed = background + (color - background) * mask;
+      std::uint8_t* const pixel = picture.pixel(x, y);
+      for (int c = 0; c < 3; ++c) pixel[2 - c] = static_cast<std::uint8_t>(std::lround(mixed[c] * 255.0F));
+      pixel[3] = 255;
+    }
+  }
+  return picture;
+}
+
+TEST_F(FontRendererGLTest, LabelsAreDrawnPixelByPixel) {
+  FontRenderer font(18, false);
+  TextRasteriser rasteriser(18, false);
+  for (const float zoom : {20.0F, 40.0F, 75.0F}) {
+    for (const glm::vec2 offset : {glm::vec2(0.0F), glm::vec2(-31.0F, 7.0F)}) {
+      const LabelView view = perspectiveView(zoom);
+      const Label label{"0.25 mm", {0.31F, -0.12F, 0.43F}, offset};
+      EXPECT_TRUE(agree(draw(font, label, view), expected(rasteriser, label, view)))
+          << "zoom " << zoom << ", offset " << offset.x;
+    }
+  }
+}
+
+TEST_F(FontRendererGLTest, EmphasisedAndCutByTheViewport) {
+  FontRenderer font(31, true);
+  TextRasteriser rasteriser(31, true);
+  const LabelView view{glm::mat4(1.0F), glm::mat4(1.0F), glm::vec2(width, height)};
+  for (const glm::vec3 anchor : {glm::vec3(-1.0F, -1.0F, 0.0F), glm::vec3(0.707F, 0.871F, 0.0F)}) {
+    const Label label{"depth (mm)", anchor, {-7.25F, -5.0F}};
+    EXPECT_TRUE(agree(draw(font, label, view), expected(rasteriser, label, view)));
+  }
+}
+
+TEST_F(FontRendererGLTest, TheDepthOfTheAnchorCounts) {
+  FontRenderer font(20, false);
+  TextRasteriser rasteriser(20, false);
+  const LabelView view{glm::mat4(1.0F), glm::mat4(1.0F), glm::vec2(width, height)};
+  const Picture plain = expected(rasteriser, {"", {}, {}}, view);
+  for (const float depth : {-0.5F, 0.5F}) {
+    const Label label{"9", {0.004F, 0.0F, depth}, {}};
+    Picture picture(width, height);
+    target_.beginFrame(width, height);
+    glClearColor(background.r, background.g, background.b, 1.0F);
+    glClearDepth(0.5);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glEnable(GL_DEPTH_TEST);
+    glDepthFunc(GL_LEQUAL);
+    font.draw(label, color, view);
+    target_.finishFrame(picture.bytes.data());
+    EXPECT_TRUE(agree(picture, depth < 0.0F ? expected(rasteriser, label, view) : plain)) << depth;
+  }
+  glDisable(GL_DEPTH_TEST);
+  glClearDepth(1.0);
+}
+
+TEST_F(FontRendererGLTest, ATextIsRasterisedOnce) {
+  GlSpy spy;
+  {
+    FontRenderer font(18, false);
+    const LabelView view{glm::mat4(1.0F), glm::mat4(1.0F), glm::vec2(width, height)};
+    draw(font, {"0.5", {}, {}}, view);
+    const int uploads = spy.calls("glTexImage2D");
+    EXPECT_EQ(uploads, 1);
+    draw(font, {"0.5", {0.5F, 0.0F, 0.0F}, {3.0F, 4.0F}}, perspectiveView(10.0F));
+    EXPECT_EQ(font.size("0.5").y, TextRasteriser(18, false).rasterise("0.5").height);
+    EXPECT_EQ(spy.calls("glTexImage2D"), uploads);
+    draw(font, {"1.0", {}, {}}, view);
+    EXPECT_EQ(spy.calls("glTexImage2D"), uploads + 1);
+    EXPECT_EQ(font.size(""), glm::ivec2(0));
+    draw(font, {"", {}, {}}, view);
+    EXPECT_EQ(spy.calls("glTexImage2D"), uploads + 1);
+  }
+  EXPECT_EQ(spy.calls("glGenTextures"), 2);
+  EXPECT_EQ(spy.liveObjects(), 3U) << "more than the target's framebuffer and its two renderbuffers";
+}
+
+TEST_F(FontRendererGLTest, FailuresLeaveNothingBehind) {
+  target_.beginFrame(width, height);
+  const auto failure = [](const std::function<void()>& action) -> std::string {
+    try {
+      action();
+      return "(none)";
+    } catch (const std::exception& error) {
+      return error.what();
+    }
+  };
+  GlSpy spy;
+  spy.failNext("glGenBuffers");
+  EXPECT_EQ(failure([] { FontRenderer(18, false); }), "Could not create OpenGL buffer. ");
+  EXPECT_EQ(spy.liveObjects(), 0U);
+
+  FontRenderer font(18, false);
+  const std::size_t before = spy.liveObjects();
+  spy.failNext("glTexImage2D");
+  EXPECT_EQ(failure([&] { font.size("7"); }).find("An OpenGL error in FontRenderer::rasterise occured: "),
+            0U);
+  EXPECT_EQ(spy.liveObjects(), before);
+  EXPECT_EQ(font.size("7").y, TextRasteriser(18, false).rasterise("7").height) << "the next try works";
+}
+
+TEST_F(FontRendererGLTest, UnloadingIsLogged) {
+  EXPECT_NE(logOf([] { FontRenderer(18, false); }).find("Unloading font renderer.\n"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace oct::test

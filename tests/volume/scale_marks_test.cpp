@@ -1,0 +1,263 @@
+// Scale marks: steps, and a layout that a person can read from every side. Without OpenGL.
+#include "volume/scale_marks.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <set>
+
+#include "volume/box_view.h"
+
+namespace oct::test {
+namespace {
+
+TEST(TickStepTest, IsOneTwoOrFiveTimesAPowerOfTen) {
+  struct Case {
+    double value, step;
+    int decimals;
+    double minor;
+  };
+  for (const Case& c :
+       {Case{1.0, 1.0, 0, 0.2}, Case{1.01, 2.0, 0, 0.5}, Case{2.0, 2.0, 0, 0.5}, Case{2.1, 5.0, 0, 1.0},
+        Case{5.0, 5.0, 0, 1.0}, Case{5.1, 10.0, 0, 2.0}, Case{0.1, 0.1, 1, 0.02},
+        Case{0.0101, 0.02, 2, 0.005}, Case{0.5, 0.5, 1, 0.1}, Case{0.3, 0.5, 1, 0.1},
+        Case{1000.0, 1000.0, 0, 200.0}, Case{0.001, 0.001, 3, 0.0002}, Case{73.0, 100.0, 0, 20.0}}) {
+    const TickStep step = TickStep::atLeast(c.value);
+    EXPECT_DOUBLE_EQ(step.value(), c.step) << c.value;
+    EXPECT_EQ(step.decimals(), c.decimals) << c.value;
+    EXPECT_DOUBLE_EQ(step.minor(), c.minor) << c.value;
+  }
+  TickStep step = TickStep::atLeast(0.1);
+  for (const double expected : {0.2, 0.5, 1.0, 2.0, 5.0, 10.0, 20.0}) {
+    step = step.next();
+    EXPECT_DOUBLE_EQ(step.value(), expected);
+  }
+}
+
+constexpr glm::vec3 extent{2.0F, 3.2F, 4.7F};  // depth, x, y
+
+glm::ivec2 measured(const std::string& text, bool caption) {
+  return {static_cast<int>(text.size()) * (caption ? 9 : 8), 16};
+}
+
+Camera cameraAt(float angleX, float angleY, double zoom = 45.0, bool perspective = true,
+                Viewport viewport = {900, 700}) {
+  View view;
+  view.angleX = angleX;
+  view.angleY = angleY;
+  view.zoom = zoom;
+  view.perspective = perspective;
+  return cameraOf(view, rangeOf(2.0, 3.2, 4.7), viewport);
+}
+
+ScaleMarks marksOf(const Camera& camera, const glm::vec3& size = extent) {
+  return scaleMarks(camera, size, MarkStyle::forFont(16), measured);
+}
+
+std::vector<Camera> allSides() {
+  std::vector<Camera> cameras;
+  for (float x = -170.0F; x <= 170.0F; x += 37.0F) {
+    for (float y = -175.0F; y <= 175.0F; y += 31.0F) {
+      cameras.push_back(cameraAt(x, y));
+      cameras.push_back(cameraAt(x, y, 40.0, false));
+      cameras.push_back(cameraAt(x, y, 45.0, true, {300, 260}));
+    }
+  }
+  return cameras;
+}
+
+glm::vec2 window(const Camera& camera, const glm::vec3& device) {
+  return (glm::vec2(device) + 1.0F) * 0.5F * glm::vec2(camera.viewport.width, camera.viewport.height);
+}
+
+// Whether the point lies in the picture of the box: inside the convex outline of its corners.
+bool onBox(const Camera& camera, const glm::vec2& point) {
+  std::vector<glm::vec2> corners;
+  for (const glm::vec3& corner : boxEdges()) corners.emplace_back(*onScreen(camera, corner));
+  for (double angle = 0.0; angle < 6.283; angle += 0.01) {
+    const glm::vec2 direction(std::cos(angle), std::sin(angle));
+    float reach = -1e9F;
+    for (const glm::vec2& corner : corners) reach = std::max(reach, glm::dot(direction, corner));
+    if (glm::dot(direction, point) > reach + 0.25F) return false;
+  }
+  return true;
+}
+
+int axisOf(const glm::vec3& anchor) {
+  for (int axis = 0; axis < 3; ++axis) {
+    if (std::abs(anchor[axis]) != 1.0F) return axis;
+  }
+  return -1;
+}
+
+TEST(ScaleMarksTest, LabelsNeitherOverlapNorLeaveThePicture) {
+  for (const Camera& camera : allSides()) {
+    const auto labels = marksOf(camera).labels;
+    EXPECT_GE(labels.size(), 2U);
+    for (std::size_t i = 0; i < labels.size(); ++i) {
+      const glm::vec2 low = labels[i].position;
+      const glm::vec2 high = low + glm::vec2(labels[i].size);
+      EXPECT_TRUE(low.x >= 0 && low.y >= 0 && high.x <= static_cast<float>(camera.viewport.width) &&
+                  high.y <= static_cast<float>(camera.viewport.height));
+      EXPECT_EQ(low, glm::round(low)) << "whole pixels";
+      for (std::size_t j = 0; j < i; ++j) {
+        const glm::vec2 otherLow = labels[j].position;
+        const glm::vec2 otherHigh = otherLow + glm::vec2(labels[j].size);
+        EXPECT_TRUE(low.x >= otherHigh.x || otherLow.x >= high.x || low.y >= otherHigh.y ||
+                    otherLow.y >= high.y)
+            << labels[i].text << " on " << labels[j].text;
+      }
+    }
+  }
+}
+
+TEST(ScaleMarksTest, LabelsStandOutsideTheBoxBesideTheirPlace) {
+  for (const Camera& camera : allSides()) {
+    for (const MarkLabel& label : marksOf(camera).labels) {
+      const glm::vec2 middle = label.position + 0.5F * glm::vec2(label.size);
+      EXPECT_FALSE(onBox(camera, middle)) << label.text;
+      const glm::vec2 anchor(*onScreen(camera, label.anchor));
+      EXPECT_NEAR(glm::length(anchor + label.offset - label.position), 0.0F, 0.01F);
+      const float far = label.caption ? 200.0F : 50.0F;
+      EXPECT_LT(glm::length(middle - anchor), far) << label.text;
+    }
+  }
+}
+
+TEST(ScaleMarksTest, NumbersTellThePlaceOfTheirTick) {
+  const glm::vec3 ofModel(extent.y, extent.x, extent.z);
+  for (const Camera& camera : allSides()) {
+    for (const MarkLabel& label : marksOf(camera).labels) {
+      if (label.caption) continue;
+      // A corner of the box ends several axes; there the first or last number of one of them stands.
+      const double value = std::atof(label.text.c_str());
+      bool right = false;
+      for (int axis = 0; axis < 3; ++axis) {
+        const double place = (static_cast<double>(label.anchor[axis]) + 1.0) / 2.0 * ofModel[axis];
+        right |= std::abs(place - value) < 1e-4 * ofModel[axis];
+      }
+      EXPECT_TRUE(right) << label.text;
+      const int axis = axisOf(label.anchor);
+      if (axis < 0) continue;
+      const double place = (static_cast<double>(label.anchor[axis]) + 1.0) / 2.0 * ofModel[axis];
+      EXPECT_NEAR(place, value, 1e-4 * ofModel[axis]);
+    }
+  }
+}
+
+TEST(ScaleMarksTest, TicksPointOutwardsAndKeepTheirSizeInPixels) {
+  const MarkStyle style = MarkStyle::forFont(16);
+  for (const double zoom : {30.0, 45.0, 90.0}) {
+    const Camera camera = cameraAt(25, -35, zoom);
+    const auto ticks = marksOf(camera).ticks;
+    EXPECT_GT(ticks.size(), 20U);
+    int major = 0;
+    for (std::size_t i = 0; i < ticks.size(); i += 2) {
+      const glm::vec2 foot = window(camera, ticks[i]);
+      const glm::vec2 tip = window(camera, ticks[i + 1]);
+      const float length = glm::length(tip - foot);
+      const bool isMajor = std::abs(length - style.tick) < 0.02F;
+      EXPECT_TRUE(isMajor || std::abs(length - style.minorTick) < 0.02F) << length;
+      major += isMajor;
+      EXPECT_TRUE(onBox(camera, foot));
+      EXPECT_FALSE(onBox(camera, tip));
+      EXPECT_EQ(ticks[i].z, ticks[i + 1].z);
+    }
+    EXPECT_GE(major, 6);
+  }
+}
+
+TEST(ScaleMarksTest, EveryAxisNamesItselfAndItsUnit) {
+  std::multiset<std::string> captions;
+  for (const MarkLabel& label : marksOf(cameraAt(25, -35)).labels) {
+    if (label.caption) captions.insert(label.text);
+  }
+  EXPECT_EQ(captions, (std::multiset<std::string>{"depth (mm)", "x (mm)", "y (mm)"}));
+}
+
+TEST(ScaleMarksTest, WithoutRoomForACaptionTheLastNumberTellsTheUnit) {
+  // The box reaches nearly from rim to rim.
+  const Camera camera = cameraAt(0, 0, 31.0, false, {160, 400});
+  bool unit = false;
+  for (const MarkLabel& label : marksOf(camera, extent).labels) {
+    EXPECT_NE(label.text, "depth (mm)");
+    unit |= label.text == "2.0 mm" || label.text == "1.5 mm" || label.text == "2 mm";
+  }
+  EXPECT_TRUE(unit);
+}
+
+TEST(ScaleMarksTest, EveryAxisWithNumbersTellsItsUnit) {
+  for (const Camera& camera : allSides()) {
+    if (camera.viewport.width < 400) continue;  // too small for that on every side
+    std::set<int> numbered;
+    std::set<int> told;
+    for (const MarkLabel& label : marksOf(camera).labels) {
+      const int axis = axisOf(label.anchor);
+      if (axis < 0) continue;  // at a corner, which several axes share
+      const bool unit = label.text.find("mm") != std::string::npos;
+      (unit ? told : numbered).insert(axis);
+    }
+    std::size_t atCorners = 0;
+    for (const MarkLabel& label : marksOf(camera).labels) {
+      atCorners += axisOf(label.anchor) < 0 && label.text.find("mm") != std::string::npos;
+    }
+    for (const int axis : told) numbered.erase(axis);
+    EXPECT_LE(numbered.size(), atCorners);
+  }
+}
+
+TEST(ScaleMarksTest, AnAxisSeenEndOnHasNoMarks) {
+  for (const bool perspective : {true, false}) {
+    const Camera camera = cameraAt(0, 0, 45.0, perspective);
+    const ScaleMarks marks = marksOf(camera);
+    std::set<int> axes;
+    for (const MarkLabel& label : marks.labels) {
+      if (label.caption) axes.insert(axisOf(label.anchor));
+    }
+    EXPECT_EQ(axes, (std::set<int>{0, 1})) << "x and depth";
+  }
+}
+
+TEST(ScaleMarksTest, DepthStartsAtTheTopLeft) {
+  std::vector<std::pair<double, float>> numbers;
+  const Camera camera = cameraAt(0, 0, 45.0);
+  for (const MarkLabel& label : marksOf(camera).labels) {
+    if (!label.caption && axisOf(label.anchor) == 1) {
+      numbers.emplace_back(std::atof(label.text.c_str()), label.position.y);
+      EXPECT_EQ(label.anchor.x, -1.0F);
+      EXPECT_LT(label.position.x, 450.0F);
+    }
+  }
+  ASSERT_GE(numbers.size(), 3U);
+  EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+  for (std::size_t i = 1; i < numbers.size(); ++i) EXPECT_LT(numbers[i].second, numbers[i - 1].second);
+}
+
+std::size_t numbersAlong(int axis, const ScaleMarks& marks) {
+  return static_cast<std::size_t>(
+      std::count_if(marks.labels.begin(), marks.labels.end(),
+                    [&](const MarkLabel& label) { return !label.caption && axisOf(label.anchor) == axis; }));
+}
+
+TEST(ScaleMarksTest, TheStepComesFromTheRangeAndGrowsWhereThereIsNoRoom) {
+  // 3.2 mm in at most six intervals: 1 mm; seen from afar, fewer.
+  const auto near = numbersAlong(0, marksOf(cameraAt(20, 10, 45.0)));
+  EXPECT_EQ(near, 3U);
+  EXPECT_LE(numbersAlong(0, marksOf(cameraAt(20, 10, 160.0))), 2U);
+  EXPECT_EQ(numbersAlong(0, marksOf(cameraAt(20, 10, 45.0), {2.0F, 0.12F, 4.7F})), 5U)
+      << "0.02 mm apart, and one at either corner";
+}
+
+TEST(ScaleMarksTest, NothingForARangeOrAViewWithoutExtent) {
+  EXPECT_TRUE(marksOf(cameraAt(20, 10), {0.0F, 0.0F, 0.0F}).labels.empty());
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  EXPECT_TRUE(marksOf(cameraAt(20, 10), {nan, nan, nan}).ticks.empty());
+  View inside;
+  inside.translation = {0, 0, 5};  // the viewer stands in the middle of the box
+  EXPECT_NO_THROW(marksOf(cameraOf(inside, rangeOf(2.0, 3.2, 4.7), {900, 700})));
+}
+
+}  // namespace
+}  // namespace oct::test

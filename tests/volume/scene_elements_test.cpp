@@ -1,0 +1,353 @@
+// Frame, translucent box, clip plane border and removed segment on the screen, and what happens when OpenGL
+// fails.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+#include "support/gl_spy.h"
+#include "support/golden.h"
+#include "support/reference_camera.h"
+#include "support/test_context.h"
+#include "volume/box_view.h"
+#include "volume/clip_plane.h"
+
+namespace oct::test {
+namespace {
+
+struct Flags {
+  int scaleMarks, edges, box;
+};
+
+class SceneElementsTest : public testing::Test {
+ protected:
+  SceneElementsTest() {
+    scene_.viewportWidth = 200;
+    scene_.viewportHeight = 160;
+    scene_.range = {1.5F, 2.0F, 2.5F};
+    scene_.angleX = 25.0;
+    scene_.angleY = -35.0;
+    scene_.zoom = 45.0;
+    scene_.volume = testVolume(8, 8, 8);
+    scene_.coloring = {{0x00000000U, 0x00000000U}, 0.0, 1.0};  // nothing is seen of the volume
+  }
+
+  Picture draw(Flags flags, const std::function<void(VolumeRendererHandle)>& change = {}) {
+    apply(scene_, stage_.renderer);
+    upload(scene_, stage_.offline);
+    setBorder(stage_.renderer, flags.scaleMarks, flags.edges, flags.box);
+    if (change) change(stage_.renderer);
+    return stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+  }
+
+  Picture background() const {
+    Picture picture(scene_.viewportWidth, scene_.viewportHeight);
+    for (int row = 0; row < picture.height; ++row) {
+      for (int column = 0; column < picture.width; ++column) {
+        setPixel(picture, column, row, backgroundColor(scene_, row));
+      }
+    }
+    return picture;
+  }
+
+  VolumeScene scene_;
+  VolumeStage stage_;
+};
+
+using Lines = std::vector<std::pair<glm::dvec2, glm::dvec2>>;
+
+Lines projected(const VolumeScene& scene, const std::vector<glm::vec3>& points) {
+  const ReferenceCamera camera(scene);
+  Lines lines;
+  for (std::size_t i = 0; i + 1 < points.size(); i += 2) {
+    lines.emplace_back(camera.toWindow(points[i]), camera.toWindow(points[i + 1]));
+  }
+  return lines;
+}
+
+double change(const Picture& picture, const Picture& before, int column, int row) {
+  double sum = 0.0;
+  for (int c = 0; c < 3; ++c) sum += std::abs(picture.pixel(column, row)[c] - before.pixel(column, row)[c]);
+  return sum / 3.0;
+}
+
+// Lines of the foreground colour (white) where they ought to be, and nothing anywhere else.
+void expectLines(const Picture& picture, const Picture& before, const Lines& lines) {
+  for (int row = 0; row < picture.height; ++row) {
+    for (int column = 0; column < picture.width; ++column) {
+      double nearest = 1e9;
+      for (const auto& [from, to] : lines) {
+        nearest = std::min(nearest, distanceToSegment({column + 0.5, row + 0.5}, from, to));
+      }
+      if (nearest > 2.0) {
+        ASSERT_EQ(change(picture, before, column, row), 0.0) << column << ", " << row << " at " << nearest;
+      }
+    }
+  }
+  for (const auto& [from, to] : lines) {
+    for (double t = 0.03; t < 1.0; t += 0.07) {
+      const glm::dvec2 at = glm::mix(from, to, t);
+      double strongest = 0.0;
+      for (int dy = -1; dy <= 1; ++dy) {
+        for (int dx = -1; dx <= 1; ++dx) {
+          const int column = glm::clamp(static_cast<int>(at.x) + dx, 0, picture.width - 1);
+          const int row = glm::clamp(static_cast<int>(at.y) + dy, 0, picture.height - 1);
+          strongest = std::max(strongest, change(picture, before, column, row));
+        }
+      }
+      EXPECT_GT(strongest, 90.0) << "no line at " << at.x << ", " << at.y;
+    }
+  }
+}
+
+TEST_F(SceneElementsTest, NothingButTheBackgroundWithoutFlags) {
+  EXPECT_TRUE(agree(draw({0, 0, 0}), background()));
+}
+
+TEST_F(SceneElementsTest, TwelveEdges) {
+  for (const bool perspective : {true, false}) {
+    scene_.perspective = perspective;
+    scene_.zoom = perspective ? 45.0 : 32.0;
+    const Lines lines = projected(scene_, boxEdges());
+    ASSERT_EQ(lines.size(), 12U);
+    expectLines(draw({0, 1, 0}), background(), lines);
+  }
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+TEST_F(SceneElementsTest, AnOpaqueVolumeHidesTheEdgesBehindIt) {
+  scene_.coloring = {{0xFF000000U, 0xFF000000U}, -1.0, 2.0};
+  const Picture plain = draw({0, 0, 0});
+  const Picture framed = draw({0, 1, 0});
+  const ReferenceCamera camera(scene_);
+  const std::vector<glm::vec3> edges = boxEdges();
+  int hidden = 0;
+  for (std::size_t i = 0; i < edges.size(); i += 2) {
+    // At these angles the faces x = 1, y = -1 and z = 1 face the viewer; edges of the others only are hidden.
+    const glm::vec3 middle = 0.5F * (edges[i] + edges[i + 1]);
+    const bool visible = middle.x == 1.0F || middle.y == -1.0F || middle.z == 1.0F;
+    const glm::dvec2 at = camera.toWindow(middle);
+    double strongest = 0.0;
+    for (int dy = -1; dy <= 1; ++dy) {
+      for (int dx = -1; dx <= 1; ++dx) {
+        strongest = std::max(strongest,
+                             change(framed, plain, static_cast<int>(at.x) + dx, static_cast<int>(at.y) + dy));
+      }
+    }
+    if (visible) {
+      EXPECT_GT(strongest, 90.0) << i;
+    } else {
+      EXPECT_EQ(strongest, 0.0) << i;
+      ++hidden;
+    }
+  }
+  EXPECT_EQ(hidden, 3);
+}
+
+TEST_F(SceneElementsTest, TheBoxIsGlass) {
+  const Picture drawn = draw({0, 0, 1});
+  Picture expected = background();
+  const ReferenceCamera camera(scene_);
+  const glm::dvec3 eye = camera.toModel({0, 0, 0});
+  for (int row = 0; row < expected.height; ++row) {
+    for (int column = 0; column < expected.width; ++column) {
+      const auto line = camera.line(column, row);
+      const glm::dvec3 direction = camera.toModel(line.origin + line.direction) - eye;
+      double enter = -1e9;
+      double leave = 1e9;
+      for (int axis = 0; axis < 3; ++axis) {
+        const double a = (-1.0 - eye[axis]) / direction[axis];
+        const double b = (1.0 - eye[axis]) / direction[axis];
+        enter = std::max(enter, std::min(a, b));
+        leave = std::min(leave, std::max(a, b));
+      }
+      if (enter >= leave) continue;
+      // A tenth of the foreground (white) on the far side and a hint of it on the near side.
+      setPixel(expected, column, row,
+               glm::mix(glm::mix(backgroundColor(scene_, row), glm::dvec3(1.0), 0.1), glm::dvec3(1.0), 0.03));
+    }
+  }
+  EXPECT_TRUE(agree(drawn, expected, {2, 0.995, 60}));
+}
+
+TEST_F(SceneElementsTest, TheForegroundColoursEverything) {
+  scene_.backgroundBottom = scene_.backgroundTop = 0x000000FFU;
+  const Picture drawn = draw({1, 1, 1}, [](VolumeRendererHandle h) { setRenderForeground(h, 0xFF0000FFU); });
+  int lit = 0;
+  for (int i = 0; i < drawn.width * drawn.height; ++i) {
+    const std::uint8_t* const pixel = drawn.bytes.data() + 4 * i;
+    ASSERT_EQ(pixel[0], 0);
+    ASSERT_EQ(pixel[1], 0);
+    ASSERT_EQ(pixel[3], 255) << "an opaque picture stays opaque";
+    lit += pixel[2] > 100;
+  }
+  EXPECT_GT(lit, 300);
+}
+
+TEST_F(SceneElementsTest, BorderOfTheClipPlane) {
+  scene_.clip = true;
+  scene_.clipValue = 0.45F;
+  const Picture drawn = draw({0, 0, 0});
+  ClipPlane clip;
+  clip.set(true, false, 0.45F);
+  View view;
+  view.angleX = 25.0F;
+  view.angleY = -35.0F;
+  clip.update(view);
+  expectLines(drawn, background(), projected(scene_, clip.border()));
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+TEST_F(SceneElementsTest, NoBorderWhileTheClipPlaneIsOff) {
+  scene_.clip = false;
+  scene_.clipValue = 0.45F;
+  EXPECT_TRUE(agree(draw({0, 0, 0}), background()));
+}
+
+TEST_F(SceneElementsTest, TheRemovedSegmentIsAGhost) {
+  scene_.clip = true;
+  scene_.clipValue = 0.45F;
+  const Picture without = draw({0, 0, 0});
+  const Picture with = draw({0, 0, 0}, [](VolumeRendererHandle h) { setRemoveSegment(h, 1); });
+  const ReferenceCamera camera(scene_);
+  const glm::dvec3 eye = camera.toModel({0, 0, 0});
+  ClipPlane clip;
+  clip.set(true, false, 0.45F);
+  View view;
+  view.angleX = 25.0F;
+  view.angleY = -35.0F;
+  clip.update(view);
+  const Lines border = projected(scene_, clip.border());
+  int ghost = 0;
+  int panes[3] = {};
+  for (int row = 0; row < with.height; ++row) {
+    for (int column = 0; column < with.width; ++column) {
+      double nearest = 1e9;
+      for (const auto& [from, to] : border) {
+        nearest = std::min(nearest, distanceToSegment({column + 0.5, row + 0.5}, from, to));
+      }
+      if (nearest < 2.0) continue;
+      const auto line = camera.line(column, row);
+      const glm::dvec3 direction = camera.toModel(line.origin + line.direction) - eye;
+      int crossed = 0;  // faces of the removed segment
+      for (int axis = 0; axis < 3; ++axis) {
+        for (const double side : {-1.0, 1.0}) {
+          const glm::dvec3 p = eye + (side - eye[axis]) / direction[axis] * direction;
+          const bool onFace = std::max(std::abs(p[(axis + 1) % 3]), std::abs(p[(axis + 2) % 3])) < 1.0;
+          crossed += onFace && glm::dot(glm::dvec4(clip.plane()), glm::dvec4(p, 1.0)) < 0.0;
+        }
+      }
+      glm::dvec3 expected;
+      for (int c = 0; c < 3; ++c) {
+        double channel = without.pixel(column, row)[c] / 255.0;
+        for (int i = 0; i < crossed; ++i) channel = glm::mix(channel, 1.0, 0.1);
+        expected[c] = channel * 255.0;
+      }
+      bool right = true;
+      for (int c = 0; c < 3; ++c) right &= std::abs(with.pixel(column, row)[c] - expected[c]) <= 2.0;
+      ghost += !right;
+      ++panes[crossed];
+    }
+  }
+  EXPECT_LT(ghost, 60) << "pixels on the rim of a face";
+  EXPECT_GT(panes[1], 1000);
+  EXPECT_GT(panes[2], 100);
+}
+
+TEST_F(SceneElementsTest, LabelsKeepTheirPixelsWhileTheBoxTurns) {
+  // A label that shows the same text at another angle consists of the same pixels somewhere else.
+  scene_.viewportWidth = 400;
+  scene_.viewportHeight = 320;
+  scene_.backgroundBottom = scene_.backgroundTop = 0x000000FFU;
+  const auto ink = [](const Picture& picture) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < picture.bytes.size(); i += 4) sum += picture.bytes[i] / 255.0;
+    return sum;
+  };
+  const double marks = ink(draw({1, 0, 0}));
+  EXPECT_GT(marks, 400.0) << "numbers, captions and ticks";
+  EXPECT_LT(marks, 6000.0);
+  scene_.angleY += 1.0;
+  EXPECT_NEAR(ink(draw({1, 0, 0})), marks, 0.2 * marks);
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+// Where ticks and labels stand, and that they read well, was looked at. Fonts differ from machine to machine: their
+// pixels may differ, what is not text may not.
+TEST_F(SceneElementsTest, TheFrameLooksAsAccepted) {
+  scene_.viewportWidth = 420;
+  scene_.viewportHeight = 320;
+  scene_.zoom = 42.0;
+  const Picture drawn = draw({1, 1, 1});
+  EXPECT_TRUE(looksLike(drawn, "frame_with_scale_marks", {12, 0.97, 255, 3.0}));
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+TEST_F(SceneElementsTest, NothingIsLeftBehind) {
+  scene_.clip = true;
+  scene_.clipValue = 0.6F;
+  const auto everything = [](VolumeRendererHandle h) { setRemoveSegment(h, 1); };
+  const Picture before = draw({1, 1, 1}, everything);
+  setRenderingMode(stage_.renderer, 1);
+  stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+  uninitializeVolumeRenderer(stage_.renderer);
+  GlSpy spy;
+  initializeVolumeRenderer(stage_.renderer);
+  const std::size_t afterInit = spy.liveObjects();
+  for (int round = 0; round < 3; ++round) {
+    EXPECT_TRUE(agree(draw({1, 1, 1}, everything), before, {0, 1.0, 0}));
+    setRenderingMode(stage_.renderer, 1);
+    stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+    const std::size_t inUse = spy.liveObjects();
+    stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+    EXPECT_EQ(spy.liveObjects(), inUse) << "a frame like the last one makes no objects";
+    EXPECT_GT(inUse, afterInit);
+    EXPECT_NE(logOf([&] { uninitializeVolumeRenderer(stage_.renderer); }).find("Unloading font renderer.\n"),
+              std::string::npos);
+    initializeVolumeRenderer(stage_.renderer);
+  }
+}
+
+TEST_F(SceneElementsTest, TextIsRasterisedOnceWhileNothingMoves) {
+  draw({1, 1, 1});
+  GlSpy spy;
+  stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+  EXPECT_EQ(spy.calls("glGenTextures"), 0);
+  EXPECT_EQ(spy.calls("glTexImage2D"), 0);
+}
+
+TEST_F(SceneElementsTest, BuffersThatFailAreReportedAndTheNextFrameWorks) {
+  const std::function<void(VolumeRendererHandle)> sections = [](VolumeRendererHandle h) {
+    setRenderingMode(h, 1);
+  };
+  const Picture good = draw({1, 1, 1});
+  const Picture goodSections = draw({1, 1, 1}, sections);
+  for (const bool sectional : {false, true}) {
+    for (int failing = 1; failing < 12; ++failing) {
+      uninitializeVolumeRenderer(stage_.renderer);
+      initializeVolumeRenderer(stage_.renderer);
+      apply(scene_, stage_.renderer);
+      setBorder(stage_.renderer, 1, 1, 1);
+      setRenderingMode(stage_.renderer, sectional);
+      int calls = 0;
+      {
+        GlSpy spy;
+        spy.failNext("glBufferData", failing);
+        stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+        calls = spy.calls("glBufferData");
+      }
+      EXPECT_GE(calls, 1);
+      EXPECT_EQ(pendingError().find("An OpenGL error in "), 0U) << failing;
+      while (glGetError() != GL_NO_ERROR) {
+      }
+      uninitializeVolumeRenderer(stage_.renderer);
+      initializeVolumeRenderer(stage_.renderer);
+      EXPECT_TRUE(agree(draw({1, 1, 1}, sectional ? sections : std::function<void(VolumeRendererHandle)>()),
+                        sectional ? goodSections : good, {0, 1.0, 0}));
+      EXPECT_EQ(pendingError(), "(none)");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,269 @@
+// The slices of the sectional view: order of drawing, and whole pictures against rays through the three
+// planes.
+#include "volume/sectional_view.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <glm/gtc/random.hpp>
+#include <optional>
+#include <random>
+
+#include "support/reference_camera.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+struct Hit {
+  double t;
+  int axis;
+};
+
+std::optional<double> hitTriangle(const glm::dvec3& origin, const glm::dvec3& direction,
+                                  const glm::vec3* triangle) {
+  const glm::dvec3 a(triangle[0]);
+  const glm::dvec3 u = glm::dvec3(triangle[1]) - a;
+  const glm::dvec3 v = glm::dvec3(triangle[2]) - a;
+  const glm::dvec3 n = glm::cross(u, v);
+  const double t = glm::dot(n, a - origin) / glm::dot(n, direction);
+  const glm::dvec3 p = origin + t * direction - a;
+  const double area = glm::dot(n, n);
+  const double first = glm::dot(glm::cross(p, v), n) / area;
+  const double second = glm::dot(glm::cross(u, p), n) / area;
+  if (first < 0.0 || second < 0.0 || first + second > 1.0) return std::nullopt;
+  return t;
+}
+
+TEST(SectionTrianglesTest, AreDrawnFromFarToNear) {
+  std::mt19937 generator(11);
+  std::uniform_real_distribution<float> unit(0.0F, 1.0F);
+  std::uniform_real_distribution<double> place(-6.0, 6.0);
+  std::uniform_real_distribution<double> inside(-1.0, 1.0);
+  for (int scene = 0; scene < 60; ++scene) {
+    Sections sections{Section{scene % 7 != 1, unit(generator)}, Section{scene % 5 != 1, unit(generator)},
+                      Section{scene % 3 != 1, unit(generator)}};
+    const bool orthographic = scene % 2 != 0;
+    const glm::dvec3 eye(place(generator), place(generator), place(generator));
+    const auto triangles = sectionTriangles(sections, glm::vec4(glm::vec3(eye), orthographic ? 0.0F : 1.0F));
+    for (int ray = 0; ray < 200; ++ray) {
+      const glm::dvec3 target(inside(generator), inside(generator), inside(generator));
+      const glm::dvec3 direction = orthographic ? -eye : target - eye;
+      const glm::dvec3 origin = orthographic ? target + 10.0 * eye : eye;
+      std::vector<double> hits;
+      for (std::size_t i = 0; i < triangles.size(); i += 3) {
+        if (const auto t = hitTriangle(origin, direction, &triangles[i])) hits.push_back(*t);
+      }
+      EXPECT_TRUE(std::is_sorted(hits.begin(), hits.end(), std::greater<>())) << "scene " << scene;
+
+      std::size_t expected = 0;  // slices that the ray passes
+      for (int axis = 0; axis < 3; ++axis) {
+        const Section& section = sections[static_cast<std::size_t>(axis)];
+        const double t = (2.0 * section.position - 1.0 - origin[axis]) / direction[axis];
+        const glm::dvec3 p = origin + t * direction;
+        const double reach = std::max(std::abs(p[(axis + 1) % 3]), std::abs(p[(axis + 2) % 3]));
+        expected += section.shown && reach < 1.0;
+      }
+      EXPECT_EQ(hits.size(), expected) << "scene " << scene;
+    }
+  }
+}
+
+TEST(SectionalViewTest, QuadsSpanTheBox) {
+  for (int axis = 0; axis < 3; ++axis) {
+    const SectionQuad quad = sectionQuad(axis, 0.75F);
+    for (std::size_t i = 0; i < 4; ++i) {
+      EXPECT_EQ(quad[i][axis], 0.5F);
+      EXPECT_EQ(std::abs(quad[i][(axis + 1) % 3]), 1.0F);
+      EXPECT_EQ(std::abs(quad[i][(axis + 2) % 3]), 1.0F);
+      EXPECT_EQ(glm::length(quad[i] - quad[(i + 1) % 4]), 2.0F) << "neighbours share an edge";
+    }
+  }
+}
+
+TEST(SectionalViewTest, PositionsOutOfRangeAreRefused) {
+  SectionalView view;
+  EXPECT_NO_THROW(view.set({Section{true, 1.0F}, Section{true, 0.0F}, Section{true, 0.5F}}));
+  for (const float position : {1.0001F, -0.0001F, std::numeric_limits<float>::quiet_NaN()}) {
+    try {
+      view.set({Section{true, 0.5F}, Section{false, position}, Section{true, 0.5F}});
+      FAIL() << position;
+    } catch (const std::invalid_argument& error) {
+      EXPECT_STREQ(
+          error.what(),
+          "Slice positions of sectional view are out of range. Values must be in range from 0.0 to 1.0. ");
+    }
+  }
+}
+
+// Linear between voxels, the outermost ones reaching beyond.
+double voxelAt(const Volume& volume, const glm::dvec3& texture) {
+  const glm::ivec3 size(volume.width, volume.height, volume.depth);
+  const glm::dvec3 position = texture * glm::dvec3(size) - 0.5;
+  const glm::dvec3 below = glm::floor(position);
+  const glm::dvec3 weight = position - below;
+  double sum = 0.0;
+  for (int corner = 0; corner < 8; ++corner) {
+    const glm::ivec3 step(corner & 1, corner >> 1 & 1, corner >> 2);
+    const glm::ivec3 index = glm::clamp(glm::ivec3(below) + step, glm::ivec3(0), size - 1);
+    double share = 1.0;
+    for (int axis = 0; axis < 3; ++axis) share *= step[axis] != 0 ? weight[axis] : 1.0 - weight[axis];
+    sum += share * volume.at(index.x, index.y, index.z);
+  }
+  return sum;
+}
+
+glm::dvec4 sliceColor(const VolumeScene& scene, const glm::dvec3& point) {
+  const glm::dvec3 texture = 0.5 * glm::dvec3(point.y, point.x, point.z) + 0.5;
+  const auto color = [&](const Volume& volume, const Coloring& coloring) {
+    const double value = voxelAt(volume, texture);
+    return mappedColor(coloring.colors, (value - coloring.lower) / (coloring.upper - coloring.lower));
+  };
+  const glm::dvec4 base = color(scene.volume, scene.coloring);
+  if (scene.content != 2) return base;
+  const glm::dvec4 over = color(scene.overlay, scene.overlayColoring);
+  return glm::mix(base, over, over.a);
+}
+
+// Pixels that an outline may touch, and those at which slices meet, are left as the library has drawn them.
+Picture referenceSections(const VolumeScene& scene, const Sections& sections, const Picture& drawn,
+                          int& compared) {
+  const ReferenceCamera camera(scene);
+  Picture picture = drawn;
+  for (int row = 0; row < scene.viewportHeight; ++row) {
+    for (int column = 0; column < scene.viewportWidth; ++column) {
+      const glm::dvec2 centre(column + 0.5, row + 0.5);
+      bool onOutline = false;
+      const auto line = camera.line(column, row);
+      const glm::dvec3 origin = camera.toModel(line.origin);
+      const glm::dvec3 direction = camera.toModel(line.origin + line.direction) - origin;
+      std::vector<std::pair<double, glm::dvec3>> hits;
+      for (int axis = 0; axis < 3; ++axis) {
+        const Section& section = sections[static_cast<std::size_t>(axis)];
+        if (!section.shown) continue;
+        const SectionQuad quad = sectionQuad(axis, section.position);
+        for (std::size_t i = 0; i < 4; ++i) {
+          onOutline |=
+              distanceToSegment(centre, camera.toWindow(quad[i]), camera.toWindow(quad[(i + 1) % 4])) < 1.6;
+        }
+        const double t = (2.0 * section.position - 1.0 - origin[axis]) / direction[axis];
+        const glm::dvec3 p = origin + t * direction;
+        if (std::max(std::abs(p[(axis + 1) % 3]), std::abs(p[(axis + 2) % 3])) > 1.0) continue;
+        hits.emplace_back(t, p);
+      }
+      if (onOutline) continue;
+      std::sort(hits.begin(), hits.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+      glm::dvec3 color = backgroundColor(scene, row);
+      for (const auto& [t, point] : hits) {
+        const glm::dvec4 slice = sliceColor(scene, point);
+        color = glm::mix(color, glm::dvec3(slice), slice.a);
+      }
+      setPixel(picture, column, row, color);
+      ++compared;
+    }
+  }
+  return picture;
+}
+
+struct Case {
+  const char* name;
+  Sections sections;
+  bool translucent = false;
+  bool overlay = false;
+  bool perspective = true;
+};
+
+void PrintTo(const Case& value, std::ostream* stream) {
+  *stream << value.name;
+}
+
+class SectionalViewImageTest : public testing::TestWithParam<Case> {};
+
+TEST_P(SectionalViewImageTest, EqualsTheArithmetic) {
+  const Case& tested = GetParam();
+  VolumeScene scene;
+  scene.volume = testVolume(40, 28, 34);
+  scene.viewportWidth = 161;
+  scene.viewportHeight = 127;
+  scene.angleX = 25.0;
+  scene.angleY = -35.0;
+  scene.range = {1.5F, 2.0F, 2.5F};
+  scene.perspective = tested.perspective;
+  scene.coloring = {tested.translucent ? rampColors(64, 0.7) : opaqueColors(64), 0.1, 0.9};
+  if (tested.overlay) {
+    scene.overlay = testVolume(40, 28, 34, 7);
+    scene.overlayColoring = {rampColors(64, 0.8), 0.3, 1.1};
+    scene.content = 2;
+  }
+  VolumeStage stage;
+  setRenderingMode(stage.renderer, 1);
+  const Sections& s = tested.sections;
+  setSectionalView(stage.renderer, s[0].shown, s[0].position, s[1].shown, s[1].position, s[2].shown,
+                   s[2].position);
+  apply(scene, stage.renderer);
+  upload(scene, stage.offline);
+  setRenderingMode(stage.renderer, 1);
+  const Picture drawn = stage.frame(scene.viewportWidth, scene.viewportHeight, scene.content);
+  EXPECT_EQ(pendingError(), "(none)");
+  int compared = 0;
+  const Picture expected = referenceSections(scene, s, drawn, compared);
+  EXPECT_GT(compared, scene.viewportWidth * scene.viewportHeight * 3 / 4);
+  // Where two slices meet, one pixel may show the other one.
+  EXPECT_TRUE(agree(drawn, expected, {1, 0.995, 255, 0.1}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Sections, SectionalViewImageTest,
+    testing::Values(
+        Case{"Middle", {Section{}, Section{}, Section{}}},
+        Case{"Apart", {Section{true, 0.2F}, Section{true, 0.7F}, Section{true, 0.9F}}},
+        Case{"Orthographic",
+             {Section{true, 0.2F}, Section{true, 0.7F}, Section{true, 0.9F}},
+             false,
+             false,
+             false},
+        Case{"OneHidden", {Section{true, 0.3F}, Section{false, 0.6F}, Section{true, 0.6F}}},
+        Case{"Translucent", {Section{true, 0.3F}, Section{true, 0.6F}, Section{true, 0.55F}}, true},
+        Case{"Overlay", {Section{true, 0.5F}, Section{true, 0.4F}, Section{true, 0.25F}}, false, true},
+        Case{"None", {Section{false, 0.5F}, Section{false, 0.5F}, Section{false, 0.5F}}}),
+    [](const auto& tested) { return tested.param.name; });
+
+// The outline of a slice in the foreground colour, where the box's edges are off.
+TEST(SectionalViewOutlineTest, RunsAroundTheSlice) {
+  VolumeScene scene;
+  scene.volume = testVolume(16, 16, 16);
+  scene.viewportWidth = 160;
+  scene.viewportHeight = 120;
+  scene.angleX = 20.0;
+  scene.angleY = 40.0;
+  scene.backgroundBottom = scene.backgroundTop = 0x000000FFU;
+  scene.coloring = {{0xFF000000U, 0xFF000000U}, 0.0, 1.0};  // black slices
+  VolumeStage stage;
+  apply(scene, stage.renderer);
+  upload(scene, stage.offline);
+  setRenderingMode(stage.renderer, 1);
+  setSectionalView(stage.renderer, 1, 0.3F, 0, 0.5F, 0, 0.5F);
+  setRenderForeground(stage.renderer, 0x40FF80FFU);
+  const Picture drawn = stage.frame(scene.viewportWidth, scene.viewportHeight, 0);
+  const ReferenceCamera camera(scene);
+  const SectionQuad quad = sectionQuad(0, 0.3F);
+  for (std::size_t side = 0; side < 4; ++side) {
+    for (double t = 0.05; t < 1.0; t += 0.05) {
+      const glm::dvec2 at =
+          camera.toWindow(glm::mix(glm::dvec3(quad[side]), glm::dvec3(quad[(side + 1) % 4]), t));
+      double green = 0.0;  // of the pixels around, which share the line's
+      for (int dy = -2; dy <= 2; ++dy) {
+        for (int dx = -2; dx <= 2; ++dx) {
+          const std::uint8_t* const pixel =
+              drawn.pixel(static_cast<int>(at.x) + dx, static_cast<int>(at.y) + dy);
+          green = std::max(green, static_cast<double>(pixel[1]));
+          EXPECT_NEAR(pixel[0] * 2.0, pixel[1], 3.0) << "no colour but the foreground's";
+        }
+      }
+      EXPECT_GT(green, 110.0) << "side " << side << " at " << t;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace oct::test

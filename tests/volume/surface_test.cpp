@@ -1,0 +1,349 @@
+// The height map surface: its mesh, and whole pictures against rays that meet the mesh.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "support/gl_spy.h"
+#include "support/reference_camera.h"
+#include "support/test_context.h"
+#include "volume/surface_mesh.h"
+
+namespace oct::test {
+namespace {
+
+constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+
+struct HeightMap {
+  int width = 0;
+  int height = 0;
+  double scale = 1.0;
+  std::vector<float> values;
+  float at(int column, int row) const { return values[static_cast<std::size_t>(row * width + column)]; }
+};
+
+HeightMap waves(int width, int height) {
+  HeightMap map{width, height, 80.0, {}};
+  for (int row = 0; row < height; ++row) {
+    for (int column = 0; column < width; ++column) {
+      map.values.push_back(
+          static_cast<float>(38.0 + 13.0 * std::sin(0.9 * column) * std::cos(0.7 * row) + 0.8 * row));
+    }
+  }
+  return map;
+}
+
+glm::dvec3 faceNormal(const SurfaceMesh& mesh, std::size_t triangle) {
+  const auto corner = [&](std::size_t i) {
+    return glm::dvec3(mesh.vertices[mesh.triangles[3 * triangle + i]]);
+  };
+  return glm::cross(corner(1) - corner(0), corner(2) - corner(0));
+}
+
+TEST(SurfaceMeshTest, VerticesSpanTheBox) {
+  const HeightMap map = waves(5, 3);
+  const SurfaceMesh mesh = surfaceMesh(5, 3, 80.0, map.values.data());
+  ASSERT_EQ(mesh.vertices.size(), 15U);
+  for (int row = 0; row < 3; ++row) {
+    for (int column = 0; column < 5; ++column) {
+      const glm::vec3& vertex = mesh.vertices[static_cast<std::size_t>(row * 5 + column)];
+      EXPECT_FLOAT_EQ(vertex.x, static_cast<float>(column) / 2.0F - 1.0F);
+      EXPECT_FLOAT_EQ(vertex.y, static_cast<float>(row) - 1.0F);
+      EXPECT_NEAR(vertex.z, 2.0 * map.at(column, row) / 80.0 - 1.0, 1e-6);
+    }
+  }
+  EXPECT_EQ(mesh.triangles.size(), 4U * 2U * 2U * 3U);
+}
+
+TEST(SurfaceMeshTest, DepthsOfTheLimitsAndOfTheMeshShareOneScale) {
+  const float value = 17.0F;
+  const std::vector<float> flat(4, value);
+  EXPECT_FLOAT_EQ(surfaceMesh(2, 2, 80.0, flat.data()).vertices[0].z,
+                  static_cast<float>(onMeshScale(value, 80.0)));
+}
+
+TEST(SurfaceMeshTest, EveryTriangleTurnsTheSameWayAgainstTheNormals) {
+  const SurfaceMesh mesh = surfaceMesh(13, 9, 80.0, waves(13, 9).values.data());
+  double covered = 0.0;
+  for (std::size_t i = 0; i < mesh.triangles.size() / 3; ++i) {
+    const glm::dvec3 normal = faceNormal(mesh, i);
+    EXPECT_LT(normal.z, 0.0) << "seen from smaller depth it is counter-clockwise";
+    covered -= 0.5 * normal.z;
+    for (std::size_t c = 0; c < 3; ++c) {
+      EXPECT_LT(glm::dot(normal, glm::dvec3(mesh.normals[mesh.triangles[3 * i + c]])), 0.0);
+    }
+  }
+  EXPECT_NEAR(covered, 4.0, 1e-5) << "the cells cover the box's cross-section once";
+}
+
+TEST(SurfaceMeshTest, NormalsAreThoseOfTheSlope) {
+  HeightMap plane{6, 5, 10.0, {}};
+  for (int row = 0; row < 5; ++row) {
+    for (int column = 0; column < 6; ++column) {
+      plane.values.push_back(static_cast<float>(3.0 + 0.5 * column - 0.25 * row));
+    }
+  }
+  // Over the whole width of 2 the depth grows by 2 * 2.5 / 10, over the height by -2 * 1 / 10.
+  const glm::dvec3 expected = glm::normalize(glm::dvec3(-0.25, 0.1, 1.0));
+  const SurfaceMesh mesh = surfaceMesh(6, 5, 10.0, plane.values.data());
+  for (const glm::vec3& normal : mesh.normals)
+    EXPECT_NEAR(glm::length(glm::dvec3(normal) - expected), 0.0, 1e-6);
+}
+
+TEST(SurfaceMeshTest, CellsArePartedAlongTheLevel) {
+  // Equal along one diagonal of every cell.
+  std::vector<float> values;
+  for (int row = 0; row < 4; ++row) {
+    for (int column = 0; column < 4; ++column)
+      values.push_back(static_cast<float>((row + column) * (row + column)));
+  }
+  const SurfaceMesh mesh = surfaceMesh(4, 4, 1.0, values.data());
+  for (std::size_t i = 0; i < mesh.triangles.size() / 3; ++i) {
+    int onDiagonal = 0;
+    for (std::size_t c = 0; c < 3; ++c) {
+      const std::uint32_t from = mesh.triangles[3 * i + c];
+      const std::uint32_t to = mesh.triangles[3 * i + (c + 1) % 3];
+      onDiagonal += from / 4 + from % 4 == to / 4 + to % 4;
+    }
+    EXPECT_EQ(onDiagonal, 1);
+  }
+}
+
+TEST(SurfaceMeshTest, SamplesThatAreNoNumbersLeaveAHole) {
+  HeightMap map = waves(6, 5);
+  map.values[2 * 6 + 3] = nan;
+  map.values[0] = std::numeric_limits<float>::infinity();
+  const SurfaceMesh mesh = surfaceMesh(6, 5, 80.0, map.values.data());
+  EXPECT_EQ(mesh.triangles.size(), (5U * 4U - 4U - 1U) * 2U * 3U);
+  for (const std::uint32_t index : mesh.triangles) {
+    EXPECT_TRUE(std::isfinite(mesh.vertices[index].z));
+    EXPECT_NEAR(glm::length(mesh.normals[index]), 1.0F, 1e-5F);
+  }
+}
+
+TEST(SurfaceMeshTest, SmallAndWrongSizes) {
+  const float value = 1.0F;
+  EXPECT_TRUE(surfaceMesh(0, 0, 0.0, nullptr).vertices.empty());
+  EXPECT_TRUE(surfaceMesh(0, 5, 1.0, nullptr).vertices.empty());
+  const SurfaceMesh point = surfaceMesh(1, 1, 4.0, &value);
+  ASSERT_EQ(point.vertices.size(), 1U);
+  EXPECT_EQ(point.vertices[0], glm::vec3(0.0F, 0.0F, -0.5F));
+  EXPECT_TRUE(point.triangles.empty());
+  EXPECT_THROW(surfaceMesh(-1, 1, 1.0, &value), std::invalid_argument);
+  EXPECT_THROW(surfaceMesh(1, -1, 1.0, &value), std::invalid_argument);
+  EXPECT_THROW(surfaceMesh(1, 1, 1.0, nullptr), std::invalid_argument);
+  EXPECT_THROW(surfaceMesh(1, 1, 0.0, &value), std::invalid_argument);
+  EXPECT_THROW(surfaceMesh(65536, 65536, 1.0, &value), std::invalid_argument);
+}
+
+struct Vertex {
+  glm::dvec3 eye;
+  glm::dvec3 normal;  // eye coordinates
+  double depth;       // 0 to 1
+};
+
+struct Sheet {
+  std::vector<Vertex> vertices;
+  std::vector<std::array<int, 3>> triangles;  // counter-clockwise seen from smaller depth
+};
+
+// The mesh in eye coordinates, from the formulas.
+Sheet sheetOf(const HeightMap& map, const ReferenceCamera& camera, double lower, double upper) {
+  Sheet sheet;
+  const auto height = [&](int column, int row) { return 2.0 * map.at(column, row) / map.scale - 1.0; };
+  const auto slope = [&](int column, int row, int dx, int dy) {
+    const int c0 = std::max(column - dx, 0), c1 = std::min(column + dx, map.width - 1);
+    const int r0 = std::max(row - dy, 0), r1 = std::min(row + dy, map.height - 1);
+    const double run = 2.0 * (c1 - c0) / (map.width - 1) + 2.0 * (r1 - r0) / (map.height - 1);
+    return (height(c1, r1) - height(c0, r0)) / run;
+  };
+  const double low = 2.0 * lower / map.scale - 1.0;
+  const double high = 2.0 * upper / map.scale - 1.0;
+  for (int row = 0; row < map.height; ++row) {
+    for (int column = 0; column < map.width; ++column) {
+      const double z = height(column, row);
+      const glm::dvec3 model((2.0 * column - (map.width - 1)) / (map.width - 1), z,
+                             (2.0 * row - (map.height - 1)) / (map.height - 1));
+      const glm::dvec3 normal(-slope(column, row, 1, 0), 1.0, -slope(column, row, 0, 1));
+      sheet.vertices.push_back({camera.toEye(model),
+                                glm::normalize(glm::transpose(glm::inverse(camera.linear())) * normal),
+                                glm::clamp(((z - low) / (high - low) + 1.0) / 2.0, 0.0, 1.0)});
+    }
+  }
+  for (int row = 0; row + 1 < map.height; ++row) {
+    for (int column = 0; column + 1 < map.width; ++column) {
+      const int a = row * map.width + column, b = a + 1, c = a + map.width, d = c + 1;
+      if (std::abs(map.at(column, row) - map.at(column + 1, row + 1)) <=
+          std::abs(map.at(column + 1, row) - map.at(column, row + 1))) {
+        sheet.triangles.insert(sheet.triangles.end(), {{a, d, b}, {a, c, d}});
+      } else {
+        sheet.triangles.insert(sheet.triangles.end(), {{a, c, b}, {b, c, d}});
+      }
+    }
+  }
+  return sheet;
+}
+
+glm::dvec3 shaded(const std::array<const Vertex*, 3>& corners, const glm::dvec3& weights, bool front,
+                  const std::vector<std::uint32_t>& colors) {
+  glm::dvec3 s(0.0), v(0.0), r(0.0), n(0.0);
+  double depth = 0.0;
+  for (int i = 0; i < 3; ++i) {
+    const Vertex& corner = *corners[static_cast<std::size_t>(i)];
+    const glm::dvec3 light = glm::normalize(glm::dvec3(10, 10, -5) - corner.eye);
+    s += weights[i] * light;
+    v += weights[i] * glm::normalize(-corner.eye);
+    r += weights[i] * (-light - 2.0 * glm::dot(corner.normal, -light) * corner.normal);
+    n += weights[i] * corner.normal;
+    depth += weights[i] * corner.depth;
+  }
+  const glm::dvec3 base(mappedColor(colors, 1.0 - depth));
+  const double diffuse = std::max(glm::dot(s, front ? -n : n), 0.0);
+  const double specular = diffuse > 0.0 ? 0.9 * std::pow(std::max(glm::dot(r, v), 0.0), 3.0) : 0.0;
+  return 0.25 * base + 0.55 * base * diffuse + specular;
+}
+
+Picture referenceSurface(const VolumeScene& scene, const HeightMap& map, double lower, double upper,
+                         const std::vector<std::uint32_t>& colors) {
+  const ReferenceCamera camera(scene);
+  const Sheet sheet = sheetOf(map, camera, lower, upper);
+  Picture picture(scene.viewportWidth, scene.viewportHeight);
+  for (int row = 0; row < scene.viewportHeight; ++row) {
+    for (int column = 0; column < scene.viewportWidth; ++column) {
+      glm::dvec3 color = backgroundColor(scene, row);
+      const auto line = camera.line(column, row);
+      double nearest = 1e9;
+      for (const auto& triangle : sheet.triangles) {
+        std::array<const Vertex*, 3> corners{};
+        for (std::size_t i = 0; i < 3; ++i)
+          corners[i] = &sheet.vertices[static_cast<std::size_t>(triangle[i])];
+        const glm::dvec3 u = corners[1]->eye - corners[0]->eye;
+        const glm::dvec3 w = corners[2]->eye - corners[0]->eye;
+        const glm::dvec3 n = glm::cross(u, w);
+        const double towards = glm::dot(n, line.direction);
+        const double t = glm::dot(n, corners[0]->eye - line.origin) / towards;
+        if (!(t < nearest)) continue;
+        const glm::dvec3 p = line.origin + t * line.direction - corners[0]->eye;
+        const double second = glm::dot(glm::cross(p, w), n) / glm::dot(n, n);
+        const double third = glm::dot(glm::cross(u, p), n) / glm::dot(n, n);
+        if (second < 0.0 || third < 0.0 || second + third > 1.0) continue;
+        nearest = t;
+        color = shaded(corners, {1.0 - second - third, second, third}, towards < 0.0, colors);
+      }
+      setPixel(picture, column, row, color);
+    }
+  }
+  return picture;
+}
+
+class SurfaceImageTest : public testing::Test {
+ protected:
+  SurfaceImageTest() {
+    scene_.viewportWidth = 121;
+    scene_.viewportHeight = 97;
+    scene_.range = {1.2F, 2.0F, 2.6F};
+    scene_.angleX = 30.0;
+    scene_.angleY = -25.0;
+    scene_.volume = testVolume(8, 8, 8);
+    setSurfaceColormap(stage_.renderer, colors_.data(), static_cast<int>(colors_.size()));
+  }
+
+  Picture draw(const HeightMap& map, bool volume = false) {
+    apply(scene_, stage_.renderer);
+    setSurface(stage_.renderer, map.width, map.height, map.scale, map.values.data());
+    setSurfaceDepths(stage_.renderer, lower_, upper_);
+    upload(scene_, stage_.offline);
+    setRenderElements(stage_.renderer, volume, 1);
+    return stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+  }
+
+  VolumeStage stage_;
+  VolumeScene scene_;
+  std::vector<std::uint32_t> colors_ = opaqueColors(48);
+  double lower_ = 30.0;
+  double upper_ = 52.0;
+};
+
+TEST_F(SurfaceImageTest, EqualsTheArithmetic) {
+  const HeightMap map = waves(12, 10);
+  struct Look {
+    double angleX, angleY;
+    bool perspective;
+  };
+  for (const Look look : {Look{30, -25, true}, Look{-35, 160, true}, Look{70, 10, false}, Look{0, 0, true}}) {
+    scene_.angleX = look.angleX;
+    scene_.angleY = look.angleY;
+    scene_.perspective = look.perspective;
+    // A silhouette pixel may fall to the other side; nothing else differs.
+    EXPECT_TRUE(
+        agree(draw(map), referenceSurface(scene_, map, lower_, upper_, colors_), {1, 0.995, 255, 0.5}))
+        << look.angleX << ", " << look.angleY;
+  }
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+TEST_F(SurfaceImageTest, ChangesAreSeenInTheNextFrame) {
+  draw(waves(12, 10));
+  HeightMap flat{2, 2, 4.0, {1.0F, 3.0F, 1.0F, 3.0F}};
+  lower_ = 1.0;
+  upper_ = 3.0;
+  EXPECT_TRUE(
+      agree(draw(flat), referenceSurface(scene_, flat, lower_, upper_, colors_), {1, 0.995, 255, 0.5}));
+  setSurface(stage_.renderer, 0, 0, 1.0, nullptr);
+  const HeightMap none{2, 2, 1.0, std::vector<float>(4, nan)};
+  const Picture empty = stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+  EXPECT_TRUE(agree(draw(none), empty));
+  for (int row = 0; row < empty.height; ++row) {
+    Picture background(1, 1);
+    setPixel(background, 0, 0, backgroundColor(scene_, row));
+    EXPECT_NEAR(empty.pixel(60, row)[0], background.bytes[0], 1);
+  }
+}
+
+TEST_F(SurfaceImageTest, MisuseIsRefusedAndKeepsTheSurface) {
+  const HeightMap map = waves(12, 10);
+  const Picture before = draw(map);
+  setSurface(stage_.renderer, -1, 3, 1.0, map.values.data());
+  EXPECT_EQ(pendingError(), "The size of a surface must not be negative. ");
+  setSurface(stage_.renderer, 3, 3, 1.0, nullptr);
+  EXPECT_EQ(pendingError(), "Surface data must not be null. ");
+  setSurface(stage_.renderer, 3, 3, 0.0, map.values.data());
+  EXPECT_EQ(pendingError(), "The scale of a surface must be a number other than zero. ");
+  EXPECT_TRUE(agree(stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0), before, {0, 1.0, 0}));
+}
+
+// The rays' own depth is that of the box's near side, which must not hide what lies inside.
+TEST_F(SurfaceImageTest, IsSeenInsideTheVolume) {
+  const HeightMap map = waves(12, 10);
+  const Picture alone = draw(map);
+  scene_.coloring = {{0x00000000U, 0x00000000U}, 0.0, 1.0};  // a volume that nobody sees
+  const Picture inside = draw(map, true);
+  EXPECT_TRUE(agree(inside, alone));
+}
+
+TEST_F(SurfaceImageTest, IsUploadedOnceAndFailuresAreReported) {
+  const HeightMap map = waves(12, 10);
+  const Picture before = draw(map);
+  {
+    GlSpy spy;
+    stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+    const int perFrame = spy.calls("glBufferData");
+    stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+    EXPECT_EQ(spy.calls("glBufferData"), 2 * perFrame);
+    setSurface(stage_.renderer, map.width, map.height, map.scale, map.values.data());
+    stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+    EXPECT_EQ(spy.calls("glBufferData"), 3 * perFrame + 3) << "positions, normals and indices";
+  }
+  uninitializeVolumeRenderer(stage_.renderer);
+  initializeVolumeRenderer(stage_.renderer);
+  apply(scene_, stage_.renderer);
+  setSurfaceColormap(stage_.renderer, colors_.data(), static_cast<int>(colors_.size()));
+  setSurfaceDepths(stage_.renderer, lower_, upper_);
+  setRenderElements(stage_.renderer, 0, 1);
+  EXPECT_TRUE(agree(stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0), before, {0, 1.0, 0}))
+      << "the mesh outlives its OpenGL objects";
+}
+
+}  // namespace
+}  // namespace oct::test
