@@ -28,6 +28,12 @@ void Data::resize(std::array<int, 3> sizes, std::array<double, 3> rangesMm) {
   rangesMm_ = rangesMm;
 }
 
+void ComplexData::resize(std::array<int, 3> sizes, std::array<double, 3> rangesMm) {
+  samples_.resize(static_cast<std::size_t>(sizes[0]) * sizes[1] * sizes[2]);
+  sizes_ = sizes;
+  rangesMm_ = rangesMm;
+}
+
 void Data::setRanges(std::array<double, 3> rangesMm) {
   for (const double range : rangesMm)
     if (!(std::isfinite(range) && range >= 0.0))

@@ -5,6 +5,7 @@
 #include "handle_table.h"
 
 #include <array>
+#include <complex>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -13,7 +14,7 @@ namespace oct::simulator {
 
 /// Camera readings of one volume.
 class RawData : public HandleObject {
-public:
+ public:
   static constexpr const char* kName = "raw data";
 
   /// Makes room for a volume; what was stored is lost.
@@ -30,7 +31,7 @@ public:
   std::span<std::uint16_t> spectrum(int index);
   std::span<const std::uint16_t> spectrum(int index) const;
 
-private:
+ private:
   int spectrumLength_ = 0;
   int aScans_ = 0;
   int bScans_ = 0;
@@ -41,7 +42,7 @@ private:
 
 /// A processed volume. Axis 0 is depth, the fastest in memory; then A-scans; then B-scans.
 class Data : public HandleObject {
-public:
+ public:
   static constexpr const char* kName = "data";
 
   /// Makes room for a volume; what was stored is lost.
@@ -54,10 +55,29 @@ public:
   const std::array<double, 3>& rangesMm() const { return rangesMm_; }
   std::vector<float>& samples() { return samples_; }
 
-private:
+ private:
   std::array<int, 3> sizes_{};
   std::array<double, 3> rangesMm_{};
   std::vector<float> samples_;
+};
+
+/// The complex field of a volume, laid out as Data.
+class ComplexData : public HandleObject {
+ public:
+  static constexpr const char* kName = "complex data";
+
+  /// Makes room for a volume; what was stored is lost.
+  void resize(std::array<int, 3> sizes, std::array<double, 3> rangesMm);
+
+  const std::array<int, 3>& sizes() const { return sizes_; }
+  const std::array<double, 3>& rangesMm() const { return rangesMm_; }
+  std::vector<std::complex<float>>& samples() { return samples_; }
+  const std::vector<std::complex<float>>& samples() const { return samples_; }
+
+ private:
+  std::array<int, 3> sizes_{};
+  std::array<double, 3> rangesMm_{};
+  std::vector<std::complex<float>> samples_;
 };
 
 }  // namespace oct::simulator

@@ -2,51 +2,78 @@
 /// The simulated device as a whole.
 #pragma once
 
+#include "analog_input.h"
 #include "calibration.h"
-#include "camera.h"
 #include "data.h"
 #include "handle_table.h"
-#include "interferometer.h"
+#include "motion.h"
+#include "pace.h"
 #include "phantom.h"
 #include "scan_pattern.h"
 #include "spectrometer.h"
+#include "volume_source.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <vector>
 
 namespace oct::simulator {
 
-/// Measures a phantom, volume after volume. The phantom stands still: volumes differ by noise only.
+/// Measures volume after volume, each with its own noise, and keeps the time.
 class Device : public HandleObject {
-public:
+ public:
   static constexpr const char* kName = "device";
 
-  Device(const Spectrometer& spectrometer, std::shared_ptr<const Phantom> phantom, std::uint64_t seed);
+  Device(std::unique_ptr<VolumeSource> source, std::uint64_t seed);
 
-  const Spectrometer& spectrometer() const { return spectrometer_; }
+  /// A device that looks at a phantom.
+  Device(const Spectrometer& spectrometer, std::shared_ptr<const Phantom> phantom, std::uint64_t seed,
+         int cameras = 1);
+
+  int spectrumLength() const { return source_->spectrumLength(); }
+  double depthRangeMm() const { return source_->depthRangeMm(); }
+  int cameras() const { return source_->cameras(); }
 
   /// What a processing needs to know to turn this device's spectra into a picture.
-  Calibration calibration() const;
+  Calibration calibration() const { return source_->calibration(); }
+
+  /// Holds from the next volume on.
+  void setMotion(const Motion& motion);
+
+  /// Holds from the next start() on.
+  void setPace(const Pace& pace);
 
   void start(const ScanPattern& pattern, int mode);
 
   /// Ends the measurement, if there is one; acquire() of another thread then gives up.
   void stop();
 
-  /// Measures the next volume.
+  /// Measures the next volume, or reads the one that another camera was read of last.
   /// @param workers number of threads, 0 for one per core; the volume does not depend on it
   void acquire(RawData& raw, int camera, int workers = 0);
 
-private:
-  Spectrometer spectrometer_;
-  Interferometer interferometer_;
-  Camera camera_;
-  std::mutex mutex_;
+  /// Reads the analog input of the volume that was measured last.
+  void readAnalogInput(Data& data);
+
+ private:
+  Exposure nextExposure(int camera, std::uint64_t& stops);
+  void waitFor(std::uint64_t volume, std::uint64_t stops);
+
+  std::unique_ptr<VolumeSource> source_;
+  AnalogInput analogInput_;
+  std::mutex exposing_;  // held while the source works
+  std::mutex mutex_;     // guards everything below
+  std::condition_variable stopped_;
   std::optional<ScanPattern> pattern_;
-  std::uint64_t volumes_ = 0;
+  Motion motion_;
+  Pace pace_;
+  std::optional<PacedMeasurement> measurement_;
+  std::vector<std::int64_t> lastVolumes_;  // per camera, -1 before the first
+  std::optional<Exposure> lastExposure_;
   std::atomic<std::uint64_t> stops_ = 0;
 };
 

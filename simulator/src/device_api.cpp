@@ -4,9 +4,10 @@
 
 #include "data.h"
 #include "device.h"
-#include "library.h"
+#include "device_call.h"
 #include "processing.h"
 #include "scan_pattern.h"
+#include "surface.h"
 
 #include <limits>
 #include <stdexcept>
@@ -36,95 +37,183 @@ int sizeOf(const Data& data, int property) {
 }  // namespace
 
 int getDevicePropertyInt(OCTDeviceHandle device, int property) {
-  return framed("getDevicePropertyInt", [&](HandleTable& handles) {
-    const auto object = handles.find<Device>(device);
-    if (property != OCT_DEVICE_SPECTRUM_LENGTH) throw std::invalid_argument("Unknown property. ");
-    return object->spectrometer().spectrumLength();
-  });
+  return deviceCall(
+      "getDevicePropertyInt",
+      [&](HandleTable& handles) {
+        const auto object = handles.find<Device>(device);
+        if (property != OCT_DEVICE_SPECTRUM_LENGTH) throw std::invalid_argument("Unknown property. ");
+        return object->spectrumLength();
+      },
+      device, property);
 }
 
 double getDevicePropertyFloat(OCTDeviceHandle device, int property) {
-  return framed("getDevicePropertyFloat", [&](HandleTable& handles) {
-    const auto object = handles.find<Device>(device);
-    if (property != OCT_DEVICE_DEPTH_RANGE) throw std::invalid_argument("Unknown property. ");
-    return object->spectrometer().depthRangeMm();
-  });
+  return deviceCall(
+      "getDevicePropertyFloat",
+      [&](HandleTable& handles) {
+        const auto object = handles.find<Device>(device);
+        if (property != OCT_DEVICE_DEPTH_RANGE) throw std::invalid_argument("Unknown property. ");
+        return object->depthRangeMm();
+      },
+      device, property);
 }
 
 RawDataHandle createRawData(void) {
-  return framed("createRawData", [](HandleTable& handles) {
+  return deviceCall("createRawData", [](HandleTable& handles) {
     return static_cast<RawDataHandle>(handles.add(std::make_shared<RawData>()));
   });
 }
 
 void clearRawData(RawDataHandle raw) {
-  framed("clearRawData", [&](HandleTable& handles) { handles.remove<RawData>(raw); });
+  deviceCall(
+      "clearRawData", [&](HandleTable& handles) { handles.remove<RawData>(raw); }, raw);
 }
 
 DataHandle createData(void) {
-  return framed("createData", [](HandleTable& handles) {
+  return deviceCall("createData", [](HandleTable& handles) {
     return static_cast<DataHandle>(handles.add(std::make_shared<Data>()));
   });
 }
 
 void clearData(DataHandle data) {
-  framed("clearData", [&](HandleTable& handles) { handles.remove<Data>(data); });
+  deviceCall(
+      "clearData", [&](HandleTable& handles) { handles.remove<Data>(data); }, data);
 }
 
 void startMeasurement(OCTDeviceHandle device, ScanPatternHandle pattern, int mode) {
-  framed("startMeasurement", [&](HandleTable& handles) {
-    handles.find<Device>(device)->start(*handles.find<ScanPattern>(pattern), mode);
-  });
+  deviceCall(
+      "startMeasurement",
+      [&](HandleTable& handles) {
+        handles.find<Device>(device)->start(*handles.find<ScanPattern>(pattern), mode);
+      },
+      device, pattern, mode);
 }
 
 void stopMeasurement(OCTDeviceHandle device) {
-  framed("stopMeasurement", [&](HandleTable& handles) { handles.find<Device>(device)->stop(); });
+  deviceCall(
+      "stopMeasurement", [&](HandleTable& handles) { handles.find<Device>(device)->stop(); }, device);
 }
 
-int isError(void) { return Library::instance().error.isSet() ? 1 : 0; }
+int isError(void) {
+  auto& library = Library::instance();
+  if (library.record.isEnabled()) library.record.add("isError()");
+  return library.error.isSet() ? 1 : 0;
+}
 
-int getError(char* buffer, int size) { return Library::instance().error.take(buffer, size) ? 1 : 0; }
+int getError(char* buffer, int size) {
+  auto& library = Library::instance();
+  if (library.record.isEnabled())
+    library.record.add(std::string("getError(").append(recordText(size)).append(")"));
+  return library.error.take(buffer, size) ? 1 : 0;
+}
 
 void getRawDataEx(OCTDeviceHandle device, RawDataHandle raw, int camera) {
-  framed("getRawDataEx", [&](HandleTable& handles) {
-    handles.find<Device>(device)->acquire(*handles.find<RawData>(raw), camera);
-  });
+  deviceCall(
+      "getRawDataEx",
+      [&](HandleTable& handles) {
+        handles.find<Device>(device)->acquire(*handles.find<RawData>(raw), camera);
+      },
+      device, raw, camera);
 }
 
 void setProcessedDataOutput(ProcessingHandle processing, DataHandle data) {
-  framed("setProcessedDataOutput", [&](HandleTable& handles) {
-    handles.find<Processing>(processing)->setOutput(handles.find<Data>(data));
-  });
+  deviceCall(
+      "setProcessedDataOutput",
+      [&](HandleTable& handles) {
+        handles.find<Processing>(processing)->setOutput(handles.find<Data>(data));
+      },
+      processing, data);
 }
 
 void executeProcessing(ProcessingHandle processing, RawDataHandle raw) {
-  framed("executeProcessing", [&](HandleTable& handles) {
-    handles.find<Processing>(processing)->execute(*handles.find<RawData>(raw));
-  });
+  deviceCall(
+      "executeProcessing",
+      [&](HandleTable& handles) {
+        handles.find<Processing>(processing)->execute(*handles.find<RawData>(raw));
+      },
+      processing, raw);
 }
 
 int getDataPropertyInt(DataHandle data, int property) {
-  return framed("getDataPropertyInt",
-                [&](HandleTable& handles) { return sizeOf(*handles.find<Data>(data), property); });
+  return deviceCall(
+      "getDataPropertyInt", [&](HandleTable& handles) { return sizeOf(*handles.find<Data>(data), property); },
+      data, property);
 }
 
 double getDataPropertyFloat(DataHandle data, int property) {
-  return framed("getDataPropertyFloat", [&](HandleTable& handles) {
-    const auto object = handles.find<Data>(data);
-    if (property < OCT_DATA_RANGE_1 || property > OCT_DATA_RANGE_3)
-      throw std::invalid_argument("Unknown property. ");
-    return object->rangesMm()[property - OCT_DATA_RANGE_1];
-  });
+  return deviceCall(
+      "getDataPropertyFloat",
+      [&](HandleTable& handles) {
+        const auto object = handles.find<Data>(data);
+        if (property < OCT_DATA_RANGE_1 || property > OCT_DATA_RANGE_3)
+          throw std::invalid_argument("Unknown property. ");
+        return object->rangesMm()[property - OCT_DATA_RANGE_1];
+      },
+      data, property);
 }
 
 void setDataRange(DataHandle data, double range1, double range2, double range3) {
-  framed("setDataRange",
-         [&](HandleTable& handles) { handles.find<Data>(data)->setRanges({range1, range2, range3}); });
+  deviceCall(
+      "setDataRange",
+      [&](HandleTable& handles) {
+        handles.find<Data>(data)->setRanges({range1, range2, range3});
+      },
+      data, range1, range2, range3);
 }
 
 float* getDataPtr(DataHandle data) {
-  return framed("getDataPtr", [&](HandleTable& handles) -> float* {
-    auto& samples = handles.find<Data>(data)->samples();
-    return samples.empty() ? nullptr : samples.data();
+  return deviceCall(
+      "getDataPtr",
+      [&](HandleTable& handles) -> float* {
+        auto& samples = handles.find<Data>(data)->samples();
+        return samples.empty() ? nullptr : samples.data();
+      },
+      data);
+}
+
+ComplexDataHandle createComplexData(void) {
+  return deviceCall("createComplexData", [](HandleTable& handles) {
+    return static_cast<ComplexDataHandle>(handles.add(std::make_shared<ComplexData>()));
   });
+}
+
+void clearComplexData(ComplexDataHandle data) {
+  deviceCall(
+      "clearComplexData", [&](HandleTable& handles) { handles.remove<ComplexData>(data); }, data);
+}
+
+void setComplexDataOutput(ProcessingHandle processing, ComplexDataHandle data) {
+  deviceCall(
+      "setComplexDataOutput",
+      [&](HandleTable& handles) {
+        handles.find<Processing>(processing)->setOutput(handles.find<ComplexData>(data));
+      },
+      processing, data);
+}
+
+void getAnalogInputData(OCTDeviceHandle device, DataHandle data) {
+  deviceCall(
+      "getAnalogInputData",
+      [&](HandleTable& handles) { handles.find<Device>(device)->readAnalogInput(*handles.find<Data>(data)); },
+      device, data);
+}
+
+void determineSurface(DataHandle volume, DataHandle surface) {
+  deviceCall(
+      "determineSurface",
+      [&](HandleTable& handles) { findSurface(*handles.find<Data>(volume), *handles.find<Data>(surface)); },
+      volume, surface);
+}
+
+double getRelativeReferenceIntensity(OCTDeviceHandle device, ProcessingHandle processing) {
+  return deviceCall(
+      "getRelativeReferenceIntensity",
+      [&](HandleTable& handles) {
+        const auto length = handles.find<Device>(device)->spectrumLength();
+        const auto object = handles.find<Processing>(processing);
+        if (object->spectrumLength() != length)
+          throw std::invalid_argument("The processing is for devices with another spectrum length. ");
+        return object->referenceIntensity();
+      },
+      device, processing);
 }

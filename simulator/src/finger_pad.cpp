@@ -24,6 +24,11 @@ constexpr Tissue kJunction{0.17, 1.8};
 constexpr Tissue kDermis{0.11, 3.0};
 constexpr Tissue kBlood{0.035, 4.0};
 
+/// Collagen of the dermis: retardation in radians per geometric millimetre, passing once, and the part of
+/// scattered light that loses its polarization.
+constexpr double kCollagenRetardance = 5.0;
+constexpr float kCollagenDepolarization = 0.1f;
+
 /// Thickness of a vessel's wall, in millimetres.
 constexpr double kWall = 0.015;
 
@@ -93,7 +98,9 @@ FingerPad::Borders FingerPad::borders(double xMm, double yMm) const {
   return {surface, hornyLayerEnd, hornyLayerEnd + std::max(epidermis, 0.03)};
 }
 
-double FingerPad::surfaceMm(double xMm, double yMm) const { return borders(xMm, yMm).surface; }
+double FingerPad::surfaceMm(double xMm, double yMm) const {
+  return borders(xMm, yMm).surface;
+}
 
 void FingerPad::describe(double xMm, double yMm, double cellMm, DepthProfile& profile) const {
   const auto border = borders(xMm, yMm);
@@ -118,6 +125,9 @@ void FingerPad::describe(double xMm, double yMm, double cellMm, DepthProfile& pr
       const double axis = border.epidermisEnd + vessel.depth;
       lumens.push_back({axis - half, axis + half});
     }
+
+  // Bundles of collagen run their own way every millimetre or so.
+  const double collagenAxis = std::numbers::pi * smoothNoise(mix(seed_, 5), xMm / 1.1, yMm / 1.1);
 
   double passed = 1.0;
   const int cells = static_cast<int>(profile.scattering.size());
@@ -149,6 +159,12 @@ void FingerPad::describe(double xMm, double yMm, double cellMm, DepthProfile& pr
     if (duct && depth < border.epidermisEnd)
       scattering += ductScattering(*duct, xMm, yMm, depth, border.hornyLayerEnd);
     profile.scattering[m] = static_cast<float>(scattering * passed);
+    if (profile.isPolarized() && depth >= border.epidermisEnd) {
+      auto& polarization = profile.polarization;
+      polarization.retardance[m] = static_cast<float>(kCollagenRetardance * cellMm / kRefractiveIndex);
+      polarization.axis[m] = static_cast<float>(collagenAxis);
+      polarization.depolarization[m] = kCollagenDepolarization;
+    }
     passed /= 1.0 + loss * cellMm / kRefractiveIndex;
   }
 }

@@ -2,12 +2,15 @@
 /// Light from the phantom meets light from the reference arm.
 #pragma once
 
+#include "beam_place.h"
 #include "fourier.h"
 #include "phantom.h"
+#include "polarization.h"
 #include "resampler.h"
 #include "scatter_field.h"
 #include "spectrometer.h"
 
+#include <array>
 #include <complex>
 #include <cstdint>
 #include <memory>
@@ -16,20 +19,23 @@
 
 namespace oct::simulator {
 
-/// Computes spectral interferograms without noise. Used by several threads at once, each with its own
-/// Scratch.
+/// Computes spectral interferograms without noise. One sensor sees all the light; of two, each sees one
+/// circular polarization, and the beam that goes to the phantom is circularly polarized. Used by several
+/// threads at once, each with its own Scratch.
 class Interferometer {
-public:
+ public:
   /// Working memory of one thread.
   class Scratch {
-  public:
-    explicit Scratch(int spectrumLength);
+   public:
+    Scratch(int spectrumLength, int sensors);
 
-  private:
+   private:
     friend class Interferometer;
     Fourier fourier_;
     DepthProfile profile_;
+    std::vector<PolarizedLight> polarizations_;
     std::vector<std::complex<float>> scatterers_;
+    std::array<std::vector<std::complex<float>>, 2> strays_;
     std::vector<std::complex<float>> depths_;
     std::vector<std::complex<float>> evenWaves_;
     std::vector<std::complex<float>> waves_;
@@ -38,11 +44,18 @@ public:
   Interferometer(const Spectrometer& spectrometer, std::shared_ptr<const Phantom> phantom,
                  std::uint64_t seed);
 
-  /// @param light receives one value per camera pixel, relative to the brightest light of the reference arm
-  void measure(double xMm, double yMm, Scratch& scratch, std::span<float> light) const;
+  /// @param place what the beam hits
+  /// @param light one row per sensor that receives one value per camera pixel, relative to the brightest
+  ///        light of the reference arm
+  void measure(const BeamPlace& place, Scratch& scratch, std::span<const std::span<float>> light) const;
 
-private:
-  void addReflector(const Reflector& reflector, std::vector<std::complex<float>>& evenWaves) const;
+ private:
+  void describe(const BeamPlace& place, Scratch& scratch) const;
+  void interfere(int sensor, const BeamPlace& place, Scratch& scratch, std::span<float> light) const;
+  std::complex<float> weight(const Scratch& scratch, int sensor, int cell) const;
+  void addReflector(const Reflector& reflector, std::complex<float> weight,
+                    std::vector<std::complex<float>>& evenWaves) const;
+  void moveDeeper(double distanceMm, std::vector<std::complex<float>>& evenWaves) const;
 
   int spectrumLength_;
   double depthStepMm_;

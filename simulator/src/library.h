@@ -1,7 +1,9 @@
 /// @file
-/// What the C functions share: the handles, the pending error, and the frame around every call.
+/// What the C functions share: the handles, the pending error, the script of failures, the record of calls,
+/// and the frame around every call.
 #pragma once
 
+#include "call_script.h"
 #include "handle_table.h"
 #include "pending_error.h"
 
@@ -15,6 +17,8 @@ namespace oct::simulator {
 struct Library {
   HandleTable handles;
   PendingError error;
+  FailureScript failures;
+  CallRecord record;
 
   static Library& instance();
 };

@@ -1,5 +1,6 @@
 #include "processing.h"
 
+#include "camera.h"
 #include "fourier.h"
 #include "parallel.h"
 
@@ -29,6 +30,7 @@ Processing::Processing(const Calibration& calibration)
   if (calibration.compensationPhase.size() != calibration.wavenumberPositions.size() ||
       calibration.background.size() != calibration.wavenumberPositions.size())
     throw std::invalid_argument("The sequences of a calibration differ in length. ");
+  referenceIntensity_ = *std::ranges::max_element(background_) / Camera::kLargestCount;
   const auto places = invertPositions(calibration.wavenumberPositions);
   const auto phase = readLinear(calibration.compensationPhase, places);
   for (int i = 0; i < spectrumLength_; ++i) {
@@ -40,15 +42,21 @@ Processing::Processing(const Calibration& calibration)
 
 void Processing::execute(const RawData& raw, int workers) {
   const auto output = output_.lock();
-  if (!output) throw std::logic_error("No output was set, or it was cleared. ");
+  const auto complexOutput = complexOutput_.lock();
+  if (!output && !complexOutput) throw std::logic_error("No output was set, or it was cleared. ");
   if (raw.empty()) throw std::invalid_argument("The raw data is empty. ");
   if (raw.spectrumLength() != spectrumLength_)
     throw std::invalid_argument("The raw data comes from a device with another spectrum length. ");
 
   const int depths = spectrumLength_ / 2;
-  output->resize({depths, raw.aScans(), raw.bScans()}, {depthRangeMm_, raw.widthMm(), raw.lengthMm()});
-  float* const samples = output->samples().data();
+  const std::array sizes{depths, raw.aScans(), raw.bScans()};
+  const std::array ranges{depthRangeMm_, raw.widthMm(), raw.lengthMm()};
+  if (output) output->resize(sizes, ranges);
+  if (complexOutput) complexOutput->resize(sizes, ranges);
+  float* const samples = output ? output->samples().data() : nullptr;
+  std::complex<float>* const fields = complexOutput ? complexOutput->samples().data() : nullptr;
   const auto means = backgrounds(raw, workers);
+  referenceIntensity_ = *std::ranges::max_element(means) / Camera::kLargestCount;
 
   parallelRanges(raw.aScans() * raw.bScans(), workers, [&](int begin, int end) {
     Fourier fourier(spectrumLength_);
@@ -63,9 +71,11 @@ void Processing::execute(const RawData& raw, int workers) {
       toEvenWavenumbers_.apply(signal.data(), even.data());
       for (int i = 0; i < spectrumLength_; ++i) waves[i] = even[i] * weights_[i];
       fourier.forward(waves.data(), field.data());
-      float* const column = samples + static_cast<std::size_t>(index) * depths;
+      const std::size_t first = static_cast<std::size_t>(index) * depths;
+      if (fields) std::copy_n(field.begin(), depths, fields + first);
+      if (!samples) continue;
       for (int i = 0; i < depths; ++i)
-        column[i] = 10.0f * std::log10(std::max(std::norm(field[i]), kLeastPower));
+        samples[first + i] = 10.0f * std::log10(std::max(std::norm(field[i]), kLeastPower));
     }
   });
 }

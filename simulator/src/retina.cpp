@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace oct::simulator {
 namespace {
@@ -18,24 +19,31 @@ struct Tissue {
 };
 
 constexpr std::array<Tissue, Retina::kLayerCount> kTissues{{
-    {0.150, 2.0},  // nerve fibres
-    {0.055, 0.6},  // ganglion cells
-    {0.085, 0.6},  // inner plexiform
-    {0.036, 0.5},  // inner nuclear
-    {0.075, 0.5},  // outer plexiform
-    {0.020, 0.4},  // outer nuclear
-    {0.070, 0.4},  // outer limiting membrane
-    {0.030, 0.4},  // inner segments
-    {0.230, 1.0},  // junction of inner and outer segments
-    {0.075, 0.6},  // outer segments
+    {0.150, 2.0},   // nerve fibres
+    {0.055, 0.6},   // ganglion cells
+    {0.085, 0.6},   // inner plexiform
+    {0.036, 0.5},   // inner nuclear
+    {0.075, 0.5},   // outer plexiform
+    {0.020, 0.4},   // outer nuclear
+    {0.070, 0.4},   // outer limiting membrane
+    {0.030, 0.4},   // inner segments
+    {0.230, 1.0},   // junction of inner and outer segments
+    {0.075, 0.6},   // outer segments
     {0.300, 12.0},  // pigment epithelium
-    {0.170, 5.0},  // choriocapillaris
-    {0.130, 5.0},  // choroid
+    {0.170, 5.0},   // choriocapillaris
+    {0.130, 5.0},   // choroid
 }};
 
 constexpr Tissue kSclera{0.11, 6.0};
 constexpr Tissue kVitreous{0.002, 0.0};
 constexpr double kChoroidVessel = 0.05;
+
+/// Retardation in radians per geometric millimetre, passing once.
+constexpr double kFibreRetardance = 2.2;
+constexpr double kScleraRetardance = 9.0;
+
+/// Grains of pigment destroy the polarization of nearly all light they scatter.
+constexpr float kPigmentDepolarization = 0.9f;
 
 /// Part of the amplitude that a retinal vessel lets pass.
 constexpr double kVesselShadow = 0.3;
@@ -120,6 +128,10 @@ void Retina::describe(double xMm, double yMm, double cellMm, DepthProfile& profi
       vesselBottom = axis + kRefractiveIndex * half;
     }
 
+  // Fibres run in arches around the fovea, those of the sclera every way.
+  const double fibreAxis = std::atan2(yMm, xMm);
+  const double scleraAxis = std::numbers::pi * smoothNoise(mix(seed_, 62), xMm / 0.9, yMm / 0.9);
+
   double passed = 1.0;
   int layer = -1;  // -1: vitreous body
   const int cells = static_cast<int>(profile.scattering.size());
@@ -139,6 +151,15 @@ void Retina::describe(double xMm, double yMm, double cellMm, DepthProfile& profi
       tissue.loss = -std::log(kVesselShadow) * kRefractiveIndex / (vesselBottom - vesselTop);
     }
     profile.scattering[m] = static_cast<float>(tissue.scattering * passed);
+    if (profile.isPolarized()) {
+      auto& polarization = profile.polarization;
+      const double rate = layer == kNerveFibres  ? kFibreRetardance
+                          : layer == kLayerCount ? kScleraRetardance
+                                                 : 0;
+      polarization.retardance[m] = static_cast<float>(rate * cellMm / kRefractiveIndex);
+      polarization.axis[m] = static_cast<float>(layer == kNerveFibres ? fibreAxis : scleraAxis);
+      polarization.depolarization[m] = layer == kPigmentEpithelium ? kPigmentDepolarization : 0.0f;
+    }
     passed /= 1.0 + tissue.loss * cellMm / kRefractiveIndex;
   }
 }

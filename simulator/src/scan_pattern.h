@@ -9,7 +9,7 @@ namespace oct::simulator {
 /// A grid of A-scans around lateral position (0, 0). Every A-scan stands for the middle of its own piece of
 /// the field, so that the outermost lie half a distance inside the edge.
 class ScanPattern : public HandleObject {
-public:
+ public:
   static constexpr const char* kName = "scan pattern";
 
   ScanPattern(int aScans, int bScans, double widthMm, double lengthMm);
@@ -25,7 +25,12 @@ public:
   /// Position of a B-scan.
   double yMm(int bScan) const { return ((bScan + 0.5) / bScans_ - 0.5) * lengthMm_; }
 
-private:
+  bool operator==(const ScanPattern& other) const {
+    return aScans_ == other.aScans_ && bScans_ == other.bScans_ && widthMm_ == other.widthMm_ &&
+           lengthMm_ == other.lengthMm_;
+  }
+
+ private:
   int aScans_;
   int bScans_;
   double widthMm_;

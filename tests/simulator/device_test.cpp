@@ -2,6 +2,7 @@
 
 #include "measurement.h"
 
+#include "camera.h"
 #include "finger_pad.h"
 #include "mirror.h"
 #include "retina.h"
@@ -16,7 +17,9 @@
 namespace oct::simulator::test {
 namespace {
 
-Spectrometer smallSpectrometer() { return Spectrometer(512, 1300.0, 3.6); }
+Spectrometer smallSpectrometer() {
+  return Spectrometer(512, 1300.0, 3.6);
+}
 
 std::unique_ptr<Device> fingerDevice(std::uint64_t seed) {
   return std::make_unique<Device>(smallSpectrometer(), std::make_shared<FingerPad>(seed), seed);
@@ -120,7 +123,7 @@ TEST(Camera, SaturatesAtTwelveBits) {
 
 /// Stops the measurement from within, at its tenth A-scan.
 class StoppingPhantom : public Phantom {
-public:
+ public:
   void describe(double, double, double, DepthProfile&) const override {
     if (++seen == 10) device->stop();
   }

@@ -28,4 +28,10 @@ typedef struct OctRawData* RawDataHandle;
 /** A processed volume of 32-bit floats with its sizes and physical ranges. */
 typedef struct OctData* DataHandle;
 
+/** A processed volume of complex numbers: amplitude and phase of the light. */
+typedef struct OctComplexData* ComplexDataHandle;
+
+/** The computation of polarization quantities from the light of two sensors. */
+typedef struct OctPolarizationProcessing* PolarizationProcessingHandle;
+
 #endif
