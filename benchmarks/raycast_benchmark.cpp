@@ -17,34 +17,15 @@
 #include "gl/texture_3d.h"
 #include "literal_raycasting.h"
 #include "oct_rendering/oct_rendering.h"
+#include "raycast_phantom.h"
 #include "shaders.h"
 #include "volume/raycaster.h"
 
 namespace {
 
-constexpr int voxels = 256;
-constexpr int pixels = 512;
-
-// A layered, scattering sample below air: a third of it is above the lower boundary.
-std::vector<float> phantom() {
-  std::vector<float> data;
-  data.reserve(std::size_t{voxels} * voxels * voxels);
-  for (int w = 0; w < voxels; ++w) {
-    for (int v = 0; v < voxels; ++v) {
-      const double surface = 70.0 + 20.0 * std::sin(v * 0.03) * std::cos(w * 0.02);
-      for (int u = 0; u < voxels; ++u) {
-        const double below = u - surface;
-        const double layers =
-            below < 0.0 ? 0.05 : 0.75 * std::exp(-below / 90.0) * (0.7 + 0.3 * std::sin(below * 0.15));
-        const unsigned hash = (static_cast<unsigned>(u) * 73856093U ^ static_cast<unsigned>(v) * 19349663U ^
-                               static_cast<unsigned>(w) * 83492791U) *
-                              2654435761U;
-        data.push_back(static_cast<float>(layers * (0.6 + 0.4 * (hash >> 24U) / 255.0)));
-      }
-    }
-  }
-  return data;
-}
+using oct::benchmark_scene::phantom;
+using oct::benchmark_scene::pixels;
+using oct::benchmark_scene::voxels;
 
 oct::Colormap ramp(double opacity, double power) {
   oct::Colormap colors;
@@ -79,15 +60,15 @@ class Scene {
  public:
   Scene(int mode, bool halfFloat) : mode_(mode) {
     settings_.volumeMode = mode == 3 ? oct::VolumeMode::normal : static_cast<oct::VolumeMode>(mode);
-    settings_.view.angleX = 25.0F;
-    settings_.view.angleY = -35.0F;
+    settings_.view.angleX = static_cast<float>(oct::benchmark_scene::angleX);
+    settings_.view.angleY = static_cast<float>(oct::benchmark_scene::angleY);
     settings_.renderVolume = true;
     const std::vector<float> data = phantom();
     volume_.allocate({voxels, voxels, voxels}, halfFloat ? GL_R16F : GL_R32F, "phantom", data.data());
     source_.volume = volume_.get();
     colormaps_.create();
     colormaps_.find(oct::ColormapRole::main)->setColors(mode == 3 ? ramp(1.0, 1.0) : ramp(0.12, 2.0));
-    colormaps_.find(oct::ColormapRole::main)->setBoundaries(0.15, 0.8);
+    colormaps_.find(oct::ColormapRole::main)->setBoundaries(oct::benchmark_scene::lowerValue, oct::benchmark_scene::upperValue);
     colormaps_.uploadChanged();
     ours_.loadRaycasting();
     plain_.raycastingBack.load("raycasting_back_program", oct::shaders::raycasting_back_vert,
