@@ -62,6 +62,9 @@ class ControlLoopApiGLTest : public LoopGLTest {
  protected:
   void SetUp() override {
     LoopGLTest::SetUp();
+    // The first request of the process opens the trace, if its folder is there.
+    std::error_code ignored;
+    std::filesystem::create_directories(std::filesystem::path(renderTraceFile()).parent_path(), ignored);
     sharing = GetParam();
     drawn = &drawn_;
     pictures = &pictures_;

@@ -104,10 +104,7 @@ TEST_F(HostBufferGLTest, AFailedResizeIsRepairedByTheNext) {
     EXPECT_EQ(buffer_.width(), 0U);
   }
   spy.failNext("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
-  const std::string text = logOf([&] { EXPECT_THROW(buffer_.resize(6, 6), std::runtime_error); });
-  EXPECT_NE(text.find("An error occured when creating render target: GL_FRAMEBUFFER_UNSUPPORTED"),
-            std::string::npos)
-      << text;
+  EXPECT_THROW(buffer_.resize(6, 6), std::runtime_error);
   while (glGetError() != GL_NO_ERROR) {
   }
   buffer_.resize(6, 6);

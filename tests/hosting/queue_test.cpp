@@ -9,7 +9,6 @@
 #include "hosting/request_queue.h"
 #include "hosting/return_map.h"
 #include "hosting/visitors.h"
-#include "support/test_context.h"
 
 namespace oct::test {
 namespace {
@@ -159,12 +158,6 @@ TEST(FunctorTest, ImageReadyPassesEverythingOn) {
   ready.set_enabled(false);
   ready(9, 9, 9, nullptr);
   EXPECT_EQ(seen[0], 1U);
-}
-
-TEST(FunctorTest, ImageReadyWithoutFunctionWarns) {
-  const std::string text = logOf([] { ImageReadyCallback{nullptr}(1, 2, 3, nullptr); });
-  EXPECT_NE(text.find("Warning: returning image withoug callback being specified. \n"), std::string::npos)
-      << text;
 }
 
 }  // namespace
