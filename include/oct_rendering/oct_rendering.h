@@ -651,7 +651,7 @@ OCT_API void unlockBuffer(OpenGLControlLoopHandle Handle);
 /**
  * @brief Draws a coloured triangle into the current context, turned one degree further at every call.
  * @par Errors
- * "No OpenGL context is current on the calling thread. "
+ * "No OpenGL context is current on the calling thread. "; "Could not load OpenGL. "
  * @thread A thread with an OpenGL context current that has the fixed-function pipeline.
  */
 OCT_API void glRenderTestImage(void);

@@ -118,7 +118,7 @@ TEST_F(TestImageGLTest, TenCallsTurnItByTenDegrees) {
   writePng(eleventh, "test_image_eleventh.png");
 }
 
-TEST(TestImageTest, NeedsAContext) {
+TEST_F(TestImageGLTest, NeedsAContext) {
   std::thread([] {
     glRenderTestImage();
     EXPECT_EQ(pendingError(), "No OpenGL context is current on the calling thread. ");
