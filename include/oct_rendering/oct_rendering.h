@@ -598,7 +598,8 @@ OCT_API void setRenderingMode(VolumeRendererHandle Handle, int Mode);
 OCT_API void setVolumeMode(VolumeRendererHandle Handle, int Mode);
 
 /**
- * @brief Chooses the slices of the sectional view. At the start all are shown, through the middle.
+ * @brief Chooses the slices of the sectional view. At the start all are shown, through the middle. Where the colour map
+ *        is translucent, what lies behind a slice shines through.
  * @param Handle The renderer.
  * @param Show1 Non-zero shows the slice across model x (the volume's second axis).
  * @param Position1 Its position along that axis, 0 to 1.
@@ -640,17 +641,20 @@ OCT_API void fixClipPlane(VolumeRendererHandle Handle, int Fix);
 /**
  * @brief Chooses what is drawn around the volume. At the start everything is.
  * @param Handle The renderer.
- * @param ScaleMarks Non-zero draws scale marks with labels.
+ * @param ScaleMarks Non-zero draws scale marks with labels: one edge per axis, in millimetres, as setRange() gives the
+ *                   box's extent. Labels keep their size in pixels, a fortieth of the viewport's height (14 to 64).
  * @param Edges Non-zero draws the edges of the box.
- * @param Box Non-zero draws the translucent faces of the box.
+ * @param Box Non-zero draws the translucent faces of the box, with the volume only.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. "
+ * "The specified VolumeRendererHandle is invalid. ". Where the machine has no font, every frame with scale marks is
+ * drawn without labels and reports "No font was found for text labels. "
  * @thread Any thread; waits while a frame is being drawn.
  */
 OCT_API void setBorder(VolumeRendererHandle Handle, int ScaleMarks, int Edges, int Box);
 
 /**
- * @brief Marks the part of the box that the clip plane cuts away.
+ * @brief Shows the part of the box that the clip plane cuts away as a ghost: its faces, translucent, in the foreground
+ *        colour.
  * @param Handle The renderer.
  * @param Remove Non-zero: on; 0 (the start): off.
  * @par Errors
@@ -782,14 +786,18 @@ OCT_API void setOverlayRendererColoringBoundaries(VolumeRendererHandle Handle, d
 OCT_API void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index);
 
 /**
- * @brief Sets the surface, a height map over the two lateral axes.
+ * @brief Sets the surface, a height map over the two lateral axes. It is drawn over the ray-cast volume, and hides or
+ *        is hidden by slices as it lies.
  * @param Handle The renderer.
- * @param Width Number of samples along the first lateral axis.
+ * @param Width Number of samples along the first lateral axis. 0 samples take the surface away.
  * @param Height Number of samples along the second lateral axis.
  * @param Scale Depth of the whole box in the unit of @p Values.
- * @param Values Width * Height floats, row by row: the depth of each sample; copied before the call returns.
+ * @param Values Width * Height floats, row by row: the depth of each sample; copied before the call returns. A sample
+ *               that is not finite leaves a hole.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. "; the sizes, the scale or the data are not valid.
+ * "The specified VolumeRendererHandle is invalid. "; "The size of a surface must not be negative. "; "Surface data
+ * must not be null. "; "The scale of a surface must be a number other than zero. "; "The surface has too many
+ * samples. "
  * @thread Any thread; waits while a frame is being drawn.
  */
 OCT_API void setSurface(VolumeRendererHandle Handle, int Width, int Height, double Scale, const float* Values);

@@ -259,8 +259,8 @@ int TickStep::decimals() const {
 }
 
 MarkStyle MarkStyle::forFont(int height) {
-  const float unit = static_cast<float>(height);
-  return {0.4F * unit, 0.2F * unit, 0.25F * unit, 0.25F * unit};
+  const float em = static_cast<float>(height);
+  return {0.4F * em, 0.2F * em, 0.25F * em, 0.25F * em};
 }
 
 ScaleMarks scaleMarks(const Camera& camera, const glm::vec3& extent, const MarkStyle& style,
