@@ -15,4 +15,12 @@ inline void resetPixelUnpack() {
   glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
 }
 
+// Makes read-backs write tightly packed rows. The pack buffer is the caller's to choose.
+inline void resetPixelPack() {
+  glPixelStorei(GL_PACK_ALIGNMENT, 4);
+  glPixelStorei(GL_PACK_ROW_LENGTH, 0);
+  glPixelStorei(GL_PACK_SKIP_ROWS, 0);
+  glPixelStorei(GL_PACK_SKIP_PIXELS, 0);
+}
+
 }  // namespace oct::gl

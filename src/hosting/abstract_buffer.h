@@ -1,20 +1,29 @@
 // A target that a control renders its frames into.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 
 namespace oct {
 
-// A client's view of a finished frame. Holds the buffer's lock for its whole life.
+inline std::int64_t nanosecondsNow() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+}
+
+// A client's view of a finished frame. Holds the buffer's lock for its whole life, unless the lock is taken away.
 class AbstractMappedBuffer {
  public:
   virtual ~AbstractMappedBuffer() = default;
-  virtual std::uint32_t index() const = 0;
   virtual std::uint32_t width() const = 0;
   virtual std::uint32_t height() const = 0;
   virtual void* surface() const = 0;
+  virtual std::int32_t buffer_id() const = 0;
+  virtual std::uint32_t index() const = 0;  // key of the frame
+  virtual std::unique_lock<std::mutex> take_lock() = 0;
+  virtual std::int64_t timestamp() const = 0;  // when the frame was begun, in nanoseconds
 };
 
 class AbstractBuffer {
@@ -34,6 +43,10 @@ class AbstractBuffer {
   virtual std::int32_t buffer_id() const = 0;
   virtual std::unique_lock<std::mutex> lock() = 0;
   virtual std::unique_ptr<AbstractMappedBuffer> map() = 0;
+
+  // Whether the frame ended by finish can be mapped. With wait, blocks until it can and throws when the GPU takes
+  // longer than a second. Runs on the thread of the context, under the buffer's lock.
+  virtual bool complete(bool /*wait*/) { return true; }
 };
 
 }  // namespace oct
