@@ -9,10 +9,14 @@ namespace oct::api {
 
 void reportError(const char* function, const std::exception& error) noexcept {
   errorStore().postError(error, function, false);
+  reportUnposted(error);
+}
+
+void reportUnposted(const std::exception& error) noexcept {
   try {
     writeError(std::string("An error occured: ") + error.what());
   } catch (const std::exception&) {
-    // Out of memory: the posted error remains.
+    // Out of memory: what was posted remains.
   }
 }
 

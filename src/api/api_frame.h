@@ -8,6 +8,9 @@ namespace oct::api {
 // Posts the error to the error store and writes it to the standard error stream.
 void reportError(const char* function, const std::exception& error) noexcept;
 
+// Writes the error to the standard error stream only.
+void reportUnposted(const std::exception& error) noexcept;
+
 // Runs the body of the named export. An exception is reported and the export's neutral result returned: null, 0,
 // false or nothing.
 template <class Body>
@@ -17,6 +20,16 @@ auto frame(const char* function, Body&& body) -> decltype(body()) {
   } catch (const std::exception& error) {
     reportError(function, error);
     return decltype(body())();
+  }
+}
+
+// The same for exports whose errors stay out of the error store.
+template <class Body>
+void unpostedFrame(Body&& body) {
+  try {
+    body();
+  } catch (const std::exception& error) {
+    reportUnposted(error);
   }
 }
 

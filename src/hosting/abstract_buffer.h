@@ -13,7 +13,8 @@ inline std::int64_t nanosecondsNow() {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
 }
 
-// A client's view of a finished frame. Holds the buffer's lock for its whole life, unless the lock is taken away.
+// A client's view of a finished frame. Holds the buffer's lock for its whole life, unless the lock is taken
+// away.
 class AbstractMappedBuffer {
  public:
   virtual ~AbstractMappedBuffer() = default;
@@ -29,8 +30,8 @@ class AbstractMappedBuffer {
 class AbstractBuffer {
  public:
   virtual ~AbstractBuffer() = default;
-  virtual void set_up() = 0;    // one-time hook after construction
-  virtual void release() = 0;   // deletes the OpenGL objects
+  virtual void set_up() = 0;   // one-time hook after construction
+  virtual void release() = 0;  // deletes the OpenGL objects
   virtual void resize(std::uint32_t width, std::uint32_t height) = 0;
   virtual std::uint32_t width() const = 0;
   virtual std::uint32_t height() const = 0;
@@ -44,8 +45,8 @@ class AbstractBuffer {
   virtual std::unique_lock<std::mutex> lock() = 0;
   virtual std::unique_ptr<AbstractMappedBuffer> map() = 0;
 
-  // Whether the frame ended by finish can be mapped. With wait, blocks until it can and throws when the GPU takes
-  // longer than a second. Runs on the thread of the context, under the buffer's lock.
+  // Whether the frame ended by finish can be mapped. With wait, blocks until it can and throws when the GPU
+  // takes longer than a second. Runs on the thread of the context, under the buffer's lock.
   virtual bool complete(bool /*wait*/) { return true; }
 };
 

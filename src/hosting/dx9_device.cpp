@@ -75,6 +75,14 @@ const char* dx9ResultName(HRESULT result) {
   }
 }
 
+ComOwner<IDirect3DSurface9> surfaceOf(IDirect3DTexture9& texture) {
+  IDirect3DSurface9* surface = nullptr;
+  if (FAILED(texture.GetSurfaceLevel(0, &surface))) {
+    throw std::runtime_error("Could not get surface level of shared texture. ");
+  }
+  return ComOwner<IDirect3DSurface9>(surface);
+}
+
 std::shared_ptr<DX9Device> DX9Device::acquire() {
   static std::mutex mutex;
   static std::weak_ptr<DX9Device> current;

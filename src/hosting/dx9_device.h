@@ -16,11 +16,14 @@ struct ComRelease {
 template <class Interface>
 using ComOwner = std::unique_ptr<Interface, ComRelease>;
 
-// A render target texture with a share handle, and its level-0 surface.
+// A render target texture with a share handle.
 struct DX9Texture {
   ComOwner<IDirect3DTexture9> texture;
   HANDLE shareHandle = nullptr;
 };
+
+// The texture's surface. Throws "Could not get surface level of shared texture. ".
+ComOwner<IDirect3DSurface9> surfaceOf(IDirect3DTexture9& texture);
 
 // Name of a result code of texture creation.
 const char* dx9ResultName(HRESULT result);

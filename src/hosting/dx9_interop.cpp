@@ -6,6 +6,7 @@
 #include "core/console.h"
 #include "core/log.h"
 #include "gl/gl.h"
+#include "hosting/direct3d_sharing.h"
 // After gl.h, which it needs.
 #include <GL/wglew.h>
 
@@ -13,7 +14,7 @@ namespace oct {
 
 std::unique_ptr<InteropDevice> InteropDevice::open(std::shared_ptr<DX9Device> device) {
   if (!WGLEW_NV_DX_interop) {
-    throw std::runtime_error("Ressouce sharing between OpenGL and DirectX not supported. ");
+    throw std::runtime_error(direct3DNotSupported);
   }
   const HANDLE handle = wglDXOpenDeviceNV(device->get());
   if (!handle) return nullptr;

@@ -72,11 +72,7 @@ void DX9SharedBufferObject::shareTexture(std::uint32_t width, std::uint32_t heig
   }
   sharedTexture_ = gl::Texture::create();
   object_.registerTexture(interop_, texture_.texture.get(), sharedTexture_.get());
-  IDirect3DSurface9* surface = nullptr;
-  if (FAILED(texture_.texture->GetSurfaceLevel(0, &surface))) {
-    throw std::runtime_error("Could not get surface level of shared texture. ");
-  }
-  surface_.reset(surface);
+  surface_ = surfaceOf(*texture_.texture);
 }
 
 void DX9SharedBufferObject::attachSharedTexture() {

@@ -1,11 +1,18 @@
 #include "hosting/offscreen_buffer_object.h"
 
-#include <chrono>
 #include <utility>
 
 #include "core/timing_mark.h"
+#include "gl/pixel_store.h"
 
 namespace oct {
+namespace {
+
+// Values of the event.
+constexpr std::uint32_t finished = 0xFFFFFFFFU;
+constexpr std::uint32_t cancelled = 0;
+
+}  // namespace
 
 void OffscreenBufferObject::release() {
   detach();
@@ -27,8 +34,12 @@ OffscreenBufferObject::Size OffscreenBufferObject::size() const {
   return done_.guarded([&] { return size_; });
 }
 
-std::uint32_t OffscreenBufferObject::width() const { return size().width; }
-std::uint32_t OffscreenBufferObject::height() const { return size().height; }
+std::uint32_t OffscreenBufferObject::width() const {
+  return size().width;
+}
+std::uint32_t OffscreenBufferObject::height() const {
+  return size().height;
+}
 
 void OffscreenBufferObject::detach() {
   glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
@@ -40,8 +51,8 @@ void OffscreenBufferObject::detach() {
   glBindRenderbuffer(GL_RENDERBUFFER, 0);
 }
 
-// The target is made anew for every frame, so that the size is always the current one and no frame depends on what
-// an earlier one left.
+// The target is made anew for every frame, so that the size is always the current one and no frame depends on
+// what an earlier one left.
 void OffscreenBufferObject::prepare(std::int32_t request) {
   const TimingMark mark("OffscreenBuffer::prepare");
   lastRequest_ = request;
@@ -78,13 +89,13 @@ void OffscreenBufferObject::prepare(std::int32_t request) {
 
 void OffscreenBufferObject::finish() {
   const TimingMark mark("OffscreenBuffer::finish");
-  constexpr std::uint32_t finished = 0xFFFFFFFFU;
   void* data = nullptr;
   done_.signalIf(finished, [&] {
-    // Without anything to read the frame is over at once. Signalling later would answer a client that asks now.
+    // Without anything to read the frame is over at once. Signalling later would answer a client that asks
+    // now.
     if (!outputData_) return true;
-    // A client may have asked for another size while this frame was drawn. Its memory has that size, so it is left
-    // for the next frame.
+    // A client may have asked for another size while this frame was drawn. Its memory has that size, so it is
+    // left for the next frame.
     if (frameSize_ == size_) data = std::exchange(outputData_, nullptr);
     return false;
   });
@@ -94,13 +105,13 @@ void OffscreenBufferObject::finish() {
 }
 
 std::int64_t OffscreenBufferObject::timestamp() const {
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+  return nanosecondsNow();
 }
 
 void OffscreenBufferObject::read_pixels(void* data) {
   if (!data) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+  gl::resetPixelPack();
   glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
   glReadBuffer(GL_COLOR_ATTACHMENT0);
   glReadPixels(0, 0, static_cast<GLsizei>(frameSize_.width), static_cast<GLsizei>(frameSize_.height), GL_BGRA,
@@ -113,9 +124,16 @@ void OffscreenBufferObject::set_output_data(void* data) {
   done_.clear([&] { outputData_ = data; });
 }
 
-void OffscreenBufferObject::wait() {
+bool OffscreenBufferObject::wait() {
   const TimingMark mark("OffscreenBuffer::wait");
-  done_.wait([&] { outputData_ = nullptr; });
+  return done_.wait([&] { outputData_ = nullptr; }) == finished;
+}
+
+void OffscreenBufferObject::cancel() {
+  done_.signalIf(cancelled, [&] {
+    outputData_ = nullptr;
+    return true;
+  });
 }
 
 }  // namespace oct

@@ -7,8 +7,8 @@
 
 namespace oct {
 
-// prepare, finish, read_pixels and release run on the thread that owns the context; resize, set_output_data and
-// wait may run on another one.
+// prepare, finish, read_pixels and release run on the thread that owns the context; resize, set_output_data
+// and wait may run on another one.
 class OffscreenBufferObject : public AbstractBuffer {
  public:
   void set_up() override {}
@@ -29,8 +29,11 @@ class OffscreenBufferObject : public AbstractBuffer {
   // Client memory that a coming finish fills: the first one whose frame was prepared at the size set last.
   void set_output_data(void* data);
 
-  // Blocks until a frame has been finished after set_output_data.
-  void wait();
+  // Blocks until a frame has been finished after set_output_data. False when cancelled.
+  bool wait();
+
+  // Forgets the client memory and lets every waiter go: no frame will come.
+  void cancel();
 
  private:
   struct Size {

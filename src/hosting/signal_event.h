@@ -36,8 +36,8 @@ class SignalEvent {
     action();
   }
 
-  // Blocks until the event is signalled, calls the action before it can be signalled or cleared again, and returns
-  // the value.
+  // Blocks until the event is signalled, calls the action before it can be signalled or cleared again, and
+  // returns the value.
   template <class Action>
   std::uint32_t wait(Action&& action) {
     std::unique_lock lock(mutex_);

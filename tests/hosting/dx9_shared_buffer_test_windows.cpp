@@ -4,13 +4,14 @@
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <cstring>
 #include <thread>
 
-#include "hosting/direct_sharing.h"
+#include "hosting/client_surfaces.h"
+#include "hosting/direct3d_sharing.h"
+#include "hosting/opengl_control.h"
 #include "support/dx_interop_stand_in.h"
 #include "support/gl_spy.h"
-#include "support/pictures.h"
+#include "support/surfaces.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -24,30 +25,6 @@ std::string failureOf(Action&& action) {
   } catch (const std::exception& error) {
     return error.what();
   }
-}
-
-// Reads a render target surface back by Direct3D alone.
-Picture readSurface(void* handle) {
-  auto* const surface = static_cast<IDirect3DSurface9*>(handle);
-  D3DSURFACE_DESC description{};
-  surface->GetDesc(&description);
-  IDirect3DDevice9* device = nullptr;
-  surface->GetDevice(&device);
-  const ComOwner<IDirect3DDevice9> deviceOwner(device);
-  IDirect3DSurface9* memory = nullptr;
-  device->CreateOffscreenPlainSurface(description.Width, description.Height, description.Format, D3DPOOL_SYSTEMMEM,
-                                      &memory, nullptr);
-  const ComOwner<IDirect3DSurface9> memoryOwner(memory);
-  EXPECT_TRUE(SUCCEEDED(device->GetRenderTargetData(surface, memory)));
-  Picture picture(static_cast<int>(description.Width), static_cast<int>(description.Height));
-  D3DLOCKED_RECT rectangle{};
-  EXPECT_TRUE(SUCCEEDED(memory->LockRect(&rectangle, nullptr, D3DLOCK_READONLY)));
-  for (int y = 0; y < picture.height; ++y) {
-    std::memcpy(picture.pixel(0, y), static_cast<const char*>(rectangle.pBits) + rectangle.Pitch * y,
-                static_cast<std::size_t>(picture.width) * 4);
-  }
-  memory->UnlockRect();
-  return picture;
 }
 
 class DX9SharedBufferGLTest : public testing::Test {
@@ -68,7 +45,7 @@ class DX9SharedBufferGLTest : public testing::Test {
 
   static void expectFrame(DX9SharedBufferObject& buffer, int red, int green, int blue) {
     const auto mapped = buffer.map();
-    const Picture picture = readSurface(mapped->surface());
+    const Picture picture = direct3DSurfacePicture(mapped->surface());
     EXPECT_EQ(mapped->width(), static_cast<unsigned>(picture.width));
     EXPECT_EQ(mapped->height(), static_cast<unsigned>(picture.height));
     for (int y = 0; y < picture.height; ++y) {
@@ -231,26 +208,24 @@ TEST_F(DX9SharedBufferGLTest, ClientSurfacesKeepACopy) {
   buffer.prepare(1);
   draw(50, 60, 70);
   buffer.finish();
-  void* const surface = createDirectSurface(16, 16);
-  EXPECT_TRUE(ownsDirectSurface(surface));
+  void* const surface = clientSurfaces().create(SurfaceSharing::direct3D, 16, 16);
   {
     const auto mapped = buffer.map();
-    copyDirectSurface(mapped->surface(), surface);
+    ClientSurfaces::copy(SurfaceSharing::direct3D, mapped->surface(), surface);
   }
   buffer.prepare(2);
   draw(0, 0, 0);
   buffer.finish();
-  EXPECT_EQ(readSurface(surface).pixel(5, 5)[2], 50);
-  destroyDirectSurface(surface);
-  EXPECT_FALSE(ownsDirectSurface(surface));
-  EXPECT_EQ(failureOf([&] { destroyDirectSurface(surface); }), "The surface was not created by createDXSurface. ");
+  EXPECT_EQ(direct3DSurfacePicture(surface).pixel(5, 5)[2], 50);
+  clientSurfaces().destroy(surface);
+  EXPECT_EQ(failureOf([&] { clientSurfaces().destroy(surface); }), "The specified surface is unknown. ");
 }
 
 TEST_F(DX9SharedBufferGLTest, OpeningTheInterop) {
   standIn_.failNext("Open");
-  EXPECT_EQ(openDirectSharing(), nullptr);
+  EXPECT_EQ(openDirect3DBufferSource(), nullptr);
   {
-    const auto sharing = openDirectSharing();
+    const auto sharing = openDirect3DBufferSource();
     const auto buffer = sharing->createBuffer(1);
     buffer->resize(4, 4);
     EXPECT_EQ(buffer->buffer_id(), 1);
@@ -259,9 +234,16 @@ TEST_F(DX9SharedBufferGLTest, OpeningTheInterop) {
   EXPECT_EQ(standIn_.openDevices(), 0);
 }
 
-TEST(DX9WithoutInteropGLTest, IsReported) {
-  TestContext context;
-  EXPECT_EQ(failureOf([] { openDirectSharing(); }), "Ressouce sharing between OpenGL and DirectX not supported. ");
+// Every attempt goes to the log; the control gives up after a second.
+TEST(DX9WithoutInteropGLTest, ControlFailsAfterASecond) {
+  const auto start = std::chrono::steady_clock::now();
+  std::string message;
+  const std::string text = logOf([&] {
+    message = failureOf([] { OpenGLControl control(SurfaceSharing::direct3D); });
+  });
+  EXPECT_EQ(message, "Cannot properly create an OpenGLControl.");
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
+  EXPECT_NE(text.find("Ressouce sharing between OpenGL and DirectX not supported. \n"), std::string::npos);
 }
 
 // Device, window and buffers come and go; COM references are counted at the device.
@@ -270,7 +252,7 @@ TEST(DX9LifetimeGLTest, ManyLives) {
   DxInteropStandIn standIn;
   DWORD before = 0;
   for (int i = 0; i < 30; ++i) {
-    const auto sharing = openDirectSharing();
+    const auto sharing = openDirect3DBufferSource();
     const auto buffer = sharing->createBuffer(0);
     buffer->resize(64, 64);
     buffer->prepare(i);

@@ -109,8 +109,8 @@ TEST_F(OffscreenBufferGLTest, RebuiltEveryFrameAndReleased) {
   buffer_.release();
 }
 
-// A client on its own thread asks for pictures of changing sizes while frames are drawn all the time. The colour of a
-// frame tells its width, so that a picture of another frame's size shows.
+// A client on its own thread asks for pictures of changing sizes while frames are drawn all the time. The
+// colour of a frame tells its width, so that a picture of another frame's size shows.
 TEST_F(OffscreenBufferGLTest, SnapshotsFromAnotherThread) {
   std::atomic<bool> running{true};
   int wrong = 0;
@@ -121,7 +121,8 @@ TEST_F(OffscreenBufferGLTest, SnapshotsFromAnotherThread) {
       buffer_.resize(static_cast<std::uint32_t>(width), 5);
       buffer_.set_output_data(picture.bytes.data());
       buffer_.wait();
-      for (int p = 0; p < width * 5; ++p) wrong += picture.bytes[static_cast<std::size_t>(p) * 4 + 2] != width;
+      for (int p = 0; p < width * 5; ++p)
+        wrong += picture.bytes[static_cast<std::size_t>(p) * 4 + 2] != width;
     }
     running = false;
   });

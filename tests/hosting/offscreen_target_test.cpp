@@ -47,7 +47,8 @@ TEST(OffscreenTargetGLTest, SizesBeyondTheDriver) {
     }
   }
   beginOffscreenFrame(target, 0, 0);
-  EXPECT_EQ(pendingError(), "The offscreen framebuffer is not complete: GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT");
+  EXPECT_EQ(pendingError(),
+            "The offscreen framebuffer is not complete: GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT");
   beginOffscreenFrame(target, 4, 4);
   EXPECT_EQ(pendingError(), "(none)");
   clearOffscreenTarget(target);

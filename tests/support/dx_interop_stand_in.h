@@ -16,6 +16,8 @@ class DxInteropStandIn {
   DxInteropStandIn(const DxInteropStandIn&) = delete;
   DxInteropStandIn& operator=(const DxInteropStandIn&) = delete;
 
+  static bool installed();
+
   // Lets the next calls of a function ("Open", "Register", "Unregister", "Lock", "Unlock", "Share") fail.
   void failNext(const std::string& function, int times = 1);
 

@@ -169,6 +169,8 @@ DxInteropStandIn::~DxInteropStandIn() {
   state = nullptr;
 }
 
+bool DxInteropStandIn::installed() { return state != nullptr; }
+
 void DxInteropStandIn::failNext(const std::string& function, int times) {
   const std::lock_guard lock(state->mutex);
   state->failures[function] = times;

@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "support/process_memory.h"
@@ -11,6 +12,23 @@ std::size_t residentMemory() {
   std::size_t resident = 0;
   std::ifstream("/proc/self/statm") >> total >> resident;
   return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+namespace {
+
+std::size_t entries(const char* folder) {
+  std::size_t count = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder)) ++count;
+  return count;
+}
+
+}  // namespace
+
+std::size_t threadCount() {
+  return entries("/proc/self/task");
+}
+std::size_t handleCount() {
+  return entries("/proc/self/fd");
 }
 
 }  // namespace oct::test

@@ -1,0 +1,137 @@
+#include "hosting/host_buffer_object.h"
+
+#include <stdexcept>
+
+#include "core/log.h"
+#include "core/timing_mark.h"
+#include "gl/opengl_error.h"
+#include "gl/pixel_store.h"
+#include "hosting/shared_mapped_buffer.h"
+
+namespace oct {
+namespace {
+
+constexpr GLuint64 oneSecond = 1'000'000'000;
+
+}  // namespace
+
+HostBufferObject::~HostBufferObject() {
+  const TimingMark mark("~HostBufferObject");
+  release();
+}
+
+void HostBufferObject::release() {
+  unmap();
+  fence_.reset();
+  framebuffer_.reset();
+  color_.reset();
+  depth_.reset();
+  pixels_.reset();
+}
+
+void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
+  const TimingMark mark("host_buffer_resize");
+  release();
+  // Whatever fails below, the buffer has no size, so that the next frame repairs it.
+  surface_ = {};
+
+  while (glGetError() != GL_NO_ERROR) {  // errors of the client's callback are not ours
+  }
+  const auto columns = static_cast<GLsizei>(width);
+  const auto rows = static_cast<GLsizei>(height);
+  framebuffer_ = gl::Framebuffer::create();
+  color_ = gl::Renderbuffer::create();
+  depth_ = gl::Renderbuffer::create();
+  pixels_ = gl::Buffer::create();
+  glBindRenderbuffer(GL_RENDERBUFFER, color_.get());
+  glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, columns, rows);
+  glBindRenderbuffer(GL_RENDERBUFFER, depth_.get());
+  glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, columns, rows);
+  glBindRenderbuffer(GL_RENDERBUFFER, 0);
+  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color_.get());
+  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, depth_.get());
+  const GLenum status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  const auto size = static_cast<GLsizeiptr>(width) * static_cast<GLsizeiptr>(height) * 4;
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
+  glBufferData(GL_PIXEL_PACK_BUFFER, size, nullptr, GL_STREAM_READ);
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+  const GLenum error = glGetError();
+  if (error != GL_NO_ERROR || status != GL_FRAMEBUFFER_COMPLETE) {
+    log() << "An error occured when creating render target: "
+          << (error != GL_NO_ERROR ? gl::errorText(error) : gl::framebufferStatusName(status));
+    throw std::runtime_error("Could not generate render target. ");
+  }
+  surface_ = {width, height, width * 4, nullptr};
+}
+
+void HostBufferObject::prepare(std::int32_t request) {
+  unmap();
+  fence_.reset();
+  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+  glViewport(0, 0, static_cast<GLsizei>(surface_.width), static_cast<GLsizei>(surface_.height));
+  orderKey_ = request;
+  prepareTime_ = nanosecondsNow();
+}
+
+void HostBufferObject::read(void* destination) {
+  gl::resetPixelPack();
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_.get());
+  glReadBuffer(GL_COLOR_ATTACHMENT0);
+  glReadPixels(0, 0, static_cast<GLsizei>(surface_.width), static_cast<GLsizei>(surface_.height), GL_BGRA,
+               GL_UNSIGNED_BYTE, destination);
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+}
+
+void HostBufferObject::finish() {
+  const TimingMark mark("HostBufferObject: finish");
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
+  read(nullptr);
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+  fence_.insert();
+  glFlush();
+}
+
+bool HostBufferObject::complete(bool wait) {
+  if (!fence_) return true;
+  const GLenum result = fence_.wait(wait ? oneSecond : 0);
+  if (result == GL_TIMEOUT_EXPIRED && !wait) return false;
+  fence_.reset();
+  if (result != GL_ALREADY_SIGNALED && result != GL_CONDITION_SATISFIED) {
+    throw std::runtime_error("Rendering could not finish within one second. ");
+  }
+  const TimingMark mark("HostBufferObject: map");
+  const auto size = static_cast<GLsizeiptr>(surface_.stride_bytes) * static_cast<GLsizeiptr>(surface_.height);
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
+  surface_.pixels =
+      static_cast<unsigned char*>(glMapBufferRange(GL_PIXEL_PACK_BUFFER, 0, size, GL_MAP_READ_BIT));
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+  if (!surface_.pixels) throw std::runtime_error("Could not map the pixels of a frame. ");
+  return true;
+}
+
+// A buffer that is given up because its context is not current is unmapped by its end.
+void HostBufferObject::unmap() {
+  if (!surface_.pixels) return;
+  surface_.pixels = nullptr;
+  if (!gl::isContextCurrent()) return;
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
+  glUnmapBuffer(GL_PIXEL_PACK_BUFFER);
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+}
+
+void HostBufferObject::read_pixels(void* data) {
+  if (!data) return;
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+  read(data);
+}
+
+std::unique_ptr<AbstractMappedBuffer> HostBufferObject::map() {
+  const TimingMark mark("host_map_buffer_object");
+  auto held = lock();
+  if (!surface_.pixels) return nullptr;
+  return std::make_unique<SharedMappedBuffer>(std::move(held), *this, &surface_, prepareTime_);
+}
+
+}  // namespace oct

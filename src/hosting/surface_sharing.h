@@ -1,0 +1,35 @@
+// What the hand-off buffers of a control are made of, and surfaces of the same kind for clients.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+namespace oct {
+
+class AbstractBuffer;
+
+enum class SurfaceSharing : int { direct3D = 0, hostMemory = 1 };
+
+// The setting for controls to come. Throws std::invalid_argument for an unknown value, std::runtime_error for
+// a kind that this platform does not have.
+void setSurfaceSharing(int value);
+SurfaceSharing surfaceSharing();
+
+// What the buffers of one control have in common.
+class AbstractBufferSource {
+ public:
+  virtual ~AbstractBufferSource() = default;
+  virtual std::unique_ptr<AbstractBuffer> createBuffer(std::int32_t index) = 0;
+};
+
+// With the control's context current. Null when the system gives none now; it may be asked again.
+std::unique_ptr<AbstractBufferSource> openBufferSource(SurfaceSharing kind);
+
+// A surface that a client asked for.
+class AbstractClientSurface {
+ public:
+  virtual ~AbstractClientSurface() = default;
+  virtual void* pointer() = 0;
+};
+
+}  // namespace oct

@@ -1,0 +1,206 @@
+// Exports of control loops: handles, misuse, the road from request to surface, the trace.
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <sstream>
+#include <thread>
+
+#include "hosting/render_trace.h"
+#include "oct_rendering/oct_rendering.h"
+#include "support/test_context.h"
+#include "support/test_loop.h"
+
+namespace oct::test {
+namespace {
+
+constexpr const char* invalidHandle = "Invalid OpenGLControlLoopHandle specified. ";
+
+TEST(ControlLoopApiTest, NullHandles) {
+  const auto refused = [](const std::function<void()>& call) {
+    call();
+    EXPECT_EQ(pendingError(), invalidHandle);
+  };
+  refused([] { deleteOpenGLControlLoop(nullptr); });
+  refused([] { registerOpenGLControlLoopRenderCallback(nullptr, nullptr); });
+  refused([] { registerOpenGLControlLoopCallback(nullptr, nullptr); });
+  refused([] { snapshotOpenGLControlLoop(nullptr, 1, 1, nullptr); });
+  refused([] { resizeOpenGLControlLoop(nullptr, 1, 1); });
+  refused([] { OpenGLControlLoopMode(nullptr, 0); });
+  refused([] { unlockBuffer(nullptr); });
+  refused([] { EXPECT_EQ(createDXSurface(nullptr, 1, 1), nullptr); });
+  refused([] { copyDXSurface(nullptr, nullptr, nullptr); });
+  refused([] { destroyDXSurface(nullptr, nullptr); });
+}
+
+// Requests come too often to leave errors behind.
+TEST(ControlLoopApiTest, RequestsPostNothing) {
+  for (const auto& call : std::vector<std::function<void()>>{
+           [] { renderOpenGLControlLoop(nullptr); }, [] { renderMultOpenGLControlLoop(nullptr, 1); }}) {
+    testing::internal::CaptureStderr();
+    call();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              std::string("An error occured: ") + invalidHandle + "\n");
+    EXPECT_EQ(pendingError(), "(none)");
+  }
+}
+
+Recorded<std::uint32_t>* drawn = nullptr;
+Recorded<Picture>* pictures = nullptr;
+Recorded<std::string>* errors = nullptr;
+SurfaceSharing sharing;
+OpenGLControlLoopHandle loopHandle = nullptr;
+
+void draw(unsigned id) {
+  drawPattern(id);
+  drawn->add(id);
+}
+void show(unsigned, unsigned, unsigned, void* surface) {
+  pictures->add(surfacePicture(sharing, surface));
+}
+
+class ControlLoopApiGLTest : public LoopGLTest {
+ protected:
+  void SetUp() override {
+    LoopGLTest::SetUp();
+    sharing = GetParam();
+    drawn = &drawn_;
+    pictures = &pictures_;
+    errors = &errors_;
+    loop_ = loopHandle =
+        createOpenGLControlLoopCB(nullptr, nullptr, [](const char* text) { errors->add(text); });
+    ASSERT_NE(loop_, nullptr);
+    registerOpenGLControlLoopRenderCallback(loop_, draw);
+    registerOpenGLControlLoopCallback(loop_, show);
+    resizeOpenGLControlLoop(loop_, 30, 20);
+    OpenGLControlLoopMode(loop_, 0);
+  }
+  void TearDown() override {
+    if (loop_) deleteOpenGLControlLoop(loop_);
+    EXPECT_EQ(pendingError(), "(none)");
+    EXPECT_EQ(errors_.all(), std::vector<std::string>{});
+  }
+
+  OpenGLControlLoopHandle loop_ = nullptr;
+  Recorded<Picture> pictures_;
+};
+
+TEST_P(ControlLoopApiGLTest, FromRequestToSurface) {
+  renderOpenGLControlLoop(loop_);
+  pictures_.atLeast(1);
+  renderMultOpenGLControlLoop(loop_, 0x345678);
+  const auto all = pictures_.atLeast(2);
+  ASSERT_EQ(all.size(), 2U);
+  EXPECT_TRUE(agree(all[0], patternPicture(0, 30, 20), {0, 1.0, 0}));
+  EXPECT_TRUE(agree(all[1], patternPicture(0x345678, 30, 20), {0, 1.0, 0}));
+}
+
+TEST_P(ControlLoopApiGLTest, NullKeepsTheRenderFunctionAndRemovesTheOther) {
+  registerOpenGLControlLoopRenderCallback(loop_, nullptr);
+  registerOpenGLControlLoopCallback(loop_, nullptr);
+  renderMultOpenGLControlLoop(loop_, 3);
+  EXPECT_EQ(drawn_.atLeast(1), std::vector<std::uint32_t>{3});
+  unlockBuffer(loop_);
+  renderMultOpenGLControlLoop(loop_, 4);
+  EXPECT_EQ(drawn_.atLeast(2).size(), 2U);
+  EXPECT_EQ(pictures_.all().size(), 0U);
+}
+
+TEST_P(ControlLoopApiGLTest, SnapshotsAndTheirMisuse) {
+  Picture picture(11, 4);
+  snapshotOpenGLControlLoop(loop_, 11, 4, picture.bytes.data());
+  EXPECT_TRUE(agree(picture, patternPicture(0, 11, 4), {0, 1.0, 0}));
+  snapshotOpenGLControlLoop(loop_, 1, 1, nullptr);
+  EXPECT_EQ(pendingError(), "Valid data pointer must be provided to take snapshot. ");
+  for (const auto& [width, height] : {std::pair{-1, 1}, {1, -1}, {-5, -5}}) {
+    snapshotOpenGLControlLoop(loop_, width, height, picture.bytes.data());
+    EXPECT_EQ(pendingError(), "Snapshot sizes must not be negative. ");
+  }
+  constexpr int most = std::numeric_limits<int>::max();
+  snapshotOpenGLControlLoop(loop_, most, most, picture.bytes.data());
+  EXPECT_EQ(pendingError(), "The snapshot is too large. ");
+}
+
+TEST_P(ControlLoopApiGLTest, SurfacesOfTheClient) {
+  static void* copy = nullptr;
+  static Recorded<int> copied;
+  void* const kept = createDXSurface(loop_, 30, 20);
+  ASSERT_NE(kept, nullptr);
+  copy = kept;
+  registerOpenGLControlLoopCallback(loop_, [](unsigned, unsigned, unsigned, void* surface) {
+    copyDXSurface(loopHandle, surface, copy);
+    copied.add(1);
+  });
+  const std::size_t before = copied.all().size();
+  renderMultOpenGLControlLoop(loop_, 0x102030);
+  copied.atLeast(before + 1);
+  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), {0, 1.0, 0}));
+
+  void* const larger = createDXSurface(loop_, 60, 40);
+  copyDXSurface(loop_, kept, larger);
+  const Picture small = patternPicture(0x102030, 30, 20);
+  Picture stretched(60, 40);
+  for (int y = 0; y < 40; ++y) {
+    for (int x = 0; x < 60; ++x) std::copy_n(small.pixel(x / 2, y / 2), 4, stretched.pixel(x, y));
+  }
+  EXPECT_TRUE(agree(surfacePicture(sharing, larger), stretched, {0, 1.0, 0}));
+
+  copyDXSurface(loop_, nullptr, kept);
+  EXPECT_EQ(pendingError(), "A surface to copy must not be null. ");
+  EXPECT_EQ(createDXSurface(loop_, 0, 4), nullptr);
+  EXPECT_EQ(pendingError(), "A surface must not be empty. ");
+  destroyDXSurface(loop_, larger);
+  destroyDXSurface(loop_, larger);
+  EXPECT_EQ(pendingError(), "The specified surface is unknown. ");
+  deleteOpenGLControlLoop(loop_);
+  // The surface outlives the loop that it was made with.
+  loop_ = createOpenGLControlLoop();
+  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), {0, 1.0, 0}));
+  destroyDXSurface(loop_, kept);
+}
+
+TEST_P(ControlLoopApiGLTest, DeletionFromACallbackIsReported) {
+  static Recorded<std::string> texts;
+  registerOpenGLControlLoopRenderCallback(loop_, [](unsigned id) {
+    deleteOpenGLControlLoop(loopHandle);
+    texts.add(pendingError());
+    drawn->add(id);
+  });
+  const std::size_t before = texts.all().size();
+  renderMultOpenGLControlLoop(loop_, 1);
+  drawn_.atLeast(1);
+  EXPECT_EQ(texts.atLeast(before + 1).back(),
+            std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur)).what());
+  renderMultOpenGLControlLoop(loop_, 2);
+  EXPECT_EQ(drawn_.atLeast(2).size(), 2U);  // it goes on
+}
+
+TEST_P(ControlLoopApiGLTest, TheEndIsAnnounced) {
+  testing::internal::CaptureStdout();
+  deleteOpenGLControlLoop(loop_);
+  loop_ = nullptr;
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "OpenGL control loop finished. Callbacks can be freed now. \n");
+}
+
+TEST_P(ControlLoopApiGLTest, TheTraceTellsEveryRequest) {
+  const auto read = [] {
+    std::ifstream file(renderTraceFile());
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+  };
+  renderOpenGLControlLoop(loop_);
+  const std::size_t before = read().size();
+  if (before == 0) GTEST_SKIP() << "no trace can be written to " << renderTraceFile();
+  renderMultOpenGLControlLoop(loop_, -7);
+  renderMultOpenGLControlLoop(loop_, 12);
+  renderOpenGLControlLoop(loop_);
+  Picture picture(2, 2);
+  snapshotOpenGLControlLoop(loop_, 2, 2, picture.bytes.data());
+  EXPECT_EQ(read().substr(before), "-7\n12\n0\n0\n");
+}
+
+OCT_EVERY_SHARING(ControlLoopApiGLTest);
+
+}  // namespace
+}  // namespace oct::test

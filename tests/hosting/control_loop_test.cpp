@@ -1,0 +1,332 @@
+// Scheduling of the control loop, its callbacks and its end.
+#include <atomic>
+#include <future>
+#include <system_error>
+#include <thread>
+
+#include "support/test_loop.h"
+
+namespace oct::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Ids = std::vector<std::uint32_t>;
+
+class ControlLoopGLTest : public LoopGLTest {
+ protected:
+  // Blocks the render thread in its first frame until it is opened, so that requests gather.
+  std::promise<void> gate_;
+  std::promise<void> inFrame_;
+  std::unique_ptr<OpenGLControlLoop> makeGatedLoop() {
+    auto loop = makeRecordingLoop(8, 6);
+    loop->set_rendering_callback(rendering([this, first = true](std::uint32_t id) mutable {
+      drawn_.add(id);
+      if (std::exchange(first, false)) {
+        inFrame_.set_value();
+        gate_.get_future().wait();
+      }
+    }));
+    return loop;
+  }
+};
+
+TEST_P(ControlLoopGLTest, DrawsAndReturnsEveryRequestOnce) {
+  auto loop = makeRecordingLoop(8, 6);
+  for (const std::uint32_t id : {4U, 2U, 9U}) {
+    const std::size_t before = returned_.all().size();
+    loop->request(static_cast<int>(id));
+    EXPECT_EQ(returned_.atLeast(before + 1).back(), id);
+  }
+  std::this_thread::sleep_for(30ms);
+  EXPECT_EQ(drawn_.all(), (Ids{4, 2, 9}));
+  EXPECT_EQ(returned_.all(), (Ids{4, 2, 9}));
+}
+
+TEST_P(ControlLoopGLTest, TenEqualRequestsAreOneFrame) {
+  auto loop = makeGatedLoop();
+  loop->request(1);
+  inFrame_.get_future().wait();
+  for (int i = 0; i < 10; ++i) loop->request(7);
+  gate_.set_value();
+  drawn_.atLeast(2);
+  std::this_thread::sleep_for(50ms);
+  EXPECT_EQ(drawn_.all(), (Ids{1, 7}));
+}
+
+TEST_P(ControlLoopGLTest, WithoutSizeRequestsAreLost) {
+  auto loop = makeRecordingLoop(0, 6);
+  loop->request(1);
+  std::this_thread::sleep_for(30ms);
+  loop->resize(6, 0);
+  loop->request(2);
+  std::this_thread::sleep_for(30ms);
+  loop->resize(6, 6);
+  std::this_thread::sleep_for(30ms);
+  EXPECT_EQ(drawn_.all(), Ids{});
+  loop->request(3);
+  EXPECT_EQ(returned_.atLeast(1), Ids{3});
+}
+
+TEST_P(ControlLoopGLTest, RoundRobinForEver) {
+  auto loop = makeGatedLoop();
+  loop->request(9);
+  inFrame_.get_future().wait();
+  loop->request(0);
+  loop->request(3);
+  loop->request(5);
+  loop->set_mode(OpenGLControlLoop::roundRobin);
+  gate_.set_value();
+  const Ids ids = drawn_.atLeast(10);
+  EXPECT_EQ(Ids(ids.begin(), ids.begin() + 10), (Ids{9, 0, 3, 5, 0, 3, 5, 0, 3, 5}));
+}
+
+// Other values wait as mode 0 does and go round as mode 1.
+TEST_P(ControlLoopGLTest, AnyOtherModeGoesRoundToo) {
+  auto loop = makeGatedLoop();
+  loop->request(9);
+  inFrame_.get_future().wait();
+  loop->request(1);
+  loop->request(2);
+  loop->set_mode(77);
+  gate_.set_value();
+  const Ids ids = drawn_.atLeast(5);
+  EXPECT_EQ(Ids(ids.begin(), ids.begin() + 5), (Ids{9, 1, 2, 1, 2}));
+}
+
+TEST_P(ControlLoopGLTest, ModeTwoRepeatsTheFrontAndHoldsNobodyUp) {
+  auto loop = makeGatedLoop();
+  loop->request(9);
+  inFrame_.get_future().wait();
+  loop->request(4);
+  loop->request(6);
+  loop->set_mode(OpenGLControlLoop::snapshotMode);
+  gate_.set_value();
+  const Ids ids = drawn_.atLeast(4);
+  EXPECT_EQ(Ids(ids.begin(), ids.begin() + 4), (Ids{9, 4, 4, 4}));
+  Picture picture(8, 6);
+  loop->snapshot(8, 6, picture.bytes.data());  // returns: another is running, as far as the loop can tell
+  EXPECT_EQ(picture.bytes, Picture(8, 6).bytes);
+}  // and the loop can be deleted
+
+// Round robin with nothing to do, then mode 0: the render thread must not keep the mutex of the mode while it
+// waits.
+TEST_P(ControlLoopGLTest, ModeChangesOfAnIdleLoop) {
+  auto loop = makeRecordingLoop(8, 6);
+  for (int i = 0; i < 200; ++i) {
+    loop->set_mode(OpenGLControlLoop::roundRobin);
+    if (i % 3 == 0) std::this_thread::yield();
+    loop->set_mode(OpenGLControlLoop::onceEach);
+  }
+  Picture picture(3, 3);
+  loop->snapshot(3, 3, picture.bytes.data());
+  EXPECT_TRUE(agree(picture, patternPicture(0, 3, 3), {0, 1.0, 0}));
+}
+
+TEST_P(ControlLoopGLTest, BuffersRotate) {
+  std::mutex mutex;
+  std::vector<void*> surfaces;
+  auto loop = makeRecordingLoop(8, 6);
+  loop->set_image_ready_callback(
+      imageReady([&](std::uint32_t index, std::uint32_t, std::uint32_t, void* surface) {
+        {
+          const std::lock_guard lock(mutex);
+          surfaces.push_back(surface);
+        }
+        returned_.add(index);
+      }));
+  for (int id = 1; id <= 7; ++id) {
+    loop->request(id);
+    returned_.atLeast(static_cast<std::size_t>(id));
+  }
+  const std::lock_guard lock(mutex);
+  ASSERT_EQ(surfaces.size(), 7U);
+  EXPECT_NE(surfaces[0], surfaces[1]);
+  EXPECT_NE(surfaces[1], surfaces[2]);
+  EXPECT_NE(surfaces[0], surfaces[2]);
+  for (std::size_t i = 3; i < 7; ++i) EXPECT_EQ(surfaces[i], surfaces[i - 3]);
+}
+
+TEST_P(ControlLoopGLTest, PixelsFollowTheSize) {
+  auto loop = makeRecordingLoop(8, 6);
+  Recorded<Picture> pictures;
+  loop->set_image_ready_callback(
+      imageReady([&](std::uint32_t, std::uint32_t width, std::uint32_t height, void* surface) {
+        Picture picture = surfacePicture(GetParam(), surface);
+        EXPECT_EQ(picture.width, static_cast<int>(width));
+        EXPECT_EQ(picture.height, static_cast<int>(height));
+        pictures.add(std::move(picture));
+      }));
+  int id = 0x123450;
+  for (const auto& [width, height] :
+       {std::pair{8U, 6U}, {8U, 6U}, {31U, 17U}, {1U, 1U}, {640U, 480U}, {7U, 100U}}) {
+    loop->resize(width, height);
+    loop->request(++id);
+    const auto all = pictures.atLeast(static_cast<std::size_t>(id - 0x123450));
+    EXPECT_TRUE(agree(
+        all.back(),
+        patternPicture(static_cast<std::uint32_t>(id), static_cast<int>(width), static_cast<int>(height)),
+        {0, 1.0, 0}));
+  }
+}
+
+TEST_P(ControlLoopGLTest, WithoutRenderFunctionATestImage) {
+  auto loop = makeLoop();
+  loop->set_mode(OpenGLControlLoop::onceEach);
+  loop->resize(64, 64);
+  Recorded<Picture> pictures;
+  loop->set_image_ready_callback(imageReady([&](std::uint32_t, std::uint32_t, std::uint32_t, void* surface) {
+    pictures.add(surfacePicture(GetParam(), surface));
+  }));
+  loop->request(0);
+  const auto first = pictures.atLeast(1);
+  ASSERT_EQ(first.size(), 1U);
+  const std::uint8_t* const corner = first[0].pixel(0, 63);
+  EXPECT_EQ((std::array<int, 3>{corner[0], corner[1], corner[2]}),
+            (std::array<int, 3>{0, 255, 255}));  // yellow
+  const std::uint8_t* const centre = first[0].pixel(32, 32);
+  for (int c = 0; c < 3; ++c) EXPECT_NEAR(centre[c], 85, 12);  // the three colours mixed
+  loop->request(0);
+  EXPECT_NE(pictures.atLeast(2).back().bytes, first[0].bytes);  // it turns
+}
+
+TEST_P(ControlLoopGLTest, CallbacksCanBeExchangedAndRemoved) {
+  auto loop = makeRecordingLoop(8, 6);
+  loop->request(1);
+  returned_.atLeast(1);
+  loop->set_image_ready_callback(nullptr);
+  loop->request(2);
+  drawn_.atLeast(2);
+  loop->set_rendering_callback(rendering([this](std::uint32_t id) { drawn_.add(id + 100); }));
+  loop->request(3);
+  EXPECT_EQ(drawn_.atLeast(3), (Ids{1, 2, 103}));
+  EXPECT_EQ(returned_.all(), Ids{1});
+}
+
+TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
+  std::vector<std::string> order;  // of the render thread, read after its end
+  std::thread::id init, draw, uninit;
+  const auto note = [&](const char* what, std::thread::id& id) {
+    order.push_back(what);
+    id = std::this_thread::get_id();
+    EXPECT_NE(glGetString(GL_VERSION), nullptr) << what;
+  };
+  auto loop = std::make_unique<OpenGLControlLoop>(functor([&] { note("init", init); }),
+                                                  functor([&] { note("uninit", uninit); }), nullptr);
+  loop->set_rendering_callback(rendering([&](std::uint32_t) { note("draw", draw); }));
+  loop->set_image_ready_callback(
+      imageReady([&](std::uint32_t index, std::uint32_t, std::uint32_t, void*) { returned_.add(index); }));
+  loop->set_mode(OpenGLControlLoop::onceEach);
+  loop->resize(4, 4);
+  loop->request(1);
+  returned_.atLeast(1);
+  loop.reset();
+  EXPECT_EQ(order, (std::vector<std::string>{"init", "draw", "uninit"}));
+  EXPECT_EQ(init, draw);
+  EXPECT_EQ(draw, uninit);
+  EXPECT_NE(init, std::this_thread::get_id());
+}
+
+TEST_P(ControlLoopGLTest, AFailingRenderFunctionEndsTheRenderThreadOnly) {
+  auto loop = makeRecordingLoop(8, 6);
+  loop->set_rendering_callback(rendering([](std::uint32_t) { throw std::runtime_error("no more"); }));
+  loop->request(1);
+  EXPECT_EQ(errors_.atLeast(1), std::vector<std::string>{"no more"});
+  loop->request(2);
+  Picture picture(2, 2);
+  EXPECT_THROW(loop->snapshot(2, 2, picture.bytes.data()), std::runtime_error);
+  loop->set_mode(1);
+  EXPECT_EQ(returned_.all(), Ids{});
+}
+
+TEST_P(ControlLoopGLTest, ASnapshotOfAFailingLoopReturns) {
+  auto loop = makeRecordingLoop(8, 6);
+  loop->set_rendering_callback(rendering([](std::uint32_t) { throw std::runtime_error("no more"); }));
+  Picture picture(2, 2);
+  EXPECT_THROW(loop->snapshot(2, 2, picture.bytes.data()), std::runtime_error);
+  EXPECT_EQ(errors_.atLeast(1), std::vector<std::string>{"no more"});
+}
+
+TEST_P(ControlLoopGLTest, ThrowingInit) {
+  bool uninit = false;
+  {
+    OpenGLControlLoop loop(
+        functor([] { throw std::runtime_error("no init"); }), functor([&] { uninit = true; }),
+        std::make_unique<LambdaError>([&](const std::string& text) { errors_.add(text); }));
+    EXPECT_EQ(errors_.atLeast(1), std::vector<std::string>{"no init"});
+  }
+  EXPECT_FALSE(uninit);
+  const OpenGLControlLoop loop(functor([] { throw 42; }), nullptr, nullptr);  // no std::exception
+}
+
+TEST_P(ControlLoopGLTest, DeletionWhileFramesWait) {
+  std::promise<void> held;
+  std::promise<void> go;
+  auto loop = makeRecordingLoop(8, 6);
+  std::atomic<int> returns{0};
+  loop->set_image_ready_callback(imageReady([&](std::uint32_t, std::uint32_t, std::uint32_t, void*) {
+    if (++returns == 1) {
+      held.set_value();
+      go.get_future().wait();
+    }
+  }));
+  for (int id = 1; id <= 6; ++id) loop->request(id);
+  held.get_future().wait();
+  drawn_.atLeast(3);  // two wait in the return map
+  auto deletion = std::async(std::launch::async, [&] { loop.reset(); });
+  EXPECT_EQ(deletion.wait_for(50ms), std::future_status::timeout);
+  const int before = returns;
+  go.set_value();
+  deletion.get();
+  EXPECT_EQ(before, 1);
+  EXPECT_LE(returns, 2);  // one may have begun before the deletion
+}
+
+// The render thread is at most three frames ahead of a client that keeps a frame.
+TEST_P(ControlLoopGLTest, NothingIsDrawnIntoABufferThatTheClientHolds) {
+  std::promise<void> go;
+  std::promise<void> held;
+  auto loop = makeRecordingLoop(8, 6);
+  loop->set_image_ready_callback(
+      imageReady([&, first = true](std::uint32_t index, std::uint32_t, std::uint32_t, void* surface) mutable {
+        if (std::exchange(first, false)) {
+          held.set_value();
+          go.get_future().wait();
+        }
+        EXPECT_TRUE(agree(surfacePicture(GetParam(), surface), patternPicture(index, 8, 6), {0, 1.0, 0}));
+        returned_.add(index);
+      }));
+  for (int id = 1; id <= 9; ++id) loop->request(id);
+  held.get_future().wait();
+  drawn_.atLeast(3);
+  std::this_thread::sleep_for(50ms);
+  EXPECT_EQ(drawn_.all(), (Ids{1, 2, 3}));
+  go.set_value();
+  EXPECT_EQ(returned_.atLeast(9), (Ids{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+}
+
+TEST_P(ControlLoopGLTest, DeletionFromItsOwnThreadsIsRefused) {
+  auto loop = makeRecordingLoop(8, 6);
+  Recorded<int> codes;
+  const auto attempt = [&] {
+    try {
+      loop->check_deletable();
+      codes.add(0);
+    } catch (const std::system_error& error) {
+      codes.add(error.code() == std::errc::resource_deadlock_would_occur ? 1 : 2);
+    }
+  };
+  loop->set_rendering_callback(rendering([&](std::uint32_t) { attempt(); }));
+  loop->set_image_ready_callback(imageReady(
+      [&](std::uint32_t index, std::uint32_t, std::uint32_t, void*) { attempt(), returned_.add(index); }));
+  for (int id = 1; id <= 2; ++id) {
+    loop->request(id);  // the second shows that the loop goes on
+    returned_.atLeast(static_cast<std::size_t>(id));
+  }
+  EXPECT_EQ(codes.all(), (std::vector<int>{1, 1, 1, 1}));
+  loop->check_deletable();
+}
+
+OCT_EVERY_SHARING(ControlLoopGLTest);
+
+}  // namespace
+}  // namespace oct::test

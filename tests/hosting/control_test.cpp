@@ -1,0 +1,138 @@
+#include "hosting/opengl_control.h"
+
+#include <cmath>
+#include <future>
+#include <thread>
+
+#include "hosting/client_surfaces.h"
+#include "oct_rendering/oct_rendering.h"
+#include "support/gl_spy.h"
+#include "support/surfaces.h"
+#include "support/test_context.h"
+#include "support/test_loop.h"
+
+namespace oct::test {
+namespace {
+
+class ControlGLTest : public LoopGLTest {
+ protected:
+  static std::vector<int> ids(OpenGLControl& control, int count) {
+    std::vector<int> result;
+    for (int i = 0; i < count; ++i) {
+      result.push_back(control.current_buffer().buffer_id());
+      control.rotate_buffers();
+    }
+    return result;
+  }
+};
+
+TEST_P(ControlGLTest, FourFramesUseThreeBuffers) {
+  OpenGLControl control(GetParam());
+  EXPECT_EQ(control.current_buffer().order_key(), -1);
+  EXPECT_EQ(control.current_buffer().width(), 0U);
+  EXPECT_FALSE(control.current_buffer().is_offscreen());
+  EXPECT_EQ(ids(control, 4), (std::vector<int>{0, 1, 2, 0}));
+}
+
+TEST_P(ControlGLTest, ASnapshotTakesTheFrontPlaceUntilItIsThere) {
+  OpenGLControl control(GetParam());
+  EXPECT_FALSE(control.wait_for_snapshot());
+  Picture picture(7, 5);
+  control.snapshot(7, 5, picture.bytes.data());
+  AbstractBuffer& buffer = control.current_buffer();
+  EXPECT_EQ(buffer.buffer_id(), -1);
+  auto waiter = std::async(std::launch::async, [&] { return control.wait_for_snapshot(); });
+  buffer.prepare(0);
+  drawPattern(0x99);
+  buffer.finish();
+  EXPECT_TRUE(waiter.get());
+  EXPECT_EQ(control.current_buffer().buffer_id(), 0);
+  EXPECT_TRUE(agree(picture, patternPicture(0x99, 7, 5), {0, 1.0, 0}));
+
+  control.snapshot(7, 5, picture.bytes.data());
+  control.cancel_snapshot();
+  EXPECT_FALSE(control.wait_for_snapshot());
+}
+
+TEST_P(ControlGLTest, AClientDrivesItsOwnControl) {
+  const OpenGLControlHandle control = createUniversalOpenGLControl();
+  ASSERT_NE(control, nullptr);
+  EXPECT_NE(glGetString(GL_VERSION), nullptr);
+  beforeRender(control);
+  renderTestImage(control);
+  updateBuffer(control);
+  readBuffer(control);
+  deleteUniversalOpenGLControl(control);
+  EXPECT_EQ(pendingError(), "(none)");
+  deleteUniversalOpenGLControl(nullptr);
+  EXPECT_EQ(pendingError(), "(none)");
+  for (const auto function : {beforeRender, updateBuffer, readBuffer, renderTestImage}) {
+    function(nullptr);
+    EXPECT_EQ(pendingError(), "The specified OpenGLControlHandle is invalid. ");
+  }
+}
+
+OCT_EVERY_SHARING(ControlGLTest);
+
+class TestImageGLTest : public GLTest {
+ protected:
+  static Picture picture(const std::function<void()>& draw) {
+    OffscreenBufferObject buffer;
+    Picture result(200, 200);
+    buffer.resize(200, 200);
+    buffer.set_output_data(result.bytes.data());
+    buffer.prepare(0);
+    draw();
+    buffer.finish();
+    buffer.release();
+    return result;
+  }
+
+  // The triangle's red corner, as an angle in degrees to the left of the upright.
+  static double angle(const Picture& picture) {
+    double best = -1.0;
+    double result = 0.0;
+    for (int y = 0; y < picture.height; ++y) {
+      for (int x = 0; x < picture.width; ++x) {
+        const std::uint8_t* const p = picture.pixel(x, y);
+        if (p[2] > 150 && p[1] < 80 && p[0] < 80 && p[2] - p[1] - p[0] > best) {
+          best = p[2] - p[1] - p[0];
+          const double dx = (x + 0.5) / 100.0 - 1.0;
+          const double dy = (y + 0.5) / 100.0 - 1.0;
+          result = std::atan2(-dx, dy) * 180.0 / 3.14159265358979;
+        }
+      }
+    }
+    return result;
+  }
+};
+
+TEST_F(TestImageGLTest, TenCallsTurnItByTenDegrees) {
+  const Picture first = picture(glRenderTestImage);
+  for (int i = 0; i < 8; ++i) picture(glRenderTestImage);
+  const Picture tenth = picture(glRenderTestImage);  // the tenth call draws at 9 degrees
+  const Picture eleventh = picture(glRenderTestImage);
+  EXPECT_NEAR(angle(tenth) - angle(first), 9.0, 1.0);
+  EXPECT_NEAR(angle(eleventh) - angle(first), 10.0, 1.0);
+  writePng(first, "test_image_first.png");
+  writePng(eleventh, "test_image_eleventh.png");
+}
+
+TEST(TestImageTest, NeedsAContext) {
+  std::thread([] {
+    glRenderTestImage();
+    EXPECT_EQ(pendingError(), "No OpenGL context is current on the calling thread. ");
+  }).join();
+}
+
+TEST(SurfaceSharingTest, OnlyWhatThePlatformHas) {
+  const int before = static_cast<int>(surfaceSharing());
+  for (const int value : {-1, 2, 100}) {
+    ::setSurfaceSharing(value);
+    EXPECT_EQ(pendingError(), "Invalid surface sharing selected. ");
+  }
+  EXPECT_EQ(static_cast<int>(surfaceSharing()), before);
+}
+
+}  // namespace
+}  // namespace oct::test

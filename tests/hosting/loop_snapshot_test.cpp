@@ -1,0 +1,201 @@
+// Snapshots of a control loop.
+#include <atomic>
+#include <future>
+#include <system_error>
+#include <thread>
+
+#include "support/test_loop.h"
+
+namespace oct::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Ids = std::vector<std::uint32_t>;
+
+class LoopSnapshotGLTest : public LoopGLTest {};
+
+constexpr Tolerance exact{0, 1.0, 0};
+
+TEST_P(LoopSnapshotGLTest, AnySizeWhileTheLoopDraws) {
+  auto loop = makeRecordingLoop(20, 10);
+  loop->set_rendering_callback(rendering([](std::uint32_t) { drawPattern(0x00AB12CD); }));
+  loop->set_mode(OpenGLControlLoop::roundRobin);
+  loop->request(5);
+  for (const auto& [width, height] : {std::pair{1, 1}, {3, 200}, {640, 480}, {20, 10}, {33, 7}}) {
+    Picture picture(width, height);
+    loop->snapshot(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
+                   picture.bytes.data());
+    EXPECT_TRUE(agree(picture, patternPicture(0x00AB12CD, width, height), exact));
+  }
+}
+
+TEST_P(LoopSnapshotGLTest, OfNoExtentWritesNothing) {
+  auto loop = makeRecordingLoop(20, 10);
+  std::uint8_t byte = 77;
+  loop->snapshot(0, 0, &byte);
+  EXPECT_EQ(byte, 77);
+}
+
+TEST_P(LoopSnapshotGLTest, NobodyIsHandedASnapshot) {
+  auto loop = makeRecordingLoop(8, 6);
+  Picture picture(5, 5);
+  loop->snapshot(5, 5, picture.bytes.data());
+  loop->request(3);
+  const Ids ids = returned_.atLeast(1);
+  for (const std::uint32_t id : ids) EXPECT_TRUE(id == 3 || id == 0);
+  // The snapshot's own request stays in the queue and is drawn once as a frame when mode 0 is back.
+  EXPECT_EQ(returned_.atLeast(2).size(), 2U);
+}
+
+TEST_P(LoopSnapshotGLTest, ModeSetMeanwhileHoldsAfterwards) {
+  auto loop = makeRecordingLoop(8, 6);
+  loop->set_mode(OpenGLControlLoop::roundRobin);
+  std::promise<void> inFrame;
+  std::promise<void> go;
+  loop->set_rendering_callback(rendering([&, first = true](std::uint32_t id) mutable {
+    drawn_.add(id);
+    if (!std::exchange(first, false)) return;
+    inFrame.set_value();
+    go.get_future().wait();
+  }));
+  Picture picture(4, 4);
+  auto snapshot = std::async(std::launch::async, [&] { loop->snapshot(4, 4, picture.bytes.data()); });
+  inFrame.get_future().wait();
+  loop->set_mode(OpenGLControlLoop::onceEach);
+  EXPECT_EQ(snapshot.wait_for(20ms), std::future_status::timeout);
+  go.set_value();
+  snapshot.get();
+  // In mode 0 what is queued is drawn once and no more.
+  std::this_thread::sleep_for(100ms);
+  const std::size_t count = drawn_.all().size();
+  std::this_thread::sleep_for(100ms);
+  EXPECT_EQ(drawn_.all().size(), count);
+  loop->request(8);
+  EXPECT_EQ(drawn_.atLeast(count + 1).back(), 8U);
+}
+
+TEST_P(LoopSnapshotGLTest, ASecondOneMeanwhileDoesNothing) {
+  auto loop = makeRecordingLoop(8, 6);
+  std::promise<void> inFrame;
+  std::promise<void> go;
+  loop->set_rendering_callback(rendering([&, first = true](std::uint32_t) mutable {
+    drawPattern(0x112233);
+    if (!std::exchange(first, false)) return;
+    inFrame.set_value();
+    go.get_future().wait();
+  }));
+  Picture first(4, 4);
+  auto snapshot = std::async(std::launch::async, [&] { loop->snapshot(4, 4, first.bytes.data()); });
+  inFrame.get_future().wait();
+  Picture second(9, 9);
+  loop->snapshot(9, 9, second.bytes.data());
+  EXPECT_EQ(second.bytes, Picture(9, 9).bytes);
+  go.set_value();
+  snapshot.get();
+  EXPECT_TRUE(agree(first, patternPicture(0x112233, 4, 4), exact));
+}
+
+TEST_P(LoopSnapshotGLTest, FromTheImageReadyFunctionWhileFramesWait) {
+  auto loop = makeRecordingLoop(8, 6);
+  loop->set_rendering_callback(rendering([this](std::uint32_t id) {
+    drawPattern(0x445566);
+    drawn_.add(id);
+  }));
+  Picture picture(4, 4);
+  loop->set_image_ready_callback(
+      imageReady([&, first = true](std::uint32_t index, std::uint32_t, std::uint32_t, void*) mutable {
+        if (std::exchange(first, false)) {
+          drawn_.atLeast(3);
+          loop->snapshot(4, 4, picture.bytes.data());
+        }
+        returned_.add(index);
+      }));
+  for (int id = 1; id <= 6; ++id) loop->request(id);
+  Ids ids = returned_.atLeast(7);
+  EXPECT_TRUE(agree(picture, patternPicture(0x445566, 4, 4), exact));
+  std::sort(ids.begin(), ids.end());
+  EXPECT_EQ(ids, (Ids{0, 1, 2, 3, 4, 5, 6}));  // nothing that was asked for is lost
+}
+
+TEST_P(LoopSnapshotGLTest, FromTheRenderFunctionIsRefused) {
+  auto loop = makeRecordingLoop(8, 6);
+  Recorded<bool> refused;
+  loop->set_rendering_callback(rendering([&](std::uint32_t) {
+    Picture picture(4, 4);
+    try {
+      loop->snapshot(4, 4, picture.bytes.data());
+      refused.add(false);
+    } catch (const std::system_error& error) {
+      refused.add(error.code() == std::errc::resource_deadlock_would_occur);
+    }
+  }));
+  loop->request(1);
+  EXPECT_EQ(refused.atLeast(1), std::vector<bool>{true});
+}
+
+TEST_P(LoopSnapshotGLTest, OfALoopWithoutSizeComesWithTheSize) {
+  auto loop = makeRecordingLoop(0, 0);
+  Picture picture(4, 4);
+  auto snapshot = std::async(std::launch::async, [&] { loop->snapshot(4, 4, picture.bytes.data()); });
+  EXPECT_EQ(snapshot.wait_for(30ms), std::future_status::timeout);
+  loop->resize(9, 9);
+  snapshot.get();
+  EXPECT_TRUE(agree(picture, patternPicture(0, 4, 4), exact));
+}
+
+TEST_P(LoopSnapshotGLTest, OfALoopWithoutSizeDoesNotHoldUpDeletion) {
+  auto loop = makeRecordingLoop(0, 0);
+  Picture picture(4, 4);
+  auto snapshot = std::async(std::launch::async, [&, raw = loop.get()] {
+    EXPECT_THROW(raw->snapshot(4, 4, picture.bytes.data()), std::runtime_error);
+  });
+  EXPECT_EQ(snapshot.wait_for(30ms), std::future_status::timeout);
+  loop.reset();
+  snapshot.get();
+}
+
+TEST_P(LoopSnapshotGLTest, DeletionLetsARunningOneFinish) {
+  auto loop = makeRecordingLoop(8, 6);
+  std::promise<void> inFrame;
+  loop->set_rendering_callback(rendering([&, first = true](std::uint32_t) mutable {
+    if (std::exchange(first, false)) inFrame.set_value();
+    std::this_thread::sleep_for(30ms);
+    drawPattern(0x00FF7F);
+  }));
+  Picture picture(4, 4);
+  auto snapshot =
+      std::async(std::launch::async, [&, raw = loop.get()] { raw->snapshot(4, 4, picture.bytes.data()); });
+  inFrame.get_future().wait();
+  loop.reset();
+  snapshot.get();
+  EXPECT_TRUE(agree(picture, patternPicture(0x00FF7F, 4, 4), exact));
+}
+
+TEST_P(LoopSnapshotGLTest, ManyClientsAtOnce) {
+  auto loop = makeRecordingLoop(8, 6);
+  loop->set_rendering_callback(rendering([](std::uint32_t) { drawPattern(0x0000FE); }));
+  std::vector<std::thread> threads;
+  std::atomic<int> pictures{0};
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&, i] {
+      for (int round = 0; round < 15; ++round) {
+        Picture picture(4 + i, 5);
+        loop->snapshot(static_cast<std::uint32_t>(4 + i), 5, picture.bytes.data());
+        if (picture.bytes[3] == 0) continue;  // another one was running
+        ++pictures;
+        EXPECT_TRUE(agree(picture, patternPicture(0x0000FE, 4 + i, 5), exact));
+      }
+    });
+  }
+  for (int id = 1; id < 60; ++id) {
+    loop->request(id);
+    loop->set_mode(static_cast<std::uint32_t>(id % 2));
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_GT(pictures, 0);
+}
+
+OCT_EVERY_SHARING(LoopSnapshotGLTest);
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,30 @@
+// Surfaces that the library hands out, as pictures. One source per platform.
+#pragma once
+
+#include <ostream>
+#include <vector>
+
+#include "hosting/surface_sharing.h"
+#include "support/pictures.h"
+
+namespace oct {
+
+inline void PrintTo(SurfaceSharing kind, std::ostream* stream) {
+  *stream << (kind == SurfaceSharing::direct3D ? "Direct3D" : "host memory");
+}
+
+}  // namespace oct
+
+namespace oct::test {
+
+// The kinds of this platform.
+std::vector<SurfaceSharing> surfaceSharings();
+
+// Makes the kind usable on a machine whose driver does not have it, and chooses it for controls to come.
+void chooseSharing(SurfaceSharing kind);
+
+Picture surfacePicture(SurfaceSharing kind, void* surface);
+Picture hostSurfacePicture(void* surface);
+Picture direct3DSurfacePicture(void* surface);  // on Windows
+
+}  // namespace oct::test

@@ -1,0 +1,15 @@
+#include "support/surfaces.h"
+
+namespace oct::test {
+
+std::vector<SurfaceSharing> surfaceSharings() {
+  return {SurfaceSharing::hostMemory};
+}
+void chooseSharing(SurfaceSharing kind) {
+  setSurfaceSharing(static_cast<int>(kind));
+}
+Picture surfacePicture(SurfaceSharing, void* surface) {
+  return hostSurfacePicture(surface);
+}
+
+}  // namespace oct::test

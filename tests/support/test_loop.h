@@ -1,0 +1,127 @@
+// A control loop with a client that records what it is given.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "gl/gl.h"
+#include "hosting/opengl_control_loop.h"
+#include "support/loop_functors.h"
+#include "support/surfaces.h"
+
+namespace oct::test {
+
+// A list that one thread appends to and another waits for.
+template <class T>
+class Recorded {
+ public:
+  void add(T value) {
+    {
+      const std::lock_guard lock(mutex_);
+      values_.push_back(std::move(value));
+    }
+    condition_.notify_all();
+  }
+
+  // What there is once there are so many; fewer after ten seconds.
+  std::vector<T> atLeast(std::size_t count) {
+    std::unique_lock lock(mutex_);
+    condition_.wait_for(lock, std::chrono::seconds(10), [&] { return values_.size() >= count; });
+    return values_;
+  }
+
+  std::vector<T> all() { return atLeast(0); }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable condition_;
+  std::vector<T> values_;
+};
+
+// Draws a picture that no other id has.
+inline void drawPattern(std::uint32_t id) {
+  const auto clear = [](std::uint32_t colour) {
+    glClearColor(static_cast<float>(colour >> 16 & 255U) / 255.0F,
+                 static_cast<float>(colour >> 8 & 255U) / 255.0F, static_cast<float>(colour & 255U) / 255.0F,
+                 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+  };
+  clear(id);
+  GLint viewport[4] = {};
+  glGetIntegerv(GL_VIEWPORT, viewport);
+  glEnable(GL_SCISSOR_TEST);
+  glScissor(0, 0, viewport[2] / 2, viewport[3] / 3);  // the lower left
+  clear(~id);
+  glDisable(GL_SCISSOR_TEST);
+}
+
+inline Picture patternPicture(std::uint32_t id, int width, int height) {
+  Picture picture(width, height);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const std::uint32_t colour = x < width / 2 && y < height / 3 ? ~id : id;
+      std::uint8_t* const p = picture.pixel(x, y);
+      p[0] = static_cast<std::uint8_t>(colour);
+      p[1] = static_cast<std::uint8_t>(colour >> 8);
+      p[2] = static_cast<std::uint8_t>(colour >> 16);
+      p[3] = 255;
+    }
+  }
+  return picture;
+}
+
+inline std::unique_ptr<LambdaRendering> rendering(std::function<void(std::uint32_t)> body) {
+  return std::make_unique<LambdaRendering>(std::move(body));
+}
+
+inline std::unique_ptr<LambdaImageReady> imageReady(ImageReadyBody body) {
+  return std::make_unique<LambdaImageReady>(std::move(body));
+}
+
+inline std::unique_ptr<LambdaFunctor> functor(std::function<void()> body) {
+  return std::make_unique<LambdaFunctor>(std::move(body));
+}
+
+// Every kind of surface sharing of the platform.
+class LoopGLTest : public testing::TestWithParam<SurfaceSharing> {
+ protected:
+  void SetUp() override { chooseSharing(GetParam()); }
+
+  std::unique_ptr<OpenGLControlLoop> makeLoop() {
+    return std::make_unique<OpenGLControlLoop>(
+        nullptr, nullptr,
+        std::make_unique<LambdaError>([this](const std::string& message) { errors_.add(message); }));
+  }
+
+  // A loop that draws patterns once each, and records what it draws and what it returns.
+  std::unique_ptr<OpenGLControlLoop> makeRecordingLoop(std::uint32_t width, std::uint32_t height) {
+    auto loop = makeLoop();
+    loop->set_rendering_callback(rendering([this](std::uint32_t id) {
+      drawPattern(id);
+      drawn_.add(id);
+    }));
+    loop->set_image_ready_callback(imageReady(
+        [this](std::uint32_t index, std::uint32_t, std::uint32_t, void*) { returned_.add(index); }));
+    loop->set_mode(OpenGLControlLoop::onceEach);
+    loop->resize(width, height);
+    return loop;
+  }
+
+  Recorded<std::string> errors_;
+  Recorded<std::uint32_t> drawn_;
+  Recorded<std::uint32_t> returned_;
+};
+
+inline std::string sharingName(const testing::TestParamInfo<SurfaceSharing>& info) {
+  return info.param == SurfaceSharing::direct3D ? "Direct3D" : "HostMemory";
+}
+
+#define OCT_EVERY_SHARING(suite) \
+  INSTANTIATE_TEST_SUITE_P(Hosting, suite, testing::ValuesIn(surfaceSharings()), sharingName)
+
+}  // namespace oct::test
