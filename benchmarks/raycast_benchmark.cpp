@@ -10,7 +10,6 @@
 #include <array>
 #include <cmath>
 #include <ctime>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -152,15 +151,4 @@ BENCHMARK(raycasting)
 
 }  // namespace
 
-// With "--phantom FILE" the volume is written for the peers' side of the comparison, and nothing measured.
-int main(int argc, char** argv) {
-  if (argc == 3 && std::string(argv[1]) == "--phantom") {
-    const std::vector<float> data = phantom();
-    std::ofstream file(argv[2], std::ios::binary);
-    file.write(reinterpret_cast<const char*>(data.data()),
-               static_cast<std::streamsize>(data.size() * sizeof(float)));
-    return file.flush() ? 0 : 1;
-  }
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-}
+BENCHMARK_MAIN();

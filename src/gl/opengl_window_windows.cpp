@@ -7,66 +7,29 @@
 
 #include "core/console.h"
 #include "core/exception.h"
-#include "core/log.h"
 #include "core/platform.h"
+#include "gl/hidden_window.h"
 #include "gl/opengl_window.h"
 
 namespace oct::gl {
 namespace {
-
-constexpr const char* className = "OpenGLWindow";
 
 [[noreturn]] void fail(const std::string& message) {
   writeError(message);
   throw Exception(message);
 }
 
-// The window class, registered while at least one window exists: several windows share it.
-class WindowClass {
- public:
-  WindowClass() {
-    const std::lock_guard lock(mutex);
-    if (users == 0) registerClass();
-    ++users;
-  }
-
-  ~WindowClass() {
-    const std::lock_guard lock(mutex);
-    if (--users == 0) UnregisterClassA(className, nullptr);
-  }
-
-  WindowClass(const WindowClass&) = delete;
-  WindowClass& operator=(const WindowClass&) = delete;
-
- private:
-  static void registerClass() {
-    WNDCLASSEXA record{};
-    record.cbSize = sizeof record;
-    record.style = CS_HREDRAW | CS_VREDRAW;
-    record.lpfnWndProc = DefWindowProcA;
-    record.lpszClassName = className;
-    if (!RegisterClassExA(&record)) {
-      fail("An error occured. Could not register window class (" + std::string(className) +
-           ") for graphics output: " + std::to_string(GetLastError()));
-    }
-  }
-
-  static inline std::mutex mutex;
-  static inline int users = 0;
-};
-
 }  // namespace
 
 struct OpenGLWindow::Native {
   std::mutex mutex;
-  std::optional<WindowClass> windowClass;
-  HWND window = nullptr;
+  std::optional<HiddenWindow> window;
   HDC deviceContext = nullptr;
 
   Native() {
     {
       const std::lock_guard lock(mutex);
-      createWindow();
+      window.emplace("OpenGLWindow");
     }
     try {
       setUpDeviceContext();
@@ -78,18 +41,8 @@ struct OpenGLWindow::Native {
 
   ~Native() { destroy(); }
 
-  void createWindow() {
-    log() << "Creating hidden Window";
-    windowClass.emplace();
-    window = CreateWindowExA(0, className, "", WS_OVERLAPPEDWINDOW, 0, 0, 300, 300, nullptr, nullptr, nullptr,
-                             nullptr);
-    if (!window) {
-      fail("An error occured. Could not create hidden window for OpenGL output: " + systemErrorText());
-    }
-  }
-
   void setUpDeviceContext() {
-    deviceContext = GetDC(window);
+    deviceContext = GetDC(window->handle());
     if (!deviceContext) throw std::runtime_error("Could not get window device context. ");
     PIXELFORMATDESCRIPTOR descriptor{};
     descriptor.nSize = sizeof descriptor;
@@ -109,10 +62,9 @@ struct OpenGLWindow::Native {
   }
 
   void destroy() {
-    if (deviceContext) ReleaseDC(window, deviceContext);
+    if (deviceContext) ReleaseDC(window->handle(), deviceContext);
     const std::lock_guard lock(mutex);
-    if (!DestroyWindow(window)) writeError("Failed to destroy window." + std::to_string(GetLastError()));
-    windowClass.reset();
+    window.reset();
   }
 };
 

@@ -33,6 +33,7 @@ class LoopLifetimeGLTest : public LoopGLTest {
 };
 
 TEST_P(LoopLifetimeGLTest, TwoHundredLoopsAreFlat) {
+  const auto device = keepDirect3D(GetParam());
   lives(20);  // what drivers build once
   const std::size_t threads = threadCount();
   const std::size_t handles = handleCount();

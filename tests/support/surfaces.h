@@ -1,6 +1,7 @@
 // Surfaces that the library hands out, as pictures. One source per platform.
 #pragma once
 
+#include <memory>
 #include <ostream>
 #include <vector>
 
@@ -23,7 +24,11 @@ std::vector<SurfaceSharing> surfaceSharings();
 // Makes the kind usable on a machine whose driver does not have it, and chooses it for controls to come.
 void chooseSharing(SurfaceSharing kind);
 
+// Keeps the Direct3D device alive between controls: each device that Wine makes costs it some memory for good.
+std::shared_ptr<void> keepDirect3D(SurfaceSharing kind);
+
 Picture surfacePicture(SurfaceSharing kind, void* surface);
 Picture hostSurfacePicture(void* surface);
+Picture direct3DSurfacePicture(void* surface);  // on Windows
 
 }  // namespace oct::test

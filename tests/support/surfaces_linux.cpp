@@ -8,6 +8,9 @@ std::vector<SurfaceSharing> surfaceSharings() {
 void chooseSharing(SurfaceSharing kind) {
   setSurfaceSharing(static_cast<int>(kind));
 }
+std::shared_ptr<void> keepDirect3D(SurfaceSharing) {
+  return nullptr;
+}
 Picture surfacePicture(SurfaceSharing, void* surface) {
   return hostSurfacePicture(surface);
 }

@@ -1,0 +1,129 @@
+#include "hosting/dx9_device.h"
+
+#include <exception>
+#include <future>
+#include <mutex>
+#include <stdexcept>
+
+#include "core/log.h"
+#include "gl/hidden_window.h"
+
+namespace oct {
+namespace {
+
+template <class Interface, class Create>
+ComOwner<Interface> created(Create&& create) {
+  Interface* object = nullptr;
+  if (FAILED(create(&object)) || !object) throw std::runtime_error("An error occured creating the Direct 3D device. ");
+  return ComOwner<Interface>(object);
+}
+
+}  // namespace
+
+class DX9Device::WindowThread {
+ public:
+  WindowThread() {
+    std::promise<HWND> started;
+    std::future<HWND> window = started.get_future();
+    thread_ = std::thread([this, &started] { run(started); });
+    try {
+      window_ = window.get();
+    } catch (...) {
+      thread_.join();
+      throw;
+    }
+  }
+
+  ~WindowThread() {
+    PostThreadMessageA(threadId_, WM_QUIT, 0, 0);
+    thread_.join();
+  }
+
+  HWND window() const { return window_; }
+
+ private:
+  void run(std::promise<HWND>& started) {
+    try {
+      const gl::HiddenWindow window("DirectXWindow");
+      threadId_ = GetCurrentThreadId();
+      MSG message;
+      PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE);  // makes the queue that WM_QUIT is posted to
+      started.set_value(window.handle());
+      while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
+    } catch (const std::exception&) {
+      started.set_exception(std::current_exception());
+    }
+  }
+
+  DWORD threadId_ = 0;
+  HWND window_ = nullptr;
+  std::thread thread_;
+};
+
+const char* dx9ResultName(HRESULT result) {
+  switch (static_cast<std::uint32_t>(result)) {
+    case 0:
+      return "D3D_OK";
+    case 0x8876086CU:
+      return "D3DERR_INVALIDCALL";
+    case 0x8876017CU:
+      return "D3DERR_OUTOFVIDEOMEMORY";
+    case 0x8007000EU:
+      return "E_OUTOFMEMORY";
+    default:
+      return "Unknown Error Code";
+  }
+}
+
+ComOwner<IDirect3DSurface9> surfaceOf(IDirect3DTexture9& texture) {
+  IDirect3DSurface9* surface = nullptr;
+  if (FAILED(texture.GetSurfaceLevel(0, &surface))) {
+    throw std::runtime_error("Could not get surface level of shared texture. ");
+  }
+  return ComOwner<IDirect3DSurface9>(surface);
+}
+
+std::shared_ptr<DX9Device> DX9Device::acquire() {
+  static std::mutex mutex;
+  static std::weak_ptr<DX9Device> current;
+  const std::lock_guard lock(mutex);
+  std::shared_ptr<DX9Device> device = current.lock();
+  if (!device) {
+    device = std::shared_ptr<DX9Device>(new DX9Device);
+    current = device;
+  }
+  return device;
+}
+
+DX9Device::DX9Device() : windowThread_(std::make_unique<WindowThread>()) {
+  direct3D_ = created<IDirect3D9Ex>([](IDirect3D9Ex** object) { return Direct3DCreate9Ex(D3D_SDK_VERSION, object); });
+  D3DPRESENT_PARAMETERS parameters{};
+  parameters.Windowed = TRUE;
+  parameters.BackBufferFormat = D3DFMT_X8R8G8B8;
+  parameters.SwapEffect = D3DSWAPEFFECT_FLIP;
+  device_ = created<IDirect3DDevice9Ex>([&](IDirect3DDevice9Ex** object) {
+    return direct3D_->CreateDeviceEx(
+        0, D3DDEVTYPE_HAL, windowThread_->window(),
+        D3DCREATE_HARDWARE_VERTEXPROCESSING | D3DCREATE_MULTITHREADED | D3DCREATE_FPU_PRESERVE, &parameters, nullptr,
+        object);
+  });
+  // The device draws nothing itself. Some implementations refuse to be without a target; then it keeps its own.
+  device_->SetRenderTarget(0, nullptr);
+}
+
+DX9Device::~DX9Device() = default;
+
+DX9Texture DX9Device::createTexture(std::uint32_t width, std::uint32_t height) const {
+  DX9Texture result;
+  IDirect3DTexture9* texture = nullptr;
+  const HRESULT created = device_->CreateTexture(width, height, 1, D3DUSAGE_RENDERTARGET, D3DFMT_X8R8G8B8,
+                                                 D3DPOOL_DEFAULT, &texture, &result.shareHandle);
+  if (FAILED(created)) {
+    log() << "An error occured when creating render target: " << dx9ResultName(created);
+    throw std::runtime_error("Could not generate render target. ");
+  }
+  result.texture.reset(texture);
+  return result;
+}
+
+}  // namespace oct

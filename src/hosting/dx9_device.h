@@ -1,0 +1,58 @@
+// The Direct3D 9Ex device of the process.
+#pragma once
+
+#include <d3d9.h>
+
+#include <cstdint>
+#include <memory>
+#include <thread>
+
+namespace oct {
+
+struct ComRelease {
+  void operator()(IUnknown* object) const { object->Release(); }
+};
+
+template <class Interface>
+using ComOwner = std::unique_ptr<Interface, ComRelease>;
+
+// A render target texture with a share handle.
+struct DX9Texture {
+  ComOwner<IDirect3DTexture9> texture;
+  HANDLE shareHandle = nullptr;
+};
+
+// The texture's surface. Throws "Could not get surface level of shared texture. ".
+ComOwner<IDirect3DSurface9> surfaceOf(IDirect3DTexture9& texture);
+
+// Name of a result code of texture creation.
+const char* dx9ResultName(HRESULT result);
+
+class DX9Device {
+ public:
+  // The one device, made by the first user and freed with the last. Throws "An error occured creating the Direct 3D
+  // device. ".
+  static std::shared_ptr<DX9Device> acquire();
+
+  ~DX9Device();
+  DX9Device(const DX9Device&) = delete;
+  DX9Device& operator=(const DX9Device&) = delete;
+
+  IDirect3DDevice9Ex* get() const { return device_.get(); }
+
+  // A texture of the format that is shared with OpenGL. Logs the result code and throws "Could not generate render
+  // target. ".
+  DX9Texture createTexture(std::uint32_t width, std::uint32_t height) const;
+
+ private:
+  // Owns the device's window and pumps its messages, so that the window outlives the thread that asked for it.
+  class WindowThread;
+
+  DX9Device();
+
+  std::unique_ptr<WindowThread> windowThread_;
+  ComOwner<IDirect3D9Ex> direct3D_;
+  ComOwner<IDirect3DDevice9Ex> device_;
+};
+
+}  // namespace oct

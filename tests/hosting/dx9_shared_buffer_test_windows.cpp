@@ -1,0 +1,272 @@
+// Frames rendered by OpenGL, read from the Direct3D surface. Direct3D is the machine's own.
+#include "hosting/dx9_shared_buffer_object.h"
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "hosting/client_surfaces.h"
+#include "hosting/direct3d_sharing.h"
+#include "hosting/opengl_control.h"
+#include "support/dx_interop_stand_in.h"
+#include "support/gl_spy.h"
+#include "support/surfaces.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+template <class Action>
+std::string failureOf(Action&& action) {
+  try {
+    action();
+    return "(none)";
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+class DX9SharedBufferGLTest : public testing::Test {
+ protected:
+  DX9SharedBufferGLTest() : interop_(InteropDevice::open(DX9Device::acquire())) {}
+
+  // A colour for the whole frame and another for the pixel (1, 0) in OpenGL's lowest row.
+  static void draw(int red, int green, int blue) {
+    glClearColor(static_cast<float>(red) / 255.0F, static_cast<float>(green) / 255.0F,
+                 static_cast<float>(blue) / 255.0F, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(1, 0, 1, 1);
+    glClearColor(1.0F, 1.0F, 1.0F, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glDisable(GL_SCISSOR_TEST);
+  }
+
+  static void expectFrame(DX9SharedBufferObject& buffer, int red, int green, int blue) {
+    const auto mapped = buffer.map();
+    const Picture picture = direct3DSurfacePicture(mapped->surface());
+    EXPECT_EQ(mapped->width(), static_cast<unsigned>(picture.width));
+    EXPECT_EQ(mapped->height(), static_cast<unsigned>(picture.height));
+    for (int y = 0; y < picture.height; ++y) {
+      for (int x = 0; x < picture.width; ++x) {
+        const bool special = x == 1 && y == 0;
+        const std::uint8_t* const p = picture.pixel(x, y);
+        ASSERT_EQ((std::array<int, 3>{p[0], p[1], p[2]}),
+                  (special ? std::array<int, 3>{255, 255, 255} : std::array<int, 3>{blue, green, red}))
+            << x << ", " << y;
+      }
+    }
+  }
+
+  TestContext context_;
+  DxInteropStandIn standIn_;
+  std::unique_ptr<InteropDevice> interop_;
+};
+
+TEST_F(DX9SharedBufferGLTest, FrameArrivesInTheSurface) {
+  DX9SharedBufferObject buffer(*interop_, 2);
+  EXPECT_EQ(buffer.order_key(), -1);
+  EXPECT_EQ(buffer.buffer_id(), 2);
+  EXPECT_FALSE(buffer.is_offscreen());
+  int key = 10;
+  for (const auto& [width, height] : {std::pair{40, 30}, {40, 30}, {7, 90}, {301, 201}}) {
+    buffer.resize(static_cast<unsigned>(width), static_cast<unsigned>(height));
+    buffer.prepare(++key);
+    EXPECT_EQ(standIn_.lockedObjects(), 1);
+    draw(key, 100, 200);
+    Picture readBack(width, height);
+    buffer.read_pixels(readBack.bytes.data());
+    EXPECT_EQ(readBack.pixel(0, 0)[2], key);
+    buffer.finish();
+    EXPECT_EQ(standIn_.lockedObjects(), 0);
+    EXPECT_EQ(buffer.map()->index(), static_cast<unsigned>(key));
+    expectFrame(buffer, key, 100, 200);
+  }
+  EXPECT_EQ(standIn_.registeredObjects(), 1);
+}
+
+TEST_F(DX9SharedBufferGLTest, MapHoldsTheBufferUntilItsLockIsTaken) {
+  DX9SharedBufferObject buffer(*interop_, 0);
+  buffer.resize(4, 4);
+  auto mapped = buffer.map();
+  std::atomic<bool> taken{false};
+  std::thread renderer([&] {
+    const auto lock = buffer.lock();
+    taken = true;
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_FALSE(taken);
+  mapped->take_lock().unlock();
+  renderer.join();
+}
+
+TEST_F(DX9SharedBufferGLTest, BlitFallbackWhenDepthDoesNotFit) {
+  GlSpy spy;
+  DX9SharedBufferObject buffer(*interop_, 0);
+  spy.failNext("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
+  buffer.resize(20, 10);
+  buffer.prepare(1);
+  EXPECT_EQ(glCheckFramebufferStatus(GL_FRAMEBUFFER), static_cast<GLenum>(GL_FRAMEBUFFER_COMPLETE));
+  draw(10, 20, 30);
+  buffer.finish();
+  expectFrame(buffer, 10, 20, 30);
+  buffer.resize(21, 11);  // the next size tries again without the fall-back
+  buffer.prepare(2);
+  draw(40, 50, 60);
+  buffer.finish();
+  expectFrame(buffer, 40, 50, 60);
+}
+
+TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
+  const struct {
+    const char* function;
+    int times;
+    const char* message;
+  } faults[] = {
+      {"Share", 1, "Could not share resources. "},
+      {"Register", 1, "Could not lock shared texture."},
+      {"Lock", 1, "Could not lock shared texture."},
+      {"Unlock", 1, "Could not unregister shared object. "},
+      {"Unregister", 1, "Could not unregister shared object. "},
+      {"framebuffer", 2, "Could not get shared framebuffer. Fallback failed."},
+  };
+  GlSpy spy;
+  {
+    DX9SharedBufferObject buffer(*interop_, 0);
+    buffer.resize(8, 8);
+    for (const auto& fault : faults) {
+      if (fault.function == std::string("framebuffer")) {
+        spy.failNext("glCheckFramebufferStatus", fault.times, GL_FRAMEBUFFER_UNSUPPORTED);
+      } else {
+        standIn_.failNext(fault.function, fault.times);
+      }
+      EXPECT_EQ(failureOf([&] { buffer.resize(16, 12); }), fault.message) << fault.function;
+      EXPECT_EQ(standIn_.lockedObjects(), 0) << fault.function;
+      EXPECT_EQ(buffer.width(), 0U) << "the loop compares sizes and resizes again";
+      buffer.resize(16, 12);
+      buffer.prepare(3);
+      draw(1, 2, 3);
+      buffer.finish();
+      expectFrame(buffer, 1, 2, 3);
+    }
+  }
+  EXPECT_EQ(standIn_.registeredObjects(), 0);
+  EXPECT_EQ(spy.liveObjects(), 0U);
+}
+
+TEST_F(DX9SharedBufferGLTest, FailedFrames) {
+  DX9SharedBufferObject buffer(*interop_, 0);
+  buffer.resize(8, 8);
+  standIn_.failNext("Lock");
+  EXPECT_EQ(failureOf([&] { buffer.prepare(1); }), "shared texture could not be locked. ");
+  buffer.prepare(2);
+  standIn_.failNext("Unlock");
+  EXPECT_EQ(failureOf([&] { buffer.finish(); }), "shared texture could not be unlocked. ");
+  EXPECT_EQ(failureOf([&] { buffer.finish(); }), "shared texture could not be unlocked. ") << "no frame was begun";
+  buffer.prepare(3);  // a frame whose callback throws never comes to finish
+  buffer.prepare(4);
+  draw(9, 8, 7);
+  buffer.finish();
+  expectFrame(buffer, 9, 8, 7);
+}
+
+TEST_F(DX9SharedBufferGLTest, FenceTimeOut) {
+  DX9SharedBufferObject buffer(*interop_, 0);
+  buffer.resize(8, 8);
+  const auto original = __glewClientWaitSync;
+  for (const auto& [answer, message] :
+       {std::pair<PFNGLCLIENTWAITSYNCPROC, const char*>{
+            [](GLsync, GLbitfield, GLuint64) -> GLenum { return GL_TIMEOUT_EXPIRED; },
+            "Rendering could not finish within one second. "},
+        {[](GLsync, GLbitfield, GLuint64) -> GLenum { return 0xFFFFFFFFU; },
+         "Rendering could not finish within one second. "},
+        {[](GLsync, GLbitfield, GLuint64) -> GLenum { return GL_WAIT_FAILED; }, "(none)"}}) {
+    buffer.prepare(1);
+    __glewClientWaitSync = answer;
+    EXPECT_EQ(failureOf([&] { buffer.finish(); }), message);
+    __glewClientWaitSync = original;
+  }
+}
+
+TEST_F(DX9SharedBufferGLTest, TextureThatDirect3DRefuses) {
+  DX9SharedBufferObject buffer(*interop_, 0);
+  EXPECT_EQ(failureOf([&] { buffer.resize(100000, 8); }), "Could not generate render target. ");
+  while (glGetError() != GL_NO_ERROR) {
+  }
+  buffer.resize(8, 8);
+  EXPECT_STREQ(dx9ResultName(D3DERR_OUTOFVIDEOMEMORY), "D3DERR_OUTOFVIDEOMEMORY");
+  EXPECT_STREQ(dx9ResultName(E_OUTOFMEMORY), "E_OUTOFMEMORY");
+  EXPECT_STREQ(dx9ResultName(D3DERR_INVALIDCALL), "D3DERR_INVALIDCALL");
+  EXPECT_STREQ(dx9ResultName(0), "D3D_OK");
+  EXPECT_STREQ(dx9ResultName(E_FAIL), "Unknown Error Code");
+}
+
+TEST_F(DX9SharedBufferGLTest, ClientSurfacesKeepACopy) {
+  DX9SharedBufferObject buffer(*interop_, 0);
+  buffer.resize(16, 16);
+  buffer.prepare(1);
+  draw(50, 60, 70);
+  buffer.finish();
+  void* const surface = clientSurfaces().create(SurfaceSharing::direct3D, 16, 16);
+  {
+    const auto mapped = buffer.map();
+    ClientSurfaces::copy(SurfaceSharing::direct3D, mapped->surface(), surface);
+  }
+  buffer.prepare(2);
+  draw(0, 0, 0);
+  buffer.finish();
+  EXPECT_EQ(direct3DSurfacePicture(surface).pixel(5, 5)[2], 50);
+  clientSurfaces().destroy(surface);
+  EXPECT_EQ(failureOf([&] { clientSurfaces().destroy(surface); }), "The specified surface is unknown. ");
+}
+
+TEST_F(DX9SharedBufferGLTest, OpeningTheInterop) {
+  standIn_.failNext("Open");
+  EXPECT_EQ(openDirect3DBufferSource(), nullptr);
+  {
+    const auto sharing = openDirect3DBufferSource();
+    const auto buffer = sharing->createBuffer(1);
+    buffer->resize(4, 4);
+    EXPECT_EQ(buffer->buffer_id(), 1);
+  }
+  interop_.reset();
+  EXPECT_EQ(standIn_.openDevices(), 0);
+}
+
+// Every attempt goes to the log; the control gives up after a second.
+TEST(DX9WithoutInteropGLTest, ControlFailsAfterASecond) {
+  const auto start = std::chrono::steady_clock::now();
+  std::string message;
+  const std::string text = logOf([&] {
+    message = failureOf([] { OpenGLControl control(SurfaceSharing::direct3D); });
+  });
+  EXPECT_EQ(message, "Cannot properly create an OpenGLControl.");
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
+  EXPECT_NE(text.find("Ressouce sharing between OpenGL and DirectX not supported. \n"), std::string::npos);
+}
+
+// Device, window and buffers come and go; COM references are counted at the device.
+TEST(DX9LifetimeGLTest, ManyLives) {
+  TestContext context;
+  DxInteropStandIn standIn;
+  DWORD before = 0;
+  for (int i = 0; i < 30; ++i) {
+    const auto sharing = openDirect3DBufferSource();
+    const auto buffer = sharing->createBuffer(0);
+    buffer->resize(64, 64);
+    buffer->prepare(i);
+    buffer->finish();
+    if (i == 5) GetProcessHandleCount(GetCurrentProcess(), &before);
+  }
+  DWORD after = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &after);
+  EXPECT_LE(after, before + 3);
+  EXPECT_EQ(standIn.registeredObjects(), 0);
+  const std::shared_ptr<DX9Device> device = DX9Device::acquire();
+  device->get()->AddRef();
+  EXPECT_EQ(device->get()->Release(), 1U);
+}
+
+}  // namespace
+}  // namespace oct::test

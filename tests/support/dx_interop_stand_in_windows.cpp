@@ -1,0 +1,201 @@
+#include "support/dx_interop_stand_in.h"
+
+#include <d3d9.h>
+
+#include <cstring>
+#include <mutex>
+#include <set>
+#include <stdexcept>
+#include <vector>
+
+#include "gl/gl.h"
+// After gl.h, which it needs.
+#include <GL/wglew.h>
+
+namespace oct::test {
+namespace {
+
+struct Object {
+  IDirect3DTexture9* texture;
+  GLuint name;
+  bool locked = false;
+};
+
+struct State {
+  std::mutex mutex;
+  std::map<std::string, int> calls;
+  std::map<std::string, int> failures;
+  std::set<IDirect3DDevice9*> devices;
+  std::set<Object*> objects;
+
+  bool enter(const std::string& function) {
+    ++calls[function];
+    if (failures[function] == 0) return true;
+    --failures[function];
+    return false;
+  }
+};
+
+State* state = nullptr;
+
+template <class Interface>
+void release(Interface* object) {
+  if (object) object->Release();
+}
+
+// Copies the OpenGL texture into the Direct3D surface.
+void publish(const Object& object) {
+  D3DSURFACE_DESC description{};
+  object.texture->GetLevelDesc(0, &description);
+  const std::size_t row = std::size_t{description.Width} * 4;
+  std::vector<unsigned char> pixels(row * description.Height);
+  GLint bound = 0;
+  glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+  glBindTexture(GL_TEXTURE_2D, object.name);
+  glGetTexImage(GL_TEXTURE_2D, 0, GL_BGRA, GL_UNSIGNED_BYTE, pixels.data());
+  glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(bound));
+
+  IDirect3DDevice9* device = nullptr;
+  IDirect3DSurface9* memory = nullptr;
+  IDirect3DSurface9* target = nullptr;
+  object.texture->GetDevice(&device);
+  device->CreateOffscreenPlainSurface(description.Width, description.Height, description.Format, D3DPOOL_SYSTEMMEM,
+                                      &memory, nullptr);
+  D3DLOCKED_RECT rectangle{};
+  if (memory && SUCCEEDED(memory->LockRect(&rectangle, nullptr, 0))) {
+    for (UINT y = 0; y < description.Height; ++y) {
+      std::memcpy(static_cast<char*>(rectangle.pBits) + static_cast<std::size_t>(rectangle.Pitch) * y,
+                  pixels.data() + row * y, row);
+    }
+    memory->UnlockRect();
+    object.texture->GetSurfaceLevel(0, &target);
+    device->UpdateSurface(memory, nullptr, target, nullptr);
+  }
+  release(target);
+  release(memory);
+  release(device);
+}
+
+HANDLE WINAPI openDevice(void* device) {
+  const std::lock_guard lock(state->mutex);
+  if (!state->enter("Open")) return nullptr;
+  auto* const direct3D = static_cast<IDirect3DDevice9*>(device);
+  state->devices.insert(direct3D);
+  return direct3D;
+}
+
+BOOL WINAPI closeDevice(HANDLE device) {
+  const std::lock_guard lock(state->mutex);
+  state->enter("Close");
+  return state->devices.erase(static_cast<IDirect3DDevice9*>(device)) != 0;
+}
+
+BOOL WINAPI shareHandle(void*, HANDLE) {
+  const std::lock_guard lock(state->mutex);
+  return state->enter("Share");
+}
+
+HANDLE WINAPI registerObject(HANDLE, void* resource, GLuint name, GLenum type, GLenum access) {
+  const std::lock_guard lock(state->mutex);
+  if (!state->enter("Register") || type != GL_TEXTURE_2D || access != WGL_ACCESS_WRITE_DISCARD_NV) {
+    SetLastError(ERROR_NOT_SUPPORTED);
+    return nullptr;
+  }
+  auto* const texture = static_cast<IDirect3DTexture9*>(resource);
+  D3DSURFACE_DESC description{};
+  texture->GetLevelDesc(0, &description);
+  glBindTexture(GL_TEXTURE_2D, name);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, static_cast<GLsizei>(description.Width),
+               static_cast<GLsizei>(description.Height), 0, GL_BGRA, GL_UNSIGNED_BYTE, nullptr);
+  glBindTexture(GL_TEXTURE_2D, 0);
+  texture->AddRef();
+  auto* const object = new Object{texture, name};
+  state->objects.insert(object);
+  return object;
+}
+
+BOOL WINAPI unregisterObject(HANDLE, HANDLE handle) {
+  const std::lock_guard lock(state->mutex);
+  auto* const object = static_cast<Object*>(handle);
+  if (!state->enter("Unregister") || state->objects.erase(object) == 0) return FALSE;
+  object->texture->Release();
+  delete object;
+  return TRUE;
+}
+
+BOOL WINAPI lockObjects(HANDLE, GLint count, HANDLE* handles) {
+  const std::lock_guard lock(state->mutex);
+  auto* const object = static_cast<Object*>(handles[0]);
+  if (!state->enter("Lock") || count != 1 || !state->objects.contains(object) || object->locked) return FALSE;
+  object->locked = true;
+  return TRUE;
+}
+
+BOOL WINAPI unlockObjects(HANDLE, GLint count, HANDLE* handles) {
+  const std::lock_guard lock(state->mutex);
+  auto* const object = static_cast<Object*>(handles[0]);
+  if (count != 1 || !state->objects.contains(object) || !object->locked) return FALSE;
+  object->locked = false;  // also when it is to report failure: nobody could unlock it again
+  if (!state->enter("Unlock")) return FALSE;
+  publish(*object);
+  return TRUE;
+}
+
+BOOL WINAPI objectAccess(HANDLE, GLenum) { return TRUE; }
+
+void install(bool present) {
+  __WGLEW_NV_DX_interop = present ? GL_TRUE : GL_FALSE;
+  __wglewDXOpenDeviceNV = present ? openDevice : nullptr;
+  __wglewDXCloseDeviceNV = present ? closeDevice : nullptr;
+  __wglewDXSetResourceShareHandleNV = present ? shareHandle : nullptr;
+  __wglewDXRegisterObjectNV = present ? registerObject : nullptr;
+  __wglewDXUnregisterObjectNV = present ? unregisterObject : nullptr;
+  __wglewDXLockObjectsNV = present ? lockObjects : nullptr;
+  __wglewDXUnlockObjectsNV = present ? unlockObjects : nullptr;
+  __wglewDXObjectAccessNV = present ? objectAccess : nullptr;
+}
+
+}  // namespace
+
+DxInteropStandIn::DxInteropStandIn() {
+  state = new State;
+  install(true);
+}
+
+DxInteropStandIn::~DxInteropStandIn() {
+  install(false);
+  delete state;
+  state = nullptr;
+}
+
+bool DxInteropStandIn::installed() { return state != nullptr; }
+
+void DxInteropStandIn::failNext(const std::string& function, int times) {
+  const std::lock_guard lock(state->mutex);
+  state->failures[function] = times;
+}
+
+int DxInteropStandIn::calls(const std::string& function) const {
+  const std::lock_guard lock(state->mutex);
+  return state->calls[function];
+}
+
+int DxInteropStandIn::registeredObjects() const {
+  const std::lock_guard lock(state->mutex);
+  return static_cast<int>(state->objects.size());
+}
+
+int DxInteropStandIn::lockedObjects() const {
+  const std::lock_guard lock(state->mutex);
+  int locked = 0;
+  for (const Object* const object : state->objects) locked += object->locked;
+  return locked;
+}
+
+int DxInteropStandIn::openDevices() const {
+  const std::lock_guard lock(state->mutex);
+  return static_cast<int>(state->devices.size());
+}
+
+}  // namespace oct::test

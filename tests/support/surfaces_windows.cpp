@@ -1,0 +1,60 @@
+#include "support/surfaces.h"
+
+#include <d3d9.h>
+
+#include <cstring>
+#include <memory>
+
+#include "hosting/dx9_device.h"
+#include "support/dx_interop_stand_in.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+
+std::vector<SurfaceSharing> surfaceSharings() {
+  return {SurfaceSharing::direct3D, SurfaceSharing::hostMemory};
+}
+
+void chooseSharing(SurfaceSharing kind) {
+  if (kind == SurfaceSharing::direct3D && !DxInteropStandIn::installed()) {
+    const TestContext loadsOpenGL;  // loading would put back the driver's own entry points
+    static const DxInteropStandIn standIn;
+  }
+  setSurfaceSharing(static_cast<int>(kind));
+}
+
+std::shared_ptr<void> keepDirect3D(SurfaceSharing kind) {
+  if (kind != SurfaceSharing::direct3D) return nullptr;
+  return DX9Device::acquire();
+}
+
+Picture surfacePicture(SurfaceSharing kind, void* handle) {
+  return kind == SurfaceSharing::direct3D ? direct3DSurfacePicture(handle) : hostSurfacePicture(handle);
+}
+
+// By Direct3D alone. The format has no alpha; it counts as opaque.
+Picture direct3DSurfacePicture(void* handle) {
+  auto* const surface = static_cast<IDirect3DSurface9*>(handle);
+  D3DSURFACE_DESC description{};
+  surface->GetDesc(&description);
+  IDirect3DDevice9* device = nullptr;
+  surface->GetDevice(&device);
+  const ComOwner<IDirect3DDevice9> deviceOwner(device);
+  IDirect3DSurface9* memory = nullptr;
+  device->CreateOffscreenPlainSurface(description.Width, description.Height, description.Format, D3DPOOL_SYSTEMMEM,
+                                      &memory, nullptr);
+  const ComOwner<IDirect3DSurface9> memoryOwner(memory);
+  EXPECT_TRUE(SUCCEEDED(device->GetRenderTargetData(surface, memory)));
+  Picture picture(static_cast<int>(description.Width), static_cast<int>(description.Height));
+  D3DLOCKED_RECT rectangle{};
+  EXPECT_TRUE(SUCCEEDED(memory->LockRect(&rectangle, nullptr, D3DLOCK_READONLY)));
+  for (int y = 0; y < picture.height; ++y) {
+    std::memcpy(picture.pixel(0, y), static_cast<const char*>(rectangle.pBits) + rectangle.Pitch * y,
+                static_cast<std::size_t>(picture.width) * 4);
+    for (int x = 0; x < picture.width; ++x) picture.pixel(x, y)[3] = 255;
+  }
+  memory->UnlockRect();
+  return picture;
+}
+
+}  // namespace oct::test
