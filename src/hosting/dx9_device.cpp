@@ -101,6 +101,7 @@ DX9Device::DX9Device() : windowThread_(std::make_unique<WindowThread>()) {
   parameters.Windowed = TRUE;
   parameters.BackBufferFormat = D3DFMT_X8R8G8B8;
   parameters.SwapEffect = D3DSWAPEFFECT_FLIP;
+  parameters.PresentationInterval = D3DPRESENT_INTERVAL_IMMEDIATE;  // nothing is shown, so nothing waits for a screen
   device_ = created<IDirect3DDevice9Ex>([&](IDirect3DDevice9Ex** object) {
     return direct3D_->CreateDeviceEx(
         0, D3DDEVTYPE_HAL, windowThread_->window(),

@@ -16,7 +16,11 @@ constexpr const char* noFont = "No font was found for text labels. ";
 
 class MissingFontTest : public testing::Test {
  protected:
-  void removeFonts() { FcConfigSetCurrent(FcConfigCreate()); }
+  void removeFonts() {
+    FcConfig* const empty = FcConfigCreate();
+    FcConfigSetCurrent(empty);
+    FcConfigDestroy(empty);  // the library holds it now
+  }
   void bringFontsBack() { FcInitReinitialize(); }
   ~MissingFontTest() override { bringFontsBack(); }
 };
