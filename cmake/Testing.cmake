@@ -15,14 +15,8 @@ if(OCT_SANITIZE STREQUAL "thread")
   set(oct_test_environment "TSAN_OPTIONS=ignore_noninstrumented_modules=1:halt_on_error=1")
 elseif(OCT_SANITIZE)
   # clang 14's leak checker crashes now and then on the thread-local storage of the OpenGL driver it finds loaded.
-<<<<<<< HEAD
   set(oct_test_environment "ASAN_OPTIONS=intercept_tls_get_addr=0" "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
-      "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.supp:print_suppressions=0")
-=======
-  set(oct_test_environment "ASAN_OPTIONS=intercept_tls_get_addr=0"
-    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/leaks.supp:print_suppressions=0"
-    "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1")
->>>>>>> scene
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.supp:print_suppressions=0")
 endif()
 
 # oct_add_test(target [THREADS] [LOG])
