@@ -10,15 +10,6 @@ set(OCT_SHARED_DATA "${CMAKE_SOURCE_DIR}/../shared/data" CACHE PATH "Folder of r
 # ThreadSanitizer runs what threads do; the rest would cost time and find nothing.
 option(OCT_THREAD_TESTS_ONLY "Build and register only tests about threads" OFF)
 
-if(OCT_SANITIZE STREQUAL "thread")
-  # Drivers and their compiler are not instrumented.
-  set(oct_test_environment "TSAN_OPTIONS=ignore_noninstrumented_modules=1:halt_on_error=1")
-elseif(OCT_SANITIZE)
-  # clang 14's leak checker crashes now and then on the thread-local storage of the OpenGL driver it finds loaded.
-  set(oct_test_environment "ASAN_OPTIONS=intercept_tls_get_addr=0" "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
-    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.supp:print_suppressions=0")
-endif()
-
 # oct_add_test(target [THREADS] [LOG])
 #   THREADS: the test is about threads. LOG: it reads the log, which every process on the machine writes to, and
 #   therefore runs alone.
@@ -33,9 +24,6 @@ function(oct_add_test target)
   endif()
   get_filename_component(preset "${CMAKE_BINARY_DIR}" NAME)
   set(properties TIMEOUT 300 LABELS "${preset}")
-  if(oct_test_environment)
-    list(APPEND properties ENVIRONMENT "${oct_test_environment}")
-  endif()
   if(test_LOG)
     list(APPEND properties RUN_SERIAL ON)
   endif()
