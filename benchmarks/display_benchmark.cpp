@@ -11,9 +11,12 @@
 #include "gl/gl_names.h"
 #include "gl/quad.h"
 #include "gl/shader.h"
+#include "median.h"
 #include "oct_rendering/oct_rendering.h"
 #include "renderer/colormap.h"
 #include "shaders.h"
+
+using oct::benchmark_scene::Median;
 
 namespace {
 
@@ -98,19 +101,6 @@ double milliseconds(Work&& work) {
   work();
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
-
-class Median {
- public:
-  void add(double value) { values_.push_back(value); }
-  double value() {
-    std::nth_element(values_.begin(), values_.begin() + static_cast<std::ptrdiff_t>(values_.size() / 2),
-                     values_.end());
-    return values_[values_.size() / 2];
-  }
-
- private:
-  std::vector<double> values_;
-};
 
 void frameAgainstItsParts(benchmark::State& state) {
   std::vector<float> image(static_cast<std::size_t>(depth) * aScans);

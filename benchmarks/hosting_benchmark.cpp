@@ -15,7 +15,10 @@
 #include "gl/opengl_context.h"
 #include "gl/opengl_loader.h"
 #include "hosting/host_buffer_object.h"
+#include "median.h"
 #include "oct_rendering/oct_rendering.h"
+
+using oct::benchmark_scene::median;
 
 namespace {
 
@@ -25,13 +28,6 @@ using Clock = std::chrono::steady_clock;
 
 double milliseconds(Clock::time_point start) {
   return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-  if (values.empty()) return 0.0;
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
 }
 
 void drawNothing() {

@@ -15,10 +15,13 @@
 
 #include "gl/texture_3d.h"
 #include "literal_raycasting.h"
+#include "median.h"
 #include "oct_rendering/oct_rendering.h"
 #include "raycast_phantom.h"
 #include "shaders.h"
 #include "volume/raycaster.h"
+
+using oct::benchmark_scene::Median;
 
 namespace {
 
@@ -40,19 +43,6 @@ double cpuMilliseconds() {
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
   return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
 }
-
-class Median {
- public:
-  void add(double value) { values_.push_back(value); }
-  double value() {
-    const auto middle = values_.begin() + static_cast<std::ptrdiff_t>(values_.size() / 2);
-    std::nth_element(values_.begin(), middle, values_.end());
-    return *middle;
-  }
-
- private:
-  std::vector<double> values_;
-};
 
 // One scene, drawn by either set of programs.
 class Scene {
