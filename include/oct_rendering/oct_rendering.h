@@ -149,7 +149,7 @@ OCT_API void setRendererLogFile(const char* FileName);
  * @param Callback Called on the source's acquisition thread; null removes the function set before.
  * @par Errors
  * "The specified LiveDataSourceHandle is invalid. "
- * @thread Any thread, while the source is not running.
+ * @thread Any thread. The function that was set before may be running when this returns.
  */
 OCT_API void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback);
 
@@ -1310,5 +1310,7 @@ OCT_API void renderTestImage(OpenGLControlHandle Handle);
 #ifdef __cplusplus
 }
 #endif
+
+#include "live.h"
 
 #endif /* OCT_RENDERING_H */

@@ -6,6 +6,7 @@
 #include "core/error_store.h"
 #include "core/log.h"
 #include "live/abstract_data_source.h"
+#include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
 
 using oct::api::frame;
@@ -28,6 +29,10 @@ int getRendererError(char* Message, int Size) {
 
 void setRendererLogFile(const char* FileName) {
   frame(__func__, [&] { oct::setLogFileName(FileName ? FileName : ""); });
+}
+
+void setDeviceLibrary(const char* NameOrPath) {
+  frame(__func__, [&] { oct::setDeviceLibraryName(NameOrPath); });
 }
 
 void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback) {

@@ -15,6 +15,19 @@ class Source : public AbstractDataSource {
  public:
   void set_error_callback(const ErrorCallback& callback) override { callback_ = callback; }
   ErrorCallback callback_;
+
+  void register_live_rendering(AbstractLiveRendering*) override {}
+  void deregister_renderer() override {}
+  void start(ScanPatternHandle) override {}
+  void stop() override {}
+  void set_ref_intensity_callback(std::unique_ptr<RefIntensityFunctor>) override {}
+  void set_size_z(std::int32_t) override {}
+  void set_camera(std::int32_t) override {}
+  std::int32_t get_camera() override { return 0; }
+  void set_refractive_index(double) override {}
+  void set_analog_input(bool) override {}
+  void thread() override {}
+  std::thread start_thread() override { return {}; }
 };
 
 TEST(ErrorCallbackTest, SourceKeepsItsOwnCopy) {

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -45,6 +47,30 @@ TEST(ObjectLockTest, SerialisesOneObjectAndNotAnother) {
   }
   EXPECT_EQ(first, 16000);
   EXPECT_EQ(most, 1);
+}
+
+// A render loop holds the lock nearly all the time; a setter must come in after the frame in progress.
+TEST(ObjectLockTest, NobodyStarvesBesideARenderLoop) {
+  int object = 0;
+  std::atomic<bool> stop{false};
+  std::atomic<int> frames{0};
+  std::thread loop([&] {
+    while (!stop) {
+      const ObjectLock lock(&object);
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
+      ++frames;
+    }
+  });
+  while (frames == 0) std::this_thread::yield();
+  int mostFrames = 0;
+  for (int i = 0; i < 50; ++i) {
+    const int before = frames;
+    const ObjectLock lock(&object);
+    mostFrames = std::max(mostFrames, frames - before);
+  }
+  stop = true;
+  loop.join();
+  EXPECT_LE(mostFrames, 2);  // the one in progress, and one that began before this thread had asked
 }
 
 TEST(ObjectLockTest, SameThreadAgain) {

@@ -13,6 +13,10 @@
 #define OCT_DEVICE_API __attribute__((visibility("default")))
 #endif
 
+/* The header of the rendering library declares these four as well, and C99 does not allow it twice. */
+#ifndef OCT_DEVICE_HANDLES
+#define OCT_DEVICE_HANDLES
+
 /** An OCT device: light source, interferometer, scanner and camera. */
 typedef struct OctDevice* OCTDeviceHandle;
 
@@ -22,6 +26,11 @@ typedef struct OctProcessing* ProcessingHandle;
 /** The lateral positions at which a volume is measured. */
 typedef struct OctScanPattern* ScanPatternHandle;
 
+/** The computation of polarization quantities from the light of two sensors. */
+typedef struct OctPolarizationProcessing* PolarizationProcessingHandle;
+
+#endif
+
 /** The camera readings of one volume. */
 typedef struct OctRawData* RawDataHandle;
 
@@ -30,8 +39,5 @@ typedef struct OctData* DataHandle;
 
 /** A processed volume of complex numbers: amplitude and phase of the light. */
 typedef struct OctComplexData* ComplexDataHandle;
-
-/** The computation of polarization quantities from the light of two sensors. */
-typedef struct OctPolarizationProcessing* PolarizationProcessingHandle;
 
 #endif

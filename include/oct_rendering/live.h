@@ -1,0 +1,321 @@
+/**
+ * @file live.h
+ * @brief Live volumes: from a device that measures to the screen. Part of oct_rendering.h.
+ */
+#ifndef OCT_RENDERING_LIVE_H
+#define OCT_RENDERING_LIVE_H
+
+#include "oct_rendering.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The header of the device functions declares these four as well, and C99 does not allow it twice. */
+#ifndef OCT_DEVICE_HANDLES
+#define OCT_DEVICE_HANDLES
+
+/** @brief A device of the device library. Passed through, never freed. */
+typedef struct OctDevice* OCTDeviceHandle;
+
+/** @brief The processing of one sensor's spectra, of the device library. */
+typedef struct OctProcessing* ProcessingHandle;
+
+/** @brief A scan pattern of the device library. */
+typedef struct OctScanPattern* ScanPatternHandle;
+
+/** @brief The polarization processing of two sensors, of the device library. */
+typedef struct OctPolarizationProcessing* PolarizationProcessingHandle;
+
+#endif
+
+/** @brief Carries live volumes to a volume renderer. Null is the invalid handle. */
+typedef struct OctLiveVolumeRendering* LiveVolumeRenderingHandle;
+
+/** @brief Receives the reference intensity of the volume acquired last, 0 to 1. */
+typedef void (*OctIntensityFunction)(double intensity);
+
+/* ----------------------------------------------------------------------------------------------------------
+ */
+/**
+ * @defgroup live Live volumes
+ *
+ * A data source acquires volumes on a thread of its own; a live renderer takes each to the graphics card and
+ * draws it. Order of calls:
+ *  - on the rendering thread, with an initialised volume renderer: createLiveRendering(),
+ *    setLiveVolumeRenderingRenderer();
+ *  - createOnlineDataSource() or createOnlineDataSource_PS(), its settings, startDataSource();
+ *  - renderVolume() once per frame on the rendering thread; the first call does what the source waits for;
+ *  - stopDataSource(); one more renderVolume() frees the OpenGL objects; clearDataSource(),
+ * clearLiveRendering().
+ *
+ * The volumes are drawn when setRenderElements() shows the volume, their surface when it shows the surface.
+ * The volume renderer's range follows the device: depth, divided by the refractive index, and the two lateral
+ * axes, in millimetres. A volume for which no buffer is free within 100 ms is not drawn; acquisition goes on.
+ *
+ * Errors of the device reach the function of setErrorCallback(), on the acquisition thread: one at the first
+ * volume ends the thread, and so does any of a polarization-sensitive source. Other failures on that thread
+ * arrive there as well and end it: "Insufficient memory allocated." (the device's volume is smaller than what
+ * is to be drawn), "Volume sizes must not be negative. ", "The volume has too many voxels for live rendering.
+ * ". After its thread has ended a source can be started again, with stopDataSource() first or without.
+ */
+/** @{ */
+
+/**
+ * @brief Sets which device library live sources call.
+ * @param NameOrPath Name without prefix and suffix (default "oct_device"), or a path; null or empty: the
+ * default. The text is copied. The library is bound at the next createOnlineDataSource() or
+ * createOnlineDataSource_PS(): a module of that name that the process has loaded, else the one that the
+ * system's safe search finds. It stays loaded. Sources keep the library they were made with.
+ * @thread Any thread.
+ */
+OCT_API void setDeviceLibrary(const char* NameOrPath);
+
+/**
+ * @brief Makes a live renderer. Does no OpenGL work.
+ * @return The object, to be freed with clearLiveRendering(); null on failure.
+ * @par Errors
+ * "Could not create event."
+ * @thread Any thread.
+ */
+OCT_API LiveVolumeRenderingHandle createLiveRendering(void);
+
+/**
+ * @brief Frees a live renderer. Its OpenGL objects are freed by renderVolume() after stopDataSource().
+ * @param Handle The live renderer; no source may be running with it.
+ * @par Errors
+ * "Cannot lock nullptr. "
+ * @thread Any thread that does not hold up a frame: it waits for the one in progress.
+ */
+OCT_API void clearLiveRendering(LiveVolumeRenderingHandle Handle);
+
+/**
+ * @brief Sets the volume renderer that draws the volumes.
+ * @param Handle The live renderer.
+ * @param Renderer The volume renderer, which stays the client's and must live as long as it is set.
+ * @par Errors
+ * "Invalid Live Rendering Handle specified. "; "Cannot lock nullptr. " for a null renderer
+ * @thread Any thread; waits for the frame in progress.
+ */
+OCT_API void setLiveVolumeRenderingRenderer(LiveVolumeRenderingHandle Handle, VolumeRendererHandle Renderer);
+
+/**
+ * @brief Tells whether a live renderer is in use, from startDataSource() to the renderVolume() that follows
+ *        stopDataSource().
+ * @param Handle The live renderer.
+ * @return True unless it is stopped.
+ * @par Errors
+ * "Cannot lock nullptr. "
+ * @thread Any thread; waits for the frame in progress.
+ */
+OCT_API bool isLiveVolumeRunning(LiveVolumeRenderingHandle Handle);
+
+/**
+ * @brief Draws one frame: takes the latest volume to the graphics card, hands the acquisition thread the next
+ * buffer, draws the volume renderer's scene into the current target. The first frame after startDataSource()
+ * makes the OpenGL objects and draws nothing; so does the one after stopDataSource(), which frees them. A
+ * live renderer that is stopped draws nothing.
+ * @param Handle The live renderer.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; "No OpenGL context is current on the calling thread. ";
+ * "A volume of ... voxels is too large: this OpenGL driver allows ... voxels along each axis. "; "A volume of
+ * ... voxels needs a texture of ... MB, more than this OpenGL driver allows. "; "This is an error." (the
+ * driver gave no buffer); "Could not set event"; "An OpenGL error in FastOpenGLVolumeRenderer::... occured:
+ * ..."; those of the volume renderer's frame
+ * @thread Rendering thread.
+ */
+OCT_API void renderVolume(LiveVolumeRenderingHandle Handle);
+
+/**
+ * @brief Volumes per second, measured between the last two that were uploaded in this process.
+ * @param Handle The live renderer.
+ * @return The rate; 0 before the first volume; infinite when less than a millisecond had passed, as at the
+ * first.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread; waits for the frame in progress.
+ */
+OCT_API double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle);
+
+/**
+ * @brief Size of the live volumes in voxels; 0 before the first measurement.
+ * @param Handle The live renderer.
+ * @param X Receives the depth samples per A-scan that are drawn; may be null.
+ * @param Y Receives the A-scans per B-scan; may be null.
+ * @param Z Receives the B-scans; may be null.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread.
+ */
+OCT_API void getLiveVolumeRenderingSize(LiveVolumeRenderingHandle Handle, int* X, int* Y, int* Z);
+
+/**
+ * @brief Makes a source of live volumes.
+ * @param Dev The device.
+ * @param Proc The processing of its spectra. Both must outlive the source.
+ * @return The source, to be freed with clearDataSource(); null on failure.
+ * @par Errors
+ * "The specifided OCTDeviceHandle is invalid. "; "The specifided ProcessingHandle is invalid. "; "The device
+ * library
+ * "..." could not be loaded: ... "; "The device library "..." has no function "...". "
+ * @thread Any thread.
+ */
+OCT_API LiveDataSourceHandle createOnlineDataSource(OCTDeviceHandle Dev, ProcessingHandle Proc);
+
+/**
+ * @brief Makes a source of polarization-sensitive volumes from a device with two sensors.
+ * @param Dev The device.
+ * @param Proc0 The processing of sensor 0.
+ * @param Proc1 The processing of sensor 1.
+ * @param PS_Proc The polarization processing. All four must outlive the source.
+ * @return The source, to be freed with clearDataSource(); null on failure.
+ * @par Errors
+ * "The specifided OCTDeviceHandle is invalid. "; "The specifided ProcessingHandle for camera/sensor-0 is
+ * invalid. "; "The specifided ProcessingHandle for camera/sensor-1 is invalid. "; "The specifided
+ * PolarizationProcessingHandle is invalid. "; "The device library "..." could not be loaded: ... "; "The
+ * device library "..." has no function "...". "
+ * @thread Any thread.
+ */
+OCT_API LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHandle Proc0,
+                                                       ProcessingHandle Proc1,
+                                                       PolarizationProcessingHandle PS_Proc);
+
+/**
+ * @brief Stops the source, waits for its thread and frees it.
+ * @param DataSource The source; null is ignored.
+ * @par Errors
+ * The system's text for a resource deadlock, from one of the source's own callbacks: the source stops and is
+ * not freed.
+ * @thread Any thread but the source's own.
+ */
+OCT_API void clearDataSource(LiveDataSourceHandle DataSource);
+
+/**
+ * @brief Starts acquisition.
+ * @param Renderer The live renderer that draws the volumes.
+ * @param DataSource The source.
+ * @param Pattern The scan pattern; it must outlive the measurement.
+ * @par Errors
+ * In this order: "The specified LiveDataSourceHandle is invalid. " (source); "The specified
+ * VolumeRendererHandle is invalid. " (live renderer); "The specified ScanPatternHandle is invalid. "; then
+ * "BrennickDataSource already running". A running source is left as it is.
+ * @thread Any thread but the source's own; waits for the frame in progress.
+ */
+OCT_API void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle DataSource,
+                             ScanPatternHandle Pattern);
+
+/**
+ * @brief Ends acquisition and waits until the volume in progress has arrived. The rendering thread need not
+ * render meanwhile.
+ * @param DataSource The source; one that is not running is left as it is.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "; the system's text for a resource deadlock, from one of
+ * the source's own callbacks: the source stops all the same, without anybody waiting for it.
+ * @thread Any thread but the source's own.
+ */
+OCT_API void stopDataSource(LiveDataSourceHandle DataSource);
+
+/**
+ * @brief Sets how many depth samples of each A-scan are drawn, from the surface of the range downwards. At
+ * first all of them: half the length of a spectrum. Holds from the next startDataSource() on.
+ * @param DataSource The source.
+ * @param Size Samples, 1 or more. More than the device delivers ends the acquisition thread with
+ * "Insufficient memory allocated."
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "; "At least one depth sample must be kept. "
+ * @thread Any thread.
+ */
+OCT_API void setSizeZ(LiveDataSourceHandle DataSource, int Size);
+
+/**
+ * @brief Sets the refractive index that depths are divided by. Holds from the next startDataSource() on.
+ * @param DataSource The source; null is ignored.
+ * @param Index Above zero; 1 at first.
+ * @par Errors
+ * "The refractive index must be above zero. "
+ * @thread Any thread.
+ */
+OCT_API void setOnlineRefractiveIndex(LiveDataSourceHandle DataSource, double Index);
+
+/**
+ * @brief Sets whether the analog input is acquired as secondary data. Holds from the next startDataSource()
+ * on.
+ * @param DataSource The source; null is ignored.
+ * @param Enable At first false.
+ * @par Errors
+ * "Analog input not supported in PS Live mode." for true and a polarization-sensitive source
+ * @thread Any thread.
+ */
+OCT_API void setOnlineAnalogInputConfiguration(LiveDataSourceHandle DataSource, bool Enable);
+
+/**
+ * @brief Sets the camera whose volumes are drawn, from the next volume on. Not for polarization-sensitive
+ * sources.
+ * @param DataSource The source; null is ignored.
+ * @param Camera Index of the camera, at first 0. One that the device lacks is the device's error.
+ * @thread Any thread.
+ */
+OCT_API void selectOnlineDataSource_Camera(LiveDataSourceHandle DataSource, int Camera);
+
+/**
+ * @brief Selects what a polarization-sensitive source draws, from the next volume on.
+ * @param DataSource The source; null, and a source of another kind, are ignored.
+ * @param Output 0 intensity (at first), 1 retardation, 2 optic axis, 3 degree of polarization uniformity
+ * (DOPU), 4, 5, 6 Stokes Q, U, V; 7, 8 intensity of sensor 0, 1 without polarization processing; any other:
+ * volumes are acquired and the picture stays.
+ * @thread Any thread.
+ */
+OCT_API void selectOnlineDataSource_PS(LiveDataSourceHandle DataSource, int Output);
+
+/**
+ * @brief Sets over how much Stokes vectors are averaged, from the next volume on. Values below 1 count as 1.
+ * @param DataSource The source; null, and a source of another kind, are ignored.
+ * @param Depth Depth samples.
+ * @param AScans A-scans.
+ * @param BScans B-scans.
+ * @param Volumes Successive volumes.
+ * @thread Any thread.
+ */
+OCT_API void setOnlineAveraging_PS(LiveDataSourceHandle DataSource, int Depth, int AScans, int BScans,
+                                   int Volumes);
+
+/**
+ * @brief Sets the size of the DOPU filter, from the next volume on; at first 3 x 3 x 3. A size is taken as
+ * given if the one before was at least 3, else it becomes 3.
+ * @param DataSource The source; null, and a source of another kind, are ignored.
+ * @param Depth Depth samples.
+ * @param AScans A-scans.
+ * @param BScans B-scans.
+ * @param Reserved Stored; without effect.
+ * @thread Any thread.
+ */
+OCT_API void setOnlineDOPU_PS(LiveDataSourceHandle DataSource, int Depth, int AScans, int BScans,
+                              int Reserved);
+
+/**
+ * @brief Sets the intensity below which the other quantities are set to 0, from the next volume on.
+ * @param DataSource The source; null, and a source of another kind, are ignored.
+ * @param Threshold Decibels, at first 0.
+ * @param Enable At first false.
+ * @thread Any thread.
+ */
+OCT_API void setOnlineDataThreshold_PS(LiveDataSourceHandle DataSource, double Threshold, bool Enable);
+
+/**
+ * @brief Sets the function that receives the reference intensity after every volume but the first.
+ * @param DataSource The source.
+ * @param Callback Called on the acquisition thread; null removes the one set before, which may still be
+ * running when this returns.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread.
+ */
+OCT_API void setRefIntensityCallback(LiveDataSourceHandle DataSource, OctIntensityFunction Callback);
+
+/** @} */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* OCT_RENDERING_LIVE_H */

@@ -1,0 +1,189 @@
+// Exports of live volumes: the live renderer and its data sources.
+#include "api/api_frame.h"
+#include "core/object_lock.h"
+#include "live/brennick_data_source_ps.h"
+#include "live/fast_opengl_volume_renderer.h"
+#include "oct_rendering/oct_rendering.h"
+
+using oct::AbstractDataSource;
+using oct::AbstractLiveRendering;
+using oct::BrennickDataSource_PS;
+using oct::api::checked;
+using oct::api::frame;
+
+namespace {
+
+constexpr const char* invalidSource = "The specified LiveDataSourceHandle is invalid. ";
+constexpr const char* invalidRenderer = "The specified VolumeRendererHandle is invalid. ";
+
+AbstractLiveRendering* liveRendering(LiveVolumeRenderingHandle handle) {
+  return reinterpret_cast<AbstractLiveRendering*>(handle);
+}
+
+AbstractDataSource* dataSource(LiveDataSourceHandle handle) {
+  return reinterpret_cast<AbstractDataSource*>(handle);
+}
+
+// Null unless the source is one for two sensors.
+BrennickDataSource_PS* polarizationSource(LiveDataSourceHandle handle) {
+  return dynamic_cast<BrennickDataSource_PS*>(dataSource(handle));
+}
+
+LiveDataSourceHandle handleOf(AbstractDataSource* source) {
+  return oct::api::handleOf<OctLiveDataSource>(source);
+}
+
+}  // namespace
+
+LiveVolumeRenderingHandle createLiveRendering(void) {
+  return frame(__func__, [] {
+    AbstractLiveRendering* const rendering = new oct::FastOpenGLVolumeRenderer;
+    return oct::api::handleOf<OctLiveVolumeRendering>(rendering);
+  });
+}
+
+void clearLiveRendering(LiveVolumeRenderingHandle Handle) {
+  frame(__func__, [&] {
+    const oct::ObjectLock lock(Handle);
+    delete liveRendering(Handle);
+  });
+}
+
+void setLiveVolumeRenderingRenderer(LiveVolumeRenderingHandle Handle, VolumeRendererHandle Renderer) {
+  frame(__func__, [&] {
+    auto& rendering = checked<AbstractLiveRendering>(Handle, "Invalid Live Rendering Handle specified. ");
+    const oct::ObjectLock lock(Handle);
+    const oct::ObjectLock rendererLock(Renderer);
+    rendering.set_renderer(reinterpret_cast<oct::VolumeRenderer*>(Renderer));
+  });
+}
+
+bool isLiveVolumeRunning(LiveVolumeRenderingHandle Handle) {
+  return frame(__func__, [&] {
+    const oct::ObjectLock lock(Handle);
+    return liveRendering(Handle)->is_running();
+  });
+}
+
+LiveDataSourceHandle createOnlineDataSource(OCTDeviceHandle Dev, ProcessingHandle Proc) {
+  return frame("LiveDataSourceHandle createOnlineDataSource(OCTDeviceHandle Dev, ProcessingHandle Proc)",
+               [&] {
+                 if (!Dev) throw std::invalid_argument("The specifided OCTDeviceHandle is invalid. ");
+                 if (!Proc) throw std::invalid_argument("The specifided ProcessingHandle is invalid. ");
+                 return handleOf(new oct::BrennickDataSource(oct::deviceLibrary(), Dev, Proc));
+               });
+}
+
+LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHandle Proc0,
+                                               ProcessingHandle Proc1, PolarizationProcessingHandle PS_Proc) {
+  return frame(
+      "LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHandle Proc0, "
+      "ProcessingHandle Proc1, PolarizationProcessingHandle PS_Proc)",
+      [&] {
+        if (!Dev) throw std::invalid_argument("The specifided OCTDeviceHandle is invalid. ");
+        if (!Proc0) {
+          throw std::invalid_argument("The specifided ProcessingHandle for camera/sensor-0 is invalid. ");
+        }
+        if (!Proc1) {
+          throw std::invalid_argument("The specifided ProcessingHandle for camera/sensor-1 is invalid. ");
+        }
+        if (!PS_Proc) throw std::invalid_argument("The specifided PolarizationProcessingHandle is invalid. ");
+        auto library = oct::deviceLibrary();
+        library->requirePolarization();
+        return handleOf(new BrennickDataSource_PS(std::move(library), Dev, Proc0, Proc1, PS_Proc));
+      });
+}
+
+// The setters below take a null handle, or one of the other kind, without a word; only misuse of a value is
+// an error.
+
+void setOnlineRefractiveIndex(LiveDataSourceHandle Handle, double Index) {
+  if (Handle) frame(__func__, [&] { dataSource(Handle)->set_refractive_index(Index); });
+}
+
+void setOnlineAnalogInputConfiguration(LiveDataSourceHandle Handle, bool Enable) {
+  if (Handle) frame(__func__, [&] { dataSource(Handle)->set_analog_input(Enable); });
+}
+
+void selectOnlineDataSource_Camera(LiveDataSourceHandle Handle, int Camera) {
+  if (Handle) dataSource(Handle)->set_camera(Camera);
+}
+
+void selectOnlineDataSource_PS(LiveDataSourceHandle Handle, int Output) {
+  if (auto* const source = polarizationSource(Handle)) source->set_output_mode(Output);
+}
+
+void setOnlineAveraging_PS(LiveDataSourceHandle Handle, int Depth, int AScans, int BScans, int Volumes) {
+  if (auto* const source = polarizationSource(Handle)) source->set_averaging(Depth, AScans, BScans, Volumes);
+}
+
+void setOnlineDOPU_PS(LiveDataSourceHandle Handle, int Depth, int AScans, int BScans, int Reserved) {
+  if (auto* const source = polarizationSource(Handle)) source->set_dopu(Depth, AScans, BScans, Reserved);
+}
+
+void setOnlineDataThreshold_PS(LiveDataSourceHandle Handle, double Threshold, bool Enable) {
+  if (auto* const source = polarizationSource(Handle)) source->set_threshold(Threshold, Enable);
+}
+
+void clearDataSource(LiveDataSourceHandle Handle) {
+  if (!Handle) return;
+  frame(__func__, [&] {
+    dataSource(Handle)->stop();  // throws on the source's own thread, which must not lose its object
+    delete dataSource(Handle);
+  });
+}
+
+void setRefIntensityCallback(LiveDataSourceHandle Handle, OctIntensityFunction Callback) {
+  frame(__func__, [&] {
+    auto& source = checked<AbstractDataSource>(Handle, invalidSource);
+    source.set_ref_intensity_callback(std::make_unique<oct::RefIntensityCallback>(Callback));
+  });
+}
+
+void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle DataSource,
+                     ScanPatternHandle Pattern) {
+  frame(
+      "void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle DataSource, "
+      "ScanPatternHandle "
+      "Pattern)",
+      [&] {
+        auto& source = checked<AbstractDataSource>(DataSource, invalidSource);
+        auto& rendering = checked<AbstractLiveRendering>(Renderer, invalidRenderer);
+        if (!Pattern) throw std::invalid_argument("The specified ScanPatternHandle is invalid. ");
+        const oct::ObjectLock lock(Renderer);
+        source.register_live_rendering(&rendering);
+        source.start(Pattern);
+      });
+}
+
+void stopDataSource(LiveDataSourceHandle DataSource) {
+  frame(__func__, [&] {
+    auto& source = checked<AbstractDataSource>(DataSource, invalidSource);
+    source.stop();
+    source.deregister_renderer();  // clients may clear the live renderer before the source
+  });
+}
+
+void renderVolume(LiveVolumeRenderingHandle Handle) {
+  frame(__func__, [&] {
+    auto& rendering = checked<AbstractLiveRendering>(Handle, invalidRenderer);
+    const oct::ObjectLock lock(Handle);
+    rendering.render();
+  });
+}
+
+double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle) {
+  return frame(__func__, [&] {
+    auto& rendering = checked<AbstractLiveRendering>(Handle, invalidRenderer);
+    const oct::ObjectLock lock(Handle);
+    return rendering.get_fps();
+  });
+}
+
+void getLiveVolumeRenderingSize(LiveVolumeRenderingHandle Handle, int* X, int* Y, int* Z) {
+  frame(__func__, [&] { checked<AbstractLiveRendering>(Handle, invalidSource).get_size(X, Y, Z); });
+}
+
+void setSizeZ(LiveDataSourceHandle DataSource, int Size) {
+  frame(__func__, [&] { checked<AbstractDataSource>(DataSource, invalidSource).set_size_z(Size); });
+}

@@ -1,0 +1,311 @@
+#include "live/brennick_data_source.h"
+
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <stdexcept>
+#include <system_error>
+
+#include "core/exception.h"
+#include "core/timing_mark.h"
+#include "live/abstract_live_rendering.h"
+#include "live/scope_exit.h"
+#include "volume/volume_renderer.h"
+
+namespace oct {
+namespace {
+
+// A live renderer's buffer: goes back without a volume unless it was filled.
+class WriteBuffer {
+ public:
+  explicit WriteBuffer(AbstractLiveRendering& rendering)
+      : rendering_(rendering), data_(rendering.get_data_ptr()) {}
+  ~WriteBuffer() {
+    if (data_) rendering_.discard();
+  }
+  WriteBuffer(const WriteBuffer&) = delete;
+  WriteBuffer& operator=(const WriteBuffer&) = delete;
+
+  float* data() const { return data_; }
+  void filled() {
+    data_ = nullptr;
+    rendering_.update();
+  }
+
+ private:
+  AbstractLiveRendering& rendering_;
+  float* data_;
+};
+
+std::system_error deadlock() {
+  return std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
+}
+
+Exception alreadyRunning() {
+  return Exception("BrennickDataSource already running");
+}
+
+}  // namespace
+
+BrennickDataSource::BrennickDataSource(std::shared_ptr<const DeviceLibrary> library, OCTDeviceHandle device,
+                                       ProcessingHandle processing)
+    : library_(std::move(library)),
+      device_(device),
+      processing_(processing),
+      max_size_z_(sdk().getDevicePropertyInt(device, OCT_DEVICE_SPECTRUM_LENGTH) / 2),
+      size_z_(max_size_z_),
+      device_value_(sdk().getDevicePropertyFloat(device, OCT_DEVICE_DEPTH_RANGE)) {}
+
+BrennickDataSource::~BrennickDataSource() {
+  BrennickDataSource::stop();
+}
+
+void BrennickDataSource::register_live_rendering(AbstractLiveRendering* rendering) {
+  if (running_) throw alreadyRunning();
+  live_renderer_ = rendering;
+}
+
+void BrennickDataSource::deregister_renderer() {
+  register_live_rendering(nullptr);
+}
+
+void BrennickDataSource::start(ScanPatternHandle pattern) {
+  if (running_) throw alreadyRunning();
+  if (on_own_thread()) throw deadlock();
+  const std::lock_guard lock(thread_mutex_);
+  if (running_) throw alreadyRunning();
+  // A thread that a device error has ended is still joinable; assigning to it would end the process.
+  if (thread_.joinable()) thread_.join();
+  scan_pattern_ = pattern;
+  if (!live_renderer_) throw Exception("Wrong order of execution");
+  running_ = true;
+  try {
+    thread_ = start_thread();
+  } catch (...) {
+    running_ = false;
+    throw;
+  }
+}
+
+void BrennickDataSource::stop() {
+  {
+    const std::lock_guard lock(request_mutex_);
+    if (AbstractLiveRendering* const rendering = live_renderer_) rendering->stop();
+    running_ = false;
+  }
+  if (on_own_thread()) throw deadlock();
+  const std::lock_guard lock(thread_mutex_);
+  if (thread_.joinable()) thread_.join();
+}
+
+std::thread BrennickDataSource::start_thread() {
+  return std::thread([this] { run(); });
+}
+
+void BrennickDataSource::run() {
+  own_thread_ = std::this_thread::get_id();
+  try {
+    thread();
+  } catch (const std::exception& error) {
+    running_ = false;
+    report_error(error.what());
+  }
+  own_thread_ = std::thread::id();
+}
+
+void BrennickDataSource::set_ref_intensity_callback(std::unique_ptr<RefIntensityFunctor> callback) {
+  const std::shared_ptr<RefIntensityFunctor> next = std::move(callback);
+  const std::lock_guard lock(callback_mutex_);
+  ref_intensity_callback_ = next;
+}
+
+void BrennickDataSource::set_error_callback(const ErrorCallback& callback) {
+  const std::lock_guard lock(callback_mutex_);
+  error_callback_ = callback;
+}
+
+void BrennickDataSource::set_size_z(std::int32_t size) {
+  if (size < 1) throw std::invalid_argument("At least one depth sample must be kept. ");
+  size_z_ = size;
+  device_value_ = sdk().getDevicePropertyFloat(device_, OCT_DEVICE_DEPTH_RANGE);
+}
+
+void BrennickDataSource::set_refractive_index(double index) {
+  if (!std::isfinite(index) || index <= 0.0) {
+    throw std::invalid_argument("The refractive index must be above zero. ");
+  }
+  refractive_index_ = index;
+}
+
+bool BrennickDataSource::report_device_error() const {
+  std::array<char, 512> text{};
+  if (sdk().getError(text.data(), static_cast<int>(text.size())) == 0) return false;
+  report_error(text.data());
+  return true;
+}
+
+void BrennickDataSource::report_error(const std::string& message) const {
+  ErrorCallback callback;
+  {
+    const std::lock_guard lock(callback_mutex_);
+    callback = error_callback_;
+  }
+  if (callback) callback(message);
+}
+
+void BrennickDataSource::report_reference_intensity() const {
+  std::shared_ptr<RefIntensityFunctor> callback;
+  {
+    const std::lock_guard lock(callback_mutex_);
+    callback = ref_intensity_callback_;
+  }
+  if (callback) (*callback)(sdk().getRelativeReferenceIntensity(device_, processing_));
+}
+
+void BrennickDataSource::thread() {
+  const TimingMark mark("BrennickDataSource::thread");
+  const RawDataHandle raw = sdk().createRawData();
+  const DataHandle data = sdk().createData();
+  const DataHandle analog = analog_input_ ? sdk().createData() : nullptr;
+  ScopeExit cleanUp([&] {
+    sdk().stopMeasurement(device_);
+    if (raw) sdk().clearRawData(raw);
+    if (data) sdk().clearData(data);
+    if (analog) {
+      live_renderer_.load()->set_secondary_data(nullptr, 0);
+      sdk().clearData(analog);
+    }
+  });
+
+  sdk().startMeasurement(device_, scan_pattern_, 0);
+  if (sdk().isError() == 0) {
+    sdk().setProcessedDataOutput(processing_, data);
+    sdk().getRawDataEx(device_, raw, camera_);
+    if (analog) sdk().getAnalogInputData(device_, analog);
+  }
+  if (report_device_error()) running_ = false;
+  if (running_) sdk().executeProcessing(processing_, raw);
+
+  const Geometry geometry = read_geometry(data);
+  if (running_) {
+    switch (prepare_rendering(geometry, analog)) {
+      case Preparation::noRenderer:
+        report_error(
+            "Renderer not available for fast volume rendering. Please specify a volume rendering object.");
+        // The measurement goes on, and the source counts as running, until the client stops it.
+        cleanUp.dismiss();
+        return;
+      case Preparation::stopped:
+        break;
+      case Preparation::done:
+        copy_data(data, geometry);
+    }
+  }
+  while (running_) {
+    sdk().setProcessedDataOutput(processing_, data);
+    sdk().getRawDataEx(device_, raw, camera_);
+    sdk().executeProcessing(processing_, raw);
+    if (analog) sdk().getAnalogInputData(device_, analog);
+    sdk().setDataRange(data, geometry.depth, geometry.lateral1, geometry.lateral2);
+    set_range(geometry);
+    report_device_error();
+    report_reference_intensity();
+    if (running_) copy_data(data, geometry);
+  }
+}
+
+BrennickDataSource::Geometry BrennickDataSource::read_geometry(DataHandle data) const {
+  Geometry geometry;
+  geometry.size2 = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2);
+  geometry.size3 = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3);
+  geometry.size1 = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1);
+  geometry.z = size_z_;
+  geometry.lateral1 = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_2);
+  geometry.lateral2 = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_3);
+  const double whole = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_1);
+  if (geometry.size1 > 0) {
+    const double kept = static_cast<double>(geometry.z) / static_cast<double>(geometry.size1);
+    geometry.depth = whole * kept / refractive_index_;
+  }
+  return geometry;
+}
+
+BrennickDataSource::Preparation BrennickDataSource::prepare_rendering(const Geometry& geometry,
+                                                                      DataHandle analog) {
+  AbstractLiveRendering& rendering = *live_renderer_;
+  {
+    const std::lock_guard lock(request_mutex_);
+    if (!running_) return Preparation::stopped;
+    rendering.set_size(geometry.z, geometry.size2, geometry.size3);
+    if (analog) {
+      const float* const values = sdk().getDataPtr(analog);
+      rendering.set_secondary_data(values, sdk().getDataPropertyInt(analog, OCT_DATA_SIZE_1));
+    }
+    rendering.start();
+    if (!rendering.get_renderer()) return Preparation::noRenderer;
+    set_range(geometry);
+    rendering.invalidate();
+  }
+  rendering.wait_for_transition();
+  return Preparation::done;
+}
+
+// Depth is the geometric one; the renderer lets it run downwards.
+void BrennickDataSource::set_range(const Geometry& geometry) const {
+  VolumeRenderer* const renderer = live_renderer_.load()->get_renderer();
+  if (!renderer || geometry.size1 < 1) return;  // nothing was acquired that could have an extent
+  renderer->setRange(geometry.depth, geometry.lateral1, geometry.lateral2);
+}
+
+void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) const {
+  const TimingMark mark("BrennickDataSource::copy_data");
+  AbstractLiveRendering* const rendering = live_renderer_;
+  VolumeRenderer* const renderer = rendering ? rendering->get_renderer() : nullptr;
+  if (!renderer) return;
+  if (renderer->settings().renderVolume) {
+    WriteBuffer buffer(*rendering);
+    if (buffer.data()) {
+      copy_volume(data, geometry, buffer.data());
+      buffer.filled();
+    }
+  }
+  if (renderer->settings().renderSurface) copy_surface(data, *renderer);
+}
+
+void BrennickDataSource::copy_volume(DataHandle data, const Geometry& geometry, float* destination) const {
+  const auto aScans = static_cast<std::size_t>(geometry.size2) * static_cast<std::size_t>(geometry.size3);
+  const auto kept = static_cast<std::size_t>(geometry.z);
+  const auto insufficient = [] { return Exception("Insufficient memory allocated."); };
+  if (geometry.z == geometry.size1) {
+    const int bytes = sdk().getDataPropertyInt(data, OCT_DATA_BYTE_COUNT);
+    // More than the buffer holds, if the device changed its mind about the size.
+    if (bytes < 0 || static_cast<std::size_t>(bytes) > aScans * kept * sizeof(float)) throw insufficient();
+    std::memcpy(destination, sdk().getDataPtr(data), static_cast<std::size_t>(bytes));
+    return;
+  }
+  if (sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1) < geometry.z ||
+      sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2) < geometry.size2 ||
+      sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3) < geometry.size3) {
+    throw insufficient();
+  }
+  const float* source = sdk().getDataPtr(data);
+  for (std::size_t aScan = 0; aScan < aScans; ++aScan) {
+    std::memcpy(destination, source, kept * sizeof(float));
+    source += geometry.size1;
+    destination += kept;
+  }
+}
+
+void BrennickDataSource::copy_surface(DataHandle data, VolumeRenderer& renderer) const {
+  const DataHandle surface = sdk().createData();
+  const ScopeExit cleanUp([&] {
+    if (surface) sdk().clearData(surface);
+  });
+  sdk().determineSurface(data, surface);
+  const int width = sdk().getDataPropertyInt(surface, OCT_DATA_SIZE_1);
+  const int height = sdk().getDataPropertyInt(surface, OCT_DATA_SIZE_2);
+  const auto scale = static_cast<float>(sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_1));
+  renderer.setSurface(width, height, scale, sdk().getDataPtr(surface));
+}
+
+}  // namespace oct

@@ -1,0 +1,108 @@
+// Acquires volumes from one device and feeds them into a live renderer.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "live/abstract_data_source.h"
+#include "live/device_library.h"
+
+namespace oct {
+
+class VolumeRenderer;
+
+class BrennickDataSource : public AbstractDataSource {
+ public:
+  // The handles are the device library's and outlive the source.
+  BrennickDataSource(std::shared_ptr<const DeviceLibrary> library, OCTDeviceHandle device,
+                     ProcessingHandle processing);
+  ~BrennickDataSource() override;
+  BrennickDataSource(const BrennickDataSource&) = delete;
+  BrennickDataSource& operator=(const BrennickDataSource&) = delete;
+
+  // Both throw while the source runs: the thread and stop must mean the same renderer.
+  void register_live_rendering(AbstractLiveRendering* rendering) override;
+  void deregister_renderer() override;
+
+  void start(ScanPatternHandle pattern) override;
+  // Waits for the acquisition thread. On the thread itself, where a client's callbacks run, it asks the
+  // thread to end and throws std::system_error (resource_deadlock_would_occur).
+  void stop() override;
+
+  // The callback that was set before may be running when this returns.
+  void set_ref_intensity_callback(std::unique_ptr<RefIntensityFunctor> callback) override;
+  void set_error_callback(const ErrorCallback& callback) override;
+
+  // Hold from the next start on. Throw std::invalid_argument and change nothing on misuse.
+  void set_size_z(std::int32_t size) override;
+  void set_refractive_index(double index) override;
+  void set_analog_input(bool enabled) override { analog_input_ = enabled; }
+
+  void set_camera(std::int32_t camera) override { camera_ = camera; }
+  std::int32_t get_camera() override { return camera_; }
+
+ protected:
+  void thread() override;
+  std::thread start_thread() override;
+
+  // Sizes and ranges of the volumes of one measurement, and the part of them that is drawn.
+  struct Geometry {
+    int size1 = 0;       // depth samples per A-scan
+    int size2 = 0;       // A-scans per B-scan
+    int size3 = 0;       // B-scans
+    int z = 0;           // depth samples that are kept
+    double depth = 0.0;  // millimetres: of the kept samples, divided by the refractive index
+    double lateral1 = 0.0;
+    double lateral2 = 0.0;
+  };
+  Geometry read_geometry(DataHandle data) const;
+
+  // Requests initialisation of the live renderer and waits for the rendering thread. Otherwise, when the
+  // source was stopped or there is no volume renderer, it returns so at once.
+  enum class Preparation { done, stopped, noRenderer };
+  Preparation prepare_rendering(const Geometry& geometry, DataHandle analog);
+
+  void set_range(const Geometry& geometry) const;
+  void copy_data(DataHandle data, const Geometry& geometry) const;
+
+  // Passes the device's pending error to the client. Returns whether there was one.
+  bool report_device_error() const;
+  void report_error(const std::string& message) const;
+  void report_reference_intensity() const;
+
+  const StandardDeviceFunctions& sdk() const { return library_->standard; }
+  const std::shared_ptr<const DeviceLibrary> library_;
+  const OCTDeviceHandle device_;
+  const ProcessingHandle processing_;
+  ScanPatternHandle scan_pattern_ = nullptr;
+  std::atomic<bool> running_ = false;  // whether the thread shall go on
+  std::atomic<AbstractLiveRendering*> live_renderer_ = nullptr;
+
+ private:
+  void run();
+  bool on_own_thread() const { return own_thread_ == std::this_thread::get_id(); }
+  void copy_volume(DataHandle data, const Geometry& geometry, float* destination) const;
+  void copy_surface(DataHandle data, VolumeRenderer& renderer) const;
+
+  const std::int32_t max_size_z_;  // half a spectrum
+  std::atomic<std::int32_t> size_z_;
+  std::atomic<double> device_value_;  // optical depth range in millimetres
+  std::atomic<double> refractive_index_ = 1.0;
+  std::atomic<bool> analog_input_ = false;
+  std::atomic<std::int32_t> camera_ = 0;
+
+  mutable std::mutex callback_mutex_;  // not held during a callback
+  std::shared_ptr<RefIntensityFunctor> ref_intensity_callback_;
+  ErrorCallback error_callback_;
+
+  std::mutex thread_mutex_;  // held by whoever starts or joins the thread, never by the thread
+  std::mutex
+      request_mutex_;  // what the thread requests of the live renderer comes before a stop or not at all
+  std::thread thread_;
+  std::atomic<std::thread::id> own_thread_;
+};
+
+}  // namespace oct

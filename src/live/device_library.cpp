@@ -1,0 +1,78 @@
+#include "live/device_library.h"
+
+#include <mutex>
+#include <stdexcept>
+
+#include "live/device_module.h"
+
+namespace oct {
+namespace {
+
+std::runtime_error missing(const std::string& library, const std::string& function) {
+  return std::runtime_error("The device library \"" + library + "\" has no function \"" + function + "\". ");
+}
+
+template <class Function>
+bool find(const DeviceModule& module, const char* name, Function& function) {
+  function = reinterpret_cast<Function>(module.symbol(name));
+  return function != nullptr;
+}
+
+std::shared_ptr<const DeviceLibrary> bind(const std::string& name) {
+  const DeviceModule module(name);
+  auto library = std::make_shared<DeviceLibrary>();
+  library->name = name;
+  std::string& lacking = library->missingPolarizationFunction;
+#define OCT_BIND(function) \
+  if (!find(module, #function, library->standard.function)) throw missing(name, #function);
+  OCT_STANDARD_DEVICE_FUNCTIONS(OCT_BIND)
+#undef OCT_BIND
+#define OCT_BIND(function) \
+  if (!find(module, #function, library->polarization.function) && lacking.empty()) lacking = #function;
+  OCT_POLARIZATION_DEVICE_FUNCTIONS(OCT_BIND)
+#undef OCT_BIND
+  return library;
+}
+
+// The interface has no object that could hold the choice: it is made before the first source exists.
+class Binding {
+ public:
+  void setName(std::string name) {
+    const std::lock_guard lock(mutex_);
+    if (name == name_) return;
+    name_ = std::move(name);
+    library_.reset();
+  }
+
+  std::shared_ptr<const DeviceLibrary> library() {
+    const std::lock_guard lock(mutex_);
+    if (!library_) library_ = bind(name_);
+    return library_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::string name_ = "oct_device";
+  std::shared_ptr<const DeviceLibrary> library_;
+};
+
+Binding& binding() {
+  static Binding instance;
+  return instance;
+}
+
+}  // namespace
+
+void DeviceLibrary::requirePolarization() const {
+  if (!missingPolarizationFunction.empty()) throw missing(name, missingPolarizationFunction);
+}
+
+void setDeviceLibraryName(const char* nameOrPath) {
+  binding().setName(nameOrPath && *nameOrPath ? nameOrPath : "oct_device");
+}
+
+std::shared_ptr<const DeviceLibrary> deviceLibrary() {
+  return binding().library();
+}
+
+}  // namespace oct

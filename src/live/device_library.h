@@ -1,0 +1,29 @@
+// The device library that live sources call.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "live/device_functions.h"
+
+namespace oct {
+
+struct DeviceLibrary {
+  StandardDeviceFunctions standard;
+  PolarizationDeviceFunctions polarization;
+  std::string name;
+  std::string missingPolarizationFunction;  // the first one that the library lacks; empty: none
+
+  // Throws std::runtime_error unless the library serves devices with two sensors.
+  void requirePolarization() const;
+};
+
+// Sets which library is bound from now on; null or empty: "oct_device". Sources keep the one they were made
+// with.
+void setDeviceLibraryName(const char* nameOrPath);
+
+// Binds the library at the first call. Throws std::runtime_error that names the library and, if that is what
+// it lacks, the function; the next call then tries again.
+std::shared_ptr<const DeviceLibrary> deviceLibrary();
+
+}  // namespace oct

@@ -1,0 +1,48 @@
+#include "live/transition.h"
+
+namespace oct {
+
+void Transition::request(LiveState state) {
+  const std::lock_guard lock(mutex_);
+  promise_ = std::promise<void>();
+  signalled_ = false;
+  state_ = state;
+  ++number_;
+}
+
+void Transition::requestStop() {
+  const std::lock_guard lock(mutex_);
+  state_ = LiveState::deinitializeRequested;
+  ++number_;
+  if (!signalled_) promise_.set_value();
+  signalled_ = true;
+}
+
+Transition::Request Transition::observe() const {
+  const std::lock_guard lock(mutex_);
+  return {state_, number_};
+}
+
+void Transition::completeStart(const Request& request) {
+  const std::lock_guard lock(mutex_);
+  if (!current(request)) return;
+  state_ = LiveState::running;
+  promise_.set_value();
+  signalled_ = true;
+}
+
+void Transition::completeStop(const Request& request) {
+  const std::lock_guard lock(mutex_);
+  if (current(request)) state_ = LiveState::stopped;
+}
+
+void Transition::wait() {
+  std::future<void> kept;
+  {
+    const std::lock_guard lock(mutex_);
+    kept = promise_.get_future();
+  }
+  kept.get();
+}
+
+}  // namespace oct

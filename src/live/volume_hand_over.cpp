@@ -1,0 +1,101 @@
+#include "live/volume_hand_over.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace oct {
+namespace {
+
+// A producer that waited longer would lose touch with its device.
+constexpr std::chrono::milliseconds patience{100};
+
+}  // namespace
+
+bool VolumeHandOver::waitForBuffer() {
+  return event_->wait(patience);
+}
+
+float* VolumeHandOver::lend() {
+  const std::lock_guard lock(mutex_);
+  event_->reset();
+  lent_ = data_ != nullptr;
+  return data_;
+}
+
+void VolumeHandOver::giveBack() {
+  {
+    const std::lock_guard lock(mutex_);
+    if (!lent_) return;
+    lent_ = false;
+    event_->set();
+  }
+  returned_.notify_all();
+}
+
+void VolumeHandOver::fill() {
+  const float* data = nullptr;
+  std::size_t count = 0;
+  {
+    const std::lock_guard lock(mutex_);
+    if (!lent_) return;
+    data = secondaryData_;
+    filledSecondary_.width = data ? secondaryWidth_ : 0;
+    count = static_cast<std::size_t>(filledSecondary_.width) * aScans_;
+  }
+  filledSecondary_.values.assign(data, data + count);
+  {
+    const std::lock_guard lock(mutex_);
+    lent_ = false;
+    filled_ = true;
+  }
+  returned_.notify_all();
+}
+
+void VolumeHandOver::setSecondary(const float* data, std::int32_t width) {
+  const std::lock_guard lock(mutex_);
+  secondaryData_ = data;
+  secondaryWidth_ = data ? std::max(width, 0) : 0;
+}
+
+bool VolumeHandOver::offer(float* data) {
+  const std::lock_guard lock(mutex_);
+  data_ = data;
+  return event_->set();
+}
+
+bool VolumeHandOver::mapped() const {
+  const std::lock_guard lock(mutex_);
+  return data_ != nullptr;
+}
+
+bool VolumeHandOver::filled() const {
+  const std::lock_guard lock(mutex_);
+  return filled_;
+}
+
+void VolumeHandOver::taken() {
+  const std::lock_guard lock(mutex_);
+  filled_ = false;
+  data_ = nullptr;
+}
+
+bool VolumeHandOver::withdraw() {
+  std::unique_lock lock(mutex_);
+  event_->reset();
+  returned_.wait(lock, [this] { return !lent_; });
+  event_->reset();  // the producer may have given the buffer back
+  filled_ = false;
+  return std::exchange(data_, nullptr) != nullptr;
+}
+
+void VolumeHandOver::setAScans(std::size_t count) {
+  const std::lock_guard lock(mutex_);
+  aScans_ = count;
+}
+
+std::int32_t VolumeHandOver::secondaryWidth() const {
+  const std::lock_guard lock(mutex_);
+  return secondaryWidth_;
+}
+
+}  // namespace oct

@@ -1,0 +1,68 @@
+// One mapped buffer that goes to and fro between the rendering thread and the acquisition thread.
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "live/manual_reset_event.h"
+
+namespace oct {
+
+// At any moment the buffer is unmapped, free, lent to the producer, or filled. The lock is held for a few
+// instructions only, never across OpenGL.
+class VolumeHandOver {
+ public:
+  // Takes the event over, which must not be null.
+  explicit VolumeHandOver(std::unique_ptr<ManualResetEvent> event) : event_(std::move(event)) {}
+
+  // For the acquisition thread.
+
+  bool waitForBuffer();  // at most 100 ms
+  float* lend();         // null when the rendering thread took the buffer back meanwhile
+  void giveBack();       // lent becomes free
+
+  // Lent becomes filled. The secondary values of the volume are copied: their owner writes the next ones
+  // while this volume waits to be drawn.
+  void fill();
+
+  // `width` values for each A-scan; null: there are none.
+  void setSecondary(const float* data, std::int32_t width);
+
+  // For the rendering thread.
+
+  bool offer(float* data);  // a mapped buffer becomes free; false when the system refuses
+  bool mapped() const;
+  bool filled() const;
+  void taken();  // the filled buffer was unmapped
+
+  // Takes the buffer back, after the producer has finished with it. Returns whether it was mapped; what it
+  // holds is lost.
+  bool withdraw();
+
+  void setAScans(std::size_t count);  // per volume; while the buffer is unmapped
+  std::int32_t secondaryWidth() const;
+
+  struct Secondary {
+    std::vector<float> values;  // none: the volume came without
+    std::int32_t width = 0;
+  };
+  // Of the filled volume, valid until taken().
+  const Secondary& secondary() const { return filledSecondary_; }
+
+ private:
+  const std::unique_ptr<ManualResetEvent> event_;
+  mutable std::mutex mutex_;
+  std::condition_variable returned_;
+  float* data_ = nullptr;
+  bool lent_ = false;
+  bool filled_ = false;
+  std::size_t aScans_ = 0;
+  const float* secondaryData_ = nullptr;
+  std::int32_t secondaryWidth_ = 0;
+  Secondary filledSecondary_;  // the producer's while the buffer is lent, else the rendering thread's
+};
+
+}  // namespace oct

@@ -1,0 +1,102 @@
+#include "live/volume_upload.h"
+
+#include "gl/pixel_store.h"
+
+namespace oct {
+namespace {
+
+constexpr GLenum format = GL_R32F;  // as the device delivers: a conversion would cost more than the copy
+
+void unbindBuffer() {
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+}
+
+}  // namespace
+
+void VolumeUpload::allocate(const gl::Extent3D& extent) {
+  volume_.allocate(extent, format, "FastOpenGLVolumeRenderer::initialize");
+  for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R}) {
+    glTexParameteri(GL_TEXTURE_3D, wrap, GL_CLAMP_TO_BORDER);
+  }
+  for (gl::Buffer& buffer : buffers_) buffer.reset();
+  for (gl::Buffer& buffer : buffers_) {
+    buffer = gl::Buffer::create();
+    respecify(buffer);
+  }
+  unbindBuffer();
+}
+
+void VolumeUpload::allocateSecondary() {
+  if (!secondary_) secondary_ = gl::Texture::create();
+  glBindTexture(GL_TEXTURE_3D, secondary_.get());
+  for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER}) {
+    glTexParameteri(GL_TEXTURE_3D, filter, GL_LINEAR);
+  }
+  // Along S the channels of the analog input follow each other, which keeps its default.
+  for (const GLenum wrap : {GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R}) {
+    glTexParameteri(GL_TEXTURE_3D, wrap, GL_CLAMP_TO_EDGE);
+  }
+}
+
+void VolumeUpload::release() {
+  unbindBuffer();
+  glBindTexture(GL_TEXTURE_3D, 0);
+  volume_.reset();
+  for (gl::Buffer& buffer : buffers_) buffer.reset();
+  secondary_.reset();
+}
+
+void VolumeUpload::respecify(const gl::Buffer& buffer) const {
+  const gl::Extent3D& extent = volume_.extent();
+  const auto voxels = static_cast<GLsizeiptr>(extent.width * extent.height * extent.depth);
+  // Empty volumes keep a byte or so: a buffer without any cannot be mapped.
+  const GLsizeiptr bytes = (voxels > 0 ? voxels : 1) * static_cast<GLsizeiptr>(sizeof(float));
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer.get());
+  glBufferData(GL_PIXEL_UNPACK_BUFFER, bytes, nullptr, GL_STREAM_DRAW);
+}
+
+float* VolumeUpload::map() {
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
+  auto* const data = static_cast<float*>(glMapBuffer(GL_PIXEL_UNPACK_BUFFER, GL_WRITE_ONLY));
+  unbindBuffer();
+  return data;
+}
+
+float* VolumeUpload::mapFresh() {
+  respecify(buffers_[current_]);
+  return map();
+}
+
+void VolumeUpload::unmap() {
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
+  glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER);
+  unbindBuffer();
+}
+
+bool VolumeUpload::upload() {
+  const gl::Extent3D& extent = volume_.extent();
+  gl::resetPixelUnpack();
+  volume_.bind();
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
+  const bool intact = glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER) == GL_TRUE;
+  if (intact) {
+    glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, 0, static_cast<GLsizei>(extent.width),
+                    static_cast<GLsizei>(extent.height), static_cast<GLsizei>(extent.depth), GL_RED, GL_FLOAT,
+                    nullptr);
+  }
+  unbindBuffer();
+  current_ = (current_ + 1) % buffers_.size();
+  return intact;
+}
+
+void VolumeUpload::uploadSecondary(const VolumeHandOver::Secondary& secondary) {
+  if (secondary.values.empty() || !secondary_) return;
+  glActiveTexture(GL_TEXTURE0);
+  glBindTexture(GL_TEXTURE_3D, secondary_.get());
+  gl::resetPixelUnpack();
+  glTexImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(format), secondary.width,
+               static_cast<GLsizei>(volume_.extent().height), static_cast<GLsizei>(volume_.extent().depth), 0,
+               GL_RED, GL_FLOAT, secondary.values.data());
+}
+
+}  // namespace oct
