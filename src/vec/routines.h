@@ -30,7 +30,7 @@ void setSse2(Routines& routines);
 void setSse41(Routines& routines);
 void setAvx(Routines& routines);
 
-// Below this many bytes a copy stays in the caches.
-inline constexpr std::size_t streamedBytes = std::size_t{8} << 20U;
+// Smaller copies stay in the caches, where whoever reads them next finds them.
+inline constexpr std::size_t streamedBytes = std::size_t{16} << 20U;
 
 }  // namespace oct::vec

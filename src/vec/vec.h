@@ -36,7 +36,7 @@ void powers(float* destination, const float* complexNumbers, std::size_t count);
 // must be a normal number above zero; infinity counts as the largest float (385.3 dB). In place or apart.
 void decibels(float* destination, const float* powers, std::size_t count, float least);
 
-// destination[i] = factor * values[i] + offset, rounded to the nearest integer, halves up, and clamped to 0
+// destination[i] = factor * values[i] + offset, halves rounded up, clamped to 0
 // .. 65535. NaN becomes 0.
 void toUint16(std::uint16_t* destination, const float* values, std::size_t count, float factor, float offset);
 

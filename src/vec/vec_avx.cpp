@@ -20,24 +20,12 @@ struct Line {
 };
 
 void copyAvx(float* destination, const float* source, std::size_t count) {
-  if (count * sizeof(float) >= streamedBytes) {
-    streamCopy<Line>(destination, source, count);
-  } else if (count > 0) {
-    std::memcpy(destination, source, count * sizeof(float));
-  }
+  copyBlock<Line>(destination, source, count, streamedBytes);
 }
 
 void cropCopyAvx(float* destination, const float* source, std::size_t aScans, std::size_t sourceSamples,
                  std::size_t keptSamples) {
-  if (aScans * keptSamples * sizeof(float) >= streamedBytes) {
-    streamCropCopy<Line>(destination, source, aScans, sourceSamples, keptSamples);
-    return;
-  }
-  if (keptSamples == 0) return;
-  for (std::size_t aScan = 0; aScan < aScans; ++aScan) {
-    std::memcpy(destination + aScan * keptSamples, source + aScan * sourceSamples,
-                keptSamples * sizeof(float));
-  }
+  copyCropped<Line>(destination, source, aScans, sourceSamples, keptSamples, streamedBytes);
 }
 
 // The instructions give their second operand where one of them is NaN: the result so far.
@@ -74,19 +62,6 @@ Extremes extremesAvx(const float* values, std::size_t count) {
 
 __m256i joined(__m128i low, __m128i high) {
   return _mm256_insertf128_si256(_mm256_castsi128_si256(low), high, 1);
-}
-
-void subtractAvx(float* destination, const std::uint16_t* counts, const float* background,
-                 std::size_t count) {
-  const __m128i zero = _mm_setzero_si128();
-  std::size_t i = 0;
-  for (; i + width <= count; i += width) {
-    const __m128i eight = _mm_loadu_si128(reinterpret_cast<const __m128i*>(counts + i));
-    const __m256i wide = joined(_mm_unpacklo_epi16(eight, zero), _mm_unpackhi_epi16(eight, zero));
-    _mm256_storeu_ps(destination + i,
-                     _mm256_sub_ps(_mm256_cvtepi32_ps(wide), _mm256_loadu_ps(background + i)));
-  }
-  for (; i < count; ++i) destination[i] = static_cast<float>(counts[i]) - background[i];
 }
 
 void powersAvx(float* destination, const float* complexNumbers, std::size_t count) {
@@ -156,12 +131,12 @@ void decibelsAvx(float* destination, const float* powers, std::size_t count, flo
 void toUint16Avx(std::uint16_t* destination, const float* values, std::size_t count, float factor,
                  float offset) {
   const __m256 factors = _mm256_set1_ps(factor);
-  const __m256 offsets = _mm256_set1_ps(offset);
+  const __m256 offsets = _mm256_set1_ps(offset + 0.5F);
   const auto kernel = [&](std::uint16_t* to, const float* from) {
-    __m256 value = _mm256_mul_ps(_mm256_loadu_ps(from), factors);
-    value = _mm256_add_ps(_mm256_add_ps(value, offsets), _mm256_set1_ps(0.5F));
-    value = _mm256_min_ps(_mm256_max_ps(value, _mm256_setzero_ps()), _mm256_set1_ps(largestUint16));
-    const Halves whole = halvesOf(_mm256_cvttps_epi32(value));
+    const __m256 value = _mm256_add_ps(_mm256_mul_ps(_mm256_loadu_ps(from), factors), offsets);
+    // Packing cuts what is below 0, and so NaN, which the minimum lets pass as its second operand.
+    const __m256i integers = _mm256_cvttps_epi32(_mm256_min_ps(_mm256_set1_ps(largestUint16), value));
+    const Halves whole = halvesOf(integers);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(whole.low, whole.high));
   };
   std::size_t i = 0;
@@ -175,7 +150,6 @@ void setAvx(Routines& routines) {
   routines.copy = copyAvx;
   routines.cropCopy = cropCopyAvx;
   routines.extremes = extremesAvx;
-  routines.subtract = subtractAvx;
   routines.powers = powersAvx;
   routines.decibels = decibelsAvx;
   routines.toUint16 = toUint16Avx;

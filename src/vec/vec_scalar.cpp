@@ -61,8 +61,9 @@ void decibelsScalar(float* destination, const float* powers, std::size_t count, 
 
 void toUint16Scalar(std::uint16_t* destination, const float* values, std::size_t count, float factor,
                     float offset) {
+  const float half = offset + 0.5F;
   for (std::size_t i = 0; i < count; ++i) {
-    float value = (values[i] * factor + offset) + 0.5F;
+    float value = values[i] * factor + half;
     value = value > 0.0F ? value : 0.0F;
     value = value < largestUint16 ? value : largestUint16;
     destination[i] = static_cast<std::uint16_t>(static_cast<std::int32_t>(value));

@@ -17,26 +17,8 @@ struct Line {
   static void finish() { _mm_sfence(); }
 };
 
-// Small blocks: the C library's copy.
 void copySse(float* destination, const float* source, std::size_t count) {
-  if (count * sizeof(float) >= streamedBytes) {
-    streamCopy<Line>(destination, source, count);
-  } else if (count > 0) {
-    std::memcpy(destination, source, count * sizeof(float));
-  }
-}
-
-void cropCopySse(float* destination, const float* source, std::size_t aScans, std::size_t sourceSamples,
-                 std::size_t keptSamples) {
-  if (aScans * keptSamples * sizeof(float) >= streamedBytes) {
-    streamCropCopy<Line>(destination, source, aScans, sourceSamples, keptSamples);
-    return;
-  }
-  if (keptSamples == 0) return;
-  for (std::size_t aScan = 0; aScan < aScans; ++aScan) {
-    std::memcpy(destination + aScan * keptSamples, source + aScan * sourceSamples,
-                keptSamples * sizeof(float));
-  }
+  copyBlock<Line>(destination, source, count, streamedBytes);
 }
 
 // The instructions give their second operand where one of them is NaN: the result so far.
@@ -91,7 +73,6 @@ void powersSse(float* destination, const float* complexNumbers, std::size_t coun
 
 void setSse(Routines& routines) {
   routines.copy = copySse;
-  routines.cropCopy = cropCopySse;
   routines.extremes = extremesSse;
   routines.powers = powersSse;
 }

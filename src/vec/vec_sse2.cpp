@@ -53,10 +53,9 @@ void decibelsSse2(float* destination, const float* powers, std::size_t count, fl
 void toUint16Sse2(std::uint16_t* destination, const float* values, std::size_t count, float factor,
                   float offset) {
   const __m128 factors = _mm_set1_ps(factor);
-  const __m128 offsets = _mm_set1_ps(offset);
+  const __m128 offsets = _mm_set1_ps(offset + 0.5F);
   const auto whole = [&](const float* from) {
-    __m128 value =
-        _mm_add_ps(_mm_add_ps(_mm_mul_ps(_mm_loadu_ps(from), factors), offsets), _mm_set1_ps(0.5F));
+    __m128 value = _mm_add_ps(_mm_mul_ps(_mm_loadu_ps(from), factors), offsets);
     value = _mm_min_ps(_mm_max_ps(value, _mm_setzero_ps()), _mm_set1_ps(largestUint16));
     // The instruction that packs is for signed numbers.
     return _mm_sub_epi32(_mm_cvttps_epi32(value), _mm_set1_epi32(32768));

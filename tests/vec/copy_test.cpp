@@ -54,7 +54,9 @@ TEST_P(Copies, SmallOnesOfAllLengthsAndAlignments) {
 TEST_P(Copies, LargeOnesOfAllAlignments) {
   constexpr std::size_t limit = streamedBytes / sizeof(float);
   expectCopied(routines_, limit - 1, 0, 1);
-  for (std::size_t offset = 0; offset < 17; ++offset) expectCopied(routines_, limit + offset / 2, 1, offset);
+  for (const std::size_t offset : {0, 1, 2, 4, 7, 8, 15, 16}) {
+    expectCopied(routines_, limit + offset / 2, 1, offset);
+  }
 }
 
 TEST_P(Copies, SmallCrops) {
@@ -68,7 +70,7 @@ TEST_P(Copies, SmallCrops) {
 TEST_P(Copies, LargeCrops) {
   constexpr std::size_t limit = streamedBytes / sizeof(float);
   for (const std::size_t kept : {1, 2, 5, 15, 16, 17, 31, 100, 511}) {
-    for (const std::size_t offset : {0, 1, 15}) {
+    for (const std::size_t offset : {0, 13}) {
       expectCropped(routines_, limit / kept + 1, kept + 1, kept, offset);
     }
   }

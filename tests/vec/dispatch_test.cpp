@@ -40,6 +40,7 @@ TEST(InstructionSets, FallThroughToTheNearestBefore) {
   EXPECT_NE(sse2.decibels, sse.decibels);
   EXPECT_EQ(sse2.extremes, sse.extremes);
   EXPECT_EQ(sse2.copy, sse.copy);
+  EXPECT_EQ(sse2.cropCopy, scalar.cropCopy);
   EXPECT_EQ(routinesOf(InstructionSet::sse41).extremes, sse.extremes);
   EXPECT_NE(routinesOf(InstructionSet::avx).extremes, sse.extremes);
 }
