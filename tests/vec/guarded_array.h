@@ -26,9 +26,11 @@ class GuardedArray {
 
   // Whether everything but the array is as it was.
   bool isIntactAround() const {
-    const std::size_t end = first_ + size_ * sizeof(Value);
-    for (std::size_t i = 0; i < bytes_.size(); ++i) {
-      if ((i < first_ || i >= end) && bytes_[i] != kPattern) return false;
+    for (std::size_t i = 0; i < first_; ++i) {
+      if (bytes_[i] != kPattern) return false;
+    }
+    for (std::size_t i = first_ + size_ * sizeof(Value); i < bytes_.size(); ++i) {
+      if (bytes_[i] != kPattern) return false;
     }
     return true;
   }
