@@ -132,7 +132,7 @@ void Interferometer::interfere(int sensor, const BeamPlace& place, Scratch& scra
   // squared.
   const float steady = 1.0f + 0.25f * samplePower;
   for (int pixel = 0; pixel < count; ++pixel)
-    light[pixel] = source_[pixel] * (steady + (scratch.waves_[pixel] * carrier_[pixel]).real());
+    light[pixel] = source_[pixel] * std::max(steady + (scratch.waves_[pixel] * carrier_[pixel]).real(), 0.0f);
 }
 
 void Interferometer::addReflector(const Reflector& reflector, std::complex<float> weight,

@@ -1,6 +1,7 @@
 #include "surface.h"
 
 #include "parallel.h"
+#include "vec/vec.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -50,9 +51,12 @@ float noiseLevel(const std::vector<float>& samples) {
 
 /// Searches one A-scan.
 class SurfaceSearch {
-public:
+ public:
   SurfaceSearch(const float* aScan, int length, float noise)
-      : aScan_(aScan), length_(length), noise_(noise), highest_(*std::max_element(aScan, aScan + length)) {}
+      : aScan_(aScan),
+        length_(length),
+        noise_(noise),
+        highest_(vec::extremes(aScan, static_cast<std::size_t>(length)).highest) {}
 
   /// The sample at which the surface lies, or the length if there is none.
   int run() const {
@@ -67,7 +71,7 @@ public:
     return length_;
   }
 
-private:
+ private:
   /// A strong reflection stands out long before it is there, by the side lobes of the transform's window.
   int peakNear(int i) const {
     const int end = std::min(i + kSideLobes, length_);
@@ -79,9 +83,7 @@ private:
 
   /// Tissue goes on below its surface. What the background removal leaves of a strong reflection in other
   /// A-scans of the B-scan is a thin line.
-  bool isTissue(int i) const {
-    return isMostlyLight(i, kDepth) && isMostlyLight(i + 2, kDepth / 2);
-  }
+  bool isTissue(int i) const { return isMostlyLight(i, kDepth) && isMostlyLight(i + 2, kDepth / 2); }
 
   bool isMostlyLight(int begin, int samples) const {
     const int end = std::min(begin + samples, length_);
