@@ -43,10 +43,7 @@ float noiseLevel(const std::vector<float>& samples) {
   const std::size_t step = std::max<std::size_t>(samples.size() / kProbes, 1) | 1u;
   std::vector<float> probes;
   for (std::size_t n = 0; n < samples.size(); n += step) probes.push_back(samples[n]);
-  const auto place =
-      probes.begin() + static_cast<std::ptrdiff_t>(kDarkPart * static_cast<double>(probes.size()));
-  std::nth_element(probes.begin(), place, probes.end());
-  return *place + 8.2f;
+  return vec::quantile(probes.data(), probes.size(), kDarkPart) + 8.2f;
 }
 
 /// Searches one A-scan.
