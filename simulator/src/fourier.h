@@ -2,30 +2,31 @@
 /// Fourier transforms of complex signals.
 #pragma once
 
+#include "lanes.h"
+
 #include <unsupported/Eigen/FFT>
 
 #include <complex>
-#include <vector>
 
 namespace oct::simulator {
 
-/// Transforms of one length. Keeps tables and must not be shared between threads.
-class Fourier {
-public:
-  explicit Fourier(int length) : length_(length), transform_({}, Transform::Unscaled) {}
+/// Transforms of one length, of four signals at once. Keeps tables and must not be shared between threads.
+class LaneFourier {
+ public:
+  explicit LaneFourier(int length) : length_(length), transform_({}, Transform::Unscaled) {}
 
   /// sum over n of input[n] exp(-2 pi i n m / length), for every m
-  void forward(const std::complex<float>* input, std::complex<float>* output) {
+  void forward(const std::complex<Lanes>* input, std::complex<Lanes>* output) {
     transform_.fwd(output, input, length_);
   }
 
   /// sum over n of input[n] exp(+2 pi i n m / length), for every m
-  void backward(const std::complex<float>* input, std::complex<float>* output) {
+  void backward(const std::complex<Lanes>* input, std::complex<Lanes>* output) {
     transform_.inv(output, input, length_);
   }
 
-private:
-  using Transform = Eigen::FFT<float>;
+ private:
+  using Transform = Eigen::FFT<Lanes>;
 
   int length_;
   Transform transform_;

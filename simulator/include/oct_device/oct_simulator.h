@@ -50,6 +50,22 @@ OCT_DEVICE_API OCTDeviceHandle createSimulatedPolarizationDevice(int phantom, in
                                                                  unsigned int seed);
 
 /**
+ * Creates a device that plays processed volumes back instead of measuring: one after the other and from the
+ * first again, in the size of the recording whatever the scan pattern says. A volume costs little more than a
+ * copy of its samples. Pacing and analog input work as with a phantom; motion changes nothing, complex output
+ * is an error.
+ * @param file name in UTF-8 of a .npy array of 32-bit floats as octsimulate writes it, with the axes B-scans,
+ *             depth, A-scans; four axes are successive volumes. The spectrum length is twice the depth samples
+ * @param depthMm optical depth of a whole A-scan in millimetres, above 0
+ * @param widthMm width of a B-scan in millimetres, above 0
+ * @param lengthMm extent from the first to the last B-scan in millimetres, above 0
+ * @return the device, to be freed by clearSimulatedDevice(); null and a pending error if an argument is
+ *         invalid or the file cannot be read
+ */
+OCT_DEVICE_API OCTDeviceHandle createSimulatedPlayback(const char* file, double depthMm, double widthMm,
+                                                       double lengthMm);
+
+/**
  * Frees a simulated device; a running measurement is stopped.
  * @param device the device; processings and scan patterns made for it stay valid
  */
