@@ -176,9 +176,12 @@ TEST_F(OfflineTest, ANullBlockEmptiesThePicture) {
 
 TEST_F(OfflineTest, AnUploadShowsTheVolumeAndHidesTheSurface) {
   stage_.draw(scene_);
+  std::uint64_t revision = source().revision;
   const auto hidden = [&](const char* what) {
     EXPECT_TRUE(settings().renderVolume) << what;
     EXPECT_FALSE(settings().renderSurface) << what;
+    EXPECT_GT(source().revision, revision) << what;
+    revision = source().revision;
     setRenderElements(stage_.renderer, 0, 1);
   };
   setRenderElements(stage_.renderer, 0, 1);
@@ -190,6 +193,19 @@ TEST_F(OfflineTest, AnUploadShowsTheVolumeAndHidesTheSurface) {
   hidden("slice");
   uploadOfflineSubVolume(stage_.offline, 2, 3, scene_.volume.voxels.data());
   hidden("part");
+
+  // Other changes of voxels are counted too, and nothing else is.
+  uploadOverlayOfflineVolume(stage_.offline, scene_.volume.voxels.data());
+  EXPECT_GT(source().revision, revision);
+  revision = source().revision;
+  setRendererColoringBoundaries(stage_.renderer, 0.0, 2.0);
+  frame();
+  EXPECT_EQ(source().revision, revision);
+  clearVolumeRenderer(stage_.renderer);
+  EXPECT_GT(source().revision, revision);
+  revision = source().revision;
+  allocateOfflineVolume(stage_.offline, 3, 3, 3);
+  EXPECT_GT(source().revision, revision);
 }
 
 TEST_F(OfflineTest, TheTwinFillsTheVolumeToo) {
