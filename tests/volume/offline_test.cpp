@@ -1,6 +1,8 @@
 // Uploads of volumes: whole, in parts, overlays, secondary data, limits and misuse.
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "support/test_context.h"
 #include "support/volume_reference.h"
 #include "volume/volume_renderer.h"
@@ -44,24 +46,20 @@ class OfflineTest : public testing::Test {
 
 TEST_F(OfflineTest, NullHandlesAreMisuse) {
   const float value = 0.0F;
-  setOfflineRenderingRenderer(nullptr, stage_.renderer);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  setOfflineAspectRatio(nullptr, 1.0F, 1.0F, 1.0F);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  allocateOfflineVolume(nullptr, 1, 1, 1);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  uploadOfflineVolume(nullptr, &value);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  uploadOfflineVolumeOverlay(nullptr, &value);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  uploadOfflineSubVolume(nullptr, 0, 1, &value);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  uploadOfflineVolumeSlice(nullptr, 0, &value);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  uploadOverlayOfflineVolume(nullptr, &value);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  renderOfflineVolume(nullptr, 0);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
+  const std::vector<std::function<void()>> calls{
+      [&] { setOfflineRenderingRenderer(nullptr, stage_.renderer); },
+      [&] { setOfflineAspectRatio(nullptr, 1.0F, 1.0F, 1.0F); },
+      [&] { allocateOfflineVolume(nullptr, 1, 1, 1); },
+      [&] { uploadOfflineVolume(nullptr, &value); },
+      [&] { uploadOfflineVolumeOverlay(nullptr, &value); },
+      [&] { uploadOfflineSubVolume(nullptr, 0, 1, &value); },
+      [&] { uploadOfflineVolumeSlice(nullptr, 0, &value); },
+      [&] { uploadOverlayOfflineVolume(nullptr, &value); },
+      [&] { renderOfflineVolume(nullptr, 0); }};
+  for (std::size_t i = 0; i < calls.size(); ++i) {
+    calls[i]();
+    EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ") << i;
+  }
   uploadOfflineSecondaryData(nullptr, 1, 1, 1, 0, 1, &value);
   EXPECT_EQ(pendingError(), "The specified VolumeRendererHandle is invalid. ");
   clearOfflineRendering(nullptr);
