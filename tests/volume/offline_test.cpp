@@ -90,6 +90,18 @@ TEST_F(OfflineTest, RenderingBeforeAllocationDrawsTheRest) {
   EXPECT_EQ(pendingError(), "(none)");
 }
 
+// No extent, no box: the scale of the model is not finite then.
+TEST_F(OfflineTest, WithoutAnAspectRatioTheBackgroundIsDrawn) {
+  stage_.draw(scene_);
+  setBorder(stage_.renderer, 1, 1, 1);
+  setClipPlane(stage_.renderer, 1, 0, 0.5F);
+  setOfflineAspectRatio(stage_.offline, 0.0F, 0.0F, 0.0F);
+  EXPECT_TRUE(agree(frame(), nothing(), {1, 1.0, 1}));
+  setRenderingMode(stage_.renderer, 1);
+  EXPECT_TRUE(agree(frame(), nothing(), {1, 1.0, 1}));
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
 TEST_F(OfflineTest, UnknownContentDrawsNothing) {
   stage_.draw(scene_);
   Picture picture(width, height);

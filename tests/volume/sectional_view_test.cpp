@@ -70,9 +70,9 @@ TEST(SectionTrianglesTest, AreDrawnFromFarToNear) {
   }
 }
 
-TEST(SectionalViewTest, QuadsSpanTheBox) {
+TEST(CrossSectionTest, SpansTheBox) {
   for (int axis = 0; axis < 3; ++axis) {
-    const SectionQuad quad = sectionQuad(axis, 0.75F);
+    const CrossSection quad = crossSection(axis, 0.5F);
     for (std::size_t i = 0; i < 4; ++i) {
       EXPECT_EQ(quad[i][axis], 0.5F);
       EXPECT_EQ(std::abs(quad[i][(axis + 1) % 3]), 1.0F);
@@ -108,7 +108,7 @@ Picture referenceSections(const VolumeScene& scene, const Sections& sections, co
       for (int axis = 0; axis < 3; ++axis) {
         const Section& section = sections[static_cast<std::size_t>(axis)];
         if (!section.shown) continue;
-        const SectionQuad quad = sectionQuad(axis, section.position);
+        const CrossSection quad = crossSection(axis, 2.0F * section.position - 1.0F);
         for (std::size_t i = 0; i < 4; ++i) {
           onOutline |=
               distanceToSegment(centre, camera.toWindow(quad[i]), camera.toWindow(quad[(i + 1) % 4])) < 1.6;
@@ -213,7 +213,7 @@ TEST(SectionalViewOutlineTest, RunsAroundTheSlice) {
   setRenderForeground(stage.renderer, 0x40FF80FFU);
   const Picture drawn = stage.frame(scene.viewportWidth, scene.viewportHeight, 0);
   const ReferenceCamera camera(scene);
-  const SectionQuad quad = sectionQuad(0, 0.3F);
+  const CrossSection quad = crossSection(0, -0.4F);
   for (std::size_t side = 0; side < 4; ++side) {
     for (double t = 0.05; t < 1.0; t += 0.05) {
       const glm::dvec2 at =
