@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 
+#include "volume/box_view.h"
+
 namespace oct {
 namespace {
 
@@ -28,7 +30,7 @@ float distance(const glm::vec4& plane, const glm::vec3& point) {
 }
 
 // The part of a convex polygon that the plane removes.
-std::vector<glm::vec3> removedPart(const glm::vec4& plane, const std::array<glm::vec3, 4>& polygon) {
+std::vector<glm::vec3> removedPart(const glm::vec4& plane, const CrossSection& polygon) {
   std::vector<glm::vec3> part;
   for (std::size_t i = 0; i < polygon.size(); ++i) {
     const glm::vec3& from = polygon[i];
@@ -65,16 +67,8 @@ std::vector<glm::vec3> boxIntersections(const glm::vec4& plane) {
 std::vector<glm::vec3> removedFaces(const glm::vec4& plane) {
   std::vector<glm::vec3> triangles;
   for (int axis = 0; axis < 3; ++axis) {
-    const int second = (axis + 1) % 3;
-    const int third = (axis + 2) % 3;
     for (const float side : {-1.0F, 1.0F}) {
-      std::array<glm::vec3, 4> face;
-      for (std::size_t corner = 0; corner < 4; ++corner) {
-        face[corner][axis] = side;
-        face[corner][second] = corner == 0 || corner == 3 ? -1.0F : 1.0F;
-        face[corner][third] = corner < 2 ? -1.0F : 1.0F;
-      }
-      const std::vector<glm::vec3> part = removedPart(plane, face);
+      const std::vector<glm::vec3> part = removedPart(plane, crossSection(axis, side));
       for (std::size_t i = 2; i < part.size(); ++i)
         triangles.insert(triangles.end(), {part[0], part[i - 1], part[i]});
     }
@@ -99,11 +93,10 @@ void ClipPlane::update(const View& view) {
 }
 
 void ClipPlane::orient(const View& view) {
-  if (!fixed_ || !oriented_) {
+  if (!fixed_) {
     const float x = view.angleX * pi / 180.0F;
     const float y = view.angleY * pi / 180.0F;
     plane_ = {std::sin(y) * std::cos(x), std::sin(x), -std::cos(y) * std::cos(x), 0.0F};
-    oriented_ = true;
   }
   // The sum is the plane's reach over the box; 0.99 of it keeps the plane inside at either end.
   const double reach = std::abs(static_cast<double>(plane_.x)) + std::abs(static_cast<double>(plane_.y)) +
@@ -118,8 +111,9 @@ void ClipPlane::connectIntersections() {
     for (std::size_t j = 0; j < intersections_.size(); ++j) {
       if (i == j || !onCommonFace(intersections_[i], intersections_[j])) continue;
       border_.insert(border_.end(), {intersections_[i], intersections_[j]});
-      // A plane through a corner meets several edges there. Triangles between the same corners once more
-      // would show: the cut face is blended.
+      // A plane through a corner of the box meets several edges there. Lines between such points once more do
+      // no harm, but triangles do: rays through a translucent volume would be blended twice where two
+      // coincide.
       if (i == 0 || j == 0 || foundBefore(i) || foundBefore(j)) continue;
       cutFace_.insert(cutFace_.end(), {intersections_[0], intersections_[i], intersections_[j]});
     }
