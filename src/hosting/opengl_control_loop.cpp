@@ -9,13 +9,13 @@
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "hosting/opengl_control.h"
+#include "hosting/opengl_host.h"
 #include "hosting/render_trace.h"
 
 namespace oct {
 namespace {
 
 constexpr std::uint32_t gateValue = 0xFFFFFFFFU;
-constexpr std::int32_t noRequest = -1;
 constexpr const char* threadEnded = "The rendering thread of the control loop has ended. ";
 
 // Counts the iterations of all loops and marks the time every 50th, from the first.
@@ -359,7 +359,11 @@ void OpenGLControlLoop::shut_down() {
   if (returnThread_.joinable()) returnThread_.join();  // a render thread that failed has left it behind
   snapshots_.drain();
   writeOutput("OpenGL control loop finished. Callbacks can be freed now. ");
-  control_.reset();
+  if (!control_) return;
+  // Left behind by a render thread that failed. Not deleted here, where a context of the client's may be
+  // current.
+  const auto host = OpenGLHost::acquire();
+  host->run([this] { control_.reset(); });
 }
 
 }  // namespace oct

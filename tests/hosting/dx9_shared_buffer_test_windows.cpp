@@ -65,7 +65,7 @@ class DX9SharedBufferGLTest : public testing::Test {
 };
 
 TEST_F(DX9SharedBufferGLTest, FrameArrivesInTheSurface) {
-  DX9SharedBufferObject buffer(*interop_, 2);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 2);
   EXPECT_EQ(buffer.order_key(), -1);
   EXPECT_EQ(buffer.buffer_id(), 2);
   EXPECT_FALSE(buffer.is_offscreen());
@@ -87,7 +87,7 @@ TEST_F(DX9SharedBufferGLTest, FrameArrivesInTheSurface) {
 }
 
 TEST_F(DX9SharedBufferGLTest, MapHoldsTheBufferUntilItsLockIsTaken) {
-  DX9SharedBufferObject buffer(*interop_, 0);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   buffer.resize(4, 4);
   auto mapped = buffer.map();
   std::atomic<bool> taken{false};
@@ -103,7 +103,7 @@ TEST_F(DX9SharedBufferGLTest, MapHoldsTheBufferUntilItsLockIsTaken) {
 
 TEST_F(DX9SharedBufferGLTest, BlitFallbackWhenDepthDoesNotFit) {
   GlSpy spy;
-  DX9SharedBufferObject buffer(*interop_, 0);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   spy.failNext("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
   buffer.resize(20, 10);
   buffer.prepare(1);
@@ -133,7 +133,7 @@ TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
   };
   GlSpy spy;
   {
-    DX9SharedBufferObject buffer(*interop_, 0);
+    DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
     buffer.resize(8, 8);
     for (const auto& fault : faults) {
       if (fault.function == std::string("framebuffer")) {
@@ -156,7 +156,7 @@ TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
 }
 
 TEST_F(DX9SharedBufferGLTest, FailedFrames) {
-  DX9SharedBufferObject buffer(*interop_, 0);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   buffer.resize(8, 8);
   standIn_.failNext("Lock");
   EXPECT_EQ(failureOf([&] { buffer.prepare(1); }), "shared texture could not be locked. ");
@@ -172,7 +172,7 @@ TEST_F(DX9SharedBufferGLTest, FailedFrames) {
 }
 
 TEST_F(DX9SharedBufferGLTest, FenceTimeOut) {
-  DX9SharedBufferObject buffer(*interop_, 0);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   buffer.resize(8, 8);
   const auto original = __glewClientWaitSync;
   for (const auto& [answer, message] :
@@ -190,7 +190,7 @@ TEST_F(DX9SharedBufferGLTest, FenceTimeOut) {
 }
 
 TEST_F(DX9SharedBufferGLTest, TextureThatDirect3DRefuses) {
-  DX9SharedBufferObject buffer(*interop_, 0);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   EXPECT_EQ(failureOf([&] { buffer.resize(100000, 8); }), "Could not generate render target. ");
   while (glGetError() != GL_NO_ERROR) {
   }
@@ -203,7 +203,7 @@ TEST_F(DX9SharedBufferGLTest, TextureThatDirect3DRefuses) {
 }
 
 TEST_F(DX9SharedBufferGLTest, ClientSurfacesKeepACopy) {
-  DX9SharedBufferObject buffer(*interop_, 0);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   buffer.resize(16, 16);
   buffer.prepare(1);
   draw(50, 60, 70);
