@@ -4,6 +4,8 @@
 #include <system_error>
 #include <thread>
 
+#include "gl/current_context.h"
+#include "support/test_context.h"
 #include "support/test_loop.h"
 
 namespace oct::test {
@@ -203,7 +205,7 @@ TEST_P(ControlLoopGLTest, CallbacksCanBeExchangedAndRemoved) {
 }
 
 TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
-  std::vector<std::string> order;  // of the render thread, read after its end
+  std::vector<std::string> order;  // guarded by what is tested: uninit follows the return thread's end
   std::thread::id init, draw, uninit;
   const auto note = [&](const char* what, std::thread::id& id) {
     order.push_back(what);
@@ -213,14 +215,17 @@ TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
   auto loop = std::make_unique<OpenGLControlLoop>(functor([&] { note("init", init); }),
                                                   functor([&] { note("uninit", uninit); }), nullptr);
   loop->set_rendering_callback(rendering([&](std::uint32_t) { note("draw", draw); }));
-  loop->set_image_ready_callback(
-      imageReady([&](std::uint32_t index, std::uint32_t, std::uint32_t, void*) { returned_.add(index); }));
+  loop->set_image_ready_callback(imageReady([&](std::uint32_t index, std::uint32_t, std::uint32_t, void*) {
+    returned_.add(index);
+    std::this_thread::sleep_for(50ms);  // the loop is being deleted meanwhile
+    order.push_back("ready");
+  }));
   loop->set_mode(OpenGLControlLoop::onceEach);
   loop->resize(4, 4);
   loop->request(1);
   returned_.atLeast(1);
   loop.reset();
-  EXPECT_EQ(order, (std::vector<std::string>{"init", "draw", "uninit"}));
+  EXPECT_EQ(order, (std::vector<std::string>{"init", "draw", "ready", "uninit"}));
   EXPECT_EQ(init, draw);
   EXPECT_EQ(draw, uninit);
   EXPECT_NE(init, std::this_thread::get_id());
@@ -324,6 +329,44 @@ TEST_P(ControlLoopGLTest, DeletionFromItsOwnThreadsIsRefused) {
   }
   EXPECT_EQ(codes.all(), (std::vector<int>{1, 1, 1, 1}));
   loop->check_deletable();
+}
+
+// init, uninit and the error function run on the render thread too.
+TEST_P(ControlLoopGLTest, DeletionFromTheOtherCallbacksIsRefused) {
+  for (const bool fails : {false, true}) {
+    std::promise<const OpenGLControlLoop*> made;
+    std::vector<std::string> refused;  // on the render thread
+    const auto attempt = [&, loop = made.get_future().share()](const char* where) {
+      try {
+        loop.get()->check_deletable();
+      } catch (const std::system_error&) {
+        refused.push_back(where);
+      }
+    };
+    {
+      const OpenGLControlLoop loop(
+          functor([&] {
+            attempt("init");
+            if (fails) throw std::runtime_error("no init");
+          }),
+          functor([&] { attempt("uninit"); }),
+          std::make_unique<LambdaError>([&](const std::string&) { attempt("error"); }));
+      made.set_value(&loop);
+      loop.check_deletable();
+    }
+    EXPECT_EQ(refused, (std::vector<std::string>{"init", fails ? "error" : "uninit"}));
+  }
+}
+
+TEST_P(ControlLoopGLTest, AFailedLoopIsDeletedBesideTheCallersContext) {
+  TestContext context;
+  void* const before = gl::currentContext();
+  auto loop = makeRecordingLoop(8, 6);
+  loop->set_rendering_callback(rendering([](std::uint32_t) { throw std::runtime_error("no more"); }));
+  loop->request(1);
+  errors_.atLeast(1);
+  loop.reset();
+  EXPECT_EQ(gl::currentContext(), before);
 }
 
 OCT_EVERY_SHARING(ControlLoopGLTest);

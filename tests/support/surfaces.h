@@ -24,8 +24,12 @@ std::vector<SurfaceSharing> surfaceSharings();
 // Makes the kind usable on a machine whose driver does not have it, and chooses it for controls to come.
 void chooseSharing(SurfaceSharing kind);
 
-// Keeps the Direct3D device alive between controls: each device that Wine makes costs it some memory for good.
+// Keeps the Direct3D device alive between controls: making one takes Wine a tenth of a second.
 std::shared_ptr<void> keepDirect3D(SurfaceSharing kind);
+
+// What is held of Direct3D and of the interop: references to the device, registered objects, open interop
+// devices.
+int heldReferences(SurfaceSharing kind);
 
 Picture surfacePicture(SurfaceSharing kind, void* surface);
 Picture hostSurfacePicture(void* surface);

@@ -11,6 +11,9 @@ void chooseSharing(SurfaceSharing kind) {
 std::shared_ptr<void> keepDirect3D(SurfaceSharing) {
   return nullptr;
 }
+int heldReferences(SurfaceSharing) {
+  return 0;
+}
 Picture surfacePicture(SurfaceSharing, void* surface) {
   return hostSurfacePicture(surface);
 }

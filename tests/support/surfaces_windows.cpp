@@ -10,6 +10,14 @@
 #include "support/test_context.h"
 
 namespace oct::test {
+namespace {
+
+DxInteropStandIn& standIn() {
+  static DxInteropStandIn instance;
+  return instance;
+}
+
+}  // namespace
 
 std::vector<SurfaceSharing> surfaceSharings() {
   return {SurfaceSharing::direct3D, SurfaceSharing::hostMemory};
@@ -18,7 +26,7 @@ std::vector<SurfaceSharing> surfaceSharings() {
 void chooseSharing(SurfaceSharing kind) {
   if (kind == SurfaceSharing::direct3D && !DxInteropStandIn::installed()) {
     const TestContext loadsOpenGL;  // loading would put back the driver's own entry points
-    static const DxInteropStandIn standIn;
+    standIn();
   }
   setSurfaceSharing(static_cast<int>(kind));
 }
@@ -26,6 +34,13 @@ void chooseSharing(SurfaceSharing kind) {
 std::shared_ptr<void> keepDirect3D(SurfaceSharing kind) {
   if (kind != SurfaceSharing::direct3D) return nullptr;
   return DX9Device::acquire();
+}
+
+int heldReferences(SurfaceSharing kind) {
+  if (kind != SurfaceSharing::direct3D) return 0;
+  const auto device = DX9Device::acquire();
+  device->get()->AddRef();
+  return static_cast<int>(device->get()->Release()) + standIn().registeredObjects() + standIn().openDevices();
 }
 
 Picture surfacePicture(SurfaceSharing kind, void* handle) {
@@ -41,8 +56,8 @@ Picture direct3DSurfacePicture(void* handle) {
   surface->GetDevice(&device);
   const ComOwner<IDirect3DDevice9> deviceOwner(device);
   IDirect3DSurface9* memory = nullptr;
-  device->CreateOffscreenPlainSurface(description.Width, description.Height, description.Format, D3DPOOL_SYSTEMMEM,
-                                      &memory, nullptr);
+  device->CreateOffscreenPlainSurface(description.Width, description.Height, description.Format,
+                                      D3DPOOL_SYSTEMMEM, &memory, nullptr);
   const ComOwner<IDirect3DSurface9> memoryOwner(memory);
   EXPECT_TRUE(SUCCEEDED(device->GetRenderTargetData(surface, memory)));
   Picture picture(static_cast<int>(description.Width), static_cast<int>(description.Height));
