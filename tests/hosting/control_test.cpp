@@ -133,12 +133,15 @@ TEST_F(TestImageGLTest, TenCallsTurnItByTenDegrees) {
 // Each has its own angle, and a control turns its image before it draws.
 TEST_F(TestImageGLTest, ControlsTurnTheirsOnTheirOwn) {
   chooseSharing(SurfaceSharing::hostMemory);
-  OpenGLControl control(SurfaceSharing::hostMemory);
-  const auto draw = [&] { control.render_test_image(); };
-  const Picture first = picture(draw);
-  for (int i = 0; i < 30; ++i) glRenderTestImage();
-  for (int i = 0; i < 9; ++i) control.render_test_image();
-  EXPECT_NEAR(angle(picture(draw)) - angle(first), 10.0, 1.0);
+  {
+    OpenGLControl control(SurfaceSharing::hostMemory);
+    const auto draw = [&] { control.render_test_image(); };
+    const Picture first = picture(draw);
+    for (int i = 0; i < 30; ++i) glRenderTestImage();
+    for (int i = 0; i < 9; ++i) control.render_test_image();
+    EXPECT_NEAR(angle(picture(draw)) - angle(first), 10.0, 1.0);
+  }
+  context_.makeCurrent();
 }
 
 TEST_F(TestImageGLTest, NeedsAContext) {

@@ -31,6 +31,23 @@ std::shared_ptr<void> keepDirect3D(SurfaceSharing kind);
 // devices.
 int heldReferences(SurfaceSharing kind);
 
+// Copies frames of one size and shows them all at once. Each read-back from Direct3D waits for it; here
+// Direct3D copies every frame as it comes, and one read-back serves many.
+class FrameCollector {
+ public:
+  FrameCollector(SurfaceSharing kind, int width, int height);
+  ~FrameCollector();
+  void add(void* surface);
+  std::vector<Picture> take();  // what was added since
+
+ private:
+  struct Tiles;
+  const SurfaceSharing kind_;
+  const int width_, height_;
+  std::vector<Picture> pictures_;
+  std::unique_ptr<Tiles> tiles_;  // of Direct3D
+};
+
 Picture surfacePicture(SurfaceSharing kind, void* surface);
 Picture hostSurfacePicture(void* surface);
 Picture direct3DSurfacePicture(void* surface);  // on Windows

@@ -1,5 +1,7 @@
 #include "support/surfaces.h"
 
+#include <utility>
+
 namespace oct::test {
 
 std::vector<SurfaceSharing> surfaceSharings() {
@@ -13,6 +15,16 @@ std::shared_ptr<void> keepDirect3D(SurfaceSharing) {
 }
 int heldReferences(SurfaceSharing) {
   return 0;
+}
+struct FrameCollector::Tiles {};
+FrameCollector::FrameCollector(SurfaceSharing kind, int width, int height)
+    : kind_(kind), width_(width), height_(height) {}
+FrameCollector::~FrameCollector() = default;
+void FrameCollector::add(void* surface) {
+  pictures_.push_back(hostSurfacePicture(surface));
+}
+std::vector<Picture> FrameCollector::take() {
+  return std::exchange(pictures_, {});
 }
 Picture surfacePicture(SurfaceSharing, void* surface) {
   return hostSurfacePicture(surface);

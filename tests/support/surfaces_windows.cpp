@@ -2,8 +2,10 @@
 
 #include <d3d9.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "hosting/dx9_device.h"
 #include "support/dx_interop_stand_in.h"
@@ -41,6 +43,50 @@ int heldReferences(SurfaceSharing kind) {
   const auto device = DX9Device::acquire();
   device->get()->AddRef();
   return static_cast<int>(device->get()->Release()) + standIn().registeredObjects() + standIn().openDevices();
+}
+
+struct FrameCollector::Tiles {
+  static constexpr int capacity = 64;
+  std::shared_ptr<DX9Device> device = DX9Device::acquire();
+  ComOwner<IDirect3DTexture9> texture;
+  ComOwner<IDirect3DSurface9> surface;
+  int used = 0;
+};
+
+FrameCollector::FrameCollector(SurfaceSharing kind, int width, int height)
+    : kind_(kind), width_(width), height_(height) {
+  if (kind_ != SurfaceSharing::direct3D) return;
+  tiles_ = std::make_unique<Tiles>();
+  tiles_->texture =
+      tiles_->device->createTexture(static_cast<UINT>(width_), static_cast<UINT>(height_ * Tiles::capacity))
+          .texture;
+  tiles_->surface = surfaceOf(*tiles_->texture);
+}
+
+FrameCollector::~FrameCollector() = default;
+
+void FrameCollector::add(void* surface) {
+  if (!tiles_) return pictures_.push_back(hostSurfacePicture(surface));
+  const RECT tile{0, tiles_->used * height_, width_, (tiles_->used + 1) * height_};
+  tiles_->device->get()->StretchRect(static_cast<IDirect3DSurface9*>(surface), nullptr, tiles_->surface.get(),
+                                     &tile, D3DTEXF_NONE);
+  if (++tiles_->used < Tiles::capacity) return;
+  auto full = take();
+  pictures_ = std::move(full);
+}
+
+std::vector<Picture> FrameCollector::take() {
+  auto result = std::exchange(pictures_, {});
+  if (!tiles_ || tiles_->used == 0) return result;
+  const Picture all = direct3DSurfacePicture(tiles_->surface.get());
+  const auto size = static_cast<std::ptrdiff_t>(width_) * height_ * 4;
+  const int count = std::exchange(tiles_->used, 0);
+  for (std::ptrdiff_t i = 0; i < count; ++i) {
+    Picture picture(width_, height_);
+    std::copy_n(all.bytes.begin() + i * size, size, picture.bytes.begin());
+    result.push_back(std::move(picture));
+  }
+  return result;
 }
 
 Picture surfacePicture(SurfaceSharing kind, void* handle) {
