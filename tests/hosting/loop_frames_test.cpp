@@ -14,6 +14,7 @@ TEST_P(LoopFramesGLTest, ArriveInOrderWithTheirPixels) {
   const std::uint32_t count = measuresMemory ? 10000 : 1000;  // sanitizers are slow
   constexpr int width = 12;
   constexpr int height = 9;
+  const auto silence = withoutPresenting(GetParam());
   auto loop = makeLoop();
   loop->set_rendering_callback(rendering([](std::uint32_t id) { drawPattern(id * 1667); }));
   std::mt19937 random(1);

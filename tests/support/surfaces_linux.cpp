@@ -13,6 +13,9 @@ void chooseSharing(SurfaceSharing kind) {
 std::shared_ptr<void> keepDirect3D(SurfaceSharing) {
   return nullptr;
 }
+std::shared_ptr<void> withoutPresenting(SurfaceSharing) {
+  return nullptr;
+}
 int heldReferences(SurfaceSharing) {
   return 0;
 }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "hosting/dx9_device.h"
+#include "support/com_method_patch_windows.h"
 #include "support/dx_interop_stand_in.h"
 #include "support/test_context.h"
 
@@ -36,6 +37,18 @@ void chooseSharing(SurfaceSharing kind) {
 std::shared_ptr<void> keepDirect3D(SurfaceSharing kind) {
   if (kind != SurfaceSharing::direct3D) return nullptr;
   return DX9Device::acquire();
+}
+
+std::shared_ptr<void> withoutPresenting(SurfaceSharing kind) {
+  if (kind != SurfaceSharing::direct3D) return nullptr;
+  using Present = HRESULT(WINAPI*)(IDirect3DDevice9*, const RECT*, const RECT*, HWND, const RGNDATA*);
+  struct Silence {
+    std::shared_ptr<DX9Device> device = DX9Device::acquire();
+    ComMethodPatch<Present> patch{
+        device->get(), 17,
+        [](IDirect3DDevice9*, const RECT*, const RECT*, HWND, const RGNDATA*) -> HRESULT { return D3D_OK; }};
+  };
+  return std::make_shared<Silence>();
 }
 
 int heldReferences(SurfaceSharing kind) {
