@@ -125,11 +125,9 @@ bool OffscreenBufferObject::wait() {
   return done_.wait([&] { outputData_ = nullptr; }) == finished;
 }
 
+// A client whose picture is there may not have woken up yet; it is told of the picture, not of the end.
 void OffscreenBufferObject::cancel() {
-  done_.signalIf(cancelled, [&] {
-    outputData_ = nullptr;
-    return true;
-  });
+  done_.signalFirst(cancelled, [&] { outputData_ = nullptr; });
 }
 
 }  // namespace oct
