@@ -27,8 +27,8 @@ void chooseSharing(SurfaceSharing kind);
 // Keeps the Direct3D device alive between controls: making one takes Wine a tenth of a second.
 std::shared_ptr<void> keepDirect3D(SurfaceSharing kind);
 
-// Keeps the Direct3D device alive as well, and lets its Present do nothing: nobody sees the hidden window, and the
-// virtual screen's answer to every frame is what thousands of them wait for.
+// Keeps the Direct3D device alive as well, and lets its Present do nothing: nobody sees the hidden window,
+// and the virtual screen's answer to every frame is what thousands of them wait for.
 std::shared_ptr<void> withoutPresenting(SurfaceSharing kind);
 
 // What is held of Direct3D and of the interop: references to the device, registered objects, open interop
@@ -46,8 +46,6 @@ class FrameCollector {
 
  private:
   struct Tiles;
-  const SurfaceSharing kind_;
-  const int width_, height_;
   std::vector<Picture> pictures_;
   std::unique_ptr<Tiles> tiles_;  // of Direct3D
 };

@@ -20,8 +20,7 @@ int heldReferences(SurfaceSharing) {
   return 0;
 }
 struct FrameCollector::Tiles {};
-FrameCollector::FrameCollector(SurfaceSharing kind, int width, int height)
-    : kind_(kind), width_(width), height_(height) {}
+FrameCollector::FrameCollector(SurfaceSharing, int, int) {}
 FrameCollector::~FrameCollector() = default;
 void FrameCollector::add(void* surface) {
   pictures_.push_back(hostSurfacePicture(surface));

@@ -60,42 +60,36 @@ int heldReferences(SurfaceSharing kind) {
 
 struct FrameCollector::Tiles {
   static constexpr int capacity = 64;
-  std::shared_ptr<DX9Device> device = DX9Device::acquire();
-  ComOwner<IDirect3DTexture9> texture;
-  ComOwner<IDirect3DSurface9> surface;
+  const int width;
+  const int height;
+  const std::shared_ptr<DX9Device> device = DX9Device::acquire();
+  const DX9Texture texture =
+      device->createTexture(static_cast<UINT>(width), static_cast<UINT>(height* capacity));
+  const ComOwner<IDirect3DSurface9> surface = surfaceOf(*texture.texture);
   int used = 0;
 };
 
 FrameCollector::FrameCollector(SurfaceSharing kind, int width, int height)
-    : kind_(kind), width_(width), height_(height) {
-  if (kind_ != SurfaceSharing::direct3D) return;
-  tiles_ = std::make_unique<Tiles>();
-  tiles_->texture =
-      tiles_->device->createTexture(static_cast<UINT>(width_), static_cast<UINT>(height_ * Tiles::capacity))
-          .texture;
-  tiles_->surface = surfaceOf(*tiles_->texture);
-}
+    : tiles_(kind == SurfaceSharing::direct3D ? new Tiles{width, height} : nullptr) {}
 
 FrameCollector::~FrameCollector() = default;
 
 void FrameCollector::add(void* surface) {
   if (!tiles_) return pictures_.push_back(hostSurfacePicture(surface));
-  const RECT tile{0, tiles_->used * height_, width_, (tiles_->used + 1) * height_};
+  const RECT tile{0, tiles_->used * tiles_->height, tiles_->width, (tiles_->used + 1) * tiles_->height};
   tiles_->device->get()->StretchRect(static_cast<IDirect3DSurface9*>(surface), nullptr, tiles_->surface.get(),
                                      &tile, D3DTEXF_NONE);
-  if (++tiles_->used < Tiles::capacity) return;
-  auto full = take();
-  pictures_ = std::move(full);
+  if (++tiles_->used == Tiles::capacity) pictures_ = take();
 }
 
 std::vector<Picture> FrameCollector::take() {
   auto result = std::exchange(pictures_, {});
   if (!tiles_ || tiles_->used == 0) return result;
   const Picture all = direct3DSurfacePicture(tiles_->surface.get());
-  const auto size = static_cast<std::ptrdiff_t>(width_) * height_ * 4;
+  const auto size = static_cast<std::ptrdiff_t>(tiles_->width) * tiles_->height * 4;
   const int count = std::exchange(tiles_->used, 0);
   for (std::ptrdiff_t i = 0; i < count; ++i) {
-    Picture picture(width_, height_);
+    Picture picture(tiles_->width, tiles_->height);
     std::copy_n(all.bytes.begin() + i * size, size, picture.bytes.begin());
     result.push_back(std::move(picture));
   }
