@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint32_t gateValue = 0xFFFFFFFFU;
 constexpr const char* threadEnded = "The rendering thread of the control loop has ended. ";
 
-// Counts the iterations of all loops and marks the time every 50th, from the first.
+// Counts the iterations of all loops and marks the time that 50 of them took, from the first on.
 class IterationClock {
  public:
   explicit IterationClock(const char* markName) : markName_(markName) {}
@@ -26,8 +26,8 @@ class IterationClock {
   void start() { reference_ = nanosecondsNow(); }
   void tick() {
     if (iterations_++ % 50 != 0) return;
-    reference_ = nanosecondsNow();
-    recordTimingMark(markName_);
+    const std::int64_t now = nanosecondsNow();
+    recordTimingMark(markName_ + std::to_string((now - reference_.exchange(now)) / 1'000'000) + " ms");
   }
 
  private:
@@ -36,8 +36,8 @@ class IterationClock {
   std::atomic<std::int64_t> reference_{0};  // nanoseconds
 };
 
-IterationClock renderClock("50 iterations of rendering loops");
-IterationClock returnClock("50 iterations of return loops");
+IterationClock renderClock("50 iterations of rendering loops: ");
+IterationClock returnClock("50 iterations of return loops: ");
 
 class Visit {
  public:
