@@ -334,11 +334,12 @@ void OpenGLControlLoop::give_to_client(AbstractBuffer& buffer) {
 void OpenGLControlLoop::shut_down() {
   const TimingMark outerMark("Destructing OpenGL Loop");
   const TimingMark innerMark("~OpenGLControlLoop");
-  // A running snapshot is let finish; that of a loop without a size would never come.
+  // A running snapshot is let finish, even one that has only changed the mode yet; that of a loop without a
+  // size would never come.
   const Size current = size();
-  if (mode_ == snapshotMode && current.width != 0 && current.height != 0 && snapshots_.enter()) {
-    control_->wait_for_snapshot();
-    snapshots_.leave();
+  if (mode_ == snapshotMode && current.width != 0 && current.height != 0) {
+    snapshots_.close();
+    snapshots_.drain();
   }
   running_ = false;
   {
