@@ -2,16 +2,26 @@
 
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 namespace oct::simulator {
 
 void RawData::resize(int spectrumLength, int aScans, int bScans, double widthMm, double lengthMm) {
   counts_.resize(static_cast<std::size_t>(spectrumLength) * aScans * bScans);
+  recorded_.reset();
   spectrumLength_ = spectrumLength;
   aScans_ = aScans;
   bScans_ = bScans;
   widthMm_ = widthMm;
   lengthMm_ = lengthMm;
+}
+
+void RawData::setRecorded(std::shared_ptr<const std::vector<float>> samples, int spectrumLength, int aScans,
+                          int bScans, double widthMm, double lengthMm) {
+  resize(spectrumLength, 0, 0, widthMm, lengthMm);
+  aScans_ = aScans;
+  bScans_ = bScans;
+  recorded_ = std::move(samples);
 }
 
 std::span<std::uint16_t> RawData::spectrum(int index) {

@@ -7,12 +7,13 @@
 #include <array>
 #include <complex>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
 namespace oct::simulator {
 
-/// Camera readings of one volume.
+/// Camera readings of one volume, or in their place a volume that was recorded processed.
 class RawData : public HandleObject {
  public:
   static constexpr const char* kName = "raw data";
@@ -20,12 +21,20 @@ class RawData : public HandleObject {
   /// Makes room for a volume; what was stored is lost.
   void resize(int spectrumLength, int aScans, int bScans, double widthMm, double lengthMm);
 
+  /// Refers to a volume that needs no processing; what was stored is lost.
+  /// @param samples half the spectrum length for every A-scan
+  void setRecorded(std::shared_ptr<const std::vector<float>> samples, int spectrumLength, int aScans,
+                   int bScans, double widthMm, double lengthMm);
+
   int spectrumLength() const { return spectrumLength_; }
   int aScans() const { return aScans_; }
   int bScans() const { return bScans_; }
   double widthMm() const { return widthMm_; }
   double lengthMm() const { return lengthMm_; }
-  bool empty() const { return counts_.empty(); }
+  bool empty() const { return counts_.empty() && !recorded_; }
+
+  /// The recorded volume; null if there are camera readings.
+  const std::vector<float>* recorded() const { return recorded_.get(); }
 
   /// @param index number of the A-scan within the volume, B-scan after B-scan
   std::span<std::uint16_t> spectrum(int index);
@@ -38,6 +47,7 @@ class RawData : public HandleObject {
   double widthMm_ = 0.0;
   double lengthMm_ = 0.0;
   std::vector<std::uint16_t> counts_;
+  std::shared_ptr<const std::vector<float>> recorded_;
 };
 
 /// A processed volume. Axis 0 is depth, the fastest in memory; then A-scans; then B-scans.

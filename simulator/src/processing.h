@@ -37,6 +37,8 @@ class Processing : public HandleObject {
   void execute(const RawData& raw, int workers = 0);
 
  private:
+  class Transformation;
+
   std::vector<float> backgrounds(const RawData& raw, int workers) const;
 
   int spectrumLength_;

@@ -6,6 +6,7 @@
 #include "finger_pad.h"
 #include "library.h"
 #include "mirror.h"
+#include "playback_source.h"
 #include "polarization_processing.h"
 #include "polarization_target.h"
 #include "processing.h"
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <numbers>
 #include <stdexcept>
 #include <string>
@@ -94,6 +96,15 @@ OCTDeviceHandle createSimulatedDevice(int phantom, int spectrumLength, unsigned 
 OCTDeviceHandle createSimulatedPolarizationDevice(int phantom, int spectrumLength, unsigned int seed) {
   return framed("createSimulatedPolarizationDevice", [&](HandleTable& handles) {
     return static_cast<OCTDeviceHandle>(handles.add(makeDevice(phantom, spectrumLength, seed, 2)));
+  });
+}
+
+OCTDeviceHandle createSimulatedPlayback(const char* file, double depthMm, double widthMm, double lengthMm) {
+  return framed("createSimulatedPlayback", [&](HandleTable& handles) {
+    if (!file) throw std::invalid_argument("A playback needs the name of a file. ");
+    auto recording = readRecording(std::filesystem::path(reinterpret_cast<const char8_t*>(file)));
+    auto source = std::make_unique<PlaybackSource>(std::move(recording), depthMm, widthMm, lengthMm);
+    return static_cast<OCTDeviceHandle>(handles.add(std::make_shared<Device>(std::move(source), 1)));
   });
 }
 

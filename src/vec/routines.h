@@ -1,0 +1,36 @@
+// The variants behind vec.h, one table per instruction set.
+#pragma once
+
+#include "vec/vec.h"
+
+namespace oct::vec {
+
+// In the order in which processors got them: each has all before it.
+enum class InstructionSet { scalar, sse, sse2, sse41, avx };
+
+struct Routines {
+  void (*copy)(float*, const float*, std::size_t);
+  void (*cropCopy)(float*, const float*, std::size_t, std::size_t, std::size_t);
+  Extremes (*extremes)(const float*, std::size_t);
+  void (*subtract)(float*, const std::uint16_t*, const float*, std::size_t);
+  void (*powers)(float*, const float*, std::size_t);
+  void (*decibels)(float*, const float*, std::size_t, float);
+  void (*toUint16)(std::uint16_t*, const float*, std::size_t, float, float);
+};
+
+bool isSupported(InstructionSet set);
+
+// For every routine the variant of the set, or of the nearest set before it that has one.
+Routines routinesOf(InstructionSet set);
+
+// Put a set's own variants into a table. A set has one only where it is faster than the sets before it.
+void setScalar(Routines& routines);
+void setSse(Routines& routines);
+void setSse2(Routines& routines);
+void setSse41(Routines& routines);
+void setAvx(Routines& routines);
+
+// Smaller copies stay in the caches, where whoever reads them next finds them.
+inline constexpr std::size_t streamedBytes = std::size_t{16} << 20U;
+
+}  // namespace oct::vec

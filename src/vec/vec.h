@@ -1,0 +1,43 @@
+// Arithmetic on arrays, in the widest instructions that the processor has. Depends on nothing; the library,
+// the simulated device and the programs link it.
+//
+// Every variant gives the same bits as the plain loop, so that no result depends on the processor.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace oct::vec {
+
+// Copies count floats. Large blocks go past the caches, whose content they would displace: right for buffers
+// of the graphics driver, which may be write-combined, and for whatever is not read again at once.
+void copy(float* destination, const float* source, std::size_t count);
+
+// Of each of aScans rows of sourceSamples floats, copies the first keptSamples; the destination is packed.
+// Stores as copy() does.
+void cropCopy(float* destination, const float* source, std::size_t aScans, std::size_t sourceSamples,
+              std::size_t keptSamples);
+
+struct Extremes {
+  float lowest;   // infinity where there is no number
+  float highest;  // minus infinity where there is no number
+};
+
+// The lowest and the highest value; NaN is ignored. Which zero stands for a zero of either sign is open.
+Extremes extremes(const float* values, std::size_t count);
+
+// destination[i] = counts[i] - background[i]
+void subtract(float* destination, const std::uint16_t* counts, const float* background, std::size_t count);
+
+// destination[i] = re * re + im * im of count complex numbers, which lie as pairs.
+void powers(float* destination, const float* complexNumbers, std::size_t count);
+
+// destination[i] = 10 log10 of a power, within 5e-5 dB. What is below least, or NaN, counts as least, which
+// must be a normal number above zero; infinity counts as the largest float (385.3 dB). In place or apart.
+void decibels(float* destination, const float* powers, std::size_t count, float least);
+
+// destination[i] = factor * values[i] + offset, halves rounded up, clamped to 0
+// .. 65535. NaN becomes 0.
+void toUint16(std::uint16_t* destination, const float* values, std::size_t count, float factor, float offset);
+
+}  // namespace oct::vec

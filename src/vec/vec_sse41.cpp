@@ -1,0 +1,36 @@
+// What came with the instructions that widen and pack unsigned integers.
+#include <smmintrin.h>
+
+#include "vec/constants.h"
+#include "vec/routines.h"
+#include "vec/tail.h"
+
+namespace oct::vec {
+namespace {
+
+constexpr std::size_t width = 4;
+
+void toUint16Sse41(std::uint16_t* destination, const float* values, std::size_t count, float factor,
+                   float offset) {
+  const __m128 factors = _mm_set1_ps(factor);
+  const __m128 offsets = _mm_set1_ps(offset + 0.5F);
+  const auto whole = [&](const float* from) {
+    const __m128 value = _mm_add_ps(_mm_mul_ps(_mm_loadu_ps(from), factors), offsets);
+    // Packing cuts what is below 0, and so NaN, which the minimum lets pass as its second operand.
+    return _mm_cvttps_epi32(_mm_min_ps(_mm_set1_ps(largestUint16), value));
+  };
+  const auto kernel = [&](std::uint16_t* to, const float* from) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(whole(from), whole(from + width)));
+  };
+  std::size_t i = 0;
+  for (; i + 2 * width <= count; i += 2 * width) kernel(destination + i, values + i);
+  forTail(destination + i, values + i, count - i, 2 * width, kernel);
+}
+
+}  // namespace
+
+void setSse41(Routines& routines) {
+  routines.toUint16 = toUint16Sse41;
+}
+
+}  // namespace oct::vec

@@ -1,0 +1,85 @@
+// Copies, whole and cropped, below and above the size from which they go past the caches.
+#include <gtest/gtest.h>
+
+#include "guarded_array.h"
+#include "numbers.h"
+
+namespace oct::vec::test {
+namespace {
+
+class Copies : public testing::TestWithParam<InstructionSet> {
+ protected:
+  void SetUp() override {
+    if (!isSupported(GetParam())) GTEST_SKIP() << "this processor has no " << nameOf(GetParam());
+  }
+  Routines routines_ = routinesOf(GetParam());
+};
+
+// Every place holds its own number, so that no shift and no repetition goes unseen.
+void number(GuardedArray<float>& array) {
+  for (std::size_t i = 0; i < array.size(); ++i) array[i] = static_cast<float>(i + 1);
+}
+
+void expectCopied(const Routines& routines, std::size_t count, std::size_t sourceOffset, std::size_t offset) {
+  GuardedArray<float> source(count, sourceOffset);
+  GuardedArray<float> destination(count, offset);
+  number(source);
+  routines.copy(destination.data(), source.data(), count);
+  EXPECT_TRUE(destination == source) << count << " floats from " << sourceOffset << " to " << offset;
+  EXPECT_TRUE(destination.isIntactAround()) << count << " floats from " << sourceOffset << " to " << offset;
+}
+
+void expectCropped(const Routines& routines, std::size_t aScans, std::size_t samples, std::size_t kept,
+                   std::size_t offset) {
+  GuardedArray<float> source(aScans * samples, 3);
+  GuardedArray<float> destination(aScans * kept, offset);
+  number(source);
+  routines.cropCopy(destination.data(), source.data(), aScans, samples, kept);
+  std::size_t wrong = 0;
+  for (std::size_t aScan = 0; aScan < aScans; ++aScan) {
+    for (std::size_t i = 0; i < kept; ++i) {
+      wrong += destination[aScan * kept + i] != source[aScan * samples + i];
+    }
+  }
+  EXPECT_EQ(wrong, 0U) << kept << " of " << samples << ", " << aScans << " times, to " << offset;
+  EXPECT_TRUE(destination.isIntactAround()) << kept << " of " << samples << " to " << offset;
+}
+
+TEST_P(Copies, SmallOnesOfAllLengthsAndAlignments) {
+  for (std::size_t count = 0; count < 40; ++count) {
+    for (std::size_t offset = 0; offset < 17; ++offset) expectCopied(routines_, count, 16 - offset, offset);
+  }
+}
+
+TEST_P(Copies, LargeOnesOfAllAlignments) {
+  constexpr std::size_t limit = streamedBytes / sizeof(float);
+  expectCopied(routines_, limit - 1, 0, 1);
+  for (const std::size_t offset : {0, 1, 2, 4, 7, 8, 15, 16}) {
+    expectCopied(routines_, limit + offset / 2, 1, offset);
+  }
+}
+
+TEST_P(Copies, SmallCrops) {
+  for (const std::size_t kept : {0, 1, 3, 4, 15, 16, 17, 40}) {
+    for (std::size_t offset = 0; offset < 9; ++offset) expectCropped(routines_, 5, 40, kept, offset);
+  }
+  expectCropped(routines_, 0, 40, 7, 0);
+}
+
+// Rows shorter and longer than a cache line, whose ends fall anywhere into one.
+TEST_P(Copies, LargeCrops) {
+  constexpr std::size_t limit = streamedBytes / sizeof(float);
+  for (const std::size_t kept : {1, 2, 5, 15, 16, 17, 31, 100, 511}) {
+    for (const std::size_t offset : {0, 13}) {
+      expectCropped(routines_, limit / kept + 1, kept + 1, kept, offset);
+    }
+  }
+  expectCropped(routines_, 1, limit + 50, limit + 3, 7);
+}
+
+INSTANTIATE_TEST_SUITE_P(Variants, Copies,
+                         testing::Values(InstructionSet::scalar, InstructionSet::sse, InstructionSet::avx),
+                         [](const auto& test) { return nameOf(test.param); });
+
+}  // namespace
+}  // namespace oct::vec::test

@@ -1,0 +1,53 @@
+// An array between guard words, at any distance from an aligned address.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace oct::vec::test {
+
+template <class Value>
+class GuardedArray {
+ public:
+  // @param offset places beyond a multiple of 64 bytes
+  GuardedArray(std::size_t size, std::size_t offset)
+      : bytes_((size + offset) * sizeof(Value) + 3 * kGuard), size_(size) {
+    std::memset(bytes_.data(), kPattern, bytes_.size());
+    const auto address = reinterpret_cast<std::uintptr_t>(bytes_.data()) + kGuard;
+    const std::uintptr_t aligned = (address + 63) / 64 * 64;
+    first_ = kGuard + (aligned - address) + offset * sizeof(Value);
+  }
+
+  Value* data() { return reinterpret_cast<Value*>(bytes_.data() + first_); }
+  Value& operator[](std::size_t i) { return data()[i]; }
+  std::size_t size() const { return size_; }
+
+  // Whether everything but the array is as it was.
+  bool isIntactAround() const {
+    for (std::size_t i = 0; i < first_; ++i) {
+      if (bytes_[i] != kPattern) return false;
+    }
+    for (std::size_t i = first_ + size_ * sizeof(Value); i < bytes_.size(); ++i) {
+      if (bytes_[i] != kPattern) return false;
+    }
+    return true;
+  }
+
+  // Bit for bit, so that NaN equals itself.
+  bool operator==(const GuardedArray& other) const {
+    return size_ == other.size_ && std::memcmp(bytes_.data() + first_, other.bytes_.data() + other.first_,
+                                               size_ * sizeof(Value)) == 0;
+  }
+
+ private:
+  static constexpr std::size_t kGuard = 128;
+  static constexpr unsigned char kPattern = 0xA5;
+
+  std::vector<unsigned char> bytes_;
+  std::size_t size_;
+  std::size_t first_ = 0;
+};
+
+}  // namespace oct::vec::test
