@@ -1,0 +1,136 @@
+// Live volumes for a long time: memory and OpenGL objects stay flat. Says how many volumes were dropped and
+// how long the worst frame took, which no test can put a bound on.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+#include <random>
+#include <string>
+
+#include "oct_device/oct_device.h"
+#include "oct_device/oct_simulator.h"
+#include "support/gl_spy.h"
+#include "support/process_memory.h"
+#include "support/test_context.h"
+#include "support/volume_scene.h"
+#include "volume/volume_renderer.h"
+
+namespace oct::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+
+std::atomic<int> volumesAcquired{0};
+std::atomic<int> deviceErrors{0};
+
+Seconds duration() {
+  const char* const asked = std::getenv("OCT_SOAK_SECONDS");
+  return Seconds(asked ? std::atof(asked) : OCT_SOAK_SECONDS);
+}
+
+// A moving finger pad with two lateral sizes in turn, so that every start makes its OpenGL objects anew.
+class LiveSoakTest : public testing::Test {
+ protected:
+  static constexpr unsigned width = 160;
+  static constexpr unsigned height = 120;
+
+  LiveSoakTest() {
+    device_ = createSimulatedDevice(OCT_PHANTOM_FINGER_PAD, 256, 3);
+    setSimulatedMotion(device_, OCT_MOTION_DRIFT, 0.3, 4.0);
+    processing_ = createSimulatedProcessing(device_);
+    patterns_[0] = createSimulatedScanPattern(device_, 48, 24, 3.0, 1.5);
+    patterns_[1] = createSimulatedScanPattern(device_, 32, 32, 2.0, 2.0);
+    live_ = createLiveRendering();
+    setLiveVolumeRenderingRenderer(live_, stage_.renderer);
+    source_ = createOnlineDataSource(device_, processing_);
+    setRefIntensityCallback(source_, [](double) { ++volumesAcquired; });
+    setErrorCallback(source_, [](const char*) { ++deviceErrors; });
+    VolumeScene scene;
+    scene.coloring = {rampColors(256, 0.5), 0.0, 60.0};
+    apply(scene, stage_.renderer);
+    setBorder(stage_.renderer, 1, 1, 1);
+  }
+  ~LiveSoakTest() override {
+    clearDataSource(source_);
+    clearLiveRendering(live_);
+    for (const ScanPatternHandle pattern : patterns_) clearSimulatedScanPattern(pattern);
+    clearSimulatedProcessing(processing_);
+    clearSimulatedDevice(device_);
+  }
+
+  std::uint64_t volumesShown() const {
+    return reinterpret_cast<const VolumeRenderer*>(stage_.renderer)->source().revision;
+  }
+
+  void frame() {
+    const auto begin = Clock::now();
+    beginOffscreenFrame(stage_.target, width, height);
+    renderVolume(live_);
+    finishOffscreenFrame(stage_.target, picture_.bytes.data());
+    worstFrame_ = std::max(worstFrame_, Seconds(Clock::now() - begin));
+    ++frames_;
+  }
+
+  // One measurement, with a client that turns knobs.
+  void measurement(Seconds length) {
+    std::uniform_real_distribution<double> angle(-180.0, 180.0);
+    startDataSource(live_, source_, patterns_[measurements_ % 2]);
+    setRenderElements(stage_.renderer, 1, measurements_ % 3 == 0 ? 1 : 0);
+    setVolumeMode(stage_.renderer, measurements_ % 3);
+    setRenderingMode(stage_.renderer, measurements_ % 5 == 4 ? 1 : 0);
+    for (const auto end = Clock::now() + length; Clock::now() < end;) {
+      setAngles(stage_.renderer, angle(random_), angle(random_));
+      frame();
+    }
+    stopDataSource(source_);
+    frame();
+    ++measurements_;
+  }
+
+  VolumeStage stage_;
+  OCTDeviceHandle device_ = nullptr;
+  ProcessingHandle processing_ = nullptr;
+  std::array<ScanPatternHandle, 2> patterns_{};
+  LiveVolumeRenderingHandle live_ = nullptr;
+  LiveDataSourceHandle source_ = nullptr;
+  Picture picture_{width, height};
+  std::mt19937 random_{1};
+  int measurements_ = 0;
+  int frames_ = 0;
+  Seconds worstFrame_{0.0};
+};
+
+TEST_F(LiveSoakTest, MemoryAndObjectsStayFlat) {
+  const Clock::time_point end = Clock::now() + std::chrono::duration_cast<Clock::duration>(duration());
+  for (int i = 0; i < 5; ++i) measurement(Seconds(1.0));  // what the driver and the phantom build once
+  const GlSpy spy;
+  measurement(Seconds(1.0));
+  const std::size_t objects = spy.liveObjects();
+  const std::size_t memory = residentMemory();
+  const std::size_t threads = threadCount();
+  const std::size_t handles = handleCount();
+  std::size_t mostMemory = memory;
+  while (Clock::now() < end) {
+    measurement(Seconds(2.0));
+    ASSERT_EQ(spy.liveObjects(), objects) << "after " << measurements_ << " measurements";
+    mostMemory = std::max(mostMemory, residentMemory());
+  }
+  EXPECT_EQ(deviceErrors, 0);
+  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_LE(threadCount(), threads);
+  EXPECT_LE(handleCount(), handles + 3);
+  const double grown = (static_cast<double>(mostMemory) - static_cast<double>(memory)) / (1 << 20);
+  EXPECT_LT(grown, 16.0) << "MiB";
+  EXPECT_GT(volumesShown(), static_cast<std::uint64_t>(measurements_));
+  std::cout << measurements_ << " measurements, " << frames_ << " frames, worst "
+            << 1000.0 * worstFrame_.count() << " ms; " << volumesShown() << " volumes shown, "
+            << volumesAcquired + measurements_ - static_cast<int>(volumesShown())
+            << " dropped or cut off by a stop; memory grew by " << grown << " MiB\n";
+}
+
+}  // namespace
+}  // namespace oct::test
