@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -17,6 +18,9 @@ struct Raster {
   std::size_t frame = 0;       // which frame of the file this is, counted from 0
   std::size_t frameCount = 1;  // how many the file holds
 };
+
+// Takes the frames of a file one after the other.
+using TakeRaster = std::function<void(Raster)>;
 
 // Depth is fastest, as the library wants it: sample z of A-scan x lies at x * depth + z.
 struct Image {

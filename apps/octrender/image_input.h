@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 
 #include "image.h"
 
@@ -15,5 +16,9 @@ struct LoadedImage {
 };
 
 LoadedImage loadImage(const std::filesystem::path& path, const FrameChoice& choice, bool rowsAreAscans);
+
+// Every frame of the file, which is opened once.
+void loadImages(const std::filesystem::path& path, bool rowsAreAscans,
+                const std::function<void(LoadedImage)>& take);
 
 }  // namespace oct::app

@@ -1,8 +1,10 @@
 #include "npy_reader.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "failure.h"
 #include "npy_header.h"
@@ -84,50 +86,91 @@ void checkDataSize(const InputFile& file, const NpyHeader& header, const ArrayLa
   }
 }
 
+struct Array {
+  InputFile& file;
+  NpyHeader header;
+  const SampleType& type;
+  ArrayLayout layout;
+
+  Raster emptyFrame(std::size_t number) const {
+    Raster raster;
+    raster.rows = static_cast<std::size_t>(layout.rows);
+    raster.columns = static_cast<std::size_t>(layout.columns);
+    raster.frameCount = static_cast<std::size_t>(layout.frames);
+    raster.frame = number;
+    raster.samples.resize(raster.rows * raster.columns);
+    return raster;
+  }
+};
+
+Array openArray(InputFile& file) {
+  const NpyHeader header = readNpyHeader(file);
+  const SampleType& type = findSampleType(file.path(), header.type);
+  const ArrayLayout layout = layoutOf(file.path(), header);
+  checkDataSize(file, header, layout, type);
+  return {file, header, type, layout};
+}
+
 // The frame is one piece of the file.
-void readContiguousFrame(InputFile& file, const NpyHeader& header, const SampleType& type, Raster& raster) {
-  file.seek(header.dataOffset + std::uint64_t{raster.frame} * raster.rows * raster.columns * type.bytes);
-  std::vector<char> row(raster.columns * type.bytes);
-  Progress progress("reading " + toUtf8(file.path().filename()), raster.samples.size());
+Raster readContiguousFrame(const Array& array, std::size_t number) {
+  Raster raster = array.emptyFrame(number);
+  const std::size_t rowBytes = raster.columns * array.type.bytes;
+  array.file.seek(array.header.dataOffset + std::uint64_t{number} * raster.rows * rowBytes);
+  std::vector<char> row(rowBytes);
+  Progress progress("reading " + toUtf8(array.file.path().filename()), raster.samples.size());
   for (std::size_t i = 0; i < raster.rows; ++i) {
     progress.update(i, raster.rows);
-    file.read(row.data(), row.size());
-    type.convert(row.data(), raster.columns, 1, &raster.samples[i * raster.columns]);
+    array.file.read(row.data(), row.size());
+    array.type.convert(row.data(), raster.columns, 1, &raster.samples[i * raster.columns]);
   }
+  return raster;
 }
 
 // The first axis is fastest: the samples of one frame are spread over the whole file, which is read through
 // column by column.
-void readFortranFrame(InputFile& file, const NpyHeader& header, const SampleType& type, Raster& raster) {
-  file.seek(header.dataOffset);
-  std::vector<char> bytes(raster.rows * raster.frameCount * type.bytes);
-  std::vector<float> column(raster.rows);
-  Progress progress("reading " + toUtf8(file.path().filename()), raster.samples.size() * raster.frameCount);
-  for (std::size_t i = 0; i < raster.columns; ++i) {
-    progress.update(i, raster.columns);
-    file.read(bytes.data(), bytes.size());
-    type.convert(&bytes[raster.frame * type.bytes], raster.rows, raster.frameCount, column.data());
-    for (std::size_t row = 0; row < raster.rows; ++row)
-      raster.samples[row * raster.columns + i] = column[row];
+std::vector<Raster> readFortranFrames(const Array& array, std::size_t first, std::size_t count) {
+  std::vector<Raster> rasters;
+  for (std::size_t i = 0; i < count; ++i) rasters.push_back(array.emptyFrame(first + i));
+  const auto& [rows, columns, samples, frame, frameCount] = rasters.front();
+  array.file.seek(array.header.dataOffset);
+  std::vector<char> bytes(rows * frameCount * array.type.bytes);
+  std::vector<float> column(rows);
+  Progress progress("reading " + toUtf8(array.file.path().filename()), rows * columns * frameCount);
+  for (std::size_t i = 0; i < columns; ++i) {
+    progress.update(i, columns);
+    array.file.read(bytes.data(), bytes.size());
+    for (Raster& raster : rasters) {
+      array.type.convert(&bytes[raster.frame * array.type.bytes], rows, frameCount, column.data());
+      for (std::size_t row = 0; row < rows; ++row) raster.samples[row * columns + i] = column[row];
+    }
   }
+  return rasters;
 }
 
 }  // namespace
 
 Raster readNpy(InputFile& file, const FrameChoice& choice) {
-  const NpyHeader header = readNpyHeader(file);
-  const SampleType& type = findSampleType(file.path(), header.type);
-  const ArrayLayout layout = layoutOf(file.path(), header);
-  checkDataSize(file, header, layout, type);
+  const Array array = openArray(file);
+  const std::size_t number = chooseFrame(file.path(), array.layout.frames, choice);
+  if (!array.header.fortranOrder) return readContiguousFrame(array, number);
+  return std::move(readFortranFrames(array, number, 1).front());
+}
 
-  Raster raster;
-  raster.rows = static_cast<std::size_t>(layout.rows);
-  raster.columns = static_cast<std::size_t>(layout.columns);
-  raster.frameCount = static_cast<std::size_t>(layout.frames);
-  raster.frame = chooseFrame(file.path(), layout.frames, choice);
-  raster.samples.resize(raster.rows * raster.columns);
-  (header.fortranOrder ? readFortranFrame : readContiguousFrame)(file, header, type, raster);
-  return raster;
+void readNpyFrames(InputFile& file, const TakeRaster& take, std::size_t samplesAtATime) {
+  const Array array = openArray(file);
+  const auto frames = static_cast<std::size_t>(array.layout.frames);
+  const auto frameSamples = static_cast<std::size_t>(array.layout.rows * array.layout.columns);
+  const std::size_t atATime =
+      array.header.fortranOrder ? std::max<std::size_t>(samplesAtATime / frameSamples, 1) : 1;
+  for (std::size_t first = 0; first < frames; first += atATime) {
+    if (!array.header.fortranOrder) {
+      take(readContiguousFrame(array, first));
+      continue;
+    }
+    for (Raster& raster : readFortranFrames(array, first, std::min(atATime, frames - first))) {
+      take(std::move(raster));
+    }
+  }
 }
 
 }  // namespace oct::app

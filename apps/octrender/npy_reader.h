@@ -8,4 +8,9 @@ namespace oct::app {
 
 Raster readNpy(InputFile& file, const FrameChoice& choice);
 
+// Every frame. In Fortran order a frame is spread over the whole file, which is therefore read once for as
+// many frames as may be kept at a time.
+constexpr std::size_t kSamplesAtATime = std::size_t{1} << 27;
+void readNpyFrames(InputFile& file, const TakeRaster& take, std::size_t samplesAtATime = kSamplesAtATime);
+
 }  // namespace oct::app

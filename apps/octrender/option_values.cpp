@@ -42,7 +42,8 @@ std::uint32_t parseColor(const std::string& option, const std::string& text) {
 std::vector<std::string> withoutAutomaticRanges(const std::vector<std::string>& arguments) {
   std::vector<std::string> result;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const bool isRange = arguments[i] == "--range" || arguments[i] == "--overlay-range";
+    const bool isRange =
+        arguments[i] == "--range" || arguments[i] == "--overlay-range" || arguments[i] == "--secondary-range";
     if (isRange && i + 1 < arguments.size() && arguments[i + 1] == "auto") {
       ++i;
     } else {

@@ -7,5 +7,6 @@
 namespace oct::app {
 
 Raster readTiff(InputFile& file, const FrameChoice& choice);
+void readTiffFrames(InputFile& file, const TakeRaster& take);  // every page
 
 }  // namespace oct::app

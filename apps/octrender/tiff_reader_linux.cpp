@@ -42,10 +42,27 @@ class TiffFile {
   }
 
   Raster read(const FrameChoice& choice) {
+    const std::size_t pages = TIFFNumberOfDirectories(tiff_.get());
+    const std::size_t page = chooseFrame(path_, pages, choice);
+    if (!TIFFSetDirectory(tiff_.get(), static_cast<tdir_t>(page))) throw damaged();
+    return currentPage(page, pages);
+  }
+
+  // Goes from page to page: each is found by way of those before it.
+  void readAll(const TakeRaster& take) {
+    const std::size_t pages = TIFFNumberOfDirectories(tiff_.get());
+    if (!TIFFSetDirectory(tiff_.get(), 0)) throw damaged();
+    for (std::size_t page = 0; page < pages; ++page) {
+      if (page > 0 && !TIFFReadDirectory(tiff_.get())) throw damaged();
+      take(currentPage(page, pages));
+    }
+  }
+
+ private:
+  Raster currentPage(std::size_t page, std::size_t pages) {
     Raster raster;
-    raster.frameCount = TIFFNumberOfDirectories(tiff_.get());
-    raster.frame = chooseFrame(path_, raster.frameCount, choice);
-    if (!TIFFSetDirectory(tiff_.get(), static_cast<tdir_t>(raster.frame))) throw damaged();
+    raster.frame = page;
+    raster.frameCount = pages;
     checkLayout();
     raster.rows = side(TIFFTAG_IMAGELENGTH);
     raster.columns = side(TIFFTAG_IMAGEWIDTH);
@@ -55,7 +72,6 @@ class TiffFile {
     return raster;
   }
 
- private:
   Failure damaged() const { return inputFailure(path_, "not a readable TIFF image: " + error_); }
 
   // The value of a tag, the default that the format gives it, or the fallback. T is the type that libtiff
@@ -113,6 +129,10 @@ class TiffFile {
 
 Raster readTiff(InputFile& file, const FrameChoice& choice) {
   return TiffFile(file.path()).read(choice);
+}
+
+void readTiffFrames(InputFile& file, const TakeRaster& take) {
+  TiffFile(file.path()).readAll(take);
 }
 
 }  // namespace oct::app

@@ -7,4 +7,8 @@ Raster readTiff(InputFile& file, const FrameChoice&) {
   throw inputFailure(file.path(), "TIFF input needs the Linux build");
 }
 
+void readTiffFrames(InputFile& file, const TakeRaster&) {
+  readTiff(file, {});
+}
+
 }  // namespace oct::app

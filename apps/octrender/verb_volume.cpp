@@ -74,6 +74,9 @@ struct Options {
   std::string overlay;
   std::optional<NumberPair> overlayRange;
   std::string overlayColormap = "inferno";
+  std::string secondary;
+  std::optional<NumberPair> secondaryRange;
+  std::string secondaryColormap = "viridis";
   bool noEdges = false;
   bool noLabels = false;
   bool box = false;
@@ -130,7 +133,8 @@ void addColorOptions(CLI::App& verb, Options& options) {
       ->type_name("LO HI | auto");
   verb.add_option("--colormap", options.colormap,
                   colormapNames() +
-                      "\nor a .csv file, whose own alpha then counts (default:\ninferno; gray for sections)")
+                      "\nor a .csv file, whose own alpha then counts (default:\ninferno; gray "
+                      "for sections and below --secondary)")
       ->type_name("MAP");
   verb.add_flag("--reverse", options.reverse, "Turn the colours of the map round, not its opacity");
   verb.add_option("--opacity", options.opacity, "Highest opacity of one step of a ray, 0 to 1")
@@ -173,6 +177,17 @@ void addSceneOptions(CLI::App& verb, Options& options) {
       ->type_name("MAP")
       ->capture_default_str()
       ->needs(overlay);
+  auto* secondary = verb.add_option(
+      "--secondary", options.secondary,
+      "Map of a second quantity over the lateral axes, one row\nper B-scan, that colours a composite");
+  secondary->type_name("FILE")->excludes(overlay);
+  verb.add_option("--secondary-range", options.secondaryRange, "As --range, for the map")
+      ->type_name("LO HI | auto")
+      ->needs(secondary);
+  verb.add_option("--secondary-colormap", options.secondaryColormap, "As --colormap, for the map")
+      ->type_name("MAP")
+      ->capture_default_str()
+      ->needs(secondary);
   verb.add_flag("--no-edges", options.noEdges, "Without the edges of the box");
   verb.add_flag("--no-labels", options.noLabels, "Without scale marks and labels");
   verb.add_flag("--box", options.box, "With translucent faces of the box");
@@ -223,8 +238,8 @@ void addOpacityRamp(Colormap& colors, double opacity) {
 }
 
 Colormap baseColormap(const Options& options, VolumeLook look) {
-  const bool sections = look == VolumeLook::Sections;
-  const std::string name = options.colormap.empty() ? (sections ? "gray" : "inferno") : options.colormap;
+  const bool plain = look == VolumeLook::Sections || !options.secondary.empty();
+  const std::string name = options.colormap.empty() ? (plain ? "gray" : "inferno") : options.colormap;
   Colormap colors = loadColormap(name);
   if (options.reverse) std::reverse(colors.begin(), colors.end());
   if (look == VolumeLook::Composite && !isOwnFile(name)) addOpacityRamp(colors, options.opacity);
@@ -276,7 +291,7 @@ std::filesystem::path outputPath(const Options& options) {
   const std::filesystem::path output = fromUtf8(options.output);
   if (output.extension() != ".png")
     throw badCommandLine("the output '" + options.output + "' must end in .png");
-  for (const std::string& input : {options.input, options.overlay, options.surface}) {
+  for (const std::string& input : {options.input, options.overlay, options.surface, options.secondary}) {
     std::error_code ignored;
     if (!input.empty() && std::filesystem::equivalent(fromUtf8(input), output, ignored)) {
       throw badCommandLine("the output would overwrite the input '" + input + "'");
@@ -313,6 +328,9 @@ VolumeScene sceneOf(const Options& options) {
   scene.backgroundTop = parseColor("--background", options.background[1]);
   scene.foreground = parseColor("--foreground", options.foreground);
   scene.showVolume = !options.surfaceOnly;
+  if (!options.secondary.empty() && scene.look != VolumeLook::Composite) {
+    throw badCommandLine("--secondary colours composites only; it needs --mode composite");
+  }
   scene.base.colormap = baseColormap(options, scene.look);
   return scene;
 }
@@ -351,6 +369,16 @@ void loadSurface(const Options& options, Colormap colormap, VolumeScene& scene) 
   scene.surface = std::move(surface);
 }
 
+void loadSecondary(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
+                   VolumeScene& scene) {
+  SecondaryColoring secondary;
+  secondary.map = loadLateralMap(fromUtf8(options.secondary));
+  secondary.range = rangeOf(options.secondary, secondary.map.values, range, {0.01, 0.99});
+  replaceNonFinite(secondary.map.values, secondary.range);
+  secondary.colormap = std::move(colormap);
+  scene.secondary = std::move(secondary);
+}
+
 void draw(const VolumeScene& scene, const std::filesystem::path& output, unsigned turntable) {
   if (turntable == 0) {
     renderVolume(scene, 1, [&](unsigned, const Picture& picture) { writePng(output, picture); });
@@ -369,16 +397,19 @@ void run(const Options& options) {
   const std::filesystem::path output = outputPath(options);
   const std::optional<ValueRange> range = parseRange("--range", options.range);
   const std::optional<ValueRange> overlayRange = parseRange("--overlay-range", options.overlayRange);
+  const std::optional<ValueRange> secondaryRange = parseRange("--secondary-range", options.secondaryRange);
   const std::optional<RawLayout> raw =
       options.raw.empty() ? std::optional<RawLayout>() : parseRawLayout(options.raw);
   VolumeScene scene = sceneOf(options);
   Colormap overlayColormap = loadColormap(options.overlayColormap);
   if (!isOwnFile(options.overlayColormap)) addOpacityRamp(overlayColormap, 1.0);
   const Colormap surfaceColormap = loadColormap(options.surfaceColormap);
+  const Colormap secondaryColormap = loadColormap(options.secondaryColormap);
 
   loadBase(options, raw, range, scene);
   if (!options.overlay.empty()) loadOverlay(options, raw, overlayRange, std::move(overlayColormap), scene);
   if (!options.surface.empty()) loadSurface(options, surfaceColormap, scene);
+  if (!options.secondary.empty()) loadSecondary(options, secondaryRange, secondaryColormap, scene);
   draw(scene, output, options.turntable);
 }
 

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "failure.h"
 #include "image_input.h"
@@ -81,44 +82,47 @@ RawLayout parseRawLayout(const std::string& text) {
 VolumeData loadVolume(const std::filesystem::path& path, bool rowsAreAscans,
                       const std::optional<RawLayout>& raw) {
   if (raw) return readRaw(path, *raw);
-  FrameChoice choice;
-  choice.number = 0;
-  LoadedImage first = loadImage(path, choice, rowsAreAscans);
-  if (first.frameCount < 2) {
-    throw inputFailure(path,
-                       "this is one image; a volume has three axes (B-scan, depth, A-scan). Draw it with "
-                       "octrender bscan");
-  }
-  VolumeData volume{first.image.depth, first.image.ascans, first.frameCount, {}};
-  const std::size_t frameSamples = volume.depth * volume.ascans;
-  checkVoxelCount(path, frameSamples, volume.bscans);
-  volume.voxels = std::move(first.image.samples);
-  volume.voxels.reserve(frameSamples * volume.bscans);
-  Progress progress("reading " + toUtf8(path.filename()), frameSamples * volume.bscans);
-  for (std::size_t frame = 1; frame < volume.bscans; ++frame) {
-    progress.update(frame, volume.bscans);
-    choice.number = frame;
-    const Image image = loadImage(path, choice, rowsAreAscans).image;
-    if (image.depth != volume.depth || image.ascans != volume.ascans) {
-      throw inputFailure(path, "frame " + std::to_string(frame) + " has another size than the first");
+  VolumeData volume;
+  std::optional<Progress> progress;
+  loadImages(path, rowsAreAscans, [&](LoadedImage loaded) {
+    const Image& image = loaded.image;
+    if (loaded.frame == 0) {
+      if (loaded.frameCount < 2) {
+        throw inputFailure(path,
+                           "this is one image; a volume has three axes (B-scan, depth, A-scan). Draw it with "
+                           "octrender bscan");
+      }
+      volume = {image.depth, image.ascans, loaded.frameCount, {}};
+      checkVoxelCount(path, image.samples.size(), volume.bscans);
+      volume.voxels.reserve(image.samples.size() * volume.bscans);
+      progress.emplace("reading " + toUtf8(path.filename()), image.samples.size() * volume.bscans);
     }
+    if (image.depth != volume.depth || image.ascans != volume.ascans) {
+      throw inputFailure(path, "frame " + std::to_string(loaded.frame) + " has another size than the first");
+    }
+    progress->update(loaded.frame, volume.bscans);
     volume.voxels.insert(volume.voxels.end(), image.samples.begin(), image.samples.end());
-  }
+  });
   return volume;
 }
 
-std::vector<float> loadHeightMap(const std::filesystem::path& path, const VolumeData& volume) {
+LateralMap loadLateralMap(const std::filesystem::path& path) {
   FrameChoice choice;
   choice.singleFits = true;
   // Rows as A-scans: what lies in a row of the file stays together in memory.
-  const Image image = loadImage(path, choice, true).image;
-  if (image.ascans != volume.bscans || image.depth != volume.ascans) {
-    throw inputFailure(path, "the height map has " + std::to_string(image.ascans) + " rows of " +
-                                 std::to_string(image.depth) + " samples; the volume has " +
+  Image image = loadImage(path, choice, true).image;
+  return {image.depth, image.ascans, std::move(image.samples)};
+}
+
+std::vector<float> loadHeightMap(const std::filesystem::path& path, const VolumeData& volume) {
+  LateralMap map = loadLateralMap(path);
+  if (map.bscans != volume.bscans || map.ascans != volume.ascans) {
+    throw inputFailure(path, "the height map has " + std::to_string(map.bscans) + " rows of " +
+                                 std::to_string(map.ascans) + " samples; the volume has " +
                                  std::to_string(volume.bscans) + " B-scans of " +
                                  std::to_string(volume.ascans) + " A-scans");
   }
-  return image.samples;
+  return std::move(map.values);
 }
 
 }  // namespace oct::app

@@ -34,6 +34,15 @@ RawLayout parseRawLayout(const std::string& text);
 VolumeData loadVolume(const std::filesystem::path& path, bool rowsAreAscans,
                       const std::optional<RawLayout>& raw);
 
+// Values over the two lateral axes: rows along the B-scans, columns along the A-scans.
+struct LateralMap {
+  std::size_t ascans = 0;
+  std::size_t bscans = 0;
+  std::vector<float> values;
+};
+
+LateralMap loadLateralMap(const std::filesystem::path& path);
+
 // A height map, one row per B-scan and one column per A-scan.
 std::vector<float> loadHeightMap(const std::filesystem::path& path, const VolumeData& volume);
 

@@ -9,13 +9,18 @@ std::uint32_t packed(std::uint32_t rgb) {
   return rgb << 8 | 0xFF;
 }
 
+int volumeMode(const VolumeScene& scene) {
+  if (scene.look == VolumeLook::Maximum) return 1;
+  if (scene.look == VolumeLook::Mean) return 2;
+  return scene.secondary ? 3 : 0;
+}
+
 void setView(VolumeRendererHandle renderer, const VolumeScene& scene) {
   checked(setZoom, renderer, scene.zoom);
   checked(setUsePerspective, renderer, scene.perspective);
   checked(setRenderingSlices, renderer, scene.slices);
   checked(setRenderingMode, renderer, int{scene.look == VolumeLook::Sections});
-  const int mode = scene.look == VolumeLook::Maximum ? 1 : scene.look == VolumeLook::Mean ? 2 : 0;
-  checked(setVolumeMode, renderer, mode);
+  checked(setVolumeMode, renderer, volumeMode(scene));
   const auto& [first, second, third] = scene.sections;
   checked(setSectionalView, renderer, int{first.has_value()}, first.value_or(0.5f), int{second.has_value()},
           second.value_or(0.5f), int{third.has_value()}, third.value_or(0.5f));
@@ -47,6 +52,13 @@ void setData(OfflineRenderingHandle offline, VolumeRendererHandle renderer, cons
     checked(uploadOverlayOfflineVolume, offline, scene.overlay->data.voxels.data());
     setColors(renderer, scene.overlay->colormap, scene.overlay->range, setOverlayRendererColormap,
               setOverlayRendererColoringBoundaries);
+  }
+  if (scene.secondary) {
+    const LateralMap& map = scene.secondary->map;
+    checked(uploadOfflineSecondaryData, offline, static_cast<int>(map.ascans), static_cast<int>(map.bscans),
+            1u, 0u, static_cast<unsigned>(map.bscans), map.values.data());
+    setColors(renderer, scene.secondary->colormap, scene.secondary->range, setRendererSecondaryColormap,
+              setRendererSecondaryColoringBoundaries);
   }
   if (scene.surface) {
     const HeightMap& surface = *scene.surface;

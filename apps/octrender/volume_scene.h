@@ -29,6 +29,13 @@ struct HeightMap {
   Colormap colormap;
 };
 
+// Colours a composite by a quantity that has one value per A-scan.
+struct SecondaryColoring {
+  LateralMap map;  // of any size
+  ValueRange range;
+  Colormap colormap;
+};
+
 struct ClipSetting {
   double value = 0.5;
   bool open = false;
@@ -39,6 +46,7 @@ struct VolumeScene {
   VolumeLayer base;
   std::optional<VolumeLayer> overlay;
   std::optional<HeightMap> surface;
+  std::optional<SecondaryColoring> secondary;
   bool showVolume = true;
   VolumeLook look = VolumeLook::Composite;
   PictureSize size;

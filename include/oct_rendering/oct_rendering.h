@@ -631,7 +631,8 @@ OCT_API void setClipPlane(VolumeRendererHandle Handle, int Enable, int OpenCut, 
 /**
  * @brief Lets the clip plane turn with the volume instead of facing the viewer.
  * @param Handle The renderer.
- * @param Fix Non-zero keeps the orientation that the plane has; 0 (the start) follows the viewer.
+ * @param Fix Non-zero keeps the orientation that the plane had in the last frame, without which it cuts nothing; 0
+ *            (the start) follows the viewer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
  * @thread Any thread; waits while a frame is being drawn.

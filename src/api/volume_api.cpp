@@ -1,6 +1,7 @@
 // Exports of the volume renderer.
 #include "api/api_frame.h"
 #include "core/object_lock.h"
+#include "core/timing_mark.h"
 #include "gl/opengl_error.h"
 #include "gl/opengl_loader.h"
 #include "oct_rendering/oct_rendering.h"
@@ -60,6 +61,7 @@ void setZoom(VolumeRendererHandle Handle, double Zoom) {
 
 void setViewportSize(unsigned int Width, unsigned int Height) {
   frame(__func__, [&] {
+    const oct::TimingMark mark("setViewportSize");
     oct::gl::requireOpenGL();
     glViewport(0, 0, static_cast<GLsizei>(Width), static_cast<GLsizei>(Height));
     oct::gl::throwOnGLError("setViewportSize");

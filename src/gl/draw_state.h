@@ -27,6 +27,20 @@ class DrawTargetGuard {
   std::array<GLint, 4> viewport_{};
 };
 
+// Blends by alpha and leaves an opaque target opaque, so that whoever composites the frame sees no hole where
+// something translucent was drawn. At the end blending is off.
+class Blending {
+ public:
+  Blending() {
+    glEnable(GL_BLEND);
+    glBlendEquation(GL_FUNC_ADD);
+    glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+  }
+  ~Blending() { glDisable(GL_BLEND); }
+  Blending(const Blending&) = delete;
+  Blending& operator=(const Blending&) = delete;
+};
+
 // Switches capabilities off and, at the end, those that were on, on again.
 template <std::size_t Count>
 class ScopedDisable {

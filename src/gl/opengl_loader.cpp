@@ -35,7 +35,7 @@ Version currentVersion() {
 
 }  // namespace
 
-void initGlew() {
+void initGlew(const char* loadFailure) {
   const std::lock_guard lock(loader.mutex);
   if (!loader.glewInitialized) {
     glewExperimental = GL_TRUE;  // core contexts do not list extensions the way GLEW asks for them
@@ -45,7 +45,7 @@ void initGlew() {
     if (!loaded) {
       writeOutput("Glew error: " + std::to_string(result));
       writeOutput("glewInit failed.");
-      throw std::runtime_error("Could not load OpenGL. ");
+      throw std::runtime_error(loadFailure);
     }
     loader.glewInitialized = true;
     glGetError();  // GLEW's probing leaves an error behind in core contexts
@@ -57,8 +57,8 @@ void initGlew() {
   loader.usable = true;
 }
 
-void requireOpenGL() {
-  if (!loader.usable) initGlew();
+void requireOpenGL(const char* loadFailure) {
+  if (!loader.usable) initGlew(loadFailure);
   if (!isContextCurrent()) throw std::runtime_error("No OpenGL context is current on the calling thread. ");
 }
 

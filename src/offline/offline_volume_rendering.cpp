@@ -135,8 +135,10 @@ void OfflineVolumeRendering::uploadOverlay(const float* volume) {
   }
   requireVolume();
   if (!overlay_ || overlay_.extent() != volume_.extent()) {
+    const TimingMark mark("OfflineVolumeRendering::allocate_overlay");
     overlay_.allocate(volume_.extent(), volumeFormat, "OfflineVolumeRendering::allocate_overlay");
   }
+  const TimingMark mark("OfflineVolumeRendering::upload_overlay");
   overlay_.bind();
   overlay_.uploadSlices(0, overlay_.extent().depth, volume);
   unbind();

@@ -99,11 +99,10 @@ void ClipPlane::update(const View& view) {
 }
 
 void ClipPlane::orient(const View& view) {
-  if (!fixed_ || !oriented_) {
+  if (!fixed_) {
     const float x = view.angleX * pi / 180.0F;
     const float y = view.angleY * pi / 180.0F;
     plane_ = {std::sin(y) * std::cos(x), std::sin(x), -std::cos(y) * std::cos(x), 0.0F};
-    oriented_ = true;
   }
   // The sum is the plane's reach over the box; 0.99 of it keeps the plane inside at either end.
   const double reach = std::abs(static_cast<double>(plane_.x)) + std::abs(static_cast<double>(plane_.y)) +
@@ -118,8 +117,9 @@ void ClipPlane::connectIntersections() {
     for (std::size_t j = 0; j < intersections_.size(); ++j) {
       if (i == j || !onCommonFace(intersections_[i], intersections_[j])) continue;
       border_.insert(border_.end(), {intersections_[i], intersections_[j]});
-      // A plane through a corner meets several edges there. Triangles between the same corners once more
-      // would show: the cut face is blended.
+      // A plane through a corner of the box meets several edges there. Lines between such points once more do
+      // no harm, but triangles do: rays through a translucent volume would be blended twice where two
+      // coincide.
       if (i == 0 || j == 0 || foundBefore(i) || foundBefore(j)) continue;
       cutFace_.insert(cutFace_.end(), {intersections_[0], intersections_[i], intersections_[j]});
     }

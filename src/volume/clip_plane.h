@@ -23,7 +23,8 @@ class ClipPlane {
   void set(bool enabled, bool secondFlag, float value);
   void setFixed(bool fixed) { fixed_ = fixed; }
 
-  // Once per frame, after the camera. A plane that is not fixed turns to face the viewer.
+  // Once per frame, after the camera. A plane that is not fixed turns to face the viewer. One that is fixed
+  // before its first frame has no orientation to keep: it stays zero and cuts nothing.
   void update(const View& view);
 
   bool enabled() const { return enabled_; }
@@ -47,7 +48,6 @@ class ClipPlane {
   bool enabled_ = false;
   bool secondFlag_ = false;
   bool fixed_ = false;
-  bool oriented_ = false;  // there has been a frame whose orientation a fixed plane can keep
   float value_ = 0.0F;
   glm::vec4 plane_{0.0F};
   std::vector<glm::vec3> intersections_;

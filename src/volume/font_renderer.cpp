@@ -7,6 +7,7 @@
 
 #include "core/log.h"
 #include "core/timing_mark.h"
+#include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
 #include "shaders.h"
@@ -97,10 +98,7 @@ void FontRenderer::draw(const Label& label, const glm::vec3& color, const LabelV
   glUniform1i(uniforms_.textTexture, 0);
   glUniform3f(uniforms_.textColor, color.r, color.g, color.b);
 
-  glEnable(GL_BLEND);
-  glBlendEquation(GL_FUNC_ADD);
-  // An opaque target stays opaque under the rims of the glyphs.
-  glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+  const gl::Blending blending;
   std::array<LabelVertex, corners.size()> vertices;
   for (std::size_t i = 0; i < corners.size(); ++i) vertices[i] = {label.anchor, corners[i]};
   glBindBuffer(GL_ARRAY_BUFFER, quad_.get());
@@ -109,7 +107,6 @@ void FontRenderer::draw(const Label& label, const glm::vec3& color, const LabelV
   glBindVertexArray(vertexArray_.get());
   glDrawArrays(GL_TRIANGLE_STRIP, 0, static_cast<GLsizei>(vertices.size()));
   glBindVertexArray(0);
-  glDisable(GL_BLEND);
   glBindTexture(GL_TEXTURE_2D, 0);
   gl::throwOnGLError("FontRenderer::draw");
 }

@@ -2,11 +2,13 @@
 
 #include <glm/gtc/type_ptr.hpp>
 
+#include "gl/draw_state.h"
+
 namespace oct {
 namespace {
 
 void drawLines(gl::Geometry& geometry, std::span<const glm::vec3> lines) {
-  const Blending blending;
+  const gl::Blending blending;
   glEnable(GL_LINE_SMOOTH);
   geometry.setVertices(lines);
   geometry.draw(GL_LINES, 0, static_cast<GLsizei>(lines.size()));
@@ -14,12 +16,6 @@ void drawLines(gl::Geometry& geometry, std::span<const glm::vec3> lines) {
 }
 
 }  // namespace
-
-Blending::Blending() {
-  glEnable(GL_BLEND);
-  glBlendEquation(GL_FUNC_ADD);
-  glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
-}
 
 void drawModelLines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
                     const glm::vec4& color) {

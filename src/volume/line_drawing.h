@@ -1,4 +1,4 @@
-// How scene elements draw lines and translucent faces in one colour.
+// How scene elements draw lines.
 #pragma once
 
 #include <span>
@@ -7,15 +7,6 @@
 #include "volume/volume_frame.h"
 
 namespace oct {
-
-// Blends by alpha, leaving an opaque target opaque, and at the end switches blending off.
-class Blending {
- public:
-  Blending();
-  ~Blending() { glDisable(GL_BLEND); }
-  Blending(const Blending&) = delete;
-  Blending& operator=(const Blending&) = delete;
-};
 
 // Smooth blended lines, a pair of points for each. The geometry keeps the buffer from frame to frame.
 void drawModelLines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,

@@ -2,6 +2,8 @@
 
 #include <glm/gtc/type_ptr.hpp>
 
+#include "core/timing_mark.h"
+#include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 
 namespace oct {
@@ -38,7 +40,9 @@ void Raycaster::release() {
 }
 
 void Raycaster::draw(const VolumeFrame& frame, Box& box) {
+  const TimingMark mark("render_raycasting::drawing");
   const VolumeMode mode = frame.settings.volumeMode;
+  if (!frame.boxFilled()) return;
   if (mode == VolumeMode::dualColoring && !secondarySliceExists(frame)) return;
   const RaycastingProgram& program = frame.programs.raycastingOf(mode, frame.source.overlayPresent);
   if (!frame.clipPlane.cutFace().empty()) cutFace_.setVertices(frame.clipPlane.cutFace());
@@ -61,6 +65,7 @@ void Raycaster::setUniforms(const RaycastingProgram& program, const VolumeFrame&
 }
 
 void Raycaster::setSecondary(const RaycastingProgram& program, const VolumeFrame& frame) const {
+  const TimingMark mark("render_raycasting::drawing secondary texture");
   const VolumeColormap& colormap = frame.colormaps.at(ColormapRole::secondary);
   bindVolumeTexture(volume_unit::color2, GL_TEXTURE_1D, colormap.texture());
   bindVolumeTexture(volume_unit::secondary, GL_TEXTURE_3D, frame.source.secondary);
@@ -75,10 +80,8 @@ void Raycaster::setSecondary(const RaycastingProgram& program, const VolumeFrame
 }
 
 void Raycaster::drawFrontFaces(const RaycastingProgram& program, const VolumeFrame& frame, Box& box) {
+  const gl::Blending blending;
   glEnable(GL_DEPTH_TEST);
-  glEnable(GL_BLEND);
-  glBlendEquation(GL_FUNC_ADD);
-  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
   // Nothing that is drawn before lies in front of the volume. A test against the far side would lose the
   // box's rim, where the two sides are closer to each other than the polygon offset.
   glDepthFunc(GL_ALWAYS);
@@ -92,7 +95,6 @@ void Raycaster::drawFrontFaces(const RaycastingProgram& program, const VolumeFra
     cutFace_.draw(GL_TRIANGLES, 0, corners);
   }
   glDepthFunc(GL_LEQUAL);
-  glDisable(GL_BLEND);
 }
 
 }  // namespace oct

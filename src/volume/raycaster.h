@@ -12,8 +12,8 @@ class Raycaster {
   void create() { backFaces_.create(); }
   void release();
 
-  // Blends the volume over what is drawn. A dual coloured volume without a slice of secondary data draws
-  // nothing.
+  // Blends the volume over what is drawn. Nothing is drawn of a volume that is not filled yet, and of a dual
+  // coloured one without a slice of secondary data.
   void draw(const VolumeFrame& frame, Box& box);
 
  private:

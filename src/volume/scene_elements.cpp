@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/timing_mark.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "volume/box_view.h"
@@ -42,7 +43,7 @@ class DepthWritesOff {
 };
 
 void drawFaces(gl::Geometry& geometry, const std::vector<glm::vec3>& triangles) {
-  const Blending blending;
+  const gl::Blending blending;
   geometry.setVertices(std::span<const glm::vec3>(triangles));
   geometry.draw(GL_TRIANGLES, 0, static_cast<GLsizei>(triangles.size()));
 }
@@ -50,6 +51,7 @@ void drawFaces(gl::Geometry& geometry, const std::vector<glm::vec3>& triangles) 
 }  // namespace
 
 void SceneElements::drawTranslucent(const VolumeFrame& frame, ElementPass pass) {
+  const TimingMark mark("VolumeRenderer::render_elements");
   if (!frame.settings.frame.box) return;
   const bool near = pass == ElementPass::inFront;
   const std::vector<glm::vec3> triangles = boxFaces(eyeInModel(frame.camera), near);
@@ -64,6 +66,7 @@ void SceneElements::drawTranslucent(const VolumeFrame& frame, ElementPass pass) 
 }
 
 void SceneElements::drawFrame(const VolumeFrame& frame, ElementPass pass) {
+  const TimingMark mark("VolumeRenderer::render_frame");
   if (frame.settings.frame.edges) drawEdges(frame);
   if (frame.settings.frame.scaleMarks) drawScaleMarks(frame);
   gl::throwOnGLError("VolumeRenderer::render_frame");
@@ -122,12 +125,14 @@ const ScaleMarks& SceneElements::marksOf(const VolumeFrame& frame) {
 }
 
 void SceneElements::drawClipPlaneBorder(const VolumeFrame& frame, ElementPass pass) {
+  const TimingMark mark("VolumeRenderer::render_clip_plane_border");
   const std::vector<glm::vec3>& lines = frame.clipPlane.border();
   if (lines.empty()) return;
   // No depth: the soft rims of a line would keep the rays out and leave a fringe of background.
   const DepthWritesOff depth;
   if (pass == ElementPass::inFront) {
     // All of it, faintly, so that the cut can be followed where the volume hides it.
+    const TimingMark overlayMark("VolumeRenderer::render_clip_plane_border::draw_overlay");
     const gl::ScopedDisable untested(GL_DEPTH_TEST);
     drawModelLines(frame, border_, lines, foreground(frame, hiddenBorder));
     gl::throwOnGLError("VolumeRenderer::render_clip_plane_border::draw_overlay");
@@ -137,6 +142,7 @@ void SceneElements::drawClipPlaneBorder(const VolumeFrame& frame, ElementPass pa
 }
 
 void SceneElements::drawRemovedSegment(const VolumeFrame& frame, ElementPass pass) {
+  const TimingMark mark("VolumeRenderer::render_removed_segment");
   if (!frame.clipPlane.enabled()) return;
   // The plane parts the box: one side of it lies in front of the other as a whole.
   const bool inFront = frame.cutFacesViewer();

@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "core/timing_mark.h"
+#include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "volume/box_view.h"
 #include "volume/line_drawing.h"
@@ -93,19 +95,21 @@ void SectionalView::set(const Sections& sections) {
 }
 
 void SectionalView::draw(const VolumeFrame& frame) {
+  const TimingMark mark("VolumeRenderer::render_sectional_view");
   const std::vector<glm::vec3> triangles = sectionTriangles(sections_, eyeInModel(frame.camera));
   if (triangles.empty()) return;
   const bool overlay = frame.source.overlayPresent;
   useVolumeProgram(overlay ? frame.programs.sectionOverlay : frame.programs.section, frame);
   slices_.setVertices(std::span<const glm::vec3>(triangles));
   {
-    const Blending blending;
+    const gl::Blending blending;
     slices_.draw(GL_TRIANGLES, 0, static_cast<GLsizei>(triangles.size()));
   }
   gl::throwOnGLError("VolumeRenderer::render_sectional_view");
 }
 
 void SectionalView::drawOutline(const VolumeFrame& frame) {
+  const TimingMark mark("VolumeRenderer::render_sectional_view");
   std::vector<glm::vec3> lines;
   for (std::size_t axis = 0; axis < 3; ++axis) {
     if (!sections_[axis].shown) continue;

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "core/timing_mark.h"
 #include "gl/opengl_error.h"
 
 namespace oct {
@@ -23,6 +24,7 @@ void Surface::upload() {
 }
 
 void Surface::draw(const VolumeFrame& frame) {
+  const TimingMark mark("VolumeRenderer::render_surface");
   if (mesh_.triangles.empty()) return;
   if (changed_ || !geometry_) upload();
   const SurfaceProgram& program = frame.programs.surface;

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "core/timing_mark.h"
 #include "gl/opengl_error.h"
 
 namespace oct {
@@ -48,7 +49,9 @@ const VolumeColormap& VolumeColormaps::at(ColormapRole role) const {
 
 void VolumeColormaps::uploadChanged() {
   for (auto& colormap : colormaps_) {
-    if (colormap && colormap->uploadIfChanged()) gl::throwOnGLError("render: colormap changed");
+    if (!colormap || !colormap->uploadIfChanged()) continue;
+    recordTimingMark("render: colormap changed");
+    gl::throwOnGLError("render: colormap changed");
   }
 }
 

@@ -40,7 +40,7 @@ void useVolumeProgram(const VolumeRenderingProgram& program, const VolumeFrame& 
 void useSimpleProgram(const VolumeFrame& frame, const glm::vec4& color) {
   const SimpleProgram& program = frame.programs.simple;
   program.use();
-  glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
+  glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.elementModelview));
   glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
   glUniform4fv(program.color, 1, glm::value_ptr(color));
 }

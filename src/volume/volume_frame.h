@@ -31,7 +31,7 @@ struct VolumeFrame {
       1.0F;  // where the filled part of the box ends along model z; -1 or less: nothing is filled
 
   bool boxFilled() const { return filledEnd > -1.0F; }
-  bool volumeShown() const { return source.volume != 0 && settings.renderVolume && boxFilled(); }
+  bool volumeShown() const { return source.volume != 0 && settings.renderVolume; }
 
   // Whether the viewer looks at the cut of the clip plane, and not at it through the volume.
   bool cutFacesViewer() const;

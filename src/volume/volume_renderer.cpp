@@ -4,7 +4,6 @@
 
 #include <array>
 
-#include "core/console.h"
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
@@ -28,12 +27,6 @@ void setPolygonOffset(bool enabled, float factor, float units) {
     }
   }
   glPolygonOffset(factor, units);
-}
-
-void enableBlending() {
-  glEnable(GL_BLEND);
-  glBlendEquation(GL_FUNC_ADD);
-  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
 }
 
 // Leaves no program and no texture of a frame bound, and OpenGL's default state, however the frame ends.
@@ -76,7 +69,7 @@ VolumeRenderer::~VolumeRenderer() {
 void VolumeRenderer::init() {
   const ObjectLock lock(this);
   const TimingMark mark("VolumeRenderer::init");
-  gl::requireOpenGL();
+  gl::requireOpenGL("Failed to initialize OpenGL.");
   release();
   try {
     programs_.loadScene();
@@ -126,6 +119,7 @@ void VolumeRenderer::render() {
 }
 
 VolumeFrame VolumeRenderer::beginFrame() {
+  const TimingMark mark("render: init");
   VolumeFrame frame{settings_, source_, colormaps_, programs_, clipPlane_, {}, 1.0F};
   frame.camera = cameraOf(settings_.view, settings_.range, currentViewport());
   frame.filledEnd = filledEnd(source_.filledFraction, source_.sliceCount);
@@ -170,7 +164,6 @@ void VolumeRenderer::drawFarSide(const VolumeFrame& frame) {
   glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
   box_.draw(frame.boxFilled() ? frame.filledEnd : 1.0F);
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-  enableBlending();
 }
 
 void VolumeRenderer::drawBehindVolume(const VolumeFrame& frame) {

@@ -144,7 +144,8 @@ void VolumeRenderer::setSource(const VolumeSource& source) {
 void VolumeRenderer::clear() {
   const ObjectLock lock(this);
   source_.volume = 0;
-  source_.revision = 0;
+  source_.sliceCount = 0;
+  ++source_.revision;  // counted on, never back: a number that came before would stand for other voxels
   settings_.renderVolume = false;
   settings_.renderSurface = false;
 }

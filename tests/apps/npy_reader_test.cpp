@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "image_input.h"
+#include "npy_reader.h"
 #include "test_files.h"
 
 namespace oct::app::test {
@@ -123,6 +124,26 @@ TEST_F(NpyReader, PicksAFrameInBothOrders) {
                 (std::vector<float>{base, base + 10, base + 1, base + 11, base + 2, base + 12}));
     }
     EXPECT_EQ(load(volumeBytes(fortranOrder)).frame, 2u);  // the middle one
+  }
+}
+
+// Fortran order: all at a time, some at a time with a rest, and one at a time.
+TEST_F(NpyReader, ReadsEveryFrameInBothOrders) {
+  for (const bool fortranOrder : {false, true}) {
+    writeFile(path_, volumeBytes(fortranOrder));
+    for (const std::size_t samplesAtATime : {24U, 18U, 1U}) {
+      InputFile file(path_);
+      std::size_t frames = 0;
+      const auto take = [&](const Raster& raster) {
+        const auto base = static_cast<float>(100 * frames);
+        EXPECT_EQ(raster.frame, frames++);
+        EXPECT_EQ(raster.frameCount, 4U);
+        EXPECT_EQ(raster.samples,
+                  (std::vector<float>{base, base + 1, base + 2, base + 10, base + 11, base + 12}));
+      };
+      readNpyFrames(file, take, samplesAtATime);
+      EXPECT_EQ(frames, 4U);
+    }
   }
 }
 

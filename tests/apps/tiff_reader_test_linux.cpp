@@ -84,6 +84,13 @@ TEST_F(TiffReader, PicksAPage) {
   EXPECT_EQ(middle.image.samples, std::vector<float>{10});
   EXPECT_EQ(middle.frameCount, 3u);
   expectFailure(ExitCode::InputFailed, "no frame 3", [&] { load(3); });
+  std::vector<float> all;
+  loadImages(path_, false, [&](const LoadedImage& loaded) {
+    EXPECT_EQ(loaded.frame, all.size());
+    EXPECT_EQ(loaded.frameCount, 3u);
+    all.push_back(loaded.image.samples.front());
+  });
+  EXPECT_EQ(all, (std::vector<float>{0, 10, 20}));
 }
 
 TEST_F(TiffReader, RefusesOtherKinds) {

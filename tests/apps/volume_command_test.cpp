@@ -145,6 +145,51 @@ TEST_F(VolumeCommand, EveryOptionDraws) {
   }
 }
 
+TEST_F(VolumeCommand, ASecondaryMapColoursTheVolume) {
+  write(volumeWhere([](int, int, int) { return true; }));
+  writeFile(folder_ / "map.csv", "255,0,0\n0,0,255\n");
+  writeNpy(folder_ / "secondary.npy", "1, 2", {3.0f, 7.0f});  // of a size of its own, along the A-scans
+  const std::vector<std::string> secondary{"--angles",
+                                           "0",
+                                           "0",
+                                           "--range",
+                                           "0",
+                                           "1",
+                                           "--opacity",
+                                           "1",
+                                           "--no-edges",
+                                           "--secondary",
+                                           file("secondary.npy"),
+                                           "--secondary-range",
+                                           "3",
+                                           "7",
+                                           "--secondary-colormap",
+                                           file("map.csv")};
+  ASSERT_EQ(draw(secondary), 0) << errorText_;
+  EXPECT_GT(redAt(0.42, 0.5), 200);
+  EXPECT_LT(redAt(0.58, 0.5), 50);
+  std::filesystem::remove(output_);
+  expectFailure(2, {"--secondary", file("secondary.npy"), "--mode", "mean"}, "--secondary");
+  expectFailure(2, {"--secondary", file("secondary.npy"), "--overlay", toUtf8(input_)}, "--overlay");
+  expectFailure(2, {"--secondary-range", "0", "1"}, "--secondary");
+  expectFailure(3, {"--secondary", file("none.npy")}, "none.npy");
+}
+
+TEST_F(VolumeCommand, ReadsArraysInFortranOrder) {
+  ASSERT_EQ(draw(kFront), 0);
+  const Picture wanted = readPicture(output_);
+  const auto lit = [](int z, int, int) { return z < kDepth / 2; };
+  std::vector<float> values;
+  for (int a = 0; a < kAscans; ++a) {
+    for (int z = 0; z < kDepth; ++z) {
+      for (int b = 0; b < kBscans; ++b) values.push_back(lit(z, a, b) ? 1.0f : 0.0f);
+    }
+  }
+  writeFile(input_, npyBytes(npyDictionary("<f4", true, "5, 6, 4"), bytesOf(values)));
+  ASSERT_EQ(draw(kFront), 0) << errorText_;
+  EXPECT_EQ(readPicture(output_).pixels, wanted.pixels);
+}
+
 TEST_F(VolumeCommand, RefusesWhatMakesNoSense) {
   expectFailure(2, {"--mode", "dual"}, "--mode");
   expectFailure(2, {"--raw", "6x4:f4"}, "--raw");

@@ -13,6 +13,14 @@ TEST(UnloadedTest, InitWithoutContext) {
   EXPECT_EQ(pendingError(), "Could not load OpenGL. ");
   EXPECT_FALSE(gl::glewInitialized());
 
+  const VolumeRendererHandle volume = createVolumeRenderer();
+  testing::internal::CaptureStdout();
+  initializeVolumeRenderer(volume);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "Glew error: 1\nglewInit failed.\n");
+  EXPECT_EQ(pendingError(), "Failed to initialize OpenGL.");
+  deleteVolumeRenderer(volume);
+  EXPECT_EQ(pendingError(), "(none)");
+
   { const TestContext elsewhere; }
   EXPECT_TRUE(gl::glewInitialized());
   initDisplayRendering(renderer);

@@ -8,15 +8,18 @@
 
 namespace oct::test {
 
+// OpenGL lets a driver blend either in full precision or in that of the target, that is with the eight bits
+// of a ray's rounded colour and opacity.
 struct ReferencePicture {
-  Picture picture;
+  Picture picture;            // blended in full precision
+  Picture blendedInTarget;    // blended in that of the target
   std::vector<bool> nearCut;  // pixels that the border of the clip plane's cut may touch
 };
 
 ReferencePicture referencePicture(const VolumeScene& scene);
 
-// Compares where the border of the cut does not touch. Silhouettes are excepted from `nearly`, within its
-// fraction.
+// Compares with the closer of the two pictures, where the border of the cut does not touch. Silhouettes are
+// excepted from `nearly`, within its fraction.
 testing::AssertionResult agree(const Picture& actual, const ReferencePicture& expected, Tolerance tolerance);
 
 }  // namespace oct::test

@@ -160,10 +160,16 @@ TEST_F(OfflineTest, PartsAddUpToTheWhole) {
 
 TEST_F(OfflineTest, ANullBlockEmptiesThePicture) {
   stage_.draw(scene_);
+  setRenderingMode(stage_.renderer, 1);
+  const Picture sections = frame();
+  setRenderingMode(stage_.renderer, 0);
   uploadOfflineSubVolume(stage_.offline, 0, 10, nullptr);
   EXPECT_EQ(pendingError(), "(none)");
   EXPECT_EQ(source().filledFraction, 0.0F);
   EXPECT_TRUE(agree(frame(), nothing(), {1, 1.0, 1}));
+  setRenderingMode(stage_.renderer, 1);
+  EXPECT_TRUE(agree(frame(), sections, {0, 1.0, 0})) << "slices are shown whole, whatever is filled";
+  setRenderingMode(stage_.renderer, 0);
   uploadOfflineVolume(stage_.offline, scene_.volume.voxels.data());
   EXPECT_TRUE(agree(frame(), expected(scene_), tolerance));
 }

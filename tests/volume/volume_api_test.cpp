@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 
+#include "core/timing_mark.h"
 #include "support/test_context.h"
 #include "support/volume_reference.h"
 #include "volume/volume_renderer.h"
@@ -167,9 +168,53 @@ TEST_F(VolumeRendererApiTest, ClearingForgetsTheVolume) {
   EXPECT_TRUE(agree(stage_.draw(scene), referencePicture(scene), tolerance));
   clearVolumeRenderer(handle_);
   EXPECT_EQ(object(handle_).source().volume, 0U);
+  EXPECT_EQ(object(handle_).source().sliceCount, 0);
   EXPECT_TRUE(agree(stage_.frame(60, 50, 0), background(60, 50), {1, 1.0, 1}));
   setRenderElements(handle_, 1, 0);
   EXPECT_TRUE(agree(stage_.frame(60, 50, 0), referencePicture(scene), tolerance));
+}
+
+class MarkRecorder : public TimingListener {
+ public:
+  MarkRecorder() { setTimingListener(this); }
+  ~MarkRecorder() override { setTimingListener(nullptr); }
+  void begin(std::string_view name, std::uint32_t, Time) override { names.emplace_back(name); }
+  void end(std::string_view, std::uint32_t, Time) override {}
+  void instant(std::string_view name, std::uint32_t, Time) override { names.emplace_back(name); }
+
+  std::vector<std::string> names;
+};
+
+TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
+  VolumeScene scene = smallScene();
+  scene.clip = true;
+  scene.clipValue = 0.6F;
+  stage_.draw(scene);
+  setBorder(handle_, 0, 1, 1);
+  setRendererColormap(handle_, scene.coloring.colors.data(), 3);
+  beginOffscreenFrame(stage_.target, 60, 50);
+  const auto marksOfFrame = [&] {
+    const MarkRecorder recorder;
+    renderOfflineVolume(stage_.offline, 0);
+    return recorder.names;
+  };
+  using Names = std::vector<std::string>;
+  EXPECT_EQ(marksOfFrame(), (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
+                                   "render: colormap changed", "VolumeRenderer::render_elements",
+                                   "VolumeRenderer::render_frame", "VolumeRenderer::render_clip_plane_border",
+                                   "VolumeRenderer::render_clip_plane_border", "render_raycasting::drawing",
+                                   "VolumeRenderer::render_clip_plane_border",
+                                   "VolumeRenderer::render_clip_plane_border::draw_overlay",
+                                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
+  setRenderingMode(handle_, 1);
+  EXPECT_EQ(marksOfFrame(),
+            (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
+                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
+                   "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_sectional_view",
+                   "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_elements",
+                   "VolumeRenderer::render_frame"}));
+  finishOffscreenFrame(stage_.target, nullptr);
+  EXPECT_EQ(pendingError(), "(none)");
 }
 
 TEST_F(VolumeRendererApiTest, DrawsBackgroundFromBottomToTop) {

@@ -21,60 +21,77 @@ VolumeScene threadScene() {
   return scene;
 }
 
-// The two background colours are set together, and so are seen: a frame of two colours would be a torn state.
-// So is the colour of a volume of ones, which one call swaps between two maps.
-TEST(VolumeThreadTest, SettersNeverTearAFrame) {
-  VolumeStage stage;
-  VolumeScene scene = threadScene();
-  scene.volume.voxels.assign(scene.volume.voxels.size(), 1.0F);
-  scene.mode = 1;
-  stage.draw(scene);
-  const VolumeRendererHandle h = stage.renderer;
+using Setter = std::function<void(int turn)>;
 
-  const std::vector<std::uint32_t> red(300, 0xFF0000FFU);
-  const std::vector<std::uint32_t> green(7, 0xFF00FF00U);
-  setRendererColormap(h, red.data(), 300);
-  setRenderBackground(h, 0x0000FFFFU, 0x0000FFFFU);
-  const std::vector<std::function<void(int)>> setters{
-      [&](int i) {
+// Each setter over and over on a thread of its own, from construction until stop.
+class Storm {
+ public:
+  explicit Storm(const std::vector<Setter>& setters) {
+    for (const Setter& setter : setters) {
+      threads_.emplace_back([this, &setter] {
+        for (int i = 0; !stop_; ++i) {
+          setter(i);
+          ++calls_;
+          if (i % 16 == 0) std::this_thread::yield();
+        }
+      });
+    }
+  }
+  int stop() {  // the number of calls
+    stop_ = true;
+    for (std::thread& thread : threads_) thread.join();
+    return calls_;
+  }
+
+ private:
+  std::atomic<bool> stop_{false};
+  std::atomic<int> calls_{0};
+  std::vector<std::thread> threads_;
+};
+
+const std::vector<std::uint32_t> red(300, 0xFF0000FFU);
+const std::vector<std::uint32_t> green(7, 0xFF00FF00U);
+
+// One for each of eight threads; no two set the same.
+std::vector<Setter> everySetter(VolumeRendererHandle h) {
+  return {
+      [h](int i) {
         setRenderBackground(h, i % 2 ? 0x0000FFFFU : 0x404040FFU, i % 2 ? 0x0000FFFFU : 0x404040FFU);
       },
-      [&](int i) {
+      [h](int i) {
         i % 2 ? setRendererColormap(h, red.data(), 300) : setRendererColormap(h, green.data(), 7);
       },
-      [&](int i) { setAngles(h, i, -i), setTranslation(h, 0.0, 0.0, 0.01 * (i % 10)); },
-      [&](int i) {
+      [h](int i) { setAngles(h, i, -i), setTranslation(h, 0.0, 0.0, 0.01 * (i % 10)); },
+      [h](int i) {
         setRendererColoringBoundaries(h, 0.0, 0.1 + i % 5), setOverlayRendererColoringBoundaries(h, i, 2 * i);
+        setRendererSecondaryColoringBoundaries(h, i, 2 * i);
       },
-      [&](int i) {
+      [h](int i) {
         setRenderingSlices(h, 4 + i % 20), setUsePerspective(h, i % 3 == 0), setZoom(h, 30.0 + i % 10);
       },
-      [&](int i) {
+      [h](int i) {
         setClipPlane(h, i % 4 == 0, i % 8 == 0, 0.95F), fixClipPlane(h, i % 3), setRemoveSegment(h, i % 2);
       },
-      [&](int i) {
-        setBorder(h, 0, 0, 0), setVolumeMode(h, 1 + i % 2), setRenderForeground(h, 0xFF),
-            setSectionalView(h, 1, 0.1F, 1, 0.2F, 1, 0.3F);
-      },
-      [&](int i) {
-        const std::vector<float> heights(9, static_cast<float>(i % 3));
-        setSurface(h, 3, 3, 1.0, heights.data()), setSurfaceDepths(h, 0.0, 1.0),
-            setSurfaceColormap(h, red.data(), 1 + i % 9);
+      [h](int i) {
+        setVolumeMode(h, 1 + i % 2), setSectionalView(h, 1, 0.1F, 1, 0.2F, i % 2, 0.3F);
         setRendererSecondarySliceIndex(h, i), setLateralVoxelsPerPixel(h, i);
       },
+      [h](int i) {
+        const std::vector<float> heights(9, static_cast<float>(i % 3) / 2.0F);
+        setSurface(h, 3, 3, 1.0, heights.data()), setSurfaceDepths(h, 0.0, 1.0),
+            setSurfaceColormap(h, red.data(), 1 + i % 9);
+        setOverlayRendererColormap(h, red.data(), 1 + i % 9), setRendererSecondaryColormap(h, red.data(), 2);
+      },
   };
-  std::atomic<bool> stop{false};
-  std::atomic<int> calls{0};
-  std::vector<std::thread> threads;
-  for (const auto& setter : setters) {
-    threads.emplace_back([&stop, &calls, &setter] {
-      for (int i = 0; !stop; ++i) {
-        setter(i);
-        ++calls;
-        if (i % 16 == 0) std::this_thread::yield();
-      }
-    });
-  }
+}
+
+// The two background colours are set together, and so are seen: a frame of two colours would be a torn state.
+TEST(VolumeThreadTest, SettersNeverTearAFrame) {
+  VolumeStage stage;
+  stage.draw(threadScene());
+  setRenderBackground(stage.renderer, 0x0000FFFFU, 0x0000FFFFU);
+  const std::vector<Setter> setters = everySetter(stage.renderer);
+  Storm storm(setters);
   int torn = 0;
   for (int i = 0; i < 500; ++i) {
     const Picture picture = stage.frame(24, 16, 0);
@@ -84,11 +101,58 @@ TEST(VolumeThreadTest, SettersNeverTearAFrame) {
     const bool known = (bottom[0] == 255 && bottom[2] == 0) || (bottom[0] == 0x40 && bottom[2] == 0x40);
     if (!even || !known) ++torn;
   }
-  stop = true;
-  for (std::thread& thread : threads) thread.join();
+  EXPECT_GT(storm.stop(), 500) << "the setters did not get their turn";
   EXPECT_EQ(torn, 0);
-  EXPECT_GT(calls, 500) << "the setters did not get their turn";
   EXPECT_EQ(pendingError(), "(none)");
+}
+
+// Marks, labels, borders, slices and the surface among the storm; after it the renderer draws what a new one
+// draws.
+TEST(VolumeThreadTest, SceneElementsOutliveTheStorm) {
+  VolumeScene scene = threadScene();
+  scene.viewportWidth = 120;
+  scene.viewportHeight = 90;
+  scene.clip = true;
+  scene.clipValue = 0.6F;
+  const auto calm = [&scene](VolumeStage& stage) {
+    apply(scene, stage.renderer);
+    upload(scene, stage.offline);
+    setBorder(stage.renderer, 1, 1, 1);
+    setRemoveSegment(stage.renderer, 1);
+    setSectionalView(stage.renderer, 1, 0.5F, 1, 0.5F, 1, 0.5F);
+    const std::vector<float> heights{0.2F, 0.4F, 0.6F, 0.8F};
+    setSurface(stage.renderer, 2, 2, 1.0, heights.data());
+    setSurfaceDepths(stage.renderer, 0.2, 0.8);
+    setSurfaceColormap(stage.renderer, green.data(), 7);
+    setRenderElements(stage.renderer, 1, 1);
+  };
+  const auto pictures = [](VolumeStage& stage) {
+    std::vector<Picture> result;
+    for (const int mode : {0, 1}) {
+      setRenderingMode(stage.renderer, mode);
+      result.push_back(stage.frame(120, 90, 0));
+    }
+    return result;
+  };
+  VolumeStage stage;
+  calm(stage);
+  std::vector<Setter> setters = everySetter(stage.renderer);
+  setters[0] = [h = stage.renderer](int i) {
+    setBorder(h, i % 4 != 0, i % 3, i % 2),
+        setRenderForeground(h, 0x80FF00FFU + static_cast<unsigned>(i) % 4 * 256),
+        setRenderElements(h, i % 5 != 0, i % 2), setRenderingMode(h, i % 7 == 0);
+  };
+  Storm storm(setters);
+  for (int i = 0; i < 100; ++i) stage.frame(120 + i % 3, 90, 0);
+  EXPECT_GT(storm.stop(), 100);
+  calm(stage);
+  setRenderForeground(stage.renderer, 0xFFFFFFFFU);
+  const std::vector<Picture> after = pictures(stage);
+  EXPECT_EQ(pendingError(), "(none)");
+  VolumeStage fresh;
+  calm(fresh);
+  const std::vector<Picture> expected = pictures(fresh);
+  for (std::size_t i = 0; i < after.size(); ++i) EXPECT_TRUE(agree(after[i], expected[i], {0, 1.0, 0})) << i;
 }
 
 // Two renderers with contexts of their own, on two threads.
