@@ -47,6 +47,9 @@ using ArrayWork = void (*)(const Routines&, Arrays&);
 void extremes(const Routines& routines, Arrays& arrays) {
   benchmark::DoNotOptimize(routines.extremes(arrays.from.data(), arrayLength));
 }
+void countNotAbove(const Routines& routines, Arrays& arrays) {
+  benchmark::DoNotOptimize(routines.countNotAbove(arrays.from.data(), arrayLength, 0.3F));
+}
 void subtract(const Routines& routines, Arrays& arrays) {
   routines.subtract(arrays.to.data(), arrays.counts.data(), arrays.from.data(), arrayLength);
 }
@@ -134,6 +137,7 @@ void registerAll() {
     }
   };
   arrays("extremes", extremes, {sse, avx});
+  arrays("countNotAbove", countNotAbove, {sse, avx});
   arrays("subtract", subtract, {sse2});
   arrays("powers", powers, {sse, avx});
   arrays("decibels", decibels, {sse2, avx});

@@ -1,6 +1,7 @@
 #include "camera.h"
 
 #include "noise.h"
+#include "vec/vec.h"
 
 #include <algorithm>
 #include <cmath>
@@ -46,10 +47,8 @@ float Camera::meanCount(float light) {
 }
 
 void Camera::meanReading(std::span<const float> light, std::span<std::uint16_t> mean) {
-  for (std::size_t pixel = 0; pixel < light.size(); ++pixel) {
-    const float steps = kMeanSteps * meanCount(std::max(light[pixel], 0.0f)) + 0.5f;
-    mean[pixel] = static_cast<std::uint16_t>(static_cast<int>(std::min(steps, float{kFullMean})));
-  }
+  vec::toUint16(mean.data(), light.data(), light.size(), kMeanSteps * kReferenceCounts,
+                kMeanSteps * kDarkCounts);
 }
 
 void Camera::expose(std::span<const float> light, std::uint64_t exposure,

@@ -24,9 +24,11 @@ double rollOffAt(double relativeDepth) {
 Interferometer::Scratch::Scratch(int spectrumLength, int sensors)
     : fourier_(spectrumLength),
       scatterers_(spectrumLength / 2),
-      depths_(spectrumLength),
+      views_(sensors),
       evenWaves_(spectrumLength),
-      waves_(spectrumLength) {
+      waves_(spectrumLength),
+      light_(spectrumLength) {
+  for (auto& view : views_) view.depths.resize(spectrumLength);
   const int cells = spectrumLength / 2;
   profile_.scattering.resize(cells);
   if (sensors < 2) return;
@@ -61,11 +63,21 @@ Interferometer::Interferometer(const Spectrometer& spectrometer, std::shared_ptr
   }
 }
 
-void Interferometer::measure(const BeamPlace& place, Scratch& scratch,
+void Interferometer::measure(std::span<const BeamPlace> places, Scratch& scratch,
                              std::span<const std::span<float>> light) const {
-  describe(place, scratch);
-  for (int sensor = 0; sensor < static_cast<int>(light.size()); ++sensor)
-    interfere(sensor, place, scratch, light[sensor]);
+  const int sensors = static_cast<int>(scratch.views_.size());
+  const int lanes = static_cast<int>(places.size());
+  for (int lane = 0; lane < lanes; ++lane) {
+    describe(places[lane], scratch);
+    for (int sensor = 0; sensor < sensors; ++sensor) scatter(sensor, lane, scratch);
+  }
+  for (int sensor = 0; sensor < sensors; ++sensor) {
+    interfere(scratch.views_[sensor], places, scratch);
+    for (int lane = 0; lane < lanes; ++lane) {
+      const auto row = light[lane * sensors + sensor];
+      takeLane(scratch.light_.data(), lane, row.size(), row.data());
+    }
+  }
 }
 
 void Interferometer::describe(const BeamPlace& place, Scratch& scratch) const {
@@ -103,40 +115,54 @@ std::complex<float> Interferometer::weight(const Scratch& scratch, int sensor, i
   return std::sqrt(1.0f - lost) * kept + std::sqrt(0.5f * lost) * scratch.strays_[sensor][cell];
 }
 
-void Interferometer::interfere(int sensor, const BeamPlace& place, Scratch& scratch,
-                               std::span<float> light) const {
+/// Enters what a sensor sees of the A-scan that was described last.
+void Interferometer::scatter(int sensor, int lane, Scratch& scratch) const {
   const auto& profile = scratch.profile_;
-  // Depth m relative to the middle goes to place (m - N/4) modulo N.
+  auto& view = scratch.views_[sensor];
+  const ComplexLane depths(view.depths, lane);
+  // Depth m relative to the middle goes to place (m - N/4) modulo N; the places between stay empty.
   const int count = spectrumLength_;
   const int middle = count / 4;
-  std::fill(scratch.depths_.begin(), scratch.depths_.end(), std::complex<float>{});
   const auto perCell = static_cast<float>(std::sqrt(depthStepMm_));
   float samplePower = 0.0f;
   for (int m = 0; m < count / 2; ++m) {
     const auto wave = profile.scattering[m] * perCell * rollOff_[m] * weight(scratch, sensor, m);
-    scratch.depths_[m >= middle ? m - middle : m - middle + count] = wave;
+    depths.set(m >= middle ? m - middle : m - middle + count, wave);
     samplePower += std::norm(wave);
   }
-  scratch.fourier_.backward(scratch.depths_.data(), scratch.evenWaves_.data());
+  view.reflectors[lane] = profile.reflectors;
+  view.parts[lane].clear();
   for (const auto& reflector : profile.reflectors) {
     const int cell = std::clamp(static_cast<int>(reflector.depthMm / depthStepMm_), 0, count / 2 - 1);
     const auto part =
         profile.isPolarized() ? scratch.polarizations_[cell][sensor] : std::complex<float>(1.0f);
-    addReflector(reflector, part, scratch.evenWaves_);
+    view.parts[lane].push_back(part);
     samplePower += reflector.amplitude * reflector.amplitude * std::norm(part);
   }
-  if (place.deeperMm != 0.0) moveDeeper(place.deeperMm, scratch.evenWaves_);
+  view.samplePowers[lane] = samplePower;
+}
 
+void Interferometer::interfere(const Scratch::View& view, std::span<const BeamPlace> places,
+                               Scratch& scratch) const {
+  scratch.fourier_.backward(view.depths.data(), scratch.evenWaves_.data());
+  for (int lane = 0; lane < static_cast<int>(places.size()); ++lane) {
+    for (std::size_t i = 0; i < view.reflectors[lane].size(); ++i)
+      addReflector(view.reflectors[lane][i], view.parts[lane][i], lane, scratch.evenWaves_);
+    if (places[lane].deeperMm != 0.0) moveDeeper(places[lane].deeperMm, lane, scratch.evenWaves_);
+  }
   toPixels_.apply(scratch.evenWaves_.data(), scratch.waves_.data());
   // Fringe amplitude is twice the amplitude ratio of the arms, so the sample's own light is a quarter of it
   // squared.
-  const float steady = 1.0f + 0.25f * samplePower;
-  for (int pixel = 0; pixel < count; ++pixel)
-    light[pixel] = source_[pixel] * (steady + (scratch.waves_[pixel] * carrier_[pixel]).real());
+  const auto steady = Lanes(1.0f) + Lanes(0.25f) * Lanes(_mm_loadu_ps(view.samplePowers.data()));
+  for (int pixel = 0; pixel < spectrumLength_; ++pixel) {
+    const auto& wave = scratch.waves_[pixel];
+    const auto fringe = wave.real() * carrier_[pixel].real() - wave.imag() * carrier_[pixel].imag();
+    scratch.light_[pixel] = source_[pixel] * larger(steady + fringe, 0.0f);
+  }
 }
 
-void Interferometer::addReflector(const Reflector& reflector, std::complex<float> weight,
-                                  std::vector<std::complex<float>>& evenWaves) const {
+void Interferometer::addReflector(const Reflector& reflector, std::complex<float> weight, int lane,
+                                  Waves& evenWaves) const {
   const double depthRange = depthStepMm_ * (spectrumLength_ / 2);
   if (!(reflector.depthMm >= 0.0 && reflector.depthMm < depthRange)) return;
   const double amplitude = reflector.amplitude * rollOffAt(reflector.depthMm / depthRange);
@@ -144,18 +170,20 @@ void Interferometer::addReflector(const Reflector& reflector, std::complex<float
   const auto step = std::polar(1.0, turn);
   auto wave = std::complex<double>(weight) *
               std::polar(amplitude, std::remainder(2.0 * firstWavenumber_ * reflector.depthMm, 2.0 * kPi));
-  for (auto& sum : evenWaves) {
-    sum += std::complex<float>(wave);
+  const ComplexLane sums(evenWaves, lane);
+  for (std::size_t i = 0; i < evenWaves.size(); ++i) {
+    sums.set(i, sums.get(i) + std::complex<float>(wave));
     wave *= step;
   }
 }
 
 /// A longer way turns the phase of every wave by the wavenumber times the way there and back.
-void Interferometer::moveDeeper(double distanceMm, std::vector<std::complex<float>>& evenWaves) const {
+void Interferometer::moveDeeper(double distanceMm, int lane, Waves& evenWaves) const {
   const auto step = std::polar(1.0, 2.0 * wavenumberStep_ * distanceMm);
   auto turn = std::polar(1.0, std::remainder(2.0 * firstWavenumber_ * distanceMm, 2.0 * kPi));
-  for (auto& wave : evenWaves) {
-    wave *= std::complex<float>(turn);
+  const ComplexLane waves(evenWaves, lane);
+  for (std::size_t i = 0; i < evenWaves.size(); ++i) {
+    waves.set(i, waves.get(i) * std::complex<float>(turn));
     turn *= step;
   }
 }

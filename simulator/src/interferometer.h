@@ -4,6 +4,7 @@
 
 #include "beam_place.h"
 #include "fourier.h"
+#include "lanes.h"
 #include "phantom.h"
 #include "polarization.h"
 #include "resampler.h"
@@ -31,31 +32,46 @@ class Interferometer {
 
    private:
     friend class Interferometer;
-    Fourier fourier_;
+
+    /// What one sensor sees of the A-scans.
+    struct View {
+      std::vector<std::complex<Lanes>> depths;
+      std::array<std::vector<Reflector>, Lanes::kCount> reflectors;
+      std::array<std::vector<std::complex<float>>, Lanes::kCount> parts;  ///< of every reflector's light
+      std::array<float, Lanes::kCount> samplePowers;
+    };
+
+    LaneFourier fourier_;
     DepthProfile profile_;
     std::vector<PolarizedLight> polarizations_;
     std::vector<std::complex<float>> scatterers_;
     std::array<std::vector<std::complex<float>>, 2> strays_;
-    std::vector<std::complex<float>> depths_;
-    std::vector<std::complex<float>> evenWaves_;
-    std::vector<std::complex<float>> waves_;
+    std::vector<View> views_;
+    std::vector<std::complex<Lanes>> evenWaves_;
+    std::vector<std::complex<Lanes>> waves_;
+    std::vector<Lanes> light_;
   };
 
   Interferometer(const Spectrometer& spectrometer, std::shared_ptr<const Phantom> phantom,
                  std::uint64_t seed);
 
-  /// @param place what the beam hits
-  /// @param light one row per sensor that receives one value per camera pixel, relative to the brightest
-  ///        light of the reference arm
-  void measure(const BeamPlace& place, Scratch& scratch, std::span<const std::span<float>> light) const;
+  /// Measures a few A-scans at once.
+  /// @param places what the beam hits, at most Lanes::kCount
+  /// @param light for every place one row per sensor that receives one value per camera pixel, relative to
+  /// the
+  ///        brightest light of the reference arm
+  void measure(std::span<const BeamPlace> places, Scratch& scratch,
+               std::span<const std::span<float>> light) const;
 
  private:
+  using Waves = std::vector<std::complex<Lanes>>;
+
   void describe(const BeamPlace& place, Scratch& scratch) const;
-  void interfere(int sensor, const BeamPlace& place, Scratch& scratch, std::span<float> light) const;
+  void scatter(int sensor, int lane, Scratch& scratch) const;
+  void interfere(const Scratch::View& view, std::span<const BeamPlace> places, Scratch& scratch) const;
   std::complex<float> weight(const Scratch& scratch, int sensor, int cell) const;
-  void addReflector(const Reflector& reflector, std::complex<float> weight,
-                    std::vector<std::complex<float>>& evenWaves) const;
-  void moveDeeper(double distanceMm, std::vector<std::complex<float>>& evenWaves) const;
+  void addReflector(const Reflector& reflector, std::complex<float> weight, int lane, Waves& evenWaves) const;
+  void moveDeeper(double distanceMm, int lane, Waves& evenWaves) const;
 
   int spectrumLength_;
   double depthStepMm_;

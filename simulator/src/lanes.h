@@ -5,6 +5,8 @@
 #include <xmmintrin.h>
 
 #include <complex>
+#include <cstddef>
+#include <vector>
 
 namespace oct::simulator {
 
@@ -29,6 +31,7 @@ class Lanes {
   friend Lanes operator+(Lanes a, Lanes b) { return Lanes(_mm_add_ps(a.values_, b.values_)); }
   friend Lanes operator-(Lanes a, Lanes b) { return Lanes(_mm_sub_ps(a.values_, b.values_)); }
   friend Lanes operator*(Lanes a, Lanes b) { return Lanes(_mm_mul_ps(a.values_, b.values_)); }
+  friend Lanes larger(Lanes a, Lanes b) { return Lanes(_mm_max_ps(a.values_, b.values_)); }
   friend Lanes operator-(Lanes a) { return Lanes(_mm_xor_ps(a.values_, _mm_set1_ps(-0.0f))); }
 
  private:
@@ -54,7 +57,32 @@ inline void joinLanes(const float* signals, int size, Lanes* lanes) {
   for (; i < size; ++i) lanes[i] = Lanes(_mm_setr_ps(row[0][i], row[1][i], row[2][i], row[3][i]));
 }
 
+/// Access to the samples of one of the signals.
+class ComplexLane {
+ public:
+  ComplexLane(std::vector<std::complex<Lanes>>& lanes, int lane)
+      : first_(reinterpret_cast<float*>(lanes.data()) + lane) {}
+
+  std::complex<float> get(std::size_t i) const {
+    const float* const part = first_ + kStep * i;
+    return {part[0], part[Lanes::kCount]};
+  }
+  void set(std::size_t i, std::complex<float> value) const {
+    float* const part = first_ + kStep * i;
+    part[0] = value.real();
+    part[Lanes::kCount] = value.imag();
+  }
+
+ private:
+  static constexpr std::size_t kStep = 2 * Lanes::kCount;
+  float* first_;
+};
+
 /// One of the signals.
+inline void takeLane(const Lanes* lanes, int lane, std::size_t size, float* signal) {
+  const auto* const floats = reinterpret_cast<const float*>(lanes) + lane;
+  for (std::size_t i = 0; i < size; ++i) signal[i] = floats[Lanes::kCount * i];
+}
 inline void takeLane(const std::complex<Lanes>* lanes, int lane, int size, std::complex<float>* signal) {
   const auto* const floats = reinterpret_cast<const float*>(lanes) + lane;
   for (int i = 0; i < size; ++i)

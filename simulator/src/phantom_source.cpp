@@ -3,6 +3,8 @@
 #include "noise.h"
 #include "parallel.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace oct::simulator {
@@ -13,32 +15,40 @@ constexpr std::size_t kLargestKept = std::size_t{1} << 30;
 
 }  // namespace
 
-/// Computes the spectra without noise of one A-scan after the other; one per thread.
+/// Computes the spectra without noise, a few A-scans at a time; one per thread.
 class PhantomSource::Simulation {
  public:
   Simulation(const PhantomSource& source, const Exposure& exposure)
       : source_(source),
         exposure_(exposure),
         scratch_(source.spectrumLength(), source.cameras()),
-        values_(static_cast<std::size_t>(source.spectrumLength()) * source.cameras()) {
-    for (int camera = 0; camera < source.cameras(); ++camera) light_.push_back(row(camera));
+        values_(static_cast<std::size_t>(source.spectrumLength()) * source.cameras() * Lanes::kCount) {
+    const auto length = static_cast<std::size_t>(source.spectrumLength());
+    for (std::size_t row = 0; row < values_.size() / length; ++row)
+      light_.push_back(std::span(values_).subspan(row * length, length));
   }
 
-  void run(int aScan) { source_.interferometer_.measure(exposure_.place(aScan), scratch_, light_); }
-
-  std::span<const float> light(int camera) const { return light_[camera]; }
+  /// Computes the A-scans from begin to end, unless the exposure is given up.
+  /// @param take receives the A-scan's number, the camera and the light
+  template <typename Take>
+  void run(int begin, int end, Take take) {
+    for (int first = begin; first < end && !exposure_.givenUp(); first += Lanes::kCount) {
+      const int count = std::min(Lanes::kCount, end - first);
+      std::array<BeamPlace, Lanes::kCount> places;
+      for (int lane = 0; lane < count; ++lane) places[lane] = exposure_.place(first + lane);
+      source_.interferometer_.measure(std::span(places).first(count), scratch_, light_);
+      for (int lane = 0; lane < count; ++lane)
+        for (int camera = 0; camera < source_.cameras(); ++camera)
+          take(first + lane, camera, std::span<const float>(light_[lane * source_.cameras() + camera]));
+    }
+  }
 
  private:
-  std::span<float> row(int camera) {
-    const auto length = static_cast<std::size_t>(source_.spectrumLength());
-    return std::span(values_).subspan(camera * length, length);
-  }
-
   const PhantomSource& source_;
   const Exposure& exposure_;
   Interferometer::Scratch scratch_;
   std::vector<float> values_;
-  std::vector<std::span<float>> light_;
+  std::vector<std::span<float>> light_;  // camera after camera for every A-scan
 };
 
 PhantomSource::PhantomSource(const Spectrometer& spectrometer, std::shared_ptr<const Phantom> phantom,
@@ -70,11 +80,11 @@ void PhantomSource::expose(const Exposure& exposure, RawData& raw) {
     parallelRanges(count, exposure.workers, [&](int begin, int end) {
       Simulation simulation(*this, exposure);
       std::vector<std::uint16_t> mean(length);
-      for (int index = begin; index < end && !exposure.givenUp(); ++index) {
-        simulation.run(index);
-        Camera::meanReading(simulation.light(exposure.camera), mean);
+      simulation.run(begin, end, [&](int index, int of, std::span<const float> light) {
+        if (of != exposure.camera) return;
+        Camera::meanReading(light, mean);
         camera.expose(mean, noise(index), raw.spectrum(index));
-      }
+      });
     });
     return;
   }
@@ -104,13 +114,10 @@ bool PhantomSource::keep(const Exposure& exposure) {
   for (auto& kept : kept_) kept.resize(static_cast<std::size_t>(count) * length);
   parallelRanges(count, exposure.workers, [&](int begin, int end) {
     Simulation simulation(*this, exposure);
-    for (int index = begin; index < end && !exposure.givenUp(); ++index) {
-      simulation.run(index);
-      for (int camera = 0; camera < cameras(); ++camera) {
-        const auto row = std::span(kept_[camera]).subspan(static_cast<std::size_t>(index) * length, length);
-        Camera::meanReading(simulation.light(camera), row);
-      }
-    }
+    simulation.run(begin, end, [&](int index, int camera, std::span<const float> light) {
+      const auto row = std::span(kept_[camera]).subspan(static_cast<std::size_t>(index) * length, length);
+      Camera::meanReading(light, row);
+    });
   });
   if (exposure.givenUp()) return false;
   key_ = key;

@@ -1,6 +1,7 @@
 #include "polarization_processing.h"
 
 #include "parallel.h"
+#include "vec/vec.h"
 
 #include <algorithm>
 #include <cmath>
@@ -46,7 +47,7 @@ StokesVolume stokesOf(const ComplexData& sensor0, const ComplexData& sensor1, in
   return stokes;
 }
 
-/// The quantity of one Stokes vector of power i, which is above zero.
+/// The quantity of one Stokes vector of power i, which is above zero; of the intensity the power itself.
 float valueOf(PolarizationProcessing::Quantity quantity, float i, float q, float u, float v) {
   switch (quantity) {
     case PolarizationProcessing::kRetardation:
@@ -66,7 +67,7 @@ float valueOf(PolarizationProcessing::Quantity quantity, float i, float q, float
     case PolarizationProcessing::kV:
       return std::clamp(v / i, -1.0f, 1.0f);
     default:
-      return 10.0f * std::log10(i);
+      return i;
   }
 }
 
@@ -153,6 +154,12 @@ void PolarizationProcessing::write(Quantity quantity, const StokesVolume& stokes
   const int rows = stokes.sizes()[1] * stokes.sizes()[2];
   const std::size_t depths = stokes.sizes()[0];
   parallelRanges(rows, workers, [&](int begin, int end) {
+    if (quantity == kIntensity) {
+      const std::size_t first = begin * depths;
+      vec::decibels(samples.data() + first, stokes.component(0).data() + first, (end - begin) * depths,
+                    kLeastPower);
+      return;
+    }
     for (std::size_t n = begin * depths; n < end * depths; ++n) {
       const float i = std::max(stokes.component(0)[n], kLeastPower);
       samples[n] = i < least ? 0.0f

@@ -91,7 +91,7 @@ Processing::Processing(const Calibration& calibration)
   if (calibration.compensationPhase.size() != calibration.wavenumberPositions.size() ||
       calibration.background.size() != calibration.wavenumberPositions.size())
     throw std::invalid_argument("The sequences of a calibration differ in length. ");
-  referenceIntensity_ = *std::ranges::max_element(background_) / Camera::kLargestCount;
+  referenceIntensity_ = vec::extremes(background_.data(), background_.size()).highest / Camera::kLargestCount;
   const auto places = invertPositions(calibration.wavenumberPositions);
   const auto phase = readLinear(calibration.compensationPhase, places);
   for (int i = 0; i < spectrumLength_; ++i) {
@@ -123,7 +123,7 @@ void Processing::execute(const RawData& raw, int workers) {
   float* const samples = output ? output->samples().data() : nullptr;
   std::complex<float>* const fields = complexOutput ? complexOutput->samples().data() : nullptr;
   const auto means = backgrounds(raw, workers);
-  referenceIntensity_ = *std::ranges::max_element(means) / Camera::kLargestCount;
+  referenceIntensity_ = vec::extremes(means.data(), means.size()).highest / Camera::kLargestCount;
 
   const int aScans = raw.aScans() * raw.bScans();
   const int groups = (aScans + Lanes::kCount - 1) / Lanes::kCount;

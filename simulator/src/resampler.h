@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <complex>
 #include <vector>
 
 namespace oct::simulator {
@@ -11,25 +12,36 @@ namespace oct::simulator {
 /// sinc. Signals up to about two thirds of the highest frequency pass unharmed; beyond the ends the signal
 /// counts as zero.
 class Resampler {
-public:
+ public:
   /// @param inputLength samples of the signals to be read, 8 or more
   /// @param positions where to read them, in samples from 0 to inputLength - 1
   Resampler(int inputLength, const std::vector<double>& positions);
 
-  /// @param input inputLength samples, real or complex
+  /// @param input inputLength samples, real or complex, of one signal or of several side by side
   /// @param output as many values as there are positions
   template <typename Value>
   void apply(const Value* input, Value* output) const {
     for (std::size_t i = 0; i < taps_.size(); ++i) {
       const Value* samples = input + taps_[i].first;
       Value sum{};
-      for (int tap = 0; tap < kTaps; ++tap) sum += taps_[i].weights[tap] * samples[tap];
+      for (int tap = 0; tap < kTaps; ++tap) sum += RealOf<Value>(taps_[i].weights[tap]) * samples[tap];
       output[i] = sum;
     }
   }
 
-private:
+ private:
   static constexpr int kTaps = 8;
+
+  template <typename Value>
+  struct RealPart {
+    using Type = Value;
+  };
+  template <typename Value>
+  struct RealPart<std::complex<Value>> {
+    using Type = Value;
+  };
+  template <typename Value>
+  using RealOf = typename RealPart<Value>::Type;
 
   struct Taps {
     int first;

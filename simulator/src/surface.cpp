@@ -1,6 +1,7 @@
 #include "surface.h"
 
 #include "parallel.h"
+#include "vec/vec.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -42,17 +43,17 @@ float noiseLevel(const std::vector<float>& samples) {
   const std::size_t step = std::max<std::size_t>(samples.size() / kProbes, 1) | 1u;
   std::vector<float> probes;
   for (std::size_t n = 0; n < samples.size(); n += step) probes.push_back(samples[n]);
-  const auto place =
-      probes.begin() + static_cast<std::ptrdiff_t>(kDarkPart * static_cast<double>(probes.size()));
-  std::nth_element(probes.begin(), place, probes.end());
-  return *place + 8.2f;
+  return vec::quantile(probes.data(), probes.size(), kDarkPart) + 8.2f;
 }
 
 /// Searches one A-scan.
 class SurfaceSearch {
-public:
+ public:
   SurfaceSearch(const float* aScan, int length, float noise)
-      : aScan_(aScan), length_(length), noise_(noise), highest_(*std::max_element(aScan, aScan + length)) {}
+      : aScan_(aScan),
+        length_(length),
+        noise_(noise),
+        highest_(vec::extremes(aScan, static_cast<std::size_t>(length)).highest) {}
 
   /// The sample at which the surface lies, or the length if there is none.
   int run() const {
@@ -67,7 +68,7 @@ public:
     return length_;
   }
 
-private:
+ private:
   /// A strong reflection stands out long before it is there, by the side lobes of the transform's window.
   int peakNear(int i) const {
     const int end = std::min(i + kSideLobes, length_);
@@ -79,9 +80,7 @@ private:
 
   /// Tissue goes on below its surface. What the background removal leaves of a strong reflection in other
   /// A-scans of the B-scan is a thin line.
-  bool isTissue(int i) const {
-    return isMostlyLight(i, kDepth) && isMostlyLight(i + 2, kDepth / 2);
-  }
+  bool isTissue(int i) const { return isMostlyLight(i, kDepth) && isMostlyLight(i + 2, kDepth / 2); }
 
   bool isMostlyLight(int begin, int samples) const {
     const int end = std::min(begin + samples, length_);

@@ -12,6 +12,7 @@ struct Routines {
   void (*copy)(float*, const float*, std::size_t);
   void (*cropCopy)(float*, const float*, std::size_t, std::size_t, std::size_t);
   Extremes (*extremes)(const float*, std::size_t);
+  std::size_t (*countNotAbove)(const float*, std::size_t, float);
   void (*subtract)(float*, const std::uint16_t*, const float*, std::size_t);
   void (*powers)(float*, const float*, std::size_t);
   void (*decibels)(float*, const float*, std::size_t, float);

@@ -61,6 +61,10 @@ Extremes extremes(const float* values, std::size_t count) {
   return best().extremes(values, count);
 }
 
+std::size_t countNotAbove(const float* values, std::size_t count, float limit) {
+  return best().countNotAbove(values, count, limit);
+}
+
 void subtract(float* destination, const std::uint16_t* counts, const float* background, std::size_t count) {
   best().subtract(destination, counts, background, count);
 }

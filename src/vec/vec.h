@@ -1,5 +1,5 @@
-// Arithmetic on arrays, in the widest instructions that the processor has. Depends on nothing; the library,
-// the simulated device and the programs link it.
+// Arithmetic on arrays, in the widest instructions that the processor has. Depends on nothing; the library
+// and the simulated device link it.
 //
 // Every variant gives the same bits as the plain loop, so that no result depends on the processor.
 #pragma once
@@ -26,6 +26,14 @@ struct Extremes {
 // The lowest and the highest value; NaN is ignored. Which zero stands for a zero of either sign is open.
 Extremes extremes(const float* values, std::size_t count);
 
+// How many values are at most limit; NaN is not.
+std::size_t countNotAbove(const float* values, std::size_t count, float limit);
+
+// The value below which this share (0 to 1) of the values lies: the one at rank share * (numbers - 1) in
+// rising order, rounded down. Exact, by at most 32 counts of the array, which is left as it is. NaN is
+// ignored; NaN where there is no number. Which zero stands for a zero of either sign is open.
+float quantile(const float* values, std::size_t count, double share);
+
 // destination[i] = counts[i] - background[i]
 void subtract(float* destination, const std::uint16_t* counts, const float* background, std::size_t count);
 
@@ -36,8 +44,8 @@ void powers(float* destination, const float* complexNumbers, std::size_t count);
 // must be a normal number above zero; infinity counts as the largest float (385.3 dB). In place or apart.
 void decibels(float* destination, const float* powers, std::size_t count, float least);
 
-// destination[i] = factor * values[i] + offset, halves rounded up, clamped to 0
-// .. 65535. NaN becomes 0.
+// destination[i] = factor * values[i] + offset, halves rounded up and clamped to what 16 bits hold; NaN
+// becomes 0.
 void toUint16(std::uint16_t* destination, const float* values, std::size_t count, float factor, float offset);
 
 }  // namespace oct::vec

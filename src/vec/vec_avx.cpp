@@ -60,6 +60,34 @@ Extremes extremesAvx(const float* values, std::size_t count) {
   return result;
 }
 
+// Counts as floats, which are exact up to 2^24 in every lane; so many rounds stay far below.
+constexpr std::size_t countable = std::size_t{1} << 16U;
+
+std::size_t countNotAboveAvx(const float* values, std::size_t count, float limit) {
+  const __m256 limits = _mm256_set1_ps(limit);
+  const __m256 one = _mm256_set1_ps(1.0F);
+  std::size_t result = 0;
+  std::size_t i = 0;
+  while (i + 2 * width <= count) {
+    const std::size_t left = (count - i) / (2 * width);
+    const std::size_t end = i + 2 * width * (left < countable ? left : countable);
+    __m256 first = _mm256_setzero_ps();
+    __m256 second = first;
+    for (; i < end; i += 2 * width) {
+      first = _mm256_add_ps(
+          first, _mm256_and_ps(_mm256_cmp_ps(_mm256_loadu_ps(values + i), limits, _CMP_LE_OQ), one));
+      second = _mm256_add_ps(
+          second, _mm256_and_ps(_mm256_cmp_ps(_mm256_loadu_ps(values + i + width), limits, _CMP_LE_OQ), one));
+    }
+    float counts[2 * width];
+    _mm256_storeu_ps(counts, first);
+    _mm256_storeu_ps(counts + width, second);
+    for (const float each : counts) result += static_cast<std::size_t>(each);
+  }
+  for (; i < count; ++i) result += values[i] <= limit ? 1 : 0;
+  return result;
+}
+
 __m256i joined(__m128i low, __m128i high) {
   return _mm256_insertf128_si256(_mm256_castsi128_si256(low), high, 1);
 }
@@ -150,6 +178,7 @@ void setAvx(Routines& routines) {
   routines.copy = copyAvx;
   routines.cropCopy = cropCopyAvx;
   routines.extremes = extremesAvx;
+  routines.countNotAbove = countNotAboveAvx;
   routines.powers = powersAvx;
   routines.decibels = decibelsAvx;
   routines.toUint16 = toUint16Avx;

@@ -30,6 +30,12 @@ Extremes extremesScalar(const float* values, std::size_t count) {
   return result;
 }
 
+std::size_t countNotAboveScalar(const float* values, std::size_t count, float limit) {
+  std::size_t result = 0;
+  for (std::size_t i = 0; i < count; ++i) result += values[i] <= limit ? 1 : 0;
+  return result;
+}
+
 void subtractScalar(float* destination, const std::uint16_t* counts, const float* background,
                     std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) destination[i] = static_cast<float>(counts[i]) - background[i];
@@ -73,8 +79,8 @@ void toUint16Scalar(std::uint16_t* destination, const float* values, std::size_t
 }  // namespace
 
 void setScalar(Routines& routines) {
-  routines = {copyScalar,   cropCopyScalar, extremesScalar, subtractScalar,
-              powersScalar, decibelsScalar, toUint16Scalar};
+  routines = {copyScalar,     cropCopyScalar, extremesScalar, countNotAboveScalar,
+              subtractScalar, powersScalar,   decibelsScalar, toUint16Scalar};
 }
 
 }  // namespace oct::vec

@@ -53,6 +53,32 @@ Extremes extremesSse(const float* values, std::size_t count) {
   return result;
 }
 
+// Counts as floats, which are exact up to 2^24 in every lane; so many rounds stay far below.
+constexpr std::size_t countable = std::size_t{1} << 16U;
+
+std::size_t countNotAboveSse(const float* values, std::size_t count, float limit) {
+  const __m128 limits = _mm_set1_ps(limit);
+  const __m128 one = _mm_set1_ps(1.0F);
+  std::size_t result = 0;
+  std::size_t i = 0;
+  while (i + 2 * width <= count) {
+    const std::size_t left = (count - i) / (2 * width);
+    const std::size_t end = i + 2 * width * (left < countable ? left : countable);
+    __m128 first = _mm_setzero_ps();
+    __m128 second = first;
+    for (; i < end; i += 2 * width) {
+      first = _mm_add_ps(first, _mm_and_ps(_mm_cmple_ps(_mm_loadu_ps(values + i), limits), one));
+      second = _mm_add_ps(second, _mm_and_ps(_mm_cmple_ps(_mm_loadu_ps(values + i + width), limits), one));
+    }
+    float counts[2 * width];
+    _mm_storeu_ps(counts, first);
+    _mm_storeu_ps(counts + width, second);
+    for (const float each : counts) result += static_cast<std::size_t>(each);
+  }
+  for (; i < count; ++i) result += values[i] <= limit ? 1 : 0;
+  return result;
+}
+
 void powersSse(float* destination, const float* complexNumbers, std::size_t count) {
   std::size_t i = 0;
   for (; i + width <= count; i += width) {
@@ -74,6 +100,7 @@ void powersSse(float* destination, const float* complexNumbers, std::size_t coun
 void setSse(Routines& routines) {
   routines.copy = copySse;
   routines.extremes = extremesSse;
+  routines.countNotAbove = countNotAboveSse;
   routines.powers = powersSse;
 }
 

@@ -30,7 +30,8 @@ TEST_P(LaneTransform, IsThePlainSumInEveryLane) {
   joinLanes(imaginary.data(), size, imaginaryLanes.data());
   std::vector<std::complex<Lanes>> input(size), output(size);
   for (int i = 0; i < size; ++i) input[i] = {realLanes[i], imaginaryLanes[i]};
-  LaneFourier(size).forward(input.data(), output.data());
+  LaneFourier fourier(size);
+  fourier.forward(input.data(), output.data());
 
   std::vector<std::complex<float>> found(size);
   for (int lane = 0; lane < Lanes::kCount; ++lane) {
@@ -44,6 +45,16 @@ TEST_P(LaneTransform, IsThePlainSumInEveryLane) {
       largest = std::max(largest, std::abs(sum - std::complex<double>(found[m])));
     }
     EXPECT_LT(largest, 3e-7 * size) << "lane " << lane;
+  }
+  // And back again.
+  fourier.backward(output.data(), input.data());
+  for (int lane = 0; lane < Lanes::kCount; ++lane) {
+    takeLane(input.data(), lane, size, found.data());
+    for (int n = 0; n < size; ++n)
+      ASSERT_LT(std::abs(found[n] / static_cast<float>(size) -
+                         std::complex<float>(real[lane * size + n], imaginary[lane * size + n])),
+                1e-5f)
+          << "lane " << lane << ", sample " << n;
   }
 }
 

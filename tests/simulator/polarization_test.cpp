@@ -274,6 +274,15 @@ TEST(PolarizationProcessing, DopuIsFormedOverItsOwnBox) {
                    [](const auto& s) { return std::sqrt(s[1] * s[1] + s[2] * s[2] + s[3] * s[3]) / s[0]; });
 }
 
+/// More depths than are averaged side by side, and not a multiple of them.
+TEST(PolarizationProcessing, LongAScansAreAveragedAlongAllAxes) {
+  const auto sensors = randomSensors(9, {75, 6, 5});
+  const std::array<int, 3> box{4, 3, 2};
+  for (int axis = 0; axis < 3; ++axis) sensors->processing.setAveraging(axis, box[axis]);
+  expectEverywhere(*sensors, sensors->compute(PolarizationProcessing::kQ), box,
+                   [](const auto& s) { return s[1] / s[0]; });
+}
+
 TEST(PolarizationProcessing, BoxesLargerThanTheVolumeAverageAll) {
   const auto sensors = randomSensors(6);
   for (int axis = 0; axis < 3; ++axis) sensors->processing.setAveraging(axis, 1000000000);

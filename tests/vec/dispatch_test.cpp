@@ -22,6 +22,7 @@ TEST(InstructionSets, TablesAreComplete) {
     EXPECT_NE(routines.copy, nullptr) << nameOf(set);
     EXPECT_NE(routines.cropCopy, nullptr) << nameOf(set);
     EXPECT_NE(routines.extremes, nullptr) << nameOf(set);
+    EXPECT_NE(routines.countNotAbove, nullptr) << nameOf(set);
     EXPECT_NE(routines.subtract, nullptr) << nameOf(set);
     EXPECT_NE(routines.powers, nullptr) << nameOf(set);
     EXPECT_NE(routines.decibels, nullptr) << nameOf(set);

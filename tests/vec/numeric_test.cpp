@@ -77,6 +77,21 @@ TEST_P(Variants, ExtremesAreFoundAtEveryPlace) {
   }
 }
 
+TEST_P(Variants, CountNotAbove) {
+  constexpr float infinity = std::numeric_limits<float>::infinity();
+  for (std::size_t count = 0; count < kLengths; ++count) {
+    for (std::size_t offset = 0; offset < kOffsets; ++offset) {
+      auto values = anyFloats(count, offset, static_cast<unsigned>(count));
+      for (const float limit : {-infinity, -1.0F, -0.0F, 0.0F, 0.5F, 65535.0F, infinity,
+                                std::numeric_limits<float>::quiet_NaN()}) {
+        EXPECT_EQ(variant_.countNotAbove(values.data(), count, limit),
+                  scalar_.countNotAbove(values.data(), count, limit))
+            << count << " values at " << offset << ", limit " << limit;
+      }
+    }
+  }
+}
+
 TEST_P(Variants, Subtract) {
   compare<float>([](const Routines& routines, auto& destination, std::size_t count, std::size_t offset) {
     Numbers numbers(static_cast<unsigned>(count));
@@ -148,6 +163,46 @@ TEST(Extremes, IgnoreNanAndKnowTheEmptyArray) {
   const vec::Extremes found = extremes(values.data(), values.size());
   EXPECT_EQ(found.lowest, -1.0F);
   EXPECT_EQ(found.highest, infinity);
+}
+
+// Against sorting, with repeated values, all special ones, and any order.
+TEST(Quantile, IsTheValueAtItsRank) {
+  for (unsigned seed = 0; seed < 60; ++seed) {
+    Numbers numbers(seed);
+    std::vector<float> values(1 + seed * 7);
+    for (float& value : values)
+      value = seed % 3 == 0 ? numbers.any() : std::round(numbers.between(-9.0F, 9.0F));
+    std::vector<float> sorted;
+    for (const float value : values) {
+      if (!std::isnan(value)) sorted.push_back(value);
+    }
+    std::sort(sorted.begin(), sorted.end());
+    for (const double share : {0.0, 0.01, 0.1, 0.37, 0.5, 0.998, 1.0}) {
+      const float found = quantile(values.data(), values.size(), share);
+      if (sorted.empty()) {
+        EXPECT_TRUE(std::isnan(found));
+        continue;
+      }
+      const auto rank = static_cast<std::size_t>(share * static_cast<double>(sorted.size() - 1));
+      EXPECT_EQ(found, sorted[rank]) << seed << ", " << share;
+    }
+  }
+}
+
+TEST(Quantile, OfNothingIsNoNumber) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  EXPECT_TRUE(std::isnan(quantile(nullptr, 0, 0.5)));
+  EXPECT_TRUE(std::isnan(quantile(&nan, 1, 0.5)));
+}
+
+// More values than are counted in one go.
+TEST_P(Variants, CountNotAboveOfVeryMany) {
+  std::vector<float> values(3'000'005);
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<float>(i % 7);
+  for (const float limit : {-1.0F, 0.0F, 4.5F, 6.0F}) {
+    EXPECT_EQ(variant_.countNotAbove(values.data(), values.size(), limit),
+              scalar_.countNotAbove(values.data(), values.size(), limit));
+  }
 }
 
 // Every 997th positive float: a prime far from a power of two meets all exponents and mantissas.
