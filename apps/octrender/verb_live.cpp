@@ -329,7 +329,7 @@ void addLiveVerb(CLI::App& program) {
   addDeviceOptions(*verb, *options);
   addSourceOptions(*verb, *options);
   addViewOptions(*verb, *options);
-  addColorOptions(*verb, *options, "inferno; gray for\nsections and with --analog; viridis for polarization");
+  addColorOptions(*verb, *options, "inferno; gray for sections and with --analog;\nviridis for polarization");
   addCutOptions(*verb, *options);
   addBoxOptions(*verb, *options);
   verb->footer(kFooter);

@@ -45,3 +45,5 @@ LD_LIBRARY_PATH="$libdir" "$work/live" >"$work/live.txt"
 grep -q "5 volumes drawn, the middle pixel is [1-9]" "$work/live.txt"
 [ "$(stat -c %s "$work/cmake.ppm")" -gt 900000 ]
 "$work/prefix/bin/octrender" --help >/dev/null
+# The installed program finds the installed device library.
+"$work/prefix/bin/octrender" live --seconds 0.05 --size 40x30 --spectrum 64 --ascans 8 --bscans 4 >/dev/null
