@@ -41,7 +41,7 @@ struct LateralMap {
   std::vector<float> values;
 };
 
-LateralMap loadLateralMap(const std::filesystem::path& path);
+LateralMap loadLateralMap(const std::filesystem::path& path);  // of several frames the middle one
 
 // A height map, one row per B-scan and one column per A-scan.
 std::vector<float> loadHeightMap(const std::filesystem::path& path, const VolumeData& volume);

@@ -427,6 +427,8 @@ OCT_API void setDisplayOveralyThreshold(DisplayRenderingHandle Handle, double Th
  * screen), x and z are the lateral ones. The box is scaled to the physical range, so that its half diagonal is 2
  * whatever the unit. The camera looks at it from a distance of 5.
  *
+ * A frame covers the whole viewport with an opaque picture, translucent volumes included: alpha is 255 everywhere.
+ *
  * A voxel v is coloured by a colour map at (v - Lower) / (Upper - Lower); alpha is opacity. Four colour maps exist:
  * of the volume, of the secondary data, of the overlay volume and of the surface. They live from
  * initializeVolumeRenderer() to uninitializeVolumeRenderer(); setting colours or boundaries outside of that does

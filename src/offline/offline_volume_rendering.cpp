@@ -30,6 +30,16 @@ OfflineVolumeRendering::~OfflineVolumeRendering() {
   secondary_.reset();
 }
 
+// Changes what the renderer knows of the volume, between frames and setters of other threads.
+template <class Change>
+void OfflineVolumeRendering::changeSource(Change change) {
+  if (!renderer_) return;
+  const ObjectLock lock(renderer_);
+  VolumeSource source = renderer_->source();
+  change(source);
+  renderer_->setSource(source);
+}
+
 void OfflineVolumeRendering::setAspectRatio(float axial, float lateral1, float lateral2) {
   axial_ = axial;
   lateral1_ = lateral1;
@@ -45,17 +55,18 @@ void OfflineVolumeRendering::allocate(std::int64_t width, std::int64_t height, s
   gl::Texture3D::require(extent, volumeFormat);
 
   const ObjectLock lock(renderer_);
-  VolumeSource source = renderer_->source();
-  source.volume = 0;
-  source.sliceCount = 0;
-  ++source.revision;
-  renderer_->setSource(source);
+  changeSource([](VolumeSource& source) {
+    source.volume = 0;
+    source.sliceCount = 0;
+    ++source.revision;
+  });
   glEnable(GL_DEPTH_TEST);
   glDisable(GL_CULL_FACE);
   volume_.allocate(extent, volumeFormat, "OfflineVolumeRendering::allocate, glTexImage3D");
-  source.volume = volume_.get();
-  source.sliceCount = static_cast<int>(depth);
-  renderer_->setSource(source);
+  changeSource([&](VolumeSource& source) {
+    source.volume = volume_.get();
+    source.sliceCount = static_cast<int>(depth);
+  });
   unbind();
   gl::throwOnGLError("OfflineVolumeRendering::allocate");
 }
@@ -74,10 +85,10 @@ void OfflineVolumeRendering::requireSlices(std::int64_t first, std::int64_t end)
 void OfflineVolumeRendering::volumeFilled(float fraction) {
   if (!renderer_) return;
   const ObjectLock lock(renderer_);
-  VolumeSource source = renderer_->source();
-  source.filledFraction = fraction;
-  ++source.revision;
-  renderer_->setSource(source);
+  changeSource([fraction](VolumeSource& source) {
+    source.filledFraction = fraction;
+    ++source.revision;
+  });
   renderer_->setRenderElements(true, false);
 }
 
@@ -95,14 +106,7 @@ void OfflineVolumeRendering::upload(const float* volume) {
 
 void OfflineVolumeRendering::uploadSubVolume(int first, int end, const float* block) {
   const TimingMark mark("partial upload offline volume");
-  if (!block) {
-    if (!renderer_) return;
-    const ObjectLock lock(renderer_);
-    VolumeSource source = renderer_->source();
-    source.filledFraction = 0.0F;
-    renderer_->setSource(source);
-    return;
-  }
+  if (!block) return changeSource([](VolumeSource& source) { source.filledFraction = 0.0F; });
   gl::requireOpenGL();
   requireSlices(first, end);
   volume_.bind();
@@ -142,17 +146,17 @@ void OfflineVolumeRendering::uploadOverlay(const float* volume) {
   overlay_.bind();
   overlay_.uploadSlices(0, overlay_.extent().depth, volume);
   unbind();
+  changeSource([](VolumeSource& source) { ++source.revision; });  // the overlay may be what is shown
   gl::throwOnGLError("OfflineVolumeRendering::upload_overlay");
 }
 
 void OfflineVolumeRendering::freeSecondary() {
   const TimingMark mark("OfflineVolumeRendering::free_secondary_texture");
   secondary_.reset();
-  const ObjectLock lock(renderer_);
-  VolumeSource source = renderer_->source();
-  source.secondary = 0;
-  source.secondarySliceCount = 0;
-  renderer_->setSource(source);
+  changeSource([](VolumeSource& source) {
+    source.secondary = 0;
+    source.secondarySliceCount = 0;
+  });
 }
 
 void OfflineVolumeRendering::uploadSecondaryData(const SecondaryBlock& block) {
@@ -180,11 +184,10 @@ void OfflineVolumeRendering::uploadSecondaryData(const SecondaryBlock& block) {
   unbind();
   gl::throwOnGLError("OfflineVolumeRendering::upload_secondary_data");
 
-  const ObjectLock lock(renderer_);
-  VolumeSource source = renderer_->source();
-  source.secondary = secondary_.get();
-  source.secondarySliceCount = static_cast<int>(block.width);
-  renderer_->setSource(source);
+  changeSource([&](VolumeSource& source) {
+    source.secondary = secondary_.get();
+    source.secondarySliceCount = static_cast<int>(block.width);
+  });
 }
 
 void OfflineVolumeRendering::render(int contentType) {

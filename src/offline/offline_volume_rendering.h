@@ -45,6 +45,8 @@ class OfflineVolumeRendering {
   void render(int contentType);
 
  private:
+  template <class Change>
+  void changeSource(Change change);
   void requireVolume() const;
   void requireSlices(std::int64_t first, std::int64_t end) const;
   void volumeFilled(float fraction);

@@ -1,7 +1,5 @@
 #include "volume/box_view.h"
 
-#include <array>
-
 namespace oct {
 
 glm::vec4 eyeInModel(const Camera& camera) {
@@ -21,17 +19,22 @@ bool facesViewer(const BoxFace& face, const glm::vec4& eye) {
   return eye[face.axis] * face.side > eye.w;
 }
 
+CrossSection crossSection(int axis, float at) {
+  CrossSection corners;
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    corners[i][axis] = at;
+    corners[i][(axis + 1) % 3] = i == 1 || i == 2 ? 1.0F : -1.0F;
+    corners[i][(axis + 2) % 3] = i >= 2 ? 1.0F : -1.0F;
+  }
+  return corners;
+}
+
 std::vector<glm::vec3> boxFaces(const glm::vec4& eye, bool towardsViewer) {
   std::vector<glm::vec3> triangles;
   for (int axis = 0; axis < 3; ++axis) {
     for (const float side : {-1.0F, 1.0F}) {
       if (facesViewer({axis, side}, eye) != towardsViewer) continue;
-      std::array<glm::vec3, 4> corners;
-      for (std::size_t i = 0; i < corners.size(); ++i) {
-        corners[i][axis] = side;
-        corners[i][(axis + 1) % 3] = i == 1 || i == 2 ? 1.0F : -1.0F;
-        corners[i][(axis + 2) % 3] = i >= 2 ? 1.0F : -1.0F;
-      }
+      const CrossSection corners = crossSection(axis, side);
       for (const std::size_t i : {0, 1, 2, 0, 2, 3}) triangles.push_back(corners[i]);
     }
   }

@@ -3,6 +3,7 @@
 
 #include <glm/glm.hpp>
 
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -16,6 +17,10 @@ glm::vec4 eyeInModel(const Camera& camera);
 // Position in pixels from the viewport's lower left corner, and depth in normalised device coordinates; none
 // for what is not before the viewer.
 std::optional<glm::vec3> onScreen(const Camera& camera, const glm::vec3& point);
+
+// Corners of the box's cross-section at a place on an axis, in order around it.
+using CrossSection = std::array<glm::vec3, 4>;
+CrossSection crossSection(int axis, float at);
 
 struct BoxFace {
   int axis = 0;

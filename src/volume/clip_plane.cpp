@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 
+#include "volume/box_view.h"
+
 namespace oct {
 namespace {
 
@@ -28,7 +30,7 @@ float distance(const glm::vec4& plane, const glm::vec3& point) {
 }
 
 // The part of a convex polygon that the plane removes.
-std::vector<glm::vec3> removedPart(const glm::vec4& plane, const std::array<glm::vec3, 4>& polygon) {
+std::vector<glm::vec3> removedPart(const glm::vec4& plane, const CrossSection& polygon) {
   std::vector<glm::vec3> part;
   for (std::size_t i = 0; i < polygon.size(); ++i) {
     const glm::vec3& from = polygon[i];
@@ -65,16 +67,8 @@ std::vector<glm::vec3> boxIntersections(const glm::vec4& plane) {
 std::vector<glm::vec3> removedFaces(const glm::vec4& plane) {
   std::vector<glm::vec3> triangles;
   for (int axis = 0; axis < 3; ++axis) {
-    const int second = (axis + 1) % 3;
-    const int third = (axis + 2) % 3;
     for (const float side : {-1.0F, 1.0F}) {
-      std::array<glm::vec3, 4> face;
-      for (std::size_t corner = 0; corner < 4; ++corner) {
-        face[corner][axis] = side;
-        face[corner][second] = corner == 0 || corner == 3 ? -1.0F : 1.0F;
-        face[corner][third] = corner < 2 ? -1.0F : 1.0F;
-      }
-      const std::vector<glm::vec3> part = removedPart(plane, face);
+      const std::vector<glm::vec3> part = removedPart(plane, crossSection(axis, side));
       for (std::size_t i = 2; i < part.size(); ++i)
         triangles.insert(triangles.end(), {part[0], part[i - 1], part[i]});
     }

@@ -5,7 +5,6 @@
 #include "core/timing_mark.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
-#include "volume/box_view.h"
 #include "volume/line_drawing.h"
 
 namespace oct {
@@ -47,16 +46,6 @@ class TriangleList {
 
 }  // namespace
 
-SectionQuad sectionQuad(int axis, float position) {
-  SectionQuad quad;
-  for (std::size_t i = 0; i < quad.size(); ++i) {
-    quad[i][axis] = coordinate(position);
-    quad[i][(axis + 1) % 3] = i == 1 || i == 2 ? 1.0F : -1.0F;
-    quad[i][(axis + 2) % 3] = i >= 2 ? 1.0F : -1.0F;
-  }
-  return quad;
-}
-
 std::vector<glm::vec3> sectionTriangles(const Sections& sections, const glm::vec4& eye) {
   glm::vec3 at;
   std::array<bool, 3> eyeAbove{};
@@ -90,7 +79,7 @@ void SectionalView::set(const Sections& sections) {
   sections_ = sections;
   for (int axis = 0; axis < 3; ++axis) {
     const auto index = static_cast<std::size_t>(axis);
-    quads_[index] = sectionQuad(axis, sections[index].position);
+    quads_[index] = crossSection(axis, coordinate(sections[index].position));
   }
 }
 
@@ -113,7 +102,7 @@ void SectionalView::drawOutline(const VolumeFrame& frame) {
   std::vector<glm::vec3> lines;
   for (std::size_t axis = 0; axis < 3; ++axis) {
     if (!sections_[axis].shown) continue;
-    const SectionQuad& quad = quads_[axis];
+    const CrossSection& quad = quads_[axis];
     for (std::size_t i = 0; i < 4; ++i) lines.insert(lines.end(), {quad[i], quad[(i + 1) % 4]});
   }
   if (lines.empty()) return;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "gl/geometry.h"
+#include "volume/box_view.h"
 #include "volume/volume_frame.h"
 
 namespace oct {
@@ -15,10 +16,6 @@ struct Section {
 };
 
 using Sections = std::array<Section, 3>;
-
-// Corners of a slice, in order around it.
-using SectionQuad = std::array<glm::vec3, 4>;
-SectionQuad sectionQuad(int axis, float position);
 
 // The shown slices as triangles, each parted where the others cut it, in such an order that what is farther
 // from the eye (model coordinates, homogeneous: w = 0 is a direction) comes first.
@@ -35,7 +32,7 @@ class SectionalView {
 
  private:
   Sections sections_;
-  std::array<SectionQuad, 3> quads_{};
+  std::array<CrossSection, 3> quads_{};
   gl::Geometry slices_;
   gl::Geometry outlines_;
 };

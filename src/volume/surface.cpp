@@ -2,8 +2,6 @@
 
 #include <glm/gtc/type_ptr.hpp>
 
-#include <utility>
-
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
 

@@ -101,7 +101,20 @@ BITMAPINFO bitmapOf(int width, int height) {
 struct TextRasteriser::Native {
   Native(int height, bool emphasis) : font(createFont(height, emphasis)) {
     if (!font.get()) fail("Could not create a font: ");
+    const WindowDeviceContext window;
+    const MemoryDeviceContext memory(window);
+    const Selection selected(memory.get(), font.get());
+    measure(memory, "0");
   }
+
+  // Without any font on the machine GDI still gives a font object, but measures and draws nothing.
+  static RECT measure(const MemoryDeviceContext& memory, const std::string& text) {
+    RECT area{};
+    DrawTextA(memory.get(), text.c_str(), static_cast<int>(text.size()), &area, format | DT_CALCRECT);
+    if (area.right <= 0 || area.bottom <= 0) throw std::runtime_error("No font was found for text labels. ");
+    return area;
+  }
+
   GdiObject font;
 };
 
@@ -115,12 +128,7 @@ TextPicture TextRasteriser::rasterise(const std::string& text) {
   const WindowDeviceContext window;
   const MemoryDeviceContext memory(window);
   const Selection font(memory.get(), native_->font.get());
-  const int length = static_cast<int>(text.size());
-  RECT area{};
-  DrawTextA(memory.get(), text.c_str(), length, &area, format | DT_CALCRECT);
-  // Without any font on the machine GDI still gives a font object, but measures and draws nothing.
-  if (area.right <= 0 || area.bottom <= 0) throw std::runtime_error("No font was found for text labels. ");
-
+  RECT area = Native::measure(memory, text);
   const BITMAPINFO info = bitmapOf(area.right, area.bottom);
   void* pixels = nullptr;
   const GdiObject bitmap(CreateDIBSection(memory.get(), &info, DIB_RGB_COLORS, &pixels, nullptr, 0));
@@ -129,7 +137,7 @@ TextPicture TextRasteriser::rasterise(const std::string& text) {
   SetTextColor(memory.get(), glyphColor);
   SetBkColor(memory.get(), backgroundColor);
   SetBkMode(memory.get(), OPAQUE);
-  DrawTextA(memory.get(), text.c_str(), length, &area, format);
+  DrawTextA(memory.get(), text.c_str(), static_cast<int>(text.size()), &area, format);
   GdiFlush();  // drawing may be queued, and the pixels are read behind GDI's back
 
   picture.width = area.right;

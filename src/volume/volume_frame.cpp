@@ -2,6 +2,8 @@
 
 #include <glm/gtc/type_ptr.hpp>
 
+#include "volume/box_view.h"
+
 namespace oct {
 
 void bindVolumeTexture(GLint unit, GLenum target, GLuint texture) {
@@ -10,9 +12,7 @@ void bindVolumeTexture(GLint unit, GLenum target, GLuint texture) {
 }
 
 bool VolumeFrame::cutFacesViewer() const {
-  const glm::vec4 viewer = settings.view.perspective ? glm::vec4(0.0F, 0.0F, 0.0F, 1.0F)
-                                                     : glm::vec4(0.0F, 0.0F, 1.0F, 0.0F);  // infinitely far
-  return glm::dot(clipPlane.plane(), glm::inverse(camera.modelview) * viewer) < 0.0F;
+  return glm::dot(clipPlane.plane(), eyeInModel(camera)) < 0.0F;
 }
 
 void useVolumeProgram(const VolumeRenderingProgram& program, const VolumeFrame& frame) {

@@ -46,7 +46,7 @@ struct VolumeSource {
   bool mainColormapIsOverlay = false;  // colours the volume by the overlay's colour map and boundaries
   int sliceCount = 0;                  // parts in which the volume fills
   float filledFraction = 1.0F;
-  std::uint64_t revision = 0;  // counts up with every change of the volume's voxels
+  std::uint64_t revision = 0;  // counts up with every change of the volume's or the overlay's voxels
 };
 
 // 0xRRGGBBAA; alpha is always 1.

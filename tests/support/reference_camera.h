@@ -17,8 +17,8 @@ class ReferenceCamera {
         height_(scene.viewportHeight),
         zoom_(scene.zoom),
         perspective_(scene.perspective) {
-    const double ax = radians(scene.angleX);
-    const double ay = radians(scene.angleY);
+    const double ax = glm::radians(scene.angleX);
+    const double ay = glm::radians(scene.angleY);
     const glm::dvec3 range(scene.range[0], scene.range[1], scene.range[2]);
     const double s = 2.0 / glm::length(range);
     // Rows of rotation about x times rotation about y times scaling; glm counts columns.
@@ -28,8 +28,6 @@ class ReferenceCamera {
     linear_ = aboutX * aboutY * scale;
     shift_ = glm::dvec3(scene.translation[0], scene.translation[1], scene.translation[2] - 5.0);
   }
-
-  static double radians(double degrees) { return degrees * 3.14159265358979323846 / 180.0; }
 
   // Of the linear part, from model to eye coordinates.
   const glm::dmat3& linear() const { return linear_; }
@@ -44,16 +42,20 @@ class ReferenceCamera {
   }
 
   struct Line {
-    glm::dvec3 origin;  // eye coordinates
+    glm::dvec3 origin;
     glm::dvec3 direction;
   };
 
-  // Through the middle of a pixel.
+  // Through the middle of a pixel, in eye coordinates and in those of the model.
   Line line(int column, int row) const {
     const glm::dvec2 at =
         (glm::dvec2(column + 0.5, row + 0.5) / glm::dvec2(width_, height_) * 2.0 - 1.0) * halfExtent();
     if (perspective_) return {{0, 0, 0}, {at, -1.0}};
     return {{at, 0.0}, {0, 0, -1.0}};
+  }
+  Line modelLine(int column, int row) const {
+    const Line eye = line(column, row);
+    return {toModel(eye.origin), glm::inverse(linear_) * eye.direction};
   }
 
  private:
@@ -61,7 +63,7 @@ class ReferenceCamera {
   glm::dvec2 halfExtent() const {
     const double aspect = static_cast<double>(width_) / height_;
     if (!perspective_) return {0.1 * zoom_, 0.1 * zoom_ / aspect};
-    const double t = std::tan(radians(5.0 + zoom_) / 2.0);
+    const double t = std::tan(glm::radians(5.0 + zoom_) / 2.0);
     return {aspect * t, t};
   }
 

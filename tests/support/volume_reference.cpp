@@ -4,88 +4,35 @@
 #include <cmath>
 #include <optional>
 
+#include "support/reference_camera.h"
+
 namespace oct::test {
 namespace {
 
-struct Vector {
-  double x = 0.0;
-  double y = 0.0;
-  double z = 0.0;
+using Line = ReferenceCamera::Line;
 
-  Vector operator+(const Vector& o) const { return {x + o.x, y + o.y, z + o.z}; }
-  Vector operator-(const Vector& o) const { return {x - o.x, y - o.y, z - o.z}; }
-  Vector operator*(double f) const { return {x * f, y * f, z * f}; }
-  double length() const { return std::sqrt(x * x + y * y + z * z); }
-};
-
-using Rgba = std::array<double, 4>;
-
-struct Line {
-  Vector origin;
-  Vector direction;
-  Vector at(double t) const { return origin + direction * t; }
-};
+glm::dvec3 at(const Line& line, double t) {
+  return line.origin + t * line.direction;
+}
 
 // Where a pixel's view line passes the box, in model coordinates.
 struct Passage {
-  Vector front;
-  Vector back;
+  glm::dvec3 front;
+  glm::dvec3 back;
 };
 
-double radians(double degrees) {
-  return degrees * 3.14159265358979323846 / 180.0;
-}
-
-// From eye to model coordinates: the inverse of translation, rotation about x, rotation about y and scaling.
-class ModelSpace {
- public:
-  explicit ModelSpace(const VolumeScene& scene)
-      : shift_{scene.translation[0], scene.translation[1], scene.translation[2] - 5.0},
-        ax_(radians(scene.angleX)),
-        ay_(radians(scene.angleY)) {
-    const double a = scene.range[0];
-    const double b = scene.range[1];
-    const double c = scene.range[2];
-    const double s = 1.0 / (0.5 * std::sqrt(a * a + b * b + c * c));
-    scale_ = {b * s, -a * s, c * s};
-  }
-  Vector direction(const Vector& v) const {
-    const Vector aboutX{v.x, std::cos(ax_) * v.y + std::sin(ax_) * v.z,
-                        -std::sin(ax_) * v.y + std::cos(ax_) * v.z};
-    const Vector aboutY{std::cos(ay_) * aboutX.x - std::sin(ay_) * aboutX.z, aboutX.y,
-                        std::sin(ay_) * aboutX.x + std::cos(ay_) * aboutX.z};
-    return {aboutY.x / scale_.x, aboutY.y / scale_.y, aboutY.z / scale_.z};
-  }
-  Vector point(const Vector& v) const { return direction(v - shift_); }
-
- private:
-  Vector shift_;
-  double ax_;
-  double ay_;
-  Vector scale_;
-};
-
-Line viewLine(const VolumeScene& scene, const ModelSpace& model, int column, int row) {
-  const double x = 2.0 * (column + 0.5) / scene.viewportWidth - 1.0;
-  const double y = 2.0 * (row + 0.5) / scene.viewportHeight - 1.0;
-  const double aspect = static_cast<double>(scene.viewportWidth) / scene.viewportHeight;
-  if (scene.perspective) {
-    const double t = std::tan(radians(5.0 + scene.zoom) / 2.0);
-    return {model.point({}), model.direction({x * aspect * t, y * t, -1.0})};
-  }
-  return {model.point({x * 0.1 * scene.zoom, y * 0.1 * scene.zoom / aspect, 0.0}),
-          model.direction({0.0, 0.0, -1.0})};
-}
-
-std::optional<std::array<double, 4>> clipPlane(const VolumeScene& scene) {
+std::optional<glm::dvec4> clipPlane(const VolumeScene& scene) {
   if (!scene.clip) return {};
-  const double ax = radians(scene.clipFixed ? scene.fixedAngleX : scene.angleX);
-  const double ay = radians(scene.clipFixed ? scene.fixedAngleY : scene.angleY);
-  const double a = std::sin(ay) * std::cos(ax);
-  const double b = std::sin(ax);
-  const double c = -std::cos(ay) * std::cos(ax);
-  const double d = (2.0 * scene.clipValue - 1.0) * 0.99 * (std::abs(a) + std::abs(b) + std::abs(c));
-  return std::array{a, b, c, d};
+  const double ax = glm::radians(scene.clipFixed ? scene.fixedAngleX : scene.angleX);
+  const double ay = glm::radians(scene.clipFixed ? scene.fixedAngleY : scene.angleY);
+  const glm::dvec3 normal(std::sin(ay) * std::cos(ax), std::sin(ax), -std::cos(ay) * std::cos(ax));
+  const double reach = std::abs(normal.x) + std::abs(normal.y) + std::abs(normal.z);
+  return glm::dvec4(normal, (2.0 * scene.clipValue - 1.0) * 0.99 * reach);
+}
+
+// How far along a line the plane is.
+double meets(const glm::dvec4& plane, const Line& line) {
+  return -glm::dot(plane, glm::dvec4(line.origin, 1.0)) / glm::dot(glm::dvec3(plane), line.direction);
 }
 
 double boxEnd(const VolumeScene& scene) {
@@ -95,89 +42,38 @@ double boxEnd(const VolumeScene& scene) {
 }
 
 std::optional<Passage> passage(const VolumeScene& scene, const Line& line, double end) {
-  const std::array<double, 3> origin{line.origin.x, line.origin.y, line.origin.z};
-  const std::array<double, 3> direction{line.direction.x, line.direction.y, line.direction.z};
-  const std::array<double, 3> highest{1.0, 1.0, end};
+  const glm::dvec3 highest(1.0, 1.0, end);
   double enter = -1e30;
   double leave = 1e30;
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    if (std::abs(direction[axis]) < 1e-12) {
-      if (origin[axis] < -1.0 || origin[axis] > highest[axis]) return {};
+  for (int axis = 0; axis < 3; ++axis) {
+    const double from = line.origin[axis];
+    if (std::abs(line.direction[axis]) < 1e-12) {
+      if (from < -1.0 || from > highest[axis]) return {};
       continue;
     }
-    const double first = (-1.0 - origin[axis]) / direction[axis];
-    const double second = (highest[axis] - origin[axis]) / direction[axis];
+    const double first = (-1.0 - from) / line.direction[axis];
+    const double second = (highest[axis] - from) / line.direction[axis];
     enter = std::max(enter, std::min(first, second));
     leave = std::min(leave, std::max(first, second));
   }
   if (enter >= leave) return {};
   if (const auto plane = clipPlane(scene)) {
-    const auto& [a, b, c, d] = *plane;
-    const double along = a * line.direction.x + b * line.direction.y + c * line.direction.z;
-    const auto distance = [&, a = a, b = b, c = c, d = d](const Vector& p) {
-      return a * p.x + b * p.y + c * p.z + d;
-    };
-    const bool entersKept = distance(line.at(enter)) >= 0.0;
-    const bool leavesKept = distance(line.at(leave)) >= 0.0;
-    const double cut = -distance(line.origin) / along;
+    const auto kept = [&](double t) { return glm::dot(*plane, glm::dvec4(at(line, t), 1.0)) >= 0.0; };
+    const bool entersKept = kept(enter);
+    const bool leavesKept = kept(leave);
     if (!entersKept && (!leavesKept || scene.clipOpen)) return {};
-    if (!entersKept) enter = cut;
-    if (!leavesKept) leave = cut;
+    if (!entersKept) enter = meets(*plane, line);
+    if (!leavesKept) leave = meets(*plane, line);
   }
-  return Passage{line.at(enter), line.at(leave)};
+  return Passage{at(line, enter), at(line, leave)};
 }
 
 // Whether a view line meets the part of the clip plane that lies in the box.
 bool meetsCut(const VolumeScene& scene, const Line& line) {
   const auto plane = clipPlane(scene);
   if (!plane) return false;
-  const auto& [a, b, c, d] = *plane;
-  const double along = a * line.direction.x + b * line.direction.y + c * line.direction.z;
-  const Vector p = line.at(-(a * line.origin.x + b * line.origin.y + c * line.origin.z + d) / along);
-  return std::max({std::abs(p.x), std::abs(p.y), std::abs(p.z)}) <= 1.0;
-}
-
-double sample(const Volume& volume, const std::array<double, 3>& coordinate, bool repeatFirst = false) {
-  const std::array<int, 3> size{volume.width, volume.height, volume.depth};
-  std::array<std::array<int, 2>, 3> index{};
-  std::array<double, 3> weight{};
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    const double position = coordinate[axis] * size[axis] - 0.5;
-    const int below = static_cast<int>(std::floor(position));
-    weight[axis] = position - below;
-    for (int i = 0; i < 2; ++i) {
-      const int n = size[axis];
-      index[axis][static_cast<std::size_t>(i)] =
-          repeatFirst && axis == 0 ? ((below + i) % n + n) % n : std::clamp(below + i, 0, n - 1);
-    }
-  }
-  double sum = 0.0;
-  for (std::size_t i = 0; i < 2; ++i) {
-    for (std::size_t j = 0; j < 2; ++j) {
-      for (std::size_t k = 0; k < 2; ++k) {
-        sum += (i ? weight[0] : 1.0 - weight[0]) * (j ? weight[1] : 1.0 - weight[1]) *
-               (k ? weight[2] : 1.0 - weight[2]) * volume.at(index[0][i], index[1][j], index[2][k]);
-      }
-    }
-  }
-  return static_cast<float>(sum);  // an even volume stays exactly even
-}
-
-// Linear between the centres of the entries.
-Rgba colorOf(const Coloring& coloring, double normalised) {
-  const int count = static_cast<int>(coloring.colors.size());
-  const double position = std::clamp(normalised, 0.0, 1.0) * count - 0.5;
-  const int below = static_cast<int>(std::floor(position));
-  const double weight = position - below;
-  const auto entry = [&](int i) {
-    return coloring.colors[static_cast<std::size_t>(std::clamp(i, 0, count - 1))];
-  };
-  Rgba color{};
-  for (unsigned c = 0; c < 4; ++c) {
-    const auto channel = [c](std::uint32_t packed) { return ((packed >> (8 * c)) & 0xFFU) / 255.0; };
-    color[c] = (1.0 - weight) * channel(entry(below)) + weight * channel(entry(below + 1));
-  }
-  return color;
+  const glm::dvec3 p = glm::abs(at(line, meets(*plane, line)));
+  return std::max({p.x, p.y, p.z}) <= 1.0;
 }
 
 double normalised(const Coloring& coloring, double value) {
@@ -191,85 +87,78 @@ class Ray {
       : scene_(scene),
         volume_(scene.content == 1 ? scene.overlay : scene.volume),
         coloring_(scene.content == 1 ? scene.overlayColoring : scene.coloring),
-        front_(passage.front * 0.5 + Vector{0.5, 0.5, 0.5}),
+        front_(passage.front * 0.5 + 0.5),
         current_(front_) {
-    const Vector back = passage.back * 0.5 + Vector{0.5, 0.5, 0.5};
-    length_ = (back - front_).length();
+    const glm::dvec3 back = passage.back * 0.5 + 0.5;
+    length_ = glm::length(back - front_);
     step_ = (back - front_) * (1.0 / length_ * 1.7320508 / scene.slices);
   }
 
-  Rgba color() {
+  glm::dvec4 color() {
     if (scene_.mode == 1) return maximum();
     if (scene_.mode == 2) return mean();
     return scene_.content == 2 && scene_.mode == 0 ? compositeWithOverlay() : composite();
   }
 
  private:
-  bool atEnd() const { return (current_ - front_).length() >= length_; }
+  bool atEnd() const { return glm::length(current_ - front_) >= length_; }
   void advance() { current_ = current_ + step_; }
-  double value() const { return sample(volume_, {current_.y, current_.x, current_.z}); }
+  double value(const Volume& volume) const { return voxelAt(volume, {current_.y, current_.x, current_.z}); }
+  double value() const { return value(volume_); }
 
-  void add(Rgba& total, double value) const {
+  void add(glm::dvec4& total, double value) const {
     if (!(value > coloring_.lower)) return;
-    Rgba color = colorOf(coloring_, normalised(coloring_, value));
+    glm::dvec4 color = mappedColor(coloring_.colors, normalised(coloring_, value));
     if (scene_.mode == 3) modulate(color);
-    if (!(color[3] > 0.0)) return;
-    const double alpha = total[3];
-    Rgba next{};
-    next[3] = color[3] * (1.0 - alpha) + alpha;
-    for (std::size_t c = 0; c < 3; ++c) {
-      next[c] = (color[c] * color[3] * (1.0 - alpha) + total[c] * alpha) / next[3];
-    }
-    total = next;
+    if (!(color.a > 0.0)) return;
+    const double alpha = color.a * (1.0 - total.a) + total.a;
+    const glm::dvec3 sum = glm::dvec3(color) * color.a * (1.0 - total.a) + glm::dvec3(total) * total.a;
+    total = glm::dvec4(sum / alpha, alpha);
   }
 
-  void modulate(Rgba& color) const {
+  void modulate(glm::dvec4& color) const {
     const double slice = (scene_.secondaryIndex + 0.5) / scene_.secondary.width;
-    const double secondary = sample(scene_.secondary, {slice, current_.x, current_.z}, true);
+    const double secondary = voxelAt(scene_.secondary, {slice, current_.x, current_.z}, true);
     const double surface = std::clamp(normalised(scene_.secondaryColoring, secondary), 0.0, 1.0);
-    const Rgba second = colorOf(scene_.secondaryColoring, surface);
-    for (std::size_t c = 0; c < 3; ++c) color[c] *= (1.0 + surface) * second[c];
+    const glm::dvec4 second = mappedColor(scene_.secondaryColoring.colors, surface);
+    color *= glm::dvec4((1.0 + surface) * glm::dvec3(second), 1.0);
   }
 
-  Rgba composite() {
-    Rgba total{};
+  glm::dvec4 composite() {
+    glm::dvec4 total(0.0);
     for (int i = 0; i <= scene_.slices; ++i) {
       add(total, value());
-      if (total[3] > 0.9) return {total[0], total[1], total[2], 1.0};
+      if (total.a > 0.9) return {glm::dvec3(total), 1.0};
       if (atEnd()) break;
       advance();
     }
     return total;
   }
 
-  Rgba compositeWithOverlay() {
-    Rgba total{};
+  glm::dvec4 compositeWithOverlay() {
+    glm::dvec4 total(0.0);
     double overlay = -1e6;
     for (int i = 0; i <= scene_.slices; ++i) {
-      if (!(total[3] > 0.99)) add(total, value());
-      const double over = sample(scene_.overlay, {current_.y, current_.x, current_.z});
-      overlay = std::max(overlay, normalised(scene_.overlayColoring, over));
+      if (!(total.a > 0.99)) add(total, value());
+      overlay = std::max(overlay, normalised(scene_.overlayColoring, value(scene_.overlay)));
       if (atEnd()) break;
       advance();
     }
-    Rgba over = colorOf(scene_.overlayColoring, overlay);
-    over[3] = overlay;
-    Rgba result{};
-    for (std::size_t c = 0; c < 4; ++c) result[c] = total[c] * (1.0 - overlay) + over[c] * overlay;
-    return result;
+    const glm::dvec4 over(glm::dvec3(mappedColor(scene_.overlayColoring.colors, overlay)), overlay);
+    return glm::mix(total, over, overlay);
   }
 
-  Rgba maximum() {
+  glm::dvec4 maximum() {
     double largest = value();
     for (int i = 1; i <= scene_.slices; ++i) {
       largest = std::max(largest, value());
       if (largest > coloring_.upper || atEnd()) break;
       advance();
     }
-    return colorOf(coloring_, normalised(coloring_, largest));
+    return mappedColor(coloring_.colors, normalised(coloring_, largest));
   }
 
-  Rgba mean() {
+  glm::dvec4 mean() {
     double sum = value();
     int counter = 0;
     for (int i = 1; i <= scene_.slices; ++i) {
@@ -278,42 +167,22 @@ class Ray {
       advance();
       ++counter;
     }
-    return colorOf(coloring_, normalised(coloring_, sum / counter));
+    return mappedColor(coloring_.colors, normalised(coloring_, sum / counter));
   }
 
   const VolumeScene& scene_;
   const Volume& volume_;
   const Coloring& coloring_;
-  Vector front_;
-  Vector current_;
-  Vector step_;
+  glm::dvec3 front_;
+  glm::dvec3 current_;
+  glm::dvec3 step_;
   double length_ = 0.0;
 };
 
-double quantised(double value) {
-  return std::round(255.0 * std::clamp(value, 0.0, 1.0)) / 255.0;
-}
-
-Rgba backgroundAt(const VolumeScene& scene, int row) {
-  const double t = (row + 0.5) / scene.viewportHeight;
-  Rgba color{0.0, 0.0, 0.0, 1.0};
-  for (unsigned c = 0; c < 3; ++c) {
-    const auto channel = [c](std::uint32_t packed) { return ((packed >> (24 - 8 * c)) & 0xFFU) / 255.0; };
-    color[c] = quantised(channel(scene.backgroundBottom) * (1.0 - t) + channel(scene.backgroundTop) * t);
-  }
-  return color;
-}
-
-// Over an opaque target, which stays opaque.
-void blend(Picture& picture, int column, int row, const Rgba& ray, const Rgba& background) {
-  std::uint8_t* const pixel = picture.pixel(column, row);
-  for (std::size_t c = 0; c < 3; ++c) {
-    const double color = std::clamp(ray[c], 0.0, 1.0);
-    const double alpha = std::clamp(ray[3], 0.0, 1.0);
-    pixel[2 - c] =
-        static_cast<std::uint8_t>(std::lround(255.0 * (color * alpha + background[c] * (1.0 - alpha))));
-  }
-  pixel[3] = 255;
+// To what eight bits hold.
+template <class Color>
+Color rounded(const Color& color) {
+  return glm::round(255.0 * glm::clamp(color, 0.0, 1.0)) / 255.0;
 }
 
 double distance(const Picture& a, const Picture& b) {
@@ -324,6 +193,23 @@ double distance(const Picture& a, const Picture& b) {
 
 }  // namespace
 
+double voxelAt(const Volume& volume, const glm::dvec3& texture, bool repeatFirst) {
+  const glm::ivec3 size(volume.width, volume.height, volume.depth);
+  const glm::dvec3 position = texture * glm::dvec3(size) - 0.5;
+  const glm::dvec3 below = glm::floor(position);
+  const glm::dvec3 weight = position - below;
+  double sum = 0.0;
+  for (int corner = 0; corner < 8; ++corner) {
+    const glm::ivec3 step(corner & 1, corner >> 1 & 1, corner >> 2);
+    glm::ivec3 index = glm::ivec3(below) + step;
+    if (repeatFirst) index.x = (index.x % size.x + size.x) % size.x;
+    index = glm::clamp(index, glm::ivec3(0), size - 1);
+    const glm::dvec3 share = glm::mix(1.0 - weight, weight, glm::bvec3(step));
+    sum += share.x * share.y * share.z * volume.at(index.x, index.y, index.z);
+  }
+  return static_cast<float>(sum);  // an even volume stays exactly even
+}
+
 ReferencePicture referencePicture(const VolumeScene& scene) {
   const int width = scene.viewportWidth;
   const int height = scene.viewportHeight;
@@ -331,18 +217,20 @@ ReferencePicture referencePicture(const VolumeScene& scene) {
       Picture(width, height), Picture(width, height),
       std::vector<bool>(static_cast<std::size_t>(width) * static_cast<std::size_t>(height))};
   std::vector<bool> cut(result.nearCut.size());
-  const ModelSpace model(scene);
+  const ReferenceCamera camera(scene);
   const double end = boxEnd(scene);
   for (int row = 0; row < height; ++row) {
     for (int column = 0; column < width; ++column) {
-      const Rgba background = backgroundAt(scene, row);
-      const Line line = viewLine(scene, model, column, row);
+      const glm::dvec3 background = rounded(backgroundColor(scene, row));
+      const Line line = camera.modelLine(column, row);
       cut[static_cast<std::size_t>(row * width + column)] = meetsCut(scene, line);
-      Rgba ray{};
-      if (const auto passes = passage(scene, line, end)) ray = Ray(scene, *passes).color();
-      blend(result.picture, column, row, ray, background);
-      std::transform(ray.begin(), ray.end(), ray.begin(), quantised);
-      blend(result.blendedInTarget, column, row, ray, background);
+      glm::dvec4 ray(0.0);
+      if (const auto passes = passage(scene, line, end)) {
+        ray = glm::clamp(Ray(scene, *passes).color(), 0.0, 1.0);
+      }
+      setPixel(result.picture, column, row, glm::mix(background, glm::dvec3(ray), ray.a));
+      ray = rounded(ray);
+      setPixel(result.blendedInTarget, column, row, glm::mix(background, glm::dvec3(ray), ray.a));
     }
   }
   constexpr int reach = 2;

@@ -2,11 +2,17 @@
 // shaders.
 #pragma once
 
+#include <glm/glm.hpp>
+
 #include <vector>
 
 #include "support/volume_scene.h"
 
 namespace oct::test {
+
+// Linear between voxels at a place in texture coordinates, the outermost ones reaching beyond; the first axis
+// may repeat instead.
+double voxelAt(const Volume& volume, const glm::dvec3& texture, bool repeatFirst = false);
 
 // OpenGL lets a driver blend either in full precision or in that of the target, that is with the eight bits
 // of a ray's rounded colour and opacity.

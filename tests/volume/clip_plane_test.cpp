@@ -66,28 +66,12 @@ TEST(ClipPlaneTest, FacesTheViewer) {
     ClipPlane clip;
     clip.set(true, false, 0.5F);
     clip.update(view);
+    EXPECT_EQ(clip.plane().w, 0.0F) << "half-way it runs through the box's centre";
     const Camera camera = cameraOf(view, Range{}, {100, 100});
     for (const glm::vec3 point :
          {glm::vec3(1, 0, 0), glm::vec3(0, 1, 0), glm::vec3(0, 0, 1), glm::vec3(-0.3F, 0.6F, 1)}) {
       const glm::vec3 eye = glm::mat3(camera.modelview) * point;
       EXPECT_NEAR(distance(clip.plane(), point), -eye.z, 1e-5) << view.angleX << ", " << view.angleY;
-    }
-  }
-}
-
-TEST(ClipPlaneTest, ValueShiftsItFromTheFarToTheNearCorner) {
-  for (const View& view : someViews()) {
-    for (const float value : {0.0F, 0.25F, 0.5F, 1.0F}) {
-      ClipPlane clip;
-      clip.set(true, false, value);
-      clip.update(view);
-      const glm::vec4 plane = clip.plane();
-      const double reach = std::abs(plane.x) + std::abs(plane.y) + std::abs(plane.z);
-      EXPECT_NEAR(plane.w, (2.0 * value - 1.0) * 0.99 * reach, 1e-6);
-      if (value == 0.5F) {
-        EXPECT_EQ(plane.w, 0.0F);
-      }
-      EXPECT_FALSE(clip.intersections().empty());
     }
   }
 }

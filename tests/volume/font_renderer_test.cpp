@@ -156,9 +156,5 @@ TEST_F(FontRendererGLTest, FailuresLeaveNothingBehind) {
   EXPECT_EQ(font.size("7").y, TextRasteriser(18, false).rasterise("7").height) << "the next try works";
 }
 
-TEST_F(FontRendererGLTest, UnloadingIsLogged) {
-  EXPECT_NE(logOf([] { FontRenderer(18, false); }).find("Unloading font renderer.\n"), std::string::npos);
-}
-
 }  // namespace
 }  // namespace oct::test

@@ -1,6 +1,8 @@
 // Uploads of volumes: whole, in parts, overlays, secondary data, limits and misuse.
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "support/test_context.h"
 #include "support/volume_reference.h"
 #include "volume/volume_renderer.h"
@@ -44,24 +46,20 @@ class OfflineTest : public testing::Test {
 
 TEST_F(OfflineTest, NullHandlesAreMisuse) {
   const float value = 0.0F;
-  setOfflineRenderingRenderer(nullptr, stage_.renderer);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  setOfflineAspectRatio(nullptr, 1.0F, 1.0F, 1.0F);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  allocateOfflineVolume(nullptr, 1, 1, 1);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  uploadOfflineVolume(nullptr, &value);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  uploadOfflineVolumeOverlay(nullptr, &value);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  uploadOfflineSubVolume(nullptr, 0, 1, &value);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  uploadOfflineVolumeSlice(nullptr, 0, &value);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  uploadOverlayOfflineVolume(nullptr, &value);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
-  renderOfflineVolume(nullptr, 0);
-  EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ");
+  const std::vector<std::function<void()>> calls{
+      [&] { setOfflineRenderingRenderer(nullptr, stage_.renderer); },
+      [&] { setOfflineAspectRatio(nullptr, 1.0F, 1.0F, 1.0F); },
+      [&] { allocateOfflineVolume(nullptr, 1, 1, 1); },
+      [&] { uploadOfflineVolume(nullptr, &value); },
+      [&] { uploadOfflineVolumeOverlay(nullptr, &value); },
+      [&] { uploadOfflineSubVolume(nullptr, 0, 1, &value); },
+      [&] { uploadOfflineVolumeSlice(nullptr, 0, &value); },
+      [&] { uploadOverlayOfflineVolume(nullptr, &value); },
+      [&] { renderOfflineVolume(nullptr, 0); }};
+  for (std::size_t i = 0; i < calls.size(); ++i) {
+    calls[i]();
+    EXPECT_EQ(pendingError(), "The specified OfflineRenderingHandle is invalid. ") << i;
+  }
   uploadOfflineSecondaryData(nullptr, 1, 1, 1, 0, 1, &value);
   EXPECT_EQ(pendingError(), "The specified VolumeRendererHandle is invalid. ");
   clearOfflineRendering(nullptr);
@@ -88,6 +86,18 @@ TEST_F(OfflineTest, RenderingBeforeAllocationDrawsTheRest) {
   apply(scene_, stage_.renderer);
   setOfflineAspectRatio(stage_.offline, 1.0F, 1.0F, 1.0F);
   setRenderElements(stage_.renderer, 1, 0);
+  EXPECT_TRUE(agree(frame(), nothing(), {1, 1.0, 1}));
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+// No extent, no box: the scale of the model is not finite then.
+TEST_F(OfflineTest, WithoutAnAspectRatioTheBackgroundIsDrawn) {
+  stage_.draw(scene_);
+  setBorder(stage_.renderer, 1, 1, 1);
+  setClipPlane(stage_.renderer, 1, 0, 0.5F);
+  setOfflineAspectRatio(stage_.offline, 0.0F, 0.0F, 0.0F);
+  EXPECT_TRUE(agree(frame(), nothing(), {1, 1.0, 1}));
+  setRenderingMode(stage_.renderer, 1);
   EXPECT_TRUE(agree(frame(), nothing(), {1, 1.0, 1}));
   EXPECT_EQ(pendingError(), "(none)");
 }
@@ -176,9 +186,12 @@ TEST_F(OfflineTest, ANullBlockEmptiesThePicture) {
 
 TEST_F(OfflineTest, AnUploadShowsTheVolumeAndHidesTheSurface) {
   stage_.draw(scene_);
+  std::uint64_t revision = source().revision;
   const auto hidden = [&](const char* what) {
     EXPECT_TRUE(settings().renderVolume) << what;
     EXPECT_FALSE(settings().renderSurface) << what;
+    EXPECT_GT(source().revision, revision) << what;
+    revision = source().revision;
     setRenderElements(stage_.renderer, 0, 1);
   };
   setRenderElements(stage_.renderer, 0, 1);
@@ -190,6 +203,19 @@ TEST_F(OfflineTest, AnUploadShowsTheVolumeAndHidesTheSurface) {
   hidden("slice");
   uploadOfflineSubVolume(stage_.offline, 2, 3, scene_.volume.voxels.data());
   hidden("part");
+
+  // Other changes of voxels are counted too, and nothing else is.
+  uploadOverlayOfflineVolume(stage_.offline, scene_.volume.voxels.data());
+  EXPECT_GT(source().revision, revision);
+  revision = source().revision;
+  setRendererColoringBoundaries(stage_.renderer, 0.0, 2.0);
+  frame();
+  EXPECT_EQ(source().revision, revision);
+  clearVolumeRenderer(stage_.renderer);
+  EXPECT_GT(source().revision, revision);
+  revision = source().revision;
+  allocateOfflineVolume(stage_.offline, 3, 3, 3);
+  EXPECT_GT(source().revision, revision);
 }
 
 TEST_F(OfflineTest, TheTwinFillsTheVolumeToo) {

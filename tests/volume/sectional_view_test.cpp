@@ -11,6 +11,7 @@
 
 #include "support/reference_camera.h"
 #include "support/test_context.h"
+#include "support/volume_reference.h"
 
 namespace oct::test {
 namespace {
@@ -69,9 +70,9 @@ TEST(SectionTrianglesTest, AreDrawnFromFarToNear) {
   }
 }
 
-TEST(SectionalViewTest, QuadsSpanTheBox) {
+TEST(CrossSectionTest, SpansTheBox) {
   for (int axis = 0; axis < 3; ++axis) {
-    const SectionQuad quad = sectionQuad(axis, 0.75F);
+    const CrossSection quad = crossSection(axis, 0.5F);
     for (std::size_t i = 0; i < 4; ++i) {
       EXPECT_EQ(quad[i][axis], 0.5F);
       EXPECT_EQ(std::abs(quad[i][(axis + 1) % 3]), 1.0F);
@@ -79,38 +80,6 @@ TEST(SectionalViewTest, QuadsSpanTheBox) {
       EXPECT_EQ(glm::length(quad[i] - quad[(i + 1) % 4]), 2.0F) << "neighbours share an edge";
     }
   }
-}
-
-TEST(SectionalViewTest, PositionsOutOfRangeAreRefused) {
-  SectionalView view;
-  EXPECT_NO_THROW(view.set({Section{true, 1.0F}, Section{true, 0.0F}, Section{true, 0.5F}}));
-  for (const float position : {1.0001F, -0.0001F, std::numeric_limits<float>::quiet_NaN()}) {
-    try {
-      view.set({Section{true, 0.5F}, Section{false, position}, Section{true, 0.5F}});
-      FAIL() << position;
-    } catch (const std::invalid_argument& error) {
-      EXPECT_STREQ(
-          error.what(),
-          "Slice positions of sectional view are out of range. Values must be in range from 0.0 to 1.0. ");
-    }
-  }
-}
-
-// Linear between voxels, the outermost ones reaching beyond.
-double voxelAt(const Volume& volume, const glm::dvec3& texture) {
-  const glm::ivec3 size(volume.width, volume.height, volume.depth);
-  const glm::dvec3 position = texture * glm::dvec3(size) - 0.5;
-  const glm::dvec3 below = glm::floor(position);
-  const glm::dvec3 weight = position - below;
-  double sum = 0.0;
-  for (int corner = 0; corner < 8; ++corner) {
-    const glm::ivec3 step(corner & 1, corner >> 1 & 1, corner >> 2);
-    const glm::ivec3 index = glm::clamp(glm::ivec3(below) + step, glm::ivec3(0), size - 1);
-    double share = 1.0;
-    for (int axis = 0; axis < 3; ++axis) share *= step[axis] != 0 ? weight[axis] : 1.0 - weight[axis];
-    sum += share * volume.at(index.x, index.y, index.z);
-  }
-  return sum;
 }
 
 glm::dvec4 sliceColor(const VolumeScene& scene, const glm::dvec3& point) {
@@ -134,14 +103,12 @@ Picture referenceSections(const VolumeScene& scene, const Sections& sections, co
     for (int column = 0; column < scene.viewportWidth; ++column) {
       const glm::dvec2 centre(column + 0.5, row + 0.5);
       bool onOutline = false;
-      const auto line = camera.line(column, row);
-      const glm::dvec3 origin = camera.toModel(line.origin);
-      const glm::dvec3 direction = camera.toModel(line.origin + line.direction) - origin;
+      const auto [origin, direction] = camera.modelLine(column, row);
       std::vector<std::pair<double, glm::dvec3>> hits;
       for (int axis = 0; axis < 3; ++axis) {
         const Section& section = sections[static_cast<std::size_t>(axis)];
         if (!section.shown) continue;
-        const SectionQuad quad = sectionQuad(axis, section.position);
+        const CrossSection quad = crossSection(axis, 2.0F * section.position - 1.0F);
         for (std::size_t i = 0; i < 4; ++i) {
           onOutline |=
               distanceToSegment(centre, camera.toWindow(quad[i]), camera.toWindow(quad[(i + 1) % 4])) < 1.6;
@@ -246,7 +213,7 @@ TEST(SectionalViewOutlineTest, RunsAroundTheSlice) {
   setRenderForeground(stage.renderer, 0x40FF80FFU);
   const Picture drawn = stage.frame(scene.viewportWidth, scene.viewportHeight, 0);
   const ReferenceCamera camera(scene);
-  const SectionQuad quad = sectionQuad(0, 0.3F);
+  const CrossSection quad = crossSection(0, -0.4F);
   for (std::size_t side = 0; side < 4; ++side) {
     for (double t = 0.05; t < 1.0; t += 0.05) {
       const glm::dvec2 at =

@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <limits>
-#include <optional>
 
 #include "support/gl_spy.h"
 #include "support/reference_camera.h"
@@ -34,82 +33,7 @@ HeightMap waves(int width, int height) {
   return map;
 }
 
-glm::dvec3 faceNormal(const SurfaceMesh& mesh, std::size_t triangle) {
-  const auto corner = [&](std::size_t i) {
-    return glm::dvec3(mesh.vertices[mesh.triangles[3 * triangle + i]]);
-  };
-  return glm::cross(corner(1) - corner(0), corner(2) - corner(0));
-}
-
-TEST(SurfaceMeshTest, VerticesSpanTheBox) {
-  const HeightMap map = waves(5, 3);
-  const SurfaceMesh mesh = surfaceMesh(5, 3, 80.0, map.values.data());
-  ASSERT_EQ(mesh.vertices.size(), 15U);
-  for (int row = 0; row < 3; ++row) {
-    for (int column = 0; column < 5; ++column) {
-      const glm::vec3& vertex = mesh.vertices[static_cast<std::size_t>(row * 5 + column)];
-      EXPECT_FLOAT_EQ(vertex.x, static_cast<float>(column) / 2.0F - 1.0F);
-      EXPECT_FLOAT_EQ(vertex.y, static_cast<float>(row) - 1.0F);
-      EXPECT_NEAR(vertex.z, 2.0 * map.at(column, row) / 80.0 - 1.0, 1e-6);
-    }
-  }
-  EXPECT_EQ(mesh.triangles.size(), 4U * 2U * 2U * 3U);
-}
-
-TEST(SurfaceMeshTest, DepthsOfTheLimitsAndOfTheMeshShareOneScale) {
-  const float value = 17.0F;
-  const std::vector<float> flat(4, value);
-  EXPECT_FLOAT_EQ(surfaceMesh(2, 2, 80.0, flat.data()).vertices[0].z,
-                  static_cast<float>(onMeshScale(value, 80.0)));
-}
-
-TEST(SurfaceMeshTest, EveryTriangleTurnsTheSameWayAgainstTheNormals) {
-  const SurfaceMesh mesh = surfaceMesh(13, 9, 80.0, waves(13, 9).values.data());
-  double covered = 0.0;
-  for (std::size_t i = 0; i < mesh.triangles.size() / 3; ++i) {
-    const glm::dvec3 normal = faceNormal(mesh, i);
-    EXPECT_LT(normal.z, 0.0) << "seen from smaller depth it is counter-clockwise";
-    covered -= 0.5 * normal.z;
-    for (std::size_t c = 0; c < 3; ++c) {
-      EXPECT_LT(glm::dot(normal, glm::dvec3(mesh.normals[mesh.triangles[3 * i + c]])), 0.0);
-    }
-  }
-  EXPECT_NEAR(covered, 4.0, 1e-5) << "the cells cover the box's cross-section once";
-}
-
-TEST(SurfaceMeshTest, NormalsAreThoseOfTheSlope) {
-  HeightMap plane{6, 5, 10.0, {}};
-  for (int row = 0; row < 5; ++row) {
-    for (int column = 0; column < 6; ++column) {
-      plane.values.push_back(static_cast<float>(3.0 + 0.5 * column - 0.25 * row));
-    }
-  }
-  // Over the whole width of 2 the depth grows by 2 * 2.5 / 10, over the height by -2 * 1 / 10.
-  const glm::dvec3 expected = glm::normalize(glm::dvec3(-0.25, 0.1, 1.0));
-  const SurfaceMesh mesh = surfaceMesh(6, 5, 10.0, plane.values.data());
-  for (const glm::vec3& normal : mesh.normals)
-    EXPECT_NEAR(glm::length(glm::dvec3(normal) - expected), 0.0, 1e-6);
-}
-
-TEST(SurfaceMeshTest, CellsArePartedAlongTheLevel) {
-  // Equal along one diagonal of every cell.
-  std::vector<float> values;
-  for (int row = 0; row < 4; ++row) {
-    for (int column = 0; column < 4; ++column)
-      values.push_back(static_cast<float>((row + column) * (row + column)));
-  }
-  const SurfaceMesh mesh = surfaceMesh(4, 4, 1.0, values.data());
-  for (std::size_t i = 0; i < mesh.triangles.size() / 3; ++i) {
-    int onDiagonal = 0;
-    for (std::size_t c = 0; c < 3; ++c) {
-      const std::uint32_t from = mesh.triangles[3 * i + c];
-      const std::uint32_t to = mesh.triangles[3 * i + (c + 1) % 3];
-      onDiagonal += from / 4 + from % 4 == to / 4 + to % 4;
-    }
-    EXPECT_EQ(onDiagonal, 1);
-  }
-}
-
+// Places, normals, partition and winding show in the pictures below.
 TEST(SurfaceMeshTest, SamplesThatAreNoNumbersLeaveAHole) {
   HeightMap map = waves(6, 5);
   map.values[2 * 6 + 3] = nan;

@@ -5,6 +5,7 @@
 #include <functional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "support/test_context.h"
 #include "support/volume_reference.h"
@@ -63,20 +64,40 @@ void addSecondary(VolumeScene& scene) {
 INSTANTIATE_TEST_SUITE_P(
     Modes, VolumeImageTest,
     testing::Values(
-        Case{"Compositing", [](VolumeScene&) {}},
         Case{"HardCompositing", [](VolumeScene& s) { s.coloring.colors = rampColors(256, 1.0); }},
-        Case{"Maximum", [](VolumeScene& s) { s.mode = 1; }},
         Case{"MaximumBeyondUpper", [](VolumeScene& s) { s.mode = 1, s.coloring.upper = 0.7; }},
-        Case{"Mean", [](VolumeScene& s) { s.mode = 2, s.coloring.upper = 0.6; }},
-        Case{"DualColoring", addSecondary},
         Case{"DualColoringLastImage", [](VolumeScene& s) { addSecondary(s), s.secondaryIndex = 2; }},
-        Case{"Overlay", addOverlay},
-        Case{"OverlayHard", [](VolumeScene& s) { addOverlay(s), s.coloring.colors = rampColors(256, 1.0); }},
-        Case{"OverlayMaximum", [](VolumeScene& s) { addOverlay(s), s.mode = 1; }},
-        Case{"OverlayMean", [](VolumeScene& s) { addOverlay(s), s.mode = 2; }},
-        Case{"OverlayAlone", [](VolumeScene& s) { addOverlay(s), s.content = 1; }},
-        Case{"OverlayAloneMaximum", [](VolumeScene& s) { addOverlay(s), s.content = 1, s.mode = 1; }}),
+        Case{"OverlayHard", [](VolumeScene& s) { addOverlay(s), s.coloring.colors = rampColors(256, 1.0); }}),
     [](const auto& tested) { return tested.param.name; });
+
+void clip(VolumeScene& scene, float value) {
+  scene.clip = true;
+  scene.clipValue = value;
+}
+
+std::vector<Case> everyCombination() {
+  std::vector<Case> cases;
+  for (const int mode : {0, 1, 2, 3}) {
+    for (const int content : {0, 1, 2}) {
+      for (const bool perspective : {true, false}) {
+        for (const bool clipped : {false, true}) {
+          const std::string name = "Mode" + std::to_string(mode) + "Content" + std::to_string(content) +
+                                   (perspective ? "" : "Orthographic") + (clipped ? "Clipped" : "");
+          cases.push_back({name, [=](VolumeScene& s) {
+                             addOverlay(s), addSecondary(s);
+                             s.mode = mode, s.content = content, s.perspective = perspective;
+                             if (mode == 2) s.coloring.upper = 0.6;
+                             if (clipped) clip(s, 0.45F);
+                           }});
+        }
+      }
+    }
+  }
+  return cases;
+}
+
+INSTANTIATE_TEST_SUITE_P(Everything, VolumeImageTest, testing::ValuesIn(everyCombination()),
+                         [](const auto& tested) { return tested.param.name; });
 
 std::function<void(VolumeScene&)> slices(int count, int mode) {
   return [=](VolumeScene& s) {
@@ -98,9 +119,7 @@ INSTANTIATE_TEST_SUITE_P(Slices, VolumeImageTest,
 
 INSTANTIATE_TEST_SUITE_P(
     Views, VolumeImageTest,
-    testing::Values(Case{"Orthographic", [](VolumeScene& s) { s.perspective = false; }},
-                    Case{"OrthographicMaximum", [](VolumeScene& s) { s.perspective = false, s.mode = 1; }},
-                    Case{"FromTheFront", [](VolumeScene& s) { s.angleX = 3.0, s.angleY = 2.0; }},
+    testing::Values(Case{"FromTheFront", [](VolumeScene& s) { s.angleX = 3.0, s.angleY = 2.0; }},
                     Case{"FromBelow", [](VolumeScene& s) { s.angleX = -70.0, s.angleY = 160.0; }},
                     Case{"FromBehind", [](VolumeScene& s) { s.angleX = 200.0, s.angleY = -540.0 + 20.0; }},
                     Case{"Close", [](VolumeScene& s) { s.zoom = 15.0; }},
@@ -155,24 +174,13 @@ INSTANTIATE_TEST_SUITE_P(
              }}),
     [](const auto& tested) { return tested.param.name; });
 
-void clip(VolumeScene& scene, float value) {
-  scene.clip = true;
-  scene.clipValue = value;
-}
-
 INSTANTIATE_TEST_SUITE_P(
     Clipped, VolumeImageTest,
     testing::Values(
-        Case{"Half", [](VolumeScene& s) { clip(s, 0.5F); }},
-        Case{"Half1", [](VolumeScene& s) { clip(s, 0.5F), s.mode = 1; }},
-        Case{"Half2", [](VolumeScene& s) { clip(s, 0.45F), s.mode = 2, s.coloring.upper = 0.6; }},
-        Case{"Overlay", [](VolumeScene& s) { clip(s, 0.6F), addOverlay(s); }},
-        Case{"Dual", [](VolumeScene& s) { clip(s, 0.6F), addSecondary(s); }},
         Case{"AlmostAll", [](VolumeScene& s) { clip(s, 0.1F); }},
         Case{"AlmostNothing", [](VolumeScene& s) { clip(s, 0.9F); }},
         Case{"Open",
              [](VolumeScene& s) { clip(s, 0.5F), s.clipOpen = true, s.coloring.colors = opaqueColors(256); }},
-        Case{"Orthographic", [](VolumeScene& s) { clip(s, 0.4F), s.perspective = false; }},
         Case{"AnotherAngle", [](VolumeScene& s) { clip(s, 0.5F), s.angleX = -40.0, s.angleY = 110.0; }},
         // Corners of the box count as several points of the cut; its parts are drawn once all the same.
         Case{"ThroughCorners", [](VolumeScene& s) { clip(s, 0.5F), s.angleX = 0.0, s.angleY = 45.0; }},

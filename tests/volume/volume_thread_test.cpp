@@ -163,7 +163,9 @@ TEST(VolumeThreadTest, RenderersOfTwoContextsDoNotMeet) {
   for (std::size_t t = 0; t < 2; ++t) {
     threads.emplace_back([&, t] {
       VolumeStage stage;
-      for (int i = 0; i < 5; ++i) pictures[t] = stage.draw(scene);
+      for (int i = 0; i < 5; ++i) stage.draw(scene);
+      setBorder(stage.renderer, 1, 1, 1);
+      pictures[t] = stage.frame(160, 120, 0);
     });
   }
   for (std::thread& thread : threads) thread.join();

@@ -1,5 +1,4 @@
 // A machine without any font.
-#include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -7,6 +6,7 @@
 
 #include "support/test_context.h"
 #include "support/volume_scene.h"
+#include "volume/missing_fonts.h"
 #include "volume/text_rasteriser.h"
 
 namespace oct::test {
@@ -14,31 +14,24 @@ namespace {
 
 constexpr const char* noFont = "No font was found for text labels. ";
 
-class MissingFontTest : public testing::Test {
- protected:
-  void removeFonts() {
-    FcConfig* const empty = FcConfigCreate();
-    FcConfigSetCurrent(empty);
-    FcConfigDestroy(empty);  // the library holds it now
-  }
-  void bringFontsBack() { FcInitReinitialize(); }
-  ~MissingFontTest() override { bringFontsBack(); }
-};
-
-TEST_F(MissingFontTest, IsAClearError) {
-  removeFonts();
-  std::string message = "(none)";
+std::string failure() {
   try {
     TextRasteriser rasteriser(18, false);
+    return "(none)";
   } catch (const std::runtime_error& error) {
-    message = error.what();
+    return error.what();
   }
-  EXPECT_EQ(message, noFont);
-  bringFontsBack();
-  EXPECT_NO_THROW(TextRasteriser(18, false));
 }
 
-TEST_F(MissingFontTest, TheSceneIsDrawnWithoutLabelsAndTheErrorReported) {
+TEST(MissingFontTest, IsAClearError) {
+  {
+    const MissingFonts none;
+    EXPECT_EQ(failure(), noFont);
+  }
+  EXPECT_EQ(failure(), "(none)");
+}
+
+TEST(MissingFontTest, TheSceneIsDrawnWithoutLabelsAndTheErrorReported) {
   VolumeScene scene;
   scene.volume = testVolume(16, 16, 16);
   scene.coloring = {opaqueColors(16), 0.0, 1.0};
@@ -57,11 +50,13 @@ TEST_F(MissingFontTest, TheSceneIsDrawnWithoutLabelsAndTheErrorReported) {
     return pixels;
   };
   setBorder(stage.renderer, 1, 1, 1);
-  removeFonts();
-  const Picture unlabelled = stage.frame(200, 160, 0);
-  EXPECT_EQ(pendingError(), noFont);
+  Picture unlabelled;
+  {
+    const MissingFonts none;
+    unlabelled = stage.frame(200, 160, 0);
+    EXPECT_EQ(pendingError(), noFont);
+  }
   EXPECT_GT(changed(unlabelled), 50) << "ticks";
-  bringFontsBack();
   const Picture labelled = stage.frame(200, 160, 0);
   EXPECT_EQ(pendingError(), "(none)");
   EXPECT_GT(changed(labelled), changed(unlabelled) + 200) << "labels";
