@@ -77,9 +77,9 @@ const std::vector<std::string> kFront{"--mode", "maximum", "--angles",   "0",   
                                       "0",      "1",       "--colormap", "gray", "--no-edges", "--no-labels"};
 
 TEST_F(LiveCommand, ShowsThePhantomAndReports) {
-  ASSERT_EQ(live(), 0) << errorText_;
+  ASSERT_EQ(live({"--seconds", "0.6"}), 0) << errorText_;
   EXPECT_NE(outText_.find("32 x 20 x 12 samples"), std::string::npos) << outText_;
-  EXPECT_GE(reported("time:"), 0.2);
+  EXPECT_GE(reported("time:"), 0.6);
   EXPECT_GE(reported("frames:"), 1);
   const double acquired = reported("acquired:");
   EXPECT_GE(acquired, 1);
@@ -149,7 +149,8 @@ TEST_F(LiveCommand, TheRefractiveIndexFlattensTheBox) {
 
 TEST_F(LiveCommand, NumbersItsSnapshots) {
   writeBrightAbove(16);
-  ASSERT_EQ(live({"--snapshots", "3", "--playback", toUtf8(input_), "--noise", "0.5"}), 0) << errorText_;
+  ASSERT_EQ(live({"--snapshots", "3", "--seconds", "0.6", "--playback", toUtf8(input_), "--noise", "0.5"}), 0)
+      << errorText_;
   EXPECT_FALSE(std::filesystem::exists(output_));
   const Picture first = readPicture(folder_ / "out-000.png");
   readPicture(folder_ / "out-001.png");
@@ -197,7 +198,7 @@ TEST_F(LiveCommand, EveryOptionDraws) {
 // 240 A-scans per volume: ten volumes per second.
 TEST_F(LiveCommand, KeepsToTheRate) {
   ASSERT_EQ(live({"--rate", "2400", "--seconds", "0.5"}), 0) << errorText_;
-  EXPECT_LE(reported("acquired:"), 7);
+  EXPECT_LE(reported("acquired:"), 10 * reported("time:") + 2);
 }
 
 TEST_F(LiveCommand, RefusesWhatMakesNoSense) {
