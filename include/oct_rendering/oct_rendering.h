@@ -1251,7 +1251,7 @@ OCT_API void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width
  * @param Source A surface of createDXSurface() or, inside an image-ready function, the frame's.
  * @param Destination A surface of createDXSurface().
  * @par Errors
- * "Invalid OpenGLControlLoopHandle specified. "; "A surface to copy must not be null. "; "Could not copy the surface. "
+ * "Invalid OpenGLControlLoopHandle specified. "; "A surface to copy must not be null. "; "Could not copy the surface: ..."
  * @thread Any thread; nobody else may write either surface meanwhile.
  */
 OCT_API void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* Destination);

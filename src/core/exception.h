@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+#include "core/console.h"
+
 namespace oct {
 
 class Exception : public std::exception {
@@ -15,5 +17,11 @@ class Exception : public std::exception {
  private:
   std::string message_;
 };
+
+// For failures that also leave their text on the standard error stream.
+[[noreturn]] inline void writeErrorAndThrow(const std::string& message) {
+  writeError(message);
+  throw Exception(message);
+}
 
 }  // namespace oct

@@ -8,6 +8,8 @@
 
 namespace oct::gl {
 
+inline constexpr GLuint64 oneSecond = 1'000'000'000;  // nanoseconds
+
 // As with names, a fence whose context is not current is given up and dies with its context.
 class Fence {
  public:

@@ -20,11 +20,6 @@ ClassTable& classTable() {
   return table;
 }
 
-[[noreturn]] void fail(const std::string& message) {
-  writeError(message);
-  throw Exception(message);
-}
-
 void registerClass(const std::string& name) {
   WNDCLASSEXA record{};
   record.cbSize = sizeof record;
@@ -32,15 +27,17 @@ void registerClass(const std::string& name) {
   record.lpfnWndProc = DefWindowProcA;
   record.lpszClassName = name.c_str();
   if (!RegisterClassExA(&record)) {
-    fail("An error occured. Could not register window class (" + name +
-         ") for graphics output: " + std::to_string(GetLastError()));
+    writeErrorAndThrow("An error occured. Could not register window class (" + name +
+                       ") for graphics output: " + std::to_string(GetLastError()));
   }
 }
 
 HWND createWindow(const std::string& className) {
-  const HWND window = CreateWindowExA(0, className.c_str(), "", WS_OVERLAPPEDWINDOW, 0, 0, 300, 300, nullptr, nullptr,
-                                      nullptr, nullptr);
-  if (!window) fail("An error occured. Could not create hidden window for OpenGL output: " + systemErrorText());
+  const HWND window = CreateWindowExA(0, className.c_str(), "", WS_OVERLAPPEDWINDOW, 0, 0, 300, 300, nullptr,
+                                      nullptr, nullptr, nullptr);
+  if (!window)
+    writeErrorAndThrow("An error occured. Could not create hidden window for OpenGL output: " +
+                       systemErrorText());
   return window;
 }
 

@@ -50,17 +50,14 @@ std::string eglErrorText() {
   }
 }
 
-[[noreturn]] void fail(const std::string& message) {
-  writeError(message);
-  throw Exception(message);
-}
-
 template <class Function>
 Function entryPoint(const char* name) {
   return reinterpret_cast<Function>(eglGetProcAddress(name));
 }
 
-bool contains(const char* extensions, const char* name) { return extensions && std::strstr(extensions, name); }
+bool contains(const char* extensions, const char* name) {
+  return extensions && std::strstr(extensions, name);
+}
 
 bool initialise(EGLDisplay display) {
   return display != EGL_NO_DISPLAY && eglInitialize(display, nullptr, nullptr) == EGL_TRUE &&
@@ -95,8 +92,8 @@ EGLDisplay openSurfacelessDisplay() {
   return initialise(display) ? display : EGL_NO_DISPLAY;
 }
 
-// Opened once per process and never terminated: termination would take the contexts of every other user of the
-// same display with it.
+// Opened once per process and never terminated: termination would take the contexts of every other user of
+// the same display with it.
 EGLDisplay display() {
   static const EGLDisplay opened = [] {
     const EGLDisplay gpu = openGpuDisplay();
@@ -115,7 +112,8 @@ struct OpenGLWindow::Native {
     const std::lock_guard lock(mutex);
     log() << "Creating hidden Window";
     if (display() == EGL_NO_DISPLAY) {
-      fail("An error occured. Could not create hidden window for OpenGL output: " + eglErrorText());
+      writeErrorAndThrow("An error occured. Could not create hidden window for OpenGL output: " +
+                         eglErrorText());
     }
     // The same request as on Windows; depth is asked for with 24 bits, the most that EGL drivers offer.
     constexpr std::array<EGLint, 11> attributes{EGL_SURFACE_TYPE,
@@ -131,7 +129,8 @@ struct OpenGLWindow::Native {
                                                 EGL_NONE};
     EGLint count = 0;
     if (!eglChooseConfig(display(), attributes.data(), &config, 1, &count) || count == 0) {
-      fail("An error occured. Pixel format for OpenGL window could not be chosen. " + eglErrorText());
+      writeErrorAndThrow("An error occured. Pixel format for OpenGL window could not be chosen. " +
+                         eglErrorText());
     }
   }
 };
@@ -154,7 +153,7 @@ void OpenGLWindow::makeCurrent(ContextHandle context) {
   eglBindAPI(EGL_OPENGL_API);
   if (eglGetCurrentContext() == context) return;
   if (!eglMakeCurrent(display(), EGL_NO_SURFACE, EGL_NO_SURFACE, context)) {
-    fail("An error occured. " + eglErrorText());
+    writeErrorAndThrow("An error occured. " + eglErrorText());
   }
 }
 

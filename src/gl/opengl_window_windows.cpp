@@ -12,14 +12,6 @@
 #include "gl/opengl_window.h"
 
 namespace oct::gl {
-namespace {
-
-[[noreturn]] void fail(const std::string& message) {
-  writeError(message);
-  throw Exception(message);
-}
-
-}  // namespace
 
 struct OpenGLWindow::Native {
   std::mutex mutex;
@@ -54,10 +46,12 @@ struct OpenGLWindow::Native {
     descriptor.iLayerType = PFD_MAIN_PLANE;
     const int format = ChoosePixelFormat(deviceContext, &descriptor);
     if (format == 0) {
-      fail("An error occured. Pixel format for OpenGL window could not be chosen. " + systemErrorText());
+      writeErrorAndThrow("An error occured. Pixel format for OpenGL window could not be chosen. " +
+                         systemErrorText());
     }
     if (!SetPixelFormat(deviceContext, format, &descriptor)) {
-      fail("An error occured. Pixel format for OpenGL window could not be set. " + systemErrorText());
+      writeErrorAndThrow("An error occured. Pixel format for OpenGL window could not be set. " +
+                         systemErrorText());
     }
   }
 
@@ -74,7 +68,8 @@ OpenGLWindow::~OpenGLWindow() = default;
 ContextHandle OpenGLWindow::createContext() {
   const std::lock_guard lock(native_->mutex);
   const HGLRC context = wglCreateContext(native_->deviceContext);
-  if (!context) throw Exception("An error occured. OpenGL context could not be created: " + systemErrorText());
+  if (!context)
+    throw Exception("An error occured. OpenGL context could not be created: " + systemErrorText());
   return context;
 }
 
@@ -82,7 +77,7 @@ void OpenGLWindow::makeCurrent(ContextHandle context) {
   const std::lock_guard lock(native_->mutex);
   if (wglGetCurrentContext() == context) return;
   if (!wglMakeCurrent(native_->deviceContext, static_cast<HGLRC>(context))) {
-    fail("An error occured. " + systemErrorText());
+    writeErrorAndThrow("An error occured. " + systemErrorText());
   }
 }
 

@@ -14,7 +14,7 @@ class DX9BufferSource : public AbstractBufferSource {
   explicit DX9BufferSource(std::unique_ptr<InteropDevice> interop) : interop_(std::move(interop)) {}
 
   std::unique_ptr<AbstractBuffer> createBuffer(std::int32_t index) override {
-    return std::make_unique<DX9SharedBufferObject>(*interop_, index);
+    return std::make_unique<DX9SharedBufferObject>(interop_->device(), interop_.get(), index);
   }
 
  private:
@@ -56,10 +56,11 @@ std::unique_ptr<AbstractClientSurface> createDirect3DSurface(std::uint32_t width
 }
 
 void copyDirect3DSurface(void* source, void* destination) {
-  const HRESULT result =
-      DX9Device::acquire()->get()->StretchRect(static_cast<IDirect3DSurface9*>(source), nullptr,
-                                               static_cast<IDirect3DSurface9*>(destination), nullptr, D3DTEXF_NONE);
-  if (FAILED(result)) throw std::runtime_error(std::string("Could not copy the surface: ") + dx9ResultName(result));
+  const HRESULT result = DX9Device::acquire()->get()->StretchRect(
+      static_cast<IDirect3DSurface9*>(source), nullptr, static_cast<IDirect3DSurface9*>(destination), nullptr,
+      D3DTEXF_NONE);
+  if (FAILED(result))
+    throw std::runtime_error(std::string("Could not copy the surface: ") + dx9ResultName(result));
 }
 
 }  // namespace oct

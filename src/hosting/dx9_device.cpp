@@ -1,12 +1,11 @@
 #include "hosting/dx9_device.h"
 
-#include <exception>
-#include <future>
 #include <mutex>
 #include <stdexcept>
 
-#include "core/log.h"
 #include "gl/hidden_window.h"
+#include "hosting/hand_off_buffer.h"
+#include "hosting/opengl_host.h"
 
 namespace oct {
 namespace {
@@ -14,51 +13,12 @@ namespace {
 template <class Interface, class Create>
 ComOwner<Interface> created(Create&& create) {
   Interface* object = nullptr;
-  if (FAILED(create(&object)) || !object) throw std::runtime_error("An error occured creating the Direct 3D device. ");
+  if (FAILED(create(&object)) || !object)
+    throw std::runtime_error("An error occured creating the Direct 3D device. ");
   return ComOwner<Interface>(object);
 }
 
 }  // namespace
-
-class DX9Device::WindowThread {
- public:
-  WindowThread() {
-    std::promise<HWND> started;
-    std::future<HWND> window = started.get_future();
-    thread_ = std::thread([this, &started] { run(started); });
-    try {
-      window_ = window.get();
-    } catch (...) {
-      thread_.join();
-      throw;
-    }
-  }
-
-  ~WindowThread() {
-    PostThreadMessageA(threadId_, WM_QUIT, 0, 0);
-    thread_.join();
-  }
-
-  HWND window() const { return window_; }
-
- private:
-  void run(std::promise<HWND>& started) {
-    try {
-      const gl::HiddenWindow window("DirectXWindow");
-      threadId_ = GetCurrentThreadId();
-      MSG message;
-      PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE);  // makes the queue that WM_QUIT is posted to
-      started.set_value(window.handle());
-      while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
-    } catch (const std::exception&) {
-      started.set_exception(std::current_exception());
-    }
-  }
-
-  DWORD threadId_ = 0;
-  HWND window_ = nullptr;
-  std::thread thread_;
-};
 
 const char* dx9ResultName(HRESULT result) {
   switch (static_cast<std::uint32_t>(result)) {
@@ -95,34 +55,55 @@ std::shared_ptr<DX9Device> DX9Device::acquire() {
   return device;
 }
 
-DX9Device::DX9Device() : windowThread_(std::make_unique<WindowThread>()) {
-  direct3D_ = created<IDirect3D9Ex>([](IDirect3D9Ex** object) { return Direct3DCreate9Ex(D3D_SDK_VERSION, object); });
+// Direct3D wants a device to be made and released by the thread that answers its window's messages.
+DX9Device::DX9Device() : host_(OpenGLHost::acquire()) {
+  try {
+    host_->run([this] { open(); });
+  } catch (...) {
+    close();
+    throw;
+  }
+}
+
+DX9Device::~DX9Device() {
+  close();
+}
+
+void DX9Device::close() {
+  host_->run([this] {
+    device_.reset();
+    direct3D_.reset();
+    window_.reset();
+  });
+}
+
+void DX9Device::open() {
+  window_ = std::make_unique<gl::HiddenWindow>("DirectXWindow");
+  direct3D_ =
+      created<IDirect3D9Ex>([](IDirect3D9Ex** object) { return Direct3DCreate9Ex(D3D_SDK_VERSION, object); });
   D3DPRESENT_PARAMETERS parameters{};
   parameters.Windowed = TRUE;
   parameters.BackBufferFormat = D3DFMT_X8R8G8B8;
   parameters.SwapEffect = D3DSWAPEFFECT_FLIP;
-  parameters.PresentationInterval = D3DPRESENT_INTERVAL_IMMEDIATE;  // nothing is shown, so nothing waits for a screen
+  parameters.PresentationInterval =
+      D3DPRESENT_INTERVAL_IMMEDIATE;  // nothing is shown, so nothing waits for a screen
   device_ = created<IDirect3DDevice9Ex>([&](IDirect3DDevice9Ex** object) {
     return direct3D_->CreateDeviceEx(
-        0, D3DDEVTYPE_HAL, windowThread_->window(),
-        D3DCREATE_HARDWARE_VERTEXPROCESSING | D3DCREATE_MULTITHREADED | D3DCREATE_FPU_PRESERVE, &parameters, nullptr,
-        object);
+        0, D3DDEVTYPE_HAL, window_->handle(),
+        D3DCREATE_HARDWARE_VERTEXPROCESSING | D3DCREATE_MULTITHREADED | D3DCREATE_FPU_PRESERVE, &parameters,
+        nullptr, object);
   });
-  // The device draws nothing itself. Some implementations refuse to be without a target; then it keeps its own.
+  // The device draws nothing itself. Some implementations refuse to be without a target; then it keeps its
+  // own.
   device_->SetRenderTarget(0, nullptr);
 }
-
-DX9Device::~DX9Device() = default;
 
 DX9Texture DX9Device::createTexture(std::uint32_t width, std::uint32_t height) const {
   DX9Texture result;
   IDirect3DTexture9* texture = nullptr;
   const HRESULT created = device_->CreateTexture(width, height, 1, D3DUSAGE_RENDERTARGET, D3DFMT_X8R8G8B8,
                                                  D3DPOOL_DEFAULT, &texture, &result.shareHandle);
-  if (FAILED(created)) {
-    log() << "An error occured when creating render target: " << dx9ResultName(created);
-    throw std::runtime_error("Could not generate render target. ");
-  }
+  if (FAILED(created)) renderTargetFailed(dx9ResultName(created));
   result.texture.reset(texture);
   return result;
 }

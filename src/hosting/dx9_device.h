@@ -5,9 +5,13 @@
 
 #include <cstdint>
 #include <memory>
-#include <thread>
 
 namespace oct {
+
+namespace gl {
+class HiddenWindow;
+}
+class OpenGLHost;
 
 struct ComRelease {
   void operator()(IUnknown* object) const { object->Release(); }
@@ -30,8 +34,8 @@ const char* dx9ResultName(HRESULT result);
 
 class DX9Device {
  public:
-  // The one device, made by the first user and freed with the last. Throws "An error occured creating the Direct 3D
-  // device. ".
+  // The one device, made by the first user and freed with the last. Throws "An error occured creating the
+  // Direct 3D device. ".
   static std::shared_ptr<DX9Device> acquire();
 
   ~DX9Device();
@@ -40,17 +44,17 @@ class DX9Device {
 
   IDirect3DDevice9Ex* get() const { return device_.get(); }
 
-  // A texture of the format that is shared with OpenGL. Logs the result code and throws "Could not generate render
-  // target. ".
+  // A texture of the format that is shared with OpenGL. Logs the result code and throws "Could not generate
+  // render target. ".
   DX9Texture createTexture(std::uint32_t width, std::uint32_t height) const;
 
  private:
-  // Owns the device's window and pumps its messages, so that the window outlives the thread that asked for it.
-  class WindowThread;
-
   DX9Device();
+  void open();
+  void close();
 
-  std::unique_ptr<WindowThread> windowThread_;
+  const std::shared_ptr<OpenGLHost> host_;
+  std::unique_ptr<gl::HiddenWindow> window_;  // on the host's thread, as what follows
   ComOwner<IDirect3D9Ex> direct3D_;
   ComOwner<IDirect3DDevice9Ex> device_;
 };

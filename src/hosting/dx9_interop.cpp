@@ -21,7 +21,9 @@ std::unique_ptr<InteropDevice> InteropDevice::open(std::shared_ptr<DX9Device> de
   return std::unique_ptr<InteropDevice>(new InteropDevice(std::move(device), handle));
 }
 
-InteropDevice::~InteropDevice() { wglDXCloseDeviceNV(handle_); }
+InteropDevice::~InteropDevice() {
+  wglDXCloseDeviceNV(handle_);
+}
 
 InteropObject::~InteropObject() {
   try {
@@ -40,7 +42,8 @@ void InteropObject::registerTexture(const InteropDevice& device, IDirect3DTextur
 
 void InteropObject::unregister() {
   if (!object_ || !WGLEW_NV_DX_interop) return;
-  if (!wglDXUnregisterObjectNV(device_, object_)) throw std::runtime_error("Could not unregister shared object. ");
+  if (!wglDXUnregisterObjectNV(device_, object_))
+    throw std::runtime_error("Could not unregister shared object. ");
   object_ = nullptr;
 }
 

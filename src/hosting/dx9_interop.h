@@ -10,8 +10,8 @@ namespace oct {
 // The interop device of the current context. Used and closed with that context current.
 class InteropDevice {
  public:
-  // Null when the driver gives none. Throws "Ressouce sharing between OpenGL and DirectX not supported. " without the
-  // extension.
+  // Null when the driver gives none. Throws "Ressouce sharing between OpenGL and DirectX not supported. "
+  // without the extension.
   static std::unique_ptr<InteropDevice> open(std::shared_ptr<DX9Device> device);
 
   ~InteropDevice();
@@ -22,7 +22,8 @@ class InteropDevice {
   const DX9Device& device() const { return *device_; }
 
  private:
-  InteropDevice(std::shared_ptr<DX9Device> device, HANDLE handle) : device_(std::move(device)), handle_(handle) {}
+  InteropDevice(std::shared_ptr<DX9Device> device, HANDLE handle)
+      : device_(std::move(device)), handle_(handle) {}
 
   std::shared_ptr<DX9Device> device_;
   HANDLE handle_;

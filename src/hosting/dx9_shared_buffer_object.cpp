@@ -4,17 +4,16 @@
 
 #include "core/log.h"
 #include "core/timing_mark.h"
-#include "gl/pixel_store.h"
-#include "hosting/shared_mapped_buffer.h"
+#include "gl/read_back.h"
 // After gl.h, which it needs.
 #include <GL/wglew.h>
 
 namespace oct {
 namespace {
 
-constexpr GLuint64 oneSecond = 1'000'000'000;
-
-bool framebufferIsComplete() { return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE; }
+bool framebufferIsComplete() {
+  return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+}
 
 }  // namespace
 
@@ -64,14 +63,14 @@ void DX9SharedBufferObject::resize(std::uint32_t width, std::uint32_t height) {
 }
 
 void DX9SharedBufferObject::shareTexture(std::uint32_t width, std::uint32_t height) {
-  texture_ = interop_.device().createTexture(width, height);
-  if (!interop_.handle()) throw std::runtime_error("Cannot create a texture for a null device.");
+  texture_ = device_.createTexture(width, height);
+  if (!interop_) throw std::runtime_error("Cannot create a texture for a null device.");
   if (!wglDXSetResourceShareHandleNV(texture_.texture.get(), texture_.shareHandle)) {
     log() << "Resource could not be shared. ";
     throw std::runtime_error("Could not share resources. ");
   }
   sharedTexture_ = gl::Texture::create();
-  object_.registerTexture(interop_, texture_.texture.get(), sharedTexture_.get());
+  object_.registerTexture(*interop_, texture_.texture.get(), sharedTexture_.get());
   surface_ = surfaceOf(*texture_.texture);
 }
 
@@ -94,6 +93,7 @@ void DX9SharedBufferObject::attachSharedTexture() {
 void DX9SharedBufferObject::createFallbackTarget(GLsizei width, GLsizei height) {
   fallbackTexture_ = gl::Texture::create();
   glBindTexture(GL_TEXTURE_2D, fallbackTexture_.get());
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);  // the client's; null would be an offset in it
   glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
   glBindTexture(GL_TEXTURE_2D, 0);
   renderFramebuffer_ = gl::Framebuffer::create();
@@ -107,55 +107,52 @@ void DX9SharedBufferObject::prepare(std::int32_t request) {
   openGLTurn_.reset();  // of a frame that did not come to its end
   openGLTurn_.emplace(object_, "shared texture could not be locked. ");
   glBindFramebuffer(GL_FRAMEBUFFER, target().get());
-  glViewport(0, 0, static_cast<GLsizei>(width_), static_cast<GLsizei>(height_));
-  orderKey_ = request;
-  prepareTime_ = nanosecondsNow();
+  glViewport(0, 0, columns(), rows());
+  begin(request);
 }
 
 void DX9SharedBufferObject::finish() {
-  const auto columns = static_cast<GLint>(width_);
-  const auto rows = static_cast<GLint>(height_);
-  if (blitFallback_) {
-    const TimingMark mark("DXSharedBufferObject: blitFrameBuffer");
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, renderFramebuffer_.get());
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, sharedFramebuffer_.get());
-    glBlitFramebuffer(0, 0, columns, rows, 0, 0, columns, rows, GL_COLOR_BUFFER_BIT, GL_NEAREST);
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
-  }
+  if (blitFallback_) blitToSharedTexture();
   waitForGpu();
   if (!openGLTurn_) throw std::runtime_error("shared texture could not be unlocked. ");
   openGLTurn_->unlock("shared texture could not be unlocked. ");
   openGLTurn_.reset();
   // Outside a scene both calls fail and are meant to: Present hands the driver what is queued.
-  interop_.device().get()->EndScene();
-  interop_.device().get()->Present(nullptr, nullptr, nullptr, nullptr);
+  device_.get()->EndScene();
+  device_.get()->Present(nullptr, nullptr, nullptr, nullptr);
+}
+
+void DX9SharedBufferObject::blitToSharedTexture() {
+  const TimingMark mark("DXSharedBufferObject: blitFrameBuffer");
+  const GLboolean scissor = glIsEnabled(GL_SCISSOR_TEST);  // the client's; it would cut the blit
+  glDisable(GL_SCISSOR_TEST);
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, renderFramebuffer_.get());
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, sharedFramebuffer_.get());
+  glBlitFramebuffer(0, 0, columns(), rows(), 0, 0, columns(), rows(), GL_COLOR_BUFFER_BIT, GL_NEAREST);
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  if (scissor) glEnable(GL_SCISSOR_TEST);
 }
 
 void DX9SharedBufferObject::waitForGpu() {
   const TimingMark mark("DXSharedBufferObject: finish");
   glFinish();
   fence_.insert();
-  const GLenum result = fence_.wait(oneSecond);
+  const GLenum result = fence_.wait(gl::oneSecond);
   // Not GL_WAIT_FAILED: a fence that cannot be waited for counts as passed, since glFinish came before it.
-  if (result == GL_TIMEOUT_EXPIRED || result == 0xFFFFFFFFU) {
-    throw std::runtime_error("Rendering could not finish within one second. ");
-  }
+  if (result == GL_TIMEOUT_EXPIRED || result == 0xFFFFFFFFU) renderingTookTooLong();
   fence_.reset();
 }
 
 void DX9SharedBufferObject::read_pixels(void* data) {
   if (!data) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  gl::resetPixelPack();
-  glBindFramebuffer(GL_FRAMEBUFFER, target().get());
-  glReadBuffer(GL_COLOR_ATTACHMENT0);
-  glReadPixels(0, 0, static_cast<GLsizei>(width_), static_cast<GLsizei>(height_), GL_BGRA, GL_UNSIGNED_BYTE, data);
-  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  gl::readColor(target(), columns(), rows(), data);
 }
 
 std::unique_ptr<AbstractMappedBuffer> DX9SharedBufferObject::map() {
   const TimingMark mark("dxmap_buffer_object");
-  return std::make_unique<SharedMappedBuffer>(lock(), *this, surface_.get(), prepareTime_);
+  auto held = lock();
+  return std::make_unique<DXSharedMappedBuffer>(std::move(held), *this, surface_.get());
 }
 
 }  // namespace oct

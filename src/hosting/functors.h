@@ -9,90 +9,55 @@
 
 namespace oct {
 
-class AbstractFunctor {
+template <class... Arguments>
+class AbstractSwitchable {
  public:
-  virtual ~AbstractFunctor() = default;
-  virtual void operator()() = 0;
+  virtual ~AbstractSwitchable() = default;
+  virtual void operator()(Arguments... arguments) = 0;
   virtual void set_enabled(bool enabled) = 0;
 };
 
-class AbstractRenderingFunctor {
- public:
-  virtual ~AbstractRenderingFunctor() = default;
-  virtual void operator()(std::uint32_t request) = 0;
-  virtual void set_enabled(bool enabled) = 0;
-};
+using AbstractFunctor = AbstractSwitchable<>;
+using AbstractRenderingFunctor = AbstractSwitchable<std::uint32_t>;  // request id
+using AbstractImageReady =
+    AbstractSwitchable<std::uint32_t, std::uint32_t, std::uint32_t, void*>;  // index, width, height, surface
 
-class AbstractImageReady {
+// Calls a function of the client's, one call at a time. Null is no function.
+template <class... Arguments>
+class SwitchableFunction : public AbstractSwitchable<Arguments...> {
  public:
-  virtual ~AbstractImageReady() = default;
-  virtual void operator()(std::uint32_t index, std::uint32_t width, std::uint32_t height, void* surface) = 0;
-  virtual void set_enabled(bool enabled) = 0;
-};
+  using Function = void (*)(Arguments...);
+  explicit SwitchableFunction(Function function) : function_(function) {}
 
-class Callback : public AbstractFunctor {
- public:
-  using Function = void (*)();
-  explicit Callback(Function function) : function_(function) {}
-
-  void operator()() override {
+  void operator()(Arguments... arguments) override {
     const std::lock_guard lock(mutex_);
-    if (enabled_ && function_) function_();
+    if (enabled_ && function_) function_(arguments...);
   }
   void set_enabled(bool enabled) override {
     const std::lock_guard lock(mutex_);
     enabled_ = enabled;
   }
 
- private:
+ protected:
   const Function function_;
+
+ private:
   bool enabled_ = true;
   std::mutex mutex_;
 };
 
-class RenderingCallback : public AbstractRenderingFunctor {
+using Callback = SwitchableFunction<>;
+using RenderingCallback = SwitchableFunction<std::uint32_t>;
+
+class ImageReadyCallback : public SwitchableFunction<std::uint32_t, std::uint32_t, std::uint32_t, void*> {
  public:
-  using Function = void (*)(unsigned int request);
-  explicit RenderingCallback(Function function) : function_(function) {}
-
-  void operator()(std::uint32_t request) override {
-    const std::lock_guard lock(mutex_);
-    if (enabled_ && function_) function_(request);
-  }
-  void set_enabled(bool enabled) override {
-    const std::lock_guard lock(mutex_);
-    enabled_ = enabled;
-  }
-
- private:
-  const Function function_;
-  bool enabled_ = true;
-  std::mutex mutex_;
-};
-
-class ImageReadyCallback : public AbstractImageReady {
- public:
-  using Function = void (*)(unsigned int index, unsigned int width, unsigned int height, void* surface);
-  explicit ImageReadyCallback(Function function) : function_(function) {}
+  using SwitchableFunction::SwitchableFunction;
 
   void operator()(std::uint32_t index, std::uint32_t width, std::uint32_t height, void* surface) override {
     const TimingMark mark("Image ready callback");
-    const std::lock_guard lock(mutex_);
-    if (!function_) {
-      log() << "Warning: returning image withoug callback being specified. ";
-    } else if (enabled_) {
-      function_(index, width, height, surface);
-    }
+    if (!function_) log() << "Warning: returning image withoug callback being specified. ";
+    SwitchableFunction::operator()(index, width, height, surface);
   }
-  void set_enabled(bool enabled) override {
-    const std::lock_guard lock(mutex_);
-    enabled_ = enabled;
-  }
-
- private:
-  const Function function_;
-  bool enabled_ = true;
-  std::mutex mutex_;
 };
 
 }  // namespace oct

@@ -2,18 +2,12 @@
 
 #include <stdexcept>
 
-#include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
-#include "gl/pixel_store.h"
+#include "gl/read_back.h"
 #include "hosting/shared_mapped_buffer.h"
 
 namespace oct {
-namespace {
-
-constexpr GLuint64 oneSecond = 1'000'000'000;
-
-}  // namespace
 
 HostBufferObject::~HostBufferObject() {
   const TimingMark mark("~HostBufferObject");
@@ -59,9 +53,7 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   const GLenum error = glGetError();
   if (error != GL_NO_ERROR || status != GL_FRAMEBUFFER_COMPLETE) {
-    log() << "An error occured when creating render target: "
-          << (error != GL_NO_ERROR ? gl::errorText(error) : gl::framebufferStatusName(status));
-    throw std::runtime_error("Could not generate render target. ");
+    renderTargetFailed(error != GL_NO_ERROR ? gl::errorText(error) : gl::framebufferStatusName(status));
   }
   surface_ = {width, height, width * 4, nullptr};
 }
@@ -70,24 +62,14 @@ void HostBufferObject::prepare(std::int32_t request) {
   unmap();
   fence_.reset();
   glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
-  glViewport(0, 0, static_cast<GLsizei>(surface_.width), static_cast<GLsizei>(surface_.height));
-  orderKey_ = request;
-  prepareTime_ = nanosecondsNow();
-}
-
-void HostBufferObject::read(void* destination) {
-  gl::resetPixelPack();
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_.get());
-  glReadBuffer(GL_COLOR_ATTACHMENT0);
-  glReadPixels(0, 0, static_cast<GLsizei>(surface_.width), static_cast<GLsizei>(surface_.height), GL_BGRA,
-               GL_UNSIGNED_BYTE, destination);
-  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  glViewport(0, 0, columns(), rows());
+  begin(request);
 }
 
 void HostBufferObject::finish() {
   const TimingMark mark("HostBufferObject: finish");
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
-  read(nullptr);
+  gl::readColor(framebuffer_, columns(), rows(), nullptr);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   fence_.insert();
   glFlush();
@@ -95,12 +77,10 @@ void HostBufferObject::finish() {
 
 bool HostBufferObject::complete(bool wait) {
   if (!fence_) return true;
-  const GLenum result = fence_.wait(wait ? oneSecond : 0);
+  const GLenum result = fence_.wait(wait ? gl::oneSecond : 0);
   if (result == GL_TIMEOUT_EXPIRED && !wait) return false;
   fence_.reset();
-  if (result != GL_ALREADY_SIGNALED && result != GL_CONDITION_SATISFIED) {
-    throw std::runtime_error("Rendering could not finish within one second. ");
-  }
+  if (result != GL_ALREADY_SIGNALED && result != GL_CONDITION_SATISFIED) renderingTookTooLong();
   const TimingMark mark("HostBufferObject: map");
   const auto size = static_cast<GLsizeiptr>(surface_.stride_bytes) * static_cast<GLsizeiptr>(surface_.height);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
@@ -124,14 +104,14 @@ void HostBufferObject::unmap() {
 void HostBufferObject::read_pixels(void* data) {
   if (!data) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  read(data);
+  gl::readColor(framebuffer_, columns(), rows(), data);
 }
 
 std::unique_ptr<AbstractMappedBuffer> HostBufferObject::map() {
   const TimingMark mark("host_map_buffer_object");
   auto held = lock();
   if (!surface_.pixels) return nullptr;
-  return std::make_unique<SharedMappedBuffer>(std::move(held), *this, &surface_, prepareTime_);
+  return std::make_unique<SharedMappedBuffer>(std::move(held), *this, &surface_);
 }
 
 }  // namespace oct

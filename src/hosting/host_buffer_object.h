@@ -3,44 +3,33 @@
 
 #include "gl/fence.h"
 #include "gl/gl_names.h"
-#include "hosting/abstract_buffer.h"
+#include "hosting/hand_off_buffer.h"
 #include "oct_rendering/oct_rendering.h"
 
 namespace oct {
 
 // finish starts the read-back into a pixel-pack buffer and returns; complete maps that buffer once the GPU is
 // done, and the client reads the mapped memory itself. Nothing is copied by the processor.
-class HostBufferObject : public AbstractBuffer {
+class HostBufferObject : public HandOffBuffer {
  public:
-  explicit HostBufferObject(std::int32_t index) : index_(index) {}
-  HostBufferObject(const HostBufferObject&) = delete;
-  HostBufferObject& operator=(const HostBufferObject&) = delete;
+  using HandOffBuffer::HandOffBuffer;
   ~HostBufferObject() override;
 
-  void set_up() override {}
   void release() override;
   void resize(std::uint32_t width, std::uint32_t height) override;
   std::uint32_t width() const override { return surface_.width; }
   std::uint32_t height() const override { return surface_.height; }
-  bool is_offscreen() const override { return false; }
-  std::int32_t order_key() const override { return orderKey_; }
   void prepare(std::int32_t request) override;
   void finish() override;
-  std::int64_t timestamp() const override { return nanosecondsNow(); }
   void read_pixels(void* data) override;
-  std::int32_t buffer_id() const override { return index_; }
-  std::unique_lock<std::mutex> lock() override { return std::unique_lock(mutex_); }
   std::unique_ptr<AbstractMappedBuffer> map() override;  // null while no frame is complete
   bool complete(bool wait) override;
 
  private:
-  void read(void* destination);
+  GLsizei columns() const { return static_cast<GLsizei>(surface_.width); }
+  GLsizei rows() const { return static_cast<GLsizei>(surface_.height); }
   void unmap();
 
-  std::mutex mutex_;
-  const std::int32_t index_;
-  std::int32_t orderKey_ = -1;
-  std::int64_t prepareTime_ = 0;
   OctHostSurface surface_{};  // pixels is the mapped memory, null while nothing is mapped
   gl::Framebuffer framebuffer_;
   gl::Renderbuffer color_;

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "core/timing_mark.h"
-#include "gl/pixel_store.h"
+#include "gl/read_back.h"
 
 namespace oct {
 namespace {
@@ -111,12 +111,8 @@ std::int64_t OffscreenBufferObject::timestamp() const {
 void OffscreenBufferObject::read_pixels(void* data) {
   if (!data) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  gl::resetPixelPack();
-  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
-  glReadBuffer(GL_COLOR_ATTACHMENT0);
-  glReadPixels(0, 0, static_cast<GLsizei>(frameSize_.width), static_cast<GLsizei>(frameSize_.height), GL_BGRA,
-               GL_UNSIGNED_BYTE, data);
-  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  gl::readColor(framebuffer_, static_cast<GLsizei>(frameSize_.width), static_cast<GLsizei>(frameSize_.height),
+                data);
 }
 
 void OffscreenBufferObject::set_output_data(void* data) {
@@ -129,11 +125,9 @@ bool OffscreenBufferObject::wait() {
   return done_.wait([&] { outputData_ = nullptr; }) == finished;
 }
 
+// A client whose picture is there may not have woken up yet; it is told of the picture, not of the end.
 void OffscreenBufferObject::cancel() {
-  done_.signalIf(cancelled, [&] {
-    outputData_ = nullptr;
-    return true;
-  });
+  done_.signalFirst(cancelled, [&] { outputData_ = nullptr; });
 }
 
 }  // namespace oct

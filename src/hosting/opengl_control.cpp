@@ -49,7 +49,7 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
     }
     context_->makeCurrent();
     gl::initGlew();
-    gl::throwOnGLError("OpenGLControl");
+    gl::printGLError("OpenGLControl");
     gl::checkOpenGLVersion(3, 3);
     source_ = openBufferSource(sharing);
     if (source_) return;

@@ -9,16 +9,16 @@
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "hosting/opengl_control.h"
+#include "hosting/opengl_host.h"
 #include "hosting/render_trace.h"
 
 namespace oct {
 namespace {
 
 constexpr std::uint32_t gateValue = 0xFFFFFFFFU;
-constexpr std::int32_t noRequest = -1;
 constexpr const char* threadEnded = "The rendering thread of the control loop has ended. ";
 
-// Counts the iterations of all loops and marks the time every 50th, from the first.
+// Counts the iterations of all loops and marks the time that 50 of them took, from the first on.
 class IterationClock {
  public:
   explicit IterationClock(const char* markName) : markName_(markName) {}
@@ -26,8 +26,8 @@ class IterationClock {
   void start() { reference_ = nanosecondsNow(); }
   void tick() {
     if (iterations_++ % 50 != 0) return;
-    reference_ = nanosecondsNow();
-    recordTimingMark(markName_);
+    const std::int64_t now = nanosecondsNow();
+    recordTimingMark(markName_ + std::to_string((now - reference_.exchange(now)) / 1'000'000) + " ms");
   }
 
  private:
@@ -36,8 +36,8 @@ class IterationClock {
   std::atomic<std::int64_t> reference_{0};  // nanoseconds
 };
 
-IterationClock renderClock("50 iterations of rendering loops");
-IterationClock returnClock("50 iterations of return loops");
+IterationClock renderClock("50 iterations of rendering loops: ");
+IterationClock returnClock("50 iterations of return loops: ");
 
 class Visit {
  public:
@@ -334,11 +334,12 @@ void OpenGLControlLoop::give_to_client(AbstractBuffer& buffer) {
 void OpenGLControlLoop::shut_down() {
   const TimingMark outerMark("Destructing OpenGL Loop");
   const TimingMark innerMark("~OpenGLControlLoop");
-  // A running snapshot is let finish; that of a loop without a size would never come.
+  // A running snapshot is let finish, even one that has only changed the mode yet; that of a loop without a
+  // size would never come.
   const Size current = size();
-  if (mode_ == snapshotMode && current.width != 0 && current.height != 0 && snapshots_.enter()) {
-    control_->wait_for_snapshot();
-    snapshots_.leave();
+  if (mode_ == snapshotMode && current.width != 0 && current.height != 0) {
+    snapshots_.close();
+    snapshots_.drain();
   }
   running_ = false;
   {
@@ -359,7 +360,11 @@ void OpenGLControlLoop::shut_down() {
   if (returnThread_.joinable()) returnThread_.join();  // a render thread that failed has left it behind
   snapshots_.drain();
   writeOutput("OpenGL control loop finished. Callbacks can be freed now. ");
-  control_.reset();
+  if (!control_) return;
+  // Left behind by a render thread that failed. Not deleted here, where a context of the client's may be
+  // current.
+  const auto host = OpenGLHost::acquire();
+  host->run([this] { control_.reset(); });
 }
 
 }  // namespace oct

@@ -1,4 +1,4 @@
-// The thread that owns the hidden windows of all controls and answers their messages.
+// The thread that owns the hidden windows of all controls and of Direct3D and answers their messages.
 #pragma once
 
 #include <condition_variable>

@@ -10,6 +10,8 @@
 
 namespace oct {
 
+inline constexpr std::int32_t noRequest = -1;  // an id that draws nothing
+
 class RequestQueue {
  public:
   using Request = std::optional<std::int32_t>;  // nothing: the queue was empty
@@ -34,9 +36,11 @@ class RequestQueue {
     return ids_.empty();
   }
 
+  // Passes over ids that draw nothing: a snapshot that is queued behind one would never come.
   Request front() const {
     const std::lock_guard lock(mutex_);
-    return ids_.empty() ? Request() : Request(ids_.front());
+    const auto id = std::find_if(ids_.begin(), ids_.end(), [](std::int32_t any) { return any != noRequest; });
+    return id == ids_.end() ? Request() : Request(*id);
   }
 
   Request take() {

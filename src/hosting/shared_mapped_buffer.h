@@ -1,21 +1,21 @@
-// The view of a finished frame that both kinds of hand-off buffers give.
+// The view of a finished frame that the buffers of the ring give.
 #pragma once
 
 #include <utility>
 
-#include "hosting/abstract_buffer.h"
+#include "hosting/hand_off_buffer.h"
 
 namespace oct {
 
 class SharedMappedBuffer : public AbstractMappedBuffer {
  public:
-  SharedMappedBuffer(std::unique_lock<std::mutex> lock, const AbstractBuffer& buffer, void* surface,
-                     std::int64_t prepareTime)
+  // With the buffer's lock.
+  SharedMappedBuffer(std::unique_lock<std::mutex> lock, const HandOffBuffer& buffer, void* surface)
       : lock_(std::move(lock)),
         buffer_(buffer),
         surface_(surface),
         key_(static_cast<std::uint32_t>(buffer.order_key())),
-        prepareTime_(prepareTime) {}
+        prepareTime_(buffer.prepare_time()) {}
 
   std::uint32_t width() const override { return buffer_.width(); }
   std::uint32_t height() const override { return buffer_.height(); }
@@ -27,7 +27,7 @@ class SharedMappedBuffer : public AbstractMappedBuffer {
 
  private:
   std::unique_lock<std::mutex> lock_;
-  const AbstractBuffer& buffer_;
+  const HandOffBuffer& buffer_;
   void* const surface_;
   const std::uint32_t key_;
   const std::int64_t prepareTime_;

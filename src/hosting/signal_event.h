@@ -28,6 +28,19 @@ class SignalEvent {
     condition_.notify_all();
   }
 
+  // Calls the action and signals, unless the event is signalled already: its value stays until it is cleared.
+  template <class Action>
+  void signalFirst(std::uint32_t value, Action&& action) {
+    {
+      const std::lock_guard lock(mutex_);
+      if (signalled_) return;
+      action();
+      signalled_ = true;
+      value_ = value;
+    }
+    condition_.notify_all();
+  }
+
   // Clears the event and calls the action before anybody can signal again.
   template <class Action>
   void clear(Action&& action) {

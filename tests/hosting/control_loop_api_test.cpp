@@ -152,8 +152,10 @@ TEST_P(ControlLoopApiGLTest, SurfacesOfTheClient) {
   EXPECT_EQ(createDXSurface(loop_, 0, 4), nullptr);
   EXPECT_EQ(pendingError(), "A surface must not be empty. ");
   destroyDXSurface(loop_, larger);
-  destroyDXSurface(loop_, larger);
-  EXPECT_EQ(pendingError(), "The specified surface is unknown. ");
+  for (void* const unknown : {larger, static_cast<void*>(nullptr)}) {
+    destroyDXSurface(loop_, unknown);
+    EXPECT_EQ(pendingError(), "The specified surface is unknown. ");
+  }
   deleteOpenGLControlLoop(loop_);
   // The surface outlives the loop that it was made with.
   loop_ = createOpenGLControlLoop();

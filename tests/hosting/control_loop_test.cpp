@@ -4,6 +4,8 @@
 #include <system_error>
 #include <thread>
 
+#include "gl/current_context.h"
+#include "support/test_context.h"
 #include "support/test_loop.h"
 
 namespace oct::test {
@@ -11,6 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using Ids = std::vector<std::uint32_t>;
+using Names = std::vector<std::string>;
 
 class ControlLoopGLTest : public LoopGLTest {
  protected:
@@ -189,21 +192,20 @@ TEST_P(ControlLoopGLTest, WithoutRenderFunctionATestImage) {
   EXPECT_NE(pictures.atLeast(2).back().bytes, first[0].bytes);  // it turns
 }
 
-TEST_P(ControlLoopGLTest, CallbacksCanBeExchangedAndRemoved) {
+TEST_P(ControlLoopGLTest, CallbacksCanBeExchanged) {
   auto loop = makeRecordingLoop(8, 6);
   loop->request(1);
   returned_.atLeast(1);
-  loop->set_image_ready_callback(nullptr);
-  loop->request(2);
-  drawn_.atLeast(2);
   loop->set_rendering_callback(rendering([this](std::uint32_t id) { drawn_.add(id + 100); }));
+  loop->set_image_ready_callback(imageReady(
+      [this](std::uint32_t index, std::uint32_t, std::uint32_t, void*) { returned_.add(index + 200); }));
   loop->request(3);
-  EXPECT_EQ(drawn_.atLeast(3), (Ids{1, 2, 103}));
-  EXPECT_EQ(returned_.all(), Ids{1});
+  EXPECT_EQ(returned_.atLeast(2), (Ids{1, 203}));
+  EXPECT_EQ(drawn_.all(), (Ids{1, 103}));
 }
 
 TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
-  std::vector<std::string> order;  // of the render thread, read after its end
+  std::vector<std::string> order;  // guarded by what is tested: uninit follows the return thread's end
   std::thread::id init, draw, uninit;
   const auto note = [&](const char* what, std::thread::id& id) {
     order.push_back(what);
@@ -213,14 +215,17 @@ TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
   auto loop = std::make_unique<OpenGLControlLoop>(functor([&] { note("init", init); }),
                                                   functor([&] { note("uninit", uninit); }), nullptr);
   loop->set_rendering_callback(rendering([&](std::uint32_t) { note("draw", draw); }));
-  loop->set_image_ready_callback(
-      imageReady([&](std::uint32_t index, std::uint32_t, std::uint32_t, void*) { returned_.add(index); }));
+  loop->set_image_ready_callback(imageReady([&](std::uint32_t index, std::uint32_t, std::uint32_t, void*) {
+    returned_.add(index);
+    std::this_thread::sleep_for(50ms);  // the loop is being deleted meanwhile
+    order.push_back("ready");
+  }));
   loop->set_mode(OpenGLControlLoop::onceEach);
   loop->resize(4, 4);
   loop->request(1);
   returned_.atLeast(1);
   loop.reset();
-  EXPECT_EQ(order, (std::vector<std::string>{"init", "draw", "uninit"}));
+  EXPECT_EQ(order, (std::vector<std::string>{"init", "draw", "ready", "uninit"}));
   EXPECT_EQ(init, draw);
   EXPECT_EQ(draw, uninit);
   EXPECT_NE(init, std::this_thread::get_id());
@@ -304,26 +309,50 @@ TEST_P(ControlLoopGLTest, NothingIsDrawnIntoABufferThatTheClientHolds) {
   EXPECT_EQ(returned_.atLeast(9), (Ids{1, 2, 3, 4, 5, 6, 7, 8, 9}));
 }
 
+// From each of them; the loop goes on, as the order of the later ones shows.
 TEST_P(ControlLoopGLTest, DeletionFromItsOwnThreadsIsRefused) {
-  auto loop = makeRecordingLoop(8, 6);
-  Recorded<int> codes;
-  const auto attempt = [&] {
-    try {
-      loop->check_deletable();
-      codes.add(0);
-    } catch (const std::system_error& error) {
-      codes.add(error.code() == std::errc::resource_deadlock_would_occur ? 1 : 2);
+  for (const bool fails : {false, true}) {
+    std::promise<const OpenGLControlLoop*> made;
+    Recorded<std::string> refused;
+    const auto attempt = [&, loop = made.get_future().share()](const char* where) {
+      try {
+        loop.get()->check_deletable();
+      } catch (const std::system_error& error) {
+        EXPECT_EQ(error.code(), std::errc::resource_deadlock_would_occur);
+        refused.add(where);
+      }
+    };
+    {
+      OpenGLControlLoop loop(functor([&] { attempt("init"); }), functor([&] { attempt("uninit"); }),
+                             std::make_unique<LambdaError>([&](const std::string&) { attempt("error"); }));
+      loop.set_rendering_callback(rendering([&](std::uint32_t) {
+        attempt("draw");
+        if (fails) throw std::runtime_error("no more");
+      }));
+      loop.set_image_ready_callback(
+          imageReady([&](std::uint32_t, std::uint32_t, std::uint32_t, void*) { attempt("ready"); }));
+      made.set_value(&loop);
+      loop.check_deletable();
+      loop.set_mode(OpenGLControlLoop::onceEach);
+      loop.resize(4, 4);
+      loop.request(1);
+      refused.atLeast(3);
     }
-  };
-  loop->set_rendering_callback(rendering([&](std::uint32_t) { attempt(); }));
-  loop->set_image_ready_callback(imageReady(
-      [&](std::uint32_t index, std::uint32_t, std::uint32_t, void*) { attempt(), returned_.add(index); }));
-  for (int id = 1; id <= 2; ++id) {
-    loop->request(id);  // the second shows that the loop goes on
-    returned_.atLeast(static_cast<std::size_t>(id));
+    Names expected{"init", "draw", "ready", "uninit"};
+    if (fails) expected = {"init", "draw", "error"};
+    EXPECT_EQ(refused.all(), expected);
   }
-  EXPECT_EQ(codes.all(), (std::vector<int>{1, 1, 1, 1}));
-  loop->check_deletable();
+}
+
+TEST_P(ControlLoopGLTest, AFailedLoopIsDeletedBesideTheCallersContext) {
+  TestContext context;
+  void* const before = gl::currentContext();
+  auto loop = makeRecordingLoop(8, 6);
+  loop->set_rendering_callback(rendering([](std::uint32_t) { throw std::runtime_error("no more"); }));
+  loop->request(1);
+  errors_.atLeast(1);
+  loop.reset();
+  EXPECT_EQ(gl::currentContext(), before);
 }
 
 OCT_EVERY_SHARING(ControlLoopGLTest);

@@ -4,7 +4,7 @@
 #include <future>
 #include <thread>
 
-#include "hosting/client_surfaces.h"
+#include "hosting/direct3d_sharing.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
 #include "support/surfaces.h"
@@ -52,6 +52,18 @@ TEST_P(ControlGLTest, ASnapshotTakesTheFrontPlaceUntilItIsThere) {
   control.snapshot(7, 5, picture.bytes.data());
   control.cancel_snapshot();
   EXPECT_FALSE(control.wait_for_snapshot());
+}
+
+// What a driver left behind while the context was made is told and does no harm.
+TEST_P(ControlGLTest, AnOpenGLErrorOfTheStartIsPrinted) {
+  const TestContext loadsOpenGL;
+  GlSpy spy;
+  spy.queueError(GL_INVALID_ENUM);
+  testing::internal::CaptureStderr();
+  const OpenGLControl control(GetParam());
+  EXPECT_EQ(testing::internal::GetCapturedStderr().find(
+                "An OpenGL error in OpenGLControl occured: An unacceptable"),
+            0U);
 }
 
 TEST_P(ControlGLTest, AClientDrivesItsOwnControl) {
@@ -118,6 +130,20 @@ TEST_F(TestImageGLTest, TenCallsTurnItByTenDegrees) {
   writePng(eleventh, "test_image_eleventh.png");
 }
 
+// Each has its own angle, and a control turns its image before it draws.
+TEST_F(TestImageGLTest, ControlsTurnTheirsOnTheirOwn) {
+  chooseSharing(SurfaceSharing::hostMemory);
+  {
+    OpenGLControl control(SurfaceSharing::hostMemory);
+    const auto draw = [&] { control.render_test_image(); };
+    const Picture first = picture(draw);
+    for (int i = 0; i < 30; ++i) glRenderTestImage();
+    for (int i = 0; i < 9; ++i) control.render_test_image();
+    EXPECT_NEAR(angle(picture(draw)) - angle(first), 10.0, 1.0);
+  }
+  context_.makeCurrent();
+}
+
 TEST_F(TestImageGLTest, NeedsAContext) {
   std::thread([] {
     glRenderTestImage();
@@ -130,6 +156,10 @@ TEST(SurfaceSharingTest, OnlyWhatThePlatformHas) {
   for (const int value : {-1, 2, 100}) {
     ::setSurfaceSharing(value);
     EXPECT_EQ(pendingError(), "Invalid surface sharing selected. ");
+  }
+  if (!hasDirect3D) {
+    ::setSurfaceSharing(0);
+    EXPECT_EQ(pendingError(), "Ressouce sharing between OpenGL and DirectX not supported. ");
   }
   EXPECT_EQ(static_cast<int>(surfaceSharing()), before);
 }

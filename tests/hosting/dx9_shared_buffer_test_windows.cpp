@@ -2,15 +2,15 @@
 #include "hosting/dx9_shared_buffer_object.h"
 
 #include <array>
-#include <atomic>
 #include <chrono>
-#include <thread>
 
 #include "hosting/client_surfaces.h"
 #include "hosting/direct3d_sharing.h"
 #include "hosting/opengl_control.h"
+#include "support/com_method_patch_windows.h"
 #include "support/dx_interop_stand_in.h"
 #include "support/gl_spy.h"
+#include "support/process_memory.h"
 #include "support/surfaces.h"
 #include "support/test_context.h"
 
@@ -65,7 +65,7 @@ class DX9SharedBufferGLTest : public testing::Test {
 };
 
 TEST_F(DX9SharedBufferGLTest, FrameArrivesInTheSurface) {
-  DX9SharedBufferObject buffer(*interop_, 2);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 2);
   EXPECT_EQ(buffer.order_key(), -1);
   EXPECT_EQ(buffer.buffer_id(), 2);
   EXPECT_FALSE(buffer.is_offscreen());
@@ -86,31 +86,24 @@ TEST_F(DX9SharedBufferGLTest, FrameArrivesInTheSurface) {
   EXPECT_EQ(standIn_.registeredObjects(), 1);
 }
 
-TEST_F(DX9SharedBufferGLTest, MapHoldsTheBufferUntilItsLockIsTaken) {
-  DX9SharedBufferObject buffer(*interop_, 0);
-  buffer.resize(4, 4);
-  auto mapped = buffer.map();
-  std::atomic<bool> taken{false};
-  std::thread renderer([&] {
-    const auto lock = buffer.lock();
-    taken = true;
-  });
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  EXPECT_FALSE(taken);
-  mapped->take_lock().unlock();
-  renderer.join();
-}
-
+// Whatever the client leaves behind: a scissor would cut the blit, an unpack buffer would fill the
+// fall-back's texture.
 TEST_F(DX9SharedBufferGLTest, BlitFallbackWhenDepthDoesNotFit) {
   GlSpy spy;
-  DX9SharedBufferObject buffer(*interop_, 0);
+  const gl::Buffer unpack = gl::Buffer::create();
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, unpack.get());
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   spy.failNext("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
   buffer.resize(20, 10);
   buffer.prepare(1);
   EXPECT_EQ(glCheckFramebufferStatus(GL_FRAMEBUFFER), static_cast<GLenum>(GL_FRAMEBUFFER_COMPLETE));
   draw(10, 20, 30);
+  glEnable(GL_SCISSOR_TEST);
   buffer.finish();
+  EXPECT_TRUE(glIsEnabled(GL_SCISSOR_TEST));
   expectFrame(buffer, 10, 20, 30);
+  EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+  glDisable(GL_SCISSOR_TEST);
   buffer.resize(21, 11);  // the next size tries again without the fall-back
   buffer.prepare(2);
   draw(40, 50, 60);
@@ -133,7 +126,7 @@ TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
   };
   GlSpy spy;
   {
-    DX9SharedBufferObject buffer(*interop_, 0);
+    DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
     buffer.resize(8, 8);
     for (const auto& fault : faults) {
       if (fault.function == std::string("framebuffer")) {
@@ -156,14 +149,15 @@ TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
 }
 
 TEST_F(DX9SharedBufferGLTest, FailedFrames) {
-  DX9SharedBufferObject buffer(*interop_, 0);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   buffer.resize(8, 8);
   standIn_.failNext("Lock");
   EXPECT_EQ(failureOf([&] { buffer.prepare(1); }), "shared texture could not be locked. ");
   buffer.prepare(2);
   standIn_.failNext("Unlock");
   EXPECT_EQ(failureOf([&] { buffer.finish(); }), "shared texture could not be unlocked. ");
-  EXPECT_EQ(failureOf([&] { buffer.finish(); }), "shared texture could not be unlocked. ") << "no frame was begun";
+  EXPECT_EQ(failureOf([&] { buffer.finish(); }), "shared texture could not be unlocked. ")
+      << "no frame was begun";
   buffer.prepare(3);  // a frame whose callback throws never comes to finish
   buffer.prepare(4);
   draw(9, 8, 7);
@@ -172,7 +166,7 @@ TEST_F(DX9SharedBufferGLTest, FailedFrames) {
 }
 
 TEST_F(DX9SharedBufferGLTest, FenceTimeOut) {
-  DX9SharedBufferObject buffer(*interop_, 0);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   buffer.resize(8, 8);
   const auto original = __glewClientWaitSync;
   for (const auto& [answer, message] :
@@ -189,36 +183,113 @@ TEST_F(DX9SharedBufferGLTest, FenceTimeOut) {
   }
 }
 
+using CreateTexture = HRESULT(WINAPI*)(IDirect3DDevice9*, UINT, UINT, UINT, DWORD, D3DFORMAT, D3DPOOL,
+                                       IDirect3DTexture9**, HANDLE*);
+
 TEST_F(DX9SharedBufferGLTest, TextureThatDirect3DRefuses) {
-  DX9SharedBufferObject buffer(*interop_, 0);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   EXPECT_EQ(failureOf([&] { buffer.resize(100000, 8); }), "Could not generate render target. ");
   while (glGetError() != GL_NO_ERROR) {
   }
+  {
+    const ComMethodPatch<CreateTexture> patch(
+        interop_->device().get(), 23,
+        [](IDirect3DDevice9*, UINT, UINT, UINT, DWORD, D3DFORMAT, D3DPOOL, IDirect3DTexture9**,
+           HANDLE*) -> HRESULT { return D3DERR_OUTOFVIDEOMEMORY; });
+    const std::string text = logOf(
+        [&] { EXPECT_EQ(failureOf([&] { buffer.resize(8, 8); }), "Could not generate render target. "); });
+    EXPECT_NE(text.find("An error occured when creating render target: D3DERR_OUTOFVIDEOMEMORY\n"),
+              std::string::npos)
+        << text;
+    EXPECT_EQ(failureOf([] { clientSurfaces().create(SurfaceSharing::direct3D, 8, 8); }),
+              "Could not generate render target. ");
+  }
   buffer.resize(8, 8);
-  EXPECT_STREQ(dx9ResultName(D3DERR_OUTOFVIDEOMEMORY), "D3DERR_OUTOFVIDEOMEMORY");
+  buffer.prepare(1);
+  draw(4, 5, 6);
+  buffer.finish();
+  expectFrame(buffer, 4, 5, 6);
   EXPECT_STREQ(dx9ResultName(E_OUTOFMEMORY), "E_OUTOFMEMORY");
   EXPECT_STREQ(dx9ResultName(D3DERR_INVALIDCALL), "D3DERR_INVALIDCALL");
   EXPECT_STREQ(dx9ResultName(0), "D3D_OK");
   EXPECT_STREQ(dx9ResultName(E_FAIL), "Unknown Error Code");
 }
 
-TEST_F(DX9SharedBufferGLTest, ClientSurfacesKeepACopy) {
-  DX9SharedBufferObject buffer(*interop_, 0);
-  buffer.resize(16, 16);
-  buffer.prepare(1);
-  draw(50, 60, 70);
-  buffer.finish();
-  void* const surface = clientSurfaces().create(SurfaceSharing::direct3D, 16, 16);
-  {
-    const auto mapped = buffer.map();
-    ClientSurfaces::copy(SurfaceSharing::direct3D, mapped->surface(), surface);
+TEST_F(DX9SharedBufferGLTest, TextureWithoutSurface) {
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
+  const DX9Texture any = interop_->device().createTexture(4, 4);
+  using GetSurfaceLevel = HRESULT(WINAPI*)(IDirect3DTexture9*, UINT, IDirect3DSurface9**);
+  const ComMethodPatch<GetSurfaceLevel> patch(
+      any.texture.get(), 18,
+      [](IDirect3DTexture9*, UINT, IDirect3DSurface9**) -> HRESULT { return D3DERR_INVALIDCALL; });
+  EXPECT_EQ(failureOf([&] { buffer.resize(8, 8); }), "Could not get surface level of shared texture. ");
+  EXPECT_EQ(standIn_.registeredObjects(), 1) << "the surface comes after the registration";
+}
+
+TEST_F(DX9SharedBufferGLTest, ReasonsInTheLog) {
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
+  for (const auto& [function, line] : {std::pair{"Share", std::string("Resource could not be shared. \n")},
+                                       {"Register", "An error occured when creating a shared texture: " +
+                                                        std::to_string(ERROR_NOT_SUPPORTED) + "\n"}}) {
+    standIn_.failNext(function);
+    const std::string text = logOf([&] { EXPECT_NE(failureOf([&] { buffer.resize(8, 8); }), "(none)"); });
+    EXPECT_NE(text.find(line), std::string::npos) << text;
   }
-  buffer.prepare(2);
-  draw(0, 0, 0);
+}
+
+TEST_F(DX9SharedBufferGLTest, WithoutInteropDevice) {
+  DX9SharedBufferObject buffer(interop_->device(), nullptr, 0);
+  EXPECT_EQ(failureOf([&] { buffer.resize(8, 8); }), "Cannot create a texture for a null device.");
+  EXPECT_EQ(failureOf([&] { buffer.prepare(1); }), "shared texture could not be locked. ");
+  EXPECT_EQ(failureOf([&] { buffer.finish(); }), "shared texture could not be unlocked. ");
+}
+
+TEST_F(DX9SharedBufferGLTest, AnEndThatCannotUnregisterSaysSo) {
+  testing::internal::CaptureStderr();
+  {
+    DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
+    buffer.resize(8, 8);
+    standIn_.failNext("Unregister");
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not unregister shared object. \n");
+}
+
+std::vector<std::string> calls;
+
+// The surface is Direct3D's again before Direct3D is told to show it.
+TEST_F(DX9SharedBufferGLTest, AFrameEndsWithPresent) {
+  using EndScene = HRESULT(WINAPI*)(IDirect3DDevice9*);
+  using Present = HRESULT(WINAPI*)(IDirect3DDevice9*, const RECT*, const RECT*, HWND, const RGNDATA*);
+  DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
+  buffer.resize(8, 8);
+  calls.clear();
+  static const DxInteropStandIn* standIn = nullptr;
+  standIn = &standIn_;
+  const ComMethodPatch<EndScene> endScene(interop_->device().get(), 42, [](IDirect3DDevice9*) -> HRESULT {
+    calls.push_back(standIn->lockedObjects() == 0 ? "EndScene" : "EndScene too early");
+    return D3DERR_INVALIDCALL;
+  });
+  const ComMethodPatch<Present> present(
+      interop_->device().get(), 17,
+      [](IDirect3DDevice9*, const RECT* from, const RECT* to, HWND window, const RGNDATA* region) -> HRESULT {
+        calls.push_back(from || to || window || region ? "Present with arguments" : "Present");
+        return D3D_OK;
+      });
+  buffer.prepare(1);
+  EXPECT_EQ(calls, std::vector<std::string>{});
   buffer.finish();
-  EXPECT_EQ(direct3DSurfacePicture(surface).pixel(5, 5)[2], 50);
+  EXPECT_EQ(calls, (std::vector<std::string>{"EndScene", "Present"}));
+}
+
+TEST_F(DX9SharedBufferGLTest, ACopyThatDirect3DRefuses) {
+  void* const surface = clientSurfaces().create(SurfaceSharing::direct3D, 16, 16);
+  IDirect3DSurface9* memory = nullptr;  // no target of a stretching copy
+  interop_->device().get()->CreateOffscreenPlainSurface(16, 16, D3DFMT_X8R8G8B8, D3DPOOL_SYSTEMMEM, &memory,
+                                                        nullptr);
+  const ComOwner<IDirect3DSurface9> owner(memory);
+  EXPECT_EQ(failureOf([&] { ClientSurfaces::copy(SurfaceSharing::direct3D, surface, memory); }),
+            "Could not copy the surface: D3DERR_INVALIDCALL");
   clientSurfaces().destroy(surface);
-  EXPECT_EQ(failureOf([&] { clientSurfaces().destroy(surface); }), "The specified surface is unknown. ");
 }
 
 TEST_F(DX9SharedBufferGLTest, OpeningTheInterop) {
@@ -238,30 +309,73 @@ TEST_F(DX9SharedBufferGLTest, OpeningTheInterop) {
 TEST(DX9WithoutInteropGLTest, ControlFailsAfterASecond) {
   const auto start = std::chrono::steady_clock::now();
   std::string message;
-  const std::string text = logOf([&] {
-    message = failureOf([] { OpenGLControl control(SurfaceSharing::direct3D); });
-  });
+  const std::string text =
+      logOf([&] { message = failureOf([] { OpenGLControl control(SurfaceSharing::direct3D); }); });
   EXPECT_EQ(message, "Cannot properly create an OpenGLControl.");
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
-  EXPECT_NE(text.find("Ressouce sharing between OpenGL and DirectX not supported. \n"), std::string::npos);
+  const std::string line = "Ressouce sharing between OpenGL and DirectX not supported. \n";
+  const std::size_t first = text.find(line);
+  ASSERT_NE(first, std::string::npos);
+  EXPECT_NE(text.find(line, first + 1), std::string::npos) << "one for each attempt";
+}
+
+struct DeviceRequest {
+  UINT adapter = 99;
+  D3DDEVTYPE type{};
+  char windowClass[32] = {};
+  DWORD flags = 0;
+  D3DPRESENT_PARAMETERS parameters{};
+  DWORD thread = 0, windowThread = 0;
+};
+DeviceRequest asked;
+using CreateDeviceEx = HRESULT(WINAPI*)(IDirect3D9Ex*, UINT, D3DDEVTYPE, HWND, DWORD, D3DPRESENT_PARAMETERS*,
+                                        D3DDISPLAYMODEEX*, IDirect3DDevice9Ex**);
+
+// Nothing but the request is looked at; it is then refused.
+TEST(DX9DeviceTest, IsMadeOnItsWindowsThread) {
+  IDirect3D9Ex* direct3D = nullptr;
+  ASSERT_TRUE(SUCCEEDED(Direct3DCreate9Ex(D3D_SDK_VERSION, &direct3D)));
+  const ComOwner<IDirect3D9Ex> owner(direct3D);
+  {
+    const ComMethodPatch<CreateDeviceEx> patch(
+        direct3D, 20,
+        [](IDirect3D9Ex*, UINT adapter, D3DDEVTYPE type, HWND window, DWORD flags,
+           D3DPRESENT_PARAMETERS* parameters, D3DDISPLAYMODEEX*, IDirect3DDevice9Ex**) -> HRESULT {
+          asked = {adapter, type, {}, flags, *parameters, GetCurrentThreadId(), 0};
+          GetClassNameA(window, asked.windowClass, sizeof asked.windowClass);
+          asked.windowThread = GetWindowThreadProcessId(window, nullptr);
+          return D3DERR_NOTAVAILABLE;
+        });
+    EXPECT_EQ(failureOf([] { DX9Device::acquire(); }), "An error occured creating the Direct 3D device. ");
+  }
+  EXPECT_EQ(asked.adapter, 0U);
+  EXPECT_EQ(asked.type, D3DDEVTYPE_HAL);
+  EXPECT_STREQ(asked.windowClass, "DirectXWindow");
+  EXPECT_EQ(asked.flags, 0x46U);
+  EXPECT_TRUE(asked.parameters.Windowed);
+  EXPECT_EQ(asked.parameters.BackBufferFormat, D3DFMT_X8R8G8B8);
+  EXPECT_EQ(static_cast<int>(asked.parameters.SwapEffect), 2);
+  EXPECT_EQ(asked.parameters.BackBufferWidth + asked.parameters.BackBufferHeight, 0U);
+  EXPECT_EQ(asked.thread, asked.windowThread);
+  EXPECT_NE(asked.thread, GetCurrentThreadId());
+  EXPECT_NE(DX9Device::acquire()->get(), nullptr) << "a failure does not stand in the way of the next";
 }
 
 // Device, window and buffers come and go; COM references are counted at the device.
 TEST(DX9LifetimeGLTest, ManyLives) {
   TestContext context;
   DxInteropStandIn standIn;
-  DWORD before = 0;
+  std::size_t handles = 0, threads = 0;
   for (int i = 0; i < 30; ++i) {
     const auto sharing = openDirect3DBufferSource();
     const auto buffer = sharing->createBuffer(0);
     buffer->resize(64, 64);
     buffer->prepare(i);
     buffer->finish();
-    if (i == 5) GetProcessHandleCount(GetCurrentProcess(), &before);
+    if (i == 9) handles = handleCount(), threads = threadCount();
   }
-  DWORD after = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &after);
-  EXPECT_LE(after, before + 3);
+  EXPECT_LE(handleCount(), handles + 3);
+  EXPECT_LE(threadCount(), threads);
   EXPECT_EQ(standIn.registeredObjects(), 0);
   const std::shared_ptr<DX9Device> device = DX9Device::acquire();
   device->get()->AddRef();

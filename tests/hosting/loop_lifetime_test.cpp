@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "oct_rendering/oct_rendering.h"
+#include "support/gl_spy.h"
 #include "support/process_memory.h"
 #include "support/test_context.h"
 #include "support/test_loop.h"
@@ -20,8 +21,11 @@ class LoopLifetimeGLTest : public LoopGLTest {
     EXPECT_GE(returned_.atLeast(before + 3).size(), before + 3);
   }
 
-  void lives(std::uint32_t count) {
-    for (std::uint32_t i = 0; i < count; ++i) oneLife(i);
+  void lives(std::uint32_t count, const GlSpy& spy) {
+    for (std::uint32_t i = 0; i < count; ++i) {
+      oneLife(i);
+      ASSERT_EQ(spy.liveObjects(), 0U) << "after life " << i;
+    }
   }
 
   // A thread that was joined may take a moment to leave the system's tables.
@@ -34,13 +38,19 @@ class LoopLifetimeGLTest : public LoopGLTest {
 
 TEST_P(LoopLifetimeGLTest, TwoHundredLoopsAreFlat) {
   const auto device = keepDirect3D(GetParam());
-  lives(20);  // what drivers build once
+  TestContext loadsOpenGL;
+  const GlSpy spy;
+  lives(20, spy);  // what drivers build once
+  const int references = heldReferences(GetParam());
   const std::size_t threads = threadCount();
   const std::size_t handles = handleCount();
   const std::size_t memory = residentMemory();
-  lives(200);
+  lives(200, spy);
   EXPECT_LE(settledThreadCount(threads), threads);
   EXPECT_LE(handleCount(), handles + 3);
+  EXPECT_GT(handles, 0U);
+  EXPECT_EQ(heldReferences(GetParam()), references);
+  EXPECT_GE(spy.calls("glGenFramebuffers"), 200 * 3);
   if (measuresMemory) {
     EXPECT_LT(residentMemory(), memory + (std::size_t{8} << 20));
     RecordProperty(

@@ -69,6 +69,19 @@ TEST_F(OffscreenBufferGLTest, FinishWithoutOutputDataSignals) {
   buffer_.wait();
 }
 
+TEST_F(OffscreenBufferGLTest, CancellingComesTooLateForAPictureThatIsThere) {
+  Picture picture(4, 4);
+  buffer_.resize(4, 4);
+  buffer_.set_output_data(picture.bytes.data());
+  buffer_.prepare(0);
+  buffer_.finish();
+  buffer_.cancel();
+  EXPECT_TRUE(buffer_.wait());
+  buffer_.set_output_data(picture.bytes.data());
+  buffer_.cancel();
+  EXPECT_FALSE(buffer_.wait());
+}
+
 TEST_F(OffscreenBufferGLTest, OnlyTheFirstFinishReads) {
   Picture picture(4, 4);
   buffer_.resize(4, 4);

@@ -30,6 +30,16 @@ TEST(RequestQueueTest, EqualIdsWaitOnce) {
   EXPECT_EQ(queue.rotate(), std::nullopt);
 }
 
+// A snapshot looks at the front again and again.
+TEST(RequestQueueTest, FrontPassesOverIdsThatDrawNothing) {
+  RequestQueue queue;
+  queue.add(noRequest);
+  EXPECT_EQ(queue.front(), std::nullopt);
+  queue.add(5);
+  EXPECT_EQ(queue.front(), 5);
+  EXPECT_EQ(queue.take(), noRequest);
+}
+
 TEST(RequestQueueTest, RotationKeepsIds) {
   RequestQueue queue;
   for (const int id : {0, 3, 5}) queue.add(id);

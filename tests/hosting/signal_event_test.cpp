@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -29,19 +30,19 @@ TEST(SignalEventTest, ManualResetLetsEveryWaiterPass) {
   EXPECT_EQ(event.wait(nothing), 7U) << "still signalled";
 }
 
+// A wait begins, is seen not to return, and ends with the signal.
+void expectToBlock(SignalEvent& event) {
+  auto waiter = std::async(std::launch::async, [&] { return event.wait(nothing); });
+  EXPECT_EQ(waiter.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+  event.signal(2);
+  EXPECT_EQ(waiter.get(), 2U);
+}
+
 TEST(SignalEventTest, AutoResetLetsOneWaiterPass) {
   SignalEvent event(true);
   event.signal(1);
   event.wait(nothing);
-  std::atomic<bool> passed{false};
-  std::thread waiter([&] {
-    event.wait(nothing);
-    passed = true;
-  });
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  EXPECT_FALSE(passed);
-  event.signal(2);
-  waiter.join();
+  expectToBlock(event);
 }
 
 TEST(SignalEventTest, ClearedEventBlocksAgain) {
@@ -49,15 +50,7 @@ TEST(SignalEventTest, ClearedEventBlocksAgain) {
   event.signal(1);
   int cleared = 0;
   event.clear([&] { ++cleared; });
-  std::atomic<bool> passed{false};
-  std::thread waiter([&] {
-    event.wait(nothing);
-    passed = true;
-  });
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  EXPECT_FALSE(passed);
-  event.signal(1);
-  waiter.join();
+  expectToBlock(event);
   EXPECT_EQ(cleared, 1);
 }
 

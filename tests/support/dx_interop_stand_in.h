@@ -1,6 +1,7 @@
-// A stand-in for WGL_NV_DX_interop, which no free driver has. Direct3D, WGL and the library are real; only the eight
-// entry points are replaced. A registered OpenGL texture is an ordinary one, and unlocking it copies its pixels through
-// system memory into the Direct3D surface, so that OpenGL's row 0 becomes Direct3D's.
+// A stand-in for WGL_NV_DX_interop, which no free driver has. Direct3D, WGL and the library are real; only
+// the eight entry points are replaced. A registered OpenGL texture is an ordinary one, and unlocking it
+// copies its pixels through system memory into the Direct3D surface, so that OpenGL's row 0 becomes
+// Direct3D's.
 #pragma once
 
 #include <map>

@@ -2,13 +2,12 @@
 
 #include <d3d9.h>
 
-#include <cstring>
 #include <mutex>
 #include <set>
 #include <stdexcept>
-#include <vector>
 
 #include "gl/gl.h"
+#include "hosting/dx9_device.h"
 // After gl.h, which it needs.
 #include <GL/wglew.h>
 
@@ -16,9 +15,24 @@ namespace oct::test {
 namespace {
 
 struct Object {
-  IDirect3DTexture9* texture;
+  ComOwner<IDirect3DTexture9> texture;
   GLuint name;
+  D3DSURFACE_DESC description{};
+  ComOwner<IDirect3DDevice9> device;
+  ComOwner<IDirect3DSurface9> memory;  // the way from OpenGL's texture to Direct3D's
   bool locked = false;
+
+  Object(IDirect3DTexture9* shared, GLuint openGLName) : texture(shared), name(openGLName) {
+    texture->AddRef();
+    texture->GetLevelDesc(0, &description);
+    IDirect3DDevice9* owner = nullptr;
+    texture->GetDevice(&owner);
+    device.reset(owner);
+    IDirect3DSurface9* surface = nullptr;
+    device->CreateOffscreenPlainSurface(description.Width, description.Height, description.Format,
+                                        D3DPOOL_SYSTEMMEM, &surface, nullptr);
+    memory.reset(surface);
+  }
 };
 
 struct State {
@@ -38,42 +52,21 @@ struct State {
 
 State* state = nullptr;
 
-template <class Interface>
-void release(Interface* object) {
-  if (object) object->Release();
-}
-
 // Copies the OpenGL texture into the Direct3D surface.
 void publish(const Object& object) {
-  D3DSURFACE_DESC description{};
-  object.texture->GetLevelDesc(0, &description);
-  const std::size_t row = std::size_t{description.Width} * 4;
-  std::vector<unsigned char> pixels(row * description.Height);
+  D3DLOCKED_RECT rectangle{};
+  if (FAILED(object.memory->LockRect(&rectangle, nullptr, 0)))
+    throw std::runtime_error("the stand-in has no memory");
   GLint bound = 0;
   glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
   glBindTexture(GL_TEXTURE_2D, object.name);
-  glGetTexImage(GL_TEXTURE_2D, 0, GL_BGRA, GL_UNSIGNED_BYTE, pixels.data());
+  glPixelStorei(GL_PACK_ROW_LENGTH, rectangle.Pitch / 4);
+  glGetTexImage(GL_TEXTURE_2D, 0, GL_BGRA, GL_UNSIGNED_BYTE, rectangle.pBits);
+  glPixelStorei(GL_PACK_ROW_LENGTH, 0);
   glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(bound));
-
-  IDirect3DDevice9* device = nullptr;
-  IDirect3DSurface9* memory = nullptr;
-  IDirect3DSurface9* target = nullptr;
-  object.texture->GetDevice(&device);
-  device->CreateOffscreenPlainSurface(description.Width, description.Height, description.Format, D3DPOOL_SYSTEMMEM,
-                                      &memory, nullptr);
-  D3DLOCKED_RECT rectangle{};
-  if (memory && SUCCEEDED(memory->LockRect(&rectangle, nullptr, 0))) {
-    for (UINT y = 0; y < description.Height; ++y) {
-      std::memcpy(static_cast<char*>(rectangle.pBits) + static_cast<std::size_t>(rectangle.Pitch) * y,
-                  pixels.data() + row * y, row);
-    }
-    memory->UnlockRect();
-    object.texture->GetSurfaceLevel(0, &target);
-    device->UpdateSurface(memory, nullptr, target, nullptr);
-  }
-  release(target);
-  release(memory);
-  release(device);
+  object.memory->UnlockRect();
+  const auto target = surfaceOf(*object.texture);
+  object.device->UpdateSurface(object.memory.get(), nullptr, target.get(), nullptr);
 }
 
 HANDLE WINAPI openDevice(void* device) {
@@ -101,16 +94,17 @@ HANDLE WINAPI registerObject(HANDLE, void* resource, GLuint name, GLenum type, G
     SetLastError(ERROR_NOT_SUPPORTED);
     return nullptr;
   }
-  auto* const texture = static_cast<IDirect3DTexture9*>(resource);
-  D3DSURFACE_DESC description{};
-  texture->GetLevelDesc(0, &description);
+  auto* const object = new Object(static_cast<IDirect3DTexture9*>(resource), name);
+  const D3DSURFACE_DESC& description = object->description;
+  GLint unpack = 0;  // the client's
+  glGetIntegerv(GL_PIXEL_UNPACK_BUFFER_BINDING, &unpack);
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
   glBindTexture(GL_TEXTURE_2D, name);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, static_cast<GLsizei>(description.Width),
                static_cast<GLsizei>(description.Height), 0, GL_BGRA, GL_UNSIGNED_BYTE, nullptr);
   glBindTexture(GL_TEXTURE_2D, 0);
-  texture->AddRef();
-  auto* const object = new Object{texture, name};
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, static_cast<GLuint>(unpack));
   state->objects.insert(object);
   return object;
 }
@@ -119,7 +113,6 @@ BOOL WINAPI unregisterObject(HANDLE, HANDLE handle) {
   const std::lock_guard lock(state->mutex);
   auto* const object = static_cast<Object*>(handle);
   if (!state->enter("Unregister") || state->objects.erase(object) == 0) return FALSE;
-  object->texture->Release();
   delete object;
   return TRUE;
 }
@@ -142,7 +135,9 @@ BOOL WINAPI unlockObjects(HANDLE, GLint count, HANDLE* handles) {
   return TRUE;
 }
 
-BOOL WINAPI objectAccess(HANDLE, GLenum) { return TRUE; }
+BOOL WINAPI objectAccess(HANDLE, GLenum) {
+  return TRUE;
+}
 
 void install(bool present) {
   __WGLEW_NV_DX_interop = present ? GL_TRUE : GL_FALSE;
@@ -169,7 +164,9 @@ DxInteropStandIn::~DxInteropStandIn() {
   state = nullptr;
 }
 
-bool DxInteropStandIn::installed() { return state != nullptr; }
+bool DxInteropStandIn::installed() {
+  return state != nullptr;
+}
 
 void DxInteropStandIn::failNext(const std::string& function, int times) {
   const std::lock_guard lock(state->mutex);

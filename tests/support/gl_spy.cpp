@@ -1,7 +1,11 @@
 #include "support/gl_spy.h"
 
 #include <deque>
+#include <mutex>
+#include <tuple>
 #include <utility>
+
+#include "gl/current_context.h"
 
 namespace oct::test {
 
@@ -10,12 +14,14 @@ struct GlSpy::State {
   std::map<std::string, std::pair<int, GLenum>> failures;
   std::map<GLenum, GLint> answers;
   std::deque<GLenum> errors;
-  std::set<std::pair<std::string, GLuint>> objects;
+  std::set<std::tuple<void*, std::string, GLuint>> objects;  // with their contexts
   std::set<GLuint> failedCompiles;
   std::set<GLuint> failedLinks;
+  std::mutex mutex;  // guards calls, failures, errors and objects
 
   // Counts a call; true when it is to fail.
   bool enter(const std::string& function) {
+    const std::lock_guard lock(mutex);
     ++calls[function];
     const auto failure = failures.find(function);
     if (failure == failures.end() || failure->second.first == 0) return false;
@@ -26,14 +32,27 @@ struct GlSpy::State {
   // The same for a call whose failure leaves an error.
   bool enterOrError(const std::string& function) {
     if (!enter(function)) return false;
+    const std::lock_guard lock(mutex);
     errors.push_back(failures.at(function).second);
     return true;
   }
 
   void made(const std::string& kind, GLuint name) {
-    if (name != 0) objects.emplace(kind, name);
+    const std::lock_guard lock(mutex);
+    if (name != 0) objects.emplace(gl::currentContext(), kind, name);
   }
-  void deleted(const std::string& kind, GLuint name) { objects.erase({kind, name}); }
+  void deleted(const std::string& kind, GLuint name) {
+    const std::lock_guard lock(mutex);
+    objects.erase({gl::currentContext(), kind, name});
+  }
+
+  GLenum nextError() {
+    const std::lock_guard lock(mutex);
+    if (errors.empty()) return GL_NO_ERROR;
+    const GLenum error = errors.front();
+    errors.pop_front();
+    return error;
+  }
 };
 
 namespace {
@@ -41,30 +60,30 @@ namespace {
 GlSpy::State* spy = nullptr;
 
 // The pointers that a spy replaces: our function, GLEW's pointer.
-#define OCT_REPLACED(X) \
-  X(genBuffers, __glewGenBuffers) \
-  X(deleteBuffers, __glewDeleteBuffers) \
-  X(bufferData, __glewBufferData) \
-  X(texImage3D, __glewTexImage3D) \
-  X(texSubImage3D, __glewTexSubImage3D) \
-  X(genVertexArrays, __glewGenVertexArrays) \
-  X(deleteVertexArrays, __glewDeleteVertexArrays) \
-  X(genFramebuffers, __glewGenFramebuffers) \
-  X(deleteFramebuffers, __glewDeleteFramebuffers) \
-  X(genRenderbuffers, __glewGenRenderbuffers) \
-  X(deleteRenderbuffers, __glewDeleteRenderbuffers) \
-  X(renderbufferStorage, __glewRenderbufferStorage) \
-  X(framebufferTexture2D, __glewFramebufferTexture2D) \
+#define OCT_REPLACED(X)                                   \
+  X(genBuffers, __glewGenBuffers)                         \
+  X(deleteBuffers, __glewDeleteBuffers)                   \
+  X(bufferData, __glewBufferData)                         \
+  X(texImage3D, __glewTexImage3D)                         \
+  X(texSubImage3D, __glewTexSubImage3D)                   \
+  X(genVertexArrays, __glewGenVertexArrays)               \
+  X(deleteVertexArrays, __glewDeleteVertexArrays)         \
+  X(genFramebuffers, __glewGenFramebuffers)               \
+  X(deleteFramebuffers, __glewDeleteFramebuffers)         \
+  X(genRenderbuffers, __glewGenRenderbuffers)             \
+  X(deleteRenderbuffers, __glewDeleteRenderbuffers)       \
+  X(renderbufferStorage, __glewRenderbufferStorage)       \
+  X(framebufferTexture2D, __glewFramebufferTexture2D)     \
   X(checkFramebufferStatus, __glewCheckFramebufferStatus) \
-  X(createShader, __glewCreateShader) \
-  X(deleteShader, __glewDeleteShader) \
-  X(compileShader, __glewCompileShader) \
-  X(getShaderiv, __glewGetShaderiv) \
-  X(createProgram, __glewCreateProgram) \
-  X(deleteProgram, __glewDeleteProgram) \
-  X(linkProgram, __glewLinkProgram) \
-  X(getProgramiv, __glewGetProgramiv) \
-  X(programBinary, __glewProgramBinary) \
+  X(createShader, __glewCreateShader)                     \
+  X(deleteShader, __glewDeleteShader)                     \
+  X(compileShader, __glewCompileShader)                   \
+  X(getShaderiv, __glewGetShaderiv)                       \
+  X(createProgram, __glewCreateProgram)                   \
+  X(deleteProgram, __glewDeleteProgram)                   \
+  X(linkProgram, __glewLinkProgram)                       \
+  X(getProgramiv, __glewGetProgramiv)                     \
+  X(programBinary, __glewProgramBinary)                   \
   X(getProgramBinary, __glewGetProgramBinary)
 
 // GLEW's pointers while they are replaced.
@@ -101,8 +120,8 @@ void GLAPIENTRY deleteBuffers(GLsizei n, const GLuint* names) {
 void GLAPIENTRY bufferData(GLenum target, GLsizeiptr size, const void* data, GLenum usage) {
   if (!spy->enterOrError("glBufferData")) original.bufferData(target, size, data, usage);
 }
-void GLAPIENTRY texImage3D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height, GLsizei depth,
-                           GLint border, GLenum format, GLenum type, const void* pixels) {
+void GLAPIENTRY texImage3D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
+                           GLsizei depth, GLint border, GLenum format, GLenum type, const void* pixels) {
   if (target == GL_PROXY_TEXTURE_3D) {
     // A refused proxy has no extent; so has one that is asked for without.
     if (spy->enter("3-D proxy")) width = 0;
@@ -111,8 +130,8 @@ void GLAPIENTRY texImage3D(GLenum target, GLint level, GLint internal, GLsizei w
   }
   original.texImage3D(target, level, internal, width, height, depth, border, format, type, pixels);
 }
-void GLAPIENTRY texSubImage3D(GLenum target, GLint level, GLint x, GLint y, GLint z, GLsizei width, GLsizei height,
-                              GLsizei depth, GLenum format, GLenum type, const void* pixels) {
+void GLAPIENTRY texSubImage3D(GLenum target, GLint level, GLint x, GLint y, GLint z, GLsizei width,
+                              GLsizei height, GLsizei depth, GLenum format, GLenum type, const void* pixels) {
   if (spy->enterOrError("glTexSubImage3D")) return;
   original.texSubImage3D(target, level, x, y, z, width, height, depth, format, type, pixels);
 }
@@ -135,9 +154,11 @@ void GLAPIENTRY deleteRenderbuffers(GLsizei n, const GLuint* names) {
   destroy("glDeleteRenderbuffers", "renderbuffer", n, names, original.deleteRenderbuffers);
 }
 void GLAPIENTRY renderbufferStorage(GLenum target, GLenum format, GLsizei width, GLsizei height) {
-  if (!spy->enterOrError("glRenderbufferStorage")) original.renderbufferStorage(target, format, width, height);
+  if (!spy->enterOrError("glRenderbufferStorage"))
+    original.renderbufferStorage(target, format, width, height);
 }
-void GLAPIENTRY framebufferTexture2D(GLenum target, GLenum attachment, GLenum kind, GLuint name, GLint level) {
+void GLAPIENTRY framebufferTexture2D(GLenum target, GLenum attachment, GLenum kind, GLuint name,
+                                     GLint level) {
   if (!spy->enterOrError("glFramebufferTexture2D")) {
     original.framebufferTexture2D(target, attachment, kind, name, level);
   }
@@ -214,17 +235,26 @@ GlSpy::~GlSpy() {
 }
 
 int GlSpy::calls(const std::string& function) const {
+  const std::lock_guard lock(state_->mutex);
   const auto entry = state_->calls.find(function);
   return entry == state_->calls.end() ? 0 : entry->second;
 }
 
 void GlSpy::failNext(const std::string& function, int times, GLenum error) {
+  const std::lock_guard lock(state_->mutex);
   state_->failures[function] = {times, error};
 }
 
-void GlSpy::answer(GLenum integerQuery, GLint value) { state_->answers[integerQuery] = value; }
-void GlSpy::queueError(GLenum error) { state_->errors.push_back(error); }
-std::size_t GlSpy::liveObjects() const { return state_->objects.size(); }
+void GlSpy::answer(GLenum integerQuery, GLint value) {
+  state_->answers[integerQuery] = value;
+}
+void GlSpy::queueError(GLenum error) {
+  state_->errors.push_back(error);
+}
+std::size_t GlSpy::liveObjects() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->objects.size();
+}
 
 }  // namespace oct::test
 
@@ -252,7 +282,8 @@ void GLAPIENTRY __wrap_glTexImage1D(GLenum target, GLint level, GLint internal, 
   __real_glTexImage1D(target, level, internal, width, border, format, type, pixels);
 }
 
-void GLAPIENTRY __real_glTexImage2D(GLenum, GLint, GLint, GLsizei, GLsizei, GLint, GLenum, GLenum, const void*);
+void GLAPIENTRY __real_glTexImage2D(GLenum, GLint, GLint, GLsizei, GLsizei, GLint, GLenum, GLenum,
+                                    const void*);
 void GLAPIENTRY __wrap_glTexImage2D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
                                     GLint border, GLenum format, GLenum type, const void* pixels) {
   if (spy && target == GL_PROXY_TEXTURE_2D) {
@@ -265,21 +296,18 @@ void GLAPIENTRY __wrap_glTexImage2D(GLenum target, GLint level, GLint internal, 
   __real_glTexImage2D(target, level, internal, width, height, border, format, type, pixels);
 }
 
-void GLAPIENTRY __real_glTexSubImage2D(GLenum, GLint, GLint, GLint, GLsizei, GLsizei, GLenum, GLenum, const void*);
-void GLAPIENTRY __wrap_glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height,
-                                       GLenum format, GLenum type, const void* pixels) {
+void GLAPIENTRY __real_glTexSubImage2D(GLenum, GLint, GLint, GLint, GLsizei, GLsizei, GLenum, GLenum,
+                                       const void*);
+void GLAPIENTRY __wrap_glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width,
+                                       GLsizei height, GLenum format, GLenum type, const void* pixels) {
   if (spy && spy->enterOrError("glTexSubImage2D")) return;
   __real_glTexSubImage2D(target, level, x, y, width, height, format, type, pixels);
 }
 
 GLenum GLAPIENTRY __real_glGetError(void);
 GLenum GLAPIENTRY __wrap_glGetError(void) {
-  if (spy && !spy->errors.empty()) {
-    const GLenum error = spy->errors.front();
-    spy->errors.pop_front();
-    return error;
-  }
-  return __real_glGetError();
+  const GLenum error = spy ? spy->nextError() : GL_NO_ERROR;
+  return error != GL_NO_ERROR ? error : __real_glGetError();
 }
 
 void GLAPIENTRY __real_glGetIntegerv(GLenum query, GLint* value);

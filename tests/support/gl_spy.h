@@ -9,7 +9,8 @@
 
 namespace oct::test {
 
-// While it lives, the entry points it knows are replaced; one at a time, on one thread, with OpenGL loaded.
+// While it lives, the entry points it knows are replaced. One at a time, made with OpenGL loaded and no other
+// thread in it; calls may come from several threads.
 class GlSpy {
  public:
   GlSpy();
@@ -20,8 +21,8 @@ class GlSpy {
   // Calls of a function, by its OpenGL name.
   int calls(const std::string& function) const;
 
-  // Makes the next calls of a function fail: functions that create give 0, compile and link report failure, the
-  // others do nothing and leave the given error for glGetError.
+  // Makes the next calls of a function fail: functions that create give 0, compile and link report failure,
+  // the others do nothing and leave the given error for glGetError.
   void failNext(const std::string& function, int times = 1, GLenum error = GL_OUT_OF_MEMORY);
 
   // What queries of these values answer from now on.

@@ -7,8 +7,11 @@
 
 namespace oct::test {
 
-// Compares with tests/golden/NAME.png. With OCT_ACCEPT_GOLDEN set in the environment the picture is written there
-// instead, to be looked at before it is committed.
+// Without pixels when the file cannot be read.
+Picture readPng(const std::string& file);
+
+// Compares with tests/golden/NAME.png. With OCT_ACCEPT_GOLDEN set in the environment the picture is written
+// there instead, to be looked at before it is committed.
 testing::AssertionResult looksLike(const Picture& picture, const std::string& name, Tolerance tolerance);
 
 }  // namespace oct::test

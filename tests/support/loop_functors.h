@@ -10,40 +10,31 @@
 
 namespace oct::test {
 
-class LambdaFunctor : public AbstractFunctor {
+template <class... Arguments>
+class LambdaFunctor : public AbstractSwitchable<Arguments...> {
  public:
-  explicit LambdaFunctor(std::function<void()> body) : body_(std::move(body)) {}
-  void operator()() override { body_(); }
+  explicit LambdaFunctor(std::function<void(Arguments...)> body) : body_(std::move(body)) {}
+  void operator()(Arguments... arguments) override { body_(arguments...); }
   void set_enabled(bool) override {}
 
  private:
-  std::function<void()> body_;
-};
-
-class LambdaRendering : public AbstractRenderingFunctor {
- public:
-  explicit LambdaRendering(std::function<void(std::uint32_t)> body) : body_(std::move(body)) {}
-  void operator()(std::uint32_t request) override { body_(request); }
-  void set_enabled(bool) override {}
-
- private:
-  std::function<void(std::uint32_t)> body_;
+  const std::function<void(Arguments...)> body_;
 };
 
 using ImageReadyBody =
     std::function<void(std::uint32_t index, std::uint32_t width, std::uint32_t height, void* surface)>;
 
-class LambdaImageReady : public AbstractImageReady {
- public:
-  explicit LambdaImageReady(ImageReadyBody body) : body_(std::move(body)) {}
-  void operator()(std::uint32_t index, std::uint32_t width, std::uint32_t height, void* surface) override {
-    body_(index, width, height, surface);
-  }
-  void set_enabled(bool) override {}
+inline std::unique_ptr<AbstractFunctor> functor(std::function<void()> body) {
+  return std::make_unique<LambdaFunctor<>>(std::move(body));
+}
 
- private:
-  ImageReadyBody body_;
-};
+inline std::unique_ptr<AbstractRenderingFunctor> rendering(std::function<void(std::uint32_t id)> body) {
+  return std::make_unique<LambdaFunctor<std::uint32_t>>(std::move(body));
+}
+
+inline std::unique_ptr<AbstractImageReady> imageReady(ImageReadyBody body) {
+  return std::make_unique<LambdaFunctor<std::uint32_t, std::uint32_t, std::uint32_t, void*>>(std::move(body));
+}
 
 class LambdaError : public AbstractErrorFunctor {
  public:
@@ -51,7 +42,7 @@ class LambdaError : public AbstractErrorFunctor {
   void operator()(const std::string& message) const override { body_(message); }
 
  private:
-  std::function<void(const std::string&)> body_;
+  const std::function<void(const std::string&)> body_;
 };
 
 }  // namespace oct::test

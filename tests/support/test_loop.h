@@ -75,18 +75,6 @@ inline Picture patternPicture(std::uint32_t id, int width, int height) {
   return picture;
 }
 
-inline std::unique_ptr<LambdaRendering> rendering(std::function<void(std::uint32_t)> body) {
-  return std::make_unique<LambdaRendering>(std::move(body));
-}
-
-inline std::unique_ptr<LambdaImageReady> imageReady(ImageReadyBody body) {
-  return std::make_unique<LambdaImageReady>(std::move(body));
-}
-
-inline std::unique_ptr<LambdaFunctor> functor(std::function<void()> body) {
-  return std::make_unique<LambdaFunctor>(std::move(body));
-}
-
 // Every kind of surface sharing of the platform.
 class LoopGLTest : public testing::TestWithParam<SurfaceSharing> {
  protected:

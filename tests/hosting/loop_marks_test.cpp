@@ -1,0 +1,106 @@
+// The timing marks of hosting: their names, and which phase lies within which.
+#include <algorithm>
+#include <map>
+
+#include "core/timing_mark.h"
+#include "oct_rendering/oct_rendering.h"
+#include "support/test_loop.h"
+
+namespace oct::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+// The marks of each thread in the order of their begins and ends: "+phase", "-phase", "!instant".
+class RecordingListener : public TimingListener {
+ public:
+  RecordingListener() { setTimingListener(this); }
+  ~RecordingListener() override { setTimingListener(nullptr); }
+
+  void begin(std::string_view name, std::uint32_t thread, Time) override { add('+', name, thread); }
+  void end(std::string_view name, std::uint32_t thread, Time) override { add('-', name, thread); }
+  void instant(std::string_view name, std::uint32_t thread, Time) override { add('!', name, thread); }
+
+  // Whether some thread set these marks in this order, others between them or not.
+  testing::AssertionResult sets(const Names& expected) {
+    const std::lock_guard lock(mutex_);
+    std::size_t most = 0;
+    for (const auto& [thread, marks] : marks_) {
+      std::size_t found = 0;
+      for (const std::string& mark : marks) found += found < expected.size() && mark == expected[found];
+      most = std::max(most, found);
+    }
+    if (most == expected.size()) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "no " << expected[most];
+  }
+
+ private:
+  void add(char kind, std::string_view name, std::uint32_t thread) {
+    const std::lock_guard lock(mutex_);
+    marks_[thread].push_back(kind + std::string(name));
+  }
+
+  std::mutex mutex_;
+  std::map<std::uint32_t, Names> marks_;
+};
+
+class LoopMarksGLTest : public LoopGLTest {};
+
+TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
+  const bool direct3D = GetParam() == SurfaceSharing::direct3D;
+  RecordingListener listener;
+  {
+    prepareOpenGL();
+    OpenGLControlLoop loop(nullptr, functor([] {}), nullptr);
+    loop.set_image_ready_callback(
+        std::make_unique<ImageReadyCallback>([](std::uint32_t, std::uint32_t, std::uint32_t, void*) {}));
+    loop.resize(4, 4);
+    loop.set_mode(OpenGLControlLoop::onceEach);
+    Picture picture(3, 3);
+    loop.request(7);
+    for (int patience = 0; patience < 1000 && !listener.sets({"-Image ready callback"}); ++patience) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    loop.snapshot(3, 3, picture.bytes.data());
+  }
+  finishOpenGL();
+
+  // The client's thread.
+  EXPECT_TRUE(listener.sets(
+      {"+OpenGLControlLoop", "-OpenGLControlLoop", "+OpenGLControlLoop::snap", "+OpenGLControl::snapshot",
+       "+OffscreenBuffer::set_output_data", "-OffscreenBuffer::set_output_data", "-OpenGLControl::snapshot",
+       "+OpenGLControl::wait_for_snapshot", "+OffscreenBuffer::wait", "-OffscreenBuffer::wait",
+       "-OpenGLControl::wait_for_snapshot", "-OpenGLControlLoop::snap", "+Destructing OpenGL Loop",
+       "+~OpenGLControlLoop", "-~OpenGLControlLoop", "-Destructing OpenGL Loop",
+       "+OfflienRenderingWindows are destroyed. "}));
+  // The render thread: a frame, a snapshot, the end.
+  Names resize{"+host_buffer_resize", "-host_buffer_resize"};
+  if (direct3D) resize = {"+dx_buffer_resize_incl", "+dx_buffer_resize_excl", "+resize shared buffer"};
+  Names frame{"+Rendering Loop", "+OpenGLControl", "-OpenGLControl", "+rendering_loop_it_incl",
+              "+rendering_loop_it_excl"};
+  frame.insert(frame.end(), resize.begin(), resize.end());
+  for (const char* mark : {"+Rendering callback (0)", "+Test image callback", "-Test image callback"}) {
+    frame.push_back(mark);
+  }
+  frame.push_back(direct3D ? "+DXSharedBufferObject: finish" : "+HostBufferObject: finish");
+  for (const char* mark : {"-Rendering callback (0)", "-rendering_loop_it_excl", "-rendering_loop_it_incl"}) {
+    frame.push_back(mark);
+  }
+  EXPECT_TRUE(listener.sets(frame));
+  EXPECT_TRUE(listener.sets(
+      {"+Rendering callback (-1)", "+OffscreenBuffer::prepare", "!before_rendering",
+       "-OffscreenBuffer::prepare", "+OffscreenBuffer::finish", "-OffscreenBuffer::finish",
+       "-Rendering callback (-1)", "+Uninit of specific OpenGL control", "-Uninit of specific OpenGL control",
+       direct3D ? "+~DX9SharedBufferObject" : "+~HostBufferObject", "-Rendering Loop"}));
+  // The return thread.
+  const std::string map = direct3D ? "dxmap_buffer_object" : "host_map_buffer_object";
+  EXPECT_TRUE(listener.sets({"+Return loop", "+return_loop_it_incl", "+return_loop_it_excl", "+" + map,
+                             "-" + map, "+Return buffer callback (0)", "+Image ready callback",
+                             "-Image ready callback", "-Return buffer callback (0)", "-return_loop_it_excl",
+                             "-return_loop_it_incl", "-Return loop"}));
+}
+
+OCT_EVERY_SHARING(LoopMarksGLTest);
+
+}  // namespace
+}  // namespace oct::test
