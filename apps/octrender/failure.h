@@ -7,7 +7,14 @@
 
 namespace oct::app {
 
-enum class ExitCode { Ok = 0, RenderingFailed = 1, BadCommandLine = 2, InputFailed = 3, OutputFailed = 4 };
+enum class ExitCode {
+  Ok = 0,
+  RenderingFailed = 1,
+  BadCommandLine = 2,
+  InputFailed = 3,
+  OutputFailed = 4,
+  DeviceFailed = 5
+};
 
 class Failure : public std::runtime_error {
  public:
@@ -38,6 +45,10 @@ inline Failure inputFailure(const std::filesystem::path& file, const std::string
 
 inline Failure outputFailure(const std::filesystem::path& file, const std::string& reason) {
   return {ExitCode::OutputFailed, toUtf8(file) + ": " + reason};
+}
+
+inline Failure deviceFailure(const std::string& reason) {
+  return {ExitCode::DeviceFailed, reason};
 }
 
 }  // namespace oct::app

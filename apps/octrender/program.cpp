@@ -22,10 +22,12 @@ constexpr char kFooter[] =
     "  1  rendering failed; the library's reason is shown\n"
     "  2  the command line is wrong\n"
     "  3  an input file cannot be read or understood\n"
-    "  4  the output cannot be written\n\n"
+    "  4  the output cannot be written\n"
+    "  5  the device failed (octrender live)\n\n"
     "Examples:\n"
     "  octrender bscan skin.npy -o skin.png\n"
     "  octrender volume skin.npy -o skin.png --extent 2.5 6 6\n"
+    "  octrender live -o finger.png --motion drift\n"
     "  octrender info\n"
     "  octrender bscan --help        everything about one verb";
 
@@ -48,6 +50,7 @@ int runProgram(const std::vector<std::string>& arguments) {
   describe(program);
   addBscanVerb(program);
   addVolumeVerb(program);
+  addLiveVerb(program);
   addInfoVerb(program);
   try {
     std::vector<std::string> words = withoutAutomaticRanges(arguments);

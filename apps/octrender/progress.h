@@ -4,12 +4,16 @@
 
 #include <chrono>
 #include <cstddef>
+#include <limits>
 #include <string>
 
 namespace oct::app {
 
 class Progress {
  public:
+  // For work that takes long whatever its samples are.
+  static constexpr std::size_t kLong = std::numeric_limits<std::size_t>::max();
+
   // samples: how many are gone through, to tell little work from much.
   Progress(std::string activity, std::size_t samples);
   ~Progress();

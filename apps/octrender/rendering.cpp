@@ -30,12 +30,6 @@ OffscreenTarget::~OffscreenTarget() {
   discardPendingErrors();
 }
 
-Picture OffscreenTarget::finishFrame(PictureSize size) {
-  std::vector<std::uint8_t> pixels(std::size_t{size.width} * size.height * 4);
-  checked(finishOffscreenFrame, handle_, static_cast<void*>(pixels.data()));
-  return toPicture(size, pixels);
-}
-
 DisplayRenderer::DisplayRenderer() : handle_(checked(createDisplayRendering)) {
   try {
     checked(initDisplayRendering, handle_);
@@ -51,26 +45,47 @@ DisplayRenderer::~DisplayRenderer() {
   discardPendingErrors();
 }
 
-VolumeRendering::VolumeRendering() : renderer_(checked(createVolumeRenderer)) {
+VolumeRendererOwner::VolumeRendererOwner() : handle_(checked(createVolumeRenderer)) {
   try {
-    offline_ = checked(createOfflineRendering);
-    checked(initializeVolumeRenderer, renderer_);
-    checked(setOfflineRenderingRenderer, offline_, renderer_);
+    checked(initializeVolumeRenderer, handle_);
   } catch (...) {
-    release();
+    deleteVolumeRenderer(handle_);
+    throw;
+  }
+}
+
+VolumeRendererOwner::~VolumeRendererOwner() {
+  uninitializeVolumeRenderer(handle_);
+  deleteVolumeRenderer(handle_);
+  discardPendingErrors();
+}
+
+VolumeRendering::VolumeRendering() : offline_(checked(createOfflineRendering)) {
+  try {
+    checked(setOfflineRenderingRenderer, offline_, renderer());
+  } catch (...) {
+    clearOfflineRendering(offline_);
     throw;
   }
 }
 
 VolumeRendering::~VolumeRendering() {
-  release();
+  clearOfflineRendering(offline_);
   discardPendingErrors();
 }
 
-void VolumeRendering::release() {
-  clearOfflineRendering(offline_);
-  uninitializeVolumeRenderer(renderer_);
-  deleteVolumeRenderer(renderer_);
+LiveRendering::LiveRendering() : live_(checked(createLiveRendering)) {
+  try {
+    checked(setLiveVolumeRenderingRenderer, live_, renderer());
+  } catch (...) {
+    clearLiveRendering(live_);
+    throw;
+  }
+}
+
+LiveRendering::~LiveRendering() {
+  clearLiveRendering(live_);
+  discardPendingErrors();
 }
 
 }  // namespace oct::app

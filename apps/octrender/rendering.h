@@ -3,7 +3,9 @@
 
 #include <oct_rendering/oct_rendering.h>
 
+#include <cstdint>
 #include <type_traits>
+#include <vector>
 
 #include "picture.h"
 
@@ -36,14 +38,22 @@ class OffscreenTarget {
   // Draws one frame with the function and takes its pixels.
   template <class Draw>
   Picture render(PictureSize size, Draw draw) {
+    std::vector<std::uint8_t> pixels;
+    renderPixels(size, pixels, draw);
+    return toPicture(size, pixels);
+  }
+
+  // The same without turning them into a picture: BGRA, the bottom row first. Memory is kept from call to
+  // call.
+  template <class Draw>
+  void renderPixels(PictureSize size, std::vector<std::uint8_t>& pixels, Draw draw) {
     checked(beginOffscreenFrame, handle_, size.width, size.height);
     draw();
-    return finishFrame(size);
+    pixels.resize(std::size_t{size.width} * size.height * 4);
+    checked(finishOffscreenFrame, handle_, static_cast<void*>(pixels.data()));
   }
 
  private:
-  Picture finishFrame(PictureSize size);
-
   OffscreenTargetHandle handle_;
 };
 
@@ -61,7 +71,21 @@ class DisplayRenderer {
   DisplayRenderingHandle handle_;
 };
 
-// A volume renderer and the volume it draws, initialised in the context that is current. The context must outlive them.
+// A volume renderer, initialised in the context that is current. The context must outlive it.
+class VolumeRendererOwner {
+ public:
+  VolumeRendererOwner();
+  ~VolumeRendererOwner();
+  VolumeRendererOwner(const VolumeRendererOwner&) = delete;
+  VolumeRendererOwner& operator=(const VolumeRendererOwner&) = delete;
+
+  VolumeRendererHandle handle() const { return handle_; }
+
+ private:
+  VolumeRendererHandle handle_;
+};
+
+// A volume renderer and the uploaded volume that it draws.
 class VolumeRendering {
  public:
   VolumeRendering();
@@ -69,14 +93,29 @@ class VolumeRendering {
   VolumeRendering(const VolumeRendering&) = delete;
   VolumeRendering& operator=(const VolumeRendering&) = delete;
 
-  VolumeRendererHandle renderer() const { return renderer_; }
+  VolumeRendererHandle renderer() const { return renderer_.handle(); }
   OfflineRenderingHandle offline() const { return offline_; }
 
  private:
-  void release();
-
-  VolumeRendererHandle renderer_ = nullptr;
+  VolumeRendererOwner renderer_;
   OfflineRenderingHandle offline_ = nullptr;
+};
+
+// A volume renderer and the live volumes that it draws.
+class LiveRendering {
+ public:
+  LiveRendering();
+  // No source may be running with it, and the frame after its end must have been drawn.
+  ~LiveRendering();
+  LiveRendering(const LiveRendering&) = delete;
+  LiveRendering& operator=(const LiveRendering&) = delete;
+
+  VolumeRendererHandle renderer() const { return renderer_.handle(); }
+  LiveVolumeRenderingHandle live() const { return live_; }
+
+ private:
+  VolumeRendererOwner renderer_;
+  LiveVolumeRenderingHandle live_ = nullptr;
 };
 
 }  // namespace oct::app

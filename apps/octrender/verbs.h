@@ -7,6 +7,7 @@ namespace oct::app {
 
 void addBscanVerb(CLI::App& program);
 void addInfoVerb(CLI::App& program);
+void addLiveVerb(CLI::App& program);
 void addVolumeVerb(CLI::App& program);
 
 }  // namespace oct::app

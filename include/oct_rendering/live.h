@@ -138,6 +138,21 @@ OCT_API void renderVolume(LiveVolumeRenderingHandle Handle);
 OCT_API double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle);
 
 /**
+ * @brief How many volumes came to the screen since createLiveRendering(), and how many did not. A volume
+ * whose acquisition was stopped on its way counts as neither.
+ * @param Handle The live renderer.
+ * @param Drawn Receives the number of volumes that renderVolume() has taken to the graphics card; may be
+ * null.
+ * @param Dropped Receives the number of volumes for which no buffer was free within 100 ms, or whose buffer
+ * the driver lost; may be null. Both begin anew after 4,294,967,295.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "
+ * @thread Any thread, callbacks of a source among them; never waits.
+ */
+OCT_API void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn,
+                                 unsigned int* Dropped);
+
+/**
  * @brief Size of the live volumes in voxels; 0 before the first measurement.
  * @param Handle The live renderer.
  * @param X Receives the depth samples per A-scan that are drawn; may be null.

@@ -8,7 +8,7 @@ namespace oct::simulator {
 
 void RawData::resize(int spectrumLength, int aScans, int bScans, double widthMm, double lengthMm) {
   counts_.resize(static_cast<std::size_t>(spectrumLength) * aScans * bScans);
-  recorded_.reset();
+  recording_.reset();
   spectrumLength_ = spectrumLength;
   aScans_ = aScans;
   bScans_ = bScans;
@@ -16,12 +16,14 @@ void RawData::resize(int spectrumLength, int aScans, int bScans, double widthMm,
   lengthMm_ = lengthMm;
 }
 
-void RawData::setRecorded(std::shared_ptr<const std::vector<float>> samples, int spectrumLength, int aScans,
-                          int bScans, double widthMm, double lengthMm) {
-  resize(spectrumLength, 0, 0, widthMm, lengthMm);
+void RawData::refer(std::shared_ptr<const Recording> recording, std::uint64_t volume, double widthMm,
+                    double lengthMm) {
+  const auto [depths, aScans, bScans] = recording->sizes();
+  resize(2 * depths, 0, 0, widthMm, lengthMm);
   aScans_ = aScans;
   bScans_ = bScans;
-  recorded_ = std::move(samples);
+  recording_ = std::move(recording);
+  volume_ = volume;
 }
 
 std::span<std::uint16_t> RawData::spectrum(int index) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "handle_table.h"
+#include "recording.h"
 
 #include <array>
 #include <complex>
@@ -22,19 +23,19 @@ class RawData : public HandleObject {
   void resize(int spectrumLength, int aScans, int bScans, double widthMm, double lengthMm);
 
   /// Refers to a volume that needs no processing; what was stored is lost.
-  /// @param samples half the spectrum length for every A-scan
-  void setRecorded(std::shared_ptr<const std::vector<float>> samples, int spectrumLength, int aScans,
-                   int bScans, double widthMm, double lengthMm);
+  void refer(std::shared_ptr<const Recording> recording, std::uint64_t volume, double widthMm,
+             double lengthMm);
 
   int spectrumLength() const { return spectrumLength_; }
   int aScans() const { return aScans_; }
   int bScans() const { return bScans_; }
   double widthMm() const { return widthMm_; }
   double lengthMm() const { return lengthMm_; }
-  bool empty() const { return counts_.empty() && !recorded_; }
+  bool empty() const { return counts_.empty() && !recording_; }
 
-  /// The recorded volume; null if there are camera readings.
-  const std::vector<float>* recorded() const { return recorded_.get(); }
+  /// The recording of the volume, and its number; null if there are camera readings.
+  const Recording* recording() const { return recording_.get(); }
+  std::uint64_t volume() const { return volume_; }
 
   /// @param index number of the A-scan within the volume, B-scan after B-scan
   std::span<std::uint16_t> spectrum(int index);
@@ -47,7 +48,8 @@ class RawData : public HandleObject {
   double widthMm_ = 0.0;
   double lengthMm_ = 0.0;
   std::vector<std::uint16_t> counts_;
-  std::shared_ptr<const std::vector<float>> recorded_;
+  std::shared_ptr<const Recording> recording_;
+  std::uint64_t volume_ = 0;
 };
 
 /// A processed volume. Axis 0 is depth, the fastest in memory; then A-scans; then B-scans.

@@ -86,7 +86,7 @@ Exposure Device::nextExposure(int camera, std::uint64_t& stops) {
   lastExposure_.emplace(Exposure{.pattern = *pattern_,
                                  .volume = volume,
                                  .camera = camera,
-                                 .motion = motion_,
+                                 .motion = source_->effectiveMotion(motion_),
                                  .startSeconds = measurement_->startSeconds(volume),
                                  .aScanSeconds = 1.0 / measurement_->pace().aScansPerSecond});
   return *lastExposure_;

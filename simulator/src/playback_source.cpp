@@ -15,10 +15,11 @@ constexpr float kReference = 0.6f;
 
 }  // namespace
 
-PlaybackSource::PlaybackSource(Recording recording, double depthMm, double widthMm, double lengthMm)
+PlaybackSource::PlaybackSource(std::shared_ptr<const Recording> recording, double depthMm, double widthMm,
+                               double lengthMm)
     : recording_(std::move(recording)),
       depthMm_(depthMm),
-      pattern_(recording_.sizes[1], recording_.sizes[2], widthMm, lengthMm) {
+      pattern_(recording_->sizes()[1], recording_->sizes()[2], widthMm, lengthMm) {
   if (!(depthMm > 0.0 && std::isfinite(depthMm)))
     throw std::invalid_argument("The depth of a recording must be above zero. ");
 }
@@ -34,8 +35,7 @@ Calibration PlaybackSource::calibration() const {
 }
 
 void PlaybackSource::expose(const Exposure& exposure, RawData& raw) {
-  raw.setRecorded(recording_.volumes[exposure.volume % recording_.volumes.size()], spectrumLength(),
-                  pattern_.aScans(), pattern_.bScans(), pattern_.widthMm(), pattern_.lengthMm());
+  raw.refer(recording_, exposure.volume, pattern_.widthMm(), pattern_.lengthMm());
 }
 
 }  // namespace oct::simulator

@@ -5,6 +5,8 @@
 #include "recording.h"
 #include "volume_source.h"
 
+#include <memory>
+
 namespace oct::simulator {
 
 /// Plays recorded volumes, one after the other and from the first again, whatever scan pattern was asked for.
@@ -12,17 +14,18 @@ namespace oct::simulator {
 class PlaybackSource : public VolumeSource {
  public:
   /// Throws std::invalid_argument unless the extents are finite and above 0.
-  PlaybackSource(Recording recording, double depthMm, double widthMm, double lengthMm);
+  PlaybackSource(std::shared_ptr<const Recording> recording, double depthMm, double widthMm, double lengthMm);
 
-  int spectrumLength() const override { return 2 * recording_.sizes[0]; }
+  int spectrumLength() const override { return 2 * recording_->sizes()[0]; }
   double depthRangeMm() const override { return depthMm_; }
   int cameras() const override { return 1; }
   Calibration calibration() const override;
   ScanPattern effectivePattern(const ScanPattern&) const override { return pattern_; }
+  Motion effectiveMotion(const Motion&) const override { return {}; }
   void expose(const Exposure& exposure, RawData& raw) override;
 
  private:
-  Recording recording_;
+  std::shared_ptr<const Recording> recording_;
   double depthMm_;
   ScanPattern pattern_;
 };

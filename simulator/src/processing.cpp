@@ -22,20 +22,8 @@ constexpr int kMinimumForMean = 16;
 /// As many readings of 16 bits have a sum of 32 bits.
 constexpr int kSummable = 65536;
 
-/// A recorded volume is copied by threads that take this many samples or more.
-constexpr std::size_t kBlock = std::size_t{1} << 20;
-
 /// Keeps the logarithm finite: -60 dB.
 constexpr float kLeastPower = 1e-6f;
-
-void copyRecorded(const std::vector<float>& recorded, std::vector<float>& samples, int workers) {
-  const int blocks = static_cast<int>((recorded.size() + kBlock - 1) / kBlock);
-  parallelRanges(blocks, workers, [&](int begin, int end) {
-    const std::size_t first = begin * kBlock;
-    const std::size_t last = std::min(end * kBlock, recorded.size());
-    vec::copy(samples.data() + first, recorded.data() + first, last - first);
-  });
-}
 
 }  // namespace
 
@@ -124,11 +112,11 @@ void Processing::execute(const RawData& raw, int workers) {
   const int depths = spectrumLength_ / 2;
   const std::array sizes{depths, raw.aScans(), raw.bScans()};
   const std::array ranges{depthRangeMm_, raw.widthMm(), raw.lengthMm()};
-  if (raw.recorded() && complexOutput)
+  if (raw.recording() && complexOutput)
     throw std::invalid_argument("A recorded volume has no complex field. ");
   if (output) output->resize(sizes, ranges);
-  if (raw.recorded()) {
-    copyRecorded(*raw.recorded(), output->samples(), workers);
+  if (raw.recording()) {
+    raw.recording()->play(raw.volume(), output->samples(), workers);
     return;
   }
   if (complexOutput) complexOutput->resize(sizes, ranges);

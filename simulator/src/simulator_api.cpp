@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <filesystem>
 #include <numbers>
 #include <stdexcept>
 #include <string>
@@ -99,12 +98,14 @@ OCTDeviceHandle createSimulatedPolarizationDevice(int phantom, int spectrumLengt
   });
 }
 
-OCTDeviceHandle createSimulatedPlayback(const char* file, double depthMm, double widthMm, double lengthMm) {
+OCTDeviceHandle createSimulatedPlayback(const float* samples, int size1, int size2, int size3, int volumes,
+                                        double depthMm, double widthMm, double lengthMm, double noise,
+                                        unsigned int seed) {
   return framed("createSimulatedPlayback", [&](HandleTable& handles) {
-    if (!file) throw std::invalid_argument("A playback needs the name of a file. ");
-    auto recording = readRecording(std::filesystem::path(reinterpret_cast<const char8_t*>(file)));
+    auto recording =
+        std::make_shared<Recording>(samples, std::array{size1, size2, size3}, volumes, noise, seed);
     auto source = std::make_unique<PlaybackSource>(std::move(recording), depthMm, widthMm, lengthMm);
-    return static_cast<OCTDeviceHandle>(handles.add(std::make_shared<Device>(std::move(source), 1)));
+    return static_cast<OCTDeviceHandle>(handles.add(std::make_shared<Device>(std::move(source), seed)));
   });
 }
 

@@ -46,6 +46,9 @@ class VolumeSource {
   /// The pattern that is really measured when this one was asked for.
   virtual ScanPattern effectivePattern(const ScanPattern& pattern) const { return pattern; }
 
+  /// What the volumes show of a motion that was asked for.
+  virtual Motion effectiveMotion(const Motion& motion) const { return motion; }
+
   /// @param raw receives the volume
   virtual void expose(const Exposure& exposure, RawData& raw) = 0;
 };

@@ -180,6 +180,15 @@ double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle) {
   });
 }
 
+void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn, unsigned int* Dropped) {
+  frame(__func__, [&] {
+    // No lock: an acquisition thread that asks must not wait for a frame.
+    const auto counts = checked<AbstractLiveRendering>(Handle, invalidRenderer).get_counts();
+    if (Drawn) *Drawn = counts.drawn;
+    if (Dropped) *Dropped = counts.dropped;
+  });
+}
+
 void getLiveVolumeRenderingSize(LiveVolumeRenderingHandle Handle, int* X, int* Y, int* Z) {
   frame(__func__, [&] { checked<AbstractLiveRendering>(Handle, invalidSource).get_size(X, Y, Z); });
 }

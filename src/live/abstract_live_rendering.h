@@ -30,6 +30,13 @@ class AbstractLiveRendering {
   virtual double get_fps() = 0;       // volumes per second
   virtual void wait_for_transition() = 0;
 
+  // Volumes since construction. Any thread, never waits.
+  struct VolumeCounts {
+    std::uint32_t drawn = 0;    // taken to the graphics card
+    std::uint32_t dropped = 0;  // no buffer in time, or lost by the driver
+  };
+  virtual VolumeCounts get_counts() { return {}; }
+
   // Instead of update: the buffer goes back without a volume, because filling it failed.
   virtual void discard() = 0;
 };

@@ -81,9 +81,11 @@ void FastOpenGLVolumeRenderer::stop() {
 float* FastOpenGLVolumeRenderer::get_data_ptr() {
   if (!hand_over_.waitForBuffer()) {
     log() << "FastOpenGLVolumeRenderer::get_data_ptr(): WAIT_TIMEOUT on ptr_event";
+    ++dropped_;
     return nullptr;
   }
   float* const data = hand_over_.lend();
+  if (!data) ++dropped_;
   log() << "FastOpenGLVolumeRenderer::get_data_ptr(): ResetEvent";
   return data;
 }
@@ -147,8 +149,10 @@ void FastOpenGLVolumeRenderer::takeVolume() {
   if (upload_.upload()) {
     uploaded_ = !upload_.extent().empty();
     upload_.uploadSecondary(hand_over_.secondary());
+    ++drawn_;
   } else {
     log() << "FastOpenGLVolumeRenderer::render(): the driver lost a volume. ";
+    ++dropped_;
   }
   fps_ = measureUploadRate();
   hand_over_.taken();

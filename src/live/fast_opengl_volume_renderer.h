@@ -36,6 +36,7 @@ class FastOpenGLVolumeRenderer : public AbstractLiveRendering {
   void update() override;
   double get_fps() override { return fps_; }
   void wait_for_transition() override { transition_.wait(); }
+  VolumeCounts get_counts() override { return {drawn_, dropped_}; }
   void discard() override { hand_over_.giveBack(); }
 
  private:
@@ -64,6 +65,8 @@ class FastOpenGLVolumeRenderer : public AbstractLiveRendering {
   mutable std::mutex size_mutex_;
   Size size_;
   std::atomic<double> fps_ = 0.0;
+  std::atomic<std::uint32_t> drawn_ = 0;
+  std::atomic<std::uint32_t> dropped_ = 0;
   std::atomic<VolumeRenderer*> volume_renderer_ = nullptr;
 };
 

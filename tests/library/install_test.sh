@@ -36,5 +36,14 @@ cc -std=c99 -Wall -Werror "$work/readme.c" -o "$work/readme" $(pkg-config --cfla
 # Through a file: grep would end at its match and break the pipe under the program's last lines.
 LD_LIBRARY_PATH="$libdir" "$work/readme" >"$work/readme.txt"
 grep -q "the middle pixel is [1-9]" "$work/readme.txt"
+
+# The client of live volumes in its guide.
+sed -n '/^## A client in C$/,$p' "$source/docs/live.md" | sed -n '/^```c$/,/^```$/{/^```/d;p}' >"$work/live.c"
+# shellcheck disable=SC2046
+cc -std=c99 -Wall -Werror "$work/live.c" -o "$work/live" $(pkg-config --cflags --libs oct_rendering) -loct_device
+LD_LIBRARY_PATH="$libdir" "$work/live" >"$work/live.txt"
+grep -q "5 volumes drawn, the middle pixel is [1-9]" "$work/live.txt"
 [ "$(stat -c %s "$work/cmake.ppm")" -gt 900000 ]
 "$work/prefix/bin/octrender" --help >/dev/null
+# The installed program finds the installed device library.
+"$work/prefix/bin/octrender" live --seconds 0.05 --size 40x30 --spectrum 64 --ascans 8 --bscans 4 >/dev/null

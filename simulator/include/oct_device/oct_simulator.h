@@ -2,7 +2,8 @@
  * Creates and frees the objects of the simulated OCT device that the device functions only use.
  *
  * The simulated device computes spectral interferograms of a phantom, with source spectrum, dispersion, noise
- * and a camera of 12 bits, and processes them as an instrument does. Errors and threads: see oct_device.h.
+ * and a camera of 12 bits, and processes them as an instrument does; or it plays recorded volumes back.
+ * Errors and threads: see oct_device.h.
  */
 #ifndef OCT_DEVICE_OCT_SIMULATOR_H
 #define OCT_DEVICE_OCT_SIMULATOR_H
@@ -50,20 +51,29 @@ OCT_DEVICE_API OCTDeviceHandle createSimulatedPolarizationDevice(int phantom, in
                                                                  unsigned int seed);
 
 /**
- * Creates a device that plays processed volumes back instead of measuring: one after the other and from the
- * first again, in the size of the recording whatever the scan pattern says. A volume costs little more than a
- * copy of its samples. Pacing and analog input work as with a phantom; motion changes nothing, complex output
- * is an error.
- * @param file name in UTF-8 of a .npy array of 32-bit floats as octsimulate writes it, with the axes B-scans,
- *             depth, A-scans; four axes are successive volumes. The spectrum length is twice the depth samples
+ * Creates a device that plays recorded volumes back instead of measuring: one after the other and from the
+ * first again, in the size and extent of the recording whatever the scan pattern says. A volume costs little
+ * more than a copy of its samples: executeProcessing() writes them, and getRawDataEx() only refers to them.
+ * Pacing and analog input work as with a phantom. Motion changes nothing; complex output is an error.
+ * Half of the device's spectrum length is the depth of the recording.
+ * @param samples size1 * size2 * size3 * volumes finite decibels, sample (i1, i2, i3) of a volume at
+ *        i1 + size1 * (i2 + size2 * i3); copied before the call returns
+ * @param size1 depth samples per A-scan, 4 to 65536
+ * @param size2 A-scans per B-scan, 1 or more
+ * @param size3 B-scans per volume, 1 or more
+ * @param volumes successive volumes in the recording, 1 or more
  * @param depthMm optical depth of a whole A-scan in millimetres, above 0
  * @param widthMm width of a B-scan in millimetres, above 0
  * @param lengthMm extent from the first to the last B-scan in millimetres, above 0
+ * @param noise standard deviation of normal noise in decibels that is added to every sample and differs from
+ *        volume to volume; 0: the samples are played as they are
+ * @param seed chooses the noise and the analog input; the same seed gives the same volumes
  * @return the device, to be freed by clearSimulatedDevice(); null and a pending error if an argument is
- *         invalid or the file cannot be read
+ *         invalid or there is no memory for the copy
  */
-OCT_DEVICE_API OCTDeviceHandle createSimulatedPlayback(const char* file, double depthMm, double widthMm,
-                                                       double lengthMm);
+OCT_DEVICE_API OCTDeviceHandle createSimulatedPlayback(const float* samples, int size1, int size2, int size3,
+                                                       int volumes, double depthMm, double widthMm,
+                                                       double lengthMm, double noise, unsigned int seed);
 
 /**
  * Frees a simulated device; a running measurement is stopped.
@@ -140,7 +150,7 @@ enum {
 /**
  * Sets how the phantom moves, from the next volume on. Spectra of a phantom at rest are computed once; those of
  * a moving one have to be computed for every volume, which takes about as long as the first volume.
- * @param device the device; one that plays a recording back does not move
+ * @param device the device; one that plays a recording back does not move, and takes the setting without error
  * @param motion one of the OCT_MOTION_ values
  * @param amplitudeMm largest way from the resting place in millimetres, 0 to 1
  * @param periodSeconds time of one breath, or of one turn of the drift, above 0

@@ -1,0 +1,12 @@
+# Runs a program that draws a picture, and looks at the size of the file: PNG makes little of a picture without content.
+# PROGRAM, EMULATOR (may be empty), PICTURE, BYTES (the least that the file must have)
+file(REMOVE "${PICTURE}")
+execute_process(COMMAND ${EMULATOR} "${PROGRAM}" "${PICTURE}" RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "${PROGRAM} ended with ${result}")
+endif()
+file(SIZE "${PICTURE}" size)
+if(size LESS BYTES)
+  message(FATAL_ERROR "${PICTURE} has ${size} bytes only")
+endif()
+message(STATUS "${PICTURE}: ${size} bytes")
