@@ -1,5 +1,7 @@
 #include <dlfcn.h>
+#include <link.h>
 
+#include <filesystem>
 #include <stdexcept>
 
 #include "live/device_module.h"
@@ -13,12 +15,30 @@ std::string fileName(const std::string& nameOrPath) {
   return complete ? nameOrPath : "lib" + nameOrPath + ".so";
 }
 
+// The path of a loaded module with that file name. dlopen finds it by itself only if the module carries the
+// name inside, which not every linker call sees to.
+std::string loadedPath(const std::string& file) {
+  struct Search {
+    const std::string& file;
+    std::string path;
+  } search{file, file};
+  dl_iterate_phdr(
+      [](dl_phdr_info* module, std::size_t, void* context) {
+        auto& wanted = *static_cast<Search*>(context);
+        const std::filesystem::path path(module->dlpi_name);
+        if (path.filename() != wanted.file) return 0;
+        wanted.path = path.string();
+        return 1;
+      },
+      &search);
+  return search.path;
+}
+
 }  // namespace
 
 DeviceModule::DeviceModule(const std::string& nameOrPath) {
   const std::string file = fileName(nameOrPath);
-  // dlopen itself finds what is loaded already.
-  handle_ = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  handle_ = dlopen(loadedPath(file).c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   if (!handle_) {
     throw std::runtime_error("The device library \"" + nameOrPath + "\" could not be loaded: " + dlerror() +
                              " ");

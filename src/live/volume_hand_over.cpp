@@ -15,10 +15,12 @@ bool VolumeHandOver::waitForBuffer() {
   return event_->wait(patience);
 }
 
-float* VolumeHandOver::lend() {
+float* VolumeHandOver::lend(const gl::Extent3D& wanted) {
   const std::lock_guard lock(mutex_);
+  if (data_ && extent_ != wanted) return nullptr;
   event_->reset();
-  lent_ = data_ != nullptr;
+  if (!data_ || lent_ || filled_) return nullptr;
+  lent_ = true;
   return data_;
 }
 
@@ -40,7 +42,8 @@ void VolumeHandOver::fill() {
     if (!lent_) return;
     data = secondaryData_;
     filledSecondary_.width = data ? secondaryWidth_ : 0;
-    count = static_cast<std::size_t>(filledSecondary_.width) * aScans_;
+    const std::int64_t aScans = extent_.height * extent_.depth;
+    count = static_cast<std::size_t>(filledSecondary_.width * aScans);
   }
   filledSecondary_.values.assign(data, data + count);
   {
@@ -88,9 +91,9 @@ bool VolumeHandOver::withdraw() {
   return std::exchange(data_, nullptr) != nullptr;
 }
 
-void VolumeHandOver::setAScans(std::size_t count) {
+void VolumeHandOver::setExtent(const gl::Extent3D& extent) {
   const std::lock_guard lock(mutex_);
-  aScans_ = count;
+  extent_ = extent;
 }
 
 std::int32_t VolumeHandOver::secondaryWidth() const {

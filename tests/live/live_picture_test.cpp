@@ -22,8 +22,10 @@ Volume measured(OCTDeviceHandle device, ProcessingHandle processing, ScanPattern
   stopMeasurement(device);
   setProcessedDataOutput(processing, data);
   executeProcessing(processing, raw);
-  Volume volume{getDataPropertyInt(data, OCT_DATA_SIZE_1), getDataPropertyInt(data, OCT_DATA_SIZE_2),
-                getDataPropertyInt(data, OCT_DATA_SIZE_3), {}};
+  Volume volume{getDataPropertyInt(data, OCT_DATA_SIZE_1),
+                getDataPropertyInt(data, OCT_DATA_SIZE_2),
+                getDataPropertyInt(data, OCT_DATA_SIZE_3),
+                {}};
   const float* const samples = getDataPtr(data);
   volume.voxels.assign(samples, samples + getDataPropertyInt(data, OCT_DATA_BYTE_COUNT) / sizeof(float));
   clearData(data);
