@@ -137,10 +137,12 @@ bool meetsCut(const VolumeScene& scene, const Line& line) {
   return std::max({std::abs(p.x), std::abs(p.y), std::abs(p.z)}) <= 1.0;
 }
 
-double sample(const Volume& volume, const std::array<double, 3>& coordinate, bool repeatFirst = false) {
+double sample(const Volume& volume, const std::array<double, 3>& coordinate, bool repeatFirst = false,
+              bool border = false) {
   const std::array<int, 3> size{volume.width, volume.height, volume.depth};
   std::array<std::array<int, 2>, 3> index{};
   std::array<double, 3> weight{};
+  std::array<std::array<double, 2>, 3> share{{{1.0, 1.0}, {1.0, 1.0}, {1.0, 1.0}}};  // 0: of the border
   for (std::size_t axis = 0; axis < 3; ++axis) {
     const double position = coordinate[axis] * size[axis] - 0.5;
     const int below = static_cast<int>(std::floor(position));
@@ -149,14 +151,17 @@ double sample(const Volume& volume, const std::array<double, 3>& coordinate, boo
       const int n = size[axis];
       index[axis][static_cast<std::size_t>(i)] =
           repeatFirst && axis == 0 ? ((below + i) % n + n) % n : std::clamp(below + i, 0, n - 1);
+      const bool outside = below + i < 0 || below + i >= n;
+      if (border && outside) share[axis][static_cast<std::size_t>(i)] = 0.0;
     }
   }
   double sum = 0.0;
   for (std::size_t i = 0; i < 2; ++i) {
     for (std::size_t j = 0; j < 2; ++j) {
       for (std::size_t k = 0; k < 2; ++k) {
-        sum += (i ? weight[0] : 1.0 - weight[0]) * (j ? weight[1] : 1.0 - weight[1]) *
-               (k ? weight[2] : 1.0 - weight[2]) * volume.at(index[0][i], index[1][j], index[2][k]);
+        sum += share[0][i] * share[1][j] * share[2][k] * (i ? weight[0] : 1.0 - weight[0]) *
+               (j ? weight[1] : 1.0 - weight[1]) * (k ? weight[2] : 1.0 - weight[2]) *
+               volume.at(index[0][i], index[1][j], index[2][k]);
       }
     }
   }
@@ -207,7 +212,7 @@ class Ray {
  private:
   bool atEnd() const { return (current_ - front_).length() >= length_; }
   void advance() { current_ = current_ + step_; }
-  double value() const { return sample(volume_, {current_.y, current_.x, current_.z}); }
+  double value() const { return sample(volume_, {current_.y, current_.x, current_.z}, false, scene_.border); }
 
   void add(Rgba& total, double value) const {
     if (!(value > coloring_.lower)) return;
