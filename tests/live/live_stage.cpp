@@ -77,10 +77,10 @@ void LiveStage::onError(std::function<void()> action) {
   });
 }
 
-Picture LiveStage::frame(int width, int height) {
+Picture LiveStage::frame(int width, int height, LiveVolumeRenderingHandle drawn) {
   Picture picture(width, height);
   beginOffscreenFrame(volumeStage.target, static_cast<unsigned>(width), static_cast<unsigned>(height));
-  renderVolume(live);
+  renderVolume(drawn);
   readVoxels();
   finishOffscreenFrame(volumeStage.target, picture.bytes.data());
   ++frames_;
@@ -112,7 +112,7 @@ bool LiveStage::framesUntil(const std::function<bool()>& condition) {
 }
 
 void LiveStage::run(int volumes) {
-  intensityRecord = std::make_unique<Recorded<double>>();
+  intensities().clear();
   onIntensity([this, volumes, seen = 1]() mutable {
     if (++seen == volumes) return stopDataSource(source);
     const int enough = frames_ + 4;

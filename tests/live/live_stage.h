@@ -33,7 +33,8 @@ class LiveStage {
   void onIntensity(std::function<void()> action);
   void onError(std::function<void()> action);
 
-  Picture frame(int width = 24, int height = 16);
+  Picture frame(int width = 24, int height = 16) { return frame(width, height, live); }
+  Picture frame(int width, int height, LiveVolumeRenderingHandle drawn);
   // Frames, for ten seconds at most, until the condition holds.
   bool framesUntil(const std::function<bool()>& condition);
   bool framesUntilShown() {

@@ -16,8 +16,8 @@ namespace {
 
 // Objects that tests pass through without owning them.
 struct Fixed {
-  int device = 0;
-  int processing[2] = {};
+  int device[PatternDevice::devices] = {};
+  int processing[PatternDevice::devices] = {};
   int polarization = 0;
   int scanPattern = 0;
 };
@@ -35,20 +35,22 @@ class Control : public PatternDevice {
     release();
     const std::lock_guard lock(state().mutex);
     PatternState& s = state();
-    s.names = {{&fixed.device, "device"},
-               {&fixed.processing[0], "processing0"},
-               {&fixed.processing[1], "processing1"},
-               {&fixed.polarization, "polarization"},
-               {&fixed.scanPattern, "scan"}};
+    s.names = {{&fixed.polarization, "polarization"}, {&fixed.scanPattern, "scan"}};
+    for (int i = 0; i < devices; ++i) {
+      s.names[&fixed.device[i]] = "device" + (i > 0 ? std::to_string(i) : "");
+      s.names[&fixed.processing[i]] = "processing" + std::to_string(i);
+    }
     s.made.clear();
-    s.objects = s.misuses = s.acquired = 0;
+    s.objects.clear();
+    s.misuses = s.acquired = 0;
     s.size[0] = 16, s.size[1] = 12, s.size[2] = 10;
     s.volume.clear();
     s.analog.clear();
     s.surface.clear();
     s.channels = 2;
     s.failures.clear();
-    s.recording = s.measuring = false;
+    s.recording = false;
+    s.measuring.clear();
     s.calls.clear();
     s.error.clear();
     s.dataOutputs.clear();
@@ -56,9 +58,11 @@ class Control : public PatternDevice {
     s.polarizationOutput = nullptr;
   }
 
-  OCTDeviceHandle device() override { return reinterpret_cast<OCTDeviceHandle>(&fixed.device); }
-  ProcessingHandle processing(int sensor) override {
-    return reinterpret_cast<ProcessingHandle>(&fixed.processing[sensor]);
+  OCTDeviceHandle device(int number) override {
+    return reinterpret_cast<OCTDeviceHandle>(&fixed.device[number]);
+  }
+  ProcessingHandle processing(int number) override {
+    return reinterpret_cast<ProcessingHandle>(&fixed.processing[number]);
   }
   PolarizationProcessingHandle polarization() override {
     return reinterpret_cast<PolarizationProcessingHandle>(&fixed.polarization);
@@ -114,7 +118,10 @@ class Control : public PatternDevice {
   }
   std::string calls() override { return read(state().calls); }
   int volumes() override { return read(state().acquired); }
-  int objects() override { return read(state().objects); }
+  int objects() override {
+    const std::lock_guard lock(state().mutex);
+    return static_cast<int>(state().objects.size());
+  }
   int misuses() override { return read(state().misuses); }
 
  private:
@@ -192,12 +199,18 @@ void clearData(DataHandle data) {
 
 void startMeasurement(OCTDeviceHandle device, ScanPatternHandle pattern, int mode) {
   if (!entered("startMeasurement", device, pattern, mode)) return;
-  if (patternState().measuring.exchange(true)) patternState().raise("startMeasurement while measuring");
+  bool first = false;
+  {
+    const std::lock_guard lock(patternState().mutex);
+    first = patternState().measuring.insert(device).second;
+  }
+  if (!first) patternState().raise("startMeasurement while measuring");
 }
 
 void stopMeasurement(OCTDeviceHandle device) {
   if (!entered("stopMeasurement", device)) return;
-  patternState().measuring = false;
+  const std::lock_guard lock(patternState().mutex);
+  patternState().measuring.erase(device);
 }
 
 int isError(void) {

@@ -16,8 +16,10 @@ class PatternDevice {
   // Everything as at first: 16 x 12 x 10 samples, 2 x 3 x 1.5 mm, nothing failing, held or recorded.
   virtual void reset() = 0;
 
-  virtual OCTDeviceHandle device() = 0;
-  virtual ProcessingHandle processing(int sensor) = 0;
+  // So many devices measure at the same time, each with processings of its own.
+  static constexpr int devices = 16;
+  virtual OCTDeviceHandle device(int number = 0) = 0;
+  virtual ProcessingHandle processing(int number) = 0;
   virtual PolarizationProcessingHandle polarization() = 0;
   virtual ScanPatternHandle scanPattern() = 0;
 

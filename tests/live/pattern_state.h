@@ -1,10 +1,11 @@
 // What the functions of the pattern device share.
 #pragma once
 
-#include <atomic>
 #include <condition_variable>
 #include <map>
+#include <memory>
 #include <mutex>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -29,9 +30,9 @@ namespace oct::test {
 struct PatternState {
   std::mutex mutex;
   std::condition_variable condition;
-  std::map<const void*, std::string> names;  // of the objects that are alive
+  std::map<const void*, std::string> names;              // of the objects that are alive
+  std::map<const void*, std::shared_ptr<void>> objects;  // those of them that clients create
   std::map<std::string, int> made;
-  int objects = 0;
   int misuses = 0;
   int size[3] = {};
   std::vector<float> volume;
@@ -45,7 +46,7 @@ struct PatternState {
   bool recording = false;
   std::string calls;
   std::string error;
-  std::atomic<bool> measuring = false;
+  std::set<OCTDeviceHandle> measuring;
   int acquired = 0;
   std::map<ProcessingHandle, DataHandle> dataOutputs;
   std::map<ProcessingHandle, ComplexDataHandle> complexOutputs;
@@ -54,21 +55,17 @@ struct PatternState {
 
   template <class Object>
   Object* make(const char* kind) {
-    auto* const object = new Object;
+    const auto object = std::make_shared<Object>();
     const std::lock_guard lock(mutex);
-    names[object] = kind + std::to_string(made[kind]++);
-    ++objects;
-    return object;
+    names[object.get()] = kind + std::to_string(made[kind]++);
+    objects[object.get()] = object;
+    return object.get();
   }
 
-  template <class Object>
-  void clear(Object* object) {
-    {
-      const std::lock_guard lock(mutex);
-      names.erase(object);
-      --objects;
-    }
-    delete object;
+  void clear(const void* object) {
+    const std::lock_guard lock(mutex);
+    names.erase(object);
+    objects.erase(object);
   }
 
   std::string text(const void* handle) {
