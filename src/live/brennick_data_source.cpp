@@ -281,7 +281,8 @@ void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) co
   AbstractLiveRendering* const rendering = live_renderer_;
   VolumeRenderer* const renderer = rendering ? rendering->get_renderer() : nullptr;
   if (!renderer) return;
-  if (renderer->settings().renderVolume) {
+  // Where they do not fit, another source has started on the same live renderer.
+  if (renderer->settings().renderVolume && fits(*rendering, geometry)) {
     WriteBuffer buffer(*rendering);
     if (buffer.data() && fits(*rendering, geometry) && copy_volume(data, geometry, buffer.data())) {
       buffer.filled();
@@ -290,7 +291,6 @@ void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) co
   if (renderer->settings().renderSurface) copy_surface(data, *renderer);
 }
 
-// Another source may have started on the same live renderer meanwhile.
 bool BrennickDataSource::fits(AbstractLiveRendering& rendering, const Geometry& geometry) {
   std::int32_t x = 0;
   std::int32_t y = 0;

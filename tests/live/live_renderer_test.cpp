@@ -232,7 +232,7 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   EXPECT_EQ(live.get_renderer(), nullptr);
   live.set_renderer(&renderer);
   EXPECT_EQ(live.get_renderer(), &renderer);
-  const std::vector<float> secondary(2 * 3 * 2, 0.5F);
+  std::vector<float> secondary(2 * 3 * 2, 0.5F);
   live.set_size(4, 3, 2);
   live.set_secondary_data(secondary.data(), 2);
   beginOffscreenFrame(stage.target, 20, 20);
@@ -247,7 +247,12 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   ASSERT_NE(data, nullptr);
   std::fill_n(data, 4 * 3 * 2, 0.25F);
   live.update();
+  const std::vector<float> ofTheVolume = secondary;
+  std::fill(secondary.begin(), secondary.end(), 0.75F);  // of the next one
   live.render();
+  glBindTexture(GL_TEXTURE_3D, renderer.source().secondary);
+  glGetTexImage(GL_TEXTURE_3D, 0, GL_RED, GL_FLOAT, secondary.data());
+  EXPECT_EQ(secondary, ofTheVolume);
   EXPECT_EQ(renderer.source().revision, before + 1);
   EXPECT_NE(renderer.source().volume, 0U);
   EXPECT_EQ(renderer.source().sliceCount, 3);
