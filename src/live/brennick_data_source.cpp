@@ -85,8 +85,12 @@ void BrennickDataSource::start(ScanPatternHandle pattern) {
   if (thread_.joinable()) thread_.join();
   scan_pattern_ = pattern;
   if (!live_renderer_) throw Exception("Wrong order of execution");
-  ended_ = false;
-  running_ = true;
+  {
+    const std::lock_guard request(request_mutex_);
+    ++thread_number_;
+    ended_ = false;
+    running_ = true;
+  }
   try {
     thread_ = start_thread();
   } catch (...) {
@@ -97,14 +101,17 @@ void BrennickDataSource::start(ScanPatternHandle pattern) {
 }
 
 void BrennickDataSource::stop() {
+  std::uint64_t asked = 0;
   {
     const std::lock_guard lock(request_mutex_);
     if (AbstractLiveRendering* const rendering = live_renderer_) rendering->stop();
     running_ = false;
+    asked = thread_number_;
   }
   if (on_own_thread()) throw deadlock();
   const std::lock_guard lock(thread_mutex_);
-  if (thread_.joinable()) thread_.join();
+  // A thread that was started meanwhile has not been asked to end.
+  if (thread_number_ == asked && thread_.joinable()) thread_.join();
 }
 
 void BrennickDataSource::await_end() {

@@ -110,6 +110,7 @@ class BrennickDataSource : public AbstractDataSource {
   // What the thread requests of the live renderer comes before a stop or not at all.
   std::mutex request_mutex_;
   std::thread thread_;
+  std::uint64_t thread_number_ = 0;  // counts starts; written under both mutexes
   std::atomic<bool> ended_ = true;  // the thread is past its last callback
   std::atomic<std::thread::id> own_thread_;
 };

@@ -66,7 +66,7 @@ class LiveThreadTest : public LiveTest {
   }
 
   std::vector<LiveVolumeRenderingHandle> lives_{stage_.live};
-  int shown_ = 0;
+  std::atomic<int> shown_ = 0;
   int torn_ = 0;
 };
 
@@ -162,9 +162,13 @@ TEST_F(LiveThreadTest, SettersWhileRunning) {
   selectOnlineDataSource_PS(stage_.source, 7);
   stage_.start();
   const LiveDataSourceHandle source = stage_.source;
-  const auto many = [](auto setter) {
-    return [setter] {
-      for (int i = 0; i < 400; ++i) setter(i), std::this_thread::sleep_for(microseconds(200));
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  const auto many = [&](auto setter) {
+    return [this, end, setter] {
+      for (int i = 0; i < 200 || (shown_ <= 20 && std::chrono::steady_clock::now() < end); ++i) {
+        setter(i);
+        std::this_thread::sleep_for(microseconds(200));
+      }
     };
   };
   drawWhile(
@@ -192,7 +196,7 @@ TEST_F(LiveThreadTest, SettersWhileRunning) {
        many([this](int i) {
          setRenderElements(renderer_, 1, i % 8 == 0), setAngles(renderer_, 0, 80 + i % 20);
        })});
-  EXPECT_GT(shown_, 10);
+  EXPECT_GT(shown_, 20);
 }
 
 // ---- While the acquisition thread is somewhere in particular
@@ -268,11 +272,39 @@ TEST_F(LiveThreadTest, CallbacksThatCallTheSource) {
   }
 }
 
+// A stop waits for the thread that it has asked to end, not for one that is started while it waits.
+TEST_F(LiveThreadTest, StopWaitsForNoLaterStart) {
+  stage_.makeSource();
+  for (int i = 0; i < 20; ++i) {
+    device_.hold("stopMeasurement");
+    stage_.start();
+    ASSERT_TRUE(stage_.framesUntilShown());
+    std::atomic<int> left = 4;
+    const auto stop = [&] { stopDataSource(stage_.source), --left; };
+    const auto start = [&] { stage_.start(), --left; };
+    std::vector<std::thread> threads;
+    threads.emplace_back(stop);
+    EXPECT_TRUE(stage_.framesUntil([&] { return device_.held(); }));
+    for (const bool stops : {true, false, true}) {
+      threads.emplace_back([&, stops] { stops ? stop() : start(); });
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(3));
+    device_.release();
+    EXPECT_TRUE(stage_.framesUntil([&] { return left == 0; }));
+    stopDataSource(stage_.source);
+    for (std::thread& thread : threads) thread.join();
+  }
+  // A start that finds a stop at work is refused.
+  while (pendingError() != "(none)") {
+  }
+}
+
 // A callback that waits for the live renderer's lock, a stop that waits for the callback, and a start that
 // wants both: none waits for the other in a circle.
 TEST_F(LiveThreadTest, StartsStopsAndCallbacksDoNotLockEachOther) {
   stage_.makeSource();
   stage_.onIntensity([this] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
     isLiveVolumeRunning(stage_.live);
     getRenderedVolumesPerSec(stage_.live);
     startDataSource(stage_.live, stage_.source, device_.scanPattern());
