@@ -93,6 +93,12 @@ TEST_F(LiveRendererTest, HandOver) {
     EXPECT_EQ(spy_.calls("glMapBuffer"), i + 1);
     EXPECT_EQ(spy_.calls("glTexSubImage3D"), uploads + 1);
   }
+  // Volumes per second of the wall clock: none of this time was worked.
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  produce(5.0F);
+  live_.render();
+  EXPECT_GT(live_.get_fps(), 0.0);
+  EXPECT_LE(live_.get_fps(), 10.0);
   live_.stop();
   live_.render();
   EXPECT_EQ(live_.get_data_ptr(), nullptr);

@@ -91,25 +91,12 @@ class Control : public PatternDevice {
     const std::lock_guard lock(state().mutex);
     state().failures[function] = {call, 0};
   }
-  void hold(const char* function, int after) override {
-    {
-      const std::lock_guard lock(state().mutex);
-      state().held = function;
-      state().permits = after;
-    }
-    state().condition.notify_all();
-  }
+  void hold(const char* function, int after) override { state().hold(function, after); }
   bool held() override {
     const std::lock_guard lock(state().mutex);
     return state().waiting > 0;
   }
-  void release() override {
-    {
-      const std::lock_guard lock(state().mutex);
-      state().held.clear();
-    }
-    state().condition.notify_all();
-  }
+  void release() override { state().hold({}, 0); }
 
   void record(bool enabled) override {
     const std::lock_guard lock(state().mutex);

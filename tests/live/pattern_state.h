@@ -42,7 +42,8 @@ struct PatternState {
   std::map<std::string, std::pair<int, int>> failures;  // which call, and how many have been seen
   std::string held;
   int permits = 0;
-  int waiting = 0;
+  int waiting = 0;  // since the latest hold
+  int holds = 0;
   bool recording = false;
   std::string calls;
   std::string error;
@@ -81,6 +82,17 @@ struct PatternState {
     return stream.str();
   }
 
+  void hold(const std::string& function, int after) {
+    {
+      const std::lock_guard lock(mutex);
+      held = function;
+      permits = after;
+      waiting = 0;
+      ++holds;
+    }
+    condition.notify_all();
+  }
+
   void raise(const std::string& message) {
     const std::lock_guard lock(mutex);
     if (error.empty()) error = message;
@@ -102,8 +114,7 @@ bool entered(const char* function, Arguments... arguments) {
   if (state.recording) state.calls += std::string(function) + "(" + list + ")\n";
   if (state.held == function && --state.permits < 0) {
     ++state.waiting;
-    state.condition.wait(lock, [&] { return state.held != function; });
-    --state.waiting;
+    state.condition.wait(lock, [&, mine = state.holds] { return state.holds != mine; });
   }
   bool failed = state.misuses > misusesBefore;
   const auto failure = state.failures.find(function);
