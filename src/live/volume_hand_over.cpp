@@ -19,7 +19,7 @@ float* VolumeHandOver::lend(const gl::Extent3D& wanted) {
   const std::lock_guard lock(mutex_);
   if (data_ && extent_ != wanted) return nullptr;
   event_->reset();
-  if (!data_ || lent_ || filled_) return nullptr;
+  if (!data_ || lent_ || filled_ || withdrawing_) return nullptr;
   lent_ = true;
   return data_;
 }
@@ -85,7 +85,9 @@ void VolumeHandOver::taken() {
 bool VolumeHandOver::withdraw() {
   std::unique_lock lock(mutex_);
   event_->reset();
+  withdrawing_ = true;  // who gives the buffer back does not get it again
   returned_.wait(lock, [this] { return !lent_; });
+  withdrawing_ = false;
   event_->reset();  // the producer may have given the buffer back
   filled_ = false;
   return std::exchange(data_, nullptr) != nullptr;

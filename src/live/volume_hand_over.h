@@ -62,6 +62,7 @@ class VolumeHandOver {
   float* data_ = nullptr;
   bool lent_ = false;
   bool filled_ = false;
+  bool withdrawing_ = false;
   gl::Extent3D extent_;
   const float* secondaryData_ = nullptr;
   std::int32_t secondaryWidth_ = 0;

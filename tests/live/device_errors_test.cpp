@@ -302,6 +302,7 @@ TEST_F(DeviceEndsTest, ASourceNeverWritesIntoTheBufferOfAnother) {
   EXPECT_EQ(device_.calls().find("getDataPtr"), std::string::npos);
   EXPECT_TRUE(uniform(stage_.voxels));
   go = true;
+  stopDataSource(stage_.source);
   stopDataSource(first);
   clearDataSource(first);
 }
