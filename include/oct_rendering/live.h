@@ -277,7 +277,8 @@ OCT_API void selectOnlineDataSource_Camera(LiveDataSourceHandle DataSource, int 
  * @param DataSource The source; null, and a source of another kind, are ignored.
  * @param Output 0 intensity (at first), 1 retardation, 2 optic axis, 3 degree of polarization uniformity
  * (DOPU), 4, 5, 6 Stokes Q, U, V; 7, 8 intensity of sensor 0, 1 without polarization processing; any other:
- * volumes are acquired and the picture stays.
+ * volumes are acquired and the picture stays; a source that was started so draws nothing before it is started
+ * again, because sizes are read at the start.
  * @thread Any thread.
  */
 OCT_API void selectOnlineDataSource_PS(LiveDataSourceHandle DataSource, int Output);

@@ -129,6 +129,7 @@ void clearDataSource(LiveDataSourceHandle Handle) {
   if (!Handle) return;
   frame(__func__, [&] {
     dataSource(Handle)->stop();  // throws on the source's own thread, which must not lose its object
+    dataSource(Handle)->deregister_renderer();  // the destructor does not stop it again
     delete dataSource(Handle);
   });
 }
@@ -136,7 +137,8 @@ void clearDataSource(LiveDataSourceHandle Handle) {
 void setRefIntensityCallback(LiveDataSourceHandle Handle, OctIntensityFunction Callback) {
   frame(__func__, [&] {
     auto& source = checked<AbstractDataSource>(Handle, invalidSource);
-    source.set_ref_intensity_callback(std::make_unique<oct::RefIntensityCallback>(Callback));
+    source.set_ref_intensity_callback(Callback ? std::make_unique<oct::RefIntensityCallback>(Callback)
+                                               : nullptr);
   });
 }
 
@@ -144,12 +146,12 @@ void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle Da
                      ScanPatternHandle Pattern) {
   frame(
       "void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle DataSource, "
-      "ScanPatternHandle "
-      "Pattern)",
+      "ScanPatternHandle Pattern)",
       [&] {
         auto& source = checked<AbstractDataSource>(DataSource, invalidSource);
         auto& rendering = checked<AbstractLiveRendering>(Renderer, invalidRenderer);
         if (!Pattern) throw std::invalid_argument("The specified ScanPatternHandle is invalid. ");
+        source.await_end();  // not under the lock, for which a callback of the ending thread may be waiting
         const oct::ObjectLock lock(Renderer);
         source.register_live_rendering(&rendering);
         source.start(Pattern);

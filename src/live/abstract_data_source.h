@@ -20,6 +20,9 @@ class AbstractDataSource {
   virtual void deregister_renderer() = 0;
   virtual void start(ScanPatternHandle pattern) = 0;
   virtual void stop() = 0;
+  // Waits for a thread that has been asked to end or ends by itself; for no other, and not on the thread
+  // itself.
+  virtual void await_end() = 0;
   virtual void set_ref_intensity_callback(std::unique_ptr<RefIntensityFunctor> callback) = 0;
   virtual void set_error_callback(
       const ErrorCallback& callback) = 0;          // keeps a copy; an empty one removes it

@@ -1,8 +1,8 @@
 #include "live/brennick_data_source.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <stdexcept>
 #include <system_error>
 
@@ -10,6 +10,7 @@
 #include "core/timing_mark.h"
 #include "live/abstract_live_rendering.h"
 #include "live/scope_exit.h"
+#include "vec/vec.h"
 #include "volume/volume_renderer.h"
 
 namespace oct {
@@ -60,42 +61,63 @@ BrennickDataSource::~BrennickDataSource() {
   BrennickDataSource::stop();
 }
 
-void BrennickDataSource::register_live_rendering(AbstractLiveRendering* rendering) {
+std::unique_lock<std::mutex> BrennickDataSource::lock_idle() {
   if (running_) throw alreadyRunning();
+  if (on_own_thread()) throw deadlock();
+  std::unique_lock lock(thread_mutex_, std::try_to_lock);
+  if (!lock || !idle()) throw alreadyRunning();
+  return lock;
+}
+
+void BrennickDataSource::register_live_rendering(AbstractLiveRendering* rendering) {
+  const auto lock = lock_idle();
   live_renderer_ = rendering;
 }
 
 void BrennickDataSource::deregister_renderer() {
-  register_live_rendering(nullptr);
+  const std::unique_lock lock(thread_mutex_, std::try_to_lock);
+  if (lock && idle()) live_renderer_ = nullptr;
 }
 
 void BrennickDataSource::start(ScanPatternHandle pattern) {
-  if (running_) throw alreadyRunning();
-  if (on_own_thread()) throw deadlock();
-  const std::lock_guard lock(thread_mutex_);
-  if (running_) throw alreadyRunning();
+  const auto lock = lock_idle();
   // A thread that a device error has ended is still joinable; assigning to it would end the process.
   if (thread_.joinable()) thread_.join();
   scan_pattern_ = pattern;
   if (!live_renderer_) throw Exception("Wrong order of execution");
-  running_ = true;
+  {
+    const std::lock_guard request(request_mutex_);
+    ++thread_number_;
+    ended_ = false;
+    running_ = true;
+  }
   try {
     thread_ = start_thread();
   } catch (...) {
     running_ = false;
+    ended_ = true;
     throw;
   }
 }
 
 void BrennickDataSource::stop() {
+  std::uint64_t asked = 0;
   {
     const std::lock_guard lock(request_mutex_);
     if (AbstractLiveRendering* const rendering = live_renderer_) rendering->stop();
     running_ = false;
+    asked = thread_number_;
   }
   if (on_own_thread()) throw deadlock();
   const std::lock_guard lock(thread_mutex_);
-  if (thread_.joinable()) thread_.join();
+  // A thread that was started meanwhile has not been asked to end.
+  if (thread_number_ == asked && thread_.joinable()) thread_.join();
+}
+
+void BrennickDataSource::await_end() {
+  if (running_ || on_own_thread()) return;
+  const std::lock_guard lock(thread_mutex_);
+  if (!running_ && thread_.joinable()) thread_.join();
 }
 
 std::thread BrennickDataSource::start_thread() {
@@ -109,8 +131,10 @@ void BrennickDataSource::run() {
   } catch (const std::exception& error) {
     running_ = false;
     report_error(error.what());
+    report_device_error();  // the cause, maybe; left pending it would end the next measurement
   }
   own_thread_ = std::thread::id();
+  ended_ = true;
 }
 
 void BrennickDataSource::set_ref_intensity_callback(std::unique_ptr<RefIntensityFunctor> callback) {
@@ -186,7 +210,8 @@ void BrennickDataSource::thread() {
   if (report_device_error()) running_ = false;
   if (running_) sdk().executeProcessing(processing_, raw);
 
-  const Geometry geometry = read_geometry(data);
+  // Asking for what could not be created would leave one more error pending.
+  const Geometry geometry = data ? read_geometry(data) : Geometry();
   if (running_) {
     switch (prepare_rendering(geometry, analog)) {
       case Preparation::noRenderer:
@@ -247,7 +272,8 @@ BrennickDataSource::Preparation BrennickDataSource::prepare_rendering(const Geom
     rendering.invalidate();
   }
   rendering.wait_for_transition();
-  return Preparation::done;
+  // A stop has released the wait, and maybe nothing was initialised.
+  return running_ ? Preparation::done : Preparation::stopped;
 }
 
 // Depth is the geometric one; the renderer lets it run downwards.
@@ -262,50 +288,60 @@ void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) co
   AbstractLiveRendering* const rendering = live_renderer_;
   VolumeRenderer* const renderer = rendering ? rendering->get_renderer() : nullptr;
   if (!renderer) return;
-  if (renderer->settings().renderVolume) {
+  // Where they do not fit, another source has started on the same live renderer.
+  if (renderer->settings().renderVolume && fits(*rendering, geometry)) {
     WriteBuffer buffer(*rendering);
-    if (buffer.data()) {
-      copy_volume(data, geometry, buffer.data());
+    if (buffer.data() && fits(*rendering, geometry) && copy_volume(data, geometry, buffer.data())) {
       buffer.filled();
     }
   }
   if (renderer->settings().renderSurface) copy_surface(data, *renderer);
 }
 
-void BrennickDataSource::copy_volume(DataHandle data, const Geometry& geometry, float* destination) const {
+bool BrennickDataSource::fits(AbstractLiveRendering& rendering, const Geometry& geometry) {
+  std::int32_t x = 0;
+  std::int32_t y = 0;
+  std::int32_t z = 0;
+  rendering.get_size(&x, &y, &z);
+  return x == geometry.z && y == geometry.size2 && z == geometry.size3;
+}
+
+// False when the device gives no samples, which it has reported.
+bool BrennickDataSource::copy_volume(DataHandle data, const Geometry& geometry, float* destination) const {
   const auto aScans = static_cast<std::size_t>(geometry.size2) * static_cast<std::size_t>(geometry.size3);
   const auto kept = static_cast<std::size_t>(geometry.z);
   const auto insufficient = [] { return Exception("Insufficient memory allocated."); };
   if (geometry.z == geometry.size1) {
     const int bytes = sdk().getDataPropertyInt(data, OCT_DATA_BYTE_COUNT);
-    // More than the buffer holds, if the device changed its mind about the size.
-    if (bytes < 0 || static_cast<std::size_t>(bytes) > aScans * kept * sizeof(float)) throw insufficient();
-    std::memcpy(destination, sdk().getDataPtr(data), static_cast<std::size_t>(bytes));
-    return;
+    const float* const source = sdk().getDataPtr(data);
+    if (bytes == 0 || !source) return false;
+    // The device has changed its mind about the size.
+    if (bytes < 0 || static_cast<std::size_t>(bytes) != aScans * kept * sizeof(float)) throw insufficient();
+    vec::copy(destination, source, aScans * kept);
+    return true;
   }
-  if (sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1) < geometry.z ||
-      sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2) < geometry.size2 ||
+  // A-scans lie as far apart as at the start of the measurement.
+  if (sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1) < std::max(geometry.z, geometry.size1) ||
+      geometry.size1 < geometry.z || sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2) < geometry.size2 ||
       sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3) < geometry.size3) {
     throw insufficient();
   }
-  const float* source = sdk().getDataPtr(data);
-  for (std::size_t aScan = 0; aScan < aScans; ++aScan) {
-    std::memcpy(destination, source, kept * sizeof(float));
-    source += geometry.size1;
-    destination += kept;
-  }
+  const float* const source = sdk().getDataPtr(data);
+  if (!source) return false;
+  vec::cropCopy(destination, source, aScans, static_cast<std::size_t>(geometry.size1), kept);
+  return true;
 }
 
 void BrennickDataSource::copy_surface(DataHandle data, VolumeRenderer& renderer) const {
   const DataHandle surface = sdk().createData();
-  const ScopeExit cleanUp([&] {
-    if (surface) sdk().clearData(surface);
-  });
+  if (!surface) return;
+  const ScopeExit cleanUp([&] { sdk().clearData(surface); });
   sdk().determineSurface(data, surface);
   const int width = sdk().getDataPropertyInt(surface, OCT_DATA_SIZE_1);
   const int height = sdk().getDataPropertyInt(surface, OCT_DATA_SIZE_2);
   const auto scale = static_cast<float>(sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_1));
-  renderer.setSurface(width, height, scale, sdk().getDataPtr(surface));
+  const float* const depths = sdk().getDataPtr(surface);
+  if (depths) renderer.setSurface(width, height, scale, depths);
 }
 
 }  // namespace oct

@@ -23,14 +23,18 @@ class BrennickDataSource : public AbstractDataSource {
   BrennickDataSource(const BrennickDataSource&) = delete;
   BrennickDataSource& operator=(const BrennickDataSource&) = delete;
 
-  // Both throw while the source runs: the thread and stop must mean the same renderer.
+  // Throws while the thread lives: it and stop must mean the same renderer.
   void register_live_rendering(AbstractLiveRendering* rendering) override;
+  // Does nothing while the thread lives.
   void deregister_renderer() override;
 
+  // Throws while the thread lives, instead of waiting for it: the caller may hold a lock that a client's
+  // callback on the ending thread waits for. await_end comes before such locks.
   void start(ScanPatternHandle pattern) override;
   // Waits for the acquisition thread. On the thread itself, where a client's callbacks run, it asks the
   // thread to end and throws std::system_error (resource_deadlock_would_occur).
   void stop() override;
+  void await_end() override;
 
   // The callback that was set before may be running when this returns.
   void set_ref_intensity_callback(std::unique_ptr<RefIntensityFunctor> callback) override;
@@ -83,8 +87,12 @@ class BrennickDataSource : public AbstractDataSource {
 
  private:
   void run();
+  bool idle() const { return !running_ && ended_; }
+  // Lock of the thread object while there is no thread; throws otherwise.
+  std::unique_lock<std::mutex> lock_idle();
   bool on_own_thread() const { return own_thread_ == std::this_thread::get_id(); }
-  void copy_volume(DataHandle data, const Geometry& geometry, float* destination) const;
+  static bool fits(AbstractLiveRendering& rendering, const Geometry& geometry);
+  bool copy_volume(DataHandle data, const Geometry& geometry, float* destination) const;
   void copy_surface(DataHandle data, VolumeRenderer& renderer) const;
 
   const std::int32_t max_size_z_;  // half a spectrum
@@ -99,9 +107,11 @@ class BrennickDataSource : public AbstractDataSource {
   ErrorCallback error_callback_;
 
   std::mutex thread_mutex_;  // held by whoever starts or joins the thread, never by the thread
-  std::mutex
-      request_mutex_;  // what the thread requests of the live renderer comes before a stop or not at all
+  // What the thread requests of the live renderer comes before a stop or not at all.
+  std::mutex request_mutex_;
   std::thread thread_;
+  std::uint64_t thread_number_ = 0;  // counts starts; written under both mutexes
+  std::atomic<bool> ended_ = true;  // the thread is past its last callback
   std::atomic<std::thread::id> own_thread_;
 };
 

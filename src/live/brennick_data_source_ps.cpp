@@ -106,7 +106,7 @@ void BrennickDataSource_PS::thread() {
   const PolarizationSettings first = settings();
   if (running_) process(volumes, first, true);
 
-  const Geometry geometry = read_geometry(volumes.data);
+  const Geometry geometry = volumes.data ? read_geometry(volumes.data) : Geometry();
   if (running_) {
     switch (prepare_rendering(geometry, nullptr)) {
       case Preparation::noRenderer:
@@ -118,7 +118,7 @@ void BrennickDataSource_PS::thread() {
         break;
       case Preparation::done:
         // A mode that processes nothing has left nothing to draw.
-        if (is_drawn(first.output_mode)) copy_data(volumes.data, geometry);
+        if (geometry.size1 > 0) copy_data(volumes.data, geometry);
     }
   }
   while (running_) {
@@ -132,7 +132,7 @@ void BrennickDataSource_PS::thread() {
     set_range(geometry);
     if (report_device_error()) running_ = false;
     report_reference_intensity();
-    if (running_ && (is_drawn(current.output_mode) || geometry.size1 > 0)) copy_data(volumes.data, geometry);
+    if (running_ && geometry.size1 > 0) copy_data(volumes.data, geometry);
   }
 }
 

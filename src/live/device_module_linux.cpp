@@ -15,18 +15,19 @@ std::string fileName(const std::string& nameOrPath) {
   return complete ? nameOrPath : "lib" + nameOrPath + ".so";
 }
 
-// The path under which the process has loaded a file of that name; empty if it has not. dlopen by itself
-// finds only modules that carry the name inside.
+// The path of a loaded module with that file name. dlopen finds it by itself only if the module carries the
+// name inside, which not every linker call sees to.
 std::string loadedPath(const std::string& file) {
   struct Search {
     const std::string& file;
     std::string path;
-  } search{file, {}};
+  } search{file, file};
   dl_iterate_phdr(
-      [](dl_phdr_info* module, std::size_t, void* data) {
-        auto& wanted = *static_cast<Search*>(data);
-        if (std::filesystem::path(module->dlpi_name).filename() != wanted.file) return 0;
-        wanted.path = module->dlpi_name;
+      [](dl_phdr_info* module, std::size_t, void* context) {
+        auto& wanted = *static_cast<Search*>(context);
+        const std::filesystem::path path(module->dlpi_name);
+        if (path.filename() != wanted.file) return 0;
+        wanted.path = path.string();
         return 1;
       },
       &search);
@@ -36,9 +37,8 @@ std::string loadedPath(const std::string& file) {
 }  // namespace
 
 DeviceModule::DeviceModule(const std::string& nameOrPath) {
-  std::string file = fileName(nameOrPath);
-  if (const std::string loaded = loadedPath(file); !loaded.empty()) file = loaded;
-  handle_ = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  const std::string file = fileName(nameOrPath);
+  handle_ = dlopen(loadedPath(file).c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   if (!handle_) {
     throw std::runtime_error("The device library \"" + nameOrPath + "\" could not be loaded: " + dlerror() +
                              " ");

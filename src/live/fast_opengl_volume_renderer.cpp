@@ -41,22 +41,22 @@ void FastOpenGLVolumeRenderer::set_size(std::int32_t x, std::int32_t y, std::int
     throw std::invalid_argument("The volume has too many voxels for live rendering. ");
   }
   {
-    const std::lock_guard lock(size_mutex_);
-    size_ = {x, y, z};
+    const std::lock_guard lock(extent_mutex_);
+    extent_ = {x, y, z};
   }
   log() << "FastOpenGLVolumeRenderer::set_size: " << x << " x " << y << " x " << z;
 }
 
 void FastOpenGLVolumeRenderer::get_size(std::int32_t* x, std::int32_t* y, std::int32_t* z) {
-  const Size stored = size();
-  if (x) *x = stored.x;
-  if (y) *y = stored.y;
-  if (z) *z = stored.z;
+  const gl::Extent3D stored = extent();
+  if (x) *x = static_cast<std::int32_t>(stored.width);
+  if (y) *y = static_cast<std::int32_t>(stored.height);
+  if (z) *z = static_cast<std::int32_t>(stored.depth);
 }
 
-FastOpenGLVolumeRenderer::Size FastOpenGLVolumeRenderer::size() const {
-  const std::lock_guard lock(size_mutex_);
-  return size_;
+gl::Extent3D FastOpenGLVolumeRenderer::extent() const {
+  const std::lock_guard lock(extent_mutex_);
+  return extent_;
 }
 
 void FastOpenGLVolumeRenderer::set_secondary_data(const float* data, std::int32_t width) {
@@ -69,7 +69,7 @@ void FastOpenGLVolumeRenderer::start() {
 }
 
 void FastOpenGLVolumeRenderer::invalidate() {
-  log() << "Invalidate called, size_z = " << size().z;
+  log() << "Invalidate called, size_z = " << extent().depth;
   transition_.request(LiveState::invalidated);
 }
 
@@ -84,7 +84,7 @@ float* FastOpenGLVolumeRenderer::get_data_ptr() {
     ++dropped_;
     return nullptr;
   }
-  float* const data = hand_over_.lend();
+  float* const data = hand_over_.lend(extent());
   if (!data) ++dropped_;
   log() << "FastOpenGLVolumeRenderer::get_data_ptr(): ResetEvent";
   return data;
@@ -189,15 +189,15 @@ void FastOpenGLVolumeRenderer::draw() {
 }
 
 void FastOpenGLVolumeRenderer::initialize() {
-  const Size stored = size();
+  const gl::Extent3D stored = extent();
   if (VolumeRenderer* const renderer = volume_renderer_) {
     const ObjectLock lock(renderer);
     VolumeSource source = renderer->source();
     source.filledFraction = 1.0F;
     renderer->setSource(source);
   }
-  upload_.allocate({stored.x, stored.y, stored.z});
-  hand_over_.setAScans(static_cast<std::size_t>(stored.y) * static_cast<std::size_t>(stored.z));
+  upload_.allocate(stored);
+  hand_over_.setExtent(stored);
   if (const std::int32_t width = hand_over_.secondaryWidth(); width > 0) {
     upload_.allocateSecondary();
     if (VolumeRenderer* const renderer = volume_renderer_) {
@@ -208,7 +208,7 @@ void FastOpenGLVolumeRenderer::initialize() {
       renderer->setSource(source);
     }
   }
-  log() << "Initializing with sizes: " << stored.x << " x " << stored.y << " x " << stored.z;
+  log() << "Initializing with sizes: " << stored.width << " x " << stored.height << " x " << stored.depth;
   float* const data = upload_.mapFresh();
   if (!hand_over_.offer(data)) {
     writeError("Could not set event.");

@@ -43,12 +43,7 @@ class FastOpenGLVolumeRenderer : public AbstractLiveRendering {
   virtual void initialize();
   virtual void close();
 
-  struct Size {
-    std::int32_t x = 0;
-    std::int32_t y = 0;
-    std::int32_t z = 0;
-  };
-  Size size() const;
+  gl::Extent3D extent() const;
 
   void renderStart(const Transition::Request& request);
   void renderStop(const Transition::Request& request);
@@ -62,8 +57,8 @@ class FastOpenGLVolumeRenderer : public AbstractLiveRendering {
   VolumeHandOver hand_over_;
   VolumeUpload upload_;
   bool uploaded_ = false;  // since the texture was allocated
-  mutable std::mutex size_mutex_;
-  Size size_;
+  mutable std::mutex extent_mutex_;
+  gl::Extent3D extent_;  // of the volumes to come
   std::atomic<double> fps_ = 0.0;
   std::atomic<std::uint32_t> drawn_ = 0;
   std::atomic<std::uint32_t> dropped_ = 0;

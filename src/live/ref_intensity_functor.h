@@ -13,9 +13,7 @@ class RefIntensityCallback : public RefIntensityFunctor {
  public:
   using Function = void (*)(double intensity);
   explicit RefIntensityCallback(Function function) : function_(function) {}
-  void operator()(double intensity) override {
-    if (function_) function_(intensity);
-  }
+  void operator()(double intensity) override { function_(intensity); }
 
  private:
   const Function function_;

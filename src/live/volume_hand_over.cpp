@@ -15,10 +15,12 @@ bool VolumeHandOver::waitForBuffer() {
   return event_->wait(patience);
 }
 
-float* VolumeHandOver::lend() {
+float* VolumeHandOver::lend(const gl::Extent3D& wanted) {
   const std::lock_guard lock(mutex_);
+  if (data_ && extent_ != wanted) return nullptr;
   event_->reset();
-  lent_ = data_ != nullptr;
+  if (!data_ || lent_ || filled_ || withdrawing_) return nullptr;
+  lent_ = true;
   return data_;
 }
 
@@ -40,7 +42,8 @@ void VolumeHandOver::fill() {
     if (!lent_) return;
     data = secondaryData_;
     filledSecondary_.width = data ? secondaryWidth_ : 0;
-    count = static_cast<std::size_t>(filledSecondary_.width) * aScans_;
+    const std::int64_t aScans = extent_.height * extent_.depth;
+    count = static_cast<std::size_t>(filledSecondary_.width * aScans);
   }
   filledSecondary_.values.assign(data, data + count);
   {
@@ -82,15 +85,17 @@ void VolumeHandOver::taken() {
 bool VolumeHandOver::withdraw() {
   std::unique_lock lock(mutex_);
   event_->reset();
+  withdrawing_ = true;  // who gives the buffer back does not get it again
   returned_.wait(lock, [this] { return !lent_; });
+  withdrawing_ = false;
   event_->reset();  // the producer may have given the buffer back
   filled_ = false;
   return std::exchange(data_, nullptr) != nullptr;
 }
 
-void VolumeHandOver::setAScans(std::size_t count) {
+void VolumeHandOver::setExtent(const gl::Extent3D& extent) {
   const std::lock_guard lock(mutex_);
-  aScans_ = count;
+  extent_ = extent;
 }
 
 std::int32_t VolumeHandOver::secondaryWidth() const {

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <vector>
 
+#include "gl/texture_3d.h"
 #include "live/manual_reset_event.h"
 
 namespace oct {
@@ -21,8 +22,10 @@ class VolumeHandOver {
   // For the acquisition thread.
 
   bool waitForBuffer();  // at most 100 ms
-  float* lend();         // null when the rendering thread took the buffer back meanwhile
-  void giveBack();       // lent becomes free
+  // Free becomes lent. Null when the rendering thread took the buffer back meanwhile, and when its extent is
+  // not the wanted one: then the initialisation for the new one is still to come.
+  float* lend(const gl::Extent3D& wanted);
+  void giveBack();  // lent becomes free
 
   // Lent becomes filled. The secondary values of the volume are copied: their owner writes the next ones
   // while this volume waits to be drawn.
@@ -42,7 +45,7 @@ class VolumeHandOver {
   // holds is lost.
   bool withdraw();
 
-  void setAScans(std::size_t count);  // per volume; while the buffer is unmapped
+  void setExtent(const gl::Extent3D& extent);  // of the buffer; while it is unmapped
   std::int32_t secondaryWidth() const;
 
   struct Secondary {
@@ -59,7 +62,8 @@ class VolumeHandOver {
   float* data_ = nullptr;
   bool lent_ = false;
   bool filled_ = false;
-  std::size_t aScans_ = 0;
+  bool withdrawing_ = false;
+  gl::Extent3D extent_;
   const float* secondaryData_ = nullptr;
   std::int32_t secondaryWidth_ = 0;
   Secondary filledSecondary_;  // the producer's while the buffer is lent, else the rendering thread's

@@ -20,6 +20,7 @@ class Source : public AbstractDataSource {
   void deregister_renderer() override {}
   void start(ScanPatternHandle) override {}
   void stop() override {}
+  void await_end() override {}
   void set_ref_intensity_callback(std::unique_ptr<RefIntensityFunctor>) override {}
   void set_size_z(std::int32_t) override {}
   void set_camera(std::int32_t) override {}

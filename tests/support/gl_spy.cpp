@@ -64,6 +64,8 @@ GlSpy::State* spy = nullptr;
   X(genBuffers, __glewGenBuffers)                         \
   X(deleteBuffers, __glewDeleteBuffers)                   \
   X(bufferData, __glewBufferData)                         \
+  X(mapBuffer, __glewMapBuffer)                           \
+  X(unmapBuffer, __glewUnmapBuffer)                       \
   X(texImage3D, __glewTexImage3D)                         \
   X(texSubImage3D, __glewTexSubImage3D)                   \
   X(genVertexArrays, __glewGenVertexArrays)               \
@@ -119,6 +121,14 @@ void GLAPIENTRY deleteBuffers(GLsizei n, const GLuint* names) {
 }
 void GLAPIENTRY bufferData(GLenum target, GLsizeiptr size, const void* data, GLenum usage) {
   if (!spy->enterOrError("glBufferData")) original.bufferData(target, size, data, usage);
+}
+void* GLAPIENTRY mapBuffer(GLenum target, GLenum access) {
+  return spy->enter("glMapBuffer") ? nullptr : original.mapBuffer(target, access);
+}
+GLboolean GLAPIENTRY unmapBuffer(GLenum target) {
+  const bool lost = spy->enter("glUnmapBuffer");
+  const GLboolean intact = original.unmapBuffer(target);
+  return lost ? GL_FALSE : intact;
 }
 void GLAPIENTRY texImage3D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
                            GLsizei depth, GLint border, GLenum format, GLenum type, const void* pixels) {

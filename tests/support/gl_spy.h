@@ -21,8 +21,9 @@ class GlSpy {
   // Calls of a function, by its OpenGL name.
   int calls(const std::string& function) const;
 
-  // Makes the next calls of a function fail: functions that create give 0, compile and link report failure,
-  // the others do nothing and leave the given error for glGetError.
+  // Makes the next calls of a function fail: functions that create or map give 0, compile and link report
+  // failure, unmapping says that what was written is lost, the others do nothing and leave the given error
+  // for glGetError.
   void failNext(const std::string& function, int times = 1, GLenum error = GL_OUT_OF_MEMORY);
 
   // What queries of these values answer from now on.

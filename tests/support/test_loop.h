@@ -37,6 +37,11 @@ class Recorded {
 
   std::vector<T> all() { return atLeast(0); }
 
+  void clear() {
+    const std::lock_guard lock(mutex_);
+    values_.clear();
+  }
+
  private:
   std::mutex mutex_;
   std::condition_variable condition_;

@@ -103,7 +103,10 @@ class Ray {
  private:
   bool atEnd() const { return glm::length(current_ - front_) >= length_; }
   void advance() { current_ = current_ + step_; }
-  double value(const Volume& volume) const { return voxelAt(volume, {current_.y, current_.x, current_.z}); }
+  double value(const Volume& volume) const {
+    return voxelAt(volume, {current_.y, current_.x, current_.z},
+                   scene_.border ? Surroundings::zeros : Surroundings::edge);
+  }
   double value() const { return value(volume_); }
 
   void add(glm::dvec4& total, double value) const {
@@ -118,7 +121,8 @@ class Ray {
 
   void modulate(glm::dvec4& color) const {
     const double slice = (scene_.secondaryIndex + 0.5) / scene_.secondary.width;
-    const double secondary = voxelAt(scene_.secondary, {slice, current_.x, current_.z}, true);
+    const double secondary =
+        voxelAt(scene_.secondary, {slice, current_.x, current_.z}, Surroundings::firstAxisRepeats);
     const double surface = std::clamp(normalised(scene_.secondaryColoring, secondary), 0.0, 1.0);
     const glm::dvec4 second = mappedColor(scene_.secondaryColoring.colors, surface);
     color *= glm::dvec4((1.0 + surface) * glm::dvec3(second), 1.0);
@@ -193,7 +197,7 @@ double distance(const Picture& a, const Picture& b) {
 
 }  // namespace
 
-double voxelAt(const Volume& volume, const glm::dvec3& texture, bool repeatFirst) {
+double voxelAt(const Volume& volume, const glm::dvec3& texture, Surroundings surroundings) {
   const glm::ivec3 size(volume.width, volume.height, volume.depth);
   const glm::dvec3 position = texture * glm::dvec3(size) - 0.5;
   const glm::dvec3 below = glm::floor(position);
@@ -202,8 +206,10 @@ double voxelAt(const Volume& volume, const glm::dvec3& texture, bool repeatFirst
   for (int corner = 0; corner < 8; ++corner) {
     const glm::ivec3 step(corner & 1, corner >> 1 & 1, corner >> 2);
     glm::ivec3 index = glm::ivec3(below) + step;
-    if (repeatFirst) index.x = (index.x % size.x + size.x) % size.x;
-    index = glm::clamp(index, glm::ivec3(0), size - 1);
+    if (surroundings == Surroundings::firstAxisRepeats) index.x = (index.x % size.x + size.x) % size.x;
+    const glm::ivec3 inside = glm::clamp(index, glm::ivec3(0), size - 1);
+    if (surroundings == Surroundings::zeros && inside != index) continue;
+    index = inside;
     const glm::dvec3 share = glm::mix(1.0 - weight, weight, glm::bvec3(step));
     sum += share.x * share.y * share.z * volume.at(index.x, index.y, index.z);
   }

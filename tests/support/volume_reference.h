@@ -10,9 +10,12 @@
 
 namespace oct::test {
 
-// Linear between voxels at a place in texture coordinates, the outermost ones reaching beyond; the first axis
-// may repeat instead.
-double voxelAt(const Volume& volume, const glm::dvec3& texture, bool repeatFirst = false);
+// What lies around the voxels: the outermost ones go on, zeros, or the first axis begins anew.
+enum class Surroundings { edge, zeros, firstAxisRepeats };
+
+// Linear between voxels at a place in texture coordinates.
+double voxelAt(const Volume& volume, const glm::dvec3& texture,
+               Surroundings surroundings = Surroundings::edge);
 
 // OpenGL lets a driver blend either in full precision or in that of the target, that is with the eight bits
 // of a ray's rounded colour and opacity.

@@ -39,6 +39,7 @@ struct VolumeScene {
   Volume overlay;           // empty: none
   Volume secondary;         // empty: none; the first axis counts images
   int content = 0;          // of renderOfflineVolume
+  bool border = false;      // zeros lie around the volume, as in live volumes; else its edge goes on
   int slicesUploaded = -1;  // -1: the whole volume at once; else this many in one block
 
   int viewportWidth = 97;

@@ -1,0 +1,223 @@
+// The exact sequence of calls that a source makes into the device library.
+#include "live/abstract_data_source.h"
+#include "live/live_stage.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+using DeviceCallsTest = LiveTest;
+
+TEST_F(DeviceCallsTest, StandardSource) {
+  device_.record(true);
+  stage_.makeSource();
+  stage_.run(3);
+  EXPECT_EQ(device_.calls(), R"(getDevicePropertyInt(device, 0)
+getDevicePropertyFloat(device, 1)
+createRawData()
+createData()
+startMeasurement(device, scan, 0)
+isError()
+setProcessedDataOutput(processing0, data0)
+getRawDataEx(device, raw0, 0)
+getError(512)
+executeProcessing(processing0, raw0)
+getDataPropertyInt(data0, 2)
+getDataPropertyInt(data0, 3)
+getDataPropertyInt(data0, 1)
+getDataPropertyFloat(data0, 4)
+getDataPropertyFloat(data0, 5)
+getDataPropertyFloat(data0, 3)
+getDataPropertyInt(data0, 5)
+getDataPtr(data0)
+setProcessedDataOutput(processing0, data0)
+getRawDataEx(device, raw0, 0)
+executeProcessing(processing0, raw0)
+setDataRange(data0, 2, 3, 1.5)
+getError(512)
+getRelativeReferenceIntensity(device, processing0)
+getDataPropertyInt(data0, 5)
+getDataPtr(data0)
+setProcessedDataOutput(processing0, data0)
+getRawDataEx(device, raw0, 0)
+executeProcessing(processing0, raw0)
+setDataRange(data0, 2, 3, 1.5)
+getError(512)
+getRelativeReferenceIntensity(device, processing0)
+stopMeasurement(device)
+clearRawData(raw0)
+clearData(data0)
+)");
+  EXPECT_EQ(intensities().all(), std::vector<double>(2, 0.625));
+}
+
+// Analog input, half the depth, a refractive index, the surface, the other camera, and nobody who asks for
+// the reference intensity.
+TEST_F(DeviceCallsTest, StandardSourceWithEverything) {
+  stage_.makeSource();
+  setOnlineAnalogInputConfiguration(stage_.source, true);
+  selectOnlineDataSource_Camera(stage_.source, 1);
+  setOnlineRefractiveIndex(stage_.source, 1.25);
+  setRenderElements(renderer_, 1, 1);
+  setRefIntensityCallback(stage_.source, nullptr);
+  device_.record(true);
+  setSizeZ(stage_.source, 8);
+  device_.hold("setDataRange");
+  stage_.start();
+  ASSERT_TRUE(stage_.framesUntil([&] { return device_.held(); }));
+  for (int i = 0; i < 4; ++i) stage_.frame();  // a buffer is free
+  device_.hold("getRawDataEx");
+  ASSERT_TRUE(stage_.framesUntil([&] { return device_.held(); }));
+  const std::string copied = R"(getDataPropertyInt(data0, 1)
+getDataPropertyInt(data0, 2)
+getDataPropertyInt(data0, 3)
+getDataPtr(data0)
+)";
+  const auto surface = [](const std::string& data) {
+    return "createData()\ndetermineSurface(data0, " + data + ")\ngetDataPropertyInt(" + data +
+           ", 1)\ngetDataPropertyInt(" + data + ", 2)\ngetDataPropertyFloat(data0, 3)\ngetDataPtr(" + data +
+           ")\nclearData(" + data + ")\n";
+  };
+  EXPECT_EQ(device_.calls(), R"(getDevicePropertyFloat(device, 1)
+createRawData()
+createData()
+createData()
+startMeasurement(device, scan, 0)
+isError()
+setProcessedDataOutput(processing0, data0)
+getRawDataEx(device, raw0, 1)
+getAnalogInputData(device, data1)
+getError(512)
+executeProcessing(processing0, raw0)
+getDataPropertyInt(data0, 2)
+getDataPropertyInt(data0, 3)
+getDataPropertyInt(data0, 1)
+getDataPropertyFloat(data0, 4)
+getDataPropertyFloat(data0, 5)
+getDataPropertyFloat(data0, 3)
+getDataPtr(data1)
+getDataPropertyInt(data1, 1)
+)" + copied + surface("data2") + R"(setProcessedDataOutput(processing0, data0)
+getRawDataEx(device, raw0, 1)
+executeProcessing(processing0, raw0)
+getAnalogInputData(device, data1)
+setDataRange(data0, 0.8, 3, 1.5)
+getError(512)
+)" + copied + surface("data3") + R"(setProcessedDataOutput(processing0, data0)
+getRawDataEx(device, raw0, 1)
+)");
+  device_.record(true);
+  device_.release();
+  stopDataSource(stage_.source);
+  const std::string end = device_.calls();
+  EXPECT_EQ(end.substr(end.find("stopMeasurement")),
+            "stopMeasurement(device)\nclearRawData(raw0)\nclearData(data0)\nclearData(data1)\n");
+  auto& source = *reinterpret_cast<AbstractDataSource*>(stage_.source);
+  EXPECT_EQ(source.get_camera(), 1);
+}
+
+// Everything between the raw data of a volume and its range.
+std::string processing(int mode, bool first) {
+  static const char* const outputs[] = {"I", "Retardation", "OpticAxis", "DOPU", "Q", "U", "V"};
+  if (mode > 8) return "";
+  if (mode > 6) {
+    const std::string sensor = std::to_string(mode - 7);
+    return "setProcessedDataOutput(processing" + sensor + ", data0)\nexecuteProcessing(processing" + sensor +
+           ", raw" + sensor + ")\n";
+  }
+  const std::string threshold = R"(setPolarizationFlag(polarization, 0, 1)
+setPolarizationPropertyFloat(polarization, 0, 12.5)
+)";
+  const std::string dopu = mode != 3 ? "" : R"(setPolarizationPropertyInt(polarization, 0, 5)
+setPolarizationPropertyInt(polarization, 1, 7)
+setPolarizationPropertyInt(polarization, 2, 9)
+)";
+  const std::string volumes = "setPolarizationPropertyInt(polarization, 8, 4)\n";
+  return R"(setComplexDataOutput(processing0, complex0)
+setComplexDataOutput(processing1, complex1)
+executeProcessing(processing0, raw0)
+executeProcessing(processing1, raw1)
+setPolarizationOutput)" +
+         std::string(outputs[mode]) + "(polarization, data0)\n" + (first && mode == 0 ? "" : threshold) +
+         R"(setPolarizationPropertyInt(polarization, 6, 2)
+setPolarizationPropertyInt(polarization, 7, 3)
+setPolarizationPropertyInt(polarization, 5, 1)
+)" + (first ? volumes + dopu : dopu + volumes) +
+         "executePolarizationProcessing(polarization, complex0, complex1)\n";
+}
+
+class PolarizationCallsTest : public LiveTest, public testing::WithParamInterface<int> {};
+
+TEST_P(PolarizationCallsTest, EveryMode) {
+  const int mode = GetParam();
+  device_.record(true);
+  stage_.makePolarizationSource();
+  selectOnlineDataSource_PS(stage_.source, mode);
+  setOnlineAveraging_PS(stage_.source, -3, 2, 3, 4);  // less than one counts as one
+  setOnlineDOPU_PS(stage_.source, 5, 7, 9, 11);
+  setOnlineDataThreshold_PS(stage_.source, 12.5, true);
+  setRenderElements(renderer_, mode != 9, 0);
+  stage_.run(3);
+  const std::string raw = "getRawDataEx(device, raw0, 0)\ngetRawDataEx(device, raw1, 1)\n";
+  const std::string copied = mode > 8 ? "" : "getDataPropertyInt(data0, 5)\ngetDataPtr(data0)\n";
+  const std::string loop = raw + processing(mode, false) +
+                           (mode > 8 ? "" : "setDataRange(data0, 2, 3, 1.5)\n") +
+                           "getError(512)\ngetRelativeReferenceIntensity(device, processing0)\n";
+  EXPECT_EQ(device_.calls(), R"(getDevicePropertyInt(device, 0)
+getDevicePropertyFloat(device, 1)
+createRawData()
+createRawData()
+createComplexData()
+createComplexData()
+createData()
+startMeasurement(device, scan, 0)
+isError()
+)" + raw + "getError(512)\n" + processing(mode, true) +
+                                 R"(getDataPropertyInt(data0, 2)
+getDataPropertyInt(data0, 3)
+getDataPropertyInt(data0, 1)
+getDataPropertyFloat(data0, 4)
+getDataPropertyFloat(data0, 5)
+getDataPropertyFloat(data0, 3)
+)" + copied + loop + copied + loop +
+                                 R"(stopMeasurement(device)
+clearData(data0)
+clearComplexData(complex0)
+clearComplexData(complex1)
+clearRawData(raw0)
+clearRawData(raw1)
+)");
+}
+
+INSTANTIATE_TEST_SUITE_P(Live, PolarizationCallsTest, testing::Range(0, 10));
+
+// The settings that a source begins with, and the rule by which the size before decides over the next one.
+TEST_F(DeviceCallsTest, PolarizationSettings) {
+  stage_.makePolarizationSource();
+  const auto properties = [&] {
+    device_.record(true);
+    stage_.run(2);
+    std::string found;
+    std::istringstream lines(device_.calls());
+    int measured = 0;
+    for (std::string line; std::getline(lines, line);) {
+      if (line.find("getRawDataEx") == 0 && line.find(", 0)") != std::string::npos) ++measured;
+      const auto start = line.find("(polarization, ");
+      if (measured == 2 && line.find("Property") != std::string::npos && start != std::string::npos) {
+        found += line.substr(start + 15, line.size() - start - 16) + "; ";
+      }
+    }
+    return found;
+  };
+  EXPECT_EQ(properties(), "0, 0; 6, 1; 7, 1; 5, 1; 8, 1; ");
+  selectOnlineDataSource_PS(stage_.source, 3);
+  EXPECT_EQ(properties(), "0, 0; 6, 1; 7, 1; 5, 1; 0, 3; 1, 3; 2, 3; 8, 1; ");
+  setOnlineAveraging_PS(stage_.source, 0, 0, -7, 0);
+  setOnlineDOPU_PS(stage_.source, 1, 4, 0, 0);
+  EXPECT_EQ(properties(), "0, 0; 6, 1; 7, 1; 5, 1; 0, 1; 1, 4; 2, 0; 8, 1; ");
+  setOnlineDOPU_PS(stage_.source, 9, 8, 7, 0);
+  EXPECT_EQ(properties(), "0, 0; 6, 1; 7, 1; 5, 1; 0, 3; 1, 8; 2, 3; 8, 1; ");
+}
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,311 @@
+// What becomes of a device's errors, at every call of the sequence, and that the source starts again
+// afterwards.
+#include <algorithm>
+
+#include "live/live_stage.h"
+#include "support/test_context.h"
+#include "volume/volume_renderer.h"
+
+namespace oct::test {
+namespace {
+
+enum class End { thread, none, restart };  // restart: the error is pending when the next measurement begins
+
+struct Failure {
+  const char* function;
+  int call;
+  End end;
+  std::vector<std::string> messages;  // empty: "<function> failed" alone
+};
+
+void PrintTo(const Failure& failure, std::ostream* stream) {
+  *stream << failure.function << " " << failure.call;
+}
+
+std::string nameOf(const testing::TestParamInfo<Failure>& info) {
+  return info.param.function + std::to_string(info.param.call);
+}
+
+class DeviceErrorsTest : public LiveTest, public testing::WithParamInterface<Failure> {
+ protected:
+  // With all that a source can ask its device for.
+  void prepare() {
+    setRenderElements(renderer_, 1, 1);
+    setSizeZ(stage_.source, 8);
+  }
+
+  // The text of the device's error, or all that the client is to hear.
+  static std::vector<std::string> messages() {
+    const Failure& failure = GetParam();
+    return failure.messages.empty() ? std::vector<std::string>{failure.function + std::string(" failed")}
+                                    : failure.messages;
+  }
+
+  bool ended() {
+    return stage_.framesUntil(
+        [&] { return clientErrors().all().size() >= messages().size() && device_.objects() == 0; });
+  }
+
+  void play() {
+    const Failure& failure = GetParam();
+    device_.fail(failure.function, failure.call);
+    stage_.start();
+    EXPECT_EQ(pendingError(), "(none)");
+    if (failure.end == End::thread) {
+      EXPECT_TRUE(ended());
+    } else {
+      // The loop goes on, and draws.
+      const int before = device_.volumes();
+      EXPECT_TRUE(
+          stage_.framesUntil([&] { return device_.volumes() > before + 5 && !stage_.voxels.empty(); }));
+      stopDataSource(stage_.source);
+    }
+    if (failure.end == End::restart) {
+      stage_.start();
+      EXPECT_TRUE(ended());
+    }
+    EXPECT_EQ(clientErrors().atLeast(messages().size()), messages());
+
+    const int before = device_.volumes();
+    stage_.start();  // without stopDataSource, where the thread has ended by itself
+    EXPECT_EQ(pendingError(), "(none)");
+    EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 2 && !stage_.voxels.empty(); }));
+    EXPECT_TRUE(uniform(stage_.voxels));
+    EXPECT_EQ(clientErrors().all(), messages());
+  }
+};
+
+using StandardErrorsTest = DeviceErrorsTest;
+using PolarizationErrorsTest = DeviceErrorsTest;
+
+TEST_P(StandardErrorsTest, EndsAsItShall) {
+  stage_.makeSource();
+  prepare();
+  setOnlineAnalogInputConfiguration(stage_.source, true);
+  play();
+}
+
+TEST_P(PolarizationErrorsTest, EndsAsItShall) {
+  stage_.makePolarizationSource();
+  selectOnlineDataSource_PS(stage_.source, 3);
+  prepare();
+  play();
+}
+
+constexpr const char* insufficient = "Insufficient memory allocated.";
+
+INSTANTIATE_TEST_SUITE_P(
+    Live, StandardErrorsTest,
+    testing::Values(
+        Failure{"createRawData", 1, End::thread, {}}, Failure{"createData", 1, End::thread, {}},
+        Failure{"startMeasurement", 1, End::thread, {}},
+        Failure{"setProcessedDataOutput", 1, End::thread, {}}, Failure{"getRawDataEx", 1, End::thread, {}},
+        Failure{"getAnalogInputData", 1, End::thread, {}},
+        // Nothing was processed: there is less than what is to be drawn.
+        Failure{"executeProcessing", 1, End::thread, {insufficient, "executeProcessing failed"}},
+        Failure{"getDataPropertyInt", 3, End::thread, {insufficient, "getDataPropertyInt failed"}},
+        Failure{"getDataPropertyInt", 5, End::thread, {insufficient, "getDataPropertyInt failed"}},
+        Failure{"getDataPropertyFloat", 1, End::none, {}},
+        Failure{"getDataPtr", 1, End::none, {}},  // the analog input's
+        Failure{"getDataPtr", 2, End::none, {}}, Failure{"getDataPtr", 3, End::none, {}},
+        Failure{"createData", 3, End::none, {}}, Failure{"determineSurface", 1, End::none, {}},
+        Failure{"setProcessedDataOutput", 2, End::none, {}}, Failure{"getRawDataEx", 2, End::none, {}},
+        Failure{"executeProcessing", 2, End::none, {}}, Failure{"getAnalogInputData", 2, End::none, {}},
+        Failure{"setDataRange", 1, End::none, {}}, Failure{"getRelativeReferenceIntensity", 1, End::none, {}},
+        Failure{"stopMeasurement", 1, End::restart, {}}),
+    nameOf);
+
+INSTANTIATE_TEST_SUITE_P(
+    Live, PolarizationErrorsTest,
+    testing::Values(
+        Failure{"createRawData", 2, End::thread, {}}, Failure{"createComplexData", 1, End::thread, {}},
+        Failure{"createComplexData", 2, End::thread, {}}, Failure{"createData", 1, End::thread, {}},
+        Failure{"startMeasurement", 1, End::thread, {}}, Failure{"getRawDataEx", 1, End::thread, {}},
+        Failure{"getRawDataEx", 2, End::thread, {}}, Failure{"getRawDataEx", 4, End::thread, {}},
+        Failure{"setComplexDataOutput", 3, End::thread, {}}, Failure{"executeProcessing", 3, End::thread, {}},
+        Failure{"setPolarizationOutputDOPU", 2, End::thread, {}},
+        Failure{"setPolarizationFlag", 2, End::thread, {}},
+        Failure{"setPolarizationPropertyFloat", 2, End::thread, {}},
+        Failure{"setPolarizationPropertyInt", 8, End::thread, {}},
+        Failure{"executePolarizationProcessing", 1, End::thread, {}},
+        Failure{"executePolarizationProcessing", 2, End::thread, {}},
+        Failure{"setDataRange", 1, End::thread, {}},
+        Failure{"getRelativeReferenceIntensity", 1, End::thread, {}},
+        Failure{"determineSurface", 1, End::thread, {}}, Failure{"stopMeasurement", 1, End::restart, {}}),
+    nameOf);
+
+class DeviceEndsTest : public LiveTest {};
+
+// A loop whose every volume fails reports each and goes on until it is stopped.
+TEST_F(DeviceEndsTest, StandardLoopGoesOnWithErrors) {
+  stage_.makeSource();
+  stage_.start();
+  ASSERT_TRUE(stage_.framesUntilShown());
+  device_.fail("getRawDataEx", 0);
+  EXPECT_TRUE(stage_.framesUntil([&] { return clientErrors().all().size() > 3; }));
+  stopDataSource(stage_.source);
+  EXPECT_EQ(device_.objects(), 0);
+}
+
+TEST_F(DeviceEndsTest, CropBeyondTheDeviceEndsTheThread) {
+  stage_.makeSource();
+  setSizeZ(stage_.source, 17);
+  stage_.start();
+  EXPECT_TRUE(stage_.framesUntil([&] { return !clientErrors().all().empty(); }));
+  EXPECT_EQ(clientErrors().all(), std::vector<std::string>{insufficient});
+  EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
+  setSizeZ(stage_.source, 16);
+  stage_.start();
+  EXPECT_TRUE(stage_.framesUntilShown());
+}
+
+// The device's volumes shrink and grow while it measures.
+TEST_F(DeviceEndsTest, ChangedSizeEndsTheThread) {
+  for (const int kept : {8, 16}) {
+    for (const int size : {12, 32}) {
+      if (kept == 8 && size == 32) continue;  // enough for the part that is kept, if in another place
+      device_.setSize(16, 12, 10);
+      stage_.makeSource();
+      setSizeZ(stage_.source, kept);
+      stage_.start();
+      EXPECT_TRUE(stage_.framesUntilShown());
+      device_.setSize(size, 12, 10);
+      EXPECT_TRUE(stage_.framesUntil([&] { return device_.objects() == 0; }));
+      EXPECT_EQ(clientErrors().atLeast(1).back(), insufficient);
+      clearDataSource(stage_.source);
+      stage_.source = nullptr;
+    }
+  }
+}
+
+// Without a volume renderer a standard source goes no further and cleans nothing up: it counts as running.
+TEST_F(DeviceEndsTest, StandardSourceWithoutVolumeRenderer) {
+  const LiveVolumeRenderingHandle bare = createLiveRendering();
+  stage_.makeSource();
+  device_.record(true);
+  startDataSource(bare, stage_.source, device_.scanPattern());
+  EXPECT_EQ(
+      clientErrors().atLeast(1),
+      std::vector<std::string>{
+          "Renderer not available for fast volume rendering. Please specify a volume rendering object."});
+  EXPECT_TRUE(isLiveVolumeRunning(bare));
+  startDataSource(stage_.live, stage_.source, device_.scanPattern());
+  EXPECT_EQ(pendingError(), "BrennickDataSource already running");
+  stopDataSource(stage_.source);
+  const std::string calls = device_.calls();
+  EXPECT_EQ(calls.find("stopMeasurement"), std::string::npos);
+  EXPECT_EQ(device_.objects(), 2);
+  clearLiveRendering(bare);
+  device_.reset();  // what was left behind
+  stage_.start();
+  EXPECT_TRUE(stage_.framesUntilShown());
+}
+
+TEST_F(DeviceEndsTest, PolarizationSourceWithoutVolumeRenderer) {
+  const LiveVolumeRenderingHandle bare = createLiveRendering();
+  stage_.makePolarizationSource();
+  startDataSource(bare, stage_.source, device_.scanPattern());
+  EXPECT_EQ(clientErrors().atLeast(1),
+            std::vector<std::string>{"Volume renderer is null in BrennickDataSourcePS"});
+  startDataSource(stage_.live, stage_.source, device_.scanPattern());
+  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_TRUE(stage_.framesUntilShown());
+  clearLiveRendering(bare);
+}
+
+// The quantity that a volume shows is its whole part. Modes change while the source runs.
+TEST_F(DeviceEndsTest, ModesChangeWithTheNextVolume) {
+  stage_.makePolarizationSource();
+  stage_.start();
+  const int quantities[] = {PatternDevice::intensity, 1, 2, 3, 4, 5, 6, PatternDevice::sensor0,
+                            PatternDevice::sensor1};
+  for (int mode = 8; mode >= 0; --mode) {
+    selectOnlineDataSource_PS(stage_.source, mode);
+    EXPECT_TRUE(stage_.framesUntil([&] {
+      return !stage_.voxels.empty() && static_cast<int>(stage_.voxels[0]) == quantities[mode];
+    })) << mode;
+    EXPECT_TRUE(uniform(stage_.voxels));
+  }
+  // The picture stays while nothing is processed.
+  selectOnlineDataSource_PS(stage_.source, 9);
+  const int before = device_.volumes();
+  ASSERT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 6; }));
+  const std::vector<float> shown = stage_.voxels;
+  ASSERT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 12; }));
+  EXPECT_EQ(stage_.voxels, shown);
+  EXPECT_EQ(static_cast<int>(shown.at(0)), quantities[0]);
+  EXPECT_TRUE(clientErrors().all().empty());
+}
+
+// Started without anything to draw, it measures and lives.
+TEST_F(DeviceEndsTest, StartedInAModeThatProcessesNothing) {
+  stage_.makePolarizationSource();
+  selectOnlineDataSource_PS(stage_.source, -1);
+  stage_.start();
+  EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > 3; }));
+  selectOnlineDataSource_PS(stage_.source, 0);
+  const int before = device_.volumes();
+  EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 3; }));
+  EXPECT_TRUE(stage_.voxels.empty());
+  stopDataSource(stage_.source);
+  stage_.start();
+  EXPECT_TRUE(stage_.framesUntilShown());
+  EXPECT_TRUE(clientErrors().all().empty());
+}
+
+// The live renderer takes volumes of another size, with the buffer of the one before still free and nobody
+// rendering when it is stopped again.
+TEST_F(DeviceEndsTest, AStopBeforeTheFirstFrameKeepsOldBuffersUntouched) {
+  stage_.makeSource();
+  setSizeZ(stage_.source, 4);
+  stage_.start();
+  ASSERT_TRUE(stage_.framesUntilShown());
+  device_.hold("getRawDataEx");
+  ASSERT_TRUE(stage_.framesUntil([&] { return device_.held(); }));
+  for (int i = 0; i < 4; ++i) stage_.frame();
+  std::thread release([&] { device_.release(); });
+  stopDataSource(stage_.source);
+  release.join();
+  device_.setSize(64, 64, 64);
+  setSizeZ(stage_.source, 64);
+  for (int i = 0; i < 20; ++i) {
+    device_.hold("getDataPropertyFloat");
+    stage_.start();
+    while (!device_.held()) std::this_thread::yield();
+    device_.release();
+    std::this_thread::sleep_for(std::chrono::milliseconds(i % 4));
+    stopDataSource(stage_.source);
+  }
+  stage_.start();
+  EXPECT_TRUE(stage_.framesUntilShown());
+  EXPECT_TRUE(uniform(stage_.voxels));
+  EXPECT_EQ(stage_.voxels.size(), 64U * 64 * 64);
+}
+
+// A source that starts on a live renderer in use takes it over; the volumes of the other one no longer fit.
+TEST_F(DeviceEndsTest, ASourceNeverWritesIntoTheBufferOfAnother) {
+  const LiveDataSourceHandle first = createOnlineDataSource(device_.device(1), device_.processing(1));
+  stage_.makeSource();
+  setSizeZ(stage_.source, 2);
+  std::atomic<bool> go = false;
+  stage_.onIntensity([&] {
+    while (!go) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  });
+  startDataSource(stage_.live, first, device_.scanPattern());
+  ASSERT_TRUE(stage_.framesUntilShown());
+  stage_.start();
+  ASSERT_TRUE(stage_.framesUntil([&] { return stage_.voxels.size() == 2U * 12 * 10; }));
+  // Its second volume has to wait; all buffers are offered to the other source.
+  device_.record(true);
+  const int before = device_.volumes();
+  EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 5; }));
+  EXPECT_EQ(device_.calls().find("getDataPtr"), std::string::npos);
+  EXPECT_TRUE(uniform(stage_.voxels));
+  go = true;
+  stopDataSource(stage_.source);
+  stopDataSource(first);
+  clearDataSource(first);
+}
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,114 @@
+// What a device delivers is what the picture shows: against a ray caster on the CPU.
+#include "live/live_stage.h"
+#include "support/test_context.h"
+#include "support/volume_reference.h"
+
+namespace oct::test {
+namespace {
+
+struct Case {
+  std::string name;
+  int kept = 20;
+  double refractiveIndex = 1.0;
+  int mode = 0;
+  bool analog = false;
+};
+
+void PrintTo(const Case& value, std::ostream* stream) {
+  *stream << value.name;
+}
+
+// The first samples of every A-scan.
+Volume cropped(const Volume& whole, int kept) {
+  Volume volume{kept, whole.height, whole.depth, {}};
+  for (std::size_t start = 0; start < whole.voxels.size(); start += static_cast<std::size_t>(whole.width)) {
+    const auto first = whole.voxels.begin() + static_cast<std::ptrdiff_t>(start);
+    volume.voxels.insert(volume.voxels.end(), first, first + kept);
+  }
+  return volume;
+}
+
+class LivePicturesTest : public LiveTest, public testing::WithParamInterface<Case> {};
+
+TEST_P(LivePicturesTest, EqualTheArithmetic) {
+  const Case& wanted = GetParam();
+  const Volume whole = testVolume(20, 14, 12);
+  VolumeScene scene;
+  scene.volume = cropped(whole, wanted.kept);
+  scene.border = true;
+  scene.mode = wanted.mode;
+  scene.coloring = {rampColors(256, 0.3), 0.2, 1.0};
+  scene.angleX = 25.0;
+  scene.angleY = -35.0;
+  scene.range = {static_cast<float>(2.0 * wanted.kept / 20 / wanted.refractiveIndex), 3.0F, 1.5F};
+  device_.setSize(20, 14, 12);
+  device_.setVolume(whole.voxels.data());
+  stage_.makeSource();
+  setSizeZ(stage_.source, wanted.kept);
+  setOnlineRefractiveIndex(stage_.source, wanted.refractiveIndex);
+  if (wanted.analog) {
+    scene.secondary = testVolume(3, 14, 12, 9);
+    scene.secondaryColoring = {opaqueColors(32), 0.0, 1.0};
+    scene.secondaryIndex = 1;
+    device_.setAnalog(3, scene.secondary.voxels.data());
+    setOnlineAnalogInputConfiguration(stage_.source, true);
+  }
+  apply(scene, renderer_);
+  stage_.start();
+  ASSERT_TRUE(stage_.framesUntilShown());
+  // A few volumes more: both buffers, and the range of the loop.
+  const int before = device_.volumes();
+  ASSERT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 4; }));
+  const Picture picture = stage_.frame(scene.viewportWidth, scene.viewportHeight);
+  EXPECT_TRUE(agree(picture, referencePicture(scene), {1, 0.995, 140, 0.12}));
+  EXPECT_EQ(stage_.voxels, scene.volume.voxels);
+  int size[3] = {};
+  getLiveVolumeRenderingSize(stage_.live, &size[0], nullptr, &size[2]);
+  getLiveVolumeRenderingSize(stage_.live, nullptr, &size[1], nullptr);
+  EXPECT_EQ(size[0], wanted.kept);
+  EXPECT_EQ(size[1], 14);
+  EXPECT_EQ(size[2], 12);
+}
+
+INSTANTIATE_TEST_SUITE_P(Live, LivePicturesTest,
+                         testing::Values(Case{"Whole"}, Case{"Cropped", 9}, Case{"Refracted", 20, 1.34},
+                                         Case{"CroppedAndRefracted", 13, 1.5}, Case{"Maximum", 20, 1.0, 1},
+                                         Case{"Mean", 11, 1.0, 2}, Case{"DualColoring", 20, 1.0, 3, true},
+                                         Case{"CroppedDualColoring", 10, 1.0, 3, true}),
+                         [](const auto& entry) { return entry.param.name; });
+
+// The surface lies where setSurface would put it.
+class LiveSurfaceTest : public LiveTest {};
+
+TEST_F(LiveSurfaceTest, LiesWhereItShall) {
+  std::vector<float> depths;
+  for (int i = 0; i < 12 * 10; ++i) depths.push_back(0.1F + 0.005F * static_cast<float>(i % 12 + i / 12));
+  const auto prepare = [](VolumeRendererHandle renderer) {
+    VolumeScene scene;
+    scene.angleX = 60.0;
+    apply(scene, renderer);
+    setRenderElements(renderer, 0, 1);
+  };
+  device_.setSurface(depths.data());
+  stage_.makeSource();
+  setSizeZ(stage_.source, 8);
+  setOnlineRefractiveIndex(stage_.source, 1.25);
+  prepare(renderer_);
+  stage_.start();
+  ASSERT_TRUE(stage_.framesUntil([&] { return device_.volumes() > 3; }));
+  const Picture picture = stage_.frame(80, 60);
+
+  VolumeStage still;
+  setOfflineAspectRatio(still.offline, 0.8F, 3.0F, 1.5F);
+  prepare(still.renderer);
+  setSurface(still.renderer, 12, 10, 0.8, depths.data());
+  still.frame(80, 60, 0);
+  prepare(still.renderer);
+  EXPECT_TRUE(agree(picture, still.frame(80, 60, 0), {0, 1.0, 0}));
+  std::fill(depths.begin(), depths.end(), 0.7F);
+  setSurface(still.renderer, 12, 10, 0.8, depths.data());
+  EXPECT_FALSE(agree(picture, still.frame(80, 60, 0), {40, 0.98, 255})) << "nothing of the surface is seen";
+}
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,172 @@
+// Exports of live volumes: what they refuse, with which words, and which of them are silent.
+#include <cmath>
+#include <limits>
+
+#include "core/object_lock.h"
+#include "live/brennick_data_source_ps.h"
+#include "live/live_stage.h"
+#include "support/test_context.h"
+#include "volume/volume_renderer.h"
+
+namespace oct::test {
+namespace {
+
+using LiveApiTest = LiveTest;
+
+constexpr const char* invalidSource = "The specified LiveDataSourceHandle is invalid. ";
+constexpr const char* invalidRenderer = "The specified VolumeRendererHandle is invalid. ";
+
+std::string errorOf(const std::function<void()>& call) {
+  call();
+  return pendingError();
+}
+
+TEST_F(LiveApiTest, NullHandles) {
+  const OCTDeviceHandle device = device_.device();
+  const ProcessingHandle processing = device_.processing(0);
+  stage_.makeSource();
+  const LiveDataSourceHandle source = stage_.source;
+  const auto createPs = [&](int missing) {
+    const auto unless = [&](int i, auto handle) { return i == missing ? nullptr : handle; };
+    EXPECT_EQ(createOnlineDataSource_PS(unless(0, device), unless(1, processing), unless(2, processing),
+                                        unless(3, device_.polarization())),
+              nullptr);
+  };
+  const std::pair<std::function<void()>, const char*> cases[] = {
+      {[] { clearLiveRendering(nullptr); }, "Cannot lock nullptr. "},
+      {[] { EXPECT_FALSE(isLiveVolumeRunning(nullptr)); }, "Cannot lock nullptr. "},
+      {[&] { setLiveVolumeRenderingRenderer(nullptr, renderer_); },
+       "Invalid Live Rendering Handle specified. "},
+      {[] { setLiveVolumeRenderingRenderer(nullptr, nullptr); }, "Invalid Live Rendering Handle specified. "},
+      {[&] { setLiveVolumeRenderingRenderer(stage_.live, nullptr); }, "Cannot lock nullptr. "},
+      {[&] { createOnlineDataSource(nullptr, nullptr); }, "The specifided OCTDeviceHandle is invalid. "},
+      {[&] { createOnlineDataSource(device, nullptr); }, "The specifided ProcessingHandle is invalid. "},
+      {[&] { createPs(0); }, "The specifided OCTDeviceHandle is invalid. "},
+      {[&] { createPs(1); }, "The specifided ProcessingHandle for camera/sensor-0 is invalid. "},
+      {[&] { createPs(2); }, "The specifided ProcessingHandle for camera/sensor-1 is invalid. "},
+      {[&] { createPs(3); }, "The specifided PolarizationProcessingHandle is invalid. "},
+      {[] { startDataSource(nullptr, nullptr, nullptr); }, invalidSource},
+      {[&] { startDataSource(nullptr, source, nullptr); }, invalidRenderer},
+      {[&] { startDataSource(stage_.live, source, nullptr); },
+       "The specified ScanPatternHandle is invalid. "},
+      {[] { stopDataSource(nullptr); }, invalidSource},
+      {[] { renderVolume(nullptr); }, invalidRenderer},
+      {[] { EXPECT_EQ(getRenderedVolumesPerSec(nullptr), 0.0); }, invalidRenderer},
+      {[] { getLiveVolumeRenderingSize(nullptr, nullptr, nullptr, nullptr); }, invalidSource},
+      {[] { setSizeZ(nullptr, 0); }, invalidSource},
+      {[] { setRefIntensityCallback(nullptr, nullptr); }, invalidSource},
+      {[] { setErrorCallback(nullptr, nullptr); }, invalidSource},
+      // These take null without a word.
+      {[] { setOnlineRefractiveIndex(nullptr, 0.0); }, "(none)"},
+      {[] { setOnlineAnalogInputConfiguration(nullptr, true); }, "(none)"},
+      {[] { selectOnlineDataSource_Camera(nullptr, 1); }, "(none)"},
+      {[] { selectOnlineDataSource_PS(nullptr, 1); }, "(none)"},
+      {[] { setOnlineAveraging_PS(nullptr, 1, 1, 1, 1); }, "(none)"},
+      {[] { setOnlineDOPU_PS(nullptr, 1, 1, 1, 1); }, "(none)"},
+      {[] { setOnlineDataThreshold_PS(nullptr, 1.0, true); }, "(none)"},
+      {[] { clearDataSource(nullptr); }, "(none)"},
+  };
+  int number = 0;
+  for (const auto& [call, message] : cases) EXPECT_EQ(errorOf(call), message) << "case " << number++;
+  EXPECT_FALSE(isLiveVolumeRunning(stage_.live)) << "nothing was started";
+  EXPECT_EQ(device_.volumes(), 0);
+  EXPECT_EQ(lockedObjectCount(), 0U);
+}
+
+TEST_F(LiveApiTest, Misuse) {
+  stage_.makeSource();
+  const LiveDataSourceHandle source = stage_.source;
+  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+  for (const double index : {0.0, -1.33, nan, HUGE_VAL}) {
+    EXPECT_EQ(errorOf([&] { setOnlineRefractiveIndex(source, index); }),
+              "The refractive index must be above zero. ");
+  }
+  for (const int size : {0, -5}) {
+    EXPECT_EQ(errorOf([&] { setSizeZ(source, size); }), "At least one depth sample must be kept. ");
+  }
+  EXPECT_EQ(errorOf([&] { stopDataSource(source); }), "(none)") << "nothing runs";
+  stage_.start();
+  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(errorOf([&] { stage_.start(); }), "BrennickDataSource already running");
+  EXPECT_TRUE(stage_.framesUntilShown()) << "the source runs on";
+  EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
+  stopDataSource(source);
+  EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
+  stage_.frame();
+  EXPECT_FALSE(isLiveVolumeRunning(stage_.live));
+  stopDataSource(source);
+  EXPECT_FALSE(isLiveVolumeRunning(stage_.live)) << "a source that is stopped has no renderer to stop";
+  EXPECT_EQ(lockedObjectCount(), 0U);
+}
+
+TEST_F(LiveApiTest, PolarizationSettings) {
+  stage_.makeSource();
+  const LiveDataSourceHandle standard = stage_.source;
+  stage_.makePolarizationSource();
+  const auto& polarization =
+      *static_cast<BrennickDataSource_PS*>(reinterpret_cast<AbstractDataSource*>(stage_.source));
+  for (const LiveDataSourceHandle source : {standard, stage_.source}) {
+    selectOnlineDataSource_PS(source, 42);
+    setOnlineAveraging_PS(source, 0, -1, 2, 3);
+    setOnlineDOPU_PS(source, 2, 3, 4, -9);
+    setOnlineDataThreshold_PS(source, -3.5, true);
+    EXPECT_EQ(pendingError(), "(none)");
+  }
+  PolarizationSettings settings = polarization.settings();
+  EXPECT_EQ(static_cast<int>(settings.output_mode), 42);
+  EXPECT_EQ(
+      (std::array{settings.averaging_a, settings.averaging_b, settings.averaging_c, settings.averaging_d}),
+      (std::array{1, 1, 2, 3}));
+  EXPECT_EQ((std::array{settings.dopu_a, settings.dopu_b, settings.dopu_c, settings.dopu_d}),
+            (std::array{2, 3, 4, -9}));
+  EXPECT_EQ(settings.threshold, -3.5);
+  EXPECT_TRUE(settings.threshold_enabled);
+  setOnlineDOPU_PS(stage_.source, 9, 2, 9, 0);
+  settings = polarization.settings();
+  EXPECT_EQ((std::array{settings.dopu_a, settings.dopu_b, settings.dopu_c}), (std::array{3, 2, 9}));
+
+  EXPECT_EQ(errorOf([&] { setOnlineAnalogInputConfiguration(stage_.source, true); }),
+            "Analog input not supported in PS Live mode.");
+  EXPECT_EQ(errorOf([&] { setOnlineAnalogInputConfiguration(stage_.source, false); }), "(none)");
+  // What a standard source was given beside has changed nothing.
+  clearDataSource(stage_.source);
+  stage_.source = standard;
+  device_.record(true);
+  stage_.run(2);
+  EXPECT_EQ(device_.calls().find("olarization"), std::string::npos);
+}
+
+// The source is the client's, and so is the order in which it clears what it has stopped.
+TEST_F(LiveApiTest, ClearedInEitherOrder) {
+  stage_.makeSource();
+  const LiveVolumeRenderingHandle live = createLiveRendering();
+  setLiveVolumeRenderingRenderer(live, renderer_);
+  startDataSource(live, stage_.source, device_.scanPattern());
+  stopDataSource(stage_.source);
+  clearLiveRendering(live);
+  clearDataSource(stage_.source);
+  stage_.makeSource();
+  stage_.start();
+  clearDataSource(stage_.source);  // stops first
+  stage_.source = nullptr;
+  EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+// A live renderer that is cleared while it runs takes its OpenGL objects along on the thread of its context,
+// and leaves them to the context elsewhere.
+TEST_F(LiveApiTest, ClearedWhileRunning) {
+  stage_.makeSource();
+  stage_.start();
+  ASSERT_TRUE(stage_.framesUntilShown());
+  stopDataSource(stage_.source);
+  reinterpret_cast<VolumeRenderer*>(renderer_)->setSource({});
+  std::thread([&] { clearLiveRendering(stage_.live); }).join();
+  stage_.live = createLiveRendering();
+  setLiveVolumeRenderingRenderer(stage_.live, renderer_);
+  stage_.start();
+  EXPECT_TRUE(stage_.framesUntilShown());
+}
+
+}  // namespace
+}  // namespace oct::test

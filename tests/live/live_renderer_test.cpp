@@ -1,0 +1,369 @@
+// The states of the live renderer and their edges, and what fails on the way.
+#include <chrono>
+#include <future>
+#include <limits>
+
+#include "core/timing_mark.h"
+#include "live/live_renderer_fixture.h"
+#include "support/volume_scene.h"
+#include "volume/volume_renderer.h"
+
+namespace oct::test {
+namespace {
+
+constexpr std::size_t objectsOfARunningRenderer = 3;  // texture and two buffers
+
+using Action = std::function<void(FastOpenGLVolumeRenderer&)>;
+
+struct NamedAction {
+  const char* name;
+  Action run;
+  bool running;  // whether the renderer runs after a frame that follows
+};
+
+// Every event in every state, and the frame after it.
+TEST_F(LiveRendererTest, EveryEventInEveryState) {
+  const Action start = [](auto& live) { live.start(); };
+  const Action render = [](auto& live) { live.render(); };
+  const Action stop = [](auto& live) { live.stop(); };
+  const Action invalidate = [](auto& live) { live.invalidate(); };
+  const NamedAction states[] = {
+      {"stopped", [](auto&) {}, false},
+      {"initialize", start, true},
+      {"running", [&](auto& live) { start(live), render(live); }, true},
+      {"de-initialize requested", [&](auto& live) { start(live), render(live), stop(live); }, false},
+      {"invalidated", invalidate, true}};
+  const NamedAction events[] = {
+      {"start", start, true}, {"invalidate", invalidate, true}, {"stop", stop, false}};
+  for (const NamedAction& state : states) {
+    for (const NamedAction& event : events) {
+      FastOpenGLVolumeRenderer live;
+      live.set_size(2, 2, 2);
+      state.run(live);
+      event.run(live);
+      EXPECT_TRUE(live.is_running()) << state.name << ", " << event.name;
+      live.render();
+      EXPECT_EQ(live.is_running(), event.running) << state.name << ", " << event.name;
+      EXPECT_EQ(spy_.liveObjects(), event.running ? objectsOfARunningRenderer : 0U);
+      live.wait_for_transition();
+      EXPECT_EQ(live.get_data_ptr() != nullptr, event.running) << state.name << ", " << event.name;
+      live.discard();
+      stop(live), render(live);
+      EXPECT_FALSE(live.is_running());
+    }
+    FastOpenGLVolumeRenderer live;
+    live.set_size(2, 2, 2);
+    state.run(live);
+    EXPECT_EQ(live.is_running(), state.name != std::string("stopped"));
+    live.render();
+    EXPECT_EQ(live.is_running(), state.running) << state.name;
+    EXPECT_EQ(spy_.liveObjects(), state.running ? objectsOfARunningRenderer : 0U);
+    stop(live), render(live);
+  }
+  EXPECT_EQ(spy_.liveObjects(), 0U);
+}
+
+// One buffer at a time, and each volume once.
+TEST_F(LiveRendererTest, HandOver) {
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(live_.get_data_ptr(), nullptr) << "nobody renders";
+  const auto waited = std::chrono::steady_clock::now() - begin;
+  EXPECT_GE(waited, std::chrono::milliseconds(99));
+  EXPECT_EQ(live_.get_fps(), 0.0);
+  runIt();
+  EXPECT_EQ(spy_.calls("glMapBuffer"), 1);
+  live_.update();  // without a buffer
+  live_.render();
+  EXPECT_EQ(spy_.calls("glUnmapBuffer"), 0);
+  ASSERT_NE(live_.get_data_ptr(), nullptr);
+  EXPECT_EQ(live_.get_data_ptr(), nullptr) << "it was handed out already";
+  live_.render();
+  EXPECT_EQ(spy_.calls("glUnmapBuffer"), 0) << "the producer writes to it";
+  live_.discard();
+  for (int i = 1; i <= 4; ++i) {
+    const int uploads = spy_.calls("glTexSubImage3D");
+    produce(static_cast<float>(i));
+    EXPECT_EQ(live_.get_data_ptr(), nullptr) << "it waits to be taken";
+    live_.render();
+    EXPECT_EQ(spy_.calls("glTexSubImage3D"), uploads + 1);
+    EXPECT_EQ(spy_.calls("glMapBuffer"), i) << "the other one is mapped in the next frame";
+    EXPECT_GT(live_.get_fps(), 0.0);
+    live_.render();
+    live_.render();
+    EXPECT_EQ(spy_.calls("glMapBuffer"), i + 1);
+    EXPECT_EQ(spy_.calls("glTexSubImage3D"), uploads + 1);
+  }
+  // Volumes per second of the wall clock: none of this time was worked.
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  produce(5.0F);
+  live_.render();
+  EXPECT_GT(live_.get_fps(), 0.0);
+  EXPECT_LE(live_.get_fps(), 10.0);
+  live_.stop();
+  live_.render();
+  EXPECT_EQ(live_.get_data_ptr(), nullptr);
+}
+
+TEST_F(LiveRendererTest, SizesHoldFromTheNextInitialisation) {
+  runIt();
+  live_.set_size(5, 6, 7);
+  int x = -1, y = -1, z = -1;
+  live_.get_size(&x, nullptr, nullptr);
+  live_.get_size(nullptr, &y, &z);
+  EXPECT_EQ((std::array{x, y, z}), (std::array{5, 6, 7}));
+  EXPECT_EQ(live_.get_data_ptr(), nullptr) << "the buffer is one of the size before";
+  live_.invalidate();
+  live_.render();
+  float* const data = live_.get_data_ptr();
+  ASSERT_NE(data, nullptr);
+  std::fill_n(data, 5 * 6 * 7, 1.0F);
+  live_.discard();
+  EXPECT_EQ(thrown([&] { live_.set_size(1, -1, 1); }), "Volume sizes must not be negative. ");
+  EXPECT_EQ(thrown([&] { live_.set_size(2048, 1024, 1024); }),
+            "The volume has too many voxels for live rendering. ");
+  constexpr int most = std::numeric_limits<int>::max();
+  EXPECT_EQ(thrown([&] { live_.set_size(most, most, most); }),
+            "The volume has too many voxels for live rendering. ");
+  live_.get_size(&x, &y, &z);
+  EXPECT_EQ((std::array{x, y, z}), (std::array{5, 6, 7}));
+}
+
+TEST_F(LiveRendererTest, SizesWithoutVoxelsAndBeyondTheDriver) {
+  live_.set_size(0, 8, 8);
+  runIt();
+  ASSERT_NE(live_.get_data_ptr(), nullptr);
+  live_.update();
+  live_.render();
+  live_.render();
+  EXPECT_TRUE(live_.is_running());
+  live_.set_size(1'000'000, 1, 1);
+  live_.invalidate();
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_NE(thrown([&] { live_.render(); }).find("1000000 x 1 x 1 voxels is too large"), std::string::npos);
+  }
+  EXPECT_TRUE(live_.is_running());
+  EXPECT_EQ(spy_.liveObjects(), 0U);
+  live_.set_size(4, 3, 2);
+  live_.render();
+  produce(1.0F);
+}
+
+TEST_F(LiveRendererTest, AThousandInitialisationsLeaveNothing) {
+  const std::vector<float> secondary(3 * 16);
+  live_.set_secondary_data(secondary.data(), 3);
+  runIt();
+  for (int i = 0; i < 1000; ++i) {
+    live_.set_size(1 + i % 5, 1 + i % 4, 1 + i % 3);
+    i % 7 ? live_.invalidate() : live_.start();
+    live_.render();
+    if (i % 3 == 0) {
+      ASSERT_NE(live_.get_data_ptr(), nullptr);
+      i % 2 ? live_.update() : live_.discard();
+      live_.render();
+    }
+    ASSERT_EQ(spy_.liveObjects(), objectsOfARunningRenderer + 1);
+  }
+}
+
+// ---- Who waits for a transition
+
+TEST_F(LiveRendererTest, WaitingForATransition) {
+  const auto waiting = [&] {
+    return std::async(std::launch::async, [&] { return thrown([&] { live_.wait_for_transition(); }); });
+  };
+  const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(20)); };
+  live_.start();
+  auto first = waiting();
+  pause();
+  EXPECT_NE(thrown([&] { live_.wait_for_transition(); }).find("retrieved"), std::string::npos);
+  live_.render();
+  EXPECT_EQ(first.get(), "");
+
+  live_.invalidate();
+  auto abandoned = waiting();
+  pause();
+  live_.start();
+  EXPECT_NE(abandoned.get(), "") << "a newer request breaks the promise";
+  auto stopped = waiting();
+  pause();
+  live_.stop();
+  EXPECT_EQ(stopped.get(), "") << "without a rendering thread nobody else would release it";
+}
+
+// Requests that arrive while the rendering thread is at work are found in its next frame.
+TEST_F(LiveRendererTest, ARequestDuringInitialisationIsNotOverwritten) {
+  script_.onSet = [&] { live_.stop(); };
+  runIt();
+  EXPECT_TRUE(live_.is_running());
+  script_.onSet = nullptr;
+  live_.render();
+  EXPECT_FALSE(live_.is_running());
+  script_.onSet = [&] {
+    script_.onSet = nullptr;
+    live_.set_size(7, 7, 7);
+    live_.invalidate();
+  };
+  runIt();
+  live_.render();
+  live_.wait_for_transition();
+  float* const data = live_.get_data_ptr();
+  ASSERT_NE(data, nullptr);
+  std::fill_n(data, 7 * 7 * 7, 0.0F);
+  live_.discard();
+}
+
+class AtMark : public TimingListener {
+ public:
+  AtMark(std::string name, std::function<void()> action)
+      : name_(std::move(name)), action_(std::move(action)) {
+    setTimingListener(this);
+  }
+  ~AtMark() override { setTimingListener(nullptr); }
+  void begin(std::string_view name, std::uint32_t, Time) override {
+    if (name == name_) action_();
+  }
+  void end(std::string_view, std::uint32_t, Time) override {}
+  void instant(std::string_view, std::uint32_t, Time) override {}
+
+ private:
+  const std::string name_;
+  const std::function<void()> action_;
+};
+
+// With a volume renderer: what it is given, and a stop that comes while it draws.
+TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
+  VolumeStage stage;
+  auto& renderer = *reinterpret_cast<VolumeRenderer*>(stage.renderer);
+  FastOpenGLVolumeRenderer live;
+  EXPECT_EQ(live.get_renderer(), nullptr);
+  live.set_renderer(&renderer);
+  EXPECT_EQ(live.get_renderer(), &renderer);
+  std::vector<float> secondary(2 * 3 * 2, 0.5F);
+  live.set_size(4, 3, 2);
+  live.set_secondary_data(secondary.data(), 2);
+  beginOffscreenFrame(stage.target, 20, 20);
+  live.start();
+  live.render();
+  EXPECT_EQ(renderer.source().secondarySliceCount, 2);
+  EXPECT_NE(renderer.source().secondary, 0U);
+  live.render();
+  EXPECT_EQ(renderer.source().volume, 0U) << "nothing has been uploaded";
+  const std::uint64_t before = renderer.source().revision;
+  float* const data = live.get_data_ptr();
+  ASSERT_NE(data, nullptr);
+  std::fill_n(data, 4 * 3 * 2, 0.25F);
+  live.update();
+  const std::vector<float> ofTheVolume = secondary;
+  std::fill(secondary.begin(), secondary.end(), 0.75F);  // of the next one
+  live.render();
+  glBindTexture(GL_TEXTURE_3D, renderer.source().secondary);
+  glGetTexImage(GL_TEXTURE_3D, 0, GL_RED, GL_FLOAT, secondary.data());
+  EXPECT_EQ(secondary, ofTheVolume);
+  EXPECT_EQ(renderer.source().revision, before + 1);
+  EXPECT_NE(renderer.source().volume, 0U);
+  EXPECT_EQ(renderer.source().sliceCount, 3);
+  EXPECT_EQ(renderer.source().filledFraction, 1.0F);
+  for (int i = 0; i < 3; ++i) live.render();
+  EXPECT_EQ(renderer.source().revision, before + 1);
+  {
+    const AtMark stop("VolumeRenderer::render", [&] { live.stop(); });
+    live.render();
+  }
+  EXPECT_FALSE(live.is_running());
+  EXPECT_EQ(renderer.source().volume, 0U);
+  EXPECT_EQ(renderer.source().secondary, 0U);
+  EXPECT_EQ(renderer.source().secondarySliceCount, 0);
+  finishOffscreenFrame(stage.target, nullptr);
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+TEST_F(LiveRendererTest, WithoutAContextAFrameFails) {
+  FastOpenGLVolumeRenderer live;
+  std::async(std::launch::async, [&] {
+    live.render();  // stopped: nothing to do
+    live.start();
+    EXPECT_EQ(thrown([&] { live.render(); }), "No OpenGL context is current on the calling thread. ");
+  }).get();
+  EXPECT_TRUE(live.is_running());
+}
+
+// ---- Faults
+
+TEST_F(LiveRendererTest, NoBufferWhileInitialising) {
+  spy_.failNext("glMapBuffer");
+  failedMaps_ = 1;
+  runIt();
+  live_.wait_for_transition();
+  EXPECT_EQ(live_.get_data_ptr(), nullptr);
+  live_.render();
+  produce(1.0F);
+}
+
+TEST_F(LiveRendererTest, NoBufferInAFrame) {
+  runIt();
+  produce(1.0F);
+  live_.render();
+  spy_.failNext("glMapBuffer");
+  failedMaps_ = 1;
+  EXPECT_EQ(thrown([&] { live_.render(); }), "This is an error.");
+  live_.render();
+  produce(2.0F);
+}
+
+TEST_F(LiveRendererTest, ALostVolumeIsNotShown) {
+  runIt();
+  produce(1.0F);
+  spy_.failNext("glUnmapBuffer");
+  live_.render();
+  EXPECT_EQ(spy_.calls("glTexSubImage3D"), 1) << "the one of the allocation";
+  live_.render();
+  produce(2.0F);
+  live_.render();
+  EXPECT_EQ(spy_.calls("glTexSubImage3D"), 2);
+}
+
+// Wherever OpenGL fails, the next frame tries again and whoever waits gets its turn.
+TEST_F(LiveRendererTest, ErrorsAtEveryCheckpoint) {
+  const auto at = [&](const std::string& place, const std::function<void()>& arrange) {
+    arrange();
+    const std::string expected = "An OpenGL error in " + place + " occured: ";
+    const std::string error = thrown([&] { live_.render(); });
+    EXPECT_EQ(error.substr(0, expected.size()), expected);
+    live_.render();
+  };
+  at("FastOpenGLVolumeRenderer::close", [&] { live_.start(), spy_.queueError(GL_INVALID_VALUE); });
+  at("FastOpenGLVolumeRenderer::initialize", [&] { live_.invalidate(), spy_.failNext("glTexImage3D"); });
+  at("FastOpenGLVolumeRenderer::initialize", [&] { live_.invalidate(), spy_.failNext("glBufferData"); });
+  live_.wait_for_transition();
+  at("FastOpenGLVolumeRenderer::render", [&] { spy_.queueError(GL_INVALID_OPERATION); });
+  produce(1.0F);
+  at("FastOpenGLVolumeRenderer::render, do_update", [&] { spy_.failNext("glTexSubImage3D"); });
+  produce(2.0F);
+  live_.render();
+  at("FastOpenGLVolumeRenderer::render, other",
+     [&] { script_.onSet = [&] { script_.onSet = nullptr, spy_.queueError(GL_INVALID_ENUM); }; });
+  produce(3.0F);
+  live_.render();
+  at("FastOpenGLVolumeRenderer::close", [&] { live_.stop(), spy_.queueError(GL_INVALID_VALUE); });
+  EXPECT_FALSE(live_.is_running());
+}
+
+TEST_F(LiveRendererTest, RefusedEvents) {
+  script_.refuseSet = true;
+  live_.start();
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(thrown([&] { live_.render(); }), "Could not set event");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not set event.\n");
+  EXPECT_TRUE(live_.is_running());
+  script_.refuseSet = false;
+  live_.render();
+  live_.wait_for_transition();
+  produce(1.0F);
+  live_.render();
+  script_.refuseSet = true;
+  EXPECT_EQ(thrown([&] { live_.render(); }), "This is an error.");
+  EXPECT_EQ(thrown([] { const FastOpenGLVolumeRenderer refused(nullptr); }), "Could not create event.");
+}
+
+}  // namespace
+}  // namespace oct::test

@@ -1,0 +1,69 @@
+// A live renderer, a source with the pattern device, and a client that renders.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "live/pattern_device.h"
+#include "support/test_loop.h"
+#include "support/volume_scene.h"
+
+namespace oct::test {
+
+// What arrived at the functions of setErrorCallback and setRefIntensityCallback.
+Recorded<std::string>& clientErrors();
+Recorded<double>& intensities();
+
+class LiveStage {
+ public:
+  LiveStage();
+  ~LiveStage();  // expects that nothing is left: objects of the device, errors, misuse of its handles
+  LiveStage(const LiveStage&) = delete;
+  LiveStage& operator=(const LiveStage&) = delete;
+
+  void makeSource();
+  void makePolarizationSource();
+  void start() { startDataSource(live, source, device.scanPattern()); }
+
+  // What the reference intensity function does from now on, on the acquisition thread, before it is noted.
+  void onIntensity(std::function<void()> action);
+  void onError(std::function<void()> action);
+
+  Picture frame(int width = 24, int height = 16) { return frame(width, height, live); }
+  Picture frame(int width, int height, LiveVolumeRenderingHandle drawn);
+  // Frames, for ten seconds at most, until the condition holds.
+  bool framesUntil(const std::function<bool()>& condition);
+  bool framesUntilShown() {
+    return framesUntil([&] { return !voxels.empty(); });
+  }
+  // Renders, and stops after so many volumes, from the reference intensity function. No volume is dropped:
+  // each waits until a buffer is free.
+  void run(int volumes);
+
+  VolumeStage volumeStage;
+  PatternDevice& device = *patternDevice();
+  LiveVolumeRenderingHandle live = nullptr;
+  LiveDataSourceHandle source = nullptr;
+  std::vector<float> voxels;  // of the texture drawn in the latest frame; empty: none
+
+ private:
+  void readVoxels();
+
+  std::atomic<int> frames_ = 0;
+};
+
+// Whether all voxels are the same.
+bool uniform(const std::vector<float>& voxels);
+
+class LiveTest : public testing::Test {
+ protected:
+  LiveStage stage_;
+  VolumeRendererHandle renderer_ = stage_.volumeStage.renderer;
+  PatternDevice& device_ = stage_.device;
+};
+
+}  // namespace oct::test

@@ -1,0 +1,331 @@
+// Start, stop and everything else from other threads, in every state, while the rendering thread draws or
+// does not.
+#include <random>
+#include <thread>
+
+#include "live/live_stage.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+using std::chrono::microseconds;
+
+// Waits at random.
+class Pauses {
+ public:
+  explicit Pauses(unsigned seed) : random_(seed) {}
+  int number(int below) { return std::uniform_int_distribution<int>(0, below - 1)(random_); }
+  void upTo(microseconds longest) {
+    std::this_thread::sleep_for(microseconds(number(static_cast<int>(longest.count()))));
+  }
+
+ private:
+  std::mt19937 random_;
+};
+
+class LiveThreadTest : public LiveTest {
+ protected:
+  // Draws while the threads work. No picture shows parts of two volumes.
+  void drawWhile(std::vector<std::function<void()>> work) {
+    std::atomic<int> left = static_cast<int>(work.size());
+    std::vector<std::thread> threads;
+    for (auto& body : work) {
+      threads.emplace_back([&left, body = std::move(body)] {
+        body();
+        --left;
+      });
+    }
+    while (left > 0) drawOnce();
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(torn_, 0);
+    EXPECT_TRUE(clientErrors().all().empty());
+  }
+
+  // A frame of every live renderer: of a volume of one colour, which fills it.
+  void drawOnce() {
+    for (const LiveVolumeRenderingHandle live : lives_) {
+      const Picture picture = stage_.frame(24, 16, live);
+      if (stage_.voxels.empty()) continue;
+      ++shown_;
+      if (!uniform(stage_.voxels)) ++torn_;
+      for (int x = 8; x < 16; ++x) {
+        if (!std::equal(picture.pixel(x, 8), picture.pixel(x, 8) + 4, picture.pixel(8, 8))) ++torn_;
+      }
+    }
+  }
+
+  void fillPictures() {
+    VolumeScene scene;
+    scene.mode = 1;
+    scene.slices = 32;
+    scene.coloring = {opaqueColors(256), 0.0, 1.0};
+    scene.zoom = 5.0;
+    scene.angleY = 90.0;
+    apply(scene, renderer_);
+  }
+
+  std::vector<LiveVolumeRenderingHandle> lives_{stage_.live};
+  std::atomic<int> shown_ = 0;
+  int torn_ = 0;
+};
+
+// A stop takes up to a tenth of a second, until the thread gives up waiting for a buffer: many at a time.
+TEST_F(LiveThreadTest, AThousandRestartsWhileDrawing) {
+  fillPictures();
+  std::vector<LiveDataSourceHandle> sources;
+  std::vector<std::function<void()>> work;
+  for (int k = 0; k < PatternDevice::devices; ++k) {
+    if (k > 0) {
+      lives_.push_back(createLiveRendering());
+      setLiveVolumeRenderingRenderer(lives_.back(), renderer_);
+    }
+    sources.push_back(createOnlineDataSource(device_.device(k), device_.processing(k)));
+    work.emplace_back([this, k, live = lives_.back(), source = sources.back()] {
+      Pauses pauses(static_cast<unsigned>(k));
+      for (int i = 0; i < 1000 / PatternDevice::devices + 1; ++i) {
+        if (i % 10 == 0) setSizeZ(source, 1 + pauses.number(16));
+        startDataSource(live, source, device_.scanPattern());
+        pauses.upTo(microseconds(i % 8 == 0 ? 200'000 : 3000));
+        stopDataSource(source);
+        if (i % 4 == 0) pauses.upTo(microseconds(1000));
+      }
+    });
+  }
+  drawWhile(work);
+  drawOnce();
+  EXPECT_GT(shown_, 10);
+  EXPECT_GT(device_.volumes(), 1000);
+  for (const LiveDataSourceHandle source : sources) clearDataSource(source);
+  for (std::size_t k = 1; k < lives_.size(); ++k) clearLiveRendering(lives_[k]);
+}
+
+TEST_F(LiveThreadTest, RestartsWhileNobodyDraws) {
+  stage_.makeSource();
+  Pauses pauses(2);
+  for (int i = 0; i < 1000; ++i) {
+    if (i % 10 == 0) setSizeZ(stage_.source, 1 + pauses.number(16));
+    stage_.start();
+    pauses.upTo(microseconds(400));
+    if (i % 100 == 0) stage_.frame();  // so that some begin with an initialised renderer
+    stopDataSource(stage_.source);
+    if (i % 70 == 0) stage_.frame();
+  }
+  stage_.start();
+  EXPECT_TRUE(stage_.framesUntilShown());
+  EXPECT_TRUE(uniform(stage_.voxels));
+  EXPECT_TRUE(clientErrors().all().empty());
+}
+
+// Both kinds take turns on one live renderer, each cleared while it runs.
+TEST_F(LiveThreadTest, SourcesComeAndGo) {
+  fillPictures();
+  drawWhile({[&] {
+    Pauses pauses(3);
+    for (int i = 0; i < 60; ++i) {
+      i % 2 ? stage_.makeSource() : stage_.makePolarizationSource();
+      if (i % 4 == 1) setOnlineAnalogInputConfiguration(stage_.source, true);
+      selectOnlineDataSource_PS(stage_.source, 7);
+      setSizeZ(stage_.source, 4 + i % 13);
+      stage_.start();
+      pauses.upTo(microseconds(i % 10 == 0 ? 60'000 : 5000));
+      clearDataSource(stage_.source);
+    }
+    stage_.source = nullptr;
+  }});
+  EXPECT_GT(shown_, 5);
+  EXPECT_EQ(device_.objects(), 0);
+}
+
+TEST_F(LiveThreadTest, TwoSourcesAlternate) {
+  fillPictures();
+  stage_.makeSource();
+  const LiveDataSourceHandle other = stage_.source;
+  setSizeZ(other, 5);
+  stage_.makeSource();
+  drawWhile({[&] {
+    Pauses pauses(4);
+    for (int i = 0; i < 60; ++i) {
+      const LiveDataSourceHandle source = i % 2 ? other : stage_.source;
+      startDataSource(stage_.live, source, device_.scanPattern());
+      pauses.upTo(microseconds(i % 5 == 0 ? 40'000 : 2000));
+      stopDataSource(source);
+    }
+  }});
+  clearDataSource(other);
+  EXPECT_GT(shown_, 5);
+}
+
+TEST_F(LiveThreadTest, SettersWhileRunning) {
+  fillPictures();
+  stage_.makePolarizationSource();
+  selectOnlineDataSource_PS(stage_.source, 7);
+  stage_.start();
+  const LiveDataSourceHandle source = stage_.source;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  const auto many = [&](auto setter) {
+    return [this, end, setter] {
+      for (int i = 0; i < 200 || (shown_ <= 20 && std::chrono::steady_clock::now() < end); ++i) {
+        setter(i);
+        std::this_thread::sleep_for(microseconds(200));
+      }
+    };
+  };
+  drawWhile(
+      {many([=](int i) { setOnlineAveraging_PS(source, i, i, i, i), setOnlineDOPU_PS(source, i, i, i, i); }),
+       many([=](int i) {
+         setOnlineDataThreshold_PS(source, i, i % 2), selectOnlineDataSource_PS(source, i % 2 ? 7 : 9);
+       }),
+       many([=](int i) { setSizeZ(source, 1 + i % 16), setOnlineRefractiveIndex(source, 1.0 + 0.01 * i); }),
+       many([=](int i) {
+         selectOnlineDataSource_Camera(source, i % 2), setOnlineAnalogInputConfiguration(source, false);
+       }),
+       many([=](int i) {
+         setErrorCallback(
+             source, i % 2 ? nullptr : +[](const char* text) { clientErrors().add(text); });
+         setRefIntensityCallback(
+             source, i % 3 ? nullptr : +[](double value) { intensities().add(value); });
+       }),
+       many([this](int) {
+         int size = 0;
+         getLiveVolumeRenderingSize(stage_.live, &size, &size, &size);
+         EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
+         EXPECT_GE(getRenderedVolumesPerSec(stage_.live), 0.0);
+         setLiveVolumeRenderingRenderer(stage_.live, renderer_);
+       }),
+       many([this](int i) {
+         setRenderElements(renderer_, 1, i % 8 == 0), setAngles(renderer_, 0, 80 + i % 20);
+       })});
+  EXPECT_GT(shown_, 20);
+}
+
+// ---- While the acquisition thread is somewhere in particular
+
+// The buffer that it writes to stays mapped until it has done so, although the source has been asked to stop.
+TEST_F(LiveThreadTest, StopDuringACopy) {
+  stage_.makeSource();
+  stage_.start();
+  ASSERT_TRUE(stage_.framesUntilShown());
+  for (int i = 0; i < 10; ++i) {
+    device_.hold("getDataPtr");
+    ASSERT_TRUE(stage_.framesUntil([&] { return device_.held(); }));
+    std::atomic<bool> released = false;
+    std::thread stop([&] { stopDataSource(stage_.source); });
+    std::thread release([&] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(30));
+      released = true;
+      device_.release();
+    });
+    while (isLiveVolumeRunning(stage_.live)) stage_.frame();
+    EXPECT_TRUE(released) << "the buffer was taken away";
+    stop.join();
+    release.join();
+    stage_.start();
+  }
+}
+
+// A source that nobody draws goes on measuring.
+TEST_F(LiveThreadTest, WithoutFramesVolumesAreDropped) {
+  stage_.makeSource();
+  stage_.start();
+  ASSERT_TRUE(stage_.framesUntilShown());
+  const int before = device_.volumes();
+  const auto begin = std::chrono::steady_clock::now();
+  while (device_.volumes() < before + 4) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  EXPECT_GT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(150))
+      << "they were waited for";
+  EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 8; }));
+  EXPECT_TRUE(uniform(stage_.voxels));
+}
+
+// What a source's own callback asks of it, it cannot wait for.
+TEST_F(LiveThreadTest, CallbacksThatCallTheSource) {
+  const std::pair<std::function<void()>, bool> calls[] = {
+      {[this] { stopDataSource(stage_.source); }, true},
+      {[this] { clearDataSource(stage_.source); }, true},
+      {[this] { stage_.start(); }, false},
+      {[this] { stopDataSource(stage_.source), stage_.start(), clearDataSource(stage_.source); }, true}};
+  stage_.makeSource();
+  for (const bool error : {false, true}) {
+    for (const auto& [call, ends] : calls) {
+      std::string message;
+      const auto action = [&, call = call] { call(), message = pendingError(); };
+      stage_.onIntensity(error ? std::function<void()>() : action);
+      stage_.onError(error ? action : std::function<void()>());
+      if (error) device_.fail("getRawDataEx", 3);
+      const auto count = [&] { return intensities().all().size() + clientErrors().all().size(); };
+      const std::size_t before = clientErrors().all().size();
+      stage_.start();
+      ASSERT_TRUE(stage_.framesUntil(
+          [&] { return error ? clientErrors().all().size() > before : !intensities().all().empty(); }));
+      if (ends) {
+        ASSERT_TRUE(stage_.framesUntil([&] { return device_.objects() == 0; }))
+            << "the source was not asked to end";
+      }
+      stopDataSource(stage_.source);
+      EXPECT_NE(message, "(none)");
+      EXPECT_GT(count(), 0U);
+      while (pendingError() != "(none)") {
+      }
+      intensities().clear();
+    }
+  }
+}
+
+// A stop waits for the thread that it has asked to end, not for one that is started while it waits.
+TEST_F(LiveThreadTest, StopWaitsForNoLaterStart) {
+  stage_.makeSource();
+  for (int i = 0; i < 20; ++i) {
+    device_.hold("stopMeasurement");
+    stage_.start();
+    ASSERT_TRUE(stage_.framesUntilShown());
+    std::atomic<int> left = 4;
+    const auto stop = [&] { stopDataSource(stage_.source), --left; };
+    const auto start = [&] { stage_.start(), --left; };
+    std::vector<std::thread> threads;
+    threads.emplace_back(stop);
+    EXPECT_TRUE(stage_.framesUntil([&] { return device_.held(); }));
+    for (const bool stops : {true, false, true}) {
+      threads.emplace_back([&, stops] { stops ? stop() : start(); });
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(3));
+    device_.release();
+    EXPECT_TRUE(stage_.framesUntil([&] { return left == 0; }));
+    stopDataSource(stage_.source);
+    for (std::thread& thread : threads) thread.join();
+  }
+  // A start that finds a stop at work is refused.
+  while (pendingError() != "(none)") {
+  }
+}
+
+// A callback that waits for the live renderer's lock, a stop that waits for the callback, and a start that
+// wants both: none waits for the other in a circle.
+TEST_F(LiveThreadTest, StartsStopsAndCallbacksDoNotLockEachOther) {
+  stage_.makeSource();
+  stage_.onIntensity([this] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    isLiveVolumeRunning(stage_.live);
+    getRenderedVolumesPerSec(stage_.live);
+    startDataSource(stage_.live, stage_.source, device_.scanPattern());
+  });
+  const auto many = [](unsigned seed, auto call) {
+    return [seed, call] {
+      Pauses pauses(seed);
+      for (int i = 0; i < 60; ++i) call(), pauses.upTo(microseconds(2000));
+    };
+  };
+  drawWhile({many(5, [this] { stage_.start(); }), many(6, [this] { stage_.start(); }),
+             many(7, [this] { stopDataSource(stage_.source); }),
+             many(8, [this] { stopDataSource(stage_.source); })});
+  stopDataSource(stage_.source);
+  std::string error;
+  const std::string ownThread = std::make_error_code(std::errc::resource_deadlock_would_occur).message();
+  while ((error = pendingError()) != "(none)") {
+    const bool known = error == "BrennickDataSource already running" || error == ownThread;
+    EXPECT_TRUE(known) << error;
+  }
+}
+
+}  // namespace
+}  // namespace oct::test
