@@ -5,7 +5,7 @@
 #ifndef OCT_RENDERING_LIVE_H
 #define OCT_RENDERING_LIVE_H
 
-#include "oct_rendering.h"
+#include "types.h"
 
 #ifdef __cplusplus
 extern "C" {

@@ -1,6 +1,7 @@
 // The public header and its reference comments.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <regex>
@@ -20,6 +21,14 @@ std::string contentOf(const std::string& file) {
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+std::string allHeaders() {
+  std::string text;
+  for (const auto& entry : std::filesystem::directory_iterator(OCT_SOURCE_DIR "/include/oct_rendering")) {
+    text += contentOf("include/oct_rendering/" + entry.path().filename().string());
+  }
+  return text;
+}
+
 TEST(HeaderTest, CompilesAsC) {
   EXPECT_EQ(octHeaderErrorCode(), -536870912);
   EXPECT_EQ(static_cast<unsigned>(OCT_RENDERER_ERROR), 0xE0000000U);
@@ -28,7 +37,7 @@ TEST(HeaderTest, CompilesAsC) {
 // Every export is declared once, right behind a comment that says what it does, documents each parameter and names
 // the thread rule; functions that can fail say how.
 TEST(HeaderTest, EveryExportIsDocumented) {
-  const std::string header = contentOf("include/oct_rendering/oct_rendering.h") + contentOf("include/oct_rendering/live.h");
+  const std::string header = allHeaders();
   const std::regex declaration(R"(/\*\*((?:[^*]|\*(?!/))*)\*/\s*OCT_API\s+[^(]*?(\w+)\(([^)]*)\);)");
   std::set<std::string> declared;
   for (std::sregex_iterator found(header.begin(), header.end(), declaration), end; found != end; ++found) {

@@ -1,0 +1,81 @@
+/**
+ * @file offscreen.h
+ * @brief A framebuffer with an OpenGL context of its own. Part of oct_rendering.h.
+ */
+#ifndef OCT_RENDERING_OFFSCREEN_H
+#define OCT_RENDERING_OFFSCREEN_H
+
+#include "types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * @defgroup offscreen Offscreen target
+ *
+ * A hidden window, an OpenGL context and a framebuffer (8 bits per colour channel, 24 bits of depth) for programs
+ * that want pixels and have no OpenGL of their own:
+ *
+ *     OffscreenTargetHandle target = createOffscreenTarget();
+ *     initDisplayRendering(renderer);
+ *     beginOffscreenFrame(target, width, height);
+ *     renderDisplay(renderer);
+ *     finishOffscreenFrame(target, pixels);
+ *
+ * All functions of one target run on the thread that created it. Every function refuses a null handle with
+ * "Invalid OffscreenTargetHandle specified. ", except clearOffscreenTarget(), which ignores it.
+ */
+/** @{ */
+
+/**
+ * @brief Makes a hidden window with an OpenGL context and leaves the context current on the calling thread.
+ * @return The target, to be freed with clearOffscreenTarget(); null on failure.
+ * @par Errors
+ * "An error occured. Could not create hidden window for OpenGL output: ..." and the other reasons of the window
+ * system; "Could not load OpenGL. "; "OpenGL 3.3 required. Version is currently ..."
+ * @thread Any thread; that thread owns the target.
+ */
+OCT_API OffscreenTargetHandle createOffscreenTarget(void);
+
+/**
+ * @brief Deletes framebuffer, context and window. Uninitialise renderers of this context first.
+ * @param Handle The target; null is ignored.
+ * @par Errors
+ * Reasons of the window system.
+ * @thread The thread that created the target.
+ */
+OCT_API void clearOffscreenTarget(OffscreenTargetHandle Handle);
+
+/**
+ * @brief Makes the context current, makes the framebuffer the one that is drawn to and sets the viewport to its
+ *        whole size. The contents are undefined until something clears them.
+ * @param Handle The target.
+ * @param Width Width in pixels, 1 to the driver's renderbuffer limit (16384 on most).
+ * @param Height Height in pixels, likewise.
+ * @par Errors
+ * "Invalid OffscreenTargetHandle specified. "; "An OpenGL error in beginOffscreenFrame occured: ..."; "The
+ * offscreen framebuffer is not complete: ..."
+ * @thread The thread that created the target.
+ */
+OCT_API void beginOffscreenFrame(OffscreenTargetHandle Handle, unsigned int Width, unsigned int Height);
+
+/**
+ * @brief Ends the frame and, if asked, reads its pixels.
+ * @param Handle The target.
+ * @param Pixels Receives Width * Height * 4 bytes: rows bottom row first, each pixel blue, green, red, alpha.
+ *        Null: nothing is read.
+ * @par Errors
+ * "Invalid OffscreenTargetHandle specified. "; "No offscreen frame has been begun. "; "An OpenGL error in
+ * finishOffscreenFrame occured: ..."
+ * @thread The thread that created the target.
+ */
+OCT_API void finishOffscreenFrame(OffscreenTargetHandle Handle, void* Pixels);
+
+/** @} */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* OCT_RENDERING_OFFSCREEN_H */
