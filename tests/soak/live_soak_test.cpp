@@ -9,6 +9,7 @@
 #include <iostream>
 #include <random>
 #include <string>
+#include <thread>
 
 #include "oct_device/oct_device.h"
 #include "oct_device/oct_simulator.h"
@@ -41,6 +42,8 @@ class LiveSoakTest : public testing::Test {
   LiveSoakTest() {
     device_ = createSimulatedDevice(OCT_PHANTOM_FINGER_PAD, 256, 3);
     setSimulatedMotion(device_, OCT_MOTION_DRIFT, 0.3, 4.0);
+    // About 40 volumes a second, shown at the rate of a screen: other tests run beside this one.
+    setSimulatedScanRate(device_, 50'000.0, OCT_PACING_REAL_TIME);
     processing_ = createSimulatedProcessing(device_);
     patterns_[0] = createSimulatedScanPattern(device_, 48, 24, 3.0, 1.5);
     patterns_[1] = createSimulatedScanPattern(device_, 32, 32, 2.0, 2.0);
@@ -73,6 +76,7 @@ class LiveSoakTest : public testing::Test {
     finishOffscreenFrame(stage_.target, picture_.bytes.data());
     worstFrame_ = std::max(worstFrame_, Seconds(Clock::now() - begin));
     ++frames_;
+    std::this_thread::sleep_until(begin + std::chrono::milliseconds(16));
   }
 
   // One measurement, with a client that turns knobs.
