@@ -161,6 +161,8 @@ TEST_F(LiveThreadTest, SettersWhileRunning) {
   stage_.makePolarizationSource();
   selectOnlineDataSource_PS(stage_.source, 7);
   stage_.start();
+  // Until the first volume has been acquired the live renderer is stopped.
+  while (!isLiveVolumeRunning(stage_.live)) std::this_thread::sleep_for(microseconds(200));
   const LiveDataSourceHandle source = stage_.source;
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   const auto many = [&](auto setter) {
