@@ -4,16 +4,72 @@
 #include "vec/constants.h"
 #include "vec/line_stream.h"
 #include "vec/routines.h"
-#include "vec/tail.h"
+#include "vec/wide.h"
 
 namespace oct::vec {
 namespace {
 
-constexpr std::size_t width = 8;
+struct Halves {
+  __m128i low;
+  __m128i high;
+};
+
+Halves halvesOf(__m256i whole) {
+  return {_mm256_castsi256_si128(whole), _mm256_extractf128_si256(whole, 1)};
+}
+
+__m256i joined(Halves halves) {
+  return _mm256_insertf128_si256(_mm256_castsi128_si256(halves.low), halves.high, 1);
+}
+
+__m128i exponentOf(__m128i bits) {
+  return _mm_srai_epi32(_mm_sub_epi32(bits, _mm_set1_epi32(rootHalfBits)), 23);
+}
+
+__m128i mantissaOf(__m128i bits, __m128i exponent) {
+  return _mm_sub_epi32(bits, _mm_slli_epi32(exponent, 23));
+}
+
+struct Eight {
+  using Floats = __m256;
+  static constexpr std::size_t width = 8;
+
+  static Floats all(float value) { return _mm256_set1_ps(value); }
+  static Floats load(const float* values) { return _mm256_loadu_ps(values); }
+  static void store(float* values, Floats floats) { _mm256_storeu_ps(values, floats); }
+  static Floats minimum(Floats a, Floats b) { return _mm256_min_ps(a, b); }
+  static Floats maximum(Floats a, Floats b) { return _mm256_max_ps(a, b); }
+  static Floats oneWhereNotAbove(Floats values, Floats limits) {
+    return _mm256_and_ps(_mm256_cmp_ps(values, limits, _CMP_LE_OQ), all(1.0F));
+  }
+
+  struct Complex {
+    Floats re;
+    Floats im;
+  };
+  static Complex apart(Floats first, Floats second) {
+    // Shuffling stays within the halves: bring the halves that belong together side by side first.
+    const Floats lower = _mm256_permute2f128_ps(first, second, 0x20);
+    const Floats upper = _mm256_permute2f128_ps(first, second, 0x31);
+    return {_mm256_shuffle_ps(lower, upper, _MM_SHUFFLE(2, 0, 2, 0)),
+            _mm256_shuffle_ps(lower, upper, _MM_SHUFFLE(3, 1, 3, 1))};
+  }
+
+  struct Normalised {
+    Floats exponent;
+    Floats m;
+  };
+  static Normalised normalised(Floats x) {
+    const Halves bits = halvesOf(_mm256_castps_si256(x));
+    const Halves exponent{exponentOf(bits.low), exponentOf(bits.high)};
+    const Halves m{mantissaOf(bits.low, exponent.low), mantissaOf(bits.high, exponent.high)};
+    return {_mm256_cvtepi32_ps(joined(exponent)), _mm256_castsi256_ps(joined(m))};
+  }
+};
 
 struct Line {
   static void store(float* destination, const float* source) {
-    for (std::size_t i = 0; i < lineFloats; i += width)
+    for (std::size_t i = 0; i < lineFloats; i += Eight::width)
       _mm256_stream_ps(destination + i, _mm256_loadu_ps(source + i));
   }
   static void finish() { _mm_sfence(); }
@@ -28,134 +84,6 @@ void cropCopyAvx(float* destination, const float* source, std::size_t aScans, st
   copyCropped<Line>(destination, source, aScans, sourceSamples, keptSamples, streamedBytes);
 }
 
-// The instructions give their second operand where one of them is NaN: the result so far.
-Extremes extremesAvx(const float* values, std::size_t count) {
-  const float infinity = __builtin_inff();
-  __m256 low = _mm256_set1_ps(infinity);
-  __m256 high = _mm256_set1_ps(-infinity);
-  __m256 low2 = low;
-  __m256 high2 = high;
-  std::size_t i = 0;
-  for (; i + 2 * width <= count; i += 2 * width) {
-    const __m256 first = _mm256_loadu_ps(values + i);
-    const __m256 second = _mm256_loadu_ps(values + i + width);
-    low = _mm256_min_ps(first, low);
-    high = _mm256_max_ps(first, high);
-    low2 = _mm256_min_ps(second, low2);
-    high2 = _mm256_max_ps(second, high2);
-  }
-  float lows[width];
-  float highs[width];
-  _mm256_storeu_ps(lows, _mm256_min_ps(low, low2));
-  _mm256_storeu_ps(highs, _mm256_max_ps(high, high2));
-  Extremes result{infinity, -infinity};
-  for (std::size_t lane = 0; lane < width; ++lane) {
-    if (lows[lane] < result.lowest) result.lowest = lows[lane];
-    if (highs[lane] > result.highest) result.highest = highs[lane];
-  }
-  for (; i < count; ++i) {
-    if (values[i] < result.lowest) result.lowest = values[i];
-    if (values[i] > result.highest) result.highest = values[i];
-  }
-  return result;
-}
-
-// Counts as floats, which are exact up to 2^24 in every lane; so many rounds stay far below.
-constexpr std::size_t countable = std::size_t{1} << 16U;
-
-std::size_t countNotAboveAvx(const float* values, std::size_t count, float limit) {
-  const __m256 limits = _mm256_set1_ps(limit);
-  const __m256 one = _mm256_set1_ps(1.0F);
-  std::size_t result = 0;
-  std::size_t i = 0;
-  while (i + 2 * width <= count) {
-    const std::size_t left = (count - i) / (2 * width);
-    const std::size_t end = i + 2 * width * (left < countable ? left : countable);
-    __m256 first = _mm256_setzero_ps();
-    __m256 second = first;
-    for (; i < end; i += 2 * width) {
-      first = _mm256_add_ps(
-          first, _mm256_and_ps(_mm256_cmp_ps(_mm256_loadu_ps(values + i), limits, _CMP_LE_OQ), one));
-      second = _mm256_add_ps(
-          second, _mm256_and_ps(_mm256_cmp_ps(_mm256_loadu_ps(values + i + width), limits, _CMP_LE_OQ), one));
-    }
-    float counts[2 * width];
-    _mm256_storeu_ps(counts, first);
-    _mm256_storeu_ps(counts + width, second);
-    for (const float each : counts) result += static_cast<std::size_t>(each);
-  }
-  for (; i < count; ++i) result += values[i] <= limit ? 1 : 0;
-  return result;
-}
-
-__m256i joined(__m128i low, __m128i high) {
-  return _mm256_insertf128_si256(_mm256_castsi128_si256(low), high, 1);
-}
-
-void powersAvx(float* destination, const float* complexNumbers, std::size_t count) {
-  std::size_t i = 0;
-  for (; i + width <= count; i += width) {
-    const __m256 first = _mm256_loadu_ps(complexNumbers + 2 * i);
-    const __m256 second = _mm256_loadu_ps(complexNumbers + 2 * i + width);
-    // Shuffling stays within the halves: bring the halves that belong together side by side first.
-    const __m256 lower = _mm256_permute2f128_ps(first, second, 0x20);
-    const __m256 upper = _mm256_permute2f128_ps(first, second, 0x31);
-    const __m256 re = _mm256_shuffle_ps(lower, upper, _MM_SHUFFLE(2, 0, 2, 0));
-    const __m256 im = _mm256_shuffle_ps(lower, upper, _MM_SHUFFLE(3, 1, 3, 1));
-    _mm256_storeu_ps(destination + i, _mm256_add_ps(_mm256_mul_ps(re, re), _mm256_mul_ps(im, im)));
-  }
-  for (; i < count; ++i) {
-    const float re = complexNumbers[2 * i];
-    const float im = complexNumbers[2 * i + 1];
-    destination[i] = re * re + im * im;
-  }
-}
-
-struct Halves {
-  __m128i low;
-  __m128i high;
-};
-
-Halves halvesOf(__m256i wide) {
-  return {_mm256_castsi256_si128(wide), _mm256_extractf128_si256(wide, 1)};
-}
-
-__m128i exponentOf(__m128i bits) {
-  return _mm_srai_epi32(_mm_sub_epi32(bits, _mm_set1_epi32(rootHalfBits)), 23);
-}
-
-__m128i mantissaOf(__m128i bits, __m128i exponent) {
-  return _mm_sub_epi32(bits, _mm_slli_epi32(exponent, 23));
-}
-
-__m256 decibelsOf(__m256 power, __m256 least) {
-  // The maximum's second operand stands in for NaN.
-  const __m256 x = _mm256_min_ps(_mm256_max_ps(power, least), _mm256_set1_ps(largestFloat));
-  const Halves bits = halvesOf(_mm256_castps_si256(x));
-  const __m128i low = exponentOf(bits.low);
-  const __m128i high = exponentOf(bits.high);
-  const __m256 m = _mm256_castsi256_ps(joined(mantissaOf(bits.low, low), mantissaOf(bits.high, high)));
-  const __m256 one = _mm256_set1_ps(1.0F);
-  const __m256 s = _mm256_div_ps(_mm256_sub_ps(m, one), _mm256_add_ps(m, one));
-  const __m256 q = _mm256_mul_ps(s, s);
-  __m256 series = _mm256_add_ps(_mm256_set1_ps(series7), _mm256_mul_ps(q, _mm256_set1_ps(series9)));
-  series = _mm256_add_ps(_mm256_set1_ps(series5), _mm256_mul_ps(q, series));
-  series = _mm256_add_ps(_mm256_set1_ps(series3), _mm256_mul_ps(q, series));
-  series = _mm256_add_ps(_mm256_set1_ps(series1), _mm256_mul_ps(q, series));
-  return _mm256_add_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(joined(low, high)), _mm256_set1_ps(perOctave)),
-                       _mm256_mul_ps(s, series));
-}
-
-void decibelsAvx(float* destination, const float* powers, std::size_t count, float least) {
-  const __m256 floor = _mm256_set1_ps(least);
-  const auto kernel = [&](float* to, const float* from) {
-    _mm256_storeu_ps(to, decibelsOf(_mm256_loadu_ps(from), floor));
-  };
-  std::size_t i = 0;
-  for (; i + width <= count; i += width) kernel(destination + i, powers + i);
-  forTail(destination + i, powers + i, count - i, width, kernel);
-}
-
 void toUint16Avx(std::uint16_t* destination, const float* values, std::size_t count, float factor,
                  float offset) {
   const __m256 factors = _mm256_set1_ps(factor);
@@ -167,9 +95,7 @@ void toUint16Avx(std::uint16_t* destination, const float* values, std::size_t co
     const Halves whole = halvesOf(integers);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(whole.low, whole.high));
   };
-  std::size_t i = 0;
-  for (; i + width <= count; i += width) kernel(destination + i, values + i);
-  forTail(destination + i, values + i, count - i, width, kernel);
+  forAll(destination, values, count, Eight::width, kernel);
 }
 
 }  // namespace
@@ -177,10 +103,10 @@ void toUint16Avx(std::uint16_t* destination, const float* values, std::size_t co
 void setAvx(Routines& routines) {
   routines.copy = copyAvx;
   routines.cropCopy = cropCopyAvx;
-  routines.extremes = extremesAvx;
-  routines.countNotAbove = countNotAboveAvx;
-  routines.powers = powersAvx;
-  routines.decibels = decibelsAvx;
+  routines.extremes = extremesWide<Eight>;
+  routines.countNotAbove = countNotAboveWide<Eight>;
+  routines.powers = powersWide<Eight>;
+  routines.decibels = decibelsWide<Eight>;
   routines.toUint16 = toUint16Avx;
 }
 

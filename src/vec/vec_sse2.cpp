@@ -2,52 +2,39 @@
 #include <emmintrin.h>
 
 #include "vec/constants.h"
+#include "vec/four.h"
 #include "vec/routines.h"
-#include "vec/tail.h"
+#include "vec/wide.h"
 
 namespace oct::vec {
 namespace {
 
-constexpr std::size_t width = 4;
+struct FourWithBits : Four {
+  struct Normalised {
+    Floats exponent;
+    Floats m;
+  };
+  static Normalised normalised(Floats x) {
+    const __m128i bits = _mm_castps_si128(x);
+    const __m128i exponent = _mm_srai_epi32(_mm_sub_epi32(bits, _mm_set1_epi32(rootHalfBits)), 23);
+    const __m128i m = _mm_sub_epi32(bits, _mm_slli_epi32(exponent, 23));
+    return {_mm_cvtepi32_ps(exponent), _mm_castsi128_ps(m)};
+  }
+};
 
 void subtractSse2(float* destination, const std::uint16_t* counts, const float* background,
                   std::size_t count) {
   const __m128i zero = _mm_setzero_si128();
   std::size_t i = 0;
-  for (; i + 2 * width <= count; i += 2 * width) {
+  for (; i + 2 * Four::width <= count; i += 2 * Four::width) {
     const __m128i eight = _mm_loadu_si128(reinterpret_cast<const __m128i*>(counts + i));
     const __m128 first = _mm_cvtepi32_ps(_mm_unpacklo_epi16(eight, zero));
     const __m128 second = _mm_cvtepi32_ps(_mm_unpackhi_epi16(eight, zero));
     _mm_storeu_ps(destination + i, _mm_sub_ps(first, _mm_loadu_ps(background + i)));
-    _mm_storeu_ps(destination + i + width, _mm_sub_ps(second, _mm_loadu_ps(background + i + width)));
+    _mm_storeu_ps(destination + i + Four::width,
+                  _mm_sub_ps(second, _mm_loadu_ps(background + i + Four::width)));
   }
   for (; i < count; ++i) destination[i] = static_cast<float>(counts[i]) - background[i];
-}
-
-__m128 decibelsOf(__m128 power, __m128 least) {
-  // The maximum's second operand stands in for NaN.
-  const __m128 x = _mm_min_ps(_mm_max_ps(power, least), _mm_set1_ps(largestFloat));
-  const __m128i bits = _mm_castps_si128(x);
-  const __m128i exponent = _mm_srai_epi32(_mm_sub_epi32(bits, _mm_set1_epi32(rootHalfBits)), 23);
-  const __m128 m = _mm_castsi128_ps(_mm_sub_epi32(bits, _mm_slli_epi32(exponent, 23)));
-  const __m128 one = _mm_set1_ps(1.0F);
-  const __m128 s = _mm_div_ps(_mm_sub_ps(m, one), _mm_add_ps(m, one));
-  const __m128 q = _mm_mul_ps(s, s);
-  __m128 series = _mm_add_ps(_mm_set1_ps(series7), _mm_mul_ps(q, _mm_set1_ps(series9)));
-  series = _mm_add_ps(_mm_set1_ps(series5), _mm_mul_ps(q, series));
-  series = _mm_add_ps(_mm_set1_ps(series3), _mm_mul_ps(q, series));
-  series = _mm_add_ps(_mm_set1_ps(series1), _mm_mul_ps(q, series));
-  return _mm_add_ps(_mm_mul_ps(_mm_cvtepi32_ps(exponent), _mm_set1_ps(perOctave)), _mm_mul_ps(s, series));
-}
-
-void decibelsSse2(float* destination, const float* powers, std::size_t count, float least) {
-  const __m128 floor = _mm_set1_ps(least);
-  const auto kernel = [&](float* to, const float* from) {
-    _mm_storeu_ps(to, decibelsOf(_mm_loadu_ps(from), floor));
-  };
-  std::size_t i = 0;
-  for (; i + width <= count; i += width) kernel(destination + i, powers + i);
-  forTail(destination + i, powers + i, count - i, width, kernel);
 }
 
 void toUint16Sse2(std::uint16_t* destination, const float* values, std::size_t count, float factor,
@@ -61,19 +48,17 @@ void toUint16Sse2(std::uint16_t* destination, const float* values, std::size_t c
     return _mm_sub_epi32(_mm_cvttps_epi32(value), _mm_set1_epi32(32768));
   };
   const auto kernel = [&](std::uint16_t* to, const float* from) {
-    const __m128i packed = _mm_packs_epi32(whole(from), whole(from + width));
+    const __m128i packed = _mm_packs_epi32(whole(from), whole(from + Four::width));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_xor_si128(packed, _mm_set1_epi16(-32768)));
   };
-  std::size_t i = 0;
-  for (; i + 2 * width <= count; i += 2 * width) kernel(destination + i, values + i);
-  forTail(destination + i, values + i, count - i, 2 * width, kernel);
+  forAll(destination, values, count, 2 * Four::width, kernel);
 }
 
 }  // namespace
 
 void setSse2(Routines& routines) {
   routines.subtract = subtractSse2;
-  routines.decibels = decibelsSse2;
+  routines.decibels = decibelsWide<FourWithBits>;
   routines.toUint16 = toUint16Sse2;
 }
 

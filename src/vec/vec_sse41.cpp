@@ -2,13 +2,12 @@
 #include <smmintrin.h>
 
 #include "vec/constants.h"
+#include "vec/four.h"
 #include "vec/routines.h"
-#include "vec/tail.h"
+#include "vec/wide.h"
 
 namespace oct::vec {
 namespace {
-
-constexpr std::size_t width = 4;
 
 void toUint16Sse41(std::uint16_t* destination, const float* values, std::size_t count, float factor,
                    float offset) {
@@ -20,11 +19,10 @@ void toUint16Sse41(std::uint16_t* destination, const float* values, std::size_t 
     return _mm_cvttps_epi32(_mm_min_ps(_mm_set1_ps(largestUint16), value));
   };
   const auto kernel = [&](std::uint16_t* to, const float* from) {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(whole(from), whole(from + width)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to),
+                     _mm_packus_epi32(whole(from), whole(from + Four::width)));
   };
-  std::size_t i = 0;
-  for (; i + 2 * width <= count; i += 2 * width) kernel(destination + i, values + i);
-  forTail(destination + i, values + i, count - i, 2 * width, kernel);
+  forAll(destination, values, count, 2 * Four::width, kernel);
 }
 
 }  // namespace
