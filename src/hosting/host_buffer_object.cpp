@@ -17,9 +17,7 @@ HostBufferObject::~HostBufferObject() {
 void HostBufferObject::release() {
   unmap();
   fence_.reset();
-  framebuffer_.reset();
-  color_.reset();
-  depth_.reset();
+  target_.reset();
   pixels_.reset();
 }
 
@@ -31,22 +29,10 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
 
   while (glGetError() != GL_NO_ERROR) {  // errors of the client's callback are not ours
   }
-  const auto columns = static_cast<GLsizei>(width);
-  const auto rows = static_cast<GLsizei>(height);
-  framebuffer_ = gl::Framebuffer::create();
-  color_ = gl::Renderbuffer::create();
-  depth_ = gl::Renderbuffer::create();
-  pixels_ = gl::Buffer::create();
-  glBindRenderbuffer(GL_RENDERBUFFER, color_.get());
-  glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, columns, rows);
-  glBindRenderbuffer(GL_RENDERBUFFER, depth_.get());
-  glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, columns, rows);
-  glBindRenderbuffer(GL_RENDERBUFFER, 0);
-  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
-  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color_.get());
-  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, depth_.get());
+  target_.create(static_cast<GLsizei>(width), static_cast<GLsizei>(height));
   const GLenum status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  pixels_ = gl::Buffer::create();
   const auto size = static_cast<GLsizeiptr>(width) * static_cast<GLsizeiptr>(height) * 4;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
   glBufferData(GL_PIXEL_PACK_BUFFER, size, nullptr, GL_STREAM_READ);
@@ -61,7 +47,7 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
 void HostBufferObject::prepare(std::int32_t request) {
   unmap();
   fence_.reset();
-  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+  glBindFramebuffer(GL_FRAMEBUFFER, target_.framebuffer.get());
   glViewport(0, 0, columns(), rows());
   begin(request);
 }
@@ -69,7 +55,7 @@ void HostBufferObject::prepare(std::int32_t request) {
 void HostBufferObject::finish() {
   const TimingMark mark("HostBufferObject: finish");
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
-  gl::readColor(framebuffer_, columns(), rows(), nullptr);
+  gl::readColor(target_.framebuffer, columns(), rows(), nullptr);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   fence_.insert();
   glFlush();
@@ -104,7 +90,7 @@ void HostBufferObject::unmap() {
 void HostBufferObject::read_pixels(void* data) {
   if (!data) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  gl::readColor(framebuffer_, columns(), rows(), data);
+  gl::readColor(target_.framebuffer, columns(), rows(), data);
 }
 
 std::unique_ptr<AbstractMappedBuffer> HostBufferObject::map() {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "gl/fence.h"
-#include "gl/gl_names.h"
+#include "gl/render_target.h"
 #include "hosting/hand_off_buffer.h"
 #include "oct_rendering/oct_rendering.h"
 
@@ -31,9 +31,7 @@ class HostBufferObject : public HandOffBuffer {
   void unmap();
 
   OctHostSurface surface_{};  // pixels is the mapped memory, null while nothing is mapped
-  gl::Framebuffer framebuffer_;
-  gl::Renderbuffer color_;
-  gl::Renderbuffer depth_;
+  gl::RenderTarget target_;
   gl::Buffer pixels_;
   gl::Fence fence_;
 };

@@ -16,10 +16,8 @@ constexpr std::uint32_t cancelled = 0;
 
 void OffscreenBufferObject::release() {
   detach();
-  const GLuint names[] = {framebuffer_.get(), color_.get(), depth_.get()};
-  framebuffer_.reset();
-  color_.reset();
-  depth_.reset();
+  const GLuint names[] = {target_.framebuffer.get(), target_.color.get(), target_.depth.get()};
+  target_.reset();
   // A second time, with names that no longer exist: OpenGL ignores them.
   gl::FramebufferKind::destroy(names[0]);
   gl::RenderbufferKind::destroy(names[1]);
@@ -42,8 +40,8 @@ std::uint32_t OffscreenBufferObject::height() const {
 }
 
 void OffscreenBufferObject::detach() {
-  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
-  if (framebuffer_) {
+  glBindFramebuffer(GL_FRAMEBUFFER, target_.framebuffer.get());
+  if (target_.framebuffer) {
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, 0);
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, 0);
   }
@@ -56,33 +54,21 @@ void OffscreenBufferObject::detach() {
 void OffscreenBufferObject::prepare(std::int32_t request) {
   const TimingMark mark("OffscreenBuffer::prepare");
   lastRequest_ = request;
-  if (framebuffer_ && color_ && depth_) {
+  if (target_.framebuffer && target_.color && target_.depth) {
     detach();
   } else {
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glBindRenderbuffer(GL_RENDERBUFFER, 0);
   }
-  framebuffer_.reset();
-  color_.reset();
-  depth_.reset();
+  target_.reset();
 
   frameSize_ = size();
   const auto width = static_cast<GLsizei>(frameSize_.width);
   const auto height = static_cast<GLsizei>(frameSize_.height);
-  framebuffer_ = gl::Framebuffer::create();
-  color_ = gl::Renderbuffer::create();
-  depth_ = gl::Renderbuffer::create();
-  glBindRenderbuffer(GL_RENDERBUFFER, color_.get());
-  glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, width, height);
-  glBindRenderbuffer(GL_RENDERBUFFER, depth_.get());
-  glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, width, height);
-  glBindRenderbuffer(GL_RENDERBUFFER, 0);
-  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
-  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color_.get());
-  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, depth_.get());
+  target_.create(width, height);
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
 
-  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, target_.framebuffer.get());
   glViewport(0, 0, width, height);
   recordTimingMark("before_rendering");
 }
@@ -111,8 +97,8 @@ std::int64_t OffscreenBufferObject::timestamp() const {
 void OffscreenBufferObject::read_pixels(void* data) {
   if (!data) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  gl::readColor(framebuffer_, static_cast<GLsizei>(frameSize_.width), static_cast<GLsizei>(frameSize_.height),
-                data);
+  gl::readColor(target_.framebuffer, static_cast<GLsizei>(frameSize_.width),
+                static_cast<GLsizei>(frameSize_.height), data);
 }
 
 void OffscreenBufferObject::set_output_data(void* data) {

@@ -1,7 +1,7 @@
 // A render target that lives in OpenGL alone and is read back into client memory when somebody asks.
 #pragma once
 
-#include "gl/gl_names.h"
+#include "gl/render_target.h"
 #include "hosting/abstract_buffer.h"
 #include "hosting/signal_event.h"
 
@@ -45,9 +45,7 @@ class OffscreenBufferObject : public AbstractBuffer {
   Size size() const;
   void detach();
 
-  gl::Framebuffer framebuffer_;
-  gl::Renderbuffer color_;
-  gl::Renderbuffer depth_;
+  gl::RenderTarget target_;
   Size size_;       // requested; guarded by done_'s mutex
   Size frameSize_;  // of the frame under way
   std::int32_t lastRequest_ = -1;
