@@ -57,11 +57,13 @@ void LiveDevice::make(const DeviceSetup& setup) {
     const VolumeData& volume = *setup.playback;
     device_ = library_.createSimulatedPlayback(
         volume.voxels.data(), static_cast<int>(volume.depth), static_cast<int>(volume.ascans),
-        static_cast<int>(volume.bscans), 1, setup.depth, setup.width, setup.length, setup.noise, setup.seed);
+        static_cast<int>(volume.bscans), 1, setup.depth, setup.scan.width, setup.scan.length, setup.noise,
+        setup.scan.seed);
   } else if (mode_) {
-    device_ = library_.createSimulatedPolarizationDevice(setup.phantom, setup.spectrumLength, setup.seed);
+    device_ =
+        library_.createSimulatedPolarizationDevice(setup.phantom, setup.scan.spectrumLength, setup.scan.seed);
   } else {
-    device_ = library_.createSimulatedDevice(setup.phantom, setup.spectrumLength, setup.seed);
+    device_ = library_.createSimulatedDevice(setup.phantom, setup.scan.spectrumLength, setup.scan.seed);
   }
   library_.throwPendingError();
   processings_[0] = library_.createSimulatedProcessing(device_);
@@ -69,8 +71,8 @@ void LiveDevice::make(const DeviceSetup& setup) {
     processings_[1] = library_.createSimulatedProcessing(device_);
     polarization_ = library_.createSimulatedPolarizationProcessing(device_);
   }
-  pattern_ =
-      library_.createSimulatedScanPattern(device_, setup.aScans, setup.bScans, setup.width, setup.length);
+  pattern_ = library_.createSimulatedScanPattern(device_, setup.scan.aScans, setup.scan.bScans,
+                                                 setup.scan.width, setup.scan.length);
   if (setup.rate) library_.setSimulatedScanRate(device_, *setup.rate, OCT_PACING_REAL_TIME);
   if (setup.motion != OCT_MOTION_NONE) {
     library_.setSimulatedMotion(device_, setup.motion, kMotionMm, kMotionSeconds);

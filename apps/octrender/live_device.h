@@ -8,6 +8,7 @@
 
 #include "device_library.h"
 #include "polarization_mode.h"
+#include "scan_options.h"
 #include "volume_data.h"
 
 namespace oct::app {
@@ -17,13 +18,8 @@ struct DeviceSetup {
   int phantom = OCT_PHANTOM_FINGER_PAD;
   std::optional<VolumeData> playback;  // in place of the phantom
   double noise = 0.0;                  // of the playback, in decibels
-  int spectrumLength = 512;
-  int aScans = 128;
-  int bScans = 128;
+  ScanSettings scan;
   double depth = 3.6;  // of the playback; millimetres
-  double width = 4.0;
-  double length = 4.0;
-  unsigned seed = 1;
   int motion = OCT_MOTION_NONE;
   std::optional<double> rate;  // A-scans per second in real time; none: as fast as they come
   std::optional<PolarizationMode> polarization;  // none: a device with one sensor

@@ -13,6 +13,7 @@
 #include "png_writer.h"
 #include "progress.h"
 #include "rendering.h"
+#include "scan_options.h"
 #include "verbs.h"
 #include "volume_options.h"
 
@@ -56,13 +57,8 @@ struct Options : VolumeOptions {
   int phantom = OCT_PHANTOM_FINGER_PAD;
   std::string playback;
   double noise = 0;
-  int spectrumLength = 512;
-  int aScans = 128;
-  int bScans = 128;
+  ScanSettings scan{512, 128, 128};
   double depth = 3.6;
-  double width = 4;
-  double length = 4;
-  unsigned seed = 1;
   int motion = OCT_MOTION_NONE;
   std::optional<double> rate;
   std::optional<int> sizeZ;
@@ -76,27 +72,17 @@ struct Options : VolumeOptions {
   std::string surfaceColormap = "viridis";
 };
 
-CLI::Validator oneOf(const std::map<std::string, int>& names) {
-  return CLI::CheckedTransformer(names, CLI::ignore_case).description("");
-}
-
-CLI::Range from(double lowest, double highest) {
-  CLI::Range range(lowest, highest);
-  range.description("");
-  return range;
-}
-
 void addRunOptions(CLI::App& verb, Options& options) {
   verb.add_option("-o,--output", options.output, "Picture to write; must end in .png")->type_name("OUT.png");
   verb.add_option("--seconds", options.seconds, "How long to show volumes")
-      ->check(from(0.01, 1e6))
+      ->check(within(0.01, 1e6))
       ->capture_default_str();
   verb.add_option("--snapshots", options.snapshots, "Write N pictures at even intervals, the last at the end")
       ->type_name("N")
-      ->check(from(1, 1000))
+      ->check(within(1, 1000))
       ->capture_default_str();
   verb.add_option("--fps", options.framesPerSecond, "Frames per second at most, 0: as many as can be")
-      ->check(from(0, 1e4))
+      ->check(within(0, 1e4))
       ->capture_default_str();
 }
 
@@ -110,22 +96,7 @@ void addDeviceOptions(CLI::App& verb, Options& options) {
                          {"retina", OCT_PHANTOM_RETINA},
                          {"mirror", OCT_PHANTOM_MIRROR},
                          {"target", OCT_PHANTOM_POLARIZATION_TARGET}}));
-  auto* spectrum = verb.add_option("--spectrum", options.spectrumLength,
-                                   "Camera pixels per spectrum; half of it is the depth samples");
-  spectrum->check(from(64, 4096))->capture_default_str();
-  verb.add_option("--ascans", options.aScans, "A-scans per B-scan")
-      ->check(from(1, 8192))
-      ->capture_default_str();
-  verb.add_option("--bscans", options.bScans, "B-scans per volume")
-      ->check(from(1, 4096))
-      ->capture_default_str();
-  verb.add_option("--width", options.width, "Width of a B-scan in millimetres")
-      ->check(from(1e-6, 1e6))
-      ->capture_default_str();
-  verb.add_option("--length", options.length, "Extent over all B-scans in millimetres")
-      ->check(from(1e-6, 1e6))
-      ->capture_default_str();
-  verb.add_option("--seed", options.seed, "Chooses the individual and its noise")->capture_default_str();
+  addScanOptions(verb, options.scan);
   auto* motion = verb.add_option("--motion", options.motion, "How the phantom moves (default: none)");
   motion->type_name("none|breathing|drift")
       ->transform(oneOf(
@@ -133,16 +104,16 @@ void addDeviceOptions(CLI::App& verb, Options& options) {
   verb.add_option("--rate", options.rate,
                   "A-scans per second in real time (default: as fast as\nvolumes can be computed)")
       ->type_name("RATE")
-      ->check(from(1, 1e9));
+      ->check(within(1, 1e9));
   auto* playback = verb.add_option("--playback", options.playback,
                                    "Play a volume back instead: a .npy array (B-scan, depth,\nA-scan)");
-  playback->type_name("FILE")->excludes(phantom)->excludes(spectrum)->excludes(motion);
+  playback->type_name("FILE")->excludes(phantom)->excludes("--spectrum")->excludes(motion);
   verb.add_option("--depth", options.depth, "Depth of the played volume in millimetres")
-      ->check(from(1e-6, 1e6))
+      ->check(within(1e-6, 1e6))
       ->capture_default_str()
       ->needs(playback);
   verb.add_option("--noise", options.noise, "Noise that is added to the played volume, in its unit")
-      ->check(from(0, 1e6))
+      ->check(within(0, 1e6))
       ->capture_default_str()
       ->needs(playback);
 }
@@ -150,9 +121,9 @@ void addDeviceOptions(CLI::App& verb, Options& options) {
 void addSourceOptions(CLI::App& verb, Options& options) {
   verb.add_option("--size-z", options.sizeZ, "Depth samples that are drawn (default: all)")
       ->type_name("N")
-      ->check(from(1, 65536));
+      ->check(within(1, 65536));
   verb.add_option("--refractive-index", options.refractiveIndex, "What depths are divided by")
-      ->check(from(0.1, 10))
+      ->check(within(0.1, 10))
       ->capture_default_str();
   auto* polarization = verb.add_option(
       "--ps", options.polarization,
@@ -167,14 +138,14 @@ void addSourceOptions(CLI::App& verb, Options& options) {
                   "Average of Stokes vectors over depth samples, A-scans,\nB-scans, volumes")
       ->type_name("D A B V")
       ->expected(4)
-      ->check(from(1, 1000))
+      ->check(within(1, 1000))
       ->capture_default_str()
       ->needs(polarization);
   auto* analog = verb.add_flag("--analog", options.analog, "Colour a composite by the analog input");
   analog->excludes(polarization);
   verb.add_option("--analog-channel", options.analogChannel, "Channel of the analog input")
       ->type_name("N")
-      ->check(from(0, 63))
+      ->check(within(0, 63))
       ->capture_default_str()
       ->needs(analog);
   auto* surface = verb.add_flag("--surface", options.surface, "Draw the surface, too");
@@ -199,13 +170,8 @@ DeviceSetup deviceSetup(const Options& options, const std::optional<Polarization
   setup.library = options.library;
   setup.phantom = options.phantom;
   setup.noise = options.noise;
-  setup.spectrumLength = options.spectrumLength;
-  setup.aScans = options.aScans;
-  setup.bScans = options.bScans;
+  setup.scan = options.scan;
   setup.depth = options.depth;
-  setup.width = options.width;
-  setup.length = options.length;
-  setup.seed = options.seed;
   setup.motion = options.motion;
   setup.rate = options.rate;
   setup.polarization = mode;

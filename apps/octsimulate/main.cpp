@@ -7,23 +7,18 @@
 #include <cstdio>
 #include <fstream>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "scan_options.h"
+
 namespace {
 
-struct Scan {
+struct Scan : oct::app::ScanSettings {
   std::string output;
   int phantom = OCT_PHANTOM_FINGER_PAD;
-  int spectrumLength = 2048;
-  int aScans = 1024;
-  int bScans = 1;
-  double width = 4.0;
-  double length = 4.0;
-  unsigned seed = 1;
 };
 
 template <class Handle>
@@ -113,33 +108,13 @@ void write(const Volume& volume, const std::string& file) {
 }
 
 void addOptions(CLI::App& program, Scan& scan) {
-  const std::map<std::string, int> phantoms{
-      {"finger", OCT_PHANTOM_FINGER_PAD}, {"retina", OCT_PHANTOM_RETINA}, {"mirror", OCT_PHANTOM_MIRROR}};
   program.add_option("-o,--output", scan.output, "Array to write")->required()->type_name("OUT.npy");
-  program.add_option("--phantom", scan.phantom, "finger, retina or mirror (default: finger)")
-      ->transform(CLI::CheckedTransformer(phantoms, CLI::ignore_case).description(""))
-      ->type_name("NAME");
-  program.add_option("--spectrum", scan.spectrumLength, "Camera pixels per spectrum; half of it is the depth samples")
-      ->check(CLI::Range(64, 4096).description(""))
-      ->capture_default_str()
-      ->type_name("N");
-  program.add_option("--ascans", scan.aScans, "A-scans per B-scan")
-      ->check(CLI::Range(1, 8192).description(""))
-      ->capture_default_str()
-      ->type_name("N");
-  program.add_option("--bscans", scan.bScans, "B-scans; more than one gives a volume")
-      ->check(CLI::Range(1, 4096).description(""))
-      ->capture_default_str()
-      ->type_name("N");
-  program.add_option("--width", scan.width, "Width of a B-scan in millimetres")
-      ->check(CLI::PositiveNumber.description(""))
-      ->capture_default_str()
-      ->type_name("MM");
-  program.add_option("--length", scan.length, "Extent over all B-scans in millimetres")
-      ->check(CLI::PositiveNumber.description(""))
-      ->capture_default_str()
-      ->type_name("MM");
-  program.add_option("--seed", scan.seed, "Chooses the individual and its noise")->capture_default_str()->type_name("N");
+  program.add_option("--phantom", scan.phantom, "What the device looks at (default: finger)")
+      ->type_name("finger|retina|mirror")
+      ->transform(oct::app::oneOf({{"finger", OCT_PHANTOM_FINGER_PAD},
+                                   {"retina", OCT_PHANTOM_RETINA},
+                                   {"mirror", OCT_PHANTOM_MIRROR}}));
+  oct::app::addScanOptions(program, scan);
 }
 
 }  // namespace
