@@ -7,6 +7,7 @@
 #include "bscan_scene.h"
 #include "failure.h"
 #include "image_input.h"
+#include "layer_options.h"
 #include "option_values.h"
 #include "png_writer.h"
 #include "verbs.h"
@@ -122,13 +123,7 @@ void addOverlayOptions(CLI::App& verb, Options& options) {
                   "least this (default: everywhere)")
       ->type_name("T")
       ->needs(overlay);
-  verb.add_option("--overlay-range", options.overlayRange, "As --range, for the overlay")
-      ->type_name("LO HI | auto")
-      ->needs(overlay);
-  verb.add_option("--overlay-colormap", options.overlayColormap, "As --colormap, for the overlay")
-      ->type_name("MAP")
-      ->capture_default_str()
-      ->needs(overlay);
+  addLayerColorOptions(verb, overlay, "the overlay", options.overlayRange, options.overlayColormap);
   verb.add_option("--overlay-opacity", options.overlayOpacity, "0 (invisible) to 1 (opaque)")
       ->type_name("A")
       ->check(CLI::Range(0.0, 1.0).description(""))

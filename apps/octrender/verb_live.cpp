@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "failure.h"
+#include "layer_options.h"
 #include "live_view.h"
 #include "option_values.h"
 #include "png_writer.h"
@@ -149,10 +150,7 @@ void addSourceOptions(CLI::App& verb, Options& options) {
       ->capture_default_str()
       ->needs(analog);
   auto* surface = verb.add_flag("--surface", options.surface, "Draw the surface, too");
-  verb.add_option("--surface-colormap", options.surfaceColormap, "As --colormap, for the surface")
-      ->type_name("MAP")
-      ->capture_default_str()
-      ->needs(surface);
+  addLayerColormapOption(verb, surface, "the surface", options.surfaceColormap);
 }
 
 bool isIntensity(const std::optional<PolarizationMode>& mode) {

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "failure.h"
+#include "layer_options.h"
 #include "option_values.h"
 #include "png_writer.h"
 #include "progress.h"
@@ -85,31 +86,16 @@ void addDataOptions(CLI::App& verb, Options& options) {
   auto* surface =
       verb.add_option("--surface", options.surface, "Height map of depths in samples, one row per B-scan");
   surface->type_name("FILE");
-  verb.add_option("--surface-colormap", options.surfaceColormap, "As --colormap, for the surface")
-      ->type_name("MAP")
-      ->capture_default_str()
-      ->needs(surface);
+  addLayerColormapOption(verb, surface, "the surface", options.surfaceColormap);
   verb.add_flag("--surface-only", options.surfaceOnly, "Draw the surface without the volume")->needs(surface);
   auto* overlay = verb.add_option("--overlay", options.overlay, "Second volume of the same size, laid over");
   overlay->type_name("FILE");
-  verb.add_option("--overlay-range", options.overlayRange, "As --range, for the overlay")
-      ->type_name("LO HI | auto")
-      ->needs(overlay);
-  verb.add_option("--overlay-colormap", options.overlayColormap, "As --colormap, for the overlay")
-      ->type_name("MAP")
-      ->capture_default_str()
-      ->needs(overlay);
+  addLayerColorOptions(verb, overlay, "the overlay", options.overlayRange, options.overlayColormap);
   auto* secondary = verb.add_option(
       "--secondary", options.secondary,
       "Map of a second quantity over the lateral axes, one row\nper B-scan, that colours a composite");
   secondary->type_name("FILE")->excludes(overlay);
-  verb.add_option("--secondary-range", options.secondaryRange, "As --range, for the map")
-      ->type_name("LO HI | auto")
-      ->needs(secondary);
-  verb.add_option("--secondary-colormap", options.secondaryColormap, "As --colormap, for the map")
-      ->type_name("MAP")
-      ->capture_default_str()
-      ->needs(secondary);
+  addLayerColorOptions(verb, secondary, "the map", options.secondaryRange, options.secondaryColormap);
 }
 
 std::array<float, 3> parseExtent(const std::vector<double>& numbers, const VolumeData& volume) {
