@@ -4,6 +4,7 @@
 #include <stb/stb_image_write.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 
 namespace oct::test {
@@ -29,15 +30,11 @@ std::string currentTestName() {
 
 void writePng(const Picture& picture, const std::string& file) {
   std::vector<std::uint8_t> rgba(picture.bytes.size());
-  for (int y = 0; y < picture.height; ++y) {
+  auto to = rgba.begin();
+  for (int y = picture.height - 1; y >= 0; --y) {
     for (int x = 0; x < picture.width; ++x) {
-      const std::uint8_t* const from = picture.pixel(x, picture.height - 1 - y);
-      std::uint8_t* const to =
-          rgba.data() + (static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width) + static_cast<std::size_t>(x)) * 4;
-      to[0] = from[2];
-      to[1] = from[1];
-      to[2] = from[0];
-      to[3] = from[3];
+      const std::uint8_t* const from = picture.pixel(x, y);
+      for (const int c : {2, 1, 0, 3}) *to++ = from[c];
     }
   }
   stbi_write_png(file.c_str(), picture.width, picture.height, 4, rgba.data(), picture.width * 4);
@@ -65,19 +62,22 @@ testing::AssertionResult agree(const Picture& actual, const Picture& expected, T
       worstAt = i;
     }
   }
-  const bool enough = static_cast<double>(farPixels) <= (1.0 - tolerance.fraction) * static_cast<double>(pixels);
+  const bool enough =
+      static_cast<double>(farPixels) <= (1.0 - tolerance.fraction) * static_cast<double>(pixels);
   const double mean = sum / static_cast<double>(actual.bytes.size());
   if (enough && worst <= tolerance.most && mean <= tolerance.mean) return testing::AssertionSuccess();
 
-  const std::string name = currentTestName();
+  static std::atomic<int> failures{0};
+  const std::string name = currentTestName() + "." + std::to_string(++failures);
   writePng(actual, name + ".actual.png");
   writePng(expected, name + ".expected.png");
   writePng(difference(actual, expected), name + ".difference.png");
-  return testing::AssertionFailure()
-         << farPixels << " of " << pixels << " pixels differ by more than " << tolerance.nearly
-         << " levels, all by " << mean << " on average; the worst by " << worst << " at column " << worstAt % static_cast<std::size_t>(actual.width)
-         << ", row " << worstAt / static_cast<std::size_t>(actual.width) << " from the bottom. See " << name
-         << ".*.png";
+  return testing::AssertionFailure() << farPixels << " of " << pixels << " pixels differ by more than "
+                                     << tolerance.nearly << " levels, all by " << mean
+                                     << " on average; the worst by " << worst << " at column "
+                                     << worstAt % static_cast<std::size_t>(actual.width) << ", row "
+                                     << worstAt / static_cast<std::size_t>(actual.width)
+                                     << " from the bottom. See " << name << ".*.png";
 }
 
 }  // namespace oct::test

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <future>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -48,6 +50,23 @@ class Recorded {
   std::vector<T> values_;
 };
 
+// Holds the first thread that comes until it is opened; others pass.
+class Gate {
+ public:
+  void pass() {
+    if (come_.exchange(true)) return;
+    arrived_.set_value();
+    opened_.get_future().wait();
+  }
+  void awaitArrival() { arrived_.get_future().wait(); }
+  void open() { opened_.set_value(); }
+
+ private:
+  std::atomic<bool> come_{false};
+  std::promise<void> arrived_;
+  std::promise<void> opened_;
+};
+
 // Draws a picture that no other id has.
 inline void drawPattern(std::uint32_t id) {
   const auto clear = [](std::uint32_t colour) {
@@ -67,16 +86,11 @@ inline void drawPattern(std::uint32_t id) {
 
 inline Picture patternPicture(std::uint32_t id, int width, int height) {
   Picture picture(width, height);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      const std::uint32_t colour = x < width / 2 && y < height / 3 ? ~id : id;
-      std::uint8_t* const p = picture.pixel(x, y);
-      p[0] = static_cast<std::uint8_t>(colour);
-      p[1] = static_cast<std::uint8_t>(colour >> 8);
-      p[2] = static_cast<std::uint8_t>(colour >> 16);
-      p[3] = 255;
-    }
-  }
+  picture.forEach([&](int x, int y) {
+    const std::uint32_t colour = x < width / 2 && y < height / 3 ? ~id : id;
+    for (int c = 0; c < 3; ++c) picture.pixel(x, y)[c] = static_cast<std::uint8_t>(colour >> 8 * c);
+    picture.pixel(x, y)[3] = 255;
+  });
   return picture;
 }
 

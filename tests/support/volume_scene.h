@@ -91,12 +91,20 @@ class VolumeStage {
   VolumeStage(const VolumeStage&) = delete;
   VolumeStage& operator=(const VolumeStage&) = delete;
 
-  Picture draw(const VolumeScene& scene);                   // settings, data and a frame
+  void prepare(const VolumeScene& scene);                   // settings and data
+  Picture draw(const VolumeScene& scene);                   // and a frame
   Picture frame(int width, int height, int content) const;  // as things stand
+  Picture frame() const;                                    // the same, of the last scene's size and content
+  void restart() const;  // gives the renderer's OpenGL objects back and makes new ones
 
   OffscreenTargetHandle target = nullptr;
   VolumeRendererHandle renderer = nullptr;
   OfflineRenderingHandle offline = nullptr;
+
+ private:
+  int width_ = 0;
+  int height_ = 0;
+  int content_ = 0;
 };
 
 }  // namespace oct::test

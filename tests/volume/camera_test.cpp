@@ -17,13 +17,15 @@ glm::vec3 onScreen(const Camera& camera, const glm::vec3& point) {
 }
 
 TEST(CameraTest, AnglesWrapByWholeTurns) {
-  EXPECT_EQ(wrappedAngle(190.0), -170.0);
-  EXPECT_EQ(wrappedAngle(-190.0), 170.0);
-  EXPECT_EQ(wrappedAngle(540.0), 180.0);
-  EXPECT_EQ(wrappedAngle(-540.0), -180.0);
-  EXPECT_EQ(wrappedAngle(180.0), 180.0);
-  EXPECT_EQ(wrappedAngle(-180.0), -180.0);
-  EXPECT_EQ(wrappedAngle(725.0), 5.0);
+  for (const auto& [angle, wrapped] : {std::pair{190.0, -170.0},
+                                       {-190.0, 170.0},
+                                       {540.0, 180.0},
+                                       {-540.0, -180.0},
+                                       {180.0, 180.0},
+                                       {-180.0, -180.0},
+                                       {725.0, 5.0}}) {
+    EXPECT_EQ(wrappedAngle(angle), wrapped);
+  }
   EXPECT_NEAR(wrappedAngle(3600000.5), 0.5, 1e-6);
 }
 

@@ -14,12 +14,11 @@ TEST(VolumeLogTest, MissingUniformsAreNotedAndNoError) {
   const std::string text = logOf([&] { initializeVolumeRenderer(renderer); });
   for (const char* const uniform :
        {"overlayValues", "secondaryTex", "secondarySlice", "colorTex2", "backTex"}) {
-    EXPECT_NE(text.find(std::string("Uniform ") + uniform + " was not found. "), std::string::npos)
-        << uniform;
+    EXPECT_TRUE(contains(text, std::string("Uniform ") + uniform + " was not found. ")) << uniform;
   }
   // What every variant has is never missing.
   for (const char* const uniform : {"modelview", "projection"}) {
-    EXPECT_EQ(text.find(std::string("Uniform ") + uniform + " "), std::string::npos) << uniform;
+    EXPECT_FALSE(contains(text, std::string("Uniform ") + uniform + " ")) << uniform;
   }
   EXPECT_EQ(pendingError(), "(none)");
   deleteVolumeRenderer(renderer);

@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
-
 #include "shaders.h"
 
 namespace oct::test {
@@ -22,19 +20,20 @@ bool declares(const std::string& text, const std::string& uniform) {
   return false;
 }
 
-const std::vector<const char*>& raycasters() {
-  static const std::vector<const char*> texts{shaders::raycasting_frag,
-                                              shaders::raycasting_mip_frag,
-                                              shaders::raycasting_mean_frag,
-                                              shaders::raycasting_overlay_frag,
-                                              shaders::raycasting_overlay_mip_frag,
-                                              shaders::raycasting_overlay_mean_frag,
-                                              shaders::raycasting_dual_coloring_frag};
-  return texts;
+const char* const raycasters[] = {shaders::raycasting_frag,
+                                  shaders::raycasting_mip_frag,
+                                  shaders::raycasting_mean_frag,
+                                  shaders::raycasting_overlay_frag,
+                                  shaders::raycasting_overlay_mip_frag,
+                                  shaders::raycasting_overlay_mean_frag,
+                                  shaders::raycasting_dual_coloring_frag};
+
+std::string mainOf(const std::string& text) {
+  return text.substr(text.find("void main()"));
 }
 
 TEST(VolumeShaderTextTest, SharedPartsComeOnce) {
-  for (const std::string text : raycasters()) {
+  for (const std::string text : raycasters) {
     EXPECT_EQ(text.find("#version 330 core\n"), 0U);
     EXPECT_EQ(text.find("#include"), std::string::npos);
     for (const char* const shared :
@@ -64,11 +63,8 @@ TEST(VolumeShaderTextTest, OverlayVariantsOnlyAddDeclarations) {
   const std::string plain = shaders::raycasting_mip_frag;
   const std::string overlay = shaders::raycasting_overlay_mip_frag;
   EXPECT_GT(overlay.size(), plain.size());
-  EXPECT_EQ(overlay.substr(overlay.find("void main()")), plain.substr(plain.find("void main()")));
-  EXPECT_EQ(std::string(shaders::raycasting_overlay_mean_frag)
-                .substr(std::string(shaders::raycasting_overlay_mean_frag).find("void main()")),
-            std::string(shaders::raycasting_mean_frag)
-                .substr(std::string(shaders::raycasting_mean_frag).find("void main()")));
+  EXPECT_EQ(mainOf(overlay), mainOf(plain));
+  EXPECT_EQ(mainOf(shaders::raycasting_overlay_mean_frag), mainOf(shaders::raycasting_mean_frag));
 }
 
 }  // namespace
