@@ -9,9 +9,9 @@ namespace oct::test {
 namespace {
 
 TEST(ShaderTextTest, IncludesAreExpanded) {
-  for (const char* const source : {shaders::display_vert, shaders::display_frag, shaders::overlay_frag,
-                                   shaders::filter_vert, shaders::gaussian_x_frag, shaders::gaussian_y_frag,
-                                   shaders::pepper_frag}) {
+  for (const char* const source :
+       {shaders::display_vert, shaders::display_frag, shaders::overlay_frag, shaders::filter_vert,
+        shaders::gaussian_x_frag, shaders::gaussian_y_frag, shaders::pepper_frag}) {
     const std::string text(source);
     EXPECT_EQ(text.find("#version 330 core\n"), 0U);
     EXPECT_EQ(text.find("#include"), std::string::npos);

@@ -16,20 +16,9 @@ namespace {
 constexpr const char* invalidHandle = "Invalid OpenGLControlLoopHandle specified. ";
 
 TEST(ControlLoopApiTest, NullHandles) {
-  const auto refused = [](const std::function<void()>& call) {
-    call();
-    EXPECT_EQ(pendingError(), invalidHandle);
-  };
-  refused([] { deleteOpenGLControlLoop(nullptr); });
-  refused([] { registerOpenGLControlLoopRenderCallback(nullptr, nullptr); });
-  refused([] { registerOpenGLControlLoopCallback(nullptr, nullptr); });
-  refused([] { snapshotOpenGLControlLoop(nullptr, 1, 1, nullptr); });
-  refused([] { resizeOpenGLControlLoop(nullptr, 1, 1); });
-  refused([] { OpenGLControlLoopMode(nullptr, 0); });
-  refused([] { unlockBuffer(nullptr); });
-  refused([] { EXPECT_EQ(createDXSurface(nullptr, 1, 1), nullptr); });
-  refused([] { copyDXSurface(nullptr, nullptr, nullptr); });
-  refused([] { destroyDXSurface(nullptr, nullptr); });
+  expectNullRefused(invalidHandle, deleteOpenGLControlLoop, registerOpenGLControlLoopRenderCallback,
+                    registerOpenGLControlLoopCallback, snapshotOpenGLControlLoop, resizeOpenGLControlLoop,
+                    OpenGLControlLoopMode, unlockBuffer, createDXSurface, copyDXSurface, destroyDXSurface);
 }
 
 // Requests come too often to leave errors behind.
@@ -93,8 +82,8 @@ TEST_P(ControlLoopApiGLTest, FromRequestToSurface) {
   renderMultOpenGLControlLoop(loop_, 0x345678);
   const auto all = pictures_.atLeast(2);
   ASSERT_EQ(all.size(), 2U);
-  EXPECT_TRUE(agree(all[0], patternPicture(0, 30, 20), {0, 1.0, 0}));
-  EXPECT_TRUE(agree(all[1], patternPicture(0x345678, 30, 20), {0, 1.0, 0}));
+  EXPECT_TRUE(agree(all[0], patternPicture(0, 30, 20), exact));
+  EXPECT_TRUE(agree(all[1], patternPicture(0x345678, 30, 20), exact));
 }
 
 TEST_P(ControlLoopApiGLTest, NullKeepsTheRenderFunctionAndRemovesTheOther) {
@@ -111,7 +100,7 @@ TEST_P(ControlLoopApiGLTest, NullKeepsTheRenderFunctionAndRemovesTheOther) {
 TEST_P(ControlLoopApiGLTest, SnapshotsAndTheirMisuse) {
   Picture picture(11, 4);
   snapshotOpenGLControlLoop(loop_, 11, 4, picture.bytes.data());
-  EXPECT_TRUE(agree(picture, patternPicture(0, 11, 4), {0, 1.0, 0}));
+  EXPECT_TRUE(agree(picture, patternPicture(0, 11, 4), exact));
   snapshotOpenGLControlLoop(loop_, 1, 1, nullptr);
   EXPECT_EQ(pendingError(), "Valid data pointer must be provided to take snapshot. ");
   for (const auto& [width, height] : {std::pair{-1, 1}, {1, -1}, {-5, -5}}) {
@@ -136,16 +125,14 @@ TEST_P(ControlLoopApiGLTest, SurfacesOfTheClient) {
   const std::size_t before = copied.all().size();
   renderMultOpenGLControlLoop(loop_, 0x102030);
   copied.atLeast(before + 1);
-  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), {0, 1.0, 0}));
+  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), exact));
 
   void* const larger = createDXSurface(loop_, 60, 40);
   copyDXSurface(loop_, kept, larger);
   const Picture small = patternPicture(0x102030, 30, 20);
   Picture stretched(60, 40);
-  for (int y = 0; y < 40; ++y) {
-    for (int x = 0; x < 60; ++x) std::copy_n(small.pixel(x / 2, y / 2), 4, stretched.pixel(x, y));
-  }
-  EXPECT_TRUE(agree(surfacePicture(sharing, larger), stretched, {0, 1.0, 0}));
+  stretched.forEach([&](int x, int y) { std::copy_n(small.pixel(x / 2, y / 2), 4, stretched.pixel(x, y)); });
+  EXPECT_TRUE(agree(surfacePicture(sharing, larger), stretched, exact));
 
   copyDXSurface(loop_, nullptr, kept);
   EXPECT_EQ(pendingError(), "A surface to copy must not be null. ");
@@ -159,7 +146,7 @@ TEST_P(ControlLoopApiGLTest, SurfacesOfTheClient) {
   deleteOpenGLControlLoop(loop_);
   // The surface outlives the loop that it was made with.
   loop_ = createOpenGLControlLoop();
-  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), {0, 1.0, 0}));
+  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), exact));
   destroyDXSurface(loop_, kept);
 }
 
@@ -189,13 +176,10 @@ TEST_P(ControlLoopApiGLTest, TheEndIsAnnounced) {
 
 TEST_P(ControlLoopApiGLTest, TheTraceTellsEveryRequest) {
   const auto read = [] {
-    std::ifstream file(renderTraceFile());
     std::ostringstream text;
-    text << file.rdbuf();
+    text << std::ifstream(renderTraceFile()).rdbuf();
     return text.str();
   };
-  // Before the first request of the process: the file is opened once.
-  std::filesystem::create_directories(std::filesystem::path(renderTraceFile()).parent_path());
   renderOpenGLControlLoop(loop_);
   const std::size_t before = read().size();
   ASSERT_GT(before, 0U) << renderTraceFile();

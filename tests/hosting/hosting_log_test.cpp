@@ -14,8 +14,7 @@ namespace {
 
 TEST(HostingLogTest, ImageReadyWithoutFunctionWarns) {
   const std::string text = logOf([] { ImageReadyCallback{nullptr}(1, 2, 3, nullptr); });
-  EXPECT_NE(text.find("Warning: returning image withoug callback being specified. \n"), std::string::npos)
-      << text;
+  EXPECT_TRUE(contains(text, "Warning: returning image withoug callback being specified. \n")) << text;
 }
 
 class HostingLogGLTest : public GLTest {};
@@ -25,8 +24,7 @@ TEST_F(HostingLogGLTest, ReasonOfAFailedTarget) {
   GlSpy spy;
   spy.failNext("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
   const std::string text = logOf([&] { EXPECT_THROW(buffer.resize(6, 6), std::runtime_error); });
-  EXPECT_NE(text.find("An error occured when creating render target: GL_FRAMEBUFFER_UNSUPPORTED\n"),
-            std::string::npos)
+  EXPECT_TRUE(contains(text, "An error occured when creating render target: GL_FRAMEBUFFER_UNSUPPORTED\n"))
       << text;
 }
 
@@ -42,10 +40,10 @@ TEST(ControlLoopLogGLTest, EndsOfALoop) {
   text = logOf([] {
     const OpenGLControlLoop loop(functor([] { throw std::runtime_error("broken"); }), nullptr, nullptr);
   });
-  EXPECT_NE(text.find("Rendering loop: broken\n"), std::string::npos) << text;
-  EXPECT_EQ(text.find("Rendering loop finished. "), std::string::npos) << text;
+  EXPECT_TRUE(contains(text, "Rendering loop: broken\n")) << text;
+  EXPECT_FALSE(contains(text, "Rendering loop finished. ")) << text;
   text = logOf([] { const OpenGLControlLoop loop(functor([] { throw 1; }), nullptr, nullptr); });
-  EXPECT_NE(text.find("Rendering loop, unknown error.\n"), std::string::npos) << text;
+  EXPECT_TRUE(contains(text, "Rendering loop, unknown error.\n")) << text;
 }
 
 }  // namespace
