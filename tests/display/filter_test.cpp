@@ -30,14 +30,6 @@ class FilterGLTest : public GLTest {
   bool lastOutputIsInput_ = false;
 };
 
-TEST_F(FilterGLTest, ConstantImagePassesUnchanged) {
-  chain_.init();
-  chain_.setBlur(true, true);
-  chain_.setPepper(true);
-  for (const float value : run(13, 9, std::vector<float>(13 * 9, 37.5F))) EXPECT_NEAR(value, 37.5F, 1e-4F);
-  EXPECT_FALSE(lastOutputIsInput_);
-}
-
 TEST_F(FilterGLTest, NothingEnabledHandsTheInputOn) {
   chain_.init();
   run(4, 4, std::vector<float>(16, 1.0F));

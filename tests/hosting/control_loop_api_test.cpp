@@ -5,6 +5,7 @@
 #include <sstream>
 #include <thread>
 
+#include "hosting/functors.h"
 #include "hosting/render_trace.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/test_context.h"
@@ -31,6 +32,29 @@ TEST(ControlLoopApiTest, RequestsPostNothing) {
               std::string("An error occured: ") + invalidHandle + "\n");
     EXPECT_EQ(pendingError(), "(none)");
   }
+}
+
+TEST(ControlLoopApiTest, ImageReadyWithoutFunctionWarns) {
+  const std::string text = logOf([] { ImageReadyCallback{nullptr}(1, 2, 3, nullptr); });
+  EXPECT_TRUE(contains(text, "Warning: returning image withoug callback being specified. \n")) << text;
+}
+
+TEST(ControlLoopApiTest, EndsOfALoopAreLogged) {
+  chooseSharing(SurfaceSharing::hostMemory);
+  std::string text = logOf([] { const OpenGLControlLoop loop(nullptr, nullptr, nullptr); });
+  const std::size_t finished = text.find("Rendering loop finished. \n");
+  const std::size_t joined = text.find("background thread successfully joined. \n");
+  EXPECT_NE(finished, std::string::npos) << text;
+  EXPECT_NE(joined, std::string::npos) << text;
+  EXPECT_LT(finished, joined);
+
+  text = logOf([] {
+    const OpenGLControlLoop loop(functor([] { throw std::runtime_error("broken"); }), nullptr, nullptr);
+  });
+  EXPECT_TRUE(contains(text, "Rendering loop: broken\n")) << text;
+  EXPECT_FALSE(contains(text, "Rendering loop finished. ")) << text;
+  text = logOf([] { const OpenGLControlLoop loop(functor([] { throw 1; }), nullptr, nullptr); });
+  EXPECT_TRUE(contains(text, "Rendering loop, unknown error.\n")) << text;
 }
 
 Recorded<std::uint32_t>* drawn = nullptr;

@@ -123,8 +123,7 @@ TEST_P(ControlLoopGLTest, ModeChangesOfAnIdleLoop) {
 TEST_P(ControlLoopGLTest, BuffersRotate) {
   Recorded<void*> recorded;
   auto loop = makeRecordingLoop(8, 6);
-  loop->set_image_ready_callback(
-      imageReady([&](std::uint32_t, std::uint32_t, std::uint32_t, void* surface) { recorded.add(surface); }));
+  loop->set_image_ready_callback(imageReady([&](Index, void* surface) { recorded.add(surface); }));
   for (int id = 1; id <= 7; ++id) {
     loop->request(id);
     recorded.atLeast(static_cast<std::size_t>(id));
@@ -139,7 +138,7 @@ TEST_P(ControlLoopGLTest, PixelsFollowTheSize) {
   auto loop = makeRecordingLoop(8, 6);
   Recorded<Picture> pictures;
   loop->set_image_ready_callback(
-      imageReady([&](std::uint32_t, std::uint32_t width, std::uint32_t height, void* surface) {
+      imageReady([&](Index, std::uint32_t width, std::uint32_t height, void* surface) {
         Picture picture = surfacePicture(GetParam(), surface);
         EXPECT_EQ(picture.width, static_cast<int>(width));
         EXPECT_EQ(picture.height, static_cast<int>(height));
@@ -159,9 +158,8 @@ TEST_P(ControlLoopGLTest, WithoutRenderFunctionATestImage) {
   loop->set_mode(OpenGLControlLoop::onceEach);
   loop->resize(64, 64);
   Recorded<Picture> pictures;
-  loop->set_image_ready_callback(imageReady([&](std::uint32_t, std::uint32_t, std::uint32_t, void* surface) {
-    pictures.add(surfacePicture(GetParam(), surface));
-  }));
+  loop->set_image_ready_callback(
+      imageReady([&](Index, void* surface) { pictures.add(surfacePicture(GetParam(), surface)); }));
   loop->request(0);
   const auto first = pictures.atLeast(1);
   ASSERT_EQ(first.size(), 1U);
@@ -177,8 +175,7 @@ TEST_P(ControlLoopGLTest, CallbacksCanBeExchanged) {
   loop->request(1);
   returned_.atLeast(1);
   loop->set_rendering_callback(rendering([this](std::uint32_t id) { drawn_.add(id + 100); }));
-  loop->set_image_ready_callback(imageReady(
-      [this](std::uint32_t index, std::uint32_t, std::uint32_t, void*) { returned_.add(index + 200); }));
+  loop->set_image_ready_callback(imageReady([this](Index index, void*) { returned_.add(index + 200); }));
   loop->request(3);
   EXPECT_EQ(returned_.atLeast(2), (Ids{1, 203}));
   EXPECT_EQ(drawn_.all(), (Ids{1, 103}));
@@ -195,7 +192,7 @@ TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
   auto loop = std::make_unique<OpenGLControlLoop>(functor([&] { note("init", init); }),
                                                   functor([&] { note("uninit", uninit); }), nullptr);
   loop->set_rendering_callback(rendering([&](std::uint32_t) { note("draw", draw); }));
-  loop->set_image_ready_callback(imageReady([&](std::uint32_t index, std::uint32_t, std::uint32_t, void*) {
+  loop->set_image_ready_callback(imageReady([&](Index index, void*) {
     returned_.add(index);
     std::this_thread::sleep_for(50ms);  // the loop is being deleted meanwhile
     order.push_back("ready");
@@ -244,7 +241,7 @@ TEST_P(ControlLoopGLTest, ThrowingInit) {
 TEST_P(ControlLoopGLTest, DeletionWhileFramesWait) {
   auto loop = makeRecordingLoop(8, 6);
   std::atomic<int> returns{0};
-  loop->set_image_ready_callback(imageReady([&](std::uint32_t, std::uint32_t, std::uint32_t, void*) {
+  loop->set_image_ready_callback(imageReady([&](Index, void*) {
     ++returns;
     gate_.pass();
   }));
@@ -263,12 +260,11 @@ TEST_P(ControlLoopGLTest, DeletionWhileFramesWait) {
 // The render thread is at most three frames ahead of a client that keeps a frame.
 TEST_P(ControlLoopGLTest, NothingIsDrawnIntoABufferThatTheClientHolds) {
   auto loop = makeRecordingLoop(8, 6);
-  loop->set_image_ready_callback(
-      imageReady([&](std::uint32_t index, std::uint32_t, std::uint32_t, void* surface) {
-        gate_.pass();
-        EXPECT_TRUE(agree(surfacePicture(GetParam(), surface), patternPicture(index, 8, 6), exact));
-        returned_.add(index);
-      }));
+  loop->set_image_ready_callback(imageReady([&](Index index, void* surface) {
+    gate_.pass();
+    EXPECT_TRUE(agree(surfacePicture(GetParam(), surface), patternPicture(index, 8, 6), exact));
+    returned_.add(index);
+  }));
   for (int id = 1; id <= 9; ++id) loop->request(id);
   gate_.awaitArrival();
   drawn_.atLeast(3);
@@ -298,8 +294,7 @@ TEST_P(ControlLoopGLTest, DeletionFromItsOwnThreadsIsRefused) {
         attempt("draw");
         if (fails) throw std::runtime_error("no more");
       }));
-      loop.set_image_ready_callback(
-          imageReady([&](std::uint32_t, std::uint32_t, std::uint32_t, void*) { attempt("ready"); }));
+      loop.set_image_ready_callback(imageReady([&](Index, void*) { attempt("ready"); }));
       made.set_value(&loop);
       loop.check_deletable();
       loop.set_mode(OpenGLControlLoop::onceEach);

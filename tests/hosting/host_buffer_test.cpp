@@ -155,5 +155,13 @@ TEST_F(HostBufferGLTest, LeavesNoObjectBehind) {
   EXPECT_EQ(spy.liveObjects(), 0U);
 }
 
+TEST_F(HostBufferGLTest, TheReasonOfAFailedTargetIsLogged) {
+  GlSpy spy;
+  spy.failNext("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
+  const std::string text = logOf([&] { EXPECT_THROW(buffer_.resize(6, 6), std::runtime_error); });
+  EXPECT_TRUE(contains(text, "An error occured when creating render target: GL_FRAMEBUFFER_UNSUPPORTED\n"))
+      << text;
+}
+
 }  // namespace
 }  // namespace oct::test

@@ -106,14 +106,13 @@ TEST_P(LoopSnapshotGLTest, ASecondOneMeanwhileDoesNothing) {
 
 TEST_P(LoopSnapshotGLTest, FromTheImageReadyFunctionWhileFramesWait) {
   auto loop = makePatternLoop(0x445566);
-  loop->set_image_ready_callback(
-      imageReady([&, first = true](std::uint32_t index, std::uint32_t, std::uint32_t, void*) mutable {
-        if (std::exchange(first, false)) {
-          drawn_.atLeast(3);
-          loop->snapshot(4, 4, picture_.bytes.data());
-        }
-        returned_.add(index);
-      }));
+  loop->set_image_ready_callback(imageReady([&, first = true](Index index, void*) mutable {
+    if (std::exchange(first, false)) {
+      drawn_.atLeast(3);
+      loop->snapshot(4, 4, picture_.bytes.data());
+    }
+    returned_.add(index);
+  }));
   for (int id = 1; id <= 6; ++id) loop->request(id);
   Ids ids = returned_.atLeast(7);
   EXPECT_TRUE(agree(picture_, patternPicture(0x445566, 4, 4), exact));

@@ -1,11 +1,24 @@
 #include "support/pictures.h"
 
+#define STB_IMAGE_IMPLEMENTATION
+#define STB_IMAGE_STATIC
+#define STBI_ONLY_PNG
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wunused-function"
+#endif
+#include <stb/stb_image.h>
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <stb/stb_image_write.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <memory>
 
 namespace oct::test {
 namespace {
@@ -78,6 +91,31 @@ testing::AssertionResult agree(const Picture& actual, const Picture& expected, T
                                      << worstAt % static_cast<std::size_t>(actual.width) << ", row "
                                      << worstAt / static_cast<std::size_t>(actual.width)
                                      << " from the bottom. See " << name << ".*.png";
+}
+
+Picture readPng(const std::string& file) {
+  int width = 0;
+  int height = 0;
+  const std::unique_ptr<stbi_uc, decltype(&stbi_image_free)> rgba(
+      stbi_load(file.c_str(), &width, &height, nullptr, 4), &stbi_image_free);
+  if (!rgba) return {};
+  Picture picture(width, height);
+  picture.forEach([&](int x, int y) {
+    const stbi_uc* from = rgba.get() + 4 * ((height - 1 - y) * width + x);
+    for (const int c : {2, 1, 0, 3}) picture.pixel(x, y)[c] = *from++;
+  });
+  return picture;
+}
+
+testing::AssertionResult looksLike(const Picture& picture, const std::string& name, Tolerance tolerance) {
+  const std::string file = std::string(OCT_GOLDEN_DIR) + "/" + name + ".png";
+  if (std::getenv("OCT_ACCEPT_GOLDEN")) {
+    writePng(picture, file);
+    return testing::AssertionFailure() << "accepted " << file << "; run again without OCT_ACCEPT_GOLDEN";
+  }
+  const Picture golden = readPng(file);
+  if (golden.bytes.empty()) return testing::AssertionFailure() << file << " cannot be read";
+  return agree(picture, golden, tolerance);
 }
 
 }  // namespace oct::test

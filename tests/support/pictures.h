@@ -57,4 +57,12 @@ testing::AssertionResult agree(const Picture& actual, const Picture& expected, T
 
 void writePng(const Picture& picture, const std::string& file);
 
+// Without pixels when the file cannot be read.
+Picture readPng(const std::string& file);
+
+// For looks that no formula fixes, accepted by a person: compares with tests/golden/NAME.png. With
+// OCT_ACCEPT_GOLDEN set in the environment the picture is written there instead, to be looked at before it is
+// committed.
+testing::AssertionResult looksLike(const Picture& picture, const std::string& name, Tolerance tolerance);
+
 }  // namespace oct::test

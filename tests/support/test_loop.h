@@ -6,17 +6,60 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <future>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "core/error_callback.h"
 #include "gl/gl.h"
+#include "hosting/functors.h"
 #include "hosting/opengl_control_loop.h"
-#include "support/loop_functors.h"
 #include "support/surfaces.h"
 
 namespace oct::test {
+
+// Functors made of lambdas.
+template <class... Arguments>
+class LambdaFunctor : public AbstractSwitchable<Arguments...> {
+ public:
+  explicit LambdaFunctor(std::function<void(Arguments...)> body) : body_(std::move(body)) {}
+  void operator()(Arguments... arguments) override { body_(arguments...); }
+  void set_enabled(bool) override {}
+
+ private:
+  const std::function<void(Arguments...)> body_;
+};
+
+inline std::unique_ptr<AbstractFunctor> functor(std::function<void()> body) {
+  return std::make_unique<LambdaFunctor<>>(std::move(body));
+}
+
+inline std::unique_ptr<AbstractRenderingFunctor> rendering(std::function<void(std::uint32_t id)> body) {
+  return std::make_unique<LambdaFunctor<std::uint32_t>>(std::move(body));
+}
+
+using Index = std::uint32_t;
+
+inline std::unique_ptr<AbstractImageReady> imageReady(
+    std::function<void(Index, std::uint32_t width, std::uint32_t height, void* surface)> body) {
+  return std::make_unique<LambdaFunctor<Index, std::uint32_t, std::uint32_t, void*>>(std::move(body));
+}
+inline std::unique_ptr<AbstractImageReady> imageReady(std::function<void(Index, void* surface)> body) {
+  return imageReady(
+      [body](Index index, std::uint32_t, std::uint32_t, void* surface) { body(index, surface); });
+}
+
+class LambdaError : public AbstractErrorFunctor {
+ public:
+  explicit LambdaError(std::function<void(const std::string&)> body) : body_(std::move(body)) {}
+  void operator()(const std::string& message) const override { body_(message); }
+
+ private:
+  const std::function<void(const std::string&)> body_;
+};
 
 // A list that one thread appends to and another waits for.
 template <class T>
@@ -112,8 +155,7 @@ class LoopGLTest : public testing::TestWithParam<SurfaceSharing> {
       drawPattern(id);
       drawn_.add(id);
     }));
-    loop->set_image_ready_callback(imageReady(
-        [this](std::uint32_t index, std::uint32_t, std::uint32_t, void*) { returned_.add(index); }));
+    loop->set_image_ready_callback(imageReady([this](Index index, void*) { returned_.add(index); }));
     loop->set_mode(OpenGLControlLoop::onceEach);
     loop->resize(width, height);
     return loop;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <utility>
 
 namespace oct::test {
 
@@ -27,6 +28,16 @@ Volume testVolume(int width, int height, int depth, unsigned seed) {
     }
   }
   return volume;
+}
+
+VolumeScene sceneOf(Volume volume, int width, int height, double angleX, double angleY) {
+  VolumeScene scene;
+  scene.volume = std::move(volume);
+  scene.viewportWidth = width;
+  scene.viewportHeight = height;
+  scene.angleX = angleX;
+  scene.angleY = angleY;
+  return scene;
 }
 
 std::vector<std::uint32_t> rampColors(int count, double opacity) {

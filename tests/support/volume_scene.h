@@ -73,6 +73,9 @@ struct VolumeScene {
 // Layers, blobs and noise between 0 and 1, in steps that a 16-bit float holds exactly.
 Volume testVolume(int width, int height, int depth, unsigned seed = 1);
 
+// A scene of a volume, its viewport and the angles that it is seen from.
+VolumeScene sceneOf(Volume volume, int width, int height, double angleX = 0.0, double angleY = 0.0);
+
 // Opaque colours, or an opacity rising with the square of the value up to `opacity`.
 std::vector<std::uint32_t> opaqueColors(int count);
 std::vector<std::uint32_t> rampColors(int count, double opacity);

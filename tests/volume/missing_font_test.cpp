@@ -24,13 +24,8 @@ TEST(MissingFontTest, IsAClearError) {
 }
 
 TEST(MissingFontTest, TheSceneIsDrawnWithoutLabelsAndTheErrorReported) {
-  VolumeScene scene;
-  scene.volume = testVolume(16, 16, 16);
+  VolumeScene scene = sceneOf(testVolume(16, 16, 16), 200, 160, 25.0, -35.0);
   scene.coloring = {opaqueColors(16), 0.0, 1.0};
-  scene.viewportWidth = 200;
-  scene.viewportHeight = 160;
-  scene.angleX = 25.0;
-  scene.angleY = -35.0;
   VolumeStage stage;
   stage.prepare(scene);
   setBorder(stage.renderer, 0, 1, 1);

@@ -6,7 +6,6 @@
 #include <functional>
 
 #include "support/gl_spy.h"
-#include "support/golden.h"
 #include "support/reference_camera.h"
 #include "support/test_context.h"
 #include "volume/box_view.h"
@@ -22,13 +21,8 @@ struct Flags {
 class SceneElementsTest : public testing::Test {
  protected:
   SceneElementsTest() {
-    scene_.viewportWidth = 200;
-    scene_.viewportHeight = 160;
     scene_.range = {1.5F, 2.0F, 2.5F};
-    scene_.angleX = 25.0;
-    scene_.angleY = -35.0;
     scene_.zoom = 45.0;
-    scene_.volume = testVolume(8, 8, 8);
     scene_.coloring = {{0x00000000U, 0x00000000U}, 0.0, 1.0};  // nothing is seen of the volume
   }
 
@@ -54,7 +48,7 @@ class SceneElementsTest : public testing::Test {
     return clip;
   }
 
-  VolumeScene scene_;
+  VolumeScene scene_ = sceneOf(testVolume(8, 8, 8), 200, 160, 25.0, -35.0);
   VolumeStage stage_;
 };
 
@@ -296,6 +290,26 @@ TEST_F(SceneElementsTest, BuffersThatFailAreReportedAndTheNextFrameWorks) {
       EXPECT_EQ(pendingError(), "(none)");
     }
   }
+}
+
+// Each variant declares only what it uses; what it lacks is noted and nothing more.
+TEST_F(SceneElementsTest, MissingUniformsAreNotedAndNoError) {
+  const std::string text = logOf([&] { stage_.restart(); });
+  for (const char* const uniform :
+       {"overlayValues", "secondaryTex", "secondarySlice", "colorTex2", "backTex"}) {
+    EXPECT_TRUE(contains(text, std::string("Uniform ") + uniform + " was not found. ")) << uniform;
+  }
+  // What every variant has is never missing.
+  for (const char* const uniform : {"modelview", "projection"}) {
+    EXPECT_FALSE(contains(text, std::string("Uniform ") + uniform + " ")) << uniform;
+  }
+  EXPECT_EQ(pendingError(), "(none)");
+}
+
+// A frame that draws writes nothing: the log is for what is wrong.
+TEST_F(SceneElementsTest, AFrameIsSilent) {
+  stage_.draw(scene_);
+  EXPECT_EQ(logOf([&] { stage_.frame(); }), "");
 }
 
 }  // namespace

@@ -146,12 +146,7 @@ TEST(SectionalViewImageTest, EqualsTheArithmetic) {
   VolumeStage stage;
   for (const auto& [name, sections, translucent, overlay, perspective] : cases) {
     SCOPED_TRACE(name);
-    VolumeScene scene;
-    scene.volume = testVolume(40, 28, 34);
-    scene.viewportWidth = 161;
-    scene.viewportHeight = 127;
-    scene.angleX = 25.0;
-    scene.angleY = -35.0;
+    VolumeScene scene = sceneOf(testVolume(40, 28, 34), 161, 127, 25.0, -35.0);
     scene.range = {1.5F, 2.0F, 2.5F};
     scene.perspective = perspective;
     scene.coloring = {translucent ? rampColors(64, 0.7) : opaqueColors(64), 0.1, 0.9};
@@ -176,12 +171,7 @@ TEST(SectionalViewImageTest, EqualsTheArithmetic) {
 
 // The outline of a slice in the foreground colour, where the box's edges are off.
 TEST(SectionalViewOutlineTest, RunsAroundTheSlice) {
-  VolumeScene scene;
-  scene.volume = testVolume(16, 16, 16);
-  scene.viewportWidth = 160;
-  scene.viewportHeight = 120;
-  scene.angleX = 20.0;
-  scene.angleY = 40.0;
+  VolumeScene scene = sceneOf(testVolume(16, 16, 16), 160, 120, 20.0, 40.0);
   scene.backgroundBottom = scene.backgroundTop = 0x000000FFU;
   scene.coloring = {{0xFF000000U, 0xFF000000U}, 0.0, 1.0};  // black slices
   VolumeStage stage;

@@ -161,12 +161,7 @@ Picture referenceSurface(const VolumeScene& scene, const HeightMap& map, double 
 class SurfaceImageTest : public testing::Test {
  protected:
   SurfaceImageTest() {
-    scene_.viewportWidth = 121;
-    scene_.viewportHeight = 97;
     scene_.range = {1.2F, 2.0F, 2.6F};
-    scene_.angleX = 30.0;
-    scene_.angleY = -25.0;
-    scene_.volume = testVolume(8, 8, 8);
     setSurfaceColormap(stage_.renderer, colors_.data(), static_cast<int>(colors_.size()));
   }
 
@@ -185,7 +180,7 @@ class SurfaceImageTest : public testing::Test {
   }
 
   VolumeStage stage_;
-  VolumeScene scene_;
+  VolumeScene scene_ = sceneOf(testVolume(8, 8, 8), 121, 97, 30.0, -25.0);
   std::vector<std::uint32_t> colors_ = opaqueColors(48);
   double lower_ = 30.0;
   double upper_ = 52.0;

@@ -11,12 +11,7 @@ namespace oct::test {
 namespace {
 
 VolumeScene faultScene() {
-  VolumeScene scene;
-  scene.volume = testVolume(10, 11, 12);
-  scene.viewportWidth = 50;
-  scene.viewportHeight = 40;
-  scene.angleX = 10.0;
-  scene.angleY = 20.0;
+  VolumeScene scene = sceneOf(testVolume(10, 11, 12), 50, 40, 10.0, 20.0);
   scene.coloring = {opaqueColors(16), 0.0, 1.0};
   scene.mode = 1;
   return scene;
@@ -63,7 +58,7 @@ TEST_F(VolumeFaultTest, AFailedAllocationLeavesNoVolume) {
   // The very sizes that failed, and then the scene's.
   allocateOfflineVolume(stage_.offline, 20, 20, 20);
   EXPECT_EQ(pendingError(), "(none)");
-  stage_.draw(scene_);
+  stage_.prepare(scene_);
   expectScene();
 }
 
@@ -120,7 +115,7 @@ TEST_F(VolumeFaultTest, AProgramThatDoesNotCompileLeavesTheRendererUninitialised
   stage_.frame(50, 40, 0);
   EXPECT_EQ(pendingError(), "Program has not been compiled yet.");
   initializeVolumeRenderer(stage_.renderer);
-  stage_.draw(scene_);
+  stage_.prepare(scene_);
   expectScene();
 }
 

@@ -19,10 +19,7 @@ struct Case {
 
 // Seen from above the corner, with every axis of a different extent.
 VolumeScene baseScene() {
-  VolumeScene scene;
-  scene.volume = testVolume(40, 28, 34);
-  scene.angleX = 25.0;
-  scene.angleY = -35.0;
+  VolumeScene scene = sceneOf(testVolume(40, 28, 34), 97, 71, 25.0, -35.0);
   scene.range = {1.5F, 2.0F, 2.5F};
   scene.coloring = {rampColors(256, 0.3), 0.2, 1.0};
   return scene;

@@ -13,10 +13,7 @@ namespace oct::test {
 namespace {
 
 VolumeScene threadScene() {
-  VolumeScene scene;
-  scene.volume = testVolume(8, 8, 8);
-  scene.viewportWidth = 24;
-  scene.viewportHeight = 16;
+  VolumeScene scene = sceneOf(testVolume(8, 8, 8), 24, 16);
   scene.slices = 16;
   return scene;
 }
