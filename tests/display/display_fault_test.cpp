@@ -51,8 +51,7 @@ struct Fault {
 TEST_F(DisplayFaultGLTest, InitFails) {
   const std::string invalidValue =
       "A numeric argument is out of range. The offending command is ignored and has no other side effect "
-      "than to set "
-      "the error flag. (GL_INVALID_VALUE)\n";
+      "than to set the error flag. (GL_INVALID_VALUE)\n";
   const Fault faults[] = {
       {"glCompileShader", "Vertex shader compilation failed"},
       {"glCreateShader", "Vertex shader compilation failed"},
