@@ -240,6 +240,12 @@ TEST_F(SurfaceImageTest, IsUploadedOnceAndFailuresAreReported) {
     setSurface(stage_.renderer, map.width, map.height, map.scale, map.values.data());
     stage_.frame();
     EXPECT_EQ(spy.calls("glBufferData"), 3 * perFrame + 3) << "positions, normals and indices";
+    setSurface(stage_.renderer, map.width, map.height, map.scale, map.values.data());
+    spy.failNext("glBufferData", perFrame + 1);
+    stage_.frame();
+    EXPECT_EQ(pendingError().find("An OpenGL error in VolumeRenderer::surface changed occured: "), 0U);
+    clearGLErrors();
+    EXPECT_TRUE(agree(stage_.frame(), before, exact)) << "the next frame uploads it again";
   }
   stage_.restart();
   apply(scene_, stage_.renderer);
