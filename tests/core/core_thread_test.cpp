@@ -13,13 +13,6 @@
 namespace oct::test {
 namespace {
 
-template <class Action>
-void onThreads(int count, Action&& action) {
-  std::vector<std::thread> threads;
-  for (int i = 0; i < count; ++i) threads.emplace_back([&action, i] { action(i); });
-  for (std::thread& thread : threads) thread.join();
-}
-
 TEST(CoreThreadTest, EveryErrorIsReadByItsOwnThread) {
   testing::internal::CaptureStderr();
   onThreads(8, [](int i) {

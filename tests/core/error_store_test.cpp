@@ -143,8 +143,8 @@ TEST_F(ErrorExportTest, BufferSizes) {
 
 TEST_F(ErrorExportTest, ReadingWithoutBufferDiscards) {
   std::array<char, 4> buffer{'#', '#', '#', '#'};
-  for (const auto& [message, size] : {std::pair<char*, int>{nullptr, 0}, {nullptr, 10}, {buffer.data(), 0},
-                                      {buffer.data(), -5}}) {
+  for (const auto& [message, size] :
+       {std::pair<char*, int>{nullptr, 0}, {nullptr, 10}, {buffer.data(), 0}, {buffer.data(), -5}}) {
     fail();
     EXPECT_EQ(getRendererError(message, size), OCT_RENDERER_ERROR);
     EXPECT_EQ(isRendererError(), 0);

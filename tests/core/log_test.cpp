@@ -19,6 +19,14 @@ class LogTest : public testing::Test {
  protected:
   ~LogTest() override { setRendererLogFile(nullptr); }
 
+  // What the file holds; it is removed.
+  static std::string taken(const std::filesystem::path& file) {
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    std::filesystem::remove(file);
+    return text.str();
+  }
+
   static std::string settings() {
     const SharedBlock block("oct_log_settings", 1024);
     return {block.data(), strnlen(block.data(), 1024)};
@@ -27,7 +35,9 @@ class LogTest : public testing::Test {
 
 TEST_F(LogTest, LinesGoToTheNamedFile) {
   EXPECT_EQ(logOf([] {
-              log() << "Uniform " << "gamma" << " was not found. ";
+              log() << "Uniform "
+                    << "gamma"
+                    << " was not found. ";
               log() << 1 << " and " << 2.5;
             }),
             "Uniform gamma was not found. \n1 and 2.5\n");
@@ -40,11 +50,7 @@ TEST_F(LogTest, LinesAreAppended) {
   log() << "later";
   setRendererLogFile("");
   log() << "nowhere";
-  std::ifstream stream(file);
-  std::string lines((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-  EXPECT_EQ(lines, "earlier\nlater\n");
-  stream.close();
-  std::filesystem::remove(file);
+  EXPECT_EQ(taken(file), "earlier\nlater\n");
 }
 
 TEST_F(LogTest, NameIsSharedWithOtherProcesses) {
@@ -66,12 +72,7 @@ TEST_F(LogTest, NameSetByAnotherProcessIsFollowed) {
   log() << "hello";
   setRendererLogFile(nullptr);
   log() << "closes";
-  std::ifstream stream(file);
-  std::string line;
-  std::getline(stream, line);
-  EXPECT_EQ(line, "hello");
-  stream.close();
-  std::filesystem::remove(file);
+  EXPECT_EQ(taken(file), "hello\n");
 }
 
 TEST_F(LogTest, LengthOfTheName) {
@@ -87,13 +88,9 @@ TEST_F(LogTest, LengthOfTheName) {
 
 TEST(LogThreadTest, LogLinesOfSeveralThreadsStayWhole) {
   const std::string text = logOf([] {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 6; ++i) {
-      threads.emplace_back([i] {
-        for (int n = 0; n < 200; ++n) log() << "thread " << i << " writes a line";
-      });
-    }
-    for (std::thread& thread : threads) thread.join();
+    onThreads(6, [](int i) {
+      for (int n = 0; n < 200; ++n) log() << "thread " << i << " writes a line";
+    });
   });
   std::istringstream lines(text);
   std::map<std::string, int> counted;

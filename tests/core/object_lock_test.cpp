@@ -6,21 +6,15 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
-#include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
+
+#include "support/test_context.h"
 
 namespace oct::test {
 namespace {
 
 TEST(ObjectLockTest, Null) {
-  try {
-    const ObjectLock lock(nullptr);
-    FAIL();
-  } catch (const std::exception& error) {
-    EXPECT_STREQ(error.what(), "Cannot lock nullptr. ");
-  }
+  EXPECT_EQ(failureOf([] { ObjectLock(nullptr); }), "Cannot lock nullptr. ");
   EXPECT_EQ(lockedObjectCount(), 0U);
 }
 
@@ -31,18 +25,14 @@ TEST(ObjectLockTest, SerialisesOneObjectAndNotAnother) {
   std::atomic<int> most{0};
   {
     const ObjectLock held(&second);  // must not hinder the users of the first
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-      threads.emplace_back([&] {
-        for (int n = 0; n < 2000; ++n) {
-          const ObjectLock lock(&first);
-          most = std::max(most.load(), ++inside);
-          ++first;
-          --inside;
-        }
-      });
-    }
-    for (std::thread& thread : threads) thread.join();
+    onThreads(8, [&](int) {
+      for (int n = 0; n < 2000; ++n) {
+        const ObjectLock lock(&first);
+        most = std::max(most.load(), ++inside);
+        ++first;
+        --inside;
+      }
+    });
     EXPECT_EQ(lockedObjectCount(), 1U);
   }
   EXPECT_EQ(first, 16000);

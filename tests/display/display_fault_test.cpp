@@ -7,13 +7,15 @@
 namespace oct::test {
 namespace {
 
-constexpr const char* outOfMemory =
-    "There is not enough memory left to execute the command. The state of the GL is undefined, except for the state "
+const std::string outOfMemory =
+    "There is not enough memory left to execute the command. The state of the GL is undefined, except for "
+    "the state "
     "of the error flags, after this error is recorded. (GL_OUT_OF_MEMORY)\n";
 
 class DisplayFaultGLTest : public testing::Test {
  protected:
-  DisplayFaultGLTest() : target_(createOffscreenTarget()), renderer_(createDisplayRendering()) {
+  DisplayFaultGLTest() {
+    uninitDisplayRendering(renderer_);  // from here on every program's binary is kept
     scene_.image = testImage(64, 48);
     scene_.width = 48;
     scene_.height = 64;
@@ -22,32 +24,23 @@ class DisplayFaultGLTest : public testing::Test {
     scene_.overlays = {{{0x8000FF00U, 0x80FF0000U}, 0.0, 1.0}};
     apply(scene_, renderer_);
   }
-  ~DisplayFaultGLTest() override {
-    clearDisplayRendering(renderer_);
-    clearOffscreenTarget(target_);
-  }
 
-  Picture draw() {
-    Picture picture(scene_.width, scene_.height);
-    beginOffscreenFrame(target_, static_cast<unsigned>(scene_.width), static_cast<unsigned>(scene_.height));
-    renderDisplay(renderer_);
-    finishOffscreenFrame(target_, picture.bytes.data());
-    return picture;
-  }
+  Picture draw() const { return stage_.frame(scene_.width, scene_.height); }
+  void expectScene() const { EXPECT_TRUE(agree(draw(), referencePicture(scene_))); }
 
   // The whole life of a renderer after a fault, and nothing left behind.
-  void expectRecovery(GlSpy& spy) {
+  void expectRecovery(GlSpy& spy) const {
     initDisplayRendering(renderer_);
-    EXPECT_TRUE(agree(draw(), referencePicture(scene_)));
+    expectScene();
     EXPECT_EQ(pendingError(), "(none)");
     uninitDisplayRendering(renderer_);
-    beginOffscreenFrame(target_, 1, 1);
+    beginOffscreenFrame(stage_.target, 1, 1);
     EXPECT_EQ(spy.liveObjects(), 3U) << "more than the target's framebuffer and its two renderbuffers";
   }
 
   Scene scene_;
-  const OffscreenTargetHandle target_;
-  const DisplayRenderingHandle renderer_;
+  const DisplayStage stage_;
+  const DisplayRenderingHandle renderer_ = stage_.renderer;
 };
 
 struct Fault {
@@ -56,19 +49,17 @@ struct Fault {
 };
 
 TEST_F(DisplayFaultGLTest, InitFails) {
-  initDisplayRendering(renderer_);  // from here on every program's binary is kept
-  uninitDisplayRendering(renderer_);
   const std::string invalidValue =
-      "A numeric argument is out of range. The offending command is ignored and has no other side effect than to set "
-      "the error flag. (GL_INVALID_VALUE)\n";
+      "A numeric argument is out of range. The offending command is ignored and has no other side effect "
+      "than to set the error flag. (GL_INVALID_VALUE)\n";
   const Fault faults[] = {
       {"glCompileShader", "Vertex shader compilation failed"},
       {"glCreateShader", "Vertex shader compilation failed"},
       {"glLinkProgram", ""},
       {"glCreateProgram", "An OpenGL error in BinaryShader::load_to_program occured: " + invalidValue},
-      {"glProgramBinary", std::string("An OpenGL error in BinaryShader::load_to_program occured: ") + outOfMemory},
+      {"glProgramBinary", "An OpenGL error in BinaryShader::load_to_program occured: " + outOfMemory},
       {"glGenBuffers", "Could not create OpenGL buffer. "},
-      {"glBufferData", std::string("An OpenGL error in AbstractOpenGLFilter::init occured: ") + outOfMemory},
+      {"glBufferData", "An OpenGL error in AbstractOpenGLFilter::init occured: " + outOfMemory},
   };
   for (const Fault& fault : faults) {
     GlSpy spy;
@@ -78,8 +69,7 @@ TEST_F(DisplayFaultGLTest, InitFails) {
     initDisplayRendering(renderer_);
     EXPECT_EQ(pendingError(), fault.message) << fault.function;
     EXPECT_GE(spy.calls(fault.function), 1);
-    while (glGetError() != GL_NO_ERROR) {
-    }
+    clearGLErrors();
     renderDisplay(renderer_);  // not initialised: skipped
     EXPECT_EQ(pendingError(), "(none)") << fault.function;
     EXPECT_EQ(spy.liveObjects(), 0U) << fault.function;
@@ -90,22 +80,22 @@ TEST_F(DisplayFaultGLTest, InitFails) {
 
 TEST_F(DisplayFaultGLTest, RenderFails) {
   const Fault faults[] = {
-      {"glTexImage1D", std::string("An OpenGL error in render: colormap changed occured: ") + outOfMemory},
-      {"glTexImage2D", std::string("An OpenGL error in SimpleDataProvider::resize occured: ") + outOfMemory},
+      {"glTexImage1D", "An OpenGL error in render: colormap changed occured: " + outOfMemory},
+      {"glTexImage2D", "An OpenGL error in SimpleDataProvider::resize occured: " + outOfMemory},
       {"glTexSubImage2D",
-       std::string("An OpenGL error in SimpleDataProvider::LockedTexture::glTexSubImage2D occured: ") + outOfMemory},
-      {"glFramebufferTexture2D", std::string("An OpenGL error in AbstractOpenGLFilter::draw occured: ") + outOfMemory},
+       "An OpenGL error in SimpleDataProvider::LockedTexture::glTexSubImage2D occured: " + outOfMemory},
+      {"glFramebufferTexture2D", "An OpenGL error in AbstractOpenGLFilter::draw occured: " + outOfMemory},
   };
   for (const Fault& fault : faults) {
+    SCOPED_TRACE(fault.function);
     GlSpy spy;
     initDisplayRendering(renderer_);
     spy.failNext(fault.function);
     draw();
     EXPECT_EQ(pendingError(), fault.message) << fault.function;
-    while (glGetError() != GL_NO_ERROR) {
-    }
+    clearGLErrors();
     apply(scene_, renderer_);
-    EXPECT_TRUE(agree(draw(), referencePicture(scene_))) << "after " << fault.function;
+    expectScene();
     EXPECT_EQ(pendingError(), "(none)");
     uninitDisplayRendering(renderer_);
     expectRecovery(spy);
@@ -121,8 +111,8 @@ TEST_F(DisplayFaultGLTest, FilterTextureFails) {
   apply(scene_, renderer_);
   spy.failNext("glTexImage2D");
   draw();
-  EXPECT_EQ(pendingError(), std::string("An OpenGL error in AbstractOpenGLFilter::resize occured: ") + outOfMemory);
-  EXPECT_TRUE(agree(draw(), referencePicture(scene_)));
+  EXPECT_EQ(pendingError(), "An OpenGL error in AbstractOpenGLFilter::resize occured: " + outOfMemory);
+  expectScene();
   uninitDisplayRendering(renderer_);
   expectRecovery(spy);
 }
@@ -139,7 +129,7 @@ TEST_F(DisplayFaultGLTest, NoTextureName) {
   draw();
   EXPECT_EQ(pendingError(), "Invalid texture for rendering....");
   apply(scene_, renderer_);
-  EXPECT_TRUE(agree(draw(), referencePicture(scene_)));
+  expectScene();
   uninitDisplayRendering(renderer_);
 }
 
@@ -151,7 +141,7 @@ TEST_F(DisplayFaultGLTest, HalfPrecisionWhenFloatDoesNotFit) {
   apply(scene_, renderer_);
   spy.failNext("R32F proxy");
   // Half floats keep 11 bits of the sample, less than a level around the boundaries 0 and 1.
-  EXPECT_TRUE(agree(draw(), referencePicture(scene_)));
+  expectScene();
   EXPECT_EQ(spy.calls("R16F texture"), 1);
   EXPECT_EQ(pendingError(), "(none)");
 
@@ -168,7 +158,7 @@ TEST_F(DisplayFaultGLTest, HalfPrecisionWhenFloatDoesNotFit) {
 
 TEST_F(DisplayFaultGLTest, StaleErrorOfTheClientIsReportedFirst) {
   initDisplayRendering(renderer_);
-  beginOffscreenFrame(target_, 8, 8);
+  beginOffscreenFrame(stage_.target, 8, 8);
   glEnable(GL_TEXTURE_BUFFER + 12345);
   renderDisplay(renderer_);
   EXPECT_EQ(pendingError().find("An OpenGL error in render: init occured: An unacceptable value"), 0U);
@@ -178,15 +168,15 @@ TEST_F(DisplayFaultGLTest, StaleErrorOfTheClientIsReportedFirst) {
 TEST_F(DisplayFaultGLTest, IncompleteOffscreenFramebuffer) {
   GlSpy spy;
   spy.failNext("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
-  beginOffscreenFrame(target_, 8, 8);
+  beginOffscreenFrame(stage_.target, 8, 8);
   EXPECT_EQ(pendingError(), "The offscreen framebuffer is not complete: GL_FRAMEBUFFER_UNSUPPORTED");
   Picture picture(8, 8);
-  finishOffscreenFrame(target_, picture.bytes.data());
+  finishOffscreenFrame(stage_.target, picture.bytes.data());
   EXPECT_EQ(pendingError(), "No offscreen frame has been begun. ");
   spy.failNext("glRenderbufferStorage");
-  beginOffscreenFrame(target_, 8, 8);
-  EXPECT_EQ(pendingError(), std::string("An OpenGL error in beginOffscreenFrame occured: ") + outOfMemory);
-  beginOffscreenFrame(target_, 8, 8);
+  beginOffscreenFrame(stage_.target, 8, 8);
+  EXPECT_EQ(pendingError(), "An OpenGL error in beginOffscreenFrame occured: " + outOfMemory);
+  beginOffscreenFrame(stage_.target, 8, 8);
   EXPECT_EQ(pendingError(), "(none)");
 }
 

@@ -1,7 +1,6 @@
 // Whole pictures of the display, drawn through the exports, against the CPU reference.
 #include <cmath>
 #include <filesystem>
-#include <ostream>
 
 #include "support/display_reference.h"
 #include "support/npy.h"
@@ -27,8 +26,6 @@ struct Case {
   Scene scene;
   Tolerance tolerance = {};
 };
-
-void PrintTo(const Case& value, std::ostream* stream) { *stream << value.name; }
 
 Scene sceneOf(int depth, int aScans, int width, int height) {
   Scene scene;
@@ -61,76 +58,59 @@ std::vector<Case> cases() {
       {"FlippedAndReducedByFour", with(sceneOf(400, 800, 200, 100), [](Scene& s) { s.flip = true; })},
       {"LowerAboveUpper", with(odd, [](Scene& s) { s.lower = 0.9, s.upper = 0.2; })},
       {"NarrowBoundariesSaturateAtBothEnds", with(odd, [](Scene& s) { s.lower = 0.4, s.upper = 0.6; })},
-      {"TwoColours", with(odd, [](Scene& s) { s.colormap = {0xFF2040C0U, 0xFFE0FF10U}; })},
+      {"TwoColours", with(odd,
+                          [](Scene& s) {
+                            s.colormap = {0xFF2040C0U, 0xFFE0FF10U};
+                          })},
       {"OneColour", with(odd, [](Scene& s) { s.colormap = {0xFF336699U}; })},
-      {"TranslucentColourMap", with(odd, [](Scene& s) { s.colormap = {0x00102030U, 0x80F0E0D0U}; })},
+      {"TranslucentColourMap", with(odd,
+                                    [](Scene& s) {
+                                      s.colormap = {0x00102030U, 0x80F0E0D0U};
+                                    })},
       {"FirstBlur", with(even, [](Scene& s) { s.firstBlur = true; })},
       {"SecondBlur", with(even, [](Scene& s) { s.secondBlur = true; })},
       {"BothBlurs", with(odd, [](Scene& s) { s.firstBlur = s.secondBlur = true; })},
       {"Pepper", with(odd, [](Scene& s) { s.pepper = true; })},
       {"PepperBetweenBlursReduced",
        with(sceneOf(301, 205, 100, 150), [](Scene& s) { s.firstBlur = s.pepper = s.secondBlur = true; })},
-      {"OverlayWithThreshold", with(odd,
-                                    [](Scene& s) {
-                                      s.overlayImage = testImage(97, 131, 7);
-                                      s.threshold = 0.5;
-                                      s.overlays = {{{0x00FF0000U, 0xC000FFFFU}, 0.1, 0.8}};
-                                    })},
-      {"OverlayOfOtherSizeFlippedOverFilteredImage", with(even,
-                                                          [](Scene& s) {
-                                                            s.flip = s.pepper = true;
-                                                            s.overlayImage = testImage(40, 90, 9);
-                                                            s.threshold = 0.33;
-                                                            s.overlays = {{rainbow(16), 0.0, 1.0}};
-                                                          })},
-      {"EightOverlays", with(sceneOf(60, 80, 80, 60),
-                             [](Scene& s) {
-                               s.overlayImage = testImage(60, 80, 5);
-                               s.threshold = 0.2;
-                               for (int i = 0; i < OCT_DISPLAY_OVERLAYS; ++i) {
-                                 // Each overlay colours a band of its own.
-                                 const std::uint32_t color = 0x60000000U | 0x1F3B57U * static_cast<unsigned>(i + 1);
-                                 s.overlays.push_back({{color & 0xFFFFFFU, color}, i / 8.0, (i + 1) / 8.0});
-                               }
-                             }),
-       {.nearly = 2}},  // eight times rounded to the levels of the target
   };
+  Scene overlay = odd;
+  overlay.overlayImage = testImage(97, 131, 7);
+  overlay.threshold = 0.5;
+  overlay.overlays = {{{0x00FF0000U, 0xC000FFFFU}, 0.1, 0.8}};
+  all.push_back({"OverlayWithThreshold", overlay});
+
+  overlay = even;
+  overlay.flip = overlay.pepper = true;
+  overlay.overlayImage = testImage(40, 90, 9);
+  overlay.threshold = 0.33;
+  overlay.overlays = {{rainbow(16), 0.0, 1.0}};
+  all.push_back({"OverlayOfOtherSizeFlippedOverFilteredImage", overlay});
+
+  overlay = sceneOf(60, 80, 80, 60);
+  overlay.overlayImage = testImage(60, 80, 5);
+  overlay.threshold = 0.2;
+  for (int i = 0; i < OCT_DISPLAY_OVERLAYS; ++i) {
+    // Each overlay colours a band of its own.
+    const std::uint32_t color = 0x60000000U | 0x1F3B57U * static_cast<unsigned>(i + 1);
+    overlay.overlays.push_back({{color & 0xFFFFFFU, color}, i / 8.0, (i + 1) / 8.0});
+  }
+  // Eight times rounded to the levels of the target.
+  all.push_back({"EightOverlays", overlay, {.nearly = 2}});
   return all;
 }
 
-class DisplayImageGLTest : public testing::TestWithParam<Case> {};
-
-TEST_P(DisplayImageGLTest, EqualsReference) {
-  const Picture actual = renderedPicture(GetParam().scene);
-  EXPECT_TRUE(agree(actual, referencePicture(GetParam().scene), GetParam().tolerance));
-  EXPECT_EQ(pendingError(), "(none)");
-}
-
-INSTANTIATE_TEST_SUITE_P(Display, DisplayImageGLTest, testing::ValuesIn(cases()),
-                         [](const auto& parameter) { return std::string(parameter.param.name); });
-
 // One renderer through many settings: nothing of an earlier frame may show in a later one.
-TEST(DisplaySequenceGLTest, SettingsBetweenFrames) {
-  const OffscreenTargetHandle target = createOffscreenTarget();
-  const DisplayRenderingHandle renderer = createDisplayRendering();
-  initDisplayRendering(renderer);
+TEST(DisplayImageGLTest, EqualsReference) {
+  const DisplayStage stage;
   for (const Case& each : cases()) {
-    const Scene& scene = each.scene;
-    apply(scene, renderer);
-    Picture picture(scene.width, scene.height);
-    beginOffscreenFrame(target, static_cast<unsigned>(scene.width), static_cast<unsigned>(scene.height));
-    renderDisplay(renderer);
-    finishOffscreenFrame(target, picture.bytes.data());
-    EXPECT_TRUE(agree(picture, referencePicture(scene), each.tolerance)) << each.name;
+    EXPECT_TRUE(agree(stage.draw(each.scene), referencePicture(each.scene), each.tolerance)) << each.name;
+    EXPECT_EQ(pendingError(), "(none)");
   }
-  EXPECT_EQ(pendingError(), "(none)");
-  uninitDisplayRendering(renderer);
-  clearDisplayRendering(renderer);
-  clearOffscreenTarget(target);
 }
 
 // A measurement of skin, reduced and enlarged at once; noise of that kind has no two equal neighbours.
-TEST(DisplayRecordedGLTest, SkinEqualsReference) {
+TEST(DisplayImageGLTest, SkinEqualsReference) {
   const std::filesystem::path file = std::filesystem::path(OCT_SHARED_DATA) / "bscan_skin_thumb.npy";
   if (!std::filesystem::exists(file)) GTEST_SKIP() << "no recorded data beside the project: " << file;
   const std::vector<float> rows = readNpy<float>(file, "<f4");
@@ -143,24 +123,23 @@ TEST(DisplayRecordedGLTest, SkinEqualsReference) {
   }
   scene.lower = 20.0;
   scene.upper = 180.0;
+  const DisplayStage stage;
   for (const bool filtered : {false, true}) {
     scene.pepper = scene.secondBlur = filtered;
-    EXPECT_TRUE(agree(renderedPicture(scene), referencePicture(scene)));
+    EXPECT_TRUE(agree(stage.draw(scene), referencePicture(scene)));
   }
 }
 
 // What a client's context may have been left in must not show in the picture.
-TEST(DisplaySequenceGLTest, ForeignOpenGLState) {
+TEST(DisplayImageGLTest, ForeignOpenGLState) {
   Scene scene = sceneOf(90, 70, 70, 90);
   scene.firstBlur = scene.pepper = true;
   scene.overlayImage = testImage(90, 70, 3);
   scene.overlays = {{{0x40FFFFFFU, 0xA00000FFU}, 0.0, 1.0}};
-  const OffscreenTargetHandle target = createOffscreenTarget();
-  const DisplayRenderingHandle renderer = createDisplayRendering();
-  initDisplayRendering(renderer);
-  apply(scene, renderer);
+  const DisplayStage stage;
+  apply(scene, stage.renderer);
   Picture picture(scene.width, scene.height);
-  beginOffscreenFrame(target, 70, 90);
+  beginOffscreenFrame(stage.target, 70, 90);
   glEnable(GL_DEPTH_TEST);
   glEnable(GL_BLEND);
   glBlendFunc(GL_ZERO, GL_ONE);
@@ -174,29 +153,24 @@ TEST(DisplaySequenceGLTest, ForeignOpenGLState) {
   GLuint buffer = 0;
   glGenBuffers(1, &buffer);
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer);
-  renderDisplay(renderer);
-  finishOffscreenFrame(target, picture.bytes.data());
+  renderDisplay(stage.renderer);
+  finishOffscreenFrame(stage.target, picture.bytes.data());
   glDeleteBuffers(1, &buffer);
   EXPECT_TRUE(agree(picture, referencePicture(scene)));
   EXPECT_EQ(pendingError(), "(none)");
-  uninitDisplayRendering(renderer);
-  clearDisplayRendering(renderer);
-  clearOffscreenTarget(target);
 }
 
 // The picture fills the viewport and nothing else; the rest of the target has the background colour.
-TEST(DisplaySequenceGLTest, ViewportInsideTheTarget) {
+TEST(DisplayImageGLTest, ViewportInsideTheTarget) {
   const Scene scene = sceneOf(64, 96, 48, 32);
-  const OffscreenTargetHandle target = createOffscreenTarget();
-  const DisplayRenderingHandle renderer = createDisplayRendering();
-  initDisplayRendering(renderer);
-  apply(scene, renderer);
-  setBackgroundColor(renderer, 0x00FF8000);
+  const DisplayStage stage;
+  apply(scene, stage.renderer);
+  setBackgroundColor(stage.renderer, 0x00FF8000);
   Picture whole(80, 60);
-  beginOffscreenFrame(target, 80, 60);
+  beginOffscreenFrame(stage.target, 80, 60);
   glViewport(20, 10, scene.width, scene.height);
-  renderDisplay(renderer);
-  finishOffscreenFrame(target, whole.bytes.data());
+  renderDisplay(stage.renderer);
+  finishOffscreenFrame(stage.target, whole.bytes.data());
 
   Picture inside(scene.width, scene.height);
   for (int y = 0; y < scene.height; ++y) {
@@ -204,12 +178,8 @@ TEST(DisplaySequenceGLTest, ViewportInsideTheTarget) {
   }
   EXPECT_TRUE(agree(inside, referencePicture(scene)));
   for (const auto& [x, y] : {std::pair{0, 0}, {19, 20}, {68, 20}, {40, 9}, {40, 42}, {79, 59}}) {
-    const std::uint8_t* const pixel = whole.pixel(x, y);
-    EXPECT_EQ((std::array<int, 4>{pixel[0], pixel[1], pixel[2], pixel[3]}), (std::array<int, 4>{0, 128, 255, 255}));
+    EXPECT_EQ(whole.bgra(x, y), (std::array<int, 4>{0, 128, 255, 255}));
   }
-  uninitDisplayRendering(renderer);
-  clearDisplayRendering(renderer);
-  clearOffscreenTarget(target);
 }
 
 }  // namespace

@@ -12,25 +12,28 @@ class DisplayLifecycleGLTest : public testing::Test {
  protected:
   DisplayLifecycleGLTest() : target_(createOffscreenTarget()) {
     scene_.image = testImage(300, 200);
-    scene_.width = 64;
-    scene_.height = 64;
     scene_.firstBlur = scene_.pepper = scene_.secondBlur = true;
     scene_.overlayImage = testImage(100, 100, 3);
     scene_.overlays.resize(OCT_DISPLAY_OVERLAYS);
   }
   ~DisplayLifecycleGLTest() override { clearOffscreenTarget(target_); }
 
-  void frameOf(DisplayRenderingHandle renderer) {
+  void frameOf(DisplayRenderingHandle renderer) const {
     beginOffscreenFrame(target_, 64, 64);
     renderDisplay(renderer);
     finishOffscreenFrame(target_, nullptr);
   }
 
-  void liveOnce() {
+  DisplayRenderingHandle drawnOnce() const {
     const DisplayRenderingHandle renderer = createDisplayRendering();
     initDisplayRendering(renderer);
     apply(scene_, renderer);
     frameOf(renderer);
+    return renderer;
+  }
+
+  void liveOnce() const {
+    const DisplayRenderingHandle renderer = drawnOnce();
     uninitDisplayRendering(renderer);
     clearDisplayRendering(renderer);
   }
@@ -63,10 +66,7 @@ TEST_F(DisplayLifecycleGLTest, SecondRendererCompilesNothing) {
 }
 
 TEST_F(DisplayLifecycleGLTest, ColourMapIsUploadedOncePerChange) {
-  const DisplayRenderingHandle renderer = createDisplayRendering();
-  initDisplayRendering(renderer);
-  apply(scene_, renderer);
-  frameOf(renderer);
+  const DisplayRenderingHandle renderer = drawnOnce();
   GlSpy spy;
   frameOf(renderer);
   EXPECT_EQ(spy.calls("glTexImage1D"), 0);
@@ -79,10 +79,7 @@ TEST_F(DisplayLifecycleGLTest, ColourMapIsUploadedOncePerChange) {
 }
 
 TEST_F(DisplayLifecycleGLTest, ForgottenUninitDeletesNothingInAnotherContext) {
-  const DisplayRenderingHandle renderer = createDisplayRendering();
-  initDisplayRendering(renderer);
-  apply(scene_, renderer);
-  frameOf(renderer);
+  const DisplayRenderingHandle renderer = drawnOnce();
   const OffscreenTargetHandle other = createOffscreenTarget();
   GlSpy spy;
   clearDisplayRendering(renderer);

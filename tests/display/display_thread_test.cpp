@@ -1,4 +1,5 @@
 // Settings from several threads while the rendering thread draws.
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -8,11 +9,11 @@
 namespace oct::test {
 namespace {
 
-// Every colour map is of one colour and every image of one value, so that a torn one shows as a second colour.
+// Every colour map is of one colour and every image of one value, so that a torn one shows as a second
+// colour.
 TEST(DisplayThreadGLTest, NoTornSettings) {
-  const OffscreenTargetHandle target = createOffscreenTarget();
-  const DisplayRenderingHandle renderer = createDisplayRendering();
-  initDisplayRendering(renderer);
+  const DisplayStage stage;
+  const DisplayRenderingHandle renderer = stage.renderer;
   const std::vector<float> first(64 * 64, 0.5F);
   setDisplayData(renderer, 64, 64, first.data());
   setDisplayOverlayData(renderer, 64, 64, first.data());
@@ -23,10 +24,12 @@ TEST(DisplayThreadGLTest, NoTornSettings) {
     writers.emplace_back([&, writer] {
       for (unsigned i = 0; running; ++i) {
         const std::uint32_t grey = (i * 7 + writer * 50) & 0xFFU;
-        const std::vector<std::uint32_t> colors(64 + 64 * (i % 4), grey | grey << 8 | grey << 16 | 0xFF000000U);
+        const std::vector<std::uint32_t> colors(64 + 64 * (i % 4),
+                                                grey | grey << 8 | grey << 16 | 0xFF000000U);
         setDisplayColormap(renderer, colors.data(), static_cast<int>(colors.size()));
         const int size = 16 + static_cast<int>(i % 3) * 24;
-        const std::vector<float> samples(static_cast<std::size_t>(size) * static_cast<std::size_t>(size), 0.25F);
+        const std::vector<float> samples(static_cast<std::size_t>(size) * static_cast<std::size_t>(size),
+                                         0.25F);
         setDisplayData(renderer, size, size, samples.data());
         setDisplayColoringBoundaries(renderer, -0.1 * i, 1.0 + 0.1 * i);
         setDisplayBlur(renderer, i % 2, i % 3 == 0);
@@ -44,44 +47,29 @@ TEST(DisplayThreadGLTest, NoTornSettings) {
     });
   }
 
-  Picture picture(32, 32);
   int torn = 0;
   for (int frame = 0; frame < 200; ++frame) {
-    beginOffscreenFrame(target, 32, 32);
-    renderDisplay(renderer);
-    finishOffscreenFrame(target, picture.bytes.data());
-    for (std::size_t i = 4; i < picture.bytes.size(); ++i) {
-      if (picture.bytes[i] != picture.bytes[i - 4]) {
-        ++torn;
-        break;
-      }
-    }
+    const auto bytes = stage.frame(32, 32).bytes;
+    torn += !std::equal(bytes.begin() + 4, bytes.end(), bytes.begin());
   }
   running = false;
   for (std::thread& writer : writers) writer.join();
   EXPECT_EQ(torn, 0);
   EXPECT_EQ(pendingError(), "(none)");
-  uninitDisplayRendering(renderer);
-  clearDisplayRendering(renderer);
-  clearOffscreenTarget(target);
 }
 
 // Two renderers in two contexts on two threads, built at the same time from the same program cache.
 TEST(DisplayThreadGLTest, RenderersOnSeveralThreads) {
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([i] {
-      Scene scene;
-      scene.image = testImage(50 + i, 60 - i, static_cast<unsigned>(i));
-      scene.width = 70;
-      scene.height = 40;
-      scene.firstBlur = scene.pepper = true;
-      for (int round = 0; round < 5; ++round) {
-        EXPECT_TRUE(agree(renderedPicture(scene), referencePicture(scene)));
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  onThreads(4, [](int i) {
+    Scene scene;
+    scene.image = testImage(50 + i, 60 - i, static_cast<unsigned>(i));
+    scene.width = 70;
+    scene.height = 40;
+    scene.firstBlur = scene.pepper = true;
+    for (int round = 0; round < 5; ++round) {
+      EXPECT_TRUE(agree(DisplayStage().draw(scene), referencePicture(scene)));
+    }
+  });
   EXPECT_EQ(pendingError(), "(none)");
 }
 

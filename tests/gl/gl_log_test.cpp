@@ -18,7 +18,7 @@ TEST_F(ShaderGLTest, SyntaxErrors) {
               "Fragment shader compilation failed");
   });
   EXPECT_EQ(text.find("Shader compilation failed: "), 0U);
-  EXPECT_NE(text.find("nonsense"), std::string::npos) << "the driver's own words: " << text;
+  EXPECT_TRUE(contains(text, "nonsense")) << "the driver's own words: " << text;
   EXPECT_EQ(spy.liveObjects(), 2U) << "both shader objects stay until the program is released";
   shader.release();
   EXPECT_EQ(spy.liveObjects(), 0U);

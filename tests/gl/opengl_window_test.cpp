@@ -31,12 +31,7 @@ TEST(OpenGLWindowGLTest, ContextOfAnotherThreadIsRefused) {
   window.makeCurrent(context);
   std::thread([&] {
     testing::internal::CaptureStderr();
-    std::string message;
-    try {
-      window.makeCurrent(context);
-    } catch (const std::exception& error) {
-      message = error.what();
-    }
+    const std::string message = failureOf([&] { window.makeCurrent(context); });
     EXPECT_EQ(message.find("An error occured. "), 0U);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), message + "\n");
   }).join();
@@ -58,17 +53,13 @@ TEST(OpenGLWindowGLTest, SeveralWindowsAtOnce) {
 }
 
 TEST(OpenGLWindowGLTest, WindowsOnSeveralThreads) {
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 6; ++i) {
-    threads.emplace_back([] {
-      for (int n = 0; n < 5; ++n) {
-        TestContext context;
-        glClear(GL_COLOR_BUFFER_BIT);
-        EXPECT_TRUE(gl::isContextCurrent());
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  onThreads(6, [](int) {
+    for (int n = 0; n < 5; ++n) {
+      TestContext context;
+      glClear(GL_COLOR_BUFFER_BIT);
+      EXPECT_TRUE(gl::isContextCurrent());
+    }
+  });
 }
 
 TEST(OpenGLWindowGLTest, ManyLivesAreFlat) {

@@ -20,12 +20,7 @@ class ShaderGLTest : public GLTest {
   static std::string name() { return testing::UnitTest::GetInstance()->current_test_info()->name(); }
 
   static std::string failure(gl::Shader& shader, const std::string& v, const std::string& f) {
-    try {
-      shader.load_to_program(name(), v, f);
-      return "(none)";
-    } catch (const std::exception& error) {
-      return error.what();
-    }
+    return failureOf([&] { shader.load_to_program(name(), v, f); });
   }
 
   static bool linked(const gl::Shader& shader) {

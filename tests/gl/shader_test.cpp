@@ -56,13 +56,7 @@ TEST_F(ShaderGLTest, NameAndLengthsAreTheKey) {
 }
 
 TEST_F(ShaderGLTest, UseBeforeBuild) {
-  gl::Shader shader;
-  try {
-    shader.use();
-    FAIL();
-  } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(), "Program has not been compiled yet.");
-  }
+  EXPECT_EQ(failureOf([] { gl::Shader().use(); }), "Program has not been compiled yet.");
 }
 
 TEST_F(ShaderGLTest, DriverWithoutBinaryFormats) {
@@ -96,7 +90,9 @@ TEST_F(ShaderGLTest, FailedReadBackOfTheBinaryKeepsNothing) {
   GlSpy spy;
   spy.failNext("glGetProgramBinary");
   gl::Shader shader;
-  EXPECT_EQ(failure(shader, vertex, fragment).find("An OpenGL error in BinaryShader occured: There is not enough"), 0U);
+  EXPECT_EQ(
+      failure(shader, vertex, fragment).find("An OpenGL error in BinaryShader occured: There is not enough"),
+      0U);
   EXPECT_EQ(gl::findProgramBinary(key()), nullptr);
   EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
   shader.release();
@@ -106,9 +102,10 @@ TEST_F(ShaderGLTest, FailedReadBackOfTheBinaryKeepsNothing) {
 TEST_F(ShaderGLTest, BinaryRefusedWithAnError) {
   gl::storeProgramBinary(key(), {0xDEADU, {1, 2, 3}});
   gl::Shader shader;
-  EXPECT_EQ(failure(shader, vertex, fragment).find("An OpenGL error in BinaryShader::load_to_program occured: "), 0U);
-  while (glGetError() != GL_NO_ERROR) {
-  }
+  EXPECT_EQ(
+      failure(shader, vertex, fragment).find("An OpenGL error in BinaryShader::load_to_program occured: "),
+      0U);
+  clearGLErrors();
 }
 
 TEST_F(ShaderGLTest, BinaryRefusedInSilenceIsCompiledAgain) {

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <thread>
 
+#include "hosting/functors.h"
 #include "hosting/render_trace.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/test_context.h"
@@ -16,20 +17,9 @@ namespace {
 constexpr const char* invalidHandle = "Invalid OpenGLControlLoopHandle specified. ";
 
 TEST(ControlLoopApiTest, NullHandles) {
-  const auto refused = [](const std::function<void()>& call) {
-    call();
-    EXPECT_EQ(pendingError(), invalidHandle);
-  };
-  refused([] { deleteOpenGLControlLoop(nullptr); });
-  refused([] { registerOpenGLControlLoopRenderCallback(nullptr, nullptr); });
-  refused([] { registerOpenGLControlLoopCallback(nullptr, nullptr); });
-  refused([] { snapshotOpenGLControlLoop(nullptr, 1, 1, nullptr); });
-  refused([] { resizeOpenGLControlLoop(nullptr, 1, 1); });
-  refused([] { OpenGLControlLoopMode(nullptr, 0); });
-  refused([] { unlockBuffer(nullptr); });
-  refused([] { EXPECT_EQ(createDXSurface(nullptr, 1, 1), nullptr); });
-  refused([] { copyDXSurface(nullptr, nullptr, nullptr); });
-  refused([] { destroyDXSurface(nullptr, nullptr); });
+  expectNullRefused(invalidHandle, deleteOpenGLControlLoop, registerOpenGLControlLoopRenderCallback,
+                    registerOpenGLControlLoopCallback, snapshotOpenGLControlLoop, resizeOpenGLControlLoop,
+                    OpenGLControlLoopMode, unlockBuffer, createDXSurface, copyDXSurface, destroyDXSurface);
 }
 
 // Requests come too often to leave errors behind.
@@ -42,6 +32,29 @@ TEST(ControlLoopApiTest, RequestsPostNothing) {
               std::string("An error occured: ") + invalidHandle + "\n");
     EXPECT_EQ(pendingError(), "(none)");
   }
+}
+
+TEST(ControlLoopApiTest, ImageReadyWithoutFunctionWarns) {
+  const std::string text = logOf([] { ImageReadyCallback{nullptr}(1, 2, 3, nullptr); });
+  EXPECT_TRUE(contains(text, "Warning: returning image withoug callback being specified. \n")) << text;
+}
+
+TEST(ControlLoopApiTest, EndsOfALoopAreLogged) {
+  chooseSharing(SurfaceSharing::hostMemory);
+  std::string text = logOf([] { const OpenGLControlLoop loop(nullptr, nullptr, nullptr); });
+  const std::size_t finished = text.find("Rendering loop finished. \n");
+  const std::size_t joined = text.find("background thread successfully joined. \n");
+  EXPECT_NE(finished, std::string::npos) << text;
+  EXPECT_NE(joined, std::string::npos) << text;
+  EXPECT_LT(finished, joined);
+
+  text = logOf([] {
+    const OpenGLControlLoop loop(functor([] { throw std::runtime_error("broken"); }), nullptr, nullptr);
+  });
+  EXPECT_TRUE(contains(text, "Rendering loop: broken\n")) << text;
+  EXPECT_FALSE(contains(text, "Rendering loop finished. ")) << text;
+  text = logOf([] { const OpenGLControlLoop loop(functor([] { throw 1; }), nullptr, nullptr); });
+  EXPECT_TRUE(contains(text, "Rendering loop, unknown error.\n")) << text;
 }
 
 Recorded<std::uint32_t>* drawn = nullptr;
@@ -93,8 +106,8 @@ TEST_P(ControlLoopApiGLTest, FromRequestToSurface) {
   renderMultOpenGLControlLoop(loop_, 0x345678);
   const auto all = pictures_.atLeast(2);
   ASSERT_EQ(all.size(), 2U);
-  EXPECT_TRUE(agree(all[0], patternPicture(0, 30, 20), {0, 1.0, 0}));
-  EXPECT_TRUE(agree(all[1], patternPicture(0x345678, 30, 20), {0, 1.0, 0}));
+  EXPECT_TRUE(agree(all[0], patternPicture(0, 30, 20), exact));
+  EXPECT_TRUE(agree(all[1], patternPicture(0x345678, 30, 20), exact));
 }
 
 TEST_P(ControlLoopApiGLTest, NullKeepsTheRenderFunctionAndRemovesTheOther) {
@@ -111,7 +124,7 @@ TEST_P(ControlLoopApiGLTest, NullKeepsTheRenderFunctionAndRemovesTheOther) {
 TEST_P(ControlLoopApiGLTest, SnapshotsAndTheirMisuse) {
   Picture picture(11, 4);
   snapshotOpenGLControlLoop(loop_, 11, 4, picture.bytes.data());
-  EXPECT_TRUE(agree(picture, patternPicture(0, 11, 4), {0, 1.0, 0}));
+  EXPECT_TRUE(agree(picture, patternPicture(0, 11, 4), exact));
   snapshotOpenGLControlLoop(loop_, 1, 1, nullptr);
   EXPECT_EQ(pendingError(), "Valid data pointer must be provided to take snapshot. ");
   for (const auto& [width, height] : {std::pair{-1, 1}, {1, -1}, {-5, -5}}) {
@@ -136,16 +149,14 @@ TEST_P(ControlLoopApiGLTest, SurfacesOfTheClient) {
   const std::size_t before = copied.all().size();
   renderMultOpenGLControlLoop(loop_, 0x102030);
   copied.atLeast(before + 1);
-  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), {0, 1.0, 0}));
+  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), exact));
 
   void* const larger = createDXSurface(loop_, 60, 40);
   copyDXSurface(loop_, kept, larger);
   const Picture small = patternPicture(0x102030, 30, 20);
   Picture stretched(60, 40);
-  for (int y = 0; y < 40; ++y) {
-    for (int x = 0; x < 60; ++x) std::copy_n(small.pixel(x / 2, y / 2), 4, stretched.pixel(x, y));
-  }
-  EXPECT_TRUE(agree(surfacePicture(sharing, larger), stretched, {0, 1.0, 0}));
+  stretched.forEach([&](int x, int y) { std::copy_n(small.pixel(x / 2, y / 2), 4, stretched.pixel(x, y)); });
+  EXPECT_TRUE(agree(surfacePicture(sharing, larger), stretched, exact));
 
   copyDXSurface(loop_, nullptr, kept);
   EXPECT_EQ(pendingError(), "A surface to copy must not be null. ");
@@ -159,7 +170,7 @@ TEST_P(ControlLoopApiGLTest, SurfacesOfTheClient) {
   deleteOpenGLControlLoop(loop_);
   // The surface outlives the loop that it was made with.
   loop_ = createOpenGLControlLoop();
-  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), {0, 1.0, 0}));
+  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), exact));
   destroyDXSurface(loop_, kept);
 }
 
@@ -189,13 +200,10 @@ TEST_P(ControlLoopApiGLTest, TheEndIsAnnounced) {
 
 TEST_P(ControlLoopApiGLTest, TheTraceTellsEveryRequest) {
   const auto read = [] {
-    std::ifstream file(renderTraceFile());
     std::ostringstream text;
-    text << file.rdbuf();
+    text << std::ifstream(renderTraceFile()).rdbuf();
     return text.str();
   };
-  // Before the first request of the process: the file is opened once.
-  std::filesystem::create_directories(std::filesystem::path(renderTraceFile()).parent_path());
   renderOpenGLControlLoop(loop_);
   const std::size_t before = read().size();
   ASSERT_GT(before, 0U) << renderTraceFile();

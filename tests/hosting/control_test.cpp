@@ -47,7 +47,7 @@ TEST_P(ControlGLTest, ASnapshotTakesTheFrontPlaceUntilItIsThere) {
   buffer.finish();
   EXPECT_TRUE(waiter.get());
   EXPECT_EQ(control.current_buffer().buffer_id(), 0);
-  EXPECT_TRUE(agree(picture, patternPicture(0x99, 7, 5), {0, 1.0, 0}));
+  EXPECT_TRUE(agree(picture, patternPicture(0x99, 7, 5), exact));
 
   control.snapshot(7, 5, picture.bytes.data());
   control.cancel_snapshot();
@@ -78,10 +78,8 @@ TEST_P(ControlGLTest, AClientDrivesItsOwnControl) {
   EXPECT_EQ(pendingError(), "(none)");
   deleteUniversalOpenGLControl(nullptr);
   EXPECT_EQ(pendingError(), "(none)");
-  for (const auto function : {beforeRender, updateBuffer, readBuffer, renderTestImage}) {
-    function(nullptr);
-    EXPECT_EQ(pendingError(), "The specified OpenGLControlHandle is invalid. ");
-  }
+  expectNullRefused("The specified OpenGLControlHandle is invalid. ", beforeRender, updateBuffer, readBuffer,
+                    renderTestImage);
 }
 
 OCT_EVERY_SHARING(ControlGLTest);
@@ -104,17 +102,12 @@ class TestImageGLTest : public GLTest {
   static double angle(const Picture& picture) {
     double best = -1.0;
     double result = 0.0;
-    for (int y = 0; y < picture.height; ++y) {
-      for (int x = 0; x < picture.width; ++x) {
-        const std::uint8_t* const p = picture.pixel(x, y);
-        if (p[2] > 150 && p[1] < 80 && p[0] < 80 && p[2] - p[1] - p[0] > best) {
-          best = p[2] - p[1] - p[0];
-          const double dx = (x + 0.5) / 100.0 - 1.0;
-          const double dy = (y + 0.5) / 100.0 - 1.0;
-          result = std::atan2(-dx, dy) * 180.0 / 3.14159265358979;
-        }
-      }
-    }
+    picture.forEach([&](int x, int y) {
+      const auto [blue, green, red, alpha] = picture.bgra(x, y);
+      if (red <= 150 || green >= 80 || blue >= 80 || red - green - blue <= best) return;
+      best = red - green - blue;
+      result = std::atan2(99.5 - x, y - 99.5) * 180.0 / 3.14159265358979;
+    });
     return result;
   }
 };
@@ -126,8 +119,6 @@ TEST_F(TestImageGLTest, TenCallsTurnItByTenDegrees) {
   const Picture eleventh = picture(glRenderTestImage);
   EXPECT_NEAR(angle(tenth) - angle(first), 9.0, 1.0);
   EXPECT_NEAR(angle(eleventh) - angle(first), 10.0, 1.0);
-  writePng(first, "test_image_first.png");
-  writePng(eleventh, "test_image_eleventh.png");
 }
 
 // Each has its own angle, and a control turns its image before it draws.

@@ -17,16 +17,6 @@
 namespace oct::test {
 namespace {
 
-template <class Action>
-std::string failureOf(Action&& action) {
-  try {
-    action();
-    return "(none)";
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-}
-
 class DX9SharedBufferGLTest : public testing::Test {
  protected:
   DX9SharedBufferGLTest() : interop_(InteropDevice::open(DX9Device::acquire())) {}
@@ -48,15 +38,20 @@ class DX9SharedBufferGLTest : public testing::Test {
     const Picture picture = direct3DSurfacePicture(mapped->surface());
     EXPECT_EQ(mapped->width(), static_cast<unsigned>(picture.width));
     EXPECT_EQ(mapped->height(), static_cast<unsigned>(picture.height));
-    for (int y = 0; y < picture.height; ++y) {
-      for (int x = 0; x < picture.width; ++x) {
-        const bool special = x == 1 && y == 0;
-        const std::uint8_t* const p = picture.pixel(x, y);
-        ASSERT_EQ((std::array<int, 3>{p[0], p[1], p[2]}),
-                  (special ? std::array<int, 3>{255, 255, 255} : std::array<int, 3>{blue, green, red}))
-            << x << ", " << y;
-      }
-    }
+    picture.forEach([&](int x, int y) {
+      const bool special = x == 1 && y == 0;
+      ASSERT_EQ(picture.bgra(x, y), (special ? std::array<int, 4>{255, 255, 255, 255}
+                                             : std::array<int, 4>{blue, green, red, 255}))
+          << x << ", " << y;
+    });
+  }
+
+  // A whole frame that comes back as it was drawn.
+  static void expectGoodFrame(DX9SharedBufferObject& buffer) {
+    buffer.prepare(3);
+    draw(1, 2, 3);
+    buffer.finish();
+    expectFrame(buffer, 1, 2, 3);
   }
 
   TestContext context_;
@@ -105,10 +100,7 @@ TEST_F(DX9SharedBufferGLTest, BlitFallbackWhenDepthDoesNotFit) {
   EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
   glDisable(GL_SCISSOR_TEST);
   buffer.resize(21, 11);  // the next size tries again without the fall-back
-  buffer.prepare(2);
-  draw(40, 50, 60);
-  buffer.finish();
-  expectFrame(buffer, 40, 50, 60);
+  expectGoodFrame(buffer);
 }
 
 TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
@@ -138,10 +130,7 @@ TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
       EXPECT_EQ(standIn_.lockedObjects(), 0) << fault.function;
       EXPECT_EQ(buffer.width(), 0U) << "the loop compares sizes and resizes again";
       buffer.resize(16, 12);
-      buffer.prepare(3);
-      draw(1, 2, 3);
-      buffer.finish();
-      expectFrame(buffer, 1, 2, 3);
+      expectGoodFrame(buffer);
     }
   }
   EXPECT_EQ(standIn_.registeredObjects(), 0);
@@ -159,10 +148,7 @@ TEST_F(DX9SharedBufferGLTest, FailedFrames) {
   EXPECT_EQ(failureOf([&] { buffer.finish(); }), "shared texture could not be unlocked. ")
       << "no frame was begun";
   buffer.prepare(3);  // a frame whose callback throws never comes to finish
-  buffer.prepare(4);
-  draw(9, 8, 7);
-  buffer.finish();
-  expectFrame(buffer, 9, 8, 7);
+  expectGoodFrame(buffer);
 }
 
 TEST_F(DX9SharedBufferGLTest, FenceTimeOut) {
@@ -189,8 +175,7 @@ using CreateTexture = HRESULT(WINAPI*)(IDirect3DDevice9*, UINT, UINT, UINT, DWOR
 TEST_F(DX9SharedBufferGLTest, TextureThatDirect3DRefuses) {
   DX9SharedBufferObject buffer(interop_->device(), interop_.get(), 0);
   EXPECT_EQ(failureOf([&] { buffer.resize(100000, 8); }), "Could not generate render target. ");
-  while (glGetError() != GL_NO_ERROR) {
-  }
+  clearGLErrors();
   {
     const ComMethodPatch<CreateTexture> patch(
         interop_->device().get(), 23,
@@ -198,17 +183,13 @@ TEST_F(DX9SharedBufferGLTest, TextureThatDirect3DRefuses) {
            HANDLE*) -> HRESULT { return D3DERR_OUTOFVIDEOMEMORY; });
     const std::string text = logOf(
         [&] { EXPECT_EQ(failureOf([&] { buffer.resize(8, 8); }), "Could not generate render target. "); });
-    EXPECT_NE(text.find("An error occured when creating render target: D3DERR_OUTOFVIDEOMEMORY\n"),
-              std::string::npos)
+    EXPECT_TRUE(contains(text, "An error occured when creating render target: D3DERR_OUTOFVIDEOMEMORY\n"))
         << text;
     EXPECT_EQ(failureOf([] { clientSurfaces().create(SurfaceSharing::direct3D, 8, 8); }),
               "Could not generate render target. ");
   }
   buffer.resize(8, 8);
-  buffer.prepare(1);
-  draw(4, 5, 6);
-  buffer.finish();
-  expectFrame(buffer, 4, 5, 6);
+  expectGoodFrame(buffer);
   EXPECT_STREQ(dx9ResultName(E_OUTOFMEMORY), "E_OUTOFMEMORY");
   EXPECT_STREQ(dx9ResultName(D3DERR_INVALIDCALL), "D3DERR_INVALIDCALL");
   EXPECT_STREQ(dx9ResultName(0), "D3D_OK");
@@ -233,7 +214,7 @@ TEST_F(DX9SharedBufferGLTest, ReasonsInTheLog) {
                                                         std::to_string(ERROR_NOT_SUPPORTED) + "\n"}}) {
     standIn_.failNext(function);
     const std::string text = logOf([&] { EXPECT_NE(failureOf([&] { buffer.resize(8, 8); }), "(none)"); });
-    EXPECT_NE(text.find(line), std::string::npos) << text;
+    EXPECT_TRUE(contains(text, line)) << text;
   }
 }
 

@@ -27,16 +27,15 @@ TEST_P(LoopFramesGLTest, ArriveInOrderWithTheirPixels) {
       if (picture.bytes != patternPicture(++checked * 1667, width, height).bytes) ++wrong;
     }
   };
-  loop->set_image_ready_callback(
-      imageReady([&](std::uint32_t index, std::uint32_t, std::uint32_t, void* surface) {
-        if (random() % 200 == 0) std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
-        // After the stall, in which a render thread that does not keep off would have drawn over the frame.
-        frames.add(surface);
-        if (index != expected) ++wrong;
-        expected = index + 1;
-        if (index % 50 == 0) check();
-        if (index == count || wrong >= 100) returned_.add(index);
-      }));
+  loop->set_image_ready_callback(imageReady([&](Index index, void* surface) {
+    if (random() % 200 == 0) std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
+    // After the stall, in which a render thread that does not keep off would have drawn over the frame.
+    frames.add(surface);
+    if (index != expected) ++wrong;
+    expected = index + 1;
+    if (index % 50 == 0) check();
+    if (index == count || wrong >= 100) returned_.add(index);
+  }));
   loop->set_mode(OpenGLControlLoop::onceEach);
   loop->resize(width, height);
   for (std::uint32_t id = 1; id <= count; ++id) loop->request(static_cast<std::int32_t>(id));

@@ -1,54 +1,32 @@
 // The timing marks of hosting: their names, and which phase lies within which.
 #include <algorithm>
-#include <map>
 
-#include "core/timing_mark.h"
 #include "oct_rendering/oct_rendering.h"
+#include "support/mark_recorder.h"
 #include "support/test_loop.h"
 
 namespace oct::test {
 namespace {
 
-using Names = std::vector<std::string>;
+using Names = MarkRecorder::Marks;
 
-// The marks of each thread in the order of their begins and ends: "+phase", "-phase", "!instant".
-class RecordingListener : public TimingListener {
- public:
-  RecordingListener() { setTimingListener(this); }
-  ~RecordingListener() override { setTimingListener(nullptr); }
-
-  void begin(std::string_view name, std::uint32_t thread, Time) override { add('+', name, thread); }
-  void end(std::string_view name, std::uint32_t thread, Time) override { add('-', name, thread); }
-  void instant(std::string_view name, std::uint32_t thread, Time) override { add('!', name, thread); }
-
-  // Whether some thread set these marks in this order, others between them or not.
-  testing::AssertionResult sets(const Names& expected) {
-    const std::lock_guard lock(mutex_);
-    std::size_t most = 0;
-    for (const auto& [thread, marks] : marks_) {
-      std::size_t found = 0;
-      for (const std::string& mark : marks) found += found < expected.size() && mark == expected[found];
-      most = std::max(most, found);
-    }
-    if (most == expected.size()) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "no " << expected[most];
+// Whether some thread set these marks in this order, others between them or not.
+testing::AssertionResult sets(MarkRecorder& recorder, const Names& expected) {
+  std::size_t most = 0;
+  for (const auto& [thread, marks] : recorder.all()) {
+    std::size_t found = 0;
+    for (const std::string& mark : marks) found += found < expected.size() && mark == expected[found];
+    most = std::max(most, found);
   }
-
- private:
-  void add(char kind, std::string_view name, std::uint32_t thread) {
-    const std::lock_guard lock(mutex_);
-    marks_[thread].push_back(kind + std::string(name));
-  }
-
-  std::mutex mutex_;
-  std::map<std::uint32_t, Names> marks_;
-};
+  if (most == expected.size()) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << "no " << expected[most];
+}
 
 class LoopMarksGLTest : public LoopGLTest {};
 
 TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
   const bool direct3D = GetParam() == SurfaceSharing::direct3D;
-  RecordingListener listener;
+  MarkRecorder recorder;
   {
     prepareOpenGL();
     OpenGLControlLoop loop(nullptr, functor([] {}), nullptr);
@@ -58,7 +36,7 @@ TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
     loop.set_mode(OpenGLControlLoop::onceEach);
     Picture picture(3, 3);
     loop.request(7);
-    for (int patience = 0; patience < 1000 && !listener.sets({"-Image ready callback"}); ++patience) {
+    for (int patience = 0; patience < 1000 && !sets(recorder, {"-Image ready callback"}); ++patience) {
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     loop.snapshot(3, 3, picture.bytes.data());
@@ -66,7 +44,8 @@ TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
   finishOpenGL();
 
   // The client's thread.
-  EXPECT_TRUE(listener.sets(
+  EXPECT_TRUE(sets(
+      recorder,
       {"+OpenGLControlLoop", "-OpenGLControlLoop", "+OpenGLControlLoop::snap", "+OpenGLControl::snapshot",
        "+OffscreenBuffer::set_output_data", "-OffscreenBuffer::set_output_data", "-OpenGLControl::snapshot",
        "+OpenGLControl::wait_for_snapshot", "+OffscreenBuffer::wait", "-OffscreenBuffer::wait",
@@ -79,25 +58,24 @@ TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
   Names frame{"+Rendering Loop", "+OpenGLControl", "-OpenGLControl", "+rendering_loop_it_incl",
               "+rendering_loop_it_excl"};
   frame.insert(frame.end(), resize.begin(), resize.end());
-  for (const char* mark : {"+Rendering callback (0)", "+Test image callback", "-Test image callback"}) {
+  for (const char* mark : {"+Rendering callback (0)", "+Test image callback", "-Test image callback",
+                           direct3D ? "+DXSharedBufferObject: finish" : "+HostBufferObject: finish",
+                           "-Rendering callback (0)", "-rendering_loop_it_excl", "-rendering_loop_it_incl"}) {
     frame.push_back(mark);
   }
-  frame.push_back(direct3D ? "+DXSharedBufferObject: finish" : "+HostBufferObject: finish");
-  for (const char* mark : {"-Rendering callback (0)", "-rendering_loop_it_excl", "-rendering_loop_it_incl"}) {
-    frame.push_back(mark);
-  }
-  EXPECT_TRUE(listener.sets(frame));
-  EXPECT_TRUE(listener.sets(
+  EXPECT_TRUE(sets(recorder, frame));
+  EXPECT_TRUE(sets(
+      recorder,
       {"+Rendering callback (-1)", "+OffscreenBuffer::prepare", "!before_rendering",
        "-OffscreenBuffer::prepare", "+OffscreenBuffer::finish", "-OffscreenBuffer::finish",
        "-Rendering callback (-1)", "+Uninit of specific OpenGL control", "-Uninit of specific OpenGL control",
        direct3D ? "+~DX9SharedBufferObject" : "+~HostBufferObject", "-Rendering Loop"}));
   // The return thread.
   const std::string map = direct3D ? "dxmap_buffer_object" : "host_map_buffer_object";
-  EXPECT_TRUE(listener.sets({"+Return loop", "+return_loop_it_incl", "+return_loop_it_excl", "+" + map,
-                             "-" + map, "+Return buffer callback (0)", "+Image ready callback",
-                             "-Image ready callback", "-Return buffer callback (0)", "-return_loop_it_excl",
-                             "-return_loop_it_incl", "-Return loop"}));
+  EXPECT_TRUE(sets(recorder, {"+Return loop", "+return_loop_it_incl", "+return_loop_it_excl", "+" + map,
+                              "-" + map, "+Return buffer callback (0)", "+Image ready callback",
+                              "-Image ready callback", "-Return buffer callback (0)", "-return_loop_it_excl",
+                              "-return_loop_it_incl", "-Return loop"}));
 }
 
 OCT_EVERY_SHARING(LoopMarksGLTest);

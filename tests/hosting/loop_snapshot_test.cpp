@@ -12,13 +12,28 @@ namespace {
 using namespace std::chrono_literals;
 using Ids = std::vector<std::uint32_t>;
 
-class LoopSnapshotGLTest : public LoopGLTest {};
+class LoopSnapshotGLTest : public LoopGLTest {
+ protected:
+  // A loop that draws the pattern of one id, whatever it is asked for.
+  std::unique_ptr<OpenGLControlLoop> makePatternLoop(std::uint32_t pattern) {
+    auto loop = makeRecordingLoop(8, 6);
+    loop->set_rendering_callback(rendering([this, pattern](std::uint32_t id) {
+      drawPattern(pattern);
+      drawn_.add(id);
+    }));
+    return loop;
+  }
 
-constexpr Tolerance exact{0, 1.0, 0};
+  // A snapshot of 4 by 4 pixels, taken on a thread of its own.
+  std::future<void> snapshotOf(OpenGLControlLoop& loop) {
+    return std::async(std::launch::async, [this, &loop] { loop.snapshot(4, 4, picture_.bytes.data()); });
+  }
+
+  Picture picture_{4, 4};
+};
 
 TEST_P(LoopSnapshotGLTest, AnySizeWhileTheLoopDraws) {
-  auto loop = makeRecordingLoop(20, 10);
-  loop->set_rendering_callback(rendering([](std::uint32_t) { drawPattern(0x00AB12CD); }));
+  auto loop = makePatternLoop(0x00AB12CD);
   loop->set_mode(OpenGLControlLoop::roundRobin);
   loop->request(5);
   for (const auto& [width, height] : {std::pair{1, 1}, {3, 200}, {640, 480}, {20, 10}, {33, 7}}) {
@@ -52,20 +67,16 @@ TEST_P(LoopSnapshotGLTest, NobodyIsHandedASnapshot) {
 TEST_P(LoopSnapshotGLTest, ModeSetMeanwhileHoldsAfterwards) {
   auto loop = makeRecordingLoop(8, 6);
   loop->set_mode(OpenGLControlLoop::roundRobin);
-  std::promise<void> inFrame;
-  std::promise<void> go;
-  loop->set_rendering_callback(rendering([&, first = true](std::uint32_t id) mutable {
+  Gate gate;
+  loop->set_rendering_callback(rendering([&](std::uint32_t id) {
     drawn_.add(id);
-    if (!std::exchange(first, false)) return;
-    inFrame.set_value();
-    go.get_future().wait();
+    gate.pass();
   }));
-  Picture picture(4, 4);
-  auto snapshot = std::async(std::launch::async, [&] { loop->snapshot(4, 4, picture.bytes.data()); });
-  inFrame.get_future().wait();
+  auto snapshot = snapshotOf(*loop);
+  gate.awaitArrival();
   loop->set_mode(OpenGLControlLoop::onceEach);
   EXPECT_EQ(snapshot.wait_for(20ms), std::future_status::timeout);
-  go.set_value();
+  gate.open();
   snapshot.get();
   // In mode 0 what is queued is drawn once and no more.
   std::this_thread::sleep_for(100ms);
@@ -78,43 +89,33 @@ TEST_P(LoopSnapshotGLTest, ModeSetMeanwhileHoldsAfterwards) {
 
 TEST_P(LoopSnapshotGLTest, ASecondOneMeanwhileDoesNothing) {
   auto loop = makeRecordingLoop(8, 6);
-  std::promise<void> inFrame;
-  std::promise<void> go;
-  loop->set_rendering_callback(rendering([&, first = true](std::uint32_t) mutable {
+  Gate gate;
+  loop->set_rendering_callback(rendering([&](std::uint32_t) {
     drawPattern(0x112233);
-    if (!std::exchange(first, false)) return;
-    inFrame.set_value();
-    go.get_future().wait();
+    gate.pass();
   }));
-  Picture first(4, 4);
-  auto snapshot = std::async(std::launch::async, [&] { loop->snapshot(4, 4, first.bytes.data()); });
-  inFrame.get_future().wait();
+  auto snapshot = snapshotOf(*loop);
+  gate.awaitArrival();
   Picture second(9, 9);
   loop->snapshot(9, 9, second.bytes.data());
   EXPECT_EQ(second.bytes, Picture(9, 9).bytes);
-  go.set_value();
+  gate.open();
   snapshot.get();
-  EXPECT_TRUE(agree(first, patternPicture(0x112233, 4, 4), exact));
+  EXPECT_TRUE(agree(picture_, patternPicture(0x112233, 4, 4), exact));
 }
 
 TEST_P(LoopSnapshotGLTest, FromTheImageReadyFunctionWhileFramesWait) {
-  auto loop = makeRecordingLoop(8, 6);
-  loop->set_rendering_callback(rendering([this](std::uint32_t id) {
-    drawPattern(0x445566);
-    drawn_.add(id);
+  auto loop = makePatternLoop(0x445566);
+  loop->set_image_ready_callback(imageReady([&, first = true](Index index, void*) mutable {
+    if (std::exchange(first, false)) {
+      drawn_.atLeast(3);
+      loop->snapshot(4, 4, picture_.bytes.data());
+    }
+    returned_.add(index);
   }));
-  Picture picture(4, 4);
-  loop->set_image_ready_callback(
-      imageReady([&, first = true](std::uint32_t index, std::uint32_t, std::uint32_t, void*) mutable {
-        if (std::exchange(first, false)) {
-          drawn_.atLeast(3);
-          loop->snapshot(4, 4, picture.bytes.data());
-        }
-        returned_.add(index);
-      }));
   for (int id = 1; id <= 6; ++id) loop->request(id);
   Ids ids = returned_.atLeast(7);
-  EXPECT_TRUE(agree(picture, patternPicture(0x445566, 4, 4), exact));
+  EXPECT_TRUE(agree(picture_, patternPicture(0x445566, 4, 4), exact));
   std::sort(ids.begin(), ids.end());
   EXPECT_EQ(ids, (Ids{0, 1, 2, 3, 4, 5, 6}));  // nothing that was asked for is lost
 }
@@ -123,9 +124,8 @@ TEST_P(LoopSnapshotGLTest, FromTheRenderFunctionIsRefused) {
   auto loop = makeRecordingLoop(8, 6);
   Recorded<bool> refused;
   loop->set_rendering_callback(rendering([&](std::uint32_t) {
-    Picture picture(4, 4);
     try {
-      loop->snapshot(4, 4, picture.bytes.data());
+      loop->snapshot(4, 4, picture_.bytes.data());
       refused.add(false);
     } catch (const std::system_error& error) {
       refused.add(error.code() == std::errc::resource_deadlock_would_occur);
@@ -137,23 +137,19 @@ TEST_P(LoopSnapshotGLTest, FromTheRenderFunctionIsRefused) {
 
 TEST_P(LoopSnapshotGLTest, OfALoopWithoutSizeComesWithTheSize) {
   auto loop = makeRecordingLoop(0, 0);
-  Picture picture(4, 4);
-  auto snapshot = std::async(std::launch::async, [&] { loop->snapshot(4, 4, picture.bytes.data()); });
+  auto snapshot = snapshotOf(*loop);
   EXPECT_EQ(snapshot.wait_for(30ms), std::future_status::timeout);
   loop->resize(9, 9);
   snapshot.get();
-  EXPECT_TRUE(agree(picture, patternPicture(0, 4, 4), exact));
+  EXPECT_TRUE(agree(picture_, patternPicture(0, 4, 4), exact));
 }
 
 TEST_P(LoopSnapshotGLTest, OfALoopWithoutSizeDoesNotHoldUpDeletion) {
   auto loop = makeRecordingLoop(0, 0);
-  Picture picture(4, 4);
-  auto snapshot = std::async(std::launch::async, [&, raw = loop.get()] {
-    EXPECT_THROW(raw->snapshot(4, 4, picture.bytes.data()), std::runtime_error);
-  });
+  auto snapshot = snapshotOf(*loop);
   EXPECT_EQ(snapshot.wait_for(30ms), std::future_status::timeout);
   loop.reset();
-  snapshot.get();
+  EXPECT_THROW(snapshot.get(), std::runtime_error);
 }
 
 TEST_P(LoopSnapshotGLTest, DeletionLetsARunningOneFinish) {
@@ -164,18 +160,15 @@ TEST_P(LoopSnapshotGLTest, DeletionLetsARunningOneFinish) {
     std::this_thread::sleep_for(30ms);
     drawPattern(0x00FF7F);
   }));
-  Picture picture(4, 4);
-  auto snapshot =
-      std::async(std::launch::async, [&, raw = loop.get()] { raw->snapshot(4, 4, picture.bytes.data()); });
+  auto snapshot = snapshotOf(*loop);
   inFrame.get_future().wait();
   loop.reset();
   snapshot.get();
-  EXPECT_TRUE(agree(picture, patternPicture(0x00FF7F, 4, 4), exact));
+  EXPECT_TRUE(agree(picture_, patternPicture(0x00FF7F, 4, 4), exact));
 }
 
 TEST_P(LoopSnapshotGLTest, ManyClientsAtOnce) {
-  auto loop = makeRecordingLoop(8, 6);
-  loop->set_rendering_callback(rendering([](std::uint32_t) { drawPattern(0x0000FE); }));
+  auto loop = makePatternLoop(0x0000FE);
   std::vector<std::thread> threads;
   std::atomic<int> pictures{0};
   for (int i = 0; i < 4; ++i) {

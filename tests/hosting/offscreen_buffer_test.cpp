@@ -18,13 +18,17 @@ class OffscreenBufferGLTest : public GLTest {
     glClear(GL_COLOR_BUFFER_BIT);
   }
 
+  void makeReady(Picture& picture) {
+    buffer_.resize(static_cast<std::uint32_t>(picture.width), static_cast<std::uint32_t>(picture.height));
+    buffer_.set_output_data(picture.bytes.data());
+  }
+
   OffscreenBufferObject buffer_;
 };
 
 TEST_F(OffscreenBufferGLTest, BottomRowFirstInBgra) {
   Picture picture(5, 3);
-  buffer_.resize(5, 3);
-  buffer_.set_output_data(picture.bytes.data());
+  makeReady(picture);
   buffer_.prepare(42);
   clearTo(10, 20, 30);
   glEnable(GL_SCISSOR_TEST);
@@ -33,14 +37,11 @@ TEST_F(OffscreenBufferGLTest, BottomRowFirstInBgra) {
   glDisable(GL_SCISSOR_TEST);
   buffer_.finish();
   buffer_.wait();
-  for (int y = 0; y < 3; ++y) {
-    for (int x = 0; x < 5; ++x) {
-      const bool special = x == 1 && y == 0;
-      const std::uint8_t* const p = picture.pixel(x, y);
-      EXPECT_EQ((std::array<int, 4>{p[0], p[1], p[2], p[3]}),
-                (special ? std::array<int, 4>{50, 100, 200, 255} : std::array<int, 4>{30, 20, 10, 255}));
-    }
-  }
+  picture.forEach([&](int x, int y) {
+    const bool special = x == 1 && y == 0;
+    EXPECT_EQ(picture.bgra(x, y),
+              (special ? std::array<int, 4>{50, 100, 200, 255} : std::array<int, 4>{30, 20, 10, 255}));
+  });
   EXPECT_EQ(buffer_.order_key(), 42);
   EXPECT_EQ(buffer_.buffer_id(), -1);
   EXPECT_TRUE(buffer_.is_offscreen());
@@ -71,8 +72,7 @@ TEST_F(OffscreenBufferGLTest, FinishWithoutOutputDataSignals) {
 
 TEST_F(OffscreenBufferGLTest, CancellingComesTooLateForAPictureThatIsThere) {
   Picture picture(4, 4);
-  buffer_.resize(4, 4);
-  buffer_.set_output_data(picture.bytes.data());
+  makeReady(picture);
   buffer_.prepare(0);
   buffer_.finish();
   buffer_.cancel();
@@ -84,8 +84,7 @@ TEST_F(OffscreenBufferGLTest, CancellingComesTooLateForAPictureThatIsThere) {
 
 TEST_F(OffscreenBufferGLTest, OnlyTheFirstFinishReads) {
   Picture picture(4, 4);
-  buffer_.resize(4, 4);
-  buffer_.set_output_data(picture.bytes.data());
+  makeReady(picture);
   buffer_.prepare(0);
   clearTo(1, 2, 3);
   buffer_.finish();
@@ -102,8 +101,7 @@ TEST_F(OffscreenBufferGLTest, EmptyTargetWritesNothing) {
   buffer_.prepare(0);
   buffer_.finish();
   EXPECT_EQ(picture.bytes, std::vector<std::uint8_t>(16, 0));
-  while (glGetError() != GL_NO_ERROR) {
-  }
+  clearGLErrors();
 }
 
 TEST_F(OffscreenBufferGLTest, RebuiltEveryFrameAndReleased) {
@@ -131,8 +129,7 @@ TEST_F(OffscreenBufferGLTest, SnapshotsFromAnotherThread) {
     for (int i = 0; i < 100; ++i) {
       const int width = 1 + i * 7 % 200;
       Picture picture(width, 5);
-      buffer_.resize(static_cast<std::uint32_t>(width), 5);
-      buffer_.set_output_data(picture.bytes.data());
+      makeReady(picture);
       buffer_.wait();
       for (int p = 0; p < width * 5; ++p)
         wrong += picture.bytes[static_cast<std::size_t>(p) * 4 + 2] != width;

@@ -11,10 +11,7 @@ namespace oct::test {
 namespace {
 
 TEST(OffscreenTargetGLTest, NullIsRefused) {
-  beginOffscreenFrame(nullptr, 1, 1);
-  EXPECT_EQ(pendingError(), "Invalid OffscreenTargetHandle specified. ");
-  finishOffscreenFrame(nullptr, nullptr);
-  EXPECT_EQ(pendingError(), "Invalid OffscreenTargetHandle specified. ");
+  expectNullRefused("Invalid OffscreenTargetHandle specified. ", beginOffscreenFrame, finishOffscreenFrame);
   clearOffscreenTarget(nullptr);
   EXPECT_EQ(pendingError(), "(none)");
 }
@@ -43,8 +40,7 @@ TEST(OffscreenTargetGLTest, SizesBeyondTheDriver) {
   for (const auto& [width, height] : {std::pair<unsigned, unsigned>{100000, 4}, {4, 0xFFFFFFFFU}}) {
     beginOffscreenFrame(target, width, height);
     EXPECT_EQ(pendingError().find("An OpenGL error in beginOffscreenFrame occured: "), 0U);
-    while (glGetError() != GL_NO_ERROR) {
-    }
+    clearGLErrors();
   }
   beginOffscreenFrame(target, 0, 0);
   EXPECT_EQ(pendingError(),

@@ -50,17 +50,13 @@ TEST(OpenGLHostGLTest, TasksRunOnItsThreadAndThrowToTheCaller) {
 
 TEST(OpenGLHostGLTest, ContextsOfItsWindowWorkOnManyThreads) {
   const auto host = OpenGLHost::acquire();
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&] {
-      for (int round = 0; round < 5; ++round) {
-        gl::OpenGLContext context(host->window());
-        context.makeCurrent();
-        EXPECT_NE(glGetString(GL_VERSION), nullptr);
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  onThreads(4, [&](int) {
+    for (int round = 0; round < 5; ++round) {
+      gl::OpenGLContext context(host->window());
+      context.makeCurrent();
+      EXPECT_NE(glGetString(GL_VERSION), nullptr);
+    }
+  });
 }
 
 }  // namespace

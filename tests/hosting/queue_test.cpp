@@ -3,7 +3,7 @@
 
 #include <atomic>
 #include <future>
-#include <thread>
+#include <tuple>
 
 #include "hosting/functors.h"
 #include "hosting/request_queue.h"
@@ -150,24 +150,18 @@ TEST(FunctorTest, SwitchedOffAndNull) {
   RenderingCallback{nullptr}(1);
 }
 
-unsigned seen[3];
-void* seenSurface = nullptr;
+std::tuple<unsigned, unsigned, unsigned, void*> seen;
 
 TEST(FunctorTest, ImageReadyPassesEverythingOn) {
   ImageReadyCallback ready([](unsigned index, unsigned width, unsigned height, void* surface) {
-    seen[0] = index;
-    seen[1] = width;
-    seen[2] = height;
-    seenSurface = surface;
+    seen = {index, width, height, surface};
   });
-  ready(1, 2, 3, seen);
-  EXPECT_EQ(seen[0], 1U);
-  EXPECT_EQ(seen[1], 2U);
-  EXPECT_EQ(seen[2], 3U);
-  EXPECT_EQ(seenSurface, seen);
+  ready(1, 2, 3, &seen);
+  const std::tuple<unsigned, unsigned, unsigned, void*> expected{1U, 2U, 3U, &seen};
+  EXPECT_EQ(seen, expected);
   ready.set_enabled(false);
   ready(9, 9, 9, nullptr);
-  EXPECT_EQ(seen[0], 1U);
+  EXPECT_EQ(seen, expected);
 }
 
 }  // namespace

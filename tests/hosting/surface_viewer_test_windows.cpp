@@ -8,7 +8,7 @@
 #include <set>
 #include <thread>
 
-#include "support/golden.h"
+#include "support/pictures.h"
 #include "support/surfaces.h"
 #include "support/test_context.h"
 

@@ -81,7 +81,8 @@ int samplesPerPixel(int samples, int pixels) {
 Image testImage(int depth, int aScans, unsigned seed) {
   std::mt19937 generator(seed);
   std::uniform_real_distribution<double> noise(-0.15, 0.15);
-  Image empty{depth, aScans, std::vector<float>(static_cast<std::size_t>(depth) * static_cast<std::size_t>(aScans))};
+  Image empty{depth, aScans,
+              std::vector<float>(static_cast<std::size_t>(depth) * static_cast<std::size_t>(aScans))};
   return mapped(empty, [&](int z, int x) {
     const double slope = 1.2 * z / depth - 0.1;
     const double waves = 0.25 * std::sin(x * 0.11) * std::cos(z * 0.07);
@@ -115,9 +116,11 @@ Picture referencePicture(const Scene& scene) {
 
       for (const Overlay& overlay : scene.overlays) {
         if (!(image.at(z, x) >= static_cast<float>(scene.threshold))) continue;
-        const double over = scene.overlayImage.at(sampleBelow(down, scene.height, scene.overlayImage.depth),
-                                                  sampleBelow(column, scene.width, scene.overlayImage.aScans));
-        const Color color = colorOf(overlay.colormap, (over - overlay.lower) / (overlay.upper - overlay.lower));
+        const double over =
+            scene.overlayImage.at(sampleBelow(down, scene.height, scene.overlayImage.depth),
+                                  sampleBelow(column, scene.width, scene.overlayImage.aScans));
+        const Color color =
+            colorOf(overlay.colormap, (over - overlay.lower) / (overlay.upper - overlay.lower));
         for (unsigned c = 0; c < 4; ++c) {
           drawn[c] = quantised(color[c] * color[3] + drawn[c] / 255.0 * (1.0 - color[3]));
         }
@@ -145,24 +148,33 @@ void apply(const Scene& scene, DisplayRenderingHandle renderer) {
   for (std::size_t i = 0; i < scene.overlays.size(); ++i) {
     const Overlay& overlay = scene.overlays[i];
     const int index = static_cast<int>(i);
-    setDisplayOverlayColormap(renderer, index, overlay.colormap.data(), static_cast<int>(overlay.colormap.size()));
+    setDisplayOverlayColormap(renderer, index, overlay.colormap.data(),
+                              static_cast<int>(overlay.colormap.size()));
     setDisplayOveralyColoringBoundaries(renderer, index, overlay.lower, overlay.upper);
   }
   setDisplayNumberOverlays(renderer, 0, static_cast<int>(scene.overlays.size()));
 }
 
-Picture renderedPicture(const Scene& scene) {
-  Picture picture(scene.width, scene.height);
-  const OffscreenTargetHandle target = createOffscreenTarget();
-  const DisplayRenderingHandle renderer = createDisplayRendering();
+DisplayStage::DisplayStage() {
   initDisplayRendering(renderer);
-  apply(scene, renderer);
-  beginOffscreenFrame(target, static_cast<unsigned>(scene.width), static_cast<unsigned>(scene.height));
-  renderDisplay(renderer);
-  finishOffscreenFrame(target, picture.bytes.data());
+}
+
+DisplayStage::~DisplayStage() {
   uninitDisplayRendering(renderer);
   clearDisplayRendering(renderer);
   clearOffscreenTarget(target);
+}
+
+Picture DisplayStage::draw(const Scene& scene) const {
+  apply(scene, renderer);
+  return frame(scene.width, scene.height);
+}
+
+Picture DisplayStage::frame(int width, int height) const {
+  Picture picture(width, height);
+  beginOffscreenFrame(target, static_cast<unsigned>(width), static_cast<unsigned>(height));
+  renderDisplay(renderer);
+  finishOffscreenFrame(target, picture.bytes.data());
   return picture;
 }
 

@@ -16,7 +16,10 @@ struct Image {
   int aScans = 0;
   std::vector<float> samples;
 
-  float at(int z, int x) const { return samples[static_cast<std::size_t>(x) * static_cast<std::size_t>(depth) + static_cast<std::size_t>(z)]; }
+  float at(int z, int x) const {
+    return samples[static_cast<std::size_t>(x) * static_cast<std::size_t>(depth) +
+                   static_cast<std::size_t>(z)];
+  }
 };
 
 struct Overlay {
@@ -49,7 +52,19 @@ Picture referencePicture(const Scene& scene);
 // Gives a renderer all settings of the scene through the exports.
 void apply(const Scene& scene, DisplayRenderingHandle renderer);
 
-// Draws the scene by the library, in a target of its own.
-Picture renderedPicture(const Scene& scene);
+// A renderer and its target; what a client has.
+class DisplayStage {
+ public:
+  DisplayStage();
+  ~DisplayStage();
+  DisplayStage(const DisplayStage&) = delete;
+  DisplayStage& operator=(const DisplayStage&) = delete;
+
+  Picture draw(const Scene& scene) const;      // settings and a frame
+  Picture frame(int width, int height) const;  // as things stand
+
+  const OffscreenTargetHandle target = createOffscreenTarget();
+  const DisplayRenderingHandle renderer = createDisplayRendering();
+};
 
 }  // namespace oct::test

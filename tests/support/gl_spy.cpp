@@ -1,5 +1,6 @@
 #include "support/gl_spy.h"
 
+#include <algorithm>
 #include <deque>
 #include <mutex>
 #include <tuple>
@@ -37,13 +38,19 @@ struct GlSpy::State {
     return true;
   }
 
-  void made(const std::string& kind, GLuint name) {
+  GLuint made(const std::string& kind, GLuint name) {
     const std::lock_guard lock(mutex);
     if (name != 0) objects.emplace(gl::currentContext(), kind, name);
+    return name;
   }
   void deleted(const std::string& kind, GLuint name) {
     const std::lock_guard lock(mutex);
     objects.erase({gl::currentContext(), kind, name});
+  }
+
+  void answer(GLenum query, GLint* value) const {
+    const auto answer = answers.find(query);
+    if (answer != answers.end()) *value = answer->second;
   }
 
   GLenum nextError() {
@@ -99,7 +106,7 @@ Originals original{};
 template <class Generate>
 void generate(const char* function, const char* kind, GLsizei count, GLuint* names, Generate call) {
   if (spy->enter(function)) {
-    for (GLsizei i = 0; i < count; ++i) names[i] = 0;
+    std::fill_n(names, count, 0U);
     return;
   }
   call(count, names);
@@ -113,12 +120,19 @@ void destroy(const char* function, const char* kind, GLsizei count, const GLuint
   call(count, names);
 }
 
-void GLAPIENTRY genBuffers(GLsizei n, GLuint* names) {
-  generate("glGenBuffers", "buffer", n, names, original.genBuffers);
-}
-void GLAPIENTRY deleteBuffers(GLsizei n, const GLuint* names) {
-  destroy("glDeleteBuffers", "buffer", n, names, original.deleteBuffers);
-}
+#define OCT_NAMES(Kinds, kind)                                          \
+  void GLAPIENTRY gen##Kinds(GLsizei n, GLuint* names) {                \
+    generate("glGen" #Kinds, kind, n, names, original.gen##Kinds);      \
+  }                                                                     \
+  void GLAPIENTRY delete##Kinds(GLsizei n, const GLuint* names) {       \
+    destroy("glDelete" #Kinds, kind, n, names, original.delete##Kinds); \
+  }
+OCT_NAMES(Buffers, "buffer")
+OCT_NAMES(VertexArrays, "vertex array")
+OCT_NAMES(Framebuffers, "framebuffer")
+OCT_NAMES(Renderbuffers, "renderbuffer")
+#undef OCT_NAMES
+
 void GLAPIENTRY bufferData(GLenum target, GLsizeiptr size, const void* data, GLenum usage) {
   if (!spy->enterOrError("glBufferData")) original.bufferData(target, size, data, usage);
 }
@@ -145,24 +159,6 @@ void GLAPIENTRY texSubImage3D(GLenum target, GLint level, GLint x, GLint y, GLin
   if (spy->enterOrError("glTexSubImage3D")) return;
   original.texSubImage3D(target, level, x, y, z, width, height, depth, format, type, pixels);
 }
-void GLAPIENTRY genVertexArrays(GLsizei n, GLuint* names) {
-  generate("glGenVertexArrays", "vertex array", n, names, original.genVertexArrays);
-}
-void GLAPIENTRY deleteVertexArrays(GLsizei n, const GLuint* names) {
-  destroy("glDeleteVertexArrays", "vertex array", n, names, original.deleteVertexArrays);
-}
-void GLAPIENTRY genFramebuffers(GLsizei n, GLuint* names) {
-  generate("glGenFramebuffers", "framebuffer", n, names, original.genFramebuffers);
-}
-void GLAPIENTRY deleteFramebuffers(GLsizei n, const GLuint* names) {
-  destroy("glDeleteFramebuffers", "framebuffer", n, names, original.deleteFramebuffers);
-}
-void GLAPIENTRY genRenderbuffers(GLsizei n, GLuint* names) {
-  generate("glGenRenderbuffers", "renderbuffer", n, names, original.genRenderbuffers);
-}
-void GLAPIENTRY deleteRenderbuffers(GLsizei n, const GLuint* names) {
-  destroy("glDeleteRenderbuffers", "renderbuffer", n, names, original.deleteRenderbuffers);
-}
 void GLAPIENTRY renderbufferStorage(GLenum target, GLenum format, GLsizei width, GLsizei height) {
   if (!spy->enterOrError("glRenderbufferStorage"))
     original.renderbufferStorage(target, format, width, height);
@@ -178,15 +174,11 @@ GLenum GLAPIENTRY checkFramebufferStatus(GLenum target) {
   return original.checkFramebufferStatus(target);
 }
 GLuint GLAPIENTRY createShader(GLenum stage) {
-  if (spy->enter("glCreateShader")) return 0;
-  const GLuint name = original.createShader(stage);
-  spy->made("shader", name);
-  return name;
+  return spy->enter("glCreateShader") ? 0 : spy->made("shader", original.createShader(stage));
 }
 void GLAPIENTRY deleteShader(GLuint name) {
-  spy->enter("glDeleteShader");
-  spy->deleted("shader", name);
-  original.deleteShader(name);
+  destroy("glDeleteShader", "shader", 1, &name,
+          [](GLsizei, const GLuint* names) { original.deleteShader(*names); });
 }
 void GLAPIENTRY compileShader(GLuint name) {
   if (spy->enter("glCompileShader")) spy->failedCompiles.insert(name);
@@ -197,15 +189,11 @@ void GLAPIENTRY getShaderiv(GLuint name, GLenum query, GLint* value) {
   if (query == GL_COMPILE_STATUS && spy->failedCompiles.contains(name)) *value = GL_FALSE;
 }
 GLuint GLAPIENTRY createProgram() {
-  if (spy->enter("glCreateProgram")) return 0;
-  const GLuint name = original.createProgram();
-  spy->made("program", name);
-  return name;
+  return spy->enter("glCreateProgram") ? 0 : spy->made("program", original.createProgram());
 }
 void GLAPIENTRY deleteProgram(GLuint name) {
-  spy->enter("glDeleteProgram");
-  spy->deleted("program", name);
-  original.deleteProgram(name);
+  destroy("glDeleteProgram", "program", 1, &name,
+          [](GLsizei, const GLuint* names) { original.deleteProgram(*names); });
 }
 void GLAPIENTRY linkProgram(GLuint name) {
   if (spy->enter("glLinkProgram")) spy->failedLinks.insert(name);
@@ -217,8 +205,7 @@ void GLAPIENTRY getProgramiv(GLuint name, GLenum query, GLint* value) {
     ++spy->calls["glGetProgramiv(GL_LINK_STATUS)"];
     if (spy->failedLinks.contains(name)) *value = GL_FALSE;
   }
-  const auto answer = spy->answers.find(query);
-  if (answer != spy->answers.end()) *value = answer->second;
+  spy->answer(query, value);
 }
 void GLAPIENTRY programBinary(GLuint name, GLenum format, const void* bytes, GLsizei length) {
   if (!spy->enterOrError("glProgramBinary")) original.programBinary(name, format, bytes, length);
@@ -323,9 +310,7 @@ GLenum GLAPIENTRY __wrap_glGetError(void) {
 void GLAPIENTRY __real_glGetIntegerv(GLenum query, GLint* value);
 void GLAPIENTRY __wrap_glGetIntegerv(GLenum query, GLint* value) {
   __real_glGetIntegerv(query, value);
-  if (!spy) return;
-  const auto answer = spy->answers.find(query);
-  if (answer != spy->answers.end()) *value = answer->second;
+  if (spy) spy->answer(query, value);
 }
 
 }  // extern "C"

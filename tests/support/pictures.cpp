@@ -1,10 +1,24 @@
 #include "support/pictures.h"
 
+#define STB_IMAGE_IMPLEMENTATION
+#define STB_IMAGE_STATIC
+#define STBI_ONLY_PNG
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wunused-function"
+#endif
+#include <stb/stb_image.h>
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <stb/stb_image_write.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
+#include <memory>
 
 namespace oct::test {
 namespace {
@@ -29,15 +43,11 @@ std::string currentTestName() {
 
 void writePng(const Picture& picture, const std::string& file) {
   std::vector<std::uint8_t> rgba(picture.bytes.size());
-  for (int y = 0; y < picture.height; ++y) {
+  auto to = rgba.begin();
+  for (int y = picture.height - 1; y >= 0; --y) {
     for (int x = 0; x < picture.width; ++x) {
-      const std::uint8_t* const from = picture.pixel(x, picture.height - 1 - y);
-      std::uint8_t* const to =
-          rgba.data() + (static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width) + static_cast<std::size_t>(x)) * 4;
-      to[0] = from[2];
-      to[1] = from[1];
-      to[2] = from[0];
-      to[3] = from[3];
+      const std::uint8_t* const from = picture.pixel(x, y);
+      for (const int c : {2, 1, 0, 3}) *to++ = from[c];
     }
   }
   stbi_write_png(file.c_str(), picture.width, picture.height, 4, rgba.data(), picture.width * 4);
@@ -65,19 +75,47 @@ testing::AssertionResult agree(const Picture& actual, const Picture& expected, T
       worstAt = i;
     }
   }
-  const bool enough = static_cast<double>(farPixels) <= (1.0 - tolerance.fraction) * static_cast<double>(pixels);
+  const bool enough =
+      static_cast<double>(farPixels) <= (1.0 - tolerance.fraction) * static_cast<double>(pixels);
   const double mean = sum / static_cast<double>(actual.bytes.size());
   if (enough && worst <= tolerance.most && mean <= tolerance.mean) return testing::AssertionSuccess();
 
-  const std::string name = currentTestName();
+  static std::atomic<int> failures{0};
+  const std::string name = currentTestName() + "." + std::to_string(++failures);
   writePng(actual, name + ".actual.png");
   writePng(expected, name + ".expected.png");
   writePng(difference(actual, expected), name + ".difference.png");
-  return testing::AssertionFailure()
-         << farPixels << " of " << pixels << " pixels differ by more than " << tolerance.nearly
-         << " levels, all by " << mean << " on average; the worst by " << worst << " at column " << worstAt % static_cast<std::size_t>(actual.width)
-         << ", row " << worstAt / static_cast<std::size_t>(actual.width) << " from the bottom. See " << name
-         << ".*.png";
+  return testing::AssertionFailure() << farPixels << " of " << pixels << " pixels differ by more than "
+                                     << tolerance.nearly << " levels, all by " << mean
+                                     << " on average; the worst by " << worst << " at column "
+                                     << worstAt % static_cast<std::size_t>(actual.width) << ", row "
+                                     << worstAt / static_cast<std::size_t>(actual.width)
+                                     << " from the bottom. See " << name << ".*.png";
+}
+
+Picture readPng(const std::string& file) {
+  int width = 0;
+  int height = 0;
+  const std::unique_ptr<stbi_uc, decltype(&stbi_image_free)> rgba(
+      stbi_load(file.c_str(), &width, &height, nullptr, 4), &stbi_image_free);
+  if (!rgba) return {};
+  Picture picture(width, height);
+  picture.forEach([&](int x, int y) {
+    const stbi_uc* from = rgba.get() + 4 * ((height - 1 - y) * width + x);
+    for (const int c : {2, 1, 0, 3}) picture.pixel(x, y)[c] = *from++;
+  });
+  return picture;
+}
+
+testing::AssertionResult looksLike(const Picture& picture, const std::string& name, Tolerance tolerance) {
+  const std::string file = std::string(OCT_GOLDEN_DIR) + "/" + name + ".png";
+  if (std::getenv("OCT_ACCEPT_GOLDEN")) {
+    writePng(picture, file);
+    return testing::AssertionFailure() << "accepted " << file << "; run again without OCT_ACCEPT_GOLDEN";
+  }
+  const Picture golden = readPng(file);
+  if (golden.bytes.empty()) return testing::AssertionFailure() << file << " cannot be read";
+  return agree(picture, golden, tolerance);
 }
 
 }  // namespace oct::test

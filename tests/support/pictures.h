@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -23,9 +24,22 @@ struct Picture {
 
   // The pixel at column x of row y, counted from the bottom.
   std::uint8_t* pixel(int x, int y) {
-    return bytes.data() + (static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)) * 4;
+    return bytes.data() +
+           (static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)) * 4;
   }
   const std::uint8_t* pixel(int x, int y) const { return const_cast<Picture*>(this)->pixel(x, y); }
+  std::array<int, 4> bgra(int x, int y) const {
+    const std::uint8_t* const p = pixel(x, y);
+    return {p[0], p[1], p[2], p[3]};
+  }
+
+  // Calls the action with column and row of every pixel.
+  template <class Action>
+  void forEach(Action&& action) const {
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) action(x, y);
+    }
+  }
 };
 
 struct Tolerance {
@@ -35,10 +49,20 @@ struct Tolerance {
   double mean = 255.0;      // levels that all channels of all pixels may differ by on average
 };
 
+constexpr Tolerance exact{0, 1.0, 0};
+
 // Every channel counts. A failed comparison writes both pictures and their difference as PNG files into the
-// working folder and names them.
+// working folder and names them; of a test with several, each has its number.
 testing::AssertionResult agree(const Picture& actual, const Picture& expected, Tolerance tolerance = {});
 
 void writePng(const Picture& picture, const std::string& file);
+
+// Without pixels when the file cannot be read.
+Picture readPng(const std::string& file);
+
+// For looks that no formula fixes, accepted by a person: compares with tests/golden/NAME.png. With
+// OCT_ACCEPT_GOLDEN set in the environment the picture is written there instead, to be looked at before it is
+// committed.
+testing::AssertionResult looksLike(const Picture& picture, const std::string& name, Tolerance tolerance);
 
 }  // namespace oct::test

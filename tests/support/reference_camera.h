@@ -104,6 +104,12 @@ inline void setPixel(Picture& picture, int column, int row, const glm::dvec3& co
   pixel[3] = 255;
 }
 
+inline Picture backgroundPicture(const VolumeScene& scene) {
+  Picture picture(scene.viewportWidth, scene.viewportHeight);
+  picture.forEach([&](int x, int y) { setPixel(picture, x, y, backgroundColor(scene, y)); });
+  return picture;
+}
+
 inline double distanceToSegment(const glm::dvec2& point, const glm::dvec2& from, const glm::dvec2& to) {
   const glm::dvec2 along = to - from;
   const double length = glm::dot(along, along);

@@ -12,12 +12,28 @@
 
 namespace oct::test {
 
-void GLTest::TearDown() { EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)); }
+void GLTest::TearDown() {
+  EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+}
 
 std::string pendingError() {
   std::array<char, 4096> message{};
   if (getRendererError(message.data(), static_cast<int>(message.size())) == 0) return "(none)";
   return message.data();
+}
+
+std::string failureOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return "(none)";
+}
+
+void clearGLErrors() {
+  while (glGetError() != GL_NO_ERROR) {
+  }
 }
 
 std::string logOf(const std::function<void()>& action) {

@@ -5,6 +5,8 @@
 
 #include <functional>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "gl/gl.h"
 #include "gl/opengl_context.h"
@@ -36,6 +38,39 @@ class GLTest : public testing::Test {
 
 // The pending error of the error store, "(none)" when there is none.
 std::string pendingError();
+
+// What the action throws, "(none)" if nothing.
+std::string failureOf(const std::function<void()>& action);
+
+// Exports that are called with a null handle, and with zeros else, print and post this error and no other.
+template <class... Exports>
+void expectNullRefused(const std::string& error, Exports... exports) {
+  int index = 0;
+  const auto refused =
+      [&]<class Result, class Handle, class... Others>(Result (*function)(Handle, Others...)) {
+        testing::internal::CaptureStderr();
+        function(nullptr, Others{}...);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "An error occured: " + error + "\n") << index;
+        EXPECT_EQ(pendingError(), error) << index;
+        ++index;
+      };
+  (refused(exports), ...);
+}
+
+// Calls the action with 0, 1, ... on so many threads and waits for them.
+template <class Action>
+void onThreads(int count, Action&& action) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < count; ++i) threads.emplace_back([&action, i] { action(i); });
+  for (std::thread& thread : threads) thread.join();
+}
+
+inline bool contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+// Forgets the errors that OpenGL has to report.
+void clearGLErrors();
 
 // Runs the action with the library log in a file of its own and returns what was logged.
 std::string logOf(const std::function<void()>& action);

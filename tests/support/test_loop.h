@@ -3,18 +3,63 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
+#include <future>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "core/error_callback.h"
 #include "gl/gl.h"
+#include "hosting/functors.h"
 #include "hosting/opengl_control_loop.h"
-#include "support/loop_functors.h"
 #include "support/surfaces.h"
 
 namespace oct::test {
+
+// Functors made of lambdas.
+template <class... Arguments>
+class LambdaFunctor : public AbstractSwitchable<Arguments...> {
+ public:
+  explicit LambdaFunctor(std::function<void(Arguments...)> body) : body_(std::move(body)) {}
+  void operator()(Arguments... arguments) override { body_(arguments...); }
+  void set_enabled(bool) override {}
+
+ private:
+  const std::function<void(Arguments...)> body_;
+};
+
+inline std::unique_ptr<AbstractFunctor> functor(std::function<void()> body) {
+  return std::make_unique<LambdaFunctor<>>(std::move(body));
+}
+
+inline std::unique_ptr<AbstractRenderingFunctor> rendering(std::function<void(std::uint32_t id)> body) {
+  return std::make_unique<LambdaFunctor<std::uint32_t>>(std::move(body));
+}
+
+using Index = std::uint32_t;
+
+inline std::unique_ptr<AbstractImageReady> imageReady(
+    std::function<void(Index, std::uint32_t width, std::uint32_t height, void* surface)> body) {
+  return std::make_unique<LambdaFunctor<Index, std::uint32_t, std::uint32_t, void*>>(std::move(body));
+}
+inline std::unique_ptr<AbstractImageReady> imageReady(std::function<void(Index, void* surface)> body) {
+  return imageReady(
+      [body](Index index, std::uint32_t, std::uint32_t, void* surface) { body(index, surface); });
+}
+
+class LambdaError : public AbstractErrorFunctor {
+ public:
+  explicit LambdaError(std::function<void(const std::string&)> body) : body_(std::move(body)) {}
+  void operator()(const std::string& message) const override { body_(message); }
+
+ private:
+  const std::function<void(const std::string&)> body_;
+};
 
 // A list that one thread appends to and another waits for.
 template <class T>
@@ -48,6 +93,23 @@ class Recorded {
   std::vector<T> values_;
 };
 
+// Holds the first thread that comes until it is opened; others pass.
+class Gate {
+ public:
+  void pass() {
+    if (come_.exchange(true)) return;
+    arrived_.set_value();
+    opened_.get_future().wait();
+  }
+  void awaitArrival() { arrived_.get_future().wait(); }
+  void open() { opened_.set_value(); }
+
+ private:
+  std::atomic<bool> come_{false};
+  std::promise<void> arrived_;
+  std::promise<void> opened_;
+};
+
 // Draws a picture that no other id has.
 inline void drawPattern(std::uint32_t id) {
   const auto clear = [](std::uint32_t colour) {
@@ -67,16 +129,11 @@ inline void drawPattern(std::uint32_t id) {
 
 inline Picture patternPicture(std::uint32_t id, int width, int height) {
   Picture picture(width, height);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      const std::uint32_t colour = x < width / 2 && y < height / 3 ? ~id : id;
-      std::uint8_t* const p = picture.pixel(x, y);
-      p[0] = static_cast<std::uint8_t>(colour);
-      p[1] = static_cast<std::uint8_t>(colour >> 8);
-      p[2] = static_cast<std::uint8_t>(colour >> 16);
-      p[3] = 255;
-    }
-  }
+  picture.forEach([&](int x, int y) {
+    const std::uint32_t colour = x < width / 2 && y < height / 3 ? ~id : id;
+    for (int c = 0; c < 3; ++c) picture.pixel(x, y)[c] = static_cast<std::uint8_t>(colour >> 8 * c);
+    picture.pixel(x, y)[3] = 255;
+  });
   return picture;
 }
 
@@ -98,8 +155,7 @@ class LoopGLTest : public testing::TestWithParam<SurfaceSharing> {
       drawPattern(id);
       drawn_.add(id);
     }));
-    loop->set_image_ready_callback(imageReady(
-        [this](std::uint32_t index, std::uint32_t, std::uint32_t, void*) { returned_.add(index); }));
+    loop->set_image_ready_callback(imageReady([this](Index index, void*) { returned_.add(index); }));
     loop->set_mode(OpenGLControlLoop::onceEach);
     loop->resize(width, height);
     return loop;

@@ -225,33 +225,30 @@ ReferencePicture referencePicture(const VolumeScene& scene) {
   std::vector<bool> cut(result.nearCut.size());
   const ReferenceCamera camera(scene);
   const double end = boxEnd(scene);
-  for (int row = 0; row < height; ++row) {
-    for (int column = 0; column < width; ++column) {
-      const glm::dvec3 background = rounded(backgroundColor(scene, row));
-      const Line line = camera.modelLine(column, row);
-      cut[static_cast<std::size_t>(row * width + column)] = meetsCut(scene, line);
-      glm::dvec4 ray(0.0);
-      if (const auto passes = passage(scene, line, end)) {
-        ray = glm::clamp(Ray(scene, *passes).color(), 0.0, 1.0);
-      }
-      setPixel(result.picture, column, row, glm::mix(background, glm::dvec3(ray), ray.a));
-      ray = rounded(ray);
-      setPixel(result.blendedInTarget, column, row, glm::mix(background, glm::dvec3(ray), ray.a));
+  const auto index = [width](int column, int row) { return static_cast<std::size_t>(row * width + column); };
+  result.picture.forEach([&](int column, int row) {
+    const glm::dvec3 background = rounded(backgroundColor(scene, row));
+    const Line line = camera.modelLine(column, row);
+    cut[index(column, row)] = meetsCut(scene, line);
+    glm::dvec4 ray(0.0);
+    if (const auto passes = passage(scene, line, end)) {
+      ray = glm::clamp(Ray(scene, *passes).color(), 0.0, 1.0);
     }
-  }
+    setPixel(result.picture, column, row, glm::mix(background, glm::dvec3(ray), ray.a));
+    ray = rounded(ray);
+    setPixel(result.blendedInTarget, column, row, glm::mix(background, glm::dvec3(ray), ray.a));
+  });
   constexpr int reach = 2;
-  for (int row = 0; row < height; ++row) {
-    for (int column = 0; column < width; ++column) {
-      bool inside = false;
-      bool outside = false;
-      for (int y = std::max(0, row - reach); y <= std::min(height - 1, row + reach); ++y) {
-        for (int x = std::max(0, column - reach); x <= std::min(width - 1, column + reach); ++x) {
-          (cut[static_cast<std::size_t>(y * width + x)] ? inside : outside) = true;
-        }
+  result.picture.forEach([&](int column, int row) {
+    bool inside = false;
+    bool outside = false;
+    for (int y = std::max(0, row - reach); y <= std::min(height - 1, row + reach); ++y) {
+      for (int x = std::max(0, column - reach); x <= std::min(width - 1, column + reach); ++x) {
+        (cut[index(x, y)] ? inside : outside) = true;
       }
-      result.nearCut[static_cast<std::size_t>(row * width + column)] = inside && outside;
     }
-  }
+    result.nearCut[index(column, row)] = inside && outside;
+  });
   return result;
 }
 

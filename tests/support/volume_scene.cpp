@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <utility>
 
 namespace oct::test {
 
@@ -27,6 +28,16 @@ Volume testVolume(int width, int height, int depth, unsigned seed) {
     }
   }
   return volume;
+}
+
+VolumeScene sceneOf(Volume volume, int width, int height, double angleX, double angleY) {
+  VolumeScene scene;
+  scene.volume = std::move(volume);
+  scene.viewportWidth = width;
+  scene.viewportHeight = height;
+  scene.angleX = angleX;
+  scene.angleY = angleY;
+  return scene;
 }
 
 std::vector<std::uint32_t> rampColors(int count, double opacity) {
@@ -101,17 +112,33 @@ VolumeStage::~VolumeStage() {
   clearOffscreenTarget(target);
 }
 
-Picture VolumeStage::draw(const VolumeScene& scene) {
+void VolumeStage::prepare(const VolumeScene& scene) {
   apply(scene, renderer);
   upload(scene, offline);
+  width_ = scene.viewportWidth;
+  height_ = scene.viewportHeight;
+  content_ = scene.content;
+}
+
+Picture VolumeStage::draw(const VolumeScene& scene) {
+  prepare(scene);
   if (scene.clipFixed) {
     // The plane takes the angles of the frame before the one that it is fixed in.
     setAngles(renderer, scene.fixedAngleX, scene.fixedAngleY);
-    frame(scene.viewportWidth, scene.viewportHeight, scene.content);
+    frame();
     fixClipPlane(renderer, 1);
     setAngles(renderer, scene.angleX, scene.angleY);
   }
-  return frame(scene.viewportWidth, scene.viewportHeight, scene.content);
+  return frame();
+}
+
+Picture VolumeStage::frame() const {
+  return frame(width_, height_, content_);
+}
+
+void VolumeStage::restart() const {
+  uninitializeVolumeRenderer(renderer);
+  initializeVolumeRenderer(renderer);
 }
 
 Picture VolumeStage::frame(int width, int height, int content) const {

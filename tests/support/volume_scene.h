@@ -73,6 +73,9 @@ struct VolumeScene {
 // Layers, blobs and noise between 0 and 1, in steps that a 16-bit float holds exactly.
 Volume testVolume(int width, int height, int depth, unsigned seed = 1);
 
+// A scene of a volume, its viewport and the angles that it is seen from.
+VolumeScene sceneOf(Volume volume, int width, int height, double angleX = 0.0, double angleY = 0.0);
+
 // Opaque colours, or an opacity rising with the square of the value up to `opacity`.
 std::vector<std::uint32_t> opaqueColors(int count);
 std::vector<std::uint32_t> rampColors(int count, double opacity);
@@ -91,12 +94,20 @@ class VolumeStage {
   VolumeStage(const VolumeStage&) = delete;
   VolumeStage& operator=(const VolumeStage&) = delete;
 
-  Picture draw(const VolumeScene& scene);                   // settings, data and a frame
+  void prepare(const VolumeScene& scene);                   // settings and data
+  Picture draw(const VolumeScene& scene);                   // and a frame
   Picture frame(int width, int height, int content) const;  // as things stand
+  Picture frame() const;                                    // the same, of the last scene's size and content
+  void restart() const;  // gives the renderer's OpenGL objects back and makes new ones
 
   OffscreenTargetHandle target = nullptr;
   VolumeRendererHandle renderer = nullptr;
   OfflineRenderingHandle offline = nullptr;
+
+ private:
+  int width_ = 0;
+  int height_ = 0;
+  int content_ = 0;
 };
 
 }  // namespace oct::test

@@ -6,7 +6,7 @@
 
 #include "hosting/offscreen_target.h"
 #include "support/gl_spy.h"
-#include "support/pictures.h"
+#include "support/reference_camera.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -17,14 +17,15 @@ constexpr int height = 120;
 constexpr glm::vec3 color{1.0F, 0.5F, 0.25F};
 constexpr glm::vec3 background{0.1F, 0.2F, 0.6F};
 
+const LabelView flatView{glm::mat4(1.0F), glm::mat4(1.0F), glm::vec2(width, height)};
+
 class FontRendererGLTest : public testing::Test {
  protected:
   Picture draw(FontRenderer& font, const Label& label, const LabelView& view) {
     Picture picture(width, height);
     target_.beginFrame(width, height);
     glClearColor(background.r, background.g, background.b, 1.0F);
-    glClear(GL_COLOR_BUFFER_BIT);
-    glDisable(GL_DEPTH_TEST);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     font.draw(label, color, view);
     EXPECT_FALSE(glIsEnabled(GL_BLEND));
     target_.finishFrame(picture.bytes.data());
@@ -48,21 +49,13 @@ Picture expected(TextRasteriser& rasteriser, const Label& label, const LabelView
   const glm::vec4 clip = view.projection * view.modelview * glm::vec4(label.anchor, 1.0F);
   const glm::vec2 corner = (glm::vec2(clip) / clip.w + 1.0F) * 0.5F * view.viewport + label.offset;
   Picture picture(width, height);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      const int column = static_cast<int>(std::floor(static_cast<float>(x) + 0.5F - corner.x));
-      const int row = static_cast<int>(std::floor(static_cast<float>(y) + 0.5F - corner.y));
-      const bool inside = column >= 0 && column < text.width && row >= 0 && row < text.height;
-      const float mask =
-          inside ? static_cast<float>(text.pixels[static_cast<std::size_t>(row * text.width + column) * 4]) /
-                       255.0F
-                 : 0.0F;
-      const glm::vec3 mixed = background + (color - background) * mask;
-      std::uint8_t* const pixel = picture.pixel(x, y);
-      for (int c = 0; c < 3; ++c) pixel[2 - c] = static_cast<std::uint8_t>(std::lround(mixed[c] * 255.0F));
-      pixel[3] = 255;
-    }
-  }
+  picture.forEach([&](int x, int y) {
+    const int column = static_cast<int>(std::floor(static_cast<float>(x) + 0.5F - corner.x));
+    const int row = static_cast<int>(std::floor(static_cast<float>(y) + 0.5F - corner.y));
+    const bool inside = column >= 0 && column < text.width && row >= 0 && row < text.height;
+    const int mask = inside ? text.pixels[static_cast<std::size_t>(row * text.width + column) * 4] : 0;
+    setPixel(picture, x, y, glm::dvec3(background) + glm::dvec3(color - background) * (mask / 255.0));
+  });
   return picture;
 }
 
@@ -82,30 +75,23 @@ TEST_F(FontRendererGLTest, LabelsAreDrawnPixelByPixel) {
 TEST_F(FontRendererGLTest, EmphasisedAndCutByTheViewport) {
   FontRenderer font(31, true);
   TextRasteriser rasteriser(31, true);
-  const LabelView view{glm::mat4(1.0F), glm::mat4(1.0F), glm::vec2(width, height)};
   for (const glm::vec3 anchor : {glm::vec3(-1.0F, -1.0F, 0.0F), glm::vec3(0.707F, 0.871F, 0.0F)}) {
     const Label label{"depth (mm)", anchor, {-7.25F, -5.0F}};
-    EXPECT_TRUE(agree(draw(font, label, view), expected(rasteriser, label, view)));
+    EXPECT_TRUE(agree(draw(font, label, flatView), expected(rasteriser, label, flatView)));
   }
 }
 
 TEST_F(FontRendererGLTest, TheDepthOfTheAnchorCounts) {
   FontRenderer font(20, false);
   TextRasteriser rasteriser(20, false);
-  const LabelView view{glm::mat4(1.0F), glm::mat4(1.0F), glm::vec2(width, height)};
-  const Picture plain = expected(rasteriser, {"", {}, {}}, view);
+  const Picture plain = expected(rasteriser, {"", {}, {}}, flatView);
+  glClearDepth(0.5);
+  glEnable(GL_DEPTH_TEST);
+  glDepthFunc(GL_LEQUAL);
   for (const float depth : {-0.5F, 0.5F}) {
     const Label label{"9", {0.004F, 0.0F, depth}, {}};
-    Picture picture(width, height);
-    target_.beginFrame(width, height);
-    glClearColor(background.r, background.g, background.b, 1.0F);
-    glClearDepth(0.5);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LEQUAL);
-    font.draw(label, color, view);
-    target_.finishFrame(picture.bytes.data());
-    EXPECT_TRUE(agree(picture, depth < 0.0F ? expected(rasteriser, label, view) : plain)) << depth;
+    const Picture picture = draw(font, label, flatView);
+    EXPECT_TRUE(agree(picture, depth < 0.0F ? expected(rasteriser, label, flatView) : plain)) << depth;
   }
   glDisable(GL_DEPTH_TEST);
   glClearDepth(1.0);
@@ -115,17 +101,16 @@ TEST_F(FontRendererGLTest, ATextIsRasterisedOnce) {
   GlSpy spy;
   {
     FontRenderer font(18, false);
-    const LabelView view{glm::mat4(1.0F), glm::mat4(1.0F), glm::vec2(width, height)};
-    draw(font, {"0.5", {}, {}}, view);
+    draw(font, {"0.5", {}, {}}, flatView);
     const int uploads = spy.calls("glTexImage2D");
     EXPECT_EQ(uploads, 1);
     draw(font, {"0.5", {0.5F, 0.0F, 0.0F}, {3.0F, 4.0F}}, perspectiveView(10.0F));
     EXPECT_EQ(font.size("0.5").y, TextRasteriser(18, false).rasterise("0.5").height);
     EXPECT_EQ(spy.calls("glTexImage2D"), uploads);
-    draw(font, {"1.0", {}, {}}, view);
+    draw(font, {"1.0", {}, {}}, flatView);
     EXPECT_EQ(spy.calls("glTexImage2D"), uploads + 1);
     EXPECT_EQ(font.size(""), glm::ivec2(0));
-    draw(font, {"", {}, {}}, view);
+    draw(font, {"", {}, {}}, flatView);
     EXPECT_EQ(spy.calls("glTexImage2D"), uploads + 1);
   }
   EXPECT_EQ(spy.calls("glGenTextures"), 2);
@@ -134,23 +119,15 @@ TEST_F(FontRendererGLTest, ATextIsRasterisedOnce) {
 
 TEST_F(FontRendererGLTest, FailuresLeaveNothingBehind) {
   target_.beginFrame(width, height);
-  const auto failure = [](const std::function<void()>& action) -> std::string {
-    try {
-      action();
-      return "(none)";
-    } catch (const std::exception& error) {
-      return error.what();
-    }
-  };
   GlSpy spy;
   spy.failNext("glGenBuffers");
-  EXPECT_EQ(failure([] { FontRenderer(18, false); }), "Could not create OpenGL buffer. ");
+  EXPECT_EQ(failureOf([] { FontRenderer(18, false); }), "Could not create OpenGL buffer. ");
   EXPECT_EQ(spy.liveObjects(), 0U);
 
   FontRenderer font(18, false);
   const std::size_t before = spy.liveObjects();
   spy.failNext("glTexImage2D");
-  EXPECT_EQ(failure([&] { font.size("7"); }).find("An OpenGL error in FontRenderer::rasterise occured: "),
+  EXPECT_EQ(failureOf([&] { font.size("7"); }).find("An OpenGL error in FontRenderer::rasterise occured: "),
             0U);
   EXPECT_EQ(spy.liveObjects(), before);
   EXPECT_EQ(font.size("7").y, TextRasteriser(18, false).rasterise("7").height) << "the next try works";

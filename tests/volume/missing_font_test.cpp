@@ -1,9 +1,6 @@
 // A machine without any font.
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-#include <string>
-
 #include "support/test_context.h"
 #include "support/volume_scene.h"
 #include "volume/missing_fonts.h"
@@ -15,12 +12,7 @@ namespace {
 constexpr const char* noFont = "No font was found for text labels. ";
 
 std::string failure() {
-  try {
-    TextRasteriser rasteriser(18, false);
-    return "(none)";
-  } catch (const std::runtime_error& error) {
-    return error.what();
-  }
+  return failureOf([] { TextRasteriser(18, false); });
 }
 
 TEST(MissingFontTest, IsAClearError) {
@@ -32,18 +24,12 @@ TEST(MissingFontTest, IsAClearError) {
 }
 
 TEST(MissingFontTest, TheSceneIsDrawnWithoutLabelsAndTheErrorReported) {
-  VolumeScene scene;
-  scene.volume = testVolume(16, 16, 16);
+  VolumeScene scene = sceneOf(testVolume(16, 16, 16), 200, 160, 25.0, -35.0);
   scene.coloring = {opaqueColors(16), 0.0, 1.0};
-  scene.viewportWidth = 200;
-  scene.viewportHeight = 160;
-  scene.angleX = 25.0;
-  scene.angleY = -35.0;
   VolumeStage stage;
-  apply(scene, stage.renderer);
-  upload(scene, stage.offline);
+  stage.prepare(scene);
   setBorder(stage.renderer, 0, 1, 1);
-  const Picture unmarked = stage.frame(200, 160, 0);
+  const Picture unmarked = stage.frame();
   const auto changed = [&](const Picture& picture) {
     int pixels = 0;
     for (std::size_t i = 0; i < picture.bytes.size(); i += 4) pixels += picture.bytes[i] != unmarked.bytes[i];
@@ -53,11 +39,11 @@ TEST(MissingFontTest, TheSceneIsDrawnWithoutLabelsAndTheErrorReported) {
   Picture unlabelled;
   {
     const MissingFonts none;
-    unlabelled = stage.frame(200, 160, 0);
+    unlabelled = stage.frame();
     EXPECT_EQ(pendingError(), noFont);
   }
   EXPECT_GT(changed(unlabelled), 50) << "ticks";
-  const Picture labelled = stage.frame(200, 160, 0);
+  const Picture labelled = stage.frame();
   EXPECT_EQ(pendingError(), "(none)");
   EXPECT_GT(changed(labelled), changed(unlabelled) + 200) << "labels";
 }

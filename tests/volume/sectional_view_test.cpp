@@ -16,11 +16,6 @@
 namespace oct::test {
 namespace {
 
-struct Hit {
-  double t;
-  int axis;
-};
-
 std::optional<double> hitTriangle(const glm::dvec3& origin, const glm::dvec3& direction,
                                   const glm::vec3* triangle) {
   const glm::dvec3 a(triangle[0]);
@@ -99,119 +94,92 @@ Picture referenceSections(const VolumeScene& scene, const Sections& sections, co
                           int& compared) {
   const ReferenceCamera camera(scene);
   Picture picture = drawn;
-  for (int row = 0; row < scene.viewportHeight; ++row) {
-    for (int column = 0; column < scene.viewportWidth; ++column) {
-      const glm::dvec2 centre(column + 0.5, row + 0.5);
-      bool onOutline = false;
-      const auto [origin, direction] = camera.modelLine(column, row);
-      std::vector<std::pair<double, glm::dvec3>> hits;
-      for (int axis = 0; axis < 3; ++axis) {
-        const Section& section = sections[static_cast<std::size_t>(axis)];
-        if (!section.shown) continue;
-        const CrossSection quad = crossSection(axis, 2.0F * section.position - 1.0F);
-        for (std::size_t i = 0; i < 4; ++i) {
-          onOutline |=
-              distanceToSegment(centre, camera.toWindow(quad[i]), camera.toWindow(quad[(i + 1) % 4])) < 1.6;
-        }
-        const double t = (2.0 * section.position - 1.0 - origin[axis]) / direction[axis];
-        const glm::dvec3 p = origin + t * direction;
-        if (std::max(std::abs(p[(axis + 1) % 3]), std::abs(p[(axis + 2) % 3])) > 1.0) continue;
-        hits.emplace_back(t, p);
+  picture.forEach([&](int column, int row) {
+    const glm::dvec2 centre(column + 0.5, row + 0.5);
+    bool onOutline = false;
+    const auto [origin, direction] = camera.modelLine(column, row);
+    std::vector<std::pair<double, glm::dvec3>> hits;
+    for (int axis = 0; axis < 3; ++axis) {
+      const Section& section = sections[static_cast<std::size_t>(axis)];
+      if (!section.shown) continue;
+      const CrossSection quad = crossSection(axis, 2.0F * section.position - 1.0F);
+      for (std::size_t i = 0; i < 4; ++i) {
+        onOutline |=
+            distanceToSegment(centre, camera.toWindow(quad[i]), camera.toWindow(quad[(i + 1) % 4])) < 1.6;
       }
-      if (onOutline) continue;
-      std::sort(hits.begin(), hits.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
-      glm::dvec3 color = backgroundColor(scene, row);
-      for (const auto& [t, point] : hits) {
-        const glm::dvec4 slice = sliceColor(scene, point);
-        color = glm::mix(color, glm::dvec3(slice), slice.a);
-      }
-      setPixel(picture, column, row, color);
-      ++compared;
+      const double t = (2.0 * section.position - 1.0 - origin[axis]) / direction[axis];
+      const glm::dvec3 p = origin + t * direction;
+      if (std::max(std::abs(p[(axis + 1) % 3]), std::abs(p[(axis + 2) % 3])) > 1.0) continue;
+      hits.emplace_back(t, p);
     }
-  }
+    if (onOutline) return;
+    std::sort(hits.begin(), hits.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+    glm::dvec3 color = backgroundColor(scene, row);
+    for (const auto& [t, point] : hits) {
+      const glm::dvec4 slice = sliceColor(scene, point);
+      color = glm::mix(color, glm::dvec3(slice), slice.a);
+    }
+    setPixel(picture, column, row, color);
+    ++compared;
+  });
   return picture;
 }
 
-struct Case {
-  const char* name;
-  Sections sections;
-  bool translucent = false;
-  bool overlay = false;
-  bool perspective = true;
-};
-
-void PrintTo(const Case& value, std::ostream* stream) {
-  *stream << value.name;
-}
-
-class SectionalViewImageTest : public testing::TestWithParam<Case> {};
-
-TEST_P(SectionalViewImageTest, EqualsTheArithmetic) {
-  const Case& tested = GetParam();
-  VolumeScene scene;
-  scene.volume = testVolume(40, 28, 34);
-  scene.viewportWidth = 161;
-  scene.viewportHeight = 127;
-  scene.angleX = 25.0;
-  scene.angleY = -35.0;
-  scene.range = {1.5F, 2.0F, 2.5F};
-  scene.perspective = tested.perspective;
-  scene.coloring = {tested.translucent ? rampColors(64, 0.7) : opaqueColors(64), 0.1, 0.9};
-  if (tested.overlay) {
-    scene.overlay = testVolume(40, 28, 34, 7);
-    scene.overlayColoring = {rampColors(64, 0.8), 0.3, 1.1};
-    scene.content = 2;
-  }
+TEST(SectionalViewImageTest, EqualsTheArithmetic) {
+  struct Case {
+    const char* name;
+    Sections sections;
+    bool translucent = false;
+    bool overlay = false;
+    bool perspective = true;
+  };
+  const Sections apart{Section{true, 0.2F}, Section{true, 0.7F}, Section{true, 0.9F}};
+  const Case cases[] = {
+      {"middle", {Section{}, Section{}, Section{}}},
+      {"apart", apart},
+      {.name = "orthographic", .sections = apart, .perspective = false},
+      {"one hidden", {Section{true, 0.3F}, Section{false, 0.6F}, Section{true, 0.6F}}},
+      {"translucent", {Section{true, 0.3F}, Section{true, 0.6F}, Section{true, 0.55F}}, true},
+      {"overlay", {Section{true, 0.5F}, Section{true, 0.4F}, Section{true, 0.25F}}, false, true},
+      {"none", {Section{false, 0.5F}, Section{false, 0.5F}, Section{false, 0.5F}}},
+  };
   VolumeStage stage;
-  setRenderingMode(stage.renderer, 1);
-  const Sections& s = tested.sections;
-  setSectionalView(stage.renderer, s[0].shown, s[0].position, s[1].shown, s[1].position, s[2].shown,
-                   s[2].position);
-  apply(scene, stage.renderer);
-  upload(scene, stage.offline);
-  setRenderingMode(stage.renderer, 1);
-  const Picture drawn = stage.frame(scene.viewportWidth, scene.viewportHeight, scene.content);
-  EXPECT_EQ(pendingError(), "(none)");
-  int compared = 0;
-  const Picture expected = referenceSections(scene, s, drawn, compared);
-  EXPECT_GT(compared, scene.viewportWidth * scene.viewportHeight * 3 / 4);
-  // Where two slices meet, one pixel may show the other one.
-  EXPECT_TRUE(agree(drawn, expected, {1, 0.995, 255, 0.1}));
+  for (const auto& [name, sections, translucent, overlay, perspective] : cases) {
+    SCOPED_TRACE(name);
+    VolumeScene scene = sceneOf(testVolume(40, 28, 34), 161, 127, 25.0, -35.0);
+    scene.range = {1.5F, 2.0F, 2.5F};
+    scene.perspective = perspective;
+    scene.coloring = {translucent ? rampColors(64, 0.7) : opaqueColors(64), 0.1, 0.9};
+    if (overlay) {
+      scene.overlay = testVolume(40, 28, 34, 7);
+      scene.overlayColoring = {rampColors(64, 0.8), 0.3, 1.1};
+      scene.content = 2;
+    }
+    const auto& [x, y, z] = sections;
+    setSectionalView(stage.renderer, x.shown, x.position, y.shown, y.position, z.shown, z.position);
+    stage.prepare(scene);
+    setRenderingMode(stage.renderer, 1);
+    const Picture drawn = stage.frame();
+    EXPECT_EQ(pendingError(), "(none)");
+    int compared = 0;
+    const Picture expected = referenceSections(scene, sections, drawn, compared);
+    EXPECT_GT(compared, scene.viewportWidth * scene.viewportHeight * 3 / 4);
+    // Where two slices meet, one pixel may show the other one.
+    EXPECT_TRUE(agree(drawn, expected, {1, 0.995, 255, 0.1}));
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Sections, SectionalViewImageTest,
-    testing::Values(
-        Case{"Middle", {Section{}, Section{}, Section{}}},
-        Case{"Apart", {Section{true, 0.2F}, Section{true, 0.7F}, Section{true, 0.9F}}},
-        Case{"Orthographic",
-             {Section{true, 0.2F}, Section{true, 0.7F}, Section{true, 0.9F}},
-             false,
-             false,
-             false},
-        Case{"OneHidden", {Section{true, 0.3F}, Section{false, 0.6F}, Section{true, 0.6F}}},
-        Case{"Translucent", {Section{true, 0.3F}, Section{true, 0.6F}, Section{true, 0.55F}}, true},
-        Case{"Overlay", {Section{true, 0.5F}, Section{true, 0.4F}, Section{true, 0.25F}}, false, true},
-        Case{"None", {Section{false, 0.5F}, Section{false, 0.5F}, Section{false, 0.5F}}}),
-    [](const auto& tested) { return tested.param.name; });
 
 // The outline of a slice in the foreground colour, where the box's edges are off.
 TEST(SectionalViewOutlineTest, RunsAroundTheSlice) {
-  VolumeScene scene;
-  scene.volume = testVolume(16, 16, 16);
-  scene.viewportWidth = 160;
-  scene.viewportHeight = 120;
-  scene.angleX = 20.0;
-  scene.angleY = 40.0;
+  VolumeScene scene = sceneOf(testVolume(16, 16, 16), 160, 120, 20.0, 40.0);
   scene.backgroundBottom = scene.backgroundTop = 0x000000FFU;
   scene.coloring = {{0xFF000000U, 0xFF000000U}, 0.0, 1.0};  // black slices
   VolumeStage stage;
-  apply(scene, stage.renderer);
-  upload(scene, stage.offline);
+  stage.prepare(scene);
   setRenderingMode(stage.renderer, 1);
   setSectionalView(stage.renderer, 1, 0.3F, 0, 0.5F, 0, 0.5F);
   setRenderForeground(stage.renderer, 0x40FF80FFU);
-  const Picture drawn = stage.frame(scene.viewportWidth, scene.viewportHeight, 0);
+  const Picture drawn = stage.frame();
   const ReferenceCamera camera(scene);
   const CrossSection quad = crossSection(0, -0.4F);
   for (std::size_t side = 0; side < 4; ++side) {
@@ -219,13 +187,11 @@ TEST(SectionalViewOutlineTest, RunsAroundTheSlice) {
       const glm::dvec2 at =
           camera.toWindow(glm::mix(glm::dvec3(quad[side]), glm::dvec3(quad[(side + 1) % 4]), t));
       double green = 0.0;  // of the pixels around, which share the line's
-      for (int dy = -2; dy <= 2; ++dy) {
-        for (int dx = -2; dx <= 2; ++dx) {
-          const std::uint8_t* const pixel =
-              drawn.pixel(static_cast<int>(at.x) + dx, static_cast<int>(at.y) + dy);
-          green = std::max(green, static_cast<double>(pixel[1]));
-          EXPECT_NEAR(pixel[0] * 2.0, pixel[1], 3.0) << "no colour but the foreground's";
-        }
+      for (int i = 0; i < 25; ++i) {
+        const std::uint8_t* const pixel =
+            drawn.pixel(static_cast<int>(at.x) + i % 5 - 2, static_cast<int>(at.y) + i / 5 - 2);
+        green = std::max(green, static_cast<double>(pixel[1]));
+        EXPECT_NEAR(pixel[0] * 2.0, pixel[1], 3.0) << "no colour but the foreground's";
       }
       EXPECT_GT(green, 110.0) << "side " << side << " at " << t;
     }

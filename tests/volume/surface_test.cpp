@@ -133,76 +133,66 @@ Picture referenceSurface(const VolumeScene& scene, const HeightMap& map, double 
   const ReferenceCamera camera(scene);
   const Sheet sheet = sheetOf(map, camera, lower, upper);
   Picture picture(scene.viewportWidth, scene.viewportHeight);
-  for (int row = 0; row < scene.viewportHeight; ++row) {
-    for (int column = 0; column < scene.viewportWidth; ++column) {
-      glm::dvec3 color = backgroundColor(scene, row);
-      const auto line = camera.line(column, row);
-      double nearest = 1e9;
-      for (const auto& triangle : sheet.triangles) {
-        std::array<const Vertex*, 3> corners{};
-        for (std::size_t i = 0; i < 3; ++i)
-          corners[i] = &sheet.vertices[static_cast<std::size_t>(triangle[i])];
-        const glm::dvec3 u = corners[1]->eye - corners[0]->eye;
-        const glm::dvec3 w = corners[2]->eye - corners[0]->eye;
-        const glm::dvec3 n = glm::cross(u, w);
-        const double towards = glm::dot(n, line.direction);
-        const double t = glm::dot(n, corners[0]->eye - line.origin) / towards;
-        if (!(t < nearest)) continue;
-        const glm::dvec3 p = line.origin + t * line.direction - corners[0]->eye;
-        const double second = glm::dot(glm::cross(p, w), n) / glm::dot(n, n);
-        const double third = glm::dot(glm::cross(u, p), n) / glm::dot(n, n);
-        if (second < 0.0 || third < 0.0 || second + third > 1.0) continue;
-        nearest = t;
-        color = shaded(corners, {1.0 - second - third, second, third}, towards < 0.0, colors);
-      }
-      setPixel(picture, column, row, color);
+  picture.forEach([&](int column, int row) {
+    glm::dvec3 color = backgroundColor(scene, row);
+    const auto line = camera.line(column, row);
+    double nearest = 1e9;
+    for (const auto& triangle : sheet.triangles) {
+      std::array<const Vertex*, 3> corners{};
+      for (std::size_t i = 0; i < 3; ++i) corners[i] = &sheet.vertices[static_cast<std::size_t>(triangle[i])];
+      const glm::dvec3 u = corners[1]->eye - corners[0]->eye;
+      const glm::dvec3 w = corners[2]->eye - corners[0]->eye;
+      const glm::dvec3 n = glm::cross(u, w);
+      const double towards = glm::dot(n, line.direction);
+      const double t = glm::dot(n, corners[0]->eye - line.origin) / towards;
+      if (!(t < nearest)) continue;
+      const glm::dvec3 p = line.origin + t * line.direction - corners[0]->eye;
+      const double second = glm::dot(glm::cross(p, w), n) / glm::dot(n, n);
+      const double third = glm::dot(glm::cross(u, p), n) / glm::dot(n, n);
+      if (second < 0.0 || third < 0.0 || second + third > 1.0) continue;
+      nearest = t;
+      color = shaded(corners, {1.0 - second - third, second, third}, towards < 0.0, colors);
     }
-  }
+    setPixel(picture, column, row, color);
+  });
   return picture;
 }
 
 class SurfaceImageTest : public testing::Test {
  protected:
   SurfaceImageTest() {
-    scene_.viewportWidth = 121;
-    scene_.viewportHeight = 97;
     scene_.range = {1.2F, 2.0F, 2.6F};
-    scene_.angleX = 30.0;
-    scene_.angleY = -25.0;
-    scene_.volume = testVolume(8, 8, 8);
     setSurfaceColormap(stage_.renderer, colors_.data(), static_cast<int>(colors_.size()));
   }
 
   Picture draw(const HeightMap& map, bool volume = false) {
-    apply(scene_, stage_.renderer);
+    stage_.prepare(scene_);
     setSurface(stage_.renderer, map.width, map.height, map.scale, map.values.data());
     setSurfaceDepths(stage_.renderer, lower_, upper_);
-    upload(scene_, stage_.offline);
     setRenderElements(stage_.renderer, volume, 1);
-    return stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+    return stage_.frame();
+  }
+
+  // A silhouette pixel may fall to the other side; nothing else differs.
+  void expectSurface(const HeightMap& map) {
+    const Picture expected = referenceSurface(scene_, map, lower_, upper_, colors_);
+    EXPECT_TRUE(agree(draw(map), expected, {1, 0.995, 255, 0.5})) << scene_.angleX << ", " << scene_.angleY;
   }
 
   VolumeStage stage_;
-  VolumeScene scene_;
+  VolumeScene scene_ = sceneOf(testVolume(8, 8, 8), 121, 97, 30.0, -25.0);
   std::vector<std::uint32_t> colors_ = opaqueColors(48);
   double lower_ = 30.0;
   double upper_ = 52.0;
 };
 
 TEST_F(SurfaceImageTest, EqualsTheArithmetic) {
-  const HeightMap map = waves(12, 10);
-  struct Look {
-    double angleX, angleY;
-    bool perspective;
-  };
-  for (const Look look : {Look{30, -25, true}, Look{-35, 160, true}, Look{70, 10, false}, Look{0, 0, true}}) {
-    scene_.angleX = look.angleX;
-    scene_.angleY = look.angleY;
-    scene_.perspective = look.perspective;
-    // A silhouette pixel may fall to the other side; nothing else differs.
-    EXPECT_TRUE(
-        agree(draw(map), referenceSurface(scene_, map, lower_, upper_, colors_), {1, 0.995, 255, 0.5}))
-        << look.angleX << ", " << look.angleY;
+  for (const auto& [angleX, angleY, perspective] :
+       {std::tuple{30, -25, true}, {-35, 160, true}, {70, 10, false}, {0, 0, true}}) {
+    scene_.angleX = angleX;
+    scene_.angleY = angleY;
+    scene_.perspective = perspective;
+    expectSurface(waves(12, 10));
   }
   EXPECT_EQ(pendingError(), "(none)");
 }
@@ -212,17 +202,11 @@ TEST_F(SurfaceImageTest, ChangesAreSeenInTheNextFrame) {
   HeightMap flat{2, 2, 4.0, {1.0F, 3.0F, 1.0F, 3.0F}};
   lower_ = 1.0;
   upper_ = 3.0;
-  EXPECT_TRUE(
-      agree(draw(flat), referenceSurface(scene_, flat, lower_, upper_, colors_), {1, 0.995, 255, 0.5}));
+  expectSurface(flat);
   setSurface(stage_.renderer, 0, 0, 1.0, nullptr);
   const HeightMap none{2, 2, 1.0, std::vector<float>(4, nan)};
-  const Picture empty = stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
-  EXPECT_TRUE(agree(draw(none), empty));
-  for (int row = 0; row < empty.height; ++row) {
-    Picture background(1, 1);
-    setPixel(background, 0, 0, backgroundColor(scene_, row));
-    EXPECT_NEAR(empty.pixel(60, row)[0], background.bytes[0], 1);
-  }
+  EXPECT_TRUE(agree(stage_.frame(), backgroundPicture(scene_), {1, 1.0, 1}));
+  EXPECT_TRUE(agree(draw(none), backgroundPicture(scene_), {1, 1.0, 1}));
 }
 
 TEST_F(SurfaceImageTest, MisuseIsRefusedAndKeepsTheSurface) {
@@ -234,16 +218,14 @@ TEST_F(SurfaceImageTest, MisuseIsRefusedAndKeepsTheSurface) {
   EXPECT_EQ(pendingError(), "Surface data must not be null. ");
   setSurface(stage_.renderer, 3, 3, 0.0, map.values.data());
   EXPECT_EQ(pendingError(), "The scale of a surface must be a number other than zero. ");
-  EXPECT_TRUE(agree(stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0), before, {0, 1.0, 0}));
+  EXPECT_TRUE(agree(stage_.frame(), before, exact));
 }
 
 // The rays' own depth is that of the box's near side, which must not hide what lies inside.
 TEST_F(SurfaceImageTest, IsSeenInsideTheVolume) {
-  const HeightMap map = waves(12, 10);
-  const Picture alone = draw(map);
+  const Picture alone = draw(waves(12, 10));
   scene_.coloring = {{0x00000000U, 0x00000000U}, 0.0, 1.0};  // a volume that nobody sees
-  const Picture inside = draw(map, true);
-  EXPECT_TRUE(agree(inside, alone));
+  EXPECT_TRUE(agree(draw(waves(12, 10), true), alone));
 }
 
 TEST_F(SurfaceImageTest, IsUploadedOnceAndFailuresAreReported) {
@@ -251,22 +233,26 @@ TEST_F(SurfaceImageTest, IsUploadedOnceAndFailuresAreReported) {
   const Picture before = draw(map);
   {
     GlSpy spy;
-    stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+    stage_.frame();
     const int perFrame = spy.calls("glBufferData");
-    stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+    stage_.frame();
     EXPECT_EQ(spy.calls("glBufferData"), 2 * perFrame);
     setSurface(stage_.renderer, map.width, map.height, map.scale, map.values.data());
-    stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0);
+    stage_.frame();
     EXPECT_EQ(spy.calls("glBufferData"), 3 * perFrame + 3) << "positions, normals and indices";
+    setSurface(stage_.renderer, map.width, map.height, map.scale, map.values.data());
+    spy.failNext("glBufferData", perFrame + 1);
+    stage_.frame();
+    EXPECT_EQ(pendingError().find("An OpenGL error in VolumeRenderer::surface changed occured: "), 0U);
+    clearGLErrors();
+    EXPECT_TRUE(agree(stage_.frame(), before, exact)) << "the next frame uploads it again";
   }
-  uninitializeVolumeRenderer(stage_.renderer);
-  initializeVolumeRenderer(stage_.renderer);
+  stage_.restart();
   apply(scene_, stage_.renderer);
   setSurfaceColormap(stage_.renderer, colors_.data(), static_cast<int>(colors_.size()));
   setSurfaceDepths(stage_.renderer, lower_, upper_);
   setRenderElements(stage_.renderer, 0, 1);
-  EXPECT_TRUE(agree(stage_.frame(scene_.viewportWidth, scene_.viewportHeight, 0), before, {0, 1.0, 0}))
-      << "the mesh outlives its OpenGL objects";
+  EXPECT_TRUE(agree(stage_.frame(), before, exact)) << "the mesh outlives its OpenGL objects";
 }
 
 }  // namespace

@@ -108,11 +108,5 @@ TEST(TextRasteriserTest, AmpersandIsACharacter) {
   EXPECT_GT(rasteriser.rasterise("x & y").width, rasteriser.rasterise("x  y").width + 5);
 }
 
-TEST(TextRasteriserTest, NoPixelsForNoText) {
-  TextRasteriser rasteriser(20, false);
-  EXPECT_EQ(rasteriser.rasterise("").width, 0);
-  EXPECT_TRUE(rasteriser.rasterise("").pixels.empty());
-}
-
 }  // namespace
 }  // namespace oct::test
