@@ -34,11 +34,9 @@ class DeviceErrorsTest : public LiveTest, public testing::WithParamInterface<Fai
     setSizeZ(stage_.source, 8);
   }
 
-  static std::vector<std::string> messages() { return GetParam().messages; }
-
   bool ended() {
     return stage_.framesUntil(
-        [&] { return clientErrors().all().size() >= messages().size() && device_.objects() == 0; });
+        [&] { return clientErrors().all().size() >= GetParam().messages.size() && device_.objects() == 0; });
   }
 
   void play() {
@@ -59,14 +57,14 @@ class DeviceErrorsTest : public LiveTest, public testing::WithParamInterface<Fai
       stage_.start();
       EXPECT_TRUE(ended());
     }
-    EXPECT_EQ(clientErrors().atLeast(messages().size()), messages());
+    EXPECT_EQ(clientErrors().atLeast(failure.messages.size()), failure.messages);
 
     const int before = device_.volumes();
     stage_.start();  // without stopDataSource, where the thread has ended by itself
     EXPECT_EQ(pendingError(), "(none)");
     EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 2 && !stage_.voxels.empty(); }));
     EXPECT_TRUE(uniform(stage_.voxels));
-    EXPECT_EQ(clientErrors().all(), messages());
+    EXPECT_EQ(clientErrors().all(), failure.messages);
   }
 };
 
