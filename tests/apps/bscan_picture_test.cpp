@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "bscan_test_base.h"
+#include "program_test.h"
 
 namespace oct::app::test {
 namespace {
@@ -16,8 +16,9 @@ using Rgb = std::array<int, 3>;
 
 class BscanPicture : public BscanTest {
  protected:
-  void expectPicture(const std::vector<std::string>& further, unsigned width, unsigned height,
+  void expectPicture(const Arguments& further, unsigned width, unsigned height,
                      const std::vector<Rgb>& wanted) {
+    SCOPED_TRACE(testing::PrintToString(further));
     ASSERT_EQ(run(further), 0) << errorText_;
     const Picture picture = readPicture(output_);
     ASSERT_EQ(picture.size.width, width);
@@ -29,19 +30,17 @@ class BscanPicture : public BscanTest {
     }
   }
 
-  void expectGray(const std::vector<std::string>& further, unsigned width, unsigned height,
-                  const std::vector<int>& wanted) {
+  void expectGray(const Arguments& further, unsigned width, unsigned height, const std::vector<int>& wanted) {
     std::vector<Rgb> colors;
     for (const int level : wanted) colors.push_back({level, level, level});
     expectPicture(further, width, height, colors);
   }
 };
 
-const std::vector<std::string> kFullRange{"--range", "0", "255"};
+const Arguments kFullRange{"--range", "0", "255"};
 
-std::vector<std::string> fullRangeAnd(std::vector<std::string> further) {
-  further.insert(further.end(), kFullRange.begin(), kFullRange.end());
-  return further;
+Arguments fullRangeAnd(const Arguments& further) {
+  return joined(further, kFullRange);
 }
 
 // Two rows of depth, three A-scans.
@@ -55,21 +54,12 @@ TEST_F(BscanGradient, RunsDepthDownAndAscansRight) {
   EXPECT_EQ(errorText_, "");
 }
 
-TEST_F(BscanGradient, FlipsDepth) {
+TEST_F(BscanGradient, IsPlacedByItsOptions) {
   expectGray(fullRangeAnd({"--flip"}), 3, 2, {120, 160, 200, 0, 40, 80});
-}
-
-TEST_F(BscanGradient, TakesRowsForAscansWhenAsked) {
   expectGray(fullRangeAnd({"--transpose"}), 2, 3, {0, 120, 40, 160, 80, 200});
-}
-
-TEST_F(BscanGradient, FillsLargerPictures) {
   expectGray(fullRangeAnd({"--size", "6x4"}), 6, 4,
              {0,   0,   40,  40,  80,  80,  0,   0,   40,  40,  80,  80,
               120, 120, 160, 160, 200, 200, 120, 120, 160, 160, 200, 200});
-}
-
-TEST_F(BscanGradient, FollowsTheSpacing) {
   expectGray(fullRangeAnd({"--spacing", "2", "1"}), 3, 4,
              {0, 40, 80, 0, 40, 80, 120, 160, 200, 120, 160, 200});
 }
@@ -89,15 +79,12 @@ TEST_F(BscanGradient, FindsTheRangeByItself) {
   ASSERT_EQ(runBare({"bscan", "--range", "auto", file("in.npy"), "-o", file("out.png")}), 0) << errorText_;
 }
 
-TEST_F(BscanGradient, UsesNamedColourMaps) {
-  const Rgb first{68, 1, 84}, last{253, 231, 37};
+// Named ones and those of a file, through which the background is seen.
+TEST_F(BscanGradient, UsesColourMaps) {
+  const Rgb first{68, 1, 84}, last{253, 231, 37}, background{16, 32, 48}, blue{0, 0, 255};
   expectPicture({"--range", "80", "81", "--colormap", "viridis"}, 3, 2,
                 {first, first, first, last, last, last});
-}
-
-TEST_F(BscanGradient, ShowsTheBackgroundThroughTheMap) {
   writeFile(folder_ / "map.csv", "255,255,255,0\n0,0,255,255\n");
-  const Rgb background{16, 32, 48}, blue{0, 0, 255};
   expectPicture({"--range", "80", "81", "--colormap", file("map.csv"), "--background", "102030"}, 3, 2,
                 {background, background, background, blue, blue, blue});
 }
@@ -116,19 +103,13 @@ TEST_F(BscanPicture, ShowsTheMeanOfSmallSamples) {
   }
 }
 
-TEST_F(BscanPicture, DrawsConstantImagesInTheFirstColour) {
+TEST_F(BscanPicture, DrawsConstantImagesInfinitiesAndDecibels) {
   writeNpy(input_, "2, 2", {7, 7, 7, 7});
   expectGray({}, 2, 2, {0, 0, 0, 0});
-}
-
-TEST_F(BscanPicture, DrawsWhatIsNotFiniteInTheEndColours) {
   const float infinity = std::numeric_limits<float>::infinity();
   const float nan = std::numeric_limits<float>::quiet_NaN();
   writeNpy(input_, "1, 4", {nan, -infinity, infinity, 100});
   expectGray(kFullRange, 4, 1, {0, 0, 255, 100});
-}
-
-TEST_F(BscanPicture, DrawsDecibels) {
   writeNpy(input_, "1, 4", {1, 0.1f, 0.01f, 0});
   expectGray({"--db", "--range", "-40", "0"}, 4, 1, {255, 128, 0, 0});
 }
@@ -165,7 +146,7 @@ class BscanImpulse : public BscanPicture {
   }
 };
 
-TEST_F(BscanImpulse, IsSmoothedOnceByEitherBlur) {
+TEST_F(BscanImpulse, IsSmoothedOnceByEitherBlurAndTwiceByBoth) {
   for (const std::string blur : {"first", "second"}) {
     SCOPED_TRACE(blur);
     ASSERT_EQ(run(fullRangeAnd({"--blur", blur})), 0);
@@ -175,9 +156,6 @@ TEST_F(BscanImpulse, IsSmoothedOnceByEitherBlur) {
     EXPECT_NEAR(level(4, 2), 0.4 * 0.1 * 255, kTolerance);
     EXPECT_EQ(level(4, 1), 0);
   }
-}
-
-TEST_F(BscanImpulse, IsSmoothedTwiceByBoth) {
   ASSERT_EQ(run(fullRangeAnd({"--blur", "both"})), 0);
   EXPECT_NEAR(level(4, 4), 0.26 * 0.26 * 255, kTolerance);
 }
@@ -212,32 +190,26 @@ class BscanOverlay : public BscanPicture {
     writeFile(folder_ / "map.csv", "255,0,0\n0,255,0\n");
   }
 
-  std::vector<std::string> overlayAnd(const std::vector<std::string>& further) {
-    std::vector<std::string> all = fullRangeAnd({"--overlay", file("overlay.npy"), "--overlay-range", "0",
-                                                 "5", "--overlay-colormap", file("map.csv")});
-    all.insert(all.end(), further.begin(), further.end());
-    return all;
+  Arguments overlayAnd(const Arguments& further) {
+    return joined(fullRangeAnd({"--overlay", file("overlay.npy"), "--overlay-range", "0", "5",
+                                "--overlay-colormap", file("map.csv")}),
+                  further);
   }
 };
 
-TEST_F(BscanOverlay, KeepsToBrightSamples) {
+TEST_F(BscanOverlay, IsBlendedByItsOpacityOverBrightSamples) {
   expectPicture(overlayAnd({"--overlay-opacity", "1", "--overlay-threshold", "50"}), 4, 1,
                 {{10, 10, 10}, {20, 20, 20}, {255, 0, 0}, {0, 255, 0}});
-}
-
-TEST_F(BscanOverlay, IsBlendedByItsOpacity) {
   expectPicture(overlayAnd({"--overlay-opacity", "0.2"}), 4, 1,
                 {{59, 8, 8}, {16, 67, 16}, {123, 72, 72}, {80, 131, 80}});
   expectGray(overlayAnd({"--overlay-opacity", "0"}), 4, 1, {10, 20, 90, 100});
-}
-
-TEST_F(BscanOverlay, CoversNegativeSamplesWithoutThreshold) {
+  // Without threshold also over negative samples.
   writeNpy(input_, "1, 4", {-90, -80, -70, -60});
   ASSERT_EQ(run({"--overlay", file("overlay.npy"), "--overlay-colormap", file("map.csv"), "--overlay-opacity",
                  "1"}),
             0);
-  const Picture picture = readPicture(output_);
-  EXPECT_EQ(std::vector<std::uint8_t>(picture.pixels.begin(), picture.pixels.begin() + 3),
+  const std::vector<std::uint8_t> drawn = pixels();
+  EXPECT_EQ(std::vector<std::uint8_t>(drawn.begin(), drawn.begin() + 3),
             (std::vector<std::uint8_t>{255, 0, 0}));
 }
 
@@ -248,19 +220,8 @@ TEST_F(BscanOverlay, TakesTheFrameOfTheBase) {
   expectPicture(overlayAnd({"--overlay-opacity", "1"}), 1, 1, {{255, 0, 0}});
   writeNpy(folder_ / "overlay.npy", "5, 1, 1", {0, 5, 0, 0, 0});  // its own middle frame would be another
   expectPicture(overlayAnd({"--overlay-opacity", "1"}), 1, 1, {{0, 255, 0}});
-}
-
-TEST_F(BscanOverlay, LiesOverEveryFrameWhenItHasOne) {
-  writeNpy(input_, "3, 1, 1", {0, 0, 0});
-  writeNpy(folder_ / "overlay.npy", "1, 1", {5});
+  writeNpy(folder_ / "overlay.npy", "1, 1", {5});  // over every frame
   expectPicture(overlayAnd({"--overlay-opacity", "1", "--frame", "2"}), 1, 1, {{0, 255, 0}});
-}
-
-TEST_F(BscanPicture, ReplacesAnOldPicture) {
-  writeNpy(input_, "1, 1", {255});
-  writeFile(output_, "old");
-  expectGray(kFullRange, 1, 1, {255});
-  EXPECT_EQ(folder_.fileNames().size(), 2u);  // input and output, nothing temporary
 }
 
 TEST_F(BscanPicture, ReportsOutputThatCannotBeWritten) {

@@ -37,28 +37,22 @@ class ImageInput : public testing::Test {
   std::filesystem::path path_ = folder_ / "image";
 };
 
-TEST_F(ImageInput, ReadsGrayPng) {
+TEST_F(ImageInput, ReadsGrayPngOf8And16Bits) {
   const Image image = load(pngBytes(3, 2, 1, {0, 10, 20, 30, 40, 255})).image;
   EXPECT_EQ(image.depth, 2u);
   EXPECT_EQ(image.ascans, 3u);
   EXPECT_EQ(image.samples, (std::vector<float>{0, 30, 10, 40, 20, 255}));
+  const Image wide = load({reinterpret_cast<const char*>(kSixteenBitPng), sizeof kSixteenBitPng}).image;
+  EXPECT_EQ(wide.depth, 2u);
+  EXPECT_EQ(wide.samples, (std::vector<float>{0, 1000, 1, 40000, 256, 65535}));
 }
 
-TEST_F(ImageInput, ReadsSixteenBitPng) {
-  const Image image = load({reinterpret_cast<const char*>(kSixteenBitPng), sizeof kSixteenBitPng}).image;
-  EXPECT_EQ(image.depth, 2u);
-  EXPECT_EQ(image.samples, (std::vector<float>{0, 1000, 1, 40000, 256, 65535}));
-}
-
-TEST_F(ImageInput, TurnsColoursToLuminance) {
+TEST_F(ImageInput, TurnsColoursToLuminanceAndIgnoresTransparency) {
   const Image image = load(pngBytes(4, 1, 3, {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255})).image;
   EXPECT_NEAR(image.samples[0], 0.299 * 255, 1.5);
   EXPECT_NEAR(image.samples[1], 0.587 * 255, 1.5);
   EXPECT_NEAR(image.samples[2], 0.114 * 255, 1.5);
   EXPECT_EQ(image.samples[3], 255);
-}
-
-TEST_F(ImageInput, IgnoresTransparency) {
   EXPECT_EQ(load(pngBytes(2, 1, 2, {50, 0, 60, 255})).image.samples, (std::vector<float>{50, 60}));
 }
 

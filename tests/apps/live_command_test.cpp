@@ -4,39 +4,31 @@
 #include <algorithm>
 #include <regex>
 
-#include "bscan_test_base.h"
 #include "polarization_mode.h"
+#include "program_test.h"
 
 namespace oct::app::test {
 namespace {
 
-class LiveCommand : public BscanTest {
+class LiveCommand : public ProgramTest {
  protected:
   ~LiveCommand() override { EXPECT_EQ(getSimulatedObjectCount(), 0); }
 
   // A small device, a small picture and a short time, unless the test says otherwise.
-  int live(const std::vector<std::string>& further = {}) {
-    std::vector<std::string> arguments{"live"};
+  using ProgramTest::run;
+  int run(const Arguments& further) override {
+    Arguments arguments{"live"};
     const auto add = [&](const std::string& option, const std::string& value) {
-      if (std::ranges::find(further, option) != further.end()) return;
-      arguments.insert(arguments.end(), {option, value});
+      if (std::ranges::find(further, option) == further.end()) arguments = joined(arguments, {option, value});
     };
     add("-o", toUtf8(output_));
     add("--size", "80x60");
     add("--slices", "64");
     add("--ascans", "20");
     add("--bscans", "12");
-    add("--seconds", "0.2");
+    add("--seconds", "0.05");
     if (std::ranges::find(further, "--playback") == further.end()) add("--spectrum", "64");
-    arguments.insert(arguments.end(), further.begin(), further.end());
-    return runBare(arguments);
-  }
-
-  void expectFailure(int code, const std::vector<std::string>& further, const std::string& words) {
-    SCOPED_TRACE(words);
-    EXPECT_EQ(live(further), code) << errorText_;
-    EXPECT_NE(errorText_.find(words), std::string::npos) << errorText_;
-    EXPECT_FALSE(std::filesystem::exists(output_));
+    return runBare(joined(arguments, further));
   }
 
   // The number behind a word of the report.
@@ -47,14 +39,6 @@ class LiveCommand : public BscanTest {
       return -1;
     }
     return std::stod(match[1]);
-  }
-
-  // Red of the picture at a fraction of its width and height, from the top left.
-  int redAt(double x, double y) const {
-    const Picture picture = readPicture(output_);
-    const auto column = static_cast<std::size_t>(x * picture.size.width);
-    const auto row = static_cast<std::size_t>(y * picture.size.height);
-    return picture.pixels[(row * picture.size.width + column) * 3];
   }
 
   // A volume of 8 B-scans, 32 depths and 16 A-scans: 1 where the condition holds.
@@ -73,11 +57,11 @@ class LiveCommand : public BscanTest {
   }
 };
 
-const std::vector<std::string> kFront{"--mode", "maximum", "--angles",   "0",    "0",          "--range",
-                                      "0",      "1",       "--colormap", "gray", "--no-edges", "--no-labels"};
+const Arguments kFront{"--mode", "maximum", "--angles",   "0",    "0",          "--range",
+                       "0",      "1",       "--colormap", "gray", "--no-edges", "--no-labels"};
 
 TEST_F(LiveCommand, ShowsThePhantomAndReports) {
-  ASSERT_EQ(live({"--seconds", "0.6"}), 0) << errorText_;
+  ASSERT_EQ(run({"--seconds", "0.6"}), 0) << errorText_;
   EXPECT_NE(outText_.find("32 x 20 x 12 samples"), std::string::npos) << outText_;
   EXPECT_GE(reported("time:"), 0.6);
   EXPECT_GE(reported("frames:"), 1);
@@ -98,24 +82,20 @@ TEST_F(LiveCommand, ShowsThePhantomAndReports) {
 // the border, beyond which the two read differently.
 TEST_F(LiveCommand, PlaysAVolumeBackAsOctrenderVolumeDrawsIt) {
   writeWhere([](int z, int a, int b) { return z > 3 && z < 16 && a > 1 && a < 12 && b > 1 && b < 6; });
-  std::vector<std::string> arguments = kFront;
-  arguments.insert(arguments.end(),
-                   {"--playback", toUtf8(input_), "--depth", "2", "--width", "3", "--length", "4"});
-  ASSERT_EQ(live(arguments), 0) << errorText_;
+  ASSERT_EQ(
+      run(joined(kFront, {"--playback", toUtf8(input_), "--depth", "2", "--width", "3", "--length", "4"})), 0)
+      << errorText_;
   EXPECT_NE(outText_.find("32 x 16 x 8 samples"), std::string::npos) << outText_;
-  const std::vector<std::uint8_t> shown = readPicture(output_).pixels;
+  const std::vector<std::uint8_t> shown = pixels();
   EXPECT_GT(redAt(0.5, 0.42), 200);
   EXPECT_LT(redAt(0.5, 0.6), 50);
 
-  arguments = {"volume",   toUtf8(input_),
-               "-o",       toUtf8(output_),
-               "--size",   "80x60",
-               "--slices", "64",
-               "--extent", "2",
-               "3",        "4"};
-  arguments.insert(arguments.end(), kFront.begin(), kFront.end());
-  ASSERT_EQ(runBare(arguments), 0) << errorText_;
-  const std::vector<std::uint8_t> wanted = readPicture(output_).pixels;
+  ASSERT_EQ(runBare(joined({"volume", toUtf8(input_), "-o", toUtf8(output_), "--size", "80x60", "--slices",
+                            "64", "--extent", "2", "3", "4"},
+                           kFront)),
+            0)
+      << errorText_;
+  const std::vector<std::uint8_t> wanted = pixels();
   ASSERT_EQ(shown.size(), wanted.size());
   // The uploaded volume has 16 bits, the live one 32.
   int different = 0;
@@ -126,9 +106,8 @@ TEST_F(LiveCommand, PlaysAVolumeBackAsOctrenderVolumeDrawsIt) {
 // Half the depth samples with half the extent: only the bright part is left, and it fills the box.
 TEST_F(LiveCommand, CropsTheDepth) {
   writeBrightAbove(16);
-  std::vector<std::string> arguments = kFront;
-  arguments.insert(arguments.end(), {"--playback", toUtf8(input_), "--depth", "4", "--size-z", "16"});
-  ASSERT_EQ(live(arguments), 0) << errorText_;
+  ASSERT_EQ(run(joined(kFront, {"--playback", toUtf8(input_), "--depth", "4", "--size-z", "16"})), 0)
+      << errorText_;
   EXPECT_NE(outText_.find("16 x 16 x 8 samples"), std::string::npos) << outText_;
   EXPECT_GT(redAt(0.5, 0.45), 200);
   EXPECT_GT(redAt(0.5, 0.55), 200);
@@ -137,19 +116,17 @@ TEST_F(LiveCommand, CropsTheDepth) {
 // The refractive index makes the box flatter: what was bright far from the middle is background.
 TEST_F(LiveCommand, TheRefractiveIndexFlattensTheBox) {
   writeBrightAbove(32);
-  std::vector<std::string> arguments = kFront;
-  arguments.insert(arguments.end(), {"--playback", toUtf8(input_), "--depth", "4"});
-  ASSERT_EQ(live(arguments), 0) << errorText_;
+  const Arguments arguments = joined(kFront, {"--playback", toUtf8(input_), "--depth", "4"});
+  ASSERT_EQ(run(arguments), 0) << errorText_;
   EXPECT_GT(redAt(0.5, 0.4), 200);
-  arguments.insert(arguments.end(), {"--refractive-index", "8"});
-  ASSERT_EQ(live(arguments), 0) << errorText_;
+  ASSERT_EQ(run(joined(arguments, {"--refractive-index", "8"})), 0) << errorText_;
   EXPECT_LT(redAt(0.5, 0.4), 50);
   EXPECT_GT(redAt(0.5, 0.5), 200);
 }
 
 TEST_F(LiveCommand, NumbersItsSnapshots) {
   writeBrightAbove(16);
-  ASSERT_EQ(live({"--snapshots", "3", "--seconds", "0.6", "--playback", toUtf8(input_), "--noise", "0.5"}), 0)
+  ASSERT_EQ(run({"--snapshots", "3", "--seconds", "0.6", "--playback", toUtf8(input_), "--noise", "0.5"}), 0)
       << errorText_;
   EXPECT_FALSE(std::filesystem::exists(output_));
   const Picture first = readPicture(folder_ / "out-000.png");
@@ -168,36 +145,29 @@ TEST_F(LiveCommand, NeedsNoPicture) {
 }
 
 TEST_F(LiveCommand, EveryOptionDraws) {
-  ASSERT_EQ(live(), 0) << errorText_;
-  const std::vector<std::uint8_t> plain = readPicture(output_).pixels;
-  const std::vector<std::vector<std::string>> options{
-      {"--phantom", "retina"},
-      {"--phantom", "mirror", "--mode", "maximum"},
-      {"--phantom", "target", "--ps", "retardation"},
-      {"--phantom", "target", "--ps", "3", "--averaging", "2", "1", "1", "2"},
-      {"--ps", "intensity"},
-      {"--ps", "sensor1", "--seed", "5"},
-      {"--ps", "q", "--threshold", "30"},
-      {"--surface"},
-      {"--analog"},
-      {"--analog", "--analog-channel", "1"},
-      {"--motion", "drift"},
-      {"--motion", "breathing"},
-      {"--seed", "7"},
-      {"--mode", "sections"},
-      {"--colormap", "cividis"},
-      {"--range", "20", "90"},
-      {"--width", "2"},
-      {"--clip", "0.5"}};
-  for (const auto& option : options) {
-    ASSERT_EQ(live(option), 0) << option[0] << ' ' << option.back() << ": " << errorText_;
-    EXPECT_NE(readPicture(output_).pixels, plain) << option[0] << ' ' << option.back();
-  }
+  expectOtherPictures({{"--phantom", "retina"},
+                       {"--phantom", "mirror", "--mode", "maximum"},
+                       {"--phantom", "target", "--ps", "retardation"},
+                       {"--phantom", "target", "--ps", "3", "--averaging", "2", "1", "1", "2"},
+                       {"--ps", "intensity"},
+                       {"--ps", "sensor1", "--seed", "5"},
+                       {"--ps", "q", "--threshold", "30"},
+                       {"--surface"},
+                       {"--analog"},
+                       {"--analog", "--analog-channel", "1"},
+                       {"--motion", "drift", "--seconds", "0.2"},
+                       {"--motion", "breathing", "--seconds", "0.2"},
+                       {"--seed", "7"},
+                       {"--mode", "sections"},
+                       {"--colormap", "cividis"},
+                       {"--range", "20", "90"},
+                       {"--width", "2"},
+                       {"--clip", "0.5"}});
 }
 
 // 240 A-scans per volume: ten volumes per second.
 TEST_F(LiveCommand, KeepsToTheRate) {
-  ASSERT_EQ(live({"--rate", "2400", "--seconds", "0.5"}), 0) << errorText_;
+  ASSERT_EQ(run({"--rate", "2400", "--seconds", "0.5"}), 0) << errorText_;
   EXPECT_LE(reported("acquired:"), 10 * reported("time:") + 2);
 }
 
@@ -222,12 +192,9 @@ TEST_F(LiveCommand, RefusesWhatMakesNoSense) {
   expectFailure(5, {"--size-z", "33"}, "Insufficient memory allocated.");
 }
 
-TEST_F(LiveCommand, NamesALibraryThatIsMissing) {
-  expectFailure(5, {"--device-library", "no_such_device"}, "'no_such_device' cannot be loaded");
-}
-
 // The rendering library has the wrong functions for a device.
-TEST_F(LiveCommand, NamesTheFunctionThatALibraryLacks) {
+TEST_F(LiveCommand, NamesALibraryThatDoesNotServe) {
+  expectFailure(5, {"--device-library", "no_such_device"}, "'no_such_device' cannot be loaded");
   expectFailure(5, {"--device-library", "oct_rendering"}, "has no function \"createSimulatedDevice\"");
 }
 
@@ -237,7 +204,7 @@ TEST_F(LiveCommand, AnErrorOfTheDeviceEndsIt) {
   struct Case {
     const char* function;
     int call;
-    std::vector<std::string> options;
+    Arguments options;
   };
   const std::vector<Case> cases{{"getRawDataEx", 1, {"--range", "0", "60"}},
                                 {"getRawDataEx", 4, {"--range", "0", "60"}},
@@ -248,12 +215,11 @@ TEST_F(LiveCommand, AnErrorOfTheDeviceEndsIt) {
   for (const Case& one : cases) {
     SCOPED_TRACE(one.function);
     failSimulatedCall(one.function, one.call, "The lamp is broken. ");
-    std::vector<std::string> options = one.options;
-    options.insert(options.end(), {"--seconds", "60"});
-    expectFailure(5, options, std::string(one.function) + ": The lamp is broken. ");
+    expectFailure(5, joined(one.options, {"--seconds", "60"}),
+                  std::string(one.function) + ": The lamp is broken. ");
     clearSimulatedFailures();
   }
-  EXPECT_EQ(live(), 0) << errorText_;  // and the next run works
+  EXPECT_EQ(run(), 0) << errorText_;  // and the next run works
 }
 
 TEST(PolarizationMode, NamesAndNumbers) {

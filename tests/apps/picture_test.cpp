@@ -33,9 +33,7 @@ TEST(PictureSizes, FollowTheSpacing) {
   expectSize(naturalPictureSize(496, 768, {3.872, 14.24}), 2824, 496);
   expectSize(naturalPictureSize(512, 1272, {5.75, 3.1}), 1272, 950);
   expectSize(naturalPictureSize(100, 100, {2e-6, 1e-6}), 100, 200);
-}
-
-TEST(PictureSizes, AreLimited) {
+  // Within limits.
   expectSize(naturalPictureSize(1000, 8192, {1, 1}), 4096, 500);
   expectSize(naturalPictureSize(100, 100, {1, 1e6}), 4096, 1);
   expectSize(naturalPictureSize(100, 100, {1e300, 1e-300}), 1, 4096);

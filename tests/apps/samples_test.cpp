@@ -13,11 +13,8 @@ namespace {
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-double quantileOf(std::vector<float> values, double share) {
-  return quantile(values, share);
-}
-
 TEST(Quantile, IsLinearBetweenRanks) {
+  const auto quantileOf = [](std::vector<float> values, double share) { return quantile(values, share); };
   EXPECT_EQ(quantileOf({7}, 0.0), 7);
   EXPECT_EQ(quantileOf({7}, 0.995), 7);
   EXPECT_DOUBLE_EQ(quantileOf({10, 0}, 0.25), 2.5);
@@ -26,39 +23,30 @@ TEST(Quantile, IsLinearBetweenRanks) {
   EXPECT_DOUBLE_EQ(quantileOf({4, 1, 3, 2}, 0.0), 1);
 }
 
-TEST(AutomaticRange, TakesPercentiles) {
+void expectRange(const std::vector<float>& samples, double lower, double upper) {
+  const ValueRange range = automaticRange(samples).value();
+  EXPECT_EQ(range.lower, lower);
+  EXPECT_EQ(range.upper, upper);
+}
+
+TEST(AutomaticRange, TakesPercentilesOfFiniteSamples) {
   std::vector<float> samples(1001);
   for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<float>(i);
   std::shuffle(samples.begin(), samples.end(), std::mt19937(1));
-  const ValueRange range = automaticRange(samples).value();
-  EXPECT_NEAR(range.lower, 10, 1e-9);
-  EXPECT_NEAR(range.upper, 995, 1e-9);
-}
-
-TEST(AutomaticRange, LeavesOutWhatIsNotFinite) {
-  std::vector<float> samples(1001);
-  for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<float>(i);
+  expectRange(samples, 10, 995);
   samples.insert(samples.begin(), 500, kNan);
   samples.insert(samples.begin(), 500, kInfinity);
   samples.insert(samples.end(), 500, -kInfinity);
-  const ValueRange range = automaticRange(samples).value();
-  EXPECT_NEAR(range.lower, 10, 1e-9);
-  EXPECT_NEAR(range.upper, 995, 1e-9);
+  expectRange(samples, 10, 995);
 }
 
 TEST(AutomaticRange, IsNeverEmpty) {
-  const ValueRange constant = automaticRange(std::vector<float>(10, 5.0f)).value();
-  EXPECT_EQ(constant.lower, 5);
-  EXPECT_EQ(constant.upper, 6);
-  const ValueRange single = automaticRange(std::vector<float>{-3}).value();
-  EXPECT_EQ(single.lower, -3);
-  EXPECT_EQ(single.upper, -2);
+  expectRange(std::vector<float>(10, 5.0f), 5, 6);
+  expectRange({-3}, -3, -2);
   // One bright sample in a thousand lies beyond the upper percentile.
   std::vector<float> sparse(1000, 0.0f);
   sparse[123] = 255;
-  const ValueRange range = automaticRange(sparse).value();
-  EXPECT_EQ(range.lower, 0);
-  EXPECT_EQ(range.upper, 255);
+  expectRange(sparse, 0, 255);
 }
 
 TEST(AutomaticRange, NeedsOneFiniteSample) {
@@ -88,12 +76,6 @@ TEST(Decibels, HaveNoValueForWhatIsNotPositive) {
   EXPECT_EQ(samples[4], -kInfinity);
   EXPECT_EQ(samples[5], -kInfinity);
   EXPECT_EQ(samples[6], kInfinity);
-}
-
-TEST(ReplaceNonFinite, UsesTheEndsOfTheRange) {
-  std::vector<float> samples{kNan, -kInfinity, kInfinity, 100};
-  replaceNonFinite(samples, {2, 8});
-  EXPECT_EQ(samples, (std::vector<float>{2, 2, 8, 100}));
 }
 
 }  // namespace

@@ -48,31 +48,22 @@ class TiffReader : public testing::Test {
   std::filesystem::path path_ = folder_ / "image.tif";
 };
 
-TEST_F(TiffReader, ReadsEveryType) {
-  write<std::uint8_t>({}, {0, 1, 2, 3, 4, 255});
-  EXPECT_EQ(load().image.samples, (std::vector<float>{0, 3, 1, 4, 2, 255}));
-  EXPECT_EQ(load().image.depth, 2u);
-
-  write<std::uint16_t>({.bits = 16}, {0, 1, 2, 300, 40000, 65535});
-  EXPECT_EQ(load().image.samples, (std::vector<float>{0, 300, 1, 40000, 2, 65535}));
-
-  write<float>({.bits = 32, .format = SAMPLEFORMAT_IEEEFP}, {-1.5f, 0, 1, 2, 3, 1e20f});
-  EXPECT_EQ(load().image.samples, (std::vector<float>{-1.5f, 2, 0, 3, 1, 1e20f}));
-}
-
-TEST_F(TiffReader, ReadsCompressedAndBigEndianFiles) {
-  write<std::uint16_t>({.bits = 16, .compression = COMPRESSION_LZW}, {0, 1, 2, 300, 40000, 65535}, "wb");
-  EXPECT_EQ(load().image.samples, (std::vector<float>{0, 300, 1, 40000, 2, 65535}));
-}
-
-TEST_F(TiffReader, ReadsFilesWith64BitOffsets) {
-  write<std::uint8_t>({}, {0, 1, 2, 3, 4, 255}, "w8");
-  EXPECT_EQ(load().image.samples, (std::vector<float>{0, 3, 1, 4, 2, 255}));
-}
-
-TEST_F(TiffReader, InvertsWhereZeroIsWhite) {
-  write<std::uint8_t>({.photometric = PHOTOMETRIC_MINISWHITE}, {0, 1, 2, 3, 4, 255});
-  EXPECT_EQ(load().image.samples, (std::vector<float>{255, 252, 254, 251, 253, 0}));
+TEST_F(TiffReader, ReadsEveryTypeAndForm) {
+  const auto expectRead = [&]<class T>(const Page& page, const char* mode, const std::vector<T>& samples,
+                                       const std::vector<float>& wanted) {
+    write(page, samples, mode);
+    EXPECT_EQ(load().image.samples, wanted);
+    EXPECT_EQ(load().image.depth, 2u);
+  };
+  const std::vector<std::uint8_t> bytes{0, 1, 2, 3, 4, 255};
+  expectRead({}, "w", bytes, {0, 3, 1, 4, 2, 255});
+  expectRead({}, "w8", bytes, {0, 3, 1, 4, 2, 255});  // offsets of 64 bits
+  expectRead({.photometric = PHOTOMETRIC_MINISWHITE}, "w", bytes, {255, 252, 254, 251, 253, 0});
+  const std::vector<std::uint16_t> words{0, 1, 2, 300, 40000, 65535};
+  expectRead({.bits = 16}, "w", words, {0, 300, 1, 40000, 2, 65535});
+  expectRead({.bits = 16, .compression = COMPRESSION_LZW}, "wb", words, {0, 300, 1, 40000, 2, 65535});
+  const std::vector<float> numbers{-1.5f, 0, 1, 2, 3, 1e20f};
+  expectRead({.bits = 32, .format = SAMPLEFORMAT_IEEEFP}, "w", numbers, {-1.5f, 2, 0, 3, 1, 1e20f});
 }
 
 TEST_F(TiffReader, PicksAPage) {

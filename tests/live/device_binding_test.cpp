@@ -28,6 +28,12 @@ class DeviceBindingTest : public testing::Test {
     return source != nullptr;
   }
 
+  static PatternDevice& controlOf(const DynamicLibrary& library) {
+    PatternDevice& pattern = *library.function<decltype(patternDevice)>("patternDevice")();
+    pattern.reset();
+    return pattern;
+  }
+
   int object_ = 0;
   OCTDeviceHandle device_ = reinterpret_cast<OCTDeviceHandle>(&object_);
   ProcessingHandle processing_ = reinterpret_cast<ProcessingHandle>(&object_);
@@ -70,10 +76,7 @@ TEST_F(DeviceBindingTest, WithoutPolarizationOnlyItsSourceFails) {
 TEST_F(DeviceBindingTest, LibrariesChangeWithTheNextSource) {
   setDeviceLibrary(OCT_PATTERN_DEVICE);
   const DynamicLibrary library(OCT_PATTERN_DEVICE);
-  const auto control = library.function<decltype(patternDevice)>("patternDevice");
-  ASSERT_NE(control, nullptr);
-  PatternDevice& pattern = *control();
-  pattern.reset();
+  PatternDevice& pattern = controlOf(library);
   pattern.record(true);
   const LiveDataSourceHandle source = createOnlineDataSource(pattern.device(), pattern.processing(0));
   setDeviceLibrary(OCT_STANDARD_PATTERN_DEVICE);
@@ -88,10 +91,7 @@ TEST_F(DeviceBindingTest, LibrariesChangeWithTheNextSource) {
 // By its bare name the module that the process has loaded is found, wherever that lies.
 TEST_F(DeviceBindingTest, ALoadedModuleIsFoundByItsName) {
   const DynamicLibrary library(OCT_DEFAULT_PATTERN_DEVICE);
-  const auto control = library.function<decltype(patternDevice)>("patternDevice");
-  ASSERT_NE(control, nullptr);
-  PatternDevice& pattern = *control();
-  pattern.reset();
+  PatternDevice& pattern = controlOf(library);
   for (const char* const name : {"", "oct_device"}) {
     setDeviceLibrary("no_such_device");
     setDeviceLibrary(name);

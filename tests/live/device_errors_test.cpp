@@ -14,8 +14,8 @@ enum class End { thread, none, restart };  // restart: the error is pending when
 struct Failure {
   const char* function;
   int call;
-  End end;
-  std::vector<std::string> messages;  // empty: "<function> failed" alone
+  End end = End::thread;
+  std::vector<std::string> messages{function + std::string(" failed")};  // all that the client is to hear
 };
 
 void PrintTo(const Failure& failure, std::ostream* stream) {
@@ -34,16 +34,9 @@ class DeviceErrorsTest : public LiveTest, public testing::WithParamInterface<Fai
     setSizeZ(stage_.source, 8);
   }
 
-  // The text of the device's error, or all that the client is to hear.
-  static std::vector<std::string> messages() {
-    const Failure& failure = GetParam();
-    return failure.messages.empty() ? std::vector<std::string>{failure.function + std::string(" failed")}
-                                    : failure.messages;
-  }
-
   bool ended() {
     return stage_.framesUntil(
-        [&] { return clientErrors().all().size() >= messages().size() && device_.objects() == 0; });
+        [&] { return clientErrors().all().size() >= GetParam().messages.size() && device_.objects() == 0; });
   }
 
   void play() {
@@ -64,14 +57,14 @@ class DeviceErrorsTest : public LiveTest, public testing::WithParamInterface<Fai
       stage_.start();
       EXPECT_TRUE(ended());
     }
-    EXPECT_EQ(clientErrors().atLeast(messages().size()), messages());
+    EXPECT_EQ(clientErrors().atLeast(failure.messages.size()), failure.messages);
 
     const int before = device_.volumes();
     stage_.start();  // without stopDataSource, where the thread has ended by itself
     EXPECT_EQ(pendingError(), "(none)");
     EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 2 && !stage_.voxels.empty(); }));
     EXPECT_TRUE(uniform(stage_.voxels));
-    EXPECT_EQ(clientErrors().all(), messages());
+    EXPECT_EQ(clientErrors().all(), failure.messages);
   }
 };
 
@@ -97,41 +90,33 @@ constexpr const char* insufficient = "Insufficient memory allocated.";
 INSTANTIATE_TEST_SUITE_P(
     Live, StandardErrorsTest,
     testing::Values(
-        Failure{"createRawData", 1, End::thread, {}}, Failure{"createData", 1, End::thread, {}},
-        Failure{"startMeasurement", 1, End::thread, {}},
-        Failure{"setProcessedDataOutput", 1, End::thread, {}}, Failure{"getRawDataEx", 1, End::thread, {}},
-        Failure{"getAnalogInputData", 1, End::thread, {}},
+        Failure{"createRawData", 1}, Failure{"createData", 1}, Failure{"startMeasurement", 1},
+        Failure{"setProcessedDataOutput", 1}, Failure{"getRawDataEx", 1}, Failure{"getAnalogInputData", 1},
         // Nothing was processed: there is less than what is to be drawn.
         Failure{"executeProcessing", 1, End::thread, {insufficient, "executeProcessing failed"}},
         Failure{"getDataPropertyInt", 3, End::thread, {insufficient, "getDataPropertyInt failed"}},
         Failure{"getDataPropertyInt", 5, End::thread, {insufficient, "getDataPropertyInt failed"}},
-        Failure{"getDataPropertyFloat", 1, End::none, {}},
-        Failure{"getDataPtr", 1, End::none, {}},  // the analog input's
-        Failure{"getDataPtr", 2, End::none, {}}, Failure{"getDataPtr", 3, End::none, {}},
-        Failure{"createData", 3, End::none, {}}, Failure{"determineSurface", 1, End::none, {}},
-        Failure{"setProcessedDataOutput", 2, End::none, {}}, Failure{"getRawDataEx", 2, End::none, {}},
-        Failure{"executeProcessing", 2, End::none, {}}, Failure{"getAnalogInputData", 2, End::none, {}},
-        Failure{"setDataRange", 1, End::none, {}}, Failure{"getRelativeReferenceIntensity", 1, End::none, {}},
-        Failure{"stopMeasurement", 1, End::restart, {}}),
+        Failure{"getDataPropertyFloat", 1, End::none},
+        Failure{"getDataPtr", 1, End::none},  // the analog input's
+        Failure{"getDataPtr", 2, End::none}, Failure{"getDataPtr", 3, End::none},
+        Failure{"createData", 3, End::none}, Failure{"determineSurface", 1, End::none},
+        Failure{"setProcessedDataOutput", 2, End::none}, Failure{"getRawDataEx", 2, End::none},
+        Failure{"executeProcessing", 2, End::none}, Failure{"getAnalogInputData", 2, End::none},
+        Failure{"setDataRange", 1, End::none}, Failure{"getRelativeReferenceIntensity", 1, End::none},
+        Failure{"stopMeasurement", 1, End::restart}),
     nameOf);
 
 INSTANTIATE_TEST_SUITE_P(
     Live, PolarizationErrorsTest,
-    testing::Values(
-        Failure{"createRawData", 2, End::thread, {}}, Failure{"createComplexData", 1, End::thread, {}},
-        Failure{"createComplexData", 2, End::thread, {}}, Failure{"createData", 1, End::thread, {}},
-        Failure{"startMeasurement", 1, End::thread, {}}, Failure{"getRawDataEx", 1, End::thread, {}},
-        Failure{"getRawDataEx", 2, End::thread, {}}, Failure{"getRawDataEx", 4, End::thread, {}},
-        Failure{"setComplexDataOutput", 3, End::thread, {}}, Failure{"executeProcessing", 3, End::thread, {}},
-        Failure{"setPolarizationOutputDOPU", 2, End::thread, {}},
-        Failure{"setPolarizationFlag", 2, End::thread, {}},
-        Failure{"setPolarizationPropertyFloat", 2, End::thread, {}},
-        Failure{"setPolarizationPropertyInt", 8, End::thread, {}},
-        Failure{"executePolarizationProcessing", 1, End::thread, {}},
-        Failure{"executePolarizationProcessing", 2, End::thread, {}},
-        Failure{"setDataRange", 1, End::thread, {}},
-        Failure{"getRelativeReferenceIntensity", 1, End::thread, {}},
-        Failure{"determineSurface", 1, End::thread, {}}, Failure{"stopMeasurement", 1, End::restart, {}}),
+    testing::Values(Failure{"createRawData", 2}, Failure{"createComplexData", 1},
+                    Failure{"createComplexData", 2}, Failure{"createData", 1}, Failure{"startMeasurement", 1},
+                    Failure{"getRawDataEx", 1}, Failure{"getRawDataEx", 2}, Failure{"getRawDataEx", 4},
+                    Failure{"setComplexDataOutput", 3}, Failure{"executeProcessing", 3},
+                    Failure{"setPolarizationOutputDOPU", 2}, Failure{"setPolarizationFlag", 2},
+                    Failure{"setPolarizationPropertyFloat", 2}, Failure{"setPolarizationPropertyInt", 8},
+                    Failure{"executePolarizationProcessing", 1}, Failure{"executePolarizationProcessing", 2},
+                    Failure{"setDataRange", 1}, Failure{"getRelativeReferenceIntensity", 1},
+                    Failure{"determineSurface", 1}, Failure{"stopMeasurement", 1, End::restart}),
     nameOf);
 
 class DeviceEndsTest : public LiveTest {};
@@ -161,20 +146,18 @@ TEST_F(DeviceEndsTest, CropBeyondTheDeviceEndsTheThread) {
 
 // The device's volumes shrink and grow while it measures.
 TEST_F(DeviceEndsTest, ChangedSizeEndsTheThread) {
-  for (const int kept : {8, 16}) {
-    for (const int size : {12, 32}) {
-      if (kept == 8 && size == 32) continue;  // enough for the part that is kept, if in another place
-      device_.setSize(16, 12, 10);
-      stage_.makeSource();
-      setSizeZ(stage_.source, kept);
-      stage_.start();
-      EXPECT_TRUE(stage_.framesUntilShown());
-      device_.setSize(size, 12, 10);
-      EXPECT_TRUE(stage_.framesUntil([&] { return device_.objects() == 0; }));
-      EXPECT_EQ(clientErrors().atLeast(1).back(), insufficient);
-      clearDataSource(stage_.source);
-      stage_.source = nullptr;
-    }
+  // What is kept and the new size; 8 of 32 would be enough, if in another place.
+  for (const auto& [kept, size] : {std::pair{8, 12}, {16, 12}, {16, 32}}) {
+    device_.setSize(16, 12, 10);
+    stage_.makeSource();
+    setSizeZ(stage_.source, kept);
+    stage_.start();
+    EXPECT_TRUE(stage_.framesUntilShown());
+    device_.setSize(size, 12, 10);
+    EXPECT_TRUE(stage_.framesUntil([&] { return device_.objects() == 0; }));
+    EXPECT_EQ(clientErrors().atLeast(1).back(), insufficient);
+    clearDataSource(stage_.source);
+    stage_.source = nullptr;
   }
 }
 

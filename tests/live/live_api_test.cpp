@@ -3,7 +3,6 @@
 #include <limits>
 
 #include "core/object_lock.h"
-#include "live/brennick_data_source_ps.h"
 #include "live/live_stage.h"
 #include "support/test_context.h"
 #include "volume/volume_renderer.h"
@@ -53,6 +52,12 @@ TEST_F(LiveApiTest, NullHandles) {
       {[] { renderVolume(nullptr); }, invalidRenderer},
       {[] { EXPECT_EQ(getRenderedVolumesPerSec(nullptr), 0.0); }, invalidRenderer},
       {[] { getLiveVolumeRenderingSize(nullptr, nullptr, nullptr, nullptr); }, invalidSource},
+      {[] {
+         unsigned drawn = 7;
+         getLiveVolumeCounts(nullptr, &drawn, nullptr);
+         EXPECT_EQ(drawn, 7u);
+       },
+       invalidRenderer},
       {[] { setSizeZ(nullptr, 0); }, invalidSource},
       {[] { setRefIntensityCallback(nullptr, nullptr); }, invalidSource},
       {[] { setErrorCallback(nullptr, nullptr); }, invalidSource},
@@ -99,38 +104,19 @@ TEST_F(LiveApiTest, Misuse) {
   EXPECT_EQ(lockedObjectCount(), 0U);
 }
 
-TEST_F(LiveApiTest, PolarizationSettings) {
-  stage_.makeSource();
-  const LiveDataSourceHandle standard = stage_.source;
+// A standard source takes the settings of the other kind and does nothing with them.
+TEST_F(LiveApiTest, SettingsOfTheOtherKindOfSource) {
   stage_.makePolarizationSource();
-  const auto& polarization =
-      *static_cast<BrennickDataSource_PS*>(reinterpret_cast<AbstractDataSource*>(stage_.source));
-  for (const LiveDataSourceHandle source : {standard, stage_.source}) {
-    selectOnlineDataSource_PS(source, 42);
-    setOnlineAveraging_PS(source, 0, -1, 2, 3);
-    setOnlineDOPU_PS(source, 2, 3, 4, -9);
-    setOnlineDataThreshold_PS(source, -3.5, true);
-    EXPECT_EQ(pendingError(), "(none)");
-  }
-  PolarizationSettings settings = polarization.settings();
-  EXPECT_EQ(static_cast<int>(settings.output_mode), 42);
-  EXPECT_EQ(
-      (std::array{settings.averaging_a, settings.averaging_b, settings.averaging_c, settings.averaging_d}),
-      (std::array{1, 1, 2, 3}));
-  EXPECT_EQ((std::array{settings.dopu_a, settings.dopu_b, settings.dopu_c, settings.dopu_d}),
-            (std::array{2, 3, 4, -9}));
-  EXPECT_EQ(settings.threshold, -3.5);
-  EXPECT_TRUE(settings.threshold_enabled);
-  setOnlineDOPU_PS(stage_.source, 9, 2, 9, 0);
-  settings = polarization.settings();
-  EXPECT_EQ((std::array{settings.dopu_a, settings.dopu_b, settings.dopu_c}), (std::array{3, 2, 9}));
-
   EXPECT_EQ(errorOf([&] { setOnlineAnalogInputConfiguration(stage_.source, true); }),
             "Analog input not supported in PS Live mode.");
   EXPECT_EQ(errorOf([&] { setOnlineAnalogInputConfiguration(stage_.source, false); }), "(none)");
-  // What a standard source was given beside has changed nothing.
   clearDataSource(stage_.source);
-  stage_.source = standard;
+  stage_.makeSource();
+  selectOnlineDataSource_PS(stage_.source, 42);
+  setOnlineAveraging_PS(stage_.source, 0, -1, 2, 3);
+  setOnlineDOPU_PS(stage_.source, 2, 3, 4, -9);
+  setOnlineDataThreshold_PS(stage_.source, -3.5, true);
+  EXPECT_EQ(pendingError(), "(none)");
   device_.record(true);
   stage_.run(2);
   EXPECT_EQ(device_.calls().find("olarization"), std::string::npos);

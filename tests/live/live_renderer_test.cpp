@@ -289,37 +289,28 @@ TEST_F(LiveRendererTest, WithoutAContextAFrameFails) {
 
 // ---- Faults
 
-TEST_F(LiveRendererTest, NoBufferWhileInitialising) {
+// While it initialises, in a frame, and when a buffer's memory is lost.
+TEST_F(LiveRendererTest, AFrameWithoutItsBufferIsFollowedByOneWithIt) {
   spy_.failNext("glMapBuffer");
-  failedMaps_ = 1;
   runIt();
   live_.wait_for_transition();
   EXPECT_EQ(live_.get_data_ptr(), nullptr);
   live_.render();
   produce(1.0F);
-}
-
-TEST_F(LiveRendererTest, NoBufferInAFrame) {
-  runIt();
-  produce(1.0F);
   live_.render();
   spy_.failNext("glMapBuffer");
-  failedMaps_ = 1;
+  failedMaps_ = 2;
   EXPECT_EQ(thrown([&] { live_.render(); }), "This is an error.");
   live_.render();
   produce(2.0F);
-}
-
-TEST_F(LiveRendererTest, ALostVolumeIsNotShown) {
-  runIt();
-  produce(1.0F);
+  const int uploads = spy_.calls("glTexSubImage3D");
   spy_.failNext("glUnmapBuffer");
   live_.render();
-  EXPECT_EQ(spy_.calls("glTexSubImage3D"), 1) << "the one of the allocation";
+  EXPECT_EQ(spy_.calls("glTexSubImage3D"), uploads) << "a lost volume is not shown";
   live_.render();
-  produce(2.0F);
+  produce(3.0F);
   live_.render();
-  EXPECT_EQ(spy_.calls("glTexSubImage3D"), 2);
+  EXPECT_EQ(spy_.calls("glTexSubImage3D"), uploads + 1);
 }
 
 // Wherever OpenGL fails, the next frame tries again and whoever waits gets its turn.

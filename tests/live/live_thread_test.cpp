@@ -137,25 +137,6 @@ TEST_F(LiveThreadTest, SourcesComeAndGo) {
   EXPECT_EQ(device_.objects(), 0);
 }
 
-TEST_F(LiveThreadTest, TwoSourcesAlternate) {
-  fillPictures();
-  stage_.makeSource();
-  const LiveDataSourceHandle other = stage_.source;
-  setSizeZ(other, 5);
-  stage_.makeSource();
-  drawWhile({[&] {
-    Pauses pauses(4);
-    for (int i = 0; i < 60; ++i) {
-      const LiveDataSourceHandle source = i % 2 ? other : stage_.source;
-      startDataSource(stage_.live, source, device_.scanPattern());
-      pauses.upTo(microseconds(i % 5 == 0 ? 40'000 : 2000));
-      stopDataSource(source);
-    }
-  }});
-  clearDataSource(other);
-  EXPECT_GT(shown_, 5);
-}
-
 TEST_F(LiveThreadTest, SettersWhileRunning) {
   fillPictures();
   stage_.makePolarizationSource();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include "live/pattern_state.h"
 
@@ -23,39 +24,20 @@ struct Fixed {
 };
 Fixed fixed;
 
-PatternState& state() {
-  return patternState();
-}
-
 class Control : public PatternDevice {
  public:
   Control() { Control::reset(); }
 
   void reset() override {
     release();
-    const std::lock_guard lock(state().mutex);
-    PatternState& s = state();
-    s.names = {{&fixed.polarization, "polarization"}, {&fixed.scanPattern, "scan"}};
-    for (int i = 0; i < devices; ++i) {
-      s.names[&fixed.device[i]] = "device" + (i > 0 ? std::to_string(i) : "");
-      s.names[&fixed.processing[i]] = "processing" + std::to_string(i);
-    }
-    s.made.clear();
-    s.objects.clear();
-    s.misuses = s.acquired = 0;
-    s.size[0] = 16, s.size[1] = 12, s.size[2] = 10;
-    s.volume.clear();
-    s.analog.clear();
-    s.surface.clear();
-    s.channels = 2;
-    s.failures.clear();
-    s.recording = false;
-    s.measuring.clear();
-    s.calls.clear();
-    s.error.clear();
-    s.dataOutputs.clear();
-    s.complexOutputs.clear();
-    s.polarizationOutput = nullptr;
+    locked([](PatternState& state) {
+      static_cast<PatternSettings&>(state) = {};
+      state.names = {{&fixed.polarization, "polarization"}, {&fixed.scanPattern, "scan"}};
+      for (int i = 0; i < devices; ++i) {
+        state.names[&fixed.device[i]] = "device" + (i > 0 ? std::to_string(i) : "");
+        state.names[&fixed.processing[i]] = "processing" + std::to_string(i);
+      }
+    });
   }
 
   OCTDeviceHandle device(int number) override {
@@ -70,56 +52,56 @@ class Control : public PatternDevice {
   ScanPatternHandle scanPattern() override { return reinterpret_cast<ScanPatternHandle>(&fixed.scanPattern); }
 
   void setSize(int size1, int size2, int size3) override {
-    const std::lock_guard lock(state().mutex);
-    state().size[0] = size1, state().size[1] = size2, state().size[2] = size3;
+    locked([=](PatternState& state) { state.size[0] = size1, state.size[1] = size2, state.size[2] = size3; });
   }
   void setVolume(const float* samples) override {
-    const std::lock_guard lock(state().mutex);
-    state().volume.assign(samples, samples + (samples ? voxels() : 0));
+    locked([=](PatternState& state) {
+      state.volume.assign(samples, samples + (samples ? aScans() * state.size[0] : 0));
+    });
   }
   void setAnalog(int channels, const float* samples) override {
-    const std::lock_guard lock(state().mutex);
-    state().channels = channels;
-    state().analog.assign(samples, samples + channels * aScans());
+    locked([=](PatternState& state) {
+      state.channels = channels;
+      state.analog.assign(samples, samples + channels * aScans());
+    });
   }
   void setSurface(const float* depths) override {
-    const std::lock_guard lock(state().mutex);
-    state().surface.assign(depths, depths + aScans());
+    locked([=](PatternState& state) { state.surface.assign(depths, depths + aScans()); });
   }
 
   void fail(const char* function, int call) override {
-    const std::lock_guard lock(state().mutex);
-    state().failures[function] = {call, 0};
+    locked([=](PatternState& state) { state.failures[function] = {call, 0}; });
   }
-  void hold(const char* function, int after) override { state().hold(function, after); }
+  void hold(const char* function, int after) override { patternState().hold(function, after); }
   bool held() override {
-    const std::lock_guard lock(state().mutex);
-    return state().waiting > 0;
+    return locked([](PatternState& state) { return state.waiting > 0; });
   }
-  void release() override { state().hold({}, 0); }
+  void release() override { patternState().hold({}, 0); }
 
   void record(bool enabled) override {
-    const std::lock_guard lock(state().mutex);
-    if (enabled) state().calls.clear();
-    state().recording = enabled;
+    locked([=](PatternState& state) {
+      if (enabled) state.calls.clear();
+      state.recording = enabled;
+    });
   }
-  std::string calls() override { return read(state().calls); }
-  int volumes() override { return read(state().acquired); }
+  std::string calls() override {
+    return locked([](PatternState& state) { return state.calls; });
+  }
+  int volumes() override {
+    return locked([](PatternState& state) { return state.acquired; });
+  }
   int objects() override {
-    const std::lock_guard lock(state().mutex);
-    return static_cast<int>(state().objects.size());
+    return locked([](PatternState& state) { return static_cast<int>(state.objects.size()); });
   }
-  int misuses() override { return read(state().misuses); }
+  int misuses() override {
+    return locked([](PatternState& state) { return state.misuses; });
+  }
 
  private:
-  static std::ptrdiff_t aScans() { return std::ptrdiff_t{state().size[1]} * state().size[2]; }
-  static std::ptrdiff_t voxels() { return aScans() * state().size[0]; }
-  template <class T>
-  static T read(const T& value) {
-    const std::lock_guard lock(state().mutex);
-    return value;
-  }
+  static std::ptrdiff_t aScans() { return std::ptrdiff_t{patternState().size[1]} * patternState().size[2]; }
 };
+
+}  // namespace
 
 void resize(OctData& data, int size1, int size2, int size3) {
   data.size[0] = size1, data.size[1] = size2, data.size[2] = size3;
@@ -134,8 +116,6 @@ void copyOrClear(const std::vector<float>& source, std::vector<float>& target) {
     std::copy_n(source.begin(), std::min(source.size(), target.size()), target.begin());
   }
 }
-
-}  // namespace
 
 void PatternState::fill(OctData& data, int number, int shownQuantity) {
   const std::lock_guard lock(mutex);
@@ -152,7 +132,9 @@ void PatternState::fill(OctData& data, int number, int shownQuantity) {
 }  // namespace oct::test
 
 using oct::test::entered;
+using oct::test::locked;
 using oct::test::patternState;
+using oct::test::PatternState;
 
 oct::test::PatternDevice* patternDevice() {
   static oct::test::Control control;
@@ -186,71 +168,60 @@ void clearData(DataHandle data) {
 
 void startMeasurement(OCTDeviceHandle device, ScanPatternHandle pattern, int mode) {
   if (!entered("startMeasurement", device, pattern, mode)) return;
-  bool first = false;
-  {
-    const std::lock_guard lock(patternState().mutex);
-    first = patternState().measuring.insert(device).second;
-  }
+  const bool first = locked([=](PatternState& state) { return state.measuring.insert(device).second; });
   if (!first) patternState().raise("startMeasurement while measuring");
 }
 
 void stopMeasurement(OCTDeviceHandle device) {
   if (!entered("stopMeasurement", device)) return;
-  const std::lock_guard lock(patternState().mutex);
-  patternState().measuring.erase(device);
+  locked([=](PatternState& state) { state.measuring.erase(device); });
 }
 
 int isError(void) {
   entered("isError");
-  const std::lock_guard lock(patternState().mutex);
-  return patternState().error.empty() ? 0 : 1;
+  return locked([](PatternState& state) { return state.error.empty() ? 0 : 1; });
 }
 
 int getError(char* buffer, int size) {
   entered("getError", size);
-  const std::lock_guard lock(patternState().mutex);
-  std::snprintf(buffer, static_cast<std::size_t>(size), "%s", patternState().error.c_str());
-  const bool pending = !patternState().error.empty();
-  patternState().error.clear();
-  return pending ? 1 : 0;
+  const std::string error = locked([](PatternState& state) { return std::exchange(state.error, {}); });
+  std::snprintf(buffer, static_cast<std::size_t>(size), "%s", error.c_str());
+  return error.empty() ? 0 : 1;
 }
 
 // Both sensors give the same volume, sensor 0 first.
 void getRawDataEx(OCTDeviceHandle device, RawDataHandle raw, int camera) {
   if (!entered("getRawDataEx", device, raw, camera)) return;
-  const std::lock_guard lock(patternState().mutex);
-  raw->camera = camera;
-  raw->volume = camera == 0 ? patternState().acquired++ : patternState().acquired - 1;
+  locked([=](PatternState& state) {
+    raw->camera = camera;
+    raw->volume = camera == 0 ? state.acquired++ : state.acquired - 1;
+  });
 }
 
 void getAnalogInputData(OCTDeviceHandle device, DataHandle data) {
   if (!entered("getAnalogInputData", device, data)) return;
-  oct::test::PatternState& state = patternState();
-  const std::lock_guard lock(state.mutex);
-  oct::test::resize(*data, state.channels, state.size[1], state.size[2]);
-  oct::test::copyOrClear(state.analog, data->samples);
+  locked([=](PatternState& state) {
+    oct::test::resize(*data, state.channels, state.size[1], state.size[2]);
+    oct::test::copyOrClear(state.analog, data->samples);
+  });
 }
 
 void setProcessedDataOutput(ProcessingHandle processing, DataHandle data) {
   if (!entered("setProcessedDataOutput", processing, data)) return;
-  const std::lock_guard lock(patternState().mutex);
-  patternState().dataOutputs[processing] = data;
+  locked([=](PatternState& state) { state.dataOutputs[processing] = data; });
 }
 
 void executeProcessing(ProcessingHandle processing, RawDataHandle raw) {
   if (!entered("executeProcessing", processing, raw)) return;
-  oct::test::PatternState& state = patternState();
-  OctData* data = nullptr;
-  {
-    const std::lock_guard lock(state.mutex);
+  DataHandle const data = locked([=](PatternState& state) {
     const ComplexDataHandle complex = state.complexOutputs[processing];
     if (complex && state.names.contains(complex)) complex->volume = raw->volume;
-    data = state.dataOutputs[processing];
-    if (data && !state.names.contains(data)) data = nullptr;
-  }
+    const DataHandle output = state.dataOutputs[processing];
+    return output && state.names.contains(output) ? output : nullptr;
+  });
   using oct::test::PatternDevice;
-  if (data)
-    state.fill(*data, raw->volume, raw->camera == 0 ? PatternDevice::sensor0 : PatternDevice::sensor1);
+  const int sensor = raw->camera == 0 ? PatternDevice::sensor0 : PatternDevice::sensor1;
+  if (data) patternState().fill(*data, raw->volume, sensor);
 }
 
 int getDataPropertyInt(DataHandle data, int property) {
@@ -270,13 +241,6 @@ void setDataRange(DataHandle data, double range1, double range2, double range3) 
 
 float* getDataPtr(DataHandle data) {
   return entered("getDataPtr", data) && !data->samples.empty() ? data->samples.data() : nullptr;
-}
-
-void determineSurface(DataHandle volume, DataHandle surface) {
-  if (!entered("determineSurface", volume, surface)) return;
-  const std::lock_guard lock(patternState().mutex);
-  oct::test::resize(*surface, volume->size[1], volume->size[2], 1);
-  oct::test::copyOrClear(patternState().surface, surface->samples);
 }
 
 double getRelativeReferenceIntensity(OCTDeviceHandle device, ProcessingHandle processing) {

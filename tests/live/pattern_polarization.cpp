@@ -2,7 +2,9 @@
 #include "live/pattern_state.h"
 
 using oct::test::entered;
+using oct::test::locked;
 using oct::test::patternState;
+using oct::test::PatternState;
 
 ComplexDataHandle createComplexData(void) {
   return entered("createComplexData") ? patternState().make<OctComplexData>("complex") : nullptr;
@@ -14,16 +16,13 @@ void clearComplexData(ComplexDataHandle data) {
 
 void setComplexDataOutput(ProcessingHandle processing, ComplexDataHandle data) {
   if (!entered("setComplexDataOutput", processing, data)) return;
-  const std::lock_guard lock(patternState().mutex);
-  patternState().complexOutputs[processing] = data;
+  locked([=](PatternState& state) { state.complexOutputs[processing] = data; });
 }
 
-#define OCT_OUTPUT(function, number)                                        \
-  void function(PolarizationProcessingHandle processing, DataHandle data) { \
-    if (!entered(#function, processing, data)) return;                      \
-    const std::lock_guard lock(patternState().mutex);                       \
-    patternState().polarizationOutput = data;                               \
-    patternState().quantity = number;                                       \
+#define OCT_OUTPUT(function, number)                                                                \
+  void function(PolarizationProcessingHandle processing, DataHandle data) {                         \
+    if (!entered(#function, processing, data)) return;                                              \
+    locked([=](PatternState& state) { state.polarizationOutput = data, state.quantity = number; }); \
   }
 OCT_OUTPUT(setPolarizationOutputI, oct::test::PatternDevice::intensity)
 OCT_OUTPUT(setPolarizationOutputRetardation, 1)

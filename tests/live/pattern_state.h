@@ -27,23 +27,18 @@ struct OctComplexData {
 
 namespace oct::test {
 
-struct PatternState {
-  std::mutex mutex;
-  std::condition_variable condition;
+// What a reset makes as at first.
+struct PatternSettings {
   std::map<const void*, std::string> names;              // of the objects that are alive
   std::map<const void*, std::shared_ptr<void>> objects;  // those of them that clients create
   std::map<std::string, int> made;
   int misuses = 0;
-  int size[3] = {};
+  int size[3] = {16, 12, 10};
   std::vector<float> volume;
-  int channels = 0;
+  int channels = 2;
   std::vector<float> analog;
   std::vector<float> surface;
   std::map<std::string, std::pair<int, int>> failures;  // which call, and how many have been seen
-  std::string held;
-  int permits = 0;
-  int waiting = 0;  // since the latest hold
-  int holds = 0;
   bool recording = false;
   std::string calls;
   std::string error;
@@ -53,6 +48,15 @@ struct PatternState {
   std::map<ProcessingHandle, ComplexDataHandle> complexOutputs;
   DataHandle polarizationOutput = nullptr;
   int quantity = 0;
+};
+
+struct PatternState : PatternSettings {
+  std::mutex mutex;
+  std::condition_variable condition;
+  std::string held;
+  int permits = 0;
+  int waiting = 0;  // since the latest hold
+  int holds = 0;
 
   template <class Object>
   Object* make(const char* kind) {
@@ -102,6 +106,16 @@ struct PatternState {
 };
 
 PatternState& patternState();
+
+// Does something with the state while no other thread does.
+template <class Action>
+auto locked(Action action) {
+  const std::lock_guard lock(patternState().mutex);
+  return action(patternState());
+}
+
+void resize(OctData& data, int size1, int size2, int size3);
+void copyOrClear(const std::vector<float>& source, std::vector<float>& target);
 
 // One call of a device function: notes it, waits while it is held. True when the function shall do its work.
 template <class... Arguments>

@@ -16,28 +16,16 @@
 namespace oct::simulator::test {
 namespace {
 
-std::shared_ptr<Data> measureData(Device& device, const ScanPattern& pattern) {
-  RawData raw;
-  device.start(pattern, 0);
-  device.acquire(raw, 0);
-  device.stop();
-  auto data = std::make_shared<Data>();
-  Processing processing(device.calibration());
-  processing.setOutput(data);
-  processing.execute(raw);
-  return data;
-}
-
 TEST(Surface, OfTheFingerPadIsFoundWithinAFewSamples) {
   const FingerPad finger(3);
   Device device(standardSpectrometer(), std::make_shared<FingerPad>(3), 3);
   const ScanPattern pattern(150, 4, 4.0, 3.0);
-  const auto volume = measureData(device, pattern);
+  const auto volume = measure(device, pattern);
   Data surface;
-  findSurface(*volume, surface);
+  findSurface(volume.data(), surface);
   ASSERT_EQ(surface.sizes(), (std::array{150, 4, 1}));
   EXPECT_EQ(surface.rangesMm(), (std::array{4.0, 3.0, 0.0}));
-  const double cellMm = volume->rangesMm()[0] / volume->sizes()[0];
+  const double cellMm = volume.cellMm();
   int beside = 0, off = 0;
   double sum = 0.0;
   for (int bScan = 0; bScan < 4; ++bScan)
@@ -58,25 +46,25 @@ TEST(Surface, OfTheFingerPadIsFoundWithinAFewSamples) {
 TEST(Surface, OfAMirrorIsItsPeakInSpiteOfSideLobes) {
   Device device(standardSpectrometer(), std::make_shared<Mirror>(1.0, 0.02, 0.2f), 3);
   const ScanPattern pattern(64, 1, 1.0, 1.0);
-  const auto volume = measureData(device, pattern);
+  const auto volume = measure(device, pattern);
   Data surface;
-  findSurface(*volume, surface);
-  const double cellMm = volume->rangesMm()[0] / volume->sizes()[0];
+  findSurface(volume.data(), surface);
+  const double cellMm = volume.cellMm();
   for (int aScan = 0; aScan < 64; ++aScan)
     EXPECT_NEAR(surface.samples()[aScan], 1.0 + 0.02 * pattern.xMm(aScan), 0.6 * cellMm) << aScan;
 }
 
 TEST(Surface, CountsWithTheRangeOfTheVolumeAndIsTheWholeRangeWhereThereIsNone) {
   Device device(standardSpectrometer(), std::make_shared<UniformPhantom>(0.0f), 3);
-  const auto volume = measureData(device, ScanPattern(40, 2, 1.0, 1.0));
-  for (int i = 0; i < 30; ++i) volume->samples()[1024 * 7 + 512 + i] += 60.0f;
-  volume->setRanges({2.0, 1.0, 1.0});
+  const auto volume = measure(device, ScanPattern(40, 2, 1.0, 1.0));
+  for (int i = 0; i < 30; ++i) volume.data().samples()[1024 * 7 + 512 + i] += 60.0f;
+  volume.data().setRanges({2.0, 1.0, 1.0});
   Data surface;
-  findSurface(*volume, surface, 1);
+  findSurface(volume.data(), surface, 1);
   for (int index = 0; index < 80; ++index)
     EXPECT_NEAR(surface.samples()[index], index == 7 ? 1.0 : 2.0, index == 7 ? 0.03 : 0.0) << index;
   Data again;
-  findSurface(*volume, again, 5);
+  findSurface(volume.data(), again, 5);
   EXPECT_EQ(surface.samples(), again.samples());
 }
 
@@ -91,7 +79,7 @@ TEST(Surface, RefusesEmptyAndIdenticalData) {
 }
 
 class AnalogSignals : public testing::Test {
-protected:
+ protected:
   /// Acquires one volume and reads its analog input.
   void next(Data& data) {
     device_.acquire(raw_, 0);
@@ -155,8 +143,8 @@ TEST_F(AnalogSignals, GlowMovesWithThePhantom) {
     const double seconds = 1e-3 + aScan * 1e-5;
     const Motion motion(Motion::Kind::kDrift, kAmplitude, 4e-3);
     const auto place = motion.place(pattern.xMm(aScan), pattern.yMm(0), seconds);
-    EXPECT_NEAR(place.xMm, pattern.xMm(aScan) - kAmplitude * std::sin(2.0 * std::numbers::pi * seconds / 4e-3),
-                1e-9);
+    EXPECT_NEAR(place.xMm,
+                pattern.xMm(aScan) - kAmplitude * std::sin(2.0 * std::numbers::pi * seconds / 4e-3), 1e-9);
     change = std::max(change, std::abs(channel(data, 0, aScan) - channel(rest, 0, aScan)));
     error = std::max(error, std::abs(channel(data, 1, aScan) - channel(rest, 1, aScan)));
   }

@@ -9,14 +9,14 @@ namespace {
 /// Through three neighbouring samples at -1, 0 and 1. In decibels the device's response is a parabola near
 /// its peak.
 class Parabola {
-public:
+ public:
   Parabola(double left, double middle, double right)
       : level_(middle), slope_(0.5 * (right - left)), curve_(0.5 * (left + right) - middle) {}
 
   double at(double x) const { return level_ + slope_ * x + curve_ * x * x; }
   double vertex() const { return -0.5 * slope_ / curve_; }
 
-private:
+ private:
   double level_;
   double slope_;
   double curve_;
@@ -83,6 +83,8 @@ Volume measure(Device& device, const ScanPattern& pattern) {
   return process(device.calibration(), raw);
 }
 
-Spectrometer standardSpectrometer() { return Spectrometer(2048, 1300.0, 3.6); }
+Spectrometer standardSpectrometer() {
+  return Spectrometer(2048, 1300.0, 3.6);
+}
 
 }  // namespace oct::simulator::test

@@ -16,22 +16,24 @@ namespace oct::simulator::test {
 
 /// A phantom whose scattering is the same everywhere.
 class UniformPhantom : public Phantom {
-public:
+ public:
   explicit UniformPhantom(float scattering) : scattering_(scattering) {}
   void describe(double, double, double, DepthProfile& profile) const override;
 
-private:
+ private:
   float scattering_;
 };
 
 /// A processed volume with the access tests need.
 class Volume {
-public:
+ public:
   explicit Volume(const std::shared_ptr<Data>& data) : data_(data) {}
 
+  Data& data() const { return *data_; }
   int depths() const { return data_->sizes()[0]; }
   int aScans() const { return data_->sizes()[1]; }
   int bScans() const { return data_->sizes()[2]; }
+  const std::vector<float>& samples() const { return data_->samples(); }
   double cellMm() const { return data_->rangesMm()[0] / depths(); }
   float at(int depth, int aScan, int bScan = 0) const;
 
@@ -44,7 +46,7 @@ public:
   /// Mean power over all A-scans in a range of depths.
   double meanPower(int firstDepth, int lastDepth) const;
 
-private:
+ private:
   std::shared_ptr<Data> data_;
 };
 

@@ -1,121 +1,87 @@
 // Recordings in place of a phantom.
 
-#include "oct_device/oct_device.h"
-#include "oct_device/oct_simulator.h"
-#include "recording.h"
-
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <cmath>
 #include <limits>
-#include <string>
-#include <vector>
+#include <optional>
 
+#include "device_objects.h"
+#include "recording.h"
+
+namespace oct::simulator::test {
 namespace {
-
-std::string pendingError() {
-  char text[512] = "unchanged";
-  return getError(text, sizeof text) ? text : "";
-}
 
 constexpr int kVolumes = 3, kBScans = 4, kAScans = 5, kDepths = 6;
 constexpr int kSamples = kBScans * kAScans * kDepths;
 
 /// Samples that tell volume and place.
-std::vector<float> samplesOf(int volumes) {
+std::vector<float> numbered(int volumes, int firstVolume = 0) {
   std::vector<float> samples;
-  for (int n = 0; n < volumes * kSamples; ++n) samples.push_back(static_cast<float>(n));
+  for (int n = firstVolume * kSamples; n < (firstVolume + volumes) * kSamples; ++n)
+    samples.push_back(static_cast<float>(n));
   return samples;
 }
 
-class Playback : public testing::Test {
+class Playback : public DeviceObjectsTest {
  protected:
-  void SetUp() override {
-    pendingError();
-    raw_ = createRawData();
-    data_ = createData();
-  }
+  /// Starts to play so many volumes of numbered samples.
+  void open(int volumes) { open(numbered(volumes), {kDepths, kAScans, kBScans}, volumes, 0.0, 1); }
 
-  void TearDown() override {
-    clearData(data_);
-    clearRawData(raw_);
-    clearSimulatedScanPattern(pattern_);
-    clearSimulatedProcessing(processing_);
-    clearSimulatedDevice(device_);
-    EXPECT_EQ(pendingError(), "");
-    EXPECT_EQ(getSimulatedObjectCount(), 0);
-  }
-
-  void open(const std::vector<float>& samples, int volumes, double noise = 0.0, unsigned seed = 1) {
-    open(samples, {kDepths, kAScans, kBScans}, volumes, noise, seed);
-  }
-
-  void open(const std::vector<float>& samples, std::array<int, 3> sizes, int volumes, double noise,
-            unsigned seed) {
-    if (device_) {
-      clearSimulatedScanPattern(pattern_);
-      clearSimulatedProcessing(processing_);
-      clearSimulatedDevice(device_);
-    }
-    device_ = createSimulatedPlayback(samples.data(), sizes[0], sizes[1], sizes[2], volumes, 2.5, 3.0, 4.0,
-                                      noise, seed);
-    processing_ = createSimulatedProcessing(device_);
-    pattern_ = createSimulatedScanPattern(device_, 100, 100, 1.0, 1.0);
-    setProcessedDataOutput(processing_, data_);
-    startMeasurement(device_, pattern_, 0);
+  void open(const std::vector<float>& samples, const Sizes& sizes, int volumes, double noise, unsigned seed) {
+    scan_.emplace(createSimulatedPlayback(samples.data(), sizes[0], sizes[1], sizes[2], volumes, 2.5, 3.0,
+                                          4.0, noise, seed),
+                  100, 100, 1.0, 1.0);
+    setProcessedDataOutput(scan_->processing, data_);
+    startMeasurement(scan_->device, scan_->pattern, 0);
     ASSERT_EQ(pendingError(), "");
   }
 
   std::vector<float> next() {
-    getRawDataEx(device_, raw_, 0);
-    executeProcessing(processing_, raw_);
+    getRawDataEx(scan_->device, raw_, 0);
+    executeProcessing(scan_->processing, raw_);
     EXPECT_EQ(pendingError(), "");
-    const float* const samples = getDataPtr(data_);
-    const auto bytes = static_cast<std::size_t>(getDataPropertyInt(data_, OCT_DATA_BYTE_COUNT));
-    return {samples, samples + bytes / sizeof(float)};
+    return samplesOf(data_);
   }
 
-  /// The next volume is this one of those that samplesOf() gives.
+  std::vector<float> nextAnalog() {
+    getRawDataEx(scan_->device, raw_, 0);
+    getAnalogInputData(scan_->device, data_);
+    EXPECT_EQ(pendingError(), "");
+    EXPECT_EQ(sizesOf(data_), (Sizes{2, kAScans, kBScans}));
+    return samplesOf(data_);
+  }
+
+  /// The next volume is this one of the numbered ones.
   void expectNext(int volume) {
-    const auto samples = next();
-    ASSERT_EQ(getDataPropertyInt(data_, OCT_DATA_SIZE_1), kDepths);
-    ASSERT_EQ(getDataPropertyInt(data_, OCT_DATA_SIZE_2), kAScans);
-    ASSERT_EQ(getDataPropertyInt(data_, OCT_DATA_SIZE_3), kBScans);
-    ASSERT_EQ(samples.size(), std::size_t{kSamples});
-    for (int n = 0; n < kSamples; ++n)
-      ASSERT_EQ(samples[static_cast<std::size_t>(n)], static_cast<float>(volume * kSamples + n)) << n;
+    EXPECT_EQ(next(), numbered(1, volume));
+    EXPECT_EQ(sizesOf(data_), (Sizes{kDepths, kAScans, kBScans}));
   }
 
-  OCTDeviceHandle device_ = nullptr;
-  ProcessingHandle processing_ = nullptr;
-  ScanPatternHandle pattern_ = nullptr;
-  RawDataHandle raw_ = nullptr;
-  DataHandle data_ = nullptr;
+  std::optional<Scan> scan_;
+  const OwnedRawData raw_;
+  const OwnedData data_;
 };
 
 TEST_F(Playback, GivesTheRecordedVolumeInItsOwnSizeAgainAndAgain) {
-  open(samplesOf(1), 1);
-  EXPECT_EQ(getDevicePropertyInt(device_, OCT_DEVICE_SPECTRUM_LENGTH), 2 * kDepths);
-  EXPECT_DOUBLE_EQ(getDevicePropertyFloat(device_, OCT_DEVICE_DEPTH_RANGE), 2.5);
+  open(1);
+  EXPECT_EQ(getDevicePropertyInt(scan_->device, OCT_DEVICE_SPECTRUM_LENGTH), 2 * kDepths);
+  EXPECT_EQ(getDevicePropertyFloat(scan_->device, OCT_DEVICE_DEPTH_RANGE), 2.5);
   for (int i = 0; i < 3; ++i) expectNext(0);
-  EXPECT_DOUBLE_EQ(getDataPropertyFloat(data_, OCT_DATA_RANGE_1), 2.5);
-  EXPECT_DOUBLE_EQ(getDataPropertyFloat(data_, OCT_DATA_RANGE_2), 3.0);
-  EXPECT_DOUBLE_EQ(getDataPropertyFloat(data_, OCT_DATA_RANGE_3), 4.0);
-  const double reference = getRelativeReferenceIntensity(device_, processing_);
+  EXPECT_EQ(rangesOf(data_), (Ranges{2.5, 3.0, 4.0}));
+  const double reference = getRelativeReferenceIntensity(scan_->device, scan_->processing);
   EXPECT_GT(reference, 0.0);
   EXPECT_LT(reference, 1.0);
 }
 
 TEST_F(Playback, GoesThroughSeveralVolumesInTurn) {
-  open(samplesOf(kVolumes), kVolumes);
+  open(kVolumes);
   for (int i = 0; i < 7; ++i) expectNext(i % kVolumes);
 }
 
 /// Neither what a client does to its own samples later nor what it does to the output reaches the recording.
 TEST_F(Playback, KeepsACopy) {
-  auto samples = samplesOf(1);
-  open(samples, 1);
+  auto samples = numbered(1);
+  open(samples, {kDepths, kAScans, kBScans}, 1, 0.0, 1);
   samples.assign(samples.size(), -1.0f);
   expectNext(0);
   getDataPtr(data_)[7] = -1.0f;
@@ -124,15 +90,14 @@ TEST_F(Playback, KeepsACopy) {
 
 /// Raw data that was fetched keeps its volume, whatever the device has measured since.
 TEST_F(Playback, RawDataKeepsItsVolume) {
-  open(samplesOf(kVolumes), kVolumes);
-  getRawDataEx(device_, raw_, 0);
-  const RawDataHandle later = createRawData();
-  getRawDataEx(device_, later, 0);
-  executeProcessing(processing_, raw_);
-  EXPECT_EQ(getDataPtr(data_)[1], 1.0f);
-  executeProcessing(processing_, later);
-  EXPECT_EQ(getDataPtr(data_)[1], float{kSamples + 1});
-  clearRawData(later);
+  open(kVolumes);
+  const OwnedRawData later;
+  getRawDataEx(scan_->device, raw_, 0);
+  getRawDataEx(scan_->device, later, 0);
+  executeProcessing(scan_->processing, raw_);
+  EXPECT_EQ(samplesOf(data_), numbered(1, 0));
+  executeProcessing(scan_->processing, later);
+  EXPECT_EQ(samplesOf(data_), numbered(1, 1));
   expectNext(2);
 }
 
@@ -152,7 +117,7 @@ Moments momentsOf(const std::vector<float>& samples, float level) {
 }
 
 TEST_F(Playback, NoiseHasTheGivenStrengthAndDiffersFromVolumeToVolume) {
-  constexpr std::array kSizes{64, 80, 100};
+  constexpr Sizes kSizes{64, 80, 100};
   const std::vector<float> level(64 * 80 * 100, 30.0f);
   open(level, kSizes, 1, 2.0, 7);
   const auto first = next();
@@ -186,7 +151,7 @@ TEST_F(Playback, NoiseOfNeighboursIsIndependent) {
 
 TEST(Recording, VolumesDoNotDependOnTheNumberOfThreads) {
   const std::vector<float> level(100 * 100 * 100, 1.0f);
-  const oct::simulator::Recording recording(level.data(), {100, 100, 100}, 1, 1.0, 3);
+  const Recording recording(level.data(), {100, 100, 100}, 1, 1.0, 3);
   const auto played = [&](int workers) {
     std::vector<float> samples(level.size());
     recording.play(5, samples, workers);
@@ -196,106 +161,86 @@ TEST(Recording, VolumesDoNotDependOnTheNumberOfThreads) {
 }
 
 TEST_F(Playback, HasAnalogInputAndNoComplexField) {
-  open(samplesOf(1), 1);
-  getRawDataEx(device_, raw_, 0);
-  getAnalogInputData(device_, data_);
-  EXPECT_EQ(pendingError(), "");
-  EXPECT_EQ(getDataPropertyInt(data_, OCT_DATA_SIZE_2), kAScans);
-  EXPECT_EQ(getDataPropertyInt(data_, OCT_DATA_SIZE_3), kBScans);
-  const ComplexDataHandle field = createComplexData();
-  setComplexDataOutput(processing_, field);
-  executeProcessing(processing_, raw_);
+  open(1);
+  nextAnalog();
+  const OwnedComplexData field;
+  setComplexDataOutput(scan_->processing, field);
+  executeProcessing(scan_->processing, raw_);
   EXPECT_EQ(pendingError(), "executeProcessing: A recorded volume has no complex field. ");
-  clearComplexData(field);
 }
 
 /// The analog input of a device that moves shows other spots; of a recording it must not.
 TEST_F(Playback, DoesNotMove) {
-  const auto analogOfFirst = [&] {
-    open(samplesOf(1), 1);
-    getRawDataEx(device_, raw_, 0);
-    getAnalogInputData(device_, data_);
-    const float* const volts = getDataPtr(data_);
-    return std::vector<float>(volts, volts + 2 * kAScans * kBScans);
-  };
-  const auto resting = analogOfFirst();
-  open(samplesOf(1), 1);
-  setSimulatedMotion(device_, OCT_MOTION_DRIFT, 1.0, 0.001);
-  getRawDataEx(device_, raw_, 0);
-  getAnalogInputData(device_, data_);
-  EXPECT_EQ(pendingError(), "");
-  const float* const volts = getDataPtr(data_);
-  EXPECT_EQ(std::vector<float>(volts, volts + 2 * kAScans * kBScans), resting);
+  open(1);
+  const auto resting = nextAnalog();
+  open(1);
+  setSimulatedMotion(scan_->device, OCT_MOTION_DRIFT, 1.0, 0.001);
+  EXPECT_EQ(nextAnalog(), resting);
   expectNext(0);
 }
 
 TEST_F(Playback, ArrivesAtTheGivenRate) {
-  open(samplesOf(kVolumes), kVolumes);
-  stopMeasurement(device_);
-  setSimulatedScanRate(device_, 1000.0, OCT_PACING_REAL_TIME);  // 20 ms per volume
+  open(1);
+  stopMeasurement(scan_->device);
+  setSimulatedScanRate(scan_->device, 1000.0, OCT_PACING_REAL_TIME);  // 20 ms per volume
   const auto start = std::chrono::steady_clock::now();
-  startMeasurement(device_, pattern_, 0);
+  startMeasurement(scan_->device, scan_->pattern, 0);
   next();
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(20));
 }
 
 /// Raw data that held a recording takes camera readings, and the other way round.
 TEST_F(Playback, SharesRawDataWithAPhantom) {
-  open(samplesOf(1), 1);
+  open(1);
   expectNext(0);
-  const OCTDeviceHandle mirror = createSimulatedDevice(OCT_PHANTOM_MIRROR, 64, 1);
-  const ProcessingHandle processing = createSimulatedProcessing(mirror);
-  const ScanPatternHandle pattern = createSimulatedScanPattern(mirror, 3, 2, 1.0, 1.0);
-  startMeasurement(mirror, pattern, 0);
-  setProcessedDataOutput(processing, data_);
-  getRawDataEx(mirror, raw_, 0);
-  executeProcessing(processing, raw_);
-  EXPECT_EQ(pendingError(), "");
-  EXPECT_EQ(getDataPropertyInt(data_, OCT_DATA_SIZE_1), 32);
-  EXPECT_EQ(getDataPropertyInt(data_, OCT_DATA_SIZE_2), 3);
-  executeProcessing(processing_, raw_);
-  EXPECT_NE(pendingError().find("another spectrum length"), std::string::npos);
-  clearSimulatedScanPattern(pattern);
-  clearSimulatedProcessing(processing);
-  clearSimulatedDevice(mirror);
+  {
+    const Scan mirror(createSimulatedDevice(OCT_PHANTOM_MIRROR, 64, 1), 3, 2, 1.0, 1.0);
+    startMeasurement(mirror.device, mirror.pattern, 0);
+    setProcessedDataOutput(mirror.processing, data_);
+    getRawDataEx(mirror.device, raw_, 0);
+    executeProcessing(mirror.processing, raw_);
+    EXPECT_EQ(pendingError(), "");
+    EXPECT_EQ(sizesOf(data_), (Sizes{32, 3, 2}));
+    expectErrors({{[&] { executeProcessing(scan_->processing, raw_); }, "another spectrum length"}});
+  }
   expectNext(0);
 }
 
 TEST_F(Playback, RefusesWhatItCannotPlay) {
-  open(samplesOf(1), 1);
-  auto samples = samplesOf(1);
+  std::vector<float> samples = numbered(1);
+  std::vector<float> infinite = samples;
+  infinite.back() = std::numeric_limits<float>::infinity();
   struct Arguments {
     const float* samples;
-    std::array<int, 3> sizes{kDepths, kAScans, kBScans};
+    Sizes sizes{kDepths, kAScans, kBScans};
     int volumes = 1;
-    std::array<double, 3> millimetres{1.0, 1.0, 1.0};
+    Ranges millimetres{1.0, 1.0, 1.0};
     double noise = 0.0;
   };
-  const auto expectRefused = [](const Arguments& a, const std::string& reason) {
-    EXPECT_EQ(createSimulatedPlayback(a.samples, a.sizes[0], a.sizes[1], a.sizes[2], a.volumes,
-                                      a.millimetres[0], a.millimetres[1], a.millimetres[2], a.noise, 1),
-              nullptr);
-    EXPECT_NE(pendingError().find(reason), std::string::npos) << reason;
+  const auto play = [](const Arguments& a) {
+    return [a] {
+      EXPECT_EQ(createSimulatedPlayback(a.samples, a.sizes[0], a.sizes[1], a.sizes[2], a.volumes,
+                                        a.millimetres[0], a.millimetres[1], a.millimetres[2], a.noise, 1),
+                nullptr);
+    };
   };
   constexpr int kHuge = std::numeric_limits<int>::max();
   constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
   const float* const good = samples.data();
-  expectRefused({.samples = nullptr}, "needs samples");
-  expectRefused({.samples = good, .sizes = {3, 1, 1}}, "depth samples");
-  expectRefused({.samples = good, .sizes = {65537, 1, 1}}, "depth samples");
-  expectRefused({.samples = good, .sizes = {kDepths, 0, kBScans}}, "at least one");
-  expectRefused({.samples = good, .sizes = {kDepths, kAScans, -1}}, "at least one");
-  expectRefused({.samples = good, .volumes = 0}, "at least one");
-  expectRefused({.samples = good, .sizes = {65536, kHuge, kHuge}, .volumes = kHuge}, "too large");
-  for (const double wrong : {0.0, -1.0, kNaN}) {
-    expectRefused({.samples = good, .millimetres = {wrong, 1.0, 1.0}}, "above zero");
-    expectRefused({.samples = good, .millimetres = {1.0, wrong, 1.0}}, "above zero");
-    expectRefused({.samples = good, .millimetres = {1.0, 1.0, wrong}}, "above zero");
-  }
-  expectRefused({.samples = good, .noise = -1.0}, "noise");
-  expectRefused({.samples = good, .noise = kNaN}, "noise");
-  samples.back() = std::numeric_limits<float>::infinity();
-  expectRefused({.samples = good}, "finite");
+  expectErrors({{play({.samples = nullptr}), "needs samples"},
+                {play({.samples = good, .sizes = {3, 1, 1}}), "depth samples"},
+                {play({.samples = good, .sizes = {65537, 1, 1}}), "depth samples"},
+                {play({.samples = good, .sizes = {kDepths, 0, kBScans}}), "at least one"},
+                {play({.samples = good, .sizes = {kDepths, kAScans, -1}}), "at least one"},
+                {play({.samples = good, .volumes = 0}), "at least one"},
+                {play({.samples = good, .sizes = {65536, kHuge, kHuge}, .volumes = kHuge}), "too large"},
+                {play({.samples = good, .noise = -1.0}), "noise"},
+                {play({.samples = good, .noise = kNaN}), "noise"},
+                {play({.samples = infinite.data()}), "finite"}});
+  for (const double wrong : {0.0, -1.0, kNaN})
+    for (const Ranges& ranges : {Ranges{wrong, 1.0, 1.0}, Ranges{1.0, wrong, 1.0}, Ranges{1.0, 1.0, wrong}})
+      expectErrors({{play({.samples = good, .millimetres = ranges}), "above zero"}});
 }
 
 }  // namespace
+}  // namespace oct::simulator::test

@@ -19,6 +19,7 @@ namespace oct::simulator::test {
 namespace {
 
 constexpr double kPi = std::numbers::pi;
+const ScanPattern kPattern(64, 1, 3.0, 1.0);
 
 using Complex = std::complex<double>;
 
@@ -118,7 +119,7 @@ class WavePlate : public testing::TestWithParam<Plate> {};
 TEST_P(WavePlate, ShowsItsRetardationAndAxisBelowIt) {
   const auto [retardance, axis] = GetParam();
   const auto target = std::make_shared<PolarizationTarget>(retardance * kPi / 180.0, axis * kPi / 180.0);
-  const auto sensors = measureBoth(target, ScanPattern(64, 1, 3.0, 1.0));
+  const auto sensors = measureBoth(target, kPattern);
   sensors->processing.setAveraging(0, 9);
   sensors->processing.setAveraging(1, 9);
   const auto seen = sensors->compute(PolarizationProcessing::kRetardation);
@@ -139,8 +140,7 @@ INSTANTIATE_TEST_SUITE_P(Plates, WavePlate,
                                          Plate{45.0, 0.0}));
 
 TEST(Polarization, RetardationGrowsWithDepthInFibres) {
-  const auto sensors =
-      measureBoth(std::make_shared<PolarizationTarget>(0.0, 0.5), ScanPattern(64, 1, 3.0, 1.0));
+  const auto sensors = measureBoth(std::make_shared<PolarizationTarget>(0.0, 0.5), kPattern);
   sensors->processing.setAveraging(0, 5);
   sensors->processing.setAveraging(1, 15);
   const auto seen = sensors->compute(PolarizationProcessing::kRetardation);
@@ -155,8 +155,7 @@ TEST(Polarization, RetardationGrowsWithDepthInFibres) {
 }
 
 TEST(Polarization, IsUniformEverywhereButInTheDepolarizer) {
-  const auto sensors =
-      measureBoth(std::make_shared<PolarizationTarget>(0.8, 0.5), ScanPattern(64, 1, 3.0, 1.0));
+  const auto sensors = measureBoth(std::make_shared<PolarizationTarget>(0.8, 0.5), kPattern);
   sensors->processing.setDopuBox(0, 9);
   sensors->processing.setDopuBox(1, 9);
   const auto dopu = sensors->compute(PolarizationProcessing::kDopu);
@@ -274,20 +273,15 @@ TEST(PolarizationProcessing, DopuIsFormedOverItsOwnBox) {
                    [](const auto& s) { return std::sqrt(s[1] * s[1] + s[2] * s[2] + s[3] * s[3]) / s[0]; });
 }
 
-/// More depths than are averaged side by side, and not a multiple of them.
-TEST(PolarizationProcessing, LongAScansAreAveragedAlongAllAxes) {
-  const auto sensors = randomSensors(9, {75, 6, 5});
-  const std::array<int, 3> box{4, 3, 2};
-  for (int axis = 0; axis < 3; ++axis) sensors->processing.setAveraging(axis, box[axis]);
-  expectEverywhere(*sensors, sensors->compute(PolarizationProcessing::kQ), box,
-                   [](const auto& s) { return s[1] / s[0]; });
-}
-
-TEST(PolarizationProcessing, BoxesLargerThanTheVolumeAverageAll) {
-  const auto sensors = randomSensors(6);
-  for (int axis = 0; axis < 3; ++axis) sensors->processing.setAveraging(axis, 1000000000);
-  expectEverywhere(*sensors, sensors->compute(PolarizationProcessing::kQ), {100, 100, 100},
-                   [](const auto& s) { return s[1] / s[0]; });
+/// More depths than are averaged side by side, and not a multiple of them; and more places than there are.
+TEST(PolarizationProcessing, BoxesAreAveragedAlongAllAxes) {
+  for (const auto& [sizes, box] : std::initializer_list<std::pair<std::array<int, 3>, std::array<int, 3>>>{
+           {{75, 6, 5}, {4, 3, 2}}, {{7, 5, 4}, {1000000000, 1000000000, 1000000000}}}) {
+    const auto sensors = randomSensors(9, sizes);
+    for (int axis = 0; axis < 3; ++axis) sensors->processing.setAveraging(axis, box[axis]);
+    expectEverywhere(*sensors, sensors->compute(PolarizationProcessing::kQ), box,
+                     [](const auto& s) { return s[1] / s[0]; });
+  }
 }
 
 TEST(PolarizationProcessing, DoesNotDependOnTheNumberOfThreads) {
@@ -295,9 +289,7 @@ TEST(PolarizationProcessing, DoesNotDependOnTheNumberOfThreads) {
   for (int axis = 0; axis < 3; ++axis) sensors->processing.setAveraging(axis, 3);
   const auto one = sensors->compute(PolarizationProcessing::kDopu, 1);
   const auto many = sensors->compute(PolarizationProcessing::kDopu, 5);
-  for (int z = 0; z < 9; ++z)
-    for (int y = 0; y < 11; ++y)
-      for (int x = 0; x < 40; ++x) ASSERT_EQ(one.at(x, y, z), many.at(x, y, z));
+  EXPECT_EQ(one.samples(), many.samples());
 }
 
 TEST(PolarizationProcessing, ThresholdCutsWeakPlacesOfAllButTheIntensity) {

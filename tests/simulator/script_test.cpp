@@ -1,23 +1,13 @@
 // Scripted failures, the record of calls, and the functions of devices with two sensors.
 
-#include "oct_device/oct_device.h"
-#include "oct_device/oct_simulator.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <functional>
-#include <string>
-#include <vector>
 
+#include "device_objects.h"
+
+namespace oct::simulator::test {
 namespace {
-
-std::string pendingError() {
-  char text[512] = "unchanged";
-  return getError(text, sizeof text) ? text : "";
-}
 
 std::vector<std::string> recordedCalls() {
   std::vector<std::string> calls;
@@ -35,60 +25,60 @@ std::string number(const void* handle) {
   return text.append(std::to_string(reinterpret_cast<std::uintptr_t>(handle)));
 }
 
-/// A small device with two sensors and everything that is needed to see with it.
-class TwoSensors : public testing::Test {
-protected:
-  void SetUp() override {
-    pendingError();
-    objectsBefore_ = getSimulatedObjectCount();
-    device_ = createSimulatedPolarizationDevice(OCT_PHANTOM_POLARIZATION_TARGET, 256, 7);
-    for (auto& processing : processings_) processing = createSimulatedProcessing(device_);
-    polarization_ = createSimulatedPolarizationProcessing(device_);
-    pattern_ = createSimulatedScanPattern(device_, 20, 3, 2.0, 1.5);
-    for (auto& raw : raws_) raw = createRawData();
-    for (auto& field : fields_) field = createComplexData();
-    data_ = createData();
-    surface_ = createData();
-    ASSERT_EQ(pendingError(), "");
-  }
+/// All that the functions take; of itself null handles.
+struct Handles {
+  OCTDeviceHandle device = nullptr;
+  ScanPatternHandle pattern = nullptr;
+  ProcessingHandle processings[2] = {};
+  PolarizationProcessingHandle polarization = nullptr;
+  RawDataHandle raws[2] = {};
+  ComplexDataHandle fields[2] = {};
+  DataHandle data = nullptr;
+  DataHandle surface = nullptr;
+};
 
-  void TearDown() override {
+/// A small device with two sensors and everything that is needed to see with it.
+class TwoSensors : public DeviceObjectsTest {
+ protected:
+  TwoSensors() { EXPECT_EQ(pendingError(), ""); }
+  ~TwoSensors() override {
     recordSimulatedCalls(0);
     clearSimulatedFailures();
-    clearData(data_);
-    clearData(surface_);
-    for (const auto field : fields_) clearComplexData(field);
-    for (const auto raw : raws_) clearRawData(raw);
-    clearSimulatedScanPattern(pattern_);
-    clearSimulatedPolarizationProcessing(polarization_);
-    for (const auto processing : processings_) clearSimulatedProcessing(processing);
-    clearSimulatedDevice(device_);
-    EXPECT_EQ(pendingError(), "");
-    EXPECT_EQ(getSimulatedObjectCount(), objectsBefore_);
+    clearSimulatedPolarizationProcessing(all_.polarization);
+    clearSimulatedProcessing(all_.processings[1]);
   }
 
   /// One volume from start to stop, for one quantity.
   void measure(void (*setOutput)(PolarizationProcessingHandle, DataHandle)) {
-    startMeasurement(device_, pattern_, 0);
+    startMeasurement(all_.device, all_.pattern, 0);
     for (int sensor = 0; sensor < 2; ++sensor) {
-      getRawDataEx(device_, raws_[sensor], sensor);
-      setComplexDataOutput(processings_[sensor], fields_[sensor]);
-      executeProcessing(processings_[sensor], raws_[sensor]);
+      getRawDataEx(all_.device, all_.raws[sensor], sensor);
+      setComplexDataOutput(all_.processings[sensor], all_.fields[sensor]);
+      executeProcessing(all_.processings[sensor], all_.raws[sensor]);
     }
-    setOutput(polarization_, data_);
-    executePolarizationProcessing(polarization_, fields_[0], fields_[1]);
-    stopMeasurement(device_);
+    setOutput(all_.polarization, all_.data);
+    compute();
+    stopMeasurement(all_.device);
   }
+  void compute() { executePolarizationProcessing(all_.polarization, all_.fields[0], all_.fields[1]); }
+  float sample() const { return getDataPtr(all_.data)[30]; }
 
-  int objectsBefore_ = 0;
-  OCTDeviceHandle device_ = nullptr;
-  ProcessingHandle processings_[2] = {};
-  PolarizationProcessingHandle polarization_ = nullptr;
-  ScanPatternHandle pattern_ = nullptr;
-  RawDataHandle raws_[2] = {};
-  ComplexDataHandle fields_[2] = {};
-  DataHandle data_ = nullptr;
-  DataHandle surface_ = nullptr;
+ private:
+  const Scan scan_{createSimulatedPolarizationDevice(OCT_PHANTOM_POLARIZATION_TARGET, 256, 7), 20, 3, 2.0,
+                   1.5};
+  const OwnedRawData raws_[2];
+  const OwnedComplexData fields_[2];
+  const OwnedData data_[2];
+
+ protected:
+  const Handles all_{scan_.device,
+                     scan_.pattern,
+                     {scan_.processing, createSimulatedProcessing(scan_.device)},
+                     createSimulatedPolarizationProcessing(scan_.device),
+                     {raws_[0], raws_[1]},
+                     {fields_[0], fields_[1]},
+                     data_[0],
+                     data_[1]};
 };
 
 TEST_F(TwoSensors, EveryQuantityHasItsRange) {
@@ -103,17 +93,10 @@ TEST_F(TwoSensors, EveryQuantityHasItsRange) {
         Case{setPolarizationOutputV, -1.0f, 1.0f}}) {
     measure(setOutput);
     ASSERT_EQ(pendingError(), "");
-    ASSERT_EQ(getDataPropertyInt(data_, OCT_DATA_SIZE_1), 128);
-    ASSERT_EQ(getDataPropertyInt(data_, OCT_DATA_SIZE_2), 20);
-    ASSERT_EQ(getDataPropertyInt(data_, OCT_DATA_SIZE_3), 3);
-    EXPECT_DOUBLE_EQ(getDataPropertyFloat(data_, OCT_DATA_RANGE_1), 3.6);
-    EXPECT_DOUBLE_EQ(getDataPropertyFloat(data_, OCT_DATA_RANGE_3), 1.5);
-    const float* const samples = getDataPtr(data_);
-    float least = samples[0], most = samples[0];
-    for (int n = 0; n < 128 * 60; ++n) {
-      least = std::min(least, samples[n]);
-      most = std::max(most, samples[n]);
-    }
+    ASSERT_EQ(sizesOf(all_.data), (Sizes{128, 20, 3}));
+    EXPECT_EQ(rangesOf(all_.data), (Ranges{3.6, 2.0, 1.5}));
+    const auto samples = samplesOf(all_.data);
+    const auto [least, most] = std::ranges::minmax(samples);
     EXPECT_GE(least, lowest);
     EXPECT_LE(most, highest);
     EXPECT_GT(most - least, 0.4f * (highest - lowest));  // the range is used
@@ -121,61 +104,52 @@ TEST_F(TwoSensors, EveryQuantityHasItsRange) {
 }
 
 TEST_F(TwoSensors, PropertiesReachTheProcessing) {
+  PolarizationProcessingHandle const processing = all_.polarization;
+  // Each property alone changes the sample; afterwards it is as before.
+  const auto expectChanges = [&](std::initializer_list<int> properties, int value, int initial) {
+    const float plain = sample();
+    for (const int property : properties) {
+      setPolarizationPropertyInt(processing, property, value);
+      compute();
+      EXPECT_NE(sample(), plain) << property;
+      setPolarizationPropertyInt(processing, property, initial);
+    }
+    compute();
+    EXPECT_EQ(sample(), plain);
+  };
   measure(setPolarizationOutputQ);
-  const auto sample = [&] { return getDataPtr(data_)[30]; };
   const float plain = sample();
-  const auto repeat = [&] { executePolarizationProcessing(polarization_, fields_[0], fields_[1]); };
-  for (const int property : {5, 6, 7}) {
-    setPolarizationPropertyInt(polarization_, property, 9);
-    repeat();
-    EXPECT_NE(sample(), plain) << property;
-    setPolarizationPropertyInt(polarization_, property, 1);
-  }
-  setPolarizationPropertyFloat(polarization_, 0, 100.0);
-  repeat();
+  expectChanges({5, 6, 7}, 9, 1);
+  setPolarizationPropertyFloat(processing, 0, 100.0);
+  compute();
   EXPECT_EQ(sample(), plain);
-  setPolarizationFlag(polarization_, 0, 1);
-  repeat();
+  setPolarizationFlag(processing, 0, 1);
+  compute();
   EXPECT_EQ(sample(), 0.0f);
-  setPolarizationFlag(polarization_, 0, 0);
-  setPolarizationOutputDOPU(polarization_, data_);
-  repeat();
-  const float dopu = sample();
-  for (const int property : {0, 1, 2}) {
-    setPolarizationPropertyInt(polarization_, property, 7);
-    repeat();
-    EXPECT_NE(sample(), dopu) << property;
-    setPolarizationPropertyInt(polarization_, property, 3);
-  }
-  repeat();
-  EXPECT_EQ(sample(), dopu);
-  for (const auto& call : std::vector<std::function<void()>>{
-           [&] { setPolarizationPropertyInt(polarization_, 3, 1); },
-           [&] { setPolarizationPropertyInt(polarization_, 5, 0); },
-           [&] { setPolarizationPropertyFloat(polarization_, 1, 1.0); },
-           [&] { setPolarizationFlag(polarization_, 1, 1); }}) {
-    call();
-    EXPECT_NE(pendingError(), "");
-  }
+  setPolarizationFlag(processing, 0, 0);
+  setPolarizationOutputDOPU(processing, all_.data);
+  compute();
+  expectChanges({0, 1, 2}, 7, 3);
+  expectErrors({{[&] { setPolarizationPropertyInt(processing, 3, 1); }, ""},
+                {[&] { setPolarizationPropertyInt(processing, 5, 0); }, ""},
+                {[&] { setPolarizationPropertyFloat(processing, 1, 1.0); }, ""},
+                {[&] { setPolarizationFlag(processing, 1, 1); }, ""}});
 }
 
 TEST_F(TwoSensors, OneSensorHasNoPolarizationAndNoSecondCamera) {
-  const auto single = createSimulatedDevice(OCT_PHANTOM_MIRROR, 256, 1);
-  EXPECT_EQ(createSimulatedPolarizationProcessing(single), nullptr);
-  EXPECT_NE(pendingError().find("single sensor"), std::string::npos);
-  startMeasurement(single, pattern_, 0);
-  getRawDataEx(single, raws_[0], 1);
-  EXPECT_NE(pendingError().find("camera 0 only"), std::string::npos);
-  clearSimulatedDevice(single);
-  startMeasurement(device_, pattern_, 0);
-  getRawDataEx(device_, raws_[0], 2);
-  EXPECT_NE(pendingError().find("cameras 0 and 1"), std::string::npos);
+  const Scan single(createSimulatedDevice(OCT_PHANTOM_MIRROR, 256, 1), 20, 3, 2.0, 1.5);
+  startMeasurement(single.device, single.pattern, 0);
+  startMeasurement(all_.device, all_.pattern, 0);
+  expectErrors(
+      {{[&] { EXPECT_EQ(createSimulatedPolarizationProcessing(single.device), nullptr); }, "single sensor"},
+       {[&] { getRawDataEx(single.device, all_.raws[0], 1); }, "camera 0 only"},
+       {[&] { getRawDataEx(all_.device, all_.raws[0], 2); }, "cameras 0 and 1"}});
 }
 
 TEST_F(TwoSensors, CallsAreRecordedInOrderWithTheirArguments) {
   recordSimulatedCalls(1);
   measure(setPolarizationOutputDOPU);
-  setDataRange(data_, 1.25, 2.0, 3.0);
+  setDataRange(all_.data, 1.25, 2.0, 3.0);
   isError();
   const auto extra = createData();
   clearData(extra);
@@ -184,20 +158,20 @@ TEST_F(TwoSensors, CallsAreRecordedInOrderWithTheirArguments) {
   getError(text, 100);
   recordSimulatedCalls(0);
   isError();  // no longer recorded
-  const auto device = number(device_);
+  const auto device = number(all_.device);
   const std::vector<std::string> expected{
-      "startMeasurement(" + device + ", " + number(pattern_) + ", 0)",
-      "getRawDataEx(" + device + ", " + number(raws_[0]) + ", 0)",
-      "setComplexDataOutput(" + number(processings_[0]) + ", " + number(fields_[0]) + ")",
-      "executeProcessing(" + number(processings_[0]) + ", " + number(raws_[0]) + ")",
-      "getRawDataEx(" + device + ", " + number(raws_[1]) + ", 1)",
-      "setComplexDataOutput(" + number(processings_[1]) + ", " + number(fields_[1]) + ")",
-      "executeProcessing(" + number(processings_[1]) + ", " + number(raws_[1]) + ")",
-      "setPolarizationOutputDOPU(" + number(polarization_) + ", " + number(data_) + ")",
-      "executePolarizationProcessing(" + number(polarization_) + ", " + number(fields_[0]) + ", " +
-          number(fields_[1]) + ")",
+      "startMeasurement(" + device + ", " + number(all_.pattern) + ", 0)",
+      "getRawDataEx(" + device + ", " + number(all_.raws[0]) + ", 0)",
+      "setComplexDataOutput(" + number(all_.processings[0]) + ", " + number(all_.fields[0]) + ")",
+      "executeProcessing(" + number(all_.processings[0]) + ", " + number(all_.raws[0]) + ")",
+      "getRawDataEx(" + device + ", " + number(all_.raws[1]) + ", 1)",
+      "setComplexDataOutput(" + number(all_.processings[1]) + ", " + number(all_.fields[1]) + ")",
+      "executeProcessing(" + number(all_.processings[1]) + ", " + number(all_.raws[1]) + ")",
+      "setPolarizationOutputDOPU(" + number(all_.polarization) + ", " + number(all_.data) + ")",
+      "executePolarizationProcessing(" + number(all_.polarization) + ", " + number(all_.fields[0]) + ", " +
+          number(all_.fields[1]) + ")",
       "stopMeasurement(" + device + ")",
-      "setDataRange(" + number(data_) + ", 1.25, 2, 3)",
+      "setDataRange(" + number(all_.data) + ", 1.25, 2, 3)",
       "isError()",
       "createData() = " + number(extra),
       "clearData(" + number(extra) + ")",
@@ -215,119 +189,125 @@ TEST_F(TwoSensors, CallsAreRecordedInOrderWithTheirArguments) {
 
 TEST_F(TwoSensors, TheChosenCallFailsOnceAndDoesNothing) {
   failSimulatedCall("createData", 2, "out of order");
-  const auto first = createData();
-  EXPECT_NE(first, nullptr);
+  const OwnedData first;
+  EXPECT_NE(static_cast<DataHandle>(first), nullptr);
   recordSimulatedCalls(1);
   const int objects = getSimulatedObjectCount();
   EXPECT_EQ(createData(), nullptr);
   EXPECT_EQ(getSimulatedObjectCount(), objects);
   EXPECT_EQ(pendingError(), "createData: out of order");
-  const auto third = createData();
-  EXPECT_NE(third, nullptr);
+  const OwnedData third;
+  EXPECT_NE(static_cast<DataHandle>(third), nullptr);
   EXPECT_EQ(recordedCalls().front(), "createData() = null");
-  clearData(first);
-  clearData(third);
 }
 
 TEST_F(TwoSensors, ZeroFailsEveryCallUntilFailuresAreCleared) {
   failSimulatedCall("getRawDataEx", 0, "cable");
-  startMeasurement(device_, pattern_, 0);
+  startMeasurement(all_.device, all_.pattern, 0);
   for (int i = 0; i < 3; ++i) {
-    getRawDataEx(device_, raws_[0], 0);
+    getRawDataEx(all_.device, all_.raws[0], 0);
     EXPECT_EQ(pendingError(), "getRawDataEx: cable");
   }
   clearSimulatedFailures();
-  getRawDataEx(device_, raws_[0], 0);
+  getRawDataEx(all_.device, all_.raws[0], 0);
   EXPECT_EQ(pendingError(), "");
+}
+
+using H = const Handles&;
+
+struct Call {
+  const char* function;
+  std::function<void(H)> run;  // with what the function returns when it fails
+};
+
+/// Every function that a test can let fail.
+const std::vector<Call>& deviceCalls() {
+  static const std::vector<Call> calls{
+      {"getDevicePropertyInt", [](H h) { EXPECT_EQ(getDevicePropertyInt(h.device, 0), 0); }},
+      {"getDevicePropertyFloat", [](H h) { EXPECT_EQ(getDevicePropertyFloat(h.device, 1), 0.0); }},
+      {"createRawData", [](H) { EXPECT_EQ(createRawData(), nullptr); }},
+      {"clearRawData", [](H h) { clearRawData(h.raws[0]); }},
+      {"createData", [](H) { EXPECT_EQ(createData(), nullptr); }},
+      {"clearData", [](H h) { clearData(h.data); }},
+      {"createComplexData", [](H) { EXPECT_EQ(createComplexData(), nullptr); }},
+      {"clearComplexData", [](H h) { clearComplexData(h.fields[0]); }},
+      {"startMeasurement", [](H h) { startMeasurement(h.device, h.pattern, 0); }},
+      {"stopMeasurement", [](H h) { stopMeasurement(h.device); }},
+      {"getRawDataEx", [](H h) { getRawDataEx(h.device, h.raws[0], 0); }},
+      {"getAnalogInputData", [](H h) { getAnalogInputData(h.device, h.surface); }},
+      {"setProcessedDataOutput", [](H h) { setProcessedDataOutput(h.processings[0], h.data); }},
+      {"setComplexDataOutput", [](H h) { setComplexDataOutput(h.processings[0], h.fields[0]); }},
+      {"executeProcessing", [](H h) { executeProcessing(h.processings[0], h.raws[0]); }},
+      {"getDataPropertyInt", [](H h) { EXPECT_EQ(getDataPropertyInt(h.data, 1), 0); }},
+      {"getDataPropertyFloat", [](H h) { EXPECT_EQ(getDataPropertyFloat(h.data, 3), 0.0); }},
+      {"setDataRange", [](H h) { setDataRange(h.data, 1.0, 1.0, 1.0); }},
+      {"getDataPtr", [](H h) { EXPECT_EQ(getDataPtr(h.data), nullptr); }},
+      {"determineSurface", [](H h) { determineSurface(h.data, h.surface); }},
+      {"getRelativeReferenceIntensity",
+       [](H h) { EXPECT_EQ(getRelativeReferenceIntensity(h.device, h.processings[0]), 0.0); }},
+      {"setPolarizationOutputI", [](H h) { setPolarizationOutputI(h.polarization, h.data); }},
+      {"setPolarizationOutputRetardation",
+       [](H h) { setPolarizationOutputRetardation(h.polarization, h.data); }},
+      {"setPolarizationOutputOpticAxis", [](H h) { setPolarizationOutputOpticAxis(h.polarization, h.data); }},
+      {"setPolarizationOutputDOPU", [](H h) { setPolarizationOutputDOPU(h.polarization, h.data); }},
+      {"setPolarizationOutputQ", [](H h) { setPolarizationOutputQ(h.polarization, h.data); }},
+      {"setPolarizationOutputU", [](H h) { setPolarizationOutputU(h.polarization, h.data); }},
+      {"setPolarizationOutputV", [](H h) { setPolarizationOutputV(h.polarization, h.data); }},
+      {"setPolarizationFlag", [](H h) { setPolarizationFlag(h.polarization, 0, 1); }},
+      {"setPolarizationPropertyFloat", [](H h) { setPolarizationPropertyFloat(h.polarization, 0, 1.0); }},
+      {"setPolarizationPropertyInt", [](H h) { setPolarizationPropertyInt(h.polarization, 5, 2); }},
+      {"executePolarizationProcessing",
+       [](H h) { executePolarizationProcessing(h.polarization, h.fields[0], h.fields[1]); }}};
+  return calls;
 }
 
 TEST_F(TwoSensors, EveryDeviceFunctionCanBeMadeToFail) {
   measure(setPolarizationOutputQ);
-  startMeasurement(device_, pattern_, 0);
-  const std::vector<std::pair<const char*, std::function<void()>>> calls{
-      {"getDevicePropertyInt", [&] { EXPECT_EQ(getDevicePropertyInt(device_, 0), 0); }},
-      {"getDevicePropertyFloat", [&] { EXPECT_EQ(getDevicePropertyFloat(device_, 1), 0.0); }},
-      {"createRawData", [&] { EXPECT_EQ(createRawData(), nullptr); }},
-      {"clearRawData", [&] { clearRawData(raws_[0]); }},
-      {"createData", [&] { EXPECT_EQ(createData(), nullptr); }},
-      {"clearData", [&] { clearData(data_); }},
-      {"createComplexData", [&] { EXPECT_EQ(createComplexData(), nullptr); }},
-      {"clearComplexData", [&] { clearComplexData(fields_[0]); }},
-      {"startMeasurement", [&] { startMeasurement(device_, pattern_, 0); }},
-      {"stopMeasurement", [&] { stopMeasurement(device_); }},
-      {"getRawDataEx", [&] { getRawDataEx(device_, raws_[0], 0); }},
-      {"getAnalogInputData", [&] { getAnalogInputData(device_, surface_); }},
-      {"setProcessedDataOutput", [&] { setProcessedDataOutput(processings_[0], data_); }},
-      {"setComplexDataOutput", [&] { setComplexDataOutput(processings_[0], fields_[0]); }},
-      {"executeProcessing", [&] { executeProcessing(processings_[0], raws_[0]); }},
-      {"getDataPropertyInt", [&] { EXPECT_EQ(getDataPropertyInt(data_, 1), 0); }},
-      {"getDataPropertyFloat", [&] { EXPECT_EQ(getDataPropertyFloat(data_, 3), 0.0); }},
-      {"setDataRange", [&] { setDataRange(data_, 1.0, 1.0, 1.0); }},
-      {"getDataPtr", [&] { EXPECT_EQ(getDataPtr(data_), nullptr); }},
-      {"determineSurface", [&] { determineSurface(data_, surface_); }},
-      {"getRelativeReferenceIntensity",
-       [&] { EXPECT_EQ(getRelativeReferenceIntensity(device_, processings_[0]), 0.0); }},
-      {"setPolarizationOutputI", [&] { setPolarizationOutputI(polarization_, data_); }},
-      {"setPolarizationOutputRetardation", [&] { setPolarizationOutputRetardation(polarization_, data_); }},
-      {"setPolarizationOutputOpticAxis", [&] { setPolarizationOutputOpticAxis(polarization_, data_); }},
-      {"setPolarizationOutputDOPU", [&] { setPolarizationOutputDOPU(polarization_, data_); }},
-      {"setPolarizationOutputQ", [&] { setPolarizationOutputQ(polarization_, data_); }},
-      {"setPolarizationOutputU", [&] { setPolarizationOutputU(polarization_, data_); }},
-      {"setPolarizationOutputV", [&] { setPolarizationOutputV(polarization_, data_); }},
-      {"setPolarizationFlag", [&] { setPolarizationFlag(polarization_, 0, 1); }},
-      {"setPolarizationPropertyFloat", [&] { setPolarizationPropertyFloat(polarization_, 0, 1.0); }},
-      {"setPolarizationPropertyInt", [&] { setPolarizationPropertyInt(polarization_, 5, 2); }},
-      {"executePolarizationProcessing",
-       [&] { executePolarizationProcessing(polarization_, fields_[0], fields_[1]); }}};
-  const float before = getDataPtr(data_)[30];
-  for (const auto& [name, call] : calls) {
-    failSimulatedCall(name, 1, "as planned");
-    call();
-    EXPECT_EQ(pendingError(), std::string(name) + ": as planned");
+  startMeasurement(all_.device, all_.pattern, 0);
+  const float before = sample();
+  for (const auto& [function, run] : deviceCalls()) {
+    failSimulatedCall(function, 1, "as planned");
+    run(all_);
+    EXPECT_EQ(pendingError(), std::string(function) + ": as planned");
   }
   // Nothing of all that has happened.
-  EXPECT_DOUBLE_EQ(getDataPropertyFloat(data_, 3), 3.6);
-  EXPECT_EQ(getDataPropertyInt(surface_, 1), 0);
-  executePolarizationProcessing(polarization_, fields_[0], fields_[1]);
-  EXPECT_EQ(getDataPtr(data_)[30], before);
-  getRawDataEx(device_, raws_[0], 0);
+  EXPECT_EQ(rangesOf(all_.data), (Ranges{3.6, 2.0, 1.5}));
+  EXPECT_EQ(sizesOf(all_.surface), Sizes{});
+  compute();
+  EXPECT_EQ(sample(), before);
+  getRawDataEx(all_.device, all_.raws[0], 0);
   EXPECT_EQ(pendingError(), "");
 }
 
 TEST_F(TwoSensors, UnknownFunctionsAndCallsCannotBeScripted) {
-  for (const char* const name : {"isError", "getError", "createSimulatedDevice", "nothing"}) {
-    failSimulatedCall(name, 1, "never");
-    EXPECT_NE(pendingError().find(name), std::string::npos);
-  }
-  failSimulatedCall(nullptr, 1, "never");
-  EXPECT_NE(pendingError(), "");
-  failSimulatedCall("createData", -1, "never");
-  EXPECT_NE(pendingError(), "");
+  for (const char* const name : {"isError", "getError", "createSimulatedDevice", "nothing"})
+    expectErrors({{[&] { failSimulatedCall(name, 1, "never"); }, name}});
+  expectErrors({{[] { failSimulatedCall(nullptr, 1, "never"); }, ""},
+                {[] { failSimulatedCall("createData", -1, "never"); }, ""}});
 }
 
-TEST_F(TwoSensors, NullHandlesAreErrorsInThePolarizationFunctions) {
-  const std::vector<std::pair<const char*, std::function<void()>>> calls{
-      {"clearComplexData", [] { clearComplexData(nullptr); }},
-      {"setComplexDataOutput", [] { setComplexDataOutput(nullptr, nullptr); }},
-      {"getAnalogInputData", [] { getAnalogInputData(nullptr, nullptr); }},
-      {"determineSurface", [] { determineSurface(nullptr, nullptr); }},
-      {"getRelativeReferenceIntensity",
-       [] { EXPECT_EQ(getRelativeReferenceIntensity(nullptr, nullptr), 0.0); }},
-      {"setPolarizationOutputI", [] { setPolarizationOutputI(nullptr, nullptr); }},
-      {"setPolarizationOutputV", [&] { setPolarizationOutputV(polarization_, nullptr); }},
-      {"setPolarizationFlag", [] { setPolarizationFlag(nullptr, 0, 0); }},
-      {"setPolarizationPropertyFloat", [] { setPolarizationPropertyFloat(nullptr, 0, 0.0); }},
-      {"setPolarizationPropertyInt", [] { setPolarizationPropertyInt(nullptr, 0, 1); }},
-      {"executePolarizationProcessing", [] { executePolarizationProcessing(nullptr, nullptr, nullptr); }},
+TEST_F(TwoSensors, NullHandlesAreErrorsEverywhere) {
+  const auto expectNullHandle = [](const Call& call, H handles) {
+    call.run(handles);
+    EXPECT_EQ(pendingError().rfind(std::string(call.function) + ": Null handle", 0), 0u) << call.function;
+  };
+  for (const Call& call : deviceCalls())
+    if (std::string(call.function).rfind("create", 0) != 0) expectNullHandle(call, {});
+  const std::vector<Call> simulatorCalls{
+      {"clearSimulatedDevice", [](H) { clearSimulatedDevice(nullptr); }},
+      {"createSimulatedProcessing", [](H) { EXPECT_EQ(createSimulatedProcessing(nullptr), nullptr); }},
+      {"clearSimulatedProcessing", [](H) { clearSimulatedProcessing(nullptr); }},
+      {"createSimulatedScanPattern",
+       [](H) { EXPECT_EQ(createSimulatedScanPattern(nullptr, 1, 1, 1.0, 1.0), nullptr); }},
+      {"clearSimulatedScanPattern", [](H) { clearSimulatedScanPattern(nullptr); }},
       {"createSimulatedPolarizationProcessing",
-       [] { EXPECT_EQ(createSimulatedPolarizationProcessing(nullptr), nullptr); }},
-      {"clearSimulatedPolarizationProcessing", [] { clearSimulatedPolarizationProcessing(nullptr); }},
-      {"setSimulatedScanRate", [] { setSimulatedScanRate(nullptr, 1.0, 0); }},
-      {"setSimulatedMotion", [] { setSimulatedMotion(nullptr, 0, 0.0, 1.0); }}};
-  for (const auto& [name, call] : calls) {
-    call();
-    EXPECT_EQ(pendingError().rfind(std::string(name) + ": Null handle", 0), 0u) << name;
-  }
+       [](H) { EXPECT_EQ(createSimulatedPolarizationProcessing(nullptr), nullptr); }},
+      {"clearSimulatedPolarizationProcessing", [](H) { clearSimulatedPolarizationProcessing(nullptr); }},
+      {"setSimulatedScanRate", [](H) { setSimulatedScanRate(nullptr, 1.0, 0); }},
+      {"setSimulatedMotion", [](H) { setSimulatedMotion(nullptr, 0, 0.0, 1.0); }},
+      {"setPolarizationOutputV", [](H h) { setPolarizationOutputV(h.polarization, nullptr); }}};
+  for (const Call& call : simulatorCalls) expectNullHandle(call, all_);
 }
 
 }  // namespace
+}  // namespace oct::simulator::test

@@ -1,7 +1,5 @@
 // Live volumes for a long time: memory and OpenGL objects stay flat. Says how many volumes were dropped and
 // how long the worst frame took, which no test can put a bound on.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -11,12 +9,9 @@
 #include <string>
 #include <thread>
 
-#include "oct_device/oct_device.h"
-#include "oct_device/oct_simulator.h"
+#include "live/simulated_live.h"
 #include "support/gl_spy.h"
 #include "support/process_memory.h"
-#include "support/test_context.h"
-#include "support/volume_scene.h"
 #include "volume/volume_renderer.h"
 
 namespace oct::test {
@@ -34,22 +29,17 @@ Seconds duration() {
 }
 
 // A moving finger pad with two lateral sizes in turn, so that every start makes its OpenGL objects anew.
-class LiveSoakTest : public testing::Test {
+class LiveSoakTest : public SimulatedLiveTest {
  protected:
   static constexpr unsigned width = 160;
   static constexpr unsigned height = 120;
 
-  LiveSoakTest() {
-    device_ = createSimulatedDevice(OCT_PHANTOM_FINGER_PAD, 256, 3);
-    setSimulatedMotion(device_, OCT_MOTION_DRIFT, 0.3, 4.0);
+  LiveSoakTest()
+      : SimulatedLiveTest(createSimulatedDevice(OCT_PHANTOM_FINGER_PAD, 256, 3), 48, 24, 3.0, 1.5),
+        patterns_{scan_.pattern, createSimulatedScanPattern(scan_.device, 32, 32, 2.0, 2.0)} {
+    setSimulatedMotion(scan_.device, OCT_MOTION_DRIFT, 0.3, 4.0);
     // About 40 volumes a second, shown at the rate of a screen: other tests run beside this one.
-    setSimulatedScanRate(device_, 50'000.0, OCT_PACING_REAL_TIME);
-    processing_ = createSimulatedProcessing(device_);
-    patterns_[0] = createSimulatedScanPattern(device_, 48, 24, 3.0, 1.5);
-    patterns_[1] = createSimulatedScanPattern(device_, 32, 32, 2.0, 2.0);
-    live_ = createLiveRendering();
-    setLiveVolumeRenderingRenderer(live_, stage_.renderer);
-    source_ = createOnlineDataSource(device_, processing_);
+    setSimulatedScanRate(scan_.device, 50'000.0, OCT_PACING_REAL_TIME);
     setRefIntensityCallback(source_, [](double) { ++volumesAcquired; });
     setErrorCallback(source_, [](const char*) { ++deviceErrors; });
     VolumeScene scene;
@@ -57,13 +47,7 @@ class LiveSoakTest : public testing::Test {
     apply(scene, stage_.renderer);
     setBorder(stage_.renderer, 1, 1, 1);
   }
-  ~LiveSoakTest() override {
-    clearDataSource(source_);
-    clearLiveRendering(live_);
-    for (const ScanPatternHandle pattern : patterns_) clearSimulatedScanPattern(pattern);
-    clearSimulatedProcessing(processing_);
-    clearSimulatedDevice(device_);
-  }
+  ~LiveSoakTest() override { clearSimulatedScanPattern(patterns_[1]); }
 
   std::uint64_t volumesShown() const {
     return reinterpret_cast<const VolumeRenderer*>(stage_.renderer)->source().revision;
@@ -71,8 +55,7 @@ class LiveSoakTest : public testing::Test {
 
   void frame() {
     const auto begin = Clock::now();
-    beginOffscreenFrame(stage_.target, width, height);
-    renderVolume(live_);
+    SimulatedLiveTest::frame(width, height);
     finishOffscreenFrame(stage_.target, picture_.bytes.data());
     worstFrame_ = std::max(worstFrame_, Seconds(Clock::now() - begin));
     ++frames_;
@@ -95,12 +78,7 @@ class LiveSoakTest : public testing::Test {
     ++measurements_;
   }
 
-  VolumeStage stage_;
-  OCTDeviceHandle device_ = nullptr;
-  ProcessingHandle processing_ = nullptr;
-  std::array<ScanPatternHandle, 2> patterns_{};
-  LiveVolumeRenderingHandle live_ = nullptr;
-  LiveDataSourceHandle source_ = nullptr;
+  const std::array<ScanPatternHandle, 2> patterns_;
   Picture picture_{width, height};
   std::mt19937 random_{1};
   int measurements_ = 0;

@@ -150,12 +150,14 @@ TEST_P(Variants, ToUint16) {
 INSTANTIATE_TEST_SUITE_P(Sets, Variants, testing::ValuesIn(vectorSets),
                          [](const auto& test) { return nameOf(test.param); });
 
-TEST(Extremes, IgnoreNanAndKnowTheEmptyArray) {
+TEST(ExtremesAndQuantile, IgnoreNanAndKnowTheEmptyArray) {
   constexpr float infinity = std::numeric_limits<float>::infinity();
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const vec::Extremes none = extremes(nullptr, 0);
   EXPECT_EQ(none.lowest, infinity);
   EXPECT_EQ(none.highest, -infinity);
+  EXPECT_TRUE(std::isnan(quantile(nullptr, 0, 0.5)));
+  EXPECT_TRUE(std::isnan(quantile(&nan, 1, 0.5)));
   const vec::Extremes noNumber = extremes(&nan, 1);
   EXPECT_EQ(noNumber.lowest, infinity);
   EXPECT_EQ(noNumber.highest, -infinity);
@@ -187,12 +189,6 @@ TEST(Quantile, IsTheValueAtItsRank) {
       EXPECT_EQ(found, sorted[rank]) << seed << ", " << share;
     }
   }
-}
-
-TEST(Quantile, OfNothingIsNoNumber) {
-  const float nan = std::numeric_limits<float>::quiet_NaN();
-  EXPECT_TRUE(std::isnan(quantile(nullptr, 0, 0.5)));
-  EXPECT_TRUE(std::isnan(quantile(&nan, 1, 0.5)));
 }
 
 // More values than are counted in one go.
@@ -233,30 +229,30 @@ TEST(Decibels, OfWhatHasNoLogarithm) {
 
 TEST(ToUint16, RoundsHalvesUpAndClamps) {
   using Limits = std::numeric_limits<float>;
-  const std::vector<float> values{0.0F,
-                                  0.49F,
-                                  0.5F,
-                                  1.5F,
-                                  -0.5F,
-                                  -7.0F,
-                                  65534.4F,
-                                  65534.5F,
-                                  65535.4F,
-                                  65536.0F,
-                                  1e30F,
-                                  Limits::infinity(),
-                                  -1e30F,
-                                  -Limits::infinity(),
-                                  Limits::quiet_NaN()};
-  const std::vector<std::uint16_t> expected{0,     0,     1,     2,     0, 0, 65534, 65535,
-                                            65535, 65535, 65535, 65535, 0, 0, 0};
+  const std::pair<float, std::uint16_t> cases[] = {{0.0F, 0},
+                                                   {0.49F, 0},
+                                                   {0.5F, 1},
+                                                   {1.5F, 2},
+                                                   {-0.5F, 0},
+                                                   {-7.0F, 0},
+                                                   {65534.4F, 65534},
+                                                   {65534.5F, 65535},
+                                                   {65535.4F, 65535},
+                                                   {65536.0F, 65535},
+                                                   {1e30F, 65535},
+                                                   {Limits::infinity(), 65535},
+                                                   {-1e30F, 0},
+                                                   {-Limits::infinity(), 0},
+                                                   {Limits::quiet_NaN(), 0}};
+  std::vector<float> values;
+  std::vector<std::uint16_t> expected;
+  for (const auto& [value, number] : cases) values.push_back(value), expected.push_back(number);
   std::vector<std::uint16_t> found(values.size());
   toUint16(found.data(), values.data(), values.size(), 1.0F, 0.0F);
   EXPECT_EQ(found, expected);
   toUint16(found.data(), values.data(), 3, 100.0F, 20.0F);
-  EXPECT_EQ(found[0], 20);
-  EXPECT_EQ(found[1], 69);
-  EXPECT_EQ(found[2], 70);
+  found.resize(3);
+  EXPECT_EQ(found, (std::vector<std::uint16_t>{20, 69, 70}));
 }
 
 }  // namespace

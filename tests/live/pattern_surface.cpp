@@ -1,0 +1,11 @@
+// The function that a library may lack by mistake.
+#include "live/pattern_state.h"
+
+void determineSurface(DataHandle volume, DataHandle surface) {
+  using namespace oct::test;
+  if (!entered("determineSurface", volume, surface)) return;
+  locked([=](PatternState& state) {
+    resize(*surface, volume->size[1], volume->size[2], 1);
+    copyOrClear(state.surface, surface->samples);
+  });
+}

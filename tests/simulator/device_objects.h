@@ -1,0 +1,104 @@
+// Objects of the device library that are cleared with their owner, and what tests ask of them.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "oct_device/oct_device.h"
+#include "oct_device/oct_simulator.h"
+
+namespace oct::simulator::test {
+
+/// Fetches the pending error of the device library, empty if there is none.
+inline std::string pendingError() {
+  char text[512] = "unchanged";
+  return getError(text, sizeof text) ? text : "";
+}
+
+/// A device with a processing and a scan pattern.
+struct Scan {
+  Scan(OCTDeviceHandle ownedDevice, int aScans, int bScans, double widthMm, double lengthMm)
+      : device(ownedDevice),
+        processing(createSimulatedProcessing(device)),
+        pattern(createSimulatedScanPattern(device, aScans, bScans, widthMm, lengthMm)) {}
+  ~Scan() {
+    clearSimulatedScanPattern(pattern);
+    clearSimulatedProcessing(processing);
+    clearSimulatedDevice(device);
+  }
+  Scan(const Scan&) = delete;
+  Scan& operator=(const Scan&) = delete;
+
+  const OCTDeviceHandle device;
+  const ProcessingHandle processing;
+  const ScanPatternHandle pattern;
+};
+
+/// Owns a handle.
+template <auto create, auto clear>
+class Owned {
+ public:
+  Owned() : handle_(create()) {}
+  ~Owned() { clear(handle_); }
+  Owned(const Owned&) = delete;
+  Owned& operator=(const Owned&) = delete;
+  operator decltype(create())() const { return handle_; }
+
+ private:
+  const decltype(create()) handle_;
+};
+using OwnedRawData = Owned<createRawData, clearRawData>;
+using OwnedData = Owned<createData, clearData>;
+using OwnedComplexData = Owned<createComplexData, clearComplexData>;
+
+using Sizes = std::array<int, 3>;
+using Ranges = std::array<double, 3>;
+
+inline Sizes sizesOf(DataHandle data) {
+  return {getDataPropertyInt(data, OCT_DATA_SIZE_1), getDataPropertyInt(data, OCT_DATA_SIZE_2),
+          getDataPropertyInt(data, OCT_DATA_SIZE_3)};
+}
+
+inline Ranges rangesOf(DataHandle data) {
+  return {getDataPropertyFloat(data, OCT_DATA_RANGE_1), getDataPropertyFloat(data, OCT_DATA_RANGE_2),
+          getDataPropertyFloat(data, OCT_DATA_RANGE_3)};
+}
+
+inline std::vector<float> samplesOf(DataHandle data) {
+  const float* const samples = getDataPtr(data);
+  const auto bytes = static_cast<std::size_t>(getDataPropertyInt(data, OCT_DATA_BYTE_COUNT));
+  return {samples, samples + bytes / sizeof(float)};
+}
+
+/// A call that fails, and words of its error.
+struct WrongCall {
+  std::function<void()> call;
+  std::string words;
+};
+
+inline void expectErrors(const std::vector<WrongCall>& calls) {
+  for (std::size_t i = 0; i < calls.size(); ++i) {
+    SCOPED_TRACE(i);
+    EXPECT_EQ(isError(), 0) << "before";
+    calls[i].call();
+    const std::string error = pendingError();
+    EXPECT_NE(error, "");
+    EXPECT_NE(error.find(calls[i].words), std::string::npos) << error;
+  }
+}
+
+/// Every test ends without an error that nobody has fetched and without objects.
+class DeviceObjectsTest : public testing::Test {
+ protected:
+  DeviceObjectsTest() { pendingError(); }
+  ~DeviceObjectsTest() override {
+    EXPECT_EQ(pendingError(), "");
+    EXPECT_EQ(getSimulatedObjectCount(), 0);
+  }
+};
+
+}  // namespace oct::simulator::test
