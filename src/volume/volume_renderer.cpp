@@ -182,9 +182,7 @@ void VolumeRenderer::drawVolume(const VolumeFrame& frame) {
   glDepthFunc(GL_LEQUAL);
   if (!frame.volumeShown()) return;
   if (settings_.renderingMode == RenderingMode::sectionalView) {
-    glPolygonOffset(1.0F, 2.0F);
-    elements_.sectionalView.draw(frame);
-    elements_.sectionalView.drawOutline(frame);
+    drawSections(frame);
     return;
   }
   if (clipPlane_.enabled()) {
@@ -197,6 +195,17 @@ void VolumeRenderer::drawVolume(const VolumeFrame& frame) {
   if (settings_.removeSegment) elements_.drawRemovedSegment(frame, ElementPass::inFront);
   // The rays covered the border's part on the cut.
   if (clipPlane_.enabled()) elements_.drawClipPlaneBorder(frame, ElementPass::inFront);
+}
+
+// A far side that stands towards the eye, as it does until here, hides slices that lie on it or close by.
+void VolumeRenderer::drawSections(const VolumeFrame& frame) {
+  beginDepth();
+  glPolygonOffset(2.0F, 8.0F);
+  drawFarSide(frame);
+  glDepthFunc(GL_LEQUAL);
+  glPolygonOffset(1.0F, 2.0F);
+  elements_.sectionalView.draw(frame);
+  elements_.sectionalView.drawOutline(frame);
 }
 
 void VolumeRenderer::drawSurface(const VolumeFrame& frame) {

@@ -75,6 +75,7 @@ class VolumeRenderer : public AbstractRenderer {
   void drawFarSide(const VolumeFrame& frame);
   void drawBehindVolume(const VolumeFrame& frame);
   void drawVolume(const VolumeFrame& frame);
+  void drawSections(const VolumeFrame& frame);
   void drawSurface(const VolumeFrame& frame);
   void drawInFront(const VolumeFrame& frame);
   void finishFrame();

@@ -141,6 +141,9 @@ TEST(SectionalViewImageTest, EqualsTheArithmetic) {
       {"one hidden", {Section{true, 0.3F}, Section{false, 0.6F}, Section{true, 0.6F}}},
       {"translucent", {Section{true, 0.3F}, Section{true, 0.6F}, Section{true, 0.55F}}, true},
       {"overlay", {Section{true, 0.5F}, Section{true, 0.4F}, Section{true, 0.25F}}, false, true},
+      {"low faces", {Section{true, 0.0F}, Section{true, 0.0F}, Section{true, 0.0F}}},
+      {"high faces", {Section{true, 1.0F}, Section{true, 1.0F}, Section{true, 1.0F}}},
+      {"beside the faces", {Section{true, 0.99F}, Section{true, 0.01F}, Section{true, 0.01F}}, true},
       {"none", {Section{false, 0.5F}, Section{false, 0.5F}, Section{false, 0.5F}}},
   };
   VolumeStage stage;
