@@ -1,6 +1,7 @@
-// A whole B-scan frame, 1024 x 2048 floats into 1024 x 1024 pixels, against the parts that no implementation can do
-// without, measured in turn in the same run: copying the client's samples, uploading them, drawing as many pixels, each
-// the mean of two samples, with the least possible shader, reading them back. Absolute times mean little on a shared machine; "ratio" is the result.
+// A whole B-scan frame, 1024 x 2048 floats into 1024 x 1024 pixels, against the parts that no implementation
+// can do without, measured in turn in the same run: copying the client's samples, uploading them, drawing as
+// many pixels, each the mean of two samples, with the least possible shader, reading them back. Absolute
+// times mean little on a shared machine; "ratio" is the result.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -104,7 +105,8 @@ double milliseconds(Work&& work) {
 
 void frameAgainstItsParts(benchmark::State& state) {
   std::vector<float> image(static_cast<std::size_t>(depth) * aScans);
-  for (std::size_t i = 0; i < image.size(); ++i) image[i] = static_cast<float>(i * 2654435761U % 1000U) / 1000.0F;
+  for (std::size_t i = 0; i < image.size(); ++i)
+    image[i] = static_cast<float>(i * 2654435761U % 1000U) / 1000.0F;
   std::vector<unsigned char> pixels(width * height * 4);
 
   const OffscreenTargetHandle target = createOffscreenTarget();
@@ -151,7 +153,12 @@ void frameAgainstItsParts(benchmark::State& state) {
   clearDisplayRendering(display);
   clearOffscreenTarget(target);
 }
-BENCHMARK(frameAgainstItsParts)->ArgName("filters")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(frameAgainstItsParts)
+    ->ArgName("filters")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 }  // namespace
 

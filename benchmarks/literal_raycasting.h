@@ -1,5 +1,5 @@
-// The ray casting algorithms written down plainly, one after the other: what the library's programs are measured
-// against, and have to agree with.
+// The ray casting algorithms written down plainly, one after the other: what the library's programs are
+// measured against, and have to agree with.
 #pragma once
 
 namespace oct::literal {

@@ -57,7 +57,8 @@ class Scene {
     source_.volume = volume_.get();
     colormaps_.create();
     colormaps_.find(oct::ColormapRole::main)->setColors(mode == 3 ? ramp(1.0, 1.0) : ramp(0.12, 2.0));
-    colormaps_.find(oct::ColormapRole::main)->setBoundaries(oct::benchmark_scene::lowerValue, oct::benchmark_scene::upperValue);
+    colormaps_.find(oct::ColormapRole::main)
+        ->setBoundaries(oct::benchmark_scene::lowerValue, oct::benchmark_scene::upperValue);
     colormaps_.uploadChanged();
     ours_.loadRaycasting();
     plain_.raycastingBack.load("raycasting_back_program", oct::shaders::raycasting_back_vert,

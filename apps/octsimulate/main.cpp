@@ -78,7 +78,8 @@ std::string npyHeader(const std::string& shape) {
   text.append(63 - (prefix + text.size()) % 64, ' ');
   text += '\n';
   const auto size = static_cast<unsigned>(text.size());
-  return std::string("\x93NUMPY\x01\x00", 8) + static_cast<char>(size & 0xFFU) + static_cast<char>(size >> 8U) + text;
+  return std::string("\x93NUMPY\x01\x00", 8) + static_cast<char>(size & 0xFFU) +
+         static_cast<char>(size >> 8U) + text;
 }
 
 // In the file depth runs along the rows of each B-scan, as in a picture.
@@ -136,8 +137,8 @@ int main(int argc, char** argv) {
     const Volume volume = measure(scan);
     write(volume, scan.output);
     std::cout << scan.output << ": " << volume.depth << " x " << volume.aScans << " x " << volume.bScans
-              << " samples (depth, A-scans, B-scans), " << volume.millimetres[0] << " x " << volume.millimetres[1]
-              << " x " << volume.millimetres[2] << " mm\n";
+              << " samples (depth, A-scans, B-scans), " << volume.millimetres[0] << " x "
+              << volume.millimetres[1] << " x " << volume.millimetres[2] << " mm\n";
     return 0;
   } catch (const std::exception& error) {
     std::cerr << "octsimulate: " << error.what() << '\n';

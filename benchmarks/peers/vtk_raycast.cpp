@@ -80,8 +80,8 @@ int main(int argc, char** argv) {
   image->AllocateScalars(VTK_FLOAT, 1);
   std::memcpy(image->GetScalarPointer(), voxels.data(), voxels.size() * sizeof(float));
 
-  // The step of our 128 slices: the diagonal of the unit cube. The mapper steps in the image's own units, before the
-  // volume's matrix.
+  // The step of our 128 slices: the diagonal of the unit cube. The mapper steps in the image's own units,
+  // before the volume's matrix.
   const double step = std::sqrt(3.0) / 128.0;
   vtkNew<vtkOpenGLGPUVolumeRayCastMapper> mapper;
   mapper->SetInputData(image);

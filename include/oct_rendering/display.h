@@ -14,13 +14,14 @@ extern "C" {
 /**
  * @defgroup display Display of B-scans
  *
- * Order of calls: createDisplayRendering(); with the context current initDisplayRendering(); settings at any time
- * from any thread; renderDisplay() per frame; with the context current uninitDisplayRendering();
+ * Order of calls: createDisplayRendering(); with the context current initDisplayRendering(); settings at any
+ * time from any thread; renderDisplay() per frame; with the context current uninitDisplayRendering();
  * clearDisplayRendering().
  *
- * The picture fills the current viewport. Depth runs down the screen and A-scans run to the right. A pixel that
- * covers several samples shows the mean of as many, from the sample below its centre on. A sample v is coloured by the colour map at
- * (v - Lower) / (Upper - Lower): 0 and below is its first entry, 1 and above its last, linear in between.
+ * The picture fills the current viewport. Depth runs down the screen and A-scans run to the right. A pixel
+ * that covers several samples shows the mean of as many, from the sample below its centre on. A sample v is
+ * coloured by the colour map at (v - Lower) / (Upper - Lower): 0 and below is its first entry, 1 and above
+ * its last, linear in between.
  *
  * Every function refuses a null handle with "Invalid DisplayRenderingHandle specified. ", except
  * clearDisplayRendering(), which ignores it.
@@ -35,8 +36,8 @@ extern "C" {
 OCT_API DisplayRenderingHandle createDisplayRendering(void);
 
 /**
- * @brief Frees a renderer. Call uninitDisplayRendering() first; OpenGL objects that are still held are deleted
- *        when their context is current and otherwise left to die with it.
+ * @brief Frees a renderer. Call uninitDisplayRendering() first; OpenGL objects that are still held are
+ * deleted when their context is current and otherwise left to die with it.
  * @param Handle The renderer; null is ignored.
  * @thread Any thread, after every other call with this handle has returned.
  */
@@ -56,7 +57,8 @@ OCT_API void clearDisplayRendering(DisplayRenderingHandle Handle);
 OCT_API void initDisplayRendering(DisplayRenderingHandle Handle);
 
 /**
- * @brief Deletes what initDisplayRendering() built. Settings and images stay. Does nothing when not initialised.
+ * @brief Deletes what initDisplayRendering() built. Settings and images stay. Does nothing when not
+ * initialised.
  * @param Handle The renderer.
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. "; "An OpenGL error in DisplayRenderer::uninit occured: ..."
@@ -65,13 +67,14 @@ OCT_API void initDisplayRendering(DisplayRenderingHandle Handle);
 OCT_API void uninitDisplayRendering(DisplayRenderingHandle Handle);
 
 /**
- * @brief Draws one frame into the current framebuffer and viewport. Clears the framebuffer with the background
- *        colour first. Before initDisplayRendering() it draws nothing and writes to the library log.
+ * @brief Draws one frame into the current framebuffer and viewport. Clears the framebuffer with the
+ * background colour first. Before initDisplayRendering() it draws nothing and writes to the library log.
  * @param Handle The renderer.
  * @par Errors
- * "Invalid DisplayRenderingHandle specified. "; "No OpenGL context is current on the calling thread. "; "Cannot
- * generate a texture of the required size. " (no image was set, or it is larger than the driver allows); "Invalid
- * texture for rendering...."; "Could not create OpenGL buffer."; "An OpenGL error in ... occured: ..."
+ * "Invalid DisplayRenderingHandle specified. "; "No OpenGL context is current on the calling thread. ";
+ * "Cannot generate a texture of the required size. " (no image was set, or it is larger than the driver
+ * allows); "Invalid texture for rendering...."; "Could not create OpenGL buffer."; "An OpenGL error in ...
+ * occured: ..."
  * @thread Rendering thread. Image setters of other threads wait until the frame is drawn.
  */
 OCT_API void renderDisplay(DisplayRenderingHandle Handle);
@@ -121,8 +124,8 @@ OCT_API void clearDisplayData(DisplayRenderingHandle Handle);
 OCT_API void setGammaCorrection(DisplayRenderingHandle Handle, float Gamma);
 
 /**
- * @brief Switches two Gaussian smoothings of the image, each 5 by 5 samples with the weights 0.1, 0.2, 0.4, 0.2,
- *        0.1 along either axis. The first runs before the pepper filter, the second after it.
+ * @brief Switches two Gaussian smoothings of the image, each 5 by 5 samples with the weights 0.1, 0.2, 0.4,
+ * 0.2, 0.1 along either axis. The first runs before the pepper filter, the second after it.
  * @param Handle The renderer.
  * @param First Non-zero switches the first smoothing on, 0 off (the start).
  * @param Second The same for the second smoothing.
@@ -143,7 +146,8 @@ OCT_API void setDisplayBlur(DisplayRenderingHandle Handle, int First, int Second
 OCT_API void setDisplayFlip(DisplayRenderingHandle Handle, int Flip);
 
 /**
- * @brief Checks the handle and does nothing else: a pixel always shows the mean of the samples that it covers.
+ * @brief Checks the handle and does nothing else: a pixel always shows the mean of the samples that it
+ * covers.
  * @param Handle The renderer.
  * @param Reduction Ignored.
  * @par Errors
@@ -185,11 +189,12 @@ OCT_API void setBackgroundColor(DisplayRenderingHandle Handle, int Color);
 /**
  * @brief Sets the colour map of the image. The start is a ramp from black to white.
  * @param Handle The renderer.
- * @param Colormap @p Count colours of four bytes each: red, green, blue, alpha; copied before the call returns.
+ * @param Colormap @p Count colours of four bytes each: red, green, blue, alpha; copied before the call
+ * returns.
  * @param Count Number of colours, from 1 to the driver's texture limit (16384 on most).
  * @par Errors
- * "Invalid DisplayRenderingHandle specified. "; "The number of colours must not be negative. "; "Colour map data
- * must not be null. ". A count above the driver's limit is reported by the next renderDisplay().
+ * "Invalid DisplayRenderingHandle specified. "; "The number of colours must not be negative. "; "Colour map
+ * data must not be null. ". A count above the driver's limit is reported by the next renderDisplay().
  * @thread Any thread; takes effect, whole, at the next frame.
  */
 OCT_API void setDisplayColormap(DisplayRenderingHandle Handle, const void* Colormap, int Count);
@@ -231,8 +236,8 @@ OCT_API void setDisplayNumberOverlays(DisplayRenderingHandle Handle, int Unused,
 OCT_API void setDisplayOverlayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data);
 
 /**
- * @brief Sets the colour map of one overlay; its alpha blends the overlay over what was drawn before. The start
- *        is a ramp from black to white, opaque.
+ * @brief Sets the colour map of one overlay; its alpha blends the overlay over what was drawn before. The
+ * start is a ramp from black to white, opaque.
  * @param Handle The renderer.
  * @param Overlay Index of the overlay, 0 to OCT_DISPLAY_OVERLAYS - 1.
  * @param Colormap As setDisplayColormap().
@@ -241,7 +246,8 @@ OCT_API void setDisplayOverlayData(DisplayRenderingHandle Handle, int Size1, int
  * As setDisplayColormap(); "The overlay index must be from 0 to 7. "
  * @thread Any thread; takes effect, whole, at the next frame.
  */
-OCT_API void setDisplayOverlayColormap(DisplayRenderingHandle Handle, int Overlay, const void* Colormap, int Count);
+OCT_API void setDisplayOverlayColormap(DisplayRenderingHandle Handle, int Overlay, const void* Colormap,
+                                       int Count);
 
 /**
  * @brief Sets which overlay values the ends of an overlay's colour map stand for. The start is 0 and 1.

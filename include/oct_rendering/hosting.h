@@ -14,8 +14,8 @@ extern "C" {
 /**
  * @defgroup hosting Control loops
  *
- * A control loop draws on a render thread of its own, with an OpenGL context of its own, and hands finished frames
- * over on a return thread:
+ * A control loop draws on a render thread of its own, with an OpenGL context of its own, and hands finished
+ * frames over on a return thread:
  *
  *     prepareOpenGL();
  *     OpenGLControlLoopHandle loop = createOpenGLControlLoop();
@@ -28,31 +28,31 @@ extern "C" {
  *     deleteOpenGLControlLoop(loop);
  *     finishOpenGL();
  *
- * Frames rotate through three buffers. A buffer whose frame the client has not got yet, or is still looking at, is
- * not drawn into: the render thread is at most three frames ahead and then waits. docs/hosting.md says what may be
- * called where.
+ * Frames rotate through three buffers. A buffer whose frame the client has not got yet, or is still looking
+ * at, is not drawn into: the render thread is at most three frames ahead and then waits. docs/hosting.md says
+ * what may be called where.
  *
- * Functions of a loop refuse a null handle with "Invalid OpenGLControlLoopHandle specified. ", those of a control,
- * except deleteUniversalOpenGLControl(), with "The specified OpenGLControlHandle is invalid. ".
+ * Functions of a loop refuse a null handle with "Invalid OpenGLControlLoopHandle specified. ", those of a
+ * control, except deleteUniversalOpenGLControl(), with "The specified OpenGLControlHandle is invalid. ".
  */
 /** @{ */
 
 /**
- * @brief Chooses what the hand-off buffers of the controls and loops created from now on are made of. There is no
- *        falling back from one to the other.
- * @param Sharing 0: Direct3D 9Ex surfaces, shared with OpenGL by WGL_NV_DX_interop (Windows only, the start there);
- *        an image-ready function gets an IDirect3DSurface9*. 1: host memory (the start elsewhere); it gets an
- *        OctHostSurface*.
+ * @brief Chooses what the hand-off buffers of the controls and loops created from now on are made of. There
+ * is no falling back from one to the other.
+ * @param Sharing 0: Direct3D 9Ex surfaces, shared with OpenGL by WGL_NV_DX_interop (Windows only, the start
+ * there); an image-ready function gets an IDirect3DSurface9*. 1: host memory (the start elsewhere); it gets
+ * an OctHostSurface*.
  * @par Errors
- * "Invalid surface sharing selected. "; on systems without Direct3D "Ressouce sharing between OpenGL and DirectX not
- * supported. "
+ * "Invalid surface sharing selected. "; on systems without Direct3D "Ressouce sharing between OpenGL and
+ * DirectX not supported. "
  * @thread Any thread.
  */
 OCT_API void setSurfaceSharing(int Sharing);
 
 /**
- * @brief Starts the thread that owns the hidden windows of all controls. Without it every first control starts that
- *        thread and every last one ends it. Does nothing when called again.
+ * @brief Starts the thread that owns the hidden windows of all controls. Without it every first control
+ * starts that thread and every last one ends it. Does nothing when called again.
  * @par Errors
  * Reasons of the window system.
  * @thread Any thread, before the first control or loop is created.
@@ -60,28 +60,29 @@ OCT_API void setSurfaceSharing(int Sharing);
 OCT_API void prepareOpenGL(void);
 
 /**
- * @brief Ends what prepareOpenGL() started, at the latest when the last control is gone. Does nothing when called
- *        again.
+ * @brief Ends what prepareOpenGL() started, at the latest when the last control is gone. Does nothing when
+ * called again.
  * @thread Any thread but the callbacks' ones, after the last control and loop was deleted.
  */
 OCT_API void finishOpenGL(void);
 
 /**
  * @brief Makes a loop without init, uninit and error functions. Returns when its render thread is up.
- * @return The loop, to be freed with deleteOpenGLControlLoop(); null on failure. A loop whose render thread could
- *        not be set up draws nothing; the reason is in the library log.
+ * @return The loop, to be freed with deleteOpenGLControlLoop(); null on failure. A loop whose render thread
+ * could not be set up draws nothing; the reason is in the library log.
  * @thread Any thread.
  */
 OCT_API OpenGLControlLoopHandle createOpenGLControlLoop(void);
 
 /**
  * @brief Makes a loop that tells about its render thread.
- * @param Init Called on the render thread with the context current, before the first frame; may still be running
- *        when this function returns. Null: none.
- * @param Uninit Called on the render thread with the context current, after the last frame and the last image-ready
- *        call. Not called when the render thread ended with an error. Null: none.
- * @param Error Called on the render thread with the reason when an error ends it, among them "Cannot properly create
- *        an OpenGLControl.", "Could not generate render target. " and "Rendering could not finish within one second. ".
+ * @param Init Called on the render thread with the context current, before the first frame; may still be
+ * running when this function returns. Null: none.
+ * @param Uninit Called on the render thread with the context current, after the last frame and the last
+ * image-ready call. Not called when the render thread ended with an error. Null: none.
+ * @param Error Called on the render thread with the reason when an error ends it, among them "Cannot properly
+ * create an OpenGLControl.", "Could not generate render target. " and "Rendering could not finish within one
+ * second. ".
  * @return As createOpenGLControlLoop().
  * @thread Any thread.
  */
@@ -90,8 +91,8 @@ OCT_API OpenGLControlLoopHandle createOpenGLControlLoopCB(OctLoopFunction Init, 
 
 /**
  * @brief Ends both threads of a loop and frees it. A running snapshot is finished first; frames that wait are
- *        dropped. From the line "OpenGL control loop finished. Callbacks can be freed now. " on the standard output
- *        on, no function of the client is called any more.
+ *        dropped. From the line "OpenGL control loop finished. Callbacks can be freed now. " on the standard
+ * output on, no function of the client is called any more.
  * @param Handle The loop.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "; from one of the loop's own callbacks the system's text for a
@@ -109,21 +110,24 @@ OCT_API void deleteOpenGLControlLoop(OpenGLControlLoopHandle Handle);
  * "Invalid OpenGLControlLoopHandle specified. "
  * @thread Any thread, but not from inside a render function; waits until the one before has returned.
  */
-OCT_API void registerOpenGLControlLoopRenderCallback(OpenGLControlLoopHandle Handle, OctRenderFunction Render);
+OCT_API void registerOpenGLControlLoopRenderCallback(OpenGLControlLoopHandle Handle,
+                                                     OctRenderFunction Render);
 
 /**
  * @brief Sets the function that receives the frames.
  * @param Handle The loop.
- * @param ImageReady Called on the return thread, smallest waiting key first. Null removes the function set before.
+ * @param ImageReady Called on the return thread, smallest waiting key first. Null removes the function set
+ * before.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "
  * @thread Any thread, but not from inside an image-ready function; waits until the one before has returned.
  */
-OCT_API void registerOpenGLControlLoopCallback(OpenGLControlLoopHandle Handle, OctImageReadyFunction ImageReady);
+OCT_API void registerOpenGLControlLoopCallback(OpenGLControlLoopHandle Handle,
+                                               OctImageReadyFunction ImageReady);
 
 /**
- * @brief Asks for a frame with id 0 and returns at once. An id that is waiting already is not added again. Every
- *        call leaves a line in the file render_calls.txt in C:\tmp (Linux: /tmp), where that can be written.
+ * @brief Asks for a frame with id 0 and returns at once. An id that is waiting already is not added again.
+ * Every call leaves a line in the file render_calls.txt in C:\tmp (Linux: /tmp), where that can be written.
  * @param Handle The loop.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. " on the standard error stream; nothing becomes pending.
@@ -142,15 +146,16 @@ OCT_API void renderOpenGLControlLoop(OpenGLControlLoopHandle Handle);
 OCT_API void renderMultOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Id);
 
 /**
- * @brief Draws a frame of any size into client memory and returns when it is there. Does nothing while another
- *        snapshot of this loop is running. A loop without a size draws the snapshot when it gets one.
+ * @brief Draws a frame of any size into client memory and returns when it is there. Does nothing while
+ * another snapshot of this loop is running. A loop without a size draws the snapshot when it gets one.
  * @param Handle The loop.
  * @param Width Pixels, 0 or more.
  * @param Height Pixels, 0 or more.
  * @param Data Receives Width * Height * 4 bytes: blue, green, red, alpha; bottom row first.
  * @par Errors
- * "Invalid OpenGLControlLoopHandle specified. "; "Valid data pointer must be provided to take snapshot. "; "Snapshot
- * sizes must not be negative. "; "The snapshot is too large. "; "The rendering thread of the control loop has ended.
+ * "Invalid OpenGLControlLoopHandle specified. "; "Valid data pointer must be provided to take snapshot. ";
+ * "Snapshot sizes must not be negative. "; "The snapshot is too large. "; "The rendering thread of the
+ * control loop has ended.
  * "; from a function on the render thread the system's text for a resource deadlock.
  * @thread Any thread but the loop's render thread.
  */
@@ -170,9 +175,9 @@ OCT_API void resizeOpenGLControlLoop(OpenGLControlLoopHandle Handle, unsigned in
 /**
  * @brief Sets how requests are served.
  * @param Handle The loop.
- * @param Mode 0: every request is drawn once. 1 (the start): all requests are drawn in turn, for ever, as fast as
- *        the client takes the frames. 2: the first request is drawn again and again; meant for snapshots, which set
- *        and leave it on their own. While mode 2 is in force another mode is kept until the snapshot ends.
+ * @param Mode 0: every request is drawn once. 1 (the start): all requests are drawn in turn, for ever, as
+ * fast as the client takes the frames. 2: the first request is drawn again and again; meant for snapshots,
+ * which set and leave it on their own. While mode 2 is in force another mode is kept until the snapshot ends.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "
  * @thread Any thread.
@@ -180,7 +185,8 @@ OCT_API void resizeOpenGLControlLoop(OpenGLControlLoopHandle Handle, unsigned in
 OCT_API void OpenGLControlLoopMode(OpenGLControlLoopHandle Handle, unsigned int Mode);
 
 /**
- * @brief Checks the handle and does nothing else. A frame is given back by returning from the image-ready function.
+ * @brief Checks the handle and does nothing else. A frame is given back by returning from the image-ready
+ * function.
  * @param Handle The loop.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "
@@ -201,11 +207,11 @@ OCT_API void glRenderTestImage(void);
  * @param Handle The loop.
  * @param Width Pixels, 1 or more.
  * @param Height Pixels, 1 or more.
- * @return IDirect3DSurface9* (X8R8G8B8, a render target) or OctHostSurface*, to be freed with destroyDXSurface();
- *        null on failure. It may outlive the loop.
+ * @return IDirect3DSurface9* (X8R8G8B8, a render target) or OctHostSurface*, to be freed with
+ * destroyDXSurface(); null on failure. It may outlive the loop.
  * @par Errors
- * "Invalid OpenGLControlLoopHandle specified. "; "A surface must not be empty. "; "The surface is too large. ";
- * "Could not generate render target. "; "An error occured creating the Direct 3D device. "
+ * "Invalid OpenGLControlLoopHandle specified. "; "A surface must not be empty. "; "The surface is too large.
+ * "; "Could not generate render target. "; "An error occured creating the Direct 3D device. "
  * @thread Any thread.
  */
 OCT_API void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width, unsigned int Height);
@@ -216,7 +222,8 @@ OCT_API void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width
  * @param Source A surface of createDXSurface() or, inside an image-ready function, the frame's.
  * @param Destination A surface of createDXSurface().
  * @par Errors
- * "Invalid OpenGLControlLoopHandle specified. "; "A surface to copy must not be null. "; "Could not copy the surface: ..."
+ * "Invalid OpenGLControlLoopHandle specified. "; "A surface to copy must not be null. "; "Could not copy the
+ * surface: ..."
  * @thread Any thread; nobody else may write either surface meanwhile.
  */
 OCT_API void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* Destination);
@@ -235,8 +242,8 @@ OCT_API void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface);
  * @brief Makes a control and leaves its context current on the calling thread.
  * @return The control, to be freed with deleteUniversalOpenGLControl(); null on failure.
  * @par Errors
- * "Cannot properly create an OpenGLControl." (no context, or no surface sharing, within a second); reasons of the
- * window system; "OpenGL 3.3 required. Version is currently ..."
+ * "Cannot properly create an OpenGLControl." (no context, or no surface sharing, within a second); reasons of
+ * the window system; "OpenGL 3.3 required. Version is currently ..."
  * @thread Any thread; that thread owns the control.
  */
 OCT_API OpenGLControlHandle createUniversalOpenGLControl(void);
@@ -264,8 +271,8 @@ OCT_API void updateBuffer(OpenGLControlHandle Handle);
 OCT_API void readBuffer(OpenGLControlHandle Handle);
 
 /**
- * @brief Makes the control's context current and draws a coloured triangle, turned one degree further before every
- *        call.
+ * @brief Makes the control's context current and draws a coloured triangle, turned one degree further before
+ * every call.
  * @param Handle The control.
  * @par Errors
  * "The specified OpenGLControlHandle is invalid. "

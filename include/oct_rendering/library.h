@@ -29,10 +29,11 @@ OCT_API const char* getRendererVersion(void);
 OCT_API int isRendererError(void);
 
 /**
- * @brief Reads and clears one pending error: the calling thread's own, else that of the thread with the lowest
- *        identifier.
+ * @brief Reads and clears one pending error: the calling thread's own, else that of the thread with the
+ * lowest identifier.
  * @param Message Receives the text with its terminating NUL, at most @p Size bytes in all; a longer text is
- *        cut. Null discards the text. Untouched when no error is pending. A text that concerns the whole process
+ *        cut. Null discards the text. Untouched when no error is pending. A text that concerns the whole
+ * process
  *        ("Processor with SSE 4.2 required for proper operation.") stays pending after it was read.
  * @param Size Size of @p Message in bytes; with 0 or less nothing is written.
  * @return OCT_RENDERER_ERROR when an error was pending, else 0.
@@ -42,8 +43,8 @@ OCT_API int getRendererError(char* Message, int Size);
 
 /**
  * @brief Sets the file that the library log is appended to, for every process that has the library loaded.
- * @param FileName Path of the file as a NUL-terminated string of at most 1024 bytes; null or empty: no file. The
- *        text is copied. A file that cannot be opened loses the log, nothing else.
+ * @param FileName Path of the file as a NUL-terminated string of at most 1024 bytes; null or empty: no file.
+ * The text is copied. A file that cannot be opened loses the log, nothing else.
  * @par Errors
  * "Filename for logging is too long. Filename is limited to 1024 characters. "
  * @thread Any thread.

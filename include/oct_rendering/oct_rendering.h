@@ -6,11 +6,11 @@
  * are plain C functions over opaque handles; the header compiles as C99 and as C++.
  *
  * @section errors Errors
- * No exception leaves a function. A function that fails writes "An error occured: " and the reason as one line
- * to the standard error stream, keeps the reason as the *pending error* of the calling thread, and returns its
- * neutral result (null, 0 or nothing). Poll with isRendererError(), read and clear with getRendererError(). The
- * first error of a thread stays until it is read; later errors of that thread reach the standard error stream
- * only. Reasons end in one blank where they are shown with one below.
+ * No exception leaves a function. A function that fails writes "An error occured: " and the reason as one
+ * line to the standard error stream, keeps the reason as the *pending error* of the calling thread, and
+ * returns its neutral result (null, 0 or nothing). Poll with isRendererError(), read and clear with
+ * getRendererError(). The first error of a thread stays until it is read; later errors of that thread reach
+ * the standard error stream only. Reasons end in one blank where they are shown with one below.
  *
  * @section misuse Misuse
  * A negative size or count, null data with a size above zero, sizes whose product is not addressable and an
@@ -20,7 +20,8 @@
  * @section threads Threads
  * Every function names its thread rule. "Any thread" means that the function may run while another thread
  * renders with the same handle. "Rendering thread" means the thread whose OpenGL context is current; init,
- * render and uninit of one renderer need the same context current (OpenGL 3.3 or later, core or compatibility).
+ * render and uninit of one renderer need the same context current (OpenGL 3.3 or later, core or
+ * compatibility).
  *
  * @section words Words
  * An A-scan is one depth profile; a B-scan is a row of A-scans. Images are arrays of 32-bit floats with depth

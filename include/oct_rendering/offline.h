@@ -14,13 +14,15 @@ extern "C" {
 /**
  * @defgroup offline Offline volumes
  *
- * Shows a volume that the client holds in memory. Order of calls, on the rendering thread: createOfflineRendering();
- * setOfflineRenderingRenderer() with an initialised volume renderer; setOfflineAspectRatio(); allocateOfflineVolume();
- * uploads; renderOfflineVolume() per frame; clearOfflineRendering(). The renderer must live as long as it is attached.
+ * Shows a volume that the client holds in memory. Order of calls, on the rendering thread:
+ * createOfflineRendering(); setOfflineRenderingRenderer() with an initialised volume renderer;
+ * setOfflineAspectRatio(); allocateOfflineVolume(); uploads; renderOfflineVolume() per frame;
+ * clearOfflineRendering(). The renderer must live as long as it is attached.
  *
- * A volume is Width * Height * Depth floats with Width (depth in the tissue, samples of an A-scan) fastest and Depth
- * (slices, B-scans) slowest in memory. It is kept with 16 bits per voxel; values keep 11 bits of precision and must lie
- * within -65504 to 65504. An extent may reach the driver's limit for 3-D textures (2048 on most).
+ * A volume is Width * Height * Depth floats with Width (depth in the tissue, samples of an A-scan) fastest
+ * and Depth (slices, B-scans) slowest in memory. It is kept with 16 bits per voxel; values keep 11 bits of
+ * precision and must lie within -65504 to 65504. An extent may reach the driver's limit for 3-D textures
+ * (2048 on most).
  *
  * Every function refuses a null handle with "The specified OfflineRenderingHandle is invalid. ", except
  * clearOfflineRendering(), which ignores it, and uploadOfflineSecondaryData().
@@ -61,21 +63,23 @@ OCT_API void setOfflineRenderingRenderer(OfflineRenderingHandle Handle, VolumeRe
  * "The specified OfflineRenderingHandle is invalid. "
  * @thread Rendering thread.
  */
-OCT_API void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, float Lateral1, float Lateral2);
+OCT_API void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, float Lateral1,
+                                   float Lateral2);
 
 /**
- * @brief Makes the texture of the volume. The sizes it has already: nothing happens and the contents stay. Other
- *        sizes: the volume before is lost, except after an error that names a limit.
+ * @brief Makes the texture of the volume. The sizes it has already: nothing happens and the contents stay.
+ * Other sizes: the volume before is lost, except after an error that names a limit.
  * @param Handle The object, with a renderer attached.
  * @param Width Voxels along the first axis, 0 or more.
  * @param Height Voxels along the second axis.
  * @param Depth Voxels along the third axis, the slices.
  * @par Errors
- * "The specified OfflineRenderingHandle is invalid. "; "Attach a volume renderer before allocating a volume. ";
- * "Volume sizes must not be negative. "; "A volume of ... voxels is too large: this OpenGL driver allows ... voxels
- * along each axis. "; "A volume of ... voxels needs a texture of ... MB, more than this OpenGL driver allows. "; "An
- * OpenGL error in OfflineVolumeRendering::allocate, glTexImage3D occured: ... A volume of ... voxels needs a texture
- * of ... MB, which the driver could not provide. "; "No OpenGL context is current on the calling thread. "
+ * "The specified OfflineRenderingHandle is invalid. "; "Attach a volume renderer before allocating a volume.
+ * "; "Volume sizes must not be negative. "; "A volume of ... voxels is too large: this OpenGL driver allows
+ * ... voxels along each axis. "; "A volume of ... voxels needs a texture of ... MB, more than this OpenGL
+ * driver allows. "; "An OpenGL error in OfflineVolumeRendering::allocate, glTexImage3D occured: ... A volume
+ * of ... voxels needs a texture of ... MB, which the driver could not provide. "; "No OpenGL context is
+ * current on the calling thread. "
  * @thread Rendering thread.
  */
 OCT_API void allocateOfflineVolume(OfflineRenderingHandle Handle, int Width, int Height, int Depth);
@@ -85,8 +89,8 @@ OCT_API void allocateOfflineVolume(OfflineRenderingHandle Handle, int Width, int
  * @param Handle The object.
  * @param Volume Width * Height * Depth floats; read before the call returns.
  * @par Errors
- * "The specified OfflineRenderingHandle is invalid. "; "Volume data must not be null. "; "Allocate a volume before
- * uploading one. "; "An OpenGL error in OfflineVolumeRendering::upload occured: ..."
+ * "The specified OfflineRenderingHandle is invalid. "; "Volume data must not be null. "; "Allocate a volume
+ * before uploading one. "; "An OpenGL error in OfflineVolumeRendering::upload occured: ..."
  * @thread Rendering thread.
  */
 OCT_API void uploadOfflineVolume(OfflineRenderingHandle Handle, const float* Volume);
@@ -106,11 +110,12 @@ OCT_API void uploadOfflineVolumeOverlay(OfflineRenderingHandle Handle, const flo
  * @param Handle The object.
  * @param First Index of the first slice.
  * @param End Index behind the last slice.
- * @param Block Width * Height * (End - First) floats, starting with slice First; read before the call returns. Null:
- *        the volume counts as empty from now on.
+ * @param Block Width * Height * (End - First) floats, starting with slice First; read before the call
+ * returns. Null: the volume counts as empty from now on.
  * @par Errors
- * "The specified OfflineRenderingHandle is invalid. "; "Allocate a volume before uploading one. "; "The slices lie
- * outside the allocated volume. "; "An OpenGL error in OfflineVolumeRendering::upload occured: ..."
+ * "The specified OfflineRenderingHandle is invalid. "; "Allocate a volume before uploading one. "; "The
+ * slices lie outside the allocated volume. "; "An OpenGL error in OfflineVolumeRendering::upload occured:
+ * ..."
  * @thread Rendering thread.
  */
 OCT_API void uploadOfflineSubVolume(OfflineRenderingHandle Handle, int First, int End, const float* Block);
@@ -121,8 +126,8 @@ OCT_API void uploadOfflineSubVolume(OfflineRenderingHandle Handle, int First, in
  * @param Index Index of the slice.
  * @param Slice Width * Height floats; read before the call returns.
  * @par Errors
- * "The specified OfflineRenderingHandle is invalid. "; "Slice data must not be null. "; "Allocate a volume before
- * uploading one. "; "The slices lie outside the allocated volume. "; "An OpenGL error in
+ * "The specified OfflineRenderingHandle is invalid. "; "Slice data must not be null. "; "Allocate a volume
+ * before uploading one. "; "The slices lie outside the allocated volume. "; "An OpenGL error in
  * OfflineVolumeRendering::upload occured: ..."
  * @thread Rendering thread.
  */
@@ -131,18 +136,18 @@ OCT_API void uploadOfflineVolumeSlice(OfflineRenderingHandle Handle, int Index, 
 /**
  * @brief Uploads a volume that is laid over the first one.
  * @param Handle The object, with a volume allocated.
- * @param Volume As many floats as the allocated volume has voxels; read before the call returns. Null frees the
- *        overlay.
+ * @param Volume As many floats as the allocated volume has voxels; read before the call returns. Null frees
+ * the overlay.
  * @par Errors
- * "The specified OfflineRenderingHandle is invalid. "; "Allocate a volume before uploading one. "; reasons of size as
- * allocateOfflineVolume(); "An OpenGL error in OfflineVolumeRendering::upload_overlay occured: ..."
+ * "The specified OfflineRenderingHandle is invalid. "; "Allocate a volume before uploading one. "; reasons of
+ * size as allocateOfflineVolume(); "An OpenGL error in OfflineVolumeRendering::upload_overlay occured: ..."
  * @thread Rendering thread.
  */
 OCT_API void uploadOverlayOfflineVolume(OfflineRenderingHandle Handle, const float* Volume);
 
 /**
- * @brief Uploads images over the two lateral axes that colour the volume in volume mode 3, whole or in blocks. A block
- *        that starts at 0 begins anew.
+ * @brief Uploads images over the two lateral axes that colour the volume in volume mode 3, whole or in
+ * blocks. A block that starts at 0 begins anew.
  * @param Handle The object, with a renderer attached.
  * @param Height Samples along the first lateral axis (model x), the second of the texture.
  * @param Depth Samples along the second lateral axis (model z), the third of the texture.
@@ -151,23 +156,25 @@ OCT_API void uploadOverlayOfflineVolume(OfflineRenderingHandle Handle, const flo
  * @param Count Number of samples of the block along @p Depth.
  * @param Data Width * Height * Count floats; read before the call returns. Null frees the secondary data.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. " (a null handle, or no renderer attached); "The secondary data lies
- * outside its texture. "; "The first block of secondary data must start at 0. "; reasons of size as
+ * "The specified VolumeRendererHandle is invalid. " (a null handle, or no renderer attached); "The secondary
+ * data lies outside its texture. "; "The first block of secondary data must start at 0. "; reasons of size as
  * allocateOfflineVolume(); "An OpenGL error in OfflineVolumeRendering::upload_secondary_data occured: ..."
  * @thread Rendering thread.
  */
-OCT_API void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int Depth, unsigned int Width,
-                                        unsigned int First, unsigned int Count, const float* Data);
+OCT_API void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int Depth,
+                                        unsigned int Width, unsigned int First, unsigned int Count,
+                                        const float* Data);
 
 /**
- * @brief Draws one frame into the current framebuffer and viewport. Does nothing while no renderer is attached;
- *        without a volume the frame shows the rest of the scene.
+ * @brief Draws one frame into the current framebuffer and viewport. Does nothing while no renderer is
+ * attached; without a volume the frame shows the rest of the scene.
  * @param Handle The object.
- * @param ContentType 0: the volume; 1: the overlay volume alone, in its own colours; 2: the volume with the overlay.
+ * @param ContentType 0: the volume; 1: the overlay volume alone, in its own colours; 2: the volume with the
+ * overlay.
  * @par Errors
- * "The specified OfflineRenderingHandle is invalid. "; "Content type is not supported for rendering. "; "Program has
- * not been compiled yet." (the renderer is not initialised); "Could not create OpenGL buffer. "; "An OpenGL error
- * occured. Framebuffer is not complete: ..."; "An OpenGL error in ... occured: ..."
+ * "The specified OfflineRenderingHandle is invalid. "; "Content type is not supported for rendering. ";
+ * "Program has not been compiled yet." (the renderer is not initialised); "Could not create OpenGL buffer. ";
+ * "An OpenGL error occured. Framebuffer is not complete: ..."; "An OpenGL error in ... occured: ..."
  * @thread Rendering thread. Setters of the renderer on other threads wait until the frame is drawn.
  */
 OCT_API void renderOfflineVolume(OfflineRenderingHandle Handle, int ContentType);

@@ -14,8 +14,8 @@ extern "C" {
 /**
  * @defgroup offscreen Offscreen target
  *
- * A hidden window, an OpenGL context and a framebuffer (8 bits per colour channel, 24 bits of depth) for programs
- * that want pixels and have no OpenGL of their own:
+ * A hidden window, an OpenGL context and a framebuffer (8 bits per colour channel, 24 bits of depth) for
+ * programs that want pixels and have no OpenGL of their own:
  *
  *     OffscreenTargetHandle target = createOffscreenTarget();
  *     initDisplayRendering(renderer);
@@ -32,8 +32,8 @@ extern "C" {
  * @brief Makes a hidden window with an OpenGL context and leaves the context current on the calling thread.
  * @return The target, to be freed with clearOffscreenTarget(); null on failure.
  * @par Errors
- * "An error occured. Could not create hidden window for OpenGL output: ..." and the other reasons of the window
- * system; "Could not load OpenGL. "; "OpenGL 3.3 required. Version is currently ..."
+ * "An error occured. Could not create hidden window for OpenGL output: ..." and the other reasons of the
+ * window system; "Could not load OpenGL. "; "OpenGL 3.3 required. Version is currently ..."
  * @thread Any thread; that thread owns the target.
  */
 OCT_API OffscreenTargetHandle createOffscreenTarget(void);
@@ -48,8 +48,8 @@ OCT_API OffscreenTargetHandle createOffscreenTarget(void);
 OCT_API void clearOffscreenTarget(OffscreenTargetHandle Handle);
 
 /**
- * @brief Makes the context current, makes the framebuffer the one that is drawn to and sets the viewport to its
- *        whole size. The contents are undefined until something clears them.
+ * @brief Makes the context current, makes the framebuffer the one that is drawn to and sets the viewport to
+ * its whole size. The contents are undefined until something clears them.
  * @param Handle The target.
  * @param Width Width in pixels, 1 to the driver's renderbuffer limit (16384 on most).
  * @param Height Height in pixels, likewise.

@@ -52,14 +52,15 @@ typedef void (*OctLoopFunction)(void);
 typedef void (*OctRenderFunction)(unsigned int id);
 
 /**
- * @brief Receives a finished frame on the return thread: its key (the id of the request), its size in pixels, and
- *        its surface, which nobody draws into until the function returns.
+ * @brief Receives a finished frame on the return thread: its key (the id of the request), its size in pixels,
+ * and its surface, which nobody draws into until the function returns.
  */
-typedef void (*OctImageReadyFunction)(unsigned int index, unsigned int width, unsigned int height, void* surface);
+typedef void (*OctImageReadyFunction)(unsigned int index, unsigned int width, unsigned int height,
+                                      void* surface);
 
 /**
- * @brief A surface in host memory. Pixels have 8 bits each of blue, green, red and alpha, in this order; the first
- *        row is the bottom one.
+ * @brief A surface in host memory. Pixels have 8 bits each of blue, green, red and alpha, in this order; the
+ * first row is the bottom one.
  */
 typedef struct OctHostSurface {
   unsigned int width;        /**< pixels */

@@ -14,23 +14,24 @@ extern "C" {
 /**
  * @defgroup volume Volume renderer
  *
- * Draws a volume, and the scene around it, into the current framebuffer and viewport. The volume itself comes from
- * an owner that the renderer is attached to: see @ref offline.
+ * Draws a volume, and the scene around it, into the current framebuffer and viewport. The volume itself comes
+ * from an owner that the renderer is attached to: see @ref offline.
  *
- * Order of calls: createVolumeRenderer(); with the context current initializeVolumeRenderer(); settings at any time
- * from any thread; frames through the owner; with the context current uninitializeVolumeRenderer() and
- * deleteVolumeRenderer().
+ * Order of calls: createVolumeRenderer(); with the context current initializeVolumeRenderer(); settings at
+ * any time from any thread; frames through the owner; with the context current uninitializeVolumeRenderer()
+ * and deleteVolumeRenderer().
  *
- * The volume fills a box with corners at -1 and 1 on the model's axes: y is the axial direction (depth, downwards on
- * screen), x and z are the lateral ones. The box is scaled to the physical range, so that its half diagonal is 2
- * whatever the unit. The camera looks at it from a distance of 5.
+ * The volume fills a box with corners at -1 and 1 on the model's axes: y is the axial direction (depth,
+ * downwards on screen), x and z are the lateral ones. The box is scaled to the physical range, so that its
+ * half diagonal is 2 whatever the unit. The camera looks at it from a distance of 5.
  *
- * A frame covers the whole viewport with an opaque picture, translucent volumes included: alpha is 255 everywhere.
+ * A frame covers the whole viewport with an opaque picture, translucent volumes included: alpha is 255
+ * everywhere.
  *
- * A voxel v is coloured by a colour map at (v - Lower) / (Upper - Lower); alpha is opacity. Four colour maps exist:
- * of the volume, of the secondary data, of the overlay volume and of the surface. They live from
- * initializeVolumeRenderer() to uninitializeVolumeRenderer(); setting colours or boundaries outside of that does
- * nothing. Each starts as an opaque ramp from black to white with the boundaries 0 and 1.
+ * A voxel v is coloured by a colour map at (v - Lower) / (Upper - Lower); alpha is opacity. Four colour maps
+ * exist: of the volume, of the secondary data, of the overlay volume and of the surface. They live from
+ * initializeVolumeRenderer() to uninitializeVolumeRenderer(); setting colours or boundaries outside of that
+ * does nothing. Each starts as an opaque ramp from black to white with the boundaries 0 and 1.
  *
  * Every function with a handle refuses null with "The specified VolumeRendererHandle is invalid. ".
  */
@@ -44,9 +45,9 @@ extern "C" {
 OCT_API VolumeRendererHandle createVolumeRenderer(void);
 
 /**
- * @brief Frees a renderer. Waits for a frame that is being drawn. Objects that refer to the renderer must be cleared
- *        before. OpenGL objects that are still held are deleted when their context is current and otherwise left to
- *        die with it.
+ * @brief Frees a renderer. Waits for a frame that is being drawn. Objects that refer to the renderer must be
+ * cleared before. OpenGL objects that are still held are deleted when their context is current and otherwise
+ * left to die with it.
  * @param Handle The renderer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
@@ -55,20 +56,22 @@ OCT_API VolumeRendererHandle createVolumeRenderer(void);
 OCT_API void deleteVolumeRenderer(VolumeRendererHandle Handle);
 
 /**
- * @brief Builds programs and textures in the current context, and the colour maps. Loads OpenGL on the first call of
- *        the process. Calling it again rebuilds them and keeps the colours.
+ * @brief Builds programs and textures in the current context, and the colour maps. Loads OpenGL on the first
+ * call of the process. Calling it again rebuilds them and keeps the colours.
  * @param Handle The renderer.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. "; "Could not load OpenGL. "; "OpenGL 3.0 required. Version is
- * currently ..."; "No OpenGL context is current on the calling thread. "; "Vertex shader compilation failed";
- * "Fragment shader compilation failed"; "" (a program did not link, see the log); "An OpenGL error in ... occured:
+ * "The specified VolumeRendererHandle is invalid. "; "Could not load OpenGL. "; "OpenGL 3.0 required. Version
+ * is currently ..."; "No OpenGL context is current on the calling thread. "; "Vertex shader compilation
+ * failed"; "Fragment shader compilation failed"; "" (a program did not link, see the log); "An OpenGL error
+ * in ... occured:
  * ...". After an error the renderer is not initialised.
  * @thread Rendering thread.
  */
 OCT_API void initializeVolumeRenderer(VolumeRendererHandle Handle);
 
 /**
- * @brief Deletes programs, textures and colour maps. The other settings stay. Does nothing when not initialised.
+ * @brief Deletes programs, textures and colour maps. The other settings stay. Does nothing when not
+ * initialised.
  * @param Handle The renderer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
@@ -77,7 +80,8 @@ OCT_API void initializeVolumeRenderer(VolumeRendererHandle Handle);
 OCT_API void uninitializeVolumeRenderer(VolumeRendererHandle Handle);
 
 /**
- * @brief Forgets the volume and shows neither volume nor surface until the owner or setRenderElements() says so.
+ * @brief Forgets the volume and shows neither volume nor surface until the owner or setRenderElements() says
+ * so.
  * @param Handle The renderer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
@@ -86,7 +90,8 @@ OCT_API void uninitializeVolumeRenderer(VolumeRendererHandle Handle);
 OCT_API void clearVolumeRenderer(VolumeRendererHandle Handle);
 
 /**
- * @brief Turns the volume: first about the screen's horizontal axis, within that about the volume's axial one.
+ * @brief Turns the volume: first about the screen's horizontal axis, within that about the volume's axial
+ * one.
  * @param Handle The renderer.
  * @param X Angle about the x axis in degrees; brought into -180 to 180 by whole turns. The start is 0.
  * @param Y Angle about the y axis in degrees, likewise.
@@ -101,8 +106,8 @@ OCT_API void setAngles(VolumeRendererHandle Handle, double X, double Y);
  * @param Handle The renderer.
  * @param X To the right, in model units (the box's half diagonal is 2).
  * @param Y Upwards.
- * @param Z Towards the viewer, who is at a distance of 5. With perspective, planes at distances 3 and 8 limit what is
- *          drawn.
+ * @param Z Towards the viewer, who is at a distance of 5. With perspective, planes at distances 3 and 8 limit
+ * what is drawn.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
  * @thread Any thread; waits while a frame is being drawn.
@@ -110,8 +115,8 @@ OCT_API void setAngles(VolumeRendererHandle Handle, double X, double Y);
 OCT_API void setTranslation(VolumeRendererHandle Handle, double X, double Y, double Z);
 
 /**
- * @brief Sets the physical extent of the volume, which gives the box its proportions and the scale marks their
- *        numbers. Offline rendering sets it with every frame from setOfflineAspectRatio().
+ * @brief Sets the physical extent of the volume, which gives the box its proportions and the scale marks
+ * their numbers. Offline rendering sets it with every frame from setOfflineAspectRatio().
  * @param Handle The renderer.
  * @param Axial Extent along depth, in millimetres.
  * @param Lateral1 Extent along the second axis of the volume (model x).
@@ -125,8 +130,8 @@ OCT_API void setRange(VolumeRendererHandle Handle, double Axial, double Lateral1
 /**
  * @brief Sets how much the view shows.
  * @param Handle The renderer.
- * @param Zoom With perspective, the vertical field of view less 5 degrees; orthographic, five times the visible width
- *             in model units. The start is 40. Smaller is closer.
+ * @param Zoom With perspective, the vertical field of view less 5 degrees; orthographic, five times the
+ * visible width in model units. The start is 40. Smaller is closer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
  * @thread Any thread; waits while a frame is being drawn.
@@ -187,10 +192,10 @@ OCT_API void setRenderingMode(VolumeRendererHandle Handle, int Mode);
 /**
  * @brief Chooses what a ray makes of the voxels it meets.
  * @param Handle The renderer.
- * @param Mode 0 (the start): composites them by the opacity of the colour map, voxels at the lower boundary and below
- *             being invisible; 1: their maximum; 2: their mean; 3: as 0, with colours modulated by the secondary data
- *             (nothing is drawn without a valid slice of them). With an overlay, mode 0 lays the overlay's maximum
- *             along the ray over the result.
+ * @param Mode 0 (the start): composites them by the opacity of the colour map, voxels at the lower boundary
+ * and below being invisible; 1: their maximum; 2: their mean; 3: as 0, with colours modulated by the
+ * secondary data (nothing is drawn without a valid slice of them). With an overlay, mode 0 lays the overlay's
+ * maximum along the ray over the result.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "Invalid rendering mode selected."
  * @thread Any thread; waits while a frame is being drawn.
@@ -198,8 +203,8 @@ OCT_API void setRenderingMode(VolumeRendererHandle Handle, int Mode);
 OCT_API void setVolumeMode(VolumeRendererHandle Handle, int Mode);
 
 /**
- * @brief Chooses the slices of the sectional view. At the start all are shown, through the middle. Where the colour map
- *        is translucent, what lies behind a slice shines through.
+ * @brief Chooses the slices of the sectional view. At the start all are shown, through the middle. Where the
+ * colour map is translucent, what lies behind a slice shines through.
  * @param Handle The renderer.
  * @param Show1 Non-zero shows the slice across model x (the volume's second axis).
  * @param Position1 Its position along that axis, 0 to 1.
@@ -208,20 +213,21 @@ OCT_API void setVolumeMode(VolumeRendererHandle Handle, int Mode);
  * @param Show3 Non-zero shows the slice across model z (the third axis).
  * @param Position3 Its position.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. "; "Slice positions of sectional view are out of range. Values must
- * be in range from 0.0 to 1.0. "
+ * "The specified VolumeRendererHandle is invalid. "; "Slice positions of sectional view are out of range.
+ * Values must be in range from 0.0 to 1.0. "
  * @thread Any thread; waits while a frame is being drawn.
  */
-OCT_API void setSectionalView(VolumeRendererHandle Handle, int Show1, float Position1, int Show2, float Position2,
-                              int Show3, float Position3);
+OCT_API void setSectionalView(VolumeRendererHandle Handle, int Show1, float Position1, int Show2,
+                              float Position2, int Show3, float Position3);
 
 /**
  * @brief Cuts the volume by a plane that faces the viewer.
  * @param Handle The renderer.
  * @param Enable Non-zero cuts; 0 (the start) does not.
- * @param OpenCut Non-zero leaves the cut open: only what the box's own faces show is drawn. 0 (the start) closes it.
- * @param Value Position of the plane: 0 (the start) just inside the far corner, so that almost everything is cut
- *              away, 1 just inside the near corner.
+ * @param OpenCut Non-zero leaves the cut open: only what the box's own faces show is drawn. 0 (the start)
+ * closes it.
+ * @param Value Position of the plane: 0 (the start) just inside the far corner, so that almost everything is
+ * cut away, 1 just inside the near corner.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
  * @thread Any thread; waits while a frame is being drawn.
@@ -231,8 +237,8 @@ OCT_API void setClipPlane(VolumeRendererHandle Handle, int Enable, int OpenCut, 
 /**
  * @brief Lets the clip plane turn with the volume instead of facing the viewer.
  * @param Handle The renderer.
- * @param Fix Non-zero keeps the orientation that the plane had in the last frame, without which it cuts nothing; 0
- *            (the start) follows the viewer.
+ * @param Fix Non-zero keeps the orientation that the plane had in the last frame, without which it cuts
+ * nothing; 0 (the start) follows the viewer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
  * @thread Any thread; waits while a frame is being drawn.
@@ -242,20 +248,20 @@ OCT_API void fixClipPlane(VolumeRendererHandle Handle, int Fix);
 /**
  * @brief Chooses what is drawn around the volume. At the start everything is.
  * @param Handle The renderer.
- * @param ScaleMarks Non-zero draws scale marks with labels: one edge per axis, in millimetres, as setRange() gives the
- *                   box's extent. Labels keep their size in pixels, a fortieth of the viewport's height (14 to 64).
+ * @param ScaleMarks Non-zero draws scale marks with labels: one edge per axis, in millimetres, as setRange()
+ * gives the box's extent. Labels keep their size in pixels, a fortieth of the viewport's height (14 to 64).
  * @param Edges Non-zero draws the edges of the box.
  * @param Box Non-zero draws the translucent faces of the box, with the volume only.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. ". Where the machine has no font, every frame with scale marks is
- * drawn without labels and reports "No font was found for text labels. "
+ * "The specified VolumeRendererHandle is invalid. ". Where the machine has no font, every frame with scale
+ * marks is drawn without labels and reports "No font was found for text labels. "
  * @thread Any thread; waits while a frame is being drawn.
  */
 OCT_API void setBorder(VolumeRendererHandle Handle, int ScaleMarks, int Edges, int Box);
 
 /**
- * @brief Shows the part of the box that the clip plane cuts away as a ghost: its faces, translucent, in the foreground
- *        colour.
+ * @brief Shows the part of the box that the clip plane cuts away as a ghost: its faces, translucent, in the
+ * foreground colour.
  * @param Handle The renderer.
  * @param Remove Non-zero: on; 0 (the start): off.
  * @par Errors
@@ -265,8 +271,8 @@ OCT_API void setBorder(VolumeRendererHandle Handle, int ScaleMarks, int Edges, i
 OCT_API void setRemoveSegment(VolumeRendererHandle Handle, int Remove);
 
 /**
- * @brief Shows or hides volume and surface. Both are hidden at the start; an upload shows the volume and hides the
- *        surface.
+ * @brief Shows or hides volume and surface. Both are hidden at the start; an upload shows the volume and
+ * hides the surface.
  * @param Handle The renderer.
  * @param Volume Non-zero shows the volume.
  * @param Surface Non-zero shows the surface of setSurface().
@@ -300,12 +306,12 @@ OCT_API void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color
 /**
  * @brief Sets the colour map of the volume.
  * @param Handle The renderer.
- * @param Colormap @p Count colours of four bytes each: red, green, blue, alpha (opacity of one step of a ray); copied
- *        before the call returns.
+ * @param Colormap @p Count colours of four bytes each: red, green, blue, alpha (opacity of one step of a
+ * ray); copied before the call returns.
  * @param Count Number of colours, up to the driver's texture limit (16384 on most); 0: nothing is visible.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. "; "The number of colours must not be negative. "; "Colour map data
- * must not be null. ". A count above the driver's limit is reported by the next frame.
+ * "The specified VolumeRendererHandle is invalid. "; "The number of colours must not be negative. "; "Colour
+ * map data must not be null. ". A count above the driver's limit is reported by the next frame.
  * @thread Any thread; waits while a frame is being drawn. Takes effect at the next one.
  */
 OCT_API void setRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count);
@@ -387,25 +393,26 @@ OCT_API void setOverlayRendererColoringBoundaries(VolumeRendererHandle Handle, d
 OCT_API void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index);
 
 /**
- * @brief Sets the surface, a height map over the two lateral axes. It is drawn over the ray-cast volume, and hides or
- *        is hidden by slices as it lies.
+ * @brief Sets the surface, a height map over the two lateral axes. It is drawn over the ray-cast volume, and
+ * hides or is hidden by slices as it lies.
  * @param Handle The renderer.
  * @param Width Number of samples along the first lateral axis. 0 samples take the surface away.
  * @param Height Number of samples along the second lateral axis.
  * @param Scale Depth of the whole box in the unit of @p Values.
- * @param Values Width * Height floats, row by row: the depth of each sample; copied before the call returns. A sample
- *               that is not finite leaves a hole.
+ * @param Values Width * Height floats, row by row: the depth of each sample; copied before the call returns.
+ * A sample that is not finite leaves a hole.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. "; "The size of a surface must not be negative. "; "Surface data
- * must not be null. "; "The scale of a surface must be a number other than zero. "; "The surface has too many
- * samples. "
+ * "The specified VolumeRendererHandle is invalid. "; "The size of a surface must not be negative. "; "Surface
+ * data must not be null. "; "The scale of a surface must be a number other than zero. "; "The surface has too
+ * many samples. "
  * @thread Any thread; waits while a frame is being drawn.
  */
-OCT_API void setSurface(VolumeRendererHandle Handle, int Width, int Height, double Scale, const float* Values);
+OCT_API void setSurface(VolumeRendererHandle Handle, int Width, int Height, double Scale,
+                        const float* Values);
 
 /**
- * @brief Sets the depths between which the surface runs through its colour map. Call after setSurface(), whose scale
- *        it uses.
+ * @brief Sets the depths between which the surface runs through its colour map. Call after setSurface(),
+ * whose scale it uses.
  * @param Handle The renderer.
  * @param Lower First depth, in the unit of the surface's values.
  * @param Upper Second depth.

@@ -17,9 +17,13 @@ constexpr double kApartMm = 0.28;
 /// Search cells along each side of the square that holds ducts: more than 12 millimetres.
 constexpr int kCells = 34;
 
-int cellIndex(double mm) { return static_cast<int>(std::floor(mm / kCellMm)) + kCells / 2; }
+int cellIndex(double mm) {
+  return static_cast<int>(std::floor(mm / kCellMm)) + kCells / 2;
+}
 
-double distance(LateralPoint a, LateralPoint b) { return std::hypot(a.x - b.x, a.y - b.y); }
+double distance(LateralPoint a, LateralPoint b) {
+  return std::hypot(a.x - b.x, a.y - b.y);
+}
 
 }  // namespace
 
@@ -60,7 +64,9 @@ const Duct* DuctMap::near(double xMm, double yMm) const {
   return nearest;
 }
 
-std::vector<Duct>& DuctMap::cellAt(int ix, int iy) { return cells_[iy * kCells + ix]; }
+std::vector<Duct>& DuctMap::cellAt(int ix, int iy) {
+  return cells_[iy * kCells + ix];
+}
 
 const std::vector<Duct>* DuctMap::findCell(int ix, int iy) const {
   if (ix < 0 || iy < 0 || ix >= kCells || iy >= kCells) return nullptr;

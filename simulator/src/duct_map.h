@@ -17,7 +17,7 @@ struct Duct {
 
 /// Ducts along the crests of the ridges, and a quick search for those near a point.
 class DuctMap {
-public:
+ public:
   DuctMap(std::uint64_t seed, const RidgePattern& ridges);
 
   /// The duct whose axis is nearest, if one lies within the reach of a duct; otherwise null.
@@ -26,7 +26,7 @@ public:
   /// Distance from a duct's axis within which it is seen.
   static constexpr double kReachMm = 0.1;
 
-private:
+ private:
   std::vector<Duct>& cellAt(int ix, int iy);
   const std::vector<Duct>* findCell(int ix, int iy) const;
 

@@ -15,7 +15,7 @@ namespace oct::simulator {
 /// Horny layer with fingerprint ridges and winding sweat ducts, living epidermis, the bright and wavy border
 /// to the dermis, and dermis with vessels. The pad is curved, so its middle is nearest to the device.
 class FingerPad : public Phantom {
-public:
+ public:
   explicit FingerPad(std::uint64_t seed);
 
   void describe(double xMm, double yMm, double cellMm, DepthProfile& profile) const override;
@@ -23,7 +23,7 @@ public:
   /// Optical depth of the skin's surface.
   double surfaceMm(double xMm, double yMm) const;
 
-private:
+ private:
   struct Borders;
   Borders borders(double xMm, double yMm) const;
 

@@ -11,7 +11,7 @@ namespace oct::simulator {
 
 /// Base of everything a handle can stand for. A kind of object has a `static constexpr const char* kName`.
 class HandleObject {
-public:
+ public:
   virtual ~HandleObject() = default;
 };
 
@@ -19,7 +19,7 @@ public:
 /// used twice, so that a cleared handle is recognised whatever was created since. An object that is cleared
 /// while a call works with it lives until that call is over.
 class HandleTable {
-public:
+ public:
   /// @return the new object's handle
   void* add(std::shared_ptr<HandleObject> object);
 
@@ -42,7 +42,7 @@ public:
 
   int count() const;
 
-private:
+ private:
   std::shared_ptr<HandleObject> findAny(const void* handle) const;
   bool erase(const void* handle);
   [[noreturn]] static void fail(const void* handle, const char* kind);

@@ -9,7 +9,7 @@ namespace oct::simulator {
 /// A flat mirror that is tilted along x, so that its fringes differ from A-scan to A-scan and survive the
 /// background removal.
 class Mirror : public Phantom {
-public:
+ public:
   /// @param depthMm optical depth in the middle
   /// @param slope depth per lateral distance
   /// @param amplitude fringe amplitude relative to the light of the reference arm
@@ -17,7 +17,7 @@ public:
 
   void describe(double xMm, double yMm, double cellMm, DepthProfile& profile) const override;
 
-private:
+ private:
   double depthMm_;
   double slope_;
   float amplitude_;

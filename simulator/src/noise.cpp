@@ -7,7 +7,9 @@ namespace oct::simulator {
 namespace {
 
 /// Blend weight with zero slope at both ends, so that the lattice does not show as creases.
-double fade(double t) { return t * t * (3.0 - 2.0 * t); }
+double fade(double t) {
+  return t * t * (3.0 - 2.0 * t);
+}
 
 }  // namespace
 

@@ -22,14 +22,18 @@ inline std::uint64_t mix(std::uint64_t seed, int ix, int iy) {
 }
 
 /// The hash as a number from 0 (inclusive) to 1 (exclusive).
-inline double unitInterval(std::uint64_t hash) { return static_cast<double>(hash >> 11) * 0x1p-53; }
+inline double unitInterval(std::uint64_t hash) {
+  return static_cast<double>(hash >> 11) * 0x1p-53;
+}
 
 /// The hash as a number from -1 to 1.
-inline double signedUnit(std::uint64_t hash) { return 2.0 * unitInterval(hash) - 1.0; }
+inline double signedUnit(std::uint64_t hash) {
+  return 2.0 * unitInterval(hash) - 1.0;
+}
 
 /// A small, fast generator of 64 random bits; one per A-scan.
 class FastRandom {
-public:
+ public:
   explicit FastRandom(std::uint64_t seed) : state_(seed | 1u) {}
 
   std::uint64_t operator()() {
@@ -39,7 +43,7 @@ public:
     return state_ * 0x2545f4914f6cdd1dull;
   }
 
-private:
+ private:
   std::uint64_t state_;
 };
 
@@ -48,14 +52,14 @@ double smoothNoise(std::uint64_t seed, double x, double y);
 
 /// Smooth noise along depth at one lateral position, -1 to 1; continuous from one position to the next.
 class NoiseColumn {
-public:
+ public:
   /// @param spacingMm length over which the noise varies, laterally and in depth
   NoiseColumn(std::uint64_t seed, double xMm, double yMm, double spacingMm);
 
   /// @param depthMm depth; beyond 63 spacings, and above 0, the noise stays constant
   double operator()(double depthMm) const;
 
-private:
+ private:
   std::array<float, 64> nodes_;
   double perMm_;
 };

@@ -10,7 +10,7 @@ namespace oct::simulator {
 /// Holds the first error since the last was fetched. Needs no memory beyond its own, so that running out of
 /// memory can be reported too.
 class PendingError {
-public:
+ public:
   /// Stores an error unless one is pending.
   void set(const char* function, const char* message);
 
@@ -20,7 +20,7 @@ public:
   /// @return whether an error was pending
   bool take(char* buffer, int size);
 
-private:
+ private:
   mutable std::mutex mutex_;
   bool isSet_ = false;
   std::array<char, 512> text_{};

@@ -14,7 +14,7 @@ namespace oct::simulator {
 /// The retina around the fovea, with the layers from the nerve fibres to the pigment epithelium, the choroid
 /// and the sclera. Vessels in the nerve fibre layer throw shadows.
 class Retina : public Phantom {
-public:
+ public:
   /// Layers from the vitreous body downwards.
   enum Layer : int {
     kNerveFibres,
@@ -42,7 +42,7 @@ public:
 
   Borders borders(double xMm, double yMm) const;
 
-private:
+ private:
   std::uint64_t seed_;
   std::vector<Vessel> vessels_;
 };

@@ -14,7 +14,7 @@ struct LateralPoint {
 
 /// Ridges that run in loops around a core beside the middle of the pad.
 class RidgePattern {
-public:
+ public:
   explicit RidgePattern(std::uint64_t seed) : seed_(seed) {}
 
   /// Phase across the ridges, in radians; a ridge's crest lies at every multiple of 2 pi.
@@ -23,7 +23,7 @@ public:
   /// The point on the nearest crest.
   LateralPoint nearestCrest(LateralPoint point) const;
 
-private:
+ private:
   std::uint64_t seed_;
 };
 

@@ -13,14 +13,14 @@ namespace oct::simulator {
 /// Gaussian number. The beam adds the lattice columns around it, weighted by its profile; neighbouring
 /// A-scans share columns, so that speckle has the beam's width whatever the scan's density.
 class ScatterField {
-public:
+ public:
   explicit ScatterField(std::uint64_t seed);
 
   /// Sums along depth at one lateral position.
   /// @param field receives one sum per depth cell, of mean power 1
   void read(double xMm, double yMm, std::vector<std::complex<float>>& field) const;
 
-private:
+ private:
   std::uint64_t seed_;
   std::vector<std::complex<float>> pool_;
 };

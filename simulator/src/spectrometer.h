@@ -10,7 +10,7 @@ namespace oct::simulator {
 /// therefore uneven in wavenumber. The "even axis" has as many places as there are pixels, even in
 /// wavenumber.
 class Spectrometer {
-public:
+ public:
   /// @param spectrumLength camera pixels, even, 64 to 4096
   /// @param centralWavelengthNm wavelength in the middle of the even axis
   /// @param depthRangeMm optical depth of a whole A-scan; with the pixel count it fixes the width of the band
@@ -37,7 +37,7 @@ public:
   /// Brightness of the source at every pixel, about 1 at the most.
   std::vector<float> sourceSpectrum() const;
 
-private:
+ private:
   int spectrumLength_;
   double depthRangeMm_;
   double wavenumberStep_;

@@ -11,9 +11,9 @@ struct Vessel {
   double offset;
   double slope;
   double bend;
-  double wiggle;        ///< amplitude of the wiggle
-  double wigglePhase;   ///< in radians
-  double depth;         ///< depth of the axis; what it counts from is the phantom's choice
+  double wiggle;       ///< amplitude of the wiggle
+  double wigglePhase;  ///< in radians
+  double depth;        ///< depth of the axis; what it counts from is the phantom's choice
   double radius;
 
   /// Lateral distance of a point from the vessel's axis.

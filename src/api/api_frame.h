@@ -11,8 +11,8 @@ void reportError(const char* function, const std::exception& error) noexcept;
 // Writes the error to the standard error stream only.
 void reportUnposted(const std::exception& error) noexcept;
 
-// Runs the body of the named export. An exception is reported and the export's neutral result returned: null, 0,
-// false or nothing.
+// Runs the body of the named export. An exception is reported and the export's neutral result returned: null,
+// 0, false or nothing.
 template <class Body>
 auto frame(const char* function, Body&& body) -> decltype(body()) {
   try {

@@ -96,7 +96,8 @@ void setDisplayOverlayColormap(DisplayRenderingHandle Handle, int Overlay, const
   frame(__func__, [&] { renderer(Handle).setOverlayColormap(Overlay, Colormap, Count); });
 }
 
-void setDisplayOveralyColoringBoundaries(DisplayRenderingHandle Handle, int Overlay, double Lower, double Upper) {
+void setDisplayOveralyColoringBoundaries(DisplayRenderingHandle Handle, int Overlay, double Lower,
+                                         double Upper) {
   frame(__func__, [&] { renderer(Handle).setOverlayColoringBoundaries(Overlay, Lower, Upper); });
 }
 

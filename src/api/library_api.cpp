@@ -11,9 +11,13 @@
 
 using oct::api::frame;
 
-const char* getRendererVersion(void) { return OCT_RENDERING_VERSION; }
+const char* getRendererVersion(void) {
+  return OCT_RENDERING_VERSION;
+}
 
-int isRendererError(void) { return oct::errorStore().hasError() ? OCT_RENDERER_ERROR : 0; }
+int isRendererError(void) {
+  return oct::errorStore().hasError() ? OCT_RENDERER_ERROR : 0;
+}
 
 int getRendererError(char* Message, int Size) {
   const auto error = oct::errorStore().takeError();
@@ -37,8 +41,8 @@ void setDeviceLibrary(const char* NameOrPath) {
 
 void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback) {
   frame(__func__, [&] {
-    auto& source =
-        oct::api::checked<oct::AbstractDataSource>(DataSource, "The specified LiveDataSourceHandle is invalid. ");
+    auto& source = oct::api::checked<oct::AbstractDataSource>(
+        DataSource, "The specified LiveDataSourceHandle is invalid. ");
     const oct::ErrorCallback callback(Callback);
     source.set_error_callback(callback);
   });

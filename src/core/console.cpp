@@ -15,7 +15,11 @@ void writeLine(std::FILE* stream, std::string_view line) {
 
 }  // namespace
 
-void writeOutput(std::string_view line) { writeLine(stdout, line); }
-void writeError(std::string_view line) { writeLine(stderr, line); }
+void writeOutput(std::string_view line) {
+  writeLine(stdout, line);
+}
+void writeError(std::string_view line) {
+  writeLine(stderr, line);
+}
 
 }  // namespace oct

@@ -1,5 +1,5 @@
-// Whole lines on the standard streams of the process. A line is written with one call and flushed, so that lines
-// of several threads do not mix.
+// Whole lines on the standard streams of the process. A line is written with one call and flushed, so that
+// lines of several threads do not mix.
 #pragma once
 
 #include <string_view>

@@ -11,7 +11,9 @@ ErrorStore store(__builtin_cpu_supports("sse4.2"));
 
 }  // namespace
 
-ErrorStore& errorStore() { return store; }
+ErrorStore& errorStore() {
+  return store;
+}
 
 ErrorStore::ErrorStore(bool processorHasSse42) {
   if (!processorHasSse42) {

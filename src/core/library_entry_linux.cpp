@@ -3,8 +3,12 @@
 
 namespace {
 
-[[gnu::constructor]] void processAttach() { oct::writeOutput("Process attach... "); }
+[[gnu::constructor]] void processAttach() {
+  oct::writeOutput("Process attach... ");
+}
 
-[[gnu::destructor]] void processDetach() { oct::writeOutput("Process detach... "); }
+[[gnu::destructor]] void processDetach() {
+  oct::writeOutput("Process detach... ");
+}
 
 }  // namespace

@@ -3,8 +3,8 @@
 
 namespace {
 
-// Written past the C runtime's streams: when a process ends, its other threads have been stopped wherever they
-// were, perhaps holding the lock of a stream.
+// Written past the C runtime's streams: when a process ends, its other threads have been stopped wherever
+// they were, perhaps holding the lock of a stream.
 void notice(const char* line, DWORD length) {
   const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
   DWORD written = 0;

@@ -13,7 +13,8 @@
 namespace oct {
 namespace {
 
-constexpr std::size_t nameCapacity = 1024;  // size of the field in the block; a name may fill it without a NUL
+constexpr std::size_t nameCapacity =
+    1024;  // size of the field in the block; a name may fill it without a NUL
 
 class LibraryLog {
  public:
@@ -33,8 +34,8 @@ class LibraryLog {
   }
 
  private:
-  // The shared field; a private one where the system refuses shared memory, so that the log still works within
-  // this process.
+  // The shared field; a private one where the system refuses shared memory, so that the log still works
+  // within this process.
   char* field() {
     if (!block_ && private_.empty()) {
       try {

@@ -6,8 +6,8 @@
 
 namespace oct {
 
-// Sets the file name in the shared settings block; empty: no file. Throws std::invalid_argument for a name of more
-// than 1024 bytes.
+// Sets the file name in the shared settings block; empty: no file. Throws std::invalid_argument for a name of
+// more than 1024 bytes.
 void setLogFileName(std::string_view name);
 
 // One line of the log, written when the object ends. Failures of the log never reach the caller.
@@ -28,6 +28,8 @@ class LogLine {
   std::ostringstream text_;
 };
 
-inline LogLine log() { return {}; }
+inline LogLine log() {
+  return {};
+}
 
 }  // namespace oct

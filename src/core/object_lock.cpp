@@ -10,8 +10,8 @@
 namespace oct {
 namespace {
 
-// First come, first served: a render loop that locks its object again right after a frame must not keep everybody else
-// waiting, which a plain mutex allows.
+// First come, first served: a render loop that locks its object again right after a frame must not keep
+// everybody else waiting, which a plain mutex allows.
 class FairRecursiveLock {
  public:
   void lock() {

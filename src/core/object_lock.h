@@ -5,8 +5,9 @@
 
 namespace oct {
 
-// Scoped guard. Throws std::invalid_argument "Cannot lock nullptr. " for null. A thread may lock an object again
-// that it has locked already: a client's callback, called from a frame, may use setters of the rendered object.
+// Scoped guard. Throws std::invalid_argument "Cannot lock nullptr. " for null. A thread may lock an object
+// again that it has locked already: a client's callback, called from a frame, may use setters of the rendered
+// object.
 class ObjectLock {
  public:
   explicit ObjectLock(const void* object);
@@ -18,8 +19,8 @@ class ObjectLock {
   const void* object_;
 };
 
-// Number of addresses that are locked or waited for at this moment; entries live no longer than their guards, so
-// that destroyed objects leave nothing behind.
+// Number of addresses that are locked or waited for at this moment; entries live no longer than their guards,
+// so that destroyed objects leave nothing behind.
 std::size_t lockedObjectCount();
 
 }  // namespace oct

@@ -9,7 +9,8 @@ namespace oct {
 // Identifier of the calling thread as the operating system gives it.
 std::uint32_t currentThreadId();
 
-// Text of the calling thread's last system error, "Error text could not be obtained." if there is none for it.
+// Text of the calling thread's last system error, "Error text could not be obtained." if there is none for
+// it.
 std::string systemErrorText();
 
 }  // namespace oct

@@ -7,7 +7,9 @@
 
 namespace oct {
 
-std::uint32_t currentThreadId() { return static_cast<std::uint32_t>(gettid()); }
+std::uint32_t currentThreadId() {
+  return static_cast<std::uint32_t>(gettid());
+}
 
 std::string systemErrorText() {
   char buffer[256];

@@ -6,7 +6,9 @@
 
 namespace oct {
 
-std::uint32_t currentThreadId() { return GetCurrentThreadId(); }
+std::uint32_t currentThreadId() {
+  return GetCurrentThreadId();
+}
 
 std::string systemErrorText() {
   char* text = nullptr;

@@ -23,6 +23,8 @@ SharedBlock::SharedBlock(const char* name, std::size_t size) {
 
 SharedBlock::~SharedBlock() = default;
 
-char* SharedBlock::data() const { return static_cast<char*>(mapping_->region.get_address()); }
+char* SharedBlock::data() const {
+  return static_cast<char*>(mapping_->region.get_address());
+}
 
 }  // namespace oct

@@ -1,5 +1,5 @@
-// The system's own named shared memory: it lives as long as one process holds it open. Boost's portable kind would
-// emulate it by files and needs a boot identifier that restricted machines do not give.
+// The system's own named shared memory: it lives as long as one process holds it open. Boost's portable kind
+// would emulate it by files and needs a boot identifier that restricted machines do not give.
 #include <boost/interprocess/mapped_region.hpp>
 #include <boost/interprocess/windows_shared_memory.hpp>
 
@@ -17,10 +17,13 @@ struct SharedBlock::Mapping {
   ipc::mapped_region region;
 };
 
-SharedBlock::SharedBlock(const char* name, std::size_t size) : mapping_(std::make_unique<Mapping>(name, size)) {}
+SharedBlock::SharedBlock(const char* name, std::size_t size)
+    : mapping_(std::make_unique<Mapping>(name, size)) {}
 
 SharedBlock::~SharedBlock() = default;
 
-char* SharedBlock::data() const { return static_cast<char*>(mapping_->region.get_address()); }
+char* SharedBlock::data() const {
+  return static_cast<char*>(mapping_->region.get_address());
+}
 
 }  // namespace oct

@@ -8,8 +8,8 @@
 
 namespace oct {
 
-// Receives the marks of all threads, on the thread that sets them. Marks of one thread nest: each end belongs to
-// the latest open begin of its thread.
+// Receives the marks of all threads, on the thread that sets them. Marks of one thread nest: each end belongs
+// to the latest open begin of its thread.
 class TimingListener {
  public:
   using Time = std::chrono::steady_clock::time_point;
@@ -20,12 +20,12 @@ class TimingListener {
   virtual void instant(std::string_view name, std::uint32_t threadId, Time time) = 0;
 };
 
-// Null removes the listener. A listener must outlive the marks that were opened while it was set, because each
-// mark ends where it began.
+// Null removes the listener. A listener must outlive the marks that were opened while it was set, because
+// each mark ends where it began.
 void setTimingListener(TimingListener* listener);
 
-// A phase: begins with the object and ends with it. The detail is appended to the name, joined only if somebody
-// listens.
+// A phase: begins with the object and ends with it. The detail is appended to the name, joined only if
+// somebody listens.
 class TimingMark {
  public:
   explicit TimingMark(std::string_view name, std::string_view detail = {});

@@ -16,12 +16,13 @@
 
 namespace oct {
 
-// Image setters wait while a frame uses the image. The other setters hold a short lock of their own, so that a
-// frame sees each setting whole; a frame takes them all at its start. init, uninit and render run on the thread
-// that owns the context.
+// Image setters wait while a frame uses the image. The other setters hold a short lock of their own, so that
+// a frame sees each setting whole; a frame takes them all at its start. init, uninit and render run on the
+// thread that owns the context.
 class DisplayRenderer : public AbstractRenderer {
  public:
-  static constexpr int overlayCount = 8;  // enough for the layers of a retina segmentation; a layer costs bytes
+  static constexpr int overlayCount =
+      8;  // enough for the layers of a retina segmentation; a layer costs bytes
 
   ~DisplayRenderer() override;
 

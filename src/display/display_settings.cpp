@@ -25,9 +25,13 @@ void DisplayRenderer::setBackgroundColor(int color) {
   settings_.backgroundColor = {channel(16), channel(8), channel(0), 1.0F};
 }
 
-void DisplayRenderer::setColormap(const void* colors, int count) { setLayerColormap(0, colors, count); }
+void DisplayRenderer::setColormap(const void* colors, int count) {
+  setLayerColormap(0, colors, count);
+}
 
-void DisplayRenderer::setColoringBoundaries(double lower, double upper) { setLayerBoundaries(0, lower, upper); }
+void DisplayRenderer::setColoringBoundaries(double lower, double upper) {
+  setLayerBoundaries(0, lower, upper);
+}
 
 void DisplayRenderer::setNumberOverlays(int count) {
   const std::lock_guard lock(settingsMutex_);

@@ -54,7 +54,8 @@ void AbstractOpenGLFilter::bind_input(const TextureView& input) {
 void AbstractOpenGLFilter::set_uniforms(const TextureView& input) {
   program_.use();
   glUniform1i(inputTextureUniform_, 0);
-  glUniform2f(inputTextureSizeUniform_, static_cast<GLfloat>(input.width), static_cast<GLfloat>(input.height));
+  glUniform2f(inputTextureSizeUniform_, static_cast<GLfloat>(input.width),
+              static_cast<GLfloat>(input.height));
 }
 
 void AbstractOpenGLFilter::draw() {
@@ -62,14 +63,26 @@ void AbstractOpenGLFilter::draw() {
   gl::throwOnGLError("AbstractOpenGLFilter::draw");
 }
 
-std::string GaussianFilterX::name() const { return "gaussian_x"; }
-const char* GaussianFilterX::fragment_source() const { return shaders::gaussian_x_frag; }
+std::string GaussianFilterX::name() const {
+  return "gaussian_x";
+}
+const char* GaussianFilterX::fragment_source() const {
+  return shaders::gaussian_x_frag;
+}
 
-std::string GaussianFilterY::name() const { return "gaussian_y"; }
-const char* GaussianFilterY::fragment_source() const { return shaders::gaussian_y_frag; }
+std::string GaussianFilterY::name() const {
+  return "gaussian_y";
+}
+const char* GaussianFilterY::fragment_source() const {
+  return shaders::gaussian_y_frag;
+}
 
-std::string PepperFilter::name() const { return "pepper"; }
-const char* PepperFilter::fragment_source() const { return shaders::pepper_frag; }
+std::string PepperFilter::name() const {
+  return "pepper";
+}
+const char* PepperFilter::fragment_source() const {
+  return shaders::pepper_frag;
+}
 
 FilterChain::FilterChain()
     : slots_{std::make_unique<GaussianFilterX>(), std::make_unique<GaussianFilterY>(),
@@ -83,7 +96,9 @@ void FilterChain::setBlur(bool first, bool second) {
   slots_[4]->enabled = second;
 }
 
-void FilterChain::setPepper(bool enabled) { slots_[2]->enabled = enabled; }
+void FilterChain::setPepper(bool enabled) {
+  slots_[2]->enabled = enabled;
+}
 
 void FilterChain::init() {
   for (const auto& filter : slots_) filter->init();

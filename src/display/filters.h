@@ -76,8 +76,8 @@ class FilterChain {
   void init();
   void release();
 
-  // Runs the enabled filters in slot order and returns the last output, or the input when none is enabled. Leaves
-  // the draw framebuffer and the viewport as they were.
+  // Runs the enabled filters in slot order and returns the last output, or the input when none is enabled.
+  // Leaves the draw framebuffer and the viewport as they were.
   TextureView run(const TextureView& input);
 
  private:

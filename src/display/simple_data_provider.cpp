@@ -16,13 +16,14 @@ std::size_t sampleCount(int height, int width) {
   if (height < 0 || width < 0) throw std::invalid_argument("Image sizes must not be negative. ");
   const auto count = static_cast<std::uint64_t>(height) * static_cast<std::uint64_t>(width);
   // The largest array that pointer differences can span.
-  constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::ptrdiff_t>::max()) / sizeof(float);
+  constexpr auto most =
+      static_cast<std::uint64_t>(std::numeric_limits<std::ptrdiff_t>::max()) / sizeof(float);
   if (count > most) throw std::invalid_argument("The image is too large. ");
   return static_cast<std::size_t>(count);
 }
 
-// Asks the driver whether it could hold such a texture. Extents above the limit are as good as the next one above
-// it; Mesa's software renderer writes past its stack when it sizes one of 2^30 texels.
+// Asks the driver whether it could hold such a texture. Extents above the limit are as good as the next one
+// above it; Mesa's software renderer writes past its stack when it sizes one of 2^30 texels.
 bool proxyAccepts(GLint internalFormat, GLenum type, int height, int width, GLint limit) {
   height = std::min(height, limit + 1);
   width = std::min(width, limit + 1);

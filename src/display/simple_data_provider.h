@@ -1,5 +1,5 @@
-// The data provider of the display renderer. Depth, the first dimension, is fastest in memory and is the texture's
-// first axis; it is called the height because it runs down the screen.
+// The data provider of the display renderer. Depth, the first dimension, is fastest in memory and is the
+// texture's first axis; it is called the height because it runs down the screen.
 #pragma once
 
 #include <cstdint>

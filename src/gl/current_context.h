@@ -3,7 +3,8 @@
 
 namespace oct::gl {
 
-// The context's handle; null when none is current or when it was made by a window system other than WGL and EGL.
+// The context's handle; null when none is current or when it was made by a window system other than WGL and
+// EGL.
 void* currentContext();
 
 bool isContextCurrent();

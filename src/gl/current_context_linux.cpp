@@ -5,9 +5,13 @@
 
 namespace oct::gl {
 
-void* currentContext() { return eglGetCurrentContext(); }
+void* currentContext() {
+  return eglGetCurrentContext();
+}
 
 // Asks OpenGL and not EGL, so that a client may bring a context of any window system.
-bool isContextCurrent() { return glGetString(GL_VERSION) != nullptr; }
+bool isContextCurrent() {
+  return glGetString(GL_VERSION) != nullptr;
+}
 
 }  // namespace oct::gl

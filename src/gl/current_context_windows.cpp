@@ -4,8 +4,12 @@
 
 namespace oct::gl {
 
-void* currentContext() { return wglGetCurrentContext(); }
+void* currentContext() {
+  return wglGetCurrentContext();
+}
 
-bool isContextCurrent() { return wglGetCurrentContext() != nullptr; }
+bool isContextCurrent() {
+  return wglGetCurrentContext() != nullptr;
+}
 
 }  // namespace oct::gl

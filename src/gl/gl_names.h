@@ -9,8 +9,8 @@
 namespace oct::gl {
 
 // Owns one name in the context that was current when it was made, and deletes it only while that context is
-// current: in any other context the same number names somebody else's object. A name whose context is gone or not
-// current is given up and dies with its context.
+// current: in any other context the same number names somebody else's object. A name whose context is gone or
+// not current is given up and dies with its context.
 template <class Kind>
 class Name {
  public:

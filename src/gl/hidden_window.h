@@ -7,8 +7,8 @@
 
 namespace oct::gl {
 
-// The class is registered while at least one window of its name exists. Failures are written to the standard error
-// stream and thrown. Create and destroy on one thread, and pump that thread's messages if it lives on.
+// The class is registered while at least one window of its name exists. Failures are written to the standard
+// error stream and thrown. Create and destroy on one thread, and pump that thread's messages if it lives on.
 class HiddenWindow {
  public:
   explicit HiddenWindow(std::string className);

@@ -5,8 +5,8 @@
 
 namespace oct::gl {
 
-// Creates the context; the window must outlive it. The destructor releases it from the calling thread, which must
-// be the one that used it, and deletes it.
+// Creates the context; the window must outlive it. The destructor releases it from the calling thread, which
+// must be the one that used it, and deletes it.
 class OpenGLContext {
  public:
   explicit OpenGLContext(OpenGLWindow& window) : window_(window), handle_(window.createContext()) {}

@@ -11,29 +11,38 @@ namespace {
 
 constexpr const char* unknownError = "Unknown OpenGL Error";
 
-#define OCT_GL_IGNORED "The offending command is ignored and has no other side effect than to set the error flag."
+#define OCT_GL_IGNORED \
+  "The offending command is ignored and has no other side effect than to set the error flag."
 
 struct ErrorText {
   const char* named;
   const char* plain;
 };
 
-#define OCT_GL_TEXT(text, name) ErrorText{text " (" name ")", text}
+#define OCT_GL_TEXT(text, name) \
+  ErrorText {                   \
+    text " (" name ")", text    \
+  }
 
 // Indexed by code - GL_INVALID_ENUM (0x0500).
 constexpr std::array<ErrorText, 7> errorTexts{{
-    OCT_GL_TEXT("An unacceptable value is specified for an enumerated argument. " OCT_GL_IGNORED, "GL_INVALID_ENUM"),
+    OCT_GL_TEXT("An unacceptable value is specified for an enumerated argument. " OCT_GL_IGNORED,
+                "GL_INVALID_ENUM"),
     OCT_GL_TEXT("A numeric argument is out of range. " OCT_GL_IGNORED, "GL_INVALID_VALUE"),
     OCT_GL_TEXT("The specified operation is not allowed in the current state. " OCT_GL_IGNORED,
                 "GL_INVALID_OPERATION"),
-    OCT_GL_TEXT("An attempt has been made to perform an operation that would cause an internal stack to overflow.",
-                "GL_STACK_OVERFLOW"),
-    OCT_GL_TEXT("An attempt has been made to perform an operation that would cause an internal stack to underflow.",
-                "GL_STACK_UNDERFLOW"),
-    OCT_GL_TEXT("There is not enough memory left to execute the command. The state of the GL is undefined, except "
-                "for the state of the error flags, after this error is recorded.",
-                "GL_OUT_OF_MEMORY"),
-    OCT_GL_TEXT("The framebuffer object is not complete. " OCT_GL_IGNORED, "GL_INVALID_FRAMEBUFFER_OPERATION"),
+    OCT_GL_TEXT(
+        "An attempt has been made to perform an operation that would cause an internal stack to overflow.",
+        "GL_STACK_OVERFLOW"),
+    OCT_GL_TEXT(
+        "An attempt has been made to perform an operation that would cause an internal stack to underflow.",
+        "GL_STACK_UNDERFLOW"),
+    OCT_GL_TEXT(
+        "There is not enough memory left to execute the command. The state of the GL is undefined, except "
+        "for the state of the error flags, after this error is recorded.",
+        "GL_OUT_OF_MEMORY"),
+    OCT_GL_TEXT("The framebuffer object is not complete. " OCT_GL_IGNORED,
+                "GL_INVALID_FRAMEBUFFER_OPERATION"),
 }};
 
 #undef OCT_GL_TEXT

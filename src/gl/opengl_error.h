@@ -11,8 +11,8 @@ namespace oct::gl {
 const char* errorText(GLenum code);
 const char* plainErrorText(GLenum code);
 
-// Reads the error flag once and throws std::runtime_error when it is set. Further queued errors stay for the next
-// checkpoint.
+// Reads the error flag once and throws std::runtime_error when it is set. Further queued errors stay for the
+// next checkpoint.
 void throwOnGLError(std::string where);
 
 // The same, but writes the text to the standard error stream and returns.

@@ -40,7 +40,8 @@ void initGlew(const char* loadFailure) {
   if (!loader.glewInitialized) {
     glewExperimental = GL_TRUE;  // core contexts do not list extensions the way GLEW asks for them
     const GLenum result = glewInit();
-    // In a context of another window system than EGL, GLEW has loaded OpenGL by then and misses EGL's functions only.
+    // In a context of another window system than EGL, GLEW has loaded OpenGL by then and misses EGL's
+    // functions only.
     const bool loaded = result == GLEW_OK || (isContextCurrent() && glCreateShader);
     if (!loaded) {
       writeOutput("Glew error: " + std::to_string(result));
@@ -66,12 +67,17 @@ void checkOpenGLVersion(int requiredMajor, int requiredMinor) {
   const Version version = currentVersion();
   const std::string found = std::to_string(version.major) + "." + std::to_string(version.minor);
   writeOutput("Found OpenGL " + found);
-  if (version.major > requiredMajor || (version.major == requiredMajor && version.minor >= requiredMinor)) return;
+  if (version.major > requiredMajor || (version.major == requiredMajor && version.minor >= requiredMinor))
+    return;
   throw std::runtime_error("OpenGL " + std::to_string(requiredMajor) + "." + std::to_string(requiredMinor) +
                            " required. Version is currently " + found);
 }
 
-bool glewInitialized() { return loader.glewInitialized; }
-bool openGL42() { return loader.openGL42; }
+bool glewInitialized() {
+  return loader.glewInitialized;
+}
+bool openGL42() {
+  return loader.openGL42;
+}
 
 }  // namespace oct::gl

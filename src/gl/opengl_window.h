@@ -1,5 +1,5 @@
-// A hidden window with a device context, and OpenGL contexts on it. One source per platform: WGL on Windows, EGL
-// without a window system on Linux.
+// A hidden window with a device context, and OpenGL contexts on it. One source per platform: WGL on Windows,
+// EGL without a window system on Linux.
 #pragma once
 
 #include <memory>
@@ -8,7 +8,8 @@ namespace oct::gl {
 
 using ContextHandle = void*;  // WGL's or EGL's context handle
 
-// Every operation on the window is serialised by the window's own mutex. Failures throw with the system's reason.
+// Every operation on the window is serialised by the window's own mutex. Failures throw with the system's
+// reason.
 class OpenGLWindow {
  public:
   OpenGLWindow();
@@ -17,8 +18,9 @@ class OpenGLWindow {
   OpenGLWindow& operator=(const OpenGLWindow&) = delete;
 
   ContextHandle createContext();
-  void makeCurrent(ContextHandle context);  // on the calling thread; no system call when it is current already
-  void makeUncurrent();                     // never throws; no system call when none is current
+  void makeCurrent(
+      ContextHandle context);  // on the calling thread; no system call when it is current already
+  void makeUncurrent();        // never throws; no system call when none is current
   void deleteContext(ContextHandle context);
 
  private:

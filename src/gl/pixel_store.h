@@ -5,8 +5,8 @@
 
 namespace oct::gl {
 
-// Makes uploads read tightly packed client memory: a client's context may carry other settings, or a buffer that
-// would turn the pointer into an offset.
+// Makes uploads read tightly packed client memory: a client's context may carry other settings, or a buffer
+// that would turn the pointer into an offset.
 inline void resetPixelUnpack() {
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 4);

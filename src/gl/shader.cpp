@@ -11,7 +11,8 @@
 namespace oct::gl {
 namespace {
 
-ProgramKey keyOf(const std::string& name, const std::string& vertexSource, const std::string& fragmentSource) {
+ProgramKey keyOf(const std::string& name, const std::string& vertexSource,
+                 const std::string& fragmentSource) {
   return {{fragmentSource.size(), vertexSource.size()}, name};
 }
 
@@ -36,7 +37,9 @@ void checkCompiled(const ShaderObject& shader, const char* failure) {
 }
 
 // OpenGL 3.3 has program binaries only as an extension.
-bool hasProgramBinaries() { return glProgramParameteri && glGetProgramBinary && glProgramBinary; }
+bool hasProgramBinaries() {
+  return glProgramParameteri && glGetProgramBinary && glProgramBinary;
+}
 
 GLint binaryLength(const Program& program) {
   GLint length = 0;
@@ -75,8 +78,8 @@ bool Shader::loadBinary(const std::string& name, const std::string& vertexSource
   glProgramBinary(program_.get(), binary->format, binary->bytes.data(),
                   static_cast<GLsizei>(binary->bytes.size()));
   throwOnGLError("BinaryShader::load_to_program");
-  // A driver may refuse a binary without raising an error (after an update, or one made for another GPU of this
-  // machine). It then holds no executable for the program, and the sources are compiled again.
+  // A driver may refuse a binary without raising an error (after an update, or one made for another GPU of
+  // this machine). It then holds no executable for the program, and the sources are compiled again.
   return binaryLength(program_) > 0;
 }
 

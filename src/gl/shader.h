@@ -1,5 +1,5 @@
-// A program of one vertex and one fragment shader, built from source once per process and from its binary after
-// that.
+// A program of one vertex and one fragment shader, built from source once per process and from its binary
+// after that.
 #pragma once
 
 #include <string>
@@ -15,9 +15,9 @@ class Shader {
   Shader(const Shader&) = delete;
   Shader& operator=(const Shader&) = delete;
 
-  // Builds the program, or throws: "Vertex shader compilation failed", "Fragment shader compilation failed", an
-  // empty message when it does not link, or an OpenGL checkpoint. Compiler and linker texts go to the library log.
-  // The binary of a first build is kept under the name and the two source lengths.
+  // Builds the program, or throws: "Vertex shader compilation failed", "Fragment shader compilation failed",
+  // an empty message when it does not link, or an OpenGL checkpoint. Compiler and linker texts go to the
+  // library log. The binary of a first build is kept under the name and the two source lengths.
   virtual void load_to_program(const std::string& name, const std::string& vertexSource,
                                const std::string& fragmentSource);
 
@@ -28,11 +28,13 @@ class Shader {
   // Makes the program the current one; throws std::runtime_error "Program has not been compiled yet.".
   void use() const;
 
-  // Location of a uniform. A missing one (-1, which OpenGL ignores when it is set) is noted in the library log.
+  // Location of a uniform. A missing one (-1, which OpenGL ignores when it is set) is noted in the library
+  // log.
   GLint uniform(const char* name) const;
 
  private:
-  bool loadBinary(const std::string& name, const std::string& vertexSource, const std::string& fragmentSource);
+  bool loadBinary(const std::string& name, const std::string& vertexSource,
+                  const std::string& fragmentSource);
   void compileAndLink(const std::string& vertexSource, const std::string& fragmentSource);
 
   Program program_;

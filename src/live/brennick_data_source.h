@@ -111,7 +111,7 @@ class BrennickDataSource : public AbstractDataSource {
   std::mutex request_mutex_;
   std::thread thread_;
   std::uint64_t thread_number_ = 0;  // counts starts; written under both mutexes
-  std::atomic<bool> ended_ = true;  // the thread is past its last callback
+  std::atomic<bool> ended_ = true;   // the thread is past its last callback
   std::atomic<std::thread::id> own_thread_;
 };
 

@@ -7,7 +7,9 @@
 
 namespace oct {
 
-Colormap defaultColormap() { return {0xFF000000U, 0xFFFFFFFFU}; }
+Colormap defaultColormap() {
+  return {0xFF000000U, 0xFFFFFFFFU};
+}
 
 Colormap copyColormap(const void* colors, int count) {
   if (count < 0) throw std::invalid_argument("The number of colours must not be negative. ");
@@ -25,8 +27,8 @@ void uploadColormap(gl::Texture& texture, const Colormap& colormap) {
   glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
   glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
   gl::resetPixelUnpack();
-  glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA8, static_cast<GLsizei>(colormap.size()), 0, GL_RGBA, GL_UNSIGNED_BYTE,
-               colormap.data());
+  glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA8, static_cast<GLsizei>(colormap.size()), 0, GL_RGBA,
+               GL_UNSIGNED_BYTE, colormap.data());
   glBindTexture(GL_TEXTURE_1D, 0);
 }
 

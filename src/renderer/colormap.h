@@ -13,11 +13,12 @@ using Colormap = std::vector<std::uint32_t>;
 // Black to white, opaque: what a renderer shows until it is given a map.
 Colormap defaultColormap();
 
-// Copies a client's map. Throws std::invalid_argument for a negative count, and for null with a count above zero.
+// Copies a client's map. Throws std::invalid_argument for a negative count, and for null with a count above
+// zero.
 Colormap copyColormap(const void* colors, int count);
 
-// Uploads the map as a one-dimensional RGBA8 texture, making the texture if there is none. Linear between entries,
-// clamped at both ends. Texture unit 0 is used and left without a 1-D texture.
+// Uploads the map as a one-dimensional RGBA8 texture, making the texture if there is none. Linear between
+// entries, clamped at both ends. Texture unit 0 is used and left without a 1-D texture.
 void uploadColormap(gl::Texture& texture, const Colormap& colormap);
 
 }  // namespace oct

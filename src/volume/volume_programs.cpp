@@ -59,9 +59,8 @@ void VolumePrograms::unload() {
   empty.release();
   surface.release();
   for (VolumeRenderingProgram* const program : std::initializer_list<VolumeRenderingProgram*>{
-           &section, &sectionOverlay, &raycastingBack, &raycasting, &raycastingMaximum,
-           &raycastingMean, &raycastingDualColoring, &raycastingOverlay, &raycastingOverlayMaximum,
-           &raycastingOverlayMean}) {
+           &section, &sectionOverlay, &raycastingBack, &raycasting, &raycastingMaximum, &raycastingMean,
+           &raycastingDualColoring, &raycastingOverlay, &raycastingOverlayMaximum, &raycastingOverlayMean}) {
     program->unload();
   }
 }

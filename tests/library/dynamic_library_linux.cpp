@@ -6,12 +6,17 @@
 
 namespace oct::test {
 
-DynamicLibrary::DynamicLibrary(const std::string& file) : handle_(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+DynamicLibrary::DynamicLibrary(const std::string& file)
+    : handle_(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
   if (!handle_) throw std::runtime_error(dlerror());
 }
 
-DynamicLibrary::~DynamicLibrary() { dlclose(handle_); }
+DynamicLibrary::~DynamicLibrary() {
+  dlclose(handle_);
+}
 
-void* DynamicLibrary::symbol(const char* name) const { return dlsym(handle_, name); }
+void* DynamicLibrary::symbol(const char* name) const {
+  return dlsym(handle_, name);
+}
 
 }  // namespace oct::test

@@ -10,7 +10,9 @@ DynamicLibrary::DynamicLibrary(const std::string& file) : handle_(LoadLibraryA(f
   if (!handle_) throw std::runtime_error("LoadLibrary failed: " + std::to_string(GetLastError()));
 }
 
-DynamicLibrary::~DynamicLibrary() { FreeLibrary(static_cast<HMODULE>(handle_)); }
+DynamicLibrary::~DynamicLibrary() {
+  FreeLibrary(static_cast<HMODULE>(handle_));
+}
 
 void* DynamicLibrary::symbol(const char* name) const {
   return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));

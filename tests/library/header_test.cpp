@@ -34,8 +34,8 @@ TEST(HeaderTest, CompilesAsC) {
   EXPECT_EQ(static_cast<unsigned>(OCT_RENDERER_ERROR), 0xE0000000U);
 }
 
-// Every export is declared once, right behind a comment that says what it does, documents each parameter and names
-// the thread rule; functions that can fail say how.
+// Every export is declared once, right behind a comment that says what it does, documents each parameter and
+// names the thread rule; functions that can fail say how.
 TEST(HeaderTest, EveryExportIsDocumented) {
   const std::string header = allHeaders();
   const std::regex declaration(R"(/\*\*((?:[^*]|\*(?!/))*)\*/\s*OCT_API\s+[^(]*?(\w+)\(([^)]*)\);)");

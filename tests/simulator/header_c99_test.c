@@ -4,4 +4,6 @@
 
 int objectCountSeenFromC(void);
 
-int objectCountSeenFromC(void) { return getSimulatedObjectCount(); }
+int objectCountSeenFromC(void) {
+  return getSimulatedObjectCount();
+}

@@ -11,10 +11,10 @@
  * The pending error is shared by all threads.
  *
  * Other device libraries: the rendering library finds these functions by name, so a library of one's own that
- * exports them with these types takes this one's place. It may leave out the polarization functions at the end
- * if it serves no device with two sensors; everything else must be there. Numbers of properties and flags are
- * part of the interface, and so are these promises: sizes and ranges as documented at the enumerations, the
- * pointers' lifetimes, and that stopMeasurement() ends a getRawDataEx() that waits.
+ * exports them with these types takes this one's place. It may leave out the polarization functions at the
+ * end if it serves no device with two sensors; everything else must be there. Numbers of properties and flags
+ * are part of the interface, and so are these promises: sizes and ranges as documented at the enumerations,
+ * the pointers' lifetimes, and that stopMeasurement() ends a getRawDataEx() that waits.
  */
 #ifndef OCT_DEVICE_OCT_DEVICE_H
 #define OCT_DEVICE_OCT_DEVICE_H
@@ -188,8 +188,8 @@ OCT_DEVICE_API float* getDataPtr(DataHandle data);
 /**
  * Finds the surface of a volume: in every A-scan the depth at which light first comes back.
  * @param volume processed data in decibels; empty data is an error
- * @param surface receives one depth in millimetres per A-scan, counted with the volume's own range along depth:
- *        #OCT_DATA_SIZE_1 is A-scans per B-scan, #OCT_DATA_SIZE_2 is B-scans. Where no surface is found, the
+ * @param surface receives one depth in millimetres per A-scan, counted with the volume's own range along
+ * depth: #OCT_DATA_SIZE_1 is A-scans per B-scan, #OCT_DATA_SIZE_2 is B-scans. Where no surface is found, the
  *        depth is the whole range. It must be another object than the volume
  */
 OCT_DEVICE_API void determineSurface(DataHandle volume, DataHandle surface);
@@ -198,8 +198,8 @@ OCT_DEVICE_API void determineSurface(DataHandle volume, DataHandle surface);
  * Tells how much light comes from the reference arm, to set it up by.
  * @param device the device
  * @param processing a processing for the device; the volume it executed last counts
- * @return brightest part of the reference spectrum relative to what the camera can measure, 0 to 1; before the
- *         first execution the value of the calibration
+ * @return brightest part of the reference spectrum relative to what the camera can measure, 0 to 1; before
+ * the first execution the value of the calibration
  */
 OCT_DEVICE_API double getRelativeReferenceIntensity(OCTDeviceHandle device, ProcessingHandle processing);
 
@@ -222,12 +222,12 @@ enum {
 
 /** Properties for setPolarizationPropertyInt(): counts of 1 or more. */
 enum {
-  OCT_POLARIZATION_DOPU_1 = 0,           /**< depth samples over which DOPU is formed, at first 3 */
-  OCT_POLARIZATION_DOPU_2 = 1,           /**< the same in A-scans */
-  OCT_POLARIZATION_DOPU_3 = 2,           /**< the same in B-scans */
-  OCT_POLARIZATION_AVERAGING_1 = 5,      /**< depth samples over which Stokes vectors are averaged, at first 1 */
-  OCT_POLARIZATION_AVERAGING_2 = 6,      /**< the same in A-scans */
-  OCT_POLARIZATION_AVERAGING_3 = 7,      /**< the same in B-scans */
+  OCT_POLARIZATION_DOPU_1 = 0,      /**< depth samples over which DOPU is formed, at first 3 */
+  OCT_POLARIZATION_DOPU_2 = 1,      /**< the same in A-scans */
+  OCT_POLARIZATION_DOPU_3 = 2,      /**< the same in B-scans */
+  OCT_POLARIZATION_AVERAGING_1 = 5, /**< depth samples over which Stokes vectors are averaged, at first 1 */
+  OCT_POLARIZATION_AVERAGING_2 = 6, /**< the same in A-scans */
+  OCT_POLARIZATION_AVERAGING_3 = 7, /**< the same in B-scans */
   OCT_POLARIZATION_AVERAGING_VOLUMES = 8 /**< the same in successive volumes, as a running mean */
 };
 
@@ -258,7 +258,8 @@ OCT_DEVICE_API void setComplexDataOutput(ProcessingHandle processing, ComplexDat
 OCT_DEVICE_API void setPolarizationOutputI(PolarizationProcessingHandle processing, DataHandle data);
 
 /** The same for the retardation: 0 to 90 degrees, accumulated from the surface down to the sample. */
-OCT_DEVICE_API void setPolarizationOutputRetardation(PolarizationProcessingHandle processing, DataHandle data);
+OCT_DEVICE_API void setPolarizationOutputRetardation(PolarizationProcessingHandle processing,
+                                                     DataHandle data);
 
 /** The same for the direction of the slow axis: 0 to 180 degrees. Without retardation it is random. */
 OCT_DEVICE_API void setPolarizationOutputOpticAxis(PolarizationProcessingHandle processing, DataHandle data);
@@ -299,7 +300,8 @@ OCT_DEVICE_API void setPolarizationPropertyFloat(PolarizationProcessingHandle pr
  *        error
  * @param value 1 or more; boxes are cut off at the edges of the volume
  */
-OCT_DEVICE_API void setPolarizationPropertyInt(PolarizationProcessingHandle processing, int property, int value);
+OCT_DEVICE_API void setPolarizationPropertyInt(PolarizationProcessingHandle processing, int property,
+                                               int value);
 
 /**
  * Computes all quantities that have a destination.

@@ -19,8 +19,8 @@ enum {
   OCT_PHANTOM_FINGER_PAD = 0, /**< finger pad with fingerprint and sweat ducts; 1300 nm, 3.6 mm depth range */
   OCT_PHANTOM_RETINA = 1,     /**< retina with the fovea in the middle; 850 nm, 2.4 mm depth range */
   OCT_PHANTOM_MIRROR = 2,     /**< tilted mirror, 1 mm deep in the middle; 1300 nm, 3.6 mm depth range */
-  /** flat layers: gel from 0.4 mm, a plate of 45 degrees retardation with its slow axis at 30 degrees from 0.8
-      to 0.9 mm, gel, depolarizing gel from 1.4 to 1.8 mm, stretched fibres of the same axis from there to
+  /** flat layers: gel from 0.4 mm, a plate of 45 degrees retardation with its slow axis at 30 degrees from
+     0.8 to 0.9 mm, gel, depolarizing gel from 1.4 to 1.8 mm, stretched fibres of the same axis from there to
       2.6 mm; 1300 nm, 3.6 mm depth range */
   OCT_PHANTOM_POLARIZATION_TARGET = 3
 };
@@ -94,8 +94,8 @@ OCT_DEVICE_API void clearSimulatedProcessing(ProcessingHandle processing);
 /**
  * Creates a polarization processing.
  * @param device a device with two sensors; another one is an error
- * @return the processing, to be freed by clearSimulatedPolarizationProcessing(); null and a pending error if it
- *         fails
+ * @return the processing, to be freed by clearSimulatedPolarizationProcessing(); null and a pending error if
+ * it fails
  */
 OCT_DEVICE_API PolarizationProcessingHandle createSimulatedPolarizationProcessing(OCTDeviceHandle device);
 
@@ -126,14 +126,14 @@ OCT_DEVICE_API int getSimulatedObjectCount(void);
 
 /** When volumes arrive. */
 enum {
-  OCT_PACING_FREE = 0,     /**< as fast as they can be computed, none is lost */
-  OCT_PACING_REAL_TIME = 1 /**< at the A-scan rate; a volume that is not fetched before the next is complete is lost */
+  OCT_PACING_FREE = 0, /**< as fast as they can be computed, none is lost */
+  OCT_PACING_REAL_TIME =
+      1 /**< at the A-scan rate; a volume that is not fetched before the next is complete is lost */
 };
 
 /**
- * Sets how fast a device measures; at first 100,000 A-scans per second, without pacing. Motion goes by the same
- * clock, so that a slow scan shows it as distortion.
- * Holds from the next startMeasurement() on.
+ * Sets how fast a device measures; at first 100,000 A-scans per second, without pacing. Motion goes by the
+ * same clock, so that a slow scan shows it as distortion. Holds from the next startMeasurement() on.
  * @param device the device
  * @param aScansPerSecond A-scans per second, above 0
  * @param pacing one of the OCT_PACING_ values
@@ -144,13 +144,14 @@ OCT_DEVICE_API void setSimulatedScanRate(OCTDeviceHandle device, double aScansPe
 enum {
   OCT_MOTION_NONE = 0,
   OCT_MOTION_BREATHING = 1, /**< to and from the device, as a sine */
-  OCT_MOTION_DRIFT = 2      /**< mostly sideways, in curves that do not repeat, as a finger that is held still */
+  OCT_MOTION_DRIFT = 2 /**< mostly sideways, in curves that do not repeat, as a finger that is held still */
 };
 
 /**
- * Sets how the phantom moves, from the next volume on. Spectra of a phantom at rest are computed once; those of
- * a moving one have to be computed for every volume, which takes about as long as the first volume.
- * @param device the device; one that plays a recording back does not move, and takes the setting without error
+ * Sets how the phantom moves, from the next volume on. Spectra of a phantom at rest are computed once; those
+ * of a moving one have to be computed for every volume, which takes about as long as the first volume.
+ * @param device the device; one that plays a recording back does not move, and takes the setting without
+ * error
  * @param motion one of the OCT_MOTION_ values
  * @param amplitudeMm largest way from the resting place in millimetres, 0 to 1
  * @param periodSeconds time of one breath, or of one turn of the drift, above 0
