@@ -39,13 +39,13 @@ class ProgramTest : public testing::Test {
     EXPECT_FALSE(std::filesystem::exists(output_));
   }
 
-  // Each of these lists of options changes the picture.
-  void expectOtherPictures(const std::vector<Arguments>& options) {
-    ASSERT_EQ(run(), 0) << errorText_;
+  // Each of these lists of options, beside the common ones, changes the picture.
+  void expectOtherPictures(const std::vector<Arguments>& options, const Arguments& common = {}) {
+    ASSERT_EQ(run(common), 0) << errorText_;
     const std::vector<std::uint8_t> plain = pixels();
     for (const Arguments& further : options) {
       SCOPED_TRACE(testing::PrintToString(further));
-      ASSERT_EQ(run(further), 0) << errorText_;
+      ASSERT_EQ(run(joined(common, further)), 0) << errorText_;
       EXPECT_NE(pixels(), plain);
     }
   }
