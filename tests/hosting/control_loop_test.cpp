@@ -135,8 +135,8 @@ TEST_P(ControlLoopGLTest, BuffersRotate) {
 }
 
 TEST_P(ControlLoopGLTest, PixelsFollowTheSize) {
-  auto loop = makeRecordingLoop(8, 6);
   Recorded<Picture> pictures;
+  auto loop = makeRecordingLoop(8, 6);
   loop->set_image_ready_callback(
       imageReady([&](Index, std::uint32_t width, std::uint32_t height, void* surface) {
         Picture picture = surfacePicture(GetParam(), surface);
@@ -154,10 +154,10 @@ TEST_P(ControlLoopGLTest, PixelsFollowTheSize) {
 }
 
 TEST_P(ControlLoopGLTest, WithoutRenderFunctionATestImage) {
+  Recorded<Picture> pictures;
   auto loop = makeLoop();
   loop->set_mode(OpenGLControlLoop::onceEach);
   loop->resize(64, 64);
-  Recorded<Picture> pictures;
   loop->set_image_ready_callback(
       imageReady([&](Index, void* surface) { pictures.add(surfacePicture(GetParam(), surface)); }));
   loop->request(0);

@@ -65,9 +65,9 @@ TEST_P(LoopSnapshotGLTest, NobodyIsHandedASnapshot) {
 }
 
 TEST_P(LoopSnapshotGLTest, ModeSetMeanwhileHoldsAfterwards) {
+  Gate gate;  // the loop's thread may still pass it while the loop ends
   auto loop = makeRecordingLoop(8, 6);
   loop->set_mode(OpenGLControlLoop::roundRobin);
-  Gate gate;
   loop->set_rendering_callback(rendering([&](std::uint32_t id) {
     drawn_.add(id);
     gate.pass();
@@ -88,8 +88,8 @@ TEST_P(LoopSnapshotGLTest, ModeSetMeanwhileHoldsAfterwards) {
 }
 
 TEST_P(LoopSnapshotGLTest, ASecondOneMeanwhileDoesNothing) {
+  Gate gate;  // the loop's thread may still pass it while the loop ends
   auto loop = makeRecordingLoop(8, 6);
-  Gate gate;
   loop->set_rendering_callback(rendering([&](std::uint32_t) {
     drawPattern(0x112233);
     gate.pass();
@@ -121,8 +121,8 @@ TEST_P(LoopSnapshotGLTest, FromTheImageReadyFunctionWhileFramesWait) {
 }
 
 TEST_P(LoopSnapshotGLTest, FromTheRenderFunctionIsRefused) {
-  auto loop = makeRecordingLoop(8, 6);
   Recorded<bool> refused;
+  auto loop = makeRecordingLoop(8, 6);
   loop->set_rendering_callback(rendering([&](std::uint32_t) {
     try {
       loop->snapshot(4, 4, picture_.bytes.data());
