@@ -1,6 +1,7 @@
 // Snapshots of a control loop.
 #include <atomic>
 #include <future>
+#include <set>
 #include <system_error>
 #include <thread>
 
@@ -114,10 +115,14 @@ TEST_P(LoopSnapshotGLTest, FromTheImageReadyFunctionWhileFramesWait) {
     returned_.add(index);
   }));
   for (int id = 1; id <= 6; ++id) loop->request(id);
-  Ids ids = returned_.atLeast(7);
+  // While a snapshot is on its way the loop may repeat the front of the queue, which then comes twice.
+  std::set<std::uint32_t> came;
+  for (std::size_t count = 7; came.size() < 7 && count < 12; ++count) {
+    const Ids ids = returned_.atLeast(count);
+    came = {ids.begin(), ids.end()};
+  }
   EXPECT_TRUE(agree(picture_, patternPicture(0x445566, 4, 4), exact));
-  std::sort(ids.begin(), ids.end());
-  EXPECT_EQ(ids, (Ids{0, 1, 2, 3, 4, 5, 6}));  // nothing that was asked for is lost
+  EXPECT_EQ(came, (std::set<std::uint32_t>{0, 1, 2, 3, 4, 5, 6}));  // nothing that was asked for is lost
 }
 
 TEST_P(LoopSnapshotGLTest, FromTheRenderFunctionIsRefused) {
