@@ -1,7 +1,7 @@
 // Exports of controls, of surface sharing and of the host of hidden windows.
 #include <atomic>
 
-#include "api/api_frame.h"
+#include "api/guard.h"
 #include "gl/context/opengl_loader.h"
 #include "hosting/loop/opengl_control.h"
 #include "hosting/host/opengl_host.h"
@@ -10,7 +10,7 @@
 #include "oct_rendering/oct_rendering.h"
 
 using oct::OpenGLControl;
-using oct::api::frame;
+using oct::api::guarded;
 
 namespace {
 
@@ -23,45 +23,46 @@ OpenGLControl& control(OpenGLControlHandle handle) {
 }  // namespace
 
 void setSurfaceSharing(int Sharing) {
-  frame(__func__, [&] { oct::setSurfaceSharing(Sharing); });
+  guarded(__func__, [&] { oct::setSurfaceSharing(Sharing); });
 }
 
 OpenGLControlHandle createUniversalOpenGLControl(void) {
-  return frame(__func__,
-               [] { return oct::api::handleOf<OctOpenGLControl>(new OpenGLControl(oct::surfaceSharing())); });
+  return guarded(__func__, [] {
+    return oct::api::handleOf<OctOpenGLControl>(new OpenGLControl(oct::surfaceSharing()));
+  });
 }
 
 void deleteUniversalOpenGLControl(OpenGLControlHandle Handle) {
-  frame(__func__, [&] { delete reinterpret_cast<OpenGLControl*>(Handle); });
+  guarded(__func__, [&] { delete reinterpret_cast<OpenGLControl*>(Handle); });
 }
 
 void beforeRender(OpenGLControlHandle Handle) {
-  frame(__func__, [&] { control(Handle); });
+  guarded(__func__, [&] { control(Handle); });
 }
 
 void updateBuffer(OpenGLControlHandle Handle) {
-  frame(__func__, [&] { control(Handle); });
+  guarded(__func__, [&] { control(Handle); });
 }
 
 void readBuffer(OpenGLControlHandle Handle) {
-  frame(__func__, [&] { control(Handle); });
+  guarded(__func__, [&] { control(Handle); });
 }
 
 void renderTestImage(OpenGLControlHandle Handle) {
-  frame(__func__, [&] { control(Handle).render_test_image(); });
+  guarded(__func__, [&] { control(Handle).render_test_image(); });
 }
 
 void glRenderTestImage(void) {
-  frame(__func__, [] {
+  guarded(__func__, [] {
     oct::gl::requireOpenGL();
     oct::drawTestImage(testImageAngle++);
   });
 }
 
 void prepareOpenGL(void) {
-  frame(__func__, [] { oct::OpenGLHost::prepare(); });
+  guarded(__func__, [] { oct::OpenGLHost::prepare(); });
 }
 
 void finishOpenGL(void) {
-  frame(__func__, [] { oct::OpenGLHost::finish(); });
+  guarded(__func__, [] { oct::OpenGLHost::finish(); });
 }

@@ -1,10 +1,10 @@
 // Exports of the display of B-scans.
-#include "api/api_frame.h"
+#include "api/guard.h"
 #include "display/display_renderer.h"
 #include "oct_rendering/oct_rendering.h"
 
 using oct::DisplayRenderer;
-using oct::api::frame;
+using oct::api::guarded;
 
 static_assert(OCT_DISPLAY_OVERLAYS == DisplayRenderer::overlayCount);
 
@@ -17,90 +17,90 @@ DisplayRenderer& renderer(DisplayRenderingHandle handle) {
 }  // namespace
 
 DisplayRenderingHandle createDisplayRendering(void) {
-  return frame(__func__, [] { return oct::api::handleOf<OctDisplayRendering>(new DisplayRenderer); });
+  return guarded(__func__, [] { return oct::api::handleOf<OctDisplayRendering>(new DisplayRenderer); });
 }
 
 void clearDisplayRendering(DisplayRenderingHandle Handle) {
-  frame(__func__, [&] { delete reinterpret_cast<DisplayRenderer*>(Handle); });
+  guarded(__func__, [&] { delete reinterpret_cast<DisplayRenderer*>(Handle); });
 }
 
 void initDisplayRendering(DisplayRenderingHandle Handle) {
-  frame(__func__, [&] { renderer(Handle).init(); });
+  guarded(__func__, [&] { renderer(Handle).init(); });
 }
 
 void uninitDisplayRendering(DisplayRenderingHandle Handle) {
-  frame(__func__, [&] { renderer(Handle).uninit(); });
+  guarded(__func__, [&] { renderer(Handle).uninit(); });
 }
 
 void renderDisplay(DisplayRenderingHandle Handle) {
-  frame(__func__, [&] { renderer(Handle).render(); });
+  guarded(__func__, [&] { renderer(Handle).render(); });
 }
 
 void setDisplayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data) {
-  frame(__func__, [&] { renderer(Handle).setData(Size1, Size2, Data); });
+  guarded(__func__, [&] { renderer(Handle).setData(Size1, Size2, Data); });
 }
 
 void setDisplayBounds(DisplayRenderingHandle Handle, int Lower, int Upper) {
-  frame(__func__, [&] { renderer(Handle).setBounds(Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).setBounds(Lower, Upper); });
 }
 
 void clearDisplayData(DisplayRenderingHandle Handle) {
-  frame(__func__, [&] { renderer(Handle); });
+  guarded(__func__, [&] { renderer(Handle); });
 }
 
 void setGammaCorrection(DisplayRenderingHandle Handle, float) {
-  frame(__func__, [&] { renderer(Handle); });
+  guarded(__func__, [&] { renderer(Handle); });
 }
 
 void setDisplayBlur(DisplayRenderingHandle Handle, int First, int Second) {
-  frame(__func__, [&] { renderer(Handle).setBlur(First != 0, Second != 0); });
+  guarded(__func__, [&] { renderer(Handle).setBlur(First != 0, Second != 0); });
 }
 
 void setDisplayFlip(DisplayRenderingHandle Handle, int Flip) {
-  frame(__func__, [&] { renderer(Handle).setFlip(Flip != 0); });
+  guarded(__func__, [&] { renderer(Handle).setFlip(Flip != 0); });
 }
 
 void setDisplayDynamicReduction(DisplayRenderingHandle Handle, int) {
-  frame(__func__, [&] { renderer(Handle); });
+  guarded(__func__, [&] { renderer(Handle); });
 }
 
 void setDisplayPepperFilter(DisplayRenderingHandle Handle, int Enable) {
-  frame(__func__, [&] { renderer(Handle).setPepperFilter(Enable != 0); });
+  guarded(__func__, [&] { renderer(Handle).setPepperFilter(Enable != 0); });
 }
 
 void setDisplayMedianFilter(DisplayRenderingHandle Handle, int MedianFilter) {
-  frame(__func__, [&] { renderer(Handle).setMedianFilter(MedianFilter); });
+  guarded(__func__, [&] { renderer(Handle).setMedianFilter(MedianFilter); });
 }
 
 void setBackgroundColor(DisplayRenderingHandle Handle, int Color) {
-  frame(__func__, [&] { renderer(Handle).setBackgroundColor(Color); });
+  guarded(__func__, [&] { renderer(Handle).setBackgroundColor(Color); });
 }
 
 void setDisplayColormap(DisplayRenderingHandle Handle, const void* Colormap, int Count) {
-  frame(__func__, [&] { renderer(Handle).setColormap(Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).setColormap(Colormap, Count); });
 }
 
 void setDisplayColoringBoundaries(DisplayRenderingHandle Handle, double Lower, double Upper) {
-  frame(__func__, [&] { renderer(Handle).setColoringBoundaries(Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).setColoringBoundaries(Lower, Upper); });
 }
 
 void setDisplayNumberOverlays(DisplayRenderingHandle Handle, int, int Count) {
-  frame(__func__, [&] { renderer(Handle).setNumberOverlays(Count); });
+  guarded(__func__, [&] { renderer(Handle).setNumberOverlays(Count); });
 }
 
 void setDisplayOverlayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data) {
-  frame(__func__, [&] { renderer(Handle).setOverlayData(Size1, Size2, Data); });
+  guarded(__func__, [&] { renderer(Handle).setOverlayData(Size1, Size2, Data); });
 }
 
 void setDisplayOverlayColormap(DisplayRenderingHandle Handle, int Overlay, const void* Colormap, int Count) {
-  frame(__func__, [&] { renderer(Handle).setOverlayColormap(Overlay, Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).setOverlayColormap(Overlay, Colormap, Count); });
 }
 
 void setDisplayOveralyColoringBoundaries(DisplayRenderingHandle Handle, int Overlay, double Lower,
                                          double Upper) {
-  frame(__func__, [&] { renderer(Handle).setOverlayColoringBoundaries(Overlay, Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).setOverlayColoringBoundaries(Overlay, Lower, Upper); });
 }
 
 void setDisplayOveralyThreshold(DisplayRenderingHandle Handle, double Threshold) {
-  frame(__func__, [&] { renderer(Handle).setOverlayThreshold(Threshold); });
+  guarded(__func__, [&] { renderer(Handle).setOverlayThreshold(Threshold); });
 }

@@ -2,45 +2,48 @@
 #include <algorithm>
 #include <cstring>
 
-#include "api/api_frame.h"
+#include "api/guard.h"
 #include "core/error_store.h"
 #include "core/log.h"
 #include "live/abstract_data_source.h"
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
 
-using oct::api::frame;
+using oct::api::guarded;
+using oct::api::guarded_unposted;
 
 const char* getRendererVersion(void) {
   return OCT_RENDERING_VERSION;
 }
 
 int isRendererError(void) {
-  return oct::errorStore().hasError() ? OCT_RENDERER_ERROR : 0;
+  return guarded_unposted([] { return oct::errorStore().hasError() ? OCT_RENDERER_ERROR : 0; });
 }
 
 int getRendererError(char* Message, int Size) {
-  const auto error = oct::errorStore().takeError();
-  if (!error) return 0;
-  if (Message && Size > 0) {
-    // Up to the first NUL, as any C string.
-    const std::size_t length = std::min(std::strlen(error->c_str()), static_cast<std::size_t>(Size) - 1);
-    std::memcpy(Message, error->c_str(), length);
-    Message[length] = '\0';
-  }
-  return OCT_RENDERER_ERROR;
+  return guarded_unposted([&] {
+    const auto error = oct::errorStore().takeError();
+    if (!error) return 0;
+    if (Message && Size > 0) {
+      // Up to the first NUL, as any C string.
+      const std::size_t length = std::min(std::strlen(error->c_str()), static_cast<std::size_t>(Size) - 1);
+      std::memcpy(Message, error->c_str(), length);
+      Message[length] = '\0';
+    }
+    return OCT_RENDERER_ERROR;
+  });
 }
 
 void setRendererLogFile(const char* FileName) {
-  frame(__func__, [&] { oct::setLogFileName(FileName ? FileName : ""); });
+  guarded(__func__, [&] { oct::setLogFileName(FileName ? FileName : ""); });
 }
 
 void setDeviceLibrary(const char* NameOrPath) {
-  frame(__func__, [&] { oct::setDeviceLibraryName(NameOrPath); });
+  guarded(__func__, [&] { oct::setDeviceLibraryName(NameOrPath); });
 }
 
 void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     auto& source = oct::api::checked<oct::AbstractDataSource>(
         DataSource, "The specified LiveDataSourceHandle is invalid. ");
     const oct::ErrorCallback callback(Callback);

@@ -1,5 +1,5 @@
 // Exports of live volumes: the live renderer and its data sources.
-#include "api/api_frame.h"
+#include "api/guard.h"
 #include "core/object_lock.h"
 #include "live/brennick_data_source_ps.h"
 #include "live/fast_opengl_volume_renderer.h"
@@ -9,7 +9,7 @@ using oct::AbstractDataSource;
 using oct::AbstractLiveRendering;
 using oct::BrennickDataSource_PS;
 using oct::api::checked;
-using oct::api::frame;
+using oct::api::guarded;
 
 namespace {
 
@@ -36,21 +36,21 @@ LiveDataSourceHandle handleOf(AbstractDataSource* source) {
 }  // namespace
 
 LiveVolumeRenderingHandle createLiveRendering(void) {
-  return frame(__func__, [] {
+  return guarded(__func__, [] {
     AbstractLiveRendering* const rendering = new oct::FastOpenGLVolumeRenderer;
     return oct::api::handleOf<OctLiveVolumeRendering>(rendering);
   });
 }
 
 void clearLiveRendering(LiveVolumeRenderingHandle Handle) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     const oct::ObjectLock lock(Handle);
     delete liveRendering(Handle);
   });
 }
 
 void setLiveVolumeRenderingRenderer(LiveVolumeRenderingHandle Handle, VolumeRendererHandle Renderer) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     auto& rendering = checked<AbstractLiveRendering>(Handle, "Invalid Live Rendering Handle specified. ");
     const oct::ObjectLock lock(Handle);
     const oct::ObjectLock rendererLock(Renderer);
@@ -59,24 +59,24 @@ void setLiveVolumeRenderingRenderer(LiveVolumeRenderingHandle Handle, VolumeRend
 }
 
 bool isLiveVolumeRunning(LiveVolumeRenderingHandle Handle) {
-  return frame(__func__, [&] {
+  return guarded(__func__, [&] {
     const oct::ObjectLock lock(Handle);
     return liveRendering(Handle)->is_running();
   });
 }
 
 LiveDataSourceHandle createOnlineDataSource(OCTDeviceHandle Dev, ProcessingHandle Proc) {
-  return frame("LiveDataSourceHandle createOnlineDataSource(OCTDeviceHandle Dev, ProcessingHandle Proc)",
-               [&] {
-                 if (!Dev) throw std::invalid_argument("The specifided OCTDeviceHandle is invalid. ");
-                 if (!Proc) throw std::invalid_argument("The specifided ProcessingHandle is invalid. ");
-                 return handleOf(new oct::BrennickDataSource(oct::deviceLibrary(), Dev, Proc));
-               });
+  return guarded("LiveDataSourceHandle createOnlineDataSource(OCTDeviceHandle Dev, ProcessingHandle Proc)",
+                 [&] {
+                   if (!Dev) throw std::invalid_argument("The specifided OCTDeviceHandle is invalid. ");
+                   if (!Proc) throw std::invalid_argument("The specifided ProcessingHandle is invalid. ");
+                   return handleOf(new oct::BrennickDataSource(oct::deviceLibrary(), Dev, Proc));
+                 });
 }
 
 LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHandle Proc0,
                                                ProcessingHandle Proc1, PolarizationProcessingHandle PS_Proc) {
-  return frame(
+  return guarded(
       "LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHandle Proc0, "
       "ProcessingHandle Proc1, PolarizationProcessingHandle PS_Proc)",
       [&] {
@@ -98,36 +98,51 @@ LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHa
 // an error.
 
 void setOnlineRefractiveIndex(LiveDataSourceHandle Handle, double Index) {
-  if (Handle) frame(__func__, [&] { dataSource(Handle)->set_refractive_index(Index); });
+  guarded(__func__, [&] {
+    if (Handle) dataSource(Handle)->set_refractive_index(Index);
+  });
 }
 
 void setOnlineAnalogInputConfiguration(LiveDataSourceHandle Handle, bool Enable) {
-  if (Handle) frame(__func__, [&] { dataSource(Handle)->set_analog_input(Enable); });
+  guarded(__func__, [&] {
+    if (Handle) dataSource(Handle)->set_analog_input(Enable);
+  });
 }
 
 void selectOnlineDataSource_Camera(LiveDataSourceHandle Handle, int Camera) {
-  if (Handle) dataSource(Handle)->set_camera(Camera);
+  guarded(__func__, [&] {
+    if (Handle) dataSource(Handle)->set_camera(Camera);
+  });
 }
 
 void selectOnlineDataSource_PS(LiveDataSourceHandle Handle, int Output) {
-  if (auto* const source = polarizationSource(Handle)) source->set_output_mode(Output);
+  guarded(__func__, [&] {
+    if (auto* const source = polarizationSource(Handle)) source->set_output_mode(Output);
+  });
 }
 
 void setOnlineAveraging_PS(LiveDataSourceHandle Handle, int Depth, int AScans, int BScans, int Volumes) {
-  if (auto* const source = polarizationSource(Handle)) source->set_averaging(Depth, AScans, BScans, Volumes);
+  guarded(__func__, [&] {
+    if (auto* const source = polarizationSource(Handle))
+      source->set_averaging(Depth, AScans, BScans, Volumes);
+  });
 }
 
 void setOnlineDOPU_PS(LiveDataSourceHandle Handle, int Depth, int AScans, int BScans, int Reserved) {
-  if (auto* const source = polarizationSource(Handle)) source->set_dopu(Depth, AScans, BScans, Reserved);
+  guarded(__func__, [&] {
+    if (auto* const source = polarizationSource(Handle)) source->set_dopu(Depth, AScans, BScans, Reserved);
+  });
 }
 
 void setOnlineDataThreshold_PS(LiveDataSourceHandle Handle, double Threshold, bool Enable) {
-  if (auto* const source = polarizationSource(Handle)) source->set_threshold(Threshold, Enable);
+  guarded(__func__, [&] {
+    if (auto* const source = polarizationSource(Handle)) source->set_threshold(Threshold, Enable);
+  });
 }
 
 void clearDataSource(LiveDataSourceHandle Handle) {
-  if (!Handle) return;
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
+    if (!Handle) return;
     dataSource(Handle)->stop();  // throws on the source's own thread, which must not lose its object
     dataSource(Handle)->deregister_renderer();  // the destructor does not stop it again
     delete dataSource(Handle);
@@ -135,7 +150,7 @@ void clearDataSource(LiveDataSourceHandle Handle) {
 }
 
 void setRefIntensityCallback(LiveDataSourceHandle Handle, OctIntensityFunction Callback) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     auto& source = checked<AbstractDataSource>(Handle, invalidSource);
     source.set_ref_intensity_callback(Callback ? std::make_unique<oct::RefIntensityCallback>(Callback)
                                                : nullptr);
@@ -144,7 +159,7 @@ void setRefIntensityCallback(LiveDataSourceHandle Handle, OctIntensityFunction C
 
 void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle DataSource,
                      ScanPatternHandle Pattern) {
-  frame(
+  guarded(
       "void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle DataSource, "
       "ScanPatternHandle Pattern)",
       [&] {
@@ -159,7 +174,7 @@ void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle Da
 }
 
 void stopDataSource(LiveDataSourceHandle DataSource) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     auto& source = checked<AbstractDataSource>(DataSource, invalidSource);
     source.stop();
     source.deregister_renderer();  // clients may clear the live renderer before the source
@@ -167,7 +182,7 @@ void stopDataSource(LiveDataSourceHandle DataSource) {
 }
 
 void renderVolume(LiveVolumeRenderingHandle Handle) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     auto& rendering = checked<AbstractLiveRendering>(Handle, invalidRenderer);
     const oct::ObjectLock lock(Handle);
     rendering.render();
@@ -175,7 +190,7 @@ void renderVolume(LiveVolumeRenderingHandle Handle) {
 }
 
 double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle) {
-  return frame(__func__, [&] {
+  return guarded(__func__, [&] {
     auto& rendering = checked<AbstractLiveRendering>(Handle, invalidRenderer);
     const oct::ObjectLock lock(Handle);
     return rendering.get_fps();
@@ -183,7 +198,7 @@ double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle) {
 }
 
 void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn, unsigned int* Dropped) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     // No lock: an acquisition thread that asks must not wait for a frame.
     const auto counts = checked<AbstractLiveRendering>(Handle, invalidRenderer).get_counts();
     if (Drawn) *Drawn = counts.drawn;
@@ -192,9 +207,9 @@ void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn, 
 }
 
 void getLiveVolumeRenderingSize(LiveVolumeRenderingHandle Handle, int* X, int* Y, int* Z) {
-  frame(__func__, [&] { checked<AbstractLiveRendering>(Handle, invalidSource).get_size(X, Y, Z); });
+  guarded(__func__, [&] { checked<AbstractLiveRendering>(Handle, invalidSource).get_size(X, Y, Z); });
 }
 
 void setSizeZ(LiveDataSourceHandle DataSource, int Size) {
-  frame(__func__, [&] { checked<AbstractDataSource>(DataSource, invalidSource).set_size_z(Size); });
+  guarded(__func__, [&] { checked<AbstractDataSource>(DataSource, invalidSource).set_size_z(Size); });
 }

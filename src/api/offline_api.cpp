@@ -1,10 +1,10 @@
 // Exports of the rendering of uploaded volumes.
-#include "api/api_frame.h"
+#include "api/guard.h"
 #include "oct_rendering/oct_rendering.h"
 #include "offline/offline_volume_rendering.h"
 
 using oct::OfflineVolumeRendering;
-using oct::api::frame;
+using oct::api::guarded;
 
 namespace {
 
@@ -16,48 +16,49 @@ OfflineVolumeRendering& offline(OfflineRenderingHandle handle) {
 }  // namespace
 
 OfflineRenderingHandle createOfflineRendering(void) {
-  return frame(__func__, [] { return oct::api::handleOf<OctOfflineRendering>(new OfflineVolumeRendering); });
+  return guarded(__func__,
+                 [] { return oct::api::handleOf<OctOfflineRendering>(new OfflineVolumeRendering); });
 }
 
 void clearOfflineRendering(OfflineRenderingHandle Handle) {
-  frame(__func__, [&] { delete reinterpret_cast<OfflineVolumeRendering*>(Handle); });
+  guarded(__func__, [&] { delete reinterpret_cast<OfflineVolumeRendering*>(Handle); });
 }
 
 void setOfflineRenderingRenderer(OfflineRenderingHandle Handle, VolumeRendererHandle Renderer) {
-  frame(__func__, [&] { offline(Handle).setRenderer(reinterpret_cast<oct::VolumeRenderer*>(Renderer)); });
+  guarded(__func__, [&] { offline(Handle).setRenderer(reinterpret_cast<oct::VolumeRenderer*>(Renderer)); });
 }
 
 void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, float Lateral1, float Lateral2) {
-  frame(__func__, [&] { offline(Handle).setAspectRatio(Axial, Lateral1, Lateral2); });
+  guarded(__func__, [&] { offline(Handle).setAspectRatio(Axial, Lateral1, Lateral2); });
 }
 
 void allocateOfflineVolume(OfflineRenderingHandle Handle, int Width, int Height, int Depth) {
-  frame(__func__, [&] { offline(Handle).allocate(Width, Height, Depth); });
+  guarded(__func__, [&] { offline(Handle).allocate(Width, Height, Depth); });
 }
 
 void uploadOfflineVolume(OfflineRenderingHandle Handle, const float* Volume) {
-  frame(__func__, [&] { offline(Handle).upload(Volume); });
+  guarded(__func__, [&] { offline(Handle).upload(Volume); });
 }
 
 void uploadOfflineVolumeOverlay(OfflineRenderingHandle Handle, const float* Volume) {
-  frame(__func__, [&] { offline(Handle).upload(Volume); });
+  guarded(__func__, [&] { offline(Handle).upload(Volume); });
 }
 
 void uploadOfflineSubVolume(OfflineRenderingHandle Handle, int First, int End, const float* Block) {
-  frame(__func__, [&] { offline(Handle).uploadSubVolume(First, End, Block); });
+  guarded(__func__, [&] { offline(Handle).uploadSubVolume(First, End, Block); });
 }
 
 void uploadOfflineVolumeSlice(OfflineRenderingHandle Handle, int Index, const float* Slice) {
-  frame(__func__, [&] { offline(Handle).uploadSlice(Index, Slice); });
+  guarded(__func__, [&] { offline(Handle).uploadSlice(Index, Slice); });
 }
 
 void uploadOverlayOfflineVolume(OfflineRenderingHandle Handle, const float* Volume) {
-  frame(__func__, [&] { offline(Handle).uploadOverlay(Volume); });
+  guarded(__func__, [&] { offline(Handle).uploadOverlay(Volume); });
 }
 
 void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int Depth, unsigned int Width,
                                 unsigned int First, unsigned int Count, const float* Data) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     auto& object =
         oct::api::checked<OfflineVolumeRendering>(Handle, "The specified VolumeRendererHandle is invalid. ");
     object.uploadSecondaryData({Height, Depth, Width, First, Count, Data});
@@ -65,5 +66,5 @@ void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int D
 }
 
 void renderOfflineVolume(OfflineRenderingHandle Handle, int ContentType) {
-  frame(__func__, [&] { offline(Handle).render(ContentType); });
+  guarded(__func__, [&] { offline(Handle).render(ContentType); });
 }

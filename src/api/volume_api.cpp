@@ -1,5 +1,5 @@
 // Exports of the volume renderer.
-#include "api/api_frame.h"
+#include "api/guard.h"
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
@@ -9,7 +9,7 @@
 
 using oct::ColormapRole;
 using oct::VolumeRenderer;
-using oct::api::frame;
+using oct::api::guarded;
 
 namespace {
 
@@ -20,11 +20,11 @@ VolumeRenderer& renderer(VolumeRendererHandle handle) {
 }  // namespace
 
 VolumeRendererHandle createVolumeRenderer(void) {
-  return frame(__func__, [] { return oct::api::handleOf<OctVolumeRenderer>(new VolumeRenderer); });
+  return guarded(__func__, [] { return oct::api::handleOf<OctVolumeRenderer>(new VolumeRenderer); });
 }
 
 void deleteVolumeRenderer(VolumeRendererHandle Handle) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     VolumeRenderer* const object = &renderer(Handle);
     const oct::ObjectLock lock(object);
     delete object;
@@ -32,35 +32,35 @@ void deleteVolumeRenderer(VolumeRendererHandle Handle) {
 }
 
 void initializeVolumeRenderer(VolumeRendererHandle Handle) {
-  frame(__func__, [&] { renderer(Handle).init(); });
+  guarded(__func__, [&] { renderer(Handle).init(); });
 }
 
 void uninitializeVolumeRenderer(VolumeRendererHandle Handle) {
-  frame(__func__, [&] { renderer(Handle).uninit(); });
+  guarded(__func__, [&] { renderer(Handle).uninit(); });
 }
 
 void clearVolumeRenderer(VolumeRendererHandle Handle) {
-  frame(__func__, [&] { renderer(Handle).clear(); });
+  guarded(__func__, [&] { renderer(Handle).clear(); });
 }
 
 void setAngles(VolumeRendererHandle Handle, double X, double Y) {
-  frame(__func__, [&] { renderer(Handle).setAngles(X, Y); });
+  guarded(__func__, [&] { renderer(Handle).setAngles(X, Y); });
 }
 
 void setTranslation(VolumeRendererHandle Handle, double X, double Y, double Z) {
-  frame(__func__, [&] { renderer(Handle).setTranslation(X, Y, Z); });
+  guarded(__func__, [&] { renderer(Handle).setTranslation(X, Y, Z); });
 }
 
 void setRange(VolumeRendererHandle Handle, double Axial, double Lateral1, double Lateral2) {
-  frame(__func__, [&] { renderer(Handle).setRange(Axial, Lateral1, Lateral2); });
+  guarded(__func__, [&] { renderer(Handle).setRange(Axial, Lateral1, Lateral2); });
 }
 
 void setZoom(VolumeRendererHandle Handle, double Zoom) {
-  frame(__func__, [&] { renderer(Handle).setZoom(Zoom); });
+  guarded(__func__, [&] { renderer(Handle).setZoom(Zoom); });
 }
 
 void setViewportSize(unsigned int Width, unsigned int Height) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     const oct::TimingMark mark("setViewportSize");
     oct::gl::requireOpenGL();
     glViewport(0, 0, static_cast<GLsizei>(Width), static_cast<GLsizei>(Height));
@@ -69,28 +69,28 @@ void setViewportSize(unsigned int Width, unsigned int Height) {
 }
 
 void setRenderingSlices(VolumeRendererHandle Handle, int Slices) {
-  frame(__func__, [&] { renderer(Handle).setRenderingSlices(Slices); });
+  guarded(__func__, [&] { renderer(Handle).setRenderingSlices(Slices); });
 }
 
 void setUsePerspective(VolumeRendererHandle Handle, bool Perspective) {
-  frame(__func__, [&] { renderer(Handle).setUsePerspective(Perspective); });
+  guarded(__func__, [&] { renderer(Handle).setUsePerspective(Perspective); });
 }
 
 void setLateralVoxelsPerPixel(VolumeRendererHandle Handle, double Voxels) {
-  frame(__func__, [&] { renderer(Handle).setLateralVoxelsPerPixel(Voxels); });
+  guarded(__func__, [&] { renderer(Handle).setLateralVoxelsPerPixel(Voxels); });
 }
 
 void setRenderingMode(VolumeRendererHandle Handle, int Mode) {
-  frame(__func__, [&] { renderer(Handle).setRenderingMode(Mode); });
+  guarded(__func__, [&] { renderer(Handle).setRenderingMode(Mode); });
 }
 
 void setVolumeMode(VolumeRendererHandle Handle, int Mode) {
-  frame(__func__, [&] { renderer(Handle).setVolumeMode(Mode); });
+  guarded(__func__, [&] { renderer(Handle).setVolumeMode(Mode); });
 }
 
 void setSectionalView(VolumeRendererHandle Handle, int Show1, float Position1, int Show2, float Position2,
                       int Show3, float Position3) {
-  frame(__func__, [&] {
+  guarded(__func__, [&] {
     renderer(Handle).setSectionalView({oct::Section{Show1 != 0, Position1},
                                        oct::Section{Show2 != 0, Position2},
                                        oct::Section{Show3 != 0, Position3}});
@@ -98,69 +98,69 @@ void setSectionalView(VolumeRendererHandle Handle, int Show1, float Position1, i
 }
 
 void setClipPlane(VolumeRendererHandle Handle, int Enable, int OpenCut, float Value) {
-  frame(__func__, [&] { renderer(Handle).setClipPlane(Enable != 0, OpenCut != 0, Value); });
+  guarded(__func__, [&] { renderer(Handle).setClipPlane(Enable != 0, OpenCut != 0, Value); });
 }
 
 void fixClipPlane(VolumeRendererHandle Handle, int Fix) {
-  frame(__func__, [&] { renderer(Handle).fixClipPlane(Fix != 0); });
+  guarded(__func__, [&] { renderer(Handle).fixClipPlane(Fix != 0); });
 }
 
 void setBorder(VolumeRendererHandle Handle, int ScaleMarks, int Edges, int Box) {
-  frame(__func__, [&] { renderer(Handle).setFrame({Edges != 0, ScaleMarks != 0, Box != 0}); });
+  guarded(__func__, [&] { renderer(Handle).setFrame({Edges != 0, ScaleMarks != 0, Box != 0}); });
 }
 
 void setRemoveSegment(VolumeRendererHandle Handle, int Remove) {
-  frame(__func__, [&] { renderer(Handle).setRemoveSegment(Remove != 0); });
+  guarded(__func__, [&] { renderer(Handle).setRemoveSegment(Remove != 0); });
 }
 
 void setRenderElements(VolumeRendererHandle Handle, int Volume, int Surface) {
-  frame(__func__, [&] { renderer(Handle).setRenderElements(Volume != 0, Surface != 0); });
+  guarded(__func__, [&] { renderer(Handle).setRenderElements(Volume != 0, Surface != 0); });
 }
 
 void setRenderBackground(VolumeRendererHandle Handle, unsigned int Bottom, unsigned int Top) {
-  frame(__func__, [&] { renderer(Handle).setBackground(Bottom, Top); });
+  guarded(__func__, [&] { renderer(Handle).setBackground(Bottom, Top); });
 }
 
 void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color) {
-  frame(__func__, [&] { renderer(Handle).setForeground(Color); });
+  guarded(__func__, [&] { renderer(Handle).setForeground(Color); });
 }
 
 void setRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count) {
-  frame(__func__, [&] { renderer(Handle).setColormap(ColormapRole::main, Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).setColormap(ColormapRole::main, Colormap, Count); });
 }
 
 void setRendererSecondaryColormap(VolumeRendererHandle Handle, const void* Colormap, int Count) {
-  frame(__func__, [&] { renderer(Handle).setColormap(ColormapRole::secondary, Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).setColormap(ColormapRole::secondary, Colormap, Count); });
 }
 
 void setOverlayRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count) {
-  frame(__func__, [&] { renderer(Handle).setColormap(ColormapRole::overlay, Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).setColormap(ColormapRole::overlay, Colormap, Count); });
 }
 
 void setSurfaceColormap(VolumeRendererHandle Handle, const void* Colormap, int Count) {
-  frame(__func__, [&] { renderer(Handle).setColormap(ColormapRole::surface, Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).setColormap(ColormapRole::surface, Colormap, Count); });
 }
 
 void setRendererColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper) {
-  frame(__func__, [&] { renderer(Handle).setColoringBoundaries(ColormapRole::main, Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).setColoringBoundaries(ColormapRole::main, Lower, Upper); });
 }
 
 void setRendererSecondaryColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper) {
-  frame(__func__, [&] { renderer(Handle).setColoringBoundaries(ColormapRole::secondary, Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).setColoringBoundaries(ColormapRole::secondary, Lower, Upper); });
 }
 
 void setOverlayRendererColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper) {
-  frame(__func__, [&] { renderer(Handle).setColoringBoundaries(ColormapRole::overlay, Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).setColoringBoundaries(ColormapRole::overlay, Lower, Upper); });
 }
 
 void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index) {
-  frame(__func__, [&] { renderer(Handle).setSecondarySliceIndex(Index); });
+  guarded(__func__, [&] { renderer(Handle).setSecondarySliceIndex(Index); });
 }
 
 void setSurface(VolumeRendererHandle Handle, int Width, int Height, double Scale, const float* Values) {
-  frame(__func__, [&] { renderer(Handle).setSurface(Width, Height, Scale, Values); });
+  guarded(__func__, [&] { renderer(Handle).setSurface(Width, Height, Scale, Values); });
 }
 
 void setSurfaceDepths(VolumeRendererHandle Handle, double Lower, double Upper) {
-  frame(__func__, [&] { renderer(Handle).setSurfaceDepths(Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).setSurfaceDepths(Lower, Upper); });
 }

@@ -17,14 +17,13 @@ ErrorStore& errorStore() {
 
 ErrorStore::ErrorStore(bool processorHasSse42) {
   if (!processorHasSse42) {
-    postError(std::runtime_error("Processor with SSE 4.2 required for proper operation."), "check_sse", true);
+    postError(std::runtime_error("Processor with SSE 4.2 required for proper operation."), true);
   }
 }
 
-void ErrorStore::postError(const std::exception& error, std::string_view, bool sticky) noexcept {
+void ErrorStore::postError(const std::exception& error, bool sticky) noexcept {
   try {
     const std::lock_guard lock(mutex_);
-    if (sticky) stickySeen_ = true;
     records_.try_emplace(currentThreadId(), ErrorRecord{sticky, error.what()});
   } catch (const std::exception&) {
     // Out of memory while reporting: the line on the standard error stream has to do.
@@ -33,25 +32,19 @@ void ErrorStore::postError(const std::exception& error, std::string_view, bool s
 
 bool ErrorStore::hasError() const {
   const std::lock_guard lock(mutex_);
-  if (records_.empty()) return false;
-  return !callingThreadOnly_ || records_.contains(currentThreadId());
+  return !records_.empty();
 }
 
 std::optional<std::string> ErrorStore::takeError() {
   const std::lock_guard lock(mutex_);
   auto record = records_.find(currentThreadId());
   if (record == records_.end()) {
-    if (callingThreadOnly_ || records_.empty()) return std::nullopt;
+    if (records_.empty()) return std::nullopt;
     record = records_.begin();
   }
   std::string message = record->second.message;
   if (!record->second.sticky) records_.erase(record);
   return message;
-}
-
-void ErrorStore::setCallingThreadOnly(bool only) {
-  const std::lock_guard lock(mutex_);
-  callingThreadOnly_ = only;
 }
 
 }  // namespace oct

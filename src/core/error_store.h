@@ -7,7 +7,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace oct {
 
@@ -16,18 +15,14 @@ class ErrorStore {
   // Posts a sticky error at once when the processor lacks SSE 4.2.
   explicit ErrorStore(bool processorHasSse42);
 
-  // Records the exception's text for the calling thread, unless that thread has a record already. The name of
-  // the failing function is accepted and not kept: clients match on the bare text.
-  void postError(const std::exception& error, std::string_view functionName, bool sticky) noexcept;
+  // Records the exception's text for the calling thread, unless that thread has a record already.
+  void postError(const std::exception& error, bool sticky) noexcept;
 
   bool hasError() const;
 
   // The calling thread's message, else that of the thread with the lowest identifier; nothing when no error
   // is pending (a message may be empty). Removes the record unless it is sticky.
   std::optional<std::string> takeError();
-
-  // Restricts hasError and takeError to the calling thread's own record.
-  void setCallingThreadOnly(bool only);
 
  private:
   struct ErrorRecord {
@@ -37,8 +32,6 @@ class ErrorStore {
 
   mutable std::mutex mutex_;
   std::map<std::uint32_t, ErrorRecord> records_;
-  bool callingThreadOnly_ = false;
-  bool stickySeen_ = false;  // for the debugger: whether the process runs with a standing error
 };
 
 // The store of this process, there from the moment the library is loaded.

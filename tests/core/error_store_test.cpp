@@ -15,7 +15,7 @@ namespace oct::test {
 namespace {
 
 void post(ErrorStore& store, const char* message, bool sticky = false) {
-  store.postError(std::runtime_error(message), "someExport", sticky);
+  store.postError(std::runtime_error(message), sticky);
 }
 
 TEST(ErrorStoreTest, FirstErrorOfAThreadWins) {
@@ -33,7 +33,7 @@ TEST(ErrorStoreTest, FirstErrorOfAThreadWins) {
 
 TEST(ErrorStoreTest, EmptyMessageIsAnError) {
   ErrorStore store(true);
-  store.postError(Exception(""), "someExport", false);
+  store.postError(Exception(""), false);
   EXPECT_TRUE(store.hasError());
   EXPECT_EQ(store.takeError(), "");
   EXPECT_EQ(store.takeError(), std::nullopt);
@@ -91,19 +91,6 @@ TEST(ErrorStoreTest, OtherThreadsErrorsAreReadInOrderOfTheirIdentifiers) {
   EXPECT_EQ(store.takeError(), aFirst ? "a" : "b");
   EXPECT_EQ(store.takeError(), aFirst ? "b" : "a");
   EXPECT_FALSE(store.hasError());
-}
-
-TEST(ErrorStoreTest, CallingThreadOnly) {
-  ErrorStore store(true);
-  Helper other([&] { post(store, "other"); });
-  store.setCallingThreadOnly(true);
-  EXPECT_FALSE(store.hasError());
-  EXPECT_EQ(store.takeError(), std::nullopt);
-  post(store, "own");
-  EXPECT_TRUE(store.hasError());
-  EXPECT_EQ(store.takeError(), "own");
-  store.setCallingThreadOnly(false);
-  EXPECT_EQ(store.takeError(), "other");
 }
 
 class ErrorExportTest : public testing::Test {

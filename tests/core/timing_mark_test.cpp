@@ -40,7 +40,7 @@ TEST(TimingMarkGLTest, OffscreenFrame) {
   MarkRecorder recorder;
   std::vector<unsigned char> pixels(64);
   buffer.set_output_data(pixels.data());
-  buffer.prepare(0);
+  buffer.prepare();
   buffer.finish();
   buffer.wait();
   EXPECT_EQ(recorder.all()[currentThreadId()],

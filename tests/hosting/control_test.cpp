@@ -30,7 +30,7 @@ TEST_P(ControlGLTest, FourFramesUseThreeBuffers) {
   OpenGLControl control(GetParam());
   EXPECT_EQ(control.current_buffer().order_key(), -1);
   EXPECT_EQ(control.current_buffer().width(), 0U);
-  EXPECT_FALSE(control.current_buffer().is_offscreen());
+  EXPECT_EQ(control.pending_snapshot(), nullptr);
   EXPECT_EQ(ids(control, 4), (std::vector<int>{0, 1, 2, 0}));
 }
 
@@ -39,14 +39,14 @@ TEST_P(ControlGLTest, ASnapshotTakesTheFrontPlaceUntilItIsThere) {
   EXPECT_FALSE(control.wait_for_snapshot());
   Picture picture(7, 5);
   control.snapshot(7, 5, picture.bytes.data());
-  AbstractBuffer& buffer = control.current_buffer();
-  EXPECT_EQ(buffer.buffer_id(), -1);
+  OffscreenBufferObject* const buffer = control.pending_snapshot();
+  ASSERT_NE(buffer, nullptr);
   auto waiter = std::async(std::launch::async, [&] { return control.wait_for_snapshot(); });
-  buffer.prepare(0);
+  buffer->prepare();
   drawPattern(0x99);
-  buffer.finish();
+  buffer->finish();
   EXPECT_TRUE(waiter.get());
-  EXPECT_EQ(control.current_buffer().buffer_id(), 0);
+  EXPECT_EQ(control.pending_snapshot(), nullptr);
   EXPECT_TRUE(agree(picture, patternPicture(0x99, 7, 5), exact));
 
   control.snapshot(7, 5, picture.bytes.data());
@@ -91,7 +91,7 @@ class TestImageGLTest : public GLTest {
     Picture result(200, 200);
     buffer.resize(200, 200);
     buffer.set_output_data(result.bytes.data());
-    buffer.prepare(0);
+    buffer.prepare();
     draw();
     buffer.finish();
     buffer.release();

@@ -38,7 +38,6 @@ TEST_F(HostBufferGLTest, StartsWithoutFrame) {
 
 TEST_F(HostBufferGLTest, AFrameIsMappedOnceItIsComplete) {
   buffer_.resize(13, 9);
-  const std::int64_t before = nanosecondsNow();
   draw(0x00C0FFEE);
   EXPECT_EQ(buffer_.map(), nullptr);  // the read-back has only been asked for
   EXPECT_TRUE(buffer_.complete(true));
@@ -47,9 +46,6 @@ TEST_F(HostBufferGLTest, AFrameIsMappedOnceItIsComplete) {
   EXPECT_EQ(mapped->index(), 0x00C0FFEEU);
   EXPECT_EQ(mapped->width(), 13U);
   EXPECT_EQ(mapped->height(), 9U);
-  EXPECT_EQ(mapped->buffer_id(), 2);
-  EXPECT_GE(mapped->timestamp(), before);
-  EXPECT_LE(mapped->timestamp(), buffer_.timestamp());
   EXPECT_TRUE(agree(hostSurfacePicture(mapped->surface()), patternPicture(0x00C0FFEE, 13, 9), exact));
 }
 
@@ -60,14 +56,8 @@ TEST_F(HostBufferGLTest, AViewHoldsTheLock) {
   auto mapped = buffer_.map();
   auto other = std::async(std::launch::async, [&] { buffer_.lock(); });
   EXPECT_EQ(other.wait_for(20ms), std::future_status::timeout);
-  {
-    const auto lock = mapped->take_lock();
-    EXPECT_TRUE(lock.owns_lock());
-    EXPECT_EQ(other.wait_for(20ms), std::future_status::timeout);
-  }
+  mapped.reset();
   other.get();
-  auto again = std::async(std::launch::async, [&] { buffer_.lock(); });
-  again.get();  // the view no longer owns anything
 }
 
 TEST_F(HostBufferGLTest, ANewFrameUnmapsTheOldOne) {
@@ -89,10 +79,6 @@ TEST_F(HostBufferGLTest, ReadsWhateverTheClientLeftBound) {
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
   buffer_.finish();
   expectMapped(3, 5, 7);
-  Picture picture(5, 7);
-  buffer_.read_pixels(picture.bytes.data());
-  EXPECT_TRUE(agree(picture, patternPicture(3, 5, 7), exact));
-  buffer_.read_pixels(nullptr);
 }
 
 TEST_F(HostBufferGLTest, AFailedResizeIsRepairedByTheNext) {

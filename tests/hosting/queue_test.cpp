@@ -73,8 +73,8 @@ TEST(RequestQueueTest, WaitEndsWithARequest) {
   EXPECT_EQ(waiter.get(), 9);
 }
 
-AbstractBuffer* bufferAt(std::uintptr_t address) {
-  return reinterpret_cast<AbstractBuffer*>(address);
+HandOffBuffer* bufferAt(std::uintptr_t address) {
+  return reinterpret_cast<HandOffBuffer*>(address);
 }
 
 TEST(ReturnMapTest, SmallestKeyFirstAndOneBufferPerKey) {

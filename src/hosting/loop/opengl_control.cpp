@@ -28,11 +28,8 @@ OpenGLControl::OpenGLControl(SurfaceSharing sharing) : host_(OpenGLHost::acquire
   const TimingMark mark("OpenGLControl");
   create_context(sharing);
   for (std::int32_t index = 0; index < ringSize; ++index) {
-    auto buffer = source_->createBuffer(index);
-    buffer->set_up();
-    buffers_.push_back(std::move(buffer));
+    buffers_.push_back(source_->createBuffer(index));
   }
-  glGetIntegerv(GL_VIEWPORT, viewport_.data());
 }
 
 void OpenGLControl::create_context(SurfaceSharing sharing) {
@@ -68,11 +65,6 @@ OpenGLControl::~OpenGLControl() {
   buffers_.clear();
   source_.reset();
   context_.reset();
-}
-
-AbstractBuffer& OpenGLControl::current_buffer() {
-  if (snapshotPending_) return snapshotBuffer_;
-  return *buffers_.front();
 }
 
 void OpenGLControl::rotate_buffers() {

@@ -1,13 +1,13 @@
 // A set of render targets with an OpenGL context of their own.
 #pragma once
 
-#include <array>
 #include <atomic>
 #include <cstdint>
 #include <deque>
 #include <memory>
 
 #include "gl/context/opengl_context.h"
+#include "hosting/surfaces/hand_off_buffer.h"
 #include "hosting/offscreen/offscreen_buffer_object.h"
 #include "hosting/surfaces/surface_sharing.h"
 
@@ -26,7 +26,7 @@ class OpenGLControl {
   OpenGLControl(const OpenGLControl&) = delete;
   OpenGLControl& operator=(const OpenGLControl&) = delete;
 
-  AbstractBuffer& current_buffer();  // the snapshot buffer while a snapshot is pending, else the ring's front
+  HandOffBuffer& current_buffer() { return *buffers_.front(); }
   void rotate_buffers();
   void render_test_image();
   void make_uncurrent();  // so that another thread can delete the control
@@ -34,7 +34,9 @@ class OpenGLControl {
   void snapshot(std::uint32_t width, std::uint32_t height, void* data);
   bool wait_for_snapshot();  // whether it was drawn; returns at once when none is pending
   void cancel_snapshot();    // no frame will come any more; lets waiters go
-  bool snapshot_pending() const { return snapshotPending_; }
+
+  // The target of the next frame while a snapshot is pending, else null.
+  OffscreenBufferObject* pending_snapshot() { return snapshotPending_ ? &snapshotBuffer_ : nullptr; }
 
  private:
   void create_context(SurfaceSharing sharing);
@@ -42,10 +44,9 @@ class OpenGLControl {
   std::shared_ptr<OpenGLHost> host_;
   std::unique_ptr<gl::OpenGLContext> context_;
   std::unique_ptr<AbstractBufferSource> source_;
-  std::deque<std::unique_ptr<AbstractBuffer>> buffers_;
+  std::deque<std::unique_ptr<HandOffBuffer>> buffers_;
   OffscreenBufferObject snapshotBuffer_;
   std::atomic<bool> snapshotPending_{false};
-  std::array<GLint, 4> viewport_{};
 };
 
 }  // namespace oct

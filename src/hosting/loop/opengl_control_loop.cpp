@@ -1,5 +1,6 @@
 #include "hosting/loop/opengl_control_loop.h"
 
+#include <chrono>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -17,6 +18,11 @@ namespace {
 
 constexpr std::uint32_t gateValue = 0xFFFFFFFFU;
 constexpr const char* threadEnded = "The rendering thread of the control loop has ended. ";
+
+std::int64_t nanosecondsNow() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+}
 
 // Counts the iterations of all loops and marks the time that 50 of them took, from the first on.
 class IterationClock {
@@ -238,36 +244,44 @@ RequestQueue::Request OpenGLControlLoop::next_request(bool& taken) {
 
 void OpenGLControlLoop::render_frame(std::int32_t request, bool taken) {
   const TimingMark mark("rendering_loop_it_excl");
-  AbstractBuffer* buffer = &control_->current_buffer();
-  if (!buffer->is_offscreen()) {
-    // A frame that the client has not got yet is not drawn over: its buffer would arrive twice with the later
-    // frame, and out of order. A snapshot does not wait for the client, who may be asking for it in the very
-    // callback.
-    if (buffer == unfinished_) hand_over(true);
-    returnMap_.waitUntilReturned(buffer, [this] { return !running_ || control_->snapshot_pending(); });
-    buffer = &control_->current_buffer();
-  }
-  // The snapshot takes the place of a frame that was asked for once; that one follows.
-  if (buffer->is_offscreen() && taken) requestQueue_.putBack(request);
+  if (render_snapshot(request, taken)) return;
+  HandOffBuffer& buffer = control_->current_buffer();
+  // A frame that the client has not got yet is not drawn over: its buffer would arrive twice with the later
+  // frame, and out of order. A snapshot does not wait for the client, who may be asking for it in the very
+  // callback.
+  if (&buffer == unfinished_) hand_over(true);
+  returnMap_.waitUntilReturned(&buffer, [this] { return !running_ || control_->pending_snapshot(); });
+  if (render_snapshot(request, taken)) return;
 
-  auto lock = buffer->lock();
+  auto lock = buffer.lock();
   const Size wanted = size();
-  if (!buffer->is_offscreen() && (buffer->width() != wanted.width || buffer->height() != wanted.height)) {
-    buffer->resize(wanted.width, wanted.height);
+  if (buffer.width() != wanted.width || buffer.height() != wanted.height) {
+    buffer.resize(wanted.width, wanted.height);
   }
   {
-    const TimingMark callbackMark("Rendering callback (", std::to_string(buffer->buffer_id()) + ")");
-    buffer->prepare(request);
+    const TimingMark callbackMark("Rendering callback (", std::to_string(buffer.buffer_id()) + ")");
+    buffer.prepare(request);
     draw(request);
-    buffer->finish();
+    buffer.finish();
   }
-  if (buffer->is_offscreen()) return;
   control_->rotate_buffers();
   lock.unlock();
   // The frame before had the time of this one to be read back.
   hand_over(true);
-  unfinished_ = buffer;
+  unfinished_ = &buffer;
   hand_over(false);
+}
+
+// Whether one was pending. It takes the place of a frame that was asked for once; that one follows.
+bool OpenGLControlLoop::render_snapshot(std::int32_t request, bool taken) {
+  OffscreenBufferObject* const snapshot = control_->pending_snapshot();
+  if (!snapshot) return false;
+  if (taken) requestQueue_.putBack(request);
+  const TimingMark callbackMark("Rendering callback (-1)");
+  snapshot->prepare();
+  draw(request);
+  snapshot->finish();
+  return true;
 }
 
 void OpenGLControlLoop::draw(std::int32_t request) {
@@ -286,7 +300,7 @@ void OpenGLControlLoop::hand_over(bool wait) {
   if (!unfinished_) return;
   const auto lock = unfinished_->lock();
   if (!unfinished_->complete(wait)) return;
-  AbstractBuffer* const finished = std::exchange(unfinished_, nullptr);
+  HandOffBuffer* const finished = std::exchange(unfinished_, nullptr);
   returnMap_.insert(finished->order_key(), finished);
 }
 
@@ -308,7 +322,7 @@ void OpenGLControlLoop::return_frames() {
   returnClock.start();
   while (running_) {
     const TimingMark iterationMark("return_loop_it_incl");
-    AbstractBuffer* const buffer = returnMap_.take();
+    HandOffBuffer* const buffer = returnMap_.take();
     const TimingMark workMark("return_loop_it_excl");
     if (buffer) {
       give_to_client(*buffer);
@@ -318,8 +332,8 @@ void OpenGLControlLoop::return_frames() {
   }
 }
 
-void OpenGLControlLoop::give_to_client(AbstractBuffer& buffer) {
-  const auto mapped = buffer.map();
+void OpenGLControlLoop::give_to_client(HandOffBuffer& buffer) {
+  auto mapped = buffer.map();
   const TimingMark mark("Return buffer callback (", std::to_string(buffer.buffer_id()) + ")");
   if (!mapped || !running_) return;
   {
@@ -328,7 +342,7 @@ void OpenGLControlLoop::give_to_client(AbstractBuffer& buffer) {
       (*imageReadyCallback_)(mapped->index(), mapped->width(), mapped->height(), mapped->surface());
     }
   }
-  mapped->take_lock();  // and release it
+  mapped.reset();  // gives the buffer back
 }
 
 void OpenGLControlLoop::shut_down() {

@@ -17,7 +17,7 @@
 
 namespace oct {
 
-class AbstractBuffer;
+class HandOffBuffer;
 class OpenGLControl;
 
 // What is drawn is the rendering callback's business; without one the loop draws a test image. Public
@@ -65,12 +65,13 @@ class OpenGLControlLoop {
   void render_iteration();
   RequestQueue::Request next_request(bool& taken);
   void render_frame(std::int32_t request, bool taken);
+  bool render_snapshot(std::int32_t request, bool taken);
   void draw(std::int32_t request);
   void hand_over(bool wait);
   void render_thread_failed();
   void return_loop();
   void return_frames();
-  void give_to_client(AbstractBuffer& buffer);
+  void give_to_client(HandOffBuffer& buffer);
   void end_snapshots();
   void shut_down();
 
@@ -90,7 +91,7 @@ class OpenGLControlLoop {
   std::unique_ptr<OpenGLControl> control_;
   std::atomic<std::uint64_t> size_{0};  // width in the upper half, so that both change together
   const SurfaceSharing sharing_;
-  AbstractBuffer* unfinished_ = nullptr;  // of the render thread: its frame still waits for the GPU
+  HandOffBuffer* unfinished_ = nullptr;  // of the render thread: its frame still waits for the GPU
   Visitors snapshots_;
   std::mutex snapshotMutex_;
   std::mutex modeMutex_;

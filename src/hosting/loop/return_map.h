@@ -9,12 +9,12 @@
 
 namespace oct {
 
-class AbstractBuffer;
+class HandOffBuffer;
 
 class ReturnMap {
  public:
   // An entry with the same key gets the new buffer. Null wakes the return thread for its end.
-  void insert(std::int32_t key, AbstractBuffer* buffer) {
+  void insert(std::int32_t key, HandOffBuffer* buffer) {
     {
       const std::lock_guard lock(mutex_);
       buffers_[key] = buffer;
@@ -24,7 +24,7 @@ class ReturnMap {
 
   // Blocks until there is an entry, removes the one with the smallest key and returns its buffer. The buffer
   // counts as waiting until returned() is called.
-  AbstractBuffer* take() {
+  HandOffBuffer* take() {
     std::unique_lock lock(mutex_);
     condition_.wait(lock, [this] { return !buffers_.empty(); });
     taken_ = buffers_.begin()->second;
@@ -44,7 +44,7 @@ class ReturnMap {
   // Blocks until the buffer's frame has been returned, or until the condition says to give up; who changes
   // what the condition looks at calls wake afterwards.
   template <class GiveUp>
-  void waitUntilReturned(const AbstractBuffer* buffer, GiveUp&& giveUp) {
+  void waitUntilReturned(const HandOffBuffer* buffer, GiveUp&& giveUp) {
     std::unique_lock lock(mutex_);
     condition_.wait(lock, [&] { return giveUp() || !holds(buffer); });
   }
@@ -55,15 +55,15 @@ class ReturnMap {
   }
 
  private:
-  bool holds(const AbstractBuffer* buffer) const {
+  bool holds(const HandOffBuffer* buffer) const {
     return taken_ == buffer || std::any_of(buffers_.begin(), buffers_.end(),
                                            [&](const auto& entry) { return entry.second == buffer; });
   }
 
   std::mutex mutex_;
   std::condition_variable condition_;
-  std::map<std::int32_t, AbstractBuffer*> buffers_;
-  AbstractBuffer* taken_ = nullptr;
+  std::map<std::int32_t, HandOffBuffer*> buffers_;
+  HandOffBuffer* taken_ = nullptr;
 };
 
 }  // namespace oct

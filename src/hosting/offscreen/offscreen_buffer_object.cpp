@@ -28,17 +28,6 @@ void OffscreenBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   done_.guarded([&] { size_ = {width, height}; });
 }
 
-OffscreenBufferObject::Size OffscreenBufferObject::size() const {
-  return done_.guarded([&] { return size_; });
-}
-
-std::uint32_t OffscreenBufferObject::width() const {
-  return size().width;
-}
-std::uint32_t OffscreenBufferObject::height() const {
-  return size().height;
-}
-
 void OffscreenBufferObject::detach() {
   glBindFramebuffer(GL_FRAMEBUFFER, target_.framebuffer.get());
   if (target_.framebuffer) {
@@ -51,9 +40,8 @@ void OffscreenBufferObject::detach() {
 
 // The target is made anew for every frame, so that the size is always the current one and no frame depends on
 // what an earlier one left.
-void OffscreenBufferObject::prepare(std::int32_t request) {
+void OffscreenBufferObject::prepare() {
   const TimingMark mark("OffscreenBuffer::prepare");
-  lastRequest_ = request;
   if (target_.framebuffer && target_.color && target_.depth) {
     detach();
   } else {
@@ -62,7 +50,7 @@ void OffscreenBufferObject::prepare(std::int32_t request) {
   }
   target_.reset();
 
-  frameSize_ = size();
+  frameSize_ = done_.guarded([&] { return size_; });
   const auto width = static_cast<GLsizei>(frameSize_.width);
   const auto height = static_cast<GLsizei>(frameSize_.height);
   target_.create(width, height);
@@ -86,16 +74,11 @@ void OffscreenBufferObject::finish() {
     return false;
   });
   if (!data) return;
-  read_pixels(data);
+  read_back(data);
   done_.signal(finished);
 }
 
-std::int64_t OffscreenBufferObject::timestamp() const {
-  return nanosecondsNow();
-}
-
-void OffscreenBufferObject::read_pixels(void* data) {
-  if (!data) return;
+void OffscreenBufferObject::read_back(void* data) {
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   gl::readColor(target_.framebuffer, static_cast<GLsizei>(frameSize_.width),
                 static_cast<GLsizei>(frameSize_.height), data);

@@ -29,7 +29,7 @@ void OffscreenTarget::beginFrame(std::uint32_t width, std::uint32_t height) {
   frameBegun_ = false;
   context_.makeCurrent();
   buffer_.resize(width, height);
-  buffer_.prepare(0);
+  buffer_.prepare();
   gl::throwOnGLError("beginOffscreenFrame");
   const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
   if (status != GL_FRAMEBUFFER_COMPLETE) {

@@ -4,7 +4,6 @@
 
 #include "core/log.h"
 #include "core/timing_mark.h"
-#include "gl/read_back.h"
 // After gl.h, which it needs.
 #include <GL/wglew.h>
 
@@ -143,16 +142,9 @@ void DX9SharedBufferObject::waitForGpu() {
   fence_.reset();
 }
 
-void DX9SharedBufferObject::read_pixels(void* data) {
-  if (!data) return;
-  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  gl::readColor(target(), columns(), rows(), data);
-}
-
-std::unique_ptr<AbstractMappedBuffer> DX9SharedBufferObject::map() {
+std::unique_ptr<MappedBuffer> DX9SharedBufferObject::map() {
   const TimingMark mark("dxmap_buffer_object");
-  auto held = lock();
-  return std::make_unique<DXSharedMappedBuffer>(std::move(held), *this, surface_.get());
+  return mapped(lock(), surface_.get());
 }
 
 }  // namespace oct

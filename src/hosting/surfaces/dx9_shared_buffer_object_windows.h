@@ -6,12 +6,9 @@
 #include "gl/fence.h"
 #include "gl/gl_names.h"
 #include "hosting/surfaces/dx9_interop_windows.h"
-#include "hosting/surfaces/shared_mapped_buffer.h"
+#include "hosting/surfaces/hand_off_buffer.h"
 
 namespace oct {
-
-// What map gives: the surface, and the buffer's lock.
-using DXSharedMappedBuffer = SharedMappedBuffer;
 
 // The texture is locked for OpenGL between prepare and finish. The first resize gives the buffer its Direct3D
 // resources; one that fails leaves a buffer of no size, which the next one repairs.
@@ -28,8 +25,7 @@ class DX9SharedBufferObject : public HandOffBuffer {
   std::uint32_t height() const override { return height_; }
   void prepare(std::int32_t request) override;
   void finish() override;
-  void read_pixels(void* data) override;
-  std::unique_ptr<AbstractMappedBuffer> map() override;
+  std::unique_ptr<MappedBuffer> map() override;
 
  private:
   const gl::Framebuffer& target() const { return blitFallback_ ? renderFramebuffer_ : sharedFramebuffer_; }

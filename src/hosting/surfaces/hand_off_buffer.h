@@ -1,36 +1,73 @@
-// What the buffers of the ring have in common, whatever their frames reach the client in.
+// A buffer of a control's ring: frames are rendered into it and handed to the client.
 #pragma once
 
-#include "hosting/surfaces/abstract_buffer.h"
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <utility>
 
 namespace oct {
 
-class HandOffBuffer : public AbstractBuffer {
+// A client's view of a finished frame. Holds the buffer's lock for its whole life.
+class MappedBuffer {
  public:
-  explicit HandOffBuffer(std::int32_t index) : index_(index) {}
+  MappedBuffer(std::unique_lock<std::mutex> lock, std::int32_t key, std::uint32_t width, std::uint32_t height,
+               void* surface)
+      : lock_(std::move(lock)),
+        index_(static_cast<std::uint32_t>(key)),
+        width_(width),
+        height_(height),
+        surface_(surface) {}
+
+  std::uint32_t index() const { return index_; }  // key of the frame
+  std::uint32_t width() const { return width_; }
+  std::uint32_t height() const { return height_; }
+  void* surface() const { return surface_; }
+
+ private:
+  const std::unique_lock<std::mutex> lock_;
+  const std::uint32_t index_;
+  const std::uint32_t width_;
+  const std::uint32_t height_;
+  void* const surface_;
+};
+
+// All but map runs on the thread of the context.
+class HandOffBuffer {
+ public:
+  explicit HandOffBuffer(std::int32_t id) : id_(id) {}
+  virtual ~HandOffBuffer() = default;
   HandOffBuffer(const HandOffBuffer&) = delete;
   HandOffBuffer& operator=(const HandOffBuffer&) = delete;
 
-  void set_up() override {}
-  bool is_offscreen() const override { return false; }
-  std::int32_t order_key() const override { return orderKey_; }
-  std::int64_t timestamp() const override { return nanosecondsNow(); }
-  std::int32_t buffer_id() const override { return index_; }
-  std::unique_lock<std::mutex> lock() override { return std::unique_lock(mutex_); }
-  std::int64_t prepare_time() const { return prepareTime_; }
+  virtual void release() = 0;  // deletes the OpenGL objects
+  virtual void resize(std::uint32_t width, std::uint32_t height) = 0;
+  virtual std::uint32_t width() const = 0;
+  virtual std::uint32_t height() const = 0;
+  virtual void prepare(std::int32_t request) = 0;  // begins a frame
+  virtual void finish() = 0;                       // ends it
+
+  // Whether the frame ended by finish can be mapped. With wait, blocks until it can and throws when the GPU
+  // takes longer than a second. Runs under the buffer's lock.
+  virtual bool complete(bool /*wait*/) { return true; }
+
+  // Null while no frame is complete.
+  virtual std::unique_ptr<MappedBuffer> map() = 0;
+
+  std::unique_lock<std::mutex> lock() { return std::unique_lock(mutex_); }
+  std::int32_t order_key() const { return order_key_; }  // of the last frame
+  std::int32_t buffer_id() const { return id_; }
 
  protected:
-  // Notes that a frame begins.
-  void begin(std::int32_t request) {
-    orderKey_ = request;
-    prepareTime_ = nanosecondsNow();
+  void begin(std::int32_t request) { order_key_ = request; }
+  std::unique_ptr<MappedBuffer> mapped(std::unique_lock<std::mutex> lock, void* surface) const {
+    return std::make_unique<MappedBuffer>(std::move(lock), order_key_, width(), height(), surface);
   }
 
  private:
   std::mutex mutex_;
-  const std::int32_t index_;
-  std::int32_t orderKey_ = -1;
-  std::int64_t prepareTime_ = 0;  // nanoseconds
+  const std::int32_t id_;
+  std::int32_t order_key_ = -1;
 };
 
 // Logs the reason and throws "Could not generate render target. ".

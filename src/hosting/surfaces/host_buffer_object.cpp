@@ -5,7 +5,6 @@
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
 #include "gl/read_back.h"
-#include "hosting/surfaces/shared_mapped_buffer.h"
 
 namespace oct {
 
@@ -87,17 +86,11 @@ void HostBufferObject::unmap() {
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
 }
 
-void HostBufferObject::read_pixels(void* data) {
-  if (!data) return;
-  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  gl::readColor(target_.framebuffer, columns(), rows(), data);
-}
-
-std::unique_ptr<AbstractMappedBuffer> HostBufferObject::map() {
+std::unique_ptr<MappedBuffer> HostBufferObject::map() {
   const TimingMark mark("host_map_buffer_object");
   auto held = lock();
   if (!surface_.pixels) return nullptr;
-  return std::make_unique<SharedMappedBuffer>(std::move(held), *this, &surface_);
+  return mapped(std::move(held), &surface_);
 }
 
 }  // namespace oct

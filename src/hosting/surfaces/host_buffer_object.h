@@ -21,8 +21,7 @@ class HostBufferObject : public HandOffBuffer {
   std::uint32_t height() const override { return surface_.height; }
   void prepare(std::int32_t request) override;
   void finish() override;
-  void read_pixels(void* data) override;
-  std::unique_ptr<AbstractMappedBuffer> map() override;  // null while no frame is complete
+  std::unique_ptr<MappedBuffer> map() override;
   bool complete(bool wait) override;
 
  private:

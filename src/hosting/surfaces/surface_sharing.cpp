@@ -14,7 +14,7 @@ std::atomic<SurfaceSharing> currentSharing{hasDirect3D ? SurfaceSharing::direct3
 
 class HostBufferSource : public AbstractBufferSource {
  public:
-  std::unique_ptr<AbstractBuffer> createBuffer(std::int32_t index) override {
+  std::unique_ptr<HandOffBuffer> createBuffer(std::int32_t index) override {
     return std::make_unique<HostBufferObject>(index);
   }
 };

@@ -6,7 +6,7 @@
 
 namespace oct {
 
-class AbstractBuffer;
+class HandOffBuffer;
 
 enum class SurfaceSharing : int { direct3D = 0, hostMemory = 1 };
 
@@ -19,7 +19,7 @@ SurfaceSharing surfaceSharing();
 class AbstractBufferSource {
  public:
   virtual ~AbstractBufferSource() = default;
-  virtual std::unique_ptr<AbstractBuffer> createBuffer(std::int32_t index) = 0;
+  virtual std::unique_ptr<HandOffBuffer> createBuffer(std::int32_t index) = 0;
 };
 
 // With the control's context current. Null when the system gives none now; it may be asked again.
