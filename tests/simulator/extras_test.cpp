@@ -2,9 +2,9 @@
 
 #include "measurement.h"
 
-#include "finger_pad.h"
-#include "mirror.h"
-#include "surface.h"
+#include "phantoms/finger_pad.h"
+#include "phantoms/mirror.h"
+#include "processing/surface.h"
 
 #include <gtest/gtest.h>
 

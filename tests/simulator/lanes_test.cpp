@@ -1,8 +1,8 @@
 // Four signals side by side give what each gives alone.
 
-#include "fourier.h"
 #include "measurement.h"
-#include "mirror.h"
+#include "phantoms/mirror.h"
+#include "signals/fourier.h"
 
 #include <gtest/gtest.h>
 

@@ -2,12 +2,12 @@
 /// Measures and processes a phantom in one go.
 #pragma once
 
-#include "calibration.h"
-#include "data.h"
-#include "device.h"
-#include "phantom.h"
-#include "processing.h"
-#include "scan_pattern.h"
+#include "base/data.h"
+#include "device/device.h"
+#include "device/scan_pattern.h"
+#include "phantoms/phantom.h"
+#include "processing/calibration.h"
+#include "processing/processing.h"
 
 #include <memory>
 #include <vector>

@@ -2,7 +2,7 @@
 
 #include "measurement.h"
 
-#include "mirror.h"
+#include "phantoms/mirror.h"
 
 #include <gtest/gtest.h>
 

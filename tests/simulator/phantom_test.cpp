@@ -2,8 +2,8 @@
 
 #include "measurement.h"
 
-#include "finger_pad.h"
-#include "retina.h"
+#include "phantoms/finger_pad.h"
+#include "phantoms/retina.h"
 
 #include <gtest/gtest.h>
 

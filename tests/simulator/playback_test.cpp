@@ -5,8 +5,8 @@
 #include <limits>
 #include <optional>
 
+#include "base/recording.h"
 #include "device_objects.h"
-#include "recording.h"
 
 namespace oct::simulator::test {
 namespace {

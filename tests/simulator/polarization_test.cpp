@@ -2,10 +2,10 @@
 
 #include "measurement.h"
 
-#include "mirror.h"
-#include "polarization.h"
-#include "polarization_processing.h"
-#include "polarization_target.h"
+#include "optics/polarization.h"
+#include "phantoms/mirror.h"
+#include "phantoms/polarization_target.h"
+#include "processing/polarization_processing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "resampler.h"
+#include "signals/resampler.h"
 
 #include <gtest/gtest.h>
 

@@ -1,29 +1,11 @@
-// Scripted failures, the record of calls, and the functions of devices with two sensors.
+// Scripted failures, and the functions of devices with two sensors.
 
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
 
 #include "device_objects.h"
 
 namespace oct::simulator::test {
 namespace {
-
-std::vector<std::string> recordedCalls() {
-  std::vector<std::string> calls;
-  for (int index = 0; index < getSimulatedCallCount(); ++index) {
-    char text[256];
-    const int length = getSimulatedCall(index, text, sizeof text);
-    EXPECT_EQ(length, static_cast<int>(std::strlen(text)));
-    calls.emplace_back(text);
-  }
-  return calls;
-}
-
-std::string number(const void* handle) {
-  std::string text("#");
-  return text.append(std::to_string(reinterpret_cast<std::uintptr_t>(handle)));
-}
 
 /// All that the functions take; of itself null handles.
 struct Handles {
@@ -42,8 +24,7 @@ class TwoSensors : public DeviceObjectsTest {
  protected:
   TwoSensors() { EXPECT_EQ(pendingError(), ""); }
   ~TwoSensors() override {
-    recordSimulatedCalls(0);
-    clearSimulatedFailures();
+      clearSimulatedFailures();
     clearSimulatedPolarizationProcessing(all_.polarization);
     clearSimulatedProcessing(all_.processings[1]);
   }
@@ -146,59 +127,16 @@ TEST_F(TwoSensors, OneSensorHasNoPolarizationAndNoSecondCamera) {
        {[&] { getRawDataEx(all_.device, all_.raws[0], 2); }, "cameras 0 and 1"}});
 }
 
-TEST_F(TwoSensors, CallsAreRecordedInOrderWithTheirArguments) {
-  recordSimulatedCalls(1);
-  measure(setPolarizationOutputDOPU);
-  setDataRange(all_.data, 1.25, 2.0, 3.0);
-  isError();
-  const auto extra = createData();
-  clearData(extra);
-  getDataPtr(nullptr);
-  char text[100];
-  getError(text, 100);
-  recordSimulatedCalls(0);
-  isError();  // no longer recorded
-  const auto device = number(all_.device);
-  const std::vector<std::string> expected{
-      "startMeasurement(" + device + ", " + number(all_.pattern) + ", 0)",
-      "getRawDataEx(" + device + ", " + number(all_.raws[0]) + ", 0)",
-      "setComplexDataOutput(" + number(all_.processings[0]) + ", " + number(all_.fields[0]) + ")",
-      "executeProcessing(" + number(all_.processings[0]) + ", " + number(all_.raws[0]) + ")",
-      "getRawDataEx(" + device + ", " + number(all_.raws[1]) + ", 1)",
-      "setComplexDataOutput(" + number(all_.processings[1]) + ", " + number(all_.fields[1]) + ")",
-      "executeProcessing(" + number(all_.processings[1]) + ", " + number(all_.raws[1]) + ")",
-      "setPolarizationOutputDOPU(" + number(all_.polarization) + ", " + number(all_.data) + ")",
-      "executePolarizationProcessing(" + number(all_.polarization) + ", " + number(all_.fields[0]) + ", " +
-          number(all_.fields[1]) + ")",
-      "stopMeasurement(" + device + ")",
-      "setDataRange(" + number(all_.data) + ", 1.25, 2, 3)",
-      "isError()",
-      "createData() = " + number(extra),
-      "clearData(" + number(extra) + ")",
-      "getDataPtr(null)",
-      "getError(100)"};
-  EXPECT_EQ(recordedCalls(), expected);
-  char cut[6];
-  EXPECT_EQ(getSimulatedCall(0, cut, sizeof cut), static_cast<int>(expected[0].size()));
-  EXPECT_STREQ(cut, "start");
-  EXPECT_EQ(getSimulatedCall(99, cut, sizeof cut), 0);
-  EXPECT_NE(pendingError(), "");
-  recordSimulatedCalls(1);
-  EXPECT_EQ(getSimulatedCallCount(), 0);
-}
-
 TEST_F(TwoSensors, TheChosenCallFailsOnceAndDoesNothing) {
   failSimulatedCall("createData", 2, "out of order");
   const OwnedData first;
   EXPECT_NE(static_cast<DataHandle>(first), nullptr);
-  recordSimulatedCalls(1);
   const int objects = getSimulatedObjectCount();
   EXPECT_EQ(createData(), nullptr);
   EXPECT_EQ(getSimulatedObjectCount(), objects);
   EXPECT_EQ(pendingError(), "createData: out of order");
   const OwnedData third;
   EXPECT_NE(static_cast<DataHandle>(third), nullptr);
-  EXPECT_EQ(recordedCalls().front(), "createData() = null");
 }
 
 TEST_F(TwoSensors, ZeroFailsEveryCallUntilFailuresAreCleared) {

@@ -171,27 +171,6 @@ OCT_DEVICE_API void failSimulatedCall(const char* function, int call, const char
 /** Takes all scripts of failSimulatedCall() back. */
 OCT_DEVICE_API void clearSimulatedFailures(void);
 
-/**
- * Records the calls of the functions of oct_device.h, those that fail included, in the order in which they
- * began.
- * @param enabled non-zero: a new, empty record begins; 0: recording ends and the record stays
- */
-OCT_DEVICE_API void recordSimulatedCalls(int enabled);
-
-/** Tells how many calls the record holds. @return the count */
-OCT_DEVICE_API int getSimulatedCallCount(void);
-
-/**
- * Reads one call of the record, for example "getRawDataEx(#3, #7, 0)" or "createData() = #8": handles as the
- * pointer's value in decimal behind a '#' or "null", buffers left out.
- * @param index number of the call, from 0
- * @param buffer receives the text, cut to fit and always terminated
- * @param size size of the buffer in bytes
- * @return length of the whole text without its end, so that a text of size or more was cut; 0 and a pending
- *         error if there is no such call
- */
-OCT_DEVICE_API int getSimulatedCall(int index, char* buffer, int size);
-
 #ifdef __cplusplus
 }
 #endif
