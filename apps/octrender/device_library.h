@@ -2,7 +2,7 @@
 #pragma once
 
 #include <oct_device/oct_device.h>
-#include <oct_device/oct_simulator.h>
+#include <oct_simulator/oct_simulator.h>
 
 #include <string>
 

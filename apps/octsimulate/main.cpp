@@ -1,6 +1,6 @@
 // Measures a phantom with the simulated OCT device and writes the result as a .npy array.
 #include <oct_device/oct_device.h>
-#include <oct_device/oct_simulator.h>
+#include <oct_simulator/oct_simulator.h>
 
 #include <CLI/CLI.hpp>
 #include <array>

@@ -1,6 +1,6 @@
 // The simulator's own functions: its objects, and what makes it behave as a test wants.
 
-#include "oct_device/oct_simulator.h"
+#include "oct_simulator/oct_simulator.h"
 
 #include "device.h"
 #include "finger_pad.h"

@@ -11,8 +11,8 @@
 #include "display/simple_data_provider.h"
 #include "gl/quad.h"
 #include "gl/shader.h"
-#include "renderer/abstract_renderer.h"
-#include "renderer/colormap.h"
+#include "gl/abstract_renderer.h"
+#include "gl/colormap.h"
 
 namespace oct {
 

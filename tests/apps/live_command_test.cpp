@@ -1,5 +1,5 @@
 // "octrender live" with the simulated device.
-#include <oct_device/oct_simulator.h>
+#include <oct_simulator/oct_simulator.h>
 
 #include <algorithm>
 #include <regex>

@@ -5,10 +5,10 @@
 #include <future>
 #include <tuple>
 
-#include "hosting/functors.h"
-#include "hosting/request_queue.h"
-#include "hosting/return_map.h"
-#include "hosting/visitors.h"
+#include "hosting/loop/functors.h"
+#include "hosting/loop/request_queue.h"
+#include "hosting/loop/return_map.h"
+#include "hosting/loop/visitors.h"
 
 namespace oct::test {
 namespace {
