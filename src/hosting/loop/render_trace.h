@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 
 namespace oct {
 
@@ -9,6 +10,11 @@ namespace oct {
 // file; where that fails there is no trace.
 void traceRenderCall(std::int32_t request);
 
-const char* renderTraceFile();  // one source per platform
+// Where the trace goes: the platform's fixed place, unless a test has named another. The next call opens that
+// one; an empty path ends the trace.
+std::filesystem::path renderTraceFile();
+void setRenderTraceFile(const std::filesystem::path& file);
+
+const char* fixedRenderTraceFile();  // one source per platform
 
 }  // namespace oct

@@ -2,7 +2,7 @@
 
 namespace oct {
 
-const char* renderTraceFile() {
+const char* fixedRenderTraceFile() {
   return "/tmp/render_calls.txt";
 }
 

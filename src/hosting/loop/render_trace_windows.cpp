@@ -2,7 +2,7 @@
 
 namespace oct {
 
-const char* renderTraceFile() {
+const char* fixedRenderTraceFile() {
   return "C:\\tmp\\render_calls.txt";
 }
 
