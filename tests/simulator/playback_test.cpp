@@ -138,6 +138,7 @@ TEST_F(Playback, SharesRawDataWithAPhantom) {
   executeProcessing(mirror.processing, raw_);
   EXPECT_EQ(pendingError(), "");
   EXPECT_EQ(sizesOf(data_), (Sizes{32, 3, 2}));
+  EXPECT_NE(samplesOf(data_)[1], numbered(1)[1]) << "the mirror, not the recording";
   expectErrors({{[&] { executeProcessing(scan_->processing, raw_); }, "another spectrum length"}});
   EXPECT_EQ(next(), numbered(1));
 }
