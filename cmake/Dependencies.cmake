@@ -1,5 +1,26 @@
 # Libraries that the project stands on.
 
+# Objects of earlier builds are taken from ccache where there is one. It needs to be told that precompiled headers
+# and the times of just fetched sources are fine.
+find_program(OCT_CCACHE ccache)
+foreach(language C CXX)
+  if(OCT_CCACHE AND NOT CMAKE_${language}_COMPILER_LAUNCHER)
+    set(CMAKE_${language}_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+      CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${OCT_CCACHE}")
+  endif()
+endforeach()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:SHELL:-Xclang -fno-pch-timestamp>")
+endif()
+
+# oct_precompile_headers(target header...)
+# The native release build does without, so that a source that lacks an include is found.
+function(oct_precompile_headers target)
+  if(OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows")
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()
+
 # Header-only libraries of the machine, reached through links: with -I/usr/include itself a cross compiler would read
 # the machine's C headers.
 set(OCT_HEADERS "${CMAKE_BINARY_DIR}/headers")

@@ -39,8 +39,12 @@ function(oct_add_test target)
   if(first)
     target_precompile_headers(${target} REUSE_FROM ${first})
   else()
-    target_precompile_headers(${target} PRIVATE <gtest/gtest.h> <algorithm> <functional> <memory> <mutex> <string>
-      <thread> <vector>)
+    set(headers <gtest/gtest.h> <algorithm> <array> <filesystem> <fstream> <functional> <map> <memory> <mutex> <sstream>
+      <string> <thread> <vector>)
+    if(group STREQUAL "support")
+      list(APPEND headers <GL/glew.h> <glm/glm.hpp>)
+    endif()
+    target_precompile_headers(${target} PRIVATE ${headers})
     set_property(GLOBAL PROPERTY oct_first_${group}_test ${target})
   endif()
 
@@ -55,7 +59,8 @@ function(oct_add_test target)
       set(name ${target}.${shard})
     endif()
     add_test(NAME ${preset}.${name} COMMAND ${target})
-    set_tests_properties(${preset}.${name} PROPERTIES TIMEOUT 600 LABELS "${preset}" ENVIRONMENT
+    # Those in shards begin before the others, so that the last to end are short ones.
+    set_tests_properties(${preset}.${name} PROPERTIES TIMEOUT 600 LABELS "${preset}" COST ${test_SHARDS} ENVIRONMENT
       "GTEST_OUTPUT=xml:${name}.cases.xml;GTEST_TOTAL_SHARDS=${test_SHARDS};GTEST_SHARD_INDEX=${shard}")
   endforeach()
 endfunction()

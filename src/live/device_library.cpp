@@ -26,7 +26,7 @@ SharedLibrary load(const std::string& name) {
   }
 }
 
-std::shared_ptr<const DeviceLibrary> bind(const std::string& name) {
+std::shared_ptr<const DeviceLibrary> boundLibrary(const std::string& name) {
   const SharedLibrary module = load(name);
   auto library = std::make_shared<DeviceLibrary>();
   library->name = name;
@@ -54,7 +54,7 @@ class Binding {
 
   std::shared_ptr<const DeviceLibrary> library() {
     const std::lock_guard lock(mutex_);
-    if (!library_) library_ = bind(name_);
+    if (!library_) library_ = boundLibrary(name_);
     return library_;
   }
 

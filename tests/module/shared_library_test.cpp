@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <random>
 #include <stdexcept>
+#include <string>
 
 namespace oct::test {
 namespace {
@@ -27,7 +29,10 @@ class SharedLibraryTest : public testing::Test {
     fs::remove_all(folder_, loaded);
   }
 
-  fs::path folder_ = fs::temp_directory_path() / u8"Ger\u00e4t \u0416\u4e2d";
+  // Another one for each process: several builds are tested at the same time.
+  fs::path folder_ =
+      fs::temp_directory_path() /
+      (u8"Ger\u00e4t \u0416\u4e2d " + fs::path(std::to_string(std::random_device{}())).u8string());
   fs::path copy_ = folder_ / fs::path(OCT_SOME_LIBRARY).filename();
 };
 
@@ -40,7 +45,8 @@ TEST_F(SharedLibraryTest, PathsAreUtf8WithForwardSlashes) {
 }
 
 TEST_F(SharedLibraryTest, TheReasonIsTheSystems) {
-  for (const std::string& name : {utf8(folder_ / "nothing.so"), utf8(folder_), std::string("no_such_library")}) {
+  for (const std::string& name :
+       {utf8(folder_ / "nothing.so"), utf8(folder_), std::string("no_such_library")}) {
     try {
       SharedLibrary{name};
       FAIL() << name;
