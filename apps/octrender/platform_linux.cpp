@@ -1,6 +1,6 @@
 #include <unistd.h>
 
-#include "platform.h"
+#include "octrender/platform.h"
 
 namespace oct::app {
 

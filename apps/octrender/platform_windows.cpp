@@ -6,8 +6,8 @@
 
 #include <filesystem>
 
-#include "failure.h"
-#include "platform.h"
+#include "data/file_errors.h"
+#include "octrender/platform.h"
 
 namespace oct::app {
 

@@ -1,15 +1,18 @@
-#include "progress.h"
+#include "octrender/progress.h"
 
 #include <iostream>
+#include <memory>
+#include <optional>
 #include <utility>
 
-#include "platform.h"
+#include "data/file_errors.h"
+#include "octrender/platform.h"
 
 namespace oct::app {
 namespace {
 
-constexpr std::size_t kManySamples = std::size_t{1}
-                                     << 24;  // with fewer the work ends before anyone has read a line
+// With fewer the work ends before anyone has read a line.
+constexpr std::size_t kManySamples = std::size_t{1} << 24;
 constexpr std::chrono::milliseconds kUpdateInterval{200};
 
 }  // namespace
@@ -32,6 +35,13 @@ void Progress::show(const std::string& line) {
   std::cerr << '\r' << line << std::flush;
   shownLength_ = line.size();
   lastUpdate_ = std::chrono::steady_clock::now();
+}
+
+ProgressFunction readingProgress(const std::filesystem::path& file) {
+  return [file, bar = std::make_shared<std::optional<Progress>>()](std::size_t done, std::size_t total) {
+    if (!*bar) bar->emplace("reading " + toUtf8(file.filename()), total);
+    (*bar)->update(done, total);
+  };
 }
 
 }  // namespace oct::app

@@ -4,8 +4,11 @@
 
 #include <chrono>
 #include <cstddef>
+#include <filesystem>
 #include <limits>
 #include <string>
+
+#include "data/progress_function.h"
 
 namespace oct::app {
 
@@ -30,5 +33,8 @@ class Progress {
   std::size_t shownLength_ = 0;
   std::chrono::steady_clock::time_point lastUpdate_;
 };
+
+// Shows that the file is being read, to the end of the function's life.
+ProgressFunction readingProgress(const std::filesystem::path& file);
 
 }  // namespace oct::app

@@ -1,4 +1,4 @@
-#include "colormap.h"
+#include "data/colormap.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "image_input.h"
+#include "data/image_reader.h"
 
 #include <gtest/gtest.h>
 #include <stb/stb_image_write.h>

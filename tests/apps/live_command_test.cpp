@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <regex>
 
-#include "polarization_mode.h"
+#include "scene/polarization_mode.h"
 #include "program_test.h"
 
 namespace oct::app::test {

@@ -1,5 +1,5 @@
 // Which volume a frame shows, and what follows.
-#include "live_statistics.h"
+#include "data/live_statistics.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "image_input.h"
-#include "npy_reader.h"
+#include "data/image_reader.h"
+#include "data/formats/npy_reader.h"
 #include "test_files.h"
 
 namespace oct::app::test {

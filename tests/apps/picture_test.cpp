@@ -1,12 +1,12 @@
-#include "picture.h"
+#include "data/picture.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 
-#include "option_values.h"
-#include "png_writer.h"
+#include "octrender/option_values.h"
+#include "data/formats/png_writer.h"
 #include "test_files.h"
 
 namespace oct::app::test {

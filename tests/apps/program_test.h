@@ -1,7 +1,7 @@
 // Runs octrender in this process, on files in a folder of the test's own.
 #pragma once
 
-#include "program.h"
+#include "octrender/program.h"
 #include "test_files.h"
 
 namespace oct::app::test {

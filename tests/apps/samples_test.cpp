@@ -1,4 +1,4 @@
-#include "samples.h"
+#include "data/samples.h"
 
 #include <gtest/gtest.h>
 

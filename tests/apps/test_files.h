@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "failure.h"
-#include "picture.h"
+#include "octrender/exit_code.h"
+#include "data/picture.h"
 
 namespace oct::app::test {
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <tiffio.h>
 
-#include "image_input.h"
+#include "data/image_reader.h"
 #include "test_files.h"
 
 namespace oct::app::test {

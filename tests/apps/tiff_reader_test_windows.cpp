@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "image_input.h"
+#include "data/image_reader.h"
 #include "test_files.h"
 
 namespace oct::app::test {

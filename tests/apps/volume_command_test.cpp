@@ -1,6 +1,6 @@
 // "octrender volume" and "octrender info".
 #include "program_test.h"
-#include "volume_data.h"
+#include "data/volume.h"
 
 namespace oct::app::test {
 namespace {
