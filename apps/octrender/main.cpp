@@ -1,4 +1,4 @@
-#include "octrender/platform.h"
+#include "command_line/platform.h"
 #include "octrender/program.h"
 
 int main(int argc, char** argv) {

@@ -4,12 +4,12 @@
 #include <limits>
 #include <memory>
 
+#include "command_line/progress.h"
 #include "data/formats/png_writer.h"
 #include "data/image_reader.h"
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
 #include "octrender/picture_files.h"
-#include "octrender/progress.h"
 #include "octrender/verbs.h"
 #include "scene/bscan_scene.h"
 

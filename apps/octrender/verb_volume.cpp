@@ -2,11 +2,11 @@
 #include <cmath>
 #include <memory>
 
+#include "command_line/progress.h"
 #include "data/formats/png_writer.h"
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
 #include "octrender/picture_files.h"
-#include "octrender/progress.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 #include "octrender/volume_options.h"

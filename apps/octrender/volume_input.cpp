@@ -1,6 +1,6 @@
 #include "octrender/volume_input.h"
 
-#include "octrender/progress.h"
+#include "command_line/progress.h"
 
 namespace oct::app {
 

@@ -1,12 +1,12 @@
-#include "octrender/progress.h"
+#include "command_line/progress.h"
 
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <utility>
 
+#include "command_line/platform.h"
 #include "data/file_errors.h"
-#include "octrender/platform.h"
 
 namespace oct::app {
 namespace {

@@ -1,6 +1,6 @@
 #include <unistd.h>
 
-#include "octrender/platform.h"
+#include "command_line/platform.h"
 
 namespace oct::app {
 

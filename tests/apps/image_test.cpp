@@ -1,8 +1,6 @@
-#include "data/image_reader.h"
-
-#include <gtest/gtest.h>
 #include <stb/stb_image_write.h>
 
+#include "data/formats/png_writer.h"
 #include "test_files.h"
 
 namespace oct::app::test {
@@ -26,18 +24,9 @@ constexpr unsigned char kSixteenBitPng[] = {
     0x64, 0x64, 0x60, 0x60, 0x7e, 0x31, 0xc7, 0xe1, 0xff, 0x7f, 0x00, 0x0a, 0xe8, 0x03, 0xc8, 0xbf,
     0x93, 0xc0, 0xf7, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4e, 0x44, 0xae, 0x42, 0x60, 0x82};
 
-class ImageInput : public testing::Test {
- protected:
-  LoadedImage load(const std::string& bytes, std::optional<std::size_t> frame = std::nullopt) {
-    writeFile(path_, bytes);
-    return loadImage(path_, {frame}, false);
-  }
+using ImageReader = ReaderTest;
 
-  TemporaryFolder folder_;
-  std::filesystem::path path_ = folder_ / "image";
-};
-
-TEST_F(ImageInput, ReadsGrayPngOf8And16Bits) {
+TEST_F(ImageReader, ReadsGrayPngOf8And16Bits) {
   const Image image = load(pngBytes(3, 2, 1, {0, 10, 20, 30, 40, 255})).image;
   EXPECT_EQ(image.depth, 2u);
   EXPECT_EQ(image.ascans, 3u);
@@ -47,7 +36,7 @@ TEST_F(ImageInput, ReadsGrayPngOf8And16Bits) {
   EXPECT_EQ(wide.samples, (std::vector<float>{0, 1000, 1, 40000, 256, 65535}));
 }
 
-TEST_F(ImageInput, TurnsColoursToLuminanceAndIgnoresTransparency) {
+TEST_F(ImageReader, TurnsColoursToLuminanceAndIgnoresTransparency) {
   const Image image = load(pngBytes(4, 1, 3, {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255})).image;
   EXPECT_NEAR(image.samples[0], 0.299 * 255, 1.5);
   EXPECT_NEAR(image.samples[1], 0.587 * 255, 1.5);
@@ -56,41 +45,47 @@ TEST_F(ImageInput, TurnsColoursToLuminanceAndIgnoresTransparency) {
   EXPECT_EQ(load(pngBytes(2, 1, 2, {50, 0, 60, 255})).image.samples, (std::vector<float>{50, 60}));
 }
 
-TEST_F(ImageInput, RefusesDamagedPng) {
+TEST_F(ImageReader, RefusesDamagedPngAndWhatIsNoImage) {
   const std::string good = pngBytes(40, 40, 1, std::vector<std::uint8_t>(1600, 7));
   ASSERT_NO_THROW(load(good));
-  for (const std::size_t length : {8u, 20u, 33u, 45u}) {
-    SCOPED_TRACE(length);
-    expectFailure(ExitCode::InputFailed, "not a readable PNG image", [&] { load(good.substr(0, length)); });
-  }
-  std::string huge = good;
+  std::string huge = good, noWidth = good;
   huge.replace(16, 8, std::string("\0\xFF\xFF\xFF\0\xFF\xFF\xFF", 8));
-  expectFailure(ExitCode::InputFailed, "image: ", [&] { load(huge); });
-  std::string noWidth = good;
   noWidth.replace(16, 4, std::string(4, '\0'));
-  expectFailure(ExitCode::InputFailed, "not a readable PNG image", [&] { load(noWidth); });
+  expectRefused({{good.substr(0, 8), "not a readable PNG image"},
+                 {good.substr(0, 33), "not a readable PNG image"},
+                 {good.substr(0, 45), "not a readable PNG image"},
+                 {huge, ""},
+                 {noWidth, "not a readable PNG image"},
+                 {"JFIF", "not a .npy, PNG or TIFF file"},
+                 {"", "the file is empty"}});
+  const std::string missing = errorOf<ReadError>([&] { loadImage(folder_ / "missing", {}, false); });
+  expectIn("missing: no such file", missing);
+  expectIn("no frame 1; the file holds one frame", errorOf<ReadError>([&] { load(good, 1); }));
 }
 
-TEST_F(ImageInput, HasOneFramePerPng) {
-  const std::string bytes = pngBytes(1, 1, 1, {9});
-  EXPECT_EQ(load(bytes, 0).frameCount, 1u);
-  expectFailure(ExitCode::InputFailed, "no frame 1", [&] { load(bytes, 1); });
-}
-
-TEST_F(ImageInput, RefusesWhatIsNoImage) {
-  expectFailure(ExitCode::InputFailed, "not a .npy, PNG or TIFF file", [&] { load("JFIF"); });
-  expectFailure(ExitCode::InputFailed, "the file is empty", [&] { load(""); });
-  expectFailure(ExitCode::InputFailed, "missing: no such file",
-                [&] { loadImage(folder_ / "missing", {}, false); });
-  std::filesystem::create_directory(folder_ / "folder");
-  expectFailure(ExitCode::InputFailed, "not a regular file",
-                [&] { loadImage(folder_ / "folder", {}, false); });
-}
-
-TEST_F(ImageInput, TakesNamesOfAnyAlphabet) {
+TEST_F(ImageReader, TakesNamesOfAnyAlphabet) {
   const std::filesystem::path path = folder_ / "h\xC3\xA4ut \xE7\x9A\xAE.npy";
   writeNpy(path, "1, 1", {3});
   EXPECT_EQ(loadImage(path, {}, false).image.samples, std::vector<float>{3});
+}
+
+TEST(PngWriter, ReplacesFilesWhole) {
+  const TemporaryFolder folder;
+  const std::filesystem::path path = folder / "\xC3\xA4.png";
+  writeFile(path, "old");
+  writePng(path, {{2, 1}, {1, 2, 3, 4, 5, 6}});
+  EXPECT_EQ(readPicture(path).pixels, (std::vector<std::uint8_t>{1, 2, 3, 4, 5, 6}));
+  EXPECT_EQ(folder.fileCount(), 1);
+}
+
+TEST(PngWriter, LeavesNothingBehindWhenItFails) {
+  const TemporaryFolder folder;
+  std::filesystem::create_directory(folder / "folder.png");
+  for (const char* const name : {"none/out.png", "folder.png"}) {
+    const std::string text = errorOf<WriteError>([&] { writePng(folder / name, {{1, 1}, {1, 2, 3}}); });
+    expectIn(std::string(name) + ": ", text);
+  }
+  EXPECT_EQ(folder.fileCount(), 1);
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 
 #include <filesystem>
 
+#include "command_line/platform.h"
 #include "data/file_errors.h"
-#include "octrender/platform.h"
 
 namespace oct::app {
 
