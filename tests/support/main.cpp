@@ -6,7 +6,7 @@
 #include <random>
 
 #include "core/log.h"
-#include "hosting/render_trace.h"
+#include "hosting/loop/render_trace.h"
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
