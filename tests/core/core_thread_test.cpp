@@ -1,31 +1,28 @@
-// The library frame used by many threads at once.
+// The library frame and its timing marks, used by many threads at once.
 #include <algorithm>
-#include <atomic>
-#include <fstream>
 #include <map>
 #include <sstream>
 #include <thread>
 
+#include "core/platform.h"
 #include "core/timing_mark.h"
 #include "oct_rendering/oct_rendering.h"
+#include "support/mark_recorder.h"
 #include "support/test_context.h"
 
 namespace oct::test {
 namespace {
 
 TEST(CoreThreadTest, EveryErrorIsReadByItsOwnThread) {
+  const std::string messages[] = {"Invalid DisplayRenderingHandle specified. ",
+                                  "Invalid OffscreenTargetHandle specified. "};
   testing::internal::CaptureStderr();
-  onThreads(8, [](int i) {
+  onThreads(8, [&](int i) {
     for (int n = 0; n < 200; ++n) {
-      if (i % 2) {
-        setDisplayMedianFilter(nullptr, 0);
-        EXPECT_EQ(isRendererError(), OCT_RENDERER_ERROR);
-      } else {
-        finishOffscreenFrame(nullptr, nullptr);
-      }
+      i % 2 == 0 ? clearDisplayData(nullptr) : finishOffscreenFrame(nullptr, nullptr);
+      EXPECT_EQ(isRendererError(), OCT_RENDERER_ERROR);
       // No other thread takes it: each takes its own first, and posts before it takes.
-      EXPECT_EQ(pendingError(), i % 2 ? "Invalid DisplayRenderingHandle specified. "
-                                      : "Invalid OffscreenTargetHandle specified. ");
+      EXPECT_EQ(pendingError(), messages[i % 2]);
     }
   });
   EXPECT_EQ(isRendererError(), 0);
@@ -33,28 +30,43 @@ TEST(CoreThreadTest, EveryErrorIsReadByItsOwnThread) {
   std::istringstream lines(testing::internal::GetCapturedStderr());
   std::map<std::string, int> counted;
   for (std::string line; std::getline(lines, line);) ++counted[line];
-  EXPECT_EQ(counted["An error occured: Invalid DisplayRenderingHandle specified. "], 800);
-  EXPECT_EQ(counted["An error occured: Invalid OffscreenTargetHandle specified. "], 800);
+  for (const std::string& message : messages) EXPECT_EQ(counted["An error occured: " + message], 800);
   EXPECT_EQ(counted.size(), 2U);
 }
 
-TEST(CoreThreadTest, ListenerComesAndGoesBetweenMarks) {
-  class Counter : public TimingListener {
-   public:
-    void begin(std::string_view, std::uint32_t, Time) override { ++open; }
-    void end(std::string_view, std::uint32_t, Time) override { --open; }
-    void instant(std::string_view, std::uint32_t, Time) override {}
-    std::atomic<int> open{0};
-  } counter;
+using Marks = MarkRecorder::Marks;
+
+TEST(TimingMarkTest, NestedMarksOfSeveralThreads) {
+  const TimingMark unheard("nobody listens");
+  MarkRecorder recorder;
+  std::uint32_t other = 0;
+  {
+    const TimingMark outer("outer");
+    std::thread([&] {
+      const TimingMark mark("Rendering callback (", "2)");
+      other = currentThreadId();
+    }).join();
+    const TimingMark inner("inner");
+    recordTimingMark("before_rendering");
+    setTimingListener(nullptr);  // a mark ends at the listener that it began at
+    const TimingMark late("late");
+  }
+  EXPECT_EQ(recorder.all()[currentThreadId()],
+            (Marks{"+outer", "+inner", "!before_rendering", "-inner", "-outer"}));
+  EXPECT_EQ(recorder.all()[other], (Marks{"+Rendering callback (2)", "-Rendering callback (2)"}));
+}
+
+TEST(TimingMarkTest, ListenerComesAndGoesBetweenMarks) {
+  MarkRecorder recorder;
   onThreads(4, [&](int i) {
     for (int n = 0; n < 1000; ++n) {
-      if (i == 0) setTimingListener(n % 2 ? &counter : nullptr);
-      const TimingMark outer("outer");
-      const TimingMark inner("inner");
+      if (i == 0) setTimingListener(n % 2 ? &recorder : nullptr);
+      const TimingMark mark("mark");
     }
   });
-  setTimingListener(nullptr);
-  EXPECT_EQ(counter.open, 0) << "a mark ended at another listener than it began at";
+  for (const auto& [thread, marks] : recorder.all()) {
+    EXPECT_EQ(std::ranges::count(marks, "+mark"), std::ranges::count(marks, "-mark"));
+  }
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
-// The exports of the display: handles, misuse, and the functions that are meant to do nothing.
+// The exports of the display: handles, misuse, the functions that are meant to do nothing, contexts.
 #include <limits>
 
 #include "support/display_reference.h"
+#include "support/gl_spy.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -25,23 +26,26 @@ class DisplayApiGLTest : public testing::Test {
     scene_.image = testImage(40, 50);
     scene_.width = 50;
     scene_.height = 40;
+    scene_.overlayImage = testImage(40, 50, 4);
+    scene_.overlays = {{{0x80FF0000U, 0x8000FF00U}, 0.0, 1.0}};
   }
   void TearDown() override { EXPECT_EQ(pendingError(), "(none)"); }
   Picture frame() const { return stage_.frame(50, 40); }
+  void expectScene(const Picture& picture) const { EXPECT_TRUE(agree(picture, referencePicture(scene_))); }
+
+  using Calls = std::vector<std::pair<std::function<void()>, std::string>>;  // and the error of each
 
   Scene scene_;
   const DisplayStage stage_;
   const DisplayRenderingHandle renderer_ = stage_.renderer;
 };
 
-TEST_F(DisplayApiGLTest, MisuseIsRefusedAndLeavesThePicture) {
-  scene_.overlayImage = testImage(40, 50, 4);
-  scene_.overlays = {{{0x80FF0000U, 0x8000FF00U}, 0.0, 1.0}};
+TEST_F(DisplayApiGLTest, WhatIsRefusedOrIgnoredLeavesThePicture) {
   apply(scene_, renderer_);
   const float sample = 0.0F;
   const std::uint32_t color = 0;
   constexpr int large = std::numeric_limits<int>::max();
-  const std::pair<std::function<void()>, const char*> misuses[] = {
+  const Calls calls = {
       {[&] { setDisplayData(renderer_, -1, 1, &sample); }, "Image sizes must not be negative. "},
       {[&] { setDisplayData(renderer_, 1, -1, &sample); }, "Image sizes must not be negative. "},
       {[&] { setDisplayData(renderer_, 4, 4, nullptr); }, "Image data must not be null. "},
@@ -59,111 +63,92 @@ TEST_F(DisplayApiGLTest, MisuseIsRefusedAndLeavesThePicture) {
        "The overlay index must be from 0 to 7. "},
       {[&] { setDisplayMedianFilter(renderer_, 3); }, "Invalid enum value specified for MedianFilter. "},
       {[&] { setDisplayMedianFilter(renderer_, -1); }, "Invalid enum value specified for MedianFilter. "},
+      {[&] { setDisplayMedianFilter(renderer_, 0); }, "(none)"},
+      {[&] { setDisplayMedianFilter(renderer_, 2); }, "(none)"},
+      {[&] { setGammaCorrection(renderer_, 5.0F); }, "(none)"},
+      {[&] { setDisplayDynamicReduction(renderer_, 0); }, "(none)"},
+      {[&] { setDisplayBounds(renderer_, 100, -100); }, "(none)"},
+      {[&] { clearDisplayData(renderer_); }, "(none)"},
+      {[&] { setDisplayNumberOverlays(renderer_, 0, 1000); }, "(none)"},
+      {[&] { setDisplayNumberOverlays(renderer_, 0, -1); }, "(none)"},
+      {[&] { setDisplayNumberOverlays(renderer_, 1000, 1); }, "(none)"},
   };
-  for (const auto& [call, message] : misuses) {
+  for (const auto& [call, message] : calls) {
     call();
     EXPECT_EQ(pendingError(), message);
   }
-  EXPECT_TRUE(agree(frame(), referencePicture(scene_)));
+  expectScene(frame());
 }
 
-TEST_F(DisplayApiGLTest, AcceptedWithoutEffect) {
-  setDisplayMedianFilter(renderer_, 0);
-  setDisplayMedianFilter(renderer_, 2);
-  setDisplayData(renderer_, 0, 0, nullptr);
-  setDisplayBounds(renderer_, 100, -100);
-  setDisplayNumberOverlays(renderer_, 0, 1000);
-  setDisplayNumberOverlays(renderer_, 0, -1);
-  EXPECT_EQ(pendingError(), "(none)");
-}
-
-TEST_F(DisplayApiGLTest, IgnoredSettingsLeaveThePicture) {
-  apply(scene_, renderer_);
-  setGammaCorrection(renderer_, 5.0F);
-  setDisplayDynamicReduction(renderer_, 0);
-  setDisplayMedianFilter(renderer_, 2);
-  setDisplayBounds(renderer_, 10, 20);
-  clearDisplayData(renderer_);
-  EXPECT_TRUE(agree(frame(), referencePicture(scene_)));
-}
-
-TEST_F(DisplayApiGLTest, NoImage) {
-  frame();
-  EXPECT_EQ(pendingError(), "Cannot generate a texture of the required size. ");
-  setDisplayData(renderer_, 0, 5, nullptr);
-  frame();
-  EXPECT_EQ(pendingError(), "Cannot generate a texture of the required size. ");
-  EXPECT_TRUE(agree(stage_.draw(scene_), referencePicture(scene_)));
-}
-
-TEST_F(DisplayApiGLTest, OverlayWithoutImage) {
-  apply(scene_, renderer_);
-  setDisplayNumberOverlays(renderer_, 0, 1);
-  frame();
-  EXPECT_EQ(pendingError(), "Cannot generate a texture of the required size. ");
-}
-
-TEST_F(DisplayApiGLTest, ImageLargerThanTheDriverAllows) {
+TEST_F(DisplayApiGLTest, AFrameThatCannotBeDrawnIsReportedAndTheNextIsGood) {
   GLint limit = 0;
   glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
   const std::vector<float> samples(static_cast<std::size_t>(limit) + 1);
-  setDisplayData(renderer_, 1, limit + 1, samples.data());
-  testing::internal::CaptureStderr();
-  frame();
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "Warning max texture size is likely exceeded. \n"
-            "An error occured: Cannot generate a texture of the required size. \n");
-  EXPECT_EQ(pendingError(), "Cannot generate a texture of the required size. ");
+  const std::vector<std::uint32_t> colors(samples.size());
+  const std::string size = "Cannot generate a texture of the required size. ";
+  const Calls calls = {
+      {[] {}, size},
+      {[&] { setDisplayData(renderer_, 0, 5, nullptr); }, size},
+      {[&] { setDisplayOverlayData(renderer_, 0, 0, nullptr); }, size},
+      {[&] { setDisplayData(renderer_, 1, limit + 1, samples.data()); }, size},
+      {[&] { setDisplayColormap(renderer_, colors.data(), limit + 1); },
+       "An OpenGL error in render: colormap changed occured: A numeric argument is out of range. The "
+       "offending command is ignored and has no other side effect than to set the error flag. "
+       "(GL_INVALID_VALUE)\n"},
+  };
+  for (std::size_t i = 0; i < calls.size(); ++i) {
+    const auto& [change, message] = calls[i];
+    change();
+    testing::internal::CaptureStderr();
+    frame();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              (i == 3 ? "Warning max texture size is likely exceeded. \n" : "") +
+                  ("An error occured: " + message) + "\n");
+    EXPECT_EQ(pendingError(), message);
+    expectScene(stage_.draw(scene_));
+  }
 }
 
-TEST_F(DisplayApiGLTest, ColourMapLargerThanTheDriverAllows) {
-  GLint limit = 0;
-  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+TEST_F(DisplayApiGLTest, BeforeInitNothingIsDrawnAndAfterItColourMapsOncePerChange) {
+  uninitDisplayRendering(renderer_);
   apply(scene_, renderer_);
-  const std::vector<std::uint32_t> colors(static_cast<std::size_t>(limit) + 1);
-  setDisplayColormap(renderer_, colors.data(), limit + 1);
+  EXPECT_EQ(logOf([&] { frame(); }), "Renderer has not yet been initialized. Aborting rendering\n");
+  // Gamma is set and not used, so compilers drop it; every other uniform is there.
+  EXPECT_EQ(logOf([&] { initDisplayRendering(renderer_); }), "Uniform gamma was not found. \n");
   frame();
-  EXPECT_EQ(
-      pendingError(),
-      "An OpenGL error in render: colormap changed occured: A numeric argument is out of range. The "
-      "offending "
-      "command is ignored and has no other side effect than to set the error flag. (GL_INVALID_VALUE)\n");
-  EXPECT_TRUE(agree(stage_.draw(scene_), referencePicture(scene_)));
-}
-
-// The background is not seen behind a picture that fills the viewport, unless its colours are translucent;
-// here the viewport is empty.
-TEST_F(DisplayApiGLTest, BackgroundColour) {
-  apply(scene_, renderer_);
-  setBackgroundColor(renderer_, 0x00FF8000);
-  Picture picture(4, 4);
-  beginOffscreenFrame(stage_.target, 4, 4);
-  glViewport(0, 0, 0, 0);
-  renderDisplay(renderer_);
-  finishOffscreenFrame(stage_.target, picture.bytes.data());
-  picture.forEach([&](int x, int y) {
-    EXPECT_EQ(picture.bgra(x, y), (std::array<int, 4>{0, 128, 255, 255}));
-  });
+  GlSpy spy;
+  frame();
+  EXPECT_EQ(spy.calls("glTexImage1D"), 0);
+  setDisplayColormap(renderer_, scene_.colormap.data(), static_cast<int>(scene_.colormap.size()));
+  for (int i = 0; i < 2; ++i) expectScene(frame());
+  EXPECT_EQ(spy.calls("glTexImage1D"), 1);
 }
 
 // A renderer may move to another context: what it held in the first is not mistaken for objects of the
 // second.
 TEST_F(DisplayApiGLTest, InitAgainInAnotherContext) {
   stage_.draw(scene_);
-  {
-    const OffscreenTargetHandle other = createOffscreenTarget();
-    initDisplayRendering(renderer_);
-    Picture picture(50, 40);
-    beginOffscreenFrame(other, 50, 40);
-    renderDisplay(renderer_);
-    finishOffscreenFrame(other, picture.bytes.data());
-    EXPECT_TRUE(agree(picture, referencePicture(scene_)));
-    uninitDisplayRendering(renderer_);
-    clearOffscreenTarget(other);
-  }
+  const OffscreenTargetHandle other = createOffscreenTarget();
+  initDisplayRendering(renderer_);
+  Picture picture(50, 40);
+  beginOffscreenFrame(other, 50, 40);
+  renderDisplay(renderer_);
+  finishOffscreenFrame(other, picture.bytes.data());
+  expectScene(picture);
+  uninitDisplayRendering(renderer_);
+
   beginOffscreenFrame(stage_.target, 1, 1);  // makes the first context current again
   initDisplayRendering(renderer_);
-  EXPECT_TRUE(agree(frame(), referencePicture(scene_)));
+  expectScene(frame());
+  const DisplayRenderingHandle forgotten = createDisplayRendering();
+  initDisplayRendering(forgotten);
+  beginOffscreenFrame(other, 1, 1);
+  GlSpy spy;
+  clearDisplayRendering(forgotten);
+  EXPECT_EQ(spy.calls("glDeleteProgram"), 0);
+  EXPECT_EQ(spy.calls("glDeleteBuffers"), 0);
+  clearOffscreenTarget(other);
+  beginOffscreenFrame(stage_.target, 1, 1);
 }
 
 }  // namespace

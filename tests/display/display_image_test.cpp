@@ -36,12 +36,6 @@ Scene sceneOf(int depth, int aScans, int width, int height) {
   return scene;
 }
 
-template <class Change>
-Scene with(Scene scene, Change&& change) {
-  change(scene);
-  return scene;
-}
-
 std::vector<Case> cases() {
   const Scene odd = sceneOf(97, 131, 131, 97);
   const Scene even = sceneOf(128, 64, 160, 200);
@@ -54,26 +48,36 @@ std::vector<Case> cases() {
       {"ReductionTwoPointNineAveragesTwo", sceneOf(290, 580, 200, 100)},
       {"ReductionFour", sceneOf(2048, 256, 64, 512)},
       {"ReductionAlongOneAxisOnly", sceneOf(1024, 50, 75, 128)},
-      {"Flipped", with(odd, [](Scene& s) { s.flip = true; })},
-      {"FlippedAndReducedByFour", with(sceneOf(400, 800, 200, 100), [](Scene& s) { s.flip = true; })},
-      {"LowerAboveUpper", with(odd, [](Scene& s) { s.lower = 0.9, s.upper = 0.2; })},
-      {"NarrowBoundariesSaturateAtBothEnds", with(odd, [](Scene& s) { s.lower = 0.4, s.upper = 0.6; })},
-      {"TwoColours", with(odd,
-                          [](Scene& s) {
-                            s.colormap = {0xFF2040C0U, 0xFFE0FF10U};
-                          })},
-      {"OneColour", with(odd, [](Scene& s) { s.colormap = {0xFF336699U}; })},
-      {"TranslucentColourMap", with(odd,
-                                    [](Scene& s) {
-                                      s.colormap = {0x00102030U, 0x80F0E0D0U};
-                                    })},
-      {"FirstBlur", with(even, [](Scene& s) { s.firstBlur = true; })},
-      {"SecondBlur", with(even, [](Scene& s) { s.secondBlur = true; })},
-      {"BothBlurs", with(odd, [](Scene& s) { s.firstBlur = s.secondBlur = true; })},
-      {"Pepper", with(odd, [](Scene& s) { s.pepper = true; })},
-      {"PepperBetweenBlursReduced",
-       with(sceneOf(301, 205, 100, 150), [](Scene& s) { s.firstBlur = s.pepper = s.secondBlur = true; })},
   };
+  const struct {
+    const char* name;
+    Scene scene;
+    void (*change)(Scene& scene);
+  } changes[] = {
+      {"Flipped", odd, [](Scene& s) { s.flip = true; }},
+      {"FlippedAndReducedByFour", sceneOf(400, 800, 200, 100), [](Scene& s) { s.flip = true; }},
+      {"LowerAboveUpper", odd, [](Scene& s) { s.lower = 0.9, s.upper = 0.2; }},
+      {"NarrowBoundariesSaturateAtBothEnds", odd, [](Scene& s) { s.lower = 0.4, s.upper = 0.6; }},
+      {"TwoColours", odd,
+       [](Scene& s) {
+         s.colormap.assign({0xFF2040C0U, 0xFFE0FF10U});
+       }},
+      {"OneColour", odd, [](Scene& s) { s.colormap.assign({0xFF336699U}); }},
+      {"TranslucentColourMap", odd,
+       [](Scene& s) {
+         s.colormap.assign({0x00102030U, 0x80F0E0D0U});
+       }},
+      {"FirstBlur", even, [](Scene& s) { s.firstBlur = true; }},
+      {"SecondBlur", even, [](Scene& s) { s.secondBlur = true; }},
+      {"BothBlurs", odd, [](Scene& s) { s.firstBlur = s.secondBlur = true; }},
+      {"Pepper", odd, [](Scene& s) { s.pepper = true; }},
+      {"PepperBetweenBlursReduced", sceneOf(301, 205, 100, 150),
+       [](Scene& s) { s.firstBlur = s.pepper = s.secondBlur = true; }},
+  };
+  for (const auto& [name, scene, change] : changes) {
+    all.push_back({name, scene});
+    change(all.back().scene);
+  }
   Scene overlay = odd;
   overlay.overlayImage = testImage(97, 131, 7);
   overlay.threshold = 0.5;
@@ -114,13 +118,9 @@ TEST(DisplayImageGLTest, SkinEqualsReference) {
   const std::filesystem::path file = std::filesystem::path(OCT_SHARED_DATA) / "bscan_skin_thumb.npy";
   if (!std::filesystem::exists(file)) GTEST_SKIP() << "no recorded data beside the project: " << file;
   const std::vector<float> rows = readNpy<float>(file, "<f4");
-  constexpr std::size_t depth = 512;
-  constexpr std::size_t aScans = 1272;
-  ASSERT_EQ(rows.size(), depth * aScans);
   Scene scene = sceneOf(512, 1272, 640, 700);
-  for (std::size_t z = 0; z < depth; ++z) {
-    for (std::size_t x = 0; x < aScans; ++x) scene.image.samples[x * depth + z] = rows[z * aScans + x];
-  }
+  ASSERT_EQ(rows.size(), scene.image.samples.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) scene.image.samples[i % 1272 * 512 + i / 1272] = rows[i];
   scene.lower = 20.0;
   scene.upper = 180.0;
   const DisplayStage stage;
@@ -160,26 +160,41 @@ TEST(DisplayImageGLTest, ForeignOpenGLState) {
   EXPECT_EQ(pendingError(), "(none)");
 }
 
-// The picture fills the viewport and nothing else; the rest of the target has the background colour.
+// The picture fills the viewport and nothing else; the rest of the target has the background colour, or what
+// the client's scissor spares. The filters' own viewports and framebuffers leave no trace, and need no
+// scissor.
 TEST(DisplayImageGLTest, ViewportInsideTheTarget) {
-  const Scene scene = sceneOf(64, 96, 48, 32);
+  Scene scene = sceneOf(64, 96, 48, 32);
+  scene.firstBlur = scene.pepper = true;
   const DisplayStage stage;
   apply(scene, stage.renderer);
   setBackgroundColor(stage.renderer, 0x00FF8000);
-  Picture whole(80, 60);
-  beginOffscreenFrame(stage.target, 80, 60);
-  glViewport(20, 10, scene.width, scene.height);
+  const std::array<int, 4> background{0, 128, 255, 255};
+  for (const bool scissor : {false, true}) {
+    Picture whole(80, 60);
+    beginOffscreenFrame(stage.target, 80, 60);
+    glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glViewport(20, 10, scene.width, scene.height);
+    glScissor(20, 10, scene.width, scene.height);
+    if (scissor) glEnable(GL_SCISSOR_TEST);
+    renderDisplay(stage.renderer);
+    EXPECT_EQ(glIsEnabled(GL_SCISSOR_TEST), scissor ? GL_TRUE : GL_FALSE);
+    glDisable(GL_SCISSOR_TEST);
+    finishOffscreenFrame(stage.target, whole.bytes.data());
+    Picture inside(scene.width, scene.height);
+    inside.forEach([&](int x, int y) { std::copy_n(whole.pixel(20 + x, 10 + y), 4, inside.pixel(x, y)); });
+    EXPECT_TRUE(agree(inside, referencePicture(scene)));
+    for (const auto& [x, y] : {std::pair{0, 0}, {19, 20}, {68, 20}, {40, 9}, {40, 42}, {79, 59}}) {
+      EXPECT_EQ(whole.bgra(x, y), scissor ? (std::array<int, 4>{0, 0, 0, 0}) : background);
+    }
+  }
+  Picture empty(4, 4);
+  beginOffscreenFrame(stage.target, 4, 4);
+  glViewport(0, 0, 0, 0);
   renderDisplay(stage.renderer);
-  finishOffscreenFrame(stage.target, whole.bytes.data());
-
-  Picture inside(scene.width, scene.height);
-  for (int y = 0; y < scene.height; ++y) {
-    std::copy_n(whole.pixel(20, 10 + y), scene.width * 4, inside.pixel(0, y));
-  }
-  EXPECT_TRUE(agree(inside, referencePicture(scene)));
-  for (const auto& [x, y] : {std::pair{0, 0}, {19, 20}, {68, 20}, {40, 9}, {40, 42}, {79, 59}}) {
-    EXPECT_EQ(whole.bgra(x, y), (std::array<int, 4>{0, 128, 255, 255}));
-  }
+  finishOffscreenFrame(stage.target, empty.bytes.data());
+  empty.forEach([&](int x, int y) { EXPECT_EQ(empty.bgra(x, y), background); });
 }
 
 }  // namespace

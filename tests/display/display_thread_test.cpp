@@ -19,33 +19,31 @@ TEST(DisplayThreadGLTest, NoTornSettings) {
   setDisplayOverlayData(renderer, 64, 64, first.data());
 
   std::atomic<bool> running{true};
-  std::vector<std::thread> writers;
-  for (unsigned writer = 0; writer < 4; ++writer) {
-    writers.emplace_back([&, writer] {
-      for (unsigned i = 0; running; ++i) {
-        const std::uint32_t grey = (i * 7 + writer * 50) & 0xFFU;
-        const std::vector<std::uint32_t> colors(64 + 64 * (i % 4),
+  std::thread writers([&] {
+    onThreads(4, [&](int writer) {
+      for (int i = 0; running; ++i) {
+        const std::uint32_t grey = static_cast<std::uint32_t>(i * 7 + writer * 50) & 0xFFU;
+        const std::vector<std::uint32_t> colors(static_cast<std::size_t>(64 + 64 * (i % 4)),
                                                 grey | grey << 8 | grey << 16 | 0xFF000000U);
         setDisplayColormap(renderer, colors.data(), static_cast<int>(colors.size()));
-        const int size = 16 + static_cast<int>(i % 3) * 24;
-        const std::vector<float> samples(static_cast<std::size_t>(size) * static_cast<std::size_t>(size),
-                                         0.25F);
+        const int size = 16 + i % 3 * 24;
+        const std::vector<float> samples(static_cast<std::size_t>(size * size), 0.25F);
         setDisplayData(renderer, size, size, samples.data());
         setDisplayColoringBoundaries(renderer, -0.1 * i, 1.0 + 0.1 * i);
         setDisplayBlur(renderer, i % 2, i % 3 == 0);
         setDisplayPepperFilter(renderer, i % 5 == 0);
         setDisplayFlip(renderer, i % 2);
-        setBackgroundColor(renderer, static_cast<int>(i));
+        setBackgroundColor(renderer, i);
         setDisplayBounds(renderer, 0, size);
         // Invisible overlays: their work is done, their colour is not seen.
         const std::uint32_t clear[] = {0x00FFFFFFU, 0x00FFFFFFU};
-        setDisplayOverlayColormap(renderer, static_cast<int>(i % OCT_DISPLAY_OVERLAYS), clear, 2);
+        setDisplayOverlayColormap(renderer, i % OCT_DISPLAY_OVERLAYS, clear, 2);
         setDisplayOverlayData(renderer, size, size, samples.data());
         setDisplayOveralyThreshold(renderer, 10.0);
-        setDisplayNumberOverlays(renderer, 0, static_cast<int>(i % 9));
+        setDisplayNumberOverlays(renderer, 0, i % 9);
       }
     });
-  }
+  });
 
   int torn = 0;
   for (int frame = 0; frame < 200; ++frame) {
@@ -53,7 +51,7 @@ TEST(DisplayThreadGLTest, NoTornSettings) {
     torn += !std::equal(bytes.begin() + 4, bytes.end(), bytes.begin());
   }
   running = false;
-  for (std::thread& writer : writers) writer.join();
+  writers.join();
   EXPECT_EQ(torn, 0);
   EXPECT_EQ(pendingError(), "(none)");
 }

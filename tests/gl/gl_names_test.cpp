@@ -8,28 +8,19 @@ namespace {
 
 class NamesGLTest : public GLTest {};
 
-TEST_F(NamesGLTest, MoveAndReset) {
-  GlSpy spy;
-  gl::Texture a = gl::Texture::create();
-  const GLuint name = a.get();
-  gl::Texture b = std::move(a);
-  EXPECT_FALSE(a);
-  EXPECT_EQ(b.get(), name);
-  b = gl::Texture::create();
-  EXPECT_EQ(spy.liveObjects(), 1U);
-  gl::Texture& self = b;
-  b = std::move(self);
-  EXPECT_TRUE(b);
-  b.reset();
-  b.reset();
-  EXPECT_EQ(spy.liveObjects(), 0U);
-  EXPECT_EQ(spy.calls("glDeleteTextures"), 2);
-}
-
 TEST_F(NamesGLTest, EveryKindIsDeletedOnce) {
   GlSpy spy;
   {
-    const auto texture = gl::Texture::create();
+    gl::Texture a = gl::Texture::create();
+    const GLuint name = a.get();
+    gl::Texture b = std::move(a);
+    EXPECT_FALSE(a);
+    EXPECT_EQ(b.get(), name);
+    b = gl::Texture::create();
+    EXPECT_EQ(spy.liveObjects(), 1U);
+    gl::Texture& self = b;
+    b = std::move(self);
+    EXPECT_TRUE(b);
     const auto buffer = gl::Buffer::create();
     const auto vertexArray = gl::VertexArray::create();
     const auto framebuffer = gl::Framebuffer::create();
@@ -37,8 +28,12 @@ TEST_F(NamesGLTest, EveryKindIsDeletedOnce) {
     const auto shader = gl::ShaderObject::create(GL_VERTEX_SHADER);
     const auto program = gl::Program::create();
     EXPECT_EQ(spy.liveObjects(), 7U);
+    b.reset();
+    b.reset();
+    EXPECT_EQ(spy.liveObjects(), 6U);
   }
   EXPECT_EQ(spy.liveObjects(), 0U);
+  EXPECT_EQ(spy.calls("glDeleteTextures"), 2);
 }
 
 TEST_F(NamesGLTest, NothingIsDeletedOutsideItsOwnContext) {
@@ -53,9 +48,6 @@ TEST_F(NamesGLTest, NothingIsDeletedOutsideItsOwnContext) {
     texture.reset();
     EXPECT_EQ(spy.calls("glDeleteTextures"), before);
   }
-  context_.window().makeUncurrent();
-  gl::Buffer buffer;
-  buffer.reset();
   context_.makeCurrent();
 }
 

@@ -6,40 +6,39 @@
 namespace oct::test {
 namespace {
 
-class LoaderGLTest : public GLTest {
- protected:
-  static std::string checked(GlSpy& spy, int major, int minor, int requiredMajor, int requiredMinor) {
-    spy.answer(GL_MAJOR_VERSION, major);
-    spy.answer(GL_MINOR_VERSION, minor);
+class LoaderGLTest : public GLTest {};
+
+TEST_F(LoaderGLTest, VersionsRequiredAndFound) {
+  GlSpy spy;
+  const struct {
+    int major, minor, requiredMajor, requiredMinor;
+    std::string refusal;
+    bool modern = false;  // 4.2 or later
+  } rows[] = {
+      {3, 0, 3, 0, "(none)"},
+      {3, 3, 3, 3, "(none)"},
+      {4, 0, 3, 3, "(none)"},
+      {4, 1, 3, 3, "(none)"},
+      {4, 2, 3, 3, "(none)", true},
+      {5, 0, 3, 3, "(none)", true},
+      {3, 2, 3, 3, "OpenGL 3.3 required. Version is currently 3.2"},
+      {2, 1, 3, 0, "OpenGL 3.0 required. Version is currently 2.1"},
+  };
+  for (const auto& row : rows) {
+    const std::string found = std::to_string(row.major) + "." + std::to_string(row.minor);
+    SCOPED_TRACE(found);
+    spy.answer(GL_MAJOR_VERSION, row.major);
+    spy.answer(GL_MINOR_VERSION, row.minor);
     testing::internal::CaptureStdout();
-    const std::string result = failureOf([&] { gl::checkOpenGLVersion(requiredMajor, requiredMinor); });
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Found OpenGL " + std::to_string(major) + "." + std::to_string(minor) + "\n");
-    return result;
+    EXPECT_EQ(failureOf([&] { gl::checkOpenGLVersion(row.requiredMajor, row.requiredMinor); }), row.refusal);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Found OpenGL " + found + "\n");
+    if (row.major < 3) {
+      EXPECT_THROW(gl::initGlew(), std::runtime_error);
+    } else {
+      gl::initGlew();
+      EXPECT_EQ(gl::openGL42(), row.modern);
+    }
   }
-};
-
-TEST_F(LoaderGLTest, RequiredVersion) {
-  GlSpy spy;
-  EXPECT_EQ(checked(spy, 3, 0, 3, 0), "(none)");
-  EXPECT_EQ(checked(spy, 4, 0, 3, 3), "(none)");
-  EXPECT_EQ(checked(spy, 3, 2, 3, 3), "OpenGL 3.3 required. Version is currently 3.2");
-  EXPECT_EQ(checked(spy, 2, 1, 3, 0), "OpenGL 3.0 required. Version is currently 2.1");
-}
-
-TEST_F(LoaderGLTest, VersionClasses) {
-  GlSpy spy;
-  const std::pair<std::pair<int, int>, bool> classes[] = {{{3, 0}, false}, {{3, 3}, false}, {{4, 0}, false},
-                                                          {{4, 1}, false}, {{4, 2}, true},  {{4, 6}, true},
-                                                          {{5, 0}, true}};
-  for (const auto& [version, modern] : classes) {
-    spy.answer(GL_MAJOR_VERSION, version.first);
-    spy.answer(GL_MINOR_VERSION, version.second);
-    gl::initGlew();
-    EXPECT_EQ(gl::openGL42(), modern) << version.first << "." << version.second;
-  }
-  spy.answer(GL_MAJOR_VERSION, 2);
-  EXPECT_THROW(gl::initGlew(), std::runtime_error);
   EXPECT_TRUE(gl::glewInitialized());
 }
 

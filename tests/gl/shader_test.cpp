@@ -1,125 +1,139 @@
 #include "gl/shader.h"
 
-#include "gl/shader_fixture.h"
+#include "gl/program_cache.h"
 #include "support/gl_spy.h"
+#include "support/test_context.h"
 
 namespace oct::test {
 namespace {
 
-TEST_F(ShaderGLTest, SecondBuildReadsTheBinary) {
+const std::string head = "#version 330 core\n";
+const std::string vertex =
+    head + "layout(location = 0) in vec2 v;\nvoid main() { gl_Position = vec4(v, 0.0, 1.0); }\n";
+const std::string fragment = head + "uniform float used;\nout vec4 c;\nvoid main() { c = vec4(used); }\n";
+
+class ShaderGLTest : public GLTest {
+ protected:
+  // A name of its own for every test: binaries are never forgotten.
+  static std::string name() { return testing::UnitTest::GetInstance()->current_test_info()->name(); }
+  static gl::ProgramKey key() { return {{fragment.size(), vertex.size()}, name()}; }
+
+  static std::string failure(gl::Shader& shader, const std::string& v = vertex,
+                             const std::string& f = fragment) {
+    return failureOf([&] { shader.load_to_program(name(), v, f); });
+  }
+
+  // Builds and expects so many links since the spy was made.
+  static void expectBuilt(gl::Shader& shader, const GlSpy& spy, int links) {
+    EXPECT_EQ(failure(shader), "(none)");
+    GLint status = GL_FALSE;
+    glGetProgramiv(shader.program(), GL_LINK_STATUS, &status);
+    EXPECT_EQ(status, GL_TRUE);
+    EXPECT_EQ(spy.calls("glLinkProgram"), links);
+  }
+};
+
+TEST_F(ShaderGLTest, SecondBuildReadsTheBinaryInAnyContext) {
   GlSpy spy;
   gl::Shader first;
-  first.load_to_program(name(), vertex, fragment);
-  EXPECT_EQ(spy.calls("glCompileShader"), 2);
-  EXPECT_EQ(spy.calls("glDeleteShader"), 2);
-  EXPECT_TRUE(linked(first));
-
-  gl::Shader second;
-  second.load_to_program(name(), vertex, fragment);
-  EXPECT_EQ(spy.calls("glCompileShader"), 2);
-  EXPECT_EQ(spy.calls("glLinkProgram"), 1);
-  EXPECT_EQ(spy.calls("glProgramBinary"), 1);
-  EXPECT_TRUE(linked(second));
-  EXPECT_GE(second.uniform("used"), 0);
-}
-
-TEST_F(ShaderGLTest, BinaryServesAnotherContext) {
+  EXPECT_EQ(failureOf([&] { first.use(); }), "Program has not been compiled yet.");
   {
     TestContext other;
     gl::Shader shader;
-    shader.load_to_program(name(), vertex, fragment);
+    expectBuilt(shader, spy, 1);
+    EXPECT_EQ(spy.calls("glCompileShader"), 2);
+    EXPECT_EQ(spy.calls("glDeleteShader"), 2);
   }
   context_.makeCurrent();
-  GlSpy spy;
-  gl::Shader shader;
-  shader.load_to_program(name(), vertex, fragment);
-  EXPECT_EQ(spy.calls("glCompileShader"), 0);
-  EXPECT_TRUE(linked(shader));
+  expectBuilt(first, spy, 1);
+  EXPECT_EQ(spy.calls("glCompileShader"), 2);
+  EXPECT_EQ(spy.calls("glProgramBinary"), 1);
+  EXPECT_EQ(logOf([&] {
+              EXPECT_EQ(first.uniform("absent"), -1);
+              EXPECT_GE(first.uniform("used"), 0);
+            }),
+            "Uniform absent was not found. \n");
 }
 
 TEST_F(ShaderGLTest, NameAndLengthsAreTheKey) {
   GlSpy spy;
-  gl::Shader first;
-  first.load_to_program(name(), vertex, fragment);
   std::string sameLength = fragment;
   sameLength.replace(sameLength.find("used);"), 6, "1.0 );");
-  sameLength.resize(fragment.size(), '\n');
-  gl::Shader shared;
-  shared.load_to_program(name(), vertex, sameLength);
-  EXPECT_EQ(spy.calls("glCompileShader"), 2) << "texts are not compared";
-  gl::Shader longer;
-  longer.load_to_program(name(), vertex, fragment + " ");
-  EXPECT_EQ(spy.calls("glCompileShader"), 4);
-  gl::Shader renamed;
-  renamed.load_to_program(name() + "2", vertex, fragment);
-  EXPECT_EQ(spy.calls("glCompileShader"), 6);
+  int compiled = 0;
+  for (const auto& [suffix, source, compiles] : {std::tuple{"", fragment, 2},
+                                                 {"", sameLength, 0},  // texts are not compared
+                                                 {"", fragment + " ", 2},
+                                                 {"2", fragment, 2}}) {
+    gl::Shader shader;
+    shader.load_to_program(name() + suffix, vertex, source);
+    EXPECT_EQ(spy.calls("glCompileShader"), compiled += compiles);
+  }
 }
 
-TEST_F(ShaderGLTest, UseBeforeBuild) {
-  EXPECT_EQ(failureOf([] { gl::Shader().use(); }), "Program has not been compiled yet.");
-}
-
-TEST_F(ShaderGLTest, DriverWithoutBinaryFormats) {
+TEST_F(ShaderGLTest, DriverWithoutBinaries) {
   GlSpy spy;
   spy.answer(GL_PROGRAM_BINARY_LENGTH, 0);
-  for (int i = 1; i <= 2; ++i) {
+  const auto parameter = __glewProgramParameteri;
+  const auto getBinary = __glewGetProgramBinary;
+  for (int links = 1; links <= 4; ++links) {
+    if (links == 3) __glewProgramParameteri = nullptr, __glewGetProgramBinary = nullptr;
     gl::Shader shader;
-    shader.load_to_program(name(), vertex, fragment);
-    EXPECT_TRUE(linked(shader));
-    EXPECT_EQ(spy.calls("glLinkProgram"), i);
+    expectBuilt(shader, spy, links);
   }
+  __glewProgramParameteri = parameter;
+  __glewGetProgramBinary = getBinary;
   EXPECT_EQ(spy.calls("glGetProgramBinary"), 0);
   EXPECT_EQ(gl::findProgramBinary(key()), nullptr);
 }
 
-TEST_F(ShaderGLTest, DriverWithoutProgramBinaries) {
-  const auto parameter = __glewProgramParameteri;
-  const auto getBinary = __glewGetProgramBinary;
-  __glewProgramParameteri = nullptr;
-  __glewGetProgramBinary = nullptr;
-  gl::Shader shader;
-  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
-  EXPECT_TRUE(linked(shader));
-  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
-  __glewProgramParameteri = parameter;
-  __glewGetProgramBinary = getBinary;
-  EXPECT_EQ(gl::findProgramBinary(key()), nullptr);
-}
-
-TEST_F(ShaderGLTest, FailedReadBackOfTheBinaryKeepsNothing) {
+TEST_F(ShaderGLTest, BinariesThatFail) {
   GlSpy spy;
-  spy.failNext("glGetProgramBinary");
+  const std::string where = "An OpenGL error in BinaryShader";
   gl::Shader shader;
-  EXPECT_EQ(
-      failure(shader, vertex, fragment).find("An OpenGL error in BinaryShader occured: There is not enough"),
-      0U);
+  spy.failNext("glGetProgramBinary");
+  EXPECT_EQ(failure(shader).find(where + " occured: There is not enough"), 0U);
   EXPECT_EQ(gl::findProgramBinary(key()), nullptr);
-  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
+  expectBuilt(shader, spy, 2);
+  const gl::ProgramBinary good = *gl::findProgramBinary(key());
+  gl::ProgramBinary damaged = good;
+  for (std::size_t i = damaged.bytes.size() / 2; i < damaged.bytes.size(); ++i) damaged.bytes[i] ^= 0xFFU;
+  // Refused in silence it is compiled again, and the good one replaces it.
+  gl::storeProgramBinary(key(), damaged);
+  expectBuilt(shader, spy, 3);
+  expectBuilt(shader, spy, 3);
+  gl::storeProgramBinary(key(), {0xDEADU, {1, 2, 3}});
+  EXPECT_EQ(failure(shader).find(where + "::load_to_program occured: "), 0U);
+  clearGLErrors();
   shader.release();
   EXPECT_EQ(spy.liveObjects(), 0U);
 }
 
-TEST_F(ShaderGLTest, BinaryRefusedWithAnError) {
-  gl::storeProgramBinary(key(), {0xDEADU, {1, 2, 3}});
+TEST_F(ShaderGLTest, SourcesThatFail) {
+  const std::string varying = head + "layout(location = 0) in vec2 v;\nout vec2 passed;\n" +
+                              "void main() { passed = v; gl_Position = vec4(v, 0.0, 1.0); }\n";
+  const struct {
+    std::string vertex, fragment, failure, log, words;
+    std::size_t objects;  // that stay until the program is released
+  } rows[] = {
+      {vertex, head + "out vec4 c;\nvoid main() { c = nonsense; }\n", "Fragment shader compilation failed",
+       "Shader compilation failed: ", "nonsense", 2},
+      {head + "nonsense\n", fragment, "Vertex shader compilation failed",
+       "Shader compilation failed: ", "error", 1},
+      {varying, head + "in vec4 passed;\nout vec4 c;\nvoid main() { c = passed; }\n", "",
+       "Linking failed. \n", "", 3},
+  };
   gl::Shader shader;
-  EXPECT_EQ(
-      failure(shader, vertex, fragment).find("An OpenGL error in BinaryShader::load_to_program occured: "),
-      0U);
-  clearGLErrors();
-}
-
-TEST_F(ShaderGLTest, BinaryRefusedInSilenceIsCompiledAgain) {
-  gl::Shader shader;
-  shader.load_to_program(name(), vertex, fragment);
-  gl::ProgramBinary damaged = *gl::findProgramBinary(key());
-  for (std::size_t i = damaged.bytes.size() / 2; i < damaged.bytes.size(); ++i) damaged.bytes[i] ^= 0xFFU;
-  gl::storeProgramBinary(key(), damaged);
   GlSpy spy;
-  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
-  EXPECT_TRUE(linked(shader));
-  EXPECT_EQ(spy.calls("glLinkProgram"), 1);
-  EXPECT_EQ(failure(shader, vertex, fragment), "(none)");
-  EXPECT_EQ(spy.calls("glLinkProgram"), 1) << "the good binary has replaced the damaged one";
+  for (const auto& row : rows) {
+    const std::string text =
+        logOf([&] { EXPECT_EQ(failure(shader, row.vertex, row.fragment), row.failure); });
+    EXPECT_EQ(text.find(row.log), 0U) << text;
+    EXPECT_TRUE(contains(text, row.words)) << "the driver's own words: " << text;
+    EXPECT_EQ(spy.liveObjects(), row.objects);
+    shader.release();
+    EXPECT_EQ(spy.liveObjects(), 0U);
+  }
+  expectBuilt(shader, spy, 2);
 }
 
 }  // namespace

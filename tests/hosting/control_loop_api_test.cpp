@@ -3,9 +3,7 @@
 #include <fstream>
 #include <limits>
 #include <sstream>
-#include <thread>
 
-#include "hosting/loop/functors.h"
 #include "hosting/loop/render_trace.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/test_context.h"
@@ -20,55 +18,30 @@ TEST(ControlLoopApiTest, NullHandles) {
   expectNullRefused(invalidHandle, deleteOpenGLControlLoop, registerOpenGLControlLoopRenderCallback,
                     registerOpenGLControlLoopCallback, snapshotOpenGLControlLoop, resizeOpenGLControlLoop,
                     OpenGLControlLoopMode, unlockBuffer, createDXSurface, copyDXSurface, destroyDXSurface);
+  // Requests come too often to leave errors behind.
+  testing::internal::CaptureStderr();
+  renderOpenGLControlLoop(nullptr);
+  renderMultOpenGLControlLoop(nullptr, 1);
+  const std::string line = std::string("An error occured: ") + invalidHandle + "\n";
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), line + line);
+  EXPECT_EQ(pendingError(), "(none)");
 }
 
-// Requests come too often to leave errors behind.
-TEST(ControlLoopApiTest, RequestsPostNothing) {
-  for (const auto& call : std::vector<std::function<void()>>{
-           [] { renderOpenGLControlLoop(nullptr); }, [] { renderMultOpenGLControlLoop(nullptr, 1); }}) {
-    testing::internal::CaptureStderr();
-    call();
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              std::string("An error occured: ") + invalidHandle + "\n");
-    EXPECT_EQ(pendingError(), "(none)");
-  }
-}
-
-TEST(ControlLoopApiTest, ImageReadyWithoutFunctionWarns) {
-  const std::string text = logOf([] { ImageReadyCallback{nullptr}(1, 2, 3, nullptr); });
-  EXPECT_TRUE(contains(text, "Warning: returning image withoug callback being specified. \n")) << text;
-}
-
-TEST(ControlLoopApiTest, EndsOfALoopAreLogged) {
-  chooseSharing(SurfaceSharing::hostMemory);
-  std::string text = logOf([] { const OpenGLControlLoop loop(nullptr, nullptr, nullptr); });
-  const std::size_t finished = text.find("Rendering loop finished. \n");
-  const std::size_t joined = text.find("background thread successfully joined. \n");
-  EXPECT_NE(finished, std::string::npos) << text;
-  EXPECT_NE(joined, std::string::npos) << text;
-  EXPECT_LT(finished, joined);
-
-  text = logOf([] {
-    const OpenGLControlLoop loop(functor([] { throw std::runtime_error("broken"); }), nullptr, nullptr);
-  });
-  EXPECT_TRUE(contains(text, "Rendering loop: broken\n")) << text;
-  EXPECT_FALSE(contains(text, "Rendering loop finished. ")) << text;
-  text = logOf([] { const OpenGLControlLoop loop(functor([] { throw 1; }), nullptr, nullptr); });
-  EXPECT_TRUE(contains(text, "Rendering loop, unknown error.\n")) << text;
-}
-
-Recorded<std::uint32_t>* drawn = nullptr;
-Recorded<Picture>* pictures = nullptr;
-Recorded<std::string>* errors = nullptr;
+// Functions of a client know no object; there is one loop at a time.
+OpenGLControlLoopHandle loop = nullptr;
 SurfaceSharing sharing;
-OpenGLControlLoopHandle loopHandle = nullptr;
+void* copy = nullptr;  // of what is shown
+Recorded<std::uint32_t> drawn;
+Recorded<Picture> pictures;
+Recorded<std::string> errors;
 
 void draw(unsigned id) {
   drawPattern(id);
-  drawn->add(id);
+  drawn.add(id);
 }
 void show(unsigned, unsigned, unsigned, void* surface) {
-  pictures->add(surfacePicture(sharing, surface));
+  if (copy) copyDXSurface(loop, surface, copy);
+  pictures.add(surfacePicture(sharing, surface));
 }
 
 class ControlLoopApiGLTest : public LoopGLTest {
@@ -79,140 +52,115 @@ class ControlLoopApiGLTest : public LoopGLTest {
     std::error_code ignored;
     std::filesystem::create_directories(std::filesystem::path(renderTraceFile()).parent_path(), ignored);
     sharing = GetParam();
-    drawn = &drawn_;
-    pictures = &pictures_;
-    errors = &errors_;
-    loop_ = loopHandle =
-        createOpenGLControlLoopCB(nullptr, nullptr, [](const char* text) { errors->add(text); });
-    ASSERT_NE(loop_, nullptr);
-    registerOpenGLControlLoopRenderCallback(loop_, draw);
-    registerOpenGLControlLoopCallback(loop_, show);
-    resizeOpenGLControlLoop(loop_, 30, 20);
-    OpenGLControlLoopMode(loop_, 0);
+    drawn.clear();
+    pictures.clear();
+    errors.clear();
+    loop = createOpenGLControlLoopCB(nullptr, nullptr, [](const char* text) { errors.add(text); });
+    ASSERT_NE(loop, nullptr);
+    registerOpenGLControlLoopRenderCallback(loop, draw);
+    registerOpenGLControlLoopCallback(loop, show);
+    resizeOpenGLControlLoop(loop, 30, 20);
+    OpenGLControlLoopMode(loop, 0);
   }
   void TearDown() override {
-    if (loop_) deleteOpenGLControlLoop(loop_);
+    testing::internal::CaptureStdout();
+    deleteOpenGLControlLoop(loop);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "OpenGL control loop finished. Callbacks can be freed now. \n");
     EXPECT_EQ(pendingError(), "(none)");
-    EXPECT_EQ(errors_.all(), std::vector<std::string>{});
+    EXPECT_EQ(errors.all(), std::vector<std::string>{});
   }
-
-  OpenGLControlLoopHandle loop_ = nullptr;
-  Recorded<Picture> pictures_;
 };
 
 TEST_P(ControlLoopApiGLTest, FromRequestToSurface) {
-  renderOpenGLControlLoop(loop_);
-  pictures_.atLeast(1);
-  renderMultOpenGLControlLoop(loop_, 0x345678);
-  const auto all = pictures_.atLeast(2);
-  ASSERT_EQ(all.size(), 2U);
-  EXPECT_TRUE(agree(all[0], patternPicture(0, 30, 20), exact));
-  EXPECT_TRUE(agree(all[1], patternPicture(0x345678, 30, 20), exact));
-}
-
-TEST_P(ControlLoopApiGLTest, NullKeepsTheRenderFunctionAndRemovesTheOther) {
-  registerOpenGLControlLoopRenderCallback(loop_, nullptr);
-  registerOpenGLControlLoopCallback(loop_, nullptr);
-  renderMultOpenGLControlLoop(loop_, 3);
-  EXPECT_EQ(drawn_.atLeast(1), std::vector<std::uint32_t>{3});
-  unlockBuffer(loop_);
-  renderMultOpenGLControlLoop(loop_, 4);
-  EXPECT_EQ(drawn_.atLeast(2).size(), 2U);
-  EXPECT_EQ(pictures_.all().size(), 0U);
-}
-
-TEST_P(ControlLoopApiGLTest, SnapshotsAndTheirMisuse) {
-  Picture picture(11, 4);
-  snapshotOpenGLControlLoop(loop_, 11, 4, picture.bytes.data());
-  EXPECT_TRUE(agree(picture, patternPicture(0, 11, 4), exact));
-  snapshotOpenGLControlLoop(loop_, 1, 1, nullptr);
-  EXPECT_EQ(pendingError(), "Valid data pointer must be provided to take snapshot. ");
-  for (const auto& [width, height] : {std::pair{-1, 1}, {1, -1}, {-5, -5}}) {
-    snapshotOpenGLControlLoop(loop_, width, height, picture.bytes.data());
-    EXPECT_EQ(pendingError(), "Snapshot sizes must not be negative. ");
+  renderOpenGLControlLoop(loop);
+  EXPECT_TRUE(agree(pictures.atLeast(1).at(0), patternPicture(0, 30, 20), exact));
+  renderMultOpenGLControlLoop(loop, 0x345678);
+  EXPECT_TRUE(agree(pictures.atLeast(2).at(1), patternPicture(0x345678, 30, 20), exact));
+  // Null keeps the render function and removes the other.
+  registerOpenGLControlLoopRenderCallback(loop, nullptr);
+  registerOpenGLControlLoopCallback(loop, nullptr);
+  for (const int id : {3, 4}) {
+    renderMultOpenGLControlLoop(loop, id);
+    drawn.atLeast(static_cast<std::size_t>(id));
+    unlockBuffer(loop);
   }
+  EXPECT_EQ(drawn.all(), (std::vector<std::uint32_t>{0, 0x345678, 3, 4}));
+  EXPECT_EQ(pictures.all().size(), 2U);
+}
+
+TEST_P(ControlLoopApiGLTest, SnapshotsTheirMisuseAndTheTrace) {
+  const auto trace = [] {
+    std::ostringstream text;
+    text << std::ifstream(renderTraceFile()).rdbuf();
+    return text.str();
+  };
+  renderOpenGLControlLoop(loop);
+  const std::size_t before = trace().size();
+  ASSERT_GT(before, 0U) << renderTraceFile();
+  Picture picture(11, 4);
+  snapshotOpenGLControlLoop(loop, 11, 4, picture.bytes.data());
+  EXPECT_TRUE(agree(picture, patternPicture(0, 11, 4), exact));
   constexpr int most = std::numeric_limits<int>::max();
-  snapshotOpenGLControlLoop(loop_, most, most, picture.bytes.data());
-  EXPECT_EQ(pendingError(), "The snapshot is too large. ");
+  for (const auto& [width, height, data, message] :
+       {std::tuple{1, 1, static_cast<void*>(nullptr),
+                   "Valid data pointer must be provided to take snapshot. "},
+        {-1, 1, &picture, "Snapshot sizes must not be negative. "},
+        {1, -1, &picture, "Snapshot sizes must not be negative. "},
+        {most, most, &picture, "The snapshot is too large. "}}) {
+    snapshotOpenGLControlLoop(loop, width, height, data);
+    EXPECT_EQ(pendingError(), message);
+  }
+  for (const int id : {-7, 12}) renderMultOpenGLControlLoop(loop, id);
+  EXPECT_EQ(trace().substr(before), "0\n-7\n12\n");
 }
 
 TEST_P(ControlLoopApiGLTest, SurfacesOfTheClient) {
-  static void* copy = nullptr;
-  static Recorded<int> copied;
-  void* const kept = createDXSurface(loop_, 30, 20);
-  ASSERT_NE(kept, nullptr);
-  copy = kept;
-  registerOpenGLControlLoopCallback(loop_, [](unsigned, unsigned, unsigned, void* surface) {
-    copyDXSurface(loopHandle, surface, copy);
-    copied.add(1);
-  });
-  const std::size_t before = copied.all().size();
-  renderMultOpenGLControlLoop(loop_, 0x102030);
-  copied.atLeast(before + 1);
-  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), exact));
+  const auto expectKept = [&] {
+    EXPECT_TRUE(agree(surfacePicture(sharing, copy), patternPicture(0x102030, 30, 20), exact));
+  };
+  copy = createDXSurface(loop, 30, 20);
+  ASSERT_NE(copy, nullptr);
+  renderMultOpenGLControlLoop(loop, 0x102030);
+  pictures.atLeast(1);
+  expectKept();
 
-  void* const larger = createDXSurface(loop_, 60, 40);
-  copyDXSurface(loop_, kept, larger);
+  void* const larger = createDXSurface(loop, 60, 40);
+  copyDXSurface(loop, copy, larger);
   const Picture small = patternPicture(0x102030, 30, 20);
   Picture stretched(60, 40);
   stretched.forEach([&](int x, int y) { std::copy_n(small.pixel(x / 2, y / 2), 4, stretched.pixel(x, y)); });
   EXPECT_TRUE(agree(surfacePicture(sharing, larger), stretched, exact));
 
-  copyDXSurface(loop_, nullptr, kept);
+  copyDXSurface(loop, nullptr, copy);
   EXPECT_EQ(pendingError(), "A surface to copy must not be null. ");
-  EXPECT_EQ(createDXSurface(loop_, 0, 4), nullptr);
+  EXPECT_EQ(createDXSurface(loop, 0, 4), nullptr);
   EXPECT_EQ(pendingError(), "A surface must not be empty. ");
-  destroyDXSurface(loop_, larger);
+  destroyDXSurface(loop, larger);
   for (void* const unknown : {larger, static_cast<void*>(nullptr)}) {
-    destroyDXSurface(loop_, unknown);
+    destroyDXSurface(loop, unknown);
     EXPECT_EQ(pendingError(), "The specified surface is unknown. ");
   }
-  deleteOpenGLControlLoop(loop_);
   // The surface outlives the loop that it was made with.
-  loop_ = createOpenGLControlLoop();
-  EXPECT_TRUE(agree(surfacePicture(sharing, kept), patternPicture(0x102030, 30, 20), exact));
-  destroyDXSurface(loop_, kept);
+  deleteOpenGLControlLoop(loop);
+  loop = createOpenGLControlLoop();
+  expectKept();
+  destroyDXSurface(loop, std::exchange(copy, nullptr));
 }
 
 TEST_P(ControlLoopApiGLTest, DeletionFromACallbackIsReported) {
   static Recorded<std::string> texts;
-  registerOpenGLControlLoopRenderCallback(loop_, [](unsigned id) {
-    deleteOpenGLControlLoop(loopHandle);
+  texts.clear();
+  registerOpenGLControlLoopRenderCallback(loop, [](unsigned) {
+    deleteOpenGLControlLoop(loop);
     texts.add(pendingError());
-    drawn->add(id);
   });
-  const std::size_t before = texts.all().size();
-  renderMultOpenGLControlLoop(loop_, 1);
-  drawn_.atLeast(1);
-  EXPECT_EQ(texts.atLeast(before + 1).back(),
-            std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur)).what());
-  renderMultOpenGLControlLoop(loop_, 2);
-  EXPECT_EQ(drawn_.atLeast(2).size(), 2U);  // it goes on
-}
-
-TEST_P(ControlLoopApiGLTest, TheEndIsAnnounced) {
-  testing::internal::CaptureStdout();
-  deleteOpenGLControlLoop(loop_);
-  loop_ = nullptr;
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            "OpenGL control loop finished. Callbacks can be freed now. \n");
-}
-
-TEST_P(ControlLoopApiGLTest, TheTraceTellsEveryRequest) {
-  const auto read = [] {
-    std::ostringstream text;
-    text << std::ifstream(renderTraceFile()).rdbuf();
-    return text.str();
-  };
-  renderOpenGLControlLoop(loop_);
-  const std::size_t before = read().size();
-  ASSERT_GT(before, 0U) << renderTraceFile();
-  renderMultOpenGLControlLoop(loop_, -7);
-  renderMultOpenGLControlLoop(loop_, 12);
-  renderOpenGLControlLoop(loop_);
-  Picture picture(2, 2);
-  snapshotOpenGLControlLoop(loop_, 2, 2, picture.bytes.data());
-  EXPECT_EQ(read().substr(before), "-7\n12\n0\n0\n");
+  const std::string refusal =
+      std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur)).what();
+  for (std::size_t count = 1; count <= 2; ++count) {  // it goes on
+    renderMultOpenGLControlLoop(loop, 1);
+    EXPECT_EQ(texts.atLeast(count), std::vector<std::string>(count, refusal));
+  }
 }
 
 OCT_EVERY_SHARING(ControlLoopApiGLTest);

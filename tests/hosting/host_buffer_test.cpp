@@ -23,50 +23,40 @@ class HostBufferGLTest : public GLTest {
 
   // Completes the frame and compares it with that id's.
   void expectMapped(std::uint32_t id, int width, int height) {
-    buffer_.complete(true);
-    EXPECT_TRUE(
-        agree(hostSurfacePicture(buffer_.map()->surface()), patternPicture(id, width, height), exact));
+    EXPECT_EQ(buffer_.map(), nullptr);  // the read-back has only been asked for
+    EXPECT_TRUE(buffer_.complete(true));
+    const auto mapped = buffer_.map();
+    ASSERT_NE(mapped, nullptr);
+    EXPECT_EQ(mapped->index(), id);
+    EXPECT_EQ(mapped->width(), static_cast<std::uint32_t>(width));
+    EXPECT_EQ(mapped->height(), static_cast<std::uint32_t>(height));
+    EXPECT_TRUE(agree(hostSurfacePicture(mapped->surface()), patternPicture(id, width, height), exact));
   }
 
   HostBufferObject buffer_{2};
 };
 
-TEST_F(HostBufferGLTest, StartsWithoutFrame) {
+TEST_F(HostBufferGLTest, AFrameIsMappedFromItsCompletionToTheNext) {
   EXPECT_EQ(buffer_.map(), nullptr);
   EXPECT_TRUE(buffer_.complete(true));
-}
-
-TEST_F(HostBufferGLTest, AFrameIsMappedOnceItIsComplete) {
   buffer_.resize(13, 9);
   draw(0x00C0FFEE);
-  EXPECT_EQ(buffer_.map(), nullptr);  // the read-back has only been asked for
-  EXPECT_TRUE(buffer_.complete(true));
-  const auto mapped = buffer_.map();
-  ASSERT_NE(mapped, nullptr);
-  EXPECT_EQ(mapped->index(), 0x00C0FFEEU);
-  EXPECT_EQ(mapped->width(), 13U);
-  EXPECT_EQ(mapped->height(), 9U);
-  EXPECT_TRUE(agree(hostSurfacePicture(mapped->surface()), patternPicture(0x00C0FFEE, 13, 9), exact));
+  expectMapped(0x00C0FFEE, 13, 9);
+  EXPECT_EQ(buffer_.buffer_id(), 2);
+  draw(2);
+  expectMapped(2, 13, 9);
 }
 
 TEST_F(HostBufferGLTest, AViewHoldsTheLock) {
   buffer_.resize(4, 4);
   draw(1);
   buffer_.complete(true);
-  auto mapped = buffer_.map();
-  auto other = std::async(std::launch::async, [&] { buffer_.lock(); });
+  const auto mapped = buffer_.map();
+  const auto locking = [&] { return std::async(std::launch::async, [&] { buffer_.lock(); }); };
+  auto other = locking();
   EXPECT_EQ(other.wait_for(20ms), std::future_status::timeout);
   mapped.reset();
   other.get();
-}
-
-TEST_F(HostBufferGLTest, ANewFrameUnmapsTheOldOne) {
-  buffer_.resize(4, 4);
-  draw(1);
-  buffer_.complete(true);
-  draw(2);
-  EXPECT_EQ(buffer_.map(), nullptr);
-  expectMapped(2, 4, 4);
 }
 
 TEST_F(HostBufferGLTest, ReadsWhateverTheClientLeftBound) {
@@ -81,26 +71,28 @@ TEST_F(HostBufferGLTest, ReadsWhateverTheClientLeftBound) {
   expectMapped(3, 5, 7);
 }
 
-TEST_F(HostBufferGLTest, AFailedResizeIsRepairedByTheNext) {
-  buffer_.resize(4, 4);
+TEST_F(HostBufferGLTest, AFailedResizeIsRepairedByTheNextAndNothingIsLost) {
   GlSpy spy;
-  for (const char* function : {"glRenderbufferStorage", "glBufferData"}) {
-    spy.failNext(function);
-    EXPECT_THROW(buffer_.resize(6, 6), std::runtime_error) << function;
+  for (const auto& [function, error, reason] :
+       {std::tuple{"glRenderbufferStorage", GL_OUT_OF_MEMORY, "There is not enough memory"},
+        {"glBufferData", GL_OUT_OF_MEMORY, "There is not enough memory"},
+        {"glCheckFramebufferStatus", GL_FRAMEBUFFER_UNSUPPORTED, "GL_FRAMEBUFFER_UNSUPPORTED\n"}}) {
+    buffer_.resize(4, 4);
+    spy.failNext(function, 1, static_cast<GLenum>(error));
+    const std::string text = logOf([&] { EXPECT_THROW(buffer_.resize(6, 6), std::runtime_error); });
+    EXPECT_TRUE(contains(text, std::string("An error occured when creating render target: ") + reason))
+        << text;
     EXPECT_EQ(buffer_.width(), 0U);
+    buffer_.resize(6, 6);
+    draw(9);
+    expectMapped(9, 6, 6);
+    EXPECT_EQ(spy.liveObjects(), 4U);  // framebuffer, two renderbuffers, pixel buffer
   }
-  spy.failNext("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
-  EXPECT_THROW(buffer_.resize(6, 6), std::runtime_error);
-  clearGLErrors();
-  buffer_.resize(6, 6);
-  draw(9);
-  expectMapped(9, 6, 6);
+  buffer_.release();
+  EXPECT_EQ(spy.liveObjects(), 0U);
 }
 
 GLenum waitAnswer = 0;
-GLenum GLAPIENTRY pretendToWait(GLsync, GLbitfield, GLuint64) {
-  return waitAnswer;
-}
 
 TEST_F(HostBufferGLTest, AGpuThatIsNotDone) {
   buffer_.resize(4, 4);
@@ -108,7 +100,7 @@ TEST_F(HostBufferGLTest, AGpuThatIsNotDone) {
   for (const GLenum failure : {GLenum{GL_TIMEOUT_EXPIRED}, GLenum{GL_WAIT_FAILED}}) {
     waitAnswer = failure;
     draw(1);
-    __glewClientWaitSync = pretendToWait;
+    __glewClientWaitSync = [](GLsync, GLbitfield, GLuint64) { return waitAnswer; };
     if (failure == GL_TIMEOUT_EXPIRED) {
       EXPECT_FALSE(buffer_.complete(false));
     }
@@ -117,31 +109,7 @@ TEST_F(HostBufferGLTest, AGpuThatIsNotDone) {
     EXPECT_EQ(buffer_.map(), nullptr);
   }
   draw(5);
-  buffer_.complete(true);
-  EXPECT_NE(buffer_.map(), nullptr);
-}
-
-TEST_F(HostBufferGLTest, LeavesNoObjectBehind) {
-  const GlSpy spy;
-  {
-    HostBufferObject buffer(0);
-    for (std::uint32_t size = 1; size < 6; ++size) {
-      buffer.resize(size, size);
-      buffer.prepare(1);
-      buffer.finish();
-      if (size % 2 == 0) buffer.complete(true);
-    }
-    EXPECT_EQ(spy.liveObjects(), 4U);  // framebuffer, two renderbuffers, pixel buffer
-  }
-  EXPECT_EQ(spy.liveObjects(), 0U);
-}
-
-TEST_F(HostBufferGLTest, TheReasonOfAFailedTargetIsLogged) {
-  GlSpy spy;
-  spy.failNext("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
-  const std::string text = logOf([&] { EXPECT_THROW(buffer_.resize(6, 6), std::runtime_error); });
-  EXPECT_TRUE(contains(text, "An error occured when creating render target: GL_FRAMEBUFFER_UNSUPPORTED\n"))
-      << text;
+  expectMapped(5, 4, 4);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Ten thousand frames through the ring, with a client that is slow now and then.
+// Thousands of frames through the ring, with a client that is slow now and then.
 #include <random>
 #include <thread>
 
@@ -11,29 +11,20 @@ namespace {
 class LoopFramesGLTest : public LoopGLTest {};
 
 TEST_P(LoopFramesGLTest, ArriveInOrderWithTheirPixels) {
-  const std::uint32_t count = measuresMemory ? 10000 : 1000;  // sanitizers are slow
+  // Sanitizers are slow, and so is a surface of Direct3D to read.
+  const std::uint32_t count = measuresMemory && GetParam() == SurfaceSharing::hostMemory ? 10000 : 1000;
   constexpr int width = 12;
   constexpr int height = 9;
-  const auto silence = withoutPresenting(GetParam());
   auto loop = makeLoop();
   loop->set_rendering_callback(rendering([](std::uint32_t id) { drawPattern(id * 1667); }));
   std::mt19937 random(1);
-  std::uint32_t expected = 1;
-  std::uint32_t checked = 0;
+  std::uint32_t came = 0;
   int wrong = 0;
-  FrameCollector frames(GetParam(), width, height);
-  const auto check = [&] {
-    for (const Picture& picture : frames.take()) {
-      if (picture.bytes != patternPicture(++checked * 1667, width, height).bytes) ++wrong;
-    }
-  };
   loop->set_image_ready_callback(imageReady([&](Index index, void* surface) {
     if (random() % 200 == 0) std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
     // After the stall, in which a render thread that does not keep off would have drawn over the frame.
-    frames.add(surface);
-    if (index != expected) ++wrong;
-    expected = index + 1;
-    if (index % 50 == 0) check();
+    const Picture picture = surfacePicture(GetParam(), surface);
+    wrong += index != ++came || picture.bytes != patternPicture(index * 1667, width, height).bytes;
     if (index == count || wrong >= 100) returned_.add(index);
   }));
   loop->set_mode(OpenGLControlLoop::onceEach);
@@ -45,8 +36,7 @@ TEST_P(LoopFramesGLTest, ArriveInOrderWithTheirPixels) {
   EXPECT_EQ(errors_.all(), std::vector<std::string>{});
   loop.reset();
   EXPECT_EQ(wrong, 0);
-  EXPECT_EQ(expected, count + 1);
-  EXPECT_EQ(checked, count);
+  EXPECT_EQ(came, count);
 }
 
 OCT_EVERY_SHARING(LoopFramesGLTest);

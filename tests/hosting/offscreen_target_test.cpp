@@ -10,48 +10,52 @@
 namespace oct::test {
 namespace {
 
-TEST(OffscreenTargetGLTest, NullIsRefused) {
-  expectNullRefused("Invalid OffscreenTargetHandle specified. ", beginOffscreenFrame, finishOffscreenFrame);
-  clearOffscreenTarget(nullptr);
-  EXPECT_EQ(pendingError(), "(none)");
-}
-
 TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
   const OffscreenTargetHandle targets[] = {createOffscreenTarget(), createOffscreenTarget()};
-  for (int round = 0; round < 3; ++round) {
-    for (int i = 0; i < 2; ++i) {
-      Picture picture(3 + i, 2);
-      beginOffscreenFrame(targets[i], static_cast<unsigned>(picture.width), 2);
-      glClearColor(static_cast<float>(i), 1.0F, 0.0F, 1.0F);
-      glClear(GL_COLOR_BUFFER_BIT);
-      finishOffscreenFrame(targets[i], picture.bytes.data());
-      EXPECT_EQ(picture.bytes[2], i * 255);
-      EXPECT_EQ(picture.bytes[1], 255);
-    }
+  for (int i : {0, 1, 0, 1}) {
+    Picture picture(3 + i, 2);
+    beginOffscreenFrame(targets[i], static_cast<unsigned>(picture.width), 2);
+    glClearColor(static_cast<float>(i), 1.0F, 0.0F, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+    finishOffscreenFrame(targets[i], picture.bytes.data());
+    EXPECT_EQ(picture.bgra(2 + i, 1), (std::array<int, 4>{0, 255, i * 255, 255}));
   }
-  clearOffscreenTarget(targets[0]);
-  clearOffscreenTarget(targets[1]);
+  for (const auto target : targets) clearOffscreenTarget(target);
+  clearOffscreenTarget(nullptr);
   EXPECT_EQ(pendingError(), "(none)");
   EXPECT_FALSE(gl::isContextCurrent());
+  expectNullRefused("Invalid OffscreenTargetHandle specified. ", beginOffscreenFrame, finishOffscreenFrame);
 }
 
-TEST(OffscreenTargetGLTest, SizesBeyondTheDriver) {
+TEST(OffscreenTargetGLTest, ARefusedFrameIsNotBegun) {
   const OffscreenTargetHandle target = createOffscreenTarget();
-  for (const auto& [width, height] : {std::pair<unsigned, unsigned>{100000, 4}, {4, 0xFFFFFFFFU}}) {
-    beginOffscreenFrame(target, width, height);
-    EXPECT_EQ(pendingError().find("An OpenGL error in beginOffscreenFrame occured: "), 0U);
+  const std::string where = "An OpenGL error in beginOffscreenFrame occured: ";
+  const std::string incomplete = "The offscreen framebuffer is not complete: ";
+  GlSpy spy;
+  const struct {
+    unsigned width, height;
+    const char* function;  // that fails
+    GLenum error;
+    std::string message;  // begins so
+  } rows[] = {
+      {100000, 4, nullptr, 0, where},
+      {4, 0xFFFFFFFFU, nullptr, 0, where},
+      {0, 0, nullptr, 0, incomplete + "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT"},
+      {8, 8, "glRenderbufferStorage", GL_OUT_OF_MEMORY, where + "There is not enough memory"},
+      {8, 8, "glCheckFramebufferStatus", GL_FRAMEBUFFER_UNSUPPORTED,
+       incomplete + "GL_FRAMEBUFFER_UNSUPPORTED"},
+  };
+  for (const auto& row : rows) {
+    beginOffscreenFrame(target, 4, 4);
+    EXPECT_EQ(pendingError(), "(none)");
+    if (row.function) spy.failNext(row.function, 1, row.error);
+    beginOffscreenFrame(target, row.width, row.height);
+    EXPECT_EQ(pendingError().find(row.message), 0U) << row.message;
     clearGLErrors();
+    Picture picture(8, 8);
+    finishOffscreenFrame(target, picture.bytes.data());
+    EXPECT_EQ(pendingError(), "No offscreen frame has been begun. ");
   }
-  beginOffscreenFrame(target, 0, 0);
-  EXPECT_EQ(pendingError(),
-            "The offscreen framebuffer is not complete: GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT");
-  beginOffscreenFrame(target, 4, 4);
-  EXPECT_EQ(pendingError(), "(none)");
-  clearOffscreenTarget(target);
-}
-
-TEST(OffscreenTargetGLTest, AnotherThreadIsRefused) {
-  const OffscreenTargetHandle target = createOffscreenTarget();
   std::thread([&] {
     beginOffscreenFrame(target, 4, 4);
     EXPECT_EQ(pendingError().find("An error occured. "), 0U);

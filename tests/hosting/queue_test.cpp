@@ -1,4 +1,4 @@
-// The request queue, the return map and the functors, on their own.
+// What the loop's threads meet at, each on its own: request queue, return map, visitors, event, functors.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -8,69 +8,50 @@
 #include "hosting/loop/functors.h"
 #include "hosting/loop/request_queue.h"
 #include "hosting/loop/return_map.h"
+#include "hosting/host/signal_event.h"
 #include "hosting/loop/visitors.h"
+#include "support/test_context.h"
 
 namespace oct::test {
 namespace {
 
 using std::chrono_literals::operator""ms;
 
-TEST(RequestQueueTest, EqualIdsWaitOnce) {
+template <class Result>
+bool blocks(const std::future<Result>& waiter) {
+  return waiter.wait_for(20ms) == std::future_status::timeout;
+}
+
+TEST(RequestQueueTest, EqualIdsWaitOnceAndRotationKeepsThem) {
   RequestQueue queue;
-  for (const int id : {4, 7, 4, 4, -1, 7}) queue.add(id);
-  EXPECT_EQ(queue.front(), 4);
+  for (const int id : {4, 7, 4, 4, noRequest, 7}) queue.add(id);
+  for (int round = 0; round < 2; ++round) {
+    for (const int id : {4, 7, noRequest}) EXPECT_EQ(queue.rotate(), id);
+  }
   EXPECT_EQ(queue.take(), 4);
   queue.add(4);
   EXPECT_EQ(queue.take(), 7);
-  EXPECT_EQ(queue.take(), -1);
-  EXPECT_EQ(queue.take(), 4);
-  EXPECT_TRUE(queue.empty());
-  EXPECT_EQ(queue.take(), std::nullopt);
-  EXPECT_EQ(queue.front(), std::nullopt);
-  EXPECT_EQ(queue.rotate(), std::nullopt);
-}
-
-// A snapshot looks at the front again and again.
-TEST(RequestQueueTest, FrontPassesOverIdsThatDrawNothing) {
-  RequestQueue queue;
-  queue.add(noRequest);
-  EXPECT_EQ(queue.front(), std::nullopt);
-  queue.add(5);
-  EXPECT_EQ(queue.front(), 5);
+  EXPECT_EQ(queue.front(), 4) << "a snapshot passes over ids that draw nothing";
   EXPECT_EQ(queue.take(), noRequest);
-}
-
-TEST(RequestQueueTest, RotationKeepsIds) {
-  RequestQueue queue;
-  for (const int id : {0, 3, 5}) queue.add(id);
-  for (int round = 0; round < 2; ++round) {
-    for (const int id : {0, 3, 5}) EXPECT_EQ(queue.rotate(), id);
-  }
-}
-
-TEST(RequestQueueTest, PutBackGoesFirstUnlessAskedAgain) {
-  RequestQueue queue;
-  queue.add(1);
   queue.add(2);
   queue.putBack(*queue.take());
-  EXPECT_EQ(queue.front(), 1);
+  EXPECT_EQ(queue.front(), 4);
   const auto taken = queue.take();
-  queue.add(1);
-  queue.putBack(*taken);
+  queue.add(4);
+  queue.putBack(*taken);  // asked for again meanwhile
   EXPECT_EQ(queue.take(), 2);
-  EXPECT_EQ(queue.take(), 1);
+  EXPECT_EQ(queue.take(), 4);
   EXPECT_TRUE(queue.empty());
+  for (const auto& nothing : {queue.take(), queue.front(), queue.rotate()}) EXPECT_EQ(nothing, std::nullopt);
 }
 
 TEST(RequestQueueTest, WaitEndsWithARequest) {
   RequestQueue queue;
-  auto waiter = std::async(std::launch::async, [&] {
-    queue.wait();
-    return queue.take();
-  });
-  EXPECT_EQ(waiter.wait_for(30ms), std::future_status::timeout);
+  auto waiter = std::async(std::launch::async, [&] { queue.wait(); });
+  EXPECT_TRUE(blocks(waiter));
   queue.add(9);
-  EXPECT_EQ(waiter.get(), 9);
+  waiter.get();
+  EXPECT_EQ(queue.take(), 9);
 }
 
 HandOffBuffer* bufferAt(std::uintptr_t address) {
@@ -83,9 +64,7 @@ TEST(ReturnMapTest, SmallestKeyFirstAndOneBufferPerKey) {
   map.insert(-3, bufferAt(32));
   map.insert(5, bufferAt(48));
   map.insert(0, nullptr);
-  EXPECT_EQ(map.take(), bufferAt(32));
-  EXPECT_EQ(map.take(), nullptr);
-  EXPECT_EQ(map.take(), bufferAt(48));
+  for (const std::uintptr_t address : {32, 0, 48}) EXPECT_EQ(map.take(), bufferAt(address));
 }
 
 TEST(ReturnMapTest, ABufferIsOutUntilItIsReturned) {
@@ -101,12 +80,15 @@ TEST(ReturnMapTest, ABufferIsOutUntilItIsReturned) {
   map.insert(2, bufferAt(32));
   auto first = waiting(16);
   auto second = waiting(32);
-  EXPECT_EQ(first.wait_for(20ms), std::future_status::timeout);
+  EXPECT_TRUE(blocks(first));
   EXPECT_EQ(map.take(), bufferAt(16));
-  EXPECT_EQ(first.wait_for(20ms), std::future_status::timeout);
+  auto late = waiting(16);
+  EXPECT_TRUE(blocks(first));
+  EXPECT_TRUE(blocks(late));
   map.returned();
   first.get();
-  EXPECT_EQ(second.wait_for(20ms), std::future_status::timeout);
+  late.get();
+  EXPECT_TRUE(blocks(second));
   giveUp = true;
   map.wake();
   second.get();
@@ -121,47 +103,54 @@ TEST(VisitorsTest, ClosedDoorsAndTheLastToLeave) {
   auto drained = std::async(std::launch::async, [&] { visitors.drain(); });
   visitors.leave();
   EXPECT_FALSE(visitors.empty());
-  EXPECT_EQ(drained.wait_for(20ms), std::future_status::timeout);
+  EXPECT_TRUE(blocks(drained));
   visitors.leave();
   drained.get();
   EXPECT_TRUE(visitors.empty());
 }
 
-int calls = 0;
-unsigned lastId = 0;
-
-TEST(FunctorTest, SwitchedOffAndNull) {
-  calls = 0;
-  Callback callback([] { ++calls; });
-  callback();
-  callback.set_enabled(false);
-  callback();
-  callback.set_enabled(true);
-  callback();
-  EXPECT_EQ(calls, 2);
-  Callback{nullptr}();
-
-  RenderingCallback rendering([](unsigned id) { lastId = id; });
-  rendering(0xFFFFFFFEU);
-  EXPECT_EQ(lastId, 0xFFFFFFFEU);
-  rendering.set_enabled(false);
-  rendering(1);
-  EXPECT_EQ(lastId, 0xFFFFFFFEU);
-  RenderingCallback{nullptr}(1);
+TEST(SignalEventTest, StaysSignalledUntilItIsClearedOrPassed) {
+  for (const bool autoReset : {false, true}) {
+    SignalEvent event(autoReset);
+    int actions = 0;
+    const auto count = [&] { ++actions; };
+    const auto waiter = [&] { return std::async(std::launch::async, [&] { return event.wait([] {}); }); };
+    auto first = waiter();
+    EXPECT_TRUE(blocks(first));
+    event.signal(7);
+    EXPECT_EQ(first.get(), 7U);
+    if (!autoReset) {
+      for (int i = 0; i < 2; ++i) EXPECT_EQ(event.wait(count), 7U);
+      event.clear(count);
+      EXPECT_EQ(actions, 3);
+    }
+    auto second = waiter();
+    EXPECT_TRUE(blocks(second));
+    event.signal(2);
+    EXPECT_EQ(second.get(), 2U);
+  }
 }
 
-std::tuple<unsigned, unsigned, unsigned, void*> seen;
+std::vector<unsigned> seen;
 
-TEST(FunctorTest, ImageReadyPassesEverythingOn) {
+TEST(FunctorTest, SwitchedOffAndNull) {
+  seen.clear();
+  const auto record = [](unsigned id) { seen.push_back(id); };
+  RenderingCallback rendering(record);
+  for (const bool enabled : {true, false, true}) {
+    rendering.set_enabled(enabled);
+    rendering(0xFFFFFFFEU + enabled);
+  }
+  EXPECT_EQ(seen, (std::vector<unsigned>{0xFFFFFFFFU, 0xFFFFFFFFU}));
+  RenderingCallback{nullptr}(1);
+
   ImageReadyCallback ready([](unsigned index, unsigned width, unsigned height, void* surface) {
-    seen = {index, width, height, surface};
+    seen = {index, width, height, surface == &seen};
   });
-  ready(1, 2, 3, &seen);
-  const std::tuple<unsigned, unsigned, unsigned, void*> expected{1U, 2U, 3U, &seen};
-  EXPECT_EQ(seen, expected);
-  ready.set_enabled(false);
-  ready(9, 9, 9, nullptr);
-  EXPECT_EQ(seen, expected);
+  EXPECT_EQ(logOf([&] { ready(4, 2, 3, &seen); }), "");
+  EXPECT_EQ(seen, (std::vector<unsigned>{4, 2, 3, 1}));
+  EXPECT_EQ(logOf([] { ImageReadyCallback{nullptr}(1, 2, 3, nullptr); }),
+            "Warning: returning image withoug callback being specified. \n");
 }
 
 }  // namespace

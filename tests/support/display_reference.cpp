@@ -27,16 +27,14 @@ Image mapped(const Image& image, Function&& value) {
 
 Image blurred(const Image& image) {
   constexpr double kernel[] = {0.1, 0.2, 0.4, 0.2, 0.1};
-  const Image once = mapped(image, [&](int z, int x) {
-    double sum = 0.0;
-    for (int i = -2; i <= 2; ++i) sum += sampleClamped(image, z + i, x) * kernel[i + 2];
-    return sum;
-  });
-  return mapped(once, [&](int z, int x) {
-    double sum = 0.0;
-    for (int i = -2; i <= 2; ++i) sum += sampleClamped(once, z, x + i) * kernel[i + 2];
-    return sum;
-  });
+  const auto along = [&](const Image& input, int stepZ, int stepX) {
+    return mapped(input, [&](int z, int x) {
+      double sum = 0.0;
+      for (int i = -2; i <= 2; ++i) sum += sampleClamped(input, z + i * stepZ, x + i * stepX) * kernel[i + 2];
+      return sum;
+    });
+  };
+  return along(along(image, 1, 0), 0, 1);
 }
 
 Image peppered(const Image& image) {

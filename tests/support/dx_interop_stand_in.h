@@ -22,7 +22,6 @@ class DxInteropStandIn {
   // Lets the next calls of a function ("Open", "Register", "Unregister", "Lock", "Unlock", "Share") fail.
   void failNext(const std::string& function, int times = 1);
 
-  int calls(const std::string& function) const;
   int registeredObjects() const;
   int lockedObjects() const;
   int openDevices() const;

@@ -37,13 +37,11 @@ struct Object {
 
 struct State {
   std::mutex mutex;
-  std::map<std::string, int> calls;
   std::map<std::string, int> failures;
   std::set<IDirect3DDevice9*> devices;
   std::set<Object*> objects;
 
   bool enter(const std::string& function) {
-    ++calls[function];
     if (failures[function] == 0) return true;
     --failures[function];
     return false;
@@ -79,7 +77,6 @@ HANDLE WINAPI openDevice(void* device) {
 
 BOOL WINAPI closeDevice(HANDLE device) {
   const std::lock_guard lock(state->mutex);
-  state->enter("Close");
   return state->devices.erase(static_cast<IDirect3DDevice9*>(device)) != 0;
 }
 
@@ -171,11 +168,6 @@ bool DxInteropStandIn::installed() {
 void DxInteropStandIn::failNext(const std::string& function, int times) {
   const std::lock_guard lock(state->mutex);
   state->failures[function] = times;
-}
-
-int DxInteropStandIn::calls(const std::string& function) const {
-  const std::lock_guard lock(state->mutex);
-  return state->calls[function];
 }
 
 int DxInteropStandIn::registeredObjects() const {

@@ -33,21 +33,24 @@ class LambdaFunctor : public AbstractSwitchable<Arguments...> {
   const std::function<void(Arguments...)> body_;
 };
 
-inline std::unique_ptr<AbstractFunctor> functor(std::function<void()> body) {
-  return std::make_unique<LambdaFunctor<>>(std::move(body));
+template <class... Arguments>
+std::unique_ptr<AbstractSwitchable<Arguments...>> lambda(std::function<void(Arguments...)> body) {
+  return std::make_unique<LambdaFunctor<Arguments...>>(std::move(body));
 }
-
-inline std::unique_ptr<AbstractRenderingFunctor> rendering(std::function<void(std::uint32_t id)> body) {
-  return std::make_unique<LambdaFunctor<std::uint32_t>>(std::move(body));
+inline auto functor(std::function<void()> body) {
+  return lambda(std::move(body));
+}
+inline auto rendering(std::function<void(std::uint32_t id)> body) {
+  return lambda(std::move(body));
 }
 
 using Index = std::uint32_t;
 
-inline std::unique_ptr<AbstractImageReady> imageReady(
+inline auto imageReady(
     std::function<void(Index, std::uint32_t width, std::uint32_t height, void* surface)> body) {
-  return std::make_unique<LambdaFunctor<Index, std::uint32_t, std::uint32_t, void*>>(std::move(body));
+  return lambda(std::move(body));
 }
-inline std::unique_ptr<AbstractImageReady> imageReady(std::function<void(Index, void* surface)> body) {
+inline auto imageReady(std::function<void(Index, void* surface)> body) {
   return imageReady(
       [body](Index index, std::uint32_t, std::uint32_t, void* surface) { body(index, surface); });
 }
