@@ -40,8 +40,8 @@ void setDisplayData(DisplayRenderingHandle Handle, int Size1, int Size2, const f
   guarded(__func__, [&] { renderer(Handle).setData(Size1, Size2, Data); });
 }
 
-void setDisplayBounds(DisplayRenderingHandle Handle, int Lower, int Upper) {
-  guarded(__func__, [&] { renderer(Handle).setBounds(Lower, Upper); });
+void setDisplayBounds(DisplayRenderingHandle Handle, int, int) {
+  guarded(__func__, [&] { renderer(Handle); });
 }
 
 void clearDisplayData(DisplayRenderingHandle Handle) {

@@ -177,7 +177,6 @@ void DisplayRenderer::drawBase(const Frame& frame) {
     return std::max(static_cast<float>(texels) / static_cast<float>(pixels), 1.0F);
   };
   const LayerSettings& layer = frame.settings.layers[0];
-  const bool reduce = frame.settings.common.dynamicReduction;
   const GLsizei aScans = frame.image.height;
   const GLsizei depth = frame.image.width;
 
@@ -190,9 +189,8 @@ void DisplayRenderer::drawBase(const Frame& frame) {
   glUniform1f(display_.upperValue, layer.upperValue);
   glUniform2f(display_.textureSize, static_cast<float>(aScans), static_cast<float>(depth));
   glUniform2f(display_.displaySize, static_cast<float>(frame.width), static_cast<float>(frame.height));
-  glUniform2f(display_.dpp, reduce ? samples(aScans, frame.width) : 1.0F,
-              reduce ? samples(depth, frame.height) : 1.0F);
-  glUniform1f(display_.gamma, frame.settings.common.gamma);
+  glUniform2f(display_.dpp, samples(aScans, frame.width), samples(depth, frame.height));
+  glUniform1f(display_.gamma, 1.0F);
   glUniform1i(display_.flip, frame.settings.common.flip);
   quad_.draw();
 }

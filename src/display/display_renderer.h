@@ -11,7 +11,6 @@
 #include "display/simple_data_provider.h"
 #include "gl/quad.h"
 #include "gl/shader.h"
-#include "renderer/abstract_renderer.h"
 #include "renderer/colormap.h"
 
 namespace oct {
@@ -19,19 +18,21 @@ namespace oct {
 // Image setters wait while a frame uses the image. The other setters hold a short lock of their own, so that
 // a frame sees each setting whole; a frame takes them all at its start. init, uninit and render run on the
 // thread that owns the context.
-class DisplayRenderer : public AbstractRenderer {
+class DisplayRenderer {
  public:
   static constexpr int overlayCount =
       8;  // enough for the layers of a retina segmentation; a layer costs bytes
 
-  ~DisplayRenderer() override;
+  DisplayRenderer() = default;
+  ~DisplayRenderer();
+  DisplayRenderer(const DisplayRenderer&) = delete;
+  DisplayRenderer& operator=(const DisplayRenderer&) = delete;
 
   void init();
   void uninit();
-  void render() override;
+  void render();
 
   void setData(int size1, int size2, const float* data) { displayData_.setData(size1, size2, data); }
-  void setBounds(int lower, int upper) { displayData_.setBounds(lower, upper); }
   void setBlur(bool first, bool second) { filters_.setBlur(first, second); }
   void setPepperFilter(bool enabled) { filters_.setPepper(enabled); }
   void setMedianFilter(int medianFilter) const;
@@ -62,8 +63,6 @@ class DisplayRenderer : public AbstractRenderer {
   };
 
   struct Settings {
-    float gamma = 1.0F;
-    bool dynamicReduction = true;
     bool flip = false;
     std::array<float, 4> backgroundColor{0.0F, 0.0F, 0.0F, 1.0F};
     float threshold = 0.0F;

@@ -8,7 +8,7 @@
 
 #include "core/exception.h"
 #include "core/timing_mark.h"
-#include "live/abstract_live_rendering.h"
+#include "live/fast_opengl_volume_renderer.h"
 #include "live/scope_exit.h"
 #include "vec/vec.h"
 #include "volume/volume_renderer.h"
@@ -19,7 +19,7 @@ namespace {
 // A live renderer's buffer: goes back without a volume unless it was filled.
 class WriteBuffer {
  public:
-  explicit WriteBuffer(AbstractLiveRendering& rendering)
+  explicit WriteBuffer(FastOpenGLVolumeRenderer& rendering)
       : rendering_(rendering), data_(rendering.get_data_ptr()) {}
   ~WriteBuffer() {
     if (data_) rendering_.discard();
@@ -34,7 +34,7 @@ class WriteBuffer {
   }
 
  private:
-  AbstractLiveRendering& rendering_;
+  FastOpenGLVolumeRenderer& rendering_;
   float* data_;
 };
 
@@ -69,7 +69,7 @@ std::unique_lock<std::mutex> BrennickDataSource::lock_idle() {
   return lock;
 }
 
-void BrennickDataSource::register_live_rendering(AbstractLiveRendering* rendering) {
+void BrennickDataSource::register_live_rendering(FastOpenGLVolumeRenderer* rendering) {
   const auto lock = lock_idle();
   live_renderer_ = rendering;
 }
@@ -92,7 +92,7 @@ void BrennickDataSource::start(ScanPatternHandle pattern) {
     running_ = true;
   }
   try {
-    thread_ = start_thread();
+    thread_ = std::thread([this] { run(); });
   } catch (...) {
     running_ = false;
     ended_ = true;
@@ -104,7 +104,7 @@ void BrennickDataSource::stop() {
   std::uint64_t asked = 0;
   {
     const std::lock_guard lock(request_mutex_);
-    if (AbstractLiveRendering* const rendering = live_renderer_) rendering->stop();
+    if (FastOpenGLVolumeRenderer* const rendering = live_renderer_) rendering->stop();
     running_ = false;
     asked = thread_number_;
   }
@@ -120,10 +120,6 @@ void BrennickDataSource::await_end() {
   if (!running_ && thread_.joinable()) thread_.join();
 }
 
-std::thread BrennickDataSource::start_thread() {
-  return std::thread([this] { run(); });
-}
-
 void BrennickDataSource::run() {
   own_thread_ = std::this_thread::get_id();
   try {
@@ -137,10 +133,9 @@ void BrennickDataSource::run() {
   ended_ = true;
 }
 
-void BrennickDataSource::set_ref_intensity_callback(std::unique_ptr<RefIntensityFunctor> callback) {
-  const std::shared_ptr<RefIntensityFunctor> next = std::move(callback);
+void BrennickDataSource::set_ref_intensity_callback(RefIntensityCallback callback) {
   const std::lock_guard lock(callback_mutex_);
-  ref_intensity_callback_ = next;
+  ref_intensity_callback_ = std::move(callback);
 }
 
 void BrennickDataSource::set_error_callback(const ErrorCallback& callback) {
@@ -178,12 +173,12 @@ void BrennickDataSource::report_error(const std::string& message) const {
 }
 
 void BrennickDataSource::report_reference_intensity() const {
-  std::shared_ptr<RefIntensityFunctor> callback;
+  RefIntensityCallback callback;
   {
     const std::lock_guard lock(callback_mutex_);
     callback = ref_intensity_callback_;
   }
-  if (callback) (*callback)(sdk().getRelativeReferenceIntensity(device_, processing_));
+  if (callback) callback(sdk().getRelativeReferenceIntensity(device_, processing_));
 }
 
 void BrennickDataSource::thread() {
@@ -257,7 +252,7 @@ BrennickDataSource::Geometry BrennickDataSource::read_geometry(DataHandle data) 
 
 BrennickDataSource::Preparation BrennickDataSource::prepare_rendering(const Geometry& geometry,
                                                                       DataHandle analog) {
-  AbstractLiveRendering& rendering = *live_renderer_;
+  FastOpenGLVolumeRenderer& rendering = *live_renderer_;
   {
     const std::lock_guard lock(request_mutex_);
     if (!running_) return Preparation::stopped;
@@ -285,7 +280,7 @@ void BrennickDataSource::set_range(const Geometry& geometry) const {
 
 void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) const {
   const TimingMark mark("BrennickDataSource::copy_data");
-  AbstractLiveRendering* const rendering = live_renderer_;
+  FastOpenGLVolumeRenderer* const rendering = live_renderer_;
   VolumeRenderer* const renderer = rendering ? rendering->get_renderer() : nullptr;
   if (!renderer) return;
   // Where they do not fit, another source has started on the same live renderer.
@@ -298,7 +293,7 @@ void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) co
   if (renderer->settings().renderSurface) copy_surface(data, *renderer);
 }
 
-bool BrennickDataSource::fits(AbstractLiveRendering& rendering, const Geometry& geometry) {
+bool BrennickDataSource::fits(FastOpenGLVolumeRenderer& rendering, const Geometry& geometry) {
   std::int32_t x = 0;
   std::int32_t y = 0;
   std::int32_t z = 0;

@@ -41,19 +41,17 @@ TEST(ControlLoopApiTest, ImageReadyWithoutFunctionWarns) {
 
 TEST(ControlLoopApiTest, EndsOfALoopAreLogged) {
   chooseSharing(SurfaceSharing::hostMemory);
-  std::string text = logOf([] { const OpenGLControlLoop loop(nullptr, nullptr, nullptr); });
+  std::string text = logOf([] { const OpenGLControlLoop loop; });
   const std::size_t finished = text.find("Rendering loop finished. \n");
   const std::size_t joined = text.find("background thread successfully joined. \n");
   EXPECT_NE(finished, std::string::npos) << text;
   EXPECT_NE(joined, std::string::npos) << text;
   EXPECT_LT(finished, joined);
 
-  text = logOf([] {
-    const OpenGLControlLoop loop(functor([] { throw std::runtime_error("broken"); }), nullptr, nullptr);
-  });
+  text = logOf([] { const OpenGLControlLoop loop(functor([] { throw std::runtime_error("broken"); })); });
   EXPECT_TRUE(contains(text, "Rendering loop: broken\n")) << text;
   EXPECT_FALSE(contains(text, "Rendering loop finished. ")) << text;
-  text = logOf([] { const OpenGLControlLoop loop(functor([] { throw 1; }), nullptr, nullptr); });
+  text = logOf([] { const OpenGLControlLoop loop(functor([] { throw 1; })); });
   EXPECT_TRUE(contains(text, "Rendering loop, unknown error.\n")) << text;
 }
 

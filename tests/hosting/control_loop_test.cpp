@@ -190,7 +190,7 @@ TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
     EXPECT_NE(glGetString(GL_VERSION), nullptr) << what;
   };
   auto loop = std::make_unique<OpenGLControlLoop>(functor([&] { note("init", init); }),
-                                                  functor([&] { note("uninit", uninit); }), nullptr);
+                                                  functor([&] { note("uninit", uninit); }));
   loop->set_rendering_callback(rendering([&](std::uint32_t) { note("draw", draw); }));
   loop->set_image_ready_callback(imageReady([&](Index index, void*) {
     returned_.add(index);
@@ -229,13 +229,13 @@ TEST_P(ControlLoopGLTest, ASnapshotOfAFailingLoopReturns) {
 TEST_P(ControlLoopGLTest, ThrowingInit) {
   bool uninit = false;
   {
-    OpenGLControlLoop loop(
-        functor([] { throw std::runtime_error("no init"); }), functor([&] { uninit = true; }),
-        std::make_unique<LambdaError>([&](const std::string& text) { errors_.add(text); }));
+    OpenGLControlLoop loop(functor([] { throw std::runtime_error("no init"); }),
+                           functor([&] { uninit = true; }),
+                           ErrorCallback([&](const char* text) { errors_.add(text); }));
     EXPECT_EQ(errors_.atLeast(1), std::vector<std::string>{"no init"});
   }
   EXPECT_FALSE(uninit);
-  const OpenGLControlLoop loop(functor([] { throw 42; }), nullptr, nullptr);  // no std::exception
+  const OpenGLControlLoop loop(functor([] { throw 42; }));  // no std::exception
 }
 
 TEST_P(ControlLoopGLTest, DeletionWhileFramesWait) {
@@ -289,7 +289,7 @@ TEST_P(ControlLoopGLTest, DeletionFromItsOwnThreadsIsRefused) {
     };
     {
       OpenGLControlLoop loop(functor([&] { attempt("init"); }), functor([&] { attempt("uninit"); }),
-                             std::make_unique<LambdaError>([&](const std::string&) { attempt("error"); }));
+                             ErrorCallback([&](const char*) { attempt("error"); }));
       loop.set_rendering_callback(rendering([&](std::uint32_t) {
         attempt("draw");
         if (fails) throw std::runtime_error("no more");

@@ -3,9 +3,7 @@
 
 #include <atomic>
 #include <future>
-#include <tuple>
 
-#include "hosting/functors.h"
 #include "hosting/request_queue.h"
 #include "hosting/return_map.h"
 #include "hosting/visitors.h"
@@ -125,43 +123,6 @@ TEST(VisitorsTest, ClosedDoorsAndTheLastToLeave) {
   visitors.leave();
   drained.get();
   EXPECT_TRUE(visitors.empty());
-}
-
-int calls = 0;
-unsigned lastId = 0;
-
-TEST(FunctorTest, SwitchedOffAndNull) {
-  calls = 0;
-  Callback callback([] { ++calls; });
-  callback();
-  callback.set_enabled(false);
-  callback();
-  callback.set_enabled(true);
-  callback();
-  EXPECT_EQ(calls, 2);
-  Callback{nullptr}();
-
-  RenderingCallback rendering([](unsigned id) { lastId = id; });
-  rendering(0xFFFFFFFEU);
-  EXPECT_EQ(lastId, 0xFFFFFFFEU);
-  rendering.set_enabled(false);
-  rendering(1);
-  EXPECT_EQ(lastId, 0xFFFFFFFEU);
-  RenderingCallback{nullptr}(1);
-}
-
-std::tuple<unsigned, unsigned, unsigned, void*> seen;
-
-TEST(FunctorTest, ImageReadyPassesEverythingOn) {
-  ImageReadyCallback ready([](unsigned index, unsigned width, unsigned height, void* surface) {
-    seen = {index, width, height, surface};
-  });
-  ready(1, 2, 3, &seen);
-  const std::tuple<unsigned, unsigned, unsigned, void*> expected{1U, 2U, 3U, &seen};
-  EXPECT_EQ(seen, expected);
-  ready.set_enabled(false);
-  ready(9, 9, 9, nullptr);
-  EXPECT_EQ(seen, expected);
 }
 
 }  // namespace
