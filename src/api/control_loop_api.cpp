@@ -92,7 +92,7 @@ void resizeOpenGLControlLoop(OpenGLControlLoopHandle Handle, unsigned int Width,
 }
 
 void OpenGLControlLoopMode(OpenGLControlLoopHandle Handle, unsigned int Mode) {
-  guarded(__func__, [&] { loop(Handle).set_mode(Mode); });
+  guarded(__func__, [&] { loop(Handle).set_mode(static_cast<OpenGLControlLoop::Mode>(Mode)); });
 }
 
 void unlockBuffer(OpenGLControlLoopHandle Handle) {

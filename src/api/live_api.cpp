@@ -126,9 +126,9 @@ void setOnlineAveraging_PS(LiveDataSourceHandle Handle, int Depth, int AScans, i
   });
 }
 
-void setOnlineDOPU_PS(LiveDataSourceHandle Handle, int Depth, int AScans, int BScans, int Reserved) {
+void setOnlineDOPU_PS(LiveDataSourceHandle Handle, int Depth, int AScans, int BScans, int) {
   guarded(__func__, [&] {
-    if (auto* const source = polarizationSource(Handle)) source->set_dopu(Depth, AScans, BScans, Reserved);
+    if (auto* const source = polarizationSource(Handle)) source->set_dopu(Depth, AScans, BScans);
   });
 }
 

@@ -66,5 +66,6 @@ void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int D
 }
 
 void renderOfflineVolume(OfflineRenderingHandle Handle, int ContentType) {
-  guarded(__func__, [&] { offline(Handle).render(ContentType); });
+  guarded(__func__,
+          [&] { offline(Handle).render(static_cast<OfflineVolumeRendering::Content>(ContentType)); });
 }

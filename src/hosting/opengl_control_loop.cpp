@@ -90,7 +90,7 @@ void OpenGLControlLoop::request(std::int32_t id) {
   requestQueue_.add(id);
 }
 
-void OpenGLControlLoop::set_mode(std::uint32_t mode) {
+void OpenGLControlLoop::set_mode(Mode mode) {
   if (mode == mode_) return;
   const std::lock_guard lock(modeMutex_);
   if (mode_ == snapshotMode) {

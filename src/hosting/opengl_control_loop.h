@@ -26,9 +26,12 @@ class OpenGLControl;
 class OpenGLControlLoop {
  public:
   // How the render thread takes the next request.
-  static constexpr std::uint32_t onceEach = 0;      // waits for requests; each is drawn once
-  static constexpr std::uint32_t roundRobin = 1;    // draws all requests in turn, for ever
-  static constexpr std::uint32_t snapshotMode = 2;  // draws the front request again and again
+  enum class Mode : std::uint32_t {
+    onceEach = 0,     // waits for requests; each is drawn once
+    roundRobin = 1,   // draws all requests in turn, for ever; so does any number that is not listed
+    snapshotMode = 2  // draws the front request again and again
+  };
+  using enum Mode;
 
   // Returns when the render thread has made its control, or has failed to. Any callback may be empty.
   explicit OpenGLControlLoop(Callback initCallback = {}, Callback uninitCallback = {},
@@ -42,7 +45,7 @@ class OpenGLControlLoop {
   void check_deletable() const;
 
   void request(std::int32_t id);
-  void set_mode(std::uint32_t mode);
+  void set_mode(Mode mode);
   void resize(std::uint32_t width, std::uint32_t height);
   void set_rendering_callback(RenderingCallback callback);
   void set_image_ready_callback(std::optional<ImageReadyCallback> callback);
@@ -75,8 +78,8 @@ class OpenGLControlLoop {
   void end_snapshots();
   void shut_down();
 
-  std::atomic<std::uint32_t> mode_{roundRobin};
-  std::uint32_t pendingMode_ = onceEach;  // guarded by modeMutex_
+  std::atomic<Mode> mode_{roundRobin};
+  Mode pendingMode_ = onceEach;  // guarded by modeMutex_
   const ErrorCallback errorCallback_;
   RenderingCallback renderingCallback_;                   // guarded by renderingCallbackMutex_
   std::optional<ImageReadyCallback> imageReadyCallback_;  // guarded by imageReadyMutex_

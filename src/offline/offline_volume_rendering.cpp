@@ -190,19 +190,19 @@ void OfflineVolumeRendering::uploadSecondaryData(const SecondaryBlock& block) {
   });
 }
 
-void OfflineVolumeRendering::render(int contentType) {
+void OfflineVolumeRendering::render(Content content) {
   const TimingMark mark("OfflineRendering::render");
-  if (contentType < 0 || contentType > 2) {
+  if (content < Content::volume || content > Content::volume_and_overlay) {
     throw std::invalid_argument("Content type is not supported for rendering. ");
   }
   if (!renderer_) return;
   const ObjectLock lock(renderer_);  // no setter comes between the hand-over and the frame
   renderer_->setRange(axial_, lateral1_, lateral2_);
-  renderer_->setSource(sourceOf(contentType));
+  renderer_->setSource(sourceOf(content));
   renderer_->render();
 }
 
-VolumeSource OfflineVolumeRendering::sourceOf(int contentType) const {
+VolumeSource OfflineVolumeRendering::sourceOf(Content content) const {
   VolumeSource source = renderer_->source();
   source.volume = 0;
   source.sliceCount = 0;
@@ -211,13 +211,13 @@ VolumeSource OfflineVolumeRendering::sourceOf(int contentType) const {
   source.mainColormapIsOverlay = false;
   if (volume_.extent().empty()) return source;
   source.sliceCount = static_cast<int>(volume_.extent().depth);
-  if (contentType == 1) {
+  if (content == Content::overlay) {
     source.volume = overlay_.get();
     source.mainColormapIsOverlay = true;
     return source;
   }
   source.volume = volume_.get();
-  if (contentType == 2) {
+  if (content == Content::volume_and_overlay) {
     source.overlay = overlay_.get();
     source.overlayPresent = static_cast<bool>(overlay_);
   }

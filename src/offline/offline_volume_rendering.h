@@ -41,8 +41,10 @@ class OfflineVolumeRendering {
   };
   void uploadSecondaryData(const SecondaryBlock& block);
 
-  // 0: the volume, 1: the overlay alone, 2: both.
-  void render(int contentType);
+  enum class Content { volume = 0, overlay = 1, volume_and_overlay = 2 };
+
+  // Throws std::invalid_argument for a content that is not listed.
+  void render(Content content);
 
  private:
   template <class Change>
@@ -51,7 +53,7 @@ class OfflineVolumeRendering {
   void requireSlices(std::int64_t first, std::int64_t end) const;
   void volumeFilled(float fraction);
   void freeSecondary();
-  VolumeSource sourceOf(int contentType) const;
+  VolumeSource sourceOf(Content content) const;
 
   VolumeRenderer* renderer_ = nullptr;
   float axial_ = 0.0F;

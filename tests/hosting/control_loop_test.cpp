@@ -92,7 +92,7 @@ TEST_P(ControlLoopGLTest, RoundRobinForEver) {
 TEST_P(ControlLoopGLTest, AnyOtherModeGoesRoundToo) {
   auto loop = makeHeldLoop(9);
   for (const int id : {1, 2}) loop->request(id);
-  loop->set_mode(77);
+  loop->set_mode(static_cast<OpenGLControlLoop::Mode>(77));
   expectDrawn({9, 1, 2, 1, 2});
 }
 
@@ -215,7 +215,7 @@ TEST_P(ControlLoopGLTest, AFailingRenderFunctionEndsTheRenderThreadOnly) {
   loop->request(2);
   Picture picture(2, 2);
   EXPECT_THROW(loop->snapshot(2, 2, picture.bytes.data()), std::runtime_error);
-  loop->set_mode(1);
+  loop->set_mode(OpenGLControlLoop::roundRobin);
   EXPECT_EQ(returned_.all(), Ids{});
 }
 
