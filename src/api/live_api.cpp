@@ -204,7 +204,12 @@ void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn, 
 }
 
 void getLiveVolumeRenderingSize(LiveVolumeRenderingHandle Handle, int* X, int* Y, int* Z) {
-  guarded(__func__, [&] { checked<FastOpenGLVolumeRenderer>(Handle, invalidSource).get_size(X, Y, Z); });
+  guarded(__func__, [&] {
+    const oct::VolumeExtent extent = checked<FastOpenGLVolumeRenderer>(Handle, invalidSource).get_size();
+    if (X) *X = static_cast<int>(extent.depth);
+    if (Y) *Y = static_cast<int>(extent.a_scans);
+    if (Z) *Z = static_cast<int>(extent.b_scans);
+  });
 }
 
 void setSizeZ(LiveDataSourceHandle DataSource, int Size) {

@@ -32,7 +32,7 @@ class DisplayRenderer {
   void uninit();
   void render();
 
-  void setData(int size1, int size2, const float* data) { displayData_.setData(size1, size2, data); }
+  void setData(const ImageExtent& extent, const float* data) { displayData_.setData(extent, data); }
   void setBlur(bool first, bool second) { filters_.setBlur(first, second); }
   void setPepperFilter(bool enabled) { filters_.setPepper(enabled); }
   void setMedianFilter(int medianFilter) const;
@@ -41,7 +41,7 @@ class DisplayRenderer {
   void setColormap(const void* colors, int count);
   void setColoringBoundaries(double lower, double upper);
   void setNumberOverlays(int count);
-  void setOverlayData(int size1, int size2, const float* data) { overlayData_.setData(size1, size2, data); }
+  void setOverlayData(const ImageExtent& extent, const float* data) { overlayData_.setData(extent, data); }
   void setOverlayColormap(int overlay, const void* colors, int count);
   void setOverlayColoringBoundaries(int overlay, double lower, double upper);
   void setOverlayThreshold(double threshold);

@@ -28,8 +28,9 @@ class OpenGLControlLoop {
   // How the render thread takes the next request.
   enum class Mode : std::uint32_t {
     onceEach = 0,     // waits for requests; each is drawn once
-    roundRobin = 1,   // draws all requests in turn, for ever; so does any number that is not listed
+    roundRobin = 1,   // draws all requests in turn, for ever
     snapshotMode = 2  // draws the front request again and again
+    // Any other number waits as onceEach does and draws as roundRobin does.
   };
   using enum Mode;
 

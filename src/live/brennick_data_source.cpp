@@ -226,7 +226,7 @@ void BrennickDataSource::thread() {
     sdk().getRawDataEx(device_, raw, camera_);
     sdk().executeProcessing(processing_, raw);
     if (analog) sdk().getAnalogInputData(device_, analog);
-    sdk().setDataRange(data, geometry.depth, geometry.lateral1, geometry.lateral2);
+    sdk().setDataRange(data, geometry.depth_range, geometry.lateral_range1, geometry.lateral_range2);
     set_range(geometry);
     report_device_error();
     report_reference_intensity();
@@ -236,16 +236,18 @@ void BrennickDataSource::thread() {
 
 BrennickDataSource::Geometry BrennickDataSource::read_geometry(DataHandle data) const {
   Geometry geometry;
-  geometry.size2 = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2);
-  geometry.size3 = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3);
-  geometry.size1 = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1);
-  geometry.z = size_z_;
-  geometry.lateral1 = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_2);
-  geometry.lateral2 = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_3);
+  geometry.acquired.a_scans = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2);
+  geometry.acquired.b_scans = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3);
+  geometry.acquired.depth = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1);
+  geometry.kept = geometry.acquired;
+  geometry.kept.depth = size_z_;
+  geometry.lateral_range1 = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_2);
+  geometry.lateral_range2 = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_3);
   const double whole = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_1);
-  if (geometry.size1 > 0) {
-    const double kept = static_cast<double>(geometry.z) / static_cast<double>(geometry.size1);
-    geometry.depth = whole * kept / refractive_index_;
+  if (geometry.acquired.depth > 0) {
+    const double share =
+        static_cast<double>(geometry.kept.depth) / static_cast<double>(geometry.acquired.depth);
+    geometry.depth_range = whole * share / refractive_index_;
   }
   return geometry;
 }
@@ -256,7 +258,7 @@ BrennickDataSource::Preparation BrennickDataSource::prepare_rendering(const Geom
   {
     const std::lock_guard lock(request_mutex_);
     if (!running_) return Preparation::stopped;
-    rendering.set_size(geometry.z, geometry.size2, geometry.size3);
+    rendering.set_size(geometry.kept);
     if (analog) {
       const float* const values = sdk().getDataPtr(analog);
       rendering.set_secondary_data(values, sdk().getDataPropertyInt(analog, OCT_DATA_SIZE_1));
@@ -274,8 +276,8 @@ BrennickDataSource::Preparation BrennickDataSource::prepare_rendering(const Geom
 // Depth is the geometric one; the renderer lets it run downwards.
 void BrennickDataSource::set_range(const Geometry& geometry) const {
   VolumeRenderer* const renderer = live_renderer_.load()->get_renderer();
-  if (!renderer || geometry.size1 < 1) return;  // nothing was acquired that could have an extent
-  renderer->setRange(geometry.depth, geometry.lateral1, geometry.lateral2);
+  if (!renderer || geometry.acquired.depth < 1) return;  // nothing was acquired that could have an extent
+  renderer->setRange(geometry.depth_range, geometry.lateral_range1, geometry.lateral_range2);
 }
 
 void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) const {
@@ -284,46 +286,41 @@ void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) co
   VolumeRenderer* const renderer = rendering ? rendering->get_renderer() : nullptr;
   if (!renderer) return;
   // Where they do not fit, another source has started on the same live renderer.
-  if (renderer->settings().renderVolume && fits(*rendering, geometry)) {
+  if (renderer->settings().renderVolume && rendering->get_size() == geometry.kept) {
     WriteBuffer buffer(*rendering);
-    if (buffer.data() && fits(*rendering, geometry) && copy_volume(data, geometry, buffer.data())) {
+    if (buffer.data() && rendering->get_size() == geometry.kept &&
+        copy_volume(data, geometry, buffer.data())) {
       buffer.filled();
     }
   }
   if (renderer->settings().renderSurface) copy_surface(data, *renderer);
 }
 
-bool BrennickDataSource::fits(FastOpenGLVolumeRenderer& rendering, const Geometry& geometry) {
-  std::int32_t x = 0;
-  std::int32_t y = 0;
-  std::int32_t z = 0;
-  rendering.get_size(&x, &y, &z);
-  return x == geometry.z && y == geometry.size2 && z == geometry.size3;
-}
-
 // False when the device gives no samples, which it has reported.
 bool BrennickDataSource::copy_volume(DataHandle data, const Geometry& geometry, float* destination) const {
-  const auto aScans = static_cast<std::size_t>(geometry.size2) * static_cast<std::size_t>(geometry.size3);
-  const auto kept = static_cast<std::size_t>(geometry.z);
+  const VolumeExtent& acquired = geometry.acquired;
+  const VolumeExtent& kept = geometry.kept;
+  const auto a_scans = static_cast<std::size_t>(kept.a_scans) * static_cast<std::size_t>(kept.b_scans);
+  const auto depth = static_cast<std::size_t>(kept.depth);
   const auto insufficient = [] { return Exception("Insufficient memory allocated."); };
-  if (geometry.z == geometry.size1) {
+  if (kept == acquired) {
     const int bytes = sdk().getDataPropertyInt(data, OCT_DATA_BYTE_COUNT);
     const float* const source = sdk().getDataPtr(data);
     if (bytes == 0 || !source) return false;
     // The device has changed its mind about the size.
-    if (bytes < 0 || static_cast<std::size_t>(bytes) != aScans * kept * sizeof(float)) throw insufficient();
-    vec::copy(destination, source, aScans * kept);
+    if (bytes < 0 || static_cast<std::size_t>(bytes) != a_scans * depth * sizeof(float)) throw insufficient();
+    vec::copy(destination, source, a_scans * depth);
     return true;
   }
   // A-scans lie as far apart as at the start of the measurement.
-  if (sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1) < std::max(geometry.z, geometry.size1) ||
-      geometry.size1 < geometry.z || sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2) < geometry.size2 ||
-      sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3) < geometry.size3) {
+  if (sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1) < std::max(kept.depth, acquired.depth) ||
+      acquired.depth < kept.depth || sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2) < kept.a_scans ||
+      sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3) < kept.b_scans) {
     throw insufficient();
   }
   const float* const source = sdk().getDataPtr(data);
   if (!source) return false;
-  vec::cropCopy(destination, source, aScans, static_cast<std::size_t>(geometry.size1), kept);
+  vec::cropCopy(destination, source, a_scans, static_cast<std::size_t>(acquired.depth), depth);
   return true;
 }
 

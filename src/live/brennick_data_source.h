@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "core/error_callback.h"
+#include "core/extent.h"
 #include "live/device_library.h"
 
 namespace oct {
@@ -58,13 +59,11 @@ class BrennickDataSource {
 
   // Sizes and ranges of the volumes of one measurement, and the part of them that is drawn.
   struct Geometry {
-    int size1 = 0;       // depth samples per A-scan
-    int size2 = 0;       // A-scans per B-scan
-    int size3 = 0;       // B-scans
-    int z = 0;           // depth samples that are kept
-    double depth = 0.0;  // millimetres: of the kept samples, divided by the refractive index
-    double lateral1 = 0.0;
-    double lateral2 = 0.0;
+    VolumeExtent acquired;
+    VolumeExtent kept;         // and drawn: less deep, maybe
+    double depth_range = 0.0;  // millimetres: of the kept samples, divided by the refractive index
+    double lateral_range1 = 0.0;
+    double lateral_range2 = 0.0;
   };
   Geometry read_geometry(DataHandle data) const;
 
@@ -95,7 +94,6 @@ class BrennickDataSource {
   // Lock of the thread object while there is no thread; throws otherwise.
   std::unique_lock<std::mutex> lock_idle();
   bool on_own_thread() const { return own_thread_ == std::this_thread::get_id(); }
-  static bool fits(FastOpenGLVolumeRenderer& rendering, const Geometry& geometry);
   bool copy_volume(DataHandle data, const Geometry& geometry, float* destination) const;
   void copy_surface(DataHandle data, VolumeRenderer& renderer) const;
 

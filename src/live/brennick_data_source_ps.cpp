@@ -118,7 +118,7 @@ void BrennickDataSource_PS::thread() {
         break;
       case Preparation::done:
         // A mode that processes nothing has left nothing to draw.
-        if (geometry.size1 > 0) copy_data(volumes.data, geometry);
+        if (geometry.acquired.depth > 0) copy_data(volumes.data, geometry);
     }
   }
   while (running_) {
@@ -127,12 +127,13 @@ void BrennickDataSource_PS::thread() {
     sdk().getRawDataEx(device_, volumes.raw1, 1);
     process(volumes, current, false);
     if (is_drawn(current.output_mode)) {
-      sdk().setDataRange(volumes.data, geometry.depth, geometry.lateral1, geometry.lateral2);
+      sdk().setDataRange(volumes.data, geometry.depth_range, geometry.lateral_range1,
+                         geometry.lateral_range2);
     }
     set_range(geometry);
     if (report_device_error()) running_ = false;
     report_reference_intensity();
-    if (running_ && geometry.size1 > 0) copy_data(volumes.data, geometry);
+    if (running_ && geometry.acquired.depth > 0) copy_data(volumes.data, geometry);
   }
 }
 

@@ -36,12 +36,11 @@ class FastOpenGLVolumeRenderer {
   bool is_running() { return transition_.state() != LiveState::stopped; }
   void render();
 
-  // In voxels, x is depth. Throws std::invalid_argument for negative sizes and for more voxels than a 32-bit
-  // number counts.
-  void set_size(std::int32_t x, std::int32_t y, std::int32_t z);
-  void get_size(std::int32_t* x, std::int32_t* y, std::int32_t* z);
+  // Throws std::invalid_argument for negative sizes and for more voxels than a 32-bit number counts.
+  void set_size(const VolumeExtent& extent);
+  VolumeExtent get_size() const;
 
-  // One x-y-z block of `width` values for every A-scan, read by update. Null: there is none.
+  // `width` values for every A-scan, read by update. Null: there is none.
   void set_secondary_data(const float* data, std::int32_t width);
 
   float* get_data_ptr();  // the buffer for the next volume; null if none is free within 100 ms
@@ -60,8 +59,6 @@ class FastOpenGLVolumeRenderer {
   void initialize();
   void close();
 
-  gl::Extent3D extent() const;
-
   void renderStart(const Transition::Request& request);
   void renderStop(const Transition::Request& request);
   void renderRunning();
@@ -75,7 +72,7 @@ class FastOpenGLVolumeRenderer {
   VolumeUpload upload_;
   bool uploaded_ = false;  // since the texture was allocated
   mutable std::mutex extent_mutex_;
-  gl::Extent3D extent_;  // of the volumes to come
+  VolumeExtent extent_;  // of the volumes to come
   std::atomic<double> fps_ = 0.0;
   std::atomic<std::uint32_t> drawn_ = 0;
   std::atomic<std::uint32_t> dropped_ = 0;

@@ -22,20 +22,18 @@ class OfflineVolumeRendering {
   void setAspectRatio(float axial, float lateral1, float lateral2);
 
   // Keeps volume and contents when the sizes are those it has.
-  void allocate(std::int64_t width, std::int64_t height, std::int64_t depth);
+  void allocate(const VolumeExtent& extent);
 
   void upload(const float* volume);
-  void uploadSubVolume(int first, int end, const float* block);  // a null block empties the picture
-  void uploadSlice(int index, const float* slice);
+  void uploadSubVolume(int first, int end, const float* block);  // B-scans; a null block empties the picture
+  void uploadSlice(int index, const float* slice);               // one B-scan
 
   void uploadOverlay(const float* volume);  // null frees the overlay
 
-  // Null frees the secondary data. The first axis, `width`, counts the images.
+  // Null frees the secondary data. Its depth is the number of values of an A-scan.
   struct SecondaryBlock {
-    int height = 0;
-    int depth = 0;
-    std::uint32_t width = 0;
-    std::uint32_t first = 0;  // along depth
+    VolumeExtent extent;      // of all blocks together
+    std::uint32_t first = 0;  // B-scan
     std::uint32_t count = 0;
     const float* data = nullptr;
   };
@@ -50,7 +48,7 @@ class OfflineVolumeRendering {
   template <class Change>
   void changeSource(Change change);
   void requireVolume() const;
-  void requireSlices(std::int64_t first, std::int64_t end) const;
+  void requireBScans(std::int64_t first, std::int64_t end) const;
   void volumeFilled(float fraction);
   void freeSecondary();
   VolumeSource sourceOf(Content content) const;

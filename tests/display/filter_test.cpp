@@ -15,9 +15,9 @@ class FilterGLTest : public GLTest {
   // Runs the chain over an image of depth by aScans samples and reads the result back.
   std::vector<float> run(int depth, int aScans, const std::vector<float>& samples) {
     SimpleDataProvider provider;
-    provider.setData(depth, aScans, samples.data());
+    provider.setData({depth, aScans}, samples.data());
     const auto locked = provider.lock();
-    const TextureView output = chain_.run({locked->texture(), depth, aScans});
+    const TextureView output = chain_.run({locked->texture(), locked->extent()});
     lastOutputIsInput_ = output.texture == locked->texture();
     std::vector<float> result(samples.size());
     glBindTexture(GL_TEXTURE_2D, output.texture);

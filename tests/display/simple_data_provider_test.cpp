@@ -25,12 +25,11 @@ class SimpleDataProviderGLTest : public GLTest {
 
 TEST_F(SimpleDataProviderGLTest, ResizesOnceAndUploadsAtEveryLock) {
   const Image image = testImage(33, 21);
-  provider_.setData(33, 21, image.samples.data());
+  provider_.setData({33, 21}, image.samples.data());
   GlSpy spy;
   for (int i = 0; i < 2; ++i) {
     const auto locked = provider_.lock();
-    EXPECT_EQ(locked->height(), 33U);
-    EXPECT_EQ(locked->width(), 21U);
+    EXPECT_EQ(locked->extent(), (ImageExtent{33, 21}));
     EXPECT_EQ(texels(locked->texture(), image.samples.size()), image.samples);
   }
   EXPECT_EQ(spy.calls("glTexImage2D"), 1);
@@ -39,9 +38,9 @@ TEST_F(SimpleDataProviderGLTest, ResizesOnceAndUploadsAtEveryLock) {
 
 TEST_F(SimpleDataProviderGLTest, TransposedDimensionsResize) {
   const Image image = testImage(33, 21);
-  provider_.setData(33, 21, image.samples.data());
+  provider_.setData({33, 21}, image.samples.data());
   provider_.lock();
-  provider_.setData(21, 33, image.samples.data());
+  provider_.setData({21, 33}, image.samples.data());
   GlSpy spy;
   const auto locked = provider_.lock();
   EXPECT_EQ(spy.calls("glTexImage2D"), 1);
@@ -55,7 +54,7 @@ TEST_F(SimpleDataProviderGLTest, TransposedDimensionsResize) {
 TEST_F(SimpleDataProviderGLTest, ReleaseDeletesTheTexture) {
   GlSpy spy;
   const Image image = testImage(8, 8);
-  provider_.setData(8, 8, image.samples.data());
+  provider_.setData({8, 8}, image.samples.data());
   provider_.lock();
   EXPECT_EQ(spy.liveObjects(), 1U);
   provider_.release();
@@ -66,9 +65,9 @@ TEST_F(SimpleDataProviderGLTest, ReleaseDeletesTheTexture) {
 
 TEST_F(SimpleDataProviderGLTest, WritersWaitWhileTheTextureIsLocked) {
   const Image image = testImage(8, 8);
-  provider_.setData(8, 8, image.samples.data());
+  provider_.setData({8, 8}, image.samples.data());
   auto locked = provider_.lock();
-  auto writer = std::async(std::launch::async, [&] { provider_.setData(8, 8, image.samples.data()); });
+  auto writer = std::async(std::launch::async, [&] { provider_.setData({8, 8}, image.samples.data()); });
   EXPECT_EQ(writer.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
   locked.reset();
   writer.get();
@@ -77,8 +76,8 @@ TEST_F(SimpleDataProviderGLTest, WritersWaitWhileTheTextureIsLocked) {
 TEST_F(SimpleDataProviderGLTest, FailedLockLetsWritersIn) {
   EXPECT_THROW(provider_.lock(), std::invalid_argument);
   const Image image = testImage(4, 4);
-  provider_.setData(4, 4, image.samples.data());
-  EXPECT_EQ(provider_.lock()->height(), 4U);
+  provider_.setData({4, 4}, image.samples.data());
+  EXPECT_EQ(provider_.lock()->extent().depth, 4);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // What becomes of a device's errors, at every call of the sequence, and that the source starts again
 // afterwards.
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 #include "live/live_stage.h"
 #include "support/test_context.h"
@@ -128,6 +130,18 @@ TEST_F(DeviceEndsTest, StandardLoopGoesOnWithErrors) {
   ASSERT_TRUE(stage_.framesUntilShown());
   device_.fail("getRawDataEx", 0);
   EXPECT_TRUE(stage_.framesUntil([&] { return clientErrors().all().size() > 3; }));
+
+  // Without a function nobody is told; one report may have been under way.
+  const auto draw = [&] {
+    for (int i = 0; i < 10; ++i) {
+      stage_.frame();
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return clientErrors().all().size();
+  };
+  setErrorCallback(stage_.source, nullptr);
+  const std::size_t told = draw();
+  EXPECT_EQ(draw(), told);
   stopDataSource(stage_.source);
   EXPECT_EQ(device_.objects(), 0);
 }
