@@ -14,7 +14,7 @@
 #include "gl/shader.h"
 #include "median.h"
 #include "oct_rendering/oct_rendering.h"
-#include "renderer/colormap.h"
+#include "gl/colormap.h"
 #include "shaders.h"
 
 using oct::benchmark_scene::Median;

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "gl/gl_names.h"
-#include "gl/opengl_context.h"
-#include "gl/opengl_loader.h"
+#include "gl/context/opengl_context.h"
+#include "gl/context/opengl_loader.h"
 #include "median.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/surfaces.h"

@@ -9,9 +9,9 @@
 #include <memory>
 #include <vector>
 
-#include "gl/opengl_context.h"
-#include "gl/opengl_loader.h"
-#include "gl/opengl_window.h"
+#include "gl/context/opengl_context.h"
+#include "gl/context/opengl_loader.h"
+#include "gl/context/opengl_window.h"
 #include "gl/texture_3d.h"
 #include "live/brennick_data_source.h"
 #include "live/fast_opengl_volume_renderer.h"

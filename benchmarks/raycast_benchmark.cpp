@@ -19,7 +19,7 @@
 #include "oct_rendering/oct_rendering.h"
 #include "raycast_phantom.h"
 #include "shaders.h"
-#include "volume/raycaster.h"
+#include "volume/passes/raycaster.h"
 
 using oct::benchmark_scene::Median;
 

@@ -1,5 +1,26 @@
 # Libraries that the project stands on.
 
+# Objects of earlier builds are taken from ccache where there is one. It needs to be told that precompiled headers
+# and the times of just fetched sources are fine.
+find_program(OCT_CCACHE ccache)
+foreach(language C CXX)
+  if(OCT_CCACHE AND NOT CMAKE_${language}_COMPILER_LAUNCHER)
+    set(CMAKE_${language}_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+      CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${OCT_CCACHE}")
+  endif()
+endforeach()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:SHELL:-Xclang -fno-pch-timestamp>")
+endif()
+
+# oct_precompile_headers(target header...)
+# The native release build does without, so that a source that lacks an include is found.
+function(oct_precompile_headers target)
+  if(OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows")
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()
+
 # Header-only libraries of the machine, reached through links: with -I/usr/include itself a cross compiler would read
 # the machine's C headers.
 set(OCT_HEADERS "${CMAKE_BINARY_DIR}/headers")
@@ -26,9 +47,10 @@ endif()
 add_library(oct_glew STATIC "${OCT_GLEW_SOURCE_DIR}/src/glew.c")
 target_include_directories(oct_glew SYSTEM PUBLIC "${OCT_GLEW_SOURCE_DIR}/include")
 target_compile_definitions(oct_glew PUBLIC GLEW_STATIC GLEW_NO_GLU)
-target_compile_options(oct_glew PRIVATE -w)
+# It fills a table of pointers once, which takes long to optimise and to instrument.
+target_compile_options(oct_glew PRIVATE -w -O1)
 if(OCT_SANITIZE)
-  target_compile_options(oct_glew PRIVATE -fno-sanitize=all -O0)  # a table of pointers, slow to instrument
+  target_compile_options(oct_glew PRIVATE -fno-sanitize=all)
 endif()
 if(OCT_PLATFORM STREQUAL "windows")
   target_link_libraries(oct_glew PUBLIC opengl32 gdi32 user32)

@@ -1,6 +1,6 @@
 # Turns the GLSL files of a folder and its sub-folders into C++ string constants: display.frag becomes
-# oct::shaders::display_frag, whatever its folder. A line #include "name" is replaced by the file of that name in the
-# stage's folder.
+# oct::shaders::display_frag, whatever its folder. A line #include "path" is replaced by the file of that path in the
+# folder of shaders.
 #
 # Script arguments: SHADER_DIR, OUTPUT_DIR.
 cmake_minimum_required(VERSION 3.25)
@@ -11,11 +11,10 @@ list(SORT stages)
 set(declarations "")
 set(definitions "")
 foreach(stage IN LISTS stages)
-  get_filename_component(folder "${stage}" DIRECTORY)
   file(READ "${stage}" text)
   while(text MATCHES "#include \"([^\"]+)\"\n")
     set(line "${CMAKE_MATCH_0}")
-    set(file "${folder}/${CMAKE_MATCH_1}")
+    set(file "${SHADER_DIR}/${CMAKE_MATCH_1}")
     if(NOT EXISTS "${file}")
       message(FATAL_ERROR "${stage}: included file ${file} does not exist")
     endif()

@@ -1,4 +1,4 @@
-# Library, header, CMake config package and pkg-config file.
+# Libraries, headers, CMake config package and pkg-config files.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS oct_rendering EXPORT oct_rendering-targets
@@ -8,7 +8,8 @@ install(TARGETS oct_rendering EXPORT oct_rendering-targets
 if(OCT_PLATFORM STREQUAL "windows")
   install(FILES "${CMAKE_BINARY_DIR}/bin/oct_rendering.lib" DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 endif()
-install(DIRECTORY "${CMAKE_SOURCE_DIR}/include/oct_rendering" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(DIRECTORY "${CMAKE_SOURCE_DIR}/include/oct_rendering" "${CMAKE_SOURCE_DIR}/include/oct_device"
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/oct_rendering")
 install(EXPORT oct_rendering-targets NAMESPACE oct_rendering:: DESTINATION "${package_dir}")
@@ -21,5 +22,7 @@ install(FILES "${CMAKE_BINARY_DIR}/oct_rendering-config.cmake"
 
 # The file finds its prefix from where it lies, however deep the library folder is.
 file(RELATIVE_PATH pc_to_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
-configure_file("${CMAKE_SOURCE_DIR}/cmake/oct_rendering.pc.in" "${CMAKE_BINARY_DIR}/oct_rendering.pc" @ONLY)
-install(FILES "${CMAKE_BINARY_DIR}/oct_rendering.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+foreach(library oct_rendering oct_device)
+  configure_file("${CMAKE_SOURCE_DIR}/cmake/${library}.pc.in" "${CMAKE_BINARY_DIR}/${library}.pc" @ONLY)
+  install(FILES "${CMAKE_BINARY_DIR}/${library}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+endforeach()

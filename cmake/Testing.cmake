@@ -4,7 +4,6 @@ set(INSTALL_GTEST OFF)
 add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
 # One file of it takes a minute to optimise in a sanitizer build, and no test waits for it.
 target_compile_options(gtest PRIVATE -O0)
-include(GoogleTest)
 
 # Real recordings next to the project, where a machine has them. Tests that want them skip otherwise and say so.
 set(OCT_SHARED_DATA "${CMAKE_SOURCE_DIR}/../shared/data" CACHE PATH "Folder of recorded OCT data")
@@ -12,12 +11,12 @@ set(OCT_SHARED_DATA "${CMAKE_SOURCE_DIR}/../shared/data" CACHE PATH "Folder of r
 # ThreadSanitizer runs what threads do; the rest would cost time and find nothing.
 option(OCT_THREAD_TESTS_ONLY "Build and register only tests about threads" OFF)
 
-# oct_add_test(target [THREADS] [LOG])
-#   THREADS: the test is about threads. LOG: it reads the log, which every process on the machine writes to, and
-#   therefore runs alone.
-# Tests are named after the preset, so that several builds can be run as one.
+# oct_add_test(target [THREADS] [SHARDS n])
+#   THREADS: the test is about threads. SHARDS: it takes long, and runs as so many processes.
+# An entry of ctest is a process, not a case: starting one costs more than most cases do. Entries are named after the
+# preset, so that several builds can be run as one. Each leaves a list of its cases, NAME.cases.xml.
 function(oct_add_test target)
-  cmake_parse_arguments(test "THREADS;LOG" "" "" ${ARGN})
+  cmake_parse_arguments(test "THREADS" "SHARDS" "" ${ARGN})
   oct_warnings(${target})
   # Optimising and instrumenting the code of the tests themselves would take half of the time of ./check.
   if(OCT_SANITIZE)
@@ -32,21 +31,36 @@ function(oct_add_test target)
   endif()
   # Reading these headers takes a fifth of the time of compiling a test. Those with the same libraries share them.
   get_target_property(libraries ${target} LINK_LIBRARIES)
+  set(group plain)
   if(oct_test_support IN_LIST libraries)
-    get_property(first GLOBAL PROPERTY oct_first_test)
-    if(first)
-      target_precompile_headers(${target} REUSE_FROM ${first})
-    else()
-      target_precompile_headers(${target} PRIVATE <gtest/gtest.h> <algorithm> <functional> <memory> <mutex> <string>
-        <thread> <vector>)
-      set_property(GLOBAL PROPERTY oct_first_test ${target})
+    set(group support)
+  endif()
+  get_property(first GLOBAL PROPERTY oct_first_${group}_test)
+  if(first)
+    target_precompile_headers(${target} REUSE_FROM ${first})
+  else()
+    set(headers <gtest/gtest.h> <algorithm> <array> <filesystem> <fstream> <functional> <map> <memory> <mutex> <sstream>
+      <string> <thread> <vector>)
+    if(group STREQUAL "support")
+      list(APPEND headers <GL/glew.h> <glm/glm.hpp>)
     endif()
+    target_precompile_headers(${target} PRIVATE ${headers})
+    set_property(GLOBAL PROPERTY oct_first_${group}_test ${target})
+  endif()
+
+  if(NOT test_SHARDS)
+    set(test_SHARDS 1)
   endif()
   get_filename_component(preset "${CMAKE_BINARY_DIR}" NAME)
-  set(properties TIMEOUT 300 LABELS "${preset}")
-  if(test_LOG)
-    list(APPEND properties RUN_SERIAL ON)
-  endif()
-  gtest_discover_tests(${target} TEST_PREFIX "${preset}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
-    PROPERTIES ${properties})
+  math(EXPR last "${test_SHARDS} - 1")
+  foreach(shard RANGE ${last})
+    set(name ${target})
+    if(test_SHARDS GREATER 1)
+      set(name ${target}.${shard})
+    endif()
+    add_test(NAME ${preset}.${name} COMMAND ${target})
+    # Those in shards begin before the others, so that the last to end are short ones.
+    set_tests_properties(${preset}.${name} PROPERTIES TIMEOUT 600 LABELS "${preset}" COST ${test_SHARDS} ENVIRONMENT
+      "GTEST_OUTPUT=xml:${name}.cases.xml;GTEST_TOTAL_SHARDS=${test_SHARDS};GTEST_SHARD_INDEX=${shard}")
+  endforeach()
 endfunction()

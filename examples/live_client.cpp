@@ -1,7 +1,7 @@
 // Shows live volumes of the simulated device in a control loop and writes a snapshot as PNG: live_client
 // [OUT.png]
 #include <oct_device/oct_device.h>
-#include <oct_device/oct_simulator.h>
+#include <oct_simulator/oct_simulator.h>
 #include <oct_rendering/oct_rendering.h>
 
 #include <array>

@@ -1,4 +1,4 @@
-#include "layer_options.h"
+#include "octrender/layer_options.h"
 
 namespace oct::app {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "option_values.h"
+#include "octrender/option_values.h"
 
 namespace oct::app {
 

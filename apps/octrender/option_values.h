@@ -1,17 +1,25 @@
-// Values of command line options that several verbs take. A value that makes no sense throws a command line
-// failure that names the option.
+// Values of command line options that several verbs take. One that makes no sense throws a CommandLineError
+// that names the option.
 #pragma once
 
 #include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "picture.h"
-#include "samples.h"
+#include "data/colormap.h"
+#include "data/picture.h"
+#include "data/samples.h"
+#include "data/volume_reader.h"
+#include "scene/polarization_mode.h"
 
 namespace oct::app {
+
+class CommandLineError : public std::runtime_error {
+  using runtime_error::runtime_error;
+};
 
 using NumberPair = std::pair<double, double>;
 
@@ -23,6 +31,21 @@ Spacing parseSpacing(const std::optional<NumberPair>& numbers);
 
 // RRGGBB in hexadecimal digits.
 std::uint32_t parseColor(const std::string& option, const std::string& text);
+
+// "WxH".
+PictureSize parsePictureSize(const std::string& text);
+
+// "DEPTHxASCANSxBSCANS:TYPE".
+RawLayout parseRawLayout(const std::string& text);
+
+// A name or a number from 0 to 8.
+PolarizationMode parsePolarizationMode(const std::string& text);
+
+// The name of a colour map, or the path of a .csv file.
+Colormap loadColormap(const std::string& nameOrFile);
+
+// True for a table of the user's, whose alpha counts.
+bool isOwnColormap(const std::string& nameOrFile);
 
 // "--range auto" says what is so without it. The parser cannot take either one word or two numbers without
 // taking the name of the input for the second number, so the pair of words leaves the command line

@@ -1,13 +1,16 @@
-#include "program.h"
+#include "octrender/program.h"
 
 #include <oct_rendering/oct_rendering.h>
 
 #include <iostream>
 #include <new>
 
-#include "failure.h"
-#include "option_values.h"
-#include "verbs.h"
+#include "client/checked.h"
+#include "data/file_errors.h"
+#include "octrender/exit_code.h"
+#include "octrender/option_values.h"
+#include "octrender/verbs.h"
+#include "scene/device_error.h"
 
 namespace oct::app {
 namespace {
@@ -60,8 +63,16 @@ int runProgram(const std::vector<std::string>& arguments) {
     return program.exit(request);
   } catch (const CLI::Error& error) {
     return report(ExitCode::BadCommandLine, error.what() + std::string("\nRun octrender --help for more."));
-  } catch (const Failure& failure) {
-    return report(failure.code(), failure.what());
+  } catch (const CommandLineError& error) {
+    return report(ExitCode::BadCommandLine, error.what());
+  } catch (const ReadError& error) {
+    return report(ExitCode::InputFailed, error.what());
+  } catch (const WriteError& error) {
+    return report(ExitCode::OutputFailed, error.what());
+  } catch (const DeviceError& error) {
+    return report(ExitCode::DeviceFailed, error.what());
+  } catch (const RenderingError& error) {
+    return report(ExitCode::RenderingFailed, std::string("rendering failed: ") + error.what());
   } catch (const std::bad_alloc&) {
     return report(ExitCode::RenderingFailed, "not enough memory");
   } catch (const std::exception& error) {

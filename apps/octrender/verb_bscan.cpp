@@ -4,13 +4,14 @@
 #include <limits>
 #include <memory>
 
-#include "bscan_scene.h"
-#include "failure.h"
-#include "image_input.h"
-#include "layer_options.h"
-#include "option_values.h"
-#include "png_writer.h"
-#include "verbs.h"
+#include "command_line/progress.h"
+#include "data/formats/png_writer.h"
+#include "data/image_reader.h"
+#include "octrender/layer_options.h"
+#include "octrender/option_values.h"
+#include "octrender/picture_files.h"
+#include "octrender/verbs.h"
+#include "scene/bscan_scene.h"
 
 namespace oct::app {
 namespace {
@@ -72,9 +73,7 @@ struct Options {
 
 void addInputOptions(CLI::App& verb, Options& options) {
   verb.add_option("IN", options.input, "Image or volume to read")->type_name("")->required();
-  verb.add_option("-o,--output", options.output, "Picture to write; must end in .png")
-      ->type_name("OUT.png")
-      ->required();
+  addOutputOption(verb, options.output)->required();
   verb.add_option("--frame", options.frame, "Frame of a volume, from 0 (default: the middle one)")
       ->type_name("N")
       ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""));
@@ -135,22 +134,11 @@ void note(const std::string& file, const std::string& text) {
   std::cerr << "octrender: " << file << ": " << text << std::endl;
 }
 
-std::filesystem::path outputPath(const Options& options) {
-  const std::filesystem::path output = fromUtf8(options.output);
-  if (output.extension() != ".png")
-    throw badCommandLine("the output '" + options.output + "' must end in .png");
-  for (const std::string& input : {options.input, options.overlay}) {
-    std::error_code ignored;
-    if (!input.empty() && std::filesystem::equivalent(fromUtf8(input), output, ignored)) {
-      throw badCommandLine("the output would overwrite the input '" + input + "'");
-    }
-  }
-  return output;
-}
-
 ValueRange finishRange(const std::string& file, const Image& image, const std::optional<ValueRange>& given) {
-  const std::optional<ValueRange> range = given ? given : automaticRange(image.samples);
-  if (!range) throw inputFailure(fromUtf8(file), "the image holds no finite sample");
+  if (given) return *given;
+  const Progress progress("finding the display range", image.samples.size());
+  const std::optional<ValueRange> range = automaticRange(image.samples, kImageShares);
+  if (!range) throw ReadError(fromUtf8(file), "the image holds no finite sample");
   return *range;
 }
 
@@ -178,7 +166,7 @@ Overlay makeOverlay(const Options& options, const LoadedImage& base, Colormap co
   Overlay overlay;
   overlay.threshold = options.overlayThreshold;
   Layer& layer = overlay.layer;
-  layer.image = loadImage(path, frame, options.transpose).image;
+  layer.image = loadImage(path, frame, options.transpose, readingProgress(path)).image;
   layer.colormap = std::move(colormap);
   scaleAlpha(layer.colormap, options.overlayOpacity);
   layer.range = finishRange(options.overlay, layer.image, givenRange);
@@ -188,7 +176,7 @@ Overlay makeOverlay(const Options& options, const LoadedImage& base, Colormap co
 
 void run(const Options& options) {
   // Everything that can be refused by the command line alone comes before the files are read.
-  const std::filesystem::path output = outputPath(options);
+  const std::filesystem::path output = pictureFile(options.output, {options.input, options.overlay});
   const std::optional<ValueRange> range = parseRange("--range", options.range);
   const std::optional<ValueRange> overlayRange = parseRange("--overlay-range", options.overlayRange);
   const Spacing spacing = parseSpacing(options.spacing);
@@ -200,7 +188,8 @@ void run(const Options& options) {
   if (options.reverse) std::reverse(colormap.begin(), colormap.end());
   flattenOnto(colormap, scene.background);
 
-  LoadedImage loaded = loadImage(fromUtf8(options.input), {options.frame}, options.transpose);
+  const std::filesystem::path input = fromUtf8(options.input);
+  LoadedImage loaded = loadImage(input, {options.frame}, options.transpose, readingProgress(input));
   if (options.size.empty()) {
     scene.size = naturalPictureSize(loaded.image.depth, loaded.image.ascans, spacing);
   }

@@ -2,10 +2,11 @@
 #include <iostream>
 #include <memory>
 
-#include "failure.h"
-#include "rendering.h"
-#include "verbs.h"
-#include "volume_data.h"
+#include "client/offscreen_target.h"
+#include "client/renderers.h"
+#include "octrender/option_values.h"
+#include "octrender/verbs.h"
+#include "octrender/volume_input.h"
 
 // OpenGL 1.0, which every system's own OpenGL library has. Both platforms know one calling convention.
 extern "C" const unsigned char* glGetString(unsigned int name);
@@ -61,13 +62,13 @@ void showDriver() {
 
 // Asks the library itself: the driver's word on an extent is not yet a texture.
 void showVolume(const Options& options) {
-  const std::optional<RawLayout> raw =
-      options.raw.empty() ? std::optional<RawLayout>() : parseRawLayout(options.raw);
-  const VolumeData volume = loadVolume(fromUtf8(options.input), options.transpose, raw);
+  VolumeInput input{options.input, {}, options.transpose};
+  if (!options.raw.empty()) input.raw = parseRawLayout(options.raw);
+  const VolumeData volume = readVolume(input);
   std::cout << options.input << ": depth " << volume.depth << ", A-scans " << volume.ascans << ", B-scans "
             << volume.bscans << "; " << (volume.voxels.size() * 2 + 999'999) / 1'000'000
             << " MB on the graphics device\n";
-  const VolumeRendering rendering;
+  const OfflineRendering rendering;
   checked(allocateOfflineVolume, rendering.offline(), static_cast<int>(volume.depth),
           static_cast<int>(volume.ascans), static_cast<int>(volume.bscans));
   std::cout << "The volume fits.\n";

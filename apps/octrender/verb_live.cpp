@@ -7,16 +7,17 @@
 #include <map>
 #include <memory>
 
-#include "failure.h"
-#include "layer_options.h"
-#include "live_view.h"
-#include "option_values.h"
-#include "png_writer.h"
-#include "progress.h"
-#include "rendering.h"
-#include "scan_options.h"
-#include "verbs.h"
-#include "volume_options.h"
+#include "client/checked.h"
+#include "command_line/progress.h"
+#include "command_line/scan_options.h"
+#include "data/formats/png_writer.h"
+#include "octrender/layer_options.h"
+#include "octrender/option_values.h"
+#include "octrender/picture_files.h"
+#include "octrender/verbs.h"
+#include "octrender/volume_input.h"
+#include "octrender/volume_options.h"
+#include "scene/live_view.h"
 
 namespace oct::app {
 namespace {
@@ -74,7 +75,7 @@ struct Options : VolumeOptions {
 };
 
 void addRunOptions(CLI::App& verb, Options& options) {
-  verb.add_option("-o,--output", options.output, "Picture to write; must end in .png")->type_name("OUT.png");
+  addOutputOption(verb, options.output);
   verb.add_option("--seconds", options.seconds, "How long to show volumes")
       ->check(within(0.01, 1e6))
       ->capture_default_str();
@@ -157,12 +158,6 @@ bool isIntensity(const std::optional<PolarizationMode>& mode) {
   return !mode || !naturalRange(*mode);
 }
 
-// Noise has exponentially distributed power, whose darkest tenth lies 8.2 dB below its median. In a volume
-// with air or depth beyond the light the darkest tenth is noise.
-double automaticThreshold(std::vector<float> decibels) {
-  return quantile(decibels, 0.1) + 8.2 + 9.0;
-}
-
 DeviceSetup deviceSetup(const Options& options, const std::optional<PolarizationMode>& mode) {
   DeviceSetup setup;
   setup.library = options.library;
@@ -174,9 +169,9 @@ DeviceSetup deviceSetup(const Options& options, const std::optional<Polarization
   setup.rate = options.rate;
   setup.polarization = mode;
   if (!options.playback.empty()) {
-    setup.playback = loadVolume(fromUtf8(options.playback), false, {});
+    setup.playback = readVolume({options.playback, {}, false});
     std::vector<float>& voxels = setup.playback->voxels;
-    replaceNonFinite(voxels, rangeOf(options.playback, voxels, {}, {0, 1}));
+    replaceNonFinite(voxels, volumeRange(options.playback, voxels, {}, {0, 1}));
   }
   return setup;
 }
@@ -187,7 +182,7 @@ LiveScene sceneOf(const Options& options, const std::optional<PolarizationMode>&
   scene.view = viewOf(options);
   scene.view.secondaryColors = options.analog;
   if (options.analog && scene.view.look != VolumeLook::Composite) {
-    throw badCommandLine("--analog colours composites only; it needs --mode composite");
+    throw CommandLineError("--analog colours composites only; it needs --mode composite");
   }
   const bool plain = scene.view.look == VolumeLook::Sections || options.analog;
   const char* const map = !isIntensity(mode) ? "viridis" : plain ? "gray" : "inferno";
@@ -200,10 +195,12 @@ LiveScene sceneOf(const Options& options, const std::optional<PolarizationMode>&
 
 LiveSettings settingsOf(const Options& options, const std::optional<PolarizationMode>& mode) {
   LiveSettings settings;
-  settings.sizeZ = options.sizeZ;
-  settings.refractiveIndex = options.refractiveIndex;
-  settings.polarization = mode;
-  std::copy_n(options.averaging.begin(), settings.averaging.size(), settings.averaging.begin());
+  SourceSettings& source = settings.source;
+  source.sizeZ = options.sizeZ;
+  source.refractiveIndex = options.refractiveIndex;
+  source.analog = options.analog;
+  source.polarization = mode;
+  std::copy_n(options.averaging.begin(), source.averaging.size(), source.averaging.begin());
   settings.seconds = options.seconds;
   settings.framesPerSecond = options.framesPerSecond;
   settings.snapshots = options.snapshots;
@@ -212,27 +209,27 @@ LiveSettings settingsOf(const Options& options, const std::optional<Polarization
 
 // What only the device's volumes can tell: boundaries and the threshold.
 void adapt(const Options& options, const std::optional<ValueRange>& range, LiveDevice& device,
-           LiveScene& scene, LiveSettings& settings) {
-  const bool intensity = isIntensity(settings.polarization);
-  scene.volume.range = range ? *range : intensity ? ValueRange{} : *naturalRange(*settings.polarization);
-  if (options.threshold) settings.threshold = *options.threshold;
+           LiveScene& scene, SourceSettings& source) {
+  const bool intensity = isIntensity(source.polarization);
+  scene.volume.range = range ? *range : intensity ? ValueRange{} : *naturalRange(*source.polarization);
+  if (options.threshold) source.threshold = *options.threshold;
   const bool wantsRange = intensity && !range;
-  const bool wantsThreshold = settings.polarization && !options.threshold;
+  const bool wantsThreshold = source.polarization && !options.threshold;
   if (!wantsRange && !wantsThreshold && !scene.surface) return;
 
   const Progress progress("measuring a first volume", Progress::kLong);
   MeasuredVolume first = device.measure(scene.surface.has_value());
   if (wantsRange) {
-    scene.volume.range = rangeOf("the device's first volume", first.samples, {}, sharesOf(scene.view.look));
+    scene.volume.range =
+        volumeRange("the device's first volume", first.samples, {}, rangeShares(scene.view.look));
   }
-  if (scene.surface && !first.surface.empty()) {
+  if (scene.surface) {
     // The source gives the part that is drawn, divided by the refractive index, as the range of the whole.
-    const double drawn = settings.sizeZ ? static_cast<double>(*settings.sizeZ) / first.depth : 1.0;
-    const double scale = device.depthRange() * drawn / settings.refractiveIndex;
-    scene.surface->range = {scale * quantile(first.surface, 0.01), scale * quantile(first.surface, 0.99)};
-    if (scene.surface->range.lower == scene.surface->range.upper) scene.surface->range.upper += 0.1;
+    const double drawn = source.sizeZ ? static_cast<double>(*source.sizeZ) / first.depth : 1.0;
+    const double wholeDepth = device.depthRange() * drawn / source.refractiveIndex;
+    scene.surface->range = first.surfaceRange(wholeDepth).value_or(ValueRange{});
   }
-  if (wantsThreshold) settings.threshold = automaticThreshold(std::move(first.samples));
+  if (wantsThreshold) source.threshold = first.polarizationThreshold();
 }
 
 void print(const LiveResult& result) {
@@ -253,7 +250,7 @@ void print(const LiveResult& result) {
 
 void run(const Options& options) {
   const std::filesystem::path output =
-      options.output.empty() ? std::filesystem::path() : pictureFile(options.output);
+      options.output.empty() ? std::filesystem::path() : pictureFile(options.output, {});
   const std::optional<ValueRange> range = parseRange("--range", options.range);
   const std::optional<PolarizationMode> mode = options.polarization.empty()
                                                    ? std::optional<PolarizationMode>()
@@ -263,7 +260,7 @@ void run(const Options& options) {
 
   LiveDevice device(deviceSetup(options, mode));
   checked(setDeviceLibrary, options.library.c_str());
-  adapt(options, range, device, scene, settings);
+  adapt(options, range, device, scene, settings.source);
   LiveResult result;
   {
     Progress progress("live", Progress::kLong);

@@ -2,14 +2,15 @@
 #include <cmath>
 #include <memory>
 
-#include "failure.h"
-#include "layer_options.h"
-#include "option_values.h"
-#include "png_writer.h"
-#include "progress.h"
-#include "verbs.h"
-#include "volume_options.h"
-#include "volume_scene.h"
+#include "command_line/progress.h"
+#include "data/formats/png_writer.h"
+#include "octrender/layer_options.h"
+#include "octrender/option_values.h"
+#include "octrender/picture_files.h"
+#include "octrender/verbs.h"
+#include "octrender/volume_input.h"
+#include "octrender/volume_options.h"
+#include "scene/volume_scene.h"
 
 namespace oct::app {
 namespace {
@@ -62,9 +63,7 @@ struct Options : VolumeOptions {
 
 void addInputOptions(CLI::App& verb, Options& options) {
   verb.add_option("IN", options.input, "Volume to read")->type_name("")->required();
-  verb.add_option("-o,--output", options.output, "Picture to write; must end in .png")
-      ->type_name("OUT.png")
-      ->required();
+  addOutputOption(verb, options.output)->required();
   verb.add_option("--raw", options.raw, "Read samples without a header; types f4, u1, u2")
       ->type_name("DEPTHxASCANSxBSCANS:TYPE");
   verb.add_flag("--transpose", options.transpose, "The array's axes are B-scan, A-scan, depth");
@@ -111,20 +110,9 @@ std::array<float, 3> parseExtent(const std::vector<double>& numbers, const Volum
 void checkExtent(const std::vector<double>& numbers) {
   for (const double number : numbers) {
     if (!(std::isfinite(number) && number >= 1e-6 && number <= 1e6)) {
-      throw badCommandLine("--extent: each extent must be from 0.000001 to 1000000 millimetres");
+      throw CommandLineError("--extent: each extent must be from 0.000001 to 1000000 millimetres");
     }
   }
-}
-
-std::filesystem::path outputPath(const Options& options) {
-  const std::filesystem::path output = pictureFile(options.output);
-  for (const std::string& input : {options.input, options.overlay, options.surface, options.secondary}) {
-    std::error_code ignored;
-    if (!input.empty() && std::filesystem::equivalent(fromUtf8(input), output, ignored)) {
-      throw badCommandLine("the output would overwrite the input '" + input + "'");
-    }
-  }
-  return output;
 }
 
 // Settings that the command line alone decides and can refuse.
@@ -135,7 +123,7 @@ VolumeScene sceneOf(const Options& options) {
   scene.scaleMarks = scene.scaleMarks && !options.extent.empty();
   scene.showVolume = !options.surfaceOnly;
   if (!options.secondary.empty() && scene.look != VolumeLook::Composite) {
-    throw badCommandLine("--secondary colours composites only; it needs --mode composite");
+    throw CommandLineError("--secondary colours composites only; it needs --mode composite");
   }
   scene.secondaryColors = !options.secondary.empty();
   const bool plain = scene.look == VolumeLook::Sections || scene.secondaryColors;
@@ -146,9 +134,9 @@ VolumeScene sceneOf(const Options& options) {
 void loadBase(const Options& options, const std::optional<RawLayout>& raw,
               const std::optional<ValueRange>& range, VolumeScene& scene) {
   VolumeLayer& base = scene.base;
-  base.data = loadVolume(fromUtf8(options.input), options.transpose, raw);
+  base.data = readVolume({options.input, raw, options.transpose});
   if (options.decibels) toDecibels(base.data.voxels);
-  base.range = rangeOf(options.input, base.data.voxels, range, sharesOf(scene.look));
+  base.range = volumeRange(options.input, base.data.voxels, range, rangeShares(scene.look));
   replaceNonFinite(base.data.voxels, base.range);
   scene.extent = parseExtent(options.extent, base.data);
 }
@@ -156,13 +144,13 @@ void loadBase(const Options& options, const std::optional<RawLayout>& raw,
 void loadOverlay(const Options& options, const std::optional<RawLayout>& raw,
                  const std::optional<ValueRange>& range, Colormap colormap, VolumeScene& scene) {
   VolumeLayer overlay;
-  overlay.data = loadVolume(fromUtf8(options.overlay), options.transpose, raw);
+  overlay.data = readVolume({options.overlay, raw, options.transpose});
   const VolumeData& base = scene.base.data;
   if (overlay.data.depth != base.depth || overlay.data.ascans != base.ascans ||
       overlay.data.bscans != base.bscans) {
-    throw inputFailure(fromUtf8(options.overlay), "the overlay has another size than the volume");
+    throw ReadError(fromUtf8(options.overlay), "the overlay has another size than the volume");
   }
-  overlay.range = rangeOf(options.overlay, overlay.data.voxels, range, {0.6, 0.998});
+  overlay.range = volumeRange(options.overlay, overlay.data.voxels, range, {0.6, 0.998});
   replaceNonFinite(overlay.data.voxels, overlay.range);
   overlay.colormap = std::move(colormap);
   scene.overlay = std::move(overlay);
@@ -171,7 +159,7 @@ void loadOverlay(const Options& options, const std::optional<RawLayout>& raw,
 void loadSurface(const Options& options, Colormap colormap, VolumeScene& scene) {
   HeightMap surface;
   surface.depths = loadHeightMap(fromUtf8(options.surface), scene.base.data);
-  surface.range = rangeOf(options.surface, surface.depths, {}, {0.01, 0.99});
+  surface.range = volumeRange(options.surface, surface.depths, {}, {0.01, 0.99});
   replaceNonFinite(surface.depths, surface.range);
   surface.colormap = std::move(colormap);
   scene.surface = std::move(surface);
@@ -181,7 +169,7 @@ void loadSecondary(const Options& options, const std::optional<ValueRange>& rang
                    VolumeScene& scene) {
   SecondaryColoring secondary;
   secondary.map = loadLateralMap(fromUtf8(options.secondary));
-  secondary.range = rangeOf(options.secondary, secondary.map.values, range, {0.01, 0.99});
+  secondary.range = volumeRange(options.secondary, secondary.map.values, range, {0.01, 0.99});
   replaceNonFinite(secondary.map.values, secondary.range);
   secondary.colormap = std::move(colormap);
   scene.secondary = std::move(secondary);
@@ -202,7 +190,8 @@ void draw(const VolumeScene& scene, const std::filesystem::path& output, unsigne
 
 void run(const Options& options) {
   // Everything that can be refused by the command line alone comes before the files are read.
-  const std::filesystem::path output = outputPath(options);
+  const std::filesystem::path output =
+      pictureFile(options.output, {options.input, options.overlay, options.surface, options.secondary});
   const std::optional<ValueRange> range = parseRange("--range", options.range);
   const std::optional<ValueRange> overlayRange = parseRange("--overlay-range", options.overlayRange);
   const std::optional<ValueRange> secondaryRange = parseRange("--secondary-range", options.secondaryRange);
@@ -210,7 +199,7 @@ void run(const Options& options) {
       options.raw.empty() ? std::optional<RawLayout>() : parseRawLayout(options.raw);
   VolumeScene scene = sceneOf(options);
   Colormap overlayColormap = loadColormap(options.overlayColormap);
-  if (!isOwnFile(options.overlayColormap)) addOpacityRamp(overlayColormap, 1.0);
+  if (!isOwnColormap(options.overlayColormap)) addOpacityRamp(overlayColormap, 1.0);
   const Colormap surfaceColormap = loadColormap(options.surfaceColormap);
   const Colormap secondaryColormap = loadColormap(options.secondaryColormap);
 

@@ -1,12 +1,7 @@
-#include "volume_options.h"
+#include "octrender/volume_options.h"
 
 #include <algorithm>
-#include <cmath>
-#include <iomanip>
 #include <sstream>
-
-#include "failure.h"
-#include "progress.h"
 
 namespace oct::app {
 namespace {
@@ -31,7 +26,7 @@ std::array<std::optional<float>, 3> parseSections(const std::vector<std::string>
     std::istringstream stream(words[i]);
     float position = 0;
     if (!(stream >> position) || !stream.eof() || !(position >= 0 && position <= 1)) {
-      throw badCommandLine("--sections: '" + words[i] + "' is neither a position from 0 to 1 nor off");
+      throw CommandLineError("--sections: '" + words[i] + "' is neither a position from 0 to 1 nor off");
     }
     sections[i] = position;
   }
@@ -126,62 +121,8 @@ Colormap volumeColormap(const VolumeOptions& options, VolumeLook look, const std
   const std::string& name = options.colormap.empty() ? defaultName : options.colormap;
   Colormap colors = loadColormap(name);
   if (options.reverse) std::reverse(colors.begin(), colors.end());
-  if (look == VolumeLook::Composite && !isOwnFile(name)) addOpacityRamp(colors, options.opacity);
+  if (look == VolumeLook::Composite && !isOwnColormap(name)) addOpacityRamp(colors, options.opacity);
   return colors;
-}
-
-bool isOwnFile(const std::string& nameOrFile) {
-  return fromUtf8(nameOrFile).extension() == ".csv";
-}
-
-void addOpacityRamp(Colormap& colors, double opacity) {
-  for (std::size_t i = 0; i < colors.size(); ++i) {
-    const double t = static_cast<double>(i) / static_cast<double>(colors.size() - 1);
-    colors[i][3] = static_cast<std::uint8_t>(std::lround(255 * opacity * t * t));
-  }
-}
-
-// In a volume most voxels are air or noise; seen through, they would veil the rest.
-Shares sharesOf(VolumeLook look) {
-  if (look == VolumeLook::Composite) return {0.6, 0.998};
-  if (look == VolumeLook::Mean) return {0.01, 0.98};
-  return {0.01, 0.998};
-}
-
-ValueRange rangeOf(const std::string& origin, const std::vector<float>& voxels,
-                   const std::optional<ValueRange>& given, Shares shares) {
-  if (given) return *given;
-  const Progress progress("finding the display range", voxels.size());
-  // Every nth voxel is enough for a percentile; a prime keeps out of step with the axes.
-  constexpr std::size_t kEnough = 4'000'003;
-  const std::size_t stride = voxels.size() / kEnough + 1;
-  std::vector<float> finite;
-  for (std::size_t i = 0; i < voxels.size(); i += stride) {
-    if (std::isfinite(voxels[i])) finite.push_back(voxels[i]);
-  }
-  if (finite.empty()) throw inputFailure(fromUtf8(origin), "the volume holds no finite sample");
-  ValueRange range{quantile(finite, shares.lower), quantile(finite, shares.upper)};
-  if (range.lower == range.upper) {
-    const auto [lowest, highest] = std::minmax_element(finite.begin(), finite.end());
-    range = {*lowest, *highest};
-  }
-  if (range.lower == range.upper) range.upper = range.lower + 1;
-  return range;
-}
-
-std::filesystem::path pictureFile(const std::string& output) {
-  std::filesystem::path path = fromUtf8(output);
-  if (path.extension() != ".png") throw badCommandLine("the output '" + output + "' must end in .png");
-  return path;
-}
-
-std::filesystem::path numbered(const std::filesystem::path& output, unsigned number) {
-  std::ostringstream suffix;
-  suffix << '-' << std::setw(3) << std::setfill('0') << number << ".png";
-  std::filesystem::path path = output;
-  path.replace_extension();
-  path += suffix.str();
-  return path;
 }
 
 }  // namespace oct::app

@@ -3,15 +3,13 @@
 
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "colormap.h"
-#include "option_values.h"
-#include "samples.h"
-#include "volume_view.h"
+#include "data/colormap.h"
+#include "octrender/option_values.h"
+#include "scene/volume_view.h"
 
 namespace oct::app {
 
@@ -45,34 +43,10 @@ void addColorOptions(CLI::App& verb, VolumeOptions& options, const std::string& 
 void addCutOptions(CLI::App& verb, VolumeOptions& options);
 void addBoxOptions(CLI::App& verb, VolumeOptions& options);
 
-// Throws a command line failure where a value makes no sense.
+// Throws a CommandLineError where a value makes no sense.
 VolumeView viewOf(const VolumeOptions& options);
 
 // The map of the options, or this one where they name none; with the opacity that the look wants.
 Colormap volumeColormap(const VolumeOptions& options, VolumeLook look, const std::string& defaultName);
-
-// True for a table of the user's, whose alpha counts.
-bool isOwnFile(const std::string& nameOrFile);
-
-// Opacity that rises with the square of the value.
-void addOpacityRamp(Colormap& colors, double opacity);
-
-// Parts of the voxels that lie below the two ends of an automatic range.
-struct Shares {
-  double lower;
-  double upper;
-};
-Shares sharesOf(VolumeLook look);
-
-// What was given, or a range by percentiles of the finite voxels. Without any, fails with the name of where
-// they came from.
-ValueRange rangeOf(const std::string& origin, const std::vector<float>& voxels,
-                   const std::optional<ValueRange>& given, Shares shares);
-
-// Throws a command line failure unless the name ends in .png.
-std::filesystem::path pictureFile(const std::string& output);
-
-// "OUT-007.png" for "OUT.png" and 7.
-std::filesystem::path numbered(const std::filesystem::path& output, unsigned number);
 
 }  // namespace oct::app

@@ -5,28 +5,13 @@
 #ifndef OCT_RENDERING_LIVE_H
 #define OCT_RENDERING_LIVE_H
 
+/* OCTDeviceHandle, ProcessingHandle, PolarizationProcessingHandle, ScanPatternHandle: objects of the device library,
+   passed through and never freed. A program that has these types already defines OCT_DEVICE_HANDLES first. */
+#include "../oct_device/oct_device_types.h"
 #include "types.h"
 
 #ifdef __cplusplus
 extern "C" {
-#endif
-
-/* The header of the device functions declares these four as well, and C99 does not allow it twice. */
-#ifndef OCT_DEVICE_HANDLES
-#define OCT_DEVICE_HANDLES
-
-/** @brief A device of the device library. Passed through, never freed. */
-typedef struct OctDevice* OCTDeviceHandle;
-
-/** @brief The processing of one sensor's spectra, of the device library. */
-typedef struct OctProcessing* ProcessingHandle;
-
-/** @brief A scan pattern of the device library. */
-typedef struct OctScanPattern* ScanPatternHandle;
-
-/** @brief The polarization processing of two sensors, of the device library. */
-typedef struct OctPolarizationProcessing* PolarizationProcessingHandle;
-
 #endif
 
 /** @brief Carries live volumes to a volume renderer. Null is the invalid handle. */

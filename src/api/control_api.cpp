@@ -2,11 +2,11 @@
 #include <atomic>
 
 #include "api/guard.h"
-#include "gl/opengl_loader.h"
-#include "hosting/opengl_control.h"
-#include "hosting/opengl_host.h"
-#include "hosting/surface_sharing.h"
-#include "hosting/test_image.h"
+#include "gl/context/opengl_loader.h"
+#include "hosting/loop/opengl_control.h"
+#include "hosting/host/opengl_host.h"
+#include "hosting/surfaces/surface_sharing.h"
+#include "hosting/loop/test_image.h"
 #include "oct_rendering/oct_rendering.h"
 
 using oct::OpenGLControl;

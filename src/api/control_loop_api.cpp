@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "api/guard.h"
-#include "hosting/client_surfaces.h"
-#include "hosting/opengl_control_loop.h"
-#include "hosting/render_trace.h"
+#include "hosting/surfaces/client_surfaces.h"
+#include "hosting/loop/opengl_control_loop.h"
+#include "hosting/loop/render_trace.h"
 #include "oct_rendering/oct_rendering.h"
 
 using oct::OpenGLControlLoop;

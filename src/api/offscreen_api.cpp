@@ -1,6 +1,6 @@
 // Exports of the offscreen target.
 #include "api/guard.h"
-#include "hosting/offscreen_target.h"
+#include "hosting/offscreen/offscreen_target.h"
 #include "oct_rendering/oct_rendering.h"
 
 using oct::OffscreenTarget;

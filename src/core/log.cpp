@@ -13,11 +13,18 @@
 namespace oct {
 namespace {
 
-constexpr std::size_t nameCapacity =
-    1024;  // size of the field in the block; a name may fill it without a NUL
+// Size of the field in the block; a name may fill it without a NUL.
+constexpr std::size_t nameCapacity = 1024;
 
 class LibraryLog {
  public:
+  void setBlock(const std::string& name) {
+    const std::lock_guard lock(mutex_);
+    block_.reset();
+    private_.clear();
+    blockName_ = name;
+  }
+
   void setFileName(std::string_view name) {
     const std::lock_guard lock(mutex_);
     char* const shared = field();
@@ -39,10 +46,10 @@ class LibraryLog {
   char* field() {
     if (!block_ && private_.empty()) {
       try {
-        block_ = std::make_unique<SharedBlock>("oct_log_settings", nameCapacity);
+        if (!blockName_.empty()) block_ = std::make_unique<SharedBlock>(blockName_.c_str(), nameCapacity);
       } catch (const std::exception&) {
-        private_.resize(nameCapacity);
       }
+      if (!block_) private_.resize(nameCapacity);
     }
     return block_ ? block_->data() : private_.data();
   }
@@ -55,6 +62,7 @@ class LibraryLog {
   }
 
   std::mutex mutex_;
+  std::string blockName_ = "oct_log_settings";
   std::unique_ptr<SharedBlock> block_;
   std::vector<char> private_;
   std::ofstream file_;
@@ -67,6 +75,10 @@ LibraryLog& libraryLog() {
 }
 
 }  // namespace
+
+void setLogBlock(const std::string& name) {
+  libraryLog().setBlock(name);
+}
 
 void setLogFileName(std::string_view name) {
   if (name.size() > nameCapacity) {

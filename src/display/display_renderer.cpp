@@ -6,7 +6,7 @@
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
-#include "gl/opengl_loader.h"
+#include "gl/context/opengl_loader.h"
 #include "shaders.h"
 
 namespace oct {

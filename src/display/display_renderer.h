@@ -9,9 +9,9 @@
 
 #include "display/filters.h"
 #include "display/simple_data_provider.h"
+#include "gl/colormap.h"
 #include "gl/quad.h"
 #include "gl/shader.h"
-#include "renderer/colormap.h"
 
 namespace oct {
 

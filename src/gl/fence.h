@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "gl/current_context.h"
+#include "gl/context/current_context.h"
 #include "gl/gl.h"
 
 namespace oct::gl {

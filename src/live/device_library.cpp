@@ -3,7 +3,7 @@
 #include <mutex>
 #include <stdexcept>
 
-#include "live/device_module.h"
+#include "module/shared_library.h"
 
 namespace oct {
 namespace {
@@ -13,13 +13,21 @@ std::runtime_error missing(const std::string& library, const std::string& functi
 }
 
 template <class Function>
-bool find(const DeviceModule& module, const char* name, Function& function) {
+bool find(const SharedLibrary& module, const char* name, Function& function) {
   function = reinterpret_cast<Function>(module.symbol(name));
   return function != nullptr;
 }
 
-std::shared_ptr<const DeviceLibrary> bind(const std::string& name) {
-  const DeviceModule module(name);
+SharedLibrary load(const std::string& name) {
+  try {
+    return SharedLibrary(name);
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error("The device library \"" + name + "\" could not be loaded: " + error.what() + " ");
+  }
+}
+
+std::shared_ptr<const DeviceLibrary> boundLibrary(const std::string& name) {
+  const SharedLibrary module = load(name);
   auto library = std::make_shared<DeviceLibrary>();
   library->name = name;
   std::string& lacking = library->missingPolarizationFunction;
@@ -46,7 +54,7 @@ class Binding {
 
   std::shared_ptr<const DeviceLibrary> library() {
     const std::lock_guard lock(mutex_);
-    if (!library_) library_ = bind(name_);
+    if (!library_) library_ = boundLibrary(name_);
     return library_;
   }
 

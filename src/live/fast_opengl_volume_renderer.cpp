@@ -8,7 +8,7 @@
 #include "core/log.h"
 #include "core/object_lock.h"
 #include "gl/opengl_error.h"
-#include "gl/opengl_loader.h"
+#include "gl/context/opengl_loader.h"
 #include "live/upload_rate.h"
 #include "volume/volume_renderer.h"
 

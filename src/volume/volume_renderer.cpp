@@ -7,7 +7,7 @@
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
-#include "gl/opengl_loader.h"
+#include "gl/context/opengl_loader.h"
 
 namespace oct {
 namespace {

@@ -3,15 +3,15 @@
 
 #include <cstdint>
 
-#include "volume/background.h"
-#include "volume/box.h"
-#include "volume/clip_plane.h"
-#include "volume/raycaster.h"
-#include "volume/scene_elements.h"
-#include "volume/surface.h"
-#include "volume/volume_colormap.h"
-#include "volume/volume_programs.h"
-#include "volume/volume_settings.h"
+#include "volume/frame/volume_colormap.h"
+#include "volume/frame/volume_programs.h"
+#include "volume/frame/volume_settings.h"
+#include "volume/layout/clip_plane.h"
+#include "volume/passes/background.h"
+#include "volume/passes/box.h"
+#include "volume/passes/raycaster.h"
+#include "volume/passes/scene_elements.h"
+#include "volume/passes/surface.h"
 
 namespace oct {
 

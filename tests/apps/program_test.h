@@ -1,81 +1,97 @@
-// Runs octrender in this process, on files in a folder of the test's own.
+// Runs octrender in this process, in a folder of the test's own.
 #pragma once
 
-#include "program.h"
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <iterator>
+#include <limits>
+#include <sstream>
+#include <utility>
+
+#include "octrender/program.h"
 #include "test_files.h"
 
 namespace oct::app::test {
 
-using Arguments = std::vector<std::string>;
-
-// One list of arguments after the other.
-inline Arguments joined(Arguments first, const Arguments& second) {
-  first.insert(first.end(), second.begin(), second.end());
-  return first;
-}
-
 class ProgramTest : public testing::Test {
  protected:
-  // Runs with what the tests of the class have in common, the output "out.png" among it, and further
-  // arguments.
-  virtual int run(const Arguments& further) = 0;
-  int run() { return run({}); }
+  // common: how the command lines of the class begin.
+  explicit ProgramTest(std::string common) : common_(std::move(common)) {
+    std::filesystem::current_path(folder_ / "");
+  }
+  ~ProgramTest() override { std::filesystem::current_path(before_); }
 
-  int runBare(const Arguments& arguments) {
+  int run(const std::string& further) { return runBare(common_ + " " + further); }
+
+  // Words between blanks.
+  int runBare(const std::string& words) {
+    std::istringstream stream(words);
+    const std::vector<std::string> arguments(std::istream_iterator<std::string>(stream), {});
     const CapturedStream error(std::cerr);
     const CapturedStream out(std::cout);
     const int code = runProgram(arguments);
-    errorText_ = error.text();
+    errorText_ = error.text().substr(error.text().rfind('\r') + 1);  // progress is written over
     outText_ = out.text();
     return code;
   }
 
-  void expectFailure(int code, const Arguments& further, const std::string& words) {
-    SCOPED_TRACE(words);
-    EXPECT_EQ(run(further), code);
-    const std::string shown = errorText_.substr(errorText_.rfind('\r') + 1);  // progress is written over
-    EXPECT_EQ(shown.rfind("octrender: ", 0), 0u) << errorText_;
-    EXPECT_NE(errorText_.find(words), std::string::npos) << errorText_;
-    EXPECT_FALSE(std::filesystem::exists(output_));
+  std::vector<std::uint8_t> draw(const std::string& further) {
+    EXPECT_EQ(run(further), 0) << further << ": " << errorText_;
+    return readPicture("out.png").pixels;
   }
 
-  // Each of these lists of options, beside the common ones, changes the picture.
-  void expectOtherPictures(const std::vector<Arguments>& options, const Arguments& common = {}) {
-    ASSERT_EQ(run(common), 0) << errorText_;
-    const std::vector<std::uint8_t> plain = pixels();
-    for (const Arguments& further : options) {
-      SCOPED_TRACE(testing::PrintToString(further));
-      ASSERT_EQ(run(joined(common, further)), 0) << errorText_;
-      EXPECT_NE(pixels(), plain);
+  // Compares the whole picture: a level per pixel where it is gray, or a level per channel.
+  void expectPicture(const std::string& further, unsigned width, unsigned height, std::vector<int> wanted) {
+    SCOPED_TRACE(further);
+    const std::vector<std::uint8_t> drawn = draw(further);
+    const PictureSize size = readPicture("out.png").size;
+    ASSERT_EQ(std::pair(size.width, size.height), std::pair(width, height));
+    const std::size_t channels = wanted.size() == drawn.size() ? 1 : 3;  // that show one wanted level
+    ASSERT_EQ(drawn.size(), wanted.size() * channels);
+    for (std::size_t i = 0; i < drawn.size(); ++i) {
+      // Rounding to 8 bits in the colour map, in its filtered lookup and in the framebuffer.
+      EXPECT_NEAR(drawn[i], wanted[i / channels], 2) << "pixel " << i / 3 << ", channel " << i % 3;
     }
   }
 
-  std::vector<std::uint8_t> pixels() const { return readPicture(output_).pixels; }
+  // Every one of these changes the picture that the common options draw, each to another one.
+  void expectOtherPictures(const std::string& common, const std::vector<std::string>& options) {
+    std::vector<std::vector<std::uint8_t>> pictures{draw(common)};
+    for (const std::string& further : options) {
+      pictures.push_back(draw(common + " " + further));
+      EXPECT_EQ(std::ranges::count(pictures, pictures.back()), 1) << further;
+    }
+  }
 
-  // Red of the picture at a fraction of its width and height, from the top left.
-  int redAt(double x, double y) const {
-    const Picture picture = readPicture(output_);
+  void expectError(int code, const std::string& further, const std::string& words) {
+    SCOPED_TRACE(further);
+    EXPECT_EQ(run(further), code);
+    EXPECT_EQ(errorText_.find("octrender: "), 0U) << errorText_;
+    expectIn(words, errorText_);
+    EXPECT_FALSE(std::filesystem::exists("out.png"));
+  }
+
+  // Each value is refused with a text that names the option.
+  void expectWrong(const std::string& option, const std::vector<std::string>& values) {
+    for (const std::string& value : values) expectError(2, option + " " + value, option);
+  }
+
+  // Red at a fraction of the picture's width and height, from the top left.
+  static int redAt(double x, double y) {
+    const Picture picture = readPicture("out.png");
     const auto column = static_cast<std::size_t>(x * picture.size.width);
     const auto row = static_cast<std::size_t>(y * picture.size.height);
     return picture.pixels[(row * picture.size.width + column) * 3];
   }
 
-  std::string file(const std::string& name) const { return toUtf8(folder_ / name); }
-
-  TemporaryFolder folder_;
-  std::filesystem::path input_ = folder_ / "in.npy";
-  std::filesystem::path output_ = folder_ / "out.png";
+  std::string common_;
   std::string errorText_;
   std::string outText_;
-};
 
-// "octrender bscan" with the input "in.npy".
-class BscanTest : public ProgramTest {
- protected:
-  using ProgramTest::run;
-  int run(const Arguments& further) override {
-    return runBare(joined({"bscan", toUtf8(input_), "-o", toUtf8(output_)}, further));
-  }
+ private:
+  const std::filesystem::path before_ = std::filesystem::current_path();
+  const TemporaryFolder folder_;
 };
 
 }  // namespace oct::app::test

@@ -20,14 +20,6 @@ TemporaryFolder::~TemporaryFolder() {
   std::filesystem::remove_all(path_, ignored);
 }
 
-std::vector<std::string> TemporaryFolder::fileNames() const {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-    names.push_back(toUtf8(entry.path().filename()));
-  }
-  return names;
-}
-
 void writeFile(const std::filesystem::path& path, const std::string& content) {
   std::ofstream stream(path, std::ios::binary);
   stream << content;

@@ -6,13 +6,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <iostream>
+#include <iterator>
+#include <optional>
+#include <ostream>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "failure.h"
-#include "picture.h"
+#include "data/file_errors.h"
+#include "data/image_reader.h"
+#include "data/picture.h"
 
 namespace oct::app::test {
 
@@ -24,7 +27,7 @@ class TemporaryFolder {
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
   std::filesystem::path operator/(const std::string& name) const { return path_ / fromUtf8(name); }
-  std::vector<std::string> fileNames() const;
+  auto fileCount() const { return std::distance(std::filesystem::directory_iterator(path_), {}); }
 
  private:
   std::filesystem::path path_;
@@ -64,16 +67,45 @@ class CapturedStream {
   std::streambuf* before_;
 };
 
-// Expects a failure with this exit code whose text has the wanted words in it.
-template <class Action>
-void expectFailure(ExitCode code, const std::string& words, Action action) {
+// The text of the error of this type that ends the action.
+template <class Error, class Action>
+std::string errorOf(Action action) {
   try {
     action();
-    ADD_FAILURE() << "no failure; expected: " << words;
-  } catch (const Failure& failure) {
-    EXPECT_EQ(failure.code(), code);
-    EXPECT_NE(std::string(failure.what()).find(words), std::string::npos) << failure.what();
+  } catch (const Error& error) {
+    return error.what();
   }
+  return "no error";
 }
+
+inline void expectIn(const std::string& words, const std::string& text) {
+  EXPECT_PRED_FORMAT2(testing::IsSubstring, words, text);
+}
+
+// Writes bytes to a file and reads them as an image.
+class ReaderTest : public testing::Test {
+ protected:
+  struct Refusal {
+    std::string bytes;
+    std::string words;
+  };
+
+  LoadedImage load(const std::string& bytes, std::optional<std::size_t> frame = std::nullopt) {
+    writeFile(path_, bytes);
+    return loadImage(path_, {frame}, false);
+  }
+
+  void expectRefused(const std::vector<Refusal>& refusals) {
+    for (const auto& [bytes, words] : refusals) {
+      SCOPED_TRACE(words);
+      const std::string text = errorOf<ReadError>([&] { load(bytes); });
+      EXPECT_EQ(text.find(toUtf8(path_) + ": "), 0U) << text;
+      expectIn(words, text);
+    }
+  }
+
+  TemporaryFolder folder_;
+  std::filesystem::path path_ = folder_ / "file";
+};
 
 }  // namespace oct::app::test

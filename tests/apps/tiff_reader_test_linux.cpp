@@ -1,7 +1,5 @@
-#include <gtest/gtest.h>
 #include <tiffio.h>
 
-#include "image_input.h"
 #include "test_files.h"
 
 namespace oct::app::test {
@@ -17,7 +15,7 @@ struct Page {
   int samplesPerPixel = 1;
 };
 
-class TiffReader : public testing::Test {
+class TiffReader : public ReaderTest {
  protected:
   template <class T>
   void write(const Page& page, const std::vector<T>& samples, const char* mode = "w") {
@@ -43,9 +41,6 @@ class TiffReader : public testing::Test {
   LoadedImage load(std::optional<std::size_t> frame = std::nullopt) {
     return loadImage(path_, {frame}, false);
   }
-
-  TemporaryFolder folder_;
-  std::filesystem::path path_ = folder_ / "image.tif";
 };
 
 TEST_F(TiffReader, ReadsEveryTypeAndForm) {
@@ -74,7 +69,7 @@ TEST_F(TiffReader, PicksAPage) {
   const LoadedImage middle = load();
   EXPECT_EQ(middle.image.samples, std::vector<float>{10});
   EXPECT_EQ(middle.frameCount, 3u);
-  expectFailure(ExitCode::InputFailed, "no frame 3", [&] { load(3); });
+  expectIn("no frame 3", errorOf<ReadError>([&] { load(3); }));
   std::vector<float> all;
   loadImages(path_, false, [&](const LoadedImage& loaded) {
     EXPECT_EQ(loaded.frame, all.size());
@@ -86,23 +81,18 @@ TEST_F(TiffReader, PicksAPage) {
 
 TEST_F(TiffReader, RefusesOtherKinds) {
   write<std::int16_t>({.bits = 16, .format = SAMPLEFORMAT_INT}, {0, 1, 2, 3, 4, -5});
-  expectFailure(ExitCode::InputFailed, "16 bits", [&] { load(); });
-  write<double>({.bits = 64, .format = SAMPLEFORMAT_IEEEFP}, {0, 1, 2, 3, 4, 5});
-  expectFailure(ExitCode::InputFailed, "64 bits", [&] { load(); });
+  expectIn("16 bits", errorOf<ReadError>([&] { load(); }));
   write<std::uint8_t>({.photometric = PHOTOMETRIC_RGB, .samplesPerPixel = 3},
                       std::vector<std::uint8_t>(18, 1));
-  expectFailure(ExitCode::InputFailed, "only gray", [&] { load(); });
+  expectIn("only gray", errorOf<ReadError>([&] { load(); }));
 }
 
 // Cut anywhere, the file must be refused and neither crash the program nor pass as an image.
 TEST_F(TiffReader, RefusesTruncatedFiles) {
   write<std::uint8_t>({}, {0, 1, 2, 3, 4, 255});
   const std::string good = readFile(path_);
-  for (std::size_t length = 4; length < good.size() - 4; ++length) {
-    SCOPED_TRACE(length);
-    writeFile(path_, good.substr(0, length));
-    expectFailure(ExitCode::InputFailed, "image.tif: ", [&] { load(); });
-  }
+  for (std::size_t length = 4; length < good.size() - 4; ++length)
+    expectRefused({{good.substr(0, length), ""}});
 }
 
 }  // namespace

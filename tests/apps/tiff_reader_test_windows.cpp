@@ -1,16 +1,12 @@
-#include <gtest/gtest.h>
-
-#include "image_input.h"
 #include "test_files.h"
 
 namespace oct::app::test {
 namespace {
 
-TEST(TiffReader, SaysThatTiffNeedsTheOtherBuild) {
-  const TemporaryFolder folder;
-  writeFile(folder / "image.tif", std::string("II\x2a\0\0\0\0\0", 8));
-  expectFailure(ExitCode::InputFailed, "image.tif: TIFF input needs the Linux build",
-                [&] { loadImage(folder / "image.tif", {}, false); });
+using TiffReader = ReaderTest;
+
+TEST_F(TiffReader, SaysThatTiffNeedsTheOtherBuild) {
+  expectRefused({{std::string("II\x2a\0\0\0\0\0", 8), "TIFF input needs the Linux build"}});
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <random>
 #include <sstream>
 #include <thread>
 #include <vector>
@@ -17,7 +18,14 @@ namespace {
 
 class LogTest : public testing::Test {
  protected:
-  ~LogTest() override { setRendererLogFile(nullptr); }
+  LogTest() { setLogBlock(block_); }
+  ~LogTest() override {
+    setRendererLogFile(nullptr);
+    setLogBlock("");
+    // Where named memory is a file, it outlives its processes.
+    std::error_code ignored;
+    std::filesystem::remove("/dev/shm/" + block_, ignored);
+  }
 
   // What the file holds; it is removed.
   static std::string taken(const std::filesystem::path& file) {
@@ -27,10 +35,12 @@ class LogTest : public testing::Test {
     return text.str();
   }
 
-  static std::string settings() {
-    const SharedBlock block("oct_log_settings", 1024);
+  std::string settings() const {
+    const SharedBlock block(block_.c_str(), 1024);
     return {block.data(), strnlen(block.data(), 1024)};
   }
+
+  const std::string block_ = "oct_log_test_" + std::to_string(std::random_device{}());
 };
 
 TEST_F(LogTest, LinesGoToTheNamedFile) {
@@ -44,7 +54,7 @@ TEST_F(LogTest, LinesGoToTheNamedFile) {
 }
 
 TEST_F(LogTest, LinesAreAppended) {
-  const auto file = std::filesystem::temp_directory_path() / "oct_log_append.txt";
+  const auto file = std::filesystem::temp_directory_path() / (block_ + "_append.txt");
   std::ofstream(file) << "earlier\n";
   setRendererLogFile(file.string().c_str());
   log() << "later";
@@ -63,10 +73,10 @@ TEST_F(LogTest, NameIsSharedWithOtherProcesses) {
 }
 
 TEST_F(LogTest, NameSetByAnotherProcessIsFollowed) {
-  const auto file = std::filesystem::temp_directory_path() / "oct_log_follow.txt";
+  const auto file = std::filesystem::temp_directory_path() / (block_ + "_follow.txt");
   log() << "opens the block";
   {
-    const SharedBlock block("oct_log_settings", 1024);
+    const SharedBlock block(block_.c_str(), 1024);
     std::strcpy(block.data(), file.string().c_str());
   }
   log() << "hello";

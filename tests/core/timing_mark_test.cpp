@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/platform.h"
-#include "hosting/offscreen_buffer_object.h"
+#include "hosting/offscreen/offscreen_buffer_object.h"
 #include "support/mark_recorder.h"
 #include "support/test_context.h"
 

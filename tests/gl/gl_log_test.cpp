@@ -1,5 +1,5 @@
 // What the OpenGL foundation writes to the library log.
-#include "gl/opengl_window.h"
+#include "gl/context/opengl_window.h"
 #include "gl/shader_fixture.h"
 #include "support/gl_spy.h"
 

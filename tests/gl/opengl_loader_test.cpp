@@ -1,4 +1,4 @@
-#include "gl/opengl_loader.h"
+#include "gl/context/opengl_loader.h"
 
 #include "support/gl_spy.h"
 #include "support/test_context.h"

@@ -1,8 +1,8 @@
-#include "gl/opengl_window.h"
+#include "gl/context/opengl_window.h"
 
 #include <thread>
 
-#include "gl/current_context.h"
+#include "gl/context/current_context.h"
 #include "gl/gl.h"
 #include "support/process_memory.h"
 #include "support/test_context.h"

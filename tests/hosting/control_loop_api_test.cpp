@@ -5,8 +5,8 @@
 #include <sstream>
 #include <thread>
 
-#include "hosting/functors.h"
-#include "hosting/render_trace.h"
+#include "hosting/loop/functors.h"
+#include "hosting/loop/render_trace.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/test_context.h"
 #include "support/test_loop.h"

@@ -5,7 +5,7 @@
 #include <system_error>
 #include <thread>
 
-#include "gl/current_context.h"
+#include "gl/context/current_context.h"
 #include "support/test_context.h"
 #include "support/test_loop.h"
 

@@ -1,10 +1,10 @@
-#include "hosting/opengl_control.h"
+#include "hosting/loop/opengl_control.h"
 
 #include <cmath>
 #include <future>
 #include <thread>
 
-#include "hosting/direct3d_sharing.h"
+#include "hosting/surfaces/direct3d_sharing.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
 #include "support/surfaces.h"

@@ -1,12 +1,12 @@
 // Frames rendered by OpenGL, read from the Direct3D surface. Direct3D is the machine's own.
-#include "hosting/dx9_shared_buffer_object.h"
+#include "hosting/surfaces/dx9_shared_buffer_object_windows.h"
 
 #include <array>
 #include <chrono>
 
-#include "hosting/client_surfaces.h"
-#include "hosting/direct3d_sharing.h"
-#include "hosting/opengl_control.h"
+#include "hosting/surfaces/client_surfaces.h"
+#include "hosting/surfaces/direct3d_sharing.h"
+#include "hosting/loop/opengl_control.h"
 #include "support/com_method_patch_windows.h"
 #include "support/dx_interop_stand_in.h"
 #include "support/gl_spy.h"

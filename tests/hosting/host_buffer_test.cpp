@@ -1,4 +1,4 @@
-#include "hosting/host_buffer_object.h"
+#include "hosting/surfaces/host_buffer_object.h"
 
 #include <future>
 #include <stdexcept>

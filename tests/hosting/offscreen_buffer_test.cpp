@@ -1,4 +1,4 @@
-#include "hosting/offscreen_buffer_object.h"
+#include "hosting/offscreen/offscreen_buffer_object.h"
 
 #include <atomic>
 #include <thread>

@@ -1,7 +1,7 @@
 // The exports of the offscreen target.
 #include <thread>
 
-#include "gl/current_context.h"
+#include "gl/context/current_context.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
 #include "support/pictures.h"

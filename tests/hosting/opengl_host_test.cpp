@@ -1,4 +1,4 @@
-#include "hosting/opengl_host.h"
+#include "hosting/host/opengl_host.h"
 
 #include <gtest/gtest.h>
 

@@ -4,9 +4,9 @@
 #include <atomic>
 #include <future>
 
-#include "hosting/request_queue.h"
-#include "hosting/return_map.h"
-#include "hosting/visitors.h"
+#include "hosting/loop/request_queue.h"
+#include "hosting/loop/return_map.h"
+#include "hosting/loop/visitors.h"
 
 namespace oct::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "hosting/signal_event.h"
+#include "hosting/host/signal_event.h"
 
 #include <gtest/gtest.h>
 

@@ -10,12 +10,16 @@ libdir=$(dirname "$(find "$work/prefix" -name 'liboct_rendering.so')")
 
 mkdir "$work/client"
 cp "$source/examples/draw_bscan.c" "$work/client/"
+# The client of live volumes in its guide.
+sed -n '/^## A client in C$/,$p' "$source/docs/live.md" | sed -n '/^```c$/,/^```$/{/^```/d;p}' >"$work/client/live.c"
 cat >"$work/client/CMakeLists.txt" <<'EOF'
 cmake_minimum_required(VERSION 3.25)
 project(client C)
 find_package(oct_rendering 0.1 REQUIRED)
 add_executable(client draw_bscan.c)
 target_link_libraries(client PRIVATE oct_rendering::oct_rendering m)
+add_executable(live live.c)
+target_link_libraries(live PRIVATE oct_rendering::oct_rendering oct_rendering::oct_device)
 EOF
 cmake -S "$work/client" -B "$work/client/build" "-DCMAKE_PREFIX_PATH=$work/prefix" >/dev/null
 cmake --build "$work/client/build" >/dev/null
@@ -37,12 +41,26 @@ cc -std=c99 -Wall -Werror "$work/readme.c" -o "$work/readme" $(pkg-config --cfla
 LD_LIBRARY_PATH="$libdir" "$work/readme" >"$work/readme.txt"
 grep -q "the middle pixel is [1-9]" "$work/readme.txt"
 
-# The client of live volumes in its guide.
-sed -n '/^## A client in C$/,$p' "$source/docs/live.md" | sed -n '/^```c$/,/^```$/{/^```/d;p}' >"$work/live.c"
 # shellcheck disable=SC2046
-cc -std=c99 -Wall -Werror "$work/live.c" -o "$work/live" $(pkg-config --cflags --libs oct_rendering) -loct_device
-LD_LIBRARY_PATH="$libdir" "$work/live" >"$work/live.txt"
-grep -q "5 volumes drawn, the middle pixel is [1-9]" "$work/live.txt"
+cc -std=c99 -Wall -Werror "$work/client/live.c" -o "$work/live" $(pkg-config --cflags --libs oct_rendering oct_device)
+for live in "$work/live" "$work/client/build/live"; do
+  LD_LIBRARY_PATH="$libdir" "$live" >"$work/live.txt"
+  grep -q "5 volumes drawn, the middle pixel is [1-9]" "$work/live.txt"
+done
+
+# A program whose device library brings the handle types itself.
+cat >"$work/vendor.c" <<'EOC'
+typedef struct Device* OCTDeviceHandle;
+typedef struct Processing* ProcessingHandle;
+typedef struct ScanPattern* ScanPatternHandle;
+typedef struct PolarizationProcessing* PolarizationProcessingHandle;
+#define OCT_DEVICE_HANDLES
+#include <oct_rendering/oct_rendering.h>
+int main(void) { return createOnlineDataSource((OCTDeviceHandle)0, (ProcessingHandle)0) != 0; }
+EOC
+# shellcheck disable=SC2046
+cc -std=c99 -Wall -Werror "$work/vendor.c" -o "$work/vendor" $(pkg-config --cflags --libs oct_rendering)
+LD_LIBRARY_PATH="$libdir" "$work/vendor" 2>/dev/null >"$work/vendor.txt"
 [ "$(stat -c %s "$work/cmake.ppm")" -gt 900000 ]
 "$work/prefix/bin/octrender" --help >/dev/null
 # The installed program finds the installed device library.

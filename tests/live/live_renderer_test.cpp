@@ -148,23 +148,6 @@ TEST_F(LiveRendererTest, SizesWithoutVoxelsAndBeyondTheDriver) {
   produce(1.0F);
 }
 
-TEST_F(LiveRendererTest, AThousandInitialisationsLeaveNothing) {
-  const std::vector<float> secondary(3 * 16);
-  live_.set_secondary_data(secondary.data(), 3);
-  runIt();
-  for (int i = 0; i < 1000; ++i) {
-    live_.set_size({1 + i % 5, 1 + i % 4, 1 + i % 3});
-    i % 7 ? live_.invalidate() : live_.start();
-    live_.render();
-    if (i % 3 == 0) {
-      ASSERT_NE(live_.get_data_ptr(), nullptr);
-      i % 2 ? live_.update() : live_.discard();
-      live_.render();
-    }
-    ASSERT_EQ(spy_.liveObjects(), objectsOfARunningRenderer + 1);
-  }
-}
-
 // ---- Who waits for a transition
 
 TEST_F(LiveRendererTest, WaitingForATransition) {

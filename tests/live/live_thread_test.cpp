@@ -105,6 +105,9 @@ TEST_F(LiveThreadTest, RestartsWhileNobodyDraws) {
   Pauses pauses(2);
   for (int i = 0; i < 1000; ++i) {
     if (i % 10 == 0) setSizeZ(stage_.source, 1 + pauses.number(16));
+    // Of another size, with the buffer of the one before still free and nobody rendering.
+    if (i % 100 == 90) device_.setSize(48, 48, 48);
+    if (i % 100 == 99) device_.setSize(16, 12, 10);
     stage_.start();
     pauses.upTo(microseconds(400));
     if (i % 100 == 0) stage_.frame();  // so that some begin with an initialised renderer
@@ -207,18 +210,36 @@ TEST_F(LiveThreadTest, StopDuringACopy) {
   }
 }
 
-// A source that nobody draws goes on measuring.
-TEST_F(LiveThreadTest, WithoutFramesVolumesAreDropped) {
+// A source that nobody draws goes on measuring, and every volume is accounted for.
+TEST_F(LiveThreadTest, WithoutFramesVolumesAreDroppedAndCounted) {
+  const auto counts = [&] {
+    std::pair<unsigned, unsigned> seen;
+    getLiveVolumeCounts(stage_.live, &seen.first, nullptr);
+    getLiveVolumeCounts(stage_.live, nullptr, &seen.second);
+    return seen;
+  };
+  EXPECT_EQ(counts(), std::pair(0U, 0U));
   stage_.makeSource();
   stage_.start();
   ASSERT_TRUE(stage_.framesUntilShown());
   const int before = device_.volumes();
+  const unsigned droppedBefore = counts().second;  // none unless the machine is busy
   const auto begin = std::chrono::steady_clock::now();
   while (device_.volumes() < before + 4) std::this_thread::sleep_for(std::chrono::milliseconds(5));
   EXPECT_GT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(150))
       << "they were waited for";
   EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 8; }));
   EXPECT_TRUE(uniform(stage_.voxels));
+  stopDataSource(stage_.source);
+  const auto [drawn, dropped] = counts();
+  EXPECT_GE(drawn, 2U);
+  EXPECT_GE(dropped, droppedBefore + 2);
+  // One volume may lie in the buffer, and one may have come after the request to stop.
+  EXPECT_GE(device_.volumes(), static_cast<int>(drawn + dropped));
+  EXPECT_LE(device_.volumes(), static_cast<int>(drawn + dropped + 2));
+  stage_.start();
+  EXPECT_TRUE(stage_.framesUntil([&, drawn = drawn] { return counts().first > drawn; })) << "goes on";
+  getLiveVolumeCounts(stage_.live, nullptr, nullptr);
 }
 
 // What a source's own callback asks of it, it cannot wait for.

@@ -1,9 +1,10 @@
-// The C functions: results, layout, errors, balance of objects.
+// The C functions: results by their numbers, errors, scripted failures, balance of objects.
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <cstring>
 #include <thread>
+#include <tuple>
 
 #include "device_objects.h"
 
@@ -12,149 +13,138 @@ extern "C" int objectCountSeenFromC(void);
 namespace oct::simulator::test {
 namespace {
 
-/// A mirror in front of a device with everything that is needed to see it.
+using SetOutput = void (*)(PolarizationProcessingHandle, DataHandle);
+
+/// A small device with two sensors and everything that is needed to see with it.
 class DeviceApi : public DeviceObjectsTest {
  protected:
-  static constexpr int kAScans = 24;
-  static constexpr int kBScans = 3;
-
-  void measure() {
-    startMeasurement(scan_.device, scan_.pattern, 0);
-    setProcessedDataOutput(scan_.processing, data_);
-    getRawDataEx(scan_.device, raw_, 0);
-    executeProcessing(scan_.processing, raw_);
-    stopMeasurement(scan_.device);
-    ASSERT_EQ(pendingError(), "");
+  DeviceApi() { EXPECT_EQ(pendingError(), ""); }
+  ~DeviceApi() override {
+    clearSimulatedFailures();
+    clearSimulatedPolarizationProcessing(polarization_);
+    clearSimulatedProcessing(processings_[1]);
   }
 
-  const Scan scan_{createSimulatedDevice(OCT_PHANTOM_MIRROR, 256, 7), kAScans, kBScans, 2.0, 1.5};
-  const OwnedRawData raw_;
+  /// One volume from start to stop, for one quantity.
+  void measure(SetOutput setOutput) {
+    startMeasurement(scan_.device, scan_.pattern, 0);
+    for (int sensor = 0; sensor < 2; ++sensor) {
+      getRawDataEx(scan_.device, raws_[sensor], sensor);
+      setComplexDataOutput(processings_[sensor], fields_[sensor]);
+      executeProcessing(processings_[sensor], raws_[sensor]);
+    }
+    stopMeasurement(scan_.device);
+    compute(setOutput);
+  }
+  std::vector<float> compute(SetOutput setOutput) {
+    setOutput(polarization_, data_);
+    executePolarizationProcessing(polarization_, fields_[0], fields_[1]);
+    EXPECT_EQ(pendingError(), "");
+    return samplesOf(data_);
+  }
+
+  const Scan scan_{createSimulatedPolarizationDevice(OCT_PHANTOM_POLARIZATION_TARGET, 256, 7), 20, 3, 2.0,
+                   1.5};
+  const ProcessingHandle processings_[2] = {scan_.processing, createSimulatedProcessing(scan_.device)};
+  const PolarizationProcessingHandle polarization_ = createSimulatedPolarizationProcessing(scan_.device);
+  const OwnedRawData raws_[2];
+  const OwnedComplexData fields_[2];
   const OwnedData data_;
 };
 
-TEST_F(DeviceApi, EmptyDataHasNoSizeAndIsNoError) {
-  EXPECT_EQ(sizesOf(data_), Sizes{});
-  EXPECT_EQ(getDataPropertyInt(data_, OCT_DATA_BYTE_COUNT), 0);
-  EXPECT_EQ(rangesOf(data_), Ranges{});
-  EXPECT_EQ(getDataPtr(data_), nullptr);
-  EXPECT_EQ(isError(), 0);
-}
-
 /// By their numbers, which clients rely on.
 TEST_F(DeviceApi, SizesAndRangesFollowDeviceAndPattern) {
+  EXPECT_EQ(sizesOf(data_), Sizes{});
+  EXPECT_EQ(rangesOf(data_), Ranges{});
+  EXPECT_EQ(getDataPtr(data_), nullptr);
   EXPECT_EQ(getDevicePropertyInt(scan_.device, 0), 256);
   EXPECT_EQ(getDevicePropertyFloat(scan_.device, 1), 3.6);
-  measure();
+  measure(setPolarizationOutputI);
   int number = 1;
-  for (const int size : {128, kAScans, kBScans}) EXPECT_EQ(getDataPropertyInt(data_, number++), size);
-  EXPECT_EQ(getDataPropertyInt(data_, 5), 128 * kAScans * kBScans * 4);
+  for (const int size : {128, 20, 3}) EXPECT_EQ(getDataPropertyInt(data_, number++), size);
+  EXPECT_EQ(getDataPropertyInt(data_, 5), 128 * 20 * 3 * 4);
   number = 3;
   for (const double range : {3.6, 2.0, 1.5}) EXPECT_EQ(getDataPropertyFloat(data_, number++), range);
-}
-
-TEST_F(DeviceApi, DepthIsTheFastestAxis) {
-  measure();
-  const float* samples = getDataPtr(data_);
-  for (int column = 0; column < kAScans * kBScans; ++column) {
-    const float* aScan = samples + column * 128;
-    // The mirror lies 1 mm deep, at sample 35.6 of 128, in every A-scan; samples before it are dark.
-    EXPECT_GT(aScan[36], aScan[30] + 20.0f) << column;
-    EXPECT_GT(aScan[36], aScan[70] + 20.0f) << column;
-  }
-}
-
-TEST_F(DeviceApi, RangesCanBeReplacedUntilTheNextProcessing) {
-  measure();
   setDataRange(data_, 2.5, 1.0, 0.5);
   EXPECT_EQ(rangesOf(data_), (Ranges{2.5, 1.0, 0.5}));
-  executeProcessing(scan_.processing, raw_);
-  EXPECT_EQ(rangesOf(data_), (Ranges{3.6, 2.0, 1.5}));
+  compute(setPolarizationOutputI);
   expectErrors({{[&] { setDataRange(data_, std::nan(""), 1.0, 1.0); }, "setDataRange"}});
-  EXPECT_EQ(rangesOf(data_), (Ranges{3.6, 2.0, 1.5}));
+  EXPECT_EQ(rangesOf(data_), (Ranges{3.6, 2.0, 1.5})) << "of the processing";
 }
 
 TEST_F(DeviceApi, WrongOrderAndWrongArgumentsAreErrors) {
-  const auto process = [&] { executeProcessing(scan_.processing, raw_); };
-  const auto start = [&] { startMeasurement(scan_.device, scan_.pattern, 0); };
+  const Scan single(createSimulatedDevice(OCT_PHANTOM_MIRROR, 128, 1), 20, 1, 2.0, 1.5);
   const OCTDeviceHandle device = scan_.device;
-  expectErrors({{[&] { getRawDataEx(device, raw_, 0); }, "No measurement"},
-                {process, ""},
-                {[&] { startMeasurement(device, scan_.pattern, 1); }, "mode"}});
-  start();
-  expectErrors({{start, "already running"}, {[&] { getRawDataEx(device, raw_, 1); }, "camera"}});
-  getRawDataEx(device, raw_, 0);
-  expectErrors({{process, "output"}});
-  stopMeasurement(device);
-  stopMeasurement(device);
-  expectErrors({{[&] { EXPECT_EQ(getDevicePropertyInt(device, 99), 0); }, ""},
-                {[&] { EXPECT_EQ(getDevicePropertyFloat(device, 0), 0.0); }, ""},
-                {[&] { EXPECT_EQ(getDataPropertyInt(data_, 4), 0); }, ""},
-                {[&] { EXPECT_EQ(getDataPropertyFloat(data_, 2), 0.0); }, ""}});
-}
-
-TEST_F(DeviceApi, AnotherSpectrumLengthIsAnError) {
-  const Scan other(createSimulatedDevice(OCT_PHANTOM_MIRROR, 128, 7), 1, 1, 1.0, 1.0);
-  startMeasurement(other.device, scan_.pattern, 0);
-  getRawDataEx(other.device, raw_, 0);
-  setProcessedDataOutput(scan_.processing, data_);
-  expectErrors({{[&] { executeProcessing(scan_.processing, raw_); }, "spectrum length"}});
-  EXPECT_EQ(sizesOf(data_), Sizes{});
-}
-
-TEST_F(DeviceApi, ClearedOutputIsAnError) {
-  startMeasurement(scan_.device, scan_.pattern, 0);
-  getRawDataEx(scan_.device, raw_, 0);
-  const auto temporary = createData();
-  setProcessedDataOutput(scan_.processing, temporary);
-  clearData(temporary);
-  expectErrors({{[&] { executeProcessing(scan_.processing, raw_); }, "output"}});
-}
-
-TEST_F(DeviceApi, ClearedAndForeignHandlesAreErrors) {
+  RawDataHandle const raw = raws_[0];
+  DataHandle const data = data_;
+  const auto process = [&] { executeProcessing(scan_.processing, raw); };
+  const auto start = [&](int mode) { return [=, this] { startMeasurement(device, scan_.pattern, mode); }; };
+  const auto read = [&](OCTDeviceHandle of, int camera) { return [=] { getRawDataEx(of, raw, camera); }; };
+  const auto make = [](int phantom, int length) {
+    return [=] { EXPECT_EQ(createSimulatedDevice(phantom, length, 1), nullptr); };
+  };
+  const auto pattern = [&](int aScans, int bScans, double width, double length) {
+    return [=] { EXPECT_EQ(createSimulatedScanPattern(device, aScans, bScans, width, length), nullptr); };
+  };
+  expectErrors({{read(device, 0), "No measurement"}, {process, ""}, {start(1), "mode"}});
+  for (const Scan* scan : {&scan_, &single}) startMeasurement(scan->device, scan->pattern, 0);
   const auto gone = createData();
   clearData(gone);
   const OwnedData next;
   EXPECT_NE(gone, next);
-  expectErrors({{[&] { clearData(gone); }, "Invalid handle"}});
-  EXPECT_EQ(getDataPropertyInt(next, 1), 0);
-  DataHandle const data = data_;
-  expectErrors({{[&] { clearRawData(reinterpret_cast<RawDataHandle>(data)); }, "raw data"}});
-}
-
-TEST_F(DeviceApi, InvalidCreationArgumentsAreErrors) {
-  const auto device = [](int phantom, int length) {
-    return [=] { EXPECT_EQ(createSimulatedDevice(phantom, length, 1), nullptr); };
-  };
-  const auto pattern = [&](int aScans, int bScans, double width, double length) {
-    return [=, this] {
-      EXPECT_EQ(createSimulatedScanPattern(scan_.device, aScans, bScans, width, length), nullptr);
-    };
-  };
-  expectErrors({{device(17, 2048), "phantom"},
-                {device(0, 63), "spectrum length"},
-                {pattern(0, 1, 1.0, 1.0), ""},
-                {pattern(65536, 65536, 1.0, 1.0), ""},
-                {pattern(1, 1, 0.0, 1.0), ""},
-                {pattern(1, 1, 1.0, std::nan("")), ""}});
+  expectErrors(
+      {{start(0), "already running"},
+       {read(device, 2), "cameras 0 and 1"},
+       {read(single.device, 1), "camera 0 only"},
+       {[&] { EXPECT_EQ(createSimulatedPolarizationProcessing(single.device), nullptr); }, "single sensor"},
+       {[&] { EXPECT_EQ(getDevicePropertyInt(device, 99), 0); }, ""},
+       {[&] { EXPECT_EQ(getDevicePropertyFloat(device, 0), 0.0); }, ""},
+       {[&] { EXPECT_EQ(getDataPropertyInt(data, 4), 0); }, ""},
+       {[&] { EXPECT_EQ(getDataPropertyFloat(data, 2), 0.0); }, ""},
+       {[&] { setPolarizationPropertyInt(polarization_, 3, 1); }, ""},
+       {[&] { setPolarizationPropertyInt(polarization_, 5, 0); }, ""},
+       {[&] { setPolarizationPropertyFloat(polarization_, 1, 1.0); }, ""},
+       {[&] { setPolarizationFlag(polarization_, 1, 1); }, ""},
+       {[&] { clearData(gone); }, "Invalid handle"},
+       {[&] { clearRawData(reinterpret_cast<RawDataHandle>(data)); }, "raw data"},
+       {[&] { setPolarizationOutputV(polarization_, nullptr); }, "Null handle"},
+       {make(17, 2048), "phantom"},
+       {make(0, 63), "spectrum length"},
+       {pattern(0, 1, 1.0, 1.0), ""},
+       {pattern(65536, 65536, 1.0, 1.0), ""},
+       {pattern(1, 1, 0.0, 1.0), ""},
+       {pattern(1, 1, 1.0, std::nan("")), ""},
+       {[&] { setSimulatedScanRate(device, 1.0, 2); }, "pacing"},
+       {[&] { setSimulatedScanRate(device, 0.0, 1); }, "rate"},
+       {[&] { setSimulatedMotion(device, 3, 0.1, 1.0); }, "motion"},
+       {[&] { setSimulatedMotion(device, 1, 1.1, 1.0); }, "amplitude"},
+       {[&] { setSimulatedMotion(device, 2, 0.1, 0.0); }, "period"}});
+  read(device, 0)();
+  expectErrors({{process, "output"}});
+  {
+    const OwnedData temporary;
+    setProcessedDataOutput(scan_.processing, temporary);
+  }
+  expectErrors({{process, "output"}});
+  setProcessedDataOutput(single.processing, data);
+  expectErrors({{[&] { executeProcessing(single.processing, raw); }, "another spectrum length"}});
+  EXPECT_EQ(sizesOf(data), Sizes{});
+  for (int i = 0; i < 2; ++i) stopMeasurement(device);
 }
 
 TEST_F(DeviceApi, FirstErrorIsKeptAndTextIsCutToFit) {
-  clearData(nullptr);
-  clearRawData(nullptr);
+  std::thread([] { clearData(nullptr); }).join();  // seen by this thread too
   EXPECT_NE(getError(nullptr, 100), 0);
   EXPECT_NE(isError(), 0);
-  char tiny[6];
-  std::memset(tiny, 'x', sizeof tiny);
+  char tiny[6] = "xxxxx";
   EXPECT_NE(getError(tiny, 5), 0);
   EXPECT_STREQ(tiny, "clea");
-  EXPECT_EQ(tiny[5], 'x');
+  clearData(nullptr);
+  clearRawData(nullptr);
+  EXPECT_EQ(pendingError().substr(0, 22), "clearData: Null handle");
   EXPECT_EQ(isError(), 0);
   EXPECT_EQ(getError(tiny, 5), 0);
   EXPECT_STREQ(tiny, "");
-}
-
-TEST_F(DeviceApi, AnErrorOfOneThreadIsSeenByAnother) {
-  expectErrors({{[] { std::thread([] { clearData(nullptr); }).join(); }, "clearData"}});
 }
 
 TEST_F(DeviceApi, ManyThreadsMayCreateAndClear) {
@@ -173,23 +163,156 @@ TEST_F(DeviceApi, ManyThreadsMayCreateAndClear) {
 }
 
 TEST_F(DeviceApi, ProcessingAndPatternOutliveTheDevice) {
+  EXPECT_EQ(objectCountSeenFromC(), 10);
   const auto device = createSimulatedDevice(OCT_PHANTOM_MIRROR, 128, 7);
   const auto processing = createSimulatedProcessing(device);
   const auto pattern = createSimulatedScanPattern(device, 20, 1, 1.0, 1.0);
   startMeasurement(device, pattern, 0);
-  getRawDataEx(device, raw_, 0);
+  getRawDataEx(device, raws_[0], 0);
   clearSimulatedDevice(device);
   setProcessedDataOutput(processing, data_);
-  executeProcessing(processing, raw_);
+  executeProcessing(processing, raws_[0]);
   EXPECT_EQ(pendingError(), "");
   EXPECT_EQ(getDataPropertyInt(data_, 2), 20);
   clearSimulatedProcessing(processing);
   clearSimulatedScanPattern(pattern);
 }
 
-TEST_F(DeviceApi, HeadersServeCToo) {
-  EXPECT_EQ(getSimulatedObjectCount(), 5);
-  EXPECT_EQ(objectCountSeenFromC(), 5);
+TEST_F(DeviceApi, EveryQuantityIsOneOfItsOwnAndHasItsRange) {
+  struct Case {
+    SetOutput setOutput;
+    float lowest, highest;
+  };
+  std::vector<std::vector<float>> seen;
+  measure(setPolarizationOutputI);
+  for (const auto& [setOutput, lowest, highest] :
+       {Case{setPolarizationOutputI, -60.0f, 80.0f}, Case{setPolarizationOutputRetardation, 0.0f, 90.0f},
+        Case{setPolarizationOutputOpticAxis, 0.0f, 180.0f}, Case{setPolarizationOutputDOPU, 0.0f, 1.0f},
+        Case{setPolarizationOutputQ, -1.0f, 1.0f}, Case{setPolarizationOutputU, -1.0f, 1.0f},
+        Case{setPolarizationOutputV, -1.0f, 1.0f}}) {
+    const auto samples = compute(setOutput);
+    const auto [least, most] = std::ranges::minmax(samples);
+    EXPECT_GE(least, lowest);
+    EXPECT_LE(most, highest);
+    EXPECT_GT(most - least, 0.4f * (highest - lowest));  // the range is used
+    EXPECT_EQ(std::ranges::find(seen, samples), seen.end());
+    seen.push_back(samples);
+  }
+}
+
+/// Each property alone averages along its own axis, here over all of it; afterwards all is as before.
+TEST_F(DeviceApi, PropertiesReachTheProcessing) {
+  measure(setPolarizationOutputQ);
+  const auto plain = compute(setPolarizationOutputQ);
+  for (const auto& [output, first, initial] :
+       {std::tuple{&setPolarizationOutputQ, 5, 1}, {&setPolarizationOutputDOPU, 0, 3}}) {
+    const auto before = compute(output);
+    for (const std::size_t distance : {1, 128, 128 * 20}) {
+      const int property = first + (distance > 1) + (distance > 128);
+      setPolarizationPropertyInt(polarization_, property, 1000);
+      const auto averaged = compute(output);
+      EXPECT_NE(averaged, before);
+      for (int i = 0; i < 20; ++i) EXPECT_EQ(averaged[i], averaged[i + distance]) << property;
+      setPolarizationPropertyInt(polarization_, property, initial);
+    }
+    EXPECT_EQ(compute(output), before);
+  }
+  setPolarizationPropertyFloat(polarization_, 0, 100.0);
+  EXPECT_EQ(compute(setPolarizationOutputQ), plain);
+  setPolarizationFlag(polarization_, 0, 1);
+  EXPECT_EQ(compute(setPolarizationOutputQ), std::vector<float>(plain.size()));
+}
+
+struct Call {
+  const char* function;
+  std::function<void()> run;  // with zeros; expects the neutral result
+};
+
+template <class Result, class... Arguments>
+Call call(const char* name, Result (*function)(Arguments...)) {
+  return {name, [function] {
+            if constexpr (std::is_void_v<Result>) {
+              function(Arguments{}...);
+            } else {
+              EXPECT_EQ(function(Arguments{}...), Result{});
+            }
+          }};
+}
+
+template <class... Calls>
+std::vector<Call> listOf(Calls... calls) {
+  return {calls...};
+}
+
+/// Every function of the device, those that make something first.
+std::vector<Call> deviceCalls() {
+  return listOf(call("createRawData", createRawData), call("createData", createData),
+                call("createComplexData", createComplexData),
+                call("getDevicePropertyInt", getDevicePropertyInt),
+                call("getDevicePropertyFloat", getDevicePropertyFloat), call("clearRawData", clearRawData),
+                call("clearData", clearData), call("clearComplexData", clearComplexData),
+                call("startMeasurement", startMeasurement), call("stopMeasurement", stopMeasurement),
+                call("getRawDataEx", getRawDataEx), call("getAnalogInputData", getAnalogInputData),
+                call("setProcessedDataOutput", setProcessedDataOutput),
+                call("setComplexDataOutput", setComplexDataOutput),
+                call("executeProcessing", executeProcessing), call("getDataPropertyInt", getDataPropertyInt),
+                call("getDataPropertyFloat", getDataPropertyFloat), call("setDataRange", setDataRange),
+                call("getDataPtr", getDataPtr), call("determineSurface", determineSurface),
+                call("getRelativeReferenceIntensity", getRelativeReferenceIntensity),
+                call("setPolarizationOutputI", setPolarizationOutputI),
+                call("setPolarizationOutputRetardation", setPolarizationOutputRetardation),
+                call("setPolarizationOutputOpticAxis", setPolarizationOutputOpticAxis),
+                call("setPolarizationOutputDOPU", setPolarizationOutputDOPU),
+                call("setPolarizationOutputQ", setPolarizationOutputQ),
+                call("setPolarizationOutputU", setPolarizationOutputU),
+                call("setPolarizationOutputV", setPolarizationOutputV),
+                call("setPolarizationFlag", setPolarizationFlag),
+                call("setPolarizationPropertyFloat", setPolarizationPropertyFloat),
+                call("setPolarizationPropertyInt", setPolarizationPropertyInt),
+                call("executePolarizationProcessing", executePolarizationProcessing));
+}
+
+TEST_F(DeviceApi, EveryDeviceFunctionCanBeMadeToFailAndTheOthersCannot) {
+  for (const auto& [function, run] : deviceCalls()) {
+    failSimulatedCall(function, 1, "as planned");
+    run();
+    EXPECT_EQ(pendingError(), std::string(function) + ": as planned");
+  }
+  for (const char* const name : {"isError", "getError", "createSimulatedDevice", "nothing"})
+    expectErrors({{[&] { failSimulatedCall(name, 1, "never"); }, name}});
+  expectErrors({{[] { failSimulatedCall(nullptr, 1, "never"); }, ""},
+                {[] { failSimulatedCall("createData", -1, "never"); }, ""}});
+  // The chosen call fails once and does nothing.
+  failSimulatedCall("createData", 2, "out of order");
+  const OwnedData first;
+  const int objects = getSimulatedObjectCount();
+  EXPECT_EQ(createData(), nullptr);
+  EXPECT_EQ(getSimulatedObjectCount(), objects);
+  EXPECT_EQ(pendingError(), "createData: out of order");
+  const OwnedData third;
+  EXPECT_NE(static_cast<DataHandle>(third), nullptr);
+  // Zero: every call, until failures are cleared.
+  failSimulatedCall("stopMeasurement", 0, "cable");
+  for (int i = 0; i < 3; ++i)
+    expectErrors({{[&] { stopMeasurement(scan_.device); }, "stopMeasurement: cable"}});
+  clearSimulatedFailures();
+  stopMeasurement(scan_.device);
+  EXPECT_EQ(pendingError(), "");
+}
+
+TEST_F(DeviceApi, NullHandlesAreErrorsEverywhere) {
+  auto calls = listOf(call("clearSimulatedDevice", clearSimulatedDevice),
+                      call("createSimulatedProcessing", createSimulatedProcessing),
+                      call("clearSimulatedProcessing", clearSimulatedProcessing),
+                      call("createSimulatedScanPattern", createSimulatedScanPattern),
+                      call("clearSimulatedScanPattern", clearSimulatedScanPattern),
+                      call("createSimulatedPolarizationProcessing", createSimulatedPolarizationProcessing),
+                      call("clearSimulatedPolarizationProcessing", clearSimulatedPolarizationProcessing),
+                      call("setSimulatedScanRate", setSimulatedScanRate),
+                      call("setSimulatedMotion", setSimulatedMotion));
+  const auto device = deviceCalls();
+  calls.insert(calls.end(), device.begin() + 3, device.end());
+  for (const auto& [function, run] : calls) expectErrors({{run, std::string(function) + ": Null handle"}});
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "oct_device/oct_device.h"
-#include "oct_device/oct_simulator.h"
+#include "oct_simulator/oct_simulator.h"
 
 namespace oct::simulator::test {
 

@@ -1,6 +1,6 @@
 /* The public headers must be usable from C99; the tests in C++ call this to know that it was linked. */
 #include "oct_device/oct_device.h"
-#include "oct_device/oct_simulator.h"
+#include "oct_simulator/oct_simulator.h"
 
 int objectCountSeenFromC(void);
 

@@ -4,25 +4,6 @@
 #include <cmath>
 
 namespace oct::simulator::test {
-namespace {
-
-/// Through three neighbouring samples at -1, 0 and 1. In decibels the device's response is a parabola near
-/// its peak.
-class Parabola {
- public:
-  Parabola(double left, double middle, double right)
-      : level_(middle), slope_(0.5 * (right - left)), curve_(0.5 * (left + right) - middle) {}
-
-  double at(double x) const { return level_ + slope_ * x + curve_ * x * x; }
-  double vertex() const { return -0.5 * slope_ / curve_; }
-
- private:
-  double level_;
-  double slope_;
-  double curve_;
-};
-
-}  // namespace
 
 void UniformPhantom::describe(double, double, double, DepthProfile& profile) const {
   std::fill(profile.scattering.begin(), profile.scattering.end(), scattering_);
@@ -32,29 +13,32 @@ float Volume::at(int depth, int aScan, int bScan) const {
   return data_->samples()[depth + static_cast<std::size_t>(depths()) * (aScan + aScans() * bScan)];
 }
 
-double Volume::peak(int aScan, int bScan) const {
+namespace {
+
+int highestDepth(const Volume& volume, int aScan) {
   int top = 1;
-  for (int depth = 2; depth < depths() - 1; ++depth)
-    if (at(depth, aScan, bScan) > at(top, aScan, bScan)) top = depth;
-  const Parabola parabola(at(top - 1, aScan, bScan), at(top, aScan, bScan), at(top + 1, aScan, bScan));
-  return top + parabola.vertex();
+  for (int depth = 2; depth < volume.depths() - 1; ++depth)
+    if (volume.at(depth, aScan) > volume.at(top, aScan)) top = depth;
+  return top;
 }
 
-double Volume::peakWidth(int aScan, int bScan) const {
-  const double place = peak(aScan, bScan);
-  const int top = static_cast<int>(std::lround(place));
-  const Parabola parabola(at(top - 1, aScan, bScan), at(top, aScan, bScan), at(top + 1, aScan, bScan));
-  const double half = parabola.at(place - top) - 10.0 * std::log10(2.0);
-  const auto crossing = [&](int step) {
-    int inside = top;
-    while (at(inside + step, aScan, bScan) > half) inside += step;
-    const Parabola flank(at(inside - step, aScan, bScan), at(inside, aScan, bScan),
-                         at(inside + step, aScan, bScan));
-    double away = -0.5;  // the peak itself may lie half a sample to the other side
-    while (away < 1.0 && flank.at(away) > half) away += 0.001;
-    return inside + step * away;
-  };
-  return crossing(1) - crossing(-1);
+}  // namespace
+
+/// In decibels the device's response is a parabola near its peak.
+double Volume::peak(int aScan) const {
+  const int top = highestDepth(*this, aScan);
+  const double slope = 0.5 * (at(top + 1, aScan) - at(top - 1, aScan));
+  return top - 0.5 * slope / (0.5 * (at(top - 1, aScan) + at(top + 1, aScan)) - at(top, aScan));
+}
+
+double Volume::peakWidth(int aScan) const {
+  const int top = highestDepth(*this, aScan);
+  const double slope = 0.5 * (at(top + 1, aScan) - at(top - 1, aScan));
+  const double height = at(top, aScan) + 0.5 * slope * (peak(aScan) - top);
+  double sum = 0.0;
+  for (int depth = std::max(top - 8, 0); depth <= std::min(top + 8, depths() - 1); ++depth)
+    sum += std::pow(10.0, 0.1 * (at(depth, aScan) - height));
+  return sum;
 }
 
 double Volume::meanPower(int firstDepth, int lastDepth) const {
@@ -67,11 +51,31 @@ double Volume::meanPower(int firstDepth, int lastDepth) const {
   return sum / count;
 }
 
+void Correlation::add(double a, double b) {
+  ++count_;
+  a_ += a;
+  b_ += b;
+  aa_ += a * a;
+  bb_ += b * b;
+  ab_ += a * b;
+}
+
+double Correlation::value() const {
+  return (count_ * ab_ - a_ * b_) / std::sqrt((count_ * aa_ - a_ * a_) * (count_ * bb_ - b_ * b_));
+}
+
 Volume process(const Calibration& calibration, const RawData& raw) {
   auto data = std::make_shared<Data>();
   Processing processing(calibration);
   processing.setOutput(data);
   processing.execute(raw);
+  return Volume(data);
+}
+
+Volume Sensors::compute(PolarizationProcessing::Quantity quantity) {
+  auto data = std::make_shared<Data>();
+  processing.setOutput(quantity, data);
+  processing.execute(fields[0], fields[1]);
   return Volume(data);
 }
 

@@ -2,13 +2,15 @@
 /// Measures and processes a phantom in one go.
 #pragma once
 
-#include "calibration.h"
-#include "data.h"
-#include "device.h"
-#include "phantom.h"
-#include "processing.h"
-#include "scan_pattern.h"
+#include "base/data.h"
+#include "device/device.h"
+#include "device/scan_pattern.h"
+#include "phantoms/phantom.h"
+#include "processing/calibration.h"
+#include "processing/polarization_processing.h"
+#include "processing/processing.h"
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -38,10 +40,10 @@ class Volume {
   float at(int depth, int aScan, int bScan = 0) const;
 
   /// The A-scan's brightest place, between the samples, in samples.
-  double peak(int aScan, int bScan = 0) const;
+  double peak(int aScan) const;
 
-  /// Full width of the A-scan's peak at half its power, in samples.
-  double peakWidth(int aScan, int bScan = 0) const;
+  /// Power of the A-scan's peak and its side lobes relative to its highest: a width, in samples.
+  double peakWidth(int aScan) const;
 
   /// Mean power over all A-scans in a range of depths.
   double meanPower(int firstDepth, int lastDepth) const;
@@ -50,10 +52,28 @@ class Volume {
   std::shared_ptr<Data> data_;
 };
 
+/// How much two sequences have in common, 1 at the most.
+class Correlation {
+ public:
+  void add(double a, double b);
+  double value() const;
+
+ private:
+  double count_ = 0.0, a_ = 0.0, b_ = 0.0, aa_ = 0.0, bb_ = 0.0, ab_ = 0.0;
+};
+
 Volume process(const Calibration& calibration, const RawData& raw);
 
 /// Measures one volume and processes it as the device's own processing would.
 Volume measure(Device& device, const ScanPattern& pattern);
+
+/// Fields of both sensors with a polarization processing.
+struct Sensors {
+  std::array<ComplexData, 2> fields;
+  PolarizationProcessing processing;
+
+  Volume compute(PolarizationProcessing::Quantity quantity);
+};
 
 /// The spectrometer most tests use: 2048 pixels, 1300 nm, 3.6 mm.
 Spectrometer standardSpectrometer();

@@ -9,9 +9,11 @@
 #include <string>
 #include <thread>
 
-#include "live/simulated_live.h"
+#include "simulator/device_objects.h"
 #include "support/gl_spy.h"
 #include "support/process_memory.h"
+#include "support/test_context.h"
+#include "support/volume_scene.h"
 #include "volume/volume_renderer.h"
 
 namespace oct::test {
@@ -29,14 +31,13 @@ Seconds duration() {
 }
 
 // A moving finger pad with two lateral sizes in turn, so that every start makes its OpenGL objects anew.
-class LiveSoakTest : public SimulatedLiveTest {
+class LiveSoakTest : public testing::Test {
  protected:
   static constexpr unsigned width = 160;
   static constexpr unsigned height = 120;
 
-  LiveSoakTest()
-      : SimulatedLiveTest(createSimulatedDevice(OCT_PHANTOM_FINGER_PAD, 256, 3), 48, 24, 3.0, 1.5),
-        patterns_{scan_.pattern, createSimulatedScanPattern(scan_.device, 32, 32, 2.0, 2.0)} {
+  LiveSoakTest() {
+    setLiveVolumeRenderingRenderer(live_, stage_.renderer);
     setSimulatedMotion(scan_.device, OCT_MOTION_DRIFT, 0.3, 4.0);
     // About 40 volumes a second, shown at the rate of a screen: other tests run beside this one.
     setSimulatedScanRate(scan_.device, 50'000.0, OCT_PACING_REAL_TIME);
@@ -47,7 +48,12 @@ class LiveSoakTest : public SimulatedLiveTest {
     apply(scene, stage_.renderer);
     setBorder(stage_.renderer, 1, 1, 1);
   }
-  ~LiveSoakTest() override { clearSimulatedScanPattern(patterns_[1]); }
+  ~LiveSoakTest() override {
+    clearDataSource(source_);
+    frame();
+    clearLiveRendering(live_);
+    clearSimulatedScanPattern(patterns_[1]);
+  }
 
   std::uint64_t volumesShown() const {
     return reinterpret_cast<const VolumeRenderer*>(stage_.renderer)->source().revision;
@@ -55,7 +61,8 @@ class LiveSoakTest : public SimulatedLiveTest {
 
   void frame() {
     const auto begin = Clock::now();
-    SimulatedLiveTest::frame(width, height);
+    beginOffscreenFrame(stage_.target, width, height);
+    renderVolume(live_);
     finishOffscreenFrame(stage_.target, picture_.bytes.data());
     worstFrame_ = std::max(worstFrame_, Seconds(Clock::now() - begin));
     ++frames_;
@@ -78,7 +85,12 @@ class LiveSoakTest : public SimulatedLiveTest {
     ++measurements_;
   }
 
-  const std::array<ScanPatternHandle, 2> patterns_;
+  const VolumeStage stage_;
+  const simulator::test::Scan scan_{createSimulatedDevice(OCT_PHANTOM_FINGER_PAD, 256, 3), 48, 24, 3.0, 1.5};
+  const LiveVolumeRenderingHandle live_ = createLiveRendering();
+  const LiveDataSourceHandle source_ = createOnlineDataSource(scan_.device, scan_.processing);
+  const std::array<ScanPatternHandle, 2> patterns_{
+      scan_.pattern, createSimulatedScanPattern(scan_.device, 32, 32, 2.0, 2.0)};
   Picture picture_{width, height};
   std::mt19937 random_{1};
   int measurements_ = 0;

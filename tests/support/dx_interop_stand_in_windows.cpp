@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "gl/gl.h"
-#include "hosting/dx9_device.h"
+#include "hosting/surfaces/dx9_device_windows.h"
 // After gl.h, which it needs.
 #include <GL/wglew.h>
 

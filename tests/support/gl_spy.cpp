@@ -6,7 +6,7 @@
 #include <tuple>
 #include <utility>
 
-#include "gl/current_context.h"
+#include "gl/context/current_context.h"
 
 namespace oct::test {
 

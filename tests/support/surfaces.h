@@ -5,7 +5,7 @@
 #include <ostream>
 #include <vector>
 
-#include "hosting/surface_sharing.h"
+#include "hosting/surfaces/surface_sharing.h"
 #include "support/pictures.h"
 
 namespace oct {

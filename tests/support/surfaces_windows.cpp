@@ -7,7 +7,7 @@
 #include <memory>
 #include <utility>
 
-#include "hosting/dx9_device.h"
+#include "hosting/surfaces/dx9_device_windows.h"
 #include "support/com_method_patch_windows.h"
 #include "support/dx_interop_stand_in.h"
 #include "support/test_context.h"

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "gl/gl.h"
-#include "gl/opengl_context.h"
-#include "gl/opengl_loader.h"
-#include "gl/opengl_window.h"
+#include "gl/context/opengl_context.h"
+#include "gl/context/opengl_loader.h"
+#include "gl/context/opengl_window.h"
 
 namespace oct::test {
 

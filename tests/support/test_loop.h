@@ -15,8 +15,8 @@
 
 #include "core/error_callback.h"
 #include "gl/gl.h"
-#include "hosting/functors.h"
-#include "hosting/opengl_control_loop.h"
+#include "hosting/loop/functors.h"
+#include "hosting/loop/opengl_control_loop.h"
 #include "support/surfaces.h"
 
 namespace oct::test {

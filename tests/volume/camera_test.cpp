@@ -1,7 +1,7 @@
 // Angles and depth of the camera, without OpenGL.
 #include <gtest/gtest.h>
 
-#include "volume/camera.h"
+#include "volume/layout/camera.h"
 
 namespace oct::test {
 namespace {

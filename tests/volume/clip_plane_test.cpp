@@ -1,5 +1,5 @@
 // The clip plane's geometry, without OpenGL.
-#include "volume/clip_plane.h"
+#include "volume/layout/clip_plane.h"
 
 #include <gtest/gtest.h>
 

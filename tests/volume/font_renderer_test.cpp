@@ -1,10 +1,10 @@
 // Labels on the screen: every pixel is the rasteriser's, wherever the anchor lies and whatever the zoom.
-#include "volume/font_renderer.h"
+#include "volume/text/font_renderer.h"
 
 #include <cmath>
 #include <glm/gtc/matrix_transform.hpp>
 
-#include "hosting/offscreen_target.h"
+#include "hosting/offscreen/offscreen_target.h"
 #include "support/gl_spy.h"
 #include "support/reference_camera.h"
 #include "support/test_context.h"

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "volume/text_rasteriser.h"
+#include "volume/text/text_rasteriser.h"
 
 namespace oct::test {
 namespace {

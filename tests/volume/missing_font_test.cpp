@@ -4,7 +4,7 @@
 #include "support/test_context.h"
 #include "support/volume_scene.h"
 #include "volume/missing_fonts.h"
-#include "volume/text_rasteriser.h"
+#include "volume/text/text_rasteriser.h"
 
 namespace oct::test {
 namespace {

@@ -1,5 +1,5 @@
 // Scale marks: steps, and a layout that a person can read from every side. Without OpenGL.
-#include "volume/scale_marks.h"
+#include "volume/layout/scale_marks.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <set>
 
-#include "volume/box_view.h"
+#include "volume/layout/box_view.h"
 
 namespace oct::test {
 namespace {

@@ -8,8 +8,8 @@
 #include "support/gl_spy.h"
 #include "support/reference_camera.h"
 #include "support/test_context.h"
-#include "volume/box_view.h"
-#include "volume/clip_plane.h"
+#include "volume/layout/box_view.h"
+#include "volume/layout/clip_plane.h"
 
 namespace oct::test {
 namespace {

@@ -1,6 +1,6 @@
 // The slices of the sectional view: order of drawing, and whole pictures against rays through the three
 // planes.
-#include "volume/sectional_view.h"
+#include "volume/passes/sectional_view.h"
 
 #include <gtest/gtest.h>
 

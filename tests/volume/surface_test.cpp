@@ -7,7 +7,7 @@
 #include "support/gl_spy.h"
 #include "support/reference_camera.h"
 #include "support/test_context.h"
-#include "volume/surface_mesh.h"
+#include "volume/layout/surface_mesh.h"
 
 namespace oct::test {
 namespace {

@@ -1,5 +1,5 @@
 // Texts as the system's fonts draw them: sizes, and that the glyphs are where they belong.
-#include "volume/text_rasteriser.h"
+#include "volume/text/text_rasteriser.h"
 
 #include <gtest/gtest.h>
 

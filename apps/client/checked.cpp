@@ -1,0 +1,21 @@
+#include "client/checked.h"
+
+#include <oct_rendering/oct_rendering.h>
+
+#include <array>
+
+namespace oct::app {
+
+void throwPendingError() {
+  std::array<char, 4096> text{};
+  if (getRendererError(text.data(), static_cast<int>(text.size())) == 0) return;
+  throw RenderingError(text.data());
+}
+
+void discardPendingErrors() {
+  // One text of the library never goes away, so a loop until none is pending might not end.
+  for (int i = 0; i < 16 && getRendererError(nullptr, 0) != 0; ++i) {
+  }
+}
+
+}  // namespace oct::app

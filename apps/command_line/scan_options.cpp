@@ -1,0 +1,36 @@
+#include "command_line/scan_options.h"
+
+#include <CLI/CLI.hpp>
+
+namespace oct::app {
+
+void addScanOptions(CLI::App& command, ScanSettings& settings) {
+  command
+      .add_option("--spectrum", settings.spectrumLength,
+                  "Camera pixels per spectrum; half of it is the depth samples")
+      ->check(within(64, 4096))
+      ->capture_default_str();
+  command.add_option("--ascans", settings.aScans, "A-scans per B-scan")
+      ->check(within(1, 8192))
+      ->capture_default_str();
+  command.add_option("--bscans", settings.bScans, "B-scans; more than one give a volume")
+      ->check(within(1, 4096))
+      ->capture_default_str();
+  command.add_option("--width", settings.width, "Width of a B-scan in millimetres")
+      ->check(within(1e-6, 1e6))
+      ->capture_default_str();
+  command.add_option("--length", settings.length, "Extent over all B-scans in millimetres")
+      ->check(within(1e-6, 1e6))
+      ->capture_default_str();
+  command.add_option("--seed", settings.seed, "Chooses the individual and its noise")->capture_default_str();
+}
+
+CLI::Validator oneOf(const std::map<std::string, int>& names) {
+  return CLI::CheckedTransformer(names, CLI::ignore_case).description("");
+}
+
+CLI::Validator within(double lowest, double highest) {
+  return CLI::Range(lowest, highest).description("");
+}
+
+}  // namespace oct::app

@@ -1,0 +1,76 @@
+#include "data/colormap.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+
+#include "data/colormap_tables.h"
+
+namespace oct::app {
+namespace {
+
+std::uint8_t toByte(double value) {
+  return static_cast<std::uint8_t>(std::lround(value));
+}
+
+Colormap grayColormap() {
+  Colormap colors;
+  for (int i = 0; i < 256; ++i) {
+    const auto level = static_cast<std::uint8_t>(i);
+    colors.push_back({level, level, level, 255});
+  }
+  return colors;
+}
+
+Colormap decodeTable(std::string_view digits) {
+  const auto channel = [&](std::size_t position) {
+    std::uint8_t value = 0;
+    std::from_chars(digits.data() + position, digits.data() + position + 2, value, 16);
+    return value;
+  };
+  Colormap colors;
+  for (std::size_t i = 0; i < digits.size(); i += 6) {
+    colors.push_back({channel(i), channel(i + 2), channel(i + 4), 255});
+  }
+  return colors;
+}
+
+}  // namespace
+
+std::string colormapNames() {
+  std::string names = "gray";
+  for (const ColormapTable& table : colormapTables()) names += ", " + std::string(table.name);
+  return names;
+}
+
+std::optional<Colormap> findColormap(std::string_view name) {
+  if (name == "gray") return grayColormap();
+  for (const ColormapTable& table : colormapTables()) {
+    if (name == table.name) return decodeTable(table.colors);
+  }
+  return std::nullopt;
+}
+
+void addOpacityRamp(Colormap& colors, double opacity) {
+  for (std::size_t i = 0; i < colors.size(); ++i) {
+    const double t = static_cast<double>(i) / static_cast<double>(colors.size() - 1);
+    colors[i][3] = toByte(255 * opacity * t * t);
+  }
+}
+
+void scaleAlpha(Colormap& colors, double factor) {
+  for (Rgba& color : colors) color[3] = toByte(color[3] * factor);
+}
+
+void flattenOnto(Colormap& colors, std::uint32_t background) {
+  for (Rgba& color : colors) {
+    const double alpha = color[3] / 255.0;
+    for (unsigned channel = 0; channel < 3; ++channel) {
+      const double behind = background >> (16 - 8 * channel) & 0xFF;
+      color[channel] = toByte(color[channel] * alpha + behind * (1 - alpha));
+    }
+    color[3] = 255;
+  }
+}
+
+}  // namespace oct::app

@@ -1,0 +1,22 @@
+// The header of a .npy file: a Python dictionary that gives element type, memory order and shape.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "data/formats/input_file.h"
+
+namespace oct::app {
+
+struct NpyHeader {
+  std::string type;  // as the file spells it, such as "<f4"
+  bool fortranOrder = false;
+  std::vector<std::uint64_t> shape;
+  std::uint64_t dataOffset = 0;
+};
+
+// Leaves the file at the first data byte.
+NpyHeader readNpyHeader(InputFile& file);
+
+}  // namespace oct::app

@@ -1,0 +1,35 @@
+// The finished picture and its size.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace oct::app {
+
+struct PictureSize {
+  unsigned width = 0;
+  unsigned height = 0;
+};
+
+// Distance between two samples, both in the same unit.
+struct Spacing {
+  double depth = 1;
+  double lateral = 1;
+};
+
+// 8-bit red, green, blue, top row first.
+struct Picture {
+  PictureSize size;
+  std::vector<std::uint8_t> pixels;
+};
+
+// One pixel per sample along the axis with the finer spacing, so that no sample is lost, and as many along
+// the other as the aspect asks for; scaled down where a side would be longer than 4096 pixels.
+PictureSize naturalPictureSize(std::size_t depth, std::size_t ascans, const Spacing& spacing);
+
+// Turns what an offscreen frame delivers, blue, green, red, alpha and the bottom row first, into a picture.
+Picture toPicture(PictureSize size, std::span<const std::uint8_t> bgraBottomUp);
+
+}  // namespace oct::app

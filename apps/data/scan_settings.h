@@ -1,0 +1,15 @@
+// What a device scans.
+#pragma once
+
+namespace oct::app {
+
+struct ScanSettings {
+  int spectrumLength = 2048;  // camera pixels
+  int aScans = 1024;          // per B-scan
+  int bScans = 1;
+  double width = 4.0;   // of a B-scan; millimetres
+  double length = 4.0;  // over all B-scans; millimetres
+  unsigned seed = 1;
+};
+
+}  // namespace oct::app

@@ -1,0 +1,40 @@
+// The volumes of a device on their way into live rendering.
+#pragma once
+
+#include <oct_rendering/oct_rendering.h>
+
+#include <array>
+#include <optional>
+
+#include "client/handle_owner.h"
+#include "scene/live_device.h"
+
+namespace oct::app {
+
+// What is taken of the device's volumes.
+struct SourceSettings {
+  std::optional<int> sizeZ;  // depth samples; none: all
+  double refractiveIndex = 1.0;
+  bool analog = false;  // with the device's analog input
+  std::optional<PolarizationMode> polarization;
+  double threshold = 0.0;  // decibels; what is darker counts as 0, but for intensities
+  std::array<int, 4> averaging{1, 1, 1, 1};
+};
+
+// Stopped at the end of its life.
+class LiveSource {
+ public:
+  LiveSource(const LiveDevice& device, const SourceSettings& settings);
+
+  // Called on the acquisition thread: of every volume but the first, and when acquisition fails.
+  void announce(OctIntensityFunction onReferenceIntensity, OctErrorFunction onError);
+
+  void start(LiveVolumeRenderingHandle live);
+  void stop();
+
+ private:
+  const LiveDevice& device_;
+  HandleOwner<LiveDataSourceHandle> handle_;
+};
+
+}  // namespace oct::app

@@ -1,0 +1,207 @@
+#include "scene/live_view.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <exception>
+#include <future>
+#include <mutex>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "client/offscreen_target.h"
+#include "client/renderers.h"
+#include "scene/device_error.h"
+#include "scene/live_source.h"
+
+namespace oct::app {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+
+constexpr std::chrono::milliseconds kProgressInterval{100};
+
+Clock::duration ticks(double seconds) {
+  return std::chrono::duration_cast<Clock::duration>(Seconds(seconds));
+}
+
+// What the three threads of a view tell each other.
+class Exchange {
+ public:
+  void fail(std::exception_ptr error) {
+    const std::lock_guard lock(mutex_);
+    if (!error_) error_ = std::move(error);
+    changed_.notify_all();
+  }
+
+  void give(std::vector<std::uint8_t> pixels) {
+    const std::lock_guard lock(mutex_);
+    pictures_.push_back(std::move(pixels));
+    changed_.notify_all();
+  }
+
+  // Pictures that came meanwhile, or none after a while. Throws the error that ends the view.
+  std::vector<std::vector<std::uint8_t>> wait() {
+    std::unique_lock lock(mutex_);
+    changed_.wait_for(lock, kProgressInterval, [this] { return error_ || !pictures_.empty(); });
+    if (error_) std::rethrow_exception(error_);
+    return std::exchange(pictures_, {});
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::exception_ptr error_;
+  std::vector<std::vector<std::uint8_t>> pictures_;
+};
+
+// What the acquisition thread's functions work with; they take no pointer of the program's.
+struct Announcements {
+  Exchange& exchange;
+  LiveStatistics& statistics;
+  LiveVolumeRenderingHandle live;
+};
+std::atomic<const Announcements*> announcements = nullptr;
+
+unsigned droppedBy(LiveVolumeRenderingHandle live) {
+  unsigned dropped = 0;
+  getLiveVolumeCounts(live, nullptr, &dropped);
+  return dropped;
+}
+
+void onReferenceIntensity(double) {
+  const Announcements& to = *announcements.load();
+  to.statistics.acquired(Clock::now(), droppedBy(to.live));
+}
+
+void onError(const char* message) {
+  const DeviceError error("acquisition failed: " + std::string(message));
+  announcements.load()->exchange.fail(std::make_exception_ptr(error));
+}
+
+// Draws frames on a thread of its own, from construction to end().
+class RenderingThread {
+ public:
+  // Throws what goes wrong before the first frame.
+  RenderingThread(const LiveScene& scene, const LiveSettings& settings, Exchange& exchange,
+                  LiveStatistics& statistics)
+      : scene_(scene), settings_(settings), exchange_(exchange), statistics_(statistics) {
+    std::promise<LiveVolumeRenderingHandle> ready;
+    std::future<LiveVolumeRenderingHandle> live = ready.get_future();
+    thread_ = std::jthread([this, promise = std::move(ready)]() mutable { run(promise); });
+    live_ = live.get();
+  }
+  ~RenderingThread() { end(); }
+  RenderingThread(const RenderingThread&) = delete;
+  RenderingThread& operator=(const RenderingThread&) = delete;
+
+  LiveVolumeRenderingHandle live() const { return live_; }
+
+  // The source must have been stopped: the last frame frees the OpenGL objects.
+  void end() {
+    ending_ = true;
+    if (thread_.joinable()) thread_.join();
+  }
+
+ private:
+  void run(std::promise<LiveVolumeRenderingHandle>& ready) {
+    bool started = false;
+    try {
+      OffscreenTarget target;
+      const LiveRendering rendering;
+      prepare(rendering.renderer());
+      started = true;
+      ready.set_value(rendering.live());
+      try {
+        draw(target, rendering.live());
+      } catch (...) {
+        exchange_.fail(std::current_exception());
+      }
+      // The source may still be running, after an error; the live renderer must outlive it.
+      while (!ending_) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      ::renderVolume(rendering.live());
+    } catch (...) {
+      if (!started) ready.set_exception(std::current_exception());
+    }
+  }
+
+  void prepare(VolumeRendererHandle renderer) const {
+    setView(renderer, scene_.view);
+    checked(setAngles, renderer, scene_.view.angles[0], scene_.view.angles[1]);
+    setColors(renderer, ColoredData::Volume, scene_.volume.colormap, scene_.volume.range);
+    if (scene_.surface) {
+      setColors(renderer, ColoredData::Surface, scene_.surface->colormap, scene_.surface->range);
+    }
+    if (scene_.analog) {
+      setColors(renderer, ColoredData::Secondary, scene_.analog->colormap, scene_.analog->range);
+      checked(setRendererSecondarySliceIndex, renderer, scene_.analogChannel);
+    }
+    checked(setRenderElements, renderer, 1, int{scene_.surface.has_value()});
+  }
+
+  void draw(OffscreenTarget& target, LiveVolumeRenderingHandle live) {
+    std::vector<std::uint8_t> pixels;
+    unsigned snapshots = 0;
+    Clock::time_point next = Clock::now();
+    while (!ending_) {
+      const Clock::time_point start = Clock::now();
+      target.render(scene_.view.size.width, scene_.view.size.height, pixels,
+                    [&] { checked(::renderVolume, live); });
+      const Clock::time_point end = Clock::now();
+      unsigned shown = 0;
+      getLiveVolumeCounts(live, &shown, nullptr);
+      statistics_.frame(start, end, shown);
+      if (snapshots < settings_.snapshots && isDue(snapshots, end)) {
+        ++snapshots;
+        exchange_.give(pixels);
+      }
+      if (settings_.framesPerSecond > 0) {
+        next = std::max(next + ticks(1 / settings_.framesPerSecond), end);
+        std::this_thread::sleep_until(next);
+      }
+    }
+  }
+
+  bool isDue(unsigned snapshot, Clock::time_point now) const {
+    const auto begin = statistics_.begin();
+    return begin && now >= *begin + ticks(settings_.seconds * (snapshot + 1) / settings_.snapshots);
+  }
+
+  const LiveScene& scene_;
+  const LiveSettings& settings_;
+  Exchange& exchange_;
+  LiveStatistics& statistics_;
+  std::atomic<bool> ending_ = false;
+  LiveVolumeRenderingHandle live_ = nullptr;
+  std::jthread thread_;
+};
+
+}  // namespace
+
+LiveResult showLive(const LiveDevice& device, const LiveScene& scene, const LiveSettings& settings,
+                    const LiveEvents& events) {
+  Exchange exchange;
+  LiveStatistics statistics;
+  RenderingThread rendering(scene, settings, exchange, statistics);
+  const Announcements here{exchange, statistics, rendering.live()};
+  announcements = &here;
+  LiveSource source(device, settings.source);
+  source.announce(&onReferenceIntensity, &onError);
+  source.start(rendering.live());
+  for (unsigned taken = 0; taken < settings.snapshots;) {
+    for (const std::vector<std::uint8_t>& pixels : exchange.wait()) {
+      events.snapshot(taken++, toPicture(scene.view.size, pixels));
+    }
+    const auto begin = statistics.begin();
+    events.progress(begin ? Seconds(Clock::now() - *begin).count() : 0.0);
+  }
+  LiveResult result;
+  result.report = statistics.report(Clock::now(), droppedBy(rendering.live()));
+  auto& [depth, aScans, bScans] = result.size;
+  checked(getLiveVolumeRenderingSize, rendering.live(), &depth, &aScans, &bScans);
+  source.stop();
+  return result;
+}
+
+}  // namespace oct::app

@@ -1,0 +1,51 @@
+// Shows the volumes of a device as they come, on a rendering thread of its own.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <optional>
+
+#include "data/colormap.h"
+#include "data/live_statistics.h"
+#include "data/picture.h"
+#include "scene/live_device.h"
+#include "scene/live_source.h"
+#include "scene/volume_view.h"
+
+namespace oct::app {
+
+struct LayerColors {
+  Colormap colormap;
+  ValueRange range;
+};
+
+struct LiveScene {
+  VolumeView view;
+  LayerColors volume;
+  std::optional<LayerColors> surface;  // depths in the unit of the device's range; none: not drawn
+  std::optional<LayerColors> analog;   // volts; needs a source with the analog input
+  int analogChannel = 0;
+};
+
+struct LiveSettings {
+  SourceSettings source;
+  double seconds = 5.0;           // from the first volume on
+  double framesPerSecond = 60.0;  // at most; 0: no limit
+  unsigned snapshots = 1;         // at even intervals, the last one at the end
+};
+
+struct LiveEvents {
+  std::function<void(unsigned number, const Picture&)> snapshot;
+  std::function<void(double seconds)> progress;  // now and then; 0 until the first volume
+};
+
+struct LiveResult {
+  LiveReport report;
+  std::array<int, 3> size{};  // depth samples, A-scans, B-scans as they were drawn
+};
+
+// Runs until the time is over. Throws a failure when acquisition or rendering fails. One call at a time.
+LiveResult showLive(const LiveDevice& device, const LiveScene& scene, const LiveSettings& settings,
+                    const LiveEvents& events);
+
+}  // namespace oct::app

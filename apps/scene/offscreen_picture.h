@@ -1,0 +1,20 @@
+// A frame of an offscreen target as a picture.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "client/offscreen_target.h"
+#include "data/picture.h"
+
+namespace oct::app {
+
+// Draws one frame with the function.
+template <class Draw>
+Picture drawPicture(OffscreenTarget& target, PictureSize size, Draw draw) {
+  std::vector<std::uint8_t> pixels;
+  target.render(size.width, size.height, pixels, draw);
+  return toPicture(size, pixels);
+}
+
+}  // namespace oct::app

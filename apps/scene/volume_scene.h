@@ -1,0 +1,51 @@
+// Everything that makes the picture of a volume, ready to be drawn.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "data/colormap.h"
+#include "data/picture.h"
+#include "data/samples.h"
+#include "data/volume.h"
+#include "scene/volume_view.h"
+
+namespace oct::app {
+
+// A volume with its colours. Every voxel is finite.
+struct VolumeLayer {
+  VolumeData data;
+  ValueRange range;
+  Colormap colormap;
+};
+
+struct HeightMap {
+  std::vector<float> depths;  // in samples, one row per B-scan
+  ValueRange range;
+  Colormap colormap;
+};
+
+// Colours a composite by a quantity that has one value per A-scan.
+struct SecondaryColoring {
+  LateralMap map;  // of any size
+  ValueRange range;
+  Colormap colormap;
+};
+
+struct VolumeScene : VolumeView {
+  VolumeLayer base;
+  std::optional<VolumeLayer> overlay;
+  std::optional<HeightMap> surface;
+  std::optional<SecondaryColoring> secondary;
+  bool showVolume = true;
+  std::array<float, 3> extent{1, 1, 1};  // depth, A-scans, B-scans
+};
+
+// Draws the scene once, or as often as `count` says, turned further about the depth axis each time so that
+// the last picture is followed by the first. Each picture is handed over as it is finished.
+void renderVolume(const VolumeScene& scene, unsigned count,
+                  const std::function<void(unsigned, const Picture&)>& take);
+
+}  // namespace oct::app

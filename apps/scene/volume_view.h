@@ -1,0 +1,54 @@
+// How a volume is looked at, whatever delivers it.
+#pragma once
+
+#include <oct_rendering/oct_rendering.h>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+#include "data/colormap.h"
+#include "data/picture.h"
+#include "data/samples.h"
+
+namespace oct::app {
+
+enum class VolumeLook { Composite, Maximum, Mean, Sections };
+
+struct ClipSetting {
+  double value = 0.5;
+  bool open = false;
+  bool ghost = false;  // shows where the part that is cut away was
+};
+
+struct VolumeView {
+  VolumeLook look = VolumeLook::Composite;
+  bool secondaryColors = false;  // a composite is coloured by the secondary data
+  PictureSize size;
+  std::array<double, 2> angles{};  // degrees, about the horizontal axis and the depth axis
+  double zoom = 40;
+  bool perspective = true;
+  int slices = 256;
+  std::optional<ClipSetting> clip;
+  std::array<std::optional<float>, 3> sections{0.5f, 0.5f,
+                                               0.5f};  // across A-scans, depth, B-scans; none: hidden
+  bool edges = true;
+  bool scaleMarks = true;
+  bool box = false;
+  std::uint32_t backgroundBottom = 0x000066;  // 0xRRGGBB
+  std::uint32_t backgroundTop = 0x000019;
+  std::uint32_t foreground = 0xFFFFFF;
+};
+
+// Those of the automatic range that suits the look.
+Shares rangeShares(VolumeLook look);
+
+// Everything but the angles, which may change from picture to picture.
+void setView(VolumeRendererHandle renderer, const VolumeView& view);
+
+enum class ColoredData { Volume, Overlay, Secondary, Surface };
+
+void setColors(VolumeRendererHandle renderer, ColoredData data, const Colormap& colors,
+               const ValueRange& range);
+
+}  // namespace oct::app

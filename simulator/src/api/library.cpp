@@ -1,0 +1,10 @@
+#include "api/library.h"
+
+namespace oct::simulator {
+
+Library& Library::instance() {
+  static Library library;
+  return library;
+}
+
+}  // namespace oct::simulator

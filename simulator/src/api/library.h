@@ -1,0 +1,49 @@
+/// @file
+/// What the C functions share: the handles, the pending error, the script of failures, and
+/// the frame around every call.
+#pragma once
+
+#include "api/failure_script.h"
+#include "api/pending_error.h"
+#include "base/handle_table.h"
+
+#include <exception>
+#include <type_traits>
+#include <utility>
+
+namespace oct::simulator {
+
+/// The state of the whole library.
+struct Library {
+  HandleTable handles;
+  PendingError error;
+  FailureScript failures;
+
+  static Library& instance();
+};
+
+/// Runs the body of a C function. An exception becomes the pending error, and the result zero or null.
+template <typename Body>
+auto framed(const char* function, Body&& body) noexcept {
+  using Result = std::invoke_result_t<Body, HandleTable&>;
+  auto& library = Library::instance();
+  try {
+    return std::forward<Body>(body)(library.handles);
+  } catch (const std::exception& error) {
+    library.error.set(function, error.what());
+  } catch (...) {
+    library.error.set(function, "Unknown error. ");
+  }
+  return Result();
+}
+
+/// Runs the body of a device function, unless a script says that this call shall fail.
+template <typename Body>
+auto deviceCall(const char* function, Body&& body) noexcept {
+  return framed(function, [&](HandleTable& handles) {
+    Library::instance().failures.onCall(function);
+    return body(handles);
+  });
+}
+
+}  // namespace oct::simulator

@@ -1,0 +1,177 @@
+// There is no window: contexts are made on an EGL device display, or on Mesa's surfaceless platform where EGL
+// offers no GPU, and are used without a surface.
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+
+#include "core/console.h"
+#include "core/exception.h"
+#include "core/log.h"
+#include "gl/context/opengl_window.h"
+
+namespace oct::gl {
+namespace {
+
+// EGL has no message texts of its own.
+std::string eglErrorText() {
+  const EGLint code = eglGetError();
+  switch (code) {
+    case EGL_SUCCESS:
+      return "EGL reports no reason (EGL_SUCCESS)";
+    case EGL_NOT_INITIALIZED:
+      return "EGL is not initialised (EGL_NOT_INITIALIZED)";
+    case EGL_BAD_ACCESS:
+      return "The context is current on another thread (EGL_BAD_ACCESS)";
+    case EGL_BAD_ALLOC:
+      return "Not enough memory (EGL_BAD_ALLOC)";
+    case EGL_BAD_CONFIG:
+      return "Not a frame buffer configuration (EGL_BAD_CONFIG)";
+    case EGL_BAD_CONTEXT:
+      return "Not an OpenGL context (EGL_BAD_CONTEXT)";
+    case EGL_BAD_DISPLAY:
+      return "Not an EGL display (EGL_BAD_DISPLAY)";
+    case EGL_BAD_MATCH:
+      return "Arguments do not match (EGL_BAD_MATCH)";
+    case EGL_BAD_PARAMETER:
+      return "Invalid argument (EGL_BAD_PARAMETER)";
+    case EGL_CONTEXT_LOST:
+      return "The context was lost in a power event (EGL_CONTEXT_LOST)";
+    default: {
+      char text[32];
+      std::snprintf(text, sizeof text, "EGL error 0x%04X", static_cast<unsigned>(code));
+      return text;
+    }
+  }
+}
+
+template <class Function>
+Function entryPoint(const char* name) {
+  return reinterpret_cast<Function>(eglGetProcAddress(name));
+}
+
+bool contains(const char* extensions, const char* name) {
+  return extensions && std::strstr(extensions, name);
+}
+
+bool initialise(EGLDisplay display) {
+  return display != EGL_NO_DISPLAY && eglInitialize(display, nullptr, nullptr) == EGL_TRUE &&
+         eglBindAPI(EGL_OPENGL_API) == EGL_TRUE;
+}
+
+// The first GPU, or no display. EGL lists the software renderer as a device as well; it comes last by the
+// surfaceless platform, so that a machine with a GPU never draws in software unnoticed.
+EGLDisplay openGpuDisplay() {
+  const char* const clientExtensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
+  if (!contains(clientExtensions, "EGL_EXT_platform_device")) return EGL_NO_DISPLAY;
+  const auto queryDevices = entryPoint<PFNEGLQUERYDEVICESEXTPROC>("eglQueryDevicesEXT");
+  const auto queryString = entryPoint<PFNEGLQUERYDEVICESTRINGEXTPROC>("eglQueryDeviceStringEXT");
+  const auto getDisplay = entryPoint<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
+  if (!queryDevices || !queryString || !getDisplay) return EGL_NO_DISPLAY;
+  std::array<EGLDeviceEXT, 16> devices{};
+  EGLint count = 0;
+  if (!queryDevices(static_cast<EGLint>(devices.size()), devices.data(), &count)) return EGL_NO_DISPLAY;
+  for (EGLint i = 0; i < count; ++i) {
+    const EGLDeviceEXT device = devices[static_cast<std::size_t>(i)];
+    if (contains(queryString(device, EGL_EXTENSIONS), "EGL_MESA_device_software")) continue;
+    const EGLDisplay display = getDisplay(EGL_PLATFORM_DEVICE_EXT, device, nullptr);
+    if (initialise(display)) return display;
+  }
+  return EGL_NO_DISPLAY;
+}
+
+EGLDisplay openSurfacelessDisplay() {
+  const auto getDisplay = entryPoint<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
+  if (!getDisplay) return EGL_NO_DISPLAY;
+  const EGLDisplay display = getDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+  return initialise(display) ? display : EGL_NO_DISPLAY;
+}
+
+// Opened once per process and never terminated: termination would take the contexts of every other user of
+// the same display with it.
+EGLDisplay display() {
+  static const EGLDisplay opened = [] {
+    const EGLDisplay gpu = openGpuDisplay();
+    return gpu != EGL_NO_DISPLAY ? gpu : openSurfacelessDisplay();
+  }();
+  return opened;
+}
+
+}  // namespace
+
+struct OpenGLWindow::Native {
+  std::mutex mutex;
+  EGLConfig config = nullptr;
+
+  Native() {
+    const std::lock_guard lock(mutex);
+    log() << "Creating hidden Window";
+    if (display() == EGL_NO_DISPLAY) {
+      writeErrorAndThrow("An error occured. Could not create hidden window for OpenGL output: " +
+                         eglErrorText());
+    }
+    // The same request as on Windows; depth is asked for with 24 bits, the most that EGL drivers offer.
+    constexpr std::array<EGLint, 11> attributes{EGL_SURFACE_TYPE,
+                                                EGL_PBUFFER_BIT,
+                                                EGL_RENDERABLE_TYPE,
+                                                EGL_OPENGL_BIT,
+                                                EGL_BUFFER_SIZE,
+                                                24,
+                                                EGL_DEPTH_SIZE,
+                                                24,
+                                                EGL_CONFIG_CAVEAT,
+                                                EGL_DONT_CARE,
+                                                EGL_NONE};
+    EGLint count = 0;
+    if (!eglChooseConfig(display(), attributes.data(), &config, 1, &count) || count == 0) {
+      writeErrorAndThrow("An error occured. Pixel format for OpenGL window could not be chosen. " +
+                         eglErrorText());
+    }
+  }
+};
+
+OpenGLWindow::OpenGLWindow() : native_(std::make_unique<Native>()) {}
+OpenGLWindow::~OpenGLWindow() = default;
+
+ContextHandle OpenGLWindow::createContext() {
+  const std::lock_guard lock(native_->mutex);
+  eglBindAPI(EGL_OPENGL_API);  // a setting of the calling thread
+  const EGLContext context = eglCreateContext(display(), native_->config, EGL_NO_CONTEXT, nullptr);
+  if (context == EGL_NO_CONTEXT) {
+    throw Exception("An error occured. OpenGL context could not be created: " + eglErrorText());
+  }
+  return context;
+}
+
+void OpenGLWindow::makeCurrent(ContextHandle context) {
+  const std::lock_guard lock(native_->mutex);
+  eglBindAPI(EGL_OPENGL_API);
+  if (eglGetCurrentContext() == context) return;
+  if (!eglMakeCurrent(display(), EGL_NO_SURFACE, EGL_NO_SURFACE, context)) {
+    writeErrorAndThrow("An error occured. " + eglErrorText());
+  }
+}
+
+void OpenGLWindow::makeUncurrent() {
+  const std::lock_guard lock(native_->mutex);
+  eglBindAPI(EGL_OPENGL_API);
+  if (eglGetCurrentContext() == EGL_NO_CONTEXT) return;
+  if (!eglMakeCurrent(display(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT)) {
+    writeError("An error occured making context uncurrent: " + std::to_string(eglGetError()) +
+               ". This error is ignored.");
+  }
+}
+
+void OpenGLWindow::deleteContext(ContextHandle context) {
+  const std::lock_guard lock(native_->mutex);
+  if (!eglDestroyContext(display(), context)) {
+    throw Exception("An error occured. OpenGL context could not be deleted: " + eglErrorText());
+  }
+}
+
+}  // namespace oct::gl

@@ -1,0 +1,121 @@
+#include "hosting/host/opengl_host.h"
+
+#include <utility>
+
+#include "core/console.h"
+#include "core/timing_mark.h"
+
+namespace oct {
+namespace {
+
+struct ProcessHost {
+  std::mutex mutex;
+  std::weak_ptr<OpenGLHost> current;
+  std::shared_ptr<OpenGLHost> prepared;
+};
+
+// Never destroyed: a thread cannot be joined while the library is being unloaded.
+ProcessHost& processHost() {
+  static ProcessHost& instance = *new ProcessHost;
+  return instance;
+}
+
+}  // namespace
+
+OpenGLHost::OpenGLHost() {
+  thread_ = std::thread([this] { runThread(); });
+  std::unique_lock lock(mutex_);
+  started_.wait(lock, [this] { return hasStarted_; });
+  if (!failure_) return;
+  lock.unlock();
+  thread_.join();
+  std::rethrow_exception(failure_);
+}
+
+OpenGLHost::~OpenGLHost() {
+  {
+    const std::lock_guard lock(mutex_);
+    ending_ = true;
+  }
+  sleeper_.wake();
+  thread_.join();
+}
+
+void OpenGLHost::runThread() {
+  try {
+    window_ = std::make_unique<gl::OpenGLWindow>();
+  } catch (...) {
+    failure_ = std::current_exception();
+  }
+  {
+    const std::lock_guard lock(mutex_);
+    hasStarted_ = true;
+  }
+  started_.notify_all();
+  if (failure_) return;
+  try {
+    runTasks();
+  } catch (const std::exception& error) {
+    writeError(error.what());
+  }
+  window_.reset();
+}
+
+void OpenGLHost::runTasks() {
+  for (;;) {
+    sleeper_.sleep();
+    std::unique_lock lock(mutex_);
+    while (!tasks_.empty()) {
+      auto task = std::move(tasks_.front());
+      tasks_.pop_front();
+      lock.unlock();
+      task();
+      lock.lock();
+    }
+    if (ending_) return;
+  }
+}
+
+void OpenGLHost::run(std::function<void()> task) {
+  std::packaged_task<void()> packaged(std::move(task));
+  auto done = packaged.get_future();
+  if (std::this_thread::get_id() == thread_.get_id()) {
+    packaged();
+  } else {
+    const std::lock_guard lock(mutex_);
+    tasks_.push_back(std::move(packaged));
+    sleeper_.wake();
+  }
+  done.get();
+}
+
+std::shared_ptr<OpenGLHost> OpenGLHost::acquire() {
+  ProcessHost& process = processHost();
+  const std::lock_guard lock(process.mutex);
+  auto host = process.current.lock();
+  if (!host) {
+    host = std::make_shared<OpenGLHost>();
+    process.current = host;
+  }
+  return host;
+}
+
+void OpenGLHost::prepare() {
+  auto host = acquire();
+  const std::lock_guard lock(processHost().mutex);
+  if (!processHost().prepared) processHost().prepared = std::move(host);
+}
+
+void OpenGLHost::finish() {
+  std::shared_ptr<OpenGLHost> host;
+  {
+    const std::lock_guard lock(processHost().mutex);
+    host = std::move(processHost().prepared);
+    processHost().prepared.reset();
+  }
+  if (!host) return;
+  const TimingMark mark("OfflienRenderingWindows are destroyed. ");
+  host.reset();
+}
+
+}  // namespace oct

@@ -1,0 +1,102 @@
+#include "hosting/loop/opengl_control.h"
+
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+
+#include "core/console.h"
+#include "core/log.h"
+#include "core/timing_mark.h"
+#include "gl/opengl_error.h"
+#include "gl/context/opengl_loader.h"
+#include "hosting/host/opengl_host.h"
+#include "hosting/loop/test_image.h"
+
+namespace oct {
+namespace {
+
+constexpr std::int32_t ringSize = 3;
+constexpr auto patience = std::chrono::milliseconds(1000);
+constexpr auto pause = std::chrono::milliseconds(10);  // between attempts, so that they do not hold up others
+
+std::atomic<int> testImageAngle{0};  // degrees
+
+}  // namespace
+
+OpenGLControl::OpenGLControl(SurfaceSharing sharing) : host_(OpenGLHost::acquire()) {
+  const TimingMark mark("OpenGLControl");
+  create_context(sharing);
+  for (std::int32_t index = 0; index < ringSize; ++index) {
+    buffers_.push_back(source_->createBuffer(index));
+  }
+}
+
+void OpenGLControl::create_context(SurfaceSharing sharing) {
+  const auto start = std::chrono::steady_clock::now();
+  for (;; std::this_thread::sleep_for(pause)) {
+    if (std::chrono::steady_clock::now() - start >= patience) {
+      throw std::runtime_error("Cannot properly create an OpenGLControl.");
+    }
+    try {
+      context_ = std::make_unique<gl::OpenGLContext>(host_->window());
+    } catch (const std::exception& error) {
+      log() << error.what();
+      continue;
+    }
+    context_->makeCurrent();
+    gl::initGlew();
+    gl::printGLError("OpenGLControl");
+    gl::checkOpenGLVersion(3, 3);
+    source_ = openBufferSource(sharing);
+    if (source_) return;
+    context_.reset();
+  }
+}
+
+OpenGLControl::~OpenGLControl() {
+  try {
+    context_->makeCurrent();
+    snapshotBuffer_.release();
+    for (const auto& buffer : buffers_) buffer->release();
+  } catch (const std::exception& error) {
+    writeError(error.what());
+  }
+  buffers_.clear();
+  source_.reset();
+  context_.reset();
+}
+
+void OpenGLControl::rotate_buffers() {
+  std::rotate(buffers_.begin(), buffers_.begin() + 1, buffers_.end());
+}
+
+void OpenGLControl::render_test_image() {
+  context_->makeCurrent();
+  drawTestImage(++testImageAngle);
+}
+
+void OpenGLControl::make_uncurrent() {
+  host_->window().makeUncurrent();
+}
+
+void OpenGLControl::snapshot(std::uint32_t width, std::uint32_t height, void* data) {
+  const TimingMark mark("OpenGLControl::snapshot");
+  snapshotBuffer_.resize(width, height);
+  snapshotBuffer_.set_output_data(data);
+  snapshotPending_ = true;
+}
+
+bool OpenGLControl::wait_for_snapshot() {
+  const TimingMark mark("OpenGLControl::wait_for_snapshot");
+  if (!snapshotPending_) return false;
+  const bool drawn = snapshotBuffer_.wait();
+  snapshotPending_ = false;
+  return drawn;
+}
+
+void OpenGLControl::cancel_snapshot() {
+  snapshotBuffer_.cancel();
+}
+
+}  // namespace oct

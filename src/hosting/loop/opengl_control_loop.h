@@ -1,0 +1,108 @@
+// Draws frames on a thread of its own, as clients ask for them, and hands them back on another.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include "core/error_callback.h"
+#include "hosting/loop/functors.h"
+#include "hosting/loop/request_queue.h"
+#include "hosting/loop/return_map.h"
+#include "hosting/host/signal_event.h"
+#include "hosting/surfaces/surface_sharing.h"
+#include "hosting/loop/visitors.h"
+
+namespace oct {
+
+class HandOffBuffer;
+class OpenGLControl;
+
+// What is drawn is the rendering callback's business; without one the loop draws a test image. Public
+// operations may be called on any thread.
+class OpenGLControlLoop {
+ public:
+  // How the render thread takes the next request.
+  enum class Mode : std::uint32_t {
+    onceEach = 0,     // waits for requests; each is drawn once
+    roundRobin = 1,   // draws all requests in turn, for ever
+    snapshotMode = 2  // draws the front request again and again
+    // Any other number waits as onceEach does and draws as roundRobin does.
+  };
+  using enum Mode;
+
+  // Returns when the render thread has made its control, or has failed to. Any callback may be empty.
+  explicit OpenGLControlLoop(Callback initCallback = {}, Callback uninitCallback = {},
+                             ErrorCallback errorCallback = {});
+  ~OpenGLControlLoop();
+  OpenGLControlLoop(const OpenGLControlLoop&) = delete;
+  OpenGLControlLoop& operator=(const OpenGLControlLoop&) = delete;
+
+  // Throws the resource-deadlock error on the loop's own threads, which cannot wait for their own end. Call
+  // it before deleting the loop.
+  void check_deletable() const;
+
+  void request(std::int32_t id);
+  void set_mode(Mode mode);
+  void resize(std::uint32_t width, std::uint32_t height);
+  void set_rendering_callback(RenderingCallback callback);
+  void set_image_ready_callback(std::optional<ImageReadyCallback> callback);
+
+  // Draws a frame of the given size into client memory and returns when it is there: BGRA, bottom row first.
+  // Does nothing while another snapshot is running.
+  void snapshot(std::uint32_t width, std::uint32_t height, void* data);
+
+  SurfaceSharing sharing() const { return sharing_; }
+
+ private:
+  struct Size {
+    std::uint32_t width;
+    std::uint32_t height;
+  };
+
+  Size size() const;
+  void rendering_loop() noexcept;
+  void render();
+  void render_iteration();
+  RequestQueue::Request next_request(bool& taken);
+  void render_frame(std::int32_t request, bool taken);
+  bool render_snapshot(std::int32_t request, bool taken);
+  void draw(std::int32_t request);
+  void hand_over(bool wait);
+  void render_thread_failed();
+  void return_loop();
+  void return_frames();
+  void give_to_client(HandOffBuffer& buffer);
+  void end_snapshots();
+  void shut_down();
+
+  std::atomic<Mode> mode_{roundRobin};
+  Mode pendingMode_ = onceEach;  // guarded by modeMutex_
+  const ErrorCallback errorCallback_;
+  RenderingCallback renderingCallback_;                   // guarded by renderingCallbackMutex_
+  std::optional<ImageReadyCallback> imageReadyCallback_;  // guarded by imageReadyMutex_
+  const Callback initCallback_;
+  const Callback uninitCallback_;
+  std::mutex renderingCallbackMutex_;
+  std::mutex imageReadyMutex_;
+  std::atomic<bool> running_{true};
+  RequestQueue requestQueue_;
+  ReturnMap returnMap_;
+  SignalEvent startGate_;
+  std::unique_ptr<OpenGLControl> control_;
+  std::atomic<std::uint64_t> size_{0};  // width in the upper half, so that both change together
+  const SurfaceSharing sharing_;
+  HandOffBuffer* unfinished_ = nullptr;  // of the render thread: its frame still waits for the GPU
+  Visitors snapshots_;
+  std::mutex snapshotMutex_;
+  std::mutex modeMutex_;
+  std::atomic<std::thread::id> renderThreadId_{};
+  std::atomic<std::thread::id> returnThreadId_{};
+  std::thread returnThread_;
+  std::thread renderThread_;
+};
+
+}  // namespace oct

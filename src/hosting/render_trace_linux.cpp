@@ -1,9 +1,0 @@
-#include "hosting/render_trace.h"
-
-namespace oct {
-
-const char* renderTraceFile() {
-  return "/tmp/render_calls.txt";
-}
-
-}  // namespace oct

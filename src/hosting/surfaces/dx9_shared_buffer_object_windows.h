@@ -1,0 +1,57 @@
+// A hand-off buffer whose frames OpenGL renders straight into a Direct3D 9Ex texture.
+#pragma once
+
+#include <optional>
+
+#include "gl/fence.h"
+#include "gl/gl_names.h"
+#include "hosting/surfaces/dx9_interop_windows.h"
+#include "hosting/surfaces/hand_off_buffer.h"
+
+namespace oct {
+
+// The texture is locked for OpenGL between prepare and finish. The first resize gives the buffer its Direct3D
+// resources; one that fails leaves a buffer of no size, which the next one repairs.
+class DX9SharedBufferObject : public HandOffBuffer {
+ public:
+  // Both devices must outlive the buffer. Without an interop device no resize succeeds.
+  DX9SharedBufferObject(const DX9Device& device, const InteropDevice* interop, std::int32_t index)
+      : HandOffBuffer(index), device_(device), interop_(interop) {}
+  ~DX9SharedBufferObject() override;
+
+  void release() override;
+  void resize(std::uint32_t width, std::uint32_t height) override;
+  std::uint32_t width() const override { return width_; }
+  std::uint32_t height() const override { return height_; }
+  void prepare(std::int32_t request) override;
+  void finish() override;
+  std::unique_ptr<MappedBuffer> map() override;
+
+ private:
+  const gl::Framebuffer& target() const { return blitFallback_ ? renderFramebuffer_ : sharedFramebuffer_; }
+  void shareTexture(std::uint32_t width, std::uint32_t height);
+  void attachSharedTexture();
+  void createFallbackTarget(GLsizei width, GLsizei height);
+  void blitToSharedTexture();
+  void waitForGpu();
+  GLsizei columns() const { return static_cast<GLsizei>(width_); }
+  GLsizei rows() const { return static_cast<GLsizei>(height_); }
+
+  const DX9Device& device_;
+  const InteropDevice* const interop_;
+  DX9Texture texture_;
+  ComOwner<IDirect3DSurface9> surface_;
+  gl::Framebuffer renderFramebuffer_;  // used when the driver takes no depth beside a shared texture
+  bool blitFallback_ = false;
+  gl::Framebuffer sharedFramebuffer_;
+  gl::Texture sharedTexture_;
+  gl::Texture fallbackTexture_;
+  gl::Renderbuffer depth_;
+  InteropObject object_;
+  std::optional<InteropLock> openGLTurn_;
+  std::uint32_t width_ = 0;
+  std::uint32_t height_ = 0;
+  gl::Fence fence_;
+};
+
+}  // namespace oct

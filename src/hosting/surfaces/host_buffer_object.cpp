@@ -1,0 +1,96 @@
+#include "hosting/surfaces/host_buffer_object.h"
+
+#include <stdexcept>
+
+#include "core/timing_mark.h"
+#include "gl/opengl_error.h"
+#include "gl/read_back.h"
+
+namespace oct {
+
+HostBufferObject::~HostBufferObject() {
+  const TimingMark mark("~HostBufferObject");
+  release();
+}
+
+void HostBufferObject::release() {
+  unmap();
+  fence_.reset();
+  target_.reset();
+  pixels_.reset();
+}
+
+void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
+  const TimingMark mark("host_buffer_resize");
+  release();
+  // Whatever fails below, the buffer has no size, so that the next frame repairs it.
+  surface_ = {};
+
+  while (glGetError() != GL_NO_ERROR) {  // errors of the client's callback are not ours
+  }
+  target_.create(static_cast<GLsizei>(width), static_cast<GLsizei>(height));
+  const GLenum status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  pixels_ = gl::Buffer::create();
+  const auto size = static_cast<GLsizeiptr>(width) * static_cast<GLsizeiptr>(height) * 4;
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
+  glBufferData(GL_PIXEL_PACK_BUFFER, size, nullptr, GL_STREAM_READ);
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+  const GLenum error = glGetError();
+  if (error != GL_NO_ERROR || status != GL_FRAMEBUFFER_COMPLETE) {
+    renderTargetFailed(error != GL_NO_ERROR ? gl::errorText(error) : gl::framebufferStatusName(status));
+  }
+  surface_ = {width, height, width * 4, nullptr};
+}
+
+void HostBufferObject::prepare(std::int32_t request) {
+  unmap();
+  fence_.reset();
+  glBindFramebuffer(GL_FRAMEBUFFER, target_.framebuffer.get());
+  glViewport(0, 0, columns(), rows());
+  begin(request);
+}
+
+void HostBufferObject::finish() {
+  const TimingMark mark("HostBufferObject: finish");
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
+  gl::readColor(target_.framebuffer, columns(), rows(), nullptr);
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+  fence_.insert();
+  glFlush();
+}
+
+bool HostBufferObject::complete(bool wait) {
+  if (!fence_) return true;
+  const GLenum result = fence_.wait(wait ? gl::oneSecond : 0);
+  if (result == GL_TIMEOUT_EXPIRED && !wait) return false;
+  fence_.reset();
+  if (result != GL_ALREADY_SIGNALED && result != GL_CONDITION_SATISFIED) renderingTookTooLong();
+  const TimingMark mark("HostBufferObject: map");
+  const auto size = static_cast<GLsizeiptr>(surface_.stride_bytes) * static_cast<GLsizeiptr>(surface_.height);
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
+  surface_.pixels =
+      static_cast<unsigned char*>(glMapBufferRange(GL_PIXEL_PACK_BUFFER, 0, size, GL_MAP_READ_BIT));
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+  if (!surface_.pixels) throw std::runtime_error("Could not map the pixels of a frame. ");
+  return true;
+}
+
+// A buffer that is given up because its context is not current is unmapped by its end.
+void HostBufferObject::unmap() {
+  if (!surface_.pixels) return;
+  surface_.pixels = nullptr;
+  if (!gl::isContextCurrent()) return;
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
+  glUnmapBuffer(GL_PIXEL_PACK_BUFFER);
+  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+}
+
+std::unique_ptr<MappedBuffer> HostBufferObject::map() {
+  const TimingMark mark("host_map_buffer_object");
+  auto held = lock();
+  if (!surface_.pixels) return nullptr;
+  return mapped(std::move(held), &surface_);
+}
+
+}  // namespace oct

@@ -1,5 +1,0 @@
-#version 330 core
-
-#include "volume.glsl"
-#include "ray.glsl"
-#include "mip_main.glsl"

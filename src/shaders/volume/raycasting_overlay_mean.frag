@@ -1,6 +1,0 @@
-#version 330 core
-
-#include "volume.glsl"
-#include "overlay.glsl"
-#include "ray.glsl"
-#include "mean_main.glsl"

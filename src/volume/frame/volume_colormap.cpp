@@ -1,0 +1,58 @@
+#include "volume/frame/volume_colormap.h"
+
+#include <stdexcept>
+
+#include "core/timing_mark.h"
+#include "gl/opengl_error.h"
+
+namespace oct {
+
+void VolumeColormap::setColors(Colormap colors) {
+  colors_ = std::move(colors);
+  changed_ = true;
+}
+
+void VolumeColormap::setBoundaries(double lower, double upper) {
+  lower_ = static_cast<float>(lower);
+  upper_ = static_cast<float>(upper);
+}
+
+bool VolumeColormap::uploadIfChanged() {
+  if (!changed_) return false;
+  // A map without entries shows nothing.
+  uploadColormap(texture_, colors_.empty() ? Colormap{0U} : colors_);
+  changed_ = false;
+  return true;
+}
+
+void VolumeColormaps::create() {
+  for (auto& colormap : colormaps_) {
+    if (!colormap) colormap.emplace();
+    colormap->markChanged();
+  }
+}
+
+void VolumeColormaps::release() {
+  for (auto& colormap : colormaps_) colormap.reset();
+}
+
+VolumeColormap* VolumeColormaps::find(ColormapRole role) {
+  auto& colormap = colormaps_[static_cast<std::size_t>(role)];
+  return colormap ? &*colormap : nullptr;
+}
+
+const VolumeColormap& VolumeColormaps::at(ColormapRole role) const {
+  const auto& colormap = colormaps_[static_cast<std::size_t>(role)];
+  if (!colormap) throw std::runtime_error("Program has not been compiled yet.");
+  return *colormap;
+}
+
+void VolumeColormaps::uploadChanged() {
+  for (auto& colormap : colormaps_) {
+    if (!colormap || !colormap->uploadIfChanged()) continue;
+    recordTimingMark("render: colormap changed");
+    gl::throwOnGLError("render: colormap changed");
+  }
+}
+
+}  // namespace oct

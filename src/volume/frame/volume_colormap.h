@@ -1,0 +1,51 @@
+// The colour map objects of a volume renderer. They live from init to uninit.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+
+#include "gl/gl_names.h"
+#include "gl/colormap.h"
+
+namespace oct {
+
+class VolumeColormap {
+ public:
+  void setColors(Colormap colors);
+  void setBoundaries(double lower, double upper);
+  float lower() const { return lower_; }
+  float upper() const { return upper_; }
+
+  // Uploads the colours if they changed since the last upload; true when it did.
+  bool uploadIfChanged();
+  void markChanged() { changed_ = true; }
+  GLuint texture() const { return texture_.get(); }
+
+ private:
+  Colormap colors_ = defaultColormap();
+  bool changed_ = true;
+  float lower_ = 0.0F;
+  float upper_ = 1.0F;
+  gl::Texture texture_;
+};
+
+enum class ColormapRole : std::size_t { main, overlay, secondary, surface };
+
+class VolumeColormaps {
+ public:
+  void create();   // those that do not exist; all are uploaded at the next frame
+  void release();  // deletes them
+
+  // Null before create.
+  VolumeColormap* find(ColormapRole role);
+  // Throws std::runtime_error "Program has not been compiled yet." before create: both are made together.
+  const VolumeColormap& at(ColormapRole role) const;
+
+  void uploadChanged();
+
+ private:
+  std::array<std::optional<VolumeColormap>, 4> colormaps_;
+};
+
+}  // namespace oct

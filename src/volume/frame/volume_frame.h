@@ -1,0 +1,54 @@
+// What the passes of one frame draw with. Valid for that frame only.
+#pragma once
+
+#include "volume/layout/camera.h"
+#include "volume/layout/clip_plane.h"
+#include "volume/frame/volume_colormap.h"
+#include "volume/frame/volume_programs.h"
+#include "volume/frame/volume_settings.h"
+
+namespace oct {
+
+// Texture units of the volume programs.
+namespace volume_unit {
+constexpr GLint volume = 0;
+constexpr GLint color = 1;
+constexpr GLint back = 2;
+constexpr GLint overlay = 3;
+constexpr GLint overlayColor = 4;
+constexpr GLint color2 = 5;
+constexpr GLint secondary = 6;
+}  // namespace volume_unit
+
+struct VolumeFrame {
+  const VolumeSettings& settings;
+  const VolumeSource& source;
+  const VolumeColormaps& colormaps;
+  const VolumePrograms& programs;
+  const ClipPlane& clipPlane;
+  Camera camera;
+  float filledEnd =
+      1.0F;  // where the filled part of the box ends along model z; -1 or less: nothing is filled
+
+  bool boxFilled() const { return filledEnd > -1.0F; }
+  bool volumeShown() const { return source.volume != 0 && settings.renderVolume; }
+
+  // Whether the viewer looks at the cut of the clip plane, and not at it through the volume.
+  bool cutFacesViewer() const;
+
+  // The colour map that colours the volume.
+  const VolumeColormap& mainColormap() const {
+    return colormaps.at(source.mainColormapIsOverlay ? ColormapRole::overlay : ColormapRole::main);
+  }
+};
+
+void bindVolumeTexture(GLint unit, GLenum target, GLuint texture);
+
+// Sets every texture and uniform of a program that samples the volume, and makes it the current one:
+// matrices, volume, colour maps and boundaries, overlay. The program must have been loaded.
+void useVolumeProgram(const VolumeRenderingProgram& program, const VolumeFrame& frame);
+
+// Makes a program with modelview, projection and the uniform "color" the current one.
+void useSimpleProgram(const VolumeFrame& frame, const glm::vec4& color);
+
+}  // namespace oct

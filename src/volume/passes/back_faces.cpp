@@ -1,0 +1,73 @@
+#include "volume/passes/back_faces.h"
+
+#include <glm/gtc/type_ptr.hpp>
+
+#include <stdexcept>
+#include <string>
+
+#include "gl/draw_state.h"
+#include "gl/opengl_error.h"
+#include "gl/pixel_store.h"
+
+namespace oct {
+
+void BackFaces::create() {
+  if (!texture_) texture_ = gl::Texture::create();
+  if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
+  rebuild_ = true;
+}
+
+void BackFaces::release() {
+  framebuffer_.reset();
+  texture_.reset();
+  rebuild_ = true;
+}
+
+void BackFaces::fit(Viewport viewport) {
+  if (!rebuild_ && size_.width == viewport.width && size_.height == viewport.height) return;
+  bindVolumeTexture(volume_unit::back, GL_TEXTURE_2D, texture_.get());
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+  gl::resetPixelUnpack();
+  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, viewport.width, viewport.height, 0, GL_RGBA, GL_FLOAT, nullptr);
+  gl::throwOnGLError("VolumeRenderer::back texture");
+  size_ = viewport;
+  rebuild_ = false;
+}
+
+void BackFaces::attach() const {
+  glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture_.get(), 0);
+  const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
+  if (status == GL_FRAMEBUFFER_COMPLETE) return;
+  throw std::runtime_error(std::string("An OpenGL error occured. Framebuffer is not complete: ") +
+                           gl::framebufferStatusName(status));
+}
+
+void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cutFace) {
+  fit(frame.camera.viewport);
+  const gl::DrawTargetGuard target;
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
+  glViewport(0, 0, size_.width, size_.height);
+  attach();
+  const gl::ScopedDisable disabled(GL_DEPTH_TEST, GL_BLEND, GL_SCISSOR_TEST);
+  glEnable(GL_CULL_FACE);
+  glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  glCullFace(GL_FRONT);
+
+  const RaycastingProgram& program = frame.programs.raycastingBack;
+  program.use();
+  glUniformMatrix4fv(program.at().modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
+  glUniformMatrix4fv(program.at().projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
+  const auto corners = static_cast<GLsizei>(frame.clipPlane.cutFace().size());
+  if (corners > 0 && !frame.cutFacesViewer()) {
+    glUniform4f(program.ray().clipPlane, 0.0F, 0.0F, 0.0F, 0.0F);
+    cutFace.draw(GL_TRIANGLES, 0, corners);
+  }
+  glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clipPlane.plane()));
+  box.draw(frame.filledEnd);
+}
+
+}  // namespace oct

@@ -1,0 +1,34 @@
+#include "volume/passes/box.h"
+
+#include <array>
+
+namespace oct {
+
+float filledEnd(float fraction, int parts) {
+  if (fraction >= 1.0F) return 1.0F;
+  return 2.0F * fraction - 1.0F - (parts > 0 ? 1.0F / static_cast<float>(parts) : 0.0F);
+}
+
+void Box::draw(float end) {
+  if (!geometry_ || end != end_) {
+    // Corners with x slowest and z fastest.
+    std::array<glm::vec3, 8> corners;
+    for (unsigned i = 0; i < 8; ++i) {
+      corners[i] = {(i & 4U) != 0 ? 1.0F : -1.0F, (i & 2U) != 0 ? 1.0F : -1.0F, (i & 1U) != 0 ? end : -1.0F};
+    }
+    constexpr std::array<std::uint32_t, 24> faces{
+        0, 2, 1, 3,  // x = -1
+        4, 5, 6, 7,  // x = 1
+        0, 1, 4, 5,  // y = -1
+        2, 6, 3, 7,  // y = 1
+        0, 4, 2, 6,  // z = -1
+        1, 3, 5, 7,  // z = end
+    };
+    geometry_.setVertices(corners);
+    geometry_.setIndices(faces);
+    end_ = end;
+  }
+  for (std::size_t face = 0; face < 6; ++face) geometry_.drawIndexed(GL_TRIANGLE_STRIP, 4 * face, 4);
+}
+
+}  // namespace oct

@@ -1,0 +1,19 @@
+// How scene elements draw lines.
+#pragma once
+
+#include <span>
+
+#include "gl/geometry.h"
+#include "volume/frame/volume_frame.h"
+
+namespace oct {
+
+// Smooth blended lines, a pair of points for each. The geometry keeps the buffer from frame to frame.
+void drawModelLines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
+                    const glm::vec4& color);
+
+// The same with points in normalised device coordinates.
+void drawScreenLines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
+                     const glm::vec4& color);
+
+}  // namespace oct

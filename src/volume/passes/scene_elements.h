@@ -1,0 +1,68 @@
+// What is drawn around the volume: translucent box, frame with scale marks, clip plane border, removed
+// segment.
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "gl/geometry.h"
+#include "volume/text/font_renderer.h"
+#include "volume/layout/scale_marks.h"
+#include "volume/passes/sectional_view.h"
+#include "volume/frame/volume_frame.h"
+
+namespace oct {
+
+// Most elements are drawn twice: before the volume with what lies behind it (depth test: greater or equal),
+// and after it with what lies in front.
+enum class ElementPass { behind, inFront };
+
+class SceneElements {
+ public:
+  SectionalView sectionalView;
+
+  void drawTranslucent(const VolumeFrame& frame, ElementPass pass);
+
+  // Edges and scale marks, by the frame flags. Without any font on the machine marks have no labels; that is
+  // thrown once everything else is drawn, at the end of the pass in front.
+  void drawFrame(const VolumeFrame& frame, ElementPass pass);
+
+  void drawClipPlaneBorder(const VolumeFrame& frame, ElementPass pass);
+  void drawRemovedSegment(const VolumeFrame& frame, ElementPass pass);  // before and after the rays
+  void release();  // deletes the OpenGL objects and the text renderers
+
+ private:
+  struct Fonts {
+    explicit Fonts(int lineHeight)
+        : height(lineHeight), numbers(lineHeight, false), captions(lineHeight, true) {}
+    int height;
+    FontRenderer numbers;
+    FontRenderer captions;
+  };
+
+  // The marks of the last frame, which the next one often needs again.
+  struct Layout {
+    Camera camera;
+    glm::vec3 extent;
+    ScaleMarks marks;
+  };
+
+  void drawEdges(const VolumeFrame& frame);
+  void drawScaleMarks(const VolumeFrame& frame);
+  void drawLabels(const VolumeFrame& frame);
+  void provideFonts(int height);
+  const ScaleMarks& marksOf(const VolumeFrame& frame);
+
+  gl::Geometry faces_;
+  gl::Geometry edges_;
+  gl::Geometry ticks_;
+  gl::Geometry border_;
+  gl::Geometry removed_;
+  std::unique_ptr<Fonts> fonts_;
+  std::exception_ptr fontFailure_;
+  std::optional<Layout> layout_;
+};
+
+}  // namespace oct

@@ -1,0 +1,118 @@
+#include "volume/passes/sectional_view.h"
+
+#include <stdexcept>
+
+#include "core/timing_mark.h"
+#include "gl/draw_state.h"
+#include "gl/opengl_error.h"
+#include "volume/passes/line_drawing.h"
+
+namespace oct {
+namespace {
+
+float coordinate(float position) {
+  return 2.0F * position - 1.0F;
+}
+
+struct Interval {
+  float from;
+  float to;
+};
+
+// The two parts of an edge of the box that a slice leaves, the one away from the eye first.
+std::array<Interval, 2> partedAt(float cut, bool eyeAbove) {
+  const Interval below{-1.0F, cut};
+  const Interval above{cut, 1.0F};
+  return eyeAbove ? std::array{below, above} : std::array{above, below};
+}
+
+class TriangleList {
+ public:
+  void add(int axis, float at, Interval second, Interval third) {
+    const auto corner = [&](float onSecond, float onThird) {
+      glm::vec3 point;
+      point[axis] = at;
+      point[(axis + 1) % 3] = onSecond;
+      point[(axis + 2) % 3] = onThird;
+      return point;
+    };
+    const std::array<glm::vec3, 4> corners{corner(second.from, third.from), corner(second.to, third.from),
+                                           corner(second.to, third.to), corner(second.from, third.to)};
+    for (const std::size_t i : {0, 1, 2, 0, 2, 3}) triangles.push_back(corners[i]);
+  }
+
+  std::vector<glm::vec3> triangles;
+};
+
+}  // namespace
+
+std::vector<glm::vec3> sectionTriangles(const Sections& sections, const glm::vec4& eye) {
+  glm::vec3 at;
+  std::array<bool, 3> eyeAbove{};
+  for (int axis = 0; axis < 3; ++axis) {
+    at[axis] = coordinate(sections[static_cast<std::size_t>(axis)].position);
+    eyeAbove[static_cast<std::size_t>(axis)] = eye[axis] - at[axis] * eye.w > 0.0F;
+  }
+  const auto byX = partedAt(at.x, eyeAbove[0]);
+  const auto byY = partedAt(at.y, eyeAbove[1]);
+  constexpr Interval whole{-1.0F, 1.0F};
+
+  // Whatever lies beyond a slice comes before it, and what lies on the eye's side after it.
+  TriangleList list;
+  for (std::size_t x = 0; x < 2; ++x) {
+    for (std::size_t y = 0; y < 2; ++y) {
+      if (sections[2].shown) list.add(2, at.z, byX[x], byY[y]);
+      if (y == 0 && sections[1].shown) list.add(1, at.y, whole, byX[x]);
+    }
+    if (x == 0 && sections[0].shown) list.add(0, at.x, whole, whole);
+  }
+  return list.triangles;
+}
+
+void SectionalView::set(const Sections& sections) {
+  for (const Section& section : sections) {
+    if (!(section.position >= 0.0F && section.position <= 1.0F)) {
+      throw std::invalid_argument(
+          "Slice positions of sectional view are out of range. Values must be in range from 0.0 to 1.0. ");
+    }
+  }
+  sections_ = sections;
+  for (int axis = 0; axis < 3; ++axis) {
+    const auto index = static_cast<std::size_t>(axis);
+    quads_[index] = crossSection(axis, coordinate(sections[index].position));
+  }
+}
+
+void SectionalView::draw(const VolumeFrame& frame) {
+  const TimingMark mark("VolumeRenderer::render_sectional_view");
+  const std::vector<glm::vec3> triangles = sectionTriangles(sections_, eyeInModel(frame.camera));
+  if (triangles.empty()) return;
+  const bool overlay = frame.source.overlayPresent;
+  useVolumeProgram(overlay ? frame.programs.sectionOverlay : frame.programs.section, frame);
+  slices_.setVertices(std::span<const glm::vec3>(triangles));
+  {
+    const gl::Blending blending;
+    slices_.draw(GL_TRIANGLES, 0, static_cast<GLsizei>(triangles.size()));
+  }
+  gl::throwOnGLError("VolumeRenderer::render_sectional_view");
+}
+
+void SectionalView::drawOutline(const VolumeFrame& frame) {
+  const TimingMark mark("VolumeRenderer::render_sectional_view");
+  std::vector<glm::vec3> lines;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    if (!sections_[axis].shown) continue;
+    const CrossSection& quad = quads_[axis];
+    for (std::size_t i = 0; i < 4; ++i) lines.insert(lines.end(), {quad[i], quad[(i + 1) % 4]});
+  }
+  if (lines.empty()) return;
+  drawModelLines(frame, outlines_, lines, frame.settings.foreground);
+  gl::throwOnGLError("VolumeRenderer::render_sectional_view");
+}
+
+void SectionalView::release() {
+  slices_.release();
+  outlines_.release();
+}
+
+}  // namespace oct

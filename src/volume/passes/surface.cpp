@@ -1,0 +1,47 @@
+#include "volume/passes/surface.h"
+
+#include <glm/gtc/type_ptr.hpp>
+
+#include "core/timing_mark.h"
+#include "gl/opengl_error.h"
+
+namespace oct {
+
+void Surface::set(int width, int height, double scale, const float* values) {
+  mesh_ = surfaceMesh(width, height, scale, values);
+  if (scale != 0.0) scale_ = scale;
+  changed_ = true;
+}
+
+void Surface::upload() {
+  geometry_.setVertices(std::span<const glm::vec3>(mesh_.vertices));
+  geometry_.setAttribute(std::span<const glm::vec3>(mesh_.normals));
+  geometry_.setIndices(mesh_.triangles);
+  gl::throwOnGLError("VolumeRenderer::surface changed");
+  changed_ = false;
+}
+
+void Surface::draw(const VolumeFrame& frame) {
+  const TimingMark mark("VolumeRenderer::render_surface");
+  if (mesh_.triangles.empty()) return;
+  if (changed_ || !geometry_) upload();
+  const SurfaceProgram& program = frame.programs.surface;
+  const VolumeColormap& colormap = frame.colormaps.at(ColormapRole::surface);
+  program.use();
+  glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
+  glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
+  glUniformMatrix3fv(program.normal, 1, GL_FALSE, glm::value_ptr(frame.camera.normal));
+  glUniform1f(program.lowerDepth, colormap.lower());
+  glUniform1f(program.upperDepth, colormap.upper());
+  glUniform1i(program.colorTex, volume_unit::color);
+  bindVolumeTexture(volume_unit::color, GL_TEXTURE_1D, colormap.texture());
+  glDisable(GL_BLEND);
+  geometry_.drawIndexed(GL_TRIANGLES, 0, static_cast<GLsizei>(mesh_.triangles.size()));
+  gl::throwOnGLError("VolumeRenderer::render_surface");
+}
+
+void Surface::release() {
+  geometry_.release();
+}
+
+}  // namespace oct

@@ -1,0 +1,97 @@
+// What many threads compute together, and what one of them may stop.
+
+#include "measurement.h"
+
+#include "base/parallel.h"
+#include "base/recording.h"
+#include "phantoms/finger_pad.h"
+#include "processing/surface.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <stdexcept>
+
+namespace oct::simulator::test {
+namespace {
+
+TEST(ParallelRanges, CoversEveryItemOnceAndPassesOnAnExceptionOfAnyWorker) {
+  for (const int workers : {0, 1, 3, 50})
+    for (const int count : {0, 1, 7, 100}) {
+      std::vector<int> visits(count);
+      parallelRanges(count, workers, [&](int begin, int end) {
+        for (int i = begin; i < end; ++i) ++visits[i];
+      });
+      EXPECT_EQ(visits, std::vector<int>(count, 1)) << workers << " workers, " << count << " items";
+    }
+  for (const int faulty : {0, 5, 9})
+    EXPECT_THROW(parallelRanges(10, 4,
+                                [&](int begin, int end) {
+                                  if (begin <= faulty && faulty < end) throw std::runtime_error("fault");
+                                }),
+                 std::runtime_error);
+}
+
+/// All that a device with two sensors gives, and a recording beside it.
+std::vector<std::vector<float>> everything(std::uint64_t seed, int workers) {
+  Device device(Spectrometer(256, 1300.0, 3.6), std::make_shared<FingerPad>(seed), seed, 2);
+  std::array<ComplexData, 2> fields;
+  std::vector<std::vector<float>> results;
+  const auto picture = std::make_shared<Data>();
+  device.start(ScanPattern(37, 5, 3.0, 3.0), 0);
+  for (int sensor = 0; sensor < 2; ++sensor) {
+    RawData raw;
+    const auto field = std::make_shared<ComplexData>();
+    Processing processing(device.calibration());
+    processing.setOutput(picture);
+    processing.setOutput(field);
+    device.acquire(raw, sensor, workers);
+    processing.execute(raw, workers);
+    fields[sensor] = *field;
+    results.push_back(picture->samples());
+  }
+  Data surface;
+  findSurface(*picture, surface, workers);
+  results.push_back(surface.samples());
+  const auto dopu = std::make_shared<Data>();
+  PolarizationProcessing polarization;
+  polarization.setOutput(PolarizationProcessing::kDopu, dopu);
+  polarization.execute(fields[0], fields[1], workers);
+  results.push_back(dopu->samples());
+  const Recording recording(std::vector<float>(100 * 100 * 100).data(), {100, 100, 100}, 1, 1.0, seed);
+  recording.play(5, results.emplace_back(100 * 100 * 100), workers);
+  return results;
+}
+
+TEST(Threads, TheirNumberChangesNothingAndTheSeedEverything) {
+  const auto one = everything(3, 1);
+  EXPECT_EQ(everything(3, 1), one);
+  EXPECT_EQ(everything(3, 7), one);
+  const auto other = everything(4, 1);
+  for (std::size_t i = 0; i < one.size(); ++i) EXPECT_NE(other[i], one[i]) << i;
+}
+
+/// Stops the measurement from within, at its tenth A-scan.
+class StoppingPhantom : public Phantom {
+ public:
+  void describe(double, double, double, DepthProfile&) const override {
+    if (++seen == 10) device->stop();
+  }
+  mutable std::atomic<int> seen = 0;
+  Device* device = nullptr;
+};
+
+TEST(Threads, AStopEndsAnAcquisitionUnderWay) {
+  const auto phantom = std::make_shared<StoppingPhantom>();
+  Device device(Spectrometer(512, 1300.0, 3.6), phantom, 1);
+  phantom->device = &device;
+  RawData raw;
+  device.start(ScanPattern(100, 100, 1.0, 1.0), 0);
+  EXPECT_THROW(device.acquire(raw, 0, 2), std::runtime_error);
+  EXPECT_TRUE(raw.empty());
+  EXPECT_LT(phantom->seen, 100);
+}
+
+}  // namespace
+}  // namespace oct::simulator::test
