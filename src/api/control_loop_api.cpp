@@ -1,7 +1,8 @@
 // Exports of control loops and of the surfaces that go with them.
 #include <cstddef>
 #include <limits>
-#include <memory>
+#include <optional>
+#include <utility>
 
 #include "api/guard.h"
 #include "hosting/surfaces/client_surfaces.h"
@@ -37,17 +38,14 @@ void checkSnapshot(int width, int height, const void* data) {
 }  // namespace
 
 OpenGLControlLoopHandle createOpenGLControlLoop(void) {
-  return guarded(__func__, [] {
-    return oct::api::handleOf<OctOpenGLControlLoop>(new OpenGLControlLoop(nullptr, nullptr, nullptr));
-  });
+  return guarded(__func__, [] { return oct::api::handleOf<OctOpenGLControlLoop>(new OpenGLControlLoop); });
 }
 
 OpenGLControlLoopHandle createOpenGLControlLoopCB(OctLoopFunction Init, OctLoopFunction Uninit,
                                                   OctErrorFunction Error) {
   return guarded(__func__, [&] {
     return oct::api::handleOf<OctOpenGLControlLoop>(
-        new OpenGLControlLoop(std::make_unique<oct::Callback>(Init), std::make_unique<oct::Callback>(Uninit),
-                              Error ? std::make_unique<oct::ErrorCallback>(Error) : nullptr));
+        new OpenGLControlLoop(Init, Uninit, oct::ErrorCallback(Error)));
   });
 }
 
@@ -61,14 +59,15 @@ void deleteOpenGLControlLoop(OpenGLControlLoopHandle Handle) {
 void registerOpenGLControlLoopRenderCallback(OpenGLControlLoopHandle Handle, OctRenderFunction Render) {
   guarded(__func__, [&] {
     OpenGLControlLoop& target = loop(Handle);
-    if (Render) target.set_rendering_callback(std::make_unique<oct::RenderingCallback>(Render));
+    if (Render) target.set_rendering_callback(Render);
   });
 }
 
 void registerOpenGLControlLoopCallback(OpenGLControlLoopHandle Handle, OctImageReadyFunction ImageReady) {
   guarded(__func__, [&] {
-    loop(Handle).set_image_ready_callback(ImageReady ? std::make_unique<oct::ImageReadyCallback>(ImageReady)
-                                                     : nullptr);
+    std::optional<oct::ImageReadyCallback> callback;
+    if (ImageReady) callback.emplace(ImageReady);
+    loop(Handle).set_image_ready_callback(std::move(callback));
   });
 }
 
@@ -93,7 +92,7 @@ void resizeOpenGLControlLoop(OpenGLControlLoopHandle Handle, unsigned int Width,
 }
 
 void OpenGLControlLoopMode(OpenGLControlLoopHandle Handle, unsigned int Mode) {
-  guarded(__func__, [&] { loop(Handle).set_mode(Mode); });
+  guarded(__func__, [&] { loop(Handle).set_mode(static_cast<OpenGLControlLoop::Mode>(Mode)); });
 }
 
 void unlockBuffer(OpenGLControlLoopHandle Handle) {

@@ -37,11 +37,11 @@ void renderDisplay(DisplayRenderingHandle Handle) {
 }
 
 void setDisplayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data) {
-  guarded(__func__, [&] { renderer(Handle).setData(Size1, Size2, Data); });
+  guarded(__func__, [&] { renderer(Handle).setData({Size1, Size2}, Data); });
 }
 
-void setDisplayBounds(DisplayRenderingHandle Handle, int Lower, int Upper) {
-  guarded(__func__, [&] { renderer(Handle).setBounds(Lower, Upper); });
+void setDisplayBounds(DisplayRenderingHandle Handle, int, int) {
+  guarded(__func__, [&] { renderer(Handle); });
 }
 
 void clearDisplayData(DisplayRenderingHandle Handle) {
@@ -89,7 +89,7 @@ void setDisplayNumberOverlays(DisplayRenderingHandle Handle, int, int Count) {
 }
 
 void setDisplayOverlayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data) {
-  guarded(__func__, [&] { renderer(Handle).setOverlayData(Size1, Size2, Data); });
+  guarded(__func__, [&] { renderer(Handle).setOverlayData({Size1, Size2}, Data); });
 }
 
 void setDisplayOverlayColormap(DisplayRenderingHandle Handle, int Overlay, const void* Colormap, int Count) {

@@ -5,7 +5,7 @@
 #include "api/guard.h"
 #include "core/error_store.h"
 #include "core/log.h"
-#include "live/abstract_data_source.h"
+#include "live/brennick_data_source.h"
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
 
@@ -44,7 +44,7 @@ void setDeviceLibrary(const char* NameOrPath) {
 
 void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback) {
   guarded(__func__, [&] {
-    auto& source = oct::api::checked<oct::AbstractDataSource>(
+    auto& source = oct::api::checked<oct::BrennickDataSource>(
         DataSource, "The specified LiveDataSourceHandle is invalid. ");
     const oct::ErrorCallback callback(Callback);
     source.set_error_callback(callback);

@@ -5,9 +5,9 @@
 #include "live/fast_opengl_volume_renderer.h"
 #include "oct_rendering/oct_rendering.h"
 
-using oct::AbstractDataSource;
-using oct::AbstractLiveRendering;
+using oct::BrennickDataSource;
 using oct::BrennickDataSource_PS;
+using oct::FastOpenGLVolumeRenderer;
 using oct::api::checked;
 using oct::api::guarded;
 
@@ -16,12 +16,12 @@ namespace {
 constexpr const char* invalidSource = "The specified LiveDataSourceHandle is invalid. ";
 constexpr const char* invalidRenderer = "The specified VolumeRendererHandle is invalid. ";
 
-AbstractLiveRendering* liveRendering(LiveVolumeRenderingHandle handle) {
-  return reinterpret_cast<AbstractLiveRendering*>(handle);
+FastOpenGLVolumeRenderer* liveRendering(LiveVolumeRenderingHandle handle) {
+  return reinterpret_cast<FastOpenGLVolumeRenderer*>(handle);
 }
 
-AbstractDataSource* dataSource(LiveDataSourceHandle handle) {
-  return reinterpret_cast<AbstractDataSource*>(handle);
+BrennickDataSource* dataSource(LiveDataSourceHandle handle) {
+  return reinterpret_cast<BrennickDataSource*>(handle);
 }
 
 // Null unless the source is one for two sensors.
@@ -29,17 +29,15 @@ BrennickDataSource_PS* polarizationSource(LiveDataSourceHandle handle) {
   return dynamic_cast<BrennickDataSource_PS*>(dataSource(handle));
 }
 
-LiveDataSourceHandle handleOf(AbstractDataSource* source) {
+LiveDataSourceHandle handleOf(BrennickDataSource* source) {
   return oct::api::handleOf<OctLiveDataSource>(source);
 }
 
 }  // namespace
 
 LiveVolumeRenderingHandle createLiveRendering(void) {
-  return guarded(__func__, [] {
-    AbstractLiveRendering* const rendering = new oct::FastOpenGLVolumeRenderer;
-    return oct::api::handleOf<OctLiveVolumeRendering>(rendering);
-  });
+  return guarded(__func__,
+                 [] { return oct::api::handleOf<OctLiveVolumeRendering>(new FastOpenGLVolumeRenderer); });
 }
 
 void clearLiveRendering(LiveVolumeRenderingHandle Handle) {
@@ -51,7 +49,7 @@ void clearLiveRendering(LiveVolumeRenderingHandle Handle) {
 
 void setLiveVolumeRenderingRenderer(LiveVolumeRenderingHandle Handle, VolumeRendererHandle Renderer) {
   guarded(__func__, [&] {
-    auto& rendering = checked<AbstractLiveRendering>(Handle, "Invalid Live Rendering Handle specified. ");
+    auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, "Invalid Live Rendering Handle specified. ");
     const oct::ObjectLock lock(Handle);
     const oct::ObjectLock rendererLock(Renderer);
     rendering.set_renderer(reinterpret_cast<oct::VolumeRenderer*>(Renderer));
@@ -70,7 +68,7 @@ LiveDataSourceHandle createOnlineDataSource(OCTDeviceHandle Dev, ProcessingHandl
                  [&] {
                    if (!Dev) throw std::invalid_argument("The specifided OCTDeviceHandle is invalid. ");
                    if (!Proc) throw std::invalid_argument("The specifided ProcessingHandle is invalid. ");
-                   return handleOf(new oct::BrennickDataSource(oct::deviceLibrary(), Dev, Proc));
+                   return handleOf(new BrennickDataSource(oct::deviceLibrary(), Dev, Proc));
                  });
 }
 
@@ -128,9 +126,9 @@ void setOnlineAveraging_PS(LiveDataSourceHandle Handle, int Depth, int AScans, i
   });
 }
 
-void setOnlineDOPU_PS(LiveDataSourceHandle Handle, int Depth, int AScans, int BScans, int Reserved) {
+void setOnlineDOPU_PS(LiveDataSourceHandle Handle, int Depth, int AScans, int BScans, int) {
   guarded(__func__, [&] {
-    if (auto* const source = polarizationSource(Handle)) source->set_dopu(Depth, AScans, BScans, Reserved);
+    if (auto* const source = polarizationSource(Handle)) source->set_dopu(Depth, AScans, BScans);
   });
 }
 
@@ -151,9 +149,8 @@ void clearDataSource(LiveDataSourceHandle Handle) {
 
 void setRefIntensityCallback(LiveDataSourceHandle Handle, OctIntensityFunction Callback) {
   guarded(__func__, [&] {
-    auto& source = checked<AbstractDataSource>(Handle, invalidSource);
-    source.set_ref_intensity_callback(Callback ? std::make_unique<oct::RefIntensityCallback>(Callback)
-                                               : nullptr);
+    auto& source = checked<BrennickDataSource>(Handle, invalidSource);
+    source.set_ref_intensity_callback(Callback);
   });
 }
 
@@ -163,8 +160,8 @@ void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle Da
       "void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle DataSource, "
       "ScanPatternHandle Pattern)",
       [&] {
-        auto& source = checked<AbstractDataSource>(DataSource, invalidSource);
-        auto& rendering = checked<AbstractLiveRendering>(Renderer, invalidRenderer);
+        auto& source = checked<BrennickDataSource>(DataSource, invalidSource);
+        auto& rendering = checked<FastOpenGLVolumeRenderer>(Renderer, invalidRenderer);
         if (!Pattern) throw std::invalid_argument("The specified ScanPatternHandle is invalid. ");
         source.await_end();  // not under the lock, for which a callback of the ending thread may be waiting
         const oct::ObjectLock lock(Renderer);
@@ -175,7 +172,7 @@ void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle Da
 
 void stopDataSource(LiveDataSourceHandle DataSource) {
   guarded(__func__, [&] {
-    auto& source = checked<AbstractDataSource>(DataSource, invalidSource);
+    auto& source = checked<BrennickDataSource>(DataSource, invalidSource);
     source.stop();
     source.deregister_renderer();  // clients may clear the live renderer before the source
   });
@@ -183,7 +180,7 @@ void stopDataSource(LiveDataSourceHandle DataSource) {
 
 void renderVolume(LiveVolumeRenderingHandle Handle) {
   guarded(__func__, [&] {
-    auto& rendering = checked<AbstractLiveRendering>(Handle, invalidRenderer);
+    auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, invalidRenderer);
     const oct::ObjectLock lock(Handle);
     rendering.render();
   });
@@ -191,7 +188,7 @@ void renderVolume(LiveVolumeRenderingHandle Handle) {
 
 double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle) {
   return guarded(__func__, [&] {
-    auto& rendering = checked<AbstractLiveRendering>(Handle, invalidRenderer);
+    auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, invalidRenderer);
     const oct::ObjectLock lock(Handle);
     return rendering.get_fps();
   });
@@ -200,16 +197,21 @@ double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle) {
 void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn, unsigned int* Dropped) {
   guarded(__func__, [&] {
     // No lock: an acquisition thread that asks must not wait for a frame.
-    const auto counts = checked<AbstractLiveRendering>(Handle, invalidRenderer).get_counts();
+    const auto counts = checked<FastOpenGLVolumeRenderer>(Handle, invalidRenderer).get_counts();
     if (Drawn) *Drawn = counts.drawn;
     if (Dropped) *Dropped = counts.dropped;
   });
 }
 
 void getLiveVolumeRenderingSize(LiveVolumeRenderingHandle Handle, int* X, int* Y, int* Z) {
-  guarded(__func__, [&] { checked<AbstractLiveRendering>(Handle, invalidSource).get_size(X, Y, Z); });
+  guarded(__func__, [&] {
+    const oct::VolumeExtent extent = checked<FastOpenGLVolumeRenderer>(Handle, invalidSource).get_size();
+    if (X) *X = static_cast<int>(extent.depth);
+    if (Y) *Y = static_cast<int>(extent.a_scans);
+    if (Z) *Z = static_cast<int>(extent.b_scans);
+  });
 }
 
 void setSizeZ(LiveDataSourceHandle DataSource, int Size) {
-  guarded(__func__, [&] { checked<AbstractDataSource>(DataSource, invalidSource).set_size_z(Size); });
+  guarded(__func__, [&] { checked<BrennickDataSource>(DataSource, invalidSource).set_size_z(Size); });
 }

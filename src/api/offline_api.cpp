@@ -33,7 +33,7 @@ void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, float Lat
 }
 
 void allocateOfflineVolume(OfflineRenderingHandle Handle, int Width, int Height, int Depth) {
-  guarded(__func__, [&] { offline(Handle).allocate(Width, Height, Depth); });
+  guarded(__func__, [&] { offline(Handle).allocate({Width, Height, Depth}); });
 }
 
 void uploadOfflineVolume(OfflineRenderingHandle Handle, const float* Volume) {
@@ -61,10 +61,11 @@ void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int D
   guarded(__func__, [&] {
     auto& object =
         oct::api::checked<OfflineVolumeRendering>(Handle, "The specified VolumeRendererHandle is invalid. ");
-    object.uploadSecondaryData({Height, Depth, Width, First, Count, Data});
+    object.uploadSecondaryData({{Width, Height, Depth}, First, Count, Data});
   });
 }
 
 void renderOfflineVolume(OfflineRenderingHandle Handle, int ContentType) {
-  guarded(__func__, [&] { offline(Handle).render(ContentType); });
+  guarded(__func__,
+          [&] { offline(Handle).render(static_cast<OfflineVolumeRendering::Content>(ContentType)); });
 }

@@ -76,8 +76,8 @@ void setUsePerspective(VolumeRendererHandle Handle, bool Perspective) {
   guarded(__func__, [&] { renderer(Handle).setUsePerspective(Perspective); });
 }
 
-void setLateralVoxelsPerPixel(VolumeRendererHandle Handle, double Voxels) {
-  guarded(__func__, [&] { renderer(Handle).setLateralVoxelsPerPixel(Voxels); });
+void setLateralVoxelsPerPixel(VolumeRendererHandle Handle, double) {
+  guarded(__func__, [&] { renderer(Handle); });
 }
 
 void setRenderingMode(VolumeRendererHandle Handle, int Mode) {

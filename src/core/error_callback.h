@@ -1,26 +1,22 @@
 // A client's error function.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <utility>
 
 #include "core/timing_mark.h"
 
 namespace oct {
 
-class AbstractErrorFunctor {
+class ErrorCallback {
  public:
-  virtual ~AbstractErrorFunctor() = default;
-  virtual void operator()(const std::string& message) const = 0;
-};
-
-class ErrorCallback : public AbstractErrorFunctor {
- public:
-  using Function = void (*)(const char* message);
+  using Function = std::function<void(const char* message)>;
 
   ErrorCallback() = default;
-  explicit ErrorCallback(Function function) : function_(function) {}
+  explicit ErrorCallback(Function function) : function_(std::move(function)) {}
 
-  void operator()(const std::string& message) const override {
+  void operator()(const std::string& message) const {
     const TimingMark mark("ErrorCallback ", message);
     function_(message.c_str());
   }
@@ -28,7 +24,7 @@ class ErrorCallback : public AbstractErrorFunctor {
   explicit operator bool() const { return function_ != nullptr; }
 
  private:
-  Function function_ = nullptr;
+  Function function_;
 };
 
 }  // namespace oct

@@ -41,7 +41,7 @@ class FrameBindings {
 
 struct DisplayRenderer::Frame {
   const FrameSettings& settings;
-  TextureView image;  // the base image after its filters; depth along the first axis
+  TextureView image;  // the base image after its filters
   GLsizei width;      // of the viewport
   GLsizei height;
 };
@@ -130,9 +130,7 @@ void DisplayRenderer::render() {
 
   const auto locked = displayData_.lock();
   if (locked->texture() == 0) throw std::runtime_error("Invalid texture for rendering....");
-  const TextureView source{locked->texture(), static_cast<GLsizei>(locked->height()),
-                           static_cast<GLsizei>(locked->width())};
-  const TextureView image = filters_.run(source);
+  const TextureView image = filters_.run({locked->texture(), locked->extent()});
   quad_.create("Could not create OpenGL buffer.");
 
   glDisable(GL_DEPTH_TEST);
@@ -173,13 +171,11 @@ void DisplayRenderer::uploadColormaps(const FrameSettings& settings) {
 }
 
 void DisplayRenderer::drawBase(const Frame& frame) {
-  const auto samples = [](GLsizei texels, GLsizei pixels) {
+  const auto samples = [](std::int64_t texels, GLsizei pixels) {
     return std::max(static_cast<float>(texels) / static_cast<float>(pixels), 1.0F);
   };
   const LayerSettings& layer = frame.settings.layers[0];
-  const bool reduce = frame.settings.common.dynamicReduction;
-  const GLsizei aScans = frame.image.height;
-  const GLsizei depth = frame.image.width;
+  const ImageExtent& extent = frame.image.extent;
 
   display_.shader.use();
   bindTexture(displayUnit, GL_TEXTURE_2D, frame.image.texture);
@@ -188,11 +184,10 @@ void DisplayRenderer::drawBase(const Frame& frame) {
   glUniform1i(display_.colorTex, colorUnit);
   glUniform1f(display_.lowerValue, layer.lowerValue);
   glUniform1f(display_.upperValue, layer.upperValue);
-  glUniform2f(display_.textureSize, static_cast<float>(aScans), static_cast<float>(depth));
+  glUniform2f(display_.textureSize, static_cast<float>(extent.depth), static_cast<float>(extent.a_scans));
   glUniform2f(display_.displaySize, static_cast<float>(frame.width), static_cast<float>(frame.height));
-  glUniform2f(display_.dpp, reduce ? samples(aScans, frame.width) : 1.0F,
-              reduce ? samples(depth, frame.height) : 1.0F);
-  glUniform1f(display_.gamma, frame.settings.common.gamma);
+  glUniform2f(display_.dpp, samples(extent.depth, frame.height), samples(extent.a_scans, frame.width));
+  glUniform1f(display_.gamma, 1.0F);
   glUniform1i(display_.flip, frame.settings.common.flip);
   quad_.draw();
 }

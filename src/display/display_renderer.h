@@ -9,29 +9,30 @@
 
 #include "display/filters.h"
 #include "display/simple_data_provider.h"
+#include "gl/colormap.h"
 #include "gl/quad.h"
 #include "gl/shader.h"
-#include "gl/abstract_renderer.h"
-#include "gl/colormap.h"
 
 namespace oct {
 
 // Image setters wait while a frame uses the image. The other setters hold a short lock of their own, so that
 // a frame sees each setting whole; a frame takes them all at its start. init, uninit and render run on the
 // thread that owns the context.
-class DisplayRenderer : public AbstractRenderer {
+class DisplayRenderer {
  public:
   static constexpr int overlayCount =
       8;  // enough for the layers of a retina segmentation; a layer costs bytes
 
-  ~DisplayRenderer() override;
+  DisplayRenderer() = default;
+  ~DisplayRenderer();
+  DisplayRenderer(const DisplayRenderer&) = delete;
+  DisplayRenderer& operator=(const DisplayRenderer&) = delete;
 
   void init();
   void uninit();
-  void render() override;
+  void render();
 
-  void setData(int size1, int size2, const float* data) { displayData_.setData(size1, size2, data); }
-  void setBounds(int lower, int upper) { displayData_.setBounds(lower, upper); }
+  void setData(const ImageExtent& extent, const float* data) { displayData_.setData(extent, data); }
   void setBlur(bool first, bool second) { filters_.setBlur(first, second); }
   void setPepperFilter(bool enabled) { filters_.setPepper(enabled); }
   void setMedianFilter(int medianFilter) const;
@@ -40,7 +41,7 @@ class DisplayRenderer : public AbstractRenderer {
   void setColormap(const void* colors, int count);
   void setColoringBoundaries(double lower, double upper);
   void setNumberOverlays(int count);
-  void setOverlayData(int size1, int size2, const float* data) { overlayData_.setData(size1, size2, data); }
+  void setOverlayData(const ImageExtent& extent, const float* data) { overlayData_.setData(extent, data); }
   void setOverlayColormap(int overlay, const void* colors, int count);
   void setOverlayColoringBoundaries(int overlay, double lower, double upper);
   void setOverlayThreshold(double threshold);
@@ -62,8 +63,6 @@ class DisplayRenderer : public AbstractRenderer {
   };
 
   struct Settings {
-    float gamma = 1.0F;
-    bool dynamicReduction = true;
     bool flip = false;
     std::array<float, 4> backgroundColor{0.0F, 0.0F, 0.0F, 1.0F};
     float threshold = 0.0F;

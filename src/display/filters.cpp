@@ -22,16 +22,16 @@ void AbstractOpenGLFilter::release() {
   quad_.release();
   framebuffer_.reset();
   output_.reset();
-  width_ = 0;
-  height_ = 0;
+  extent_ = {};
 }
 
 void AbstractOpenGLFilter::bind_input(const TextureView& input) {
+  const auto depth = static_cast<GLsizei>(input.extent.depth);
+  const auto a_scans = static_cast<GLsizei>(input.extent.a_scans);
   glActiveTexture(GL_TEXTURE0);
-  if (!output_ || input.width != width_ || input.height != height_) {
+  if (!output_ || input.extent != extent_) {
     // Forgotten first: if OpenGL refuses the allocation below, the next pass tries again.
-    width_ = 0;
-    height_ = 0;
+    extent_ = {};
     if (!output_) output_ = gl::Texture::create();
     glBindTexture(GL_TEXTURE_2D, output_.get());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
@@ -39,23 +39,22 @@ void AbstractOpenGLFilter::bind_input(const TextureView& input) {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     gl::resetPixelUnpack();
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_R32F, input.width, input.height, 0, GL_RED, GL_FLOAT, nullptr);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_R32F, depth, a_scans, 0, GL_RED, GL_FLOAT, nullptr);
     gl::throwOnGLError("AbstractOpenGLFilter::resize");
-    width_ = input.width;
-    height_ = input.height;
+    extent_ = input.extent;
   }
   if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
   glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, output_.get(), 0);
-  glViewport(0, 0, width_, height_);
+  glViewport(0, 0, depth, a_scans);
   glBindTexture(GL_TEXTURE_2D, input.texture);
 }
 
 void AbstractOpenGLFilter::set_uniforms(const TextureView& input) {
   program_.use();
   glUniform1i(inputTextureUniform_, 0);
-  glUniform2f(inputTextureSizeUniform_, static_cast<GLfloat>(input.width),
-              static_cast<GLfloat>(input.height));
+  glUniform2f(inputTextureSizeUniform_, static_cast<GLfloat>(input.extent.depth),
+              static_cast<GLfloat>(input.extent.a_scans));
 }
 
 void AbstractOpenGLFilter::draw() {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "core/extent.h"
 #include "gl/quad.h"
 #include "gl/shader.h"
 
@@ -14,8 +15,7 @@ namespace oct {
 
 struct TextureView {
   GLuint texture = 0;
-  GLsizei width = 0;   // extent along the texture's first axis
-  GLsizei height = 0;  // extent along the second
+  ImageExtent extent;
 };
 
 class AbstractOpenGLFilter {
@@ -32,7 +32,7 @@ class AbstractOpenGLFilter {
   virtual void set_uniforms(const TextureView& input);
   virtual void draw();
 
-  TextureView output() const { return {output_.get(), width_, height_}; }
+  TextureView output() const { return {output_.get(), extent_}; }
 
   std::atomic<bool> enabled{false};  // written by any thread, read once per frame
 
@@ -43,8 +43,7 @@ class AbstractOpenGLFilter {
   gl::Texture output_;
   gl::Framebuffer framebuffer_;
   gl::Quad quad_;
-  GLsizei width_ = 0;
-  GLsizei height_ = 0;
+  ImageExtent extent_;  // of the output
 };
 
 class GaussianFilterX : public AbstractOpenGLFilter {

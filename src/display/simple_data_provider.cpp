@@ -12,9 +12,11 @@
 namespace oct {
 namespace {
 
-std::size_t sampleCount(int height, int width) {
-  if (height < 0 || width < 0) throw std::invalid_argument("Image sizes must not be negative. ");
-  const auto count = static_cast<std::uint64_t>(height) * static_cast<std::uint64_t>(width);
+std::size_t sampleCount(const ImageExtent& extent) {
+  if (extent.depth < 0 || extent.a_scans < 0) {
+    throw std::invalid_argument("Image sizes must not be negative. ");
+  }
+  const auto count = static_cast<std::uint64_t>(extent.depth) * static_cast<std::uint64_t>(extent.a_scans);
   // The largest array that pointer differences can span.
   constexpr auto most =
       static_cast<std::uint64_t>(std::numeric_limits<std::ptrdiff_t>::max()) / sizeof(float);
@@ -24,10 +26,12 @@ std::size_t sampleCount(int height, int width) {
 
 // Asks the driver whether it could hold such a texture. Extents above the limit are as good as the next one
 // above it; Mesa's software renderer writes past its stack when it sizes one of 2^30 texels.
-bool proxyAccepts(GLint internalFormat, GLenum type, int height, int width, GLint limit) {
-  height = std::min(height, limit + 1);
-  width = std::min(width, limit + 1);
-  glTexImage2D(GL_PROXY_TEXTURE_2D, 0, internalFormat, height, width, 0, GL_RED, type, nullptr);
+bool proxyAccepts(GLint internalFormat, GLenum type, const ImageExtent& extent, GLint limit) {
+  const auto cut = [&](std::int64_t samples) {
+    return static_cast<GLsizei>(std::min(samples, std::int64_t{limit} + 1));
+  };
+  glTexImage2D(GL_PROXY_TEXTURE_2D, 0, internalFormat, cut(extent.depth), cut(extent.a_scans), 0, GL_RED,
+               type, nullptr);
   GLint firstAxis = 0;
   GLint secondAxis = 0;
   glGetTexLevelParameteriv(GL_PROXY_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &firstAxis);
@@ -37,42 +41,15 @@ bool proxyAccepts(GLint internalFormat, GLenum type, int height, int width, GLin
 
 }  // namespace
 
-class SimpleDataProvider::LockedTexture : public AbstractLockedTexture {
- public:
-  LockedTexture(std::unique_lock<std::mutex> lock, GLuint texture, int height, int width)
-      : lock_(std::move(lock)),
-        texture_(texture),
-        height_(static_cast<std::uint32_t>(height)),
-        width_(static_cast<std::uint32_t>(width)) {}
-
-  GLuint texture() const override { return texture_; }
-  std::uint32_t height() const override { return height_; }
-  std::uint32_t width() const override { return width_; }
-
- private:
-  std::unique_lock<std::mutex> lock_;
-  GLuint texture_;
-  std::uint32_t height_;
-  std::uint32_t width_;
-};
-
-void SimpleDataProvider::setData(int height, int width, const float* samples) {
-  const std::size_t count = sampleCount(height, width);
+void SimpleDataProvider::setData(const ImageExtent& extent, const float* samples) {
+  const std::size_t count = sampleCount(extent);
   if (!samples && count > 0) throw std::invalid_argument("Image data must not be null. ");
   const std::lock_guard lock(mutex_);
-  if (height != height_ || width != width_) {
+  if (extent != extent_) {
     data_.resize(count);
-    height_ = height;
-    width_ = width;
-    upperBound_ = height;
+    extent_ = extent;
   }
   if (count > 0) std::memcpy(data_.data(), samples, count * sizeof(float));
-}
-
-void SimpleDataProvider::setBounds(std::int64_t lower, std::int64_t upper) {
-  const std::lock_guard lock(mutex_);
-  lowerBound_ = lower;
-  upperBound_ = upper;
 }
 
 void SimpleDataProvider::release() {
@@ -82,18 +59,19 @@ void SimpleDataProvider::release() {
   texture_.reset();
 }
 
-void SimpleDataProvider::resize(int height, int width) {
+void SimpleDataProvider::resize() {
   GLint limit = 0;
   glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
-  if (height > limit || width > limit) writeError("Warning max texture size is likely exceeded. ");
+  if (extent_.depth > limit || extent_.a_scans > limit)
+    writeError("Warning max texture size is likely exceeded. ");
 
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, 0);
   texture_.reset();
   gl::resetPixelUnpack();
   GLint internalFormat = GL_R32F;
-  if (!proxyAccepts(GL_R32F, GL_FLOAT, height, width, limit)) {
-    if (!proxyAccepts(GL_R16F, GL_HALF_FLOAT, height, width, limit)) {
+  if (!proxyAccepts(GL_R32F, GL_FLOAT, extent_, limit)) {
+    if (!proxyAccepts(GL_R16F, GL_HALF_FLOAT, extent_, limit)) {
       glGetError();  // some drivers raise an error for an impossible proxy; this exception says it all
       throw std::invalid_argument("Cannot generate a texture of the required size. ");
     }
@@ -106,16 +84,17 @@ void SimpleDataProvider::resize(int height, int width) {
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
   if (texture_) {
-    glTexImage2D(GL_TEXTURE_2D, 0, internalFormat, height, width, 0, GL_RED, GL_FLOAT, nullptr);
+    glTexImage2D(GL_TEXTURE_2D, 0, internalFormat, static_cast<GLsizei>(extent_.depth),
+                 static_cast<GLsizei>(extent_.a_scans), 0, GL_RED, GL_FLOAT, nullptr);
   }
   glBindTexture(GL_TEXTURE_2D, 0);
   gl::throwOnGLError("SimpleDataProvider::resize");
 }
 
-std::unique_ptr<AbstractDataProvider::AbstractLockedTexture> SimpleDataProvider::lock() {
+std::unique_ptr<SimpleDataProvider::LockedTexture> SimpleDataProvider::lock() {
   std::unique_lock lock(mutex_);
-  if (!textureFits()) resize(height_, width_);
-  auto locked = std::make_unique<LockedTexture>(std::move(lock), texture_.get(), height_, width_);
+  if (!textureFits()) resize();
+  auto locked = std::make_unique<LockedTexture>(std::move(lock), texture_.get(), extent_);
   if (texture_) upload();
   gl::throwOnGLError("SimpleDataProvider::LockedTexture::glTexSubImage2D");
   return locked;
@@ -129,14 +108,15 @@ bool SimpleDataProvider::textureFits() const {
   glBindTexture(GL_TEXTURE_2D, texture_.get());
   glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &firstAxis);
   glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &secondAxis);
-  return firstAxis == height_ && secondAxis == width_;
+  return extent_ == ImageExtent{firstAxis, secondAxis};
 }
 
 void SimpleDataProvider::upload() const {
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
   gl::resetPixelUnpack();
-  glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, height_, width_, GL_RED, GL_FLOAT, data_.data());
+  glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, static_cast<GLsizei>(extent_.depth),
+                  static_cast<GLsizei>(extent_.a_scans), GL_RED, GL_FLOAT, data_.data());
   glBindTexture(GL_TEXTURE_2D, 0);
 }
 

@@ -1,42 +1,49 @@
-// The data provider of the display renderer. Depth, the first dimension, is fastest in memory and is the
-// texture's first axis; it is called the height because it runs down the screen.
+// The data provider of the display renderer: a single-channel float image in main memory and the texture that
+// mirrors it.
 #pragma once
 
-#include <cstdint>
+#include <memory>
 #include <mutex>
 #include <vector>
 
-#include "display/abstract_data_provider.h"
+#include "core/extent.h"
 #include "gl/gl_names.h"
 
 namespace oct {
 
-class SimpleDataProvider : public AbstractDataProvider {
+class SimpleDataProvider {
  public:
-  // Copies an image of height by width samples. New dimensions reset the upper bound. Any thread.
-  void setData(int height, int width, const float* samples);
+  // The texture with the current image in it. Writers of the image wait while this object lives.
+  class LockedTexture {
+   public:
+    LockedTexture(std::unique_lock<std::mutex> lock, GLuint texture, const ImageExtent& extent)
+        : lock_(std::move(lock)), texture_(texture), extent_(extent) {}
 
-  // Stores the displayed index range along the first dimension. Any thread.
-  void setBounds(std::int64_t lower, std::int64_t upper);
+    GLuint texture() const { return texture_; }
+    const ImageExtent& extent() const { return extent_; }
+
+   private:
+    const std::unique_lock<std::mutex> lock_;
+    const GLuint texture_;
+    const ImageExtent extent_;
+  };
+
+  // Copies an image. Any thread.
+  void setData(const ImageExtent& extent, const float* samples);
 
   // The rest runs on the thread that owns the context.
-  void release() override;
-  void resize(int height, int width) override;
-  std::unique_ptr<AbstractLockedTexture> lock() override;
+  void release();  // deletes the texture
+  std::unique_ptr<LockedTexture> lock();
 
  private:
-  class LockedTexture;
-
+  void resize();
   bool textureFits() const;
   void upload() const;
 
   std::vector<float> data_;
   gl::Texture texture_;
-  int height_ = 0;
-  int width_ = 0;
-  std::mutex mutex_;  // guards data_, the dimensions and the bounds
-  std::int64_t lowerBound_ = 0;
-  std::int64_t upperBound_ = 0;
+  ImageExtent extent_;
+  std::mutex mutex_;  // guards data_ and its extent
 };
 
 }  // namespace oct

@@ -9,49 +9,24 @@
 namespace oct::gl {
 namespace {
 
-constexpr const char* unknownError = "Unknown OpenGL Error";
-
 #define OCT_GL_IGNORED \
   "The offending command is ignored and has no other side effect than to set the error flag."
 
-struct ErrorText {
-  const char* named;
-  const char* plain;
+// Indexed by code - GL_INVALID_ENUM (0x0500).
+constexpr std::array<const char*, 7> errorTexts{
+    "An unacceptable value is specified for an enumerated argument. " OCT_GL_IGNORED " (GL_INVALID_ENUM)",
+    "A numeric argument is out of range. " OCT_GL_IGNORED " (GL_INVALID_VALUE)",
+    "The specified operation is not allowed in the current state. " OCT_GL_IGNORED " (GL_INVALID_OPERATION)",
+    "An attempt has been made to perform an operation that would cause an internal stack to overflow. "
+    "(GL_STACK_OVERFLOW)",
+    "An attempt has been made to perform an operation that would cause an internal stack to underflow. "
+    "(GL_STACK_UNDERFLOW)",
+    "There is not enough memory left to execute the command. The state of the GL is undefined, except "
+    "for the state of the error flags, after this error is recorded. (GL_OUT_OF_MEMORY)",
+    "The framebuffer object is not complete. " OCT_GL_IGNORED " (GL_INVALID_FRAMEBUFFER_OPERATION)",
 };
 
-#define OCT_GL_TEXT(text, name) \
-  ErrorText {                   \
-    text " (" name ")", text    \
-  }
-
-// Indexed by code - GL_INVALID_ENUM (0x0500).
-constexpr std::array<ErrorText, 7> errorTexts{{
-    OCT_GL_TEXT("An unacceptable value is specified for an enumerated argument. " OCT_GL_IGNORED,
-                "GL_INVALID_ENUM"),
-    OCT_GL_TEXT("A numeric argument is out of range. " OCT_GL_IGNORED, "GL_INVALID_VALUE"),
-    OCT_GL_TEXT("The specified operation is not allowed in the current state. " OCT_GL_IGNORED,
-                "GL_INVALID_OPERATION"),
-    OCT_GL_TEXT(
-        "An attempt has been made to perform an operation that would cause an internal stack to overflow.",
-        "GL_STACK_OVERFLOW"),
-    OCT_GL_TEXT(
-        "An attempt has been made to perform an operation that would cause an internal stack to underflow.",
-        "GL_STACK_UNDERFLOW"),
-    OCT_GL_TEXT(
-        "There is not enough memory left to execute the command. The state of the GL is undefined, except "
-        "for the state of the error flags, after this error is recorded.",
-        "GL_OUT_OF_MEMORY"),
-    OCT_GL_TEXT("The framebuffer object is not complete. " OCT_GL_IGNORED,
-                "GL_INVALID_FRAMEBUFFER_OPERATION"),
-}};
-
-#undef OCT_GL_TEXT
 #undef OCT_GL_IGNORED
-
-const ErrorText* find(GLenum code) {
-  const GLenum index = code - GL_INVALID_ENUM;
-  return index < errorTexts.size() ? &errorTexts[index] : nullptr;
-}
 
 std::string message(const std::string& where, GLenum code) {
   return "An OpenGL error in " + where + " occured: " + errorText(code);
@@ -60,13 +35,8 @@ std::string message(const std::string& where, GLenum code) {
 }  // namespace
 
 const char* errorText(GLenum code) {
-  const ErrorText* const text = find(code);
-  return text ? text->named : unknownError;
-}
-
-const char* plainErrorText(GLenum code) {
-  const ErrorText* const text = find(code);
-  return text ? text->plain : unknownError;
+  const GLenum index = code - GL_INVALID_ENUM;
+  return index < errorTexts.size() ? errorTexts[index] : "Unknown OpenGL Error";
 }
 
 void throwOnGLError(std::string where) {

@@ -7,9 +7,8 @@
 
 namespace oct::gl {
 
-// Text of an error code with OpenGL's name for it in parentheses, and without.
+// Text of an error code with OpenGL's name for it in parentheses.
 const char* errorText(GLenum code);
-const char* plainErrorText(GLenum code);
 
 // Reads the error flag once and throws std::runtime_error when it is set. Further queued errors stay for the
 // next checkpoint.

@@ -13,41 +13,41 @@ namespace {
 constexpr std::array<GLenum, 2> filters{GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER};
 constexpr std::array<GLenum, 3> wraps{GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R};
 
-std::string textOf(const Extent3D& extent) {
-  return std::to_string(extent.width) + " x " + std::to_string(extent.height) + " x " +
-         std::to_string(extent.depth);
+std::string textOf(const VolumeExtent& extent) {
+  return std::to_string(extent.depth) + " x " + std::to_string(extent.a_scans) + " x " +
+         std::to_string(extent.b_scans);
 }
 
-std::uint64_t megabytes(const Extent3D& extent, GLenum internalFormat) {
+std::uint64_t megabytes(const VolumeExtent& extent, GLenum internalFormat) {
   const std::uint64_t bytesPerVoxel = internalFormat == GL_R16F ? 2 : 4;
-  const auto voxels = static_cast<std::uint64_t>(extent.width) * static_cast<std::uint64_t>(extent.height) *
-                      static_cast<std::uint64_t>(extent.depth);
+  const auto voxels = static_cast<std::uint64_t>(extent.depth) * static_cast<std::uint64_t>(extent.a_scans) *
+                      static_cast<std::uint64_t>(extent.b_scans);
   return (voxels * bytesPerVoxel + 999'999) / 1'000'000;
 }
 
-bool proxyAccepts(const Extent3D& extent, GLenum internalFormat) {
-  glTexImage3D(GL_PROXY_TEXTURE_3D, 0, static_cast<GLint>(internalFormat), static_cast<GLsizei>(extent.width),
-               static_cast<GLsizei>(extent.height), static_cast<GLsizei>(extent.depth), 0, GL_RED, GL_FLOAT,
-               nullptr);
-  GLint width = 0;
-  glGetTexLevelParameteriv(GL_PROXY_TEXTURE_3D, 0, GL_TEXTURE_WIDTH, &width);
-  return width == extent.width;
+bool proxyAccepts(const VolumeExtent& extent, GLenum internalFormat) {
+  glTexImage3D(GL_PROXY_TEXTURE_3D, 0, static_cast<GLint>(internalFormat), static_cast<GLsizei>(extent.depth),
+               static_cast<GLsizei>(extent.a_scans), static_cast<GLsizei>(extent.b_scans), 0, GL_RED,
+               GL_FLOAT, nullptr);
+  GLint depth = 0;
+  glGetTexLevelParameteriv(GL_PROXY_TEXTURE_3D, 0, GL_TEXTURE_WIDTH, &depth);
+  return depth == extent.depth;
 }
 
-std::string memoryText(const Extent3D& extent, GLenum internalFormat) {
+std::string memoryText(const VolumeExtent& extent, GLenum internalFormat) {
   return "A volume of " + textOf(extent) + " voxels needs a texture of " +
          std::to_string(megabytes(extent, internalFormat)) + " MB, ";
 }
 
 }  // namespace
 
-void Texture3D::require(const Extent3D& extent, GLenum internalFormat) {
-  if (extent.width < 0 || extent.height < 0 || extent.depth < 0) {
+void Texture3D::require(const VolumeExtent& extent, GLenum internalFormat) {
+  if (extent.depth < 0 || extent.a_scans < 0 || extent.b_scans < 0) {
     throw std::invalid_argument("Volume sizes must not be negative. ");
   }
   GLint limit = 0;
   glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &limit);
-  if (extent.width > limit || extent.height > limit || extent.depth > limit) {
+  if (extent.depth > limit || extent.a_scans > limit || extent.b_scans > limit) {
     throw std::invalid_argument("A volume of " + textOf(extent) +
                                 " voxels is too large: this OpenGL driver allows " + std::to_string(limit) +
                                 " voxels along each axis. ");
@@ -58,7 +58,7 @@ void Texture3D::require(const Extent3D& extent, GLenum internalFormat) {
   }
 }
 
-void Texture3D::allocate(const Extent3D& extent, GLenum internalFormat, const char* checkpoint,
+void Texture3D::allocate(const VolumeExtent& extent, GLenum internalFormat, const char* checkpoint,
                          const float* data) {
   require(extent, internalFormat);
   reset();
@@ -69,14 +69,14 @@ void Texture3D::allocate(const Extent3D& extent, GLenum internalFormat, const ch
   for (const GLenum wrap : wraps) glTexParameteri(GL_TEXTURE_3D, wrap, GL_CLAMP_TO_EDGE);
   glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAX_LEVEL, 0);
   resetPixelUnpack();
-  glTexImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(internalFormat), static_cast<GLsizei>(extent.width),
-               static_cast<GLsizei>(extent.height), static_cast<GLsizei>(extent.depth), 0, GL_RED, GL_FLOAT,
-               data);
+  glTexImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(internalFormat), static_cast<GLsizei>(extent.depth),
+               static_cast<GLsizei>(extent.a_scans), static_cast<GLsizei>(extent.b_scans), 0, GL_RED,
+               GL_FLOAT, data);
   if (!data && !extent.empty()) {
     // Written to, so that the driver commits the memory now and not during the first frame.
     const float voxel = 0.0F;
-    glTexSubImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(extent.width - 1),
-                    static_cast<GLint>(extent.height - 1), static_cast<GLint>(extent.depth - 1), 1, 1, 1,
+    glTexSubImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(extent.depth - 1),
+                    static_cast<GLint>(extent.a_scans - 1), static_cast<GLint>(extent.b_scans - 1), 1, 1, 1,
                     GL_RED, GL_FLOAT, &voxel);
   }
   try {
@@ -97,13 +97,13 @@ void Texture3D::bind() const {
   glBindTexture(GL_TEXTURE_3D, texture_.get());
 }
 
-void Texture3D::uploadSlices(std::int64_t first, std::int64_t count, const float* data) const {
+void Texture3D::uploadBScans(std::int64_t first, std::int64_t count, const float* data) const {
   resetPixelUnpack();
-  const std::int64_t sliceVoxels = extent_.width * extent_.height;
+  const std::int64_t voxels = extent_.depth * extent_.a_scans;
   for (std::int64_t k = 0; k < count; ++k) {
     glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, static_cast<GLint>(first + k),
-                    static_cast<GLsizei>(extent_.width), static_cast<GLsizei>(extent_.height), 1, GL_RED,
-                    GL_FLOAT, data + k * sliceVoxels);
+                    static_cast<GLsizei>(extent_.depth), static_cast<GLsizei>(extent_.a_scans), 1, GL_RED,
+                    GL_FLOAT, data + k * voxels);
   }
 }
 

@@ -8,7 +8,7 @@
 
 #include "core/exception.h"
 #include "core/timing_mark.h"
-#include "live/abstract_live_rendering.h"
+#include "live/fast_opengl_volume_renderer.h"
 #include "live/scope_exit.h"
 #include "vec/vec.h"
 #include "volume/volume_renderer.h"
@@ -19,7 +19,7 @@ namespace {
 // A live renderer's buffer: goes back without a volume unless it was filled.
 class WriteBuffer {
  public:
-  explicit WriteBuffer(AbstractLiveRendering& rendering)
+  explicit WriteBuffer(FastOpenGLVolumeRenderer& rendering)
       : rendering_(rendering), data_(rendering.get_data_ptr()) {}
   ~WriteBuffer() {
     if (data_) rendering_.discard();
@@ -34,7 +34,7 @@ class WriteBuffer {
   }
 
  private:
-  AbstractLiveRendering& rendering_;
+  FastOpenGLVolumeRenderer& rendering_;
   float* data_;
 };
 
@@ -69,7 +69,7 @@ std::unique_lock<std::mutex> BrennickDataSource::lock_idle() {
   return lock;
 }
 
-void BrennickDataSource::register_live_rendering(AbstractLiveRendering* rendering) {
+void BrennickDataSource::register_live_rendering(FastOpenGLVolumeRenderer* rendering) {
   const auto lock = lock_idle();
   live_renderer_ = rendering;
 }
@@ -92,7 +92,7 @@ void BrennickDataSource::start(ScanPatternHandle pattern) {
     running_ = true;
   }
   try {
-    thread_ = start_thread();
+    thread_ = std::thread([this] { run(); });
   } catch (...) {
     running_ = false;
     ended_ = true;
@@ -104,7 +104,7 @@ void BrennickDataSource::stop() {
   std::uint64_t asked = 0;
   {
     const std::lock_guard lock(request_mutex_);
-    if (AbstractLiveRendering* const rendering = live_renderer_) rendering->stop();
+    if (FastOpenGLVolumeRenderer* const rendering = live_renderer_) rendering->stop();
     running_ = false;
     asked = thread_number_;
   }
@@ -120,10 +120,6 @@ void BrennickDataSource::await_end() {
   if (!running_ && thread_.joinable()) thread_.join();
 }
 
-std::thread BrennickDataSource::start_thread() {
-  return std::thread([this] { run(); });
-}
-
 void BrennickDataSource::run() {
   own_thread_ = std::this_thread::get_id();
   try {
@@ -137,10 +133,9 @@ void BrennickDataSource::run() {
   ended_ = true;
 }
 
-void BrennickDataSource::set_ref_intensity_callback(std::unique_ptr<RefIntensityFunctor> callback) {
-  const std::shared_ptr<RefIntensityFunctor> next = std::move(callback);
+void BrennickDataSource::set_ref_intensity_callback(RefIntensityCallback callback) {
   const std::lock_guard lock(callback_mutex_);
-  ref_intensity_callback_ = next;
+  ref_intensity_callback_ = std::move(callback);
 }
 
 void BrennickDataSource::set_error_callback(const ErrorCallback& callback) {
@@ -178,12 +173,12 @@ void BrennickDataSource::report_error(const std::string& message) const {
 }
 
 void BrennickDataSource::report_reference_intensity() const {
-  std::shared_ptr<RefIntensityFunctor> callback;
+  RefIntensityCallback callback;
   {
     const std::lock_guard lock(callback_mutex_);
     callback = ref_intensity_callback_;
   }
-  if (callback) (*callback)(sdk().getRelativeReferenceIntensity(device_, processing_));
+  if (callback) callback(sdk().getRelativeReferenceIntensity(device_, processing_));
 }
 
 void BrennickDataSource::thread() {
@@ -231,7 +226,7 @@ void BrennickDataSource::thread() {
     sdk().getRawDataEx(device_, raw, camera_);
     sdk().executeProcessing(processing_, raw);
     if (analog) sdk().getAnalogInputData(device_, analog);
-    sdk().setDataRange(data, geometry.depth, geometry.lateral1, geometry.lateral2);
+    sdk().setDataRange(data, geometry.depth_range, geometry.lateral_range1, geometry.lateral_range2);
     set_range(geometry);
     report_device_error();
     report_reference_intensity();
@@ -241,27 +236,29 @@ void BrennickDataSource::thread() {
 
 BrennickDataSource::Geometry BrennickDataSource::read_geometry(DataHandle data) const {
   Geometry geometry;
-  geometry.size2 = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2);
-  geometry.size3 = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3);
-  geometry.size1 = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1);
-  geometry.z = size_z_;
-  geometry.lateral1 = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_2);
-  geometry.lateral2 = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_3);
+  geometry.acquired.a_scans = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2);
+  geometry.acquired.b_scans = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3);
+  geometry.acquired.depth = sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1);
+  geometry.kept = geometry.acquired;
+  geometry.kept.depth = size_z_;
+  geometry.lateral_range1 = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_2);
+  geometry.lateral_range2 = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_3);
   const double whole = sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_1);
-  if (geometry.size1 > 0) {
-    const double kept = static_cast<double>(geometry.z) / static_cast<double>(geometry.size1);
-    geometry.depth = whole * kept / refractive_index_;
+  if (geometry.acquired.depth > 0) {
+    const double share =
+        static_cast<double>(geometry.kept.depth) / static_cast<double>(geometry.acquired.depth);
+    geometry.depth_range = whole * share / refractive_index_;
   }
   return geometry;
 }
 
 BrennickDataSource::Preparation BrennickDataSource::prepare_rendering(const Geometry& geometry,
                                                                       DataHandle analog) {
-  AbstractLiveRendering& rendering = *live_renderer_;
+  FastOpenGLVolumeRenderer& rendering = *live_renderer_;
   {
     const std::lock_guard lock(request_mutex_);
     if (!running_) return Preparation::stopped;
-    rendering.set_size(geometry.z, geometry.size2, geometry.size3);
+    rendering.set_size(geometry.kept);
     if (analog) {
       const float* const values = sdk().getDataPtr(analog);
       rendering.set_secondary_data(values, sdk().getDataPropertyInt(analog, OCT_DATA_SIZE_1));
@@ -279,56 +276,51 @@ BrennickDataSource::Preparation BrennickDataSource::prepare_rendering(const Geom
 // Depth is the geometric one; the renderer lets it run downwards.
 void BrennickDataSource::set_range(const Geometry& geometry) const {
   VolumeRenderer* const renderer = live_renderer_.load()->get_renderer();
-  if (!renderer || geometry.size1 < 1) return;  // nothing was acquired that could have an extent
-  renderer->setRange(geometry.depth, geometry.lateral1, geometry.lateral2);
+  if (!renderer || geometry.acquired.depth < 1) return;  // nothing was acquired that could have an extent
+  renderer->setRange(geometry.depth_range, geometry.lateral_range1, geometry.lateral_range2);
 }
 
 void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) const {
   const TimingMark mark("BrennickDataSource::copy_data");
-  AbstractLiveRendering* const rendering = live_renderer_;
+  FastOpenGLVolumeRenderer* const rendering = live_renderer_;
   VolumeRenderer* const renderer = rendering ? rendering->get_renderer() : nullptr;
   if (!renderer) return;
   // Where they do not fit, another source has started on the same live renderer.
-  if (renderer->settings().renderVolume && fits(*rendering, geometry)) {
+  if (renderer->settings().renderVolume && rendering->get_size() == geometry.kept) {
     WriteBuffer buffer(*rendering);
-    if (buffer.data() && fits(*rendering, geometry) && copy_volume(data, geometry, buffer.data())) {
+    if (buffer.data() && rendering->get_size() == geometry.kept &&
+        copy_volume(data, geometry, buffer.data())) {
       buffer.filled();
     }
   }
   if (renderer->settings().renderSurface) copy_surface(data, *renderer);
 }
 
-bool BrennickDataSource::fits(AbstractLiveRendering& rendering, const Geometry& geometry) {
-  std::int32_t x = 0;
-  std::int32_t y = 0;
-  std::int32_t z = 0;
-  rendering.get_size(&x, &y, &z);
-  return x == geometry.z && y == geometry.size2 && z == geometry.size3;
-}
-
 // False when the device gives no samples, which it has reported.
 bool BrennickDataSource::copy_volume(DataHandle data, const Geometry& geometry, float* destination) const {
-  const auto aScans = static_cast<std::size_t>(geometry.size2) * static_cast<std::size_t>(geometry.size3);
-  const auto kept = static_cast<std::size_t>(geometry.z);
+  const VolumeExtent& acquired = geometry.acquired;
+  const VolumeExtent& kept = geometry.kept;
+  const auto a_scans = static_cast<std::size_t>(kept.a_scans) * static_cast<std::size_t>(kept.b_scans);
+  const auto depth = static_cast<std::size_t>(kept.depth);
   const auto insufficient = [] { return Exception("Insufficient memory allocated."); };
-  if (geometry.z == geometry.size1) {
+  if (kept == acquired) {
     const int bytes = sdk().getDataPropertyInt(data, OCT_DATA_BYTE_COUNT);
     const float* const source = sdk().getDataPtr(data);
     if (bytes == 0 || !source) return false;
     // The device has changed its mind about the size.
-    if (bytes < 0 || static_cast<std::size_t>(bytes) != aScans * kept * sizeof(float)) throw insufficient();
-    vec::copy(destination, source, aScans * kept);
+    if (bytes < 0 || static_cast<std::size_t>(bytes) != a_scans * depth * sizeof(float)) throw insufficient();
+    vec::copy(destination, source, a_scans * depth);
     return true;
   }
   // A-scans lie as far apart as at the start of the measurement.
-  if (sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1) < std::max(geometry.z, geometry.size1) ||
-      geometry.size1 < geometry.z || sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2) < geometry.size2 ||
-      sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3) < geometry.size3) {
+  if (sdk().getDataPropertyInt(data, OCT_DATA_SIZE_1) < std::max(kept.depth, acquired.depth) ||
+      acquired.depth < kept.depth || sdk().getDataPropertyInt(data, OCT_DATA_SIZE_2) < kept.a_scans ||
+      sdk().getDataPropertyInt(data, OCT_DATA_SIZE_3) < kept.b_scans) {
     throw insufficient();
   }
   const float* const source = sdk().getDataPtr(data);
   if (!source) return false;
-  vec::cropCopy(destination, source, aScans, static_cast<std::size_t>(geometry.size1), kept);
+  vec::cropCopy(destination, source, a_scans, static_cast<std::size_t>(acquired.depth), depth);
   return true;
 }
 

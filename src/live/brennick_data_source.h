@@ -6,61 +6,64 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 
-#include "live/abstract_data_source.h"
+#include "core/error_callback.h"
+#include "core/extent.h"
 #include "live/device_library.h"
 
 namespace oct {
 
+class FastOpenGLVolumeRenderer;
 class VolumeRenderer;
 
-class BrennickDataSource : public AbstractDataSource {
+using RefIntensityCallback = std::function<void(double intensity)>;
+
+class BrennickDataSource {
  public:
   // The handles are the device library's and outlive the source.
   BrennickDataSource(std::shared_ptr<const DeviceLibrary> library, OCTDeviceHandle device,
                      ProcessingHandle processing);
-  ~BrennickDataSource() override;
+  virtual ~BrennickDataSource();
   BrennickDataSource(const BrennickDataSource&) = delete;
   BrennickDataSource& operator=(const BrennickDataSource&) = delete;
 
   // Throws while the thread lives: it and stop must mean the same renderer.
-  void register_live_rendering(AbstractLiveRendering* rendering) override;
+  void register_live_rendering(FastOpenGLVolumeRenderer* rendering);  // not owned
   // Does nothing while the thread lives.
-  void deregister_renderer() override;
+  void deregister_renderer();
 
   // Throws while the thread lives, instead of waiting for it: the caller may hold a lock that a client's
   // callback on the ending thread waits for. await_end comes before such locks.
-  void start(ScanPatternHandle pattern) override;
+  void start(ScanPatternHandle pattern);
   // Waits for the acquisition thread. On the thread itself, where a client's callbacks run, it asks the
   // thread to end and throws std::system_error (resource_deadlock_would_occur).
-  void stop() override;
-  void await_end() override;
+  void stop();
+  // Waits for a thread that has been asked to end or ends by itself; for no other, and not on the thread
+  // itself.
+  void await_end();
 
-  // The callback that was set before may be running when this returns.
-  void set_ref_intensity_callback(std::unique_ptr<RefIntensityFunctor> callback) override;
-  void set_error_callback(const ErrorCallback& callback) override;
+  // An empty callback removes the one before, which may be running when this returns.
+  void set_ref_intensity_callback(RefIntensityCallback callback);
+  void set_error_callback(const ErrorCallback& callback);
 
   // Hold from the next start on. Throw std::invalid_argument and change nothing on misuse.
-  void set_size_z(std::int32_t size) override;
-  void set_refractive_index(double index) override;
-  void set_analog_input(bool enabled) override { analog_input_ = enabled; }
+  void set_size_z(std::int32_t size);  // depth samples per A-scan that are kept
+  void set_refractive_index(double index);
+  virtual void set_analog_input(bool enabled) { analog_input_ = enabled; }
 
-  void set_camera(std::int32_t camera) override { camera_ = camera; }
-  std::int32_t get_camera() override { return camera_; }
+  void set_camera(std::int32_t camera) { camera_ = camera; }
 
  protected:
-  void thread() override;
-  std::thread start_thread() override;
+  virtual void thread();  // the body of the acquisition thread
 
   // Sizes and ranges of the volumes of one measurement, and the part of them that is drawn.
   struct Geometry {
-    int size1 = 0;       // depth samples per A-scan
-    int size2 = 0;       // A-scans per B-scan
-    int size3 = 0;       // B-scans
-    int z = 0;           // depth samples that are kept
-    double depth = 0.0;  // millimetres: of the kept samples, divided by the refractive index
-    double lateral1 = 0.0;
-    double lateral2 = 0.0;
+    VolumeExtent acquired;
+    VolumeExtent kept;         // and drawn: less deep, maybe
+    double depth_range = 0.0;  // millimetres: of the kept samples, divided by the refractive index
+    double lateral_range1 = 0.0;
+    double lateral_range2 = 0.0;
   };
   Geometry read_geometry(DataHandle data) const;
 
@@ -83,7 +86,7 @@ class BrennickDataSource : public AbstractDataSource {
   const ProcessingHandle processing_;
   ScanPatternHandle scan_pattern_ = nullptr;
   std::atomic<bool> running_ = false;  // whether the thread shall go on
-  std::atomic<AbstractLiveRendering*> live_renderer_ = nullptr;
+  std::atomic<FastOpenGLVolumeRenderer*> live_renderer_ = nullptr;
 
  private:
   void run();
@@ -91,7 +94,6 @@ class BrennickDataSource : public AbstractDataSource {
   // Lock of the thread object while there is no thread; throws otherwise.
   std::unique_lock<std::mutex> lock_idle();
   bool on_own_thread() const { return own_thread_ == std::this_thread::get_id(); }
-  static bool fits(AbstractLiveRendering& rendering, const Geometry& geometry);
   bool copy_volume(DataHandle data, const Geometry& geometry, float* destination) const;
   void copy_surface(DataHandle data, VolumeRenderer& renderer) const;
 
@@ -103,7 +105,7 @@ class BrennickDataSource : public AbstractDataSource {
   std::atomic<std::int32_t> camera_ = 0;
 
   mutable std::mutex callback_mutex_;  // not held during a callback
-  std::shared_ptr<RefIntensityFunctor> ref_intensity_callback_;
+  RefIntensityCallback ref_intensity_callback_;
   ErrorCallback error_callback_;
 
   std::mutex thread_mutex_;  // held by whoever starts or joins the thread, never by the thread

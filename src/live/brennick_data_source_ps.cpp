@@ -47,23 +47,23 @@ void BrennickDataSource_PS::set_threshold(double threshold, bool enabled) {
   settings_.threshold_enabled = enabled;
 }
 
-void BrennickDataSource_PS::set_averaging(std::int32_t a, std::int32_t b, std::int32_t c, std::int32_t d) {
+void BrennickDataSource_PS::set_averaging(std::int32_t depth, std::int32_t a_scans, std::int32_t b_scans,
+                                          std::int32_t volumes) {
   const std::lock_guard lock(settings_mutex_);
-  settings_.averaging_a = std::max(a, 1);
-  settings_.averaging_b = std::max(b, 1);
-  settings_.averaging_c = std::max(c, 1);
-  settings_.averaging_d = std::max(d, 1);
+  settings_.averaging_depth = std::max(depth, 1);
+  settings_.averaging_a_scans = std::max(a_scans, 1);
+  settings_.averaging_b_scans = std::max(b_scans, 1);
+  settings_.averaging_volumes = std::max(volumes, 1);
 }
 
-void BrennickDataSource_PS::set_dopu(std::int32_t a, std::int32_t b, std::int32_t c, std::int32_t d) {
+void BrennickDataSource_PS::set_dopu(std::int32_t depth, std::int32_t a_scans, std::int32_t b_scans) {
   // Clients rely on the size before, not the new one, deciding: one that was too small is put right by the
   // next call, whatever that asks for.
   const auto next = [](std::int32_t before, std::int32_t size) { return before >= 3 ? size : 3; };
   const std::lock_guard lock(settings_mutex_);
-  settings_.dopu_a = next(settings_.dopu_a, a);
-  settings_.dopu_b = next(settings_.dopu_b, b);
-  settings_.dopu_c = next(settings_.dopu_c, c);
-  settings_.dopu_d = d;
+  settings_.dopu_depth = next(settings_.dopu_depth, depth);
+  settings_.dopu_a_scans = next(settings_.dopu_a_scans, a_scans);
+  settings_.dopu_b_scans = next(settings_.dopu_b_scans, b_scans);
 }
 
 PolarizationSettings BrennickDataSource_PS::settings() const {
@@ -118,7 +118,7 @@ void BrennickDataSource_PS::thread() {
         break;
       case Preparation::done:
         // A mode that processes nothing has left nothing to draw.
-        if (geometry.size1 > 0) copy_data(volumes.data, geometry);
+        if (geometry.acquired.depth > 0) copy_data(volumes.data, geometry);
     }
   }
   while (running_) {
@@ -127,12 +127,13 @@ void BrennickDataSource_PS::thread() {
     sdk().getRawDataEx(device_, volumes.raw1, 1);
     process(volumes, current, false);
     if (is_drawn(current.output_mode)) {
-      sdk().setDataRange(volumes.data, geometry.depth, geometry.lateral1, geometry.lateral2);
+      sdk().setDataRange(volumes.data, geometry.depth_range, geometry.lateral_range1,
+                         geometry.lateral_range2);
     }
     set_range(geometry);
     if (report_device_error()) running_ = false;
     report_reference_intensity();
-    if (running_ && geometry.size1 > 0) copy_data(volumes.data, geometry);
+    if (running_ && geometry.acquired.depth > 0) copy_data(volumes.data, geometry);
   }
 }
 
@@ -192,29 +193,31 @@ void BrennickDataSource_PS::set_threshold_properties(const PolarizationSettings&
 
 void BrennickDataSource_PS::set_dopu_properties(const PolarizationSettings& settings) const {
   if (settings.output_mode != PolarizationOutput::dopu) return;
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_DOPU_1, settings.dopu_a);
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_DOPU_2, settings.dopu_b);
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_DOPU_3, settings.dopu_c);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_DOPU_1, settings.dopu_depth);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_DOPU_2, settings.dopu_a_scans);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_DOPU_3, settings.dopu_b_scans);
 }
 
 // Before the first volume the threshold of the intensity stays the device's own, and the averaging over
 // volumes is set before the sizes of the DOPU filter: devices are used to this sequence.
 void BrennickDataSource_PS::set_properties_first(const PolarizationSettings& settings) const {
   if (settings.output_mode != PolarizationOutput::intensity) set_threshold_properties(settings);
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_2, settings.averaging_b);
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_3, settings.averaging_c);
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_1, settings.averaging_a);
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_VOLUMES, settings.averaging_d);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_2, settings.averaging_a_scans);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_3, settings.averaging_b_scans);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_1, settings.averaging_depth);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_VOLUMES,
+                                  settings.averaging_volumes);
   set_dopu_properties(settings);
 }
 
 void BrennickDataSource_PS::set_properties(const PolarizationSettings& settings) const {
   set_threshold_properties(settings);
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_2, settings.averaging_b);
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_3, settings.averaging_c);
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_1, settings.averaging_a);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_2, settings.averaging_a_scans);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_3, settings.averaging_b_scans);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_1, settings.averaging_depth);
   set_dopu_properties(settings);
-  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_VOLUMES, settings.averaging_d);
+  ps().setPolarizationPropertyInt(ps_processing_, OCT_POLARIZATION_AVERAGING_VOLUMES,
+                                  settings.averaging_volumes);
 }
 
 }  // namespace oct

@@ -23,14 +23,13 @@ struct PolarizationSettings {
   PolarizationOutput output_mode = PolarizationOutput::intensity;
   double threshold = 0.0;  // decibels
   bool threshold_enabled = false;
-  std::int32_t averaging_a = 1;
-  std::int32_t averaging_b = 1;
-  std::int32_t averaging_c = 1;
-  std::int32_t averaging_d = 1;
-  std::int32_t dopu_a = 3;
-  std::int32_t dopu_b = 3;
-  std::int32_t dopu_c = 3;
-  std::int32_t dopu_d = 0;  // kept for clients; devices have no use for it
+  std::int32_t averaging_depth = 1;
+  std::int32_t averaging_a_scans = 1;
+  std::int32_t averaging_b_scans = 1;
+  std::int32_t averaging_volumes = 1;
+  std::int32_t dopu_depth = 3;
+  std::int32_t dopu_a_scans = 3;
+  std::int32_t dopu_b_scans = 3;
 };
 
 class BrennickDataSource_PS : public BrennickDataSource {
@@ -46,8 +45,8 @@ class BrennickDataSource_PS : public BrennickDataSource {
   // Hold from the next volume on.
   void set_output_mode(std::int32_t mode);
   void set_threshold(double threshold, bool enabled);
-  void set_averaging(std::int32_t a, std::int32_t b, std::int32_t c, std::int32_t d);
-  void set_dopu(std::int32_t a, std::int32_t b, std::int32_t c, std::int32_t d);
+  void set_averaging(std::int32_t depth, std::int32_t a_scans, std::int32_t b_scans, std::int32_t volumes);
+  void set_dopu(std::int32_t depth, std::int32_t a_scans, std::int32_t b_scans);
   PolarizationSettings settings() const;
 
  protected:

@@ -33,28 +33,23 @@ FastOpenGLVolumeRenderer::~FastOpenGLVolumeRenderer() {
   log() << "~FastOpenGLVolumeRenderer";
 }
 
-void FastOpenGLVolumeRenderer::set_size(std::int32_t x, std::int32_t y, std::int32_t z) {
-  if (x < 0 || y < 0 || z < 0) throw std::invalid_argument("Volume sizes must not be negative. ");
+void FastOpenGLVolumeRenderer::set_size(const VolumeExtent& extent) {
+  const auto [depth, a_scans, b_scans] = extent;
+  if (depth < 0 || a_scans < 0 || b_scans < 0) {
+    throw std::invalid_argument("Volume sizes must not be negative. ");
+  }
   constexpr std::int64_t limit = std::numeric_limits<std::int32_t>::max();
-  const std::int64_t image = std::int64_t{x} * y;
-  if (image > limit || image * z > limit) {
+  if (depth * a_scans > limit || depth * a_scans * b_scans > limit) {
     throw std::invalid_argument("The volume has too many voxels for live rendering. ");
   }
   {
     const std::lock_guard lock(extent_mutex_);
-    extent_ = {x, y, z};
+    extent_ = extent;
   }
-  log() << "FastOpenGLVolumeRenderer::set_size: " << x << " x " << y << " x " << z;
+  log() << "FastOpenGLVolumeRenderer::set_size: " << depth << " x " << a_scans << " x " << b_scans;
 }
 
-void FastOpenGLVolumeRenderer::get_size(std::int32_t* x, std::int32_t* y, std::int32_t* z) {
-  const gl::Extent3D stored = extent();
-  if (x) *x = static_cast<std::int32_t>(stored.width);
-  if (y) *y = static_cast<std::int32_t>(stored.height);
-  if (z) *z = static_cast<std::int32_t>(stored.depth);
-}
-
-gl::Extent3D FastOpenGLVolumeRenderer::extent() const {
+VolumeExtent FastOpenGLVolumeRenderer::get_size() const {
   const std::lock_guard lock(extent_mutex_);
   return extent_;
 }
@@ -69,7 +64,7 @@ void FastOpenGLVolumeRenderer::start() {
 }
 
 void FastOpenGLVolumeRenderer::invalidate() {
-  log() << "Invalidate called, size_z = " << extent().depth;
+  log() << "Invalidate called, size_z = " << get_size().b_scans;
   transition_.request(LiveState::invalidated);
 }
 
@@ -84,7 +79,7 @@ float* FastOpenGLVolumeRenderer::get_data_ptr() {
     ++dropped_;
     return nullptr;
   }
-  float* const data = hand_over_.lend(extent());
+  float* const data = hand_over_.lend(get_size());
   if (!data) ++dropped_;
   log() << "FastOpenGLVolumeRenderer::get_data_ptr(): ResetEvent";
   return data;
@@ -181,7 +176,7 @@ void FastOpenGLVolumeRenderer::draw() {
   VolumeSource source = renderer->source();
   // Until the first volume has come the texture holds what the driver left in it.
   source.volume = uploaded_ ? upload_.volume() : 0;
-  source.sliceCount = static_cast<int>(upload_.extent().height);
+  source.sliceCount = static_cast<int>(upload_.extent().a_scans);
   source.filledFraction = 1.0F;
   if (!hand_over_.mapped()) ++source.revision;  // the texture was just replaced
   renderer->setSource(source);
@@ -189,7 +184,7 @@ void FastOpenGLVolumeRenderer::draw() {
 }
 
 void FastOpenGLVolumeRenderer::initialize() {
-  const gl::Extent3D stored = extent();
+  const VolumeExtent stored = get_size();
   if (VolumeRenderer* const renderer = volume_renderer_) {
     const ObjectLock lock(renderer);
     VolumeSource source = renderer->source();
@@ -208,7 +203,7 @@ void FastOpenGLVolumeRenderer::initialize() {
       renderer->setSource(source);
     }
   }
-  log() << "Initializing with sizes: " << stored.width << " x " << stored.height << " x " << stored.depth;
+  log() << "Initializing with sizes: " << stored.depth << " x " << stored.a_scans << " x " << stored.b_scans;
   float* const data = upload_.mapFresh();
   if (!hand_over_.offer(data)) {
     writeError("Could not set event.");

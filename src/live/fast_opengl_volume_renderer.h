@@ -5,7 +5,6 @@
 #include <memory>
 #include <mutex>
 
-#include "live/abstract_live_rendering.h"
 #include "live/manual_reset_event.h"
 #include "live/transition.h"
 #include "live/volume_hand_over.h"
@@ -13,37 +12,52 @@
 
 namespace oct {
 
+class VolumeRenderer;
+
 // Two threads meet here: the acquisition thread fills buffers that lie in the driver's memory, and the
-// rendering thread, which owns the context, does everything else in render.
-class FastOpenGLVolumeRenderer : public AbstractLiveRendering {
+// rendering thread, which owns the context, does everything else in render, once per frame.
+//
+// A producer calls set_size, set_secondary_data if it has any, start, invalidate and wait_for_transition;
+// then, for each volume, get_data_ptr and update; stop at the end.
+class FastOpenGLVolumeRenderer {
  public:
   // Throws when the system gives no event.
   explicit FastOpenGLVolumeRenderer(std::unique_ptr<ManualResetEvent> event = ManualResetEvent::create());
-  ~FastOpenGLVolumeRenderer() override;
+  ~FastOpenGLVolumeRenderer();
+  FastOpenGLVolumeRenderer(const FastOpenGLVolumeRenderer&) = delete;
+  FastOpenGLVolumeRenderer& operator=(const FastOpenGLVolumeRenderer&) = delete;
 
-  VolumeRenderer* get_renderer() override { return volume_renderer_; }
-  void start() override;
-  void render() override;
-  void stop() override;
-  void invalidate() override;
+  VolumeRenderer* get_renderer() { return volume_renderer_; }  // not owned; null when none is set
+  void set_renderer(VolumeRenderer* renderer) { volume_renderer_ = renderer; }
+  void start();       // requests initialisation
+  void invalidate();  // requests initialisation anew, for other sizes
+  void stop();        // requests de-initialisation; nobody waits for a transition any more
+  void wait_for_transition() { transition_.wait(); }
+  bool is_running() { return transition_.state() != LiveState::stopped; }
+  void render();
+
   // Throws std::invalid_argument for negative sizes and for more voxels than a 32-bit number counts.
-  void set_size(std::int32_t x, std::int32_t y, std::int32_t z) override;
-  void get_size(std::int32_t* x, std::int32_t* y, std::int32_t* z) override;
-  void set_renderer(VolumeRenderer* renderer) override { volume_renderer_ = renderer; }
-  void set_secondary_data(const float* data, std::int32_t width) override;
-  bool is_running() override { return transition_.state() != LiveState::stopped; }
-  float* get_data_ptr() override;
-  void update() override;
-  double get_fps() override { return fps_; }
-  void wait_for_transition() override { transition_.wait(); }
-  VolumeCounts get_counts() override { return {drawn_, dropped_}; }
-  void discard() override { hand_over_.giveBack(); }
+  void set_size(const VolumeExtent& extent);
+  VolumeExtent get_size() const;
+
+  // `width` values for every A-scan, read by update. Null: there is none.
+  void set_secondary_data(const float* data, std::int32_t width);
+
+  float* get_data_ptr();  // the buffer for the next volume; null if none is free within 100 ms
+  void update();          // the buffer is filled
+  void discard() { hand_over_.giveBack(); }  // it goes back without a volume, because filling it failed
+
+  // Volumes since construction. Any thread, never waits.
+  struct VolumeCounts {
+    std::uint32_t drawn = 0;    // taken to the graphics card
+    std::uint32_t dropped = 0;  // no buffer in time, or lost by the driver
+  };
+  VolumeCounts get_counts() { return {drawn_, dropped_}; }
+  double get_fps() { return fps_; }  // volumes per second
 
  private:
-  virtual void initialize();
-  virtual void close();
-
-  gl::Extent3D extent() const;
+  void initialize();
+  void close();
 
   void renderStart(const Transition::Request& request);
   void renderStop(const Transition::Request& request);
@@ -58,7 +72,7 @@ class FastOpenGLVolumeRenderer : public AbstractLiveRendering {
   VolumeUpload upload_;
   bool uploaded_ = false;  // since the texture was allocated
   mutable std::mutex extent_mutex_;
-  gl::Extent3D extent_;  // of the volumes to come
+  VolumeExtent extent_;  // of the volumes to come
   std::atomic<double> fps_ = 0.0;
   std::atomic<std::uint32_t> drawn_ = 0;
   std::atomic<std::uint32_t> dropped_ = 0;

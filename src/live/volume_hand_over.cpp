@@ -15,7 +15,7 @@ bool VolumeHandOver::waitForBuffer() {
   return event_->wait(patience);
 }
 
-float* VolumeHandOver::lend(const gl::Extent3D& wanted) {
+float* VolumeHandOver::lend(const VolumeExtent& wanted) {
   const std::lock_guard lock(mutex_);
   if (data_ && extent_ != wanted) return nullptr;
   event_->reset();
@@ -42,7 +42,7 @@ void VolumeHandOver::fill() {
     if (!lent_) return;
     data = secondaryData_;
     filledSecondary_.width = data ? secondaryWidth_ : 0;
-    const std::int64_t aScans = extent_.height * extent_.depth;
+    const std::int64_t aScans = extent_.a_scans * extent_.b_scans;
     count = static_cast<std::size_t>(filledSecondary_.width * aScans);
   }
   filledSecondary_.values.assign(data, data + count);
@@ -93,7 +93,7 @@ bool VolumeHandOver::withdraw() {
   return std::exchange(data_, nullptr) != nullptr;
 }
 
-void VolumeHandOver::setExtent(const gl::Extent3D& extent) {
+void VolumeHandOver::setExtent(const VolumeExtent& extent) {
   const std::lock_guard lock(mutex_);
   extent_ = extent;
 }

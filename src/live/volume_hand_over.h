@@ -7,7 +7,7 @@
 #include <mutex>
 #include <vector>
 
-#include "gl/texture_3d.h"
+#include "core/extent.h"
 #include "live/manual_reset_event.h"
 
 namespace oct {
@@ -24,7 +24,7 @@ class VolumeHandOver {
   bool waitForBuffer();  // at most 100 ms
   // Free becomes lent. Null when the rendering thread took the buffer back meanwhile, and when its extent is
   // not the wanted one: then the initialisation for the new one is still to come.
-  float* lend(const gl::Extent3D& wanted);
+  float* lend(const VolumeExtent& wanted);
   void giveBack();  // lent becomes free
 
   // Lent becomes filled. The secondary values of the volume are copied: their owner writes the next ones
@@ -45,7 +45,7 @@ class VolumeHandOver {
   // holds is lost.
   bool withdraw();
 
-  void setExtent(const gl::Extent3D& extent);  // of the buffer; while it is unmapped
+  void setExtent(const VolumeExtent& extent);  // of the buffer; while it is unmapped
   std::int32_t secondaryWidth() const;
 
   struct Secondary {
@@ -63,7 +63,7 @@ class VolumeHandOver {
   bool lent_ = false;
   bool filled_ = false;
   bool withdrawing_ = false;
-  gl::Extent3D extent_;
+  VolumeExtent extent_;
   const float* secondaryData_ = nullptr;
   std::int32_t secondaryWidth_ = 0;
   Secondary filledSecondary_;  // the producer's while the buffer is lent, else the rendering thread's

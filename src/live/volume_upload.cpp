@@ -13,7 +13,7 @@ void unbindBuffer() {
 
 }  // namespace
 
-void VolumeUpload::allocate(const gl::Extent3D& extent) {
+void VolumeUpload::allocate(const VolumeExtent& extent) {
   volume_.allocate(extent, format, "FastOpenGLVolumeRenderer::initialize");
   for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R}) {
     glTexParameteri(GL_TEXTURE_3D, wrap, GL_CLAMP_TO_BORDER);
@@ -47,8 +47,8 @@ void VolumeUpload::release() {
 }
 
 void VolumeUpload::respecify(const gl::Buffer& buffer) const {
-  const gl::Extent3D& extent = volume_.extent();
-  const auto voxels = static_cast<GLsizeiptr>(extent.width * extent.height * extent.depth);
+  const VolumeExtent& extent = volume_.extent();
+  const auto voxels = static_cast<GLsizeiptr>(extent.depth * extent.a_scans * extent.b_scans);
   // Empty volumes keep a byte or so: a buffer without any cannot be mapped.
   const GLsizeiptr bytes = (voxels > 0 ? voxels : 1) * static_cast<GLsizeiptr>(sizeof(float));
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer.get());
@@ -74,15 +74,15 @@ void VolumeUpload::unmap() {
 }
 
 bool VolumeUpload::upload() {
-  const gl::Extent3D& extent = volume_.extent();
+  const VolumeExtent& extent = volume_.extent();
   gl::resetPixelUnpack();
   volume_.bind();
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
   const bool intact = glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER) == GL_TRUE;
   if (intact) {
-    glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, 0, static_cast<GLsizei>(extent.width),
-                    static_cast<GLsizei>(extent.height), static_cast<GLsizei>(extent.depth), GL_RED, GL_FLOAT,
-                    nullptr);
+    glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, 0, static_cast<GLsizei>(extent.depth),
+                    static_cast<GLsizei>(extent.a_scans), static_cast<GLsizei>(extent.b_scans), GL_RED,
+                    GL_FLOAT, nullptr);
   }
   unbindBuffer();
   current_ = (current_ + 1) % buffers_.size();
@@ -95,8 +95,8 @@ void VolumeUpload::uploadSecondary(const VolumeHandOver::Secondary& secondary) {
   glBindTexture(GL_TEXTURE_3D, secondary_.get());
   gl::resetPixelUnpack();
   glTexImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(format), secondary.width,
-               static_cast<GLsizei>(volume_.extent().height), static_cast<GLsizei>(volume_.extent().depth), 0,
-               GL_RED, GL_FLOAT, secondary.values.data());
+               static_cast<GLsizei>(volume_.extent().a_scans), static_cast<GLsizei>(volume_.extent().b_scans),
+               0, GL_RED, GL_FLOAT, secondary.values.data());
 }
 
 }  // namespace oct

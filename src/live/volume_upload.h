@@ -12,7 +12,7 @@ namespace oct {
 class VolumeUpload {
  public:
   // New storage of undefined contents. Buffers must be unmapped.
-  void allocate(const gl::Extent3D& extent);
+  void allocate(const VolumeExtent& extent);
   void allocateSecondary();
   void release();
 
@@ -30,7 +30,7 @@ class VolumeUpload {
 
   GLuint volume() const { return volume_.get(); }
   GLuint secondary() const { return secondary_.get(); }
-  const gl::Extent3D& extent() const { return volume_.extent(); }
+  const VolumeExtent& extent() const { return volume_.extent(); }
 
  private:
   void respecify(const gl::Buffer& buffer) const;

@@ -46,11 +46,10 @@ void OfflineVolumeRendering::setAspectRatio(float axial, float lateral1, float l
   lateral2_ = lateral2;
 }
 
-void OfflineVolumeRendering::allocate(std::int64_t width, std::int64_t height, std::int64_t depth) {
+void OfflineVolumeRendering::allocate(const VolumeExtent& extent) {
   const TimingMark mark("allocating volume on GPU");
   if (!renderer_) throw std::invalid_argument("Attach a volume renderer before allocating a volume. ");
   gl::requireOpenGL();
-  const gl::Extent3D extent{width, height, depth};
   if (volume_ && extent == volume_.extent()) return;
   gl::Texture3D::require(extent, volumeFormat);
 
@@ -65,7 +64,7 @@ void OfflineVolumeRendering::allocate(std::int64_t width, std::int64_t height, s
   volume_.allocate(extent, volumeFormat, "OfflineVolumeRendering::allocate, glTexImage3D");
   changeSource([&](VolumeSource& source) {
     source.volume = volume_.get();
-    source.sliceCount = static_cast<int>(depth);
+    source.sliceCount = static_cast<int>(extent.b_scans);
   });
   unbind();
   gl::throwOnGLError("OfflineVolumeRendering::allocate");
@@ -75,9 +74,9 @@ void OfflineVolumeRendering::requireVolume() const {
   if (!volume_) throw std::invalid_argument("Allocate a volume before uploading one. ");
 }
 
-void OfflineVolumeRendering::requireSlices(std::int64_t first, std::int64_t end) const {
+void OfflineVolumeRendering::requireBScans(std::int64_t first, std::int64_t end) const {
   requireVolume();
-  if (first < 0 || end < first || end > volume_.extent().depth) {
+  if (first < 0 || end < first || end > volume_.extent().b_scans) {
     throw std::invalid_argument("The slices lie outside the allocated volume. ");
   }
 }
@@ -98,7 +97,7 @@ void OfflineVolumeRendering::upload(const float* volume) {
   gl::requireOpenGL();
   requireVolume();
   volume_.bind();
-  volume_.uploadSlices(0, volume_.extent().depth, volume);
+  volume_.uploadBScans(0, volume_.extent().b_scans, volume);
   unbind();
   volumeFilled(1.0F);
   gl::throwOnGLError("OfflineVolumeRendering::upload");
@@ -108,12 +107,12 @@ void OfflineVolumeRendering::uploadSubVolume(int first, int end, const float* bl
   const TimingMark mark("partial upload offline volume");
   if (!block) return changeSource([](VolumeSource& source) { source.filledFraction = 0.0F; });
   gl::requireOpenGL();
-  requireSlices(first, end);
+  requireBScans(first, end);
   volume_.bind();
-  volume_.uploadSlices(first, end - first, block);
+  volume_.uploadBScans(first, end - first, block);
   unbind();
-  if (volume_.extent().depth > 0) {
-    volumeFilled(static_cast<float>(end) / static_cast<float>(volume_.extent().depth));
+  if (volume_.extent().b_scans > 0) {
+    volumeFilled(static_cast<float>(end) / static_cast<float>(volume_.extent().b_scans));
   }
   gl::throwOnGLError("OfflineVolumeRendering::upload");
 }
@@ -122,11 +121,11 @@ void OfflineVolumeRendering::uploadSlice(int index, const float* slice) {
   const TimingMark mark("single slice upload offline volume");
   if (!slice) throw std::invalid_argument("Slice data must not be null. ");
   gl::requireOpenGL();
-  requireSlices(index, std::int64_t{index} + 1);
+  requireBScans(index, std::int64_t{index} + 1);
   volume_.bind();
-  volume_.uploadSlices(index, 1, slice);
+  volume_.uploadBScans(index, 1, slice);
   unbind();
-  volumeFilled(static_cast<float>(index) / static_cast<float>(volume_.extent().depth));
+  volumeFilled(static_cast<float>(index) / static_cast<float>(volume_.extent().b_scans));
   gl::throwOnGLError("OfflineVolumeRendering::upload");
 }
 
@@ -144,7 +143,7 @@ void OfflineVolumeRendering::uploadOverlay(const float* volume) {
   }
   const TimingMark mark("OfflineVolumeRendering::upload_overlay");
   overlay_.bind();
-  overlay_.uploadSlices(0, overlay_.extent().depth, volume);
+  overlay_.uploadBScans(0, overlay_.extent().b_scans, volume);
   unbind();
   changeSource([](VolumeSource& source) { ++source.revision; });  // the overlay may be what is shown
   gl::throwOnGLError("OfflineVolumeRendering::upload_overlay");
@@ -164,12 +163,12 @@ void OfflineVolumeRendering::uploadSecondaryData(const SecondaryBlock& block) {
   if (!renderer_) throw std::invalid_argument("The specified VolumeRendererHandle is invalid. ");
   gl::requireOpenGL();
   if (!block.data) return freeSecondary();
-  const gl::Extent3D extent{block.width, block.height, block.depth};
+  const VolumeExtent& extent = block.extent;
   gl::Texture3D::require(extent, secondaryFormat);
-  if (std::int64_t{block.first} + block.count > block.depth) {
+  if (std::int64_t{block.first} + block.count > extent.b_scans) {
     throw std::invalid_argument("The secondary data lies outside its texture. ");
   }
-  const bool whole = block.first == 0 && block.count == static_cast<std::uint32_t>(block.depth);
+  const bool whole = block.first == 0 && block.count == extent.b_scans;
   if (block.first == 0) {
     freeSecondary();
     secondary_.allocate(extent, secondaryFormat, "OfflineVolumeRendering::upload_secondary_data",
@@ -180,29 +179,29 @@ void OfflineVolumeRendering::uploadSecondaryData(const SecondaryBlock& block) {
   } else {
     secondary_.bind();
   }
-  if (!whole) secondary_.uploadSlices(block.first, block.count, block.data);
+  if (!whole) secondary_.uploadBScans(block.first, block.count, block.data);
   unbind();
   gl::throwOnGLError("OfflineVolumeRendering::upload_secondary_data");
 
   changeSource([&](VolumeSource& source) {
     source.secondary = secondary_.get();
-    source.secondarySliceCount = static_cast<int>(block.width);
+    source.secondarySliceCount = static_cast<int>(extent.depth);
   });
 }
 
-void OfflineVolumeRendering::render(int contentType) {
+void OfflineVolumeRendering::render(Content content) {
   const TimingMark mark("OfflineRendering::render");
-  if (contentType < 0 || contentType > 2) {
+  if (content < Content::volume || content > Content::volume_and_overlay) {
     throw std::invalid_argument("Content type is not supported for rendering. ");
   }
   if (!renderer_) return;
   const ObjectLock lock(renderer_);  // no setter comes between the hand-over and the frame
   renderer_->setRange(axial_, lateral1_, lateral2_);
-  renderer_->setSource(sourceOf(contentType));
+  renderer_->setSource(sourceOf(content));
   renderer_->render();
 }
 
-VolumeSource OfflineVolumeRendering::sourceOf(int contentType) const {
+VolumeSource OfflineVolumeRendering::sourceOf(Content content) const {
   VolumeSource source = renderer_->source();
   source.volume = 0;
   source.sliceCount = 0;
@@ -210,14 +209,14 @@ VolumeSource OfflineVolumeRendering::sourceOf(int contentType) const {
   source.overlayPresent = false;
   source.mainColormapIsOverlay = false;
   if (volume_.extent().empty()) return source;
-  source.sliceCount = static_cast<int>(volume_.extent().depth);
-  if (contentType == 1) {
+  source.sliceCount = static_cast<int>(volume_.extent().b_scans);
+  if (content == Content::overlay) {
     source.volume = overlay_.get();
     source.mainColormapIsOverlay = true;
     return source;
   }
   source.volume = volume_.get();
-  if (contentType == 2) {
+  if (content == Content::volume_and_overlay) {
     source.overlay = overlay_.get();
     source.overlayPresent = static_cast<bool>(overlay_);
   }

@@ -22,36 +22,36 @@ class OfflineVolumeRendering {
   void setAspectRatio(float axial, float lateral1, float lateral2);
 
   // Keeps volume and contents when the sizes are those it has.
-  void allocate(std::int64_t width, std::int64_t height, std::int64_t depth);
+  void allocate(const VolumeExtent& extent);
 
   void upload(const float* volume);
-  void uploadSubVolume(int first, int end, const float* block);  // a null block empties the picture
-  void uploadSlice(int index, const float* slice);
+  void uploadSubVolume(int first, int end, const float* block);  // B-scans; a null block empties the picture
+  void uploadSlice(int index, const float* slice);               // one B-scan
 
   void uploadOverlay(const float* volume);  // null frees the overlay
 
-  // Null frees the secondary data. The first axis, `width`, counts the images.
+  // Null frees the secondary data. Its depth is the number of values of an A-scan.
   struct SecondaryBlock {
-    int height = 0;
-    int depth = 0;
-    std::uint32_t width = 0;
-    std::uint32_t first = 0;  // along depth
+    VolumeExtent extent;      // of all blocks together
+    std::uint32_t first = 0;  // B-scan
     std::uint32_t count = 0;
     const float* data = nullptr;
   };
   void uploadSecondaryData(const SecondaryBlock& block);
 
-  // 0: the volume, 1: the overlay alone, 2: both.
-  void render(int contentType);
+  enum class Content { volume = 0, overlay = 1, volume_and_overlay = 2 };
+
+  // Throws std::invalid_argument for a content that is not listed.
+  void render(Content content);
 
  private:
   template <class Change>
   void changeSource(Change change);
   void requireVolume() const;
-  void requireSlices(std::int64_t first, std::int64_t end) const;
+  void requireBScans(std::int64_t first, std::int64_t end) const;
   void volumeFilled(float fraction);
   void freeSecondary();
-  VolumeSource sourceOf(int contentType) const;
+  VolumeSource sourceOf(Content content) const;
 
   VolumeRenderer* renderer_ = nullptr;
   float axial_ = 0.0F;

@@ -10,15 +10,15 @@ uniform sampler2D displayTex;
 uniform sampler1D colorTex;
 uniform float lowerValue;
 uniform float upperValue;
-uniform vec2 textureSize;  // A-scans, samples per A-scan; hides the built-in function from here on
+uniform vec2 textureSize;  // samples along depth, A-scans; hides the built-in function from here on
 uniform vec2 displaySize;  // pixels
-uniform vec2 DPP;          // samples per pixel: across A-scans, along depth
+uniform vec2 DPP;          // samples per pixel: along depth, across A-scans
 uniform float gamma;       // set and not used: intensities stay as measured
 
 void main() {
-  ivec2 last = ivec2(textureSize).yx - 1;
+  ivec2 last = ivec2(textureSize) - 1;
   ivec2 texel = texelAt(texCoord, displaySize, last + 1);
-  ivec2 box = ivec2(DPP).yx;  // along the texture's axes
+  ivec2 box = ivec2(DPP);
   int count = box.x * box.y;
   ivec2 offset = ivec2(0);
   float sum = 0.0;

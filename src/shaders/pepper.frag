@@ -7,8 +7,6 @@ out float result;
 uniform sampler2D inputTexture;
 uniform vec2 inputTextureSize;
 
-const float threshold = 0.0;  // not used: every texel below its mean is lifted
-
 void main() {
   vec2 step = 1.0 / inputTextureSize;
   float sum = 0.0;

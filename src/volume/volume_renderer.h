@@ -3,29 +3,30 @@
 
 #include <cstdint>
 
-#include "gl/abstract_renderer.h"
-#include "volume/passes/background.h"
-#include "volume/passes/box.h"
-#include "volume/layout/clip_plane.h"
-#include "volume/passes/raycaster.h"
-#include "volume/passes/scene_elements.h"
-#include "volume/passes/surface.h"
 #include "volume/frame/volume_colormap.h"
 #include "volume/frame/volume_programs.h"
 #include "volume/frame/volume_settings.h"
+#include "volume/layout/clip_plane.h"
+#include "volume/passes/background.h"
+#include "volume/passes/box.h"
+#include "volume/passes/raycaster.h"
+#include "volume/passes/scene_elements.h"
+#include "volume/passes/surface.h"
 
 namespace oct {
 
 // Every operation takes the renderer's ObjectLock, so that a frame sees each setting whole. init, uninit,
 // render and the destructor run on the thread that owns the context.
-class VolumeRenderer : public AbstractRenderer {
+class VolumeRenderer {
  public:
   VolumeRenderer();
-  ~VolumeRenderer() override;
+  ~VolumeRenderer();
+  VolumeRenderer(const VolumeRenderer&) = delete;
+  VolumeRenderer& operator=(const VolumeRenderer&) = delete;
 
   void init();
   void uninit();
-  void render() override;
+  void render();
 
   // Camera
   void setAngles(double x, double y);
@@ -36,14 +37,13 @@ class VolumeRenderer : public AbstractRenderer {
 
   // Modes
   void setRenderingSlices(int slices);
-  void setLateralVoxelsPerPixel(double voxels);
   void setRenderingMode(int mode);
   void setVolumeMode(int mode);
   void setRenderElements(bool volume, bool surface);
 
   // Scene
   void setSectionalView(const std::array<Section, 3>& sections);
-  void setClipPlane(bool enable, bool secondFlag, float value);
+  void setClipPlane(bool enable, bool open_cut, float value);
   void fixClipPlane(bool fix);
   void setFrame(const FrameFlags& flags);
   void setRemoveSegment(bool remove);

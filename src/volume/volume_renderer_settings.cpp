@@ -17,7 +17,6 @@ void VolumeRenderer::setAngles(double x, double y) {
   const ObjectLock lock(this);
   settings_.view.angleX = static_cast<float>(wrappedAngle(x));
   settings_.view.angleY = static_cast<float>(wrappedAngle(y));
-  settings_.view.angleZ = 0.0F;
 }
 
 void VolumeRenderer::setTranslation(double x, double y, double z) {
@@ -46,11 +45,6 @@ void VolumeRenderer::setRenderingSlices(int slices) {
   settings_.slices = slices;
 }
 
-void VolumeRenderer::setLateralVoxelsPerPixel(double voxels) {
-  const ObjectLock lock(this);
-  settings_.lateralVoxelsPerPixel = voxels;
-}
-
 void VolumeRenderer::setRenderingMode(int mode) {
   if (mode < 0 || mode > 1) throw std::invalid_argument("Invalid rendering mode selected.");
   const ObjectLock lock(this);
@@ -74,9 +68,9 @@ void VolumeRenderer::setSectionalView(const std::array<Section, 3>& sections) {
   elements_.sectionalView.set(sections);
 }
 
-void VolumeRenderer::setClipPlane(bool enable, bool secondFlag, float value) {
+void VolumeRenderer::setClipPlane(bool enable, bool open_cut, float value) {
   const ObjectLock lock(this);
-  clipPlane_.set(enable, secondFlag, value);
+  clipPlane_.set(enable, open_cut, value);
 }
 
 void VolumeRenderer::fixClipPlane(bool fix) {

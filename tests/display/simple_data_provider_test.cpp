@@ -21,12 +21,11 @@ TEST_F(SimpleDataProviderGLTest, ResizesOncePerSizeAndUploadsAtEveryLock) {
   int resizes = 0;
   int uploads = 0;
   for (const auto& [depth, aScans] : {std::pair{33, 21}, {21, 33}}) {  // of the same number of samples
-    provider_.setData(depth, aScans, image.samples.data());
+    provider_.setData({depth, aScans}, image.samples.data());
     ++resizes;
     for (int i = 0; i < 2; ++i) {
       const auto locked = provider_.lock();
-      EXPECT_EQ(locked->height(), static_cast<unsigned>(depth));
-      EXPECT_EQ(locked->width(), static_cast<unsigned>(aScans));
+      EXPECT_EQ(locked->extent(), (ImageExtent{depth, aScans}));
       EXPECT_EQ(spy.calls("glTexImage2D"), resizes);
       EXPECT_EQ(spy.calls("glTexSubImage2D"), ++uploads);
       glBindTexture(GL_TEXTURE_2D, locked->texture());
@@ -48,7 +47,7 @@ TEST_F(SimpleDataProviderGLTest, ResizesOncePerSizeAndUploadsAtEveryLock) {
 TEST_F(SimpleDataProviderGLTest, WritersWaitWhileTheTextureIsLocked) {
   EXPECT_THROW(provider_.lock(), std::invalid_argument);  // and lets writers in
   const Image image = testImage(8, 8);
-  const auto write = [&] { provider_.setData(8, 8, image.samples.data()); };
+  const auto write = [&] { provider_.setData({8, 8}, image.samples.data()); };
   write();
   auto locked = provider_.lock();
   auto writer = std::async(std::launch::async, write);

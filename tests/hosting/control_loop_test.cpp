@@ -123,7 +123,7 @@ TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
     EXPECT_NE(glGetString(GL_VERSION), nullptr) << what;
   };
   auto loop = std::make_unique<OpenGLControlLoop>(functor([&] { note("init"); }),
-                                                  functor([&] { note("uninit"); }), nullptr);
+                                                  functor([&] { note("uninit"); }));
   loop->set_rendering_callback(rendering([&](std::uint32_t) { note("draw"); }));
   loop->set_image_ready_callback(imageReady([&](Index index, void*) {
     returned_.add(index);
@@ -157,7 +157,7 @@ TEST_P(ControlLoopGLTest, AFailureEndsTheRenderThreadOnly) {
         if (where == "init") throw std::runtime_error("no more");
       };
       OpenGLControlLoop loop(functor(init), functor([] { ADD_FAILURE() << "uninit"; }),
-                             std::make_unique<LambdaError>([&](const std::string& e) { errors_.add(e); }));
+                             ErrorCallback([&](const char* e) { errors_.add(e); }));
       loop.set_rendering_callback(rendering([](std::uint32_t) { throw std::runtime_error("no more"); }));
       loop.set_image_ready_callback(imageReady([](Index, void*) { ADD_FAILURE() << "frame"; }));
       loop.set_mode(OpenGLControlLoop::onceEach);
@@ -229,7 +229,7 @@ TEST_P(ControlLoopGLTest, DeletionFromItsOwnThreadsIsRefused) {
     };
     {
       OpenGLControlLoop loop(functor([&] { attempt("init"); }), functor([&] { attempt("uninit"); }),
-                             std::make_unique<LambdaError>([&](const std::string&) { attempt("error"); }));
+                             ErrorCallback([&](const char*) { attempt("error"); }));
       loop.set_rendering_callback(rendering([&](std::uint32_t) {
         attempt("draw");
         if (fails) throw std::runtime_error("no more");

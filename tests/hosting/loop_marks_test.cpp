@@ -29,9 +29,9 @@ TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
   MarkRecorder recorder;
   {
     prepareOpenGL();
-    OpenGLControlLoop loop(nullptr, functor([] {}), nullptr);
+    OpenGLControlLoop loop(nullptr, functor([] {}));
     loop.set_image_ready_callback(
-        std::make_unique<ImageReadyCallback>([](std::uint32_t, std::uint32_t, std::uint32_t, void*) {}));
+        ImageReadyCallback([](std::uint32_t, std::uint32_t, std::uint32_t, void*) {}));
     loop.resize(4, 4);
     loop.set_mode(OpenGLControlLoop::onceEach);
     Picture picture(3, 3);

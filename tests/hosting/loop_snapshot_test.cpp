@@ -189,7 +189,7 @@ TEST_P(LoopSnapshotGLTest, ManyClientsAtOnce) {
   }
   for (int id = 1; id < 60; ++id) {
     loop->request(id);
-    loop->set_mode(static_cast<std::uint32_t>(id % 2));
+    loop->set_mode(id % 2 ? OpenGLControlLoop::roundRobin : OpenGLControlLoop::onceEach);
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_GT(pictures, 0);

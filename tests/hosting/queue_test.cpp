@@ -3,9 +3,7 @@
 
 #include <atomic>
 #include <future>
-#include <tuple>
 
-#include "hosting/loop/functors.h"
 #include "hosting/loop/request_queue.h"
 #include "hosting/loop/return_map.h"
 #include "hosting/host/signal_event.h"
@@ -133,17 +131,7 @@ TEST(SignalEventTest, StaysSignalledUntilItIsClearedOrPassed) {
 
 std::vector<unsigned> seen;
 
-TEST(FunctorTest, SwitchedOffAndNull) {
-  seen.clear();
-  const auto record = [](unsigned id) { seen.push_back(id); };
-  RenderingCallback rendering(record);
-  for (const bool enabled : {true, false, true}) {
-    rendering.set_enabled(enabled);
-    rendering(0xFFFFFFFEU + enabled);
-  }
-  EXPECT_EQ(seen, (std::vector<unsigned>{0xFFFFFFFFU, 0xFFFFFFFFU}));
-  RenderingCallback{nullptr}(1);
-
+TEST(ImageReadyCallbackTest, AnEmptyOneIsLogged) {
   ImageReadyCallback ready([](unsigned index, unsigned width, unsigned height, void* surface) {
     seen = {index, width, height, surface == &seen};
   });

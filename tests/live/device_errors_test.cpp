@@ -1,6 +1,8 @@
 // What becomes of a device's errors, at every call of the sequence, and that the source starts again
 // afterwards.
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 #include "live/live_stage.h"
 #include "support/test_context.h"
@@ -120,6 +122,25 @@ INSTANTIATE_TEST_SUITE_P(
     nameOf);
 
 class DeviceEndsTest : public LiveTest {};
+
+// A loop whose every volume fails reports each, and goes on; without a function nobody is told.
+TEST_F(DeviceEndsTest, AnErrorFunctionIsTakenAway) {
+  stage_.makeSource();
+  stage_.start();
+  ASSERT_TRUE(stage_.framesUntilShown());
+  device_.fail("getRawDataEx", 0);
+  EXPECT_TRUE(stage_.framesUntil([&] { return clientErrors().all().size() > 3; }));
+  const auto draw = [&] {
+    for (int i = 0; i < 10; ++i) {
+      stage_.frame();
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return clientErrors().all().size();
+  };
+  setErrorCallback(stage_.source, nullptr);
+  const std::size_t told = draw();  // one report may have been under way
+  EXPECT_EQ(draw(), told);
+}
 
 // The device's volumes shrink and grow while it measures, or are smaller than what is to be kept.
 TEST_F(DeviceEndsTest, AnotherSizeEndsTheThread) {

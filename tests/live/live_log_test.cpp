@@ -10,7 +10,7 @@ TEST_F(LiveLogTest, OneVolumeFromTheStartToTheEnd) {
   const std::string text = logOf([&] {
     {
       FastOpenGLVolumeRenderer live;
-      live.set_size(4, 3, 2);
+      live.set_size({4, 3, 2});
       live.start();
       live.invalidate();
       live.render();

@@ -32,7 +32,7 @@ class ScriptedEvent : public ManualResetEvent {
 
 class LiveRendererTest : public GLTest {
  protected:
-  LiveRendererTest() { live_.set_size(4, 3, 2); }
+  LiveRendererTest() { live_.set_size({4, 3, 2}); }
   ~LiveRendererTest() override {
     script_ = {};
     live_.stop();

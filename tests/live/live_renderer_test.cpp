@@ -38,7 +38,7 @@ TEST_F(LiveRendererTest, EveryEventInEveryState) {
   for (const NamedAction& state : states) {
     for (const NamedAction& event : events) {
       FastOpenGLVolumeRenderer live;
-      live.set_size(2, 2, 2);
+      live.set_size({2, 2, 2});
       state.run(live);
       event.run(live);
       EXPECT_TRUE(live.is_running()) << state.name << ", " << event.name;
@@ -52,7 +52,7 @@ TEST_F(LiveRendererTest, EveryEventInEveryState) {
       EXPECT_FALSE(live.is_running());
     }
     FastOpenGLVolumeRenderer live;
-    live.set_size(2, 2, 2);
+    live.set_size({2, 2, 2});
     state.run(live);
     EXPECT_EQ(live.is_running(), state.name != std::string("stopped"));
     live.render();
@@ -106,11 +106,8 @@ TEST_F(LiveRendererTest, HandOver) {
 
 TEST_F(LiveRendererTest, SizesHoldFromTheNextInitialisation) {
   runIt();
-  live_.set_size(5, 6, 7);
-  int x = -1, y = -1, z = -1;
-  live_.get_size(&x, nullptr, nullptr);
-  live_.get_size(nullptr, &y, &z);
-  EXPECT_EQ((std::array{x, y, z}), (std::array{5, 6, 7}));
+  live_.set_size({5, 6, 7});
+  EXPECT_EQ(live_.get_size(), (VolumeExtent{5, 6, 7}));
   EXPECT_EQ(live_.get_data_ptr(), nullptr) << "the buffer is one of the size before";
   live_.invalidate();
   live_.render();
@@ -118,32 +115,35 @@ TEST_F(LiveRendererTest, SizesHoldFromTheNextInitialisation) {
   ASSERT_NE(data, nullptr);
   std::fill_n(data, 5 * 6 * 7, 1.0F);
   live_.discard();
-  EXPECT_EQ(thrown([&] { live_.set_size(1, -1, 1); }), "Volume sizes must not be negative. ");
-  EXPECT_EQ(thrown([&] { live_.set_size(2048, 1024, 1024); }),
+  EXPECT_EQ(thrown([&] { live_.set_size({1, -1, 1}); }), "Volume sizes must not be negative. ");
+  EXPECT_EQ(thrown([&] {
+              live_.set_size({2048, 1024, 1024});
+            }),
             "The volume has too many voxels for live rendering. ");
   constexpr int most = std::numeric_limits<int>::max();
-  EXPECT_EQ(thrown([&] { live_.set_size(most, most, most); }),
+  EXPECT_EQ(thrown([&] {
+              live_.set_size({most, most, most});
+            }),
             "The volume has too many voxels for live rendering. ");
-  live_.get_size(&x, &y, &z);
-  EXPECT_EQ((std::array{x, y, z}), (std::array{5, 6, 7}));
+  EXPECT_EQ(live_.get_size(), (VolumeExtent{5, 6, 7}));
 }
 
 TEST_F(LiveRendererTest, SizesWithoutVoxelsAndBeyondTheDriver) {
-  live_.set_size(0, 8, 8);
+  live_.set_size({0, 8, 8});
   runIt();
   ASSERT_NE(live_.get_data_ptr(), nullptr);
   live_.update();
   live_.render();
   live_.render();
   EXPECT_TRUE(live_.is_running());
-  live_.set_size(1'000'000, 1, 1);
+  live_.set_size({1'000'000, 1, 1});
   live_.invalidate();
   for (int i = 0; i < 2; ++i) {
     EXPECT_NE(thrown([&] { live_.render(); }).find("1000000 x 1 x 1 voxels is too large"), std::string::npos);
   }
   EXPECT_TRUE(live_.is_running());
   EXPECT_EQ(spy_.liveObjects(), 0U);
-  live_.set_size(4, 3, 2);
+  live_.set_size({4, 3, 2});
   live_.render();
   produce(1.0F);
 }
@@ -183,7 +183,7 @@ TEST_F(LiveRendererTest, ARequestDuringInitialisationIsNotOverwritten) {
   EXPECT_FALSE(live_.is_running());
   script_.onSet = [&] {
     script_.onSet = nullptr;
-    live_.set_size(7, 7, 7);
+    live_.set_size({7, 7, 7});
     live_.invalidate();
   };
   runIt();
@@ -222,7 +222,7 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   live.set_renderer(&renderer);
   EXPECT_EQ(live.get_renderer(), &renderer);
   std::vector<float> secondary(2 * 3 * 2, 0.5F);
-  live.set_size(4, 3, 2);
+  live.set_size({4, 3, 2});
   live.set_secondary_data(secondary.data(), 2);
   beginOffscreenFrame(stage.target, 20, 20);
   live.start();

@@ -21,48 +21,23 @@
 
 namespace oct::test {
 
-// Functors made of lambdas.
-template <class... Arguments>
-class LambdaFunctor : public AbstractSwitchable<Arguments...> {
- public:
-  explicit LambdaFunctor(std::function<void(Arguments...)> body) : body_(std::move(body)) {}
-  void operator()(Arguments... arguments) override { body_(arguments...); }
-  void set_enabled(bool) override {}
-
- private:
-  const std::function<void(Arguments...)> body_;
-};
-
-template <class... Arguments>
-std::unique_ptr<AbstractSwitchable<Arguments...>> lambda(std::function<void(Arguments...)> body) {
-  return std::make_unique<LambdaFunctor<Arguments...>>(std::move(body));
+// Functions of a loop, made of lambdas.
+inline Callback functor(Callback body) {
+  return body;
 }
-inline auto functor(std::function<void()> body) {
-  return lambda(std::move(body));
-}
-inline auto rendering(std::function<void(std::uint32_t id)> body) {
-  return lambda(std::move(body));
+inline RenderingCallback rendering(RenderingCallback body) {
+  return body;
 }
 
 using Index = std::uint32_t;
 
-inline auto imageReady(
-    std::function<void(Index, std::uint32_t width, std::uint32_t height, void* surface)> body) {
-  return lambda(std::move(body));
+inline ImageReadyCallback imageReady(ImageReadyCallback::Function body) {
+  return ImageReadyCallback(std::move(body));
 }
-inline auto imageReady(std::function<void(Index, void* surface)> body) {
+inline ImageReadyCallback imageReady(std::function<void(Index, void* surface)> body) {
   return imageReady(
       [body](Index index, std::uint32_t, std::uint32_t, void* surface) { body(index, surface); });
 }
-
-class LambdaError : public AbstractErrorFunctor {
- public:
-  explicit LambdaError(std::function<void(const std::string&)> body) : body_(std::move(body)) {}
-  void operator()(const std::string& message) const override { body_(message); }
-
- private:
-  const std::function<void(const std::string&)> body_;
-};
 
 // A list that one thread appends to and another waits for.
 template <class T>
@@ -147,8 +122,7 @@ class LoopGLTest : public testing::TestWithParam<SurfaceSharing> {
 
   std::unique_ptr<OpenGLControlLoop> makeLoop() {
     return std::make_unique<OpenGLControlLoop>(
-        nullptr, nullptr,
-        std::make_unique<LambdaError>([this](const std::string& message) { errors_.add(message); }));
+        nullptr, nullptr, ErrorCallback([this](const char* message) { errors_.add(message); }));
   }
 
   // A loop that draws patterns once each, and records what it draws and what it returns.

@@ -107,7 +107,7 @@ TEST(ClipPlaneTest, OffItIsZeroAndMeetsNothing) {
   EXPECT_EQ(clip.plane(), glm::vec4(0.0F));
   clip.set(true, true, 0.5F);
   clip.update(viewAt(10, 20));
-  EXPECT_TRUE(clip.secondFlag());
+  EXPECT_TRUE(clip.open_cut());
   EXPECT_FALSE(clip.cutFace().empty());
   clip.set(false, true, 0.5F);
   clip.update(viewAt(10, 20));

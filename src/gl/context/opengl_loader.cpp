@@ -15,7 +15,6 @@ namespace {
 struct Loader {
   std::mutex mutex;  // GLEW writes its function pointers without one
   std::atomic<bool> glewInitialized{false};
-  std::atomic<bool> openGL42{false};
   std::atomic<bool> usable{false};  // entry points loaded and a sufficient version seen
 };
 
@@ -54,7 +53,6 @@ void initGlew(const char* loadFailure) {
   const Version version = currentVersion();
   checkOpenGLVersion(3, 0);
   if (version.major < 3) throw std::runtime_error("OpenGL version not supported. ");
-  loader.openGL42 = version.major > 4 || (version.major == 4 && version.minor >= 2);
   loader.usable = true;
 }
 
@@ -75,9 +73,6 @@ void checkOpenGLVersion(int requiredMajor, int requiredMinor) {
 
 bool glewInitialized() {
   return loader.glewInitialized;
-}
-bool openGL42() {
-  return loader.openGL42;
 }
 
 }  // namespace oct::gl

@@ -16,6 +16,5 @@ void requireOpenGL(const char* loadFailure = "Could not load OpenGL. ");
 void checkOpenGLVersion(int requiredMajor, int requiredMinor);
 
 bool glewInitialized();  // whether GLEW has loaded the entry points
-bool openGL42();         // whether the context last checked reports OpenGL 4.2 or later
 
 }  // namespace oct::gl

@@ -60,9 +60,8 @@ class Visit {
 
 }  // namespace
 
-OpenGLControlLoop::OpenGLControlLoop(std::unique_ptr<AbstractFunctor> initCallback,
-                                     std::unique_ptr<AbstractFunctor> uninitCallback,
-                                     std::unique_ptr<AbstractErrorFunctor> errorCallback)
+OpenGLControlLoop::OpenGLControlLoop(Callback initCallback, Callback uninitCallback,
+                                     ErrorCallback errorCallback)
     : errorCallback_(std::move(errorCallback)),
       initCallback_(std::move(initCallback)),
       uninitCallback_(std::move(uninitCallback)),
@@ -91,7 +90,7 @@ void OpenGLControlLoop::request(std::int32_t id) {
   requestQueue_.add(id);
 }
 
-void OpenGLControlLoop::set_mode(std::uint32_t mode) {
+void OpenGLControlLoop::set_mode(Mode mode) {
   if (mode == mode_) return;
   const std::lock_guard lock(modeMutex_);
   if (mode_ == snapshotMode) {
@@ -110,12 +109,12 @@ OpenGLControlLoop::Size OpenGLControlLoop::size() const {
   return {static_cast<std::uint32_t>(both >> 32), static_cast<std::uint32_t>(both)};
 }
 
-void OpenGLControlLoop::set_rendering_callback(std::unique_ptr<AbstractRenderingFunctor> callback) {
+void OpenGLControlLoop::set_rendering_callback(RenderingCallback callback) {
   const std::lock_guard lock(renderingCallbackMutex_);
   renderingCallback_.swap(callback);
 }
 
-void OpenGLControlLoop::set_image_ready_callback(std::unique_ptr<AbstractImageReady> callback) {
+void OpenGLControlLoop::set_image_ready_callback(std::optional<ImageReadyCallback> callback) {
   const std::lock_guard lock(imageReadyMutex_);
   imageReadyCallback_.swap(callback);
 }
@@ -152,7 +151,7 @@ void OpenGLControlLoop::rendering_loop() noexcept {
     } catch (const std::exception& error) {
       log() << "Rendering loop: " << error.what();
       render_thread_failed();
-      if (errorCallback_) (*errorCallback_)(error.what());
+      if (errorCallback_) errorCallback_(error.what());
     } catch (...) {
       log() << "Rendering loop, unknown error.";
       render_thread_failed();
@@ -187,7 +186,7 @@ void OpenGLControlLoop::render() {
   control_ = std::make_unique<OpenGLControl>(sharing_);
   returnThread_ = std::thread([this] { return_loop(); });
   startGate_.signal(gateValue);
-  if (initCallback_) (*initCallback_)();
+  if (initCallback_) initCallback_();
   renderClock.start();
   while (running_) render_iteration();
 
@@ -200,7 +199,7 @@ void OpenGLControlLoop::render() {
   end_snapshots();
   if (uninitCallback_) {
     const TimingMark uninitMark("Uninit of specific OpenGL control");
-    (*uninitCallback_)();
+    uninitCallback_();
   }
   std::unique_ptr<OpenGLControl> control = std::move(control_);
   control.reset();
@@ -288,7 +287,7 @@ void OpenGLControlLoop::draw(std::int32_t request) {
   const std::lock_guard lock(renderingCallbackMutex_);
   if (!running_) return;
   if (renderingCallback_) {
-    (*renderingCallback_)(static_cast<std::uint32_t>(request));
+    renderingCallback_(static_cast<std::uint32_t>(request));
   } else {
     const TimingMark mark("Test image callback");
     control_->render_test_image();
@@ -359,7 +358,7 @@ void OpenGLControlLoop::shut_down() {
   {
     const std::lock_guard renderingLock(renderingCallbackMutex_);
     const std::lock_guard imageReadyLock(imageReadyMutex_);
-    renderingCallback_.reset();
+    renderingCallback_ = nullptr;
     imageReadyCallback_.reset();
   }
   request(0);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "core/error_callback.h"
@@ -25,14 +26,17 @@ class OpenGLControl;
 class OpenGLControlLoop {
  public:
   // How the render thread takes the next request.
-  static constexpr std::uint32_t onceEach = 0;      // waits for requests; each is drawn once
-  static constexpr std::uint32_t roundRobin = 1;    // draws all requests in turn, for ever
-  static constexpr std::uint32_t snapshotMode = 2;  // draws the front request again and again
+  enum class Mode : std::uint32_t {
+    onceEach = 0,     // waits for requests; each is drawn once
+    roundRobin = 1,   // draws all requests in turn, for ever
+    snapshotMode = 2  // draws the front request again and again
+    // Any other number waits as onceEach does and draws as roundRobin does.
+  };
+  using enum Mode;
 
-  // Returns when the render thread has made its control, or has failed to. Any callback may be null.
-  OpenGLControlLoop(std::unique_ptr<AbstractFunctor> initCallback,
-                    std::unique_ptr<AbstractFunctor> uninitCallback,
-                    std::unique_ptr<AbstractErrorFunctor> errorCallback);
+  // Returns when the render thread has made its control, or has failed to. Any callback may be empty.
+  explicit OpenGLControlLoop(Callback initCallback = {}, Callback uninitCallback = {},
+                             ErrorCallback errorCallback = {});
   ~OpenGLControlLoop();
   OpenGLControlLoop(const OpenGLControlLoop&) = delete;
   OpenGLControlLoop& operator=(const OpenGLControlLoop&) = delete;
@@ -42,10 +46,10 @@ class OpenGLControlLoop {
   void check_deletable() const;
 
   void request(std::int32_t id);
-  void set_mode(std::uint32_t mode);
+  void set_mode(Mode mode);
   void resize(std::uint32_t width, std::uint32_t height);
-  void set_rendering_callback(std::unique_ptr<AbstractRenderingFunctor> callback);
-  void set_image_ready_callback(std::unique_ptr<AbstractImageReady> callback);
+  void set_rendering_callback(RenderingCallback callback);
+  void set_image_ready_callback(std::optional<ImageReadyCallback> callback);
 
   // Draws a frame of the given size into client memory and returns when it is there: BGRA, bottom row first.
   // Does nothing while another snapshot is running.
@@ -75,13 +79,13 @@ class OpenGLControlLoop {
   void end_snapshots();
   void shut_down();
 
-  std::atomic<std::uint32_t> mode_{roundRobin};
-  std::uint32_t pendingMode_ = onceEach;  // guarded by modeMutex_
-  std::unique_ptr<AbstractErrorFunctor> errorCallback_;
-  std::unique_ptr<AbstractRenderingFunctor> renderingCallback_;
-  std::unique_ptr<AbstractImageReady> imageReadyCallback_;
-  std::unique_ptr<AbstractFunctor> initCallback_;
-  std::unique_ptr<AbstractFunctor> uninitCallback_;
+  std::atomic<Mode> mode_{roundRobin};
+  Mode pendingMode_ = onceEach;  // guarded by modeMutex_
+  const ErrorCallback errorCallback_;
+  RenderingCallback renderingCallback_;                   // guarded by renderingCallbackMutex_
+  std::optional<ImageReadyCallback> imageReadyCallback_;  // guarded by imageReadyMutex_
+  const Callback initCallback_;
+  const Callback uninitCallback_;
   std::mutex renderingCallbackMutex_;
   std::mutex imageReadyMutex_;
   std::atomic<bool> running_{true};

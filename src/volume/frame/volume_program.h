@@ -20,7 +20,6 @@ class VolumeRenderingProgram : public gl::Shader {
 
   virtual void load(const std::string& name, const std::string& vertexSource,
                     const std::string& fragmentSource);
-  virtual void unload() { release(); }
 
   const Locations& at() const { return locations_; }
 

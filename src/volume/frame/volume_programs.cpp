@@ -61,7 +61,7 @@ void VolumePrograms::unload() {
   for (VolumeRenderingProgram* const program : std::initializer_list<VolumeRenderingProgram*>{
            &section, &sectionOverlay, &raycastingBack, &raycasting, &raycastingMaximum, &raycastingMean,
            &raycastingDualColoring, &raycastingOverlay, &raycastingOverlayMaximum, &raycastingOverlayMean}) {
-    program->unload();
+    program->release();
   }
 }
 

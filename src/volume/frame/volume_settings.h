@@ -14,16 +14,15 @@ enum class RenderingMode { raycasting = 0, sectionalView = 1 };
 enum class VolumeMode { normal = 0, maximum = 1, mean = 2, dualColoring = 3 };
 
 struct FrameFlags {
-  bool edges = true;       // flag A: the twelve edges of the box
-  bool scaleMarks = true;  // flag B
-  bool box = true;         // flag C: the translucent box
+  bool edges = true;  // the twelve of the box
+  bool scaleMarks = true;
+  bool box = true;  // the translucent one
 };
 
 struct VolumeSettings {
   View view;
   Range range;
   int slices = 128;
-  double lateralVoxelsPerPixel = 1.0;  // stored, not used
   RenderingMode renderingMode = RenderingMode::raycasting;
   VolumeMode volumeMode = VolumeMode::normal;
   bool removeSegment = false;

@@ -14,7 +14,6 @@ struct Viewport {
 struct View {
   float angleX = 0.0F;
   float angleY = 0.0F;
-  float angleZ = 0.0F;  // stored, never used
   glm::vec3 translation{0.0F};
   double zoom = 40.0;
   bool perspective = true;

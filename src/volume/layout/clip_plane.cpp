@@ -76,9 +76,9 @@ std::vector<glm::vec3> removedFaces(const glm::vec4& plane) {
   return triangles;
 }
 
-void ClipPlane::set(bool enabled, bool secondFlag, float value) {
+void ClipPlane::set(bool enabled, bool open_cut, float value) {
   enabled_ = enabled;
-  secondFlag_ = secondFlag;
+  open_cut_ = open_cut;
   value_ = value;
 }
 

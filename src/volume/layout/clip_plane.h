@@ -20,7 +20,7 @@ std::vector<glm::vec3> removedFaces(const glm::vec4& plane);
 class ClipPlane {
  public:
   // The value is 0 to 1 from the far to the near corner of the box.
-  void set(bool enabled, bool secondFlag, float value);
+  void set(bool enabled, bool open_cut, float value);
   void setFixed(bool fixed) { fixed_ = fixed; }
 
   // Once per frame, after the camera. A plane that is not fixed turns to face the viewer. One that is fixed
@@ -28,7 +28,7 @@ class ClipPlane {
   void update(const View& view);
 
   bool enabled() const { return enabled_; }
-  bool secondFlag() const { return secondFlag_; }  // leaves the cut open
+  bool open_cut() const { return open_cut_; }  // whether the face of the cut is not drawn
 
   // A point p is kept where dot(plane, (p, 1)) >= 0. All zero, which keeps everything, while the plane is
   // off.
@@ -46,7 +46,7 @@ class ClipPlane {
   bool foundBefore(std::size_t index) const;  // whether an earlier intersection is the same point
 
   bool enabled_ = false;
-  bool secondFlag_ = false;
+  bool open_cut_ = false;
   bool fixed_ = false;
   float value_ = 0.0F;
   glm::vec4 plane_{0.0F};

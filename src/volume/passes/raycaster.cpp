@@ -88,7 +88,7 @@ void Raycaster::drawFrontFaces(const RaycastingProgram& program, const VolumeFra
   glCullFace(GL_BACK);
   box.draw(frame.filledEnd);
   const auto corners = static_cast<GLsizei>(frame.clipPlane.cutFace().size());
-  if (corners > 0 && !frame.clipPlane.secondFlag() && frame.cutFacesViewer()) {
+  if (corners > 0 && !frame.clipPlane.open_cut() && frame.cutFacesViewer()) {
     // Points of the plane itself; rounding must not clip them. Each triangle comes in both windings, of which
     // one is culled.
     glUniform4f(program.ray().clipPlane, 0.0F, 0.0F, 0.0F, 0.0F);
