@@ -56,14 +56,12 @@ TEST_F(DeviceBindingTest, AMissingLibraryIsNamed) {
   EXPECT_EQ(pendingError(), "(none)");
 }
 
+// Without the polarization functions only the source that needs them fails.
 TEST_F(DeviceBindingTest, AMissingFunctionIsNamed) {
   setDeviceLibrary(OCT_LACKING_PATTERN_DEVICE);
   EXPECT_FALSE(createsStandard());
   EXPECT_EQ(pendingError(),
             "The device library \"" OCT_LACKING_PATTERN_DEVICE "\" has no function \"determineSurface\". ");
-}
-
-TEST_F(DeviceBindingTest, WithoutPolarizationOnlyItsSourceFails) {
   setDeviceLibrary(OCT_STANDARD_PATTERN_DEVICE);
   EXPECT_FALSE(createsPolarization());
   EXPECT_EQ(pendingError(),

@@ -60,14 +60,4 @@ class LiveRendererTest : public GLTest {
   FastOpenGLVolumeRenderer live_{std::make_unique<ScriptedEvent>(script_)};
 };
 
-// What an action throws; empty: nothing.
-inline std::string thrown(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-  return {};
-}
-
 }  // namespace oct::test

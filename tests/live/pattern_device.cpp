@@ -24,84 +24,42 @@ struct Fixed {
 };
 Fixed fixed;
 
-class Control : public PatternDevice {
- public:
-  Control() { Control::reset(); }
-
-  void reset() override {
-    release();
-    locked([](PatternState& state) {
-      static_cast<PatternSettings&>(state) = {};
-      state.names = {{&fixed.polarization, "polarization"}, {&fixed.scanPattern, "scan"}};
-      for (int i = 0; i < devices; ++i) {
-        state.names[&fixed.device[i]] = "device" + (i > 0 ? std::to_string(i) : "");
-        state.names[&fixed.processing[i]] = "processing" + std::to_string(i);
-      }
-    });
-  }
-
-  OCTDeviceHandle device(int number) override {
-    return reinterpret_cast<OCTDeviceHandle>(&fixed.device[number]);
-  }
-  ProcessingHandle processing(int number) override {
-    return reinterpret_cast<ProcessingHandle>(&fixed.processing[number]);
-  }
-  PolarizationProcessingHandle polarization() override {
-    return reinterpret_cast<PolarizationProcessingHandle>(&fixed.polarization);
-  }
-  ScanPatternHandle scanPattern() override { return reinterpret_cast<ScanPatternHandle>(&fixed.scanPattern); }
-
-  void setSize(int size1, int size2, int size3) override {
-    locked([=](PatternState& state) { state.size[0] = size1, state.size[1] = size2, state.size[2] = size3; });
-  }
-  void setVolume(const float* samples) override {
-    locked([=](PatternState& state) {
-      state.volume.assign(samples, samples + (samples ? aScans() * state.size[0] : 0));
-    });
-  }
-  void setAnalog(int channels, const float* samples) override {
-    locked([=](PatternState& state) {
-      state.channels = channels;
-      state.analog.assign(samples, samples + channels * aScans());
-    });
-  }
-  void setSurface(const float* depths) override {
-    locked([=](PatternState& state) { state.surface.assign(depths, depths + aScans()); });
-  }
-
-  void fail(const char* function, int call) override {
-    locked([=](PatternState& state) { state.failures[function] = {call, 0}; });
-  }
-  void hold(const char* function, int after) override { patternState().hold(function, after); }
-  bool held() override {
-    return locked([](PatternState& state) { return state.waiting > 0; });
-  }
-  void release() override { patternState().hold({}, 0); }
-
-  void record(bool enabled) override {
-    locked([=](PatternState& state) {
-      if (enabled) state.calls.clear();
-      state.recording = enabled;
-    });
-  }
-  std::string calls() override {
-    return locked([](PatternState& state) { return state.calls; });
-  }
-  int volumes() override {
-    return locked([](PatternState& state) { return state.acquired; });
-  }
-  int objects() override {
-    return locked([](PatternState& state) { return static_cast<int>(state.objects.size()); });
-  }
-  int misuses() override {
-    return locked([](PatternState& state) { return state.misuses; });
-  }
-
- private:
-  static std::ptrdiff_t aScans() { return std::ptrdiff_t{patternState().size[1]} * patternState().size[2]; }
-};
-
 }  // namespace
+
+void PatternState::reset() {
+  release();
+  const std::lock_guard lock(mutex);
+  static_cast<PatternSettings&>(*this) = {};
+  names = {{&fixed.polarization, "polarization"}, {&fixed.scanPattern, "scan"}};
+  for (int i = 0; i < devices; ++i) {
+    names[&fixed.device[i]] = "device" + (i > 0 ? std::to_string(i) : "");
+    names[&fixed.processing[i]] = "processing" + std::to_string(i);
+  }
+}
+
+OCTDeviceHandle PatternState::device(int number) {
+  return reinterpret_cast<OCTDeviceHandle>(&fixed.device[number]);
+}
+ProcessingHandle PatternState::processing(int number) {
+  return reinterpret_cast<ProcessingHandle>(&fixed.processing[number]);
+}
+PolarizationProcessingHandle PatternState::polarization() {
+  return reinterpret_cast<PolarizationProcessingHandle>(&fixed.polarization);
+}
+ScanPatternHandle PatternState::scanPattern() {
+  return reinterpret_cast<ScanPatternHandle>(&fixed.scanPattern);
+}
+
+void PatternState::hold(const char* function, int after) {
+  {
+    const std::lock_guard lock(mutex);
+    heldFunction = function;
+    permits = after;
+    waiting = 0;
+    ++holds;
+  }
+  condition.notify_all();
+}
 
 void resize(OctData& data, int size1, int size2, int size3) {
   data.size[0] = size1, data.size[1] = size2, data.size[2] = size3;
@@ -110,11 +68,8 @@ void resize(OctData& data, int size1, int size2, int size3) {
 }
 
 void copyOrClear(const std::vector<float>& source, std::vector<float>& target) {
-  if (source.empty()) {
-    std::fill(target.begin(), target.end(), 0.0F);
-  } else {
-    std::copy_n(source.begin(), std::min(source.size(), target.size()), target.begin());
-  }
+  if (source.empty()) std::fill(target.begin(), target.end(), 0.0F);
+  std::copy_n(source.begin(), std::min(source.size(), target.size()), target.begin());
 }
 
 void PatternState::fill(OctData& data, int number, int shownQuantity) {
@@ -137,8 +92,7 @@ using oct::test::patternState;
 using oct::test::PatternState;
 
 oct::test::PatternDevice* patternDevice() {
-  static oct::test::Control control;
-  return &control;
+  return &patternState();
 }
 
 int getDevicePropertyInt(OCTDeviceHandle device, int property) {

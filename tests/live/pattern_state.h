@@ -1,6 +1,7 @@
 // What the functions of the pattern device share.
 #pragma once
 
+#include <array>
 #include <condition_variable>
 #include <map>
 #include <memory>
@@ -29,18 +30,18 @@ namespace oct::test {
 
 // What a reset makes as at first.
 struct PatternSettings {
-  std::map<const void*, std::string> names;              // of the objects that are alive
-  std::map<const void*, std::shared_ptr<void>> objects;  // those of them that clients create
+  std::map<const void*, std::string> names;            // of the objects that are alive
+  std::map<const void*, std::shared_ptr<void>> alive;  // those of them that clients create
   std::map<std::string, int> made;
-  int misuses = 0;
-  int size[3] = {16, 12, 10};
+  int misused = 0;
+  std::array<int, 3> size = {16, 12, 10};
   std::vector<float> volume;
   int channels = 2;
   std::vector<float> analog;
   std::vector<float> surface;
   std::map<std::string, std::pair<int, int>> failures;  // which call, and how many have been seen
   bool recording = false;
-  std::string calls;
+  std::string recorded;
   std::string error;
   std::set<OCTDeviceHandle> measuring;
   int acquired = 0;
@@ -50,10 +51,43 @@ struct PatternSettings {
   int quantity = 0;
 };
 
-struct PatternState : PatternSettings {
+class PatternState : public PatternDevice, public PatternSettings {
+ public:
+  PatternState() { PatternState::reset(); }
+
+  void reset() override;
+  OCTDeviceHandle device(int number) override;
+  ProcessingHandle processing(int number) override;
+  PolarizationProcessingHandle polarization() override;
+  ScanPatternHandle scanPattern() override;
+  void setSize(int size1, int size2, int size3) override { set(size, {size1, size2, size3}); }
+  void setVolume(const float* samples) override {
+    set(volume, {samples, samples + (samples ? aScans() * size[0] : 0)});
+  }
+  void setAnalog(int count, const float* samples) override {
+    set(channels, count);
+    set(analog, {samples, samples + count * aScans()});
+  }
+  void setSurface(const float* depths) override { set(surface, {depths, depths + aScans()}); }
+  void fail(const char* function, int call) override {
+    const std::lock_guard lock(mutex);
+    failures[function] = {call, 0};
+  }
+  void hold(const char* function, int after) override;
+  bool held() override { return get(waiting) > 0; }
+  void release() override { hold("", 0); }
+  void record(bool enabled) override {
+    if (enabled) set(recorded, {});
+    set(recording, enabled);
+  }
+  std::string calls() override { return get(recorded); }
+  int volumes() override { return get(acquired); }
+  int objects() override { return static_cast<int>(get(alive).size()); }
+  int misuses() override { return get(misused); }
+
   std::mutex mutex;
   std::condition_variable condition;
-  std::string held;
+  std::string heldFunction;
   int permits = 0;
   int waiting = 0;  // since the latest hold
   int holds = 0;
@@ -63,20 +97,20 @@ struct PatternState : PatternSettings {
     const auto object = std::make_shared<Object>();
     const std::lock_guard lock(mutex);
     names[object.get()] = kind + std::to_string(made[kind]++);
-    objects[object.get()] = object;
+    alive[object.get()] = object;
     return object.get();
   }
 
   void clear(const void* object) {
     const std::lock_guard lock(mutex);
     names.erase(object);
-    objects.erase(object);
+    alive.erase(object);
   }
 
   std::string text(const void* handle) {
     const auto name = names.find(handle);
     if (name != names.end()) return name->second;
-    ++misuses;
+    ++misused;
     return "(no object)";
   }
   template <class Number>
@@ -86,23 +120,25 @@ struct PatternState : PatternSettings {
     return stream.str();
   }
 
-  void hold(const std::string& function, int after) {
-    {
-      const std::lock_guard lock(mutex);
-      held = function;
-      permits = after;
-      waiting = 0;
-      ++holds;
-    }
-    condition.notify_all();
-  }
-
   void raise(const std::string& message) {
     const std::lock_guard lock(mutex);
     if (error.empty()) error = message;
   }
 
   void fill(OctData& data, int number, int shownQuantity);
+
+ private:
+  std::ptrdiff_t aScans() const { return std::ptrdiff_t{size[1]} * size[2]; }
+  template <class Value>
+  void set(Value& member, Value value) {
+    const std::lock_guard lock(mutex);
+    member = std::move(value);
+  }
+  template <class Value>
+  Value get(const Value& member) {
+    const std::lock_guard lock(mutex);
+    return member;
+  }
 };
 
 PatternState& patternState();
@@ -115,6 +151,7 @@ auto locked(Action action) {
 }
 
 void resize(OctData& data, int size1, int size2, int size3);
+// Zeros where there is no source.
 void copyOrClear(const std::vector<float>& source, std::vector<float>& target);
 
 // One call of a device function: notes it, waits while it is held. True when the function shall do its work.
@@ -122,15 +159,15 @@ template <class... Arguments>
 bool entered(const char* function, Arguments... arguments) {
   PatternState& state = patternState();
   std::unique_lock lock(state.mutex);
-  const int misusesBefore = state.misuses;
+  const int misusesBefore = state.misused;
   std::string list;
   ((list += (list.empty() ? "" : ", ") + state.text(arguments)), ...);
-  if (state.recording) state.calls += std::string(function) + "(" + list + ")\n";
-  if (state.held == function && --state.permits < 0) {
+  if (state.recording) state.recorded += std::string(function) + "(" + list + ")\n";
+  if (state.heldFunction == function && --state.permits < 0) {
     ++state.waiting;
     state.condition.wait(lock, [&, mine = state.holds] { return state.holds != mine; });
   }
-  bool failed = state.misuses > misusesBefore;
+  bool failed = state.misused > misusesBefore;
   const auto failure = state.failures.find(function);
   if (failure != state.failures.end()) {
     auto& [call, seen] = failure->second;
