@@ -1,7 +1,7 @@
 // The exports of the display: handles, misuse, and the functions that are meant to do nothing.
 #include <limits>
 
-#include "support/display_reference.h"
+#include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
 namespace oct::test {

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "display/simple_data_provider.h"
-#include "support/display_reference.h"
+#include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
 namespace oct::test {

@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "live/simulated_live.h"
-#include "support/volume_reference.h"
+#include "support/reference/volume_reference.h"
 
 namespace oct::test {
 namespace {
