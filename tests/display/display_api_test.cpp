@@ -1,8 +1,8 @@
 // The exports of the display: handles, misuse, the functions that are meant to do nothing, contexts.
 #include <limits>
 
-#include "support/display_reference.h"
 #include "support/gl_spy.h"
+#include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
 namespace oct::test {

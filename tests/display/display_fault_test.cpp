@@ -1,6 +1,6 @@
 // OpenGL calls that fail: each gives its error, loses no object, and the next good call works.
 #include "display/display_renderer.h"
-#include "support/display_reference.h"
+#include "support/reference/display_reference.h"
 #include "support/gl_spy.h"
 #include "support/test_context.h"
 

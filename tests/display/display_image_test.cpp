@@ -2,7 +2,7 @@
 #include <cmath>
 #include <filesystem>
 
-#include "support/display_reference.h"
+#include "support/reference/display_reference.h"
 #include "support/npy.h"
 #include "support/test_context.h"
 

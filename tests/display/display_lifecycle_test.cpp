@@ -1,5 +1,6 @@
 // Renderers made and freed many times leave nothing behind.
-#include "support/display_reference.h"
+
+#include "support/reference/display_reference.h"
 #include "support/gl_spy.h"
 #include "support/process_memory.h"
 #include "support/test_context.h"

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <thread>
 
-#include "support/display_reference.h"
+#include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
 namespace oct::test {

@@ -3,7 +3,7 @@
 
 #include <future>
 
-#include "support/display_reference.h"
+#include "support/reference/display_reference.h"
 #include "support/gl_spy.h"
 #include "support/test_context.h"
 

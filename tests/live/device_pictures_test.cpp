@@ -1,7 +1,7 @@
 // What a device delivers is what the picture shows: against a ray caster on the CPU.
 #include "live/live_stage.h"
 #include "support/test_context.h"
-#include "support/volume_reference.h"
+#include "support/reference/volume_reference.h"
 
 namespace oct::test {
 namespace {

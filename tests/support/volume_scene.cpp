@@ -61,12 +61,16 @@ std::vector<std::uint32_t> opaqueColors(int count) {
 
 void apply(const VolumeScene& scene, VolumeRendererHandle renderer) {
   const auto count = [](const Coloring& coloring) { return static_cast<int>(coloring.colors.size()); };
-  setBorder(renderer, 0, 0, 0);
+  const auto& [x, y, z] = scene.sections;
+  setBorder(renderer, scene.scaleMarks, scene.edges, scene.box);
+  setRemoveSegment(renderer, scene.removedSegment);
+  setRenderForeground(renderer, scene.foreground);
   setTranslation(renderer, scene.translation[0], scene.translation[1], scene.translation[2]);
   setZoom(renderer, scene.zoom);
   setUsePerspective(renderer, scene.perspective);
   setRenderingSlices(renderer, scene.slices);
-  setRenderingMode(renderer, 0);
+  setRenderingMode(renderer, scene.sectional);
+  setSectionalView(renderer, x.shown, x.position, y.shown, y.position, z.shown, z.position);
   setVolumeMode(renderer, scene.mode);
   setRendererColormap(renderer, scene.coloring.colors.data(), count(scene.coloring));
   setRendererColoringBoundaries(renderer, scene.coloring.lower, scene.coloring.upper);
@@ -81,6 +85,11 @@ void apply(const VolumeScene& scene, VolumeRendererHandle renderer) {
   setClipPlane(renderer, scene.clip, scene.clipOpen, scene.clipValue);
   fixClipPlane(renderer, 0);
   setAngles(renderer, scene.angleX, scene.angleY);
+  const HeightMap& surface = scene.surface;
+  if (surface.values.empty()) return;
+  setSurface(renderer, surface.width, surface.height, surface.scale, surface.values.data());
+  setSurfaceDepths(renderer, scene.surfaceColoring.lower, scene.surfaceColoring.upper);
+  setSurfaceColormap(renderer, scene.surfaceColoring.colors.data(), count(scene.surfaceColoring));
 }
 
 void upload(const VolumeScene& scene, OfflineRenderingHandle offline) {
@@ -115,6 +124,8 @@ VolumeStage::~VolumeStage() {
 void VolumeStage::prepare(const VolumeScene& scene) {
   apply(scene, renderer);
   upload(scene, offline);
+  const bool surface = !scene.surface.values.empty();
+  if (surface || !scene.volumeShown) setRenderElements(renderer, scene.volumeShown, surface);
   width_ = scene.viewportWidth;
   height_ = scene.viewportHeight;
   content_ = scene.content;

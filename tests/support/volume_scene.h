@@ -34,6 +34,19 @@ struct Coloring {
   double upper = 1.0;
 };
 
+// Depths row by row, of which `scale` is the whole box.
+struct HeightMap {
+  int width = 0;
+  int height = 0;
+  double scale = 1.0;
+  std::vector<float> values;
+};
+
+struct Slice {
+  bool shown = true;
+  float position = 0.5F;
+};
+
 struct VolumeScene {
   Volume volume;
   Volume overlay;           // empty: none
@@ -66,6 +79,18 @@ struct VolumeScene {
   double fixedAngleX = 0.0;
   double fixedAngleY = 0.0;
 
+  bool volumeShown = true;
+  bool sectional = false;  // slices in place of rays
+  std::array<Slice, 3> sections{};
+  HeightMap surface;         // empty: none
+  Coloring surfaceColoring;  // its boundaries are depths
+
+  bool edges = false;
+  bool scaleMarks = false;
+  bool box = false;
+  bool removedSegment = false;  // the ghost of what the clip plane cuts off
+
+  std::uint32_t foreground = 0xFFFFFFFFU;
   std::uint32_t backgroundBottom = 0x000066FFU;
   std::uint32_t backgroundTop = 0x000019FFU;
 };
@@ -80,7 +105,8 @@ VolumeScene sceneOf(Volume volume, int width, int height, double angleX = 0.0, d
 std::vector<std::uint32_t> opaqueColors(int count);
 std::vector<std::uint32_t> rampColors(int count, double opacity);
 
-// Gives a renderer all settings of the scene through the exports, with nothing drawn around the volume.
+// Gives a renderer all settings of the scene through the exports. A scene without surface leaves it the one
+// it has.
 void apply(const VolumeScene& scene, VolumeRendererHandle renderer);
 
 // Allocates and uploads the scene's data.

@@ -16,33 +16,30 @@ class Copies : public testing::TestWithParam<InstructionSet> {
 };
 
 // Every place holds its own number, so that no shift and no repetition goes unseen.
-void number(GuardedArray<float>& array) {
-  for (std::size_t i = 0; i < array.size(); ++i) array[i] = static_cast<float>(i + 1);
+GuardedArray<float> numbered(std::size_t count, std::size_t offset) {
+  GuardedArray<float> array(count, offset);
+  for (std::size_t i = 0; i < count; ++i) array[i] = static_cast<float>(i + 1);
+  return array;
 }
 
 void expectCopied(const Routines& routines, std::size_t count, std::size_t sourceOffset, std::size_t offset) {
-  GuardedArray<float> source(count, sourceOffset);
+  GuardedArray<float> source = numbered(count, sourceOffset);
   GuardedArray<float> destination(count, offset);
-  number(source);
   routines.copy(destination.data(), source.data(), count);
-  EXPECT_TRUE(destination == source) << count << " floats from " << sourceOffset << " to " << offset;
-  EXPECT_TRUE(destination.isIntactAround()) << count << " floats from " << sourceOffset << " to " << offset;
+  EXPECT_TRUE(destination == source && destination.isIntactAround())
+      << count << " floats from " << sourceOffset << " to " << offset;
 }
 
 void expectCropped(const Routines& routines, std::size_t aScans, std::size_t samples, std::size_t kept,
                    std::size_t offset) {
-  GuardedArray<float> source(aScans * samples, 3);
+  GuardedArray<float> source = numbered(aScans * samples, 3);
   GuardedArray<float> destination(aScans * kept, offset);
-  number(source);
   routines.cropCopy(destination.data(), source.data(), aScans, samples, kept);
   std::size_t wrong = 0;
-  for (std::size_t aScan = 0; aScan < aScans; ++aScan) {
-    for (std::size_t i = 0; i < kept; ++i) {
-      wrong += destination[aScan * kept + i] != source[aScan * samples + i];
-    }
-  }
-  EXPECT_EQ(wrong, 0U) << kept << " of " << samples << ", " << aScans << " times, to " << offset;
-  EXPECT_TRUE(destination.isIntactAround()) << kept << " of " << samples << " to " << offset;
+  for (std::size_t i = 0; i < aScans * kept; ++i)
+    wrong += destination[i] != source[i / kept * samples + i % kept];
+  EXPECT_TRUE(wrong == 0 && destination.isIntactAround())
+      << wrong << " wrong, " << kept << " of " << samples << ", " << aScans << " times, to " << offset;
 }
 
 TEST_P(Copies, SmallOnesOfAllLengthsAndAlignments) {

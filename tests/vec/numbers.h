@@ -28,20 +28,20 @@ class Numbers {
   // Any bits but those of a signalling NaN; an eighth are special values.
   float any() {
     using Limits = std::numeric_limits<float>;
-    constexpr std::array<float, 14> special{Limits::quiet_NaN(),
-                                            Limits::infinity(),
-                                            -Limits::infinity(),
-                                            Limits::max(),
-                                            Limits::lowest(),
-                                            Limits::min(),
-                                            Limits::denorm_min(),
-                                            -Limits::denorm_min(),
-                                            0.0F,
-                                            -0.0F,
-                                            1.0F,
-                                            0.5F,
-                                            65535.0F,
-                                            65535.5F};
+    constexpr std::array special{Limits::quiet_NaN(),
+                                 Limits::infinity(),
+                                 -Limits::infinity(),
+                                 Limits::max(),
+                                 Limits::lowest(),
+                                 Limits::min(),
+                                 Limits::denorm_min(),
+                                 -Limits::denorm_min(),
+                                 0.0F,
+                                 -0.0F,
+                                 1.0F,
+                                 0.5F,
+                                 65535.0F,
+                                 65535.5F};
     if (random_() % 8 == 0) return special[random_() % special.size()];
     const auto number = std::bit_cast<float>(static_cast<std::uint32_t>(random_()));
     return std::isnan(number) ? 0.25F : number;

@@ -13,6 +13,8 @@ namespace oct::vec::test {
 namespace {
 
 constexpr float kLeast = 1e-6F;
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr std::size_t kLengths = 40;  // five vectors of the widest kind
 constexpr std::size_t kOffsets = 9;
 
@@ -22,44 +24,76 @@ class Variants : public testing::TestWithParam<InstructionSet> {
     if (!isSupported(GetParam())) GTEST_SKIP() << "this processor has no " << nameOf(GetParam());
   }
 
-  // Runs work(routines, destination) with the plain loops and with the variant, for all lengths and
-  // alignments.
+  // Runs work(routines, destination) with the plain loops and with the variant.
   template <class To, class Work>
-  void compare(Work work) {
-    for (std::size_t count = 0; count < kLengths; ++count) {
-      for (std::size_t offset = 0; offset < kOffsets; ++offset) {
-        GuardedArray<To> expected(count, offset);
-        GuardedArray<To> found(count, offset);
-        work(scalar_, expected, count, offset);
-        work(variant_, found, count, offset);
-        EXPECT_TRUE(found == expected) << count << " values at " << offset;
-        EXPECT_TRUE(found.isIntactAround()) << count << " values at " << offset;
-      }
-    }
+  void expectSame(const char* name, std::size_t count, std::size_t offset, Work work) {
+    GuardedArray<To> expected(count, offset);
+    GuardedArray<To> found(count, offset);
+    work(scalar_, expected);
+    work(variant_, found);
+    EXPECT_TRUE(found == expected && found.isIntactAround()) << name;
   }
 
   Routines scalar_ = routinesOf(InstructionSet::scalar);
   Routines variant_ = routinesOf(GetParam());
 };
 
-GuardedArray<float> anyFloats(std::size_t count, std::size_t offset, unsigned seed) {
-  Numbers numbers(seed);
-  GuardedArray<float> values(count, offset);
-  for (std::size_t i = 0; i < count; ++i) values[i] = numbers.any();
+// With a value of next() in every place.
+template <class Value, class Next>
+GuardedArray<Value> filled(std::size_t count, std::size_t offset, Next next) {
+  GuardedArray<Value> values(count, offset);
+  for (std::size_t i = 0; i < count; ++i) values[i] = next();
   return values;
 }
 
-TEST_P(Variants, Extremes) {
-  for (unsigned seed = 0; seed < 20; ++seed) {
-    for (std::size_t count = 0; count < kLengths; ++count) {
-      for (std::size_t offset = 0; offset < kOffsets; ++offset) {
-        auto values = anyFloats(count, offset, seed);
-        const vec::Extremes expected = scalar_.extremes(values.data(), count);
-        const vec::Extremes found = variant_.extremes(values.data(), count);
-        EXPECT_EQ(found.lowest, expected.lowest) << count << " values at " << offset;
-        EXPECT_EQ(found.highest, expected.highest) << count << " values at " << offset;
-      }
+TEST_P(Variants, EqualThePlainLoops) {
+  for (unsigned i = 0; i < 10 * kLengths * kOffsets; ++i) {
+    const unsigned seed = i / (kLengths * kOffsets);
+    const std::size_t count = i / kOffsets % kLengths;
+    const std::size_t offset = i % kOffsets;
+    SCOPED_TRACE(testing::Message() << count << " values at " << offset << ", seed " << seed);
+    Numbers numbers(i);
+    const auto any = [&] { return numbers.any(); };
+    auto values = filled<float>(count, offset + 1, any);
+    auto background = filled<float>(count, offset + 2, any);
+    auto counts = filled<std::uint16_t>(count, offset + 1, [&] { return numbers.count(); });
+    // The sign of NaN depends on which of two NaN an addition meets first.
+    auto fields = filled<float>(2 * count, offset + 1, [&] {
+      const float number = any();
+      return std::isnan(number) ? 3.0F : number;
+    });
+    auto readings = filled<float>(count, offset + 1,
+                                  [&] { return seed % 2 == 0 ? any() : numbers.between(-0.1F, 2.0F); });
+
+    expectSame<float>("extremes", 2, 0, [&](const Routines& routines, auto& to) {
+      const vec::Extremes found = routines.extremes(values.data(), count);
+      to[0] = found.lowest + 0.0F;  // which of two zeros is open
+      to[1] = found.highest + 0.0F;
+    });
+    for (const float limit : {-kInfinity, -1.0F, -0.0F, 0.0F, 0.5F, 65535.0F, kInfinity, kNan}) {
+      EXPECT_EQ(variant_.countNotAbove(values.data(), count, limit),
+                scalar_.countNotAbove(values.data(), count, limit))
+          << "limit " << limit;
     }
+    expectSame<float>("subtract", count, offset, [&](const Routines& routines, auto& to) {
+      routines.subtract(to.data(), counts.data(), background.data(), count);
+    });
+    expectSame<float>("powers", count, offset, [&](const Routines& routines, auto& to) {
+      routines.powers(to.data(), fields.data(), count);
+    });
+    const float least = seed % 2 == 0 ? kLeast : 1.5e-38F;
+    expectSame<float>("decibels", count, offset, [&](const Routines& routines, auto& to) {
+      routines.decibels(to.data(), values.data(), count, least);
+    });
+    expectSame<float>("decibels in place", count, offset, [&](const Routines& routines, auto& to) {
+      std::copy_n(values.data(), count, to.data());
+      routines.decibels(to.data(), to.data(), count, least);
+    });
+    expectSame<std::uint16_t>("toUint16", count, offset,
+                              [&, plain = seed % 4 == 0](const Routines& routines, auto& to) {
+                                routines.toUint16(to.data(), readings.data(), count, plain ? 1.0F : 38400.0F,
+                                                  plain ? 0.0F : 1280.0F);
+                              });
   }
 }
 
@@ -67,7 +101,7 @@ TEST_P(Variants, Extremes) {
 TEST_P(Variants, ExtremesAreFoundAtEveryPlace) {
   for (std::size_t count = 1; count < kLengths; ++count) {
     for (std::size_t place = 0; place < count; ++place) {
-      std::vector<float> values(count, std::numeric_limits<float>::quiet_NaN());
+      std::vector<float> values(count, kNan);
       values[place] = -2.0F;
       values[(place + 1) % count] = 3.0F;
       const vec::Extremes found = variant_.extremes(values.data(), count);
@@ -77,73 +111,13 @@ TEST_P(Variants, ExtremesAreFoundAtEveryPlace) {
   }
 }
 
-TEST_P(Variants, CountNotAbove) {
-  constexpr float infinity = std::numeric_limits<float>::infinity();
-  for (std::size_t count = 0; count < kLengths; ++count) {
-    for (std::size_t offset = 0; offset < kOffsets; ++offset) {
-      auto values = anyFloats(count, offset, static_cast<unsigned>(count));
-      for (const float limit : {-infinity, -1.0F, -0.0F, 0.0F, 0.5F, 65535.0F, infinity,
-                                std::numeric_limits<float>::quiet_NaN()}) {
-        EXPECT_EQ(variant_.countNotAbove(values.data(), count, limit),
-                  scalar_.countNotAbove(values.data(), count, limit))
-            << count << " values at " << offset << ", limit " << limit;
-      }
-    }
-  }
-}
-
-TEST_P(Variants, Subtract) {
-  compare<float>([](const Routines& routines, auto& destination, std::size_t count, std::size_t offset) {
-    Numbers numbers(static_cast<unsigned>(count));
-    GuardedArray<std::uint16_t> counts(count, offset + 1);
-    for (std::size_t i = 0; i < count; ++i) counts[i] = numbers.count();
-    auto background = anyFloats(count, offset + 2, 7);
-    routines.subtract(destination.data(), counts.data(), background.data(), count);
-  });
-}
-
-TEST_P(Variants, Powers) {
-  compare<float>([](const Routines& routines, auto& destination, std::size_t count, std::size_t offset) {
-    Numbers numbers(static_cast<unsigned>(count));
-    GuardedArray<float> fields(2 * count, offset + 1);
-    for (std::size_t i = 0; i < 2 * count; ++i) fields[i] = numbers.any();
-    // The sign of NaN depends on which of two NaN an addition meets first.
-    for (std::size_t i = 0; i < 2 * count; ++i) fields[i] = std::isnan(fields[i]) ? 3.0F : fields[i];
-    routines.powers(destination.data(), fields.data(), count);
-  });
-}
-
-TEST_P(Variants, Decibels) {
-  for (unsigned seed = 0; seed < 10; ++seed) {
-    compare<float>(
-        [seed](const Routines& routines, auto& destination, std::size_t count, std::size_t offset) {
-          auto powers = anyFloats(count, offset + 1, seed);
-          routines.decibels(destination.data(), powers.data(), count, seed % 2 == 0 ? kLeast : 1.5e-38F);
-        });
-  }
-}
-
-TEST_P(Variants, DecibelsInPlace) {
-  compare<float>([](const Routines& routines, auto& destination, std::size_t count, std::size_t) {
-    Numbers numbers(static_cast<unsigned>(count));
-    for (std::size_t i = 0; i < count; ++i) destination[i] = numbers.any();
-    routines.decibels(destination.data(), destination.data(), count, kLeast);
-  });
-}
-
-TEST_P(Variants, ToUint16) {
-  for (unsigned seed = 0; seed < 10; ++seed) {
-    compare<std::uint16_t>(
-        [seed](const Routines& routines, auto& destination, std::size_t count, std::size_t offset) {
-          Numbers numbers(seed);
-          GuardedArray<float> values(count, offset + 1);
-          for (std::size_t i = 0; i < count; ++i) {
-            values[i] = seed % 2 == 0 ? numbers.any() : numbers.between(-0.1F, 2.0F);
-          }
-          const bool plain = seed % 4 == 0;
-          routines.toUint16(destination.data(), values.data(), count, plain ? 1.0F : 38400.0F,
-                            plain ? 0.0F : 1280.0F);
-        });
+// More values than are counted in one go.
+TEST_P(Variants, CountNotAboveOfVeryMany) {
+  std::vector<float> values(3'000'005);
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<float>(i % 7);
+  for (const float limit : {-1.0F, 0.0F, 4.5F, 6.0F}) {
+    EXPECT_EQ(variant_.countNotAbove(values.data(), values.size(), limit),
+              scalar_.countNotAbove(values.data(), values.size(), limit));
   }
 }
 
@@ -151,20 +125,18 @@ INSTANTIATE_TEST_SUITE_P(Sets, Variants, testing::ValuesIn(vectorSets),
                          [](const auto& test) { return nameOf(test.param); });
 
 TEST(ExtremesAndQuantile, IgnoreNanAndKnowTheEmptyArray) {
-  constexpr float infinity = std::numeric_limits<float>::infinity();
-  const float nan = std::numeric_limits<float>::quiet_NaN();
-  const vec::Extremes none = extremes(nullptr, 0);
-  EXPECT_EQ(none.lowest, infinity);
-  EXPECT_EQ(none.highest, -infinity);
-  EXPECT_TRUE(std::isnan(quantile(nullptr, 0, 0.5)));
-  EXPECT_TRUE(std::isnan(quantile(&nan, 1, 0.5)));
-  const vec::Extremes noNumber = extremes(&nan, 1);
-  EXPECT_EQ(noNumber.lowest, infinity);
-  EXPECT_EQ(noNumber.highest, -infinity);
-  const std::vector<float> values{nan, 4.0F, -1.0F, nan, infinity, 2.0F};
-  const vec::Extremes found = extremes(values.data(), values.size());
-  EXPECT_EQ(found.lowest, -1.0F);
-  EXPECT_EQ(found.highest, infinity);
+  struct Case {
+    std::vector<float> values;
+    float lowest = kInfinity;
+    float highest = -kInfinity;
+  };
+  for (const auto& [values, lowest, highest] :
+       {Case{}, Case{{kNan}}, Case{{kNan, 4.0F, -1.0F, kNan, kInfinity, 2.0F}, -1.0F, kInfinity}}) {
+    const vec::Extremes found = extremes(values.data(), values.size());
+    EXPECT_EQ(found.lowest, lowest);
+    EXPECT_EQ(found.highest, highest);
+    EXPECT_EQ(std::isnan(quantile(values.data(), values.size(), 0.5)), values.size() < 2);
+  }
 }
 
 // Against sorting, with repeated values, all special ones, and any order.
@@ -188,16 +160,6 @@ TEST(Quantile, IsTheValueAtItsRank) {
       const auto rank = static_cast<std::size_t>(share * static_cast<double>(sorted.size() - 1));
       EXPECT_EQ(found, sorted[rank]) << seed << ", " << share;
     }
-  }
-}
-
-// More values than are counted in one go.
-TEST_P(Variants, CountNotAboveOfVeryMany) {
-  std::vector<float> values(3'000'005);
-  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<float>(i % 7);
-  for (const float limit : {-1.0F, 0.0F, 4.5F, 6.0F}) {
-    EXPECT_EQ(variant_.countNotAbove(values.data(), values.size(), limit),
-              scalar_.countNotAbove(values.data(), values.size(), limit));
   }
 }
 
@@ -228,25 +190,14 @@ TEST(Decibels, OfWhatHasNoLogarithm) {
 }
 
 TEST(ToUint16, RoundsHalvesUpAndClamps) {
-  using Limits = std::numeric_limits<float>;
-  const std::pair<float, std::uint16_t> cases[] = {{0.0F, 0},
-                                                   {0.49F, 0},
-                                                   {0.5F, 1},
-                                                   {1.5F, 2},
-                                                   {-0.5F, 0},
-                                                   {-7.0F, 0},
-                                                   {65534.4F, 65534},
-                                                   {65534.5F, 65535},
-                                                   {65535.4F, 65535},
-                                                   {65536.0F, 65535},
-                                                   {1e30F, 65535},
-                                                   {Limits::infinity(), 65535},
-                                                   {-1e30F, 0},
-                                                   {-Limits::infinity(), 0},
-                                                   {Limits::quiet_NaN(), 0}};
+  constexpr std::pair<float, int> cases[] = {
+      {0.0F, 0},      {0.49F, 0},         {0.5F, 1},         {1.5F, 2},         {-0.5F, 0},
+      {-7.0F, 0},     {65534.4F, 65534},  {65534.5F, 65535}, {65535.4F, 65535}, {65536.0F, 65535},
+      {1e30F, 65535}, {kInfinity, 65535}, {-1e30F, 0},       {-kInfinity, 0},   {kNan, 0}};
   std::vector<float> values;
   std::vector<std::uint16_t> expected;
-  for (const auto& [value, number] : cases) values.push_back(value), expected.push_back(number);
+  for (const auto& [value, number] : cases)
+    values.push_back(value), expected.push_back(static_cast<std::uint16_t>(number));
   std::vector<std::uint16_t> found(values.size());
   toUint16(found.data(), values.data(), values.size(), 1.0F, 0.0F);
   EXPECT_EQ(found, expected);

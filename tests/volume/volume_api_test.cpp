@@ -1,16 +1,28 @@
-// The exports of the volume renderer: handles, checks, and the states of an object.
-#include <gtest/gtest.h>
+// The volume renderer as its exports give it: handles, checks, what it remembers, and what a frame consists
+// of.
+#include <cmath>
 
 #include "support/mark_recorder.h"
-#include "support/reference_camera.h"
-#include "support/test_context.h"
-#include "support/volume_reference.h"
-#include "volume/volume_renderer.h"
+#include "volume/volume_test.h"
 
 namespace oct::test {
 namespace {
 
-TEST(VolumeApiTest, NullIsRefusedEverywhere) {
+using VolumeRendererApiTest = VolumeTest;
+
+// Those of a scene that nobody has changed.
+TEST_F(VolumeRendererApiTest, DefaultsAreThoseOfANewObject) {
+  const FrameFlags flags = settings().frame;
+  EXPECT_TRUE(flags.edges && flags.scaleMarks && flags.box);
+  EXPECT_FALSE(settings().renderVolume || settings().renderSurface);
+  setBorder(renderer_, 0, 0, 0);
+  scene_ = sceneOf(scene_.volume, 80, 60);
+  EXPECT_TRUE(showsBackground());
+  upload(scene_, offline_);
+  EXPECT_TRUE(shows(scene_));
+}
+
+TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
   expectNullRefused("The specified VolumeRendererHandle is invalid. ", deleteVolumeRenderer,
                     initializeVolumeRenderer, uninitializeVolumeRenderer, clearVolumeRenderer, setAngles,
                     setTranslation, setRange, setZoom, setRenderingSlices, setUsePerspective,
@@ -20,118 +32,103 @@ TEST(VolumeApiTest, NullIsRefusedEverywhere) {
                     setOverlayRendererColormap, setSurfaceColormap, setRendererColoringBoundaries,
                     setRendererSecondaryColoringBoundaries, setOverlayRendererColoringBoundaries,
                     setRendererSecondarySliceIndex, setSurface, setSurfaceDepths);
-}
-
-VolumeScene smallScene() {
-  VolumeScene scene = sceneOf(testVolume(12, 10, 9), 60, 50, 20.0, 30.0);
-  scene.coloring = {opaqueColors(32), 0.1, 1.0};
-  scene.mode = 1;
-  return scene;
-}
-
-class VolumeRendererApiTest : public testing::Test {
- protected:
-  VolumeRenderer& object() const { return *reinterpret_cast<VolumeRenderer*>(handle_); }
-  testing::AssertionResult shows(const VolumeScene& scene) const {
-    return agree(stage_.frame(60, 50, 0), referencePicture(scene), {1, 0.98, 255});
-  }
-  testing::AssertionResult showsBackground() const {
-    return agree(stage_.frame(60, 50, 0), backgroundPicture(smallScene()), {1, 1.0, 1});
-  }
-
-  VolumeStage stage_;
-  VolumeRendererHandle handle_ = stage_.renderer;
-};
-
-TEST_F(VolumeRendererApiTest, DefaultsAreThoseOfANewObject) {
-  const VolumeSettings settings = object().settings();
-  EXPECT_EQ(settings.view.zoom, 40.0);
-  EXPECT_TRUE(settings.view.perspective);
-  EXPECT_EQ(settings.slices, 128);
-  EXPECT_EQ(settings.range.modelScale, glm::vec3(1.0F, -1.0F, 1.0F));
-  EXPECT_FALSE(settings.renderVolume);
-  EXPECT_FALSE(settings.renderSurface);
-  EXPECT_TRUE(settings.frame.edges && settings.frame.scaleMarks && settings.frame.box);
-  EXPECT_EQ(settings.backgroundBottom, unpackedColor(0x000066FFU));
-  EXPECT_EQ(settings.backgroundTop, unpackedColor(0x000019FFU));
-}
-
-TEST_F(VolumeRendererApiTest, ModesAreChecked) {
-  setVolumeMode(handle_, 2);
-  setRenderingMode(handle_, 1);
-  for (const int mode : {-1, 4, 100}) {
-    setVolumeMode(handle_, mode);
-    EXPECT_EQ(pendingError(), "Invalid rendering mode selected.");
-  }
-  for (const int mode : {-1, 2}) {
-    setRenderingMode(handle_, mode);
-    EXPECT_EQ(pendingError(), "Invalid rendering mode selected.");
-  }
-  setRenderingSlices(handle_, -1);
-  EXPECT_EQ(pendingError(), "The number of rendering slices must not be negative. ");
-  const VolumeSettings settings = object().settings();
+  setVolumeMode(renderer_, 2);
+  setRenderingMode(renderer_, 1);
+  setSectionalView(renderer_, 1, 1.0F, 1, 0.0F, 1, 0.5F);
+  setAngles(renderer_, 190.0, -190.0);
+  setRenderForeground(renderer_, 0x33669900U);
+  expectNoError();
+  const std::string mode = "Invalid rendering mode selected.";
+  const std::string position =
+      "Slice positions of sectional view are out of range. Values must be in range from 0.0 to 1.0. ";
+  const float value = 1.0F;
+  const auto h = renderer_;
+  expectRefused({
+      {mode, [h] { setVolumeMode(h, -1); }},
+      {mode, [h] { setVolumeMode(h, 4); }},
+      {mode, [h] { setRenderingMode(h, -1); }},
+      {mode, [h] { setRenderingMode(h, 2); }},
+      {"The number of rendering slices must not be negative. ", [h] { setRenderingSlices(h, -1); }},
+      {position, [h] { setSectionalView(h, 1, 1.0001F, 1, 0.0F, 1, 0.0F); }},
+      {position, [h] { setSectionalView(h, 1, 0.0F, 1, -0.0001F, 1, 0.0F); }},
+      {position, [h] { setSectionalView(h, 1, 0.0F, 1, 0.0F, 0, std::nanf("")); }},
+      {"Colour map data must not be null. ", [h] { setRendererColormap(h, nullptr, 3); }},
+      {"The number of colours must not be negative. ", [h] { setSurfaceColormap(h, nullptr, -1); }},
+      {"The size of a surface must not be negative. ", [&] { setSurface(h, -1, 3, 1.0, &value); }},
+      {"Surface data must not be null. ", [h] { setSurface(h, 3, 3, 1.0, nullptr); }},
+      {"The scale of a surface must be a number other than zero. ",
+       [&] { setSurface(h, 3, 3, 0.0, &value); }},
+  });
+  const VolumeSettings settings = this->settings();
   EXPECT_EQ(settings.volumeMode, VolumeMode::mean);
   EXPECT_EQ(settings.renderingMode, RenderingMode::sectionalView);
   EXPECT_EQ(settings.slices, 128);
+  EXPECT_EQ(settings.view.angleX, -170.0F) << "angles are wrapped";
+  EXPECT_EQ(settings.view.angleY, 170.0F);
+  EXPECT_EQ(settings.foreground, glm::vec4(0.2F, 0.4F, 0.6F, 1.0F)) << "colours are opaque";
 }
 
-TEST_F(VolumeRendererApiTest, SectionPositionsAreChecked) {
-  setSectionalView(handle_, 1, 1.0F, 1, 0.0F, 1, 0.5F);
-  EXPECT_EQ(pendingError(), "(none)");
-  for (const float wrong : {1.0001F, -0.0001F, std::nanf("")}) {
-    for (int axis = 0; axis < 3; ++axis) {
-      float at[] = {0.0F, 1.0F, 0.5F};
-      at[axis] = wrong;
-      setSectionalView(handle_, 1, at[0], 1, at[1], 0, at[2]);
-      EXPECT_EQ(
-          pendingError(),
-          "Slice positions of sectional view are out of range. Values must be in range from 0.0 to 1.0. ");
-    }
+TEST_F(VolumeRendererApiTest, WhereThereIsNothingToShowTheBackgroundIs) {
+  const auto h = renderer_;
+  const auto addSecondary = [&] {
+    VolumeScene scene = scene_;
+    scene.mode = 3;
+    scene.secondary = testVolume(2, 12, 10);
+    scene.secondaryColoring.colors = opaqueColors(8);
+    stage_.prepare(scene);
+    EXPECT_TRUE(shows(scene));
+  };
+  struct Case {
+    const char* name;
+    std::function<void()> change;
+    int content = 0;
+  };
+  const float value = 1.0F;
+  const Case cases[] = {
+      {"a range without extent, and so a scale that is not finite",
+       [&] {
+         setOfflineAspectRatio(offline_, 0.0F, 0.0F, 0.0F);
+         setBorder(h, 1, 1, 1);
+         setClipPlane(h, 1, 0, 0.5F);
+         EXPECT_TRUE(showsBackground());
+         setRenderingMode(h, 1);
+       }},
+      {"a volume without voxels",
+       [&] { allocateOfflineVolume(offline_, 0, 4, 4), uploadOfflineVolume(offline_, &value); }},
+      {"an empty block", [&] { uploadOfflineSubVolume(offline_, 0, 10, nullptr); }},
+      {"no overlay", [] {}, 1},
+      {"no colours", [&] { setRendererColormap(h, nullptr, 0); }},
+      {"no secondary data", [&] { setVolumeMode(h, 3); }},
+      {"before the first secondary image", [&] { addSecondary(), setRendererSecondarySliceIndex(h, -1); }},
+      {"after the last secondary image", [&] { addSecondary(), setRendererSecondarySliceIndex(h, 2); }},
+      {"cleared", [&] { clearVolumeRenderer(h); }},
+  };
+  apply(scene_, h);
+  setRenderElements(h, 1, 0);
+  EXPECT_TRUE(showsBackground()) << "before a volume is allocated";
+  for (const auto& [name, change, content] : cases) {
+    SCOPED_TRACE(name);
+    stage_.prepare(scene_);
+    EXPECT_TRUE(shows(scene_));
+    change();
+    EXPECT_TRUE(showsBackground(content));
+    expectNoError();
   }
-}
-
-TEST_F(VolumeRendererApiTest, AnglesAreStoredWrapped) {
-  setAngles(handle_, 190.0, -190.0);
-  EXPECT_EQ(object().settings().view.angleX, -170.0F);
-  EXPECT_EQ(object().settings().view.angleY, 170.0F);
-}
-
-TEST_F(VolumeRendererApiTest, ColorsAreOpaque) {
-  setRenderForeground(handle_, 0x336699'00U);
-  EXPECT_EQ(object().settings().foreground, glm::vec4(0.2F, 0.4F, 0.6F, 1.0F));
-}
-
-TEST_F(VolumeRendererApiTest, ColormapsAreChecked) {
-  setRendererColormap(handle_, nullptr, 3);
-  EXPECT_EQ(pendingError(), "Colour map data must not be null. ");
-  setSurfaceColormap(handle_, nullptr, -1);
-  EXPECT_EQ(pendingError(), "The number of colours must not be negative. ");
-}
-
-TEST_F(VolumeRendererApiTest, ClearingForgetsTheVolume) {
-  const VolumeScene scene = smallScene();
-  stage_.prepare(scene);
-  EXPECT_TRUE(shows(scene));
-  clearVolumeRenderer(handle_);
-  EXPECT_EQ(object().source().volume, 0U);
-  EXPECT_EQ(object().source().sliceCount, 0);
-  EXPECT_TRUE(showsBackground());
-  setRenderElements(handle_, 1, 0);
-  EXPECT_TRUE(shows(scene));
+  setRenderElements(h, 1, 0);
+  EXPECT_TRUE(shows(scene_)) << "the volume is still there";
 }
 
 TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
-  VolumeScene scene = smallScene();
-  scene.clip = true;
-  scene.clipValue = 0.6F;
-  stage_.draw(scene);
-  setBorder(handle_, 0, 1, 1);
-  setRendererColormap(handle_, scene.coloring.colors.data(), 3);
+  scene_.clip = true;
+  scene_.clipValue = 0.6F;
+  stage_.draw(scene_);
+  setBorder(renderer_, 0, 1, 1);
+  setRendererColormap(renderer_, scene_.coloring.colors.data(), 3);
   beginOffscreenFrame(stage_.target, 60, 50);
   using Names = MarkRecorder::Marks;
   const auto marksOfFrame = [&] {
     MarkRecorder recorder;
-    renderOfflineVolume(stage_.offline, 0);
+    renderOfflineVolume(offline_, 0);
     Names names = recorder.all().begin()->second;
     std::erase_if(names, [](const std::string& name) { return name[0] == '-'; });
     for (std::string& name : names) name.erase(0, 1);
@@ -144,7 +141,7 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
                                    "VolumeRenderer::render_clip_plane_border",
                                    "VolumeRenderer::render_clip_plane_border::draw_overlay",
                                    "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
-  setRenderingMode(handle_, 1);
+  setRenderingMode(renderer_, 1);
   EXPECT_EQ(marksOfFrame(),
             (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
                    "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
@@ -152,83 +149,24 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_elements",
                    "VolumeRenderer::render_frame"}));
   finishOffscreenFrame(stage_.target, nullptr);
-  EXPECT_EQ(pendingError(), "(none)");
-}
-
-TEST_F(VolumeRendererApiTest, DrawsBackgroundFromBottomToTop) {
-  setBorder(handle_, 0, 0, 0);
-  setRenderBackground(handle_, 0xFF0000FFU, 0x0000FFFFU);
-  const Picture picture = stage_.frame(4, 256, 0);
-  EXPECT_EQ(pendingError(), "(none)");
-  VolumeScene expected = sceneOf({}, 4, 256);
-  expected.backgroundBottom = 0xFF0000FFU;
-  expected.backgroundTop = 0x0000FFFFU;
-  EXPECT_TRUE(agree(picture, backgroundPicture(expected)));
-}
-
-TEST_F(VolumeRendererApiTest, ColorsLiveFromInitToUninit) {
-  VolumeScene scene = smallScene();
-  stage_.prepare(scene);
-  EXPECT_TRUE(shows(scene));
-  initializeVolumeRenderer(handle_);  // again: the colours stay
-  EXPECT_TRUE(shows(scene));
-  uninitializeVolumeRenderer(handle_);
-  setRendererColormap(handle_, scene.coloring.colors.data(), 32);
-  setRendererColoringBoundaries(handle_, 0.3, 0.4);
-  EXPECT_EQ(pendingError(), "(none)");
-  stage_.frame(60, 50, 0);
-  EXPECT_EQ(pendingError(), "Program has not been compiled yet.");
-  initializeVolumeRenderer(handle_);
-  scene.coloring = {{0xFF000000U, 0xFFFFFFFFU}, 0.0, 1.0};
-  EXPECT_TRUE(shows(scene));
-  EXPECT_EQ(pendingError(), "(none)");
-}
-
-TEST_F(VolumeRendererApiTest, DualColoringNeedsASliceOfSecondaryData) {
-  VolumeScene scene = smallScene();
-  scene.mode = 3;
-  stage_.prepare(scene);
-  EXPECT_TRUE(showsBackground());
-  scene.secondary = testVolume(2, 10, 9);
-  scene.secondaryColoring.colors = opaqueColors(8);
-  stage_.prepare(scene);
-  EXPECT_TRUE(shows(scene));
-  for (const int index : {-1, 2}) {
-    setRendererSecondarySliceIndex(handle_, index);
-    EXPECT_TRUE(showsBackground());
-  }
-  EXPECT_EQ(pendingError(), "(none)");
-}
-
-TEST_F(VolumeRendererApiTest, AMapWithoutColorsShowsNothing) {
-  const VolumeScene scene = smallScene();
-  stage_.draw(scene);
-  setRendererColormap(handle_, nullptr, 0);
-  EXPECT_TRUE(showsBackground());
-  EXPECT_EQ(pendingError(), "(none)");
-}
-
-TEST_F(VolumeRendererApiTest, ViewportSizeIsOpenGLs) {
-  beginOffscreenFrame(stage_.target, 20, 20);
-  setViewportSize(13, 7);
-  std::array<GLint, 4> viewport{};
-  glGetIntegerv(GL_VIEWPORT, viewport.data());
-  EXPECT_EQ(viewport, (std::array<GLint, 4>{0, 0, 13, 7}));
-  EXPECT_EQ(pendingError(), "(none)");
+  expectNoError();
 }
 
 // A picture in a corner of the target leaves the rest of the target to others, the clear apart.
 TEST_F(VolumeRendererApiTest, AViewportOffTheOriginShowsTheSamePicture) {
-  const VolumeScene scene = smallScene();
-  stage_.draw(scene);
-  Picture large(100, 90);
-  beginOffscreenFrame(stage_.target, 100, 90);
-  glViewport(31, 23, 60, 50);
-  renderOfflineVolume(stage_.offline, 0);
+  stage_.draw(scene_);
+  Picture large(120, 100);
+  beginOffscreenFrame(stage_.target, 120, 100);
+  setViewportSize(13, 7);
+  std::array<GLint, 4> viewport{};
+  glGetIntegerv(GL_VIEWPORT, viewport.data());
+  EXPECT_EQ(viewport, (std::array<GLint, 4>{0, 0, 13, 7}));
+  glViewport(31, 23, 80, 60);
+  renderOfflineVolume(offline_, 0);
   finishOffscreenFrame(stage_.target, large.bytes.data());
-  Picture part(60, 50);
-  for (int y = 0; y < 50; ++y) std::copy_n(large.pixel(31, 23 + y), 60 * 4, part.pixel(0, y));
-  EXPECT_TRUE(agree(part, referencePicture(scene), {1, 0.98, 255}));
+  Picture part(80, 60);
+  for (int y = 0; y < 60; ++y) std::copy_n(large.pixel(31, 23 + y), 80 * 4, part.pixel(0, y));
+  EXPECT_TRUE(agree(part, referencePicture(scene_), {1, 0.99, 255}));
 }
 
 }  // namespace

@@ -53,7 +53,8 @@ const std::vector<std::uint32_t> green(7, 0xFF00FF00U);
 std::vector<Setter> everySetter(VolumeRendererHandle h) {
   return {
       [h](int i) {
-        setRenderBackground(h, i % 2 ? 0x0000FFFFU : 0x404040FFU, i % 2 ? 0x0000FFFFU : 0x404040FFU);
+        const std::uint32_t color = i % 2 ? 0x0000FFFFU : 0x404040FFU;
+        setRenderBackground(h, color, color);
       },
       [h](int i) {
         i % 2 ? setRendererColormap(h, red.data(), 300) : setRendererColormap(h, green.data(), 7);
@@ -75,8 +76,8 @@ std::vector<Setter> everySetter(VolumeRendererHandle h) {
       },
       [h](int i) {
         const std::vector<float> heights(9, static_cast<float>(i % 3) / 2.0F);
-        setSurface(h, 3, 3, 1.0, heights.data()), setSurfaceDepths(h, 0.0, 1.0),
-            setSurfaceColormap(h, red.data(), 1 + i % 9);
+        setSurface(h, 3, 3, 1.0, heights.data()), setSurfaceDepths(h, 0.0, 1.0);
+        setSurfaceColormap(h, red.data(), 1 + i % 9);
         setOverlayRendererColormap(h, red.data(), 1 + i % 9), setRendererSecondaryColormap(h, red.data(), 2);
       },
   };
@@ -107,29 +108,21 @@ TEST(VolumeThreadTest, SceneElementsOutliveTheStorm) {
   VolumeScene scene = threadScene();
   scene.viewportWidth = 120;
   scene.viewportHeight = 90;
-  scene.clip = true;
+  scene.clip = scene.removedSegment = true;
   scene.clipValue = 0.6F;
-  const auto calm = [&scene](VolumeStage& stage) {
-    stage.prepare(scene);
-    setBorder(stage.renderer, 1, 1, 1);
-    setRemoveSegment(stage.renderer, 1);
-    setSectionalView(stage.renderer, 1, 0.5F, 1, 0.5F, 1, 0.5F);
-    const std::vector<float> heights{0.2F, 0.4F, 0.6F, 0.8F};
-    setSurface(stage.renderer, 2, 2, 1.0, heights.data());
-    setSurfaceDepths(stage.renderer, 0.2, 0.8);
-    setSurfaceColormap(stage.renderer, green.data(), 7);
-    setRenderElements(stage.renderer, 1, 1);
-  };
-  const auto pictures = [](VolumeStage& stage) {
+  scene.scaleMarks = scene.edges = scene.box = true;
+  scene.surface = {2, 2, 1.0, {0.2F, 0.4F, 0.6F, 0.8F}};
+  scene.surfaceColoring = {green, 0.2, 0.8};
+  const auto pictures = [&scene](VolumeStage& stage) {
     std::vector<Picture> result;
-    for (const int mode : {0, 1}) {
-      setRenderingMode(stage.renderer, mode);
-      result.push_back(stage.frame());
+    for (const bool sectional : {false, true}) {
+      scene.sectional = sectional;
+      result.push_back(stage.draw(scene));
     }
     return result;
   };
   VolumeStage stage;
-  calm(stage);
+  stage.draw(scene);
   std::vector<Setter> setters = everySetter(stage.renderer);
   setters[0] = [h = stage.renderer](int i) {
     setBorder(h, i % 4 != 0, i % 3, i % 2),
@@ -139,25 +132,23 @@ TEST(VolumeThreadTest, SceneElementsOutliveTheStorm) {
   Storm storm(setters);
   for (int i = 0; i < 100; ++i) stage.frame(120 + i % 3, 90, 0);
   EXPECT_GT(storm.stop(), 100);
-  calm(stage);
-  setRenderForeground(stage.renderer, 0xFFFFFFFFU);
   const std::vector<Picture> after = pictures(stage);
   EXPECT_EQ(pendingError(), "(none)");
   VolumeStage fresh;
-  calm(fresh);
   const std::vector<Picture> expected = pictures(fresh);
   for (std::size_t i = 0; i < after.size(); ++i) EXPECT_TRUE(agree(after[i], expected[i], exact)) << i;
 }
 
 // Two renderers with contexts of their own, on two threads.
 TEST(VolumeThreadTest, RenderersOfTwoContextsDoNotMeet) {
-  const VolumeScene scene = threadScene();
+  VolumeScene scene = threadScene();
+  scene.viewportWidth = 160;
+  scene.viewportHeight = 120;
+  scene.scaleMarks = scene.edges = scene.box = true;
   std::vector<Picture> pictures(2);
   onThreads(2, [&](int thread) {
     VolumeStage stage;
-    for (int i = 0; i < 5; ++i) stage.draw(scene);
-    setBorder(stage.renderer, 1, 1, 1);
-    pictures[static_cast<std::size_t>(thread)] = stage.frame(160, 120, 0);
+    for (int i = 0; i < 6; ++i) pictures[static_cast<std::size_t>(thread)] = stage.draw(scene);
   });
   EXPECT_EQ(pictures[0].bytes, pictures[1].bytes);
   EXPECT_EQ(pendingError(), "(none)");

@@ -1,4 +1,4 @@
-#include "support/display_reference.h"
+#include "support/reference/display_reference.h"
 
 #include <algorithm>
 #include <cmath>

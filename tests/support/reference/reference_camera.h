@@ -1,14 +1,22 @@
-// The camera of the volume scene in double precision, written from its formulas, for references of what is
-// drawn around and on the volume.
+// The camera of the volume scene in double precision, written from its formulas, and the geometry and colours
+// that references share.
 #pragma once
 
 #include <array>
 #include <cmath>
 #include <glm/glm.hpp>
+#include <optional>
 
 #include "support/volume_scene.h"
 
 namespace oct::test {
+
+struct Line {
+  glm::dvec3 origin;
+  glm::dvec3 direction;
+
+  glm::dvec3 at(double t) const { return origin + t * direction; }
+};
 
 class ReferenceCamera {
  public:
@@ -40,11 +48,6 @@ class ReferenceCamera {
     const glm::dvec2 reach = halfExtent() * (perspective_ ? -eye.z : 1.0);
     return (glm::dvec2(eye) / reach + 1.0) * 0.5 * glm::dvec2(width_, height_);
   }
-
-  struct Line {
-    glm::dvec3 origin;
-    glm::dvec3 direction;
-  };
 
   // Through the middle of a pixel, in eye coordinates and in those of the model.
   Line line(int column, int row) const {
@@ -88,11 +91,13 @@ inline glm::dvec4 mappedColor(const std::vector<std::uint32_t>& colors, double v
   return glm::mix(entry(below), entry(below + 1), position - below);
 }
 
+// 0xRRGGBBAA
+inline glm::dvec3 opaqueColor(std::uint32_t color) {
+  return glm::dvec3(color >> 24, color >> 16 & 0xFFU, color >> 8 & 0xFFU) / 255.0;
+}
+
 inline glm::dvec3 backgroundColor(const VolumeScene& scene, int row) {
-  const auto unpacked = [](std::uint32_t color) {
-    return glm::dvec3(color >> 24, color >> 16 & 0xFFU, color >> 8 & 0xFFU) / 255.0;
-  };
-  return glm::mix(unpacked(scene.backgroundBottom), unpacked(scene.backgroundTop),
+  return glm::mix(opaqueColor(scene.backgroundBottom), opaqueColor(scene.backgroundTop),
                   (row + 0.5) / scene.viewportHeight);
 }
 
@@ -110,11 +115,21 @@ inline Picture backgroundPicture(const VolumeScene& scene) {
   return picture;
 }
 
-inline double distanceToSegment(const glm::dvec2& point, const glm::dvec2& from, const glm::dvec2& to) {
-  const glm::dvec2 along = to - from;
-  const double length = glm::dot(along, along);
-  const double t = length > 0.0 ? glm::clamp(glm::dot(point - from, along) / length, 0.0, 1.0) : 0.0;
-  return glm::length(point - from - t * along);
+// Where a line meets a triangle: its place on the line and the weights of the corners there.
+struct Meeting {
+  double t;
+  glm::dvec3 weights;
+};
+
+inline std::optional<Meeting> meeting(const Line& line, const glm::dvec3& a, const glm::dvec3& b,
+                                      const glm::dvec3& c) {
+  const glm::dvec3 n = glm::cross(b - a, c - a);
+  const double t = glm::dot(n, a - line.origin) / glm::dot(n, line.direction);
+  const glm::dvec3 p = line.at(t) - a;
+  const double second = glm::dot(glm::cross(p, c - a), n) / glm::dot(n, n);
+  const double third = glm::dot(glm::cross(b - a, p), n) / glm::dot(n, n);
+  if (!(second >= 0.0 && third >= 0.0 && second + third <= 1.0)) return {};
+  return Meeting{t, {1.0 - second - third, second, third}};
 }
 
 }  // namespace oct::test

@@ -1,0 +1,392 @@
+#include "support/reference/volume_reference.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "support/reference/reference_camera.h"
+#include "support/reference/surface_reference.h"
+
+namespace oct::test {
+namespace {
+
+// What lies around the voxels: the outermost ones go on, zeros, or the first axis begins anew.
+enum class Surroundings { edge, zeros, firstAxisRepeats };
+
+// Linear between voxels at a place in texture coordinates.
+double voxelAt(const Volume& volume, const glm::dvec3& texture, Surroundings surroundings) {
+  const glm::ivec3 size(volume.width, volume.height, volume.depth);
+  const glm::dvec3 position = texture * glm::dvec3(size) - 0.5;
+  const glm::dvec3 below = glm::floor(position);
+  const glm::dvec3 weight = position - below;
+  double sum = 0.0;
+  for (int corner = 0; corner < 8; ++corner) {
+    const glm::ivec3 step(corner & 1, corner >> 1 & 1, corner >> 2);
+    glm::ivec3 index = glm::ivec3(below) + step;
+    if (surroundings == Surroundings::firstAxisRepeats) index.x = (index.x % size.x + size.x) % size.x;
+    const glm::ivec3 inside = glm::clamp(index, glm::ivec3(0), size - 1);
+    if (surroundings == Surroundings::zeros && inside != index) continue;
+    index = inside;
+    const glm::dvec3 share = glm::mix(1.0 - weight, weight, glm::bvec3(step));
+    sum += share.x * share.y * share.z * volume.at(index.x, index.y, index.z);
+  }
+  return static_cast<float>(sum);  // an even volume stays exactly even
+}
+
+double normalised(const Coloring& coloring, double value) {
+  return (value - coloring.lower) / (coloring.upper - coloring.lower);
+}
+
+glm::dvec4 mapped(const Coloring& coloring, double value) {
+  return mappedColor(coloring.colors, normalised(coloring, value));
+}
+
+// One ray in texture space.
+class Ray {
+ public:
+  // From a place of the box to another, in model coordinates.
+  Ray(const VolumeScene& scene, const glm::dvec3& from, const glm::dvec3& to)
+      : scene_(scene),
+        volume_(scene.content == 1 ? scene.overlay : scene.volume),
+        coloring_(scene.content == 1 ? scene.overlayColoring : scene.coloring) {
+    const glm::dvec3 way = 0.5 * (to - from);
+    const glm::dvec3 step = way * (1.0 / glm::length(way) * 1.7320508 / scene.slices);
+    const glm::dvec3 front = 0.5 * from + 0.5;
+    glm::dvec3 place = front;
+    for (int i = 0; i <= scene.slices && !reachesEnd_; ++i) {
+      places_.push_back(place);
+      reachesEnd_ = glm::length(place - front) >= glm::length(way);
+      place = place + step;
+    }
+  }
+
+  glm::dvec4 color() const {
+    if (scene_.mode == 1) return mapped(coloring_, maximum());
+    if (scene_.mode == 2) return mapped(coloring_, mean());
+    return scene_.content == 2 && scene_.mode == 0 ? compositeWithOverlay() : composite();
+  }
+
+ private:
+  double value(const Volume& volume, const glm::dvec3& place) const {
+    return voxelAt(volume, {place.y, place.x, place.z},
+                   scene_.border ? Surroundings::zeros : Surroundings::edge);
+  }
+
+  void add(glm::dvec4& total, const glm::dvec3& place) const {
+    const double value = this->value(volume_, place);
+    if (!(value > coloring_.lower)) return;
+    glm::dvec4 color = mapped(coloring_, value);
+    if (scene_.mode == 3) modulate(color, place);
+    if (!(color.a > 0.0)) return;
+    const double alpha = color.a * (1.0 - total.a) + total.a;
+    const glm::dvec3 sum = glm::dvec3(color) * color.a * (1.0 - total.a) + glm::dvec3(total) * total.a;
+    total = glm::dvec4(sum / alpha, alpha);
+  }
+
+  void modulate(glm::dvec4& color, const glm::dvec3& place) const {
+    const Coloring& coloring = scene_.secondaryColoring;
+    const double slice = (scene_.secondaryIndex + 0.5) / scene_.secondary.width;
+    const double secondary =
+        voxelAt(scene_.secondary, {slice, place.x, place.z}, Surroundings::firstAxisRepeats);
+    const double surface = std::clamp(normalised(coloring, secondary), 0.0, 1.0);
+    color *= glm::dvec4((1.0 + surface) * glm::dvec3(mappedColor(coloring.colors, surface)), 1.0);
+  }
+
+  glm::dvec4 composite() const {
+    glm::dvec4 total(0.0);
+    for (const glm::dvec3& place : places_) {
+      add(total, place);
+      if (total.a > 0.9) return {glm::dvec3(total), 1.0};
+    }
+    return total;
+  }
+
+  glm::dvec4 compositeWithOverlay() const {
+    glm::dvec4 total(0.0);
+    double overlay = -1e6;
+    for (const glm::dvec3& place : places_) {
+      if (!(total.a > 0.99)) add(total, place);
+      overlay = std::max(overlay, normalised(scene_.overlayColoring, value(scene_.overlay, place)));
+    }
+    const glm::dvec4 over(glm::dvec3(mappedColor(scene_.overlayColoring.colors, overlay)), overlay);
+    return glm::mix(total, over, overlay);
+  }
+
+  // Of as many places as there are slices.
+  double maximum() const {
+    double largest = value(volume_, places_.front());
+    const auto count = std::min(places_.size(), static_cast<std::size_t>(scene_.slices));
+    for (std::size_t i = 0; i < count && (i == 0 || !(largest > coloring_.upper)); ++i)
+      largest = std::max(largest, value(volume_, places_[i]));
+    return largest;
+  }
+
+  // The front counts twice in the sum and the end not in the divisor.
+  double mean() const {
+    const auto count = std::min(places_.size(), static_cast<std::size_t>(scene_.slices));
+    double sum = value(volume_, places_.front());
+    for (std::size_t i = 0; i < count; ++i) sum += value(volume_, places_[i]);
+    const bool ended = reachesEnd_ && count == places_.size();
+    return sum / static_cast<double>(ended ? count - 1 : count);
+  }
+
+  const VolumeScene& scene_;
+  const Volume& volume_;
+  const Coloring& coloring_;
+  std::vector<glm::dvec3> places_;  // where it takes samples
+  bool reachesEnd_ = false;
+};
+
+using Segment = std::pair<glm::dvec3, glm::dvec3>;  // model coordinates
+
+std::vector<Segment> boxEdges() {
+  const auto corner = [](int i) { return glm::dvec3(i & 1 ? 1 : -1, i & 2 ? 1 : -1, i & 4 ? 1 : -1); };
+  std::vector<Segment> edges;
+  for (int i = 0; i < 8; ++i) {
+    for (const int bit : {1, 2, 4}) {
+      if ((i & bit) == 0) edges.emplace_back(corner(i), corner(i | bit));
+    }
+  }
+  return edges;
+}
+
+// The largest of the coordinates but those along an axis: at most 1 on the box's cross-section.
+double reach(const glm::dvec3& point, int axis) {
+  return std::max(std::abs(point[(axis + 1) % 3]), std::abs(point[(axis + 2) % 3]));
+}
+
+struct Plane {
+  glm::dvec3 normal;
+  double distance;
+
+  double above(const glm::dvec3& point) const { return glm::dot(normal, point) + distance; }
+  double meets(const Line& line) const { return -above(line.origin) / glm::dot(normal, line.direction); }
+};
+
+std::optional<Plane> clipPlane(const VolumeScene& scene) {
+  if (!scene.clip || scene.sectional) return {};
+  const double ax = glm::radians(scene.clipFixed ? scene.fixedAngleX : scene.angleX);
+  const double ay = glm::radians(scene.clipFixed ? scene.fixedAngleY : scene.angleY);
+  const glm::dvec3 n(std::sin(ay) * std::cos(ax), std::sin(ax), -std::cos(ay) * std::cos(ax));
+  const double corner = std::abs(n.x) + std::abs(n.y) + std::abs(n.z);
+  return Plane{n, (2.0 * scene.clipValue - 1.0) * 0.99 * corner};
+}
+
+double filledEnd(const VolumeScene& scene) {
+  if (scene.slicesUploaded < 0 || scene.slicesUploaded == scene.volume.depth) return 1.0;
+  const double n = scene.volume.depth;
+  return 2.0 * scene.slicesUploaded / n - 1.0 - 1.0 / n;
+}
+
+class Layers {
+ public:
+  explicit Layers(const VolumeScene& scene)
+      : scene_(scene), camera_(scene), surface_(scene, camera_), plane_(clipPlane(scene)) {}
+
+  // What is seen in a pixel, the farthest first, with its opacity.
+  std::vector<glm::dvec4> at(int column, int row) const {
+    const Line line = camera_.modelLine(column, row);
+    std::vector<glm::dvec4> found;
+    const bool glass = scene_.box && passage(line, 1.0);
+    if (glass) addPane(found, farPane);
+    if (scene_.volumeShown && scene_.sectional) {
+      addSlices(found, line);
+    } else if (scene_.volumeShown) {
+      const bool ghostInFront = plane_ && plane_->above(line.origin) < 0.0;
+      if (!ghostInFront) addGhost(found, line);
+      addRay(found, line);
+      if (ghostInFront) addGhost(found, line);
+    }
+    if (const auto color = surface_.color(camera_.line(column, row))) found.emplace_back(*color, 1.0);
+    if (glass) addPane(found, nearPane);
+    return found;
+  }
+
+  std::vector<std::pair<glm::dvec2, glm::dvec2>> lines() const {
+    std::vector<Segment> segments = scene_.edges ? boxEdges() : std::vector<Segment>{};
+    if (plane_) addRim(segments);
+    for (std::size_t axis = 0; axis < 3 && scene_.sectional; ++axis) {
+      const Slice& slice = scene_.sections[axis];
+      for (auto [from, to] : boxEdges()) {
+        const int i = static_cast<int>(axis);
+        if (!slice.shown || from[i] > 0.0 || to[i] > 0.0) continue;
+        from[i] = to[i] = 2.0 * slice.position - 1.0;
+        segments.emplace_back(from, to);
+      }
+    }
+    std::vector<std::pair<glm::dvec2, glm::dvec2>> onScreen;
+    for (const auto& [from, to] : segments)
+      onScreen.emplace_back(camera_.toWindow(from), camera_.toWindow(to));
+    return onScreen;
+  }
+
+ private:
+  static constexpr double farPane = 0.1;
+  static constexpr double nearPane = 0.03;
+  static constexpr double ghostPane = 0.1;
+
+  void addPane(std::vector<glm::dvec4>& found, double opacity) const {
+    found.emplace_back(opaqueColor(scene_.foreground), opacity);
+  }
+
+  // Where a line enters and leaves the box as far as it is filled.
+  static std::optional<glm::dvec2> passage(const Line& line, double end) {
+    const glm::dvec3 low = (-1.0 - line.origin) / line.direction;
+    const glm::dvec3 high = (glm::dvec3(1.0, 1.0, end) - line.origin) / line.direction;
+    const glm::dvec3 in = glm::min(low, high);
+    const glm::dvec3 out = glm::max(low, high);
+    const glm::dvec2 passes(std::max({in.x, in.y, in.z}), std::min({out.x, out.y, out.z}));
+    if (passes.x < passes.y) return passes;
+    return {};
+  }
+
+  void addRay(std::vector<glm::dvec4>& found, const Line& line) const {
+    const auto passes = passage(line, filledEnd(scene_));
+    if (!passes) return;
+    auto [enter, leave] = std::pair(passes->x, passes->y);
+    if (plane_) {
+      const bool entersKept = plane_->above(line.at(enter)) >= 0.0;
+      const bool leavesKept = plane_->above(line.at(leave)) >= 0.0;
+      if (!entersKept && (!leavesKept || scene_.clipOpen)) return;
+      if (!entersKept) enter = plane_->meets(line);
+      if (!leavesKept) leave = plane_->meets(line);
+    }
+    found.push_back(Ray(scene_, line.at(enter), line.at(leave)).color());
+  }
+
+  // The faces of what the plane cuts off.
+  void addGhost(std::vector<glm::dvec4>& found, const Line& line) const {
+    if (!plane_ || !scene_.removedSegment) return;
+    for (int axis = 0; axis < 3; ++axis) {
+      for (const double side : {-1.0, 1.0}) {
+        const glm::dvec3 point = line.at((side - line.origin[axis]) / line.direction[axis]);
+        if (reach(point, axis) < 1.0 && plane_->above(point) < 0.0) addPane(found, ghostPane);
+      }
+    }
+  }
+
+  void addSlices(std::vector<glm::dvec4>& found, const Line& line) const {
+    std::vector<double> hits;
+    for (int axis = 0; axis < 3; ++axis) {
+      const Slice& slice = scene_.sections[static_cast<std::size_t>(axis)];
+      const double t = (2.0 * slice.position - 1.0 - line.origin[axis]) / line.direction[axis];
+      if (slice.shown && reach(line.at(t), axis) <= 1.0) hits.push_back(t);
+    }
+    std::sort(hits.begin(), hits.end(), std::greater<>());
+    for (const double t : hits) {
+      const glm::dvec3 point = line.at(t);
+      const auto color = [&, place = 0.5 * glm::dvec3(point.y, point.x, point.z) + 0.5](
+                             const Volume& volume, const Coloring& coloring) {
+        return mapped(coloring, voxelAt(volume, place, Surroundings::edge));
+      };
+      const glm::dvec4 base = color(scene_.volume, scene_.coloring);
+      const bool overlaid = scene_.content == 2;
+      const glm::dvec4 over = overlaid ? color(scene_.overlay, scene_.overlayColoring) : glm::dvec4(0.0);
+      found.push_back(glm::mix(base, over, over.a));
+    }
+  }
+
+  // The cut's polygon: points on edges of the box, joined where they lie on one face.
+  void addRim(std::vector<Segment>& segments) const {
+    std::vector<glm::dvec3> points;
+    for (const auto& [from, to] : boxEdges()) {
+      const double a = plane_->above(from);
+      const double b = plane_->above(to);
+      if (a * b <= 0.0 && a != b) points.push_back(glm::mix(from, to, a / (a - b)));
+    }
+    for (std::size_t i = 0; i < points.size(); ++i) {
+      for (std::size_t j = 0; j < i; ++j) {
+        const glm::dvec3 sum = glm::abs(points[i] + points[j]);
+        if (std::max({sum.x, sum.y, sum.z}) > 2.0 - 1e-9) segments.emplace_back(points[i], points[j]);
+      }
+    }
+  }
+
+  const VolumeScene& scene_;
+  const ReferenceCamera camera_;
+  const ReferenceSurface surface_;
+  const std::optional<Plane> plane_;
+};
+
+// To what eight bits hold.
+template <class Color>
+Color rounded(const Color& color) {
+  return glm::round(255.0 * color) / 255.0;
+}
+
+double distanceToSegment(const glm::dvec2& point, const glm::dvec2& from, const glm::dvec2& to) {
+  const glm::dvec2 along = to - from;
+  const double length = glm::dot(along, along);
+  const double t = length > 0.0 ? glm::clamp(glm::dot(point - from, along) / length, 0.0, 1.0) : 0.0;
+  return glm::length(point - from - t * along);
+}
+
+double distance(const Picture& a, const Picture& b) {
+  double sum = 0.0;
+  for (std::size_t i = 0; i < a.bytes.size(); ++i) sum += std::abs(int{a.bytes[i]} - int{b.bytes[i]});
+  return sum;
+}
+
+}  // namespace
+
+ReferencePicture referencePicture(const VolumeScene& scene) {
+  constexpr double lineReach = 1.6;  // pixels
+  const Picture empty(scene.viewportWidth, scene.viewportHeight);
+  const Layers layers(scene);
+  ReferencePicture result{empty, empty, {}, layers.lines()};
+  empty.forEach([&](int column, int row) {
+    glm::dvec3 full = backgroundColor(scene, row);
+    glm::dvec3 inTarget = rounded(full);
+    for (const glm::dvec4& any : layers.at(column, row)) {
+      const glm::dvec4 layer = glm::clamp(any, 0.0, 1.0);
+      full = glm::mix(full, glm::dvec3(layer), layer.a);
+      inTarget = rounded(glm::mix(inTarget, glm::dvec3(rounded(layer)), rounded(layer).a));
+    }
+    setPixel(result.picture, column, row, full);
+    setPixel(result.blendedInTarget, column, row, inTarget);
+    result.nearLine.push_back(std::any_of(result.lines.begin(), result.lines.end(), [&](const auto& line) {
+      return distanceToSegment({column + 0.5, row + 0.5}, line.first, line.second) < lineReach;
+    }));
+  });
+  return result;
+}
+
+testing::AssertionResult agree(const Picture& actual, const ReferencePicture& expected, Tolerance tolerance) {
+  if (actual.bytes.size() != expected.picture.bytes.size())
+    return testing::AssertionFailure() << "sizes differ";
+  Picture compared = actual;
+  const Picture& reference = distance(actual, expected.picture) < distance(actual, expected.blendedInTarget)
+                                 ? expected.picture
+                                 : expected.blendedInTarget;
+  compared.forEach([&](int x, int y) {
+    if (expected.nearLine[static_cast<std::size_t>(y * actual.width + x)])
+      std::copy_n(reference.pixel(x, y), 4, compared.pixel(x, y));
+  });
+  return agree(compared, reference, tolerance);
+}
+
+testing::AssertionResult linesShow(const Picture& actual, const ReferencePicture& expected,
+                                   const VolumeScene& scene) {
+  const glm::dvec3 foreground = 255.0 * opaqueColor(scene.foreground);
+  const auto apart = [&](const std::uint8_t* p) {
+    return glm::length(glm::dvec3(p[2], p[1], p[0]) - foreground);
+  };
+  for (const auto& [from, to] : expected.lines) {
+    for (double t = 0.03; t < 1.0; t += 0.07) {
+      const glm::dvec2 place = glm::mix(from, to, t);
+      double strongest = 0.0;  // share of the foreground's colour; a line may miss a pixel by one
+      for (int i = 0; i < 9; ++i) {
+        const int x = glm::clamp(static_cast<int>(place.x) + i % 3 - 1, 0, actual.width - 1);
+        const int y = glm::clamp(static_cast<int>(place.y) + i / 3 - 1, 0, actual.height - 1);
+        strongest =
+            std::max(strongest, 1.0 - apart(actual.pixel(x, y)) / apart(expected.picture.pixel(x, y)));
+      }
+      if (strongest < 0.42)
+        return testing::AssertionFailure()
+               << "no line at " << place.x << ", " << place.y << ", only " << strongest;
+    }
+  }
+  return testing::AssertionSuccess();
+}
+
+}  // namespace oct::test
