@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <complex>
 #include <stdexcept>
 
 namespace oct::simulator {
@@ -18,6 +19,13 @@ TEST(Resampler, ReadsAWaveBetweenItsSamples) {
   Resampler(100, positions).apply(wave.data(), read.data());
   for (std::size_t i = 0; i < positions.size(); ++i)
     EXPECT_NEAR(read[i], std::cos(rate * positions[i]), 0.02) << positions[i];
+}
+
+TEST(Resampler, KeepsLevels) {
+  const std::vector<std::complex<float>> level(20, {2.0f, -1.0f});
+  std::vector<std::complex<float>> read(3);
+  Resampler(20, {5.0, 8.3, 9.9}).apply(level.data(), read.data());
+  for (const auto& value : read) EXPECT_LT(std::abs(value - level[0]), 1e-5f);
 }
 
 TEST(Resampler, RefusesPositionsOutsideTheSignal) {
