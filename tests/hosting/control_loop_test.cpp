@@ -99,7 +99,7 @@ TEST_P(ControlLoopGLTest, BuffersRotateAndPixelsFollowTheSize) {
         frames.add({surface, std::move(picture)});
       }));
   std::vector<std::pair<int, int>> sizes(7, {8, 6});
-  sizes.insert(sizes.end(), {{31, 17}, {31, 9}, {30, 9}, {1, 1}, {640, 480}, {7, 100}});
+  sizes.insert(sizes.end(), {{31, 6}, {8, 17}, {1, 1}, {640, 480}, {7, 100}});
   for (std::size_t i = 0; i < sizes.size(); ++i) {
     const auto [width, height] = sizes[i];
     const auto id = 0x123450 + static_cast<int>(i);
