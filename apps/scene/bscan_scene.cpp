@@ -34,17 +34,20 @@ void setOverlay(DisplayRenderingHandle renderer, const Overlay& overlay) {
 
 }  // namespace
 
-Picture renderBscan(const BscanScene& scene) {
-  OffscreenTarget target;
-  const DisplayRenderer display;
-  const DisplayRenderingHandle renderer = display.handle();
+void setScene(DisplayRenderingHandle renderer, const BscanScene& scene) {
   setBase(renderer, scene.base);
   if (scene.overlay) setOverlay(renderer, *scene.overlay);
   checked(setBackgroundColor, renderer, static_cast<int>(scene.background));
   checked(setDisplayBlur, renderer, int{scene.firstBlur}, int{scene.secondBlur});
   checked(setDisplayPepperFilter, renderer, int{scene.pepperFilter});
   checked(setDisplayFlip, renderer, int{scene.flip});
-  return drawPicture(target, scene.size, [&] { checked(renderDisplay, renderer); });
+}
+
+Picture renderBscan(const BscanScene& scene) {
+  OffscreenTarget target;
+  const DisplayRenderer renderer;
+  setScene(renderer.handle(), scene);
+  return drawPicture(target, scene.size, [&] { checked(renderDisplay, renderer.handle()); });
 }
 
 }  // namespace oct::app

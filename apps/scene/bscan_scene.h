@@ -1,6 +1,8 @@
 // Everything that makes the picture of a B-scan, ready to be drawn.
 #pragma once
 
+#include <oct_rendering/oct_rendering.h>
+
 #include <cstdint>
 #include <optional>
 
@@ -33,6 +35,8 @@ struct BscanScene {
   bool pepperFilter = false;
   bool flip = false;
 };
+
+void setScene(DisplayRenderingHandle renderer, const BscanScene& scene);
 
 Picture renderBscan(const BscanScene& scene);
 

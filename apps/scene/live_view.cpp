@@ -110,7 +110,7 @@ class RenderingThread {
     try {
       OffscreenTarget target;
       const LiveRendering rendering;
-      prepare(rendering.renderer());
+      setScene(rendering.renderer(), scene_);
       started = true;
       ready.set_value(rendering.live());
       try {
@@ -124,20 +124,6 @@ class RenderingThread {
     } catch (...) {
       if (!started) ready.set_exception(std::current_exception());
     }
-  }
-
-  void prepare(VolumeRendererHandle renderer) const {
-    setView(renderer, scene_.view);
-    checked(setAngles, renderer, scene_.view.angles[0], scene_.view.angles[1]);
-    setColors(renderer, ColoredData::Volume, scene_.volume.colormap, scene_.volume.range);
-    if (scene_.surface) {
-      setColors(renderer, ColoredData::Surface, scene_.surface->colormap, scene_.surface->range);
-    }
-    if (scene_.analog) {
-      setColors(renderer, ColoredData::Secondary, scene_.analog->colormap, scene_.analog->range);
-      checked(setRendererSecondarySliceIndex, renderer, scene_.analogChannel);
-    }
-    checked(setRenderElements, renderer, 1, int{scene_.surface.has_value()});
   }
 
   void draw(OffscreenTarget& target, LiveVolumeRenderingHandle live) {
@@ -178,6 +164,20 @@ class RenderingThread {
 };
 
 }  // namespace
+
+void setScene(VolumeRendererHandle renderer, const LiveScene& scene) {
+  setView(renderer, scene.view);
+  checked(setAngles, renderer, scene.view.angles[0], scene.view.angles[1]);
+  setColors(renderer, ColoredData::Volume, scene.volume.colormap, scene.volume.range);
+  if (scene.surface) {
+    setColors(renderer, ColoredData::Surface, scene.surface->colormap, scene.surface->range);
+  }
+  if (scene.analog) {
+    setColors(renderer, ColoredData::Secondary, scene.analog->colormap, scene.analog->range);
+    checked(setRendererSecondarySliceIndex, renderer, scene.analogChannel);
+  }
+  checked(setRenderElements, renderer, 1, int{scene.surface.has_value()});
+}
 
 LiveResult showLive(const LiveDevice& device, const LiveScene& scene, const LiveSettings& settings,
                     const LiveEvents& events) {

@@ -27,6 +27,8 @@ struct LiveScene {
   int analogChannel = 0;
 };
 
+void setScene(VolumeRendererHandle renderer, const LiveScene& scene);
+
 struct LiveSettings {
   SourceSettings source;
   double seconds = 5.0;           // from the first volume on

@@ -4,10 +4,10 @@
 #include "scene/offscreen_picture.h"
 
 namespace oct::app {
-namespace {
 
-void setData(OfflineRenderingHandle offline, VolumeRendererHandle renderer, const VolumeScene& scene) {
+void setScene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, const VolumeScene& scene) {
   const VolumeData& data = scene.base.data;
+  setView(renderer, scene);
   checked(setOfflineAspectRatio, offline, scene.extent[0], scene.extent[1], scene.extent[2]);
   checked(allocateOfflineVolume, offline, static_cast<int>(data.depth), static_cast<int>(data.ascans),
           static_cast<int>(data.bscans));
@@ -32,14 +32,11 @@ void setData(OfflineRenderingHandle offline, VolumeRendererHandle renderer, cons
   checked(setRenderElements, renderer, int{scene.showVolume}, int{scene.surface.has_value()});
 }
 
-}  // namespace
-
 void renderVolume(const VolumeScene& scene, unsigned count,
                   const std::function<void(unsigned, const Picture&)>& take) {
   OffscreenTarget target;
   const OfflineRendering rendering;
-  setView(rendering.renderer(), scene);
-  setData(rendering.offline(), rendering.renderer(), scene);
+  setScene(rendering.offline(), rendering.renderer(), scene);
   const int content = scene.overlay ? 2 : 0;
   for (unsigned i = 0; i < count; ++i) {
     checked(setAngles, rendering.renderer(), scene.angles[0], scene.angles[1] + 360.0 * i / count);

@@ -43,6 +43,9 @@ struct VolumeScene : VolumeView {
   std::array<float, 3> extent{1, 1, 1};  // depth, A-scans, B-scans
 };
 
+// Everything but the angles, which may change from picture to picture.
+void setScene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, const VolumeScene& scene);
+
 // Draws the scene once, or as often as `count` says, turned further about the depth axis each time so that
 // the last picture is followed by the first. Each picture is handed over as it is finished.
 void renderVolume(const VolumeScene& scene, unsigned count,

@@ -23,15 +23,16 @@ class ControlLoopGLTest : public LoopGLTest {
 
 // Requests gather while the first frame, of id 9, is held up.
 TEST_P(ControlLoopGLTest, ModesDecideWhatIsDrawnNext) {
+  using Mode = OpenGLControlLoop::Mode;
   const struct {
-    std::uint32_t mode;
+    Mode mode;
     std::vector<int> requests;
     Ids drawn;  // at first
   } rows[] = {
-      {OpenGLControlLoop::onceEach, {7, 7, 8, 7}, {9, 7, 8}},
-      {OpenGLControlLoop::roundRobin, {0, 3, 5}, {9, 0, 3, 5, 0, 3, 5, 0, 3, 5}},
-      {77, {1, 2}, {9, 1, 2, 1, 2}},  // other values wait as mode 0 does and go round as mode 1
-      {OpenGLControlLoop::snapshotMode, {4, 6}, {9, 4, 4, 4}},
+      {Mode::onceEach, {7, 7, 8, 7}, {9, 7, 8}},
+      {Mode::roundRobin, {0, 3, 5}, {9, 0, 3, 5, 0, 3, 5, 0, 3, 5}},
+      {static_cast<Mode>(77), {1, 2}, {9, 1, 2, 1, 2}},  // other values wait as mode 0 does and go round as mode 1
+      {Mode::snapshotMode, {4, 6}, {9, 4, 4, 4}},
   };
   for (const auto& row : rows) {
     Gate gate;
@@ -53,7 +54,7 @@ TEST_P(ControlLoopGLTest, ModesDecideWhatIsDrawnNext) {
     } else {
       ids.resize(row.drawn.size());
     }
-    EXPECT_EQ(ids, row.drawn) << row.mode;
+    EXPECT_EQ(ids, row.drawn) << static_cast<int>(row.mode);
     if (row.mode != OpenGLControlLoop::snapshotMode) continue;
     Picture picture(8, 6);
     loop->snapshot(8, 6, picture.bytes.data());  // returns: another is running, as far as the loop can tell

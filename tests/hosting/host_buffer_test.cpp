@@ -51,9 +51,8 @@ TEST_F(HostBufferGLTest, AViewHoldsTheLock) {
   buffer_.resize(4, 4);
   draw(1);
   buffer_.complete(true);
-  const auto mapped = buffer_.map();
-  const auto locking = [&] { return std::async(std::launch::async, [&] { buffer_.lock(); }); };
-  auto other = locking();
+  auto mapped = buffer_.map();
+  auto other = std::async(std::launch::async, [&] { buffer_.lock(); });
   EXPECT_EQ(other.wait_for(20ms), std::future_status::timeout);
   mapped.reset();
   other.get();

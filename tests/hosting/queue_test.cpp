@@ -4,6 +4,7 @@
 #include <atomic>
 #include <future>
 
+#include "hosting/loop/functors.h"
 #include "hosting/loop/request_queue.h"
 #include "hosting/loop/return_map.h"
 #include "hosting/host/signal_event.h"
