@@ -2,19 +2,19 @@
 // can do without, measured in turn in the same run: copying the client's samples, uploading them, drawing as
 // many pixels, each the mean of two samples, with the least possible shader, reading them back. Absolute
 // times mean little on a shared machine; "ratio" is the result.
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <vector>
 
+#include <benchmark/benchmark.h>
+
+#include "gl/colormap.h"
 #include "gl/gl_names.h"
 #include "gl/quad.h"
 #include "gl/shader.h"
 #include "median.h"
 #include "oct_rendering/oct_rendering.h"
-#include "gl/colormap.h"
 #include "shaders.h"
 
 using oct::benchmark_scene::Median;
@@ -22,12 +22,12 @@ using oct::benchmark_scene::Median;
 namespace {
 
 constexpr int depth = 1024;
-constexpr int aScans = 2048;
+constexpr int a_scans = 2048;
 constexpr unsigned width = 1024;
 constexpr unsigned height = 1024;
 
 // Every sample is read once, their mean coloured; all that settings decide is written as constants.
-const char* const bareFragment = R"(#version 330 core
+const char* const bare_fragment = R"(#version 330 core
 uniform sampler2D image;
 uniform sampler1D colors;
 out vec4 color;
@@ -41,14 +41,14 @@ void main() {
 // The same work as the frame, written down bare.
 class Parts {
  public:
-  Parts() : samples_(static_cast<std::size_t>(depth) * aScans) {
+  Parts() : samples_(static_cast<std::size_t>(depth) * a_scans) {
     texture_ = oct::gl::Texture::create();
     glBindTexture(GL_TEXTURE_2D, texture_.get());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_R32F, depth, aScans, 0, GL_RED, GL_FLOAT, nullptr);
-    oct::uploadColormap(colors_, oct::defaultColormap());
-    shader_.load_to_program("bare", oct::shaders::filter_vert, bareFragment);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_R32F, depth, a_scans, 0, GL_RED, GL_FLOAT, nullptr);
+    oct::upload_colormap(colors_, oct::default_colormap());
+    shader_.load_to_program("bare", oct::shaders::filter_vert, bare_fragment);
     shader_.use();
     glUniform1i(shader_.uniform("image"), 0);
     glUniform1i(shader_.uniform("colors"), 1);
@@ -67,7 +67,7 @@ class Parts {
   }
   void upload() {
     glBindTexture(GL_TEXTURE_2D, texture_.get());
-    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, depth, aScans, GL_RED, GL_FLOAT, samples_.data());
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, depth, a_scans, GL_RED, GL_FLOAT, samples_.data());
     glFinish();
   }
   void draw() {
@@ -81,7 +81,7 @@ class Parts {
     quad_.draw();
     glFinish();
   }
-  void readBack(std::vector<unsigned char>& pixels) {
+  void read_back(std::vector<unsigned char>& pixels) {
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
     glReadPixels(0, 0, width, height, GL_BGRA, GL_UNSIGNED_BYTE, pixels.data());
   }
@@ -103,8 +103,8 @@ double milliseconds(Work&& work) {
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-void frameAgainstItsParts(benchmark::State& state) {
-  std::vector<float> image(static_cast<std::size_t>(depth) * aScans);
+void frame_against_its_parts(benchmark::State& state) {
+  std::vector<float> image(static_cast<std::size_t>(depth) * a_scans);
   for (std::size_t i = 0; i < image.size(); ++i)
     image[i] = static_cast<float>(i * 2654435761U % 1000U) / 1000.0F;
   std::vector<unsigned char> pixels(width * height * 4);
@@ -118,25 +118,25 @@ void frameAgainstItsParts(benchmark::State& state) {
   }
   {
     Parts parts;
-    Median set, render, read, frame, copy, upload, draw, readBack;
+    Median set, render, read, frame, copy, upload, draw, read_back;
     for (auto _ : state) {
-      const double setTime = milliseconds([&] { setDisplayData(display, depth, aScans, image.data()); });
-      const double renderTime = milliseconds([&] {
+      const double set_time = milliseconds([&] { setDisplayData(display, depth, a_scans, image.data()); });
+      const double render_time = milliseconds([&] {
         beginOffscreenFrame(target, width, height);
         renderDisplay(display);
         glFinish();  // so that drawing is not counted as reading back
       });
-      const double readTime = milliseconds([&] { finishOffscreenFrame(target, pixels.data()); });
-      set.add(setTime);
-      render.add(renderTime);
-      read.add(readTime);
-      frame.add(setTime + renderTime + readTime);
+      const double read_time = milliseconds([&] { finishOffscreenFrame(target, pixels.data()); });
+      set.add(set_time);
+      render.add(render_time);
+      read.add(read_time);
+      frame.add(set_time + render_time + read_time);
       copy.add(milliseconds([&] { parts.copy(image); }));
       upload.add(milliseconds([&] { parts.upload(); }));
       draw.add(milliseconds([&] { parts.draw(); }));
-      readBack.add(milliseconds([&] { parts.readBack(pixels); }));
+      read_back.add(milliseconds([&] { parts.read_back(pixels); }));
     }
-    const double sum = copy.value() + upload.value() + draw.value() + readBack.value();
+    const double sum = copy.value() + upload.value() + draw.value() + read_back.value();
     state.counters["ratio"] = frame.value() / sum;
     state.counters["frame_ms"] = frame.value();
     state.counters["set_ms"] = set.value();
@@ -145,15 +145,15 @@ void frameAgainstItsParts(benchmark::State& state) {
     state.counters["part_copy_ms"] = copy.value();
     state.counters["part_upload_ms"] = upload.value();
     state.counters["part_draw_ms"] = draw.value();
-    state.counters["part_read_ms"] = readBack.value();
+    state.counters["part_read_ms"] = read_back.value();
     state.counters["to_upload"] = frame.value() / upload.value();
-    state.counters["to_read"] = frame.value() / readBack.value();
+    state.counters["to_read"] = frame.value() / read_back.value();
   }
   uninitDisplayRendering(display);
   clearDisplayRendering(display);
   clearOffscreenTarget(target);
 }
-BENCHMARK(frameAgainstItsParts)
+BENCHMARK(frame_against_its_parts)
     ->ArgName("filters")
     ->Arg(0)
     ->Arg(1)

@@ -11,9 +11,9 @@
 #include <thread>
 #include <vector>
 
-#include "gl/gl_names.h"
 #include "gl/context/opengl_context.h"
 #include "gl/context/opengl_loader.h"
+#include "gl/gl_names.h"
 #include "median.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/surfaces.h"
@@ -32,7 +32,7 @@ double milliseconds(Clock::time_point start) {
   return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-void drawNothing() {
+void draw_nothing() {
   glClearColor(0.5F, 0.5F, 0.5F, 1.0F);
   glClear(GL_COLOR_BUFFER_BIT);
 }
@@ -44,7 +44,7 @@ int returned = 0;
 volatile unsigned char seen = 0;
 
 void draw(unsigned) {
-  drawNothing();
+  draw_nothing();
 }
 void count(unsigned, unsigned, unsigned, void*) {
   const std::lock_guard lock(mutex);
@@ -55,7 +55,7 @@ void look(unsigned index, unsigned width, unsigned height, void* surface) {
   seen = *static_cast<OctHostSurface*>(surface)->pixels;
   count(index, width, height, surface);
 }
-void waitFor(int count) {
+void wait_for(int count) {
   std::unique_lock lock(mutex);
   changed.wait(lock, [&] { return returned >= count; });
 }
@@ -76,7 +76,7 @@ class BareLoop {
   }
 
   void frame() {
-    drawNothing();
+    draw_nothing();
     glReadPixels(0, 0, size_, size_, GL_BGRA, GL_UNSIGNED_BYTE, pixels_.data());
     seen = pixels_.front();
   }
@@ -94,33 +94,33 @@ struct Figures {
   double frame, bare, latency;  // milliseconds
 };
 
-Figures measureRing(SurfaceSharing kind, unsigned size) {
-  oct::test::chooseSharing(kind);
+Figures measure_ring(SurfaceSharing kind, unsigned size) {
+  oct::test::choose_sharing(kind);
   const OpenGLControlLoopHandle loop = createOpenGLControlLoop();
   registerOpenGLControlLoopRenderCallback(loop, draw);
-  registerOpenGLControlLoopCallback(loop, kind == SurfaceSharing::hostMemory ? look : count);
+  registerOpenGLControlLoopCallback(loop, kind == SurfaceSharing::host_memory ? look : count);
   OpenGLControlLoopMode(loop, 0);
   resizeOpenGLControlLoop(loop, size, size);
   std::vector<double> many, one, bare;
   {
-    BareLoop bareLoop(static_cast<int>(size));
+    BareLoop bare_loop(static_cast<int>(size));
     returned = 0;
     int asked = 0;
     renderMultOpenGLControlLoop(loop, asked++);
-    waitFor(1);
-    bareLoop.frame();
+    wait_for(1);
+    bare_loop.frame();
     for (int round = 0; round < rounds; ++round) {
       auto start = Clock::now();
       const int end = asked + batch;
       while (asked < end) renderMultOpenGLControlLoop(loop, asked++);
-      waitFor(end);
+      wait_for(end);
       many.push_back(milliseconds(start) / batch);
       start = Clock::now();
       renderMultOpenGLControlLoop(loop, asked++);
-      waitFor(asked);
+      wait_for(asked);
       one.push_back(milliseconds(start));
       start = Clock::now();
-      for (int i = 0; i < batch; ++i) bareLoop.frame();
+      for (int i = 0; i < batch; ++i) bare_loop.frame();
       bare.push_back(milliseconds(start) / batch);
     }
   }
@@ -129,7 +129,7 @@ Figures measureRing(SurfaceSharing kind, unsigned size) {
 }
 
 // How much longer other threads take, one for each core, beside a loop of mode 1 that was asked for nothing.
-double idleLoopBesideWork() {
+double idle_loop_beside_work() {
   const auto work = [] {
     const auto start = Clock::now();
     std::vector<std::thread> threads;
@@ -143,7 +143,7 @@ double idleLoopBesideWork() {
     return milliseconds(start);
   };
   std::vector<double> alone, beside;
-  oct::test::chooseSharing(SurfaceSharing::hostMemory);
+  oct::test::choose_sharing(SurfaceSharing::host_memory);
   for (int round = 0; round < 5; ++round) {
     alone.push_back(work());
     const OpenGLControlLoopHandle loop = createOpenGLControlLoop();
@@ -158,15 +158,15 @@ double idleLoopBesideWork() {
 
 int main() {
   std::fprintf(stderr, "ring          size  frames/s  bare/s  ratio  added latency\n");
-  for (const SurfaceSharing kind : oct::test::surfaceSharings()) {
+  for (const SurfaceSharing kind : oct::test::surface_sharings()) {
     for (const unsigned size : {256U, 512U, 1024U}) {
-      const Figures figures = measureRing(kind, size);
+      const Figures figures = measure_ring(kind, size);
       std::fprintf(stderr, "%-12s %5u %9.0f %7.0f %6.2f %11.2f ms\n",
-                   kind == SurfaceSharing::direct3D ? "Direct3D" : "host memory", size,
+                   kind == SurfaceSharing::direct3d ? "Direct3D" : "host memory", size,
                    1000.0 / figures.frame, 1000.0 / figures.bare, figures.frame / figures.bare,
                    figures.latency);
     }
   }
   std::fprintf(stderr, "other threads beside an idle loop of mode 1 take %.2f times as long\n",
-               idleLoopBesideWork());
+               idle_loop_beside_work());
 }

@@ -5,10 +5,10 @@
 namespace oct::literal {
 
 inline const char* const start = R"(#version 330 core
-in vec4 clipPos;
+in vec4 clip_pos;
 in vec3 front;
-in float clipDist;
-out vec4 fragColor;
+in float clip_dist;
+out vec4 frag_color;
 uniform sampler3D volumeTex;
 uniform sampler1D colorTex;
 uniform sampler2D backTex;
@@ -17,11 +17,11 @@ uniform float upperValue;
 uniform int slices;
 uniform float stepSize;
 void main() {
-  if (clipDist < 0.0) discard;
-  vec2 screenPos = 0.5 * clipPos.xy / clipPos.w + vec2(0.5, 0.5);
-  vec3 back = texture(backTex, screenPos).rgb;
+  if (clip_dist < 0.0) discard;
+  vec2 screen_pos = 0.5 * clip_pos.xy / clip_pos.w + vec2(0.5, 0.5);
+  vec3 back = texture(backTex, screen_pos).rgb;
   vec3 dir = back - front;
-  float maxLength = length(dir);
+  float max_length = length(dir);
   float diffInt = upperValue - lowerValue;
   vec3 step = normalize(dir) * stepSize;
   vec3 current = front;
@@ -37,15 +37,15 @@ inline const char* const compositing = R"(
         final = mix(vec4(col.rgb, 1.0) * col.a, vec4(final.rgb, 1.0), final.a);
         final.rgb /= final.a;
         if (final.a > 0.9) {
-          fragColor = vec4(final.rgb, 1.0);
+          frag_color = vec4(final.rgb, 1.0);
           return;
         }
       }
     }
-    if (length(current - front) >= maxLength) break;
+    if (length(current - front) >= max_length) break;
     current += step;
   }
-  fragColor = final;
+  frag_color = final;
 }
 )";
 
@@ -54,10 +54,10 @@ inline const char* const maximum = R"(
   for (int i = 1; i <= slices; ++i) {
     maximum = max(maximum, texture(volumeTex, current.yxz).r);
     if (maximum > upperValue) break;
-    if (length(current - front) >= maxLength) break;
+    if (length(current - front) >= max_length) break;
     current += step;
   }
-  fragColor = texture(colorTex, (maximum - lowerValue) / diffInt);
+  frag_color = texture(colorTex, (maximum - lowerValue) / diffInt);
 }
 )";
 
@@ -66,12 +66,12 @@ inline const char* const mean = R"(
   int counter = 0;
   for (int i = 1; i <= slices; ++i) {
     mean += texture(volumeTex, current.yxz).r;
-    if (length(current - front) >= maxLength) break;
+    if (length(current - front) >= max_length) break;
     current += step;
     ++counter;
   }
   mean /= float(counter);
-  fragColor = texture(colorTex, (mean - lowerValue) / diffInt);
+  frag_color = texture(colorTex, (mean - lowerValue) / diffInt);
 }
 )";
 

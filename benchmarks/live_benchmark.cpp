@@ -2,12 +2,12 @@
 // nothing to the texture, with nothing drawn. The bound is what must be done in any case, measured in turn in
 // the same run: one plain copy of the same bytes and one upload of them. A cropped volume is bounded by the
 // bytes that are kept.
-#include <benchmark/benchmark.h>
-
 #include <chrono>
 #include <cstring>
 #include <memory>
 #include <vector>
+
+#include <benchmark/benchmark.h>
 
 #include "gl/context/opengl_context.h"
 #include "gl/context/opengl_loader.h"
@@ -39,18 +39,18 @@ struct Recording {
 Recording recording;
 
 template <class Handle>
-Handle anyHandle() {
+Handle any_handle() {
   return reinterpret_cast<Handle>(&recording);
 }
 
-std::shared_ptr<const oct::DeviceLibrary> instantDevice() {
+std::shared_ptr<const oct::DeviceLibrary> instant_device() {
   auto library = std::make_shared<oct::DeviceLibrary>();
   oct::StandardDeviceFunctions& f = library->standard;
   f.getDevicePropertyInt = [](OCTDeviceHandle, int) { return 2 * recording.size1; };
   f.getDevicePropertyFloat = [](OCTDeviceHandle, int) { return 1.0; };
-  f.createRawData = anyHandle<RawDataHandle>;
+  f.createRawData = any_handle<RawDataHandle>;
   f.clearRawData = [](RawDataHandle) {};
-  f.createData = anyHandle<DataHandle>;
+  f.createData = any_handle<DataHandle>;
   f.clearData = [](DataHandle) {};
   f.startMeasurement = [](OCTDeviceHandle, ScanPatternHandle, int) {};
   f.stopMeasurement = [](OCTDeviceHandle) {};
@@ -73,20 +73,20 @@ std::shared_ptr<const oct::DeviceLibrary> instantDevice() {
 }
 
 // Renders until so many more volumes have reached the texture.
-void takeVolumes(oct::FastOpenGLVolumeRenderer& live, const oct::VolumeRenderer& renderer,
-                 std::uint64_t count) {
+void take_volumes(oct::FastOpenGLVolumeRenderer& live, const oct::VolumeRenderer& renderer,
+                  std::uint64_t count) {
   const std::uint64_t end = renderer.source().revision + count;
   while (renderer.source().revision < end) live.render();
 }
 
-void liveVolumes(benchmark::State& state) {
+void live_volumes(benchmark::State& state) {
   const int kept = static_cast<int>(state.range(0));
   recording = {static_cast<int>(state.range(1)),
                static_cast<int>(state.range(2)),
                static_cast<int>(state.range(3)),
                {}};
-  const auto aScans = static_cast<std::size_t>(recording.size2) * static_cast<std::size_t>(recording.size3);
-  recording.samples.assign(aScans * static_cast<std::size_t>(recording.size1), 1.0F);
+  const auto a_scans = static_cast<std::size_t>(recording.size2) * static_cast<std::size_t>(recording.size3);
+  recording.samples.assign(a_scans * static_cast<std::size_t>(recording.size1), 1.0F);
 
   oct::gl::OpenGLWindow window;
   oct::gl::OpenGLContext context(window);
@@ -94,26 +94,26 @@ void liveVolumes(benchmark::State& state) {
   oct::gl::initGlew();
   glViewport(0, 0, 0, 0);
 
-  std::vector<float> copy(aScans * static_cast<std::size_t>(kept));
+  std::vector<float> copy(a_scans * static_cast<std::size_t>(kept));
   oct::gl::Texture3D texture;
   texture.allocate({kept, recording.size2, recording.size3}, GL_R32F, "live benchmark");
 
   oct::VolumeRenderer renderer;
-  renderer.setRenderElements(true, false);
+  renderer.set_render_elements(true, false);
   oct::FastOpenGLVolumeRenderer live;
   live.set_renderer(&renderer);
-  oct::BrennickDataSource source(instantDevice(), anyHandle<OCTDeviceHandle>(),
-                                 anyHandle<ProcessingHandle>());
+  oct::BrennickDataSource source(instant_device(), any_handle<OCTDeviceHandle>(),
+                                 any_handle<ProcessingHandle>());
   source.set_size_z(kept);
 
-  Median handOver, copying, cropping, uploading;
+  Median hand_over, copying, cropping, uploading;
   for (auto _ : state) {
     source.register_live_rendering(&live);
-    source.start(anyHandle<ScanPatternHandle>());
-    takeVolumes(live, renderer, 2);
+    source.start(any_handle<ScanPatternHandle>());
+    take_volumes(live, renderer, 2);
     auto start = Clock::now();
-    takeVolumes(live, renderer, batch);
-    handOver.add(milliseconds(start) / batch);
+    take_volumes(live, renderer, batch);
+    hand_over.add(milliseconds(start) / batch);
     source.stop();
     live.render();
 
@@ -125,7 +125,7 @@ void liveVolumes(benchmark::State& state) {
     copying.add(milliseconds(start) / batch);
     start = Clock::now();
     for (int i = 0; i < batch; ++i) {
-      for (std::size_t a = 0; a < aScans; ++a) {
+      for (std::size_t a = 0; a < a_scans; ++a) {
         std::memcpy(copy.data() + a * static_cast<std::size_t>(kept),
                     recording.samples.data() + a * static_cast<std::size_t>(recording.size1),
                     static_cast<std::size_t>(kept) * sizeof(float));
@@ -144,13 +144,13 @@ void liveVolumes(benchmark::State& state) {
   }
   texture.reset();
   const double bound = copying.value() + uploading.value();
-  state.counters["volumes_per_s"] = 1000.0 / handOver.value();
+  state.counters["volumes_per_s"] = 1000.0 / hand_over.value();
   state.counters["copy_ms"] = copying.value();
   state.counters["crop_ms"] = cropping.value();
   state.counters["upload_ms"] = uploading.value();
-  state.counters["of_bound"] = bound / handOver.value();
+  state.counters["of_bound"] = bound / hand_over.value();
 }
-BENCHMARK(liveVolumes)
+BENCHMARK(live_volumes)
     ->ArgNames({"kept", "size1", "size2", "size3"})
     ->Args({512, 512, 256, 256})
     ->Args({1024, 1024, 512, 100})

@@ -1,17 +1,17 @@
-// Ray casting, 512 x 512 pixels through 256 x 256 x 256 voxels in 128 slices, by the library's programs and
-// by the algorithm written down plainly, in turn, in one context, on one volume. CPU time of all threads,
-// which is steadier than wall time on a shared machine; "ratio" is the result. "differing" counts pixels that
-// are not equal.
+// Ray casting, 512 x 512 pixels through 256 x 256 x 256 voxels in 128 slices, by the library's programs
+// and by the algorithm written down plainly, in turn, in one context, on one volume. CPU time of all
+// threads, which is steadier than wall time on a shared machine; "ratio" is the result. "differing"
+// counts pixels that are not equal.
 //
 // Arguments: mode (0 soft compositing, 1 maximum, 2 mean, 3 hard compositing), 16-bit voxels or not.
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <ctime>
 #include <string>
 #include <vector>
+
+#include <benchmark/benchmark.h>
 
 #include "gl/texture_3d.h"
 #include "literal_raycasting.h"
@@ -38,7 +38,7 @@ oct::Colormap ramp(double opacity, double power) {
   return colors;
 }
 
-double cpuMilliseconds() {
+double cpu_milliseconds() {
   timespec time{};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
   return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
@@ -47,33 +47,34 @@ double cpuMilliseconds() {
 // One scene, drawn by either set of programs.
 class Scene {
  public:
-  Scene(int mode, bool halfFloat) : mode_(mode) {
-    settings_.volumeMode = mode == 3 ? oct::VolumeMode::normal : static_cast<oct::VolumeMode>(mode);
-    settings_.view.angleX = static_cast<float>(oct::benchmark_scene::angleX);
-    settings_.view.angleY = static_cast<float>(oct::benchmark_scene::angleY);
-    settings_.renderVolume = true;
+  Scene(int mode, bool half_float) : mode_(mode) {
+    settings_.volume_mode = mode == 3 ? oct::VolumeMode::normal : static_cast<oct::VolumeMode>(mode);
+    settings_.view.angle_x = static_cast<float>(oct::benchmark_scene::angle_x);
+    settings_.view.angle_y = static_cast<float>(oct::benchmark_scene::angle_y);
+    settings_.render_volume = true;
     const std::vector<float> data = phantom();
-    volume_.allocate({voxels, voxels, voxels}, halfFloat ? GL_R16F : GL_R32F, "phantom", data.data());
+    volume_.allocate({voxels, voxels, voxels}, half_float ? GL_R16F : GL_R32F, "phantom", data.data());
     source_.volume = volume_.get();
     colormaps_.create();
-    colormaps_.find(oct::ColormapRole::main)->setColors(mode == 3 ? ramp(1.0, 1.0) : ramp(0.12, 2.0));
+    colormaps_.find(oct::ColormapRole::main)->set_colors(mode == 3 ? ramp(1.0, 1.0) : ramp(0.12, 2.0));
     colormaps_.find(oct::ColormapRole::main)
-        ->setBoundaries(oct::benchmark_scene::lowerValue, oct::benchmark_scene::upperValue);
-    colormaps_.uploadChanged();
-    ours_.loadRaycasting();
-    plain_.raycastingBack.load("raycasting_back_program", oct::shaders::raycasting_back_vert,
-                               oct::shaders::raycasting_back_frag);
-    loadPlain(plain_.raycasting, "literal", oct::literal::compositing);
-    loadPlain(plain_.raycastingMaximum, "literal_mip", oct::literal::maximum);
-    loadPlain(plain_.raycastingMean, "literal_mean", oct::literal::mean);
+        ->set_boundaries(oct::benchmark_scene::lowerValue, oct::benchmark_scene::upperValue);
+    colormaps_.upload_changed();
+    ours_.load_raycasting();
+    plain_.raycasting_back.load("raycasting_back_program", oct::shaders::raycasting_back_vert,
+                                oct::shaders::raycasting_back_frag);
+    load_plain(plain_.raycasting, "literal", oct::literal::compositing);
+    load_plain(plain_.raycasting_maximum, "literal_mip", oct::literal::maximum);
+    load_plain(plain_.raycasting_mean, "literal_mean", oct::literal::mean);
     raycaster_.create();
   }
 
   void draw(bool ours) {
-    const oct::VolumeFrame frame{settings_,  source_,
-                                 colormaps_, ours ? ours_ : plain_,
-                                 clipPlane_, oct::cameraOf(settings_.view, settings_.range, {pixels, pixels}),
-                                 1.0F};
+    const oct::VolumeFrame frame{
+        settings_,   source_,
+        colormaps_,  ours ? ours_ : plain_,
+        clip_plane_, oct::camera_of(settings_.view, settings_.range, {pixels, pixels}),
+        1.0F};
     glClearColor(0.0F, 0.0F, 0.2F, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     raycaster_.draw(frame, box_);
@@ -81,7 +82,7 @@ class Scene {
   }
 
  private:
-  static void loadPlain(oct::RaycastingProgram& program, const char* name, const char* text) {
+  static void load_plain(oct::RaycastingProgram& program, const char* name, const char* text) {
     program.load(name, oct::shaders::raycasting_vert, std::string(oct::literal::start) + text);
   }
 
@@ -91,7 +92,7 @@ class Scene {
   oct::VolumeColormaps colormaps_;
   oct::VolumePrograms ours_;
   oct::VolumePrograms plain_;
-  oct::ClipPlane clipPlane_;
+  oct::ClipPlane clip_plane_;
   oct::Raycaster raycaster_;
   oct::Box box_;
   oct::gl::Texture3D volume_;
@@ -110,9 +111,9 @@ void raycasting(benchmark::State& state) {
     std::array<Median, 2> cpu;
     for (auto _ : state) {
       for (const bool ours : {false, true}) {
-        const double start = cpuMilliseconds();
+        const double start = cpu_milliseconds();
         scene.draw(ours);
-        cpu[ours ? 1 : 0].add(cpuMilliseconds() - start);
+        cpu[ours ? 1 : 0].add(cpu_milliseconds() - start);
         glReadPixels(0, 0, pixels, pixels, GL_BGRA, GL_UNSIGNED_BYTE, pictures[ours ? 1 : 0].data());
       }
     }

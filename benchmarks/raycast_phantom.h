@@ -11,8 +11,8 @@ constexpr int voxels = 256;
 constexpr int pixels = 512;
 constexpr double lowerValue = 0.15;
 constexpr double upperValue = 0.8;
-constexpr double angleX = 25.0;  // degrees
-constexpr double angleY = -35.0;
+constexpr double angle_x = 25.0;  // degrees
+constexpr double angle_y = -35.0;
 
 // A layered, scattering sample below air, depth fastest: a third of it is above the lower boundary.
 inline std::vector<float> phantom() {

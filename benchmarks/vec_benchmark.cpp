@@ -1,12 +1,12 @@
 // Every variant of the array routines against the plain loop, and the copies against memcpy, measured in turn
 // in the same run. "speed" is the result: how many times as fast as the plain loop, or as memcpy.
-#include <benchmark/benchmark.h>
-
 #include <chrono>
 #include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include <benchmark/benchmark.h>
 
 #include "median.h"
 #include "vec/routines.h"
@@ -16,10 +16,10 @@ namespace {
 using oct::benchmark_scene::Median;
 using oct::vec::InstructionSet;
 using oct::vec::Routines;
-using oct::vec::routinesOf;
+using oct::vec::routines_of;
 
 // A-scans as the simulated device has them: in the first-level cache.
-constexpr std::size_t arrayLength = 1024;
+constexpr std::size_t array_length = 1024;
 constexpr int repetitions = 200;
 
 template <class Work>
@@ -31,9 +31,9 @@ double seconds(Work&& work) {
 }
 
 struct Arrays {
-  std::vector<float> from = std::vector<float>(2 * arrayLength);
-  std::vector<float> to = std::vector<float>(arrayLength);
-  std::vector<std::uint16_t> counts = std::vector<std::uint16_t>(arrayLength);
+  std::vector<float> from = std::vector<float>(2 * array_length);
+  std::vector<float> to = std::vector<float>(array_length);
+  std::vector<std::uint16_t> counts = std::vector<std::uint16_t>(array_length);
 
   Arrays() {
     for (std::size_t i = 0; i < from.size(); ++i)
@@ -45,77 +45,77 @@ struct Arrays {
 using ArrayWork = void (*)(const Routines&, Arrays&);
 
 void extremes(const Routines& routines, Arrays& arrays) {
-  benchmark::DoNotOptimize(routines.extremes(arrays.from.data(), arrayLength));
+  benchmark::DoNotOptimize(routines.extremes(arrays.from.data(), array_length));
 }
-void countNotAbove(const Routines& routines, Arrays& arrays) {
-  benchmark::DoNotOptimize(routines.countNotAbove(arrays.from.data(), arrayLength, 0.3F));
+void count_not_above(const Routines& routines, Arrays& arrays) {
+  benchmark::DoNotOptimize(routines.count_not_above(arrays.from.data(), array_length, 0.3F));
 }
 void subtract(const Routines& routines, Arrays& arrays) {
-  routines.subtract(arrays.to.data(), arrays.counts.data(), arrays.from.data(), arrayLength);
+  routines.subtract(arrays.to.data(), arrays.counts.data(), arrays.from.data(), array_length);
 }
 void powers(const Routines& routines, Arrays& arrays) {
-  routines.powers(arrays.to.data(), arrays.from.data(), arrayLength);
+  routines.powers(arrays.to.data(), arrays.from.data(), array_length);
 }
 void decibels(const Routines& routines, Arrays& arrays) {
-  routines.decibels(arrays.to.data(), arrays.from.data(), arrayLength, 1e-6F);
+  routines.decibels(arrays.to.data(), arrays.from.data(), array_length, 1e-6F);
 }
-void toUint16(const Routines& routines, Arrays& arrays) {
-  routines.toUint16(arrays.counts.data(), arrays.from.data(), arrayLength, 38400.0F, 1280.0F);
+void to_uint16(const Routines& routines, Arrays& arrays) {
+  routines.to_uint16(arrays.counts.data(), arrays.from.data(), array_length, 38400.0F, 1280.0F);
 }
 
-void againstPlainLoop(benchmark::State& state, ArrayWork work, InstructionSet set) {
-  if (!isSupported(set)) return state.SkipWithError("not supported by this processor");
+void against_plain_loop(benchmark::State& state, ArrayWork work, InstructionSet set) {
+  if (!is_supported(set)) return state.SkipWithError("not supported by this processor");
   Arrays arrays;
-  const Routines plain = routinesOf(InstructionSet::scalar);
-  const Routines variant = routinesOf(set);
+  const Routines plain = routines_of(InstructionSet::scalar);
+  const Routines variant = routines_of(set);
   const auto repeated = [&](const Routines& routines) {
     return seconds([&] {
       for (int i = 0; i < repetitions; ++i) work(routines, arrays);
     });
   };
-  Median plainTime, variantTime;
+  Median plain_time, variant_time;
   for (auto _ : state) {
-    plainTime.add(repeated(plain));
-    variantTime.add(repeated(variant));
+    plain_time.add(repeated(plain));
+    variant_time.add(repeated(variant));
   }
-  state.counters["speed"] = plainTime.value() / variantTime.value();
-  state.counters["ns_per_value"] = variantTime.value() / repetitions / arrayLength * 1e9;
+  state.counters["speed"] = plain_time.value() / variant_time.value();
+  state.counters["ns_per_value"] = variant_time.value() / repetitions / array_length * 1e9;
 }
 
 // 1024 samples per A-scan; the destination is not aligned to a cache line.
-void againstMemcpy(benchmark::State& state, InstructionSet set, std::size_t kept) {
-  if (!isSupported(set)) return state.SkipWithError("not supported by this processor");
+void against_memcpy(benchmark::State& state, InstructionSet set, std::size_t kept) {
+  if (!is_supported(set)) return state.SkipWithError("not supported by this processor");
   constexpr std::size_t samples = 1024;
-  const std::size_t aScans = (static_cast<std::size_t>(state.range(0)) << 20U) / (kept * sizeof(float));
-  std::vector<float> from(aScans * samples, 1.0F);
-  std::vector<float> to(aScans * kept + 16);
+  const std::size_t a_scans = (static_cast<std::size_t>(state.range(0)) << 20U) / (kept * sizeof(float));
+  std::vector<float> from(a_scans * samples, 1.0F);
+  std::vector<float> to(a_scans * kept + 16);
   float* const destination = to.data() + 4;
-  const Routines routines = routinesOf(set);
+  const Routines routines = routines_of(set);
   const auto variant = [&] {
     if (kept == samples) {
-      routines.copy(destination, from.data(), aScans * samples);
+      routines.copy(destination, from.data(), a_scans * samples);
     } else {
-      routines.cropCopy(destination, from.data(), aScans, samples, kept);
+      routines.crop_copy(destination, from.data(), a_scans, samples, kept);
     }
   };
   const auto plain = [&] {
     if (kept == samples) {
-      std::memcpy(destination, from.data(), aScans * samples * sizeof(float));
+      std::memcpy(destination, from.data(), a_scans * samples * sizeof(float));
     } else {
-      for (std::size_t aScan = 0; aScan < aScans; ++aScan) {
-        std::memcpy(destination + aScan * kept, from.data() + aScan * samples, kept * sizeof(float));
+      for (std::size_t a_scan = 0; a_scan < a_scans; ++a_scan) {
+        std::memcpy(destination + a_scan * kept, from.data() + a_scan * samples, kept * sizeof(float));
       }
     }
   };
-  Median plainTime, variantTime;
+  Median plain_time, variant_time;
   for (auto _ : state) {
-    plainTime.add(seconds(plain));
-    variantTime.add(seconds(variant));
+    plain_time.add(seconds(plain));
+    variant_time.add(seconds(variant));
   }
-  const double gigabytes = static_cast<double>(aScans * kept * sizeof(float)) * 1e-9;
-  state.counters["speed"] = plainTime.value() / variantTime.value();
-  state.counters["GB_per_s"] = gigabytes / variantTime.value();
-  state.counters["memcpy_GB_per_s"] = gigabytes / plainTime.value();
+  const double gigabytes = static_cast<double>(a_scans * kept * sizeof(float)) * 1e-9;
+  state.counters["speed"] = plain_time.value() / variant_time.value();
+  state.counters["GB_per_s"] = gigabytes / variant_time.value();
+  state.counters["memcpy_GB_per_s"] = gigabytes / plain_time.value();
 }
 
 struct Named {
@@ -123,7 +123,7 @@ struct Named {
   InstructionSet set;
 };
 
-void registerAll() {
+void register_all() {
   const Named sse{"sse", InstructionSet::sse};
   const Named sse2{"sse2", InstructionSet::sse2};
   const Named sse41{"sse41", InstructionSet::sse41};
@@ -131,21 +131,21 @@ void registerAll() {
   const auto arrays = [](const char* name, ArrayWork work, const std::vector<Named>& sets) {
     for (const Named& set : sets) {
       const std::string title = std::string(name) + "/" + set.name;
-      benchmark::RegisterBenchmark(title.c_str(), againstPlainLoop, work, set.set)
+      benchmark::RegisterBenchmark(title.c_str(), against_plain_loop, work, set.set)
           ->Unit(benchmark::kMicrosecond)
           ->UseRealTime();
     }
   };
   arrays("extremes", extremes, {sse, avx});
-  arrays("countNotAbove", countNotAbove, {sse, avx});
+  arrays("count_not_above", count_not_above, {sse, avx});
   arrays("subtract", subtract, {sse2});
   arrays("powers", powers, {sse, avx});
   arrays("decibels", decibels, {sse2, avx});
-  arrays("toUint16", toUint16, {sse2, sse41, avx});
+  arrays("to_uint16", to_uint16, {sse2, sse41, avx});
   const auto copies = [](const char* name, std::size_t kept, const std::vector<Named>& sets) {
     for (const Named& set : sets) {
       const std::string title = std::string(name) + "/" + set.name;
-      benchmark::RegisterBenchmark(title.c_str(), againstMemcpy, set.set, kept)
+      benchmark::RegisterBenchmark(title.c_str(), against_memcpy, set.set, kept)
           ->ArgName("MiB")
           ->Arg(4)
           ->Arg(16)
@@ -162,7 +162,7 @@ void registerAll() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  registerAll();
+  register_all();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

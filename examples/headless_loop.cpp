@@ -1,11 +1,11 @@
 // Draws a B-scan by a control loop without any window and writes it as PNG: headless_loop [OUT.png]
-#include <oct_rendering/oct_rendering.h>
-
 #include <cmath>
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
 #include <vector>
+
+#include "oct_rendering/oct_rendering.h"
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <stb/stb_image_write.h>
@@ -13,14 +13,14 @@
 namespace {
 
 constexpr int depth = 256;
-constexpr int aScans = 300;
+constexpr int a_scans = 300;
 
 // What the loop's functions and main share; the functions take no pointer of the client's.
 DisplayRenderingHandle display = nullptr;
 std::mutex mutex;
 std::condition_variable changed;
 std::vector<unsigned char> rgb;  // top row first
-unsigned imageWidth = 0;
+unsigned image_width = 0;
 bool failed = false;
 
 // On the render thread, the context current: renderers are made and freed where they draw.
@@ -38,7 +38,7 @@ void draw(unsigned) {
 void show(unsigned, unsigned width, unsigned height, void* surface) {
   const auto& image = *static_cast<const OctHostSurface*>(surface);
   const std::lock_guard lock(mutex);
-  imageWidth = width;
+  image_width = width;
   for (unsigned y = height; y-- > 0;) {
     const unsigned char* pixel = image.pixels + static_cast<std::size_t>(y) * image.stride_bytes;
     for (unsigned x = 0; x < width; ++x, pixel += 4) rgb.insert(rgb.end(), {pixel[2], pixel[1], pixel[0]});
@@ -57,8 +57,8 @@ void error(const char* message) {
 
 int main(int argc, char** argv) {
   std::vector<float> image(static_cast<std::size_t>(depth) *
-                           aScans);  // two layers below a wavy surface, in dB
-  for (int x = 0; x < aScans; ++x) {
+                           a_scans);  // two layers below a wavy surface, in dB
+  for (int x = 0; x < a_scans; ++x) {
     for (int z = 0; z < depth; ++z) {
       const double surface = 60 + 20 * std::sin(x * 0.03);
       image[static_cast<std::size_t>(x * depth + z)] =
@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
     }
   }
   display = createDisplayRendering();
-  setDisplayData(display, depth, aScans, image.data());
+  setDisplayData(display, depth, a_scans, image.data());
   setDisplayColoringBoundaries(display, 0.0, 45.0);
 
   setSurfaceSharing(1);  // host memory, on every platform
@@ -88,8 +88,8 @@ int main(int argc, char** argv) {
   char message[512];
   if (getRendererError(message, sizeof message)) failed = true, std::fprintf(stderr, "%s\n", message);
   if (failed) return 1;
-  const int width = static_cast<int>(imageWidth);
-  const int height = static_cast<int>(rgb.size() / 3 / imageWidth);
+  const int width = static_cast<int>(image_width);
+  const int height = static_cast<int>(rgb.size() / 3 / image_width);
   return stbi_write_png(argc > 1 ? argv[1] : "headless_loop.png", width, height, 3, rgb.data(), width * 3)
              ? 0
              : 1;

@@ -1,15 +1,15 @@
-// Shows live volumes of the simulated device in a control loop and writes a snapshot as PNG: live_client
-// [OUT.png]
-#include <oct_device/oct_device.h>
-#include <oct_simulator/oct_simulator.h>
-#include <oct_rendering/oct_rendering.h>
-
+// Shows live volumes of the simulated device in a control loop and writes a
+// snapshot as PNG: live_client [OUT.png]
 #include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <thread>
 #include <vector>
+
+#include "oct_device/oct_device.h"
+#include "oct_rendering/oct_rendering.h"
+#include "oct_simulator/oct_simulator.h"
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <stb/stb_image_write.h>
@@ -57,7 +57,7 @@ void error(const char* message) {
   failed = true;
 }
 
-unsigned volumesDrawn() {
+unsigned volumes_drawn() {
   unsigned drawn = 0;
   getLiveVolumeCounts(live, &drawn, nullptr);
   return drawn;
@@ -94,7 +94,7 @@ int main(int argc, char** argv) {
   setOnlineRefractiveIndex(source, 1.34);
   startDataSource(live, source, pattern);
 
-  while (!failed && volumesDrawn() < 4) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  while (!failed && volumes_drawn() < 4) std::this_thread::sleep_for(std::chrono::milliseconds(10));
   std::vector<unsigned char> bgra(std::size_t{width} * height * 4);
   if (!failed) snapshotOpenGLControlLoop(loop, width, height, bgra.data());
 

@@ -1,11 +1,6 @@
 // Shows a volume in a window, by the Direct3D surfaces of a control loop: windows_surface_viewer
 // [PICTURE.png] Drag with the left button to turn the volume, use the wheel to come closer. The key S writes
 // what is shown as PNG.
-#include <d3d9.h>
-#include <oct_rendering/oct_rendering.h>
-#include <windows.h>
-#include <windowsx.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cmath>
@@ -13,6 +8,12 @@
 #include <mutex>
 #include <string>
 #include <vector>
+
+#include <windows.h>
+#include <d3d9.h>
+#include <windowsx.h>
+
+#include "oct_rendering/oct_rendering.h"
 
 #define STB_IMAGE_WRITE_STATIC
 #define STB_IMAGE_WRITE_IMPLEMENTATION
@@ -23,7 +24,7 @@ namespace {
 constexpr int voxels = 64;  // along each axis
 constexpr int width = 640;
 constexpr int height = 480;
-constexpr UINT frameArrived = WM_APP;
+constexpr UINT frame_arrived = WM_APP;
 
 HWND window = nullptr;
 OpenGLControlLoopHandle loop = nullptr;
@@ -45,7 +46,7 @@ float tissue(int depth, int x, int z) {
 
 // Direct3D takes OpenGL's bottom row for its top one, and StretchRect cannot mirror. Therefore the volume
 // itself stands on its head, and its turns about the horizontal axis go the other way round (see turn).
-std::vector<float> volumeOnItsHead() {
+std::vector<float> volume_on_its_head() {
   std::vector<float> data;
   for (int z = 0; z < voxels; ++z) {
     for (int x = 0; x < voxels; ++x) {
@@ -76,7 +77,7 @@ void init() {
   setOfflineRenderingRenderer(volume, renderer);
   setOfflineAspectRatio(volume, 1.0F, 1.0F, 1.0F);
   allocateOfflineVolume(volume, voxels, voxels, voxels);
-  uploadOfflineVolume(volume, volumeOnItsHead().data());
+  uploadOfflineVolume(volume, volume_on_its_head().data());
 }
 void uninit() {
   clearOfflineRendering(volume);
@@ -99,7 +100,7 @@ void show(unsigned, unsigned, unsigned, void* surface) {
     const std::lock_guard lock(mutex);
     copyDXSurface(loop, surface, kept);
   }
-  PostMessageA(window, frameArrived, 0, 0);
+  PostMessageA(window, frame_arrived, 0, 0);
 }
 
 // A swap chain of the device that the surface belongs to, for our window.
@@ -124,14 +125,14 @@ class Screen {
   Screen& operator=(const Screen&) = delete;
 
   void present() {
-    IDirect3DSurface9* const back = drawnBackBuffer();
+    IDirect3DSurface9* const back = drawn_back_buffer();
     if (!back) return;
     back->Release();
     chain_->Present(nullptr, nullptr, nullptr, nullptr, 0);
   }
 
   bool save(const char* file) {
-    IDirect3DSurface9* const back = drawnBackBuffer();
+    IDirect3DSurface9* const back = drawn_back_buffer();
     IDirect3DSurface9* memory = nullptr;
     D3DLOCKED_RECT pixels{};
     bool written = false;
@@ -155,7 +156,7 @@ class Screen {
 
  private:
   // With the latest frame in it; null on failure.
-  IDirect3DSurface9* drawnBackBuffer() {
+  IDirect3DSurface9* drawn_back_buffer() {
     IDirect3DSurface9* back = nullptr;
     if (!chain_ || FAILED(chain_->GetBackBuffer(0, D3DBACKBUFFER_TYPE_MONO, &back))) return nullptr;
     const std::lock_guard lock(mutex);
@@ -172,8 +173,8 @@ class View {
  public:
   void grab(POINT at) { last_ = at; }
   void drag(POINT to) {
-    angleY_ += (to.x - last_.x) * 0.5;
-    angleX_ += (to.y - last_.y) * 0.5;
+    angle_y_ += (to.x - last_.x) * 0.5;
+    angle_x_ += (to.y - last_.y) * 0.5;
     last_ = to;
     turn();
   }
@@ -182,15 +183,15 @@ class View {
     turn();
   }
   void turn() const {
-    setAngles(renderer, -angleX_, angleY_);
+    setAngles(renderer, -angle_x_, angle_y_);
     setZoom(renderer, zoom_);
     renderOpenGLControlLoop(loop);
   }
 
  private:
   POINT last_{};
-  double angleX_ = 25.0;  // degrees
-  double angleY_ = 30.0;
+  double angle_x_ = 25.0;  // degrees
+  double angle_y_ = 30.0;
   double zoom_ = 50.0;
 };
 
@@ -198,10 +199,10 @@ View view;
 Screen* screen = nullptr;
 int frames = 0;
 
-LRESULT CALLBACK windowProcedure(HWND handle, UINT message, WPARAM wide, LPARAM data) {
+LRESULT CALLBACK window_procedure(HWND handle, UINT message, WPARAM wide, LPARAM data) {
   const POINT mouse{GET_X_LPARAM(data), GET_Y_LPARAM(data)};
   switch (message) {
-    case frameArrived:
+    case frame_arrived:
       if (screen) screen->present();
       SetWindowTextA(handle, ("Volume, frame " + std::to_string(++frames)).c_str());
       return 0;
@@ -230,9 +231,9 @@ LRESULT CALLBACK windowProcedure(HWND handle, UINT message, WPARAM wide, LPARAM 
   }
 }
 
-void makeWindow() {
+void make_window() {
   WNDCLASSA record{};
-  record.lpfnWndProc = windowProcedure;
+  record.lpfnWndProc = window_procedure;
   record.hInstance = GetModuleHandleA(nullptr);
   record.hCursor = LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW));
   record.lpszClassName = "SurfaceViewer";
@@ -244,7 +245,7 @@ void makeWindow() {
                          nullptr);
 }
 
-void answerMessages() {
+void answer_messages() {
   MSG message;
   while (GetMessageA(&message, nullptr, 0, 0) > 0) {
     TranslateMessage(&message);
@@ -256,7 +257,7 @@ void answerMessages() {
 
 int main(int argc, char** argv) {
   if (argc > 1) picture = argv[1];
-  makeWindow();
+  make_window();
   renderer = createVolumeRenderer();
   volume = createOfflineRendering();
   prepareOpenGL();
@@ -270,7 +271,7 @@ int main(int argc, char** argv) {
     OpenGLControlLoopMode(loop, 0);
     resizeOpenGLControlLoop(loop, width, height);
     view.turn();
-    answerMessages();
+    answer_messages();
     screen = nullptr;
     registerOpenGLControlLoopCallback(loop, nullptr);
     destroyDXSurface(loop, kept);

@@ -1,18 +1,18 @@
 #include "client/checked.h"
 
-#include <oct_rendering/oct_rendering.h>
-
 #include <array>
+
+#include "oct_rendering/oct_rendering.h"
 
 namespace oct::app {
 
-void throwPendingError() {
+void throw_pending_error() {
   std::array<char, 4096> text{};
   if (getRendererError(text.data(), static_cast<int>(text.size())) == 0) return;
   throw RenderingError(text.data());
 }
 
-void discardPendingErrors() {
+void discard_pending_errors() {
   // One text of the library never goes away, so a loop until none is pending might not end.
   for (int i = 0; i < 16 && getRendererError(nullptr, 0) != 0; ++i) {
   }

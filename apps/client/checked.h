@@ -12,20 +12,20 @@ class RenderingError : public std::runtime_error {
 };
 
 // Throws the pending error, if there is one.
-void throwPendingError();
+void throw_pending_error();
 
 // For destructors, which cannot report: what is left pending would be taken for an error of the next call.
-void discardPendingErrors();
+void discard_pending_errors();
 
 // Calls a function of the library and throws its error.
 template <class Function, class... Arguments>
 auto checked(Function function, Arguments... arguments) {
   if constexpr (std::is_void_v<decltype(function(arguments...))>) {
     function(arguments...);
-    throwPendingError();
+    throw_pending_error();
   } else {
     const auto result = function(arguments...);
-    throwPendingError();
+    throw_pending_error();
     return result;
   }
 }

@@ -1,10 +1,9 @@
-// The library's renderers as objects. Each is initialised in the context that is current, which must outlive
-// it.
+// The library's renderers as objects. Each is initialised in the context that is
+// current, which must outlive it.
 #pragma once
 
-#include <oct_rendering/oct_rendering.h>
-
 #include "client/rendering_handle.h"
+#include "oct_rendering/oct_rendering.h"
 
 namespace oct::app {
 

@@ -12,7 +12,7 @@ class RenderingHandle {
   RenderingHandle(Handle (*create)(), void (*clear)(Handle)) : handle_(checked(create)), clear_(clear) {}
   ~RenderingHandle() {
     clear_(handle_);
-    discardPendingErrors();
+    discard_pending_errors();
   }
   RenderingHandle(const RenderingHandle&) = delete;
   RenderingHandle& operator=(const RenderingHandle&) = delete;

@@ -7,8 +7,8 @@
 namespace oct::app {
 
 // The arguments behind the program's name, in UTF-8.
-std::vector<std::string> commandLineArguments(int argc, char** argv);
+std::vector<std::string> command_line_arguments(int argc, char** argv);
 
-bool errorStreamIsTerminal();
+bool error_stream_is_terminal();
 
 }  // namespace oct::app

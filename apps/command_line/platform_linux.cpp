@@ -1,14 +1,14 @@
-#include <unistd.h>
-
 #include "command_line/platform.h"
+
+#include <unistd.h>
 
 namespace oct::app {
 
-std::vector<std::string> commandLineArguments(int argc, char** argv) {
+std::vector<std::string> command_line_arguments(int argc, char** argv) {
   return argc < 1 ? std::vector<std::string>() : std::vector<std::string>(argv + 1, argv + argc);
 }
 
-bool errorStreamIsTerminal() {
+bool error_stream_is_terminal() {
   return isatty(STDERR_FILENO) != 0;
 }
 

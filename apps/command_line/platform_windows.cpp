@@ -1,27 +1,26 @@
-#include <windows.h>
-
-#include <shellapi.h>
-
-#include <io.h>
+#include "command_line/platform.h"
 
 #include <filesystem>
 
-#include "command_line/platform.h"
+#include <windows.h>
+#include <io.h>
+#include <shellapi.h>
+
 #include "data/file_errors.h"
 
 namespace oct::app {
 
 // argv would have lost every character that the code page of the machine lacks.
-std::vector<std::string> commandLineArguments(int, char**) {
+std::vector<std::string> command_line_arguments(int, char**) {
   int count = 0;
   wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
   std::vector<std::string> arguments;
-  for (int i = 1; i < count; ++i) arguments.push_back(toUtf8(wide[i]));
+  for (int i = 1; i < count; ++i) arguments.push_back(to_utf8(wide[i]));
   LocalFree(wide);
   return arguments;
 }
 
-bool errorStreamIsTerminal() {
+bool error_stream_is_terminal() {
   return _isatty(2) != 0;
 }
 

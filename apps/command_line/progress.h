@@ -15,7 +15,7 @@ namespace oct::app {
 class Progress {
  public:
   // For work that takes long whatever its samples are.
-  static constexpr std::size_t kLong = std::numeric_limits<std::size_t>::max();
+  static constexpr std::size_t unknown_length = std::numeric_limits<std::size_t>::max();
 
   // samples: how many are gone through, to tell little work from much.
   Progress(std::string activity, std::size_t samples);
@@ -30,11 +30,11 @@ class Progress {
 
   std::string activity_;
   bool active_;
-  std::size_t shownLength_ = 0;
-  std::chrono::steady_clock::time_point lastUpdate_;
+  std::size_t shown_length_ = 0;
+  std::chrono::steady_clock::time_point last_update_;
 };
 
 // Shows that the file is being read, to the end of the function's life.
-ProgressFunction readingProgress(const std::filesystem::path& file);
+ProgressFunction reading_progress(const std::filesystem::path& file);
 
 }  // namespace oct::app

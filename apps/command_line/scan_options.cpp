@@ -4,16 +4,16 @@
 
 namespace oct::app {
 
-void addScanOptions(CLI::App& command, ScanSettings& settings) {
+void add_scan_options(CLI::App& command, ScanSettings& settings) {
   command
-      .add_option("--spectrum", settings.spectrumLength,
+      .add_option("--spectrum", settings.spectrum_length,
                   "Camera pixels per spectrum; half of it is the depth samples")
       ->check(within(64, 4096))
       ->capture_default_str();
-  command.add_option("--ascans", settings.aScans, "A-scans per B-scan")
+  command.add_option("--ascans", settings.a_scans, "A-scans per B-scan")
       ->check(within(1, 8192))
       ->capture_default_str();
-  command.add_option("--bscans", settings.bScans, "B-scans; more than one give a volume")
+  command.add_option("--bscans", settings.b_scans, "B-scans; more than one give a volume")
       ->check(within(1, 4096))
       ->capture_default_str();
   command.add_option("--width", settings.width, "Width of a B-scan in millimetres")
@@ -25,7 +25,7 @@ void addScanOptions(CLI::App& command, ScanSettings& settings) {
   command.add_option("--seed", settings.seed, "Chooses the individual and its noise")->capture_default_str();
 }
 
-CLI::Validator oneOf(const std::map<std::string, int>& names) {
+CLI::Validator one_of(const std::map<std::string, int>& names) {
   return CLI::CheckedTransformer(names, CLI::ignore_case).description("");
 }
 

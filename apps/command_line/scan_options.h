@@ -14,10 +14,10 @@ class Validator;
 namespace oct::app {
 
 // What a simulated device scans. The defaults are what the settings hold.
-void addScanOptions(CLI::App& command, ScanSettings& settings);
+void add_scan_options(CLI::App& command, ScanSettings& settings);
 
 // Checks of an option, without the parser's own words in the help.
-CLI::Validator oneOf(const std::map<std::string, int>& names);
+CLI::Validator one_of(const std::map<std::string, int>& names);
 CLI::Validator within(double lowest, double highest);
 
 }  // namespace oct::app

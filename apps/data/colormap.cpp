@@ -9,11 +9,11 @@
 namespace oct::app {
 namespace {
 
-std::uint8_t toByte(double value) {
+std::uint8_t to_byte(double value) {
   return static_cast<std::uint8_t>(std::lround(value));
 }
 
-Colormap grayColormap() {
+Colormap gray_colormap() {
   Colormap colors;
   for (int i = 0; i < 256; ++i) {
     const auto level = static_cast<std::uint8_t>(i);
@@ -22,7 +22,7 @@ Colormap grayColormap() {
   return colors;
 }
 
-Colormap decodeTable(std::string_view digits) {
+Colormap decode_table(std::string_view digits) {
   const auto channel = [&](std::size_t position) {
     std::uint8_t value = 0;
     std::from_chars(digits.data() + position, digits.data() + position + 2, value, 16);
@@ -37,37 +37,37 @@ Colormap decodeTable(std::string_view digits) {
 
 }  // namespace
 
-std::string colormapNames() {
+std::string colormap_names() {
   std::string names = "gray";
-  for (const ColormapTable& table : colormapTables()) names += ", " + std::string(table.name);
+  for (const ColormapTable& table : colormap_tables()) names += ", " + std::string(table.name);
   return names;
 }
 
-std::optional<Colormap> findColormap(std::string_view name) {
-  if (name == "gray") return grayColormap();
-  for (const ColormapTable& table : colormapTables()) {
-    if (name == table.name) return decodeTable(table.colors);
+std::optional<Colormap> find_colormap(std::string_view name) {
+  if (name == "gray") return gray_colormap();
+  for (const ColormapTable& table : colormap_tables()) {
+    if (name == table.name) return decode_table(table.colors);
   }
   return std::nullopt;
 }
 
-void addOpacityRamp(Colormap& colors, double opacity) {
+void add_opacity_ramp(Colormap& colors, double opacity) {
   for (std::size_t i = 0; i < colors.size(); ++i) {
     const double t = static_cast<double>(i) / static_cast<double>(colors.size() - 1);
-    colors[i][3] = toByte(255 * opacity * t * t);
+    colors[i][3] = to_byte(255 * opacity * t * t);
   }
 }
 
-void scaleAlpha(Colormap& colors, double factor) {
-  for (Rgba& color : colors) color[3] = toByte(color[3] * factor);
+void scale_alpha(Colormap& colors, double factor) {
+  for (Rgba& color : colors) color[3] = to_byte(color[3] * factor);
 }
 
-void flattenOnto(Colormap& colors, std::uint32_t background) {
+void flatten_onto(Colormap& colors, std::uint32_t background) {
   for (Rgba& color : colors) {
     const double alpha = color[3] / 255.0;
     for (unsigned channel = 0; channel < 3; ++channel) {
       const double behind = background >> (16 - 8 * channel) & 0xFF;
-      color[channel] = toByte(color[channel] * alpha + behind * (1 - alpha));
+      color[channel] = to_byte(color[channel] * alpha + behind * (1 - alpha));
     }
     color[3] = 255;
   }

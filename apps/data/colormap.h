@@ -14,16 +14,16 @@ using Rgba = std::array<std::uint8_t, 4>;  // the library's layout: red, green, 
 using Colormap = std::vector<Rgba>;
 
 // "gray, viridis, ..." for messages and help.
-std::string colormapNames();
+std::string colormap_names();
 
-std::optional<Colormap> findColormap(std::string_view name);
+std::optional<Colormap> find_colormap(std::string_view name);
 
 // Opacity that rises with the square of the value.
-void addOpacityRamp(Colormap& colors, double opacity);
+void add_opacity_ramp(Colormap& colors, double opacity);
 
-void scaleAlpha(Colormap& colors, double factor);
+void scale_alpha(Colormap& colors, double factor);
 
 // What shows when the map lies on this background (0xRRGGBB); the result is opaque.
-void flattenOnto(Colormap& colors, std::uint32_t background);
+void flatten_onto(Colormap& colors, std::uint32_t background);
 
 }  // namespace oct::app

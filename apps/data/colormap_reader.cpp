@@ -11,26 +11,26 @@
 namespace oct::app {
 namespace {
 
-constexpr std::size_t kMinColors = 2;
-constexpr std::size_t kMaxColors = 4096;
-constexpr std::uint64_t kMaxFileBytes = 1 << 20;  // a table of 4096 long lines takes less
+constexpr std::size_t min_colors = 2;
+constexpr std::size_t max_colors = 4096;
+constexpr std::uint64_t max_file_bytes = 1 << 20;  // a table of 4096 long lines takes less
 
 std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r";
-  const std::size_t first = text.find_first_not_of(kBlanks);
+  constexpr std::string_view blanks = " \t\r";
+  const std::size_t first = text.find_first_not_of(blanks);
   if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 // The piece before the separator; the text keeps what follows.
-std::string_view takePiece(std::string_view& text, char separator) {
+std::string_view take_piece(std::string_view& text, char separator) {
   const std::size_t end = text.find(separator);
   const std::string_view piece = text.substr(0, end);
   text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
   return piece;
 }
 
-bool parseNumber(std::string_view text, double& value) {
+bool parse_number(std::string_view text, double& value) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   return error == std::errc() && end == text.data() + text.size();
 }
@@ -45,14 +45,14 @@ class ColormapFileReader {
   explicit ColormapFileReader(const std::filesystem::path& path) : path_(path) {}
 
   Colormap read() {
-    readRows();
-    if (rows_.size() < kMinColors || rows_.size() > kMaxColors) {
-      throw ReadError(path_, "a colour map has from " + std::to_string(kMinColors) + " to " +
-                                 std::to_string(kMaxColors) + " colours, this one " +
+    read_rows();
+    if (rows_.size() < min_colors || rows_.size() > max_colors) {
+      throw ReadError(path_, "a colour map has from " + std::to_string(min_colors) + " to " +
+                                 std::to_string(max_colors) + " colours, this one " +
                                  std::to_string(rows_.size()));
     }
     Colormap colors;
-    for (const Row& row : rows_) colors.push_back(toColor(row));
+    for (const Row& row : rows_) colors.push_back(to_color(row));
     return colors;
   }
 
@@ -61,44 +61,44 @@ class ColormapFileReader {
     throw ReadError(path_, "line " + std::to_string(line) + ": " + reason);
   }
 
-  void readRows() {
+  void read_rows() {
     InputFile file(path_);
-    if (file.size() > kMaxFileBytes) throw ReadError(path_, "too large for a colour map");
+    if (file.size() > max_file_bytes) throw ReadError(path_, "too large for a colour map");
     const std::string content = file.whole();
     std::string_view rest = content;
     if (rest.starts_with("\xEF\xBB\xBF")) rest.remove_prefix(3);  // spreadsheets write a byte order mark
-    bool mayBeHeader = true;
+    bool may_be_header = true;
     for (std::size_t line = 1; !rest.empty(); ++line) {
-      const std::string_view text = trimmed(takePiece(rest, '\n'));
+      const std::string_view text = trimmed(take_piece(rest, '\n'));
       if (text.empty()) continue;
-      if (mayBeHeader && isHeader(text)) {
-        mayBeHeader = false;
+      if (may_be_header && is_header(text)) {
+        may_be_header = false;
         continue;
       }
-      mayBeHeader = false;
-      rows_.push_back(parseRow(line, text));
+      may_be_header = false;
+      rows_.push_back(parse_row(line, text));
     }
   }
 
   // A line without any number.
-  static bool isHeader(std::string_view text) {
+  static bool is_header(std::string_view text) {
     double value = 0;
     while (!text.empty()) {
-      if (parseNumber(trimmed(takePiece(text, ',')), value)) return false;
+      if (parse_number(trimmed(take_piece(text, ',')), value)) return false;
     }
     return true;
   }
 
-  Row parseRow(std::size_t line, std::string_view text) {
+  Row parse_row(std::size_t line, std::string_view text) {
     Row row{line, {}};
     // A comma at the end stands before one more, empty, number.
     for (bool more = true; more;) {
       more = text.find(',') != std::string_view::npos;
-      const std::string_view piece = trimmed(takePiece(text, ','));
+      const std::string_view piece = trimmed(take_piece(text, ','));
       double value = 0;
-      if (!parseNumber(piece, value)) fail(line, "not a number: '" + std::string(piece) + "'");
+      if (!parse_number(piece, value)) fail(line, "not a number: '" + std::string(piece) + "'");
       if (!(value >= 0 && value <= 255)) fail(line, "not between 0 and 255: " + std::string(piece));
-      if (value > 1 && bytesSince_ == 0) bytesSince_ = line;
+      if (value > 1 && bytes_since_ == 0) bytes_since_ = line;
       row.numbers.push_back(value);
     }
     if (row.numbers.size() != 3 && row.numbers.size() != 4) {
@@ -112,27 +112,27 @@ class ColormapFileReader {
     return row;
   }
 
-  Rgba toColor(const Row& row) const {
+  Rgba to_color(const Row& row) const {
     Rgba color{0, 0, 0, 255};
     for (std::size_t i = 0; i < row.numbers.size(); ++i) {
       const double value = row.numbers[i];
-      if (bytesSince_ != 0 && value != std::floor(value)) {
-        fail(row.line, "a fraction, but line " + std::to_string(bytesSince_) +
+      if (bytes_since_ != 0 && value != std::floor(value)) {
+        fail(row.line, "a fraction, but line " + std::to_string(bytes_since_) +
                            " has a number above 1: use 0 to 1 or whole numbers from 0 to 255 throughout");
       }
-      color[i] = static_cast<std::uint8_t>(std::lround(bytesSince_ != 0 ? value : value * 255));
+      color[i] = static_cast<std::uint8_t>(std::lround(bytes_since_ != 0 ? value : value * 255));
     }
     return color;
   }
 
   const std::filesystem::path& path_;
   std::vector<Row> rows_;
-  std::size_t bytesSince_ = 0;  // the first line with a number above 1; 0: all numbers are from 0 to 1
+  std::size_t bytes_since_ = 0;  // the first line with a number above 1; 0: all numbers are from 0 to 1
 };
 
 }  // namespace
 
-Colormap readColormap(const std::filesystem::path& path) {
+Colormap read_colormap(const std::filesystem::path& path) {
   return ColormapFileReader(path).read();
 }
 

@@ -8,7 +8,7 @@
 namespace oct::app {
 namespace {
 
-constexpr char kViridis[] =
+constexpr char viridis[] =
     "44015444025645045745055946075a46085c460a5d460b5e470d60470e61471063471164471365481467481668481769"
     "48186a481a6c481b6d481c6e481d6f481f70482071482173482374482475482576482677482878482979472a7a472c7a"
     "472d7b472e7c472f7d46307e46327e46337f463480453581453781453882443983443a83443b84433d84433e85423f85"
@@ -26,7 +26,7 @@ constexpr char kViridis[] =
     "addc30b0dd2fb2dd2db5de2bb8de29bade28bddf26c0df25c2df23c5e021c8e020cae11fcde11dd0e11cd2e21bd5e21a"
     "d8e219dae319dde318dfe318e2e418e5e419e7e419eae51aece51befe51cf1e51df4e61ef6e620f8e621fbe723fde725";
 
-constexpr char kInferno[] =
+constexpr char inferno[] =
     "00000401000501010601010802010a02020c02020e03021004031204031405041706041907051b08051d09061f0a0722"
     "0b07240c08260d08290e092b10092d110a30120a32140b34150b37160b39180c3c190c3e1b0c411c0c431e0c451f0c48"
     "210c4a230c4c240c4f260c51280b53290b552b0b572d0b592f0a5b310a5c320a5e340a5f3609613809623909633b0964"
@@ -44,7 +44,7 @@ constexpr char kInferno[] =
     "f9cb35f8cd37f8cf3af7d13df7d340f6d543f6d746f5d949f5db4cf4dd4ff4df53f4e156f3e35af3e55df2e661f2e865"
     "f2ea69f1ec6df1ed71f1ef75f1f179f2f27df2f482f3f586f3f68af4f88ef5f992f6fa96f8fb9af9fc9dfafda1fcffa4";
 
-constexpr char kMagma[] =
+constexpr char magma[] =
     "00000401000501010601010802010902020b02020d03030f03031204041405041606051806051a07061c08071e090720"
     "0a08220b09240c09260d0a290e0b2b100b2d110c2f120d31130d34140e36150e38160f3b180f3d19103f1a10421c1044"
     "1d11471e114920114b21114e22115024125325125527125829115a2a115c2c115f2d11612f1163311165331067341069"
@@ -62,7 +62,7 @@ constexpr char kMagma[] =
     "fec488fec68afec88cfeca8dfecc8ffecd90fecf92fed194fed395fed597fed799fed89afdda9cfddc9efddea0fde0a1"
     "fde2a3fde3a5fde5a7fde7a9fde9aafdebacfcecaefceeb0fcf0b2fcf2b4fcf4b6fcf6b8fcf7b9fcf9bbfcfbbdfcfdbf";
 
-constexpr char kCividis[] =
+constexpr char cividis[] =
     "00224e00234f00245100255300255400265600275800285900285b00295d002a5f002a61002b62002c64002c66002d68"
     "002e6a002e6c002f6d00306f0030700031700031710132710533710833700c34700f357012357014367016377018376f"
     "1a386f1c396f1e3a6f203a6f213b6e233c6e243c6e263d6e273e6e293f6e2a3f6d2b406d2d416d2e416d2f426d31436d"
@@ -82,10 +82,10 @@ constexpr char kCividis[] =
 
 }  // namespace
 
-std::span<const ColormapTable> colormapTables() {
-  static constexpr ColormapTable kTables[] = {
-      {"viridis", kViridis}, {"inferno", kInferno}, {"magma", kMagma}, {"cividis", kCividis}};
-  return kTables;
+std::span<const ColormapTable> colormap_tables() {
+  static constexpr ColormapTable tables[] = {
+      {"viridis", viridis}, {"inferno", inferno}, {"magma", magma}, {"cividis", cividis}};
+  return tables;
 }
 
 }  // namespace oct::app

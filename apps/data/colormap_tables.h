@@ -11,6 +11,6 @@ struct ColormapTable {
   std::string_view colors;  // six hexadecimal digits per colour
 };
 
-std::span<const ColormapTable> colormapTables();
+std::span<const ColormapTable> colormap_tables();
 
 }  // namespace oct::app

@@ -8,12 +8,12 @@
 namespace oct::app {
 
 // Paths are UTF-8 in texts, whatever the platform's own encoding is.
-inline std::string toUtf8(const std::filesystem::path& path) {
+inline std::string to_utf8(const std::filesystem::path& path) {
   const std::u8string text = path.u8string();
   return {text.begin(), text.end()};
 }
 
-inline std::filesystem::path fromUtf8(const std::string& text) {
+inline std::filesystem::path from_utf8(const std::string& text) {
   return std::filesystem::path(std::u8string(text.begin(), text.end()));
 }
 
@@ -21,7 +21,7 @@ class FileError : public std::runtime_error {
  protected:
   using runtime_error::runtime_error;
   FileError(const std::filesystem::path& file, const std::string& reason)
-      : std::runtime_error(toUtf8(file) + ": " + reason) {}
+      : std::runtime_error(to_utf8(file) + ": " + reason) {}
 };
 
 // The file cannot be read or understood.

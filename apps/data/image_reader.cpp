@@ -16,68 +16,68 @@ namespace {
 using namespace std::string_view_literals;
 
 struct Format {
-  std::string_view firstBytes;
+  std::string_view first_bytes;
   Raster (*read)(InputFile&, const FrameChoice&, const ProgressFunction&);
-  void (*readAll)(InputFile&, const TakeRaster&, const ProgressFunction&);
+  void (*read_all)(InputFile&, const TakeRaster&, const ProgressFunction&);
 };
 
-void readNpyArray(InputFile& file, const TakeRaster& take, const ProgressFunction& progress) {
-  readNpyFrames(file, take, progress);
+void read_npy_array(InputFile& file, const TakeRaster& take, const ProgressFunction& progress) {
+  read_npy_frames(file, take, progress);
 }
 
-Raster readPngImage(InputFile& file, const FrameChoice& choice, const ProgressFunction&) {
-  return readPng(file, choice);
+Raster read_png_image(InputFile& file, const FrameChoice& choice, const ProgressFunction&) {
+  return read_png(file, choice);
 }
 
-void readPngFrame(InputFile& file, const TakeRaster& take, const ProgressFunction&) {
-  take(readPng(file, {}));
+void read_png_frame(InputFile& file, const TakeRaster& take, const ProgressFunction&) {
+  take(read_png(file, {}));
 }
 
-Raster readTiffPage(InputFile& file, const FrameChoice& choice, const ProgressFunction&) {
-  return readTiff(file, choice);
+Raster read_tiff_page(InputFile& file, const FrameChoice& choice, const ProgressFunction&) {
+  return read_tiff(file, choice);
 }
 
-void readTiffPages(InputFile& file, const TakeRaster& take, const ProgressFunction&) {
-  readTiffFrames(file, take);
+void read_tiff_pages(InputFile& file, const TakeRaster& take, const ProgressFunction&) {
+  read_tiff_frames(file, take);
 }
 
-constexpr Format kFormats[] = {
-    {"\x93NUMPY"sv, readNpy, readNpyArray},      {"\x89PNG\r\n\x1a\n"sv, readPngImage, readPngFrame},
-    {"II\x2a\0"sv, readTiffPage, readTiffPages}, {"MM\0\x2a"sv, readTiffPage, readTiffPages},
-    {"II\x2b\0"sv, readTiffPage, readTiffPages},  // TIFF with 64-bit offsets
-    {"MM\0\x2b"sv, readTiffPage, readTiffPages},
+constexpr Format formats[] = {
+    {"\x93NUMPY"sv, read_npy, read_npy_array},       {"\x89PNG\r\n\x1a\n"sv, read_png_image, read_png_frame},
+    {"II\x2a\0"sv, read_tiff_page, read_tiff_pages}, {"MM\0\x2a"sv, read_tiff_page, read_tiff_pages},
+    {"II\x2b\0"sv, read_tiff_page, read_tiff_pages},  // TIFF with 64-bit offsets
+    {"MM\0\x2b"sv, read_tiff_page, read_tiff_pages},
 };
 
-const Format& formatOf(InputFile& file) {
+const Format& format_of(InputFile& file) {
   const std::string start = file.start(8);
-  for (const Format& format : kFormats) {
-    if (start.starts_with(format.firstBytes)) return format;
+  for (const Format& format : formats) {
+    if (start.starts_with(format.first_bytes)) return format;
   }
   throw ReadError(file.path(), "not a .npy, PNG or TIFF file");
 }
 
-LoadedImage loaded(Raster raster, bool rowsAreAscans) {
-  LoadedImage result{{}, raster.frame, raster.frameCount};
-  result.image = toImage(std::move(raster), rowsAreAscans);
+LoadedImage loaded(Raster raster, bool rows_are_ascans) {
+  LoadedImage result{{}, raster.frame, raster.frame_count};
+  result.image = to_image(std::move(raster), rows_are_ascans);
   return result;
 }
 
 }  // namespace
 
-LoadedImage loadImage(const std::filesystem::path& path, const FrameChoice& choice, bool rowsAreAscans,
-                      const ProgressFunction& progress) {
+LoadedImage load_image(const std::filesystem::path& path, const FrameChoice& choice, bool rows_are_ascans,
+                       const ProgressFunction& progress) {
   InputFile file(path);
-  return loaded(formatOf(file).read(file, choice, progress), rowsAreAscans);
+  return loaded(format_of(file).read(file, choice, progress), rows_are_ascans);
 }
 
-void loadImages(const std::filesystem::path& path, bool rowsAreAscans,
-                const std::function<void(LoadedImage)>& take, const ProgressFunction& progress) {
+void load_images(const std::filesystem::path& path, bool rows_are_ascans,
+                 const std::function<void(LoadedImage)>& take, const ProgressFunction& progress) {
   InputFile file(path);
-  const auto takeRaster = [&](Raster raster) {
-    progress(raster.frame * raster.samples.size(), raster.frameCount * raster.samples.size());
-    take(loaded(std::move(raster), rowsAreAscans));
+  const auto take_raster = [&](Raster raster) {
+    progress(raster.frame * raster.samples.size(), raster.frame_count * raster.samples.size());
+    take(loaded(std::move(raster), rows_are_ascans));
   };
-  formatOf(file).readAll(file, takeRaster, progress);
+  format_of(file).read_all(file, take_raster, progress);
 }
 
 }  // namespace oct::app

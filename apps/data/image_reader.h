@@ -14,14 +14,15 @@ namespace oct::app {
 struct LoadedImage {
   Image image;
   std::size_t frame = 0;
-  std::size_t frameCount = 1;
+  std::size_t frame_count = 1;
 };
 
-LoadedImage loadImage(const std::filesystem::path& path, const FrameChoice& choice, bool rowsAreAscans,
-                      const ProgressFunction& progress = noProgress);
+LoadedImage load_image(const std::filesystem::path& path, const FrameChoice& choice, bool rows_are_ascans,
+                       const ProgressFunction& progress = no_progress);
 
 // Every frame of the file, which is opened once.
-void loadImages(const std::filesystem::path& path, bool rowsAreAscans,
-                const std::function<void(LoadedImage)>& take, const ProgressFunction& progress = noProgress);
+void load_images(const std::filesystem::path& path, bool rows_are_ascans,
+                 const std::function<void(LoadedImage)>& take,
+                 const ProgressFunction& progress = no_progress);
 
 }  // namespace oct::app

@@ -15,9 +15,9 @@ struct LiveReport {
   unsigned shown = 0;
   unsigned dropped = 0;
   unsigned frames = 0;
-  double worstFrame = 0;                // milliseconds
-  std::vector<float> latencies;         // milliseconds, ascending
-  float latencyAt(double share) const;  // 0 without any
+  double worst_frame = 0;                // milliseconds
+  std::vector<float> latencies;          // milliseconds, ascending
+  float latency_at(double share) const;  // 0 without any
 };
 
 // Tells which volume a frame shows: they are shown in the order in which they were acquired, and the count of
@@ -45,9 +45,9 @@ class LiveStatistics {
   mutable std::mutex mutex_;
   std::deque<std::optional<Time>> waiting_{std::nullopt};  // acquired, neither shown nor known to be dropped
   std::optional<Time> begin_;
-  unsigned droppedSeen_ = 0;
-  unsigned droppedBefore_ = 0;
-  unsigned shownSeen_ = 0;
+  unsigned dropped_seen_ = 0;
+  unsigned dropped_before_ = 0;
+  unsigned shown_seen_ = 0;
   LiveReport report_;
 };
 

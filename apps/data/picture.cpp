@@ -6,29 +6,29 @@
 namespace oct::app {
 namespace {
 
-constexpr double kMaxNaturalSide = 4096;
+constexpr double max_natural_side = 4096;
 
 }  // namespace
 
-PictureSize naturalPictureSize(std::size_t depth, std::size_t ascans, const Spacing& spacing) {
+PictureSize natural_picture_size(std::size_t depth, std::size_t ascans, const Spacing& spacing) {
   const double finest = std::min(spacing.depth, spacing.lateral);
   // A longer stretch would leave the other side without a pixel, whatever it is; and so no number overflows.
-  const auto stretch = [finest](double distance) { return std::min(distance / finest, kMaxNaturalSide); };
+  const auto stretch = [finest](double distance) { return std::min(distance / finest, max_natural_side); };
   const double height = static_cast<double>(depth) * stretch(spacing.depth);
   const double width = static_cast<double>(ascans) * stretch(spacing.lateral);
-  const double scale = std::min(1.0, kMaxNaturalSide / std::max(width, height));
+  const double scale = std::min(1.0, max_natural_side / std::max(width, height));
   const auto side = [scale](double length) {
     return static_cast<unsigned>(std::max(1.0, std::round(length * scale)));
   };
   return {side(width), side(height)};
 }
 
-Picture toPicture(PictureSize size, std::span<const std::uint8_t> bgraBottomUp) {
+Picture to_picture(PictureSize size, std::span<const std::uint8_t> bgra_bottom_up) {
   Picture picture{size, {}};
   picture.pixels.reserve(std::size_t{size.width} * size.height * 3);
   for (std::size_t row = size.height; row-- > 0;) {
     for (std::size_t column = 0; column < size.width; ++column) {
-      const std::uint8_t* pixel = &bgraBottomUp[(row * size.width + column) * 4];
+      const std::uint8_t* pixel = &bgra_bottom_up[(row * size.width + column) * 4];
       picture.pixels.insert(picture.pixels.end(), {pixel[2], pixel[1], pixel[0]});
     }
   }

@@ -27,9 +27,9 @@ struct Picture {
 
 // One pixel per sample along the axis with the finer spacing, so that no sample is lost, and as many along
 // the other as the aspect asks for; scaled down where a side would be longer than 4096 pixels.
-PictureSize naturalPictureSize(std::size_t depth, std::size_t ascans, const Spacing& spacing);
+PictureSize natural_picture_size(std::size_t depth, std::size_t ascans, const Spacing& spacing);
 
 // Turns what an offscreen frame delivers, blue, green, red, alpha and the bottom row first, into a picture.
-Picture toPicture(PictureSize size, std::span<const std::uint8_t> bgraBottomUp);
+Picture to_picture(PictureSize size, std::span<const std::uint8_t> bgra_bottom_up);
 
 }  // namespace oct::app

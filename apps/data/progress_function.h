@@ -9,6 +9,6 @@ namespace oct::app {
 // Called now and then; done and total in samples.
 using ProgressFunction = std::function<void(std::size_t done, std::size_t total)>;
 
-inline void noProgress(std::size_t, std::size_t) {}
+inline void no_progress(std::size_t, std::size_t) {}
 
 }  // namespace oct::app

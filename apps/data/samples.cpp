@@ -9,8 +9,8 @@
 namespace oct::app {
 namespace {
 
-constexpr double kLinearShare = 0.02;
-constexpr std::size_t kEnoughSamples = 4'000'003;  // a prime keeps out of step with the axes
+constexpr double linear_share = 0.02;
+constexpr std::size_t enough_samples = 4'000'003;  // a prime keeps out of step with the axes
 
 template <class Wanted>
 std::vector<float> select(std::span<const float> samples, Wanted wanted) {
@@ -20,11 +20,11 @@ std::vector<float> select(std::span<const float> samples, Wanted wanted) {
   return result;
 }
 
-bool isFinite(float value) {
+bool is_finite(float value) {
   return std::isfinite(value);
 }
 
-std::optional<ValueRange> rangeOfFinite(std::vector<float> finite, Shares shares) {
+std::optional<ValueRange> range_of_finite(std::vector<float> finite, Shares shares) {
   if (finite.empty()) return std::nullopt;
   ValueRange range{quantile(finite, shares.lower), quantile(finite, shares.upper)};
   if (range.lower == range.upper) {
@@ -48,34 +48,34 @@ double quantile(std::vector<float>& values, double share) {
   return lower + (upper - lower) * (rank - static_cast<double>(below));
 }
 
-std::optional<ValueRange> automaticRange(std::span<const float> samples, Shares shares) {
-  return rangeOfFinite(select(samples, isFinite), shares);
+std::optional<ValueRange> automatic_range(std::span<const float> samples, Shares shares) {
+  return range_of_finite(select(samples, is_finite), shares);
 }
 
-std::optional<ValueRange> quickRange(std::span<const float> samples, Shares shares) {
-  const std::size_t stride = samples.size() / kEnoughSamples + 1;
+std::optional<ValueRange> quick_range(std::span<const float> samples, Shares shares) {
+  const std::size_t stride = samples.size() / enough_samples + 1;
   std::vector<float> finite;
   for (std::size_t i = 0; i < samples.size(); i += stride) {
-    if (isFinite(samples[i])) finite.push_back(samples[i]);
+    if (is_finite(samples[i])) finite.push_back(samples[i]);
   }
-  return rangeOfFinite(std::move(finite), shares);
+  return range_of_finite(std::move(finite), shares);
 }
 
-bool looksLinear(std::span<const float> samples, const ValueRange& range) {
-  std::vector<float> positive = select(samples, [](float value) { return isFinite(value) && value > 0; });
+bool looks_linear(std::span<const float> samples, const ValueRange& range) {
+  std::vector<float> positive = select(samples, [](float value) { return is_finite(value) && value > 0; });
   if (positive.empty() || range.upper <= 0) return false;
-  return quantile(positive, 0.5) < kLinearShare * range.upper;
+  return quantile(positive, 0.5) < linear_share * range.upper;
 }
 
-void toDecibels(std::span<float> samples) {
+void to_decibels(std::span<float> samples) {
   for (float& sample : samples) {
     sample = sample > 0 ? 20 * std::log10(sample) : -std::numeric_limits<float>::infinity();
   }
 }
 
-void replaceNonFinite(std::span<float> samples, const ValueRange& range) {
+void replace_non_finite(std::span<float> samples, const ValueRange& range) {
   for (float& sample : samples) {
-    if (isFinite(sample)) continue;
+    if (is_finite(sample)) continue;
     sample = static_cast<float>(sample > 0 ? range.upper : range.lower);
   }
 }

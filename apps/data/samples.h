@@ -23,24 +23,24 @@ struct Shares {
 };
 
 // For images: speckle has few very bright samples, and more than one percent of dark ones carry no tissue.
-constexpr Shares kImageShares{0.01, 0.995};
+constexpr Shares image_shares{0.01, 0.995};
 
 // The percentiles of the finite samples. Where those are equal, from the lowest to the highest; where all
 // samples are equal, one unit upwards. Nothing when no sample is finite.
-std::optional<ValueRange> automaticRange(std::span<const float> samples, Shares shares);
+std::optional<ValueRange> automatic_range(std::span<const float> samples, Shares shares);
 
 // The same from every nth sample where there are millions: enough for a percentile.
-std::optional<ValueRange> quickRange(std::span<const float> samples, Shares shares);
+std::optional<ValueRange> quick_range(std::span<const float> samples, Shares shares);
 
 // True when half of the positive samples lie in the lowest fiftieth of the range: linear reflectivity spans
 // some 50 dB, of which such a picture shows the brightest part only.
-bool looksLinear(std::span<const float> samples, const ValueRange& range);
+bool looks_linear(std::span<const float> samples, const ValueRange& range);
 
 // 20 log10 of every sample; what has no logarithm becomes minus infinity.
-void toDecibels(std::span<float> samples);
+void to_decibels(std::span<float> samples);
 
 // Shaders may do anything with NaN and infinity. NaN and minus infinity become the lower end of the range,
 // infinity the upper.
-void replaceNonFinite(std::span<float> samples, const ValueRange& range);
+void replace_non_finite(std::span<float> samples, const ValueRange& range);
 
 }  // namespace oct::app

@@ -9,17 +9,17 @@
 namespace oct::app {
 namespace {
 
-constexpr std::uint64_t kMaxVoxels = std::uint64_t{1} << 33;  // 32 GiB of floats
+constexpr std::uint64_t max_voxels = std::uint64_t{1} << 33;  // 32 GiB of floats
 
-void checkVoxelCount(const std::filesystem::path& file, std::uint64_t frameSamples, std::uint64_t frames) {
-  if (frames > kMaxVoxels / frameSamples) {
+void check_voxel_count(const std::filesystem::path& file, std::uint64_t frame_samples, std::uint64_t frames) {
+  if (frames > max_voxels / frame_samples) {
     throw ReadError(file, "the volume is too large (" + std::to_string(frames) + " B-scans of " +
-                              std::to_string(frameSamples) + " samples)");
+                              std::to_string(frame_samples) + " samples)");
   }
 }
 
 template <class T>
-void appendSamples(const std::vector<char>& bytes, std::vector<float>& samples) {
+void append_samples(const std::vector<char>& bytes, std::vector<float>& samples) {
   for (std::size_t i = 0; i < bytes.size(); i += sizeof(T)) {
     T value;
     std::memcpy(&value, bytes.data() + i, sizeof(T));
@@ -32,30 +32,30 @@ struct RawSample {
   void (*append)(const std::vector<char>& bytes, std::vector<float>& samples);
 };
 
-RawSample rawSample(RawLayout::Type type) {
+RawSample raw_sample(RawLayout::Type type) {
   switch (type) {
-    case RawLayout::Type::UInt8:
-      return {1, appendSamples<std::uint8_t>};
-    case RawLayout::Type::UInt16:
-      return {2, appendSamples<std::uint16_t>};
+    case RawLayout::Type::uint8:
+      return {1, append_samples<std::uint8_t>};
+    case RawLayout::Type::uint16:
+      return {2, append_samples<std::uint16_t>};
     default:
-      return {4, appendSamples<float>};
+      return {4, append_samples<float>};
   }
 }
 
 }  // namespace
 
-VolumeData loadVolume(const std::filesystem::path& path, bool rowsAreAscans,
-                      const ProgressFunction& progress) {
+VolumeData load_volume(const std::filesystem::path& path, bool rows_are_ascans,
+                       const ProgressFunction& progress) {
   VolumeData volume;
   const auto take = [&](const LoadedImage& loaded) {
     const Image& image = loaded.image;
     if (loaded.frame == 0) {
-      if (loaded.frameCount < 2) {
+      if (loaded.frame_count < 2) {
         throw NoVolumeError(path, "this is one image; a volume has three axes (B-scan, depth, A-scan)");
       }
-      volume = {image.depth, image.ascans, loaded.frameCount, {}};
-      checkVoxelCount(path, image.samples.size(), volume.bscans);
+      volume = {image.depth, image.ascans, loaded.frame_count, {}};
+      check_voxel_count(path, image.samples.size(), volume.bscans);
       volume.voxels.reserve(image.samples.size() * volume.bscans);
     }
     if (image.depth != volume.depth || image.ascans != volume.ascans) {
@@ -63,42 +63,42 @@ VolumeData loadVolume(const std::filesystem::path& path, bool rowsAreAscans,
     }
     volume.voxels.insert(volume.voxels.end(), image.samples.begin(), image.samples.end());
   };
-  loadImages(path, rowsAreAscans, take, progress);
+  load_images(path, rows_are_ascans, take, progress);
   return volume;
 }
 
-VolumeData loadRawVolume(const std::filesystem::path& path, const RawLayout& layout,
-                         const ProgressFunction& progress) {
+VolumeData load_raw_volume(const std::filesystem::path& path, const RawLayout& layout,
+                           const ProgressFunction& progress) {
   InputFile file(path);
-  const RawSample sample = rawSample(layout.type);
-  const std::size_t frameSamples = layout.depth * layout.ascans;
-  checkVoxelCount(path, frameSamples, layout.bscans);
-  const std::uint64_t wanted = std::uint64_t{frameSamples} * layout.bscans * sample.bytes;
+  const RawSample sample = raw_sample(layout.type);
+  const std::size_t frame_samples = layout.depth * layout.ascans;
+  check_voxel_count(path, frame_samples, layout.bscans);
+  const std::uint64_t wanted = std::uint64_t{frame_samples} * layout.bscans * sample.bytes;
   if (file.size() != wanted) {
     throw ReadError(path, "the file has " + std::to_string(file.size()) + " bytes; " + layout.origin +
                               " describes " + std::to_string(wanted));
   }
   VolumeData volume{layout.depth, layout.ascans, layout.bscans, {}};
-  volume.voxels.reserve(frameSamples * layout.bscans);
-  std::vector<char> bytes(frameSamples * sample.bytes);
+  volume.voxels.reserve(frame_samples * layout.bscans);
+  std::vector<char> bytes(frame_samples * sample.bytes);
   for (std::size_t frame = 0; frame < layout.bscans; ++frame) {
-    progress(frame * frameSamples, layout.bscans * frameSamples);
+    progress(frame * frame_samples, layout.bscans * frame_samples);
     file.read(bytes.data(), bytes.size());
     sample.append(bytes, volume.voxels);
   }
   return volume;
 }
 
-LateralMap loadLateralMap(const std::filesystem::path& path) {
+LateralMap load_lateral_map(const std::filesystem::path& path) {
   FrameChoice choice;
-  choice.singleFits = true;
+  choice.single_fits = true;
   // Rows as A-scans: what lies in a row of the file stays together in memory.
-  Image image = loadImage(path, choice, true).image;
+  Image image = load_image(path, choice, true).image;
   return {image.depth, image.ascans, std::move(image.samples)};
 }
 
-std::vector<float> loadHeightMap(const std::filesystem::path& path, const VolumeData& volume) {
-  LateralMap map = loadLateralMap(path);
+std::vector<float> load_height_map(const std::filesystem::path& path, const VolumeData& volume) {
+  LateralMap map = load_lateral_map(path);
   if (map.bscans != volume.bscans || map.ascans != volume.ascans) {
     throw ReadError(path, "the height map has " + std::to_string(map.bscans) + " rows of " +
                               std::to_string(map.ascans) + " samples; the volume has " +

@@ -4,12 +4,12 @@
 namespace oct::app {
 
 enum class ExitCode {
-  Ok = 0,
-  RenderingFailed = 1,
-  BadCommandLine = 2,
-  InputFailed = 3,
-  OutputFailed = 4,
-  DeviceFailed = 5
+  ok = 0,
+  rendering_failed = 1,
+  bad_command_line = 2,
+  input_failed = 3,
+  output_failed = 4,
+  device_failed = 5
 };
 
 }  // namespace oct::app

@@ -1,19 +1,19 @@
 // Options of data that are drawn with colours of their own beside the image or the volume.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <optional>
 #include <string>
+
+#include <CLI/CLI.hpp>
 
 #include "octrender/option_values.h"
 
 namespace oct::app {
 
 // `option` names the file, or asks for the data: the others need it. what: "the overlay".
-void addLayerColormapOption(CLI::App& verb, CLI::Option* option, const std::string& what,
-                            std::string& colormap);
-void addLayerColorOptions(CLI::App& verb, CLI::Option* option, const std::string& what,
-                          std::optional<NumberPair>& range, std::string& colormap);
+void add_layer_colormap_option(CLI::App& verb, CLI::Option* option, const std::string& what,
+                               std::string& colormap);
+void add_layer_color_options(CLI::App& verb, CLI::Option* option, const std::string& what,
+                             std::optional<NumberPair>& range, std::string& colormap);
 
 }  // namespace oct::app

@@ -2,5 +2,5 @@
 #include "octrender/program.h"
 
 int main(int argc, char** argv) {
-  return oct::app::runProgram(oct::app::commandLineArguments(argc, argv));
+  return oct::app::run_program(oct::app::command_line_arguments(argc, argv));
 }

@@ -9,14 +9,14 @@
 namespace oct::app {
 namespace {
 
-constexpr unsigned kMaxPictureSide = 16384;            // what most OpenGL drivers allow
-constexpr std::uint64_t kMaxPicturePixels = 1u << 27;  // 512 MiB of frame
-constexpr unsigned kMaxRawSide = 65536;
+constexpr unsigned max_picture_side = 16384;            // what most OpenGL drivers allow
+constexpr std::uint64_t max_picture_pixels = 1U << 27;  // 512 MiB of frame
+constexpr unsigned max_raw_side = 65536;
 
 // Takes a number from 1 to the highest off the text, with the separator behind it. Without a separator the
 // number ends the text. Says whether it was there.
 template <class Number>
-bool takeNumber(std::string_view& text, unsigned highest, char separator, Number& number) {
+bool take_number(std::string_view& text, unsigned highest, char separator, Number& number) {
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
   if (error != std::errc() || number < 1 || number > highest) return false;
@@ -27,16 +27,16 @@ bool takeNumber(std::string_view& text, unsigned highest, char separator, Number
   return true;
 }
 
-std::optional<RawLayout::Type> rawType(std::string_view name) {
-  if (name == "f4") return RawLayout::Type::Float32;
-  if (name == "u1") return RawLayout::Type::UInt8;
-  if (name == "u2") return RawLayout::Type::UInt16;
+std::optional<RawLayout::Type> raw_type(std::string_view name) {
+  if (name == "f4") return RawLayout::Type::float32;
+  if (name == "u1") return RawLayout::Type::uint8;
+  if (name == "u2") return RawLayout::Type::uint16;
   return std::nullopt;
 }
 
 }  // namespace
 
-std::optional<ValueRange> parseRange(const std::string& option, const std::optional<NumberPair>& numbers) {
+std::optional<ValueRange> parse_range(const std::string& option, const std::optional<NumberPair>& numbers) {
   if (!numbers) return std::nullopt;
   const ValueRange range{numbers->first, numbers->second};
   if (!std::isfinite(range.lower) || !std::isfinite(range.upper)) {
@@ -49,7 +49,7 @@ std::optional<ValueRange> parseRange(const std::string& option, const std::optio
   return range;
 }
 
-Spacing parseSpacing(const std::optional<NumberPair>& numbers) {
+Spacing parse_spacing(const std::optional<NumberPair>& numbers) {
   if (!numbers) return {};
   const Spacing spacing{numbers->first, numbers->second};
   const auto valid = [](double value) { return std::isfinite(value) && value > 0; };
@@ -59,7 +59,7 @@ Spacing parseSpacing(const std::optional<NumberPair>& numbers) {
   return spacing;
 }
 
-std::uint32_t parseColor(const std::string& option, const std::string& text) {
+std::uint32_t parse_color(const std::string& option, const std::string& text) {
   std::uint32_t color = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), color, 16);
   if (text.size() != 6 || error != std::errc() || end != text.data() + text.size()) {
@@ -68,39 +68,39 @@ std::uint32_t parseColor(const std::string& option, const std::string& text) {
   return color;
 }
 
-PictureSize parsePictureSize(const std::string& text) {
+PictureSize parse_picture_size(const std::string& text) {
   PictureSize size;
   std::string_view rest = text;
-  if (!takeNumber(rest, kMaxPictureSide, 'x', size.width) ||
-      !takeNumber(rest, kMaxPictureSide, '\0', size.height)) {
+  if (!take_number(rest, max_picture_side, 'x', size.width) ||
+      !take_number(rest, max_picture_side, '\0', size.height)) {
     throw CommandLineError("--size: '" + text + "' is not WxH with sides from 1 to " +
-                           std::to_string(kMaxPictureSide));
+                           std::to_string(max_picture_side));
   }
-  if (std::uint64_t{size.width} * size.height > kMaxPicturePixels) {
-    throw CommandLineError("--size: " + text + " is more than " + std::to_string(kMaxPicturePixels) +
+  if (std::uint64_t{size.width} * size.height > max_picture_pixels) {
+    throw CommandLineError("--size: " + text + " is more than " + std::to_string(max_picture_pixels) +
                            " pixels");
   }
   return size;
 }
 
-RawLayout parseRawLayout(const std::string& text) {
+RawLayout parse_raw_layout(const std::string& text) {
   RawLayout layout;
   layout.origin = "--raw";
   std::string_view rest = text;
-  const bool sized = takeNumber(rest, kMaxRawSide, 'x', layout.depth) &&
-                     takeNumber(rest, kMaxRawSide, 'x', layout.ascans) &&
-                     takeNumber(rest, kMaxRawSide, ':', layout.bscans);
-  const std::optional<RawLayout::Type> type = rawType(rest);
+  const bool sized = take_number(rest, max_raw_side, 'x', layout.depth) &&
+                     take_number(rest, max_raw_side, 'x', layout.ascans) &&
+                     take_number(rest, max_raw_side, ':', layout.bscans);
+  const std::optional<RawLayout::Type> type = raw_type(rest);
   if (!sized || !type) {
     throw CommandLineError("--raw: '" + text + "' is not DEPTHxASCANSxBSCANS:TYPE with sides from 1 to " +
-                           std::to_string(kMaxRawSide) + " and one of the types f4, u1, u2");
+                           std::to_string(max_raw_side) + " and one of the types f4, u1, u2");
   }
   layout.type = *type;
   return layout;
 }
 
-PolarizationMode parsePolarizationMode(const std::string& text) {
-  const std::span<const char* const> names = polarizationModeNames();
+PolarizationMode parse_polarization_mode(const std::string& text) {
+  const std::span<const char* const> names = polarization_mode_names();
   std::string known;
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (text == names[i] || text == std::to_string(i)) return static_cast<PolarizationMode>(i);
@@ -109,23 +109,23 @@ PolarizationMode parsePolarizationMode(const std::string& text) {
   throw CommandLineError("--ps: '" + text + "' is neither a number from 0 to 8 nor one of " + known);
 }
 
-Colormap loadColormap(const std::string& nameOrFile) {
-  if (std::optional<Colormap> known = findColormap(nameOrFile)) return *std::move(known);
-  if (isOwnColormap(nameOrFile)) return readColormap(fromUtf8(nameOrFile));
-  throw CommandLineError("unknown colour map '" + nameOrFile + "'; there are " + colormapNames() +
+Colormap load_colormap(const std::string& name_or_file) {
+  if (std::optional<Colormap> known = find_colormap(name_or_file)) return *std::move(known);
+  if (is_own_colormap(name_or_file)) return read_colormap(from_utf8(name_or_file));
+  throw CommandLineError("unknown colour map '" + name_or_file + "'; there are " + colormap_names() +
                          " and .csv files");
 }
 
-bool isOwnColormap(const std::string& nameOrFile) {
-  return fromUtf8(nameOrFile).extension() == ".csv";
+bool is_own_colormap(const std::string& name_or_file) {
+  return from_utf8(name_or_file).extension() == ".csv";
 }
 
-std::vector<std::string> withoutAutomaticRanges(const std::vector<std::string>& arguments) {
+std::vector<std::string> without_automatic_ranges(const std::vector<std::string>& arguments) {
   std::vector<std::string> result;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const bool isRange =
+    const bool is_range =
         arguments[i] == "--range" || arguments[i] == "--overlay-range" || arguments[i] == "--secondary-range";
-    if (isRange && i + 1 < arguments.size() && arguments[i + 1] == "auto") {
+    if (is_range && i + 1 < arguments.size() && arguments[i + 1] == "auto") {
       ++i;
     } else {
       result.push_back(arguments[i]);

@@ -24,32 +24,32 @@ class CommandLineError : public std::runtime_error {
 using NumberPair = std::pair<double, double>;
 
 // "LO HI", two different finite numbers. Without them the range is to be found from the samples.
-std::optional<ValueRange> parseRange(const std::string& option, const std::optional<NumberPair>& numbers);
+std::optional<ValueRange> parse_range(const std::string& option, const std::optional<NumberPair>& numbers);
 
 // "DEPTH LATERAL", both above 0; without them equal spacing.
-Spacing parseSpacing(const std::optional<NumberPair>& numbers);
+Spacing parse_spacing(const std::optional<NumberPair>& numbers);
 
 // RRGGBB in hexadecimal digits.
-std::uint32_t parseColor(const std::string& option, const std::string& text);
+std::uint32_t parse_color(const std::string& option, const std::string& text);
 
 // "WxH".
-PictureSize parsePictureSize(const std::string& text);
+PictureSize parse_picture_size(const std::string& text);
 
 // "DEPTHxASCANSxBSCANS:TYPE".
-RawLayout parseRawLayout(const std::string& text);
+RawLayout parse_raw_layout(const std::string& text);
 
 // A name or a number from 0 to 8.
-PolarizationMode parsePolarizationMode(const std::string& text);
+PolarizationMode parse_polarization_mode(const std::string& text);
 
 // The name of a colour map, or the path of a .csv file.
-Colormap loadColormap(const std::string& nameOrFile);
+Colormap load_colormap(const std::string& name_or_file);
 
 // True for a table of the user's, whose alpha counts.
-bool isOwnColormap(const std::string& nameOrFile);
+bool is_own_colormap(const std::string& name_or_file);
 
-// "--range auto" says what is so without it. The parser cannot take either one word or two numbers without
-// taking the name of the input for the second number, so the pair of words leaves the command line
-// beforehand.
-std::vector<std::string> withoutAutomaticRanges(const std::vector<std::string>& arguments);
+// "--range auto" says what is so without it. The parser cannot take either one word or two
+// numbers without taking the name of the input for the second number, so the pair of words
+// leaves the command line beforehand.
+std::vector<std::string> without_automatic_ranges(const std::vector<std::string>& arguments);
 
 }  // namespace oct::app

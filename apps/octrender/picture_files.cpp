@@ -9,16 +9,16 @@
 
 namespace oct::app {
 
-CLI::Option* addOutputOption(CLI::App& verb, std::string& output) {
+CLI::Option* add_output_option(CLI::App& verb, std::string& output) {
   return verb.add_option("-o,--output", output, "Picture to write; must end in .png")->type_name("OUT.png");
 }
 
-std::filesystem::path pictureFile(const std::string& output, std::initializer_list<std::string> inputs) {
-  const std::filesystem::path path = fromUtf8(output);
+std::filesystem::path picture_file(const std::string& output, std::initializer_list<std::string> inputs) {
+  const std::filesystem::path path = from_utf8(output);
   if (path.extension() != ".png") throw CommandLineError("the output '" + output + "' must end in .png");
   for (const std::string& input : inputs) {
     std::error_code ignored;
-    if (!input.empty() && std::filesystem::equivalent(fromUtf8(input), path, ignored)) {
+    if (!input.empty() && std::filesystem::equivalent(from_utf8(input), path, ignored)) {
       throw CommandLineError("the output would overwrite the input '" + input + "'");
     }
   }

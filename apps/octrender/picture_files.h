@@ -1,19 +1,19 @@
 // The pictures that a verb writes.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <filesystem>
 #include <initializer_list>
 #include <string>
 
+#include <CLI/CLI.hpp>
+
 namespace oct::app {
 
-CLI::Option* addOutputOption(CLI::App& verb, std::string& output);
+CLI::Option* add_output_option(CLI::App& verb, std::string& output);
 
-// Throws a CommandLineError unless the name ends in .png and is that of none of the inputs, some of which may
-// be empty.
-std::filesystem::path pictureFile(const std::string& output, std::initializer_list<std::string> inputs);
+// Throws a CommandLineError unless the name ends in .png and is that of none of the
+// inputs, some of which may be empty.
+std::filesystem::path picture_file(const std::string& output, std::initializer_list<std::string> inputs);
 
 // "OUT-007.png" for "OUT.png" and 7.
 std::filesystem::path numbered(const std::filesystem::path& output, unsigned number);

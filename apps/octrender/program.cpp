@@ -1,12 +1,11 @@
 #include "octrender/program.h"
 
-#include <oct_rendering/oct_rendering.h>
-
 #include <iostream>
 #include <new>
 
 #include "client/checked.h"
 #include "data/file_errors.h"
+#include "oct_rendering/oct_rendering.h"
 #include "octrender/exit_code.h"
 #include "octrender/option_values.h"
 #include "octrender/verbs.h"
@@ -15,11 +14,11 @@
 namespace oct::app {
 namespace {
 
-constexpr char kDescription[] =
+constexpr char description_text[] =
     "Renders optical coherence tomography (OCT) data. No window is needed: the program makes\n"
     "its OpenGL context (3.3 or later) through the offscreen target of the oct_rendering library.";
 
-constexpr char kFooter[] =
+constexpr char footer_text[] =
     "Exit codes:\n"
     "  0  the output was written\n"
     "  1  rendering failed; the library's reason is shown\n"
@@ -36,7 +35,7 @@ constexpr char kFooter[] =
 
 void describe(CLI::App& program) {
   program.name("octrender");
-  program.footer(kFooter);
+  program.footer(footer_text);
   program.set_version_flag("--version", getRendererVersion());
   program.require_subcommand(1);
 }
@@ -48,35 +47,35 @@ int report(ExitCode code, const std::string& text) {
 
 }  // namespace
 
-int runProgram(const std::vector<std::string>& arguments) {
-  CLI::App program(kDescription);
+int run_program(const std::vector<std::string>& arguments) {
+  CLI::App program(description_text);
   describe(program);
-  addBscanVerb(program);
-  addVolumeVerb(program);
-  addLiveVerb(program);
-  addInfoVerb(program);
+  add_bscan_verb(program);
+  add_volume_verb(program);
+  add_live_verb(program);
+  add_info_verb(program);
   try {
-    std::vector<std::string> words = withoutAutomaticRanges(arguments);
+    std::vector<std::string> words = without_automatic_ranges(arguments);
     program.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // CLI11 wants the last one first
-    return static_cast<int>(ExitCode::Ok);
+    return static_cast<int>(ExitCode::ok);
   } catch (const CLI::Success& request) {  // help or version
     return program.exit(request);
   } catch (const CLI::Error& error) {
-    return report(ExitCode::BadCommandLine, error.what() + std::string("\nRun octrender --help for more."));
+    return report(ExitCode::bad_command_line, error.what() + std::string("\nRun octrender --help for more."));
   } catch (const CommandLineError& error) {
-    return report(ExitCode::BadCommandLine, error.what());
+    return report(ExitCode::bad_command_line, error.what());
   } catch (const ReadError& error) {
-    return report(ExitCode::InputFailed, error.what());
+    return report(ExitCode::input_failed, error.what());
   } catch (const WriteError& error) {
-    return report(ExitCode::OutputFailed, error.what());
+    return report(ExitCode::output_failed, error.what());
   } catch (const DeviceError& error) {
-    return report(ExitCode::DeviceFailed, error.what());
+    return report(ExitCode::device_failed, error.what());
   } catch (const RenderingError& error) {
-    return report(ExitCode::RenderingFailed, std::string("rendering failed: ") + error.what());
+    return report(ExitCode::rendering_failed, std::string("rendering failed: ") + error.what());
   } catch (const std::bad_alloc&) {
-    return report(ExitCode::RenderingFailed, "not enough memory");
+    return report(ExitCode::rendering_failed, "not enough memory");
   } catch (const std::exception& error) {
-    return report(ExitCode::RenderingFailed, error.what());
+    return report(ExitCode::rendering_failed, error.what());
   }
 }
 

@@ -7,6 +7,6 @@
 namespace oct::app {
 
 // arguments: those behind the program's name. Returns the exit code.
-int runProgram(const std::vector<std::string>& arguments);
+int run_program(const std::vector<std::string>& arguments);
 
 }  // namespace oct::app

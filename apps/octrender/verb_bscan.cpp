@@ -16,9 +16,9 @@
 namespace oct::app {
 namespace {
 
-constexpr char kDescription[] = "Draw one B-scan as a PNG picture, depth downwards, A-scans to the right";
+constexpr char description_text[] = "Draw one B-scan as a PNG picture, depth downwards, A-scans to the right";
 
-constexpr char kFooter[] = R"(
+constexpr char footer_text[] = R"(
 Input: a .npy array (float32, float64, uint8, uint16 or bool; little-endian; either
 memory order), a PNG image (8 or 16 bits; colours count by their luminance) or, in the
 Linux build, a gray TIFF image (8 or 16 bits or 32-bit float, in strips). Rows are depth
@@ -65,15 +65,15 @@ struct Options {
   bool flip = false;
   std::string background = "000000";
   std::string overlay;
-  std::optional<double> overlayThreshold;
-  std::string overlayColormap = "inferno";
-  std::optional<NumberPair> overlayRange;
-  double overlayOpacity = 0.5;
+  std::optional<double> overlay_threshold;
+  std::string overlay_colormap = "inferno";
+  std::optional<NumberPair> overlay_range;
+  double overlay_opacity = 0.5;
 };
 
-void addInputOptions(CLI::App& verb, Options& options) {
+void add_input_options(CLI::App& verb, Options& options) {
   verb.add_option("IN", options.input, "Image or volume to read")->type_name("")->required();
-  addOutputOption(verb, options.output)->required();
+  add_output_option(verb, options.output)->required();
   verb.add_option("--frame", options.frame, "Frame of a volume, from 0 (default: the middle one)")
       ->type_name("N")
       ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""));
@@ -83,7 +83,7 @@ void addInputOptions(CLI::App& verb, Options& options) {
                 "and --overlay-threshold are then in decibels");
 }
 
-void addDisplayOptions(CLI::App& verb, Options& options) {
+void add_display_options(CLI::App& verb, Options& options) {
   auto* size = verb.add_option("--size", options.size,
                                "Size of the picture in pixels (default: one\n"
                                "pixel per sample, at most 4096 a side)");
@@ -98,7 +98,7 @@ void addDisplayOptions(CLI::App& verb, Options& options) {
                   "(default: auto, the 1st and the 99.5th\n"
                   "percentile). LO above HI inverts the map")
       ->type_name("LO HI | auto");
-  verb.add_option("--colormap", options.colormap, colormapNames() + "\nor a .csv file")
+  verb.add_option("--colormap", options.colormap, colormap_names() + "\nor a .csv file")
       ->type_name("MAP")
       ->capture_default_str();
   verb.add_flag("--reverse", options.reverse, "Turn the colour map round");
@@ -112,18 +112,18 @@ void addDisplayOptions(CLI::App& verb, Options& options) {
       ->capture_default_str();
 }
 
-void addOverlayOptions(CLI::App& verb, Options& options) {
+void add_overlay_options(CLI::App& verb, Options& options) {
   auto* overlay = verb.add_option("--overlay", options.overlay,
                                   "Second image, stretched over the first; of a\n"
                                   "volume the frame of the first is taken");
   overlay->type_name("FILE");
-  verb.add_option("--overlay-threshold", options.overlayThreshold,
+  verb.add_option("--overlay-threshold", options.overlay_threshold,
                   "Draw the overlay only where the base image is at\n"
                   "least this (default: everywhere)")
       ->type_name("T")
       ->needs(overlay);
-  addLayerColorOptions(verb, overlay, "the overlay", options.overlayRange, options.overlayColormap);
-  verb.add_option("--overlay-opacity", options.overlayOpacity, "0 (invisible) to 1 (opaque)")
+  add_layer_color_options(verb, overlay, "the overlay", options.overlay_range, options.overlay_colormap);
+  verb.add_option("--overlay-opacity", options.overlay_opacity, "0 (invisible) to 1 (opaque)")
       ->type_name("A")
       ->check(CLI::Range(0.0, 1.0).description(""))
       ->capture_default_str()
@@ -134,84 +134,85 @@ void note(const std::string& file, const std::string& text) {
   std::cerr << "octrender: " << file << ": " << text << std::endl;
 }
 
-ValueRange finishRange(const std::string& file, const Image& image, const std::optional<ValueRange>& given) {
+ValueRange finish_range(const std::string& file, const Image& image, const std::optional<ValueRange>& given) {
   if (given) return *given;
   const Progress progress("finding the display range", image.samples.size());
-  const std::optional<ValueRange> range = automaticRange(image.samples, kImageShares);
-  if (!range) throw ReadError(fromUtf8(file), "the image holds no finite sample");
+  const std::optional<ValueRange> range = automatic_range(image.samples, image_shares);
+  if (!range) throw ReadError(from_utf8(file), "the image holds no finite sample");
   return *range;
 }
 
-Layer makeBase(const Options& options, LoadedImage& loaded, const std::optional<ValueRange>& givenRange) {
-  if (loaded.frameCount > 1 && !options.frame) {
+Layer make_base(const Options& options, LoadedImage& loaded, const std::optional<ValueRange>& given_range) {
+  if (loaded.frame_count > 1 && !options.frame) {
     note(options.input, "showing frame " + std::to_string(loaded.frame) + " of 0 to " +
-                            std::to_string(loaded.frameCount - 1) + "; choose another with --frame");
+                            std::to_string(loaded.frame_count - 1) + "; choose another with --frame");
   }
   Layer layer;
   layer.image = std::move(loaded.image);
-  if (options.decibels) toDecibels(layer.image.samples);
-  layer.range = finishRange(options.input, layer.image, givenRange);
-  if (!options.decibels && !givenRange && looksLinear(layer.image.samples, layer.range)) {
+  if (options.decibels) to_decibels(layer.image.samples);
+  layer.range = finish_range(options.input, layer.image, given_range);
+  if (!options.decibels && !given_range && looks_linear(layer.image.samples, layer.range)) {
     note(options.input, "most samples are very dark beside the brightest; for linear data try --db");
   }
-  replaceNonFinite(layer.image.samples, layer.range);
+  replace_non_finite(layer.image.samples, layer.range);
   return layer;
 }
 
-Overlay makeOverlay(const Options& options, const LoadedImage& base, Colormap colormap,
-                    const std::optional<ValueRange>& givenRange) {
+Overlay make_overlay(const Options& options, const LoadedImage& base, Colormap colormap,
+                     const std::optional<ValueRange>& given_range) {
   FrameChoice frame{options.frame, true};
-  if (base.frameCount > 1) frame.number = base.frame;
-  const std::filesystem::path path = fromUtf8(options.overlay);
+  if (base.frame_count > 1) frame.number = base.frame;
+  const std::filesystem::path path = from_utf8(options.overlay);
   Overlay overlay;
-  overlay.threshold = options.overlayThreshold;
+  overlay.threshold = options.overlay_threshold;
   Layer& layer = overlay.layer;
-  layer.image = loadImage(path, frame, options.transpose, readingProgress(path)).image;
+  layer.image = load_image(path, frame, options.transpose, reading_progress(path)).image;
   layer.colormap = std::move(colormap);
-  scaleAlpha(layer.colormap, options.overlayOpacity);
-  layer.range = finishRange(options.overlay, layer.image, givenRange);
-  replaceNonFinite(layer.image.samples, layer.range);
+  scale_alpha(layer.colormap, options.overlay_opacity);
+  layer.range = finish_range(options.overlay, layer.image, given_range);
+  replace_non_finite(layer.image.samples, layer.range);
   return overlay;
 }
 
 void run(const Options& options) {
   // Everything that can be refused by the command line alone comes before the files are read.
-  const std::filesystem::path output = pictureFile(options.output, {options.input, options.overlay});
-  const std::optional<ValueRange> range = parseRange("--range", options.range);
-  const std::optional<ValueRange> overlayRange = parseRange("--overlay-range", options.overlayRange);
-  const Spacing spacing = parseSpacing(options.spacing);
+  const std::filesystem::path output = picture_file(options.output, {options.input, options.overlay});
+  const std::optional<ValueRange> range = parse_range("--range", options.range);
+  const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_range);
+  const Spacing spacing = parse_spacing(options.spacing);
   BscanScene scene;
-  if (!options.size.empty()) scene.size = parsePictureSize(options.size);
-  scene.background = parseColor("--background", options.background);
-  Colormap colormap = loadColormap(options.colormap);
-  const Colormap overlayColormap = loadColormap(options.overlayColormap);
+  if (!options.size.empty()) scene.size = parse_picture_size(options.size);
+  scene.background = parse_color("--background", options.background);
+  Colormap colormap = load_colormap(options.colormap);
+  const Colormap overlay_colormap = load_colormap(options.overlay_colormap);
   if (options.reverse) std::reverse(colormap.begin(), colormap.end());
-  flattenOnto(colormap, scene.background);
+  flatten_onto(colormap, scene.background);
 
-  const std::filesystem::path input = fromUtf8(options.input);
-  LoadedImage loaded = loadImage(input, {options.frame}, options.transpose, readingProgress(input));
+  const std::filesystem::path input = from_utf8(options.input);
+  LoadedImage loaded = load_image(input, {options.frame}, options.transpose, reading_progress(input));
   if (options.size.empty()) {
-    scene.size = naturalPictureSize(loaded.image.depth, loaded.image.ascans, spacing);
+    scene.size = natural_picture_size(loaded.image.depth, loaded.image.ascans, spacing);
   }
-  scene.base = makeBase(options, loaded, range);
+  scene.base = make_base(options, loaded, range);
   scene.base.colormap = std::move(colormap);
-  if (!options.overlay.empty()) scene.overlay = makeOverlay(options, loaded, overlayColormap, overlayRange);
-  scene.firstBlur = options.blur == "first" || options.blur == "both";
-  scene.secondBlur = options.blur == "second" || options.blur == "both";
-  scene.pepperFilter = options.pepper;
+  if (!options.overlay.empty())
+    scene.overlay = make_overlay(options, loaded, overlay_colormap, overlay_range);
+  scene.first_blur = options.blur == "first" || options.blur == "both";
+  scene.second_blur = options.blur == "second" || options.blur == "both";
+  scene.pepper_filter = options.pepper;
   scene.flip = options.flip;
-  writePng(output, renderBscan(scene));
+  write_png(output, render_bscan(scene));
 }
 
 }  // namespace
 
-void addBscanVerb(CLI::App& program) {
-  CLI::App* verb = program.add_subcommand("bscan", kDescription);
+void add_bscan_verb(CLI::App& program) {
+  CLI::App* verb = program.add_subcommand("bscan", description_text);
   const auto options = std::make_shared<Options>();
-  addInputOptions(*verb, *options);
-  addDisplayOptions(*verb, *options);
-  addOverlayOptions(*verb, *options);
-  verb->footer(kFooter);
+  add_input_options(*verb, *options);
+  add_display_options(*verb, *options);
+  add_overlay_options(*verb, *options);
+  verb->footer(footer_text);
   verb->callback([options] { run(*options); });
 }
 

@@ -15,22 +15,22 @@ extern "C" void glGetIntegerv(unsigned int name, int* value);
 namespace oct::app {
 namespace {
 
-constexpr char kDescription[] =
+constexpr char description_text[] =
     "Show the OpenGL driver, versions and limits, and what they mean for a volume";
 
-constexpr char kFooter[] = R"(
+constexpr char footer_text[] = R"(
 Examples:
   octrender info
   octrender info skin.npy
 )";
 
-constexpr unsigned int kVendor = 0x1F00;
-constexpr unsigned int kRenderer = 0x1F01;
-constexpr unsigned int kVersion = 0x1F02;
-constexpr unsigned int kShadingLanguage = 0x8B8C;
-constexpr unsigned int kMaxTextureSize = 0x0D33;
-constexpr unsigned int kMax3DTextureSize = 0x8073;
-constexpr unsigned int kMaxRenderbufferSize = 0x84E8;
+constexpr unsigned int vendor = 0x1F00;
+constexpr unsigned int renderer = 0x1F01;
+constexpr unsigned int version = 0x1F02;
+constexpr unsigned int shading_language = 0x8B8C;
+constexpr unsigned int max_texture_size = 0x0D33;
+constexpr unsigned int max_3d_texture_size = 0x8073;
+constexpr unsigned int max_renderbuffer_size = 0x84E8;
 
 struct Options {
   std::string input;
@@ -49,22 +49,22 @@ int number(unsigned int name) {
   return value;
 }
 
-void showDriver() {
+void show_driver() {
   std::cout << "octrender            " << getRendererVersion() << "\n"
-            << "OpenGL               " << text(kVersion) << "\n"
-            << "driver               " << text(kRenderer) << "\n"
-            << "vendor               " << text(kVendor) << "\n"
-            << "shading language     " << text(kShadingLanguage) << "\n"
-            << "largest picture      " << number(kMaxRenderbufferSize) << " pixels a side\n"
-            << "largest B-scan       " << number(kMaxTextureSize) << " samples a side\n"
-            << "largest volume       " << number(kMax3DTextureSize) << " voxels a side\n";
+            << "OpenGL               " << text(version) << "\n"
+            << "driver               " << text(renderer) << "\n"
+            << "vendor               " << text(vendor) << "\n"
+            << "shading language     " << text(shading_language) << "\n"
+            << "largest picture      " << number(max_renderbuffer_size) << " pixels a side\n"
+            << "largest B-scan       " << number(max_texture_size) << " samples a side\n"
+            << "largest volume       " << number(max_3d_texture_size) << " voxels a side\n";
 }
 
 // Asks the library itself: the driver's word on an extent is not yet a texture.
-void showVolume(const Options& options) {
+void show_volume(const Options& options) {
   VolumeInput input{options.input, {}, options.transpose};
-  if (!options.raw.empty()) input.raw = parseRawLayout(options.raw);
-  const VolumeData volume = readVolume(input);
+  if (!options.raw.empty()) input.raw = parse_raw_layout(options.raw);
+  const VolumeData volume = read_volume(input);
   std::cout << options.input << ": depth " << volume.depth << ", A-scans " << volume.ascans << ", B-scans "
             << volume.bscans << "; " << (volume.voxels.size() * 2 + 999'999) / 1'000'000
             << " MB on the graphics device\n";
@@ -76,19 +76,19 @@ void showVolume(const Options& options) {
 
 void run(const Options& options) {
   const OffscreenTarget target;
-  showDriver();
-  if (!options.input.empty()) showVolume(options);
+  show_driver();
+  if (!options.input.empty()) show_volume(options);
 }
 
 }  // namespace
 
-void addInfoVerb(CLI::App& program) {
-  CLI::App* verb = program.add_subcommand("info", kDescription);
+void add_info_verb(CLI::App& program) {
+  CLI::App* verb = program.add_subcommand("info", description_text);
   const auto options = std::make_shared<Options>();
   verb->add_option("IN", options->input, "Volume to check, as octrender volume reads it")->type_name("");
   verb->add_option("--raw", options->raw, "As for octrender volume")->type_name("DEPTHxASCANSxBSCANS:TYPE");
   verb->add_flag("--transpose", options->transpose, "As for octrender volume");
-  verb->footer(kFooter);
+  verb->footer(footer_text);
   verb->callback([options] { run(*options); });
 }
 

@@ -22,9 +22,9 @@
 namespace oct::app {
 namespace {
 
-constexpr char kDescription[] = "Draw the volumes of a device as they come, and measure how they do";
+constexpr char description_text[] = "Draw the volumes of a device as they come, and measure how they do";
 
-constexpr char kFooter[] = R"(
+constexpr char footer_text[] = R"(
 The device is the simulated one, which looks at a phantom or plays a volume back. Another
 device library must export the simulated device's functions that make a device, a
 processing and a scan pattern (createSimulatedDevice, ...); docs/live.md lists them.
@@ -54,7 +54,7 @@ struct Options : VolumeOptions {
   std::string output;
   double seconds = 5;
   unsigned snapshots = 1;
-  double framesPerSecond = 60;
+  double frames_per_second = 60;
   std::string library = "oct_device";
   int phantom = OCT_PHANTOM_FINGER_PAD;
   std::string playback;
@@ -63,19 +63,19 @@ struct Options : VolumeOptions {
   double depth = 3.6;
   int motion = OCT_MOTION_NONE;
   std::optional<double> rate;
-  std::optional<int> sizeZ;
-  double refractiveIndex = 1;
+  std::optional<int> size_z;
+  double refractive_index = 1;
   std::string polarization;
   std::optional<double> threshold;
   std::vector<int> averaging{1, 1, 1, 1};
   bool analog = false;
-  int analogChannel = 0;
+  int analog_channel = 0;
   bool surface = false;
-  std::string surfaceColormap = "viridis";
+  std::string surface_colormap = "viridis";
 };
 
-void addRunOptions(CLI::App& verb, Options& options) {
-  addOutputOption(verb, options.output);
+void add_run_options(CLI::App& verb, Options& options) {
+  add_output_option(verb, options.output);
   verb.add_option("--seconds", options.seconds, "How long to show volumes")
       ->check(within(0.01, 1e6))
       ->capture_default_str();
@@ -83,25 +83,25 @@ void addRunOptions(CLI::App& verb, Options& options) {
       ->type_name("N")
       ->check(within(1, 1000))
       ->capture_default_str();
-  verb.add_option("--fps", options.framesPerSecond, "Frames per second at most, 0: as many as can be")
+  verb.add_option("--fps", options.frames_per_second, "Frames per second at most, 0: as many as can be")
       ->check(within(0, 1e4))
       ->capture_default_str();
 }
 
-void addDeviceOptions(CLI::App& verb, Options& options) {
+void add_device_options(CLI::App& verb, Options& options) {
   verb.add_option("--device-library", options.library, "Device library by name or path")
       ->type_name("NAME")
       ->capture_default_str();
   auto* phantom = verb.add_option("--phantom", options.phantom, "What the device looks at (default: finger)");
   phantom->type_name("finger|retina|mirror|target")
-      ->transform(oneOf({{"finger", OCT_PHANTOM_FINGER_PAD},
-                         {"retina", OCT_PHANTOM_RETINA},
-                         {"mirror", OCT_PHANTOM_MIRROR},
-                         {"target", OCT_PHANTOM_POLARIZATION_TARGET}}));
-  addScanOptions(verb, options.scan);
+      ->transform(one_of({{"finger", OCT_PHANTOM_FINGER_PAD},
+                          {"retina", OCT_PHANTOM_RETINA},
+                          {"mirror", OCT_PHANTOM_MIRROR},
+                          {"target", OCT_PHANTOM_POLARIZATION_TARGET}}));
+  add_scan_options(verb, options.scan);
   auto* motion = verb.add_option("--motion", options.motion, "How the phantom moves (default: none)");
   motion->type_name("none|breathing|drift")
-      ->transform(oneOf(
+      ->transform(one_of(
           {{"none", OCT_MOTION_NONE}, {"breathing", OCT_MOTION_BREATHING}, {"drift", OCT_MOTION_DRIFT}}));
   verb.add_option("--rate", options.rate,
                   "A-scans per second in real time (default: as fast as\nvolumes can be computed)")
@@ -120,11 +120,11 @@ void addDeviceOptions(CLI::App& verb, Options& options) {
       ->needs(playback);
 }
 
-void addSourceOptions(CLI::App& verb, Options& options) {
-  verb.add_option("--size-z", options.sizeZ, "Depth samples that are drawn (default: all)")
+void add_source_options(CLI::App& verb, Options& options) {
+  verb.add_option("--size-z", options.size_z, "Depth samples that are drawn (default: all)")
       ->type_name("N")
       ->check(within(1, 65536));
-  verb.add_option("--refractive-index", options.refractiveIndex, "What depths are divided by")
+  verb.add_option("--refractive-index", options.refractive_index, "What depths are divided by")
       ->check(within(0.1, 10))
       ->capture_default_str();
   auto* polarization = verb.add_option(
@@ -145,20 +145,20 @@ void addSourceOptions(CLI::App& verb, Options& options) {
       ->needs(polarization);
   auto* analog = verb.add_flag("--analog", options.analog, "Colour a composite by the analog input");
   analog->excludes(polarization);
-  verb.add_option("--analog-channel", options.analogChannel, "Channel of the analog input")
+  verb.add_option("--analog-channel", options.analog_channel, "Channel of the analog input")
       ->type_name("N")
       ->check(within(0, 63))
       ->capture_default_str()
       ->needs(analog);
   auto* surface = verb.add_flag("--surface", options.surface, "Draw the surface, too");
-  addLayerColormapOption(verb, surface, "the surface", options.surfaceColormap);
+  add_layer_colormap_option(verb, surface, "the surface", options.surface_colormap);
 }
 
-bool isIntensity(const std::optional<PolarizationMode>& mode) {
-  return !mode || !naturalRange(*mode);
+bool is_intensity(const std::optional<PolarizationMode>& mode) {
+  return !mode || !natural_range(*mode);
 }
 
-DeviceSetup deviceSetup(const Options& options, const std::optional<PolarizationMode>& mode) {
+DeviceSetup device_setup(const Options& options, const std::optional<PolarizationMode>& mode) {
   DeviceSetup setup;
   setup.library = options.library;
   setup.phantom = options.phantom;
@@ -169,40 +169,40 @@ DeviceSetup deviceSetup(const Options& options, const std::optional<Polarization
   setup.rate = options.rate;
   setup.polarization = mode;
   if (!options.playback.empty()) {
-    setup.playback = readVolume({options.playback, {}, false});
+    setup.playback = read_volume({options.playback, {}, false});
     std::vector<float>& voxels = setup.playback->voxels;
-    replaceNonFinite(voxels, volumeRange(options.playback, voxels, {}, {0, 1}));
+    replace_non_finite(voxels, volume_range(options.playback, voxels, {}, {0, 1}));
   }
   return setup;
 }
 
 // Settings that the command line alone decides and can refuse.
-LiveScene sceneOf(const Options& options, const std::optional<PolarizationMode>& mode) {
+LiveScene scene_of(const Options& options, const std::optional<PolarizationMode>& mode) {
   LiveScene scene;
-  scene.view = viewOf(options);
-  scene.view.secondaryColors = options.analog;
-  if (options.analog && scene.view.look != VolumeLook::Composite) {
+  scene.view = view_of(options);
+  scene.view.secondary_colors = options.analog;
+  if (options.analog && scene.view.look != VolumeLook::composite) {
     throw CommandLineError("--analog colours composites only; it needs --mode composite");
   }
-  const bool plain = scene.view.look == VolumeLook::Sections || options.analog;
-  const char* const map = !isIntensity(mode) ? "viridis" : plain ? "gray" : "inferno";
-  scene.volume.colormap = volumeColormap(options, scene.view.look, map);
-  if (options.surface) scene.surface = LayerColors{loadColormap(options.surfaceColormap), {}};
-  if (options.analog) scene.analog = LayerColors{loadColormap("viridis"), {0, 1}};
-  scene.analogChannel = options.analogChannel;
+  const bool plain = scene.view.look == VolumeLook::sections || options.analog;
+  const char* const map = !is_intensity(mode) ? "viridis" : plain ? "gray" : "inferno";
+  scene.volume.colormap = volume_colormap(options, scene.view.look, map);
+  if (options.surface) scene.surface = LayerColors{load_colormap(options.surface_colormap), {}};
+  if (options.analog) scene.analog = LayerColors{load_colormap("viridis"), {0, 1}};
+  scene.analog_channel = options.analog_channel;
   return scene;
 }
 
-LiveSettings settingsOf(const Options& options, const std::optional<PolarizationMode>& mode) {
+LiveSettings settings_of(const Options& options, const std::optional<PolarizationMode>& mode) {
   LiveSettings settings;
   SourceSettings& source = settings.source;
-  source.sizeZ = options.sizeZ;
-  source.refractiveIndex = options.refractiveIndex;
+  source.size_z = options.size_z;
+  source.refractive_index = options.refractive_index;
   source.analog = options.analog;
   source.polarization = mode;
   std::copy_n(options.averaging.begin(), source.averaging.size(), source.averaging.begin());
   settings.seconds = options.seconds;
-  settings.framesPerSecond = options.framesPerSecond;
+  settings.frames_per_second = options.frames_per_second;
   settings.snapshots = options.snapshots;
   return settings;
 }
@@ -210,26 +210,26 @@ LiveSettings settingsOf(const Options& options, const std::optional<Polarization
 // What only the device's volumes can tell: boundaries and the threshold.
 void adapt(const Options& options, const std::optional<ValueRange>& range, LiveDevice& device,
            LiveScene& scene, SourceSettings& source) {
-  const bool intensity = isIntensity(source.polarization);
-  scene.volume.range = range ? *range : intensity ? ValueRange{} : *naturalRange(*source.polarization);
+  const bool intensity = is_intensity(source.polarization);
+  scene.volume.range = range ? *range : intensity ? ValueRange{} : *natural_range(*source.polarization);
   if (options.threshold) source.threshold = *options.threshold;
-  const bool wantsRange = intensity && !range;
-  const bool wantsThreshold = source.polarization && !options.threshold;
-  if (!wantsRange && !wantsThreshold && !scene.surface) return;
+  const bool wants_range = intensity && !range;
+  const bool wants_threshold = source.polarization && !options.threshold;
+  if (!wants_range && !wants_threshold && !scene.surface) return;
 
-  const Progress progress("measuring a first volume", Progress::kLong);
+  const Progress progress("measuring a first volume", Progress::unknown_length);
   MeasuredVolume first = device.measure(scene.surface.has_value());
-  if (wantsRange) {
+  if (wants_range) {
     scene.volume.range =
-        volumeRange("the device's first volume", first.samples, {}, rangeShares(scene.view.look));
+        volume_range("the device's first volume", first.samples, {}, range_shares(scene.view.look));
   }
   if (scene.surface) {
     // The source gives the part that is drawn, divided by the refractive index, as the range of the whole.
-    const double drawn = source.sizeZ ? static_cast<double>(*source.sizeZ) / first.depth : 1.0;
-    const double wholeDepth = device.depthRange() * drawn / source.refractiveIndex;
-    scene.surface->range = first.surfaceRange(wholeDepth).value_or(ValueRange{});
+    const double drawn = source.size_z ? static_cast<double>(*source.size_z) / first.depth : 1.0;
+    const double whole_depth = device.depth_range() * drawn / source.refractive_index;
+    scene.surface->range = first.surface_range(whole_depth).value_or(ValueRange{});
   }
-  if (wantsThreshold) source.threshold = first.polarizationThreshold();
+  if (wants_threshold) source.threshold = first.polarization_threshold();
 }
 
 void print(const LiveResult& result) {
@@ -242,58 +242,59 @@ void print(const LiveResult& result) {
             << "acquired: " << report.acquired << " volumes, " << rate(report.acquired) << " per second\n"
             << "shown:    " << report.shown << " volumes, " << rate(report.shown) << " per second\n"
             << "dropped:  " << report.dropped << " volumes\n"
-            << "latency:  median " << report.latencyAt(0.5) << " ms, 99th percentile "
-            << report.latencyAt(0.99) << " ms, worst " << report.latencyAt(1.0) << " ms\n"
+            << "latency:  median " << report.latency_at(0.5) << " ms, 99th percentile "
+            << report.latency_at(0.99) << " ms, worst " << report.latency_at(1.0) << " ms\n"
             << "frames:   " << report.frames << ", " << rate(report.frames) << " per second, worst "
-            << report.worstFrame << " ms\n";
+            << report.worst_frame << " ms\n";
 }
 
 void run(const Options& options) {
   const std::filesystem::path output =
-      options.output.empty() ? std::filesystem::path() : pictureFile(options.output, {});
-  const std::optional<ValueRange> range = parseRange("--range", options.range);
+      options.output.empty() ? std::filesystem::path() : picture_file(options.output, {});
+  const std::optional<ValueRange> range = parse_range("--range", options.range);
   const std::optional<PolarizationMode> mode = options.polarization.empty()
                                                    ? std::optional<PolarizationMode>()
-                                                   : parsePolarizationMode(options.polarization);
-  LiveScene scene = sceneOf(options, mode);
-  LiveSettings settings = settingsOf(options, mode);
+                                                   : parse_polarization_mode(options.polarization);
+  LiveScene scene = scene_of(options, mode);
+  LiveSettings settings = settings_of(options, mode);
 
-  LiveDevice device(deviceSetup(options, mode));
+  LiveDevice device(device_setup(options, mode));
   checked(setDeviceLibrary, options.library.c_str());
   adapt(options, range, device, scene, settings.source);
   LiveResult result;
   {
-    Progress progress("live", Progress::kLong);
+    Progress progress("live", Progress::unknown_length);
     LiveEvents events;
     events.snapshot = [&](unsigned number, const Picture& picture) {
       if (output.empty()) return;
-      writePng(options.snapshots > 1 ? numbered(output, number) : output, picture);
+      write_png(options.snapshots > 1 ? numbered(output, number) : output, picture);
     };
     events.progress = [&](double seconds) {
-      constexpr double kSteps = 1000;
+      constexpr double steps = 1000;
       const double part = std::clamp(seconds / options.seconds, 0.0, 1.0);
-      progress.update(static_cast<std::size_t>(kSteps * part), static_cast<std::size_t>(kSteps));
+      progress.update(static_cast<std::size_t>(steps * part), static_cast<std::size_t>(steps));
     };
-    result = showLive(device, scene, settings, events);
+    result = show_live(device, scene, settings, events);
   }
   print(result);
 }
 
 }  // namespace
 
-void addLiveVerb(CLI::App& program) {
-  CLI::App* verb = program.add_subcommand("live", kDescription);
+void add_live_verb(CLI::App& program) {
+  CLI::App* verb = program.add_subcommand("live", description_text);
   const auto options = std::make_shared<Options>();
   options->size = "640x480";
   options->slices = 128;
-  addRunOptions(*verb, *options);
-  addDeviceOptions(*verb, *options);
-  addSourceOptions(*verb, *options);
-  addViewOptions(*verb, *options);
-  addColorOptions(*verb, *options, "inferno; gray for sections and with --analog;\nviridis for polarization");
-  addCutOptions(*verb, *options);
-  addBoxOptions(*verb, *options);
-  verb->footer(kFooter);
+  add_run_options(*verb, *options);
+  add_device_options(*verb, *options);
+  add_source_options(*verb, *options);
+  add_view_options(*verb, *options);
+  add_color_options(*verb, *options,
+                    "inferno; gray for sections and with --analog;\nviridis for polarization");
+  add_cut_options(*verb, *options);
+  add_box_options(*verb, *options);
+  verb->footer(footer_text);
   verb->callback([options] { run(*options); });
 }
 

@@ -15,9 +15,9 @@
 namespace oct::app {
 namespace {
 
-constexpr char kDescription[] = "Draw a volume as a PNG picture, or as a series that turns it once round";
+constexpr char description_text[] = "Draw a volume as a PNG picture, or as a series that turns it once round";
 
-constexpr char kFooter[] = R"(
+constexpr char footer_text[] = R"(
 Input: a .npy array of three axes (B-scan, depth, A-scan), in the Linux build a TIFF file
 of several gray pages (one B-scan each), or with --raw a file of samples without a header,
 depth fastest and B-scans slowest. Samples keep their values.
@@ -50,27 +50,27 @@ struct Options : VolumeOptions {
   bool decibels = false;
   std::vector<double> extent;
   std::string surface;
-  std::string surfaceColormap = "viridis";
-  bool surfaceOnly = false;
+  std::string surface_colormap = "viridis";
+  bool surface_only = false;
   std::string overlay;
-  std::optional<NumberPair> overlayRange;
-  std::string overlayColormap = "inferno";
+  std::optional<NumberPair> overlay_range;
+  std::string overlay_colormap = "inferno";
   std::string secondary;
-  std::optional<NumberPair> secondaryRange;
-  std::string secondaryColormap = "viridis";
+  std::optional<NumberPair> secondary_range;
+  std::string secondary_colormap = "viridis";
   unsigned turntable = 0;
 };
 
-void addInputOptions(CLI::App& verb, Options& options) {
+void add_input_options(CLI::App& verb, Options& options) {
   verb.add_option("IN", options.input, "Volume to read")->type_name("")->required();
-  addOutputOption(verb, options.output)->required();
+  add_output_option(verb, options.output)->required();
   verb.add_option("--raw", options.raw, "Read samples without a header; types f4, u1, u2")
       ->type_name("DEPTHxASCANSxBSCANS:TYPE");
   verb.add_flag("--transpose", options.transpose, "The array's axes are B-scan, A-scan, depth");
   verb.add_flag("--db", options.decibels, "Draw 20 log10 of the samples, for linear data");
 }
 
-void addPlacingOptions(CLI::App& verb, Options& options) {
+void add_placing_options(CLI::App& verb, Options& options) {
   verb.add_option(
           "--extent", options.extent,
           "Physical extent in millimetres; without it voxels\ncount as cubes and there are no scale marks")
@@ -81,23 +81,24 @@ void addPlacingOptions(CLI::App& verb, Options& options) {
       ->check(CLI::Range(2, 3600).description(""));
 }
 
-void addDataOptions(CLI::App& verb, Options& options) {
+void add_data_options(CLI::App& verb, Options& options) {
   auto* surface =
       verb.add_option("--surface", options.surface, "Height map of depths in samples, one row per B-scan");
   surface->type_name("FILE");
-  addLayerColormapOption(verb, surface, "the surface", options.surfaceColormap);
-  verb.add_flag("--surface-only", options.surfaceOnly, "Draw the surface without the volume")->needs(surface);
+  add_layer_colormap_option(verb, surface, "the surface", options.surface_colormap);
+  verb.add_flag("--surface-only", options.surface_only, "Draw the surface without the volume")
+      ->needs(surface);
   auto* overlay = verb.add_option("--overlay", options.overlay, "Second volume of the same size, laid over");
   overlay->type_name("FILE");
-  addLayerColorOptions(verb, overlay, "the overlay", options.overlayRange, options.overlayColormap);
+  add_layer_color_options(verb, overlay, "the overlay", options.overlay_range, options.overlay_colormap);
   auto* secondary = verb.add_option(
       "--secondary", options.secondary,
       "Map of a second quantity over the lateral axes, one row\nper B-scan, that colours a composite");
   secondary->type_name("FILE")->excludes(overlay);
-  addLayerColorOptions(verb, secondary, "the map", options.secondaryRange, options.secondaryColormap);
+  add_layer_color_options(verb, secondary, "the map", options.secondary_range, options.secondary_colormap);
 }
 
-std::array<float, 3> parseExtent(const std::vector<double>& numbers, const VolumeData& volume) {
+std::array<float, 3> parse_extent(const std::vector<double>& numbers, const VolumeData& volume) {
   if (numbers.empty()) {
     return {static_cast<float>(volume.depth), static_cast<float>(volume.ascans),
             static_cast<float>(volume.bscans)};
@@ -107,7 +108,7 @@ std::array<float, 3> parseExtent(const std::vector<double>& numbers, const Volum
   return extent;
 }
 
-void checkExtent(const std::vector<double>& numbers) {
+void check_extent(const std::vector<double>& numbers) {
   for (const double number : numbers) {
     if (!(std::isfinite(number) && number >= 1e-6 && number <= 1e6)) {
       throw CommandLineError("--extent: each extent must be from 0.000001 to 1000000 millimetres");
@@ -116,113 +117,113 @@ void checkExtent(const std::vector<double>& numbers) {
 }
 
 // Settings that the command line alone decides and can refuse.
-VolumeScene sceneOf(const Options& options) {
+VolumeScene scene_of(const Options& options) {
   VolumeScene scene;
-  static_cast<VolumeView&>(scene) = viewOf(options);
-  checkExtent(options.extent);
-  scene.scaleMarks = scene.scaleMarks && !options.extent.empty();
-  scene.showVolume = !options.surfaceOnly;
-  if (!options.secondary.empty() && scene.look != VolumeLook::Composite) {
+  static_cast<VolumeView&>(scene) = view_of(options);
+  check_extent(options.extent);
+  scene.scale_marks = scene.scale_marks && !options.extent.empty();
+  scene.show_volume = !options.surface_only;
+  if (!options.secondary.empty() && scene.look != VolumeLook::composite) {
     throw CommandLineError("--secondary colours composites only; it needs --mode composite");
   }
-  scene.secondaryColors = !options.secondary.empty();
-  const bool plain = scene.look == VolumeLook::Sections || scene.secondaryColors;
-  scene.base.colormap = volumeColormap(options, scene.look, plain ? "gray" : "inferno");
+  scene.secondary_colors = !options.secondary.empty();
+  const bool plain = scene.look == VolumeLook::sections || scene.secondary_colors;
+  scene.base.colormap = volume_colormap(options, scene.look, plain ? "gray" : "inferno");
   return scene;
 }
 
-void loadBase(const Options& options, const std::optional<RawLayout>& raw,
-              const std::optional<ValueRange>& range, VolumeScene& scene) {
+void load_base(const Options& options, const std::optional<RawLayout>& raw,
+               const std::optional<ValueRange>& range, VolumeScene& scene) {
   VolumeLayer& base = scene.base;
-  base.data = readVolume({options.input, raw, options.transpose});
-  if (options.decibels) toDecibels(base.data.voxels);
-  base.range = volumeRange(options.input, base.data.voxels, range, rangeShares(scene.look));
-  replaceNonFinite(base.data.voxels, base.range);
-  scene.extent = parseExtent(options.extent, base.data);
+  base.data = read_volume({options.input, raw, options.transpose});
+  if (options.decibels) to_decibels(base.data.voxels);
+  base.range = volume_range(options.input, base.data.voxels, range, range_shares(scene.look));
+  replace_non_finite(base.data.voxels, base.range);
+  scene.extent = parse_extent(options.extent, base.data);
 }
 
-void loadOverlay(const Options& options, const std::optional<RawLayout>& raw,
-                 const std::optional<ValueRange>& range, Colormap colormap, VolumeScene& scene) {
+void load_overlay(const Options& options, const std::optional<RawLayout>& raw,
+                  const std::optional<ValueRange>& range, Colormap colormap, VolumeScene& scene) {
   VolumeLayer overlay;
-  overlay.data = readVolume({options.overlay, raw, options.transpose});
+  overlay.data = read_volume({options.overlay, raw, options.transpose});
   const VolumeData& base = scene.base.data;
   if (overlay.data.depth != base.depth || overlay.data.ascans != base.ascans ||
       overlay.data.bscans != base.bscans) {
-    throw ReadError(fromUtf8(options.overlay), "the overlay has another size than the volume");
+    throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
   }
-  overlay.range = volumeRange(options.overlay, overlay.data.voxels, range, {0.6, 0.998});
-  replaceNonFinite(overlay.data.voxels, overlay.range);
+  overlay.range = volume_range(options.overlay, overlay.data.voxels, range, {0.6, 0.998});
+  replace_non_finite(overlay.data.voxels, overlay.range);
   overlay.colormap = std::move(colormap);
   scene.overlay = std::move(overlay);
 }
 
-void loadSurface(const Options& options, Colormap colormap, VolumeScene& scene) {
+void load_surface(const Options& options, Colormap colormap, VolumeScene& scene) {
   HeightMap surface;
-  surface.depths = loadHeightMap(fromUtf8(options.surface), scene.base.data);
-  surface.range = volumeRange(options.surface, surface.depths, {}, {0.01, 0.99});
-  replaceNonFinite(surface.depths, surface.range);
+  surface.depths = load_height_map(from_utf8(options.surface), scene.base.data);
+  surface.range = volume_range(options.surface, surface.depths, {}, {0.01, 0.99});
+  replace_non_finite(surface.depths, surface.range);
   surface.colormap = std::move(colormap);
   scene.surface = std::move(surface);
 }
 
-void loadSecondary(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
-                   VolumeScene& scene) {
+void load_secondary(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
+                    VolumeScene& scene) {
   SecondaryColoring secondary;
-  secondary.map = loadLateralMap(fromUtf8(options.secondary));
-  secondary.range = volumeRange(options.secondary, secondary.map.values, range, {0.01, 0.99});
-  replaceNonFinite(secondary.map.values, secondary.range);
+  secondary.map = load_lateral_map(from_utf8(options.secondary));
+  secondary.range = volume_range(options.secondary, secondary.map.values, range, {0.01, 0.99});
+  replace_non_finite(secondary.map.values, secondary.range);
   secondary.colormap = std::move(colormap);
   scene.secondary = std::move(secondary);
 }
 
 void draw(const VolumeScene& scene, const std::filesystem::path& output, unsigned turntable) {
   if (turntable == 0) {
-    renderVolume(scene, 1, [&](unsigned, const Picture& picture) { writePng(output, picture); });
+    render_volume(scene, 1, [&](unsigned, const Picture& picture) { write_png(output, picture); });
     return;
   }
   const std::size_t samples = std::size_t{turntable} * scene.size.width * scene.size.height;
   Progress progress("drawing " + std::to_string(turntable) + " pictures", samples);
-  renderVolume(scene, turntable, [&](unsigned number, const Picture& picture) {
+  render_volume(scene, turntable, [&](unsigned number, const Picture& picture) {
     progress.update(number, turntable);
-    writePng(numbered(output, number), picture);
+    write_png(numbered(output, number), picture);
   });
 }
 
 void run(const Options& options) {
   // Everything that can be refused by the command line alone comes before the files are read.
   const std::filesystem::path output =
-      pictureFile(options.output, {options.input, options.overlay, options.surface, options.secondary});
-  const std::optional<ValueRange> range = parseRange("--range", options.range);
-  const std::optional<ValueRange> overlayRange = parseRange("--overlay-range", options.overlayRange);
-  const std::optional<ValueRange> secondaryRange = parseRange("--secondary-range", options.secondaryRange);
+      picture_file(options.output, {options.input, options.overlay, options.surface, options.secondary});
+  const std::optional<ValueRange> range = parse_range("--range", options.range);
+  const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_range);
+  const std::optional<ValueRange> secondary_range = parse_range("--secondary-range", options.secondary_range);
   const std::optional<RawLayout> raw =
-      options.raw.empty() ? std::optional<RawLayout>() : parseRawLayout(options.raw);
-  VolumeScene scene = sceneOf(options);
-  Colormap overlayColormap = loadColormap(options.overlayColormap);
-  if (!isOwnColormap(options.overlayColormap)) addOpacityRamp(overlayColormap, 1.0);
-  const Colormap surfaceColormap = loadColormap(options.surfaceColormap);
-  const Colormap secondaryColormap = loadColormap(options.secondaryColormap);
+      options.raw.empty() ? std::optional<RawLayout>() : parse_raw_layout(options.raw);
+  VolumeScene scene = scene_of(options);
+  Colormap overlay_colormap = load_colormap(options.overlay_colormap);
+  if (!is_own_colormap(options.overlay_colormap)) add_opacity_ramp(overlay_colormap, 1.0);
+  const Colormap surface_colormap = load_colormap(options.surface_colormap);
+  const Colormap secondary_colormap = load_colormap(options.secondary_colormap);
 
-  loadBase(options, raw, range, scene);
-  if (!options.overlay.empty()) loadOverlay(options, raw, overlayRange, std::move(overlayColormap), scene);
-  if (!options.surface.empty()) loadSurface(options, surfaceColormap, scene);
-  if (!options.secondary.empty()) loadSecondary(options, secondaryRange, secondaryColormap, scene);
+  load_base(options, raw, range, scene);
+  if (!options.overlay.empty()) load_overlay(options, raw, overlay_range, std::move(overlay_colormap), scene);
+  if (!options.surface.empty()) load_surface(options, surface_colormap, scene);
+  if (!options.secondary.empty()) load_secondary(options, secondary_range, secondary_colormap, scene);
   draw(scene, output, options.turntable);
 }
 
 }  // namespace
 
-void addVolumeVerb(CLI::App& program) {
-  CLI::App* verb = program.add_subcommand("volume", kDescription);
+void add_volume_verb(CLI::App& program) {
+  CLI::App* verb = program.add_subcommand("volume", description_text);
   const auto options = std::make_shared<Options>();
-  addInputOptions(*verb, *options);
-  addViewOptions(*verb, *options);
-  addPlacingOptions(*verb, *options);
-  addColorOptions(*verb, *options, "inferno; gray for sections and below --secondary");
-  addCutOptions(*verb, *options);
-  addDataOptions(*verb, *options);
-  addBoxOptions(*verb, *options);
-  verb->footer(kFooter);
+  add_input_options(*verb, *options);
+  add_view_options(*verb, *options);
+  add_placing_options(*verb, *options);
+  add_color_options(*verb, *options, "inferno; gray for sections and below --secondary");
+  add_cut_options(*verb, *options);
+  add_data_options(*verb, *options);
+  add_box_options(*verb, *options);
+  verb->footer(footer_text);
   verb->callback([options] { run(*options); });
 }
 

@@ -5,9 +5,9 @@
 
 namespace oct::app {
 
-void addBscanVerb(CLI::App& program);
-void addInfoVerb(CLI::App& program);
-void addLiveVerb(CLI::App& program);
-void addVolumeVerb(CLI::App& program);
+void add_bscan_verb(CLI::App& program);
+void add_info_verb(CLI::App& program);
+void add_live_verb(CLI::App& program);
+void add_volume_verb(CLI::App& program);
 
 }  // namespace oct::app

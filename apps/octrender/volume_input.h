@@ -16,11 +16,11 @@ struct VolumeInput {
   bool transpose = false;
 };
 
-VolumeData readVolume(const VolumeInput& input);
+VolumeData read_volume(const VolumeInput& input);
 
-// What was given, or that of an automatic range. Without any finite voxel, fails with the name of where they
-// came from.
-ValueRange volumeRange(const std::string& origin, const std::vector<float>& voxels,
-                       const std::optional<ValueRange>& given, Shares shares);
+// What was given, or that of an automatic range. Without any finite voxel, fails with
+// the name of where they came from.
+ValueRange volume_range(const std::string& origin, const std::vector<float>& voxels,
+                        const std::optional<ValueRange>& given, Shares shares);
 
 }  // namespace oct::app

@@ -7,17 +7,17 @@ namespace oct::app {
 namespace {
 
 // The box with its labels, whatever the angles.
-constexpr double kPerspectiveZoom = 52;
-constexpr double kOrthographicZoom = 30;
+constexpr double perspective_zoom = 52;
+constexpr double orthographic_zoom = 30;
 
-VolumeLook parseMode(const std::string& mode) {
-  if (mode == "maximum") return VolumeLook::Maximum;
-  if (mode == "mean") return VolumeLook::Mean;
-  return mode == "sections" ? VolumeLook::Sections : VolumeLook::Composite;
+VolumeLook parse_mode(const std::string& mode) {
+  if (mode == "maximum") return VolumeLook::maximum;
+  if (mode == "mean") return VolumeLook::mean;
+  return mode == "sections" ? VolumeLook::sections : VolumeLook::composite;
 }
 
-std::array<std::optional<float>, 3> parseSections(const std::vector<std::string>& words) {
-  std::array<std::optional<float>, 3> sections{0.5f, 0.5f, 0.5f};
+std::array<std::optional<float>, 3> parse_sections(const std::vector<std::string>& words) {
+  std::array<std::optional<float>, 3> sections{0.5F, 0.5F, 0.5F};
   for (std::size_t i = 0; i < words.size(); ++i) {
     if (words[i] == "off") {
       sections[i].reset();
@@ -35,7 +35,7 @@ std::array<std::optional<float>, 3> parseSections(const std::vector<std::string>
 
 }  // namespace
 
-void addViewOptions(CLI::App& verb, VolumeOptions& options) {
+void add_view_options(CLI::App& verb, VolumeOptions& options) {
   verb.add_option("--mode", options.mode, "How the volume is shown")
       ->type_name("composite|maximum|mean|sections")
       ->check(CLI::IsMember({"composite", "maximum", "mean", "sections"}).description(""))
@@ -59,12 +59,12 @@ void addViewOptions(CLI::App& verb, VolumeOptions& options) {
       ->capture_default_str();
 }
 
-void addColorOptions(CLI::App& verb, VolumeOptions& options, const std::string& defaultColors) {
+void add_color_options(CLI::App& verb, VolumeOptions& options, const std::string& default_colors) {
   verb.add_option("--range", options.range, "Values of the first and the last colour\n(default: auto)")
       ->type_name("LO HI | auto");
-  verb.add_option(
-          "--colormap", options.colormap,
-          colormapNames() + "\nor a .csv file, whose own alpha then counts (default:\n" + defaultColors + ")")
+  verb.add_option("--colormap", options.colormap,
+                  colormap_names() + "\nor a .csv file, whose own alpha then counts (default:\n" +
+                      default_colors + ")")
       ->type_name("MAP");
   verb.add_flag("--reverse", options.reverse, "Turn the colours of the map round, not its opacity");
   verb.add_option("--opacity", options.opacity, "Highest opacity of one step of a ray, 0 to 1")
@@ -79,49 +79,49 @@ void addColorOptions(CLI::App& verb, VolumeOptions& options, const std::string& 
       ->capture_default_str();
 }
 
-void addCutOptions(CLI::App& verb, VolumeOptions& options) {
+void add_cut_options(CLI::App& verb, VolumeOptions& options) {
   auto* clip =
       verb.add_option("--clip", options.clip,
                       "Cut by a plane that faces the viewer: 0 leaves\nalmost nothing, 1 almost everything");
   clip->check(CLI::Range(0.0, 1.0).description(""));
-  verb.add_flag("--clip-open", options.clipOpen, "Leave the cut open")->needs(clip);
-  verb.add_flag("--clip-ghost", options.clipGhost, "Show where the part that is cut away was")->needs(clip);
+  verb.add_flag("--clip-open", options.clip_open, "Leave the cut open")->needs(clip);
+  verb.add_flag("--clip-ghost", options.clip_ghost, "Show where the part that is cut away was")->needs(clip);
   verb.add_option("--sections", options.sections,
                   "Positions of the slices across A-scans, depth and\nB-scans, 0 to 1 or off")
       ->type_name("A D B")
       ->expected(3);
 }
 
-void addBoxOptions(CLI::App& verb, VolumeOptions& options) {
-  verb.add_flag("--no-edges", options.noEdges, "Without the edges of the box");
-  verb.add_flag("--no-labels", options.noLabels, "Without scale marks and labels");
+void add_box_options(CLI::App& verb, VolumeOptions& options) {
+  verb.add_flag("--no-edges", options.no_edges, "Without the edges of the box");
+  verb.add_flag("--no-labels", options.no_labels, "Without scale marks and labels");
   verb.add_flag("--box", options.box, "With translucent faces of the box");
 }
 
-VolumeView viewOf(const VolumeOptions& options) {
+VolumeView view_of(const VolumeOptions& options) {
   VolumeView view;
-  view.look = parseMode(options.mode);
-  view.size = parsePictureSize(options.size);
+  view.look = parse_mode(options.mode);
+  view.size = parse_picture_size(options.size);
   view.angles = {options.angles[0], options.angles[1]};
-  view.zoom = options.zoom.value_or(options.orthographic ? kOrthographicZoom : kPerspectiveZoom);
+  view.zoom = options.zoom.value_or(options.orthographic ? orthographic_zoom : perspective_zoom);
   view.perspective = !options.orthographic;
   view.slices = options.slices;
-  if (options.clip) view.clip = ClipSetting{*options.clip, options.clipOpen, options.clipGhost};
-  view.sections = parseSections(options.sections);
-  view.edges = !options.noEdges;
-  view.scaleMarks = !options.noLabels;
+  if (options.clip) view.clip = ClipSetting{*options.clip, options.clip_open, options.clip_ghost};
+  view.sections = parse_sections(options.sections);
+  view.edges = !options.no_edges;
+  view.scale_marks = !options.no_labels;
   view.box = options.box;
-  view.backgroundBottom = parseColor("--background", options.background[0]);
-  view.backgroundTop = parseColor("--background", options.background[1]);
-  view.foreground = parseColor("--foreground", options.foreground);
+  view.background_bottom = parse_color("--background", options.background[0]);
+  view.background_top = parse_color("--background", options.background[1]);
+  view.foreground = parse_color("--foreground", options.foreground);
   return view;
 }
 
-Colormap volumeColormap(const VolumeOptions& options, VolumeLook look, const std::string& defaultName) {
-  const std::string& name = options.colormap.empty() ? defaultName : options.colormap;
-  Colormap colors = loadColormap(name);
+Colormap volume_colormap(const VolumeOptions& options, VolumeLook look, const std::string& default_name) {
+  const std::string& name = options.colormap.empty() ? default_name : options.colormap;
+  Colormap colors = load_colormap(name);
   if (options.reverse) std::reverse(colors.begin(), colors.end());
-  if (look == VolumeLook::Composite && !isOwnColormap(name)) addOpacityRamp(colors, options.opacity);
+  if (look == VolumeLook::composite && !is_own_colormap(name)) add_opacity_ramp(colors, options.opacity);
   return colors;
 }
 

@@ -1,11 +1,11 @@
 // Options of the verbs that draw volumes, and what follows from them.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <optional>
 #include <string>
 #include <vector>
+
+#include <CLI/CLI.hpp>
 
 #include "data/colormap.h"
 #include "octrender/option_values.h"
@@ -27,26 +27,26 @@ struct VolumeOptions {
   std::vector<std::string> background{"000066", "000019"};
   std::string foreground = "FFFFFF";
   std::optional<double> clip;
-  bool clipOpen = false;
-  bool clipGhost = false;
+  bool clip_open = false;
+  bool clip_ghost = false;
   std::vector<std::string> sections;
-  bool noEdges = false;
-  bool noLabels = false;
+  bool no_edges = false;
+  bool no_labels = false;
   bool box = false;
 };
 
-void addViewOptions(CLI::App& verb, VolumeOptions& options);
+void add_view_options(CLI::App& verb, VolumeOptions& options);
 
-// defaultColors: continues the help of --colormap.
-void addColorOptions(CLI::App& verb, VolumeOptions& options, const std::string& defaultColors);
+// default_colors: continues the help of --colormap.
+void add_color_options(CLI::App& verb, VolumeOptions& options, const std::string& default_colors);
 
-void addCutOptions(CLI::App& verb, VolumeOptions& options);
-void addBoxOptions(CLI::App& verb, VolumeOptions& options);
+void add_cut_options(CLI::App& verb, VolumeOptions& options);
+void add_box_options(CLI::App& verb, VolumeOptions& options);
 
 // Throws a CommandLineError where a value makes no sense.
-VolumeView viewOf(const VolumeOptions& options);
+VolumeView view_of(const VolumeOptions& options);
 
 // The map of the options, or this one where they name none; with the opacity that the look wants.
-Colormap volumeColormap(const VolumeOptions& options, VolumeLook look, const std::string& defaultName);
+Colormap volume_colormap(const VolumeOptions& options, VolumeLook look, const std::string& default_name);
 
 }  // namespace oct::app

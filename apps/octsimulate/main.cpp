@@ -1,17 +1,17 @@
 // Measures a phantom with the simulated OCT device and writes the result as a .npy array.
-#include <oct_device/oct_device.h>
-#include <oct_simulator/oct_simulator.h>
-
-#include <CLI/CLI.hpp>
 #include <array>
 #include <cstddef>
 #include <iostream>
 #include <stdexcept>
 #include <string>
 
+#include <CLI/CLI.hpp>
+
 #include "client/handle_owner.h"
 #include "command_line/scan_options.h"
 #include "data/formats/npy_writer.h"
+#include "oct_device/oct_device.h"
+#include "oct_simulator/oct_simulator.h"
 
 namespace oct::app {
 namespace {
@@ -22,7 +22,7 @@ struct Scan : ScanSettings {
 };
 
 // Throws the device's pending error, if there is one.
-void checkDevice() {
+void check_device() {
   std::array<char, 512> text{};
   if (getError(text.data(), static_cast<int>(text.size())) != 0) throw std::runtime_error(text.data());
 }
@@ -34,22 +34,22 @@ struct Measurement {
 
 Measurement measure(const Scan& scan) {
   const HandleOwner<OCTDeviceHandle> device(
-      createSimulatedDevice(scan.phantom, scan.spectrumLength, scan.seed), clearSimulatedDevice);
-  checkDevice();
+      createSimulatedDevice(scan.phantom, scan.spectrum_length, scan.seed), clearSimulatedDevice);
+  check_device();
   const HandleOwner<ProcessingHandle> processing(createSimulatedProcessing(device.get()),
                                                  clearSimulatedProcessing);
   const HandleOwner<ScanPatternHandle> pattern(
-      createSimulatedScanPattern(device.get(), scan.aScans, scan.bScans, scan.width, scan.length),
+      createSimulatedScanPattern(device.get(), scan.a_scans, scan.b_scans, scan.width, scan.length),
       clearSimulatedScanPattern);
   const HandleOwner<RawDataHandle> raw(createRawData(), clearRawData);
   const HandleOwner<DataHandle> data(createData(), clearData);
-  checkDevice();
+  check_device();
   startMeasurement(device.get(), pattern.get(), 0);
   setProcessedDataOutput(processing.get(), data.get());
   getRawDataEx(device.get(), raw.get(), 0);
   executeProcessing(processing.get(), raw.get());
   stopMeasurement(device.get());
-  checkDevice();
+  check_device();
 
   const auto size = [&](int axis) { return static_cast<std::size_t>(getDataPropertyInt(data.get(), axis)); };
   Measurement result{{size(OCT_DATA_SIZE_1), size(OCT_DATA_SIZE_2), size(OCT_DATA_SIZE_3), {}}, {}};
@@ -58,20 +58,20 @@ Measurement measure(const Scan& scan) {
         getDataPropertyFloat(data.get(), OCT_DATA_RANGE_1 + axis);
   }
   const float* const samples = getDataPtr(data.get());
-  checkDevice();
+  check_device();
   result.volume.voxels.assign(samples,
                               samples + result.volume.depth * result.volume.ascans * result.volume.bscans);
   return result;
 }
 
-void addOptions(CLI::App& program, Scan& scan) {
+void add_options(CLI::App& program, Scan& scan) {
   program.add_option("-o,--output", scan.output, "Array to write")->required()->type_name("OUT.npy");
   program.add_option("--phantom", scan.phantom, "What the device looks at (default: finger)")
       ->type_name("finger|retina|mirror")
-      ->transform(oneOf({{"finger", OCT_PHANTOM_FINGER_PAD},
-                         {"retina", OCT_PHANTOM_RETINA},
-                         {"mirror", OCT_PHANTOM_MIRROR}}));
-  addScanOptions(program, scan);
+      ->transform(one_of({{"finger", OCT_PHANTOM_FINGER_PAD},
+                          {"retina", OCT_PHANTOM_RETINA},
+                          {"mirror", OCT_PHANTOM_MIRROR}}));
+  add_scan_options(program, scan);
 }
 
 }  // namespace
@@ -89,11 +89,11 @@ int main(int argc, char** argv) {
       "Examples:\n"
       "  octsimulate -o finger.npy\n"
       "  octsimulate -o retina.npy --phantom retina --ascans 256 --bscans 256 --spectrum 1024");
-  addOptions(program, scan);
+  add_options(program, scan);
   CLI11_PARSE(program, argc, argv);
   try {
     const auto& [volume, millimetres] = measure(scan);
-    writeNpy(scan.output, volume);
+    write_npy(scan.output, volume);
     std::cout << scan.output << ": " << volume.depth << " x " << volume.ascans << " x " << volume.bscans
               << " samples (depth, A-scans, B-scans), " << millimetres[0] << " x " << millimetres[1] << " x "
               << millimetres[2] << " mm\n";

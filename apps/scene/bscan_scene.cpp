@@ -8,21 +8,21 @@
 namespace oct::app {
 namespace {
 
-void setImage(void (*setter)(DisplayRenderingHandle, int, int, const float*), DisplayRenderingHandle renderer,
-              const Image& image) {
+void set_image(void (*setter)(DisplayRenderingHandle, int, int, const float*),
+               DisplayRenderingHandle renderer, const Image& image) {
   checked(setter, renderer, static_cast<int>(image.depth), static_cast<int>(image.ascans),
           image.samples.data());
 }
 
-void setBase(DisplayRenderingHandle renderer, const Layer& layer) {
-  setImage(setDisplayData, renderer, layer.image);
+void set_base(DisplayRenderingHandle renderer, const Layer& layer) {
+  set_image(setDisplayData, renderer, layer.image);
   checked(setDisplayColormap, renderer, layer.colormap.data(), static_cast<int>(layer.colormap.size()));
   checked(setDisplayColoringBoundaries, renderer, layer.range.lower, layer.range.upper);
 }
 
-void setOverlay(DisplayRenderingHandle renderer, const Overlay& overlay) {
+void set_overlay(DisplayRenderingHandle renderer, const Overlay& overlay) {
   const Layer& layer = overlay.layer;
-  setImage(setDisplayOverlayData, renderer, layer.image);
+  set_image(setDisplayOverlayData, renderer, layer.image);
   checked(setDisplayOverlayColormap, renderer, 0, layer.colormap.data(),
           static_cast<int>(layer.colormap.size()));
   checked(setDisplayOveralyColoringBoundaries, renderer, 0, layer.range.lower, layer.range.upper);
@@ -34,20 +34,20 @@ void setOverlay(DisplayRenderingHandle renderer, const Overlay& overlay) {
 
 }  // namespace
 
-void setScene(DisplayRenderingHandle renderer, const BscanScene& scene) {
-  setBase(renderer, scene.base);
-  if (scene.overlay) setOverlay(renderer, *scene.overlay);
+void set_scene(DisplayRenderingHandle renderer, const BscanScene& scene) {
+  set_base(renderer, scene.base);
+  if (scene.overlay) set_overlay(renderer, *scene.overlay);
   checked(setBackgroundColor, renderer, static_cast<int>(scene.background));
-  checked(setDisplayBlur, renderer, int{scene.firstBlur}, int{scene.secondBlur});
-  checked(setDisplayPepperFilter, renderer, int{scene.pepperFilter});
+  checked(setDisplayBlur, renderer, int{scene.first_blur}, int{scene.second_blur});
+  checked(setDisplayPepperFilter, renderer, int{scene.pepper_filter});
   checked(setDisplayFlip, renderer, int{scene.flip});
 }
 
-Picture renderBscan(const BscanScene& scene) {
+Picture render_bscan(const BscanScene& scene) {
   OffscreenTarget target;
   const DisplayRenderer renderer;
-  setScene(renderer.handle(), scene);
-  return drawPicture(target, scene.size, [&] { checked(renderDisplay, renderer.handle()); });
+  set_scene(renderer.handle(), scene);
+  return draw_picture(target, scene.size, [&] { checked(renderDisplay, renderer.handle()); });
 }
 
 }  // namespace oct::app

@@ -1,8 +1,6 @@
 // Everything that makes the picture of a B-scan, ready to be drawn.
 #pragma once
 
-#include <oct_rendering/oct_rendering.h>
-
 #include <cstdint>
 #include <optional>
 
@@ -10,6 +8,7 @@
 #include "data/image.h"
 #include "data/picture.h"
 #include "data/samples.h"
+#include "oct_rendering/oct_rendering.h"
 
 namespace oct::app {
 
@@ -30,14 +29,14 @@ struct BscanScene {
   std::optional<Overlay> overlay;
   PictureSize size;
   std::uint32_t background = 0;  // 0xRRGGBB
-  bool firstBlur = false;
-  bool secondBlur = false;
-  bool pepperFilter = false;
+  bool first_blur = false;
+  bool second_blur = false;
+  bool pepper_filter = false;
   bool flip = false;
 };
 
-void setScene(DisplayRenderingHandle renderer, const BscanScene& scene);
+void set_scene(DisplayRenderingHandle renderer, const BscanScene& scene);
 
-Picture renderBscan(const BscanScene& scene);
+Picture render_bscan(const BscanScene& scene);
 
 }  // namespace oct::app

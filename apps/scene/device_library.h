@@ -1,12 +1,11 @@
 // The functions of a device library that the program calls itself: those that make what live sources use.
 #pragma once
 
-#include <oct_device/oct_device.h>
-#include <oct_simulator/oct_simulator.h>
-
 #include <string>
 
 #include "module/shared_library.h"
+#include "oct_device/oct_device.h"
+#include "oct_simulator/oct_simulator.h"
 
 // Every function X(name) that any live view needs. The device functions have none that make a device, a
 // processing or a scan pattern, so these are the simulated device's.
@@ -63,16 +62,16 @@ struct DeviceNeeds {
   bool playback = false;
   bool motion = false;
   bool rate = false;
-  bool sensorPair = false;
+  bool sensor_pair = false;
 };
 
 class DeviceLibrary {
  public:
   // Throws a DeviceError that names the library and, if one is missing, the function.
-  DeviceLibrary(const std::string& nameOrPath, const DeviceNeeds& needs);
+  DeviceLibrary(const std::string& name_or_path, const DeviceNeeds& needs);
 
   // Throws the library's pending error, if there is one.
-  void throwPendingError() const;
+  void throw_pending_error() const;
 
 #define OCT_FUNCTION_POINTER(name) decltype(&::name) name = nullptr;
   OCT_ALL_FUNCTIONS(OCT_FUNCTION_POINTER)

@@ -34,9 +34,9 @@ struct MeasuredVolume {
   int depth = 0;
 
   // Decibels, 9 above the noise. Reorders the samples.
-  double polarizationThreshold();
+  double polarization_threshold();
   // The range of the surface's depths where the whole A-scan is this deep; none without a surface.
-  std::optional<ValueRange> surfaceRange(double wholeDepth);
+  std::optional<ValueRange> surface_range(double whole_depth);
 };
 
 class LiveDevice {
@@ -49,17 +49,17 @@ class LiveDevice {
   }
   PolarizationProcessingHandle polarization() const { return polarization_.get(); }
   ScanPatternHandle pattern() const { return pattern_.get(); }
-  double depthRange() const { return library_.getDevicePropertyFloat(device(), OCT_DEVICE_DEPTH_RANGE); }
+  double depth_range() const { return library_.getDevicePropertyFloat(device(), OCT_DEVICE_DEPTH_RANGE); }
 
   // The intensity of one volume: of the selected sensor, or of both.
-  MeasuredVolume measure(bool withSurface);
+  MeasuredVolume measure(bool with_surface);
 
  private:
-  OCTDeviceHandle makeDevice(const DeviceSetup& setup) const;
-  HandleOwner<ProcessingHandle> makeProcessing() const;
+  OCTDeviceHandle make_device(const DeviceSetup& setup) const;
+  HandleOwner<ProcessingHandle> make_processing() const;
   void process(RawDataHandle raw0, RawDataHandle raw1, DataHandle data) const;
-  std::vector<float> samplesOf(DataHandle data) const;
-  std::vector<float> surfaceOf(DataHandle data) const;
+  std::vector<float> samples_of(DataHandle data) const;
+  std::vector<float> surface_of(DataHandle data) const;
 
   const DeviceLibrary library_;
   const std::optional<PolarizationMode> mode_;

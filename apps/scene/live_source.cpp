@@ -5,7 +5,7 @@
 namespace oct::app {
 namespace {
 
-LiveDataSourceHandle createSource(const LiveDevice& device, const SourceSettings& settings) {
+LiveDataSourceHandle create_source(const LiveDevice& device, const SourceSettings& settings) {
   if (!settings.polarization) return checked(createOnlineDataSource, device.device(), device.processing(0));
   return checked(createOnlineDataSource_PS, device.device(), device.processing(0), device.processing(1),
                  device.polarization());
@@ -14,22 +14,22 @@ LiveDataSourceHandle createSource(const LiveDevice& device, const SourceSettings
 }  // namespace
 
 LiveSource::LiveSource(const LiveDevice& device, const SourceSettings& settings)
-    : device_(device), handle_(createSource(device, settings), clearDataSource) {
+    : device_(device), handle_(create_source(device, settings), clearDataSource) {
   const LiveDataSourceHandle source = handle_.get();
-  if (settings.sizeZ) checked(setSizeZ, source, *settings.sizeZ);
-  checked(setOnlineRefractiveIndex, source, settings.refractiveIndex);
+  if (settings.size_z) checked(setSizeZ, source, *settings.size_z);
+  checked(setOnlineRefractiveIndex, source, settings.refractive_index);
   if (settings.analog) checked(setOnlineAnalogInputConfiguration, source, true);
   if (settings.polarization) {
     checked(selectOnlineDataSource_PS, source, static_cast<int>(*settings.polarization));
     checked(setOnlineDataThreshold_PS, source, settings.threshold, true);
-    const auto& [depth, aScans, bScans, volumes] = settings.averaging;
-    checked(setOnlineAveraging_PS, source, depth, aScans, bScans, volumes);
+    const auto& [depth, a_scans, b_scans, volumes] = settings.averaging;
+    checked(setOnlineAveraging_PS, source, depth, a_scans, b_scans, volumes);
   }
 }
 
-void LiveSource::announce(OctIntensityFunction onReferenceIntensity, OctErrorFunction onError) {
-  checked(setRefIntensityCallback, handle_.get(), onReferenceIntensity);
-  checked(setErrorCallback, handle_.get(), onError);
+void LiveSource::announce(OctIntensityFunction on_reference_intensity, OctErrorFunction on_error) {
+  checked(setRefIntensityCallback, handle_.get(), on_reference_intensity);
+  checked(setErrorCallback, handle_.get(), on_error);
 }
 
 void LiveSource::start(LiveVolumeRenderingHandle live) {

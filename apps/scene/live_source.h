@@ -1,20 +1,19 @@
 // The volumes of a device on their way into live rendering.
 #pragma once
 
-#include <oct_rendering/oct_rendering.h>
-
 #include <array>
 #include <optional>
 
 #include "client/handle_owner.h"
+#include "oct_rendering/oct_rendering.h"
 #include "scene/live_device.h"
 
 namespace oct::app {
 
 // What is taken of the device's volumes.
 struct SourceSettings {
-  std::optional<int> sizeZ;  // depth samples; none: all
-  double refractiveIndex = 1.0;
+  std::optional<int> size_z;  // depth samples; none: all
+  double refractive_index = 1.0;
   bool analog = false;  // with the device's analog input
   std::optional<PolarizationMode> polarization;
   double threshold = 0.0;  // decibels; what is darker counts as 0, but for intensities
@@ -27,7 +26,7 @@ class LiveSource {
   LiveSource(const LiveDevice& device, const SourceSettings& settings);
 
   // Called on the acquisition thread: of every volume but the first, and when acquisition fails.
-  void announce(OctIntensityFunction onReferenceIntensity, OctErrorFunction onError);
+  void announce(OctIntensityFunction on_reference_intensity, OctErrorFunction on_error);
 
   void start(LiveVolumeRenderingHandle live);
   void stop();

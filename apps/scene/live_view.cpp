@@ -20,7 +20,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-constexpr std::chrono::milliseconds kProgressInterval{100};
+constexpr std::chrono::milliseconds progress_interval{100};
 
 Clock::duration ticks(double seconds) {
   return std::chrono::duration_cast<Clock::duration>(Seconds(seconds));
@@ -44,7 +44,7 @@ class Exchange {
   // Pictures that came meanwhile, or none after a while. Throws the error that ends the view.
   std::vector<std::vector<std::uint8_t>> wait() {
     std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, kProgressInterval, [this] { return error_ || !pictures_.empty(); });
+    changed_.wait_for(lock, progress_interval, [this] { return error_ || !pictures_.empty(); });
     if (error_) std::rethrow_exception(error_);
     return std::exchange(pictures_, {});
   }
@@ -64,18 +64,18 @@ struct Announcements {
 };
 std::atomic<const Announcements*> announcements = nullptr;
 
-unsigned droppedBy(LiveVolumeRenderingHandle live) {
+unsigned dropped_by(LiveVolumeRenderingHandle live) {
   unsigned dropped = 0;
   getLiveVolumeCounts(live, nullptr, &dropped);
   return dropped;
 }
 
-void onReferenceIntensity(double) {
+void on_reference_intensity(double) {
   const Announcements& to = *announcements.load();
-  to.statistics.acquired(Clock::now(), droppedBy(to.live));
+  to.statistics.acquired(Clock::now(), dropped_by(to.live));
 }
 
-void onError(const char* message) {
+void on_error(const char* message) {
   const DeviceError error("acquisition failed: " + std::string(message));
   announcements.load()->exchange.fail(std::make_exception_ptr(error));
 }
@@ -110,7 +110,7 @@ class RenderingThread {
     try {
       OffscreenTarget target;
       const LiveRendering rendering;
-      setScene(rendering.renderer(), scene_);
+      set_scene(rendering.renderer(), scene_);
       started = true;
       ready.set_value(rendering.live());
       try {
@@ -138,18 +138,18 @@ class RenderingThread {
       unsigned shown = 0;
       getLiveVolumeCounts(live, &shown, nullptr);
       statistics_.frame(start, end, shown);
-      if (snapshots < settings_.snapshots && isDue(snapshots, end)) {
+      if (snapshots < settings_.snapshots && is_due(snapshots, end)) {
         ++snapshots;
         exchange_.give(pixels);
       }
-      if (settings_.framesPerSecond > 0) {
-        next = std::max(next + ticks(1 / settings_.framesPerSecond), end);
+      if (settings_.frames_per_second > 0) {
+        next = std::max(next + ticks(1 / settings_.frames_per_second), end);
         std::this_thread::sleep_until(next);
       }
     }
   }
 
-  bool isDue(unsigned snapshot, Clock::time_point now) const {
+  bool is_due(unsigned snapshot, Clock::time_point now) const {
     const auto begin = statistics_.begin();
     return begin && now >= *begin + ticks(settings_.seconds * (snapshot + 1) / settings_.snapshots);
   }
@@ -165,41 +165,41 @@ class RenderingThread {
 
 }  // namespace
 
-void setScene(VolumeRendererHandle renderer, const LiveScene& scene) {
-  setView(renderer, scene.view);
+void set_scene(VolumeRendererHandle renderer, const LiveScene& scene) {
+  set_view(renderer, scene.view);
   checked(setAngles, renderer, scene.view.angles[0], scene.view.angles[1]);
-  setColors(renderer, ColoredData::Volume, scene.volume.colormap, scene.volume.range);
+  set_colors(renderer, ColoredData::volume, scene.volume.colormap, scene.volume.range);
   if (scene.surface) {
-    setColors(renderer, ColoredData::Surface, scene.surface->colormap, scene.surface->range);
+    set_colors(renderer, ColoredData::surface, scene.surface->colormap, scene.surface->range);
   }
   if (scene.analog) {
-    setColors(renderer, ColoredData::Secondary, scene.analog->colormap, scene.analog->range);
-    checked(setRendererSecondarySliceIndex, renderer, scene.analogChannel);
+    set_colors(renderer, ColoredData::secondary, scene.analog->colormap, scene.analog->range);
+    checked(setRendererSecondarySliceIndex, renderer, scene.analog_channel);
   }
   checked(setRenderElements, renderer, 1, int{scene.surface.has_value()});
 }
 
-LiveResult showLive(const LiveDevice& device, const LiveScene& scene, const LiveSettings& settings,
-                    const LiveEvents& events) {
+LiveResult show_live(const LiveDevice& device, const LiveScene& scene, const LiveSettings& settings,
+                     const LiveEvents& events) {
   Exchange exchange;
   LiveStatistics statistics;
   RenderingThread rendering(scene, settings, exchange, statistics);
   const Announcements here{exchange, statistics, rendering.live()};
   announcements = &here;
   LiveSource source(device, settings.source);
-  source.announce(&onReferenceIntensity, &onError);
+  source.announce(&on_reference_intensity, &on_error);
   source.start(rendering.live());
   for (unsigned taken = 0; taken < settings.snapshots;) {
     for (const std::vector<std::uint8_t>& pixels : exchange.wait()) {
-      events.snapshot(taken++, toPicture(scene.view.size, pixels));
+      events.snapshot(taken++, to_picture(scene.view.size, pixels));
     }
     const auto begin = statistics.begin();
     events.progress(begin ? Seconds(Clock::now() - *begin).count() : 0.0);
   }
   LiveResult result;
-  result.report = statistics.report(Clock::now(), droppedBy(rendering.live()));
-  auto& [depth, aScans, bScans] = result.size;
-  checked(getLiveVolumeRenderingSize, rendering.live(), &depth, &aScans, &bScans);
+  result.report = statistics.report(Clock::now(), dropped_by(rendering.live()));
+  auto& [depth, a_scans, b_scans] = result.size;
+  checked(getLiveVolumeRenderingSize, rendering.live(), &depth, &a_scans, &b_scans);
   source.stop();
   return result;
 }

@@ -24,16 +24,16 @@ struct LiveScene {
   LayerColors volume;
   std::optional<LayerColors> surface;  // depths in the unit of the device's range; none: not drawn
   std::optional<LayerColors> analog;   // volts; needs a source with the analog input
-  int analogChannel = 0;
+  int analog_channel = 0;
 };
 
-void setScene(VolumeRendererHandle renderer, const LiveScene& scene);
+void set_scene(VolumeRendererHandle renderer, const LiveScene& scene);
 
 struct LiveSettings {
   SourceSettings source;
-  double seconds = 5.0;           // from the first volume on
-  double framesPerSecond = 60.0;  // at most; 0: no limit
-  unsigned snapshots = 1;         // at even intervals, the last one at the end
+  double seconds = 5.0;             // from the first volume on
+  double frames_per_second = 60.0;  // at most; 0: no limit
+  unsigned snapshots = 1;           // at even intervals, the last one at the end
 };
 
 struct LiveEvents {
@@ -47,7 +47,7 @@ struct LiveResult {
 };
 
 // Runs until the time is over. Throws a failure when acquisition or rendering fails. One call at a time.
-LiveResult showLive(const LiveDevice& device, const LiveScene& scene, const LiveSettings& settings,
-                    const LiveEvents& events);
+LiveResult show_live(const LiveDevice& device, const LiveScene& scene, const LiveSettings& settings,
+                     const LiveEvents& events);
 
 }  // namespace oct::app

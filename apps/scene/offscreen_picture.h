@@ -11,10 +11,10 @@ namespace oct::app {
 
 // Draws one frame with the function.
 template <class Draw>
-Picture drawPicture(OffscreenTarget& target, PictureSize size, Draw draw) {
+Picture draw_picture(OffscreenTarget& target, PictureSize size, Draw draw) {
   std::vector<std::uint8_t> pixels;
   target.render(size.width, size.height, pixels, draw);
-  return toPicture(size, pixels);
+  return to_picture(size, pixels);
 }
 
 }  // namespace oct::app

@@ -5,26 +5,26 @@
 namespace oct::app {
 namespace {
 
-constexpr std::array kNames{"intensity", "retardation", "optic-axis", "dopu",   "q",
-                            "u",         "v",           "sensor0",    "sensor1"};
+constexpr std::array mode_names{"intensity", "retardation", "optic-axis", "dopu",   "q",
+                                "u",         "v",           "sensor0",    "sensor1"};
 
 }  // namespace
 
-std::span<const char* const> polarizationModeNames() {
-  return kNames;
+std::span<const char* const> polarization_mode_names() {
+  return mode_names;
 }
 
-std::optional<ValueRange> naturalRange(PolarizationMode mode) {
+std::optional<ValueRange> natural_range(PolarizationMode mode) {
   switch (mode) {
-    case PolarizationMode::Retardation:
+    case PolarizationMode::retardation:
       return ValueRange{0, 90};
-    case PolarizationMode::OpticAxis:
+    case PolarizationMode::optic_axis:
       return ValueRange{0, 180};
-    case PolarizationMode::Dopu:
+    case PolarizationMode::dopu:
       return ValueRange{0, 1};
-    case PolarizationMode::StokesQ:
-    case PolarizationMode::StokesU:
-    case PolarizationMode::StokesV:
+    case PolarizationMode::stokes_q:
+    case PolarizationMode::stokes_u:
+    case PolarizationMode::stokes_v:
       return ValueRange{-1, 1};
     default:
       return std::nullopt;

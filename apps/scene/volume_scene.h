@@ -39,16 +39,16 @@ struct VolumeScene : VolumeView {
   std::optional<VolumeLayer> overlay;
   std::optional<HeightMap> surface;
   std::optional<SecondaryColoring> secondary;
-  bool showVolume = true;
+  bool show_volume = true;
   std::array<float, 3> extent{1, 1, 1};  // depth, A-scans, B-scans
 };
 
 // Everything but the angles, which may change from picture to picture.
-void setScene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, const VolumeScene& scene);
+void set_scene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, const VolumeScene& scene);
 
 // Draws the scene once, or as often as `count` says, turned further about the depth axis each time so that
 // the last picture is followed by the first. Each picture is handed over as it is finished.
-void renderVolume(const VolumeScene& scene, unsigned count,
-                  const std::function<void(unsigned, const Picture&)>& take);
+void render_volume(const VolumeScene& scene, unsigned count,
+                   const std::function<void(unsigned, const Picture&)>& take);
 
 }  // namespace oct::app

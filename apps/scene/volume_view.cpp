@@ -9,24 +9,24 @@ std::uint32_t packed(std::uint32_t rgb) {
   return rgb << 8 | 0xFF;
 }
 
-int volumeMode(const VolumeView& view) {
-  if (view.look == VolumeLook::Maximum) return 1;
-  if (view.look == VolumeLook::Mean) return 2;
-  return view.secondaryColors ? 3 : 0;
+int volume_mode(const VolumeView& view) {
+  if (view.look == VolumeLook::maximum) return 1;
+  if (view.look == VolumeLook::mean) return 2;
+  return view.secondary_colors ? 3 : 0;
 }
 
 struct ColorFunctions {
-  void (*setMap)(VolumeRendererHandle, const void*, int);
-  void (*setBoundaries)(VolumeRendererHandle, double, double);
+  void (*set_map)(VolumeRendererHandle, const void*, int);
+  void (*set_boundaries)(VolumeRendererHandle, double, double);
 };
 
-ColorFunctions colorFunctions(ColoredData data) {
+ColorFunctions color_functions(ColoredData data) {
   switch (data) {
-    case ColoredData::Overlay:
+    case ColoredData::overlay:
       return {setOverlayRendererColormap, setOverlayRendererColoringBoundaries};
-    case ColoredData::Secondary:
+    case ColoredData::secondary:
       return {setRendererSecondaryColormap, setRendererSecondaryColoringBoundaries};
-    case ColoredData::Surface:
+    case ColoredData::surface:
       return {setSurfaceColormap, setSurfaceDepths};
     default:
       return {setRendererColormap, setRendererColoringBoundaries};
@@ -36,36 +36,36 @@ ColorFunctions colorFunctions(ColoredData data) {
 }  // namespace
 
 // In a volume most voxels are air or noise; seen through, they would veil the rest.
-Shares rangeShares(VolumeLook look) {
-  if (look == VolumeLook::Composite) return {0.6, 0.998};
-  if (look == VolumeLook::Mean) return {0.01, 0.98};
+Shares range_shares(VolumeLook look) {
+  if (look == VolumeLook::composite) return {0.6, 0.998};
+  if (look == VolumeLook::mean) return {0.01, 0.98};
   return {0.01, 0.998};
 }
 
-void setView(VolumeRendererHandle renderer, const VolumeView& view) {
+void set_view(VolumeRendererHandle renderer, const VolumeView& view) {
   checked(setZoom, renderer, view.zoom);
   checked(setUsePerspective, renderer, view.perspective);
   checked(setRenderingSlices, renderer, view.slices);
-  checked(setRenderingMode, renderer, int{view.look == VolumeLook::Sections});
-  checked(setVolumeMode, renderer, volumeMode(view));
+  checked(setRenderingMode, renderer, int{view.look == VolumeLook::sections});
+  checked(setVolumeMode, renderer, volume_mode(view));
   const auto& [first, second, third] = view.sections;
-  checked(setSectionalView, renderer, int{first.has_value()}, first.value_or(0.5f), int{second.has_value()},
-          second.value_or(0.5f), int{third.has_value()}, third.value_or(0.5f));
+  checked(setSectionalView, renderer, int{first.has_value()}, first.value_or(0.5F), int{second.has_value()},
+          second.value_or(0.5F), int{third.has_value()}, third.value_or(0.5F));
   if (view.clip) {
     checked(setClipPlane, renderer, 1, int{view.clip->open}, static_cast<float>(view.clip->value));
     checked(setRemoveSegment, renderer, int{view.clip->ghost});
   }
-  checked(setBorder, renderer, int{view.scaleMarks}, int{view.edges}, int{view.box});
-  checked(setRenderBackground, renderer, packed(view.backgroundBottom), packed(view.backgroundTop));
+  checked(setBorder, renderer, int{view.scale_marks}, int{view.edges}, int{view.box});
+  checked(setRenderBackground, renderer, packed(view.background_bottom), packed(view.background_top));
   checked(setRenderForeground, renderer, packed(view.foreground));
 }
 
-void setColors(VolumeRendererHandle renderer, ColoredData data, const Colormap& colors,
-               const ValueRange& range) {
-  const ColorFunctions functions = colorFunctions(data);
-  checked(functions.setMap, renderer, static_cast<const void*>(colors.data()),
+void set_colors(VolumeRendererHandle renderer, ColoredData data, const Colormap& colors,
+                const ValueRange& range) {
+  const ColorFunctions functions = color_functions(data);
+  checked(functions.set_map, renderer, static_cast<const void*>(colors.data()),
           static_cast<int>(colors.size()));
-  checked(functions.setBoundaries, renderer, range.lower, range.upper);
+  checked(functions.set_boundaries, renderer, range.lower, range.upper);
 }
 
 }  // namespace oct::app

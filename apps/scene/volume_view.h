@@ -1,8 +1,6 @@
 // How a volume is looked at, whatever delivers it.
 #pragma once
 
-#include <oct_rendering/oct_rendering.h>
-
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -10,10 +8,11 @@
 #include "data/colormap.h"
 #include "data/picture.h"
 #include "data/samples.h"
+#include "oct_rendering/oct_rendering.h"
 
 namespace oct::app {
 
-enum class VolumeLook { Composite, Maximum, Mean, Sections };
+enum class VolumeLook { composite, maximum, mean, sections };
 
 struct ClipSetting {
   double value = 0.5;
@@ -22,33 +21,33 @@ struct ClipSetting {
 };
 
 struct VolumeView {
-  VolumeLook look = VolumeLook::Composite;
-  bool secondaryColors = false;  // a composite is coloured by the secondary data
+  VolumeLook look = VolumeLook::composite;
+  bool secondary_colors = false;  // a composite is coloured by the secondary data
   PictureSize size;
   std::array<double, 2> angles{};  // degrees, about the horizontal axis and the depth axis
   double zoom = 40;
   bool perspective = true;
   int slices = 256;
   std::optional<ClipSetting> clip;
-  std::array<std::optional<float>, 3> sections{0.5f, 0.5f,
-                                               0.5f};  // across A-scans, depth, B-scans; none: hidden
+  std::array<std::optional<float>, 3> sections{0.5F, 0.5F,
+                                               0.5F};  // across A-scans, depth, B-scans; none: hidden
   bool edges = true;
-  bool scaleMarks = true;
+  bool scale_marks = true;
   bool box = false;
-  std::uint32_t backgroundBottom = 0x000066;  // 0xRRGGBB
-  std::uint32_t backgroundTop = 0x000019;
+  std::uint32_t background_bottom = 0x000066;  // 0xRRGGBB
+  std::uint32_t background_top = 0x000019;
   std::uint32_t foreground = 0xFFFFFF;
 };
 
 // Those of the automatic range that suits the look.
-Shares rangeShares(VolumeLook look);
+Shares range_shares(VolumeLook look);
 
 // Everything but the angles, which may change from picture to picture.
-void setView(VolumeRendererHandle renderer, const VolumeView& view);
+void set_view(VolumeRendererHandle renderer, const VolumeView& view);
 
-enum class ColoredData { Volume, Overlay, Secondary, Surface };
+enum class ColoredData { volume, overlay, secondary, surface };
 
-void setColors(VolumeRendererHandle renderer, ColoredData data, const Colormap& colors,
-               const ValueRange& range);
+void set_colors(VolumeRendererHandle renderer, ColoredData data, const Colormap& colors,
+                const ValueRange& range);
 
 }  // namespace oct::app

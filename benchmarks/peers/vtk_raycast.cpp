@@ -1,5 +1,11 @@
 // The scene of benchmark_raycast, drawn by VTK's GPU volume mapper: vtk_raycast MODE [PICTURE.ppm]
 // MODE is soft, hard, mip or mean. Prints the median CPU time of all threads per frame in milliseconds.
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <string>
+
 #include <vtkCamera.h>
 #include <vtkColorTransferFunction.h>
 #include <vtkFloatArray.h>
@@ -16,19 +22,13 @@
 #include <vtkVolume.h>
 #include <vtkVolumeProperty.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstring>
-#include <ctime>
-#include <string>
-
 #include "../raycast_phantom.h"
 
 namespace scene = oct::benchmark_scene;
 
 namespace {
 
-double cpuMilliseconds() {
+double cpu_milliseconds() {
   timespec time{};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
   return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
@@ -39,8 +39,8 @@ void place(vtkVolume* volume) {
   const double scale = 2.0 / std::sqrt(3.0);
   vtkNew<vtkTransform> transform;
   transform->Translate(0, 0, -5);
-  transform->RotateX(scene::angleX);
-  transform->RotateY(scene::angleY);
+  transform->RotateX(scene::angle_x);
+  transform->RotateY(scene::angle_y);
   transform->Scale(scale, -scale, scale);
   vtkNew<vtkMatrix4x4> axes;  // (u, v, w) in 0..1 to the model's (x, y, z) in -1..1
   const double elements[16] = {0, 2, 0, -1, 2, 0, 0, -1, 0, 0, 2, -1, 0, 0, 0, 1};
@@ -114,10 +114,10 @@ int main(int argc, char** argv) {
   for (int i = 0; i < 18; ++i) {
     camera->SetClippingRange(3.0, 8.0);
     volume->Modified();
-    const double start = cpuMilliseconds();
+    const double start = cpu_milliseconds();
     window->Render();
     window->WaitForCompletion();
-    if (i >= 3) times.push_back(cpuMilliseconds() - start);  // the first ones compile and upload
+    if (i >= 3) times.push_back(cpu_milliseconds() - start);  // the first ones compile and upload
   }
   std::nth_element(times.begin(), times.begin() + 7, times.end());
   std::printf("%.2f\n", times[7]);

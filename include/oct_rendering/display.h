@@ -48,17 +48,18 @@ OCT_API void clearDisplayRendering(DisplayRenderingHandle Handle);
  *        process. Calling it again rebuilds them.
  * @param Handle The renderer.
  * @par Errors
- * "Invalid DisplayRenderingHandle specified. "; "Could not load OpenGL. "; "OpenGL 3.0 required. Version is
- * currently ..."; "No OpenGL context is current on the calling thread. "; "Vertex shader compilation failed";
- * "Fragment shader compilation failed"; "" (a program did not link, see the log); "Could not create OpenGL
- * buffer. "; "An OpenGL error in ... occured: ...". After an error the renderer is not initialised.
+ * "Invalid DisplayRenderingHandle specified. "; "Could not load OpenGL. ";
+ * "OpenGL 3.0 required. Version is currently ..."; "No OpenGL context is current on the calling thread. ";
+ * "Vertex shader compilation failed"; "Fragment shader compilation failed"; "" (a program did not link, see
+ * the log); "Could not create OpenGL buffer. "; "An OpenGL error in ... occured: ...". After an error the
+ * renderer is not initialised.
  * @thread Rendering thread.
  */
 OCT_API void initDisplayRendering(DisplayRenderingHandle Handle);
 
 /**
- * @brief Deletes what initDisplayRendering() built. Settings and images stay. Does nothing when not
- * initialised.
+ * @brief Deletes what initDisplayRendering() built. Settings and images stay.
+ * Does nothing when not initialised.
  * @param Handle The renderer.
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. "; "An OpenGL error in DisplayRenderer::uninit occured: ..."
@@ -73,8 +74,8 @@ OCT_API void uninitDisplayRendering(DisplayRenderingHandle Handle);
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. "; "No OpenGL context is current on the calling thread. ";
  * "Cannot generate a texture of the required size. " (no image was set, or it is larger than the driver
- * allows); "Invalid texture for rendering...."; "Could not create OpenGL buffer."; "An OpenGL error in ...
- * occured: ..."
+ * allows); "Invalid texture for rendering...."; "Could not create OpenGL buffer.";
+ * "An OpenGL error in ... occured: ..."
  * @thread Rendering thread. Image setters of other threads wait until the frame is drawn.
  */
 OCT_API void renderDisplay(DisplayRenderingHandle Handle);
@@ -86,8 +87,8 @@ OCT_API void renderDisplay(DisplayRenderingHandle Handle);
  * @param Size2 Number of A-scans, 0 or more.
  * @param Data Size1 * Size2 floats, depth fastest, any unit; copied before the call returns.
  * @par Errors
- * "Invalid DisplayRenderingHandle specified. "; "Image sizes must not be negative. "; "Image data must not be
- * null. "; "The image is too large. "
+ * "Invalid DisplayRenderingHandle specified. "; "Image sizes must not be negative. ";
+ * "Image data must not be null. "; "The image is too large. "
  * @thread Any thread; waits while a frame of this renderer is being drawn.
  */
 OCT_API void setDisplayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data);
@@ -146,8 +147,8 @@ OCT_API void setDisplayBlur(DisplayRenderingHandle Handle, int First, int Second
 OCT_API void setDisplayFlip(DisplayRenderingHandle Handle, int Flip);
 
 /**
- * @brief Checks the handle and does nothing else: a pixel always shows the mean of the samples that it
- * covers.
+ * @brief Checks the handle and does nothing else: a pixel always shows the mean
+ * of the samples that it covers.
  * @param Handle The renderer.
  * @param Reduction Ignored.
  * @par Errors
@@ -193,8 +194,9 @@ OCT_API void setBackgroundColor(DisplayRenderingHandle Handle, int Color);
  * returns.
  * @param Count Number of colours, from 1 to the driver's texture limit (16384 on most).
  * @par Errors
- * "Invalid DisplayRenderingHandle specified. "; "The number of colours must not be negative. "; "Colour map
- * data must not be null. ". A count above the driver's limit is reported by the next renderDisplay().
+ * "Invalid DisplayRenderingHandle specified. ";
+ * "The number of colours must not be negative. "; "Colour map data must not be null. ". A
+ * count above the driver's limit is reported by the next renderDisplay().
  * @thread Any thread; takes effect, whole, at the next frame.
  */
 OCT_API void setDisplayColormap(DisplayRenderingHandle Handle, const void* Colormap, int Count);

@@ -44,8 +44,8 @@ extern "C" {
  * there); an image-ready function gets an IDirect3DSurface9*. 1: host memory (the start elsewhere); it gets
  * an OctHostSurface*.
  * @par Errors
- * "Invalid surface sharing selected. "; on systems without Direct3D "Ressouce sharing between OpenGL and
- * DirectX not supported. "
+ * "Invalid surface sharing selected. "; on systems without Direct3D
+ * "Ressouce sharing between OpenGL and DirectX not supported. "
  * @thread Any thread.
  */
 OCT_API void setSurfaceSharing(int Sharing);
@@ -60,8 +60,8 @@ OCT_API void setSurfaceSharing(int Sharing);
 OCT_API void prepareOpenGL(void);
 
 /**
- * @brief Ends what prepareOpenGL() started, at the latest when the last control is gone. Does nothing when
- * called again.
+ * @brief Ends what prepareOpenGL() started, at the latest when the last control is gone.
+ * Does nothing when called again.
  * @thread Any thread but the callbacks' ones, after the last control and loop was deleted.
  */
 OCT_API void finishOpenGL(void);
@@ -81,8 +81,8 @@ OCT_API OpenGLControlLoopHandle createOpenGLControlLoop(void);
  * @param Uninit Called on the render thread with the context current, after the last frame and the last
  * image-ready call. Not called when the render thread ended with an error. Null: none.
  * @param Error Called on the render thread with the reason when an error ends it, among them "Cannot properly
- * create an OpenGLControl.", "Could not generate render target. " and "Rendering could not finish within one
- * second. ".
+ * create an OpenGLControl.", "Could not generate render target. " and "Rendering could
+ * not finish within one second. ".
  * @return As createOpenGLControlLoop().
  * @thread Any thread.
  */
@@ -154,9 +154,9 @@ OCT_API void renderMultOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Id)
  * @param Data Receives Width * Height * 4 bytes: blue, green, red, alpha; bottom row first.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "; "Valid data pointer must be provided to take snapshot. ";
- * "Snapshot sizes must not be negative. "; "The snapshot is too large. "; "The rendering thread of the
- * control loop has ended.
- * "; from a function on the render thread the system's text for a resource deadlock.
+ * "Snapshot sizes must not be negative. "; "The snapshot is too large. ";
+ * "The rendering thread of the control loop has ended. "; from a function on the render thread the system's
+ * text for a resource deadlock.
  * @thread Any thread but the loop's render thread.
  */
 OCT_API void snapshotOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Width, int Height, void* Data);
@@ -185,8 +185,8 @@ OCT_API void resizeOpenGLControlLoop(OpenGLControlLoopHandle Handle, unsigned in
 OCT_API void OpenGLControlLoopMode(OpenGLControlLoopHandle Handle, unsigned int Mode);
 
 /**
- * @brief Checks the handle and does nothing else. A frame is given back by returning from the image-ready
- * function.
+ * @brief Checks the handle and does nothing else. A frame is given back by returning
+ * from the image-ready function.
  * @param Handle The loop.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "
@@ -210,8 +210,9 @@ OCT_API void glRenderTestImage(void);
  * @return IDirect3DSurface9* (X8R8G8B8, a render target) or OctHostSurface*, to be freed with
  * destroyDXSurface(); null on failure. It may outlive the loop.
  * @par Errors
- * "Invalid OpenGLControlLoopHandle specified. "; "A surface must not be empty. "; "The surface is too large.
- * "; "Could not generate render target. "; "An error occured creating the Direct 3D device. "
+ * "Invalid OpenGLControlLoopHandle specified. "; "A surface must not be empty. ";
+ * "The surface is too large. "; "Could not generate render target. ";
+ * "An error occured creating the Direct 3D device. "
  * @thread Any thread.
  */
 OCT_API void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width, unsigned int Height);
@@ -222,8 +223,8 @@ OCT_API void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width
  * @param Source A surface of createDXSurface() or, inside an image-ready function, the frame's.
  * @param Destination A surface of createDXSurface().
  * @par Errors
- * "Invalid OpenGLControlLoopHandle specified. "; "A surface to copy must not be null. "; "Could not copy the
- * surface: ..."
+ * "Invalid OpenGLControlLoopHandle specified. "; "A surface to copy must not be null. ";
+ * "Could not copy the surface: ..."
  * @thread Any thread; nobody else may write either surface meanwhile.
  */
 OCT_API void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* Destination);
@@ -271,8 +272,8 @@ OCT_API void updateBuffer(OpenGLControlHandle Handle);
 OCT_API void readBuffer(OpenGLControlHandle Handle);
 
 /**
- * @brief Makes the control's context current and draws a coloured triangle, turned one degree further before
- * every call.
+ * @brief Makes the control's context current and draws a coloured triangle, turned one
+ * degree further before every call.
  * @param Handle The control.
  * @par Errors
  * "The specified OpenGLControlHandle is invalid. "

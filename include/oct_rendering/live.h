@@ -20,8 +20,6 @@ typedef struct OctLiveVolumeRendering* LiveVolumeRenderingHandle;
 /** @brief Receives the reference intensity of the volume acquired last, 0 to 1. */
 typedef void (*OctIntensityFunction)(double intensity);
 
-/* ----------------------------------------------------------------------------------------------------------
- */
 /**
  * @defgroup live Live volumes
  *
@@ -31,8 +29,8 @@ typedef void (*OctIntensityFunction)(double intensity);
  *    setLiveVolumeRenderingRenderer();
  *  - createOnlineDataSource() or createOnlineDataSource_PS(), its settings, startDataSource();
  *  - renderVolume() once per frame on the rendering thread; the first call does what the source waits for;
- *  - stopDataSource(); one more renderVolume() frees the OpenGL objects; clearDataSource(),
- * clearLiveRendering().
+ *  - stopDataSource(); one more renderVolume() frees the OpenGL objects;
+ *    clearDataSource(), clearLiveRendering().
  *
  * The volumes are drawn when setRenderElements() shows the volume, their surface when it shows the surface.
  * The volume renderer's range follows the device: depth, divided by the refractive index, and the two lateral
@@ -41,8 +39,9 @@ typedef void (*OctIntensityFunction)(double intensity);
  * Errors of the device reach the function of setErrorCallback(), on the acquisition thread: one at the first
  * volume ends the thread, and so does any of a polarization-sensitive source. Other failures on that thread
  * arrive there as well and end it: "Insufficient memory allocated." (the device's volume is smaller than what
- * is to be drawn), "Volume sizes must not be negative. ", "The volume has too many voxels for live rendering.
- * ". After its thread has ended a source can be started again, with stopDataSource() first or without.
+ * is to be drawn), "Volume sizes must not be negative. ",
+ * "The volume has too many voxels for live rendering. ". After its thread has ended a source can be started
+ * again, with stopDataSource() first or without.
  */
 /** @{ */
 
@@ -105,8 +104,8 @@ OCT_API bool isLiveVolumeRunning(LiveVolumeRenderingHandle Handle);
  * "The specified VolumeRendererHandle is invalid. "; "No OpenGL context is current on the calling thread. ";
  * "A volume of ... voxels is too large: this OpenGL driver allows ... voxels along each axis. "; "A volume of
  * ... voxels needs a texture of ... MB, more than this OpenGL driver allows. "; "This is an error." (the
- * driver gave no buffer); "Could not set event"; "An OpenGL error in FastOpenGLVolumeRenderer::... occured:
- * ..."; those of the volume renderer's frame
+ * driver gave no buffer); "Could not set event";
+ * "An OpenGL error in FastOpenGLVolumeRenderer::... occured: ..."; those of the volume renderer's frame
  * @thread Rendering thread.
  */
 OCT_API void renderVolume(LiveVolumeRenderingHandle Handle);
@@ -114,8 +113,8 @@ OCT_API void renderVolume(LiveVolumeRenderingHandle Handle);
 /**
  * @brief Volumes per second, measured between the last two that were uploaded in this process.
  * @param Handle The live renderer.
- * @return The rate; 0 before the first volume; infinite when less than a millisecond had passed, as at the
- * first.
+ * @return The rate; 0 before the first volume; infinite when less than a
+ * millisecond had passed, as at the first.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
  * @thread Any thread; waits for the frame in progress.
@@ -170,10 +169,11 @@ OCT_API LiveDataSourceHandle createOnlineDataSource(OCTDeviceHandle Dev, Process
  * @param PS_Proc The polarization processing. All four must outlive the source.
  * @return The source, to be freed with clearDataSource(); null on failure.
  * @par Errors
- * "The specifided OCTDeviceHandle is invalid. "; "The specifided ProcessingHandle for camera/sensor-0 is
- * invalid. "; "The specifided ProcessingHandle for camera/sensor-1 is invalid. "; "The specifided
- * PolarizationProcessingHandle is invalid. "; "The device library "..." could not be loaded: ... "; "The
- * device library "..." has no function "...". "
+ * "The specifided OCTDeviceHandle is invalid. ";
+ * "The specifided ProcessingHandle for camera/sensor-0 is invalid. ";
+ * "The specifided ProcessingHandle for camera/sensor-1 is invalid. ";
+ * "The specifided PolarizationProcessingHandle is invalid. ";
+ * "The device library "..." could not be loaded: ... "; "The device library "..." has no function "...". "
  * @thread Any thread.
  */
 OCT_API LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHandle Proc0,
@@ -184,8 +184,8 @@ OCT_API LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, Proc
  * @brief Stops the source, waits for its thread and frees it.
  * @param DataSource The source; null is ignored.
  * @par Errors
- * The system's text for a resource deadlock, from one of the source's own callbacks: the source stops and is
- * not freed.
+ * The system's text for a resource deadlock, from one of the source's own callbacks: the
+ * source stops and is not freed.
  * @thread Any thread but the source's own.
  */
 OCT_API void clearDataSource(LiveDataSourceHandle DataSource);
@@ -196,9 +196,10 @@ OCT_API void clearDataSource(LiveDataSourceHandle DataSource);
  * @param DataSource The source.
  * @param Pattern The scan pattern; it must outlive the measurement.
  * @par Errors
- * In this order: "The specified LiveDataSourceHandle is invalid. " (source); "The specified
- * VolumeRendererHandle is invalid. " (live renderer); "The specified ScanPatternHandle is invalid. "; then
- * "BrennickDataSource already running". A running source is left as it is.
+ * In this order: "The specified LiveDataSourceHandle is invalid. " (source);
+ * "The specified VolumeRendererHandle is invalid. " (live renderer);
+ * "The specified ScanPatternHandle is invalid. "; then "BrennickDataSource already running". A
+ * running source is left as it is.
  * @thread Any thread but the source's own; waits for the frame in progress.
  */
 OCT_API void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle DataSource,
@@ -238,8 +239,8 @@ OCT_API void setSizeZ(LiveDataSourceHandle DataSource, int Size);
 OCT_API void setOnlineRefractiveIndex(LiveDataSourceHandle DataSource, double Index);
 
 /**
- * @brief Sets whether the analog input is acquired as secondary data. Holds from the next startDataSource()
- * on.
+ * @brief Sets whether the analog input is acquired as secondary data. Holds from
+ * the next startDataSource() on.
  * @param DataSource The source; null is ignored.
  * @param Enable At first false.
  * @par Errors
@@ -249,8 +250,8 @@ OCT_API void setOnlineRefractiveIndex(LiveDataSourceHandle DataSource, double In
 OCT_API void setOnlineAnalogInputConfiguration(LiveDataSourceHandle DataSource, bool Enable);
 
 /**
- * @brief Sets the camera whose volumes are drawn, from the next volume on. Not for polarization-sensitive
- * sources.
+ * @brief Sets the camera whose volumes are drawn, from the next volume on. Not for
+ * polarization-sensitive sources.
  * @param DataSource The source; null is ignored.
  * @param Camera Index of the camera, at first 0. One that the device lacks is the device's error.
  * @thread Any thread.

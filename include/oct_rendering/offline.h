@@ -74,12 +74,12 @@ OCT_API void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, f
  * @param Height Voxels along the second axis.
  * @param Depth Voxels along the third axis, the slices.
  * @par Errors
- * "The specified OfflineRenderingHandle is invalid. "; "Attach a volume renderer before allocating a volume.
- * "; "Volume sizes must not be negative. "; "A volume of ... voxels is too large: this OpenGL driver allows
- * ... voxels along each axis. "; "A volume of ... voxels needs a texture of ... MB, more than this OpenGL
- * driver allows. "; "An OpenGL error in OfflineVolumeRendering::allocate, glTexImage3D occured: ... A volume
- * of ... voxels needs a texture of ... MB, which the driver could not provide. "; "No OpenGL context is
- * current on the calling thread. "
+ * "The specified OfflineRenderingHandle is invalid. ";
+ * "Attach a volume renderer before allocating a volume. "; "Volume sizes must not be negative. "; "A volume
+ * of ... voxels is too large: this OpenGL driver allows ... voxels along each axis. "; "A volume of ...
+ * voxels needs a texture of ... MB, more than this OpenGL driver allows. "; "An OpenGL error in
+ * OfflineVolumeRendering::allocate, glTexImage3D occured: ... A volume of ... voxels needs a texture of ...
+ * MB, which the driver could not provide. "; "No OpenGL context is current on the calling thread. "
  * @thread Rendering thread.
  */
 OCT_API void allocateOfflineVolume(OfflineRenderingHandle Handle, int Width, int Height, int Depth);
@@ -89,8 +89,9 @@ OCT_API void allocateOfflineVolume(OfflineRenderingHandle Handle, int Width, int
  * @param Handle The object.
  * @param Volume Width * Height * Depth floats; read before the call returns.
  * @par Errors
- * "The specified OfflineRenderingHandle is invalid. "; "Volume data must not be null. "; "Allocate a volume
- * before uploading one. "; "An OpenGL error in OfflineVolumeRendering::upload occured: ..."
+ * "The specified OfflineRenderingHandle is invalid. "; "Volume data must not be null. ";
+ * "Allocate a volume before uploading one. ";
+ * "An OpenGL error in OfflineVolumeRendering::upload occured: ..."
  * @thread Rendering thread.
  */
 OCT_API void uploadOfflineVolume(OfflineRenderingHandle Handle, const float* Volume);
@@ -113,9 +114,9 @@ OCT_API void uploadOfflineVolumeOverlay(OfflineRenderingHandle Handle, const flo
  * @param Block Width * Height * (End - First) floats, starting with slice First; read before the call
  * returns. Null: the volume counts as empty from now on.
  * @par Errors
- * "The specified OfflineRenderingHandle is invalid. "; "Allocate a volume before uploading one. "; "The
- * slices lie outside the allocated volume. "; "An OpenGL error in OfflineVolumeRendering::upload occured:
- * ..."
+ * "The specified OfflineRenderingHandle is invalid. "; "Allocate a volume before uploading one. ";
+ * "The slices lie outside the allocated volume. ";
+ * "An OpenGL error in OfflineVolumeRendering::upload occured: ..."
  * @thread Rendering thread.
  */
 OCT_API void uploadOfflineSubVolume(OfflineRenderingHandle Handle, int First, int End, const float* Block);
@@ -126,9 +127,9 @@ OCT_API void uploadOfflineSubVolume(OfflineRenderingHandle Handle, int First, in
  * @param Index Index of the slice.
  * @param Slice Width * Height floats; read before the call returns.
  * @par Errors
- * "The specified OfflineRenderingHandle is invalid. "; "Slice data must not be null. "; "Allocate a volume
- * before uploading one. "; "The slices lie outside the allocated volume. "; "An OpenGL error in
- * OfflineVolumeRendering::upload occured: ..."
+ * "The specified OfflineRenderingHandle is invalid. "; "Slice data must not be null. ";
+ * "Allocate a volume before uploading one. "; "The slices lie outside the allocated volume. ";
+ * "An OpenGL error in OfflineVolumeRendering::upload occured: ..."
  * @thread Rendering thread.
  */
 OCT_API void uploadOfflineVolumeSlice(OfflineRenderingHandle Handle, int Index, const float* Slice);
@@ -156,9 +157,10 @@ OCT_API void uploadOverlayOfflineVolume(OfflineRenderingHandle Handle, const flo
  * @param Count Number of samples of the block along @p Depth.
  * @param Data Width * Height * Count floats; read before the call returns. Null frees the secondary data.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. " (a null handle, or no renderer attached); "The secondary
- * data lies outside its texture. "; "The first block of secondary data must start at 0. "; reasons of size as
- * allocateOfflineVolume(); "An OpenGL error in OfflineVolumeRendering::upload_secondary_data occured: ..."
+ * "The specified VolumeRendererHandle is invalid. " (a null handle, or no renderer attached);
+ * "The secondary data lies outside its texture. "; "The first block of secondary data must start at 0. ";
+ * reasons of size as allocateOfflineVolume();
+ * "An OpenGL error in OfflineVolumeRendering::upload_secondary_data occured: ..."
  * @thread Rendering thread.
  */
 OCT_API void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int Depth,

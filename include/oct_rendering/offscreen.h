@@ -54,8 +54,8 @@ OCT_API void clearOffscreenTarget(OffscreenTargetHandle Handle);
  * @param Width Width in pixels, 1 to the driver's renderbuffer limit (16384 on most).
  * @param Height Height in pixels, likewise.
  * @par Errors
- * "Invalid OffscreenTargetHandle specified. "; "An OpenGL error in beginOffscreenFrame occured: ..."; "The
- * offscreen framebuffer is not complete: ..."
+ * "Invalid OffscreenTargetHandle specified. "; "An OpenGL error in beginOffscreenFrame occured: ...";
+ * "The offscreen framebuffer is not complete: ..."
  * @thread The thread that created the target.
  */
 OCT_API void beginOffscreenFrame(OffscreenTargetHandle Handle, unsigned int Width, unsigned int Height);
@@ -66,8 +66,8 @@ OCT_API void beginOffscreenFrame(OffscreenTargetHandle Handle, unsigned int Widt
  * @param Pixels Receives Width * Height * 4 bytes: rows bottom row first, each pixel blue, green, red, alpha.
  *        Null: nothing is read.
  * @par Errors
- * "Invalid OffscreenTargetHandle specified. "; "No offscreen frame has been begun. "; "An OpenGL error in
- * finishOffscreenFrame occured: ..."
+ * "Invalid OffscreenTargetHandle specified. "; "No offscreen frame has been begun. ";
+ * "An OpenGL error in finishOffscreenFrame occured: ..."
  * @thread The thread that created the target.
  */
 OCT_API void finishOffscreenFrame(OffscreenTargetHandle Handle, void* Pixels);

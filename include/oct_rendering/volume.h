@@ -25,8 +25,8 @@ extern "C" {
  * downwards on screen), x and z are the lateral ones. The box is scaled to the physical range, so that its
  * half diagonal is 2 whatever the unit. The camera looks at it from a distance of 5.
  *
- * A frame covers the whole viewport with an opaque picture, translucent volumes included: alpha is 255
- * everywhere.
+ * A frame covers the whole viewport with an opaque picture, translucent volumes
+ * included: alpha is 255 everywhere.
  *
  * A voxel v is coloured by a colour map at (v - Lower) / (Upper - Lower); alpha is opacity. Four colour maps
  * exist: of the volume, of the secondary data, of the overlay volume and of the surface. They live from
@@ -60,18 +60,17 @@ OCT_API void deleteVolumeRenderer(VolumeRendererHandle Handle);
  * call of the process. Calling it again rebuilds them and keeps the colours.
  * @param Handle The renderer.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. "; "Could not load OpenGL. "; "OpenGL 3.0 required. Version
- * is currently ..."; "No OpenGL context is current on the calling thread. "; "Vertex shader compilation
- * failed"; "Fragment shader compilation failed"; "" (a program did not link, see the log); "An OpenGL error
- * in ... occured:
- * ...". After an error the renderer is not initialised.
+ * "The specified VolumeRendererHandle is invalid. "; "Could not load OpenGL. ";
+ * "OpenGL 3.0 required. Version is currently ..."; "No OpenGL context is current on the calling thread. ";
+ * "Vertex shader compilation failed"; "Fragment shader compilation failed"; "" (a program did not link, see
+ * the log); "An OpenGL error in ... occured: ...". After an error the renderer is not initialised.
  * @thread Rendering thread.
  */
 OCT_API void initializeVolumeRenderer(VolumeRendererHandle Handle);
 
 /**
- * @brief Deletes programs, textures and colour maps. The other settings stay. Does nothing when not
- * initialised.
+ * @brief Deletes programs, textures and colour maps. The other settings stay.
+ * Does nothing when not initialised.
  * @param Handle The renderer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
@@ -80,8 +79,8 @@ OCT_API void initializeVolumeRenderer(VolumeRendererHandle Handle);
 OCT_API void uninitializeVolumeRenderer(VolumeRendererHandle Handle);
 
 /**
- * @brief Forgets the volume and shows neither volume nor surface until the owner or setRenderElements() says
- * so.
+ * @brief Forgets the volume and shows neither volume nor surface until the owner
+ * or setRenderElements() says so.
  * @param Handle The renderer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
@@ -90,8 +89,8 @@ OCT_API void uninitializeVolumeRenderer(VolumeRendererHandle Handle);
 OCT_API void clearVolumeRenderer(VolumeRendererHandle Handle);
 
 /**
- * @brief Turns the volume: first about the screen's horizontal axis, within that about the volume's axial
- * one.
+ * @brief Turns the volume: first about the screen's horizontal axis, within
+ * that about the volume's axial one.
  * @param Handle The renderer.
  * @param X Angle about the x axis in degrees; brought into -180 to 180 by whole turns. The start is 0.
  * @param Y Angle about the y axis in degrees, likewise.
@@ -143,8 +142,8 @@ OCT_API void setZoom(VolumeRendererHandle Handle, double Zoom);
  * @param Width Width in pixels.
  * @param Height Height in pixels.
  * @par Errors
- * "Could not load OpenGL. "; "No OpenGL context is current on the calling thread. "; "An OpenGL error in
- * setViewportSize occured: ..."
+ * "Could not load OpenGL. "; "No OpenGL context is current on the calling thread. ";
+ * "An OpenGL error in setViewportSize occured: ..."
  * @thread Rendering thread.
  */
 OCT_API void setViewportSize(unsigned int Width, unsigned int Height);
@@ -310,8 +309,8 @@ OCT_API void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color
  * ray); copied before the call returns.
  * @param Count Number of colours, up to the driver's texture limit (16384 on most); 0: nothing is visible.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. "; "The number of colours must not be negative. "; "Colour
- * map data must not be null. ". A count above the driver's limit is reported by the next frame.
+ * "The specified VolumeRendererHandle is invalid. "; "The number of colours must not be negative. ";
+ * "Colour map data must not be null. ". A count above the driver's limit is reported by the next frame.
  * @thread Any thread; waits while a frame is being drawn. Takes effect at the next one.
  */
 OCT_API void setRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count);
@@ -402,9 +401,9 @@ OCT_API void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Ind
  * @param Values Width * Height floats, row by row: the depth of each sample; copied before the call returns.
  * A sample that is not finite leaves a hole.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. "; "The size of a surface must not be negative. "; "Surface
- * data must not be null. "; "The scale of a surface must be a number other than zero. "; "The surface has too
- * many samples. "
+ * "The specified VolumeRendererHandle is invalid. "; "The size of a surface must not be negative. ";
+ * "Surface data must not be null. "; "The scale of a surface must be a number other than zero. ";
+ * "The surface has too many samples. "
  * @thread Any thread; waits while a frame is being drawn.
  */
 OCT_API void setSurface(VolumeRendererHandle Handle, int Width, int Height, double Scale,

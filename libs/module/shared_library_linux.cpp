@@ -1,10 +1,10 @@
-#include <dlfcn.h>
-#include <link.h>
+#include "module/shared_library.h"
 
 #include <filesystem>
 #include <stdexcept>
 
-#include "module/shared_library.h"
+#include <dlfcn.h>
+#include <link.h>
 
 namespace oct {
 namespace {

@@ -1,10 +1,10 @@
-#include <windows.h>
+#include "module/shared_library.h"
 
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
-#include "module/shared_library.h"
+#include <windows.h>
 
 namespace oct {
 namespace {

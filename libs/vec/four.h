@@ -2,9 +2,9 @@
 // each like line_stream.h.
 #pragma once
 
-#include <xmmintrin.h>
-
 #include <cstddef>
+
+#include <xmmintrin.h>
 
 namespace oct::vec {
 namespace {
@@ -18,7 +18,7 @@ struct Four {
   static void store(float* values, Floats floats) { _mm_storeu_ps(values, floats); }
   static Floats minimum(Floats a, Floats b) { return _mm_min_ps(a, b); }
   static Floats maximum(Floats a, Floats b) { return _mm_max_ps(a, b); }
-  static Floats oneWhereNotAbove(Floats values, Floats limits) {
+  static Floats one_where_not_above(Floats values, Floats limits) {
     return _mm_and_ps(_mm_cmple_ps(values, limits), all(1.0F));
   }
 

@@ -9,19 +9,19 @@
 namespace oct::vec {
 namespace {
 
-constexpr std::size_t lineFloats = 16;
+constexpr std::size_t line_floats = 16;
 
 // Line::store(destination, source) writes one aligned cache line. Lines that the row fills in part are
 // written as usual: half a line past the caches and the other half not would cost more than either. soon is
 // read soon, as many floats of it.
 template <class Line>
-void streamRow(float* destination, const float* source, std::size_t count, const float* soon) {
-  const std::size_t beyond = reinterpret_cast<std::uintptr_t>(destination) / sizeof(float) % lineFloats;
-  const std::size_t toLine = (lineFloats - beyond) % lineFloats;
-  const std::size_t head = toLine < count ? toLine : count;
+void stream_row(float* destination, const float* source, std::size_t count, const float* soon) {
+  const std::size_t beyond = reinterpret_cast<std::uintptr_t>(destination) / sizeof(float) % line_floats;
+  const std::size_t to_line = (line_floats - beyond) % line_floats;
+  const std::size_t head = to_line < count ? to_line : count;
   std::size_t i = 0;
   for (; i < head; ++i) destination[i] = source[i];
-  for (; i + lineFloats <= count; i += lineFloats) {
+  for (; i + line_floats <= count; i += line_floats) {
     __builtin_prefetch(soon + i);
     Line::store(destination + i, source + i);
   }
@@ -30,9 +30,9 @@ void streamRow(float* destination, const float* source, std::size_t count, const
 
 // Line::finish() makes all that was stored visible to other threads.
 template <class Line>
-void copyBlock(float* destination, const float* source, std::size_t count, std::size_t streamedBytes) {
-  if (count * sizeof(float) >= streamedBytes) {
-    streamRow<Line>(destination, source, count, source);
+void copy_block(float* destination, const float* source, std::size_t count, std::size_t streamed_bytes) {
+  if (count * sizeof(float) >= streamed_bytes) {
+    stream_row<Line>(destination, source, count, source);
     Line::finish();
   } else if (count > 0) {
     std::memcpy(destination, source, count * sizeof(float));
@@ -41,19 +41,19 @@ void copyBlock(float* destination, const float* source, std::size_t count, std::
 
 // Where rows are cropped, the processor's own prefetching runs on into what is left out.
 template <class Line>
-void copyCropped(float* destination, const float* source, std::size_t aScans, std::size_t sourceSamples,
-                 std::size_t keptSamples, std::size_t streamedBytes) {
-  if (keptSamples == 0) return;
-  constexpr std::size_t rowsAhead = 2;
-  const bool streamed = aScans * keptSamples * sizeof(float) >= streamedBytes;
-  for (std::size_t aScan = 0; aScan < aScans; ++aScan) {
-    float* const to = destination + aScan * keptSamples;
-    const float* const from = source + aScan * sourceSamples;
+void copy_cropped(float* destination, const float* source, std::size_t a_scans, std::size_t source_samples,
+                  std::size_t kept_samples, std::size_t streamed_bytes) {
+  if (kept_samples == 0) return;
+  constexpr std::size_t rows_ahead = 2;
+  const bool streamed = a_scans * kept_samples * sizeof(float) >= streamed_bytes;
+  for (std::size_t a_scan = 0; a_scan < a_scans; ++a_scan) {
+    float* const to = destination + a_scan * kept_samples;
+    const float* const from = source + a_scan * source_samples;
     if (streamed) {
-      streamRow<Line>(to, from, keptSamples,
-                      aScan + rowsAhead < aScans ? from + rowsAhead * sourceSamples : from);
+      stream_row<Line>(to, from, kept_samples,
+                       a_scan + rows_ahead < a_scans ? from + rows_ahead * source_samples : from);
     } else {
-      std::memcpy(to, from, keptSamples * sizeof(float));
+      std::memcpy(to, from, kept_samples * sizeof(float));
     }
   }
   if (streamed) Line::finish();

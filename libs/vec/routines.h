@@ -10,28 +10,28 @@ enum class InstructionSet { scalar, sse, sse2, sse41, avx };
 
 struct Routines {
   void (*copy)(float*, const float*, std::size_t);
-  void (*cropCopy)(float*, const float*, std::size_t, std::size_t, std::size_t);
+  void (*crop_copy)(float*, const float*, std::size_t, std::size_t, std::size_t);
   Extremes (*extremes)(const float*, std::size_t);
-  std::size_t (*countNotAbove)(const float*, std::size_t, float);
+  std::size_t (*count_not_above)(const float*, std::size_t, float);
   void (*subtract)(float*, const std::uint16_t*, const float*, std::size_t);
   void (*powers)(float*, const float*, std::size_t);
   void (*decibels)(float*, const float*, std::size_t, float);
-  void (*toUint16)(std::uint16_t*, const float*, std::size_t, float, float);
+  void (*to_uint16)(std::uint16_t*, const float*, std::size_t, float, float);
 };
 
-bool isSupported(InstructionSet set);
+bool is_supported(InstructionSet set);
 
 // For every routine the variant of the set, or of the nearest set before it that has one.
-Routines routinesOf(InstructionSet set);
+Routines routines_of(InstructionSet set);
 
 // Put a set's own variants into a table. A set has one only where it is faster than the sets before it.
-void setScalar(Routines& routines);
-void setSse(Routines& routines);
-void setSse2(Routines& routines);
-void setSse41(Routines& routines);
-void setAvx(Routines& routines);
+void set_scalar(Routines& routines);
+void set_sse(Routines& routines);
+void set_sse2(Routines& routines);
+void set_sse41(Routines& routines);
+void set_avx(Routines& routines);
 
 // Smaller copies stay in the caches, where whoever reads them next finds them.
-inline constexpr std::size_t streamedBytes = std::size_t{16} << 20U;
+inline constexpr std::size_t streamed_bytes = std::size_t{16} << 20U;
 
 }  // namespace oct::vec

@@ -5,26 +5,26 @@
 namespace oct::vec {
 namespace {
 
-constexpr InstructionSet allSets[] = {InstructionSet::scalar, InstructionSet::sse, InstructionSet::sse2,
-                                      InstructionSet::sse41, InstructionSet::avx};
+constexpr InstructionSet all_sets[] = {InstructionSet::scalar, InstructionSet::sse, InstructionSet::sse2,
+                                       InstructionSet::sse41, InstructionSet::avx};
 
-constexpr void (*setters[])(Routines&) = {setScalar, setSse, setSse2, setSse41, setAvx};
+constexpr void (*setters[])(Routines&) = {set_scalar, set_sse, set_sse2, set_sse41, set_avx};
 
 // What the processor can do is asked once.
 const Routines& best() {
   static const Routines routines = [] {
     InstructionSet widest = InstructionSet::scalar;
-    for (const InstructionSet set : allSets) {
-      if (isSupported(set)) widest = set;
+    for (const InstructionSet set : all_sets) {
+      if (is_supported(set)) widest = set;
     }
-    return routinesOf(widest);
+    return routines_of(widest);
   }();
   return routines;
 }
 
 }  // namespace
 
-bool isSupported(InstructionSet set) {
+bool is_supported(InstructionSet set) {
   __builtin_cpu_init();
   switch (set) {
     case InstructionSet::sse:
@@ -40,9 +40,9 @@ bool isSupported(InstructionSet set) {
   }
 }
 
-Routines routinesOf(InstructionSet set) {
+Routines routines_of(InstructionSet set) {
   Routines routines{};
-  for (const InstructionSet each : allSets) {
+  for (const InstructionSet each : all_sets) {
     if (each <= set) setters[static_cast<int>(each)](routines);
   }
   return routines;
@@ -52,34 +52,34 @@ void copy(float* destination, const float* source, std::size_t count) {
   best().copy(destination, source, count);
 }
 
-void cropCopy(float* destination, const float* source, std::size_t aScans, std::size_t sourceSamples,
-              std::size_t keptSamples) {
-  best().cropCopy(destination, source, aScans, sourceSamples, keptSamples);
+void crop_copy(float* destination, const float* source, std::size_t a_scans, std::size_t source_samples,
+               std::size_t kept_samples) {
+  best().crop_copy(destination, source, a_scans, source_samples, kept_samples);
 }
 
 Extremes extremes(const float* values, std::size_t count) {
   return best().extremes(values, count);
 }
 
-std::size_t countNotAbove(const float* values, std::size_t count, float limit) {
-  return best().countNotAbove(values, count, limit);
+std::size_t count_not_above(const float* values, std::size_t count, float limit) {
+  return best().count_not_above(values, count, limit);
 }
 
 void subtract(float* destination, const std::uint16_t* counts, const float* background, std::size_t count) {
   best().subtract(destination, counts, background, count);
 }
 
-void powers(float* destination, const float* complexNumbers, std::size_t count) {
-  best().powers(destination, complexNumbers, count);
+void powers(float* destination, const float* complex_numbers, std::size_t count) {
+  best().powers(destination, complex_numbers, count);
 }
 
 void decibels(float* destination, const float* powers, std::size_t count, float least) {
   best().decibels(destination, powers, count, least);
 }
 
-void toUint16(std::uint16_t* destination, const float* values, std::size_t count, float factor,
-              float offset) {
-  best().toUint16(destination, values, count, factor, offset);
+void to_uint16(std::uint16_t* destination, const float* values, std::size_t count, float factor,
+               float offset) {
+  best().to_uint16(destination, values, count, factor, offset);
 }
 
 }  // namespace oct::vec

@@ -13,10 +13,10 @@ namespace oct::vec {
 // of the graphics driver, which may be write-combined, and for whatever is not read again at once.
 void copy(float* destination, const float* source, std::size_t count);
 
-// Of each of aScans rows of sourceSamples floats, copies the first keptSamples; the destination is packed.
+// Of each of a_scans rows of source_samples floats, copies the first kept_samples; the destination is packed.
 // Stores as copy() does.
-void cropCopy(float* destination, const float* source, std::size_t aScans, std::size_t sourceSamples,
-              std::size_t keptSamples);
+void crop_copy(float* destination, const float* source, std::size_t a_scans, std::size_t source_samples,
+               std::size_t kept_samples);
 
 struct Extremes {
   float lowest;   // infinity where there is no number
@@ -27,7 +27,7 @@ struct Extremes {
 Extremes extremes(const float* values, std::size_t count);
 
 // How many values are at most limit; NaN is not.
-std::size_t countNotAbove(const float* values, std::size_t count, float limit);
+std::size_t count_not_above(const float* values, std::size_t count, float limit);
 
 // The value below which this share (0 to 1) of the values lies: the one at rank share * (numbers - 1) in
 // rising order, rounded down. Exact, by at most 32 counts of the array, which is left as it is. NaN is
@@ -38,14 +38,15 @@ float quantile(const float* values, std::size_t count, double share);
 void subtract(float* destination, const std::uint16_t* counts, const float* background, std::size_t count);
 
 // destination[i] = re * re + im * im of count complex numbers, which lie as pairs.
-void powers(float* destination, const float* complexNumbers, std::size_t count);
+void powers(float* destination, const float* complex_numbers, std::size_t count);
 
 // destination[i] = 10 log10 of a power, within 5e-5 dB. What is below least, or NaN, counts as least, which
 // must be a normal number above zero; infinity counts as the largest float (385.3 dB). In place or apart.
 void decibels(float* destination, const float* powers, std::size_t count, float least);
 
-// destination[i] = factor * values[i] + offset, halves rounded up and clamped to what 16 bits hold; NaN
-// becomes 0.
-void toUint16(std::uint16_t* destination, const float* values, std::size_t count, float factor, float offset);
+// destination[i] = factor * values[i] + offset, halves rounded up and clamped to
+// what 16 bits hold; NaN becomes 0.
+void to_uint16(std::uint16_t* destination, const float* values, std::size_t count, float factor,
+               float offset);
 
 }  // namespace oct::vec

@@ -14,7 +14,7 @@ struct Halves {
   __m128i high;
 };
 
-Halves halvesOf(__m256i whole) {
+Halves halves_of(__m256i whole) {
   return {_mm256_castsi256_si128(whole), _mm256_extractf128_si256(whole, 1)};
 }
 
@@ -22,11 +22,11 @@ __m256i joined(Halves halves) {
   return _mm256_insertf128_si256(_mm256_castsi128_si256(halves.low), halves.high, 1);
 }
 
-__m128i exponentOf(__m128i bits) {
-  return _mm_srai_epi32(_mm_sub_epi32(bits, _mm_set1_epi32(rootHalfBits)), 23);
+__m128i exponent_of(__m128i bits) {
+  return _mm_srai_epi32(_mm_sub_epi32(bits, _mm_set1_epi32(root_half_bits)), 23);
 }
 
-__m128i mantissaOf(__m128i bits, __m128i exponent) {
+__m128i mantissa_of(__m128i bits, __m128i exponent) {
   return _mm_sub_epi32(bits, _mm_slli_epi32(exponent, 23));
 }
 
@@ -39,7 +39,7 @@ struct Eight {
   static void store(float* values, Floats floats) { _mm256_storeu_ps(values, floats); }
   static Floats minimum(Floats a, Floats b) { return _mm256_min_ps(a, b); }
   static Floats maximum(Floats a, Floats b) { return _mm256_max_ps(a, b); }
-  static Floats oneWhereNotAbove(Floats values, Floats limits) {
+  static Floats one_where_not_above(Floats values, Floats limits) {
     return _mm256_and_ps(_mm256_cmp_ps(values, limits, _CMP_LE_OQ), all(1.0F));
   }
 
@@ -60,54 +60,54 @@ struct Eight {
     Floats m;
   };
   static Normalised normalised(Floats x) {
-    const Halves bits = halvesOf(_mm256_castps_si256(x));
-    const Halves exponent{exponentOf(bits.low), exponentOf(bits.high)};
-    const Halves m{mantissaOf(bits.low, exponent.low), mantissaOf(bits.high, exponent.high)};
+    const Halves bits = halves_of(_mm256_castps_si256(x));
+    const Halves exponent{exponent_of(bits.low), exponent_of(bits.high)};
+    const Halves m{mantissa_of(bits.low, exponent.low), mantissa_of(bits.high, exponent.high)};
     return {_mm256_cvtepi32_ps(joined(exponent)), _mm256_castsi256_ps(joined(m))};
   }
 };
 
 struct Line {
   static void store(float* destination, const float* source) {
-    for (std::size_t i = 0; i < lineFloats; i += Eight::width)
+    for (std::size_t i = 0; i < line_floats; i += Eight::width)
       _mm256_stream_ps(destination + i, _mm256_loadu_ps(source + i));
   }
   static void finish() { _mm_sfence(); }
 };
 
-void copyAvx(float* destination, const float* source, std::size_t count) {
-  copyBlock<Line>(destination, source, count, streamedBytes);
+void copy_avx(float* destination, const float* source, std::size_t count) {
+  copy_block<Line>(destination, source, count, streamed_bytes);
 }
 
-void cropCopyAvx(float* destination, const float* source, std::size_t aScans, std::size_t sourceSamples,
-                 std::size_t keptSamples) {
-  copyCropped<Line>(destination, source, aScans, sourceSamples, keptSamples, streamedBytes);
+void crop_copy_avx(float* destination, const float* source, std::size_t a_scans, std::size_t source_samples,
+                   std::size_t kept_samples) {
+  copy_cropped<Line>(destination, source, a_scans, source_samples, kept_samples, streamed_bytes);
 }
 
-void toUint16Avx(std::uint16_t* destination, const float* values, std::size_t count, float factor,
-                 float offset) {
+void to_uint16_avx(std::uint16_t* destination, const float* values, std::size_t count, float factor,
+                   float offset) {
   const __m256 factors = _mm256_set1_ps(factor);
   const __m256 offsets = _mm256_set1_ps(offset + 0.5F);
   const auto kernel = [&](std::uint16_t* to, const float* from) {
     const __m256 value = _mm256_add_ps(_mm256_mul_ps(_mm256_loadu_ps(from), factors), offsets);
     // Packing cuts what is below 0, and so NaN, which the minimum lets pass as its second operand.
-    const __m256i integers = _mm256_cvttps_epi32(_mm256_min_ps(_mm256_set1_ps(largestUint16), value));
-    const Halves whole = halvesOf(integers);
+    const __m256i integers = _mm256_cvttps_epi32(_mm256_min_ps(_mm256_set1_ps(largest_uint16), value));
+    const Halves whole = halves_of(integers);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(whole.low, whole.high));
   };
-  forAll(destination, values, count, Eight::width, kernel);
+  for_all(destination, values, count, Eight::width, kernel);
 }
 
 }  // namespace
 
-void setAvx(Routines& routines) {
-  routines.copy = copyAvx;
-  routines.cropCopy = cropCopyAvx;
-  routines.extremes = extremesWide<Eight>;
-  routines.countNotAbove = countNotAboveWide<Eight>;
-  routines.powers = powersWide<Eight>;
-  routines.decibels = decibelsWide<Eight>;
-  routines.toUint16 = toUint16Avx;
+void set_avx(Routines& routines) {
+  routines.copy = copy_avx;
+  routines.crop_copy = crop_copy_avx;
+  routines.extremes = extremes_wide<Eight>;
+  routines.count_not_above = count_not_above_wide<Eight>;
+  routines.powers = powers_wide<Eight>;
+  routines.decibels = decibels_wide<Eight>;
+  routines.to_uint16 = to_uint16_avx;
 }
 
 }  // namespace oct::vec

@@ -10,18 +10,18 @@ namespace {
 
 constexpr float infinity = __builtin_inff();
 
-void copyScalar(float* destination, const float* source, std::size_t count) {
+void copy_scalar(float* destination, const float* source, std::size_t count) {
   if (count > 0) std::memcpy(destination, source, count * sizeof(float));
 }
 
-void cropCopyScalar(float* destination, const float* source, std::size_t aScans, std::size_t sourceSamples,
-                    std::size_t keptSamples) {
-  for (std::size_t aScan = 0; aScan < aScans; ++aScan) {
-    copyScalar(destination + aScan * keptSamples, source + aScan * sourceSamples, keptSamples);
+void crop_copy_scalar(float* destination, const float* source, std::size_t a_scans,
+                      std::size_t source_samples, std::size_t kept_samples) {
+  for (std::size_t a_scan = 0; a_scan < a_scans; ++a_scan) {
+    copy_scalar(destination + a_scan * kept_samples, source + a_scan * source_samples, kept_samples);
   }
 }
 
-Extremes extremesScalar(const float* values, std::size_t count) {
+Extremes extremes_scalar(const float* values, std::size_t count) {
   Extremes result{infinity, -infinity};
   for (std::size_t i = 0; i < count; ++i) {
     if (values[i] < result.lowest) result.lowest = values[i];
@@ -30,57 +30,57 @@ Extremes extremesScalar(const float* values, std::size_t count) {
   return result;
 }
 
-std::size_t countNotAboveScalar(const float* values, std::size_t count, float limit) {
+std::size_t count_not_above_scalar(const float* values, std::size_t count, float limit) {
   std::size_t result = 0;
   for (std::size_t i = 0; i < count; ++i) result += values[i] <= limit ? 1 : 0;
   return result;
 }
 
-void subtractScalar(float* destination, const std::uint16_t* counts, const float* background,
-                    std::size_t count) {
+void subtract_scalar(float* destination, const std::uint16_t* counts, const float* background,
+                     std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) destination[i] = static_cast<float>(counts[i]) - background[i];
 }
 
-void powersScalar(float* destination, const float* complexNumbers, std::size_t count) {
+void powers_scalar(float* destination, const float* complex_numbers, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
-    const float re = complexNumbers[2 * i];
-    const float im = complexNumbers[2 * i + 1];
+    const float re = complex_numbers[2 * i];
+    const float im = complex_numbers[2 * i + 1];
     destination[i] = re * re + im * im;
   }
 }
 
-float decibelsOf(float power, float least) {
+float decibels_of(float power, float least) {
   float x = power > least ? power : least;
-  x = x < largestFloat ? x : largestFloat;
+  x = x < largest_float ? x : largest_float;
   const auto bits = std::bit_cast<std::int32_t>(x);
-  const std::int32_t exponent = (bits - rootHalfBits) >> 23;
+  const std::int32_t exponent = (bits - root_half_bits) >> 23;
   const float m = std::bit_cast<float>(bits - exponent * (1 << 23));
   const float s = (m - 1.0F) / (m + 1.0F);
   const float q = s * s;
   const float series = series1 + q * (series3 + q * (series5 + q * (series7 + q * series9)));
-  return static_cast<float>(exponent) * perOctave + s * series;
+  return static_cast<float>(exponent) * per_octave + s * series;
 }
 
-void decibelsScalar(float* destination, const float* powers, std::size_t count, float least) {
-  for (std::size_t i = 0; i < count; ++i) destination[i] = decibelsOf(powers[i], least);
+void decibels_scalar(float* destination, const float* powers, std::size_t count, float least) {
+  for (std::size_t i = 0; i < count; ++i) destination[i] = decibels_of(powers[i], least);
 }
 
-void toUint16Scalar(std::uint16_t* destination, const float* values, std::size_t count, float factor,
-                    float offset) {
+void to_uint16_scalar(std::uint16_t* destination, const float* values, std::size_t count, float factor,
+                      float offset) {
   const float half = offset + 0.5F;
   for (std::size_t i = 0; i < count; ++i) {
     float value = values[i] * factor + half;
     value = value > 0.0F ? value : 0.0F;
-    value = value < largestUint16 ? value : largestUint16;
+    value = value < largest_uint16 ? value : largest_uint16;
     destination[i] = static_cast<std::uint16_t>(static_cast<std::int32_t>(value));
   }
 }
 
 }  // namespace
 
-void setScalar(Routines& routines) {
-  routines = {copyScalar,     cropCopyScalar, extremesScalar, countNotAboveScalar,
-              subtractScalar, powersScalar,   decibelsScalar, toUint16Scalar};
+void set_scalar(Routines& routines) {
+  routines = {copy_scalar,     crop_copy_scalar, extremes_scalar, count_not_above_scalar,
+              subtract_scalar, powers_scalar,    decibels_scalar, to_uint16_scalar};
 }
 
 }  // namespace oct::vec

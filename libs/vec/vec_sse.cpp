@@ -11,23 +11,23 @@ namespace {
 
 struct Line {
   static void store(float* destination, const float* source) {
-    for (std::size_t i = 0; i < lineFloats; i += Four::width)
+    for (std::size_t i = 0; i < line_floats; i += Four::width)
       _mm_stream_ps(destination + i, _mm_loadu_ps(source + i));
   }
   static void finish() { _mm_sfence(); }
 };
 
-void copySse(float* destination, const float* source, std::size_t count) {
-  copyBlock<Line>(destination, source, count, streamedBytes);
+void copy_sse(float* destination, const float* source, std::size_t count) {
+  copy_block<Line>(destination, source, count, streamed_bytes);
 }
 
 }  // namespace
 
-void setSse(Routines& routines) {
-  routines.copy = copySse;
-  routines.extremes = extremesWide<Four>;
-  routines.countNotAbove = countNotAboveWide<Four>;
-  routines.powers = powersWide<Four>;
+void set_sse(Routines& routines) {
+  routines.copy = copy_sse;
+  routines.extremes = extremes_wide<Four>;
+  routines.count_not_above = count_not_above_wide<Four>;
+  routines.powers = powers_wide<Four>;
 }
 
 }  // namespace oct::vec

@@ -12,7 +12,7 @@ namespace oct::vec {
 namespace {
 
 template <class Register>
-Extremes extremesWide(const float* values, std::size_t count) {
+Extremes extremes_wide(const float* values, std::size_t count) {
   using Floats = typename Register::Floats;
   constexpr std::size_t width = Register::width;
   constexpr float infinity = __builtin_inff();
@@ -50,7 +50,7 @@ Extremes extremesWide(const float* values, std::size_t count) {
 constexpr std::size_t countable = std::size_t{1} << 16U;
 
 template <class Register>
-std::size_t countNotAboveWide(const float* values, std::size_t count, float limit) {
+std::size_t count_not_above_wide(const float* values, std::size_t count, float limit) {
   using Floats = typename Register::Floats;
   constexpr std::size_t width = Register::width;
   const Floats limits = Register::all(limit);
@@ -62,8 +62,8 @@ std::size_t countNotAboveWide(const float* values, std::size_t count, float limi
     Floats first = Register::all(0.0F);
     Floats second = first;
     for (; i < end; i += 2 * width) {
-      first += Register::oneWhereNotAbove(Register::load(values + i), limits);
-      second += Register::oneWhereNotAbove(Register::load(values + i + width), limits);
+      first += Register::one_where_not_above(Register::load(values + i), limits);
+      second += Register::one_where_not_above(Register::load(values + i + width), limits);
     }
     float counts[2 * width];
     Register::store(counts, first);
@@ -75,53 +75,53 @@ std::size_t countNotAboveWide(const float* values, std::size_t count, float limi
 }
 
 template <class Register>
-void powersWide(float* destination, const float* complexNumbers, std::size_t count) {
+void powers_wide(float* destination, const float* complex_numbers, std::size_t count) {
   constexpr std::size_t width = Register::width;
   std::size_t i = 0;
   for (; i + width <= count; i += width) {
-    const auto [re, im] = Register::apart(Register::load(complexNumbers + 2 * i),
-                                          Register::load(complexNumbers + 2 * i + width));
+    const auto [re, im] = Register::apart(Register::load(complex_numbers + 2 * i),
+                                          Register::load(complex_numbers + 2 * i + width));
     Register::store(destination + i, re * re + im * im);
   }
   for (; i < count; ++i) {
-    const float re = complexNumbers[2 * i];
-    const float im = complexNumbers[2 * i + 1];
+    const float re = complex_numbers[2 * i];
+    const float im = complex_numbers[2 * i + 1];
     destination[i] = re * re + im * im;
   }
 }
 
 // The last few values go through a buffer of full width, so that they take the same way as the others.
 template <class From, class To, class Kernel>
-void forTail(To* destination, const From* source, std::size_t count, std::size_t fullWidth, Kernel kernel) {
+void for_tail(To* destination, const From* source, std::size_t count, std::size_t full_width, Kernel kernel) {
   From values[16] = {};
   To results[16];
   for (std::size_t i = 0; i < count; ++i) values[i] = source[i];
-  for (std::size_t i = 0; i < count; i += fullWidth) kernel(results + i, values + i);
+  for (std::size_t i = 0; i < count; i += full_width) kernel(results + i, values + i);
   for (std::size_t i = 0; i < count; ++i) destination[i] = results[i];
 }
 
-// kernel(to, from) turns fullWidth values.
+// kernel(to, from) turns full_width values.
 template <class From, class To, class Kernel>
-void forAll(To* destination, const From* source, std::size_t count, std::size_t fullWidth, Kernel kernel) {
+void for_all(To* destination, const From* source, std::size_t count, std::size_t full_width, Kernel kernel) {
   std::size_t i = 0;
-  for (; i + fullWidth <= count; i += fullWidth) kernel(destination + i, source + i);
-  forTail(destination + i, source + i, count - i, fullWidth, kernel);
+  for (; i + full_width <= count; i += full_width) kernel(destination + i, source + i);
+  for_tail(destination + i, source + i, count - i, full_width, kernel);
 }
 
 // Register::normalised(x) gives the exponent of every x as a float and its m of constants.h.
 template <class Register>
-void decibelsWide(float* destination, const float* powers, std::size_t count, float least) {
+void decibels_wide(float* destination, const float* powers, std::size_t count, float least) {
   using Floats = typename Register::Floats;
   const Floats floor = Register::all(least);
-  const Floats ceiling = Register::all(largestFloat);
-  forAll(destination, powers, count, Register::width, [&](float* to, const float* from) {
+  const Floats ceiling = Register::all(largest_float);
+  for_all(destination, powers, count, Register::width, [&](float* to, const float* from) {
     // The maximum's second operand stands in for NaN.
     const Floats x = Register::minimum(Register::maximum(Register::load(from), floor), ceiling);
     const auto [exponent, m] = Register::normalised(x);
     const Floats s = (m - 1.0F) / (m + 1.0F);
     const Floats q = s * s;
     const Floats series = series1 + q * (series3 + q * (series5 + q * (series7 + q * series9)));
-    Register::store(to, exponent * perOctave + s * series);
+    Register::store(to, exponent * per_octave + s * series);
   });
 }
 

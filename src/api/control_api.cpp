@@ -3,10 +3,10 @@
 
 #include "api/guard.h"
 #include "gl/context/opengl_loader.h"
-#include "hosting/loop/opengl_control.h"
 #include "hosting/host/opengl_host.h"
-#include "hosting/surfaces/surface_sharing.h"
+#include "hosting/loop/opengl_control.h"
 #include "hosting/loop/test_image.h"
+#include "hosting/surfaces/surface_sharing.h"
 #include "oct_rendering/oct_rendering.h"
 
 using oct::OpenGLControl;
@@ -14,7 +14,7 @@ using oct::api::guarded;
 
 namespace {
 
-std::atomic<int> testImageAngle{0};  // degrees; not that of the controls' own test images
+std::atomic<int> test_image_angle{0};  // degrees; not that of the controls' own test images
 
 OpenGLControl& control(OpenGLControlHandle handle) {
   return oct::api::checked<OpenGLControl>(handle, "The specified OpenGLControlHandle is invalid. ");
@@ -23,12 +23,12 @@ OpenGLControl& control(OpenGLControlHandle handle) {
 }  // namespace
 
 void setSurfaceSharing(int Sharing) {
-  guarded(__func__, [&] { oct::setSurfaceSharing(Sharing); });
+  guarded(__func__, [&] { oct::set_surface_sharing(Sharing); });
 }
 
 OpenGLControlHandle createUniversalOpenGLControl(void) {
   return guarded(__func__, [] {
-    return oct::api::handleOf<OctOpenGLControl>(new OpenGLControl(oct::surfaceSharing()));
+    return oct::api::handle_of<OctOpenGLControl>(new OpenGLControl(oct::surface_sharing()));
   });
 }
 
@@ -54,8 +54,8 @@ void renderTestImage(OpenGLControlHandle Handle) {
 
 void glRenderTestImage(void) {
   guarded(__func__, [] {
-    oct::gl::requireOpenGL();
-    oct::drawTestImage(testImageAngle++);
+    oct::gl::require_opengl();
+    oct::draw_test_image(test_image_angle++);
   });
 }
 

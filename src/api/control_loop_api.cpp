@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "api/guard.h"
-#include "hosting/surfaces/client_surfaces.h"
 #include "hosting/loop/opengl_control_loop.h"
 #include "hosting/loop/render_trace.h"
+#include "hosting/surfaces/client_surfaces.h"
 #include "oct_rendering/oct_rendering.h"
 
 using oct::OpenGLControlLoop;
@@ -22,11 +22,11 @@ OpenGLControlLoop& loop(OpenGLControlLoopHandle handle) {
 
 void render(OpenGLControlLoopHandle handle, int id) {
   OpenGLControlLoop& target = loop(handle);
-  oct::traceRenderCall(id);
+  oct::trace_render_call(id);
   target.request(id);
 }
 
-void checkSnapshot(int width, int height, const void* data) {
+void check_snapshot(int width, int height, const void* data) {
   if (!data) throw std::invalid_argument("Valid data pointer must be provided to take snapshot. ");
   if (width < 0 || height < 0) throw std::invalid_argument("Snapshot sizes must not be negative. ");
   constexpr auto most = static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max());
@@ -38,13 +38,13 @@ void checkSnapshot(int width, int height, const void* data) {
 }  // namespace
 
 OpenGLControlLoopHandle createOpenGLControlLoop(void) {
-  return guarded(__func__, [] { return oct::api::handleOf<OctOpenGLControlLoop>(new OpenGLControlLoop); });
+  return guarded(__func__, [] { return oct::api::handle_of<OctOpenGLControlLoop>(new OpenGLControlLoop); });
 }
 
 OpenGLControlLoopHandle createOpenGLControlLoopCB(OctLoopFunction Init, OctLoopFunction Uninit,
                                                   OctErrorFunction Error) {
   return guarded(__func__, [&] {
-    return oct::api::handleOf<OctOpenGLControlLoop>(
+    return oct::api::handle_of<OctOpenGLControlLoop>(
         new OpenGLControlLoop(Init, Uninit, oct::ErrorCallback(Error)));
   });
 }
@@ -82,7 +82,7 @@ void renderMultOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Id) {
 void snapshotOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Width, int Height, void* Data) {
   guarded(__func__, [&] {
     OpenGLControlLoop& target = loop(Handle);
-    checkSnapshot(Width, Height, Data);
+    check_snapshot(Width, Height, Data);
     target.snapshot(static_cast<std::uint32_t>(Width), static_cast<std::uint32_t>(Height), Data);
   });
 }
@@ -101,7 +101,7 @@ void unlockBuffer(OpenGLControlLoopHandle Handle) {
 
 void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width, unsigned int Height) {
   return guarded(__func__,
-                 [&] { return oct::clientSurfaces().create(loop(Handle).sharing(), Width, Height); });
+                 [&] { return oct::client_surfaces().create(loop(Handle).sharing(), Width, Height); });
 }
 
 void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* Destination) {
@@ -111,6 +111,6 @@ void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* Destinati
 void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface) {
   guarded(__func__, [&] {
     loop(Handle);
-    oct::clientSurfaces().destroy(Surface);
+    oct::client_surfaces().destroy(Surface);
   });
 }

@@ -6,7 +6,7 @@
 using oct::DisplayRenderer;
 using oct::api::guarded;
 
-static_assert(OCT_DISPLAY_OVERLAYS == DisplayRenderer::overlayCount);
+static_assert(OCT_DISPLAY_OVERLAYS == DisplayRenderer::overlay_count);
 
 namespace {
 
@@ -17,7 +17,7 @@ DisplayRenderer& renderer(DisplayRenderingHandle handle) {
 }  // namespace
 
 DisplayRenderingHandle createDisplayRendering(void) {
-  return guarded(__func__, [] { return oct::api::handleOf<OctDisplayRendering>(new DisplayRenderer); });
+  return guarded(__func__, [] { return oct::api::handle_of<OctDisplayRendering>(new DisplayRenderer); });
 }
 
 void clearDisplayRendering(DisplayRenderingHandle Handle) {
@@ -37,7 +37,7 @@ void renderDisplay(DisplayRenderingHandle Handle) {
 }
 
 void setDisplayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data) {
-  guarded(__func__, [&] { renderer(Handle).setData({Size1, Size2}, Data); });
+  guarded(__func__, [&] { renderer(Handle).set_data({Size1, Size2}, Data); });
 }
 
 void setDisplayBounds(DisplayRenderingHandle Handle, int, int) {
@@ -53,11 +53,11 @@ void setGammaCorrection(DisplayRenderingHandle Handle, float) {
 }
 
 void setDisplayBlur(DisplayRenderingHandle Handle, int First, int Second) {
-  guarded(__func__, [&] { renderer(Handle).setBlur(First != 0, Second != 0); });
+  guarded(__func__, [&] { renderer(Handle).set_blur(First != 0, Second != 0); });
 }
 
 void setDisplayFlip(DisplayRenderingHandle Handle, int Flip) {
-  guarded(__func__, [&] { renderer(Handle).setFlip(Flip != 0); });
+  guarded(__func__, [&] { renderer(Handle).set_flip(Flip != 0); });
 }
 
 void setDisplayDynamicReduction(DisplayRenderingHandle Handle, int) {
@@ -65,42 +65,42 @@ void setDisplayDynamicReduction(DisplayRenderingHandle Handle, int) {
 }
 
 void setDisplayPepperFilter(DisplayRenderingHandle Handle, int Enable) {
-  guarded(__func__, [&] { renderer(Handle).setPepperFilter(Enable != 0); });
+  guarded(__func__, [&] { renderer(Handle).set_pepper_filter(Enable != 0); });
 }
 
 void setDisplayMedianFilter(DisplayRenderingHandle Handle, int MedianFilter) {
-  guarded(__func__, [&] { renderer(Handle).setMedianFilter(MedianFilter); });
+  guarded(__func__, [&] { renderer(Handle).set_median_filter(MedianFilter); });
 }
 
 void setBackgroundColor(DisplayRenderingHandle Handle, int Color) {
-  guarded(__func__, [&] { renderer(Handle).setBackgroundColor(Color); });
+  guarded(__func__, [&] { renderer(Handle).set_background_color(Color); });
 }
 
 void setDisplayColormap(DisplayRenderingHandle Handle, const void* Colormap, int Count) {
-  guarded(__func__, [&] { renderer(Handle).setColormap(Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).set_colormap(Colormap, Count); });
 }
 
 void setDisplayColoringBoundaries(DisplayRenderingHandle Handle, double Lower, double Upper) {
-  guarded(__func__, [&] { renderer(Handle).setColoringBoundaries(Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).set_coloring_boundaries(Lower, Upper); });
 }
 
 void setDisplayNumberOverlays(DisplayRenderingHandle Handle, int, int Count) {
-  guarded(__func__, [&] { renderer(Handle).setNumberOverlays(Count); });
+  guarded(__func__, [&] { renderer(Handle).set_number_overlays(Count); });
 }
 
 void setDisplayOverlayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data) {
-  guarded(__func__, [&] { renderer(Handle).setOverlayData({Size1, Size2}, Data); });
+  guarded(__func__, [&] { renderer(Handle).set_overlay_data({Size1, Size2}, Data); });
 }
 
 void setDisplayOverlayColormap(DisplayRenderingHandle Handle, int Overlay, const void* Colormap, int Count) {
-  guarded(__func__, [&] { renderer(Handle).setOverlayColormap(Overlay, Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).set_overlay_colormap(Overlay, Colormap, Count); });
 }
 
 void setDisplayOveralyColoringBoundaries(DisplayRenderingHandle Handle, int Overlay, double Lower,
                                          double Upper) {
-  guarded(__func__, [&] { renderer(Handle).setOverlayColoringBoundaries(Overlay, Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).set_overlay_coloring_boundaries(Overlay, Lower, Upper); });
 }
 
 void setDisplayOveralyThreshold(DisplayRenderingHandle Handle, double Threshold) {
-  guarded(__func__, [&] { renderer(Handle).setOverlayThreshold(Threshold); });
+  guarded(__func__, [&] { renderer(Handle).set_overlay_threshold(Threshold); });
 }

@@ -9,7 +9,7 @@
 namespace oct::api {
 
 void report(const char* function, const std::exception& error) noexcept {
-  errorStore().postError(error, false);
+  error_store().postError(error, false);
   report_unposted(error);
   try {
     log() << function << ": " << error.what();
@@ -20,7 +20,7 @@ void report(const char* function, const std::exception& error) noexcept {
 
 void report_unposted(const std::exception& error) noexcept {
   try {
-    writeError(std::string("An error occured: ") + error.what());
+    write_error(std::string("An error occured: ") + error.what());
   } catch (...) {
     // As above.
   }

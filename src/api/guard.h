@@ -55,7 +55,7 @@ Object& checked(Handle* handle, const char* message) {
 }
 
 template <class Handle, class Object>
-Handle* handleOf(Object* object) {
+Handle* handle_of(Object* object) {
   return reinterpret_cast<Handle*>(object);
 }
 

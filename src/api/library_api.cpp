@@ -17,12 +17,12 @@ const char* getRendererVersion(void) {
 }
 
 int isRendererError(void) {
-  return guarded_unposted([] { return oct::errorStore().hasError() ? OCT_RENDERER_ERROR : 0; });
+  return guarded_unposted([] { return oct::error_store().hasError() ? OCT_RENDERER_ERROR : 0; });
 }
 
 int getRendererError(char* Message, int Size) {
   return guarded_unposted([&] {
-    const auto error = oct::errorStore().takeError();
+    const auto error = oct::error_store().takeError();
     if (!error) return 0;
     if (Message && Size > 0) {
       // Up to the first NUL, as any C string.
@@ -35,11 +35,11 @@ int getRendererError(char* Message, int Size) {
 }
 
 void setRendererLogFile(const char* FileName) {
-  guarded(__func__, [&] { oct::setLogFileName(FileName ? FileName : ""); });
+  guarded(__func__, [&] { oct::set_log_file_name(FileName ? FileName : ""); });
 }
 
 void setDeviceLibrary(const char* NameOrPath) {
-  guarded(__func__, [&] { oct::setDeviceLibraryName(NameOrPath); });
+  guarded(__func__, [&] { oct::set_device_library_name(NameOrPath); });
 }
 
 void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback) {

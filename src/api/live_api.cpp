@@ -13,37 +13,37 @@ using oct::api::guarded;
 
 namespace {
 
-constexpr const char* invalidSource = "The specified LiveDataSourceHandle is invalid. ";
-constexpr const char* invalidRenderer = "The specified VolumeRendererHandle is invalid. ";
+constexpr const char* invalid_source = "The specified LiveDataSourceHandle is invalid. ";
+constexpr const char* invalid_renderer = "The specified VolumeRendererHandle is invalid. ";
 
-FastOpenGLVolumeRenderer* liveRendering(LiveVolumeRenderingHandle handle) {
+FastOpenGLVolumeRenderer* live_rendering(LiveVolumeRenderingHandle handle) {
   return reinterpret_cast<FastOpenGLVolumeRenderer*>(handle);
 }
 
-BrennickDataSource* dataSource(LiveDataSourceHandle handle) {
+BrennickDataSource* data_source(LiveDataSourceHandle handle) {
   return reinterpret_cast<BrennickDataSource*>(handle);
 }
 
 // Null unless the source is one for two sensors.
-BrennickDataSource_PS* polarizationSource(LiveDataSourceHandle handle) {
-  return dynamic_cast<BrennickDataSource_PS*>(dataSource(handle));
+BrennickDataSource_PS* polarization_source(LiveDataSourceHandle handle) {
+  return dynamic_cast<BrennickDataSource_PS*>(data_source(handle));
 }
 
-LiveDataSourceHandle handleOf(BrennickDataSource* source) {
-  return oct::api::handleOf<OctLiveDataSource>(source);
+LiveDataSourceHandle handle_of(BrennickDataSource* source) {
+  return oct::api::handle_of<OctLiveDataSource>(source);
 }
 
 }  // namespace
 
 LiveVolumeRenderingHandle createLiveRendering(void) {
   return guarded(__func__,
-                 [] { return oct::api::handleOf<OctLiveVolumeRendering>(new FastOpenGLVolumeRenderer); });
+                 [] { return oct::api::handle_of<OctLiveVolumeRendering>(new FastOpenGLVolumeRenderer); });
 }
 
 void clearLiveRendering(LiveVolumeRenderingHandle Handle) {
   guarded(__func__, [&] {
     const oct::ObjectLock lock(Handle);
-    delete liveRendering(Handle);
+    delete live_rendering(Handle);
   });
 }
 
@@ -51,7 +51,7 @@ void setLiveVolumeRenderingRenderer(LiveVolumeRenderingHandle Handle, VolumeRend
   guarded(__func__, [&] {
     auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, "Invalid Live Rendering Handle specified. ");
     const oct::ObjectLock lock(Handle);
-    const oct::ObjectLock rendererLock(Renderer);
+    const oct::ObjectLock renderer_lock(Renderer);
     rendering.set_renderer(reinterpret_cast<oct::VolumeRenderer*>(Renderer));
   });
 }
@@ -59,7 +59,7 @@ void setLiveVolumeRenderingRenderer(LiveVolumeRenderingHandle Handle, VolumeRend
 bool isLiveVolumeRunning(LiveVolumeRenderingHandle Handle) {
   return guarded(__func__, [&] {
     const oct::ObjectLock lock(Handle);
-    return liveRendering(Handle)->is_running();
+    return live_rendering(Handle)->is_running();
   });
 }
 
@@ -68,7 +68,7 @@ LiveDataSourceHandle createOnlineDataSource(OCTDeviceHandle Dev, ProcessingHandl
                  [&] {
                    if (!Dev) throw std::invalid_argument("The specifided OCTDeviceHandle is invalid. ");
                    if (!Proc) throw std::invalid_argument("The specifided ProcessingHandle is invalid. ");
-                   return handleOf(new BrennickDataSource(oct::deviceLibrary(), Dev, Proc));
+                   return handle_of(new BrennickDataSource(oct::device_library(), Dev, Proc));
                  });
 }
 
@@ -86,70 +86,70 @@ LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHa
           throw std::invalid_argument("The specifided ProcessingHandle for camera/sensor-1 is invalid. ");
         }
         if (!PS_Proc) throw std::invalid_argument("The specifided PolarizationProcessingHandle is invalid. ");
-        auto library = oct::deviceLibrary();
-        library->requirePolarization();
-        return handleOf(new BrennickDataSource_PS(std::move(library), Dev, Proc0, Proc1, PS_Proc));
+        auto library = oct::device_library();
+        library->require_polarization();
+        return handle_of(new BrennickDataSource_PS(std::move(library), Dev, Proc0, Proc1, PS_Proc));
       });
 }
 
-// The setters below take a null handle, or one of the other kind, without a word; only misuse of a value is
-// an error.
+// The setters below take a null handle, or one of the other kind, without a word; only
+// misuse of a value is an error.
 
 void setOnlineRefractiveIndex(LiveDataSourceHandle Handle, double Index) {
   guarded(__func__, [&] {
-    if (Handle) dataSource(Handle)->set_refractive_index(Index);
+    if (Handle) data_source(Handle)->set_refractive_index(Index);
   });
 }
 
 void setOnlineAnalogInputConfiguration(LiveDataSourceHandle Handle, bool Enable) {
   guarded(__func__, [&] {
-    if (Handle) dataSource(Handle)->set_analog_input(Enable);
+    if (Handle) data_source(Handle)->set_analog_input(Enable);
   });
 }
 
 void selectOnlineDataSource_Camera(LiveDataSourceHandle Handle, int Camera) {
   guarded(__func__, [&] {
-    if (Handle) dataSource(Handle)->set_camera(Camera);
+    if (Handle) data_source(Handle)->set_camera(Camera);
   });
 }
 
 void selectOnlineDataSource_PS(LiveDataSourceHandle Handle, int Output) {
   guarded(__func__, [&] {
-    if (auto* const source = polarizationSource(Handle)) source->set_output_mode(Output);
+    if (auto* const source = polarization_source(Handle)) source->set_output_mode(Output);
   });
 }
 
 void setOnlineAveraging_PS(LiveDataSourceHandle Handle, int Depth, int AScans, int BScans, int Volumes) {
   guarded(__func__, [&] {
-    if (auto* const source = polarizationSource(Handle))
+    if (auto* const source = polarization_source(Handle))
       source->set_averaging(Depth, AScans, BScans, Volumes);
   });
 }
 
 void setOnlineDOPU_PS(LiveDataSourceHandle Handle, int Depth, int AScans, int BScans, int) {
   guarded(__func__, [&] {
-    if (auto* const source = polarizationSource(Handle)) source->set_dopu(Depth, AScans, BScans);
+    if (auto* const source = polarization_source(Handle)) source->set_dopu(Depth, AScans, BScans);
   });
 }
 
 void setOnlineDataThreshold_PS(LiveDataSourceHandle Handle, double Threshold, bool Enable) {
   guarded(__func__, [&] {
-    if (auto* const source = polarizationSource(Handle)) source->set_threshold(Threshold, Enable);
+    if (auto* const source = polarization_source(Handle)) source->set_threshold(Threshold, Enable);
   });
 }
 
 void clearDataSource(LiveDataSourceHandle Handle) {
   guarded(__func__, [&] {
     if (!Handle) return;
-    dataSource(Handle)->stop();  // throws on the source's own thread, which must not lose its object
-    dataSource(Handle)->deregister_renderer();  // the destructor does not stop it again
-    delete dataSource(Handle);
+    data_source(Handle)->stop();  // throws on the source's own thread, which must not lose its object
+    data_source(Handle)->deregister_renderer();  // the destructor does not stop it again
+    delete data_source(Handle);
   });
 }
 
 void setRefIntensityCallback(LiveDataSourceHandle Handle, OctIntensityFunction Callback) {
   guarded(__func__, [&] {
-    auto& source = checked<BrennickDataSource>(Handle, invalidSource);
+    auto& source = checked<BrennickDataSource>(Handle, invalid_source);
     source.set_ref_intensity_callback(Callback);
   });
 }
@@ -160,8 +160,8 @@ void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle Da
       "void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle DataSource, "
       "ScanPatternHandle Pattern)",
       [&] {
-        auto& source = checked<BrennickDataSource>(DataSource, invalidSource);
-        auto& rendering = checked<FastOpenGLVolumeRenderer>(Renderer, invalidRenderer);
+        auto& source = checked<BrennickDataSource>(DataSource, invalid_source);
+        auto& rendering = checked<FastOpenGLVolumeRenderer>(Renderer, invalid_renderer);
         if (!Pattern) throw std::invalid_argument("The specified ScanPatternHandle is invalid. ");
         source.await_end();  // not under the lock, for which a callback of the ending thread may be waiting
         const oct::ObjectLock lock(Renderer);
@@ -172,7 +172,7 @@ void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle Da
 
 void stopDataSource(LiveDataSourceHandle DataSource) {
   guarded(__func__, [&] {
-    auto& source = checked<BrennickDataSource>(DataSource, invalidSource);
+    auto& source = checked<BrennickDataSource>(DataSource, invalid_source);
     source.stop();
     source.deregister_renderer();  // clients may clear the live renderer before the source
   });
@@ -180,7 +180,7 @@ void stopDataSource(LiveDataSourceHandle DataSource) {
 
 void renderVolume(LiveVolumeRenderingHandle Handle) {
   guarded(__func__, [&] {
-    auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, invalidRenderer);
+    auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, invalid_renderer);
     const oct::ObjectLock lock(Handle);
     rendering.render();
   });
@@ -188,7 +188,7 @@ void renderVolume(LiveVolumeRenderingHandle Handle) {
 
 double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle) {
   return guarded(__func__, [&] {
-    auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, invalidRenderer);
+    auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, invalid_renderer);
     const oct::ObjectLock lock(Handle);
     return rendering.get_fps();
   });
@@ -197,7 +197,7 @@ double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle) {
 void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn, unsigned int* Dropped) {
   guarded(__func__, [&] {
     // No lock: an acquisition thread that asks must not wait for a frame.
-    const auto counts = checked<FastOpenGLVolumeRenderer>(Handle, invalidRenderer).get_counts();
+    const auto counts = checked<FastOpenGLVolumeRenderer>(Handle, invalid_renderer).get_counts();
     if (Drawn) *Drawn = counts.drawn;
     if (Dropped) *Dropped = counts.dropped;
   });
@@ -205,7 +205,7 @@ void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn, 
 
 void getLiveVolumeRenderingSize(LiveVolumeRenderingHandle Handle, int* X, int* Y, int* Z) {
   guarded(__func__, [&] {
-    const oct::VolumeExtent extent = checked<FastOpenGLVolumeRenderer>(Handle, invalidSource).get_size();
+    const oct::VolumeExtent extent = checked<FastOpenGLVolumeRenderer>(Handle, invalid_source).get_size();
     if (X) *X = static_cast<int>(extent.depth);
     if (Y) *Y = static_cast<int>(extent.a_scans);
     if (Z) *Z = static_cast<int>(extent.b_scans);
@@ -213,5 +213,5 @@ void getLiveVolumeRenderingSize(LiveVolumeRenderingHandle Handle, int* X, int* Y
 }
 
 void setSizeZ(LiveDataSourceHandle DataSource, int Size) {
-  guarded(__func__, [&] { checked<BrennickDataSource>(DataSource, invalidSource).set_size_z(Size); });
+  guarded(__func__, [&] { checked<BrennickDataSource>(DataSource, invalid_source).set_size_z(Size); });
 }

@@ -17,7 +17,7 @@ OfflineVolumeRendering& offline(OfflineRenderingHandle handle) {
 
 OfflineRenderingHandle createOfflineRendering(void) {
   return guarded(__func__,
-                 [] { return oct::api::handleOf<OctOfflineRendering>(new OfflineVolumeRendering); });
+                 [] { return oct::api::handle_of<OctOfflineRendering>(new OfflineVolumeRendering); });
 }
 
 void clearOfflineRendering(OfflineRenderingHandle Handle) {
@@ -25,11 +25,11 @@ void clearOfflineRendering(OfflineRenderingHandle Handle) {
 }
 
 void setOfflineRenderingRenderer(OfflineRenderingHandle Handle, VolumeRendererHandle Renderer) {
-  guarded(__func__, [&] { offline(Handle).setRenderer(reinterpret_cast<oct::VolumeRenderer*>(Renderer)); });
+  guarded(__func__, [&] { offline(Handle).set_renderer(reinterpret_cast<oct::VolumeRenderer*>(Renderer)); });
 }
 
 void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, float Lateral1, float Lateral2) {
-  guarded(__func__, [&] { offline(Handle).setAspectRatio(Axial, Lateral1, Lateral2); });
+  guarded(__func__, [&] { offline(Handle).set_aspect_ratio(Axial, Lateral1, Lateral2); });
 }
 
 void allocateOfflineVolume(OfflineRenderingHandle Handle, int Width, int Height, int Depth) {
@@ -45,15 +45,15 @@ void uploadOfflineVolumeOverlay(OfflineRenderingHandle Handle, const float* Volu
 }
 
 void uploadOfflineSubVolume(OfflineRenderingHandle Handle, int First, int End, const float* Block) {
-  guarded(__func__, [&] { offline(Handle).uploadSubVolume(First, End, Block); });
+  guarded(__func__, [&] { offline(Handle).upload_sub_volume(First, End, Block); });
 }
 
 void uploadOfflineVolumeSlice(OfflineRenderingHandle Handle, int Index, const float* Slice) {
-  guarded(__func__, [&] { offline(Handle).uploadSlice(Index, Slice); });
+  guarded(__func__, [&] { offline(Handle).upload_slice(Index, Slice); });
 }
 
 void uploadOverlayOfflineVolume(OfflineRenderingHandle Handle, const float* Volume) {
-  guarded(__func__, [&] { offline(Handle).uploadOverlay(Volume); });
+  guarded(__func__, [&] { offline(Handle).upload_overlay(Volume); });
 }
 
 void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int Depth, unsigned int Width,
@@ -61,7 +61,7 @@ void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int D
   guarded(__func__, [&] {
     auto& object =
         oct::api::checked<OfflineVolumeRendering>(Handle, "The specified VolumeRendererHandle is invalid. ");
-    object.uploadSecondaryData({{Width, Height, Depth}, First, Count, Data});
+    object.upload_secondary_data({{Width, Height, Depth}, First, Count, Data});
   });
 }
 

@@ -15,7 +15,7 @@ OffscreenTarget& target(OffscreenTargetHandle handle) {
 }  // namespace
 
 OffscreenTargetHandle createOffscreenTarget(void) {
-  return guarded(__func__, [] { return oct::api::handleOf<OctOffscreenTarget>(new OffscreenTarget); });
+  return guarded(__func__, [] { return oct::api::handle_of<OctOffscreenTarget>(new OffscreenTarget); });
 }
 
 void clearOffscreenTarget(OffscreenTargetHandle Handle) {
@@ -23,9 +23,9 @@ void clearOffscreenTarget(OffscreenTargetHandle Handle) {
 }
 
 void beginOffscreenFrame(OffscreenTargetHandle Handle, unsigned int Width, unsigned int Height) {
-  guarded(__func__, [&] { target(Handle).beginFrame(Width, Height); });
+  guarded(__func__, [&] { target(Handle).begin_frame(Width, Height); });
 }
 
 void finishOffscreenFrame(OffscreenTargetHandle Handle, void* Pixels) {
-  guarded(__func__, [&] { target(Handle).finishFrame(Pixels); });
+  guarded(__func__, [&] { target(Handle).finish_frame(Pixels); });
 }

@@ -2,8 +2,8 @@
 #include "api/guard.h"
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
-#include "gl/opengl_error.h"
 #include "gl/context/opengl_loader.h"
+#include "gl/opengl_error.h"
 #include "oct_rendering/oct_rendering.h"
 #include "volume/volume_renderer.h"
 
@@ -20,7 +20,7 @@ VolumeRenderer& renderer(VolumeRendererHandle handle) {
 }  // namespace
 
 VolumeRendererHandle createVolumeRenderer(void) {
-  return guarded(__func__, [] { return oct::api::handleOf<OctVolumeRenderer>(new VolumeRenderer); });
+  return guarded(__func__, [] { return oct::api::handle_of<OctVolumeRenderer>(new VolumeRenderer); });
 }
 
 void deleteVolumeRenderer(VolumeRendererHandle Handle) {
@@ -44,36 +44,36 @@ void clearVolumeRenderer(VolumeRendererHandle Handle) {
 }
 
 void setAngles(VolumeRendererHandle Handle, double X, double Y) {
-  guarded(__func__, [&] { renderer(Handle).setAngles(X, Y); });
+  guarded(__func__, [&] { renderer(Handle).set_angles(X, Y); });
 }
 
 void setTranslation(VolumeRendererHandle Handle, double X, double Y, double Z) {
-  guarded(__func__, [&] { renderer(Handle).setTranslation(X, Y, Z); });
+  guarded(__func__, [&] { renderer(Handle).set_translation(X, Y, Z); });
 }
 
 void setRange(VolumeRendererHandle Handle, double Axial, double Lateral1, double Lateral2) {
-  guarded(__func__, [&] { renderer(Handle).setRange(Axial, Lateral1, Lateral2); });
+  guarded(__func__, [&] { renderer(Handle).set_range(Axial, Lateral1, Lateral2); });
 }
 
 void setZoom(VolumeRendererHandle Handle, double Zoom) {
-  guarded(__func__, [&] { renderer(Handle).setZoom(Zoom); });
+  guarded(__func__, [&] { renderer(Handle).set_zoom(Zoom); });
 }
 
 void setViewportSize(unsigned int Width, unsigned int Height) {
   guarded(__func__, [&] {
     const oct::TimingMark mark("setViewportSize");
-    oct::gl::requireOpenGL();
+    oct::gl::require_opengl();
     glViewport(0, 0, static_cast<GLsizei>(Width), static_cast<GLsizei>(Height));
     oct::gl::throwOnGLError("setViewportSize");
   });
 }
 
 void setRenderingSlices(VolumeRendererHandle Handle, int Slices) {
-  guarded(__func__, [&] { renderer(Handle).setRenderingSlices(Slices); });
+  guarded(__func__, [&] { renderer(Handle).set_rendering_slices(Slices); });
 }
 
 void setUsePerspective(VolumeRendererHandle Handle, bool Perspective) {
-  guarded(__func__, [&] { renderer(Handle).setUsePerspective(Perspective); });
+  guarded(__func__, [&] { renderer(Handle).set_use_perspective(Perspective); });
 }
 
 void setLateralVoxelsPerPixel(VolumeRendererHandle Handle, double) {
@@ -81,86 +81,86 @@ void setLateralVoxelsPerPixel(VolumeRendererHandle Handle, double) {
 }
 
 void setRenderingMode(VolumeRendererHandle Handle, int Mode) {
-  guarded(__func__, [&] { renderer(Handle).setRenderingMode(Mode); });
+  guarded(__func__, [&] { renderer(Handle).set_rendering_mode(Mode); });
 }
 
 void setVolumeMode(VolumeRendererHandle Handle, int Mode) {
-  guarded(__func__, [&] { renderer(Handle).setVolumeMode(Mode); });
+  guarded(__func__, [&] { renderer(Handle).set_volume_mode(Mode); });
 }
 
 void setSectionalView(VolumeRendererHandle Handle, int Show1, float Position1, int Show2, float Position2,
                       int Show3, float Position3) {
   guarded(__func__, [&] {
-    renderer(Handle).setSectionalView({oct::Section{Show1 != 0, Position1},
-                                       oct::Section{Show2 != 0, Position2},
-                                       oct::Section{Show3 != 0, Position3}});
+    renderer(Handle).set_sectional_view({oct::Section{Show1 != 0, Position1},
+                                         oct::Section{Show2 != 0, Position2},
+                                         oct::Section{Show3 != 0, Position3}});
   });
 }
 
 void setClipPlane(VolumeRendererHandle Handle, int Enable, int OpenCut, float Value) {
-  guarded(__func__, [&] { renderer(Handle).setClipPlane(Enable != 0, OpenCut != 0, Value); });
+  guarded(__func__, [&] { renderer(Handle).set_clip_plane(Enable != 0, OpenCut != 0, Value); });
 }
 
 void fixClipPlane(VolumeRendererHandle Handle, int Fix) {
-  guarded(__func__, [&] { renderer(Handle).fixClipPlane(Fix != 0); });
+  guarded(__func__, [&] { renderer(Handle).fix_clip_plane(Fix != 0); });
 }
 
 void setBorder(VolumeRendererHandle Handle, int ScaleMarks, int Edges, int Box) {
-  guarded(__func__, [&] { renderer(Handle).setFrame({Edges != 0, ScaleMarks != 0, Box != 0}); });
+  guarded(__func__, [&] { renderer(Handle).set_frame({Edges != 0, ScaleMarks != 0, Box != 0}); });
 }
 
 void setRemoveSegment(VolumeRendererHandle Handle, int Remove) {
-  guarded(__func__, [&] { renderer(Handle).setRemoveSegment(Remove != 0); });
+  guarded(__func__, [&] { renderer(Handle).set_remove_segment(Remove != 0); });
 }
 
 void setRenderElements(VolumeRendererHandle Handle, int Volume, int Surface) {
-  guarded(__func__, [&] { renderer(Handle).setRenderElements(Volume != 0, Surface != 0); });
+  guarded(__func__, [&] { renderer(Handle).set_render_elements(Volume != 0, Surface != 0); });
 }
 
 void setRenderBackground(VolumeRendererHandle Handle, unsigned int Bottom, unsigned int Top) {
-  guarded(__func__, [&] { renderer(Handle).setBackground(Bottom, Top); });
+  guarded(__func__, [&] { renderer(Handle).set_background(Bottom, Top); });
 }
 
 void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color) {
-  guarded(__func__, [&] { renderer(Handle).setForeground(Color); });
+  guarded(__func__, [&] { renderer(Handle).set_foreground(Color); });
 }
 
 void setRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count) {
-  guarded(__func__, [&] { renderer(Handle).setColormap(ColormapRole::main, Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).set_colormap(ColormapRole::main, Colormap, Count); });
 }
 
 void setRendererSecondaryColormap(VolumeRendererHandle Handle, const void* Colormap, int Count) {
-  guarded(__func__, [&] { renderer(Handle).setColormap(ColormapRole::secondary, Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).set_colormap(ColormapRole::secondary, Colormap, Count); });
 }
 
 void setOverlayRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count) {
-  guarded(__func__, [&] { renderer(Handle).setColormap(ColormapRole::overlay, Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).set_colormap(ColormapRole::overlay, Colormap, Count); });
 }
 
 void setSurfaceColormap(VolumeRendererHandle Handle, const void* Colormap, int Count) {
-  guarded(__func__, [&] { renderer(Handle).setColormap(ColormapRole::surface, Colormap, Count); });
+  guarded(__func__, [&] { renderer(Handle).set_colormap(ColormapRole::surface, Colormap, Count); });
 }
 
 void setRendererColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper) {
-  guarded(__func__, [&] { renderer(Handle).setColoringBoundaries(ColormapRole::main, Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).set_coloring_boundaries(ColormapRole::main, Lower, Upper); });
 }
 
 void setRendererSecondaryColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper) {
-  guarded(__func__, [&] { renderer(Handle).setColoringBoundaries(ColormapRole::secondary, Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).set_coloring_boundaries(ColormapRole::secondary, Lower, Upper); });
 }
 
 void setOverlayRendererColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper) {
-  guarded(__func__, [&] { renderer(Handle).setColoringBoundaries(ColormapRole::overlay, Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).set_coloring_boundaries(ColormapRole::overlay, Lower, Upper); });
 }
 
 void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index) {
-  guarded(__func__, [&] { renderer(Handle).setSecondarySliceIndex(Index); });
+  guarded(__func__, [&] { renderer(Handle).set_secondary_slice_index(Index); });
 }
 
 void setSurface(VolumeRendererHandle Handle, int Width, int Height, double Scale, const float* Values) {
-  guarded(__func__, [&] { renderer(Handle).setSurface(Width, Height, Scale, Values); });
+  guarded(__func__, [&] { renderer(Handle).set_surface(Width, Height, Scale, Values); });
 }
 
 void setSurfaceDepths(VolumeRendererHandle Handle, double Lower, double Upper) {
-  guarded(__func__, [&] { renderer(Handle).setSurfaceDepths(Lower, Upper); });
+  guarded(__func__, [&] { renderer(Handle).set_surface_depths(Lower, Upper); });
 }

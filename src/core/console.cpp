@@ -6,7 +6,7 @@
 namespace oct {
 namespace {
 
-void writeLine(std::FILE* stream, std::string_view line) {
+void write_line(std::FILE* stream, std::string_view line) {
   std::string text(line);
   text += '\n';
   std::fwrite(text.data(), 1, text.size(), stream);
@@ -15,11 +15,11 @@ void writeLine(std::FILE* stream, std::string_view line) {
 
 }  // namespace
 
-void writeOutput(std::string_view line) {
-  writeLine(stdout, line);
+void write_output(std::string_view line) {
+  write_line(stdout, line);
 }
-void writeError(std::string_view line) {
-  writeLine(stderr, line);
+void write_error(std::string_view line) {
+  write_line(stderr, line);
 }
 
 }  // namespace oct

@@ -6,7 +6,7 @@
 
 namespace oct {
 
-void writeOutput(std::string_view line);
-void writeError(std::string_view line);
+void write_output(std::string_view line);
+void write_error(std::string_view line);
 
 }  // namespace oct

@@ -11,12 +11,12 @@ ErrorStore store(__builtin_cpu_supports("sse4.2"));
 
 }  // namespace
 
-ErrorStore& errorStore() {
+ErrorStore& error_store() {
   return store;
 }
 
-ErrorStore::ErrorStore(bool processorHasSse42) {
-  if (!processorHasSse42) {
+ErrorStore::ErrorStore(bool processor_has_sse42) {
+  if (!processor_has_sse42) {
     postError(std::runtime_error("Processor with SSE 4.2 required for proper operation."), true);
   }
 }
@@ -24,7 +24,7 @@ ErrorStore::ErrorStore(bool processorHasSse42) {
 void ErrorStore::postError(const std::exception& error, bool sticky) noexcept {
   try {
     const std::lock_guard lock(mutex_);
-    records_.try_emplace(currentThreadId(), ErrorRecord{sticky, error.what()});
+    records_.try_emplace(current_thread_id(), ErrorRecord{sticky, error.what()});
   } catch (const std::exception&) {
     // Out of memory while reporting: the line on the standard error stream has to do.
   }
@@ -37,7 +37,7 @@ bool ErrorStore::hasError() const {
 
 std::optional<std::string> ErrorStore::takeError() {
   const std::lock_guard lock(mutex_);
-  auto record = records_.find(currentThreadId());
+  auto record = records_.find(current_thread_id());
   if (record == records_.end()) {
     if (records_.empty()) return std::nullopt;
     record = records_.begin();

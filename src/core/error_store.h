@@ -13,7 +13,7 @@ namespace oct {
 class ErrorStore {
  public:
   // Posts a sticky error at once when the processor lacks SSE 4.2.
-  explicit ErrorStore(bool processorHasSse42);
+  explicit ErrorStore(bool processor_has_sse42);
 
   // Records the exception's text for the calling thread, unless that thread has a record already.
   void postError(const std::exception& error, bool sticky) noexcept;
@@ -35,6 +35,6 @@ class ErrorStore {
 };
 
 // The store of this process, there from the moment the library is loaded.
-ErrorStore& errorStore();
+ErrorStore& error_store();
 
 }  // namespace oct

@@ -19,8 +19,8 @@ class Exception : public std::exception {
 };
 
 // For failures that also leave their text on the standard error stream.
-[[noreturn]] inline void writeErrorAndThrow(const std::string& message) {
-  writeError(message);
+[[noreturn]] inline void write_error_and_throw(const std::string& message) {
+  write_error(message);
   throw Exception(message);
 }
 

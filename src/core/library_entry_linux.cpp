@@ -3,12 +3,12 @@
 
 namespace {
 
-[[gnu::constructor]] void processAttach() {
-  oct::writeOutput("Process attach... ");
+[[gnu::constructor]] void process_attach() {
+  oct::write_output("Process attach... ");
 }
 
-[[gnu::destructor]] void processDetach() {
-  oct::writeOutput("Process detach... ");
+[[gnu::destructor]] void process_detach() {
+  oct::write_output("Process detach... ");
 }
 
 }  // namespace

@@ -9,11 +9,11 @@ namespace oct {
 
 // Sets the file name in the shared settings block; empty: no file. Throws std::invalid_argument for a name of
 // more than 1024 bytes.
-void setLogFileName(std::string_view name);
+void set_log_file_name(std::string_view name);
 
 // Moves the settings to the block of this name, or to this process alone if the name is empty. For tests,
 // which must neither disturb nor follow what else runs on the machine.
-void setLogBlock(const std::string& name);
+void set_log_block(const std::string& name);
 
 // One line of the log, written when the object ends. Failures of the log never reach the caller.
 class LogLine {

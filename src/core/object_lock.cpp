@@ -20,7 +20,7 @@ class FairRecursiveLock {
       ++depth_;
       return;
     }
-    const std::uint64_t ticket = nextTicket_++;
+    const std::uint64_t ticket = next_ticket_++;
     turn_.wait(lock, [&] { return depth_ == 0 && serving_ == ticket; });
     owner_ = std::this_thread::get_id();
     depth_ = 1;
@@ -40,7 +40,7 @@ class FairRecursiveLock {
   std::condition_variable turn_;
   std::thread::id owner_;
   int depth_ = 0;
-  std::uint64_t nextTicket_ = 0;
+  std::uint64_t next_ticket_ = 0;
   std::uint64_t serving_ = 0;
 };
 
@@ -79,7 +79,7 @@ ObjectLock::~ObjectLock() {
   if (--entry->second.users == 0) table().entries.erase(entry);
 }
 
-std::size_t lockedObjectCount() {
+std::size_t locked_object_count() {
   const std::lock_guard lock(table().mutex);
   return table().entries.size();
 }

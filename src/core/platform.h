@@ -7,10 +7,10 @@
 namespace oct {
 
 // Identifier of the calling thread as the operating system gives it.
-std::uint32_t currentThreadId();
+std::uint32_t current_thread_id();
 
-// Text of the calling thread's last system error, "Error text could not be obtained." if there is none for
-// it.
-std::string systemErrorText();
+// Text of the calling thread's last system error,
+// "Error text could not be obtained." if there is none for it.
+std::string system_error_text();
 
 }  // namespace oct

@@ -1,17 +1,17 @@
 #include "core/platform.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
 
+#include <unistd.h>
+
 namespace oct {
 
-std::uint32_t currentThreadId() {
+std::uint32_t current_thread_id() {
   return static_cast<std::uint32_t>(gettid());
 }
 
-std::string systemErrorText() {
+std::string system_error_text() {
   char buffer[256];
   // The GNU variant, which may return a text of its own instead of filling the buffer.
   const char* text = strerror_r(errno, buffer, sizeof buffer);

@@ -1,16 +1,16 @@
 #include "core/platform.h"
 
-#include <windows.h>
-
 #include <memory>
+
+#include <windows.h>
 
 namespace oct {
 
-std::uint32_t currentThreadId() {
+std::uint32_t current_thread_id() {
   return GetCurrentThreadId();
 }
 
-std::string systemErrorText() {
+std::string system_error_text() {
   char* text = nullptr;
   const DWORD length = FormatMessageA(
       FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,

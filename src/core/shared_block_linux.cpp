@@ -1,7 +1,7 @@
+#include "core/shared_block.h"
+
 #include <boost/interprocess/mapped_region.hpp>
 #include <boost/interprocess/shared_memory_object.hpp>
-
-#include "core/shared_block.h"
 
 namespace oct {
 

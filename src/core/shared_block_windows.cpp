@@ -1,9 +1,9 @@
 // The system's own named shared memory: it lives as long as one process holds it open. Boost's portable kind
 // would emulate it by files and needs a boot identifier that restricted machines do not give.
+#include "core/shared_block.h"
+
 #include <boost/interprocess/mapped_region.hpp>
 #include <boost/interprocess/windows_shared_memory.hpp>
-
-#include "core/shared_block.h"
 
 namespace oct {
 

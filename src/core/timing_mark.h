@@ -15,14 +15,14 @@ class TimingListener {
   using Time = std::chrono::steady_clock::time_point;
 
   virtual ~TimingListener() = default;
-  virtual void begin(std::string_view name, std::uint32_t threadId, Time time) = 0;
-  virtual void end(std::string_view name, std::uint32_t threadId, Time time) = 0;
-  virtual void instant(std::string_view name, std::uint32_t threadId, Time time) = 0;
+  virtual void begin(std::string_view name, std::uint32_t thread_id, Time time) = 0;
+  virtual void end(std::string_view name, std::uint32_t thread_id, Time time) = 0;
+  virtual void instant(std::string_view name, std::uint32_t thread_id, Time time) = 0;
 };
 
 // Null removes the listener. A listener must outlive the marks that were opened while it was set, because
 // each mark ends where it began.
-void setTimingListener(TimingListener* listener);
+void set_timing_listener(TimingListener* listener);
 
 // A phase: begins with the object and ends with it. The detail is appended to the name, joined only if
 // somebody listens.
@@ -39,6 +39,6 @@ class TimingMark {
 };
 
 // A point in time.
-void recordTimingMark(std::string_view name);
+void record_timing_mark(std::string_view name);
 
 }  // namespace oct

@@ -5,19 +5,19 @@
 
 #include "core/log.h"
 #include "core/timing_mark.h"
-#include "gl/opengl_error.h"
 #include "gl/context/opengl_loader.h"
+#include "gl/opengl_error.h"
 #include "shaders.h"
 
 namespace oct {
 namespace {
 
 // Texture units of the two programs.
-constexpr GLint displayUnit = 0;
-constexpr GLint colorUnit = 1;
-constexpr GLint overlayUnit = 2;
+constexpr GLint display_unit = 0;
+constexpr GLint color_unit = 1;
+constexpr GLint overlay_unit = 2;
 
-void bindTexture(GLint unit, GLenum target, GLuint texture) {
+void bind_texture(GLint unit, GLenum target, GLuint texture) {
   glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
   glBindTexture(target, texture);
 }
@@ -27,9 +27,9 @@ class FrameBindings {
  public:
   FrameBindings() = default;
   ~FrameBindings() {
-    bindTexture(overlayUnit, GL_TEXTURE_2D, 0);
-    bindTexture(colorUnit, GL_TEXTURE_1D, 0);
-    bindTexture(displayUnit, GL_TEXTURE_2D, 0);
+    bind_texture(overlay_unit, GL_TEXTURE_2D, 0);
+    bind_texture(color_unit, GL_TEXTURE_1D, 0);
+    bind_texture(display_unit, GL_TEXTURE_2D, 0);
     glUseProgram(0);
     glDisable(GL_BLEND);
   }
@@ -53,11 +53,11 @@ DisplayRenderer::~DisplayRenderer() {
 
 void DisplayRenderer::init() {
   const TimingMark mark("Before DisplayRenderer::init");
-  gl::requireOpenGL();
+  gl::require_opengl();
   gl::throwOnGLError("Before DisplayRenderer::init");
   release();
   try {
-    buildPrograms();
+    build_programs();
     filters_.init();
     quad_.create("Could not create OpenGL buffer. ");
     gl::throwOnGLError("DisplayRenderer::init");
@@ -66,13 +66,13 @@ void DisplayRenderer::init() {
     throw;
   }
   {
-    const std::lock_guard lock(settingsMutex_);
+    const std::lock_guard lock(settings_mutex_);
     for (Layer& layer : layers_) layer.colormapChanged = true;
   }
   initialized_ = true;
 }
 
-void DisplayRenderer::buildPrograms() {
+void DisplayRenderer::build_programs() {
   gl::Shader& display = display_.shader;
   display.load_to_program("display_program", shaders::display_vert, shaders::display_frag);
   display_.lowerValue = display.uniform("lowerValue");
@@ -103,16 +103,16 @@ void DisplayRenderer::release() {
   overlay_.shader.release();
   filters_.release();
   quad_.release();
-  for (gl::Texture& texture : colormapTextures_) texture.reset();
-  displayData_.release();
-  overlayData_.release();
+  for (gl::Texture& texture : colormap_textures_) texture.reset();
+  display_data_.release();
+  overlay_data_.release();
 }
 
 void DisplayRenderer::uninit() {
   const TimingMark begin("DisplayRenderer::uninit begin");
   const TimingMark mark("Uninit display renderer");
   if (!initialized_) return;
-  gl::requireOpenGL();
+  gl::require_opengl();
   release();
   gl::throwOnGLError("DisplayRenderer::uninit");
 }
@@ -122,13 +122,13 @@ void DisplayRenderer::render() {
     log() << "Renderer has not yet been initialized. Aborting rendering";
     return;
   }
-  gl::requireOpenGL();
+  gl::require_opengl();
   gl::throwOnGLError("render: init");
   const FrameBindings bindings;
-  const FrameSettings settings = takeSettings();
-  uploadColormaps(settings);
+  const FrameSettings settings = take_settings();
+  upload_colormaps(settings);
 
-  const auto locked = displayData_.lock();
+  const auto locked = display_data_.lock();
   if (locked->texture() == 0) throw std::runtime_error("Invalid texture for rendering....");
   const TextureView image = filters_.run({locked->texture(), locked->extent()});
   quad_.create("Could not create OpenGL buffer.");
@@ -144,33 +144,33 @@ void DisplayRenderer::render() {
   glGetIntegerv(GL_VIEWPORT, viewport.data());
   const Frame frame{settings, image, viewport[2], viewport[3]};
   if (frame.width > 0 && frame.height > 0) {
-    drawBase(frame);
-    drawOverlays(frame);
+    draw_base(frame);
+    draw_overlays(frame);
   }
   gl::throwOnGLError("DisplayRenderer::render");
 }
 
-DisplayRenderer::FrameSettings DisplayRenderer::takeSettings() {
-  const std::lock_guard lock(settingsMutex_);
+DisplayRenderer::FrameSettings DisplayRenderer::take_settings() {
+  const std::lock_guard lock(settings_mutex_);
   FrameSettings result;
   result.common = settings_;
-  for (std::size_t i = 0; i < layerCount; ++i) {
+  for (std::size_t i = 0; i < layer_count; ++i) {
     result.layers[i] = layers_[i].settings;
     if (!layers_[i].colormapChanged) continue;
-    result.changedColormaps.push_back({i, layers_[i].colormap});
+    result.changed_colormaps.push_back({i, layers_[i].colormap});
     layers_[i].colormapChanged = false;
   }
   return result;
 }
 
-void DisplayRenderer::uploadColormaps(const FrameSettings& settings) {
-  for (const ChangedColormap& changed : settings.changedColormaps) {
-    uploadColormap(colormapTextures_[changed.layer], changed.colormap);
+void DisplayRenderer::upload_colormaps(const FrameSettings& settings) {
+  for (const ChangedColormap& changed : settings.changed_colormaps) {
+    upload_colormap(colormap_textures_[changed.layer], changed.colormap);
     gl::throwOnGLError("render: colormap changed");
   }
 }
 
-void DisplayRenderer::drawBase(const Frame& frame) {
+void DisplayRenderer::draw_base(const Frame& frame) {
   const auto samples = [](std::int64_t texels, GLsizei pixels) {
     return std::max(static_cast<float>(texels) / static_cast<float>(pixels), 1.0F);
   };
@@ -178,10 +178,10 @@ void DisplayRenderer::drawBase(const Frame& frame) {
   const ImageExtent& extent = frame.image.extent;
 
   display_.shader.use();
-  bindTexture(displayUnit, GL_TEXTURE_2D, frame.image.texture);
-  bindTexture(colorUnit, GL_TEXTURE_1D, colormapTextures_[0].get());
-  glUniform1i(display_.displayTex, displayUnit);
-  glUniform1i(display_.colorTex, colorUnit);
+  bind_texture(display_unit, GL_TEXTURE_2D, frame.image.texture);
+  bind_texture(color_unit, GL_TEXTURE_1D, colormap_textures_[0].get());
+  glUniform1i(display_.displayTex, display_unit);
+  glUniform1i(display_.colorTex, color_unit);
   glUniform1f(display_.lowerValue, layer.lowerValue);
   glUniform1f(display_.upperValue, layer.upperValue);
   glUniform2f(display_.textureSize, static_cast<float>(extent.depth), static_cast<float>(extent.a_scans));
@@ -192,29 +192,29 @@ void DisplayRenderer::drawBase(const Frame& frame) {
   quad_.draw();
 }
 
-void DisplayRenderer::drawOverlays(const Frame& frame) {
+void DisplayRenderer::draw_overlays(const Frame& frame) {
   const auto& layers = frame.settings.layers;
   if (std::none_of(layers.begin() + 1, layers.end(), [](const auto& layer) { return layer.enabled; })) return;
 
-  const auto locked = overlayData_.lock();
+  const auto locked = overlay_data_.lock();
   if (locked->texture() == 0) throw std::runtime_error("Invalid texture for rendering....");
   glEnable(GL_BLEND);
   glBlendEquation(GL_FUNC_ADD);
   glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
   overlay_.shader.use();
-  bindTexture(displayUnit, GL_TEXTURE_2D, frame.image.texture);
-  bindTexture(overlayUnit, GL_TEXTURE_2D, locked->texture());
-  for (std::size_t i = 1; i < layerCount; ++i) {
-    if (layers[i].enabled) drawOverlay(frame, i);
+  bind_texture(display_unit, GL_TEXTURE_2D, frame.image.texture);
+  bind_texture(overlay_unit, GL_TEXTURE_2D, locked->texture());
+  for (std::size_t i = 1; i < layer_count; ++i) {
+    if (layers[i].enabled) draw_overlay(frame, i);
   }
 }
 
-void DisplayRenderer::drawOverlay(const Frame& frame, std::size_t index) {
+void DisplayRenderer::draw_overlay(const Frame& frame, std::size_t index) {
   const LayerSettings& layer = frame.settings.layers[index];
-  bindTexture(colorUnit, GL_TEXTURE_1D, colormapTextures_[index].get());
-  glUniform1i(overlay_.displayTex, displayUnit);
-  glUniform1i(overlay_.overlayTex, overlayUnit);
-  glUniform1i(overlay_.colorTex, colorUnit);
+  bind_texture(color_unit, GL_TEXTURE_1D, colormap_textures_[index].get());
+  glUniform1i(overlay_.displayTex, display_unit);
+  glUniform1i(overlay_.overlayTex, overlay_unit);
+  glUniform1i(overlay_.colorTex, color_unit);
   glUniform1f(overlay_.lowerValue, layer.lowerValue);
   glUniform1f(overlay_.upperValue, layer.upperValue);
   glUniform1f(overlay_.threshold, frame.settings.common.threshold);

@@ -20,8 +20,8 @@ namespace oct {
 // thread that owns the context.
 class DisplayRenderer {
  public:
-  static constexpr int overlayCount =
-      8;  // enough for the layers of a retina segmentation; a layer costs bytes
+  // Enough for the layers of a retina segmentation; a layer costs bytes.
+  static constexpr int overlay_count = 8;
 
   DisplayRenderer() = default;
   ~DisplayRenderer();
@@ -32,22 +32,24 @@ class DisplayRenderer {
   void uninit();
   void render();
 
-  void setData(const ImageExtent& extent, const float* data) { displayData_.setData(extent, data); }
-  void setBlur(bool first, bool second) { filters_.setBlur(first, second); }
-  void setPepperFilter(bool enabled) { filters_.setPepper(enabled); }
-  void setMedianFilter(int medianFilter) const;
-  void setFlip(bool flip);
-  void setBackgroundColor(int color);
-  void setColormap(const void* colors, int count);
-  void setColoringBoundaries(double lower, double upper);
-  void setNumberOverlays(int count);
-  void setOverlayData(const ImageExtent& extent, const float* data) { overlayData_.setData(extent, data); }
-  void setOverlayColormap(int overlay, const void* colors, int count);
-  void setOverlayColoringBoundaries(int overlay, double lower, double upper);
-  void setOverlayThreshold(double threshold);
+  void set_data(const ImageExtent& extent, const float* data) { display_data_.set_data(extent, data); }
+  void set_blur(bool first, bool second) { filters_.set_blur(first, second); }
+  void set_pepper_filter(bool enabled) { filters_.set_pepper(enabled); }
+  void set_median_filter(int median_filter) const;
+  void set_flip(bool flip);
+  void set_background_color(int color);
+  void set_colormap(const void* colors, int count);
+  void set_coloring_boundaries(double lower, double upper);
+  void set_number_overlays(int count);
+  void set_overlay_data(const ImageExtent& extent, const float* data) {
+    overlay_data_.set_data(extent, data);
+  }
+  void set_overlay_colormap(int overlay, const void* colors, int count);
+  void set_overlay_coloring_boundaries(int overlay, double lower, double upper);
+  void set_overlay_threshold(double threshold);
 
  private:
-  static constexpr std::size_t layerCount = 1 + overlayCount;
+  static constexpr std::size_t layer_count = 1 + overlay_count;
 
   struct LayerSettings {
     bool enabled = false;
@@ -58,7 +60,7 @@ class DisplayRenderer {
   // Layer 0 is the base image, the others are overlays.
   struct Layer {
     LayerSettings settings;
-    Colormap colormap = defaultColormap();
+    Colormap colormap = default_colormap();
     bool colormapChanged = true;
   };
 
@@ -76,8 +78,8 @@ class DisplayRenderer {
   // What one frame is drawn with.
   struct FrameSettings {
     Settings common;
-    std::array<LayerSettings, layerCount> layers;
-    std::vector<ChangedColormap> changedColormaps;
+    std::array<LayerSettings, layer_count> layers;
+    std::vector<ChangedColormap> changed_colormaps;
   };
 
   struct DisplayProgram {
@@ -92,30 +94,30 @@ class DisplayRenderer {
 
   struct Frame;
 
-  static std::size_t overlayLayer(int overlay);
-  void setLayerColormap(std::size_t layer, const void* colors, int count);
-  void setLayerBoundaries(std::size_t layer, double lower, double upper);
+  static std::size_t overlay_layer(int overlay);
+  void set_layer_colormap(std::size_t layer, const void* colors, int count);
+  void set_layer_boundaries(std::size_t layer, double lower, double upper);
 
-  void buildPrograms();
+  void build_programs();
   void release();
-  FrameSettings takeSettings();
-  void uploadColormaps(const FrameSettings& settings);
-  void drawBase(const Frame& frame);
-  void drawOverlays(const Frame& frame);
-  void drawOverlay(const Frame& frame, std::size_t index);
+  FrameSettings take_settings();
+  void upload_colormaps(const FrameSettings& settings);
+  void draw_base(const Frame& frame);
+  void draw_overlays(const Frame& frame);
+  void draw_overlay(const Frame& frame, std::size_t index);
 
-  SimpleDataProvider displayData_;
-  SimpleDataProvider overlayData_;
+  SimpleDataProvider display_data_;
+  SimpleDataProvider overlay_data_;
   FilterChain filters_;
 
-  std::mutex settingsMutex_;  // never held across OpenGL
+  std::mutex settings_mutex_;  // never held across OpenGL
   Settings settings_;
-  std::array<Layer, layerCount> layers_;
+  std::array<Layer, layer_count> layers_;
 
   DisplayProgram display_;
   OverlayProgram overlay_;
   gl::Quad quad_;
-  std::array<gl::Texture, layerCount> colormapTextures_;
+  std::array<gl::Texture, layer_count> colormap_textures_;
   std::atomic<bool> initialized_{false};
 };
 

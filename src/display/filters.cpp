@@ -11,8 +11,8 @@ namespace oct {
 
 void AbstractOpenGLFilter::init() {
   program_.load_to_program("filter_program_" + name(), shaders::filter_vert, fragment_source());
-  inputTextureUniform_ = program_.uniform("inputTexture");
-  inputTextureSizeUniform_ = program_.uniform("inputTextureSize");
+  input_texture_uniform_ = program_.uniform("inputTexture");
+  input_texture_size_uniform_ = program_.uniform("inputTextureSize");
   quad_.create("Could not create OpenGL buffer. ");
   gl::throwOnGLError("AbstractOpenGLFilter::init");
 }
@@ -38,7 +38,7 @@ void AbstractOpenGLFilter::bind_input(const TextureView& input) {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    gl::resetPixelUnpack();
+    gl::reset_pixel_unpack();
     glTexImage2D(GL_TEXTURE_2D, 0, GL_R32F, depth, a_scans, 0, GL_RED, GL_FLOAT, nullptr);
     gl::throwOnGLError("AbstractOpenGLFilter::resize");
     extent_ = input.extent;
@@ -52,8 +52,8 @@ void AbstractOpenGLFilter::bind_input(const TextureView& input) {
 
 void AbstractOpenGLFilter::set_uniforms(const TextureView& input) {
   program_.use();
-  glUniform1i(inputTextureUniform_, 0);
-  glUniform2f(inputTextureSizeUniform_, static_cast<GLfloat>(input.extent.depth),
+  glUniform1i(input_texture_uniform_, 0);
+  glUniform2f(input_texture_size_uniform_, static_cast<GLfloat>(input.extent.depth),
               static_cast<GLfloat>(input.extent.a_scans));
 }
 
@@ -88,14 +88,14 @@ FilterChain::FilterChain()
              std::make_unique<PepperFilter>(), std::make_unique<GaussianFilterX>(),
              std::make_unique<GaussianFilterY>()} {}
 
-void FilterChain::setBlur(bool first, bool second) {
+void FilterChain::set_blur(bool first, bool second) {
   slots_[0]->enabled = first;
   slots_[1]->enabled = first;
   slots_[3]->enabled = second;
   slots_[4]->enabled = second;
 }
 
-void FilterChain::setPepper(bool enabled) {
+void FilterChain::set_pepper(bool enabled) {
   slots_[2]->enabled = enabled;
 }
 

@@ -38,8 +38,8 @@ class AbstractOpenGLFilter {
 
  private:
   gl::Shader program_;
-  GLint inputTextureUniform_ = -1;
-  GLint inputTextureSizeUniform_ = -1;
+  GLint input_texture_uniform_ = -1;
+  GLint input_texture_size_uniform_ = -1;
   gl::Texture output_;
   gl::Framebuffer framebuffer_;
   gl::Quad quad_;
@@ -69,8 +69,8 @@ class FilterChain {
  public:
   FilterChain();
 
-  void setBlur(bool first, bool second);
-  void setPepper(bool enabled);
+  void set_blur(bool first, bool second);
+  void set_pepper(bool enabled);
 
   void init();
   void release();

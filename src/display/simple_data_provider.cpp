@@ -12,7 +12,7 @@
 namespace oct {
 namespace {
 
-std::size_t sampleCount(const ImageExtent& extent) {
+std::size_t sample_count(const ImageExtent& extent) {
   if (extent.depth < 0 || extent.a_scans < 0) {
     throw std::invalid_argument("Image sizes must not be negative. ");
   }
@@ -26,23 +26,23 @@ std::size_t sampleCount(const ImageExtent& extent) {
 
 // Asks the driver whether it could hold such a texture. Extents above the limit are as good as the next one
 // above it; Mesa's software renderer writes past its stack when it sizes one of 2^30 texels.
-bool proxyAccepts(GLint internalFormat, GLenum type, const ImageExtent& extent, GLint limit) {
+bool proxy_accepts(GLint internal_format, GLenum type, const ImageExtent& extent, GLint limit) {
   const auto cut = [&](std::int64_t samples) {
     return static_cast<GLsizei>(std::min(samples, std::int64_t{limit} + 1));
   };
-  glTexImage2D(GL_PROXY_TEXTURE_2D, 0, internalFormat, cut(extent.depth), cut(extent.a_scans), 0, GL_RED,
+  glTexImage2D(GL_PROXY_TEXTURE_2D, 0, internal_format, cut(extent.depth), cut(extent.a_scans), 0, GL_RED,
                type, nullptr);
-  GLint firstAxis = 0;
-  GLint secondAxis = 0;
-  glGetTexLevelParameteriv(GL_PROXY_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &firstAxis);
-  glGetTexLevelParameteriv(GL_PROXY_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &secondAxis);
-  return firstAxis >= 1 && secondAxis >= 1;
+  GLint first_axis = 0;
+  GLint second_axis = 0;
+  glGetTexLevelParameteriv(GL_PROXY_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &first_axis);
+  glGetTexLevelParameteriv(GL_PROXY_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &second_axis);
+  return first_axis >= 1 && second_axis >= 1;
 }
 
 }  // namespace
 
-void SimpleDataProvider::setData(const ImageExtent& extent, const float* samples) {
-  const std::size_t count = sampleCount(extent);
+void SimpleDataProvider::set_data(const ImageExtent& extent, const float* samples) {
+  const std::size_t count = sample_count(extent);
   if (!samples && count > 0) throw std::invalid_argument("Image data must not be null. ");
   const std::lock_guard lock(mutex_);
   if (extent != extent_) {
@@ -63,19 +63,19 @@ void SimpleDataProvider::resize() {
   GLint limit = 0;
   glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
   if (extent_.depth > limit || extent_.a_scans > limit)
-    writeError("Warning max texture size is likely exceeded. ");
+    write_error("Warning max texture size is likely exceeded. ");
 
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, 0);
   texture_.reset();
-  gl::resetPixelUnpack();
-  GLint internalFormat = GL_R32F;
-  if (!proxyAccepts(GL_R32F, GL_FLOAT, extent_, limit)) {
-    if (!proxyAccepts(GL_R16F, GL_HALF_FLOAT, extent_, limit)) {
+  gl::reset_pixel_unpack();
+  GLint internal_format = GL_R32F;
+  if (!proxy_accepts(GL_R32F, GL_FLOAT, extent_, limit)) {
+    if (!proxy_accepts(GL_R16F, GL_HALF_FLOAT, extent_, limit)) {
       glGetError();  // some drivers raise an error for an impossible proxy; this exception says it all
       throw std::invalid_argument("Cannot generate a texture of the required size. ");
     }
-    internalFormat = GL_R16F;
+    internal_format = GL_R16F;
   }
   texture_ = gl::Texture::create();
   glBindTexture(GL_TEXTURE_2D, texture_.get());
@@ -84,7 +84,7 @@ void SimpleDataProvider::resize() {
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
   if (texture_) {
-    glTexImage2D(GL_TEXTURE_2D, 0, internalFormat, static_cast<GLsizei>(extent_.depth),
+    glTexImage2D(GL_TEXTURE_2D, 0, internal_format, static_cast<GLsizei>(extent_.depth),
                  static_cast<GLsizei>(extent_.a_scans), 0, GL_RED, GL_FLOAT, nullptr);
   }
   glBindTexture(GL_TEXTURE_2D, 0);
@@ -93,28 +93,28 @@ void SimpleDataProvider::resize() {
 
 std::unique_ptr<SimpleDataProvider::LockedTexture> SimpleDataProvider::lock() {
   std::unique_lock lock(mutex_);
-  if (!textureFits()) resize();
+  if (!texture_fits()) resize();
   auto locked = std::make_unique<LockedTexture>(std::move(lock), texture_.get(), extent_);
   if (texture_) upload();
   gl::throwOnGLError("SimpleDataProvider::LockedTexture::glTexSubImage2D");
   return locked;
 }
 
-bool SimpleDataProvider::textureFits() const {
+bool SimpleDataProvider::texture_fits() const {
   if (!texture_) return false;
-  GLint firstAxis = 0;
-  GLint secondAxis = 0;
+  GLint first_axis = 0;
+  GLint second_axis = 0;
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
-  glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &firstAxis);
-  glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &secondAxis);
-  return extent_ == ImageExtent{firstAxis, secondAxis};
+  glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &first_axis);
+  glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &second_axis);
+  return extent_ == ImageExtent{first_axis, second_axis};
 }
 
 void SimpleDataProvider::upload() const {
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
-  gl::resetPixelUnpack();
+  gl::reset_pixel_unpack();
   glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, static_cast<GLsizei>(extent_.depth),
                   static_cast<GLsizei>(extent_.a_scans), GL_RED, GL_FLOAT, data_.data());
   glBindTexture(GL_TEXTURE_2D, 0);

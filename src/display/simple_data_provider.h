@@ -1,5 +1,5 @@
-// The data provider of the display renderer: a single-channel float image in main memory and the texture that
-// mirrors it.
+// The data provider of the display renderer: a single-channel float image in main memory
+// and the texture that mirrors it.
 #pragma once
 
 #include <memory>
@@ -29,7 +29,7 @@ class SimpleDataProvider {
   };
 
   // Copies an image. Any thread.
-  void setData(const ImageExtent& extent, const float* samples);
+  void set_data(const ImageExtent& extent, const float* samples);
 
   // The rest runs on the thread that owns the context.
   void release();  // deletes the texture
@@ -37,7 +37,7 @@ class SimpleDataProvider {
 
  private:
   void resize();
-  bool textureFits() const;
+  bool texture_fits() const;
   void upload() const;
 
   std::vector<float> data_;

@@ -48,13 +48,13 @@ class ScopedDisable {
   template <class... Capabilities>
   explicit ScopedDisable(Capabilities... capabilities) : capabilities_{static_cast<GLenum>(capabilities)...} {
     for (std::size_t i = 0; i < Count; ++i) {
-      wasEnabled_[i] = glIsEnabled(capabilities_[i]);
+      was_enabled_[i] = glIsEnabled(capabilities_[i]);
       glDisable(capabilities_[i]);
     }
   }
   ~ScopedDisable() {
     for (std::size_t i = 0; i < Count; ++i) {
-      if (wasEnabled_[i]) glEnable(capabilities_[i]);
+      if (was_enabled_[i]) glEnable(capabilities_[i]);
     }
   }
   ScopedDisable(const ScopedDisable&) = delete;
@@ -62,7 +62,7 @@ class ScopedDisable {
 
  private:
   std::array<GLenum, Count> capabilities_;
-  std::array<GLboolean, Count> wasEnabled_{};
+  std::array<GLboolean, Count> was_enabled_{};
 };
 
 template <class... Capabilities>

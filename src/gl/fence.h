@@ -8,7 +8,7 @@
 
 namespace oct::gl {
 
-inline constexpr GLuint64 oneSecond = 1'000'000'000;  // nanoseconds
+inline constexpr GLuint64 one_second = 1'000'000'000;  // nanoseconds
 
 // As with names, a fence whose context is not current is given up and dies with its context.
 class Fence {
@@ -21,11 +21,11 @@ class Fence {
   void insert() {
     reset();
     sync_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
-    context_ = currentContext();
+    context_ = current_context();
   }
 
   void reset() {
-    if (sync_ && context_ == currentContext()) glDeleteSync(sync_);
+    if (sync_ && context_ == current_context()) glDeleteSync(sync_);
     sync_ = nullptr;
     context_ = nullptr;
   }

@@ -5,7 +5,7 @@
 namespace oct::gl {
 namespace {
 
-Buffer newBuffer() {
+Buffer new_buffer() {
   Buffer buffer = Buffer::create();
   if (!buffer) throw std::runtime_error("Could not create OpenGL buffer. ");
   return buffer;
@@ -13,26 +13,26 @@ Buffer newBuffer() {
 
 }  // namespace
 
-void Geometry::setVertices(std::span<const glm::vec2> vertices) {
+void Geometry::set_vertices(std::span<const glm::vec2> vertices) {
   set(vertices_, 0, 2, vertices.data(), vertices.size_bytes());
 }
-void Geometry::setVertices(std::span<const glm::vec3> vertices) {
+void Geometry::set_vertices(std::span<const glm::vec3> vertices) {
   set(vertices_, 0, 3, vertices.data(), vertices.size_bytes());
 }
-void Geometry::setAttribute(std::span<const glm::vec2> values) {
+void Geometry::set_attribute(std::span<const glm::vec2> values) {
   set(attribute_, 1, 2, values.data(), values.size_bytes());
 }
-void Geometry::setAttribute(std::span<const glm::vec3> values) {
+void Geometry::set_attribute(std::span<const glm::vec3> values) {
   set(attribute_, 1, 3, values.data(), values.size_bytes());
 }
-void Geometry::setAttribute(std::span<const glm::vec4> values) {
+void Geometry::set_attribute(std::span<const glm::vec4> values) {
   set(attribute_, 1, 4, values.data(), values.size_bytes());
 }
 
 void Geometry::set(Buffer& buffer, GLuint attribute, GLint components, const void* data, std::size_t bytes) {
-  if (!vertexArray_) vertexArray_ = VertexArray::create();
-  if (!buffer) buffer = newBuffer();
-  glBindVertexArray(vertexArray_.get());
+  if (!vertex_array_) vertex_array_ = VertexArray::create();
+  if (!buffer) buffer = new_buffer();
+  glBindVertexArray(vertex_array_.get());
   glBindBuffer(GL_ARRAY_BUFFER, buffer.get());
   glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(bytes), data, GL_DYNAMIC_DRAW);
   glVertexAttribPointer(attribute, components, GL_FLOAT, GL_FALSE, 0, nullptr);
@@ -41,10 +41,10 @@ void Geometry::set(Buffer& buffer, GLuint attribute, GLint components, const voi
   glBindBuffer(GL_ARRAY_BUFFER, 0);
 }
 
-void Geometry::setIndices(std::span<const std::uint32_t> indices) {
-  if (!vertexArray_) vertexArray_ = VertexArray::create();
-  if (!indices_) indices_ = newBuffer();
-  glBindVertexArray(vertexArray_.get());
+void Geometry::set_indices(std::span<const std::uint32_t> indices) {
+  if (!vertex_array_) vertex_array_ = VertexArray::create();
+  if (!indices_) indices_ = new_buffer();
+  glBindVertexArray(vertex_array_.get());
   glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_.get());  // belongs to the vertex array
   glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size_bytes()), indices.data(),
                GL_DYNAMIC_DRAW);
@@ -53,22 +53,22 @@ void Geometry::setIndices(std::span<const std::uint32_t> indices) {
 }
 
 void Geometry::release() {
-  vertexArray_.reset();
+  vertex_array_.reset();
   vertices_.reset();
   attribute_.reset();
   indices_.reset();
 }
 
 void Geometry::draw(GLenum mode, GLint first, GLsizei count) const {
-  glBindVertexArray(vertexArray_.get());
+  glBindVertexArray(vertex_array_.get());
   glDrawArrays(mode, first, count);
   glBindVertexArray(0);
 }
 
-void Geometry::drawIndexed(GLenum mode, std::size_t firstIndex, GLsizei count) const {
-  glBindVertexArray(vertexArray_.get());
+void Geometry::draw_indexed(GLenum mode, std::size_t first_index, GLsizei count) const {
+  glBindVertexArray(vertex_array_.get());
   glDrawElements(mode, count, GL_UNSIGNED_INT,
-                 reinterpret_cast<const void*>(firstIndex * sizeof(std::uint32_t)));
+                 reinterpret_cast<const void*>(first_index * sizeof(std::uint32_t)));
   glBindVertexArray(0);
 }
 

@@ -1,10 +1,10 @@
 // Vertices of one pass: positions, at most one more attribute, and indices where the pass wants them.
 #pragma once
 
-#include <glm/glm.hpp>
-
 #include <cstdint>
 #include <span>
+
+#include <glm/glm.hpp>
 
 #include "gl/gl_names.h"
 
@@ -12,23 +12,23 @@ namespace oct::gl {
 
 class Geometry {
  public:
-  // Attribute 0. Makes the buffers at the first call; throws std::runtime_error "Could not create OpenGL
-  // buffer. " when OpenGL gives none. Later calls replace the contents.
-  void setVertices(std::span<const glm::vec2> vertices);
-  void setVertices(std::span<const glm::vec3> vertices);
+  // Attribute 0. Makes the buffers at the first call; throws std::runtime_error
+  // "Could not create OpenGL buffer. " when OpenGL gives none. Later calls replace the contents.
+  void set_vertices(std::span<const glm::vec2> vertices);
+  void set_vertices(std::span<const glm::vec3> vertices);
 
   // Attribute 1, one per vertex.
-  void setAttribute(std::span<const glm::vec2> values);
-  void setAttribute(std::span<const glm::vec3> values);
-  void setAttribute(std::span<const glm::vec4> values);
+  void set_attribute(std::span<const glm::vec2> values);
+  void set_attribute(std::span<const glm::vec3> values);
+  void set_attribute(std::span<const glm::vec4> values);
 
-  void setIndices(std::span<const std::uint32_t> indices);
+  void set_indices(std::span<const std::uint32_t> indices);
 
   void release();
   explicit operator bool() const { return static_cast<bool>(vertices_); }
 
   void draw(GLenum mode, GLint first, GLsizei count) const;
-  void drawIndexed(GLenum mode, std::size_t firstIndex, GLsizei count) const;
+  void draw_indexed(GLenum mode, std::size_t first_index, GLsizei count) const;
 
  private:
   void set(Buffer& buffer, GLuint attribute, GLint components, const void* data, std::size_t bytes);
@@ -36,7 +36,7 @@ class Geometry {
   Buffer vertices_;
   Buffer attribute_;
   Buffer indices_;
-  VertexArray vertexArray_;
+  VertexArray vertex_array_;
 };
 
 }  // namespace oct::gl

@@ -32,12 +32,12 @@ class Name {
   static Name create(Arguments... arguments) {
     Name result;
     result.name_ = Kind::create(arguments...);
-    result.context_ = currentContext();
+    result.context_ = current_context();
     return result;
   }
 
   void reset() {
-    if (name_ != 0 && context_ == currentContext()) Kind::destroy(name_);
+    if (name_ != 0 && context_ == current_context()) Kind::destroy(name_);
     name_ = 0;
     context_ = nullptr;
   }

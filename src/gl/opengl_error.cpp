@@ -13,7 +13,7 @@ namespace {
   "The offending command is ignored and has no other side effect than to set the error flag."
 
 // Indexed by code - GL_INVALID_ENUM (0x0500).
-constexpr std::array<const char*, 7> errorTexts{
+constexpr std::array<const char*, 7> error_texts{
     "An unacceptable value is specified for an enumerated argument. " OCT_GL_IGNORED " (GL_INVALID_ENUM)",
     "A numeric argument is out of range. " OCT_GL_IGNORED " (GL_INVALID_VALUE)",
     "The specified operation is not allowed in the current state. " OCT_GL_IGNORED " (GL_INVALID_OPERATION)",
@@ -29,14 +29,14 @@ constexpr std::array<const char*, 7> errorTexts{
 #undef OCT_GL_IGNORED
 
 std::string message(const std::string& where, GLenum code) {
-  return "An OpenGL error in " + where + " occured: " + errorText(code);
+  return "An OpenGL error in " + where + " occured: " + error_text(code);
 }
 
 }  // namespace
 
-const char* errorText(GLenum code) {
+const char* error_text(GLenum code) {
   const GLenum index = code - GL_INVALID_ENUM;
-  return index < errorTexts.size() ? errorTexts[index] : "Unknown OpenGL Error";
+  return index < error_texts.size() ? error_texts[index] : "Unknown OpenGL Error";
 }
 
 void throwOnGLError(std::string where) {
@@ -46,7 +46,7 @@ void throwOnGLError(std::string where) {
 
 void printGLError(std::string where) {
   const GLenum code = glGetError();
-  if (code != GL_NO_ERROR) writeError(message(where, code));
+  if (code != GL_NO_ERROR) write_error(message(where, code));
 }
 
 const char* framebufferStatusName(GLenum status) {

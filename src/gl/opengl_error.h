@@ -8,7 +8,7 @@
 namespace oct::gl {
 
 // Text of an error code with OpenGL's name for it in parentheses.
-const char* errorText(GLenum code);
+const char* error_text(GLenum code);
 
 // Reads the error flag once and throws std::runtime_error when it is set. Further queued errors stay for the
 // next checkpoint.

@@ -7,7 +7,7 @@ namespace oct::gl {
 
 // Makes uploads read tightly packed client memory: a client's context may carry other settings, or a buffer
 // that would turn the pointer into an offset.
-inline void resetPixelUnpack() {
+inline void reset_pixel_unpack() {
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
   glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
@@ -18,7 +18,7 @@ inline void resetPixelUnpack() {
 }
 
 // Makes read-backs write tightly packed rows. The pack buffer is the caller's to choose.
-inline void resetPixelPack() {
+inline void reset_pixel_pack() {
   glPixelStorei(GL_PACK_ALIGNMENT, 4);
   glPixelStorei(GL_PACK_ROW_LENGTH, 0);
   glPixelStorei(GL_PACK_SKIP_ROWS, 0);

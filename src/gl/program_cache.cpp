@@ -18,13 +18,13 @@ Cache& cache() {
 
 }  // namespace
 
-std::shared_ptr<const ProgramBinary> findProgramBinary(const ProgramKey& key) {
+std::shared_ptr<const ProgramBinary> find_program_binary(const ProgramKey& key) {
   const std::lock_guard lock(cache().mutex);
   const auto entry = cache().entries.find(key);
   return entry == cache().entries.end() ? nullptr : entry->second;
 }
 
-void storeProgramBinary(const ProgramKey& key, ProgramBinary binary) {
+void store_program_binary(const ProgramKey& key, ProgramBinary binary) {
   auto entry = std::make_shared<const ProgramBinary>(std::move(binary));
   const std::lock_guard lock(cache().mutex);
   cache().entries[key] = std::move(entry);

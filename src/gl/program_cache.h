@@ -18,13 +18,13 @@ struct ProgramBinary {
 
 // A program is known by its source lengths and its name; the texts are not compared.
 struct ProgramKey {
-  std::pair<std::size_t, std::size_t> sourceLengths;  // fragment, vertex
+  std::pair<std::size_t, std::size_t> source_lengths;  // fragment, vertex
   std::string name;
   auto operator<=>(const ProgramKey&) const = default;
 };
 
 // Null when there is none. Safe from any thread; a binary stays alive while somebody holds it.
-std::shared_ptr<const ProgramBinary> findProgramBinary(const ProgramKey& key);
-void storeProgramBinary(const ProgramKey& key, ProgramBinary binary);
+std::shared_ptr<const ProgramBinary> find_program_binary(const ProgramKey& key);
+void store_program_binary(const ProgramKey& key, ProgramBinary binary);
 
 }  // namespace oct::gl

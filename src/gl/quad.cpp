@@ -9,9 +9,9 @@ void Quad::create(const char* failure) {
   if (buffer_) return;
   Buffer buffer = Buffer::create();
   if (!buffer) throw std::runtime_error(failure);
-  VertexArray vertexArray = VertexArray::create();
+  VertexArray vertex_array = VertexArray::create();
   constexpr std::array<GLfloat, 8> corners{-1, -1, 1, -1, -1, 1, 1, 1};
-  glBindVertexArray(vertexArray.get());
+  glBindVertexArray(vertex_array.get());
   glBindBuffer(GL_ARRAY_BUFFER, buffer.get());
   glBufferData(GL_ARRAY_BUFFER, sizeof corners, corners.data(), GL_STATIC_DRAW);
   glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
@@ -19,16 +19,16 @@ void Quad::create(const char* failure) {
   glBindVertexArray(0);
   glBindBuffer(GL_ARRAY_BUFFER, 0);
   buffer_ = std::move(buffer);
-  vertexArray_ = std::move(vertexArray);
+  vertex_array_ = std::move(vertex_array);
 }
 
 void Quad::release() {
-  vertexArray_.reset();
+  vertex_array_.reset();
   buffer_.reset();
 }
 
 void Quad::draw() const {
-  glBindVertexArray(vertexArray_.get());
+  glBindVertexArray(vertex_array_.get());
   glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
   glBindVertexArray(0);
 }

@@ -7,8 +7,8 @@ namespace oct::gl {
 
 class Quad {
  public:
-  // Throws std::runtime_error with the given text when OpenGL gives no buffer. Does nothing when already
-  // made.
+  // Throws std::runtime_error with the given text when OpenGL gives no buffer.
+  // Does nothing when already made.
   void create(const char* failure);
   void release();
 
@@ -17,7 +17,7 @@ class Quad {
 
  private:
   Buffer buffer_;
-  VertexArray vertexArray_;
+  VertexArray vertex_array_;
 };
 
 }  // namespace oct::gl

@@ -11,8 +11,8 @@
 namespace oct::gl {
 namespace {
 
-ProgramKey keyOf(const std::string& name, const std::string& vertexSource,
-                 const std::string& fragmentSource) {
+ProgramKey key_of(const std::string& name, const std::string& vertexSource,
+                  const std::string& fragmentSource) {
   return {{fragmentSource.size(), vertexSource.size()}, name};
 }
 
@@ -24,7 +24,7 @@ ShaderObject compile(GLenum stage, const std::string& source) {
   return shader;
 }
 
-void checkCompiled(const ShaderObject& shader, const char* failure) {
+void check_compiled(const ShaderObject& shader, const char* failure) {
   GLint status = GL_FALSE;
   glGetShaderiv(shader.get(), GL_COMPILE_STATUS, &status);
   if (status == GL_TRUE) return;
@@ -37,27 +37,27 @@ void checkCompiled(const ShaderObject& shader, const char* failure) {
 }
 
 // OpenGL 3.3 has program binaries only as an extension.
-bool hasProgramBinaries() {
+bool has_program_binaries() {
   return glProgramParameteri && glGetProgramBinary && glProgramBinary;
 }
 
-GLint binaryLength(const Program& program) {
+GLint binary_length(const Program& program) {
   GLint length = 0;
   glGetProgramiv(program.get(), GL_PROGRAM_BINARY_LENGTH, &length);
   return length;
 }
 
-// Nothing is kept when the driver offers no binary formats: it then reports length 0, and reading would be an
-// error.
-void keepBinary(const Program& program, const ProgramKey& key) {
+// Nothing is kept when the driver offers no binary formats: it then reports length 0,
+// and reading would be an error.
+void keep_binary(const Program& program, const ProgramKey& key) {
   ProgramBinary binary;
-  const GLint length = hasProgramBinaries() ? binaryLength(program) : 0;
+  const GLint length = has_program_binaries() ? binary_length(program) : 0;
   if (length > 0) {
     binary.bytes.resize(static_cast<std::size_t>(length));
     glGetProgramBinary(program.get(), length, nullptr, &binary.format, binary.bytes.data());
   }
   throwOnGLError("BinaryShader");
-  if (length > 0) storeProgramBinary(key, std::move(binary));
+  if (length > 0) store_program_binary(key, std::move(binary));
 }
 
 }  // namespace
@@ -65,33 +65,33 @@ void keepBinary(const Program& program, const ProgramKey& key) {
 void Shader::load_to_program(const std::string& name, const std::string& vertexSource,
                              const std::string& fragmentSource) {
   release();
-  if (loadBinary(name, vertexSource, fragmentSource)) return;
-  compileAndLink(vertexSource, fragmentSource);
-  keepBinary(program_, keyOf(name, vertexSource, fragmentSource));
+  if (load_binary(name, vertexSource, fragmentSource)) return;
+  compile_and_link(vertexSource, fragmentSource);
+  keep_binary(program_, key_of(name, vertexSource, fragmentSource));
 }
 
-bool Shader::loadBinary(const std::string& name, const std::string& vertexSource,
-                        const std::string& fragmentSource) {
-  const auto binary = findProgramBinary(keyOf(name, vertexSource, fragmentSource));
-  if (!binary || !hasProgramBinaries()) return false;
+bool Shader::load_binary(const std::string& name, const std::string& vertexSource,
+                         const std::string& fragmentSource) {
+  const auto binary = find_program_binary(key_of(name, vertexSource, fragmentSource));
+  if (!binary || !has_program_binaries()) return false;
   program_ = Program::create();
   glProgramBinary(program_.get(), binary->format, binary->bytes.data(),
                   static_cast<GLsizei>(binary->bytes.size()));
   throwOnGLError("BinaryShader::load_to_program");
   // A driver may refuse a binary without raising an error (after an update, or one made for another GPU of
   // this machine). It then holds no executable for the program, and the sources are compiled again.
-  return binaryLength(program_) > 0;
+  return binary_length(program_) > 0;
 }
 
-void Shader::compileAndLink(const std::string& vertexSource, const std::string& fragmentSource) {
-  vertexShader_ = compile(GL_VERTEX_SHADER, vertexSource);
-  checkCompiled(vertexShader_, "Vertex shader compilation failed");
-  fragmentShader_ = compile(GL_FRAGMENT_SHADER, fragmentSource);
-  checkCompiled(fragmentShader_, "Fragment shader compilation failed");
+void Shader::compile_and_link(const std::string& vertexSource, const std::string& fragmentSource) {
+  vertex_shader_ = compile(GL_VERTEX_SHADER, vertexSource);
+  check_compiled(vertex_shader_, "Vertex shader compilation failed");
+  fragment_shader_ = compile(GL_FRAGMENT_SHADER, fragmentSource);
+  check_compiled(fragment_shader_, "Fragment shader compilation failed");
   program_ = Program::create();
-  glAttachShader(program_.get(), vertexShader_.get());
-  glAttachShader(program_.get(), fragmentShader_.get());
-  if (hasProgramBinaries()) {
+  glAttachShader(program_.get(), vertex_shader_.get());
+  glAttachShader(program_.get(), fragment_shader_.get());
+  if (has_program_binaries()) {
     glProgramParameteri(program_.get(), GL_PROGRAM_BINARY_RETRIEVABLE_HINT, GL_TRUE);
   }
   glLinkProgram(program_.get());
@@ -101,13 +101,13 @@ void Shader::compileAndLink(const std::string& vertexSource, const std::string& 
     log() << "Linking failed. ";
     throw Exception("");
   }
-  vertexShader_.reset();
-  fragmentShader_.reset();
+  vertex_shader_.reset();
+  fragment_shader_.reset();
 }
 
 void Shader::release() {
-  vertexShader_.reset();
-  fragmentShader_.reset();
+  vertex_shader_.reset();
+  fragment_shader_.reset();
   program_.reset();
 }
 

@@ -1,5 +1,5 @@
-// A program of one vertex and one fragment shader, built from source once per process and from its binary
-// after that.
+// A program of one vertex and one fragment shader, built from source once per process
+// and from its binary after that.
 #pragma once
 
 #include <string>
@@ -28,19 +28,19 @@ class Shader {
   // Makes the program the current one; throws std::runtime_error "Program has not been compiled yet.".
   void use() const;
 
-  // Location of a uniform. A missing one (-1, which OpenGL ignores when it is set) is noted in the library
-  // log.
+  // Location of a uniform. A missing one (-1, which OpenGL ignores when it is
+  // set) is noted in the library log.
   GLint uniform(const char* name) const;
 
  private:
-  bool loadBinary(const std::string& name, const std::string& vertexSource,
-                  const std::string& fragmentSource);
-  void compileAndLink(const std::string& vertexSource, const std::string& fragmentSource);
+  bool load_binary(const std::string& name, const std::string& vertexSource,
+                   const std::string& fragmentSource);
+  void compile_and_link(const std::string& vertexSource, const std::string& fragmentSource);
 
   Program program_;
   // Held from compiling to linking; after a failure they stay until the next build or release.
-  ShaderObject vertexShader_;
-  ShaderObject fragmentShader_;
+  ShaderObject vertex_shader_;
+  ShaderObject fragment_shader_;
 };
 
 }  // namespace oct::gl

@@ -13,54 +13,55 @@ namespace {
 constexpr std::array<GLenum, 2> filters{GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER};
 constexpr std::array<GLenum, 3> wraps{GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R};
 
-std::string textOf(const VolumeExtent& extent) {
+std::string text_of(const VolumeExtent& extent) {
   return std::to_string(extent.depth) + " x " + std::to_string(extent.a_scans) + " x " +
          std::to_string(extent.b_scans);
 }
 
-std::uint64_t megabytes(const VolumeExtent& extent, GLenum internalFormat) {
-  const std::uint64_t bytesPerVoxel = internalFormat == GL_R16F ? 2 : 4;
+std::uint64_t megabytes(const VolumeExtent& extent, GLenum internal_format) {
+  const std::uint64_t bytes_per_voxel = internal_format == GL_R16F ? 2 : 4;
   const auto voxels = static_cast<std::uint64_t>(extent.depth) * static_cast<std::uint64_t>(extent.a_scans) *
                       static_cast<std::uint64_t>(extent.b_scans);
-  return (voxels * bytesPerVoxel + 999'999) / 1'000'000;
+  return (voxels * bytes_per_voxel + 999'999) / 1'000'000;
 }
 
-bool proxyAccepts(const VolumeExtent& extent, GLenum internalFormat) {
-  glTexImage3D(GL_PROXY_TEXTURE_3D, 0, static_cast<GLint>(internalFormat), static_cast<GLsizei>(extent.depth),
-               static_cast<GLsizei>(extent.a_scans), static_cast<GLsizei>(extent.b_scans), 0, GL_RED,
-               GL_FLOAT, nullptr);
+bool proxy_accepts(const VolumeExtent& extent, GLenum internal_format) {
+  glTexImage3D(GL_PROXY_TEXTURE_3D, 0, static_cast<GLint>(internal_format),
+               static_cast<GLsizei>(extent.depth), static_cast<GLsizei>(extent.a_scans),
+               static_cast<GLsizei>(extent.b_scans), 0, GL_RED, GL_FLOAT, nullptr);
   GLint depth = 0;
   glGetTexLevelParameteriv(GL_PROXY_TEXTURE_3D, 0, GL_TEXTURE_WIDTH, &depth);
   return depth == extent.depth;
 }
 
-std::string memoryText(const VolumeExtent& extent, GLenum internalFormat) {
-  return "A volume of " + textOf(extent) + " voxels needs a texture of " +
-         std::to_string(megabytes(extent, internalFormat)) + " MB, ";
+std::string memory_text(const VolumeExtent& extent, GLenum internal_format) {
+  return "A volume of " + text_of(extent) + " voxels needs a texture of " +
+         std::to_string(megabytes(extent, internal_format)) + " MB, ";
 }
 
 }  // namespace
 
-void Texture3D::require(const VolumeExtent& extent, GLenum internalFormat) {
+void Texture3D::require(const VolumeExtent& extent, GLenum internal_format) {
   if (extent.depth < 0 || extent.a_scans < 0 || extent.b_scans < 0) {
     throw std::invalid_argument("Volume sizes must not be negative. ");
   }
   GLint limit = 0;
   glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &limit);
   if (extent.depth > limit || extent.a_scans > limit || extent.b_scans > limit) {
-    throw std::invalid_argument("A volume of " + textOf(extent) +
+    throw std::invalid_argument("A volume of " + text_of(extent) +
                                 " voxels is too large: this OpenGL driver allows " + std::to_string(limit) +
                                 " voxels along each axis. ");
   }
-  if (!extent.empty() && !proxyAccepts(extent, internalFormat)) {
+  if (!extent.empty() && !proxy_accepts(extent, internal_format)) {
     glGetError();  // some drivers raise an error for an impossible proxy; this exception says it all
-    throw std::invalid_argument(memoryText(extent, internalFormat) + "more than this OpenGL driver allows. ");
+    throw std::invalid_argument(memory_text(extent, internal_format) +
+                                "more than this OpenGL driver allows. ");
   }
 }
 
-void Texture3D::allocate(const VolumeExtent& extent, GLenum internalFormat, const char* checkpoint,
+void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint,
                          const float* data) {
-  require(extent, internalFormat);
+  require(extent, internal_format);
   reset();
   Texture texture = Texture::create();
   glActiveTexture(GL_TEXTURE0);
@@ -68,8 +69,8 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internalFormat, cons
   for (const GLenum filter : filters) glTexParameteri(GL_TEXTURE_3D, filter, GL_LINEAR);
   for (const GLenum wrap : wraps) glTexParameteri(GL_TEXTURE_3D, wrap, GL_CLAMP_TO_EDGE);
   glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAX_LEVEL, 0);
-  resetPixelUnpack();
-  glTexImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(internalFormat), static_cast<GLsizei>(extent.depth),
+  reset_pixel_unpack();
+  glTexImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(internal_format), static_cast<GLsizei>(extent.depth),
                static_cast<GLsizei>(extent.a_scans), static_cast<GLsizei>(extent.b_scans), 0, GL_RED,
                GL_FLOAT, data);
   if (!data && !extent.empty()) {
@@ -85,7 +86,7 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internalFormat, cons
     while (glGetError() != GL_NO_ERROR) {
     }
     glBindTexture(GL_TEXTURE_3D, 0);
-    throw std::runtime_error(std::string(error.what()) + " " + memoryText(extent, internalFormat) +
+    throw std::runtime_error(std::string(error.what()) + " " + memory_text(extent, internal_format) +
                              "which the driver could not provide. ");
   }
   texture_ = std::move(texture);
@@ -97,8 +98,8 @@ void Texture3D::bind() const {
   glBindTexture(GL_TEXTURE_3D, texture_.get());
 }
 
-void Texture3D::uploadBScans(std::int64_t first, std::int64_t count, const float* data) const {
-  resetPixelUnpack();
+void Texture3D::upload_b_scans(std::int64_t first, std::int64_t count, const float* data) const {
+  reset_pixel_unpack();
   const std::int64_t voxels = extent_.depth * extent_.a_scans;
   for (std::int64_t k = 0; k < count; ++k) {
     glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, static_cast<GLint>(first + k),

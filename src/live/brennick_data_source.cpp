@@ -42,7 +42,7 @@ std::system_error deadlock() {
   return std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
 }
 
-Exception alreadyRunning() {
+Exception already_running() {
   return Exception("BrennickDataSource already running");
 }
 
@@ -62,10 +62,10 @@ BrennickDataSource::~BrennickDataSource() {
 }
 
 std::unique_lock<std::mutex> BrennickDataSource::lock_idle() {
-  if (running_) throw alreadyRunning();
+  if (running_) throw already_running();
   if (on_own_thread()) throw deadlock();
   std::unique_lock lock(thread_mutex_, std::try_to_lock);
-  if (!lock || !idle()) throw alreadyRunning();
+  if (!lock || !idle()) throw already_running();
   return lock;
 }
 
@@ -186,7 +186,7 @@ void BrennickDataSource::thread() {
   const RawDataHandle raw = sdk().createRawData();
   const DataHandle data = sdk().createData();
   const DataHandle analog = analog_input_ ? sdk().createData() : nullptr;
-  ScopeExit cleanUp([&] {
+  ScopeExit clean_up([&] {
     sdk().stopMeasurement(device_);
     if (raw) sdk().clearRawData(raw);
     if (data) sdk().clearData(data);
@@ -209,11 +209,11 @@ void BrennickDataSource::thread() {
   const Geometry geometry = data ? read_geometry(data) : Geometry();
   if (running_) {
     switch (prepare_rendering(geometry, analog)) {
-      case Preparation::noRenderer:
+      case Preparation::no_renderer:
         report_error(
             "Renderer not available for fast volume rendering. Please specify a volume rendering object.");
         // The measurement goes on, and the source counts as running, until the client stops it.
-        cleanUp.dismiss();
+        clean_up.dismiss();
         return;
       case Preparation::stopped:
         break;
@@ -264,7 +264,7 @@ BrennickDataSource::Preparation BrennickDataSource::prepare_rendering(const Geom
       rendering.set_secondary_data(values, sdk().getDataPropertyInt(analog, OCT_DATA_SIZE_1));
     }
     rendering.start();
-    if (!rendering.get_renderer()) return Preparation::noRenderer;
+    if (!rendering.get_renderer()) return Preparation::no_renderer;
     set_range(geometry);
     rendering.invalidate();
   }
@@ -277,7 +277,7 @@ BrennickDataSource::Preparation BrennickDataSource::prepare_rendering(const Geom
 void BrennickDataSource::set_range(const Geometry& geometry) const {
   VolumeRenderer* const renderer = live_renderer_.load()->get_renderer();
   if (!renderer || geometry.acquired.depth < 1) return;  // nothing was acquired that could have an extent
-  renderer->setRange(geometry.depth_range, geometry.lateral_range1, geometry.lateral_range2);
+  renderer->set_range(geometry.depth_range, geometry.lateral_range1, geometry.lateral_range2);
 }
 
 void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) const {
@@ -286,14 +286,14 @@ void BrennickDataSource::copy_data(DataHandle data, const Geometry& geometry) co
   VolumeRenderer* const renderer = rendering ? rendering->get_renderer() : nullptr;
   if (!renderer) return;
   // Where they do not fit, another source has started on the same live renderer.
-  if (renderer->settings().renderVolume && rendering->get_size() == geometry.kept) {
+  if (renderer->settings().render_volume && rendering->get_size() == geometry.kept) {
     WriteBuffer buffer(*rendering);
     if (buffer.data() && rendering->get_size() == geometry.kept &&
         copy_volume(data, geometry, buffer.data())) {
       buffer.filled();
     }
   }
-  if (renderer->settings().renderSurface) copy_surface(data, *renderer);
+  if (renderer->settings().render_surface) copy_surface(data, *renderer);
 }
 
 // False when the device gives no samples, which it has reported.
@@ -320,20 +320,20 @@ bool BrennickDataSource::copy_volume(DataHandle data, const Geometry& geometry, 
   }
   const float* const source = sdk().getDataPtr(data);
   if (!source) return false;
-  vec::cropCopy(destination, source, a_scans, static_cast<std::size_t>(acquired.depth), depth);
+  vec::crop_copy(destination, source, a_scans, static_cast<std::size_t>(acquired.depth), depth);
   return true;
 }
 
 void BrennickDataSource::copy_surface(DataHandle data, VolumeRenderer& renderer) const {
   const DataHandle surface = sdk().createData();
   if (!surface) return;
-  const ScopeExit cleanUp([&] { sdk().clearData(surface); });
+  const ScopeExit clean_up([&] { sdk().clearData(surface); });
   sdk().determineSurface(data, surface);
   const int width = sdk().getDataPropertyInt(surface, OCT_DATA_SIZE_1);
   const int height = sdk().getDataPropertyInt(surface, OCT_DATA_SIZE_2);
   const auto scale = static_cast<float>(sdk().getDataPropertyFloat(data, OCT_DATA_RANGE_1));
   const float* const depths = sdk().getDataPtr(surface);
-  if (depths) renderer.setSurface(width, height, scale, depths);
+  if (depths) renderer.set_surface(width, height, scale, depths);
 }
 
 }  // namespace oct

@@ -39,8 +39,8 @@ class BrennickDataSource {
   // Waits for the acquisition thread. On the thread itself, where a client's callbacks run, it asks the
   // thread to end and throws std::system_error (resource_deadlock_would_occur).
   void stop();
-  // Waits for a thread that has been asked to end or ends by itself; for no other, and not on the thread
-  // itself.
+  // Waits for a thread that has been asked to end or ends by itself; for no
+  // other, and not on the thread itself.
   void await_end();
 
   // An empty callback removes the one before, which may be running when this returns.
@@ -69,7 +69,7 @@ class BrennickDataSource {
 
   // Requests initialisation of the live renderer and waits for the rendering thread. Otherwise, when the
   // source was stopped or there is no volume renderer, it returns so at once.
-  enum class Preparation { done, stopped, noRenderer };
+  enum class Preparation { done, stopped, no_renderer };
   Preparation prepare_rendering(const Geometry& geometry, DataHandle analog);
 
   void set_range(const Geometry& geometry) const;

@@ -10,7 +10,7 @@ namespace oct {
 namespace {
 
 bool is_polarization(PolarizationOutput output) {
-  return output >= PolarizationOutput::intensity && output <= PolarizationOutput::stokesV;
+  return output >= PolarizationOutput::intensity && output <= PolarizationOutput::stokes_v;
 }
 
 bool is_drawn(PolarizationOutput output) {
@@ -92,7 +92,7 @@ void BrennickDataSource_PS::clear_volumes(const Volumes& volumes) const {
 void BrennickDataSource_PS::thread() {
   const TimingMark mark("BrennickDataSource_PS::thread");
   const Volumes volumes = create_volumes();
-  const ScopeExit cleanUp([&] {
+  const ScopeExit clean_up([&] {
     sdk().stopMeasurement(device_);
     clear_volumes(volumes);
   });
@@ -109,7 +109,7 @@ void BrennickDataSource_PS::thread() {
   const Geometry geometry = volumes.data ? read_geometry(volumes.data) : Geometry();
   if (running_) {
     switch (prepare_rendering(geometry, nullptr)) {
-      case Preparation::noRenderer:
+      case Preparation::no_renderer:
         // Nothing could be drawn before the client sets a renderer and starts again.
         running_ = false;
         report_error("Volume renderer is null in BrennickDataSourcePS");
@@ -169,15 +169,15 @@ void BrennickDataSource_PS::set_output(PolarizationOutput output, DataHandle dat
       return ps().setPolarizationOutputI(ps_processing_, data);
     case PolarizationOutput::retardation:
       return ps().setPolarizationOutputRetardation(ps_processing_, data);
-    case PolarizationOutput::opticAxis:
+    case PolarizationOutput::optic_axis:
       return ps().setPolarizationOutputOpticAxis(ps_processing_, data);
     case PolarizationOutput::dopu:
       return ps().setPolarizationOutputDOPU(ps_processing_, data);
-    case PolarizationOutput::stokesQ:
+    case PolarizationOutput::stokes_q:
       return ps().setPolarizationOutputQ(ps_processing_, data);
-    case PolarizationOutput::stokesU:
+    case PolarizationOutput::stokes_u:
       return ps().setPolarizationOutputU(ps_processing_, data);
-    case PolarizationOutput::stokesV:
+    case PolarizationOutput::stokes_v:
       return ps().setPolarizationOutputV(ps_processing_, data);
     case PolarizationOutput::sensor0:
     case PolarizationOutput::sensor1:

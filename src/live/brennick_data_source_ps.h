@@ -8,11 +8,11 @@ namespace oct {
 enum class PolarizationOutput : std::int32_t {
   intensity = 0,
   retardation = 1,
-  opticAxis = 2,
+  optic_axis = 2,
   dopu = 3,
-  stokesQ = 4,
-  stokesU = 5,
-  stokesV = 6,
+  stokes_q = 4,
+  stokes_u = 5,
+  stokes_v = 6,
   sensor0 = 7,  // plain intensity, without polarization processing
   sensor1 = 8
   // All others: volumes are acquired and nothing is made of them.

@@ -22,15 +22,16 @@ SharedLibrary load(const std::string& name) {
   try {
     return SharedLibrary(name);
   } catch (const std::runtime_error& error) {
-    throw std::runtime_error("The device library \"" + name + "\" could not be loaded: " + error.what() + " ");
+    throw std::runtime_error("The device library \"" + name + "\" could not be loaded: " + error.what() +
+                             " ");
   }
 }
 
-std::shared_ptr<const DeviceLibrary> boundLibrary(const std::string& name) {
+std::shared_ptr<const DeviceLibrary> bound_library(const std::string& name) {
   const SharedLibrary module = load(name);
   auto library = std::make_shared<DeviceLibrary>();
   library->name = name;
-  std::string& lacking = library->missingPolarizationFunction;
+  std::string& lacking = library->missing_polarization_function;
 #define OCT_BIND(function) \
   if (!find(module, #function, library->standard.function)) throw missing(name, #function);
   OCT_STANDARD_DEVICE_FUNCTIONS(OCT_BIND)
@@ -45,7 +46,7 @@ std::shared_ptr<const DeviceLibrary> boundLibrary(const std::string& name) {
 // The interface has no object that could hold the choice: it is made before the first source exists.
 class Binding {
  public:
-  void setName(std::string name) {
+  void set_name(std::string name) {
     const std::lock_guard lock(mutex_);
     if (name == name_) return;
     name_ = std::move(name);
@@ -54,7 +55,7 @@ class Binding {
 
   std::shared_ptr<const DeviceLibrary> library() {
     const std::lock_guard lock(mutex_);
-    if (!library_) library_ = boundLibrary(name_);
+    if (!library_) library_ = bound_library(name_);
     return library_;
   }
 
@@ -71,15 +72,15 @@ Binding& binding() {
 
 }  // namespace
 
-void DeviceLibrary::requirePolarization() const {
-  if (!missingPolarizationFunction.empty()) throw missing(name, missingPolarizationFunction);
+void DeviceLibrary::require_polarization() const {
+  if (!missing_polarization_function.empty()) throw missing(name, missing_polarization_function);
 }
 
-void setDeviceLibraryName(const char* nameOrPath) {
-  binding().setName(nameOrPath && *nameOrPath ? nameOrPath : "oct_device");
+void set_device_library_name(const char* name_or_path) {
+  binding().set_name(name_or_path && *name_or_path ? name_or_path : "oct_device");
 }
 
-std::shared_ptr<const DeviceLibrary> deviceLibrary() {
+std::shared_ptr<const DeviceLibrary> device_library() {
   return binding().library();
 }
 

@@ -7,8 +7,8 @@
 #include "core/exception.h"
 #include "core/log.h"
 #include "core/object_lock.h"
-#include "gl/opengl_error.h"
 #include "gl/context/opengl_loader.h"
+#include "gl/opengl_error.h"
 #include "live/upload_rate.h"
 #include "volume/volume_renderer.h"
 
@@ -55,7 +55,7 @@ VolumeExtent FastOpenGLVolumeRenderer::get_size() const {
 }
 
 void FastOpenGLVolumeRenderer::set_secondary_data(const float* data, std::int32_t width) {
-  hand_over_.setSecondary(data, width);
+  hand_over_.set_secondary(data, width);
 }
 
 void FastOpenGLVolumeRenderer::start() {
@@ -70,11 +70,11 @@ void FastOpenGLVolumeRenderer::invalidate() {
 
 void FastOpenGLVolumeRenderer::stop() {
   log() << "Stop called";
-  transition_.requestStop();
+  transition_.request_stop();
 }
 
 float* FastOpenGLVolumeRenderer::get_data_ptr() {
-  if (!hand_over_.waitForBuffer()) {
+  if (!hand_over_.wait_for_buffer()) {
     log() << "FastOpenGLVolumeRenderer::get_data_ptr(): WAIT_TIMEOUT on ptr_event";
     ++dropped_;
     return nullptr;
@@ -93,68 +93,68 @@ void FastOpenGLVolumeRenderer::update() {
 void FastOpenGLVolumeRenderer::render() {
   const Transition::Request request = transition_.observe();
   if (request.state == LiveState::stopped) return;
-  gl::requireOpenGL();
+  gl::require_opengl();
   switch (request.state) {
     case LiveState::initialize:
     case LiveState::invalidated:
-      return renderStart(request);
-    case LiveState::deinitializeRequested:
-      return renderStop(request);
+      return render_start(request);
+    case LiveState::deinitialize_requested:
+      return render_stop(request);
     case LiveState::running:
-      return renderRunning();
+      return render_running();
     case LiveState::stopped:
       return;
   }
 }
 
-void FastOpenGLVolumeRenderer::renderStart(const Transition::Request& request) {
+void FastOpenGLVolumeRenderer::render_start(const Transition::Request& request) {
   close();
   initialize();
   gl::throwOnGLError("FastOpenGLVolumeRenderer::render, Invalidated || Initialize");
-  transition_.completeStart(request);
+  transition_.complete_start(request);
 }
 
-void FastOpenGLVolumeRenderer::renderStop(const Transition::Request& request) {
+void FastOpenGLVolumeRenderer::render_stop(const Transition::Request& request) {
   log() << "De-Initializing!";
   close();
-  transition_.completeStop(request);
+  transition_.complete_stop(request);
   gl::throwOnGLError("FastOpenGLVolumeRenderer::render, Deinitialize");
 }
 
-void FastOpenGLVolumeRenderer::renderRunning() {
+void FastOpenGLVolumeRenderer::render_running() {
   log() << "Rendering: ";
   if (hand_over_.filled()) {
-    takeVolume();
+    take_volume();
   } else if (!hand_over_.mapped()) {
-    lendBuffer();
+    lend_buffer();
   }
   draw();
   const Transition::Request meanwhile = transition_.observe();
-  if (meanwhile.state == LiveState::deinitializeRequested) {
+  if (meanwhile.state == LiveState::deinitialize_requested) {
     close();
-    transition_.completeStop(meanwhile);
+    transition_.complete_stop(meanwhile);
   }
   gl::throwOnGLError("FastOpenGLVolumeRenderer::render");
 }
 
 // The buffer whose turn comes now is mapped in the next frame, after the driver had time to read this one.
-void FastOpenGLVolumeRenderer::takeVolume() {
+void FastOpenGLVolumeRenderer::take_volume() {
   log() << "FastOpenGLVolumeRenderer::render(): Updating data...  ";
   log() << "FastOpenGLVolumeRenderer::render(): ptr invalidated. ";
   if (upload_.upload()) {
     uploaded_ = !upload_.extent().empty();
-    upload_.uploadSecondary(hand_over_.secondary());
+    upload_.upload_secondary(hand_over_.secondary());
     ++drawn_;
   } else {
     log() << "FastOpenGLVolumeRenderer::render(): the driver lost a volume. ";
     ++dropped_;
   }
-  fps_ = measureUploadRate();
+  fps_ = measure_upload_rate();
   hand_over_.taken();
   gl::throwOnGLError("FastOpenGLVolumeRenderer::render, do_update");
 }
 
-void FastOpenGLVolumeRenderer::lendBuffer() {
+void FastOpenGLVolumeRenderer::lend_buffer() {
   log() << "Invalid Ptr...";
   float* const data = upload_.map();
   if (!data) {
@@ -176,10 +176,10 @@ void FastOpenGLVolumeRenderer::draw() {
   VolumeSource source = renderer->source();
   // Until the first volume has come the texture holds what the driver left in it.
   source.volume = uploaded_ ? upload_.volume() : 0;
-  source.sliceCount = static_cast<int>(upload_.extent().a_scans);
-  source.filledFraction = 1.0F;
+  source.slice_count = static_cast<int>(upload_.extent().a_scans);
+  source.filled_fraction = 1.0F;
   if (!hand_over_.mapped()) ++source.revision;  // the texture was just replaced
-  renderer->setSource(source);
+  renderer->set_source(source);
   renderer->render();
 }
 
@@ -188,25 +188,25 @@ void FastOpenGLVolumeRenderer::initialize() {
   if (VolumeRenderer* const renderer = volume_renderer_) {
     const ObjectLock lock(renderer);
     VolumeSource source = renderer->source();
-    source.filledFraction = 1.0F;
-    renderer->setSource(source);
+    source.filled_fraction = 1.0F;
+    renderer->set_source(source);
   }
   upload_.allocate(stored);
-  hand_over_.setExtent(stored);
-  if (const std::int32_t width = hand_over_.secondaryWidth(); width > 0) {
-    upload_.allocateSecondary();
+  hand_over_.set_extent(stored);
+  if (const std::int32_t width = hand_over_.secondary_width(); width > 0) {
+    upload_.allocate_secondary();
     if (VolumeRenderer* const renderer = volume_renderer_) {
       const ObjectLock lock(renderer);
       VolumeSource source = renderer->source();
       source.secondary = upload_.secondary();
-      source.secondarySliceCount = width;
-      renderer->setSource(source);
+      source.secondary_slice_count = width;
+      renderer->set_source(source);
     }
   }
   log() << "Initializing with sizes: " << stored.depth << " x " << stored.a_scans << " x " << stored.b_scans;
-  float* const data = upload_.mapFresh();
+  float* const data = upload_.map_fresh();
   if (!hand_over_.offer(data)) {
-    writeError("Could not set event.");
+    write_error("Could not set event.");
     log() << "FastOpenGLVolumeRenderer::initialize(): SetEvent failed. ";
     throw Exception("Could not set event");
   }
@@ -218,14 +218,14 @@ void FastOpenGLVolumeRenderer::close() {
   log() << "FastOpenGLVolumeRenderer::close(): ResetEvent";
   if (mapped) upload_.unmap();
   log() << "Closing renderer. ";
-  forgetTextures();
+  forget_textures();
   upload_.release();
   uploaded_ = false;
   gl::throwOnGLError("FastOpenGLVolumeRenderer::close");
 }
 
 // The volume renderer may draw something else next, and OpenGL may give the names to somebody else.
-void FastOpenGLVolumeRenderer::forgetTextures() {
+void FastOpenGLVolumeRenderer::forget_textures() {
   VolumeRenderer* const renderer = volume_renderer_;
   if (!renderer) return;
   const ObjectLock lock(renderer);
@@ -233,9 +233,9 @@ void FastOpenGLVolumeRenderer::forgetTextures() {
   if (source.volume == upload_.volume()) source.volume = 0;
   if (source.secondary == upload_.secondary()) {
     source.secondary = 0;
-    source.secondarySliceCount = 0;
+    source.secondary_slice_count = 0;
   }
-  renderer->setSource(source);
+  renderer->set_source(source);
 }
 
 }  // namespace oct

@@ -45,7 +45,7 @@ class FastOpenGLVolumeRenderer {
 
   float* get_data_ptr();  // the buffer for the next volume; null if none is free within 100 ms
   void update();          // the buffer is filled
-  void discard() { hand_over_.giveBack(); }  // it goes back without a volume, because filling it failed
+  void discard() { hand_over_.give_back(); }  // it goes back without a volume, because filling it failed
 
   // Volumes since construction. Any thread, never waits.
   struct VolumeCounts {
@@ -59,13 +59,13 @@ class FastOpenGLVolumeRenderer {
   void initialize();
   void close();
 
-  void renderStart(const Transition::Request& request);
-  void renderStop(const Transition::Request& request);
-  void renderRunning();
-  void takeVolume();
-  void lendBuffer();
+  void render_start(const Transition::Request& request);
+  void render_stop(const Transition::Request& request);
+  void render_running();
+  void take_volume();
+  void lend_buffer();
   void draw();
-  void forgetTextures();
+  void forget_textures();
 
   Transition transition_;
   VolumeHandOver hand_over_;

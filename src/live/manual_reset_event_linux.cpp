@@ -1,7 +1,7 @@
+#include "live/manual_reset_event.h"
+
 #include <condition_variable>
 #include <mutex>
-
-#include "live/manual_reset_event.h"
 
 namespace oct {
 namespace {

@@ -1,6 +1,6 @@
-#include <windows.h>
-
 #include "live/manual_reset_event.h"
+
+#include <windows.h>
 
 namespace oct {
 namespace {

@@ -10,9 +10,9 @@ void Transition::request(LiveState state) {
   ++number_;
 }
 
-void Transition::requestStop() {
+void Transition::request_stop() {
   const std::lock_guard lock(mutex_);
-  state_ = LiveState::deinitializeRequested;
+  state_ = LiveState::deinitialize_requested;
   ++number_;
   if (!signalled_) promise_.set_value();
   signalled_ = true;
@@ -23,7 +23,7 @@ Transition::Request Transition::observe() const {
   return {state_, number_};
 }
 
-void Transition::completeStart(const Request& request) {
+void Transition::complete_start(const Request& request) {
   const std::lock_guard lock(mutex_);
   if (!current(request)) return;
   state_ = LiveState::running;
@@ -31,7 +31,7 @@ void Transition::completeStart(const Request& request) {
   signalled_ = true;
 }
 
-void Transition::completeStop(const Request& request) {
+void Transition::complete_stop(const Request& request) {
   const std::lock_guard lock(mutex_);
   if (current(request)) state_ = LiveState::stopped;
 }

@@ -11,7 +11,7 @@ namespace oct {
 enum class LiveState : std::uint32_t {
   initialize = 0,
   running = 1,
-  deinitializeRequested = 2,
+  deinitialize_requested = 2,
   stopped = 3,
   invalidated = 4
 };
@@ -29,15 +29,15 @@ class Transition {
   void request(LiveState state);
 
   // Releases whoever waits: without a rendering thread nobody else would.
-  void requestStop();
+  void request_stop();
 
   Request observe() const;
   LiveState state() const { return state_; }
 
   // Initialisation done: running, and the promise is kept. Throws std::future_error if it was kept before.
-  void completeStart(const Request& request);
+  void complete_start(const Request& request);
   // De-initialisation done: stopped. The promise was kept by the request.
-  void completeStop(const Request& request);
+  void complete_stop(const Request& request);
 
   // Blocks until the promise is kept. Throws std::future_error when a newer request abandons it, and when
   // somebody waits for it already.

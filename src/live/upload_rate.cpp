@@ -6,7 +6,7 @@
 
 namespace oct {
 
-double measureUploadRate() {
+double measure_upload_rate() {
   using Clock = std::chrono::steady_clock;
   static std::atomic<Clock::rep> last = Clock::now().time_since_epoch().count();
   const Clock::time_point now = Clock::now();

@@ -5,6 +5,6 @@ namespace oct {
 
 // Volumes per second by the wall clock, from the time since the last call of any renderer, in whole
 // milliseconds: infinite for less than one.
-double measureUploadRate();
+double measure_upload_rate();
 
 }  // namespace oct

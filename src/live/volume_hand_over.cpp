@@ -11,7 +11,7 @@ constexpr std::chrono::milliseconds patience{100};
 
 }  // namespace
 
-bool VolumeHandOver::waitForBuffer() {
+bool VolumeHandOver::wait_for_buffer() {
   return event_->wait(patience);
 }
 
@@ -24,7 +24,7 @@ float* VolumeHandOver::lend(const VolumeExtent& wanted) {
   return data_;
 }
 
-void VolumeHandOver::giveBack() {
+void VolumeHandOver::give_back() {
   {
     const std::lock_guard lock(mutex_);
     if (!lent_) return;
@@ -40,12 +40,12 @@ void VolumeHandOver::fill() {
   {
     const std::lock_guard lock(mutex_);
     if (!lent_) return;
-    data = secondaryData_;
-    filledSecondary_.width = data ? secondaryWidth_ : 0;
-    const std::int64_t aScans = extent_.a_scans * extent_.b_scans;
-    count = static_cast<std::size_t>(filledSecondary_.width * aScans);
+    data = secondary_data_;
+    filled_secondary_.width = data ? secondary_width_ : 0;
+    const std::int64_t a_scans = extent_.a_scans * extent_.b_scans;
+    count = static_cast<std::size_t>(filled_secondary_.width * a_scans);
   }
-  filledSecondary_.values.assign(data, data + count);
+  filled_secondary_.values.assign(data, data + count);
   {
     const std::lock_guard lock(mutex_);
     lent_ = false;
@@ -54,10 +54,10 @@ void VolumeHandOver::fill() {
   returned_.notify_all();
 }
 
-void VolumeHandOver::setSecondary(const float* data, std::int32_t width) {
+void VolumeHandOver::set_secondary(const float* data, std::int32_t width) {
   const std::lock_guard lock(mutex_);
-  secondaryData_ = data;
-  secondaryWidth_ = data ? std::max(width, 0) : 0;
+  secondary_data_ = data;
+  secondary_width_ = data ? std::max(width, 0) : 0;
 }
 
 bool VolumeHandOver::offer(float* data) {
@@ -93,14 +93,14 @@ bool VolumeHandOver::withdraw() {
   return std::exchange(data_, nullptr) != nullptr;
 }
 
-void VolumeHandOver::setExtent(const VolumeExtent& extent) {
+void VolumeHandOver::set_extent(const VolumeExtent& extent) {
   const std::lock_guard lock(mutex_);
   extent_ = extent;
 }
 
-std::int32_t VolumeHandOver::secondaryWidth() const {
+std::int32_t VolumeHandOver::secondary_width() const {
   const std::lock_guard lock(mutex_);
-  return secondaryWidth_;
+  return secondary_width_;
 }
 
 }  // namespace oct

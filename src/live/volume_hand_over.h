@@ -21,18 +21,18 @@ class VolumeHandOver {
 
   // For the acquisition thread.
 
-  bool waitForBuffer();  // at most 100 ms
+  bool wait_for_buffer();  // at most 100 ms
   // Free becomes lent. Null when the rendering thread took the buffer back meanwhile, and when its extent is
   // not the wanted one: then the initialisation for the new one is still to come.
   float* lend(const VolumeExtent& wanted);
-  void giveBack();  // lent becomes free
+  void give_back();  // lent becomes free
 
   // Lent becomes filled. The secondary values of the volume are copied: their owner writes the next ones
   // while this volume waits to be drawn.
   void fill();
 
   // `width` values for each A-scan; null: there are none.
-  void setSecondary(const float* data, std::int32_t width);
+  void set_secondary(const float* data, std::int32_t width);
 
   // For the rendering thread.
 
@@ -41,19 +41,19 @@ class VolumeHandOver {
   bool filled() const;
   void taken();  // the filled buffer was unmapped
 
-  // Takes the buffer back, after the producer has finished with it. Returns whether it was mapped; what it
-  // holds is lost.
+  // Takes the buffer back, after the producer has finished with it. Returns whether it was
+  // mapped; what it holds is lost.
   bool withdraw();
 
-  void setExtent(const VolumeExtent& extent);  // of the buffer; while it is unmapped
-  std::int32_t secondaryWidth() const;
+  void set_extent(const VolumeExtent& extent);  // of the buffer; while it is unmapped
+  std::int32_t secondary_width() const;
 
   struct Secondary {
     std::vector<float> values;  // none: the volume came without
     std::int32_t width = 0;
   };
   // Of the filled volume, valid until taken().
-  const Secondary& secondary() const { return filledSecondary_; }
+  const Secondary& secondary() const { return filled_secondary_; }
 
  private:
   const std::unique_ptr<ManualResetEvent> event_;
@@ -64,9 +64,9 @@ class VolumeHandOver {
   bool filled_ = false;
   bool withdrawing_ = false;
   VolumeExtent extent_;
-  const float* secondaryData_ = nullptr;
-  std::int32_t secondaryWidth_ = 0;
-  Secondary filledSecondary_;  // the producer's while the buffer is lent, else the rendering thread's
+  const float* secondary_data_ = nullptr;
+  std::int32_t secondary_width_ = 0;
+  Secondary filled_secondary_;  // the producer's while the buffer is lent, else the rendering thread's
 };
 
 }  // namespace oct

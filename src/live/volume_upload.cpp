@@ -7,7 +7,7 @@ namespace {
 
 constexpr GLenum format = GL_R32F;  // as the device delivers: a conversion would cost more than the copy
 
-void unbindBuffer() {
+void unbind_buffer() {
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
 }
 
@@ -23,10 +23,10 @@ void VolumeUpload::allocate(const VolumeExtent& extent) {
     buffer = gl::Buffer::create();
     respecify(buffer);
   }
-  unbindBuffer();
+  unbind_buffer();
 }
 
-void VolumeUpload::allocateSecondary() {
+void VolumeUpload::allocate_secondary() {
   if (!secondary_) secondary_ = gl::Texture::create();
   glBindTexture(GL_TEXTURE_3D, secondary_.get());
   for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER}) {
@@ -39,7 +39,7 @@ void VolumeUpload::allocateSecondary() {
 }
 
 void VolumeUpload::release() {
-  unbindBuffer();
+  unbind_buffer();
   glBindTexture(GL_TEXTURE_3D, 0);
   volume_.reset();
   for (gl::Buffer& buffer : buffers_) buffer.reset();
@@ -58,11 +58,11 @@ void VolumeUpload::respecify(const gl::Buffer& buffer) const {
 float* VolumeUpload::map() {
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
   auto* const data = static_cast<float*>(glMapBuffer(GL_PIXEL_UNPACK_BUFFER, GL_WRITE_ONLY));
-  unbindBuffer();
+  unbind_buffer();
   return data;
 }
 
-float* VolumeUpload::mapFresh() {
+float* VolumeUpload::map_fresh() {
   respecify(buffers_[current_]);
   return map();
 }
@@ -70,12 +70,12 @@ float* VolumeUpload::mapFresh() {
 void VolumeUpload::unmap() {
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
   glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER);
-  unbindBuffer();
+  unbind_buffer();
 }
 
 bool VolumeUpload::upload() {
   const VolumeExtent& extent = volume_.extent();
-  gl::resetPixelUnpack();
+  gl::reset_pixel_unpack();
   volume_.bind();
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
   const bool intact = glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER) == GL_TRUE;
@@ -84,16 +84,16 @@ bool VolumeUpload::upload() {
                     static_cast<GLsizei>(extent.a_scans), static_cast<GLsizei>(extent.b_scans), GL_RED,
                     GL_FLOAT, nullptr);
   }
-  unbindBuffer();
+  unbind_buffer();
   current_ = (current_ + 1) % buffers_.size();
   return intact;
 }
 
-void VolumeUpload::uploadSecondary(const VolumeHandOver::Secondary& secondary) {
+void VolumeUpload::upload_secondary(const VolumeHandOver::Secondary& secondary) {
   if (secondary.values.empty() || !secondary_) return;
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_3D, secondary_.get());
-  gl::resetPixelUnpack();
+  gl::reset_pixel_unpack();
   glTexImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(format), secondary.width,
                static_cast<GLsizei>(volume_.extent().a_scans), static_cast<GLsizei>(volume_.extent().b_scans),
                0, GL_RED, GL_FLOAT, secondary.values.data());

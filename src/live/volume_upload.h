@@ -13,20 +13,20 @@ class VolumeUpload {
  public:
   // New storage of undefined contents. Buffers must be unmapped.
   void allocate(const VolumeExtent& extent);
-  void allocateSecondary();
+  void allocate_secondary();
   void release();
 
   // Writable memory of the buffer whose turn it is; null when the driver gives none. A fresh mapping gives
   // the buffer new storage first, so that the driver never waits for what still reads the old one.
   float* map();
-  float* mapFresh();
+  float* map_fresh();
   // Gives the memory back to the driver, unused.
   void unmap();
 
   // Gives the memory back and copies it into the texture; the other buffer's turn comes. False when the
   // driver lost what was written, which leaves the texture as it was.
   bool upload();
-  void uploadSecondary(const VolumeHandOver::Secondary& secondary);
+  void upload_secondary(const VolumeHandOver::Secondary& secondary);
 
   GLuint volume() const { return volume_.get(); }
   GLuint secondary() const { return secondary_.get(); }

@@ -4,14 +4,15 @@
 
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
-#include "gl/opengl_error.h"
 #include "gl/context/opengl_loader.h"
+#include "gl/opengl_error.h"
 
 namespace oct {
 namespace {
 
-constexpr GLenum volumeFormat = GL_R16F;  // half the memory traffic of a ray; OCT intensities have fewer bits
-constexpr GLenum secondaryFormat = GL_R32F;
+// Half the memory traffic of a ray; OCT intensities have fewer bits.
+constexpr GLenum volume_format = GL_R16F;
+constexpr GLenum secondary_format = GL_R32F;
 
 void unbind() {
   glBindTexture(GL_TEXTURE_3D, 0);
@@ -32,15 +33,15 @@ OfflineVolumeRendering::~OfflineVolumeRendering() {
 
 // Changes what the renderer knows of the volume, between frames and setters of other threads.
 template <class Change>
-void OfflineVolumeRendering::changeSource(Change change) {
+void OfflineVolumeRendering::change_source(Change change) {
   if (!renderer_) return;
   const ObjectLock lock(renderer_);
   VolumeSource source = renderer_->source();
   change(source);
-  renderer_->setSource(source);
+  renderer_->set_source(source);
 }
 
-void OfflineVolumeRendering::setAspectRatio(float axial, float lateral1, float lateral2) {
+void OfflineVolumeRendering::set_aspect_ratio(float axial, float lateral1, float lateral2) {
   axial_ = axial;
   lateral1_ = lateral1;
   lateral2_ = lateral2;
@@ -49,129 +50,129 @@ void OfflineVolumeRendering::setAspectRatio(float axial, float lateral1, float l
 void OfflineVolumeRendering::allocate(const VolumeExtent& extent) {
   const TimingMark mark("allocating volume on GPU");
   if (!renderer_) throw std::invalid_argument("Attach a volume renderer before allocating a volume. ");
-  gl::requireOpenGL();
+  gl::require_opengl();
   if (volume_ && extent == volume_.extent()) return;
-  gl::Texture3D::require(extent, volumeFormat);
+  gl::Texture3D::require(extent, volume_format);
 
   const ObjectLock lock(renderer_);
-  changeSource([](VolumeSource& source) {
+  change_source([](VolumeSource& source) {
     source.volume = 0;
-    source.sliceCount = 0;
+    source.slice_count = 0;
     ++source.revision;
   });
   glEnable(GL_DEPTH_TEST);
   glDisable(GL_CULL_FACE);
-  volume_.allocate(extent, volumeFormat, "OfflineVolumeRendering::allocate, glTexImage3D");
-  changeSource([&](VolumeSource& source) {
+  volume_.allocate(extent, volume_format, "OfflineVolumeRendering::allocate, glTexImage3D");
+  change_source([&](VolumeSource& source) {
     source.volume = volume_.get();
-    source.sliceCount = static_cast<int>(extent.b_scans);
+    source.slice_count = static_cast<int>(extent.b_scans);
   });
   unbind();
   gl::throwOnGLError("OfflineVolumeRendering::allocate");
 }
 
-void OfflineVolumeRendering::requireVolume() const {
+void OfflineVolumeRendering::require_volume() const {
   if (!volume_) throw std::invalid_argument("Allocate a volume before uploading one. ");
 }
 
-void OfflineVolumeRendering::requireBScans(std::int64_t first, std::int64_t end) const {
-  requireVolume();
+void OfflineVolumeRendering::require_b_scans(std::int64_t first, std::int64_t end) const {
+  require_volume();
   if (first < 0 || end < first || end > volume_.extent().b_scans) {
     throw std::invalid_argument("The slices lie outside the allocated volume. ");
   }
 }
 
-void OfflineVolumeRendering::volumeFilled(float fraction) {
+void OfflineVolumeRendering::volume_filled(float fraction) {
   if (!renderer_) return;
   const ObjectLock lock(renderer_);
-  changeSource([fraction](VolumeSource& source) {
-    source.filledFraction = fraction;
+  change_source([fraction](VolumeSource& source) {
+    source.filled_fraction = fraction;
     ++source.revision;
   });
-  renderer_->setRenderElements(true, false);
+  renderer_->set_render_elements(true, false);
 }
 
 void OfflineVolumeRendering::upload(const float* volume) {
   const TimingMark mark("upload offline volume");
   if (!volume) throw std::invalid_argument("Volume data must not be null. ");
-  gl::requireOpenGL();
-  requireVolume();
+  gl::require_opengl();
+  require_volume();
   volume_.bind();
-  volume_.uploadBScans(0, volume_.extent().b_scans, volume);
+  volume_.upload_b_scans(0, volume_.extent().b_scans, volume);
   unbind();
-  volumeFilled(1.0F);
+  volume_filled(1.0F);
   gl::throwOnGLError("OfflineVolumeRendering::upload");
 }
 
-void OfflineVolumeRendering::uploadSubVolume(int first, int end, const float* block) {
+void OfflineVolumeRendering::upload_sub_volume(int first, int end, const float* block) {
   const TimingMark mark("partial upload offline volume");
-  if (!block) return changeSource([](VolumeSource& source) { source.filledFraction = 0.0F; });
-  gl::requireOpenGL();
-  requireBScans(first, end);
+  if (!block) return change_source([](VolumeSource& source) { source.filled_fraction = 0.0F; });
+  gl::require_opengl();
+  require_b_scans(first, end);
   volume_.bind();
-  volume_.uploadBScans(first, end - first, block);
+  volume_.upload_b_scans(first, end - first, block);
   unbind();
   if (volume_.extent().b_scans > 0) {
-    volumeFilled(static_cast<float>(end) / static_cast<float>(volume_.extent().b_scans));
+    volume_filled(static_cast<float>(end) / static_cast<float>(volume_.extent().b_scans));
   }
   gl::throwOnGLError("OfflineVolumeRendering::upload");
 }
 
-void OfflineVolumeRendering::uploadSlice(int index, const float* slice) {
+void OfflineVolumeRendering::upload_slice(int index, const float* slice) {
   const TimingMark mark("single slice upload offline volume");
   if (!slice) throw std::invalid_argument("Slice data must not be null. ");
-  gl::requireOpenGL();
-  requireBScans(index, std::int64_t{index} + 1);
+  gl::require_opengl();
+  require_b_scans(index, std::int64_t{index} + 1);
   volume_.bind();
-  volume_.uploadBScans(index, 1, slice);
+  volume_.upload_b_scans(index, 1, slice);
   unbind();
-  volumeFilled(static_cast<float>(index) / static_cast<float>(volume_.extent().b_scans));
+  volume_filled(static_cast<float>(index) / static_cast<float>(volume_.extent().b_scans));
   gl::throwOnGLError("OfflineVolumeRendering::upload");
 }
 
-void OfflineVolumeRendering::uploadOverlay(const float* volume) {
-  gl::requireOpenGL();
+void OfflineVolumeRendering::upload_overlay(const float* volume) {
+  gl::require_opengl();
   if (!volume) {
     const TimingMark mark("OfflineVolumeRendering::free_overlay");
     overlay_.reset();
     return;
   }
-  requireVolume();
+  require_volume();
   if (!overlay_ || overlay_.extent() != volume_.extent()) {
     const TimingMark mark("OfflineVolumeRendering::allocate_overlay");
-    overlay_.allocate(volume_.extent(), volumeFormat, "OfflineVolumeRendering::allocate_overlay");
+    overlay_.allocate(volume_.extent(), volume_format, "OfflineVolumeRendering::allocate_overlay");
   }
   const TimingMark mark("OfflineVolumeRendering::upload_overlay");
   overlay_.bind();
-  overlay_.uploadBScans(0, overlay_.extent().b_scans, volume);
+  overlay_.upload_b_scans(0, overlay_.extent().b_scans, volume);
   unbind();
-  changeSource([](VolumeSource& source) { ++source.revision; });  // the overlay may be what is shown
+  change_source([](VolumeSource& source) { ++source.revision; });  // the overlay may be what is shown
   gl::throwOnGLError("OfflineVolumeRendering::upload_overlay");
 }
 
-void OfflineVolumeRendering::freeSecondary() {
+void OfflineVolumeRendering::free_secondary() {
   const TimingMark mark("OfflineVolumeRendering::free_secondary_texture");
   secondary_.reset();
-  changeSource([](VolumeSource& source) {
+  change_source([](VolumeSource& source) {
     source.secondary = 0;
-    source.secondarySliceCount = 0;
+    source.secondary_slice_count = 0;
   });
 }
 
-void OfflineVolumeRendering::uploadSecondaryData(const SecondaryBlock& block) {
+void OfflineVolumeRendering::upload_secondary_data(const SecondaryBlock& block) {
   const TimingMark mark("OfflineVolumeRendering::upload_secondary_data");
   if (!renderer_) throw std::invalid_argument("The specified VolumeRendererHandle is invalid. ");
-  gl::requireOpenGL();
-  if (!block.data) return freeSecondary();
+  gl::require_opengl();
+  if (!block.data) return free_secondary();
   const VolumeExtent& extent = block.extent;
-  gl::Texture3D::require(extent, secondaryFormat);
+  gl::Texture3D::require(extent, secondary_format);
   if (std::int64_t{block.first} + block.count > extent.b_scans) {
     throw std::invalid_argument("The secondary data lies outside its texture. ");
   }
   const bool whole = block.first == 0 && block.count == extent.b_scans;
   if (block.first == 0) {
-    freeSecondary();
-    secondary_.allocate(extent, secondaryFormat, "OfflineVolumeRendering::upload_secondary_data",
+    free_secondary();
+    secondary_.allocate(extent, secondary_format, "OfflineVolumeRendering::upload_secondary_data",
                         whole ? block.data : nullptr);
     glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_S, GL_REPEAT);
   } else if (!secondary_ || secondary_.extent() != extent) {
@@ -179,13 +180,13 @@ void OfflineVolumeRendering::uploadSecondaryData(const SecondaryBlock& block) {
   } else {
     secondary_.bind();
   }
-  if (!whole) secondary_.uploadBScans(block.first, block.count, block.data);
+  if (!whole) secondary_.upload_b_scans(block.first, block.count, block.data);
   unbind();
   gl::throwOnGLError("OfflineVolumeRendering::upload_secondary_data");
 
-  changeSource([&](VolumeSource& source) {
+  change_source([&](VolumeSource& source) {
     source.secondary = secondary_.get();
-    source.secondarySliceCount = static_cast<int>(extent.depth);
+    source.secondary_slice_count = static_cast<int>(extent.depth);
   });
 }
 
@@ -196,29 +197,29 @@ void OfflineVolumeRendering::render(Content content) {
   }
   if (!renderer_) return;
   const ObjectLock lock(renderer_);  // no setter comes between the hand-over and the frame
-  renderer_->setRange(axial_, lateral1_, lateral2_);
-  renderer_->setSource(sourceOf(content));
+  renderer_->set_range(axial_, lateral1_, lateral2_);
+  renderer_->set_source(source_of(content));
   renderer_->render();
 }
 
-VolumeSource OfflineVolumeRendering::sourceOf(Content content) const {
+VolumeSource OfflineVolumeRendering::source_of(Content content) const {
   VolumeSource source = renderer_->source();
   source.volume = 0;
-  source.sliceCount = 0;
+  source.slice_count = 0;
   source.overlay = 0;
-  source.overlayPresent = false;
-  source.mainColormapIsOverlay = false;
+  source.overlay_present = false;
+  source.main_colormap_is_overlay = false;
   if (volume_.extent().empty()) return source;
-  source.sliceCount = static_cast<int>(volume_.extent().b_scans);
+  source.slice_count = static_cast<int>(volume_.extent().b_scans);
   if (content == Content::overlay) {
     source.volume = overlay_.get();
-    source.mainColormapIsOverlay = true;
+    source.main_colormap_is_overlay = true;
     return source;
   }
   source.volume = volume_.get();
   if (content == Content::volume_and_overlay) {
     source.overlay = overlay_.get();
-    source.overlayPresent = static_cast<bool>(overlay_);
+    source.overlay_present = static_cast<bool>(overlay_);
   }
   return source;
 }

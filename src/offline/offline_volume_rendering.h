@@ -18,17 +18,18 @@ class OfflineVolumeRendering {
   OfflineVolumeRendering& operator=(const OfflineVolumeRendering&) = delete;
 
   // Not owned; null detaches.
-  void setRenderer(VolumeRenderer* renderer) { renderer_ = renderer; }
-  void setAspectRatio(float axial, float lateral1, float lateral2);
+  void set_renderer(VolumeRenderer* renderer) { renderer_ = renderer; }
+  void set_aspect_ratio(float axial, float lateral1, float lateral2);
 
   // Keeps volume and contents when the sizes are those it has.
   void allocate(const VolumeExtent& extent);
 
   void upload(const float* volume);
-  void uploadSubVolume(int first, int end, const float* block);  // B-scans; a null block empties the picture
-  void uploadSlice(int index, const float* slice);               // one B-scan
+  void upload_sub_volume(int first, int end,
+                         const float* block);        // B-scans; a null block empties the picture
+  void upload_slice(int index, const float* slice);  // one B-scan
 
-  void uploadOverlay(const float* volume);  // null frees the overlay
+  void upload_overlay(const float* volume);  // null frees the overlay
 
   // Null frees the secondary data. Its depth is the number of values of an A-scan.
   struct SecondaryBlock {
@@ -37,7 +38,7 @@ class OfflineVolumeRendering {
     std::uint32_t count = 0;
     const float* data = nullptr;
   };
-  void uploadSecondaryData(const SecondaryBlock& block);
+  void upload_secondary_data(const SecondaryBlock& block);
 
   enum class Content { volume = 0, overlay = 1, volume_and_overlay = 2 };
 
@@ -46,12 +47,12 @@ class OfflineVolumeRendering {
 
  private:
   template <class Change>
-  void changeSource(Change change);
-  void requireVolume() const;
-  void requireBScans(std::int64_t first, std::int64_t end) const;
-  void volumeFilled(float fraction);
-  void freeSecondary();
-  VolumeSource sourceOf(Content content) const;
+  void change_source(Change change);
+  void require_volume() const;
+  void require_b_scans(std::int64_t first, std::int64_t end) const;
+  void volume_filled(float fraction);
+  void free_secondary();
+  VolumeSource source_of(Content content) const;
 
   VolumeRenderer* renderer_ = nullptr;
   float axial_ = 0.0F;

@@ -3,8 +3,8 @@
 #include "texel.glsl"
 #include "colormap.glsl"
 
-in vec2 texCoord;
-out vec4 fragColor;
+in vec2 tex_coord;
+out vec4 frag_color;
 
 uniform sampler2D displayTex;
 uniform sampler1D colorTex;
@@ -17,7 +17,7 @@ uniform float gamma;       // set and not used: intensities stay as measured
 
 void main() {
   ivec2 last = ivec2(textureSize) - 1;
-  ivec2 texel = texelAt(texCoord, displaySize, last + 1);
+  ivec2 texel = texel_at(tex_coord, displaySize, last + 1);
   ivec2 box = ivec2(DPP);
   int count = box.x * box.y;
   ivec2 offset = ivec2(0);
@@ -29,5 +29,5 @@ void main() {
     if (offset.x == box.x) offset = ivec2(0, offset.y + 1);
   }
   float value = sum / float(count);
-  fragColor = colorOf(colorTex, (value - lowerValue) / (upperValue - lowerValue));
+  frag_color = color_of(colorTex, (value - lowerValue) / (upperValue - lowerValue));
 }

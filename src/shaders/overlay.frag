@@ -1,7 +1,7 @@
 #version 330 core
 
-in vec2 texCoord;
-out vec4 fragColor;
+in vec2 tex_coord;
+out vec4 frag_color;
 
 uniform sampler2D displayTex;
 uniform sampler2D overlayTex;
@@ -15,12 +15,12 @@ uniform vec2 displaySize;  // pixels
 #include "colormap.glsl"
 
 // Both images are looked up at their nearest sample.
-float sampleAt(sampler2D image) {
-  return texelFetch(image, texelAt(texCoord, displaySize, textureSize(image, 0)), 0).r;
+float sample_at(sampler2D image) {
+  return texelFetch(image, texel_at(tex_coord, displaySize, textureSize(image, 0)), 0).r;
 }
 
 void main() {
-  if (!(sampleAt(displayTex) >= threshold)) discard;
-  float value = sampleAt(overlayTex);
-  fragColor = colorOf(colorTex, (value - lowerValue) / (upperValue - lowerValue));
+  if (!(sample_at(displayTex) >= threshold)) discard;
+  float value = sample_at(overlayTex);
+  frag_color = color_of(colorTex, (value - lowerValue) / (upperValue - lowerValue));
 }

@@ -1,24 +1,24 @@
 #include "volume/volume_renderer.h"
 
-#include <glm/gtc/type_ptr.hpp>
-
 #include <array>
+
+#include <glm/gtc/type_ptr.hpp>
 
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
-#include "gl/opengl_error.h"
 #include "gl/context/opengl_loader.h"
+#include "gl/opengl_error.h"
 
 namespace oct {
 namespace {
 
-Viewport currentViewport() {
+Viewport current_viewport() {
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());
   return {viewport[2], viewport[3]};
 }
 
-void setPolygonOffset(bool enabled, float factor, float units) {
+void set_polygon_offset(bool enabled, float factor, float units) {
   for (const GLenum kind : {GL_POLYGON_OFFSET_FILL, GL_POLYGON_OFFSET_LINE, GL_POLYGON_OFFSET_POINT}) {
     if (enabled) {
       glEnable(kind);
@@ -35,18 +35,18 @@ class FrameBindings {
   FrameBindings() = default;
   ~FrameBindings() {
     for (const GLint unit : {volume_unit::overlay, volume_unit::secondary, volume_unit::volume}) {
-      bindVolumeTexture(unit, GL_TEXTURE_3D, 0);
+      bind_volume_texture(unit, GL_TEXTURE_3D, 0);
     }
-    for (const GLint unit : {volume_unit::overlayColor, volume_unit::color2, volume_unit::color}) {
-      bindVolumeTexture(unit, GL_TEXTURE_1D, 0);
+    for (const GLint unit : {volume_unit::overlay_color, volume_unit::color2, volume_unit::color}) {
+      bind_volume_texture(unit, GL_TEXTURE_1D, 0);
     }
-    bindVolumeTexture(volume_unit::back, GL_TEXTURE_2D, 0);
+    bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, 0);
     glActiveTexture(GL_TEXTURE0);
     glUseProgram(0);
     glDisable(GL_BLEND);
     glDisable(GL_CULL_FACE);
     glDisable(GL_DEPTH_TEST);
-    setPolygonOffset(false, 0.0F, 0.0F);
+    set_polygon_offset(false, 0.0F, 0.0F);
     glClearDepth(1.0);
     glDepthFunc(GL_LESS);
     glDepthMask(GL_TRUE);
@@ -58,7 +58,7 @@ class FrameBindings {
 }  // namespace
 
 VolumeRenderer::VolumeRenderer() {
-  setSectionalView({Section{}, Section{}, Section{}});
+  set_sectional_view({Section{}, Section{}, Section{}});
 }
 
 VolumeRenderer::~VolumeRenderer() {
@@ -69,12 +69,12 @@ VolumeRenderer::~VolumeRenderer() {
 void VolumeRenderer::init() {
   const ObjectLock lock(this);
   const TimingMark mark("VolumeRenderer::init");
-  gl::requireOpenGL("Failed to initialize OpenGL.");
+  gl::require_opengl("Failed to initialize OpenGL.");
   release();
   try {
-    programs_.loadScene();
+    programs_.load_scene();
     raycaster_.create();
-    programs_.loadRaycasting();
+    programs_.load_raycasting();
     colormaps_.create();
     gl::throwOnGLError("VolumeRenderer::init");
   } catch (...) {
@@ -102,132 +102,132 @@ void VolumeRenderer::release() {
 void VolumeRenderer::render() {
   const ObjectLock lock(this);
   const TimingMark mark("VolumeRenderer::render");
-  gl::requireOpenGL();
+  gl::require_opengl();
   const FrameBindings bindings;
-  const VolumeFrame frame = beginFrame();
+  const VolumeFrame frame = begin_frame();
   if (frame.camera.viewport.width <= 0 || frame.camera.viewport.height <= 0) return;
-  colormaps_.uploadChanged();
-  clearTarget();
-  drawBackground();
-  beginDepth();
-  drawBox(frame);
-  drawBehindVolume(frame);
-  drawVolume(frame);
-  drawSurface(frame);
-  drawInFront(frame);
-  finishFrame();
+  colormaps_.upload_changed();
+  clear_target();
+  draw_background();
+  begin_depth();
+  draw_box(frame);
+  draw_behind_volume(frame);
+  draw_volume(frame);
+  draw_surface(frame);
+  draw_in_front(frame);
+  finish_frame();
 }
 
-VolumeFrame VolumeRenderer::beginFrame() {
+VolumeFrame VolumeRenderer::begin_frame() {
   const TimingMark mark("render: init");
-  VolumeFrame frame{settings_, source_, colormaps_, programs_, clipPlane_, {}, 1.0F};
-  frame.camera = cameraOf(settings_.view, settings_.range, currentViewport());
-  frame.filledEnd = filledEnd(source_.filledFraction, source_.sliceCount);
-  clipPlane_.update(settings_.view);
+  VolumeFrame frame{settings_, source_, colormaps_, programs_, clip_plane_, {}, 1.0F};
+  frame.camera = camera_of(settings_.view, settings_.range, current_viewport());
+  frame.filled_end = filled_end(source_.filled_fraction, source_.slice_count);
+  clip_plane_.update(settings_.view);
   gl::throwOnGLError("render: init");
   return frame;
 }
 
-void VolumeRenderer::clearTarget() {
+void VolumeRenderer::clear_target() {
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
   glClear(GL_COLOR_BUFFER_BIT);
   glClearDepth(0.0);
-  setPolygonOffset(false, 0.0F, 0.0F);
+  set_polygon_offset(false, 0.0F, 0.0F);
 }
 
-void VolumeRenderer::drawBackground() {
-  background_.setColors(settings_.backgroundBottom, settings_.backgroundTop);
+void VolumeRenderer::draw_background() {
+  background_.set_colors(settings_.background_bottom, settings_.background_top);
   background_.draw(programs_.background);
 }
 
 // Depth starts at the eye: what is drawn first is what lies farthest back.
-void VolumeRenderer::beginDepth() {
+void VolumeRenderer::begin_depth() {
   glDepthMask(GL_TRUE);
   glClear(GL_DEPTH_BUFFER_BIT);
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_GEQUAL);
-  setPolygonOffset(true, -1.0F, -4.0F);
+  set_polygon_offset(true, -1.0F, -4.0F);
 }
 
 // The far side of the box, in depth alone: what lies before it is drawn after it.
-void VolumeRenderer::drawBox(const VolumeFrame& frame) {
-  drawFarSide(frame);
-  if (frame.volumeShown()) elements_.drawTranslucent(frame, ElementPass::behind);
+void VolumeRenderer::draw_box(const VolumeFrame& frame) {
+  draw_far_side(frame);
+  if (frame.volume_shown()) elements_.draw_translucent(frame, ElementPass::behind);
 }
 
-void VolumeRenderer::drawFarSide(const VolumeFrame& frame) {
+void VolumeRenderer::draw_far_side(const VolumeFrame& frame) {
   const EmptyProgram& program = programs_.empty;
   program.use();
   glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
   glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
   glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
-  box_.draw(frame.boxFilled() ? frame.filledEnd : 1.0F);
+  box_.draw(frame.box_filled() ? frame.filled_end : 1.0F);
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
 }
 
-void VolumeRenderer::drawBehindVolume(const VolumeFrame& frame) {
+void VolumeRenderer::draw_behind_volume(const VolumeFrame& frame) {
   glDepthMask(GL_FALSE);
-  elements_.drawFrame(frame, ElementPass::behind);
-  if (!frame.volumeShown()) return;
-  if (settings_.renderingMode == RenderingMode::sectionalView) {
-    elements_.sectionalView.drawOutline(frame);
-  } else if (clipPlane_.enabled()) {
-    elements_.drawClipPlaneBorder(frame, ElementPass::behind);
+  elements_.draw_frame(frame, ElementPass::behind);
+  if (!frame.volume_shown()) return;
+  if (settings_.rendering_mode == RenderingMode::sectional_view) {
+    elements_.sectional_view.draw_outline(frame);
+  } else if (clip_plane_.enabled()) {
+    elements_.draw_clip_plane_border(frame, ElementPass::behind);
   }
 }
 
-void VolumeRenderer::drawVolume(const VolumeFrame& frame) {
+void VolumeRenderer::draw_volume(const VolumeFrame& frame) {
   glDepthMask(GL_TRUE);
   glDepthFunc(GL_LEQUAL);
-  if (!frame.volumeShown()) return;
-  if (settings_.renderingMode == RenderingMode::sectionalView) {
-    drawSections(frame);
+  if (!frame.volume_shown()) return;
+  if (settings_.rendering_mode == RenderingMode::sectional_view) {
+    draw_sections(frame);
     return;
   }
-  if (clipPlane_.enabled()) {
+  if (clip_plane_.enabled()) {
     glPolygonOffset(0.0F, 0.0F);
-    elements_.drawClipPlaneBorder(frame, ElementPass::behind);
+    elements_.draw_clip_plane_border(frame, ElementPass::behind);
   }
   glPolygonOffset(1.0F, 4.0F);
-  if (settings_.removeSegment) elements_.drawRemovedSegment(frame, ElementPass::behind);
+  if (settings_.remove_segment) elements_.draw_removed_segment(frame, ElementPass::behind);
   raycaster_.draw(frame, box_);
-  if (settings_.removeSegment) elements_.drawRemovedSegment(frame, ElementPass::inFront);
+  if (settings_.remove_segment) elements_.draw_removed_segment(frame, ElementPass::in_front);
   // The rays covered the border's part on the cut.
-  if (clipPlane_.enabled()) elements_.drawClipPlaneBorder(frame, ElementPass::inFront);
+  if (clip_plane_.enabled()) elements_.draw_clip_plane_border(frame, ElementPass::in_front);
 }
 
 // A far side that stands towards the eye, as it does until here, hides slices that lie on it or close by.
-void VolumeRenderer::drawSections(const VolumeFrame& frame) {
-  beginDepth();
+void VolumeRenderer::draw_sections(const VolumeFrame& frame) {
+  begin_depth();
   glPolygonOffset(2.0F, 8.0F);
-  drawFarSide(frame);
+  draw_far_side(frame);
   glDepthFunc(GL_LEQUAL);
   glPolygonOffset(1.0F, 2.0F);
-  elements_.sectionalView.draw(frame);
-  elements_.sectionalView.drawOutline(frame);
+  elements_.sectional_view.draw(frame);
+  elements_.sectional_view.draw_outline(frame);
 }
 
-void VolumeRenderer::drawSurface(const VolumeFrame& frame) {
-  if (!settings_.renderSurface || surface_.empty()) return;
-  if (frame.volumeShown() && settings_.renderingMode == RenderingMode::raycasting) {
+void VolumeRenderer::draw_surface(const VolumeFrame& frame) {
+  if (!settings_.render_surface || surface_.empty()) return;
+  if (frame.volume_shown() && settings_.rendering_mode == RenderingMode::raycasting) {
     // Rays left the depth of the box's near side, which would hide whatever the volume holds.
-    beginDepth();
-    drawFarSide(frame);
+    begin_depth();
+    draw_far_side(frame);
     glDepthFunc(GL_LEQUAL);
   }
   surface_.draw(frame);
 }
 
-void VolumeRenderer::drawInFront(const VolumeFrame& frame) {
+void VolumeRenderer::draw_in_front(const VolumeFrame& frame) {
   glDepthMask(GL_TRUE);
-  if (frame.volumeShown()) elements_.drawTranslucent(frame, ElementPass::inFront);
+  if (frame.volume_shown()) elements_.draw_translucent(frame, ElementPass::in_front);
   glDepthFunc(GL_LEQUAL);
-  elements_.drawFrame(frame, ElementPass::inFront);
+  elements_.draw_frame(frame, ElementPass::in_front);
 }
 
-void VolumeRenderer::finishFrame() {
-  bindVolumeTexture(volume_unit::volume, GL_TEXTURE_3D, 0);
+void VolumeRenderer::finish_frame() {
+  bind_volume_texture(volume_unit::volume, GL_TEXTURE_3D, 0);
   gl::throwOnGLError("OfflineRendering::render");
 }
 

@@ -29,56 +29,56 @@ class VolumeRenderer {
   void render();
 
   // Camera
-  void setAngles(double x, double y);
-  void setTranslation(double x, double y, double z);
-  void setRange(double axial, double lateral1, double lateral2);
-  void setZoom(double zoom);
-  void setUsePerspective(bool perspective);
+  void set_angles(double x, double y);
+  void set_translation(double x, double y, double z);
+  void set_range(double axial, double lateral1, double lateral2);
+  void set_zoom(double zoom);
+  void set_use_perspective(bool perspective);
 
   // Modes
-  void setRenderingSlices(int slices);
-  void setRenderingMode(int mode);
-  void setVolumeMode(int mode);
-  void setRenderElements(bool volume, bool surface);
+  void set_rendering_slices(int slices);
+  void set_rendering_mode(int mode);
+  void set_volume_mode(int mode);
+  void set_render_elements(bool volume, bool surface);
 
   // Scene
-  void setSectionalView(const std::array<Section, 3>& sections);
-  void setClipPlane(bool enable, bool open_cut, float value);
-  void fixClipPlane(bool fix);
-  void setFrame(const FrameFlags& flags);
-  void setRemoveSegment(bool remove);
-  void setBackground(std::uint32_t bottom, std::uint32_t top);
-  void setForeground(std::uint32_t color);
+  void set_sectional_view(const std::array<Section, 3>& sections);
+  void set_clip_plane(bool enable, bool open_cut, float value);
+  void fix_clip_plane(bool fix);
+  void set_frame(const FrameFlags& flags);
+  void set_remove_segment(bool remove);
+  void set_background(std::uint32_t bottom, std::uint32_t top);
+  void set_foreground(std::uint32_t color);
 
   // Colours. Before init there is nothing to set, and nothing happens.
-  void setColormap(ColormapRole role, const void* colors, int count);
-  void setColoringBoundaries(ColormapRole role, double lower, double upper);
-  void setSecondarySliceIndex(int index);
+  void set_colormap(ColormapRole role, const void* colors, int count);
+  void set_coloring_boundaries(ColormapRole role, double lower, double upper);
+  void set_secondary_slice_index(int index);
 
-  void setSurface(int width, int height, double scale, const float* values);
-  void setSurfaceDepths(double lower, double upper);
+  void set_surface(int width, int height, double scale, const float* values);
+  void set_surface_depths(double lower, double upper);
 
   // For the owner of the volume
   VolumeSource source() const;
-  void setSource(const VolumeSource& source);
+  void set_source(const VolumeSource& source);
   void clear();  // forgets the volume and shows neither volume nor surface
 
   VolumeSettings settings() const;
 
  private:
   // The steps of a frame, in their order.
-  VolumeFrame beginFrame();
-  void clearTarget();
-  void drawBackground();
-  void beginDepth();
-  void drawBox(const VolumeFrame& frame);
-  void drawFarSide(const VolumeFrame& frame);
-  void drawBehindVolume(const VolumeFrame& frame);
-  void drawVolume(const VolumeFrame& frame);
-  void drawSections(const VolumeFrame& frame);
-  void drawSurface(const VolumeFrame& frame);
-  void drawInFront(const VolumeFrame& frame);
-  void finishFrame();
+  VolumeFrame begin_frame();
+  void clear_target();
+  void draw_background();
+  void begin_depth();
+  void draw_box(const VolumeFrame& frame);
+  void draw_far_side(const VolumeFrame& frame);
+  void draw_behind_volume(const VolumeFrame& frame);
+  void draw_volume(const VolumeFrame& frame);
+  void draw_sections(const VolumeFrame& frame);
+  void draw_surface(const VolumeFrame& frame);
+  void draw_in_front(const VolumeFrame& frame);
+  void finish_frame();
 
   void release();
 
@@ -86,7 +86,7 @@ class VolumeRenderer {
   VolumeSource source_;
   VolumeColormaps colormaps_;
   VolumePrograms programs_;
-  ClipPlane clipPlane_;
+  ClipPlane clip_plane_;
   Background background_;
   Box box_;
   Raycaster raycaster_;

@@ -6,123 +6,124 @@
 
 namespace oct {
 
-glm::vec4 unpackedColor(std::uint32_t color) {
+glm::vec4 unpacked_color(std::uint32_t color) {
   const auto channel = [color](unsigned shift) {
     return static_cast<float>((color >> shift) & 0xFFU) / 255.0F;
   };
   return {channel(24), channel(16), channel(8), 1.0F};
 }
 
-void VolumeRenderer::setAngles(double x, double y) {
+void VolumeRenderer::set_angles(double x, double y) {
   const ObjectLock lock(this);
-  settings_.view.angleX = static_cast<float>(wrappedAngle(x));
-  settings_.view.angleY = static_cast<float>(wrappedAngle(y));
+  settings_.view.angle_x = static_cast<float>(wrapped_angle(x));
+  settings_.view.angle_y = static_cast<float>(wrapped_angle(y));
 }
 
-void VolumeRenderer::setTranslation(double x, double y, double z) {
+void VolumeRenderer::set_translation(double x, double y, double z) {
   const ObjectLock lock(this);
   settings_.view.translation = glm::vec3(glm::dvec3(x, y, z));
 }
 
-void VolumeRenderer::setRange(double axial, double lateral1, double lateral2) {
+void VolumeRenderer::set_range(double axial, double lateral1, double lateral2) {
   const ObjectLock lock(this);
-  settings_.range = rangeOf(axial, lateral1, lateral2);
+  settings_.range = range_of(axial, lateral1, lateral2);
 }
 
-void VolumeRenderer::setZoom(double zoom) {
+void VolumeRenderer::set_zoom(double zoom) {
   const ObjectLock lock(this);
   settings_.view.zoom = zoom;
 }
 
-void VolumeRenderer::setUsePerspective(bool perspective) {
+void VolumeRenderer::set_use_perspective(bool perspective) {
   const ObjectLock lock(this);
   settings_.view.perspective = perspective;
 }
 
-void VolumeRenderer::setRenderingSlices(int slices) {
+void VolumeRenderer::set_rendering_slices(int slices) {
   if (slices < 0) throw std::invalid_argument("The number of rendering slices must not be negative. ");
   const ObjectLock lock(this);
   settings_.slices = slices;
 }
 
-void VolumeRenderer::setRenderingMode(int mode) {
+void VolumeRenderer::set_rendering_mode(int mode) {
   if (mode < 0 || mode > 1) throw std::invalid_argument("Invalid rendering mode selected.");
   const ObjectLock lock(this);
-  settings_.renderingMode = static_cast<RenderingMode>(mode);
+  settings_.rendering_mode = static_cast<RenderingMode>(mode);
 }
 
-void VolumeRenderer::setVolumeMode(int mode) {
+void VolumeRenderer::set_volume_mode(int mode) {
   if (mode < 0 || mode > 3) throw std::invalid_argument("Invalid rendering mode selected.");
   const ObjectLock lock(this);
-  settings_.volumeMode = static_cast<VolumeMode>(mode);
+  settings_.volume_mode = static_cast<VolumeMode>(mode);
 }
 
-void VolumeRenderer::setRenderElements(bool volume, bool surface) {
+void VolumeRenderer::set_render_elements(bool volume, bool surface) {
   const ObjectLock lock(this);
-  settings_.renderVolume = volume;
-  settings_.renderSurface = surface;
+  settings_.render_volume = volume;
+  settings_.render_surface = surface;
 }
 
-void VolumeRenderer::setSectionalView(const std::array<Section, 3>& sections) {
+void VolumeRenderer::set_sectional_view(const std::array<Section, 3>& sections) {
   const ObjectLock lock(this);
-  elements_.sectionalView.set(sections);
+  elements_.sectional_view.set(sections);
 }
 
-void VolumeRenderer::setClipPlane(bool enable, bool open_cut, float value) {
+void VolumeRenderer::set_clip_plane(bool enable, bool open_cut, float value) {
   const ObjectLock lock(this);
-  clipPlane_.set(enable, open_cut, value);
+  clip_plane_.set(enable, open_cut, value);
 }
 
-void VolumeRenderer::fixClipPlane(bool fix) {
+void VolumeRenderer::fix_clip_plane(bool fix) {
   const ObjectLock lock(this);
-  clipPlane_.setFixed(fix);
+  clip_plane_.set_fixed(fix);
 }
 
-void VolumeRenderer::setFrame(const FrameFlags& flags) {
+void VolumeRenderer::set_frame(const FrameFlags& flags) {
   const ObjectLock lock(this);
   settings_.frame = flags;
 }
 
-void VolumeRenderer::setRemoveSegment(bool remove) {
+void VolumeRenderer::set_remove_segment(bool remove) {
   const ObjectLock lock(this);
-  settings_.removeSegment = remove;
+  settings_.remove_segment = remove;
 }
 
-void VolumeRenderer::setBackground(std::uint32_t bottom, std::uint32_t top) {
+void VolumeRenderer::set_background(std::uint32_t bottom, std::uint32_t top) {
   const ObjectLock lock(this);
-  settings_.backgroundBottom = unpackedColor(bottom);
-  settings_.backgroundTop = unpackedColor(top);
+  settings_.background_bottom = unpacked_color(bottom);
+  settings_.background_top = unpacked_color(top);
 }
 
-void VolumeRenderer::setForeground(std::uint32_t color) {
+void VolumeRenderer::set_foreground(std::uint32_t color) {
   const ObjectLock lock(this);
-  settings_.foreground = unpackedColor(color);
+  settings_.foreground = unpacked_color(color);
 }
 
-void VolumeRenderer::setColormap(ColormapRole role, const void* colors, int count) {
-  Colormap colormap = copyColormap(colors, count);
+void VolumeRenderer::set_colormap(ColormapRole role, const void* colors, int count) {
+  Colormap colormap = copy_colormap(colors, count);
   const ObjectLock lock(this);
-  if (VolumeColormap* const object = colormaps_.find(role)) object->setColors(std::move(colormap));
+  if (VolumeColormap* const object = colormaps_.find(role)) object->set_colors(std::move(colormap));
 }
 
-void VolumeRenderer::setColoringBoundaries(ColormapRole role, double lower, double upper) {
+void VolumeRenderer::set_coloring_boundaries(ColormapRole role, double lower, double upper) {
   const ObjectLock lock(this);
-  if (VolumeColormap* const object = colormaps_.find(role)) object->setBoundaries(lower, upper);
+  if (VolumeColormap* const object = colormaps_.find(role)) object->set_boundaries(lower, upper);
 }
 
-void VolumeRenderer::setSecondarySliceIndex(int index) {
+void VolumeRenderer::set_secondary_slice_index(int index) {
   const ObjectLock lock(this);
-  settings_.secondarySliceIndex = index;
+  settings_.secondary_slice_index = index;
 }
 
-void VolumeRenderer::setSurface(int width, int height, double scale, const float* values) {
+void VolumeRenderer::set_surface(int width, int height, double scale, const float* values) {
   const ObjectLock lock(this);
   surface_.set(width, height, scale, values);
 }
 
-void VolumeRenderer::setSurfaceDepths(double lower, double upper) {
+void VolumeRenderer::set_surface_depths(double lower, double upper) {
   const ObjectLock lock(this);
-  setColoringBoundaries(ColormapRole::surface, surface_.onMeshScale(lower), surface_.onMeshScale(upper));
+  set_coloring_boundaries(ColormapRole::surface, surface_.on_mesh_scale(lower),
+                          surface_.on_mesh_scale(upper));
 }
 
 VolumeSource VolumeRenderer::source() const {
@@ -130,7 +131,7 @@ VolumeSource VolumeRenderer::source() const {
   return source_;
 }
 
-void VolumeRenderer::setSource(const VolumeSource& source) {
+void VolumeRenderer::set_source(const VolumeSource& source) {
   const ObjectLock lock(this);
   source_ = source;
 }
@@ -138,10 +139,10 @@ void VolumeRenderer::setSource(const VolumeSource& source) {
 void VolumeRenderer::clear() {
   const ObjectLock lock(this);
   source_.volume = 0;
-  source_.sliceCount = 0;
+  source_.slice_count = 0;
   ++source_.revision;  // counted on, never back: a number that came before would stand for other voxels
-  settings_.renderVolume = false;
-  settings_.renderSurface = false;
+  settings_.render_volume = false;
+  settings_.render_surface = false;
 }
 
 VolumeSettings VolumeRenderer::settings() const {

@@ -30,7 +30,7 @@ TEST(GuardTest, WhateverIsThrownEndsHere) {
     int number = 7;
     const char* pointer = "something";
     std::string printed;
-    const std::string logged = logOf([&] {
+    const std::string logged = log_of([&] {
       testing::internal::CaptureStderr();
       number = api::guarded(name, [&] { return thrower(), 7; });
       printed = testing::internal::GetCapturedStderr();
@@ -38,10 +38,10 @@ TEST(GuardTest, WhateverIsThrownEndsHere) {
     EXPECT_EQ(number, 0) << name;
     EXPECT_EQ(printed, "An error occured: " + std::string(text) + "\n") << name;
     EXPECT_EQ(logged, std::string(name) + ": " + text + "\n");
-    EXPECT_EQ(pendingError(), text) << name;
+    EXPECT_EQ(pending_error(), text) << name;
 
     // Those that are never posted leave a line on the standard error stream and nothing else.
-    const std::string quietly_logged = logOf([&] {
+    const std::string quietly_logged = log_of([&] {
       testing::internal::CaptureStderr();
       pointer = api::guarded_unposted([&]() -> const char* { return thrower(), "something"; });
       printed = testing::internal::GetCapturedStderr();
@@ -49,7 +49,7 @@ TEST(GuardTest, WhateverIsThrownEndsHere) {
     EXPECT_EQ(pointer, nullptr) << name;
     EXPECT_EQ(printed, "An error occured: " + std::string(text) + "\n") << name;
     EXPECT_EQ(quietly_logged, "") << name;
-    EXPECT_EQ(pendingError(), "(none)") << name;
+    EXPECT_EQ(pending_error(), "(none)") << name;
   }
   EXPECT_EQ(api::guarded("fine", [] { return 7; }), 7);
   static_assert(
@@ -58,11 +58,11 @@ TEST(GuardTest, WhateverIsThrownEndsHere) {
 
 // The name that an export gives is its own.
 TEST(GuardTest, TheLogNamesTheExport) {
-  const std::string logged = logOf([] {
+  const std::string logged = log_of([] {
     clearDisplayData(nullptr);
-    pendingError();
+    pending_error();
     stopDataSource(nullptr);
-    pendingError();
+    pending_error();
     setOnlineRefractiveIndex(nullptr, -1.0);  // takes a null handle without a word
     renderOpenGLControlLoop(nullptr);
   });

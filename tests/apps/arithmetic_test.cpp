@@ -2,29 +2,29 @@
 #include <cmath>
 #include <limits>
 
+#include "apps/test_files.h"
 #include "data/colormap.h"
 #include "data/picture.h"
 #include "data/samples.h"
-#include "test_files.h"
 
 namespace oct::app::test {
 namespace {
 
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float not_a_number = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinity = std::numeric_limits<float>::infinity();
 
 TEST(Quantile, IsLinearBetweenRanks) {
-  const auto quantileOf = [](std::vector<float> values, double share) { return quantile(values, share); };
-  EXPECT_EQ(quantileOf({7}, 0.995), 7);
-  EXPECT_DOUBLE_EQ(quantileOf({10, 0}, 0.25), 2.5);
-  EXPECT_DOUBLE_EQ(quantileOf({4, 1, 3, 2}, 0.5), 2.5);
-  EXPECT_DOUBLE_EQ(quantileOf({4, 1, 3, 2}, 1.0), 4);
-  EXPECT_DOUBLE_EQ(quantileOf({4, 1, 3, 2}, 0.0), 1);
+  const auto quantile_of = [](std::vector<float> values, double share) { return quantile(values, share); };
+  EXPECT_EQ(quantile_of({7}, 0.995), 7);
+  EXPECT_DOUBLE_EQ(quantile_of({10, 0}, 0.25), 2.5);
+  EXPECT_DOUBLE_EQ(quantile_of({4, 1, 3, 2}, 0.5), 2.5);
+  EXPECT_DOUBLE_EQ(quantile_of({4, 1, 3, 2}, 1.0), 4);
+  EXPECT_DOUBLE_EQ(quantile_of({4, 1, 3, 2}, 0.0), 1);
 }
 
-void expectRange(const std::vector<float>& samples, double lower, double upper) {
-  for (const auto& find : {automaticRange, quickRange}) {
-    const ValueRange range = find(samples, kImageShares).value();
+void expect_range(const std::vector<float>& samples, double lower, double upper) {
+  for (const auto& find : {automatic_range, quick_range}) {
+    const ValueRange range = find(samples, image_shares).value();
     EXPECT_EQ(range.lower, lower);
     EXPECT_EQ(range.upper, upper);
   }
@@ -33,50 +33,50 @@ void expectRange(const std::vector<float>& samples, double lower, double upper) 
 TEST(AutomaticRange, TakesPercentilesOfFiniteSamples) {
   std::vector<float> samples(1001);
   for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<float>(i * 5 % 1001);
-  for (const float notFinite : {kNan, kInfinity, -kInfinity})
-    samples.insert(samples.begin() + 500, 500, notFinite);
-  expectRange(samples, 10, 995);
-  EXPECT_FALSE(automaticRange(std::vector<float>{kNan, kInfinity}, kImageShares));
-  EXPECT_FALSE(automaticRange(std::vector<float>{}, kImageShares));
+  for (const float not_finite : {not_a_number, infinity, -infinity})
+    samples.insert(samples.begin() + 500, 500, not_finite);
+  expect_range(samples, 10, 995);
+  EXPECT_FALSE(automatic_range(std::vector<float>{not_a_number, infinity}, image_shares));
+  EXPECT_FALSE(automatic_range(std::vector<float>{}, image_shares));
   // Every second of so many is enough.
   std::vector<float> many(5'000'001, 1);
   for (std::size_t i = 1; i < many.size(); i += 2) many[i] = 9;
-  EXPECT_EQ(quickRange(many, kImageShares)->upper, 2);
+  EXPECT_EQ(quick_range(many, image_shares)->upper, 2);
 }
 
 TEST(AutomaticRange, IsNeverEmpty) {
-  expectRange({-3, -3, -3}, -3, -2);
+  expect_range({-3, -3, -3}, -3, -2);
   // One bright sample in a thousand lies beyond the upper percentile.
-  std::vector<float> sparse(1000, 0.0f);
+  std::vector<float> sparse(1000, 0.0F);
   sparse[123] = 255;
-  expectRange(sparse, 0, 255);
+  expect_range(sparse, 0, 255);
 }
 
 TEST(LooksLinear, TellsLinearFromLogarithmicSamples) {
   std::vector<float> decibels(1000), linear(1000);
   for (std::size_t i = 0; i < decibels.size(); ++i) {
     decibels[i] = 60 * static_cast<float>(i) / 1000;
-    linear[i] = std::pow(10.0f, (decibels[i] - 60) / 10);
+    linear[i] = std::pow(10.0F, (decibels[i] - 60) / 10);
   }
-  EXPECT_TRUE(looksLinear(linear, automaticRange(linear, kImageShares).value()));
-  EXPECT_FALSE(looksLinear(decibels, automaticRange(decibels, kImageShares).value()));
-  EXPECT_FALSE(looksLinear(std::vector<float>{0, 0, 0, 0, 255}, {0, 255}));  // a mask
-  EXPECT_FALSE(looksLinear(std::vector<float>{-90, -80, -20}, {-90, -20}));
+  EXPECT_TRUE(looks_linear(linear, automatic_range(linear, image_shares).value()));
+  EXPECT_FALSE(looks_linear(decibels, automatic_range(decibels, image_shares).value()));
+  EXPECT_FALSE(looks_linear(std::vector<float>{0, 0, 0, 0, 255}, {0, 255}));  // a mask
+  EXPECT_FALSE(looks_linear(std::vector<float>{-90, -80, -20}, {-90, -20}));
 }
 
 TEST(Decibels, HaveNoValueForWhatIsNotPositive) {
-  std::vector<float> samples{1, 10, 0.001f, 0, -1, kNan, kInfinity};
-  toDecibels(samples);
+  std::vector<float> samples{1, 10, 0.001F, 0, -1, not_a_number, infinity};
+  to_decibels(samples);
   samples[2] = std::round(samples[2]);
-  EXPECT_EQ(samples, (std::vector<float>{0, 20, -60, -kInfinity, -kInfinity, -kInfinity, kInfinity}));
+  EXPECT_EQ(samples, (std::vector<float>{0, 20, -60, -infinity, -infinity, -infinity, infinity}));
 }
 
 // These maps are made to get brighter evenly; a slip in a table would show as a step.
 TEST(NamedColormaps, GetBrighterEvenlyBetweenTheirKnownEnds) {
   const auto check = [](const std::string& name, Rgba first, Rgba last) {
     SCOPED_TRACE(name);
-    const Colormap colors = findColormap(name).value();
-    ASSERT_EQ(colors.size(), 256u);
+    const Colormap colors = find_colormap(name).value();
+    ASSERT_EQ(colors.size(), 256U);
     EXPECT_EQ(colors.front(), first);
     EXPECT_EQ(colors.back(), last);
     const auto luma = [](Rgba color) { return 0.2126 * color[0] + 0.7152 * color[1] + 0.0722 * color[2]; };
@@ -94,36 +94,36 @@ TEST(NamedColormaps, GetBrighterEvenlyBetweenTheirKnownEnds) {
 
 TEST(ColormapArithmetic, SetsAlphaAndFlattensOntoTheBackground) {
   Colormap ramp(3, {1, 2, 3, 255});
-  addOpacityRamp(ramp, 0.5);
+  add_opacity_ramp(ramp, 0.5);
   EXPECT_EQ(ramp, (Colormap{{1, 2, 3, 0}, {1, 2, 3, 32}, {1, 2, 3, 128}}));
   Colormap scaled{{1, 2, 3, 255}, {4, 5, 6, 100}};
-  scaleAlpha(scaled, 0.5);
+  scale_alpha(scaled, 0.5);
   EXPECT_EQ(scaled, (Colormap{{1, 2, 3, 128}, {4, 5, 6, 50}}));
   Colormap flat{{200, 100, 0, 0}, {200, 100, 0, 255}, {200, 100, 0, 51}};
-  flattenOnto(flat, 0x0A141E);
+  flatten_onto(flat, 0x0A141E);
   EXPECT_EQ(flat, (Colormap{{10, 20, 30, 255}, {200, 100, 0, 255}, {48, 36, 24, 255}}));
 }
 
-void expectSize(PictureSize size, unsigned width, unsigned height) {
+void expect_size(PictureSize size, unsigned width, unsigned height) {
   EXPECT_EQ(size.width, width);
   EXPECT_EQ(size.height, height);
 }
 
 TEST(PictureSizes, FollowTheSpacing) {
-  expectSize(naturalPictureSize(512, 1272, {1, 1}), 1272, 512);
-  expectSize(naturalPictureSize(496, 768, {3.872, 14.24}), 2824, 496);
-  expectSize(naturalPictureSize(512, 1272, {5.75, 3.1}), 1272, 950);
-  expectSize(naturalPictureSize(100, 100, {2e-6, 1e-6}), 100, 200);
+  expect_size(natural_picture_size(512, 1272, {1, 1}), 1272, 512);
+  expect_size(natural_picture_size(496, 768, {3.872, 14.24}), 2824, 496);
+  expect_size(natural_picture_size(512, 1272, {5.75, 3.1}), 1272, 950);
+  expect_size(natural_picture_size(100, 100, {2e-6, 1e-6}), 100, 200);
   // Within limits.
-  expectSize(naturalPictureSize(1000, 8192, {1, 1}), 4096, 500);
-  expectSize(naturalPictureSize(100, 100, {1, 1e6}), 4096, 1);
-  expectSize(naturalPictureSize(100, 100, {1e300, 1e-300}), 1, 4096);
+  expect_size(natural_picture_size(1000, 8192, {1, 1}), 4096, 500);
+  expect_size(natural_picture_size(100, 100, {1, 1e6}), 4096, 1);
+  expect_size(natural_picture_size(100, 100, {1e300, 1e-300}), 1, 4096);
 }
 
 TEST(PicturePixels, AreTurnedOverAndReordered) {
   const std::vector<std::uint8_t> frame{1, 2, 3, 255, 4,  5,  6,  255,  // bottom row
                                         7, 8, 9, 255, 10, 11, 12, 0};   // top row
-  EXPECT_EQ(toPicture({2, 2}, frame).pixels,
+  EXPECT_EQ(to_picture({2, 2}, frame).pixels,
             (std::vector<std::uint8_t>{9, 8, 7, 12, 11, 10, 3, 2, 1, 6, 5, 4}));
 }
 

@@ -1,5 +1,5 @@
+#include "apps/test_files.h"
 #include "data/colormap_reader.h"
-#include "test_files.h"
 
 namespace oct::app::test {
 namespace {
@@ -7,8 +7,8 @@ namespace {
 class ColormapFile : public testing::Test {
  protected:
   Colormap read(const std::string& text) {
-    writeFile(path_, text);
-    return readColormap(path_);
+    write_file(path_, text);
+    return read_colormap(path_);
   }
 
   TemporaryFolder folder_;
@@ -31,7 +31,7 @@ TEST_F(ColormapFile, NamesTheLineOfAnError) {
     for (int i = 0; i < count; ++i) text += "0,0,0\n";
     return text;
   };
-  EXPECT_EQ(read(lines(4096)).size(), 4096u);
+  EXPECT_EQ(read(lines(4096)).size(), 4096U);
   const std::pair<std::string, std::string> cases[] = {
       {"r,g,b\n0,0,0\n1,x,1\n", "line 3: not a number: 'x'"},
       {"0,0,0\n1,,1\n", "line 2: not a number: ''"},
@@ -49,7 +49,7 @@ TEST_F(ColormapFile, NamesTheLineOfAnError) {
       {lines(1), "a colour map has from 2 to 4096 colours, this one 1"},
       {lines(4097), "a colour map has from 2 to 4096 colours, this one 4097"}};
   for (const auto& [text, words] : cases) {
-    expectIn("map.csv: " + words, errorOf<ReadError>([&] { read(text); }));
+    expect_in("map.csv: " + words, error_of<ReadError>([&] { read(text); }));
   }
 }
 

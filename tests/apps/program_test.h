@@ -9,8 +9,8 @@
 #include <sstream>
 #include <utility>
 
+#include "apps/test_files.h"
 #include "octrender/program.h"
-#include "test_files.h"
 
 namespace oct::app::test {
 
@@ -22,30 +22,30 @@ class ProgramTest : public testing::Test {
   }
   ~ProgramTest() override { std::filesystem::current_path(before_); }
 
-  int run(const std::string& further) { return runBare(common_ + " " + further); }
+  int run(const std::string& further) { return run_bare(common_ + " " + further); }
 
   // Words between blanks.
-  int runBare(const std::string& words) {
+  int run_bare(const std::string& words) {
     std::istringstream stream(words);
     const std::vector<std::string> arguments(std::istream_iterator<std::string>(stream), {});
     const CapturedStream error(std::cerr);
     const CapturedStream out(std::cout);
-    const int code = runProgram(arguments);
-    errorText_ = error.text().substr(error.text().rfind('\r') + 1);  // progress is written over
-    outText_ = out.text();
+    const int code = run_program(arguments);
+    error_text_ = error.text().substr(error.text().rfind('\r') + 1);  // progress is written over
+    out_text_ = out.text();
     return code;
   }
 
   std::vector<std::uint8_t> draw(const std::string& further) {
-    EXPECT_EQ(run(further), 0) << further << ": " << errorText_;
-    return readPicture("out.png").pixels;
+    EXPECT_EQ(run(further), 0) << further << ": " << error_text_;
+    return read_picture("out.png").pixels;
   }
 
   // Compares the whole picture: a level per pixel where it is gray, or a level per channel.
-  void expectPicture(const std::string& further, unsigned width, unsigned height, std::vector<int> wanted) {
+  void expect_picture(const std::string& further, unsigned width, unsigned height, std::vector<int> wanted) {
     SCOPED_TRACE(further);
     const std::vector<std::uint8_t> drawn = draw(further);
-    const PictureSize size = readPicture("out.png").size;
+    const PictureSize size = read_picture("out.png").size;
     ASSERT_EQ(std::pair(size.width, size.height), std::pair(width, height));
     const std::size_t channels = wanted.size() == drawn.size() ? 1 : 3;  // that show one wanted level
     ASSERT_EQ(drawn.size(), wanted.size() * channels);
@@ -56,7 +56,7 @@ class ProgramTest : public testing::Test {
   }
 
   // Every one of these changes the picture that the common options draw, each to another one.
-  void expectOtherPictures(const std::string& common, const std::vector<std::string>& options) {
+  void expect_other_pictures(const std::string& common, const std::vector<std::string>& options) {
     std::vector<std::vector<std::uint8_t>> pictures{draw(common)};
     for (const std::string& further : options) {
       pictures.push_back(draw(common + " " + further));
@@ -64,30 +64,30 @@ class ProgramTest : public testing::Test {
     }
   }
 
-  void expectError(int code, const std::string& further, const std::string& words) {
+  void expect_error(int code, const std::string& further, const std::string& words) {
     SCOPED_TRACE(further);
     EXPECT_EQ(run(further), code);
-    EXPECT_EQ(errorText_.find("octrender: "), 0U) << errorText_;
-    expectIn(words, errorText_);
+    EXPECT_EQ(error_text_.find("octrender: "), 0U) << error_text_;
+    expect_in(words, error_text_);
     EXPECT_FALSE(std::filesystem::exists("out.png"));
   }
 
   // Each value is refused with a text that names the option.
-  void expectWrong(const std::string& option, const std::vector<std::string>& values) {
-    for (const std::string& value : values) expectError(2, option + " " + value, option);
+  void expect_wrong(const std::string& option, const std::vector<std::string>& values) {
+    for (const std::string& value : values) expect_error(2, option + " " + value, option);
   }
 
   // Red at a fraction of the picture's width and height, from the top left.
-  static int redAt(double x, double y) {
-    const Picture picture = readPicture("out.png");
+  static int red_at(double x, double y) {
+    const Picture picture = read_picture("out.png");
     const auto column = static_cast<std::size_t>(x * picture.size.width);
     const auto row = static_cast<std::size_t>(y * picture.size.height);
     return picture.pixels[(row * picture.size.width + column) * 3];
   }
 
   std::string common_;
-  std::string errorText_;
-  std::string outText_;
+  std::string error_text_;
+  std::string out_text_;
 
  private:
   const std::filesystem::path before_ = std::filesystem::current_path();

@@ -1,8 +1,6 @@
 // Files for the tests of the program: a folder that goes away, arrays and pictures in it.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -12,6 +10,8 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "data/file_errors.h"
 #include "data/image_reader.h"
@@ -26,30 +26,30 @@ class TemporaryFolder {
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  std::filesystem::path operator/(const std::string& name) const { return path_ / fromUtf8(name); }
-  auto fileCount() const { return std::distance(std::filesystem::directory_iterator(path_), {}); }
+  std::filesystem::path operator/(const std::string& name) const { return path_ / from_utf8(name); }
+  auto file_count() const { return std::distance(std::filesystem::directory_iterator(path_), {}); }
 
  private:
   std::filesystem::path path_;
 };
 
-void writeFile(const std::filesystem::path& path, const std::string& content);
-std::string readFile(const std::filesystem::path& path);
+void write_file(const std::filesystem::path& path, const std::string& content);
+std::string read_file(const std::filesystem::path& path);
 
 // The bytes of a .npy file of version 1 with this dictionary.
-std::string npyBytes(const std::string& dictionary, const std::string& data);
+std::string npy_bytes(const std::string& dictionary, const std::string& data);
 
-std::string npyDictionary(const std::string& type, bool fortranOrder, const std::string& shape);
+std::string npy_dictionary(const std::string& type, bool fortran_order, const std::string& shape);
 
 template <class T>
-std::string bytesOf(const std::vector<T>& values) {
+std::string bytes_of(const std::vector<T>& values) {
   return {reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T)};
 }
 
 // An array of 32-bit floats in C order; shape as Python writes it, such as "2, 3".
-void writeNpy(const std::filesystem::path& path, const std::string& shape, const std::vector<float>& values);
+void write_npy(const std::filesystem::path& path, const std::string& shape, const std::vector<float>& values);
 
-Picture readPicture(const std::filesystem::path& path);
+Picture read_picture(const std::filesystem::path& path);
 
 // What the program wrote to a stream while this object lived.
 class CapturedStream {
@@ -69,7 +69,7 @@ class CapturedStream {
 
 // The text of the error of this type that ends the action.
 template <class Error, class Action>
-std::string errorOf(Action action) {
+std::string error_of(Action action) {
   try {
     action();
   } catch (const Error& error) {
@@ -78,7 +78,7 @@ std::string errorOf(Action action) {
   return "no error";
 }
 
-inline void expectIn(const std::string& words, const std::string& text) {
+inline void expect_in(const std::string& words, const std::string& text) {
   EXPECT_PRED_FORMAT2(testing::IsSubstring, words, text);
 }
 
@@ -91,16 +91,16 @@ class ReaderTest : public testing::Test {
   };
 
   LoadedImage load(const std::string& bytes, std::optional<std::size_t> frame = std::nullopt) {
-    writeFile(path_, bytes);
-    return loadImage(path_, {frame}, false);
+    write_file(path_, bytes);
+    return load_image(path_, {frame}, false);
   }
 
-  void expectRefused(const std::vector<Refusal>& refusals) {
+  void expect_refused(const std::vector<Refusal>& refusals) {
     for (const auto& [bytes, words] : refusals) {
       SCOPED_TRACE(words);
-      const std::string text = errorOf<ReadError>([&] { load(bytes); });
-      EXPECT_EQ(text.find(toUtf8(path_) + ": "), 0U) << text;
-      expectIn(words, text);
+      const std::string text = error_of<ReadError>([&] { load(bytes); });
+      EXPECT_EQ(text.find(to_utf8(path_) + ": "), 0U) << text;
+      expect_in(words, text);
     }
   }
 

@@ -1,4 +1,4 @@
-#include "test_files.h"
+#include "apps/test_files.h"
 
 namespace oct::app::test {
 namespace {
@@ -6,7 +6,7 @@ namespace {
 using TiffReader = ReaderTest;
 
 TEST_F(TiffReader, SaysThatTiffNeedsTheOtherBuild) {
-  expectRefused({{std::string("II\x2a\0\0\0\0\0", 8), "TIFF input needs the Linux build"}});
+  expect_refused({{std::string("II\x2a\0\0\0\0\0", 8), "TIFF input needs the Linux build"}});
 }
 
 }  // namespace

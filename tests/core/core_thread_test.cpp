@@ -17,12 +17,12 @@ TEST(CoreThreadTest, EveryErrorIsReadByItsOwnThread) {
   const std::string messages[] = {"Invalid DisplayRenderingHandle specified. ",
                                   "Invalid OffscreenTargetHandle specified. "};
   testing::internal::CaptureStderr();
-  onThreads(8, [&](int i) {
+  on_threads(8, [&](int i) {
     for (int n = 0; n < 200; ++n) {
       i % 2 == 0 ? clearDisplayData(nullptr) : finishOffscreenFrame(nullptr, nullptr);
       EXPECT_EQ(isRendererError(), OCT_RENDERER_ERROR);
       // No other thread takes it: each takes its own first, and posts before it takes.
-      EXPECT_EQ(pendingError(), messages[i % 2]);
+      EXPECT_EQ(pending_error(), messages[i % 2]);
     }
   });
   EXPECT_EQ(isRendererError(), 0);
@@ -44,23 +44,23 @@ TEST(TimingMarkTest, NestedMarksOfSeveralThreads) {
     const TimingMark outer("outer");
     std::thread([&] {
       const TimingMark mark("Rendering callback (", "2)");
-      other = currentThreadId();
+      other = current_thread_id();
     }).join();
     const TimingMark inner("inner");
-    recordTimingMark("before_rendering");
-    setTimingListener(nullptr);  // a mark ends at the listener that it began at
+    record_timing_mark("before_rendering");
+    set_timing_listener(nullptr);  // a mark ends at the listener that it began at
     const TimingMark late("late");
   }
-  EXPECT_EQ(recorder.all()[currentThreadId()],
+  EXPECT_EQ(recorder.all()[current_thread_id()],
             (Marks{"+outer", "+inner", "!before_rendering", "-inner", "-outer"}));
   EXPECT_EQ(recorder.all()[other], (Marks{"+Rendering callback (2)", "-Rendering callback (2)"}));
 }
 
 TEST(TimingMarkTest, ListenerComesAndGoesBetweenMarks) {
   MarkRecorder recorder;
-  onThreads(4, [&](int i) {
+  on_threads(4, [&](int i) {
     for (int n = 0; n < 1000; ++n) {
-      if (i == 0) setTimingListener(n % 2 ? &recorder : nullptr);
+      if (i == 0) set_timing_listener(n % 2 ? &recorder : nullptr);
       const TimingMark mark("mark");
     }
   });

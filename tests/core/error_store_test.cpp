@@ -49,8 +49,8 @@ TEST(ErrorStoreTest, OthersErrorsComeAfterItsOwnInOrderOfTheThreadsIdentifiers) 
   ErrorStore store(true);
   std::array<std::uint32_t, 2> ids{};
   std::atomic<int> alive{0};  // together, so that their identifiers differ
-  onThreads(2, [&](int i) {
-    ids[static_cast<std::size_t>(i)] = currentThreadId();
+  on_threads(2, [&](int i) {
+    ids[static_cast<std::size_t>(i)] = current_thread_id();
     post(store, i == 0 ? "a" : "b");
     for (++alive; alive < 2;) std::this_thread::yield();
   });

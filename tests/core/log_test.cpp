@@ -18,10 +18,10 @@ namespace {
 
 class LogTest : public testing::Test {
  protected:
-  LogTest() { setLogBlock(block_); }
+  LogTest() { set_log_block(block_); }
   ~LogTest() override {
     setRendererLogFile(nullptr);
-    setLogBlock("");
+    set_log_block("");
     // Where named memory is a file, it outlives its processes.
     std::error_code ignored;
     std::filesystem::remove("/dev/shm/" + block_, ignored);
@@ -44,7 +44,7 @@ class LogTest : public testing::Test {
 };
 
 TEST_F(LogTest, LinesGoToTheNamedFile) {
-  EXPECT_EQ(logOf([] {
+  EXPECT_EQ(log_of([] {
               log() << "Uniform "
                     << "gamma"
                     << " was not found. ";
@@ -87,18 +87,18 @@ TEST_F(LogTest, NameSetByAnotherProcessIsFollowed) {
 
 TEST_F(LogTest, LengthOfTheName) {
   setRendererLogFile(std::string(1024, 'a').c_str());
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
   EXPECT_EQ(settings(), std::string(1024, 'a'));
   log() << "a file of this name cannot be opened; nothing happens";
 
   setRendererLogFile(std::string(1025, 'b').c_str());
-  EXPECT_EQ(pendingError(), "Filename for logging is too long. Filename is limited to 1024 characters. ");
+  EXPECT_EQ(pending_error(), "Filename for logging is too long. Filename is limited to 1024 characters. ");
   EXPECT_EQ(settings(), std::string(1024, 'a')) << "a refused name changes nothing";
 }
 
 TEST(LogThreadTest, LogLinesOfSeveralThreadsStayWhole) {
-  const std::string text = logOf([] {
-    onThreads(6, [](int i) {
+  const std::string text = log_of([] {
+    on_threads(6, [](int i) {
       for (int n = 0; n < 200; ++n) log() << "thread " << i << " writes a line";
     });
   });

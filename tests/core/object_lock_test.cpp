@@ -1,12 +1,12 @@
 #include "core/object_lock.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <memory>
 #include <thread>
+
+#include <gtest/gtest.h>
 
 #include "support/test_context.h"
 
@@ -20,7 +20,7 @@ TEST(ObjectLockTest, SerialisesOneObjectAndNotAnother) {
   std::atomic<int> most{0};
   {
     const ObjectLock held(&second);  // must not hinder the users of the first
-    onThreads(8, [&](int) {
+    on_threads(8, [&](int) {
       for (int n = 0; n < 2000; ++n) {
         const ObjectLock lock(&first);
         most = std::max(most.load(), ++inside);
@@ -28,7 +28,7 @@ TEST(ObjectLockTest, SerialisesOneObjectAndNotAnother) {
         --inside;
       }
     });
-    EXPECT_EQ(lockedObjectCount(), 1U);
+    EXPECT_EQ(locked_object_count(), 1U);
   }
   EXPECT_EQ(first, 16000);
   EXPECT_EQ(most, 1);
@@ -47,26 +47,26 @@ TEST(ObjectLockTest, NobodyStarvesBesideARenderLoop) {
     }
   });
   while (frames == 0) std::this_thread::yield();
-  int mostFrames = 0;
+  int most_frames = 0;
   for (int i = 0; i < 50; ++i) {
     const int before = frames;
     const ObjectLock lock(&object);
-    mostFrames = std::max(mostFrames, frames - before);
+    most_frames = std::max(most_frames, frames - before);
   }
   stop = true;
   loop.join();
-  EXPECT_LE(mostFrames, 2);  // the one in progress, and one that began before this thread had asked
+  EXPECT_LE(most_frames, 2);  // the one in progress, and one that began before this thread had asked
 }
 
 TEST(ObjectLockTest, EntriesOfDestroyedObjectsDoNotPileUp) {
-  EXPECT_EQ(failureOf([] { ObjectLock(nullptr); }), "Cannot lock nullptr. ");
+  EXPECT_EQ(failure_of([] { ObjectLock(nullptr); }), "Cannot lock nullptr. ");
   for (int i = 0; i < 1000; ++i) {
     const auto object = std::make_unique<int>(i);
     const ObjectLock lock(object.get());
     const ObjectLock again(object.get());  // the same thread may
-    EXPECT_EQ(lockedObjectCount(), 1U);
+    EXPECT_EQ(locked_object_count(), 1U);
   }
-  EXPECT_EQ(lockedObjectCount(), 0U);
+  EXPECT_EQ(locked_object_count(), 0U);
 }
 
 }  // namespace

@@ -9,29 +9,29 @@ namespace oct::test {
 namespace {
 
 TEST(DisplayApiTest, EveryFunctionRefusesNull) {
-  expectNullRefused("Invalid DisplayRenderingHandle specified. ", initDisplayRendering,
-                    uninitDisplayRendering, renderDisplay, setDisplayData, setDisplayBounds, clearDisplayData,
-                    setGammaCorrection, setDisplayBlur, setDisplayFlip, setDisplayDynamicReduction,
-                    setDisplayPepperFilter, setDisplayMedianFilter, setBackgroundColor, setDisplayColormap,
-                    setDisplayColoringBoundaries, setDisplayNumberOverlays, setDisplayOverlayData,
-                    setDisplayOverlayColormap, setDisplayOveralyColoringBoundaries,
-                    setDisplayOveralyThreshold);
+  expect_null_refused("Invalid DisplayRenderingHandle specified. ", initDisplayRendering,
+                      uninitDisplayRendering, renderDisplay, setDisplayData, setDisplayBounds,
+                      clearDisplayData, setGammaCorrection, setDisplayBlur, setDisplayFlip,
+                      setDisplayDynamicReduction, setDisplayPepperFilter, setDisplayMedianFilter,
+                      setBackgroundColor, setDisplayColormap, setDisplayColoringBoundaries,
+                      setDisplayNumberOverlays, setDisplayOverlayData, setDisplayOverlayColormap,
+                      setDisplayOveralyColoringBoundaries, setDisplayOveralyThreshold);
   clearDisplayRendering(nullptr);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 class DisplayApiGLTest : public testing::Test {
  protected:
   DisplayApiGLTest() {
-    scene_.image = testImage(40, 50);
+    scene_.image = test_image(40, 50);
     scene_.width = 50;
     scene_.height = 40;
-    scene_.overlayImage = testImage(40, 50, 4);
+    scene_.overlay_image = test_image(40, 50, 4);
     scene_.overlays = {{{0x80FF0000U, 0x8000FF00U}, 0.0, 1.0}};
   }
-  void TearDown() override { EXPECT_EQ(pendingError(), "(none)"); }
+  void TearDown() override { EXPECT_EQ(pending_error(), "(none)"); }
   Picture frame() const { return stage_.frame(50, 40); }
-  void expectScene(const Picture& picture) const { EXPECT_TRUE(agree(picture, referencePicture(scene_))); }
+  void expect_scene(const Picture& picture) const { EXPECT_TRUE(agree(picture, reference_picture(scene_))); }
 
   using Calls = std::vector<std::pair<std::function<void()>, std::string>>;  // and the error of each
 
@@ -75,9 +75,9 @@ TEST_F(DisplayApiGLTest, WhatIsRefusedOrIgnoredLeavesThePicture) {
   };
   for (const auto& [call, message] : calls) {
     call();
-    EXPECT_EQ(pendingError(), message);
+    EXPECT_EQ(pending_error(), message);
   }
-  expectScene(frame());
+  expect_scene(frame());
 }
 
 TEST_F(DisplayApiGLTest, AFrameThatCannotBeDrawnIsReportedAndTheNextIsGood) {
@@ -104,28 +104,28 @@ TEST_F(DisplayApiGLTest, AFrameThatCannotBeDrawnIsReportedAndTheNextIsGood) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               (i == 3 ? "Warning max texture size is likely exceeded. \n" : "") +
                   ("An error occured: " + message) + "\n");
-    EXPECT_EQ(pendingError(), message);
-    expectScene(stage_.draw(scene_));
+    EXPECT_EQ(pending_error(), message);
+    expect_scene(stage_.draw(scene_));
   }
 }
 
 TEST_F(DisplayApiGLTest, BeforeInitNothingIsDrawnAndAfterItColourMapsOncePerChange) {
   uninitDisplayRendering(renderer_);
   apply(scene_, renderer_);
-  EXPECT_EQ(logOf([&] { frame(); }), "Renderer has not yet been initialized. Aborting rendering\n");
+  EXPECT_EQ(log_of([&] { frame(); }), "Renderer has not yet been initialized. Aborting rendering\n");
   // Gamma is set and not used, so compilers drop it; every other uniform is there.
-  EXPECT_EQ(logOf([&] { initDisplayRendering(renderer_); }), "Uniform gamma was not found. \n");
+  EXPECT_EQ(log_of([&] { initDisplayRendering(renderer_); }), "Uniform gamma was not found. \n");
   frame();
   GlSpy spy;
   frame();
   EXPECT_EQ(spy.calls("glTexImage1D"), 0);
   setDisplayColormap(renderer_, scene_.colormap.data(), static_cast<int>(scene_.colormap.size()));
-  for (int i = 0; i < 2; ++i) expectScene(frame());
+  for (int i = 0; i < 2; ++i) expect_scene(frame());
   EXPECT_EQ(spy.calls("glTexImage1D"), 1);
 }
 
-// A renderer may move to another context: what it held in the first is not mistaken for objects of the
-// second.
+// A renderer may move to another context: what it held in the first is not
+// mistaken for objects of the second.
 TEST_F(DisplayApiGLTest, InitAgainInAnotherContext) {
   stage_.draw(scene_);
   const OffscreenTargetHandle other = createOffscreenTarget();
@@ -134,12 +134,12 @@ TEST_F(DisplayApiGLTest, InitAgainInAnotherContext) {
   beginOffscreenFrame(other, 50, 40);
   renderDisplay(renderer_);
   finishOffscreenFrame(other, picture.bytes.data());
-  expectScene(picture);
+  expect_scene(picture);
   uninitDisplayRendering(renderer_);
 
   beginOffscreenFrame(stage_.target, 1, 1);  // makes the first context current again
   initDisplayRendering(renderer_);
-  expectScene(frame());
+  expect_scene(frame());
   const DisplayRenderingHandle forgotten = createDisplayRendering();
   initDisplayRendering(forgotten);
   beginOffscreenFrame(other, 1, 1);

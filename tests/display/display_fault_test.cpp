@@ -1,16 +1,16 @@
 // OpenGL calls that fail: each gives its error, loses no object, and the next good call works.
 #include "display/display_renderer.h"
-#include "support/reference/display_reference.h"
 #include "support/gl_spy.h"
+#include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
 namespace oct::test {
 namespace {
 
-const std::string outOfMemory =
+const std::string out_of_memory =
     " occured: There is not enough memory left to execute the command. The state of the GL is undefined, "
     "except for the state of the error flags, after this error is recorded. (GL_OUT_OF_MEMORY)\n";
-const std::string invalidValue =
+const std::string invalid_value =
     " occured: A numeric argument is out of range. The offending command is ignored and has no other side "
     "effect than to set the error flag. (GL_INVALID_VALUE)\n";
 
@@ -18,27 +18,27 @@ class DisplayFaultGLTest : public testing::Test {
  protected:
   DisplayFaultGLTest() {
     uninitDisplayRendering(renderer_);  // from here on every program's binary is kept
-    scene_.image = testImage(64, 48);
+    scene_.image = test_image(64, 48);
     scene_.width = 48;
     scene_.height = 64;
-    scene_.firstBlur = scene_.pepper = true;
-    scene_.overlayImage = testImage(64, 48, 2);
+    scene_.first_blur = scene_.pepper = true;
+    scene_.overlay_image = test_image(64, 48, 2);
     scene_.overlays = {{{0x8000FF00U, 0x80FF0000U}, 0.0, 1.0}};
     apply(scene_, renderer_);
   }
 
   Picture draw() const { return stage_.frame(scene_.width, scene_.height); }
-  void expectScene() const {
-    EXPECT_TRUE(agree(stage_.draw(scene_), referencePicture(scene_)));
-    EXPECT_EQ(pendingError(), "(none)");
+  void expect_scene() const {
+    EXPECT_TRUE(agree(stage_.draw(scene_), reference_picture(scene_)));
+    EXPECT_EQ(pending_error(), "(none)");
   }
 
   // The scene can be drawn again, and the renderer leaves nothing behind.
-  void expectRecovery(const GlSpy& spy) const {
-    expectScene();
+  void expect_recovery(const GlSpy& spy) const {
+    expect_scene();
     uninitDisplayRendering(renderer_);
     beginOffscreenFrame(stage_.target, 1, 1);
-    EXPECT_EQ(spy.liveObjects(), 3U) << "more than the target's framebuffer and its two renderbuffers";
+    EXPECT_EQ(spy.live_objects(), 3U) << "more than the target's framebuffer and its two renderbuffers";
   }
 
   Scene scene_;
@@ -52,28 +52,28 @@ TEST_F(DisplayFaultGLTest, InitFails) {
       {"glCompileShader", "Vertex shader compilation failed"},
       {"glCreateShader", "Vertex shader compilation failed"},
       {"glLinkProgram", ""},
-      {"glCreateProgram", "An OpenGL error in BinaryShader::load_to_program" + invalidValue},
-      {"glProgramBinary", "An OpenGL error in BinaryShader::load_to_program" + outOfMemory},
+      {"glCreateProgram", "An OpenGL error in BinaryShader::load_to_program" + invalid_value},
+      {"glProgramBinary", "An OpenGL error in BinaryShader::load_to_program" + out_of_memory},
       {"glGenBuffers", "Could not create OpenGL buffer. "},
-      {"glBufferData", "An OpenGL error in AbstractOpenGLFilter::init" + outOfMemory},
+      {"glBufferData", "An OpenGL error in AbstractOpenGLFilter::init" + out_of_memory},
   };
   for (const auto& [function, message] : faults) {
     SCOPED_TRACE(function);
     GlSpy spy;
     // A driver that holds no executable for a binary makes the library compile again.
     if (!message.starts_with("An OpenGL error")) spy.answer(GL_PROGRAM_BINARY_LENGTH, 0);
-    spy.failNext(function);
+    spy.fail_next(function);
     initDisplayRendering(renderer_);
-    EXPECT_EQ(pendingError(), message);
+    EXPECT_EQ(pending_error(), message);
     EXPECT_GE(spy.calls(function), 1);
-    clearGLErrors();
+    clear_gl_errors();
     renderDisplay(renderer_);  // not initialised: skipped
-    EXPECT_EQ(pendingError(), "(none)");
-    EXPECT_EQ(spy.liveObjects(), 0U);
+    EXPECT_EQ(pending_error(), "(none)");
+    EXPECT_EQ(spy.live_objects(), 0U);
   }
   GlSpy spy;
   initDisplayRendering(renderer_);
-  expectRecovery(spy);
+  expect_recovery(spy);
 }
 
 TEST_F(DisplayFaultGLTest, RenderFails) {
@@ -90,13 +90,13 @@ TEST_F(DisplayFaultGLTest, RenderFails) {
     std::string message;
     std::function<void()> before;
   } faults[] = {
-      {"glTexImage1D", "An OpenGL error in render: colormap changed" + outOfMemory, whole},
-      {"glTexImage2D", "An OpenGL error in SimpleDataProvider::resize" + outOfMemory, whole},
-      {"glTexImage2D", "An OpenGL error in AbstractOpenGLFilter::resize" + outOfMemory,
+      {"glTexImage1D", "An OpenGL error in render: colormap changed" + out_of_memory, whole},
+      {"glTexImage2D", "An OpenGL error in SimpleDataProvider::resize" + out_of_memory, whole},
+      {"glTexImage2D", "An OpenGL error in AbstractOpenGLFilter::resize" + out_of_memory,
        [&] { base(), whole(); }},
       {"glTexSubImage2D",
-       "An OpenGL error in SimpleDataProvider::LockedTexture::glTexSubImage2D" + outOfMemory, whole},
-      {"glFramebufferTexture2D", "An OpenGL error in AbstractOpenGLFilter::draw" + outOfMemory, whole},
+       "An OpenGL error in SimpleDataProvider::LockedTexture::glTexSubImage2D" + out_of_memory, whole},
+      {"glFramebufferTexture2D", "An OpenGL error in AbstractOpenGLFilter::draw" + out_of_memory, whole},
       {"glGenTextures", "Invalid texture for rendering....",
        [&] { base(), setDisplayData(renderer_, 1, 1, &sample_); }},
   };
@@ -105,38 +105,38 @@ TEST_F(DisplayFaultGLTest, RenderFails) {
     GlSpy spy;
     initDisplayRendering(renderer_);
     fault.before();
-    spy.failNext(fault.function);
+    spy.fail_next(fault.function);
     draw();
-    EXPECT_EQ(pendingError(), fault.message);
-    clearGLErrors();
-    expectRecovery(spy);
+    EXPECT_EQ(pending_error(), fault.message);
+    clear_gl_errors();
+    expect_recovery(spy);
   }
   // One that the client has left behind is reported first.
   initDisplayRendering(renderer_);
   glEnable(GL_TEXTURE_BUFFER + 12345);
   renderDisplay(renderer_);
-  EXPECT_EQ(pendingError().find("An OpenGL error in render: init occured: An unacceptable value"), 0U);
+  EXPECT_EQ(pending_error().find("An OpenGL error in render: init occured: An unacceptable value"), 0U);
   uninitDisplayRendering(renderer_);
 }
 
 TEST_F(DisplayFaultGLTest, HalfPrecisionWhenFloatDoesNotFit) {
   GlSpy spy;
   initDisplayRendering(renderer_);
-  scene_.firstBlur = scene_.pepper = false;
+  scene_.first_blur = scene_.pepper = false;
   scene_.overlays.clear();
-  spy.failNext("R32F proxy");
+  spy.fail_next("R32F proxy");
   // Half floats keep 11 bits of the sample, less than a level around the boundaries 0 and 1.
-  expectScene();
+  expect_scene();
   EXPECT_EQ(spy.calls("R16F texture"), 1);
 
   setDisplayData(renderer_, 1, 1, &sample_);
-  spy.failNext("R32F proxy");
-  spy.failNext("R16F proxy");
+  spy.fail_next("R32F proxy");
+  spy.fail_next("R16F proxy");
   for (const char* message : {"Cannot generate a texture of the required size. ", "(none)"}) {
     draw();
-    EXPECT_EQ(pendingError(), message);
+    EXPECT_EQ(pending_error(), message);
   }
-  expectRecovery(spy);
+  expect_recovery(spy);
 }
 
 }  // namespace

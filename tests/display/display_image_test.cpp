@@ -2,8 +2,8 @@
 #include <cmath>
 #include <filesystem>
 
-#include "support/reference/display_reference.h"
 #include "support/npy.h"
+#include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -27,9 +27,9 @@ struct Case {
   Tolerance tolerance = {};
 };
 
-Scene sceneOf(int depth, int aScans, int width, int height) {
+Scene scene_of(int depth, int a_scans, int width, int height) {
   Scene scene;
-  scene.image = testImage(depth, aScans);
+  scene.image = test_image(depth, a_scans);
   scene.width = width;
   scene.height = height;
   scene.colormap = rainbow(256);
@@ -37,17 +37,17 @@ Scene sceneOf(int depth, int aScans, int width, int height) {
 }
 
 std::vector<Case> cases() {
-  const Scene odd = sceneOf(97, 131, 131, 97);
-  const Scene even = sceneOf(128, 64, 160, 200);
+  const Scene odd = scene_of(97, 131, 131, 97);
+  const Scene even = scene_of(128, 64, 160, 200);
   std::vector<Case> all{
       {"OneSamplePerPixel", odd},
-      {"OneSampleOnePixel", sceneOf(1, 1, 1, 1)},
-      {"OddSizesEnlarged", sceneOf(31, 17, 203, 119)},
-      {"OddSizesReduced", sceneOf(333, 511, 101, 103)},
-      {"ReductionTwo", sceneOf(200, 300, 150, 100)},
-      {"ReductionTwoPointNineAveragesTwo", sceneOf(290, 580, 200, 100)},
-      {"ReductionFour", sceneOf(2048, 256, 64, 512)},
-      {"ReductionAlongOneAxisOnly", sceneOf(1024, 50, 75, 128)},
+      {"OneSampleOnePixel", scene_of(1, 1, 1, 1)},
+      {"OddSizesEnlarged", scene_of(31, 17, 203, 119)},
+      {"OddSizesReduced", scene_of(333, 511, 101, 103)},
+      {"ReductionTwo", scene_of(200, 300, 150, 100)},
+      {"ReductionTwoPointNineAveragesTwo", scene_of(290, 580, 200, 100)},
+      {"ReductionFour", scene_of(2048, 256, 64, 512)},
+      {"ReductionAlongOneAxisOnly", scene_of(1024, 50, 75, 128)},
   };
   const struct {
     const char* name;
@@ -55,7 +55,7 @@ std::vector<Case> cases() {
     void (*change)(Scene& scene);
   } changes[] = {
       {"Flipped", odd, [](Scene& s) { s.flip = true; }},
-      {"FlippedAndReducedByFour", sceneOf(400, 800, 200, 100), [](Scene& s) { s.flip = true; }},
+      {"FlippedAndReducedByFour", scene_of(400, 800, 200, 100), [](Scene& s) { s.flip = true; }},
       {"LowerAboveUpper", odd, [](Scene& s) { s.lower = 0.9, s.upper = 0.2; }},
       {"NarrowBoundariesSaturateAtBothEnds", odd, [](Scene& s) { s.lower = 0.4, s.upper = 0.6; }},
       {"TwoColours", odd,
@@ -67,32 +67,32 @@ std::vector<Case> cases() {
        [](Scene& s) {
          s.colormap.assign({0x00102030U, 0x80F0E0D0U});
        }},
-      {"FirstBlur", even, [](Scene& s) { s.firstBlur = true; }},
-      {"SecondBlur", even, [](Scene& s) { s.secondBlur = true; }},
-      {"BothBlurs", odd, [](Scene& s) { s.firstBlur = s.secondBlur = true; }},
+      {"FirstBlur", even, [](Scene& s) { s.first_blur = true; }},
+      {"SecondBlur", even, [](Scene& s) { s.second_blur = true; }},
+      {"BothBlurs", odd, [](Scene& s) { s.first_blur = s.second_blur = true; }},
       {"Pepper", odd, [](Scene& s) { s.pepper = true; }},
-      {"PepperBetweenBlursReduced", sceneOf(301, 205, 100, 150),
-       [](Scene& s) { s.firstBlur = s.pepper = s.secondBlur = true; }},
+      {"PepperBetweenBlursReduced", scene_of(301, 205, 100, 150),
+       [](Scene& s) { s.first_blur = s.pepper = s.second_blur = true; }},
   };
   for (const auto& [name, scene, change] : changes) {
     all.push_back({name, scene});
     change(all.back().scene);
   }
   Scene overlay = odd;
-  overlay.overlayImage = testImage(97, 131, 7);
+  overlay.overlay_image = test_image(97, 131, 7);
   overlay.threshold = 0.5;
   overlay.overlays = {{{0x00FF0000U, 0xC000FFFFU}, 0.1, 0.8}};
   all.push_back({"OverlayWithThreshold", overlay});
 
   overlay = even;
   overlay.flip = overlay.pepper = true;
-  overlay.overlayImage = testImage(40, 90, 9);
+  overlay.overlay_image = test_image(40, 90, 9);
   overlay.threshold = 0.33;
   overlay.overlays = {{rainbow(16), 0.0, 1.0}};
   all.push_back({"OverlayOfOtherSizeFlippedOverFilteredImage", overlay});
 
-  overlay = sceneOf(60, 80, 80, 60);
-  overlay.overlayImage = testImage(60, 80, 5);
+  overlay = scene_of(60, 80, 80, 60);
+  overlay.overlay_image = test_image(60, 80, 5);
   overlay.threshold = 0.2;
   for (int i = 0; i < OCT_DISPLAY_OVERLAYS; ++i) {
     // Each overlay colours a band of its own.
@@ -108,8 +108,8 @@ std::vector<Case> cases() {
 TEST(DisplayImageGLTest, EqualsReference) {
   const DisplayStage stage;
   for (const Case& each : cases()) {
-    EXPECT_TRUE(agree(stage.draw(each.scene), referencePicture(each.scene), each.tolerance)) << each.name;
-    EXPECT_EQ(pendingError(), "(none)");
+    EXPECT_TRUE(agree(stage.draw(each.scene), reference_picture(each.scene), each.tolerance)) << each.name;
+    EXPECT_EQ(pending_error(), "(none)");
   }
 }
 
@@ -117,24 +117,24 @@ TEST(DisplayImageGLTest, EqualsReference) {
 TEST(DisplayImageGLTest, SkinEqualsReference) {
   const std::filesystem::path file = std::filesystem::path(OCT_SHARED_DATA) / "bscan_skin_thumb.npy";
   if (!std::filesystem::exists(file)) GTEST_SKIP() << "no recorded data beside the project: " << file;
-  const std::vector<float> rows = readNpy<float>(file, "<f4");
-  Scene scene = sceneOf(512, 1272, 640, 700);
+  const std::vector<float> rows = read_npy<float>(file, "<f4");
+  Scene scene = scene_of(512, 1272, 640, 700);
   ASSERT_EQ(rows.size(), scene.image.samples.size());
   for (std::size_t i = 0; i < rows.size(); ++i) scene.image.samples[i % 1272 * 512 + i / 1272] = rows[i];
   scene.lower = 20.0;
   scene.upper = 180.0;
   const DisplayStage stage;
   for (const bool filtered : {false, true}) {
-    scene.pepper = scene.secondBlur = filtered;
-    EXPECT_TRUE(agree(stage.draw(scene), referencePicture(scene)));
+    scene.pepper = scene.second_blur = filtered;
+    EXPECT_TRUE(agree(stage.draw(scene), reference_picture(scene)));
   }
 }
 
 // What a client's context may have been left in must not show in the picture.
 TEST(DisplayImageGLTest, ForeignOpenGLState) {
-  Scene scene = sceneOf(90, 70, 70, 90);
-  scene.firstBlur = scene.pepper = true;
-  scene.overlayImage = testImage(90, 70, 3);
+  Scene scene = scene_of(90, 70, 70, 90);
+  scene.first_blur = scene.pepper = true;
+  scene.overlay_image = test_image(90, 70, 3);
   scene.overlays = {{{0x40FFFFFFU, 0xA00000FFU}, 0.0, 1.0}};
   const DisplayStage stage;
   apply(scene, stage.renderer);
@@ -157,17 +157,17 @@ TEST(DisplayImageGLTest, ForeignOpenGLState) {
     renderDisplay(stage.renderer);
     finishOffscreenFrame(stage.target, picture.bytes.data());
     glDeleteBuffers(1, &buffer);
-    EXPECT_TRUE(agree(picture, referencePicture(scene)));
+    EXPECT_TRUE(agree(picture, reference_picture(scene)));
   }
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
-// The picture fills the viewport and nothing else; the rest of the target has the background colour, or what
-// the client's scissor spares. The filters' own viewports and framebuffers leave no trace, and need no
-// scissor.
+// The picture fills the viewport and nothing else; the rest of the target has the background
+// colour, or what the client's scissor spares. The filters' own viewports and framebuffers leave
+// no trace, and need no scissor.
 TEST(DisplayImageGLTest, ViewportInsideTheTarget) {
-  Scene scene = sceneOf(64, 96, 48, 32);
-  scene.firstBlur = scene.pepper = true;
+  Scene scene = scene_of(64, 96, 48, 32);
+  scene.first_blur = scene.pepper = true;
   const DisplayStage stage;
   apply(scene, stage.renderer);
   setBackgroundColor(stage.renderer, 0x00FF8000);
@@ -185,8 +185,8 @@ TEST(DisplayImageGLTest, ViewportInsideTheTarget) {
     glDisable(GL_SCISSOR_TEST);
     finishOffscreenFrame(stage.target, whole.bytes.data());
     Picture inside(scene.width, scene.height);
-    inside.forEach([&](int x, int y) { std::copy_n(whole.pixel(20 + x, 10 + y), 4, inside.pixel(x, y)); });
-    EXPECT_TRUE(agree(inside, referencePicture(scene)));
+    inside.for_each([&](int x, int y) { std::copy_n(whole.pixel(20 + x, 10 + y), 4, inside.pixel(x, y)); });
+    EXPECT_TRUE(agree(inside, reference_picture(scene)));
     for (const auto& [x, y] : {std::pair{0, 0}, {19, 20}, {68, 20}, {40, 9}, {40, 42}, {79, 59}}) {
       EXPECT_EQ(whole.bgra(x, y), scissor ? (std::array<int, 4>{0, 0, 0, 0}) : background);
     }
@@ -196,7 +196,7 @@ TEST(DisplayImageGLTest, ViewportInsideTheTarget) {
   glViewport(0, 0, 0, 0);
   renderDisplay(stage.renderer);
   finishOffscreenFrame(stage.target, empty.bytes.data());
-  empty.forEach([&](int x, int y) { EXPECT_EQ(empty.bgra(x, y), background); });
+  empty.for_each([&](int x, int y) { EXPECT_EQ(empty.bgra(x, y), background); });
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // Renderers made and freed many times leave nothing behind.
 
-#include "support/reference/display_reference.h"
 #include "support/gl_spy.h"
 #include "support/process_memory.h"
+#include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -10,9 +10,9 @@ namespace {
 
 TEST(DisplayLifecycleGLTest, FiveHundredLivesAreFlat) {
   Scene scene;
-  scene.image = testImage(300, 200);
-  scene.firstBlur = scene.pepper = scene.secondBlur = true;
-  scene.overlayImage = testImage(100, 100, 3);
+  scene.image = test_image(300, 200);
+  scene.first_blur = scene.pepper = scene.second_blur = true;
+  scene.overlay_image = test_image(100, 100, 3);
   scene.overlays.resize(OCT_DISPLAY_OVERLAYS);
   const OffscreenTargetHandle target = createOffscreenTarget();
   const auto lives = [&](int count) {
@@ -29,19 +29,19 @@ TEST(DisplayLifecycleGLTest, FiveHundredLivesAreFlat) {
   };
   lives(50);  // caches of the driver and of the allocator fill
   GlSpy spy;
-  const std::size_t memory = residentMemory();
+  const std::size_t memory = resident_memory();
   lives(1);
   EXPECT_EQ(spy.calls("glCompileShader"), 0);
   EXPECT_EQ(spy.calls("glLinkProgram"), 0);
   EXPECT_EQ(spy.calls("glGetProgramiv(GL_LINK_STATUS)"), 0);
   EXPECT_EQ(spy.calls("glProgramBinary"), 7);  // display, overlay, five filters
   lives(500);
-  EXPECT_EQ(spy.liveObjects(), 3U);  // the target's framebuffer and renderbuffers
+  EXPECT_EQ(spy.live_objects(), 3U);  // the target's framebuffer and renderbuffers
   // One leaked image of 300 x 200 floats a life would be 120 MB.
-  if (measuresMemory) {
-    EXPECT_LT(residentMemory(), memory + 12'000'000);
+  if (measures_memory) {
+    EXPECT_LT(resident_memory(), memory + 12'000'000);
   }
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
   clearOffscreenTarget(target);
 }
 

@@ -9,8 +9,8 @@
 namespace oct::test {
 namespace {
 
-// Every colour map is of one colour and every image of one value, so that a torn one shows as a second
-// colour.
+// Every colour map is of one colour and every image of one value, so that a
+// torn one shows as a second colour.
 TEST(DisplayThreadGLTest, NoTornSettings) {
   const DisplayStage stage;
   const DisplayRenderingHandle renderer = stage.renderer;
@@ -20,7 +20,7 @@ TEST(DisplayThreadGLTest, NoTornSettings) {
 
   std::atomic<bool> running{true};
   std::thread writers([&] {
-    onThreads(4, [&](int writer) {
+    on_threads(4, [&](int writer) {
       for (int i = 0; running; ++i) {
         const std::uint32_t grey = static_cast<std::uint32_t>(i * 7 + writer * 50) & 0xFFU;
         const std::vector<std::uint32_t> colors(static_cast<std::size_t>(64 + 64 * (i % 4)),
@@ -53,22 +53,22 @@ TEST(DisplayThreadGLTest, NoTornSettings) {
   running = false;
   writers.join();
   EXPECT_EQ(torn, 0);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 // Two renderers in two contexts on two threads, built at the same time from the same program cache.
 TEST(DisplayThreadGLTest, RenderersOnSeveralThreads) {
-  onThreads(4, [](int i) {
+  on_threads(4, [](int i) {
     Scene scene;
-    scene.image = testImage(50 + i, 60 - i, static_cast<unsigned>(i));
+    scene.image = test_image(50 + i, 60 - i, static_cast<unsigned>(i));
     scene.width = 70;
     scene.height = 40;
-    scene.firstBlur = scene.pepper = true;
+    scene.first_blur = scene.pepper = true;
     for (int round = 0; round < 5; ++round) {
-      EXPECT_TRUE(agree(DisplayStage().draw(scene), referencePicture(scene)));
+      EXPECT_TRUE(agree(DisplayStage().draw(scene), reference_picture(scene)));
     }
   });
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 }  // namespace

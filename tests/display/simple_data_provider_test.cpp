@@ -3,8 +3,8 @@
 
 #include <future>
 
-#include "support/reference/display_reference.h"
 #include "support/gl_spy.h"
+#include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -16,16 +16,16 @@ class SimpleDataProviderGLTest : public GLTest {
 };
 
 TEST_F(SimpleDataProviderGLTest, ResizesOncePerSizeAndUploadsAtEveryLock) {
-  const Image image = testImage(33, 21);
+  const Image image = test_image(33, 21);
   GlSpy spy;
   int resizes = 0;
   int uploads = 0;
-  for (const auto& [depth, aScans] : {std::pair{33, 21}, {21, 33}}) {  // of the same number of samples
-    provider_.setData({depth, aScans}, image.samples.data());
+  for (const auto& [depth, a_scans] : {std::pair{33, 21}, {21, 33}}) {  // of the same number of samples
+    provider_.set_data({depth, a_scans}, image.samples.data());
     ++resizes;
     for (int i = 0; i < 2; ++i) {
       const auto locked = provider_.lock();
-      EXPECT_EQ(locked->extent(), (ImageExtent{depth, aScans}));
+      EXPECT_EQ(locked->extent(), (ImageExtent{depth, a_scans}));
       EXPECT_EQ(spy.calls("glTexImage2D"), resizes);
       EXPECT_EQ(spy.calls("glTexSubImage2D"), ++uploads);
       glBindTexture(GL_TEXTURE_2D, locked->texture());
@@ -37,17 +37,17 @@ TEST_F(SimpleDataProviderGLTest, ResizesOncePerSizeAndUploadsAtEveryLock) {
       EXPECT_EQ(texels, image.samples);
     }
   }
-  EXPECT_EQ(spy.liveObjects(), 1U);
+  EXPECT_EQ(spy.live_objects(), 1U);
   provider_.release();
-  EXPECT_EQ(spy.liveObjects(), 0U);
+  EXPECT_EQ(spy.live_objects(), 0U);
   provider_.lock();
-  EXPECT_EQ(spy.liveObjects(), 1U);
+  EXPECT_EQ(spy.live_objects(), 1U);
 }
 
 TEST_F(SimpleDataProviderGLTest, WritersWaitWhileTheTextureIsLocked) {
   EXPECT_THROW(provider_.lock(), std::invalid_argument);  // and lets writers in
-  const Image image = testImage(8, 8);
-  const auto write = [&] { provider_.setData({8, 8}, image.samples.data()); };
+  const Image image = test_image(8, 8);
+  const auto write = [&] { provider_.set_data({8, 8}, image.samples.data()); };
   write();
   auto locked = provider_.lock();
   auto writer = std::async(std::launch::async, write);

@@ -17,22 +17,22 @@ TEST_F(NamesGLTest, EveryKindIsDeletedOnce) {
     EXPECT_FALSE(a);
     EXPECT_EQ(b.get(), name);
     b = gl::Texture::create();
-    EXPECT_EQ(spy.liveObjects(), 1U);
+    EXPECT_EQ(spy.live_objects(), 1U);
     gl::Texture& self = b;
     b = std::move(self);
     EXPECT_TRUE(b);
     const auto buffer = gl::Buffer::create();
-    const auto vertexArray = gl::VertexArray::create();
+    const auto vertex_array = gl::VertexArray::create();
     const auto framebuffer = gl::Framebuffer::create();
     const auto renderbuffer = gl::Renderbuffer::create();
     const auto shader = gl::ShaderObject::create(GL_VERTEX_SHADER);
     const auto program = gl::Program::create();
-    EXPECT_EQ(spy.liveObjects(), 7U);
+    EXPECT_EQ(spy.live_objects(), 7U);
     b.reset();
     b.reset();
-    EXPECT_EQ(spy.liveObjects(), 6U);
+    EXPECT_EQ(spy.live_objects(), 6U);
   }
-  EXPECT_EQ(spy.liveObjects(), 0U);
+  EXPECT_EQ(spy.live_objects(), 0U);
   EXPECT_EQ(spy.calls("glDeleteTextures"), 2);
 }
 

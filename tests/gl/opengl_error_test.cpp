@@ -8,8 +8,8 @@ namespace {
 
 class OpenGLErrorGLTest : public GLTest {};
 
-std::string thrownBy(const std::string& where) {
-  return failureOf([&] { gl::throwOnGLError(where); });
+std::string thrown_by(const std::string& where) {
+  return failure_of([&] { gl::throwOnGLError(where); });
 }
 
 const std::string ignored =
@@ -39,27 +39,27 @@ TEST_F(OpenGLErrorGLTest, TextOfEveryCode) {
   GlSpy spy;
   for (const auto& [code, text, name] : texts) {
     const std::string expected = "An OpenGL error in some place occured: " + text + " (" + name + ")\n";
-    spy.queueError(code);
-    EXPECT_EQ(thrownBy("some place"), expected);
-    spy.queueError(code);
+    spy.queue_error(code);
+    EXPECT_EQ(thrown_by("some place"), expected);
+    spy.queue_error(code);
     testing::internal::CaptureStderr();
     gl::printGLError("some place");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
   }
   for (const GLenum other : {0x04FFU, 0x0507U, 1U, 0xFFFFFFFFU}) {
-    spy.queueError(other);
-    EXPECT_EQ(thrownBy("x"), "An OpenGL error in x occured: Unknown OpenGL Error\n");
+    spy.queue_error(other);
+    EXPECT_EQ(thrown_by("x"), "An OpenGL error in x occured: Unknown OpenGL Error\n");
   }
 }
 
 TEST_F(OpenGLErrorGLTest, OneErrorPerCheckpoint) {
   GlSpy spy;
-  for (const GLenum error : {GL_INVALID_VALUE, GL_INVALID_OPERATION}) spy.queueError(error);
+  for (const GLenum error : {GL_INVALID_VALUE, GL_INVALID_OPERATION}) spy.queue_error(error);
   glEnable(0x1234);  // OpenGL's own comes after them
   for (const char* name : {"GL_INVALID_VALUE", "GL_INVALID_OPERATION", "GL_INVALID_ENUM"}) {
-    EXPECT_TRUE(contains(thrownBy("a"), name));
+    EXPECT_TRUE(contains(thrown_by("a"), name));
   }
-  EXPECT_EQ(thrownBy("b"), "(none)");
+  EXPECT_EQ(thrown_by("b"), "(none)");
 }
 
 TEST_F(OpenGLErrorGLTest, FramebufferStatusNames) {

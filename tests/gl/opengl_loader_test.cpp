@@ -11,7 +11,7 @@ class LoaderGLTest : public GLTest {};
 TEST_F(LoaderGLTest, VersionsRequiredAndFound) {
   GlSpy spy;
   const struct {
-    int major, minor, requiredMajor, requiredMinor;
+    int major, minor, required_major, required_minor;
     std::string refusal;
   } rows[] = {
       {3, 0, 3, 0, "(none)"},
@@ -29,7 +29,8 @@ TEST_F(LoaderGLTest, VersionsRequiredAndFound) {
     spy.answer(GL_MAJOR_VERSION, row.major);
     spy.answer(GL_MINOR_VERSION, row.minor);
     testing::internal::CaptureStdout();
-    EXPECT_EQ(failureOf([&] { gl::checkOpenGLVersion(row.requiredMajor, row.requiredMinor); }), row.refusal);
+    EXPECT_EQ(failure_of([&] { gl::checkOpenGLVersion(row.required_major, row.required_minor); }),
+              row.refusal);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Found OpenGL " + found + "\n");
     if (row.major < 3) {
       EXPECT_THROW(gl::initGlew(), std::runtime_error);

@@ -13,45 +13,45 @@ namespace {
 TEST(OpenGLWindowGLTest, ContextComesAndGoes) {
   auto other = std::make_unique<gl::OpenGLWindow>();
   std::unique_ptr<gl::OpenGLWindow> window;
-  EXPECT_EQ(logOf([&] { window = std::make_unique<gl::OpenGLWindow>(); }), "Creating hidden Window\n");
+  EXPECT_EQ(log_of([&] { window = std::make_unique<gl::OpenGLWindow>(); }), "Creating hidden Window\n");
   other.reset();  // windows do not need each other
   const gl::OpenGLWindow third;
-  EXPECT_EQ(gl::currentContext(), nullptr);
+  EXPECT_EQ(gl::current_context(), nullptr);
   const gl::ContextHandle context = window->createContext();
   for (int i = 0; i < 2; ++i) window->makeCurrent(context);
-  EXPECT_EQ(gl::currentContext(), context);
-  EXPECT_TRUE(gl::isContextCurrent());
+  EXPECT_EQ(gl::current_context(), context);
+  EXPECT_TRUE(gl::is_context_current());
   std::thread([&] {
     testing::internal::CaptureStderr();
     const std::string prefix = "An error occured. ";
-    const std::string message = failureOf([&] { window->makeCurrent(context); });
+    const std::string message = failure_of([&] { window->makeCurrent(context); });
     EXPECT_EQ(message.find(prefix), 0U);
     EXPECT_GT(message.size(), prefix.size()) << "the system's reason";
     EXPECT_EQ(testing::internal::GetCapturedStderr(), message + "\n");
   }).join();
-  EXPECT_EQ(gl::currentContext(), context);
+  EXPECT_EQ(gl::current_context(), context);
   for (int i = 0; i < 2; ++i) window->makeUncurrent();
-  EXPECT_EQ(gl::currentContext(), nullptr);
-  EXPECT_FALSE(gl::isContextCurrent());
+  EXPECT_EQ(gl::current_context(), nullptr);
+  EXPECT_FALSE(gl::is_context_current());
   window->deleteContext(context);
 }
 
 TEST(OpenGLWindowGLTest, ManyLivesOnSeveralThreadsAreFlat) {
   const auto lives = [](int count) {
-    onThreads(6, [count](int) {
+    on_threads(6, [count](int) {
       for (int n = 0; n < count; ++n) {
         TestContext context;
         glClear(GL_COLOR_BUFFER_BIT);
-        EXPECT_TRUE(gl::isContextCurrent());
+        EXPECT_TRUE(gl::is_context_current());
       }
     });
   };
   lives(3);
-  const std::size_t memory = residentMemory();
+  const std::size_t memory = resident_memory();
   lives(10);
   // A leaked context of the software renderer weighs more than a megabyte.
-  if (measuresMemory) {
-    EXPECT_LT(residentMemory(), memory + 30'000'000);
+  if (measures_memory) {
+    EXPECT_LT(resident_memory(), memory + 30'000'000);
   }
 }
 

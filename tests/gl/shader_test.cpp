@@ -20,11 +20,11 @@ class ShaderGLTest : public GLTest {
 
   static std::string failure(gl::Shader& shader, const std::string& v = vertex,
                              const std::string& f = fragment) {
-    return failureOf([&] { shader.load_to_program(name(), v, f); });
+    return failure_of([&] { shader.load_to_program(name(), v, f); });
   }
 
   // Builds and expects so many links since the spy was made.
-  static void expectBuilt(gl::Shader& shader, const GlSpy& spy, int links) {
+  static void expect_built(gl::Shader& shader, const GlSpy& spy, int links) {
     EXPECT_EQ(failure(shader), "(none)");
     GLint status = GL_FALSE;
     glGetProgramiv(shader.program(), GL_LINK_STATUS, &status);
@@ -36,19 +36,19 @@ class ShaderGLTest : public GLTest {
 TEST_F(ShaderGLTest, SecondBuildReadsTheBinaryInAnyContext) {
   GlSpy spy;
   gl::Shader first;
-  EXPECT_EQ(failureOf([&] { first.use(); }), "Program has not been compiled yet.");
+  EXPECT_EQ(failure_of([&] { first.use(); }), "Program has not been compiled yet.");
   {
     TestContext other;
     gl::Shader shader;
-    expectBuilt(shader, spy, 1);
+    expect_built(shader, spy, 1);
     EXPECT_EQ(spy.calls("glCompileShader"), 2);
     EXPECT_EQ(spy.calls("glDeleteShader"), 2);
   }
   context_.makeCurrent();
-  expectBuilt(first, spy, 1);
+  expect_built(first, spy, 1);
   EXPECT_EQ(spy.calls("glCompileShader"), 2);
   EXPECT_EQ(spy.calls("glProgramBinary"), 1);
-  EXPECT_EQ(logOf([&] {
+  EXPECT_EQ(log_of([&] {
               EXPECT_EQ(first.uniform("absent"), -1);
               EXPECT_GE(first.uniform("used"), 0);
             }),
@@ -57,11 +57,11 @@ TEST_F(ShaderGLTest, SecondBuildReadsTheBinaryInAnyContext) {
 
 TEST_F(ShaderGLTest, NameAndLengthsAreTheKey) {
   GlSpy spy;
-  std::string sameLength = fragment;
-  sameLength.replace(sameLength.find("used);"), 6, "1.0 );");
+  std::string same_length = fragment;
+  same_length.replace(same_length.find("used);"), 6, "1.0 );");
   int compiled = 0;
   for (const auto& [suffix, source, compiles] : {std::tuple{"", fragment, 2},
-                                                 {"", sameLength, 0},  // texts are not compared
+                                                 {"", same_length, 0},  // texts are not compared
                                                  {"", fragment + " ", 2},
                                                  {"2", fragment, 2}}) {
     gl::Shader shader;
@@ -74,38 +74,38 @@ TEST_F(ShaderGLTest, DriverWithoutBinaries) {
   GlSpy spy;
   spy.answer(GL_PROGRAM_BINARY_LENGTH, 0);
   const auto parameter = __glewProgramParameteri;
-  const auto getBinary = __glewGetProgramBinary;
+  const auto get_binary = __glewGetProgramBinary;
   for (int links = 1; links <= 4; ++links) {
     if (links == 3) __glewProgramParameteri = nullptr, __glewGetProgramBinary = nullptr;
     gl::Shader shader;
-    expectBuilt(shader, spy, links);
+    expect_built(shader, spy, links);
   }
   __glewProgramParameteri = parameter;
-  __glewGetProgramBinary = getBinary;
+  __glewGetProgramBinary = get_binary;
   EXPECT_EQ(spy.calls("glGetProgramBinary"), 0);
-  EXPECT_EQ(gl::findProgramBinary(key()), nullptr);
+  EXPECT_EQ(gl::find_program_binary(key()), nullptr);
 }
 
 TEST_F(ShaderGLTest, BinariesThatFail) {
   GlSpy spy;
   const std::string where = "An OpenGL error in BinaryShader";
   gl::Shader shader;
-  spy.failNext("glGetProgramBinary");
+  spy.fail_next("glGetProgramBinary");
   EXPECT_EQ(failure(shader).find(where + " occured: There is not enough"), 0U);
-  EXPECT_EQ(gl::findProgramBinary(key()), nullptr);
-  expectBuilt(shader, spy, 2);
-  const gl::ProgramBinary good = *gl::findProgramBinary(key());
+  EXPECT_EQ(gl::find_program_binary(key()), nullptr);
+  expect_built(shader, spy, 2);
+  const gl::ProgramBinary good = *gl::find_program_binary(key());
   gl::ProgramBinary damaged = good;
   for (std::size_t i = damaged.bytes.size() / 2; i < damaged.bytes.size(); ++i) damaged.bytes[i] ^= 0xFFU;
   // Refused in silence it is compiled again, and the good one replaces it.
-  gl::storeProgramBinary(key(), damaged);
-  expectBuilt(shader, spy, 3);
-  expectBuilt(shader, spy, 3);
-  gl::storeProgramBinary(key(), {0xDEADU, {1, 2, 3}});
+  gl::store_program_binary(key(), damaged);
+  expect_built(shader, spy, 3);
+  expect_built(shader, spy, 3);
+  gl::store_program_binary(key(), {0xDEADU, {1, 2, 3}});
   EXPECT_EQ(failure(shader).find(where + "::load_to_program occured: "), 0U);
-  clearGLErrors();
+  clear_gl_errors();
   shader.release();
-  EXPECT_EQ(spy.liveObjects(), 0U);
+  EXPECT_EQ(spy.live_objects(), 0U);
 }
 
 TEST_F(ShaderGLTest, SourcesThatFail) {
@@ -126,14 +126,14 @@ TEST_F(ShaderGLTest, SourcesThatFail) {
   GlSpy spy;
   for (const auto& row : rows) {
     const std::string text =
-        logOf([&] { EXPECT_EQ(failure(shader, row.vertex, row.fragment), row.failure); });
+        log_of([&] { EXPECT_EQ(failure(shader, row.vertex, row.fragment), row.failure); });
     EXPECT_EQ(text.find(row.log), 0U) << text;
     EXPECT_TRUE(contains(text, row.words)) << "the driver's own words: " << text;
-    EXPECT_EQ(spy.liveObjects(), row.objects);
+    EXPECT_EQ(spy.live_objects(), row.objects);
     shader.release();
-    EXPECT_EQ(spy.liveObjects(), 0U);
+    EXPECT_EQ(spy.live_objects(), 0U);
   }
-  expectBuilt(shader, spy, 2);
+  expect_built(shader, spy, 2);
 }
 
 }  // namespace

@@ -10,23 +10,23 @@ TEST(UnloadedTest, InitWithoutContext) {
   testing::internal::CaptureStdout();
   initDisplayRendering(renderer);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "Glew error: 1\nglewInit failed.\n");
-  EXPECT_EQ(pendingError(), "Could not load OpenGL. ");
+  EXPECT_EQ(pending_error(), "Could not load OpenGL. ");
   EXPECT_FALSE(gl::glewInitialized());
 
   const VolumeRendererHandle volume = createVolumeRenderer();
   testing::internal::CaptureStdout();
   initializeVolumeRenderer(volume);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "Glew error: 1\nglewInit failed.\n");
-  EXPECT_EQ(pendingError(), "Failed to initialize OpenGL.");
+  EXPECT_EQ(pending_error(), "Failed to initialize OpenGL.");
   deleteVolumeRenderer(volume);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 
   { const TestContext elsewhere; }
   EXPECT_TRUE(gl::glewInitialized());
   initDisplayRendering(renderer);
-  EXPECT_EQ(pendingError(), "No OpenGL context is current on the calling thread. ");
+  EXPECT_EQ(pending_error(), "No OpenGL context is current on the calling thread. ");
   uninitDisplayRendering(renderer);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
   clearDisplayRendering(renderer);
 }
 

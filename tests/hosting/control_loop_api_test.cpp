@@ -12,19 +12,19 @@
 namespace oct::test {
 namespace {
 
-constexpr const char* invalidHandle = "Invalid OpenGLControlLoopHandle specified. ";
+constexpr const char* invalid_handle = "Invalid OpenGLControlLoopHandle specified. ";
 
 TEST(ControlLoopApiTest, NullHandles) {
-  expectNullRefused(invalidHandle, deleteOpenGLControlLoop, registerOpenGLControlLoopRenderCallback,
-                    registerOpenGLControlLoopCallback, snapshotOpenGLControlLoop, resizeOpenGLControlLoop,
-                    OpenGLControlLoopMode, unlockBuffer, createDXSurface, copyDXSurface, destroyDXSurface);
+  expect_null_refused(invalid_handle, deleteOpenGLControlLoop, registerOpenGLControlLoopRenderCallback,
+                      registerOpenGLControlLoopCallback, snapshotOpenGLControlLoop, resizeOpenGLControlLoop,
+                      OpenGLControlLoopMode, unlockBuffer, createDXSurface, copyDXSurface, destroyDXSurface);
   // Requests come too often to leave errors behind.
   testing::internal::CaptureStderr();
   renderOpenGLControlLoop(nullptr);
   renderMultOpenGLControlLoop(nullptr, 1);
-  const std::string line = std::string("An error occured: ") + invalidHandle + "\n";
+  const std::string line = std::string("An error occured: ") + invalid_handle + "\n";
   EXPECT_EQ(testing::internal::GetCapturedStderr(), line + line);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 // Functions of a client know no object; there is one loop at a time.
@@ -36,12 +36,12 @@ Recorded<Picture> pictures;
 Recorded<std::string> errors;
 
 void draw(unsigned id) {
-  drawPattern(id);
+  draw_pattern(id);
   drawn.add(id);
 }
 void show(unsigned, unsigned, unsigned, void* surface) {
   if (copy) copyDXSurface(loop, surface, copy);
-  pictures.add(surfacePicture(sharing, surface));
+  pictures.add(surface_picture(sharing, surface));
 }
 
 class ControlLoopApiGLTest : public LoopGLTest {
@@ -50,7 +50,7 @@ class ControlLoopApiGLTest : public LoopGLTest {
     LoopGLTest::SetUp();
     // The first request of the process opens the trace, if its folder is there.
     std::error_code ignored;
-    std::filesystem::create_directories(std::filesystem::path(renderTraceFile()).parent_path(), ignored);
+    std::filesystem::create_directories(std::filesystem::path(render_trace_file()).parent_path(), ignored);
     sharing = GetParam();
     drawn.clear();
     pictures.clear();
@@ -67,22 +67,22 @@ class ControlLoopApiGLTest : public LoopGLTest {
     deleteOpenGLControlLoop(loop);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "OpenGL control loop finished. Callbacks can be freed now. \n");
-    EXPECT_EQ(pendingError(), "(none)");
+    EXPECT_EQ(pending_error(), "(none)");
     EXPECT_EQ(errors.all(), std::vector<std::string>{});
   }
 };
 
 TEST_P(ControlLoopApiGLTest, FromRequestToSurface) {
   renderOpenGLControlLoop(loop);
-  EXPECT_TRUE(agree(pictures.atLeast(1).at(0), patternPicture(0, 30, 20), exact));
+  EXPECT_TRUE(agree(pictures.at_least(1).at(0), pattern_picture(0, 30, 20), exact));
   renderMultOpenGLControlLoop(loop, 0x345678);
-  EXPECT_TRUE(agree(pictures.atLeast(2).at(1), patternPicture(0x345678, 30, 20), exact));
+  EXPECT_TRUE(agree(pictures.at_least(2).at(1), pattern_picture(0x345678, 30, 20), exact));
   // Null keeps the render function and removes the other.
   registerOpenGLControlLoopRenderCallback(loop, nullptr);
   registerOpenGLControlLoopCallback(loop, nullptr);
   for (const int id : {3, 4}) {
     renderMultOpenGLControlLoop(loop, id);
-    drawn.atLeast(static_cast<std::size_t>(id));
+    drawn.at_least(static_cast<std::size_t>(id));
     unlockBuffer(loop);
   }
   EXPECT_EQ(drawn.all(), (std::vector<std::uint32_t>{0, 0x345678, 3, 4}));
@@ -92,15 +92,15 @@ TEST_P(ControlLoopApiGLTest, FromRequestToSurface) {
 TEST_P(ControlLoopApiGLTest, SnapshotsTheirMisuseAndTheTrace) {
   const auto trace = [] {
     std::ostringstream text;
-    text << std::ifstream(renderTraceFile()).rdbuf();
+    text << std::ifstream(render_trace_file()).rdbuf();
     return text.str();
   };
   renderOpenGLControlLoop(loop);
   const std::size_t before = trace().size();
-  ASSERT_GT(before, 0U) << renderTraceFile();
+  ASSERT_GT(before, 0U) << render_trace_file();
   Picture picture(11, 4);
   snapshotOpenGLControlLoop(loop, 11, 4, picture.bytes.data());
-  EXPECT_TRUE(agree(picture, patternPicture(0, 11, 4), exact));
+  EXPECT_TRUE(agree(picture, pattern_picture(0, 11, 4), exact));
   constexpr int most = std::numeric_limits<int>::max();
   for (const auto& [width, height, data, message] :
        {std::tuple{1, 1, static_cast<void*>(nullptr),
@@ -109,42 +109,42 @@ TEST_P(ControlLoopApiGLTest, SnapshotsTheirMisuseAndTheTrace) {
         {1, -1, &picture, "Snapshot sizes must not be negative. "},
         {most, most, &picture, "The snapshot is too large. "}}) {
     snapshotOpenGLControlLoop(loop, width, height, data);
-    EXPECT_EQ(pendingError(), message);
+    EXPECT_EQ(pending_error(), message);
   }
   for (const int id : {-7, 12}) renderMultOpenGLControlLoop(loop, id);
   EXPECT_EQ(trace().substr(before), "0\n-7\n12\n");
 }
 
 TEST_P(ControlLoopApiGLTest, SurfacesOfTheClient) {
-  const auto expectKept = [&] {
-    EXPECT_TRUE(agree(surfacePicture(sharing, copy), patternPicture(0x102030, 30, 20), exact));
+  const auto expect_kept = [&] {
+    EXPECT_TRUE(agree(surface_picture(sharing, copy), pattern_picture(0x102030, 30, 20), exact));
   };
   copy = createDXSurface(loop, 30, 20);
   ASSERT_NE(copy, nullptr);
   renderMultOpenGLControlLoop(loop, 0x102030);
-  pictures.atLeast(1);
-  expectKept();
+  pictures.at_least(1);
+  expect_kept();
 
   void* const larger = createDXSurface(loop, 60, 40);
   copyDXSurface(loop, copy, larger);
-  const Picture small = patternPicture(0x102030, 30, 20);
+  const Picture small = pattern_picture(0x102030, 30, 20);
   Picture stretched(60, 40);
-  stretched.forEach([&](int x, int y) { std::copy_n(small.pixel(x / 2, y / 2), 4, stretched.pixel(x, y)); });
-  EXPECT_TRUE(agree(surfacePicture(sharing, larger), stretched, exact));
+  stretched.for_each([&](int x, int y) { std::copy_n(small.pixel(x / 2, y / 2), 4, stretched.pixel(x, y)); });
+  EXPECT_TRUE(agree(surface_picture(sharing, larger), stretched, exact));
 
   copyDXSurface(loop, nullptr, copy);
-  EXPECT_EQ(pendingError(), "A surface to copy must not be null. ");
+  EXPECT_EQ(pending_error(), "A surface to copy must not be null. ");
   EXPECT_EQ(createDXSurface(loop, 0, 4), nullptr);
-  EXPECT_EQ(pendingError(), "A surface must not be empty. ");
+  EXPECT_EQ(pending_error(), "A surface must not be empty. ");
   destroyDXSurface(loop, larger);
   for (void* const unknown : {larger, static_cast<void*>(nullptr)}) {
     destroyDXSurface(loop, unknown);
-    EXPECT_EQ(pendingError(), "The specified surface is unknown. ");
+    EXPECT_EQ(pending_error(), "The specified surface is unknown. ");
   }
   // The surface outlives the loop that it was made with.
   deleteOpenGLControlLoop(loop);
   loop = createOpenGLControlLoop();
-  expectKept();
+  expect_kept();
   destroyDXSurface(loop, std::exchange(copy, nullptr));
 }
 
@@ -153,13 +153,13 @@ TEST_P(ControlLoopApiGLTest, DeletionFromACallbackIsReported) {
   texts.clear();
   registerOpenGLControlLoopRenderCallback(loop, [](unsigned) {
     deleteOpenGLControlLoop(loop);
-    texts.add(pendingError());
+    texts.add(pending_error());
   });
   const std::string refusal =
       std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur)).what();
   for (std::size_t count = 1; count <= 2; ++count) {  // it goes on
     renderMultOpenGLControlLoop(loop, 1);
-    EXPECT_EQ(texts.atLeast(count), std::vector<std::string>(count, refusal));
+    EXPECT_EQ(texts.at_least(count), std::vector<std::string>(count, refusal));
   }
 }
 

@@ -29,33 +29,35 @@ TEST_P(ControlLoopGLTest, ModesDecideWhatIsDrawnNext) {
     std::vector<int> requests;
     Ids drawn;  // at first
   } rows[] = {
-      {Mode::onceEach, {7, 7, 8, 7}, {9, 7, 8}},
-      {Mode::roundRobin, {0, 3, 5}, {9, 0, 3, 5, 0, 3, 5, 0, 3, 5}},
-      {static_cast<Mode>(77), {1, 2}, {9, 1, 2, 1, 2}},  // other values wait as mode 0 does and go round as mode 1
-      {Mode::snapshotMode, {4, 6}, {9, 4, 4, 4}},
+      {Mode::once_each, {7, 7, 8, 7}, {9, 7, 8}},
+      {Mode::round_robin, {0, 3, 5}, {9, 0, 3, 5, 0, 3, 5, 0, 3, 5}},
+      {static_cast<Mode>(77),
+       {1, 2},
+       {9, 1, 2, 1, 2}},  // other values wait as mode 0 does and go round as mode 1
+      {Mode::snapshot_mode, {4, 6}, {9, 4, 4, 4}},
   };
   for (const auto& row : rows) {
     Gate gate;
     drawn_.clear();
-    auto loop = makeRecordingLoop(8, 6);
+    auto loop = make_recording_loop(8, 6);
     loop->set_rendering_callback(rendering([&](std::uint32_t drawn) {
       drawn_.add(drawn);
       gate.pass();
     }));
     loop->request(9);
-    gate.awaitArrival();
+    gate.await_arrival();
     for (const int id : row.requests) loop->request(id);
     loop->set_mode(row.mode);
     gate.open();
-    Ids ids = drawn_.atLeast(row.drawn.size());
-    if (row.mode == OpenGLControlLoop::onceEach) {
+    Ids ids = drawn_.at_least(row.drawn.size());
+    if (row.mode == OpenGLControlLoop::once_each) {
       std::this_thread::sleep_for(50ms);
       ids = drawn_.all();
     } else {
       ids.resize(row.drawn.size());
     }
     EXPECT_EQ(ids, row.drawn) << static_cast<int>(row.mode);
-    if (row.mode != OpenGLControlLoop::snapshotMode) continue;
+    if (row.mode != OpenGLControlLoop::snapshot_mode) continue;
     Picture picture(8, 6);
     loop->snapshot(8, 6, picture.bytes.data());  // returns: another is running, as far as the loop can tell
     EXPECT_EQ(picture.bytes, Picture(8, 6).bytes);
@@ -63,7 +65,7 @@ TEST_P(ControlLoopGLTest, ModesDecideWhatIsDrawnNext) {
 }
 
 TEST_P(ControlLoopGLTest, WithoutSizeRequestsAreLost) {
-  auto loop = makeRecordingLoop(0, 6);
+  auto loop = make_recording_loop(0, 6);
   for (const std::uint32_t height : {0U, 6U}) {
     loop->request(1);
     std::this_thread::sleep_for(30ms);
@@ -72,29 +74,29 @@ TEST_P(ControlLoopGLTest, WithoutSizeRequestsAreLost) {
   std::this_thread::sleep_for(30ms);
   EXPECT_EQ(drawn_.all(), Ids{});
   loop->request(3);
-  EXPECT_EQ(returned_.atLeast(1), Ids{3});
+  EXPECT_EQ(returned_.at_least(1), Ids{3});
 }
 
-// Round robin with nothing to do, then mode 0: the render thread must not keep the mutex of the mode while it
-// waits.
+// Round robin with nothing to do, then mode 0: the render thread must not keep the
+// mutex of the mode while it waits.
 TEST_P(ControlLoopGLTest, ModeChangesOfAnIdleLoop) {
-  auto loop = makeRecordingLoop(8, 6);
+  auto loop = make_recording_loop(8, 6);
   for (int i = 0; i < 200; ++i) {
-    loop->set_mode(OpenGLControlLoop::roundRobin);
+    loop->set_mode(OpenGLControlLoop::round_robin);
     if (i % 3 == 0) std::this_thread::yield();
-    loop->set_mode(OpenGLControlLoop::onceEach);
+    loop->set_mode(OpenGLControlLoop::once_each);
   }
   Picture picture(3, 3);
   loop->snapshot(3, 3, picture.bytes.data());
-  EXPECT_TRUE(agree(picture, patternPicture(0, 3, 3), exact));
+  EXPECT_TRUE(agree(picture, pattern_picture(0, 3, 3), exact));
 }
 
 TEST_P(ControlLoopGLTest, BuffersRotateAndPixelsFollowTheSize) {
   Recorded<std::pair<void*, Picture>> frames;
-  auto loop = makeRecordingLoop(8, 6);
+  auto loop = make_recording_loop(8, 6);
   loop->set_image_ready_callback(
-      imageReady([&](Index, std::uint32_t width, std::uint32_t height, void* surface) {
-        Picture picture = surfacePicture(GetParam(), surface);
+      image_ready([&](Index, std::uint32_t width, std::uint32_t height, void* surface) {
+        Picture picture = surface_picture(GetParam(), surface);
         EXPECT_EQ(picture.width, static_cast<int>(width));
         EXPECT_EQ(picture.height, static_cast<int>(height));
         frames.add({surface, std::move(picture)});
@@ -106,8 +108,8 @@ TEST_P(ControlLoopGLTest, BuffersRotateAndPixelsFollowTheSize) {
     const auto id = 0x123450 + static_cast<int>(i);
     loop->resize(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height));
     loop->request(id);
-    const Picture last = frames.atLeast(i + 1).back().second;
-    EXPECT_TRUE(agree(last, patternPicture(static_cast<std::uint32_t>(id), width, height), exact));
+    const Picture last = frames.at_least(i + 1).back().second;
+    EXPECT_TRUE(agree(last, pattern_picture(static_cast<std::uint32_t>(id), width, height), exact));
   }
   const auto all = frames.all();
   ASSERT_EQ(all.size(), sizes.size());
@@ -123,19 +125,19 @@ TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
     threads.insert(std::this_thread::get_id());
     EXPECT_NE(glGetString(GL_VERSION), nullptr) << what;
   };
-  auto loop = std::make_unique<OpenGLControlLoop>(functor([&] { note("init"); }),
-                                                  functor([&] { note("uninit"); }));
+  auto loop =
+      std::make_unique<OpenGLControlLoop>(functor([&] { note("init"); }), functor([&] { note("uninit"); }));
   loop->set_rendering_callback(rendering([&](std::uint32_t) { note("draw"); }));
-  loop->set_image_ready_callback(imageReady([&](Index index, void*) {
+  loop->set_image_ready_callback(image_ready([&](Index index, void*) {
     returned_.add(index);
     std::this_thread::sleep_for(50ms);  // the loop is being deleted meanwhile
     order.push_back("ready");
   }));
-  loop->set_mode(OpenGLControlLoop::onceEach);
+  loop->set_mode(OpenGLControlLoop::once_each);
   loop->resize(4, 4);
   loop->request(1);
-  returned_.atLeast(1);
-  const std::string text = logOf([&] { loop.reset(); });
+  returned_.at_least(1);
+  const std::string text = log_of([&] { loop.reset(); });
   EXPECT_EQ(order, (Names{"init", "draw", "ready", "uninit"}));
   EXPECT_EQ(threads.size(), 1U);
   EXPECT_FALSE(threads.contains(std::this_thread::get_id()));
@@ -150,9 +152,9 @@ TEST_P(ControlLoopGLTest, AFailureEndsTheRenderThreadOnly) {
     SCOPED_TRACE(where);
     const bool unknown = where == "unknown";  // no std::exception
     const TestContext context;
-    void* const before = gl::currentContext();
+    void* const before = gl::current_context();
     errors_.clear();
-    const std::string text = logOf([&] {
+    const std::string text = log_of([&] {
       const auto init = [&] {
         if (unknown) throw 42;
         if (where == "init") throw std::runtime_error("no more");
@@ -160,35 +162,35 @@ TEST_P(ControlLoopGLTest, AFailureEndsTheRenderThreadOnly) {
       OpenGLControlLoop loop(functor(init), functor([] { ADD_FAILURE() << "uninit"; }),
                              ErrorCallback([&](const char* e) { errors_.add(e); }));
       loop.set_rendering_callback(rendering([](std::uint32_t) { throw std::runtime_error("no more"); }));
-      loop.set_image_ready_callback(imageReady([](Index, void*) { ADD_FAILURE() << "frame"; }));
-      loop.set_mode(OpenGLControlLoop::onceEach);
+      loop.set_image_ready_callback(image_ready([](Index, void*) { ADD_FAILURE() << "frame"; }));
+      loop.set_mode(OpenGLControlLoop::once_each);
       loop.resize(8, 6);
       if (where != "snapshot") loop.request(1);
-      if (where == "frame") errors_.atLeast(1);
+      if (where == "frame") errors_.at_least(1);
       Picture picture(2, 2);
       EXPECT_THROW(loop.snapshot(2, 2, picture.bytes.data()), std::runtime_error);
-      if (!unknown) errors_.atLeast(1);
+      if (!unknown) errors_.at_least(1);
       loop.request(2);
-      loop.set_mode(OpenGLControlLoop::roundRobin);
+      loop.set_mode(OpenGLControlLoop::round_robin);
     });
     EXPECT_EQ(errors_.all(), unknown ? Names{} : Names{"no more"});
     EXPECT_TRUE(contains(text, unknown ? "Rendering loop, unknown error.\n" : "Rendering loop: no more\n"))
         << text;
     EXPECT_FALSE(contains(text, "Rendering loop finished. ")) << text;
-    EXPECT_EQ(gl::currentContext(), before);
+    EXPECT_EQ(gl::current_context(), before);
   }
 }
 
 TEST_P(ControlLoopGLTest, DeletionWhileFramesWait) {
-  auto loop = makeRecordingLoop(8, 6);
+  auto loop = make_recording_loop(8, 6);
   std::atomic<int> returns{0};
-  loop->set_image_ready_callback(imageReady([&](Index, void*) {
+  loop->set_image_ready_callback(image_ready([&](Index, void*) {
     ++returns;
     gate_.pass();
   }));
   for (int id = 1; id <= 6; ++id) loop->request(id);
-  gate_.awaitArrival();
-  drawn_.atLeast(3);  // two wait in the return map
+  gate_.await_arrival();
+  drawn_.at_least(3);  // two wait in the return map
   auto deletion = std::async(std::launch::async, [&] { loop.reset(); });
   EXPECT_EQ(deletion.wait_for(50ms), std::future_status::timeout);
   const int before = returns;
@@ -200,19 +202,19 @@ TEST_P(ControlLoopGLTest, DeletionWhileFramesWait) {
 
 // The render thread is at most three frames ahead of a client that keeps a frame.
 TEST_P(ControlLoopGLTest, NothingIsDrawnIntoABufferThatTheClientHolds) {
-  auto loop = makeRecordingLoop(8, 6);
-  loop->set_image_ready_callback(imageReady([&](Index index, void* surface) {
+  auto loop = make_recording_loop(8, 6);
+  loop->set_image_ready_callback(image_ready([&](Index index, void* surface) {
     gate_.pass();
-    EXPECT_TRUE(agree(surfacePicture(GetParam(), surface), patternPicture(index, 8, 6), exact));
+    EXPECT_TRUE(agree(surface_picture(GetParam(), surface), pattern_picture(index, 8, 6), exact));
     returned_.add(index);
   }));
   for (int id = 1; id <= 9; ++id) loop->request(id);
-  gate_.awaitArrival();
-  drawn_.atLeast(3);
+  gate_.await_arrival();
+  drawn_.at_least(3);
   std::this_thread::sleep_for(50ms);
   EXPECT_EQ(drawn_.all(), (Ids{1, 2, 3}));
   gate_.open();
-  EXPECT_EQ(returned_.atLeast(9), (Ids{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+  EXPECT_EQ(returned_.at_least(9), (Ids{1, 2, 3, 4, 5, 6, 7, 8, 9}));
 }
 
 // From each of them; the loop goes on, as the order of the later ones shows.
@@ -235,13 +237,13 @@ TEST_P(ControlLoopGLTest, DeletionFromItsOwnThreadsIsRefused) {
         attempt("draw");
         if (fails) throw std::runtime_error("no more");
       }));
-      loop.set_image_ready_callback(imageReady([&](Index, void*) { attempt("ready"); }));
+      loop.set_image_ready_callback(image_ready([&](Index, void*) { attempt("ready"); }));
       made.set_value(&loop);
       loop.check_deletable();
-      loop.set_mode(OpenGLControlLoop::onceEach);
+      loop.set_mode(OpenGLControlLoop::once_each);
       loop.resize(4, 4);
       loop.request(1);
-      refused.atLeast(3);
+      refused.at_least(3);
     }
     EXPECT_EQ(refused.all(),
               fails ? Names({"init", "draw", "error"}) : Names({"init", "draw", "ready", "uninit"}));

@@ -1,9 +1,8 @@
-#include "hosting/loop/opengl_control.h"
-
 #include <cmath>
 #include <future>
 #include <thread>
 
+#include "hosting/loop/opengl_control.h"
 #include "hosting/surfaces/direct3d_sharing.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
@@ -19,9 +18,9 @@ class ControlGLTest : public LoopGLTest {};
 // Four frames use three buffers; a snapshot takes the front place until it is there.
 TEST_P(ControlGLTest, BuffersAndSnapshotsTakeTurns) {
   // What a driver left behind while the context was made is told and does no harm.
-  const TestContext loadsOpenGL;
+  const TestContext loads_opengl;
   GlSpy spy;
-  spy.queueError(GL_INVALID_ENUM);
+  spy.queue_error(GL_INVALID_ENUM);
   testing::internal::CaptureStderr();
   OpenGLControl control(GetParam());
   EXPECT_EQ(testing::internal::GetCapturedStderr().find(
@@ -41,11 +40,11 @@ TEST_P(ControlGLTest, BuffersAndSnapshotsTakeTurns) {
   ASSERT_NE(buffer, nullptr);
   auto waiter = std::async(std::launch::async, [&] { return control.wait_for_snapshot(); });
   buffer->prepare();
-  drawPattern(0x99);
+  draw_pattern(0x99);
   buffer->finish();
   EXPECT_TRUE(waiter.get());
   EXPECT_EQ(control.pending_snapshot(), nullptr);
-  EXPECT_TRUE(agree(picture, patternPicture(0x99, 7, 5), exact));
+  EXPECT_TRUE(agree(picture, pattern_picture(0x99, 7, 5), exact));
 
   control.snapshot(7, 5, picture.bytes.data());
   control.cancel_snapshot();
@@ -59,15 +58,15 @@ TEST_P(ControlGLTest, AClientDrivesItsOwnControl) {
   for (const auto call : {beforeRender, renderTestImage, updateBuffer, readBuffer}) call(control);
   deleteUniversalOpenGLControl(control);
   deleteUniversalOpenGLControl(nullptr);
-  EXPECT_EQ(pendingError(), "(none)");
-  expectNullRefused("The specified OpenGLControlHandle is invalid. ", beforeRender, updateBuffer, readBuffer,
-                    renderTestImage);
+  EXPECT_EQ(pending_error(), "(none)");
+  expect_null_refused("The specified OpenGLControlHandle is invalid. ", beforeRender, updateBuffer,
+                      readBuffer, renderTestImage);
 }
 
 OCT_EVERY_SHARING(ControlGLTest);
 
 // The angle of the triangle's red corner, in degrees to the left of the upright.
-double angleOf(const std::function<void()>& draw) {
+double angle_of(const std::function<void()>& draw) {
   OffscreenBufferObject buffer;
   Picture picture(200, 200);
   buffer.resize(200, 200);
@@ -80,7 +79,7 @@ double angleOf(const std::function<void()>& draw) {
   for (int c = 0; c < 3; ++c) EXPECT_NEAR(picture.pixel(100, 100)[c], 85, 12);  // the three colours mixed
   double best = -1.0;
   double result = 0.0;
-  picture.forEach([&](int x, int y) {
+  picture.for_each([&](int x, int y) {
     const auto [blue, green, red, alpha] = picture.bgra(x, y);
     if (red <= 150 || green >= 80 || blue >= 80 || red - green - blue <= best) return;
     best = red - green - blue;
@@ -91,31 +90,31 @@ double angleOf(const std::function<void()>& draw) {
 
 // By a degree a call; the controls' image and that of clients without control turn on their own.
 TEST(TestImageGLTest, TurnsCallByCall) {
-  OpenGLControl control(SurfaceSharing::hostMemory);
+  OpenGLControl control(SurfaceSharing::host_memory);
   const auto turn = [&] { control.render_test_image(); };
-  const double client = angleOf(glRenderTestImage);
-  const double own = angleOf(turn);
+  const double client = angle_of(glRenderTestImage);
+  const double own = angle_of(turn);
   for (int i = 0; i < 9; ++i) glRenderTestImage();
   for (int i = 0; i < 29; ++i) turn();
-  EXPECT_NEAR(angleOf(glRenderTestImage) - client, 10.0, 1.0);
-  EXPECT_NEAR(angleOf(turn) - own, 30.0, 1.0);
+  EXPECT_NEAR(angle_of(glRenderTestImage) - client, 10.0, 1.0);
+  EXPECT_NEAR(angle_of(turn) - own, 30.0, 1.0);
   std::thread([] {
     glRenderTestImage();
-    EXPECT_EQ(pendingError(), "No OpenGL context is current on the calling thread. ");
+    EXPECT_EQ(pending_error(), "No OpenGL context is current on the calling thread. ");
   }).join();
 }
 
 TEST(SurfaceSharingTest, OnlyWhatThePlatformHas) {
-  const int before = static_cast<int>(surfaceSharing());
+  const int before = static_cast<int>(surface_sharing());
   for (const int value : {-1, 2, 100}) {
     ::setSurfaceSharing(value);
-    EXPECT_EQ(pendingError(), "Invalid surface sharing selected. ");
+    EXPECT_EQ(pending_error(), "Invalid surface sharing selected. ");
   }
-  if (!hasDirect3D) {
+  if (!has_direct3d) {
     ::setSurfaceSharing(0);
-    EXPECT_EQ(pendingError(), "Ressouce sharing between OpenGL and DirectX not supported. ");
+    EXPECT_EQ(pending_error(), "Ressouce sharing between OpenGL and DirectX not supported. ");
   }
-  EXPECT_EQ(static_cast<int>(surfaceSharing()), before);
+  EXPECT_EQ(static_cast<int>(surface_sharing()), before);
 }
 
 }  // namespace

@@ -1,11 +1,10 @@
 // Frames rendered by OpenGL, read from the Direct3D surface. Direct3D is the machine's own.
-#include "hosting/surfaces/dx9_shared_buffer_object_windows.h"
-
 #include <chrono>
 
+#include "hosting/loop/opengl_control.h"
 #include "hosting/surfaces/client_surfaces.h"
 #include "hosting/surfaces/direct3d_sharing.h"
-#include "hosting/loop/opengl_control.h"
+#include "hosting/surfaces/dx9_shared_buffer_object_windows.h"
 #include "support/com_method_patch_windows.h"
 #include "support/dx_interop_stand_in.h"
 #include "support/gl_spy.h"
@@ -21,20 +20,20 @@ class DX9SharedBufferGLTest : public testing::Test {
   DX9SharedBufferGLTest() : interop_(InteropDevice::open(DX9Device::acquire())) {}
 
   // A whole frame that comes back as it was drawn; true if the client's scissor is on at its end.
-  static bool expectGoodFrame(DX9SharedBufferObject& buffer, bool clientScissor = false) {
+  static bool expect_good_frame(DX9SharedBufferObject& buffer, bool client_scissor = false) {
     buffer.prepare(3);
-    drawPattern(0x102030);
-    if (clientScissor) glEnable(GL_SCISSOR_TEST);
+    draw_pattern(0x102030);
+    if (client_scissor) glEnable(GL_SCISSOR_TEST);
     buffer.finish();
     const bool scissor = glIsEnabled(GL_SCISSOR_TEST);
     glDisable(GL_SCISSOR_TEST);
-    const Picture picture = direct3DSurfacePicture(buffer.map()->surface());
-    EXPECT_TRUE(agree(picture, patternPicture(0x102030, picture.width, picture.height), exact));
+    const Picture picture = direct3d_surface_picture(buffer.map()->surface());
+    EXPECT_TRUE(agree(picture, pattern_picture(0x102030, picture.width, picture.height), exact));
     return scissor;
   }
 
   TestContext context_;
-  DxInteropStandIn standIn_;
+  DxInteropStandIn stand_in_;
   std::unique_ptr<InteropDevice> interop_;
   DX9SharedBufferObject buffer_{interop_->device(), interop_.get(), 2};
 };
@@ -46,16 +45,16 @@ TEST_F(DX9SharedBufferGLTest, AFrameIsLockedFromPrepareToFinish) {
   for (const auto& [width, height] : {std::pair{40U, 30U}, {7U, 90U}}) {
     buffer_.resize(width, height);
     buffer_.prepare(++key);
-    EXPECT_EQ(standIn_.lockedObjects(), 1);
-    drawPattern(0x112233);
+    EXPECT_EQ(stand_in_.locked_objects(), 1);
+    draw_pattern(0x112233);
     buffer_.finish();
-    EXPECT_EQ(standIn_.lockedObjects(), 0);
+    EXPECT_EQ(stand_in_.locked_objects(), 0);
     EXPECT_EQ(buffer_.map()->index(), static_cast<unsigned>(key));
     EXPECT_EQ(buffer_.map()->width(), width);
     EXPECT_EQ(buffer_.map()->height(), height);
-    expectGoodFrame(buffer_);
+    expect_good_frame(buffer_);
   }
-  EXPECT_EQ(standIn_.registeredObjects(), 1);
+  EXPECT_EQ(stand_in_.registered_objects(), 1);
 }
 
 // Whatever the client leaves behind: a scissor would cut the blit, an unpack buffer would fill the
@@ -64,23 +63,23 @@ TEST_F(DX9SharedBufferGLTest, BlitFallbackWhenDepthDoesNotFit) {
   GlSpy spy;
   const gl::Buffer unpack = gl::Buffer::create();
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, unpack.get());
-  spy.failNext("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
+  spy.fail_next("glCheckFramebufferStatus", 1, GL_FRAMEBUFFER_UNSUPPORTED);
   buffer_.resize(20, 10);
-  EXPECT_TRUE(expectGoodFrame(buffer_, true));
+  EXPECT_TRUE(expect_good_frame(buffer_, true));
   EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
   buffer_.resize(21, 11);  // the next size tries again without the fall-back
-  expectGoodFrame(buffer_);
+  expect_good_frame(buffer_);
 }
 
 TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
-  const std::string notShared = "An error occured when creating a shared texture: ";
+  const std::string not_shared = "An error occured when creating a shared texture: ";
   const struct {
     std::string function;
     const char* message;
     std::string log;
   } faults[] = {
       {"Share", "Could not share resources. ", "Resource could not be shared. \n"},
-      {"Register", "Could not lock shared texture.", notShared + std::to_string(ERROR_NOT_SUPPORTED) + "\n"},
+      {"Register", "Could not lock shared texture.", not_shared + std::to_string(ERROR_NOT_SUPPORTED) + "\n"},
       {"Lock", "Could not lock shared texture.", ""},
       {"Unlock", "Could not unregister shared object. ", ""},
       {"Unregister", "Could not unregister shared object. ", ""},
@@ -90,35 +89,35 @@ TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
   buffer_.resize(8, 8);
   for (const auto& fault : faults) {
     SCOPED_TRACE(fault.function);
-    standIn_.failNext(fault.function);
+    stand_in_.fail_next(fault.function);
     if (fault.function == "framebuffer") {
-      spy.failNext("glCheckFramebufferStatus", 2, GL_FRAMEBUFFER_UNSUPPORTED);
+      spy.fail_next("glCheckFramebufferStatus", 2, GL_FRAMEBUFFER_UNSUPPORTED);
     }
     const std::string text =
-        logOf([&] { EXPECT_EQ(failureOf([&] { buffer_.resize(16, 12); }), fault.message); });
+        log_of([&] { EXPECT_EQ(failure_of([&] { buffer_.resize(16, 12); }), fault.message); });
     EXPECT_TRUE(contains(text, fault.log)) << text;
-    EXPECT_EQ(standIn_.lockedObjects(), 0);
+    EXPECT_EQ(stand_in_.locked_objects(), 0);
     EXPECT_EQ(buffer_.width(), 0U) << "the loop compares sizes and resizes again";
     buffer_.resize(16, 12);
-    expectGoodFrame(buffer_);
-    EXPECT_EQ(standIn_.registeredObjects(), 1);
+    expect_good_frame(buffer_);
+    EXPECT_EQ(stand_in_.registered_objects(), 1);
   }
   DX9SharedBufferObject alone(interop_->device(), nullptr, 0);
-  EXPECT_EQ(failureOf([&] { alone.resize(8, 8); }), "Cannot create a texture for a null device.");
+  EXPECT_EQ(failure_of([&] { alone.resize(8, 8); }), "Cannot create a texture for a null device.");
 }
 
 TEST_F(DX9SharedBufferGLTest, FailedFrames) {
-  EXPECT_EQ(failureOf([&] { buffer_.prepare(1); }), "shared texture could not be locked. ") << "no size";
+  EXPECT_EQ(failure_of([&] { buffer_.prepare(1); }), "shared texture could not be locked. ") << "no size";
   buffer_.resize(8, 8);
-  standIn_.failNext("Lock");
-  EXPECT_EQ(failureOf([&] { buffer_.prepare(1); }), "shared texture could not be locked. ");
+  stand_in_.fail_next("Lock");
+  EXPECT_EQ(failure_of([&] { buffer_.prepare(1); }), "shared texture could not be locked. ");
   buffer_.prepare(2);
-  standIn_.failNext("Unlock");
+  stand_in_.fail_next("Unlock");
   for (int i = 0; i < 2; ++i) {  // then no frame is begun
-    EXPECT_EQ(failureOf([&] { buffer_.finish(); }), "shared texture could not be unlocked. ");
+    EXPECT_EQ(failure_of([&] { buffer_.finish(); }), "shared texture could not be unlocked. ");
   }
   buffer_.prepare(3);  // a frame whose callback throws never comes to finish
-  expectGoodFrame(buffer_);
+  expect_good_frame(buffer_);
 }
 
 TEST_F(DX9SharedBufferGLTest, FenceTimeOut) {
@@ -133,7 +132,7 @@ TEST_F(DX9SharedBufferGLTest, FenceTimeOut) {
         {[](GLsync, GLbitfield, GLuint64) -> GLenum { return GL_WAIT_FAILED; }, "(none)"}}) {
     buffer_.prepare(1);
     __glewClientWaitSync = answer;
-    EXPECT_EQ(failureOf([&] { buffer_.finish(); }), message);
+    EXPECT_EQ(failure_of([&] { buffer_.finish(); }), message);
     __glewClientWaitSync = original;
   }
 }
@@ -142,43 +141,43 @@ using CreateTexture = HRESULT(WINAPI*)(IDirect3DDevice9*, UINT, UINT, UINT, DWOR
                                        IDirect3DTexture9**, HANDLE*);
 
 TEST_F(DX9SharedBufferGLTest, WhatDirect3DRefuses) {
-  const char* const noTarget = "Could not generate render target. ";
-  EXPECT_EQ(failureOf([&] { buffer_.resize(100000, 8); }), noTarget);
-  clearGLErrors();
+  const char* const no_target = "Could not generate render target. ";
+  EXPECT_EQ(failure_of([&] { buffer_.resize(100000, 8); }), no_target);
+  clear_gl_errors();
   {
     const ComMethodPatch<CreateTexture> patch(
         interop_->device().get(), 23,
         [](IDirect3DDevice9*, UINT, UINT, UINT, DWORD, D3DFORMAT, D3DPOOL, IDirect3DTexture9**,
            HANDLE*) -> HRESULT { return D3DERR_OUTOFVIDEOMEMORY; });
-    const std::string text = logOf([&] { EXPECT_EQ(failureOf([&] { buffer_.resize(8, 8); }), noTarget); });
+    const std::string text = log_of([&] { EXPECT_EQ(failure_of([&] { buffer_.resize(8, 8); }), no_target); });
     EXPECT_TRUE(contains(text, "An error occured when creating render target: D3DERR_OUTOFVIDEOMEMORY\n"))
         << text;
-    EXPECT_EQ(failureOf([] { clientSurfaces().create(SurfaceSharing::direct3D, 8, 8); }), noTarget);
+    EXPECT_EQ(failure_of([] { client_surfaces().create(SurfaceSharing::direct3d, 8, 8); }), no_target);
   }
   {
-    const DX9Texture any = interop_->device().createTexture(4, 4);
+    const DX9Texture any = interop_->device().create_texture(4, 4);
     using GetSurfaceLevel = HRESULT(WINAPI*)(IDirect3DTexture9*, UINT, IDirect3DSurface9**);
     const ComMethodPatch<GetSurfaceLevel> patch(
         any.texture.get(), 18,
         [](IDirect3DTexture9*, UINT, IDirect3DSurface9**) -> HRESULT { return D3DERR_INVALIDCALL; });
-    EXPECT_EQ(failureOf([&] { buffer_.resize(8, 8); }), "Could not get surface level of shared texture. ");
-    EXPECT_EQ(standIn_.registeredObjects(), 1) << "the surface comes after the registration";
+    EXPECT_EQ(failure_of([&] { buffer_.resize(8, 8); }), "Could not get surface level of shared texture. ");
+    EXPECT_EQ(stand_in_.registered_objects(), 1) << "the surface comes after the registration";
   }
   buffer_.resize(8, 8);
-  expectGoodFrame(buffer_);
+  expect_good_frame(buffer_);
   IDirect3DSurface9* memory = nullptr;  // no target of a stretching copy
   interop_->device().get()->CreateOffscreenPlainSurface(16, 16, D3DFMT_X8R8G8B8, D3DPOOL_SYSTEMMEM, &memory,
                                                         nullptr);
   const ComOwner<IDirect3DSurface9> owner(memory);
-  void* const surface = clientSurfaces().create(SurfaceSharing::direct3D, 16, 16);
-  EXPECT_EQ(failureOf([&] { ClientSurfaces::copy(SurfaceSharing::direct3D, surface, memory); }),
+  void* const surface = client_surfaces().create(SurfaceSharing::direct3d, 16, 16);
+  EXPECT_EQ(failure_of([&] { ClientSurfaces::copy(SurfaceSharing::direct3d, surface, memory); }),
             "Could not copy the surface: D3DERR_INVALIDCALL");
-  clientSurfaces().destroy(surface);
+  client_surfaces().destroy(surface);
   for (const auto& [code, name] : {std::pair{E_OUTOFMEMORY, "E_OUTOFMEMORY"},
                                    {D3DERR_INVALIDCALL, "D3DERR_INVALIDCALL"},
                                    {D3D_OK, "D3D_OK"},
                                    {E_FAIL, "Unknown Error Code"}}) {
-    EXPECT_STREQ(dx9ResultName(code), name);
+    EXPECT_STREQ(dx9_result_name(code), name);
   }
 }
 
@@ -190,10 +189,10 @@ TEST_F(DX9SharedBufferGLTest, AFrameEndsWithPresent) {
   using Present = HRESULT(WINAPI*)(IDirect3DDevice9*, const RECT*, const RECT*, HWND, const RGNDATA*);
   buffer_.resize(8, 8);
   calls.clear();
-  static const DxInteropStandIn* standIn = nullptr;
-  standIn = &standIn_;
-  const ComMethodPatch<EndScene> endScene(interop_->device().get(), 42, [](IDirect3DDevice9*) -> HRESULT {
-    calls.push_back(standIn->lockedObjects() == 0 ? "EndScene" : "EndScene too early");
+  static const DxInteropStandIn* stand_in = nullptr;
+  stand_in = &stand_in_;
+  const ComMethodPatch<EndScene> end_scene(interop_->device().get(), 42, [](IDirect3DDevice9*) -> HRESULT {
+    calls.push_back(stand_in->locked_objects() == 0 ? "EndScene" : "EndScene too early");
     return D3DERR_INVALIDCALL;
   });
   const ComMethodPatch<Present> present(
@@ -210,24 +209,24 @@ TEST_F(DX9SharedBufferGLTest, AFrameEndsWithPresent) {
 
 TEST(DX9BufferSourceGLTest, OpensAndClosesTheInterop) {
   const TestContext context;
-  DxInteropStandIn standIn;
+  DxInteropStandIn stand_in;
   GlSpy spy;
-  standIn.failNext("Open");
-  EXPECT_EQ(openDirect3DBufferSource(), nullptr);
+  stand_in.fail_next("Open");
+  EXPECT_EQ(open_direct3d_buffer_source(), nullptr);
   for (const bool fails : {false, true}) {
     testing::internal::CaptureStderr();
     {
-      const auto source = openDirect3DBufferSource();
-      const auto buffer = source->createBuffer(1);
+      const auto source = open_direct3d_buffer_source();
+      const auto buffer = source->create_buffer(1);
       EXPECT_EQ(buffer->buffer_id(), 1);
       buffer->resize(4, 4);
-      EXPECT_EQ(standIn.registeredObjects(), 1);
-      if (fails) standIn.failNext("Unregister");
+      EXPECT_EQ(stand_in.registered_objects(), 1);
+      if (fails) stand_in.fail_next("Unregister");
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), fails ? "Could not unregister shared object. \n" : "");
   }
-  EXPECT_EQ(standIn.openDevices(), 0);
-  EXPECT_EQ(spy.liveObjects(), 0U);
+  EXPECT_EQ(stand_in.open_devices(), 0);
+  EXPECT_EQ(spy.live_objects(), 0U);
 }
 
 // Every attempt goes to the log; the control gives up after a second.
@@ -235,7 +234,7 @@ TEST(DX9WithoutInteropGLTest, ControlFailsAfterASecond) {
   const auto start = std::chrono::steady_clock::now();
   std::string message;
   const std::string text =
-      logOf([&] { message = failureOf([] { OpenGLControl control(SurfaceSharing::direct3D); }); });
+      log_of([&] { message = failure_of([] { OpenGLControl control(SurfaceSharing::direct3d); }); });
   EXPECT_EQ(message, "Cannot properly create an OpenGLControl.");
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
   const std::string line = "Ressouce sharing between OpenGL and DirectX not supported. \n";
@@ -251,13 +250,13 @@ using CreateDeviceEx = HRESULT(WINAPI*)(IDirect3D9Ex*, UINT, D3DDEVTYPE, HWND, D
 
 // Nothing but the request is looked at; it is then refused.
 TEST(DX9DeviceTest, IsMadeOnItsWindowsThread) {
-  IDirect3D9Ex* direct3D = nullptr;
-  ASSERT_TRUE(SUCCEEDED(Direct3DCreate9Ex(D3D_SDK_VERSION, &direct3D)));
-  const ComOwner<IDirect3D9Ex> owner(direct3D);
+  IDirect3D9Ex* direct3d = nullptr;
+  ASSERT_TRUE(SUCCEEDED(Direct3DCreate9Ex(D3D_SDK_VERSION, &direct3d)));
+  const ComOwner<IDirect3D9Ex> owner(direct3d);
   caller = GetCurrentThreadId();
   {
     const ComMethodPatch<CreateDeviceEx> patch(
-        direct3D, 20,
+        direct3d, 20,
         [](IDirect3D9Ex*, UINT adapter, D3DDEVTYPE type, HWND window, DWORD flags,
            D3DPRESENT_PARAMETERS* parameters, D3DDISPLAYMODEEX*, IDirect3DDevice9Ex**) -> HRESULT {
           ++requests;
@@ -268,14 +267,14 @@ TEST(DX9DeviceTest, IsMadeOnItsWindowsThread) {
           EXPECT_EQ(parameters->BackBufferFormat, D3DFMT_X8R8G8B8);
           EXPECT_EQ(static_cast<int>(parameters->SwapEffect), 2);
           EXPECT_EQ(parameters->BackBufferWidth + parameters->BackBufferHeight, 0U);
-          char windowClass[32] = {};
-          GetClassNameA(window, windowClass, sizeof windowClass);
-          EXPECT_STREQ(windowClass, "DirectXWindow");
+          char window_class[32] = {};
+          GetClassNameA(window, window_class, sizeof window_class);
+          EXPECT_STREQ(window_class, "DirectXWindow");
           EXPECT_EQ(GetWindowThreadProcessId(window, nullptr), GetCurrentThreadId());
           EXPECT_NE(GetCurrentThreadId(), caller);
           return D3DERR_NOTAVAILABLE;
         });
-    EXPECT_EQ(failureOf([] { DX9Device::acquire(); }), "An error occured creating the Direct 3D device. ");
+    EXPECT_EQ(failure_of([] { DX9Device::acquire(); }), "An error occured creating the Direct 3D device. ");
   }
   EXPECT_EQ(requests, 1);
   EXPECT_NE(DX9Device::acquire()->get(), nullptr) << "a failure does not stand in the way of the next";

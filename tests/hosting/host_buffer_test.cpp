@@ -1,8 +1,7 @@
-#include "hosting/surfaces/host_buffer_object.h"
-
 #include <future>
 #include <stdexcept>
 
+#include "hosting/surfaces/host_buffer_object.h"
 #include "support/gl_spy.h"
 #include "support/surfaces.h"
 #include "support/test_context.h"
@@ -17,12 +16,12 @@ class HostBufferGLTest : public GLTest {
  protected:
   void draw(std::int32_t id) {
     buffer_.prepare(id);
-    drawPattern(static_cast<std::uint32_t>(id));
+    draw_pattern(static_cast<std::uint32_t>(id));
     buffer_.finish();
   }
 
   // Completes the frame and compares it with that id's.
-  void expectMapped(std::uint32_t id, int width, int height) {
+  void expect_mapped(std::uint32_t id, int width, int height) {
     EXPECT_EQ(buffer_.map(), nullptr);  // the read-back has only been asked for
     EXPECT_TRUE(buffer_.complete(true));
     const auto mapped = buffer_.map();
@@ -30,7 +29,7 @@ class HostBufferGLTest : public GLTest {
     EXPECT_EQ(mapped->index(), id);
     EXPECT_EQ(mapped->width(), static_cast<std::uint32_t>(width));
     EXPECT_EQ(mapped->height(), static_cast<std::uint32_t>(height));
-    EXPECT_TRUE(agree(hostSurfacePicture(mapped->surface()), patternPicture(id, width, height), exact));
+    EXPECT_TRUE(agree(host_surface_picture(mapped->surface()), pattern_picture(id, width, height), exact));
   }
 
   HostBufferObject buffer_{2};
@@ -41,10 +40,10 @@ TEST_F(HostBufferGLTest, AFrameIsMappedFromItsCompletionToTheNext) {
   EXPECT_TRUE(buffer_.complete(true));
   buffer_.resize(13, 9);
   draw(0x00C0FFEE);
-  expectMapped(0x00C0FFEE, 13, 9);
+  expect_mapped(0x00C0FFEE, 13, 9);
   EXPECT_EQ(buffer_.buffer_id(), 2);
   draw(2);
-  expectMapped(2, 13, 9);
+  expect_mapped(2, 13, 9);
 }
 
 TEST_F(HostBufferGLTest, AViewHoldsTheLock) {
@@ -61,13 +60,13 @@ TEST_F(HostBufferGLTest, AViewHoldsTheLock) {
 TEST_F(HostBufferGLTest, ReadsWhateverTheClientLeftBound) {
   buffer_.resize(5, 7);
   buffer_.prepare(3);
-  drawPattern(3);
+  draw_pattern(3);
   glPixelStorei(GL_PACK_ALIGNMENT, 8);
   glPixelStorei(GL_PACK_ROW_LENGTH, 64);
   glPixelStorei(GL_PACK_SKIP_PIXELS, 3);
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
   buffer_.finish();
-  expectMapped(3, 5, 7);
+  expect_mapped(3, 5, 7);
 }
 
 TEST_F(HostBufferGLTest, AFailedResizeIsRepairedByTheNextAndNothingIsLost) {
@@ -77,38 +76,38 @@ TEST_F(HostBufferGLTest, AFailedResizeIsRepairedByTheNextAndNothingIsLost) {
         {"glBufferData", GL_OUT_OF_MEMORY, "There is not enough memory"},
         {"glCheckFramebufferStatus", GL_FRAMEBUFFER_UNSUPPORTED, "GL_FRAMEBUFFER_UNSUPPORTED\n"}}) {
     buffer_.resize(4, 4);
-    spy.failNext(function, 1, static_cast<GLenum>(error));
-    const std::string text = logOf([&] { EXPECT_THROW(buffer_.resize(6, 6), std::runtime_error); });
+    spy.fail_next(function, 1, static_cast<GLenum>(error));
+    const std::string text = log_of([&] { EXPECT_THROW(buffer_.resize(6, 6), std::runtime_error); });
     EXPECT_TRUE(contains(text, std::string("An error occured when creating render target: ") + reason))
         << text;
     EXPECT_EQ(buffer_.width(), 0U);
     buffer_.resize(6, 6);
     draw(9);
-    expectMapped(9, 6, 6);
-    EXPECT_EQ(spy.liveObjects(), 4U);  // framebuffer, two renderbuffers, pixel buffer
+    expect_mapped(9, 6, 6);
+    EXPECT_EQ(spy.live_objects(), 4U);  // framebuffer, two renderbuffers, pixel buffer
   }
   buffer_.release();
-  EXPECT_EQ(spy.liveObjects(), 0U);
+  EXPECT_EQ(spy.live_objects(), 0U);
 }
 
-GLenum waitAnswer = 0;
+GLenum wait_answer = 0;
 
 TEST_F(HostBufferGLTest, AGpuThatIsNotDone) {
   buffer_.resize(4, 4);
   const auto original = __glewClientWaitSync;
   for (const GLenum failure : {GLenum{GL_TIMEOUT_EXPIRED}, GLenum{GL_WAIT_FAILED}}) {
-    waitAnswer = failure;
+    wait_answer = failure;
     draw(1);
-    __glewClientWaitSync = [](GLsync, GLbitfield, GLuint64) { return waitAnswer; };
+    __glewClientWaitSync = [](GLsync, GLbitfield, GLuint64) { return wait_answer; };
     if (failure == GL_TIMEOUT_EXPIRED) {
       EXPECT_FALSE(buffer_.complete(false));
     }
-    EXPECT_EQ(failureOf([&] { buffer_.complete(true); }), "Rendering could not finish within one second. ");
+    EXPECT_EQ(failure_of([&] { buffer_.complete(true); }), "Rendering could not finish within one second. ");
     __glewClientWaitSync = original;
     EXPECT_EQ(buffer_.map(), nullptr);
   }
   draw(5);
-  expectMapped(5, 4, 4);
+  expect_mapped(5, 4, 4);
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ testing::AssertionResult sets(MarkRecorder& recorder, const Names& expected) {
 class LoopMarksGLTest : public LoopGLTest {};
 
 TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
-  const bool direct3D = GetParam() == SurfaceSharing::direct3D;
+  const bool direct3d = GetParam() == SurfaceSharing::direct3d;
   MarkRecorder recorder;
   {
     prepareOpenGL();
@@ -33,7 +33,7 @@ TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
     loop.set_image_ready_callback(
         ImageReadyCallback([](std::uint32_t, std::uint32_t, std::uint32_t, void*) {}));
     loop.resize(4, 4);
-    loop.set_mode(OpenGLControlLoop::onceEach);
+    loop.set_mode(OpenGLControlLoop::once_each);
     Picture picture(3, 3);
     loop.request(7);
     for (int patience = 0; patience < 1000 && !sets(recorder, {"-Image ready callback"}); ++patience) {
@@ -54,12 +54,12 @@ TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
        "+OfflienRenderingWindows are destroyed. "}));
   // The render thread: a frame, a snapshot, the end.
   Names resize{"+host_buffer_resize", "-host_buffer_resize"};
-  if (direct3D) resize = {"+dx_buffer_resize_incl", "+dx_buffer_resize_excl", "+resize shared buffer"};
+  if (direct3d) resize = {"+dx_buffer_resize_incl", "+dx_buffer_resize_excl", "+resize shared buffer"};
   Names frame{"+Rendering Loop", "+OpenGLControl", "-OpenGLControl", "+rendering_loop_it_incl",
               "+rendering_loop_it_excl"};
   frame.insert(frame.end(), resize.begin(), resize.end());
   for (const char* mark : {"+Rendering callback (0)", "+Test image callback", "-Test image callback",
-                           direct3D ? "+DXSharedBufferObject: finish" : "+HostBufferObject: finish",
+                           direct3d ? "+DXSharedBufferObject: finish" : "+HostBufferObject: finish",
                            "-Rendering callback (0)", "-rendering_loop_it_excl", "-rendering_loop_it_incl"}) {
     frame.push_back(mark);
   }
@@ -69,9 +69,9 @@ TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
       {"+Rendering callback (-1)", "+OffscreenBuffer::prepare", "!before_rendering",
        "-OffscreenBuffer::prepare", "+OffscreenBuffer::finish", "-OffscreenBuffer::finish",
        "-Rendering callback (-1)", "+Uninit of specific OpenGL control", "-Uninit of specific OpenGL control",
-       direct3D ? "+~DX9SharedBufferObject" : "+~HostBufferObject", "-Rendering Loop"}));
+       direct3d ? "+~DX9SharedBufferObject" : "+~HostBufferObject", "-Rendering Loop"}));
   // The return thread.
-  const std::string map = direct3D ? "dxmap_buffer_object" : "host_map_buffer_object";
+  const std::string map = direct3d ? "dxmap_buffer_object" : "host_map_buffer_object";
   EXPECT_TRUE(sets(recorder, {"+Return loop", "+return_loop_it_incl", "+return_loop_it_excl", "+" + map,
                               "-" + map, "+Return buffer callback (0)", "+Image ready callback",
                               "-Image ready callback", "-Return buffer callback (0)", "-return_loop_it_excl",

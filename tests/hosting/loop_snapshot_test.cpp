@@ -16,17 +16,17 @@ using Ids = std::vector<std::uint32_t>;
 class LoopSnapshotGLTest : public LoopGLTest {
  protected:
   // A loop that draws the pattern of one id, whatever it is asked for.
-  std::unique_ptr<OpenGLControlLoop> makePatternLoop(std::uint32_t pattern) {
-    auto loop = makeRecordingLoop(8, 6);
+  std::unique_ptr<OpenGLControlLoop> make_pattern_loop(std::uint32_t pattern) {
+    auto loop = make_recording_loop(8, 6);
     loop->set_rendering_callback(rendering([this, pattern](std::uint32_t id) {
-      drawPattern(pattern);
+      draw_pattern(pattern);
       drawn_.add(id);
     }));
     return loop;
   }
 
   // A snapshot of 4 by 4 pixels, taken on a thread of its own.
-  std::future<void> snapshotOf(OpenGLControlLoop& loop) {
+  std::future<void> snapshot_of(OpenGLControlLoop& loop) {
     return std::async(std::launch::async, [this, &loop] { loop.snapshot(4, 4, picture_.bytes.data()); });
   }
 
@@ -34,20 +34,20 @@ class LoopSnapshotGLTest : public LoopGLTest {
 };
 
 TEST_P(LoopSnapshotGLTest, AnySizeWhileTheLoopDraws) {
-  auto loop = makePatternLoop(0x00AB12CD);
-  loop->set_mode(OpenGLControlLoop::roundRobin);
+  auto loop = make_pattern_loop(0x00AB12CD);
+  loop->set_mode(OpenGLControlLoop::round_robin);
   loop->request(5);
   for (const auto& [width, height] : {std::pair{1, 1}, {3, 200}, {640, 480}, {20, 10}, {33, 7}}) {
     Picture picture(width, height);
     loop->snapshot(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
                    picture.bytes.data());
-    EXPECT_TRUE(agree(picture, patternPicture(0x00AB12CD, width, height), exact));
+    EXPECT_TRUE(agree(picture, pattern_picture(0x00AB12CD, width, height), exact));
   }
 }
 
 TEST_P(LoopSnapshotGLTest, OfNoExtentWritesNothing) {
-  auto loop = makeRecordingLoop(20, 10);
-  loop->set_mode(OpenGLControlLoop::roundRobin);
+  auto loop = make_recording_loop(20, 10);
+  loop->set_mode(OpenGLControlLoop::round_robin);
   loop->request(-1);  // draws nothing and is in nobody's way
   std::uint8_t byte = 77;
   loop->snapshot(0, 0, &byte);
@@ -55,27 +55,27 @@ TEST_P(LoopSnapshotGLTest, OfNoExtentWritesNothing) {
 }
 
 TEST_P(LoopSnapshotGLTest, NobodyIsHandedASnapshot) {
-  auto loop = makeRecordingLoop(8, 6);
+  auto loop = make_recording_loop(8, 6);
   Picture picture(5, 5);
   loop->snapshot(5, 5, picture.bytes.data());
   loop->request(3);
-  const Ids ids = returned_.atLeast(1);
+  const Ids ids = returned_.at_least(1);
   for (const std::uint32_t id : ids) EXPECT_TRUE(id == 3 || id == 0);
   // The snapshot's own request stays in the queue and is drawn once as a frame when mode 0 is back.
-  EXPECT_EQ(returned_.atLeast(2).size(), 2U);
+  EXPECT_EQ(returned_.at_least(2).size(), 2U);
 }
 
 TEST_P(LoopSnapshotGLTest, ModeSetMeanwhileHoldsAfterwards) {
   Gate gate;  // the loop's thread may still pass it while the loop ends
-  auto loop = makeRecordingLoop(8, 6);
-  loop->set_mode(OpenGLControlLoop::roundRobin);
+  auto loop = make_recording_loop(8, 6);
+  loop->set_mode(OpenGLControlLoop::round_robin);
   loop->set_rendering_callback(rendering([&](std::uint32_t id) {
     drawn_.add(id);
     gate.pass();
   }));
-  auto snapshot = snapshotOf(*loop);
-  gate.awaitArrival();
-  loop->set_mode(OpenGLControlLoop::onceEach);
+  auto snapshot = snapshot_of(*loop);
+  gate.await_arrival();
+  loop->set_mode(OpenGLControlLoop::once_each);
   EXPECT_EQ(snapshot.wait_for(20ms), std::future_status::timeout);
   gate.open();
   snapshot.get();
@@ -85,31 +85,31 @@ TEST_P(LoopSnapshotGLTest, ModeSetMeanwhileHoldsAfterwards) {
   std::this_thread::sleep_for(100ms);
   EXPECT_EQ(drawn_.all().size(), count);
   loop->request(8);
-  EXPECT_EQ(drawn_.atLeast(count + 1).back(), 8U);
+  EXPECT_EQ(drawn_.at_least(count + 1).back(), 8U);
 }
 
 TEST_P(LoopSnapshotGLTest, ASecondOneMeanwhileDoesNothing) {
   Gate gate;  // the loop's thread may still pass it while the loop ends
-  auto loop = makeRecordingLoop(8, 6);
+  auto loop = make_recording_loop(8, 6);
   loop->set_rendering_callback(rendering([&](std::uint32_t) {
-    drawPattern(0x112233);
+    draw_pattern(0x112233);
     gate.pass();
   }));
-  auto snapshot = snapshotOf(*loop);
-  gate.awaitArrival();
+  auto snapshot = snapshot_of(*loop);
+  gate.await_arrival();
   Picture second(9, 9);
   loop->snapshot(9, 9, second.bytes.data());
   EXPECT_EQ(second.bytes, Picture(9, 9).bytes);
   gate.open();
   snapshot.get();
-  EXPECT_TRUE(agree(picture_, patternPicture(0x112233, 4, 4), exact));
+  EXPECT_TRUE(agree(picture_, pattern_picture(0x112233, 4, 4), exact));
 }
 
 TEST_P(LoopSnapshotGLTest, FromTheImageReadyFunctionWhileFramesWait) {
-  auto loop = makePatternLoop(0x445566);
-  loop->set_image_ready_callback(imageReady([&, first = true](Index index, void*) mutable {
+  auto loop = make_pattern_loop(0x445566);
+  loop->set_image_ready_callback(image_ready([&, first = true](Index index, void*) mutable {
     if (std::exchange(first, false)) {
-      drawn_.atLeast(3);
+      drawn_.at_least(3);
       loop->snapshot(4, 4, picture_.bytes.data());
     }
     returned_.add(index);
@@ -118,16 +118,16 @@ TEST_P(LoopSnapshotGLTest, FromTheImageReadyFunctionWhileFramesWait) {
   // While a snapshot is on its way the loop may repeat the front of the queue, which then comes twice.
   std::set<std::uint32_t> came;
   for (std::size_t count = 7; came.size() < 7 && count < 12; ++count) {
-    const Ids ids = returned_.atLeast(count);
+    const Ids ids = returned_.at_least(count);
     came = {ids.begin(), ids.end()};
   }
-  EXPECT_TRUE(agree(picture_, patternPicture(0x445566, 4, 4), exact));
+  EXPECT_TRUE(agree(picture_, pattern_picture(0x445566, 4, 4), exact));
   EXPECT_EQ(came, (std::set<std::uint32_t>{0, 1, 2, 3, 4, 5, 6}));  // nothing that was asked for is lost
 }
 
 TEST_P(LoopSnapshotGLTest, FromTheRenderFunctionIsRefused) {
   Recorded<bool> refused;
-  auto loop = makeRecordingLoop(8, 6);
+  auto loop = make_recording_loop(8, 6);
   loop->set_rendering_callback(rendering([&](std::uint32_t) {
     try {
       loop->snapshot(4, 4, picture_.bytes.data());
@@ -137,43 +137,43 @@ TEST_P(LoopSnapshotGLTest, FromTheRenderFunctionIsRefused) {
     }
   }));
   loop->request(1);
-  EXPECT_EQ(refused.atLeast(1), std::vector<bool>{true});
+  EXPECT_EQ(refused.at_least(1), std::vector<bool>{true});
 }
 
 TEST_P(LoopSnapshotGLTest, OfALoopWithoutSizeComesWithTheSize) {
-  auto loop = makeRecordingLoop(0, 0);
-  auto snapshot = snapshotOf(*loop);
+  auto loop = make_recording_loop(0, 0);
+  auto snapshot = snapshot_of(*loop);
   EXPECT_EQ(snapshot.wait_for(30ms), std::future_status::timeout);
   loop->resize(9, 9);
   snapshot.get();
-  EXPECT_TRUE(agree(picture_, patternPicture(0, 4, 4), exact));
+  EXPECT_TRUE(agree(picture_, pattern_picture(0, 4, 4), exact));
 }
 
 TEST_P(LoopSnapshotGLTest, OfALoopWithoutSizeDoesNotHoldUpDeletion) {
-  auto loop = makeRecordingLoop(0, 0);
-  auto snapshot = snapshotOf(*loop);
+  auto loop = make_recording_loop(0, 0);
+  auto snapshot = snapshot_of(*loop);
   EXPECT_EQ(snapshot.wait_for(30ms), std::future_status::timeout);
   loop.reset();
   EXPECT_THROW(snapshot.get(), std::runtime_error);
 }
 
 TEST_P(LoopSnapshotGLTest, DeletionLetsARunningOneFinish) {
-  auto loop = makeRecordingLoop(8, 6);
-  std::promise<void> inFrame;
+  auto loop = make_recording_loop(8, 6);
+  std::promise<void> in_frame;
   loop->set_rendering_callback(rendering([&, first = true](std::uint32_t) mutable {
-    if (std::exchange(first, false)) inFrame.set_value();
+    if (std::exchange(first, false)) in_frame.set_value();
     std::this_thread::sleep_for(30ms);
-    drawPattern(0x00FF7F);
+    draw_pattern(0x00FF7F);
   }));
-  auto snapshot = snapshotOf(*loop);
-  inFrame.get_future().wait();
+  auto snapshot = snapshot_of(*loop);
+  in_frame.get_future().wait();
   loop.reset();
   snapshot.get();
-  EXPECT_TRUE(agree(picture_, patternPicture(0x00FF7F, 4, 4), exact));
+  EXPECT_TRUE(agree(picture_, pattern_picture(0x00FF7F, 4, 4), exact));
 }
 
 TEST_P(LoopSnapshotGLTest, ManyClientsAtOnce) {
-  auto loop = makePatternLoop(0x0000FE);
+  auto loop = make_pattern_loop(0x0000FE);
   std::vector<std::thread> threads;
   std::atomic<int> pictures{0};
   for (int i = 0; i < 4; ++i) {
@@ -183,13 +183,13 @@ TEST_P(LoopSnapshotGLTest, ManyClientsAtOnce) {
         loop->snapshot(static_cast<std::uint32_t>(4 + i), 5, picture.bytes.data());
         if (picture.bytes[3] == 0) continue;  // another one was running
         ++pictures;
-        EXPECT_TRUE(agree(picture, patternPicture(0x0000FE, 4 + i, 5), exact));
+        EXPECT_TRUE(agree(picture, pattern_picture(0x0000FE, 4 + i, 5), exact));
       }
     });
   }
   for (int id = 1; id < 60; ++id) {
     loop->request(id);
-    loop->set_mode(id % 2 ? OpenGLControlLoop::roundRobin : OpenGLControlLoop::onceEach);
+    loop->set_mode(id % 2 ? OpenGLControlLoop::round_robin : OpenGLControlLoop::once_each);
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_GT(pictures, 0);

@@ -1,8 +1,7 @@
-#include "hosting/offscreen/offscreen_buffer_object.h"
-
 #include <atomic>
 #include <thread>
 
+#include "hosting/offscreen/offscreen_buffer_object.h"
 #include "support/gl_spy.h"
 #include "support/pictures.h"
 #include "support/test_context.h"
@@ -12,13 +11,13 @@ namespace {
 
 class OffscreenBufferGLTest : public GLTest {
  protected:
-  static void clearTo(int red, int green, int blue) {
+  static void clear_to(int red, int green, int blue) {
     glClearColor(static_cast<float>(red) / 255.0F, static_cast<float>(green) / 255.0F,
                  static_cast<float>(blue) / 255.0F, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT);
   }
 
-  void makeReady(Picture& picture) {
+  void make_ready(Picture& picture) {
     buffer_.resize(static_cast<std::uint32_t>(picture.width), static_cast<std::uint32_t>(picture.height));
     buffer_.set_output_data(picture.bytes.data());
   }
@@ -28,16 +27,16 @@ class OffscreenBufferGLTest : public GLTest {
 
 TEST_F(OffscreenBufferGLTest, BottomRowFirstInBgra) {
   Picture picture(5, 3);
-  makeReady(picture);
+  make_ready(picture);
   buffer_.prepare();
-  clearTo(10, 20, 30);
+  clear_to(10, 20, 30);
   glEnable(GL_SCISSOR_TEST);
   glScissor(1, 0, 1, 1);
-  clearTo(200, 100, 50);
+  clear_to(200, 100, 50);
   glDisable(GL_SCISSOR_TEST);
   buffer_.finish();
   buffer_.wait();
-  picture.forEach([&](int x, int y) {
+  picture.for_each([&](int x, int y) {
     const bool special = x == 1 && y == 0;
     EXPECT_EQ(picture.bgra(x, y),
               (special ? std::array<int, 4>{50, 100, 200, 255} : std::array<int, 4>{30, 20, 10, 255}));
@@ -68,7 +67,7 @@ TEST_F(OffscreenBufferGLTest, FinishWithoutOutputDataSignals) {
 
 TEST_F(OffscreenBufferGLTest, CancellingComesTooLateForAPictureThatIsThere) {
   Picture picture(4, 4);
-  makeReady(picture);
+  make_ready(picture);
   buffer_.prepare();
   buffer_.finish();
   buffer_.cancel();
@@ -80,12 +79,12 @@ TEST_F(OffscreenBufferGLTest, CancellingComesTooLateForAPictureThatIsThere) {
 
 TEST_F(OffscreenBufferGLTest, OnlyTheFirstFinishReads) {
   Picture picture(4, 4);
-  makeReady(picture);
+  make_ready(picture);
   buffer_.prepare();
-  clearTo(1, 2, 3);
+  clear_to(1, 2, 3);
   buffer_.finish();
   buffer_.prepare();
-  clearTo(200, 200, 200);
+  clear_to(200, 200, 200);
   buffer_.finish();
   EXPECT_EQ(picture.bytes[0], 3);
 }
@@ -97,7 +96,7 @@ TEST_F(OffscreenBufferGLTest, EmptyTargetWritesNothing) {
   buffer_.prepare();
   buffer_.finish();
   EXPECT_EQ(picture.bytes, std::vector<std::uint8_t>(16, 0));
-  clearGLErrors();
+  clear_gl_errors();
 }
 
 TEST_F(OffscreenBufferGLTest, RebuiltEveryFrameAndReleased) {
@@ -106,12 +105,12 @@ TEST_F(OffscreenBufferGLTest, RebuiltEveryFrameAndReleased) {
     buffer_.resize(static_cast<std::uint32_t>(i), 7);
     buffer_.prepare();
     buffer_.finish();
-    EXPECT_EQ(spy.liveObjects(), 3U);
+    EXPECT_EQ(spy.live_objects(), 3U);
   }
   EXPECT_EQ(spy.calls("glGenFramebuffers"), 100);
   const int before = spy.calls("glDeleteRenderbuffers");
   buffer_.release();
-  EXPECT_EQ(spy.liveObjects(), 0U);
+  EXPECT_EQ(spy.live_objects(), 0U);
   EXPECT_EQ(spy.calls("glDeleteRenderbuffers") - before, 4) << "each name twice";
   buffer_.release();
 }
@@ -125,7 +124,7 @@ TEST_F(OffscreenBufferGLTest, SnapshotsFromAnotherThread) {
     for (int i = 0; i < 100; ++i) {
       const int width = 1 + i * 7 % 200;
       Picture picture(width, 5);
-      makeReady(picture);
+      make_ready(picture);
       buffer_.wait();
       for (int p = 0; p < width * 5; ++p)
         wrong += picture.bytes[static_cast<std::size_t>(p) * 4 + 2] != width;
@@ -136,7 +135,7 @@ TEST_F(OffscreenBufferGLTest, SnapshotsFromAnotherThread) {
     buffer_.prepare();
     GLint viewport[4] = {};
     glGetIntegerv(GL_VIEWPORT, viewport);
-    clearTo(viewport[2], 0, 0);
+    clear_to(viewport[2], 0, 0);
     buffer_.finish();
     glGetError();  // a frame before the first size is empty
   }

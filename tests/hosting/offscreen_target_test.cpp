@@ -22,9 +22,9 @@ TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
   }
   for (const auto target : targets) clearOffscreenTarget(target);
   clearOffscreenTarget(nullptr);
-  EXPECT_EQ(pendingError(), "(none)");
-  EXPECT_FALSE(gl::isContextCurrent());
-  expectNullRefused("Invalid OffscreenTargetHandle specified. ", beginOffscreenFrame, finishOffscreenFrame);
+  EXPECT_EQ(pending_error(), "(none)");
+  EXPECT_FALSE(gl::is_context_current());
+  expect_null_refused("Invalid OffscreenTargetHandle specified. ", beginOffscreenFrame, finishOffscreenFrame);
 }
 
 TEST(OffscreenTargetGLTest, ARefusedFrameIsNotBegun) {
@@ -47,18 +47,18 @@ TEST(OffscreenTargetGLTest, ARefusedFrameIsNotBegun) {
   };
   for (const auto& row : rows) {
     beginOffscreenFrame(target, 4, 4);
-    EXPECT_EQ(pendingError(), "(none)");
-    if (row.function) spy.failNext(row.function, 1, row.error);
+    EXPECT_EQ(pending_error(), "(none)");
+    if (row.function) spy.fail_next(row.function, 1, row.error);
     beginOffscreenFrame(target, row.width, row.height);
-    EXPECT_EQ(pendingError().find(row.message), 0U) << row.message;
-    clearGLErrors();
+    EXPECT_EQ(pending_error().find(row.message), 0U) << row.message;
+    clear_gl_errors();
     Picture picture(8, 8);
     finishOffscreenFrame(target, picture.bytes.data());
-    EXPECT_EQ(pendingError(), "No offscreen frame has been begun. ");
+    EXPECT_EQ(pending_error(), "No offscreen frame has been begun. ");
   }
   std::thread([&] {
     beginOffscreenFrame(target, 4, 4);
-    EXPECT_EQ(pendingError().find("An error occured. "), 0U);
+    EXPECT_EQ(pending_error().find("An error occured. "), 0U);
   }).join();
   clearOffscreenTarget(target);
 }

@@ -1,10 +1,10 @@
 #include "hosting/host/opengl_host.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 #include <stdexcept>
 #include <thread>
+
+#include <gtest/gtest.h>
 
 #include "oct_rendering/oct_rendering.h"
 #include "support/test_context.h"
@@ -28,7 +28,7 @@ TEST(OpenGLHostGLTest, OneHostWhileAnybodyHoldsItOrUntilFinished) {
   finishOpenGL();
   EXPECT_TRUE(weak.expired());
   finishOpenGL();
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 TEST(OpenGLHostGLTest, TasksRunOnItsThreadAndContextsOnAny) {
@@ -43,7 +43,7 @@ TEST(OpenGLHostGLTest, TasksRunOnItsThreadAndContextsOnAny) {
   host->run(note);
   EXPECT_EQ(threads.size(), 1U);
   EXPECT_FALSE(threads.contains(std::this_thread::get_id()));
-  onThreads(4, [&](int) {
+  on_threads(4, [&](int) {
     for (int round = 0; round < 5; ++round) {
       gl::OpenGLContext context(host->window());
       context.makeCurrent();

@@ -1,13 +1,13 @@
 // What the loop's threads meet at, each on its own: request queue, return map, visitors, event, functors.
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <future>
 
+#include <gtest/gtest.h>
+
+#include "hosting/host/signal_event.h"
 #include "hosting/loop/functors.h"
 #include "hosting/loop/request_queue.h"
 #include "hosting/loop/return_map.h"
-#include "hosting/host/signal_event.h"
 #include "hosting/loop/visitors.h"
 #include "support/test_context.h"
 
@@ -23,21 +23,21 @@ bool blocks(const std::future<Result>& waiter) {
 
 TEST(RequestQueueTest, EqualIdsWaitOnceAndRotationKeepsThem) {
   RequestQueue queue;
-  for (const int id : {4, 7, 4, 4, noRequest, 7}) queue.add(id);
+  for (const int id : {4, 7, 4, 4, no_request, 7}) queue.add(id);
   for (int round = 0; round < 2; ++round) {
-    for (const int id : {4, 7, noRequest}) EXPECT_EQ(queue.rotate(), id);
+    for (const int id : {4, 7, no_request}) EXPECT_EQ(queue.rotate(), id);
   }
   EXPECT_EQ(queue.take(), 4);
   queue.add(4);
   EXPECT_EQ(queue.take(), 7);
   EXPECT_EQ(queue.front(), 4) << "a snapshot passes over ids that draw nothing";
-  EXPECT_EQ(queue.take(), noRequest);
+  EXPECT_EQ(queue.take(), no_request);
   queue.add(2);
-  queue.putBack(*queue.take());
+  queue.put_back(*queue.take());
   EXPECT_EQ(queue.front(), 4);
   const auto taken = queue.take();
   queue.add(4);
-  queue.putBack(*taken);  // asked for again meanwhile
+  queue.put_back(*taken);  // asked for again meanwhile
   EXPECT_EQ(queue.take(), 2);
   EXPECT_EQ(queue.take(), 4);
   EXPECT_TRUE(queue.empty());
@@ -53,34 +53,34 @@ TEST(RequestQueueTest, WaitEndsWithARequest) {
   EXPECT_EQ(queue.take(), 9);
 }
 
-HandOffBuffer* bufferAt(std::uintptr_t address) {
+HandOffBuffer* buffer_at(std::uintptr_t address) {
   return reinterpret_cast<HandOffBuffer*>(address);
 }
 
 TEST(ReturnMapTest, SmallestKeyFirstAndOneBufferPerKey) {
   ReturnMap map;
-  map.insert(5, bufferAt(16));
-  map.insert(-3, bufferAt(32));
-  map.insert(5, bufferAt(48));
+  map.insert(5, buffer_at(16));
+  map.insert(-3, buffer_at(32));
+  map.insert(5, buffer_at(48));
   map.insert(0, nullptr);
-  for (const std::uintptr_t address : {32, 0, 48}) EXPECT_EQ(map.take(), bufferAt(address));
+  for (const std::uintptr_t address : {32, 0, 48}) EXPECT_EQ(map.take(), buffer_at(address));
 }
 
 TEST(ReturnMapTest, ABufferIsOutUntilItIsReturned) {
   ReturnMap map;
-  std::atomic<bool> giveUp{false};
+  std::atomic<bool> give_up{false};
   const auto waiting = [&](std::uintptr_t address) {
-    return std::async(std::launch::async, [&map, &giveUp, address] {
-      map.waitUntilReturned(bufferAt(address), [&] { return giveUp.load(); });
+    return std::async(std::launch::async, [&map, &give_up, address] {
+      map.wait_until_returned(buffer_at(address), [&] { return give_up.load(); });
     });
   };
   waiting(16).get();  // not there
-  map.insert(1, bufferAt(16));
-  map.insert(2, bufferAt(32));
+  map.insert(1, buffer_at(16));
+  map.insert(2, buffer_at(32));
   auto first = waiting(16);
   auto second = waiting(32);
   EXPECT_TRUE(blocks(first));
-  EXPECT_EQ(map.take(), bufferAt(16));
+  EXPECT_EQ(map.take(), buffer_at(16));
   auto late = waiting(16);
   EXPECT_TRUE(blocks(first));
   EXPECT_TRUE(blocks(late));
@@ -88,7 +88,7 @@ TEST(ReturnMapTest, ABufferIsOutUntilItIsReturned) {
   first.get();
   late.get();
   EXPECT_TRUE(blocks(second));
-  giveUp = true;
+  give_up = true;
   map.wake();
   second.get();
 }
@@ -136,9 +136,9 @@ TEST(ImageReadyCallbackTest, AnEmptyOneIsLogged) {
   ImageReadyCallback ready([](unsigned index, unsigned width, unsigned height, void* surface) {
     seen = {index, width, height, surface == &seen};
   });
-  EXPECT_EQ(logOf([&] { ready(4, 2, 3, &seen); }), "");
+  EXPECT_EQ(log_of([&] { ready(4, 2, 3, &seen); }), "");
   EXPECT_EQ(seen, (std::vector<unsigned>{4, 2, 3, 1}));
-  EXPECT_EQ(logOf([] { ImageReadyCallback{nullptr}(1, 2, 3, nullptr); }),
+  EXPECT_EQ(log_of([] { ImageReadyCallback{nullptr}(1, 2, 3, nullptr); }),
             "Warning: returning image withoug callback being specified. \n");
 }
 

@@ -1,6 +1,4 @@
 // The viewer example as it is, with the stand-in for the interop: its window, its mouse and what it shows.
-#include <windows.h>
-
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -8,11 +6,13 @@
 #include <set>
 #include <thread>
 
+#include <windows.h>
+
 #include "support/pictures.h"
 #include "support/surfaces.h"
 #include "support/test_context.h"
 
-int viewerMain(int argc, char** argv);  // the example's main
+int viewer_main(int argc, char** argv);  // the example's main
 
 namespace oct::test {
 namespace {
@@ -20,14 +20,14 @@ namespace {
 class SurfaceViewerGLTest : public testing::Test {
  protected:
   void SetUp() override {
-    chooseSharing(SurfaceSharing::direct3D);
+    choose_sharing(SurfaceSharing::direct3d);
     viewer_ = std::thread([this] {
       char name[] = "viewer";
       char file[] = "viewer.png";
       char* arguments[] = {name, file};
-      status_ = viewerMain(2, arguments);
+      status_ = viewer_main(2, arguments);
     });
-    waitForFrame(1);
+    wait_for_frame(1);
   }
   void TearDown() override {
     PostMessageA(window_, WM_CLOSE, 0, 0);
@@ -36,7 +36,7 @@ class SurfaceViewerGLTest : public testing::Test {
   }
 
   // The window's title counts the frames.
-  void waitForFrame(int count) {
+  void wait_for_frame(int count) {
     int shown = 0;
     for (int patience = 0; patience < 3000 && shown < count; ++patience) {
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -54,7 +54,7 @@ class SurfaceViewerGLTest : public testing::Test {
     SendMessageA(window_, WM_KEYDOWN, 'S', 0);
     const std::string file = "viewer_" + name + ".png";
     std::filesystem::rename("viewer.png", file);
-    return readPng(file);
+    return read_png(file);
   }
 
   static double share(const Picture& picture, const std::function<bool(int x, int y)>& counts) {
@@ -96,12 +96,12 @@ TEST_F(SurfaceViewerGLTest, TurnsAndZoomsAVolume) {
   PostMessageA(window_, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(200, 200));
   PostMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(300, 170));
   PostMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(300, 170));
-  waitForFrame(2);
+  wait_for_frame(2);
   const Picture turned = shown("turned");
   EXPECT_GT(share(turned, [&](int x, int y) { return differ(turned.pixel(x, y), first.pixel(x, y)); }), 0.05);
 
   PostMessageA(window_, WM_MOUSEWHEEL, MAKEWPARAM(0, 3 * WHEEL_DELTA), MAKELPARAM(300, 170));
-  waitForFrame(3);
+  wait_for_frame(3);
   EXPECT_GT(drawn(shown("closer")), drawn(turned) * 1.2);
 }
 

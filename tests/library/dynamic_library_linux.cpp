@@ -1,8 +1,8 @@
-#include <dlfcn.h>
+#include "library/dynamic_library.h"
 
 #include <stdexcept>
 
-#include "library/dynamic_library.h"
+#include <dlfcn.h>
 
 namespace oct::test {
 

@@ -1,8 +1,8 @@
-#include <windows.h>
+#include "library/dynamic_library.h"
 
 #include <stdexcept>
 
-#include "library/dynamic_library.h"
+#include <windows.h>
 
 namespace oct::test {
 

@@ -1,7 +1,7 @@
 /* The header compiles as strict C99 and stands alone. */
-#include <oct_rendering/oct_rendering.h>
+#include "oct_rendering/oct_rendering.h"
 
-int octHeaderErrorCode(void) {
+int oct_header_error_code(void) {
   DisplayRenderingHandle display = 0;
   OffscreenTargetHandle target = 0;
   LiveDataSourceHandle source = 0;

@@ -1,6 +1,4 @@
 // The public header and its reference comments.
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -8,36 +6,38 @@
 #include <set>
 #include <string>
 
+#include <gtest/gtest.h>
+
 #include "oct_rendering/oct_rendering.h"
 
-extern "C" int octHeaderErrorCode(void);
+extern "C" int oct_header_error_code(void);
 
 namespace oct::test {
 namespace {
 
-std::string contentOf(const std::string& file) {
+std::string content_of(const std::string& file) {
   std::ifstream stream(std::string(OCT_SOURCE_DIR) + "/" + file);
   EXPECT_TRUE(stream.is_open()) << file;
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-std::string allHeaders() {
+std::string all_headers() {
   std::string text;
   for (const auto& entry : std::filesystem::directory_iterator(OCT_SOURCE_DIR "/include/oct_rendering")) {
-    text += contentOf("include/oct_rendering/" + entry.path().filename().string());
+    text += content_of("include/oct_rendering/" + entry.path().filename().string());
   }
   return text;
 }
 
 TEST(HeaderTest, CompilesAsC) {
-  EXPECT_EQ(octHeaderErrorCode(), -536870912);
+  EXPECT_EQ(oct_header_error_code(), -536870912);
   EXPECT_EQ(static_cast<unsigned>(OCT_RENDERER_ERROR), 0xE0000000U);
 }
 
 // Every export is declared once, right behind a comment that says what it does, documents each parameter and
 // names the thread rule; functions that can fail say how.
 TEST(HeaderTest, EveryExportIsDocumented) {
-  const std::string header = allHeaders();
+  const std::string header = all_headers();
   const std::regex declaration(R"(/\*\*((?:[^*]|\*(?!/))*)\*/\s*OCT_API\s+[^(]*?(\w+)\(([^)]*)\);)");
   std::set<std::string> declared;
   for (std::sregex_iterator found(header.begin(), header.end(), declaration), end; found != end; ++found) {

@@ -1,9 +1,9 @@
 // The library loaded, used and unloaded by name, as a measurement application does it.
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cstdlib>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "library/dynamic_library.h"
 #include "oct_rendering/oct_rendering.h"
@@ -13,8 +13,8 @@ namespace {
 
 // Draws an image of one bright A-scan and returns the brightness of a pixel of it and of one beside.
 std::array<int, 2> draw(const DynamicLibrary& library) {
-  const auto createTarget = library.function<decltype(createOffscreenTarget)>("createOffscreenTarget");
-  const auto clearTarget = library.function<decltype(clearOffscreenTarget)>("clearOffscreenTarget");
+  const auto create_target = library.function<decltype(createOffscreenTarget)>("createOffscreenTarget");
+  const auto clear_target = library.function<decltype(clearOffscreenTarget)>("clearOffscreenTarget");
   const auto begin = library.function<decltype(beginOffscreenFrame)>("beginOffscreenFrame");
   const auto finish = library.function<decltype(finishOffscreenFrame)>("finishOffscreenFrame");
   const auto create = library.function<decltype(createDisplayRendering)>("createDisplayRendering");
@@ -22,21 +22,21 @@ std::array<int, 2> draw(const DynamicLibrary& library) {
   const auto init = library.function<decltype(initDisplayRendering)>("initDisplayRendering");
   const auto uninit = library.function<decltype(uninitDisplayRendering)>("uninitDisplayRendering");
   const auto render = library.function<decltype(renderDisplay)>("renderDisplay");
-  const auto setData = library.function<decltype(setDisplayData)>("setDisplayData");
+  const auto set_data = library.function<decltype(setDisplayData)>("setDisplayData");
 
   std::vector<float> image(8 * 8, 0.0F);
   for (std::size_t z = 0; z < 8; ++z) image[2 * 8 + z] = 1.0F;  // A-scan 2
   std::array<std::array<std::array<unsigned char, 4>, 8>, 8> pixels{};
-  const OffscreenTargetHandle target = createTarget();
+  const OffscreenTargetHandle target = create_target();
   const DisplayRenderingHandle renderer = create();
   init(renderer);
-  setData(renderer, 8, 8, image.data());
+  set_data(renderer, 8, 8, image.data());
   begin(target, 8, 8);
   render(renderer);
   finish(target, pixels.data());
   uninit(renderer);
   clear(renderer);
-  clearTarget(target);
+  clear_target(target);
   return {pixels[5][2][0], pixels[5][3][0]};
 }
 

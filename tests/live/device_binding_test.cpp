@@ -1,7 +1,7 @@
 // Which library the sources' functions come from.
-#include <gtest/gtest.h>
-
 #include <memory>
+
+#include <gtest/gtest.h>
 
 #include "library/dynamic_library.h"
 #include "live/pattern_device.h"
@@ -16,19 +16,19 @@ class DeviceBindingTest : public testing::Test {
  protected:
   ~DeviceBindingTest() override { setDeviceLibrary(nullptr); }
 
-  bool createsStandard() {
+  bool creates_standard() {
     const LiveDataSourceHandle source = createOnlineDataSource(device_, processing_);
     clearDataSource(source);
     return source != nullptr;
   }
-  bool createsPolarization() {
+  bool creates_polarization() {
     const LiveDataSourceHandle source =
         createOnlineDataSource_PS(device_, processing_, processing_, polarization_);
     clearDataSource(source);
     return source != nullptr;
   }
 
-  static PatternDevice& controlOf(const DynamicLibrary& library) {
+  static PatternDevice& control_of(const DynamicLibrary& library) {
     PatternDevice& pattern = *library.function<decltype(patternDevice)>("patternDevice")();
     pattern.reset();
     return pattern;
@@ -43,42 +43,42 @@ class DeviceBindingTest : public testing::Test {
 TEST_F(DeviceBindingTest, AMissingLibraryIsNamed) {
   for (const char* const name : {"no_such_device", "/no/such/folder/device.so"}) {
     setDeviceLibrary(name);
-    EXPECT_FALSE(createsStandard());
+    EXPECT_FALSE(creates_standard());
     const std::string expected = "The device library \"" + std::string(name) + "\" could not be loaded: ";
-    const std::string error = pendingError();
+    const std::string error = pending_error();
     EXPECT_EQ(error.substr(0, expected.size()), expected);
     EXPECT_GT(error.size(), expected.size() + 3) << "the system's reason";
-    EXPECT_FALSE(createsPolarization());
-    EXPECT_EQ(pendingError().substr(0, expected.size()), expected);
+    EXPECT_FALSE(creates_polarization());
+    EXPECT_EQ(pending_error().substr(0, expected.size()), expected);
   }
   setDeviceLibrary(OCT_PATTERN_DEVICE);
-  EXPECT_TRUE(createsStandard()) << "the next attempt";
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_TRUE(creates_standard()) << "the next attempt";
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 // Without the polarization functions only the source that needs them fails.
 TEST_F(DeviceBindingTest, AMissingFunctionIsNamed) {
   setDeviceLibrary(OCT_LACKING_PATTERN_DEVICE);
-  EXPECT_FALSE(createsStandard());
-  EXPECT_EQ(pendingError(),
+  EXPECT_FALSE(creates_standard());
+  EXPECT_EQ(pending_error(),
             "The device library \"" OCT_LACKING_PATTERN_DEVICE "\" has no function \"determineSurface\". ");
   setDeviceLibrary(OCT_STANDARD_PATTERN_DEVICE);
-  EXPECT_FALSE(createsPolarization());
-  EXPECT_EQ(pendingError(),
+  EXPECT_FALSE(creates_polarization());
+  EXPECT_EQ(pending_error(),
             "The device library \"" OCT_STANDARD_PATTERN_DEVICE "\" has no function \"createComplexData\". ");
-  EXPECT_TRUE(createsStandard());
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_TRUE(creates_standard());
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 // A source keeps the library that it was made with; the next one comes from the one named last.
 TEST_F(DeviceBindingTest, LibrariesChangeWithTheNextSource) {
   setDeviceLibrary(OCT_PATTERN_DEVICE);
   const DynamicLibrary library(OCT_PATTERN_DEVICE);
-  PatternDevice& pattern = controlOf(library);
+  PatternDevice& pattern = control_of(library);
   pattern.record(true);
   const LiveDataSourceHandle source = createOnlineDataSource(pattern.device(), pattern.processing(0));
   setDeviceLibrary(OCT_STANDARD_PATTERN_DEVICE);
-  EXPECT_TRUE(createsStandard());
+  EXPECT_TRUE(creates_standard());
   setSizeZ(source, 3);
   clearDataSource(source);
   EXPECT_EQ(pattern.calls(),
@@ -89,7 +89,7 @@ TEST_F(DeviceBindingTest, LibrariesChangeWithTheNextSource) {
 // By its bare name the module that the process has loaded is found, wherever that lies.
 TEST_F(DeviceBindingTest, ALoadedModuleIsFoundByItsName) {
   const DynamicLibrary library(OCT_DEFAULT_PATTERN_DEVICE);
-  PatternDevice& pattern = controlOf(library);
+  PatternDevice& pattern = control_of(library);
   for (const char* const name : {"", "oct_device"}) {
     setDeviceLibrary("no_such_device");
     setDeviceLibrary(name);
@@ -99,7 +99,7 @@ TEST_F(DeviceBindingTest, ALoadedModuleIsFoundByItsName) {
     EXPECT_EQ(pattern.calls(), "getDevicePropertyInt(device, 0)\ngetDevicePropertyFloat(device, 1)\n");
     clearDataSource(source);
   }
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 }  // namespace

@@ -8,7 +8,7 @@ namespace {
 using DeviceCallsTest = LiveTest;
 
 // What is asked of the first volume, once it has been processed.
-const std::string sizesAndRanges = R"(getDataPropertyInt(data0, 2)
+const std::string sizes_and_ranges = R"(getDataPropertyInt(data0, 2)
 getDataPropertyInt(data0, 3)
 getDataPropertyInt(data0, 1)
 getDataPropertyFloat(data0, 4)
@@ -21,7 +21,7 @@ const std::string reported = "getError(512)\ngetRelativeReferenceIntensity(devic
 
 TEST_F(DeviceCallsTest, StandardSource) {
   device_.record(true);
-  stage_.makeSource();
+  stage_.make_source();
   stage_.run(3);
   const std::string acquired = "setProcessedDataOutput(processing0, data0)\ngetRawDataEx(device, raw0, 0)\n";
   const std::string loop =
@@ -30,7 +30,7 @@ TEST_F(DeviceCallsTest, StandardSource) {
             "getDevicePropertyInt(device, 0)\ngetDevicePropertyFloat(device, 1)\ncreateRawData()\n"
             "createData()\n" +
                 measurement + acquired + "getError(512)\nexecuteProcessing(processing0, raw0)\n" +
-                sizesAndRanges + copied + loop + copied + loop +
+                sizes_and_ranges + copied + loop + copied + loop +
                 "stopMeasurement(device)\nclearRawData(raw0)\nclearData(data0)\n");
   EXPECT_EQ(intensities().all(), std::vector<double>(2, 0.625));
 }
@@ -38,7 +38,7 @@ TEST_F(DeviceCallsTest, StandardSource) {
 // Analog input, half the depth, a refractive index, the surface, the other camera, and nobody who asks for
 // the reference intensity.
 TEST_F(DeviceCallsTest, StandardSourceWithEverything) {
-  stage_.makeSource();
+  stage_.make_source();
   setOnlineAnalogInputConfiguration(stage_.source, true);
   selectOnlineDataSource_Camera(stage_.source, 1);
   setOnlineRefractiveIndex(stage_.source, 1.25);
@@ -48,10 +48,10 @@ TEST_F(DeviceCallsTest, StandardSourceWithEverything) {
   setSizeZ(stage_.source, 8);
   device_.hold("setDataRange");
   stage_.start();
-  ASSERT_TRUE(stage_.framesUntil([&] { return device_.held(); }));
+  ASSERT_TRUE(stage_.frames_until([&] { return device_.held(); }));
   for (int i = 0; i < 4; ++i) stage_.frame();  // a buffer is free
   device_.hold("getRawDataEx");
-  ASSERT_TRUE(stage_.framesUntil([&] { return device_.held(); }));
+  ASSERT_TRUE(stage_.frames_until([&] { return device_.held(); }));
   const std::string cropped = R"(getDataPropertyInt(data0, 1)
 getDataPropertyInt(data0, 2)
 getDataPropertyInt(data0, 3)
@@ -67,7 +67,7 @@ getDataPtr(data0)
             "getDevicePropertyFloat(device, 1)\ncreateRawData()\ncreateData()\ncreateData()\n" + measurement +
                 acquired +
                 "getAnalogInputData(device, data1)\ngetError(512)\nexecuteProcessing(processing0, raw0)\n" +
-                sizesAndRanges + "getDataPtr(data1)\ngetDataPropertyInt(data1, 1)\n" + cropped +
+                sizes_and_ranges + "getDataPtr(data1)\ngetDataPropertyInt(data1, 1)\n" + cropped +
                 surface("data2") + acquired + R"(executeProcessing(processing0, raw0)
 getAnalogInputData(device, data1)
 setDataRange(data0, 0.8, 3, 1.5)
@@ -117,7 +117,7 @@ class PolarizationCallsTest : public LiveTest, public testing::WithParamInterfac
 TEST_P(PolarizationCallsTest, EveryMode) {
   const int mode = GetParam();
   device_.record(true);
-  stage_.makePolarizationSource();
+  stage_.make_polarization_source();
   selectOnlineDataSource_PS(stage_.source, mode);
   setOnlineAveraging_PS(stage_.source, -3, 2, 3, 4);  // less than one counts as one
   setOnlineDOPU_PS(stage_.source, 5, 7, 9, 11);
@@ -125,8 +125,8 @@ TEST_P(PolarizationCallsTest, EveryMode) {
   setRenderElements(renderer_, mode != 9, 0);
   stage_.run(3);
   const std::string raw = "getRawDataEx(device, raw0, 0)\ngetRawDataEx(device, raw1, 1)\n";
-  const std::string copiedIfAny = mode > 8 ? "" : copied;
-  const std::string loop = copiedIfAny + raw + processing(mode, false) +
+  const std::string copied_if_any = mode > 8 ? "" : copied;
+  const std::string loop = copied_if_any + raw + processing(mode, false) +
                            (mode > 8 ? "" : "setDataRange(data0, 2, 3, 1.5)\n") + reported;
   EXPECT_EQ(device_.calls(), R"(getDevicePropertyInt(device, 0)
 getDevicePropertyFloat(device, 1)
@@ -136,7 +136,7 @@ createComplexData()
 createComplexData()
 createData()
 )" + measurement + raw + "getError(512)\n" +
-                                 processing(mode, true) + sizesAndRanges + loop + loop +
+                                 processing(mode, true) + sizes_and_ranges + loop + loop +
                                  R"(stopMeasurement(device)
 clearData(data0)
 clearComplexData(complex0)
@@ -150,7 +150,7 @@ INSTANTIATE_TEST_SUITE_P(Live, PolarizationCallsTest, testing::Range(0, 10));
 
 // The settings that a source begins with, and the rule by which the size before decides over the next one.
 TEST_F(DeviceCallsTest, PolarizationSettings) {
-  stage_.makePolarizationSource();
+  stage_.make_polarization_source();
   const auto properties = [&] {
     device_.record(true);
     stage_.run(2);

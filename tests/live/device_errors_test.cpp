@@ -1,5 +1,5 @@
-// What becomes of a device's errors, at every call of the sequence, and that the source starts again
-// afterwards.
+// What becomes of a device's errors, at every call of the sequence, and that the
+// source starts again afterwards.
 #include <algorithm>
 #include <chrono>
 #include <thread>
@@ -24,7 +24,7 @@ void PrintTo(const Failure& failure, std::ostream* stream) {
   *stream << failure.function << " " << failure.call;
 }
 
-std::string nameOf(const testing::TestParamInfo<Failure>& info) {
+std::string name_of(const testing::TestParamInfo<Failure>& info) {
   return info.param.function + std::to_string(info.param.call);
 }
 
@@ -37,36 +37,37 @@ class DeviceErrorsTest : public LiveTest, public testing::WithParamInterface<Fai
   }
 
   bool ended() {
-    return stage_.framesUntil(
-        [&] { return clientErrors().all().size() >= GetParam().messages.size() && device_.objects() == 0; });
+    return stage_.frames_until(
+        [&] { return client_errors().all().size() >= GetParam().messages.size() && device_.objects() == 0; });
   }
 
   void play() {
     const Failure& failure = GetParam();
     device_.fail(failure.function, failure.call);
     stage_.start();
-    EXPECT_EQ(pendingError(), "(none)");
+    EXPECT_EQ(pending_error(), "(none)");
     if (failure.end == End::thread) {
       EXPECT_TRUE(ended());
     } else {
       // The loop goes on, and draws.
       const int before = device_.volumes();
       EXPECT_TRUE(
-          stage_.framesUntil([&] { return device_.volumes() > before + 5 && !stage_.voxels.empty(); }));
+          stage_.frames_until([&] { return device_.volumes() > before + 5 && !stage_.voxels.empty(); }));
       stopDataSource(stage_.source);
     }
     if (failure.end == End::restart) {
       stage_.start();
       EXPECT_TRUE(ended());
     }
-    EXPECT_EQ(clientErrors().atLeast(failure.messages.size()), failure.messages);
+    EXPECT_EQ(client_errors().at_least(failure.messages.size()), failure.messages);
 
     const int before = device_.volumes();
     stage_.start();  // without stopDataSource, where the thread has ended by itself
-    EXPECT_EQ(pendingError(), "(none)");
-    EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 2 && !stage_.voxels.empty(); }));
+    EXPECT_EQ(pending_error(), "(none)");
+    EXPECT_TRUE(
+        stage_.frames_until([&] { return device_.volumes() > before + 2 && !stage_.voxels.empty(); }));
     EXPECT_TRUE(uniform(stage_.voxels));
-    EXPECT_EQ(clientErrors().all(), failure.messages);
+    EXPECT_EQ(client_errors().all(), failure.messages);
   }
 };
 
@@ -74,14 +75,14 @@ using StandardErrorsTest = DeviceErrorsTest;
 using PolarizationErrorsTest = DeviceErrorsTest;
 
 TEST_P(StandardErrorsTest, EndsAsItShall) {
-  stage_.makeSource();
+  stage_.make_source();
   prepare();
   setOnlineAnalogInputConfiguration(stage_.source, true);
   play();
 }
 
 TEST_P(PolarizationErrorsTest, EndsAsItShall) {
-  stage_.makePolarizationSource();
+  stage_.make_polarization_source();
   selectOnlineDataSource_PS(stage_.source, 3);
   prepare();
   play();
@@ -106,7 +107,7 @@ INSTANTIATE_TEST_SUITE_P(
         Failure{"executeProcessing", 2, End::none}, Failure{"getAnalogInputData", 2, End::none},
         Failure{"setDataRange", 1, End::none}, Failure{"getRelativeReferenceIntensity", 1, End::none},
         Failure{"stopMeasurement", 1, End::restart}),
-    nameOf);
+    name_of);
 
 INSTANTIATE_TEST_SUITE_P(
     Live, PolarizationErrorsTest,
@@ -119,23 +120,23 @@ INSTANTIATE_TEST_SUITE_P(
                     Failure{"executePolarizationProcessing", 1}, Failure{"executePolarizationProcessing", 2},
                     Failure{"setDataRange", 1}, Failure{"getRelativeReferenceIntensity", 1},
                     Failure{"determineSurface", 1}, Failure{"stopMeasurement", 1, End::restart}),
-    nameOf);
+    name_of);
 
 class DeviceEndsTest : public LiveTest {};
 
 // A loop whose every volume fails reports each, and goes on; without a function nobody is told.
 TEST_F(DeviceEndsTest, AnErrorFunctionIsTakenAway) {
-  stage_.makeSource();
+  stage_.make_source();
   stage_.start();
-  ASSERT_TRUE(stage_.framesUntilShown());
+  ASSERT_TRUE(stage_.frames_until_shown());
   device_.fail("getRawDataEx", 0);
-  EXPECT_TRUE(stage_.framesUntil([&] { return clientErrors().all().size() > 3; }));
+  EXPECT_TRUE(stage_.frames_until([&] { return client_errors().all().size() > 3; }));
   const auto draw = [&] {
     for (int i = 0; i < 10; ++i) {
       stage_.frame();
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    return clientErrors().all().size();
+    return client_errors().all().size();
   };
   setErrorCallback(stage_.source, nullptr);
   const std::size_t told = draw();  // one report may have been under way
@@ -146,17 +147,18 @@ TEST_F(DeviceEndsTest, AnErrorFunctionIsTakenAway) {
 TEST_F(DeviceEndsTest, AnotherSizeEndsTheThread) {
   // What is kept and the new size; 8 of 32 would be enough, if in another place.
   for (const auto& [kept, size] : {std::pair{8, 12}, {16, 12}, {16, 32}, {17, 16}}) {
-    device_.setSize(16, 12, 10);
-    stage_.makeSource();
+    device_.set_size(16, 12, 10);
+    stage_.make_source();
     setSizeZ(stage_.source, kept);
     stage_.start();
     if (kept <= 16) {
-      EXPECT_TRUE(stage_.framesUntilShown());
+      EXPECT_TRUE(stage_.frames_until_shown());
     }
-    device_.setSize(size, 12, 10);
-    EXPECT_TRUE(stage_.framesUntil([&] { return device_.objects() == 0 && !clientErrors().all().empty(); }));
-    EXPECT_EQ(clientErrors().all(), std::vector<std::string>{insufficient});
-    clientErrors().clear();
+    device_.set_size(size, 12, 10);
+    EXPECT_TRUE(
+        stage_.frames_until([&] { return device_.objects() == 0 && !client_errors().all().empty(); }));
+    EXPECT_EQ(client_errors().all(), std::vector<std::string>{insufficient});
+    client_errors().clear();
     EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
     clearDataSource(stage_.source);
     stage_.source = nullptr;
@@ -166,16 +168,16 @@ TEST_F(DeviceEndsTest, AnotherSizeEndsTheThread) {
 // Without a volume renderer a standard source goes no further and cleans nothing up: it counts as running.
 TEST_F(DeviceEndsTest, StandardSourceWithoutVolumeRenderer) {
   const LiveVolumeRenderingHandle bare = createLiveRendering();
-  stage_.makeSource();
+  stage_.make_source();
   device_.record(true);
-  startDataSource(bare, stage_.source, device_.scanPattern());
+  startDataSource(bare, stage_.source, device_.scan_pattern());
   EXPECT_EQ(
-      clientErrors().atLeast(1),
+      client_errors().at_least(1),
       std::vector<std::string>{
           "Renderer not available for fast volume rendering. Please specify a volume rendering object."});
   EXPECT_TRUE(isLiveVolumeRunning(bare));
-  startDataSource(stage_.live, stage_.source, device_.scanPattern());
-  EXPECT_EQ(pendingError(), "BrennickDataSource already running");
+  startDataSource(stage_.live, stage_.source, device_.scan_pattern());
+  EXPECT_EQ(pending_error(), "BrennickDataSource already running");
   stopDataSource(stage_.source);
   const std::string calls = device_.calls();
   EXPECT_EQ(calls.find("stopMeasurement"), std::string::npos);
@@ -183,54 +185,54 @@ TEST_F(DeviceEndsTest, StandardSourceWithoutVolumeRenderer) {
   clearLiveRendering(bare);
   device_.reset();  // what was left behind
   stage_.start();
-  EXPECT_TRUE(stage_.framesUntilShown());
+  EXPECT_TRUE(stage_.frames_until_shown());
 }
 
 TEST_F(DeviceEndsTest, PolarizationSourceWithoutVolumeRenderer) {
   const LiveVolumeRenderingHandle bare = createLiveRendering();
-  stage_.makePolarizationSource();
-  startDataSource(bare, stage_.source, device_.scanPattern());
-  EXPECT_EQ(clientErrors().atLeast(1),
+  stage_.make_polarization_source();
+  startDataSource(bare, stage_.source, device_.scan_pattern());
+  EXPECT_EQ(client_errors().at_least(1),
             std::vector<std::string>{"Volume renderer is null in BrennickDataSourcePS"});
-  startDataSource(stage_.live, stage_.source, device_.scanPattern());
-  EXPECT_EQ(pendingError(), "(none)");
-  EXPECT_TRUE(stage_.framesUntilShown());
+  startDataSource(stage_.live, stage_.source, device_.scan_pattern());
+  EXPECT_EQ(pending_error(), "(none)");
+  EXPECT_TRUE(stage_.frames_until_shown());
   clearLiveRendering(bare);
 }
 
 // The quantity that a volume shows is its whole part. Modes change while the source runs.
 TEST_F(DeviceEndsTest, ModesChangeWithTheNextVolume) {
-  stage_.makePolarizationSource();
+  stage_.make_polarization_source();
   stage_.start();
   const int quantities[] = {PatternDevice::intensity, 1, 2, 3, 4, 5, 6, PatternDevice::sensor0,
                             PatternDevice::sensor1};
   for (int mode = 8; mode >= 0; --mode) {
     selectOnlineDataSource_PS(stage_.source, mode);
-    EXPECT_TRUE(stage_.framesUntil([&] {
+    EXPECT_TRUE(stage_.frames_until([&] {
       return !stage_.voxels.empty() && static_cast<int>(stage_.voxels[0]) == quantities[mode];
     })) << mode;
     EXPECT_TRUE(uniform(stage_.voxels));
   }
-  EXPECT_TRUE(clientErrors().all().empty());
+  EXPECT_TRUE(client_errors().all().empty());
 }
 
 // A source that starts on a live renderer in use takes it over; the volumes of the other one no longer fit.
 TEST_F(DeviceEndsTest, ASourceNeverWritesIntoTheBufferOfAnother) {
   const LiveDataSourceHandle first = createOnlineDataSource(device_.device(1), device_.processing(1));
-  stage_.makeSource();
+  stage_.make_source();
   setSizeZ(stage_.source, 2);
   std::atomic<bool> go = false;
-  stage_.onIntensity([&] {
+  stage_.on_intensity([&] {
     while (!go) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   });
-  startDataSource(stage_.live, first, device_.scanPattern());
-  ASSERT_TRUE(stage_.framesUntilShown());
+  startDataSource(stage_.live, first, device_.scan_pattern());
+  ASSERT_TRUE(stage_.frames_until_shown());
   stage_.start();
-  ASSERT_TRUE(stage_.framesUntil([&] { return stage_.voxels.size() == 2U * 12 * 10; }));
+  ASSERT_TRUE(stage_.frames_until([&] { return stage_.voxels.size() == 2U * 12 * 10; }));
   // Its second volume has to wait; all buffers are offered to the other source.
   device_.record(true);
   const int before = device_.volumes();
-  EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 5; }));
+  EXPECT_TRUE(stage_.frames_until([&] { return device_.volumes() > before + 5; }));
   EXPECT_EQ(device_.calls().find("getDataPtr"), std::string::npos);
   EXPECT_TRUE(uniform(stage_.voxels));
   go = true;

@@ -1,7 +1,7 @@
 // What a device delivers is what the picture shows: against a ray caster on the CPU.
 #include "live/live_stage.h"
-#include "support/test_context.h"
 #include "support/reference/volume_reference.h"
+#include "support/test_context.h"
 
 namespace oct::test {
 namespace {
@@ -9,7 +9,7 @@ namespace {
 struct Case {
   std::string name;
   int kept = 20;
-  double refractiveIndex = 1.0;
+  double refractive_index = 1.0;
   int mode = 0;
   bool analog = false;
 };
@@ -32,35 +32,35 @@ class LivePicturesTest : public LiveTest, public testing::WithParamInterface<Cas
 
 TEST_P(LivePicturesTest, EqualTheArithmetic) {
   const Case& wanted = GetParam();
-  const Volume whole = testVolume(20, 14, 12);
+  const Volume whole = test_volume(20, 14, 12);
   VolumeScene scene;
   scene.volume = cropped(whole, wanted.kept);
   scene.border = true;
   scene.mode = wanted.mode;
-  scene.coloring = {rampColors(256, 0.3), 0.2, 1.0};
-  scene.angleX = 25.0;
-  scene.angleY = -35.0;
-  scene.range = {static_cast<float>(2.0 * wanted.kept / 20 / wanted.refractiveIndex), 3.0F, 1.5F};
-  device_.setSize(20, 14, 12);
-  device_.setVolume(whole.voxels.data());
-  stage_.makeSource();
+  scene.coloring = {ramp_colors(256, 0.3), 0.2, 1.0};
+  scene.angle_x = 25.0;
+  scene.angle_y = -35.0;
+  scene.range = {static_cast<float>(2.0 * wanted.kept / 20 / wanted.refractive_index), 3.0F, 1.5F};
+  device_.set_size(20, 14, 12);
+  device_.set_volume(whole.voxels.data());
+  stage_.make_source();
   setSizeZ(stage_.source, wanted.kept);
-  setOnlineRefractiveIndex(stage_.source, wanted.refractiveIndex);
+  setOnlineRefractiveIndex(stage_.source, wanted.refractive_index);
   if (wanted.analog) {
-    scene.secondary = testVolume(3, 14, 12, 9);
-    scene.secondaryColoring = {opaqueColors(32), 0.0, 1.0};
-    scene.secondaryIndex = 1;
-    device_.setAnalog(3, scene.secondary.voxels.data());
+    scene.secondary = test_volume(3, 14, 12, 9);
+    scene.secondary_coloring = {opaque_colors(32), 0.0, 1.0};
+    scene.secondary_index = 1;
+    device_.set_analog(3, scene.secondary.voxels.data());
     setOnlineAnalogInputConfiguration(stage_.source, true);
   }
   apply(scene, renderer_);
   stage_.start();
-  ASSERT_TRUE(stage_.framesUntilShown());
+  ASSERT_TRUE(stage_.frames_until_shown());
   // A few volumes more: both buffers, and the range of the loop.
   const int before = device_.volumes();
-  ASSERT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 4; }));
-  const Picture picture = stage_.frame(scene.viewportWidth, scene.viewportHeight);
-  EXPECT_TRUE(agree(picture, referencePicture(scene), {1, 0.995, 140, 0.12}));
+  ASSERT_TRUE(stage_.frames_until([&] { return device_.volumes() > before + 4; }));
+  const Picture picture = stage_.frame(scene.viewport_width, scene.viewport_height);
+  EXPECT_TRUE(agree(picture, reference_picture(scene), {1, 0.995, 140, 0.12}));
   EXPECT_EQ(stage_.voxels, scene.volume.voxels);
   int size[3] = {};
   getLiveVolumeRenderingSize(stage_.live, &size[0], nullptr, &size[2]);
@@ -85,17 +85,17 @@ TEST_F(LiveSurfaceTest, LiesWhereItShall) {
   for (int i = 0; i < 12 * 10; ++i) depths.push_back(0.1F + 0.005F * static_cast<float>(i % 12 + i / 12));
   const auto prepare = [](VolumeRendererHandle renderer) {
     VolumeScene scene;
-    scene.angleX = 60.0;
+    scene.angle_x = 60.0;
     apply(scene, renderer);
     setRenderElements(renderer, 0, 1);
   };
-  device_.setSurface(depths.data());
-  stage_.makeSource();
+  device_.set_surface(depths.data());
+  stage_.make_source();
   setSizeZ(stage_.source, 8);
   setOnlineRefractiveIndex(stage_.source, 1.25);
   prepare(renderer_);
   stage_.start();
-  ASSERT_TRUE(stage_.framesUntil([&] { return device_.volumes() > 3; }));
+  ASSERT_TRUE(stage_.frames_until([&] { return device_.volumes() > 3; }));
   const Picture picture = stage_.frame(80, 60);
 
   VolumeStage still;

@@ -12,28 +12,28 @@ namespace {
 
 using LiveApiTest = LiveTest;
 
-constexpr const char* invalidSource = "The specified LiveDataSourceHandle is invalid. ";
-constexpr const char* invalidRenderer = "The specified VolumeRendererHandle is invalid. ";
+constexpr const char* invalid_source = "The specified LiveDataSourceHandle is invalid. ";
+constexpr const char* invalid_renderer = "The specified VolumeRendererHandle is invalid. ";
 
-std::string errorOf(const std::function<void()>& call) {
+std::string error_of(const std::function<void()>& call) {
   call();
-  return pendingError();
+  return pending_error();
 }
 
 TEST_F(LiveApiTest, NullHandles) {
   const OCTDeviceHandle device = device_.device();
   const ProcessingHandle processing = device_.processing(0);
-  stage_.makeSource();
+  stage_.make_source();
   const LiveDataSourceHandle source = stage_.source;
-  expectNullRefused("Cannot lock nullptr. ", clearLiveRendering, isLiveVolumeRunning);
-  expectNullRefused("Invalid Live Rendering Handle specified. ", setLiveVolumeRenderingRenderer);
-  expectNullRefused("The specifided OCTDeviceHandle is invalid. ", createOnlineDataSource,
-                    createOnlineDataSource_PS);
-  expectNullRefused(invalidSource, startDataSource, stopDataSource, getLiveVolumeRenderingSize, setSizeZ,
-                    setRefIntensityCallback, setErrorCallback);
-  expectNullRefused(invalidRenderer, renderVolume, getRenderedVolumesPerSec, getLiveVolumeCounts);
+  expect_null_refused("Cannot lock nullptr. ", clearLiveRendering, isLiveVolumeRunning);
+  expect_null_refused("Invalid Live Rendering Handle specified. ", setLiveVolumeRenderingRenderer);
+  expect_null_refused("The specifided OCTDeviceHandle is invalid. ", createOnlineDataSource,
+                      createOnlineDataSource_PS);
+  expect_null_refused(invalid_source, startDataSource, stopDataSource, getLiveVolumeRenderingSize, setSizeZ,
+                      setRefIntensityCallback, setErrorCallback);
+  expect_null_refused(invalid_renderer, renderVolume, getRenderedVolumesPerSec, getLiveVolumeCounts);
   const PolarizationProcessingHandle polarization = device_.polarization();
-  const auto createPs = [&](ProcessingHandle first, ProcessingHandle second) {
+  const auto create_ps = [&](ProcessingHandle first, ProcessingHandle second) {
     return [=] { EXPECT_EQ(createOnlineDataSource_PS(device, first, second, nullptr), nullptr); };
   };
   unsigned drawn = 7;
@@ -43,17 +43,17 @@ TEST_F(LiveApiTest, NullHandles) {
       {[&] { setLiveVolumeRenderingRenderer(stage_.live, nullptr); }, "Cannot lock nullptr. "},
       {[&] { EXPECT_EQ(createOnlineDataSource(device, nullptr), nullptr); },
        "The specifided ProcessingHandle is invalid. "},
-      {createPs(nullptr, processing), "The specifided ProcessingHandle for camera/sensor-0 is invalid. "},
-      {createPs(processing, nullptr), "The specifided ProcessingHandle for camera/sensor-1 is invalid. "},
-      {createPs(processing, processing), "The specifided PolarizationProcessingHandle is invalid. "},
+      {create_ps(nullptr, processing), "The specifided ProcessingHandle for camera/sensor-0 is invalid. "},
+      {create_ps(processing, nullptr), "The specifided ProcessingHandle for camera/sensor-1 is invalid. "},
+      {create_ps(processing, processing), "The specifided PolarizationProcessingHandle is invalid. "},
       {[&] { createOnlineDataSource_PS(nullptr, processing, processing, polarization); },
        "The specifided OCTDeviceHandle is invalid. "},
-      {[&] { startDataSource(nullptr, source, nullptr); }, invalidRenderer},
+      {[&] { startDataSource(nullptr, source, nullptr); }, invalid_renderer},
       {[&] { startDataSource(stage_.live, source, nullptr); },
        "The specified ScanPatternHandle is invalid. "},
-      {[&] { getLiveVolumeCounts(nullptr, &drawn, nullptr); }, invalidRenderer}};
+      {[&] { getLiveVolumeCounts(nullptr, &drawn, nullptr); }, invalid_renderer}};
   int number = 0;
-  for (const auto& [call, message] : cases) EXPECT_EQ(errorOf(call), message) << "case " << number++;
+  for (const auto& [call, message] : cases) EXPECT_EQ(error_of(call), message) << "case " << number++;
   EXPECT_EQ(drawn, 7U);
   // These take null without a word.
   setOnlineRefractiveIndex(nullptr, 0.0);
@@ -64,28 +64,28 @@ TEST_F(LiveApiTest, NullHandles) {
   setOnlineDOPU_PS(nullptr, 1, 1, 1, 1);
   setOnlineDataThreshold_PS(nullptr, 1.0, true);
   clearDataSource(nullptr);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
   EXPECT_FALSE(isLiveVolumeRunning(stage_.live)) << "nothing was started";
   EXPECT_EQ(device_.volumes(), 0);
-  EXPECT_EQ(lockedObjectCount(), 0U);
+  EXPECT_EQ(locked_object_count(), 0U);
 }
 
 TEST_F(LiveApiTest, Misuse) {
-  stage_.makeSource();
+  stage_.make_source();
   const LiveDataSourceHandle source = stage_.source;
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
   for (const double index : {0.0, -1.33, nan, HUGE_VAL}) {
-    EXPECT_EQ(errorOf([&] { setOnlineRefractiveIndex(source, index); }),
+    EXPECT_EQ(error_of([&] { setOnlineRefractiveIndex(source, index); }),
               "The refractive index must be above zero. ");
   }
   for (const int size : {0, -5}) {
-    EXPECT_EQ(errorOf([&] { setSizeZ(source, size); }), "At least one depth sample must be kept. ");
+    EXPECT_EQ(error_of([&] { setSizeZ(source, size); }), "At least one depth sample must be kept. ");
   }
-  EXPECT_EQ(errorOf([&] { stopDataSource(source); }), "(none)") << "nothing runs";
+  EXPECT_EQ(error_of([&] { stopDataSource(source); }), "(none)") << "nothing runs";
   stage_.start();
-  EXPECT_EQ(pendingError(), "(none)");
-  EXPECT_EQ(errorOf([&] { stage_.start(); }), "BrennickDataSource already running");
-  EXPECT_TRUE(stage_.framesUntilShown()) << "the source runs on";
+  EXPECT_EQ(pending_error(), "(none)");
+  EXPECT_EQ(error_of([&] { stage_.start(); }), "BrennickDataSource already running");
+  EXPECT_TRUE(stage_.frames_until_shown()) << "the source runs on";
   EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
   stopDataSource(source);
   EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
@@ -93,22 +93,22 @@ TEST_F(LiveApiTest, Misuse) {
   EXPECT_FALSE(isLiveVolumeRunning(stage_.live));
   stopDataSource(source);
   EXPECT_FALSE(isLiveVolumeRunning(stage_.live)) << "a source that is stopped has no renderer to stop";
-  EXPECT_EQ(lockedObjectCount(), 0U);
+  EXPECT_EQ(locked_object_count(), 0U);
 }
 
 // A standard source takes the settings of the other kind and does nothing with them.
 TEST_F(LiveApiTest, SettingsOfTheOtherKindOfSource) {
-  stage_.makePolarizationSource();
-  EXPECT_EQ(errorOf([&] { setOnlineAnalogInputConfiguration(stage_.source, true); }),
+  stage_.make_polarization_source();
+  EXPECT_EQ(error_of([&] { setOnlineAnalogInputConfiguration(stage_.source, true); }),
             "Analog input not supported in PS Live mode.");
-  EXPECT_EQ(errorOf([&] { setOnlineAnalogInputConfiguration(stage_.source, false); }), "(none)");
+  EXPECT_EQ(error_of([&] { setOnlineAnalogInputConfiguration(stage_.source, false); }), "(none)");
   clearDataSource(stage_.source);
-  stage_.makeSource();
+  stage_.make_source();
   selectOnlineDataSource_PS(stage_.source, 42);
   setOnlineAveraging_PS(stage_.source, 0, -1, 2, 3);
   setOnlineDOPU_PS(stage_.source, 2, 3, 4, -9);
   setOnlineDataThreshold_PS(stage_.source, -3.5, true);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
   device_.record(true);
   stage_.run(2);
   EXPECT_EQ(device_.calls().find("olarization"), std::string::npos);
@@ -116,34 +116,34 @@ TEST_F(LiveApiTest, SettingsOfTheOtherKindOfSource) {
 
 // The source is the client's, and so is the order in which it clears what it has stopped.
 TEST_F(LiveApiTest, ClearedInEitherOrder) {
-  stage_.makeSource();
+  stage_.make_source();
   const LiveVolumeRenderingHandle live = createLiveRendering();
   setLiveVolumeRenderingRenderer(live, renderer_);
-  startDataSource(live, stage_.source, device_.scanPattern());
+  startDataSource(live, stage_.source, device_.scan_pattern());
   stopDataSource(stage_.source);
   clearLiveRendering(live);
   clearDataSource(stage_.source);
-  stage_.makeSource();
+  stage_.make_source();
   stage_.start();
   clearDataSource(stage_.source);  // stops first
   stage_.source = nullptr;
   EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 // A live renderer that is cleared while it runs takes its OpenGL objects along on the thread of its context,
 // and leaves them to the context elsewhere.
 TEST_F(LiveApiTest, ClearedWhileRunning) {
-  stage_.makeSource();
+  stage_.make_source();
   stage_.start();
-  ASSERT_TRUE(stage_.framesUntilShown());
+  ASSERT_TRUE(stage_.frames_until_shown());
   stopDataSource(stage_.source);
-  reinterpret_cast<VolumeRenderer*>(renderer_)->setSource({});
+  reinterpret_cast<VolumeRenderer*>(renderer_)->set_source({});
   std::thread([&] { clearLiveRendering(stage_.live); }).join();
   stage_.live = createLiveRendering();
   setLiveVolumeRenderingRenderer(stage_.live, renderer_);
   stage_.start();
-  EXPECT_TRUE(stage_.framesUntilShown());
+  EXPECT_TRUE(stage_.frames_until_shown());
 }
 
 }  // namespace

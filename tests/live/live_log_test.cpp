@@ -7,7 +7,7 @@ namespace {
 class LiveLogTest : public LiveRendererTest {};
 
 TEST_F(LiveLogTest, OneVolumeFromTheStartToTheEnd) {
-  const std::string text = logOf([&] {
+  const std::string text = log_of([&] {
     {
       FastOpenGLVolumeRenderer live;
       live.set_size({4, 3, 2});
@@ -51,15 +51,15 @@ Closing renderer.
 }
 
 TEST_F(LiveLogTest, Failures) {
-  const std::string text = logOf([&] {
+  const std::string text = log_of([&] {
     EXPECT_THROW(FastOpenGLVolumeRenderer(nullptr), std::exception);
-    runIt();
+    run_it();
     produce(1.0F);
     live_.render();
-    spy_.failNext("glMapBuffer");
-    failedMaps_ = 1;
+    spy_.fail_next("glMapBuffer");
+    failed_maps_ = 1;
     EXPECT_THROW(live_.render(), std::exception);
-    script_.refuseSet = true;
+    script_.refuse_set = true;
     EXPECT_THROW(live_.render(), std::exception);
     live_.start();
     EXPECT_THROW(live_.render(), std::exception);

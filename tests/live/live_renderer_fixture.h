@@ -11,16 +11,16 @@
 namespace oct::test {
 
 struct EventScript {
-  bool refuseSet = false;
-  std::function<void()> onSet;
+  bool refuse_set = false;
+  std::function<void()> on_set;
 };
 
 class ScriptedEvent : public ManualResetEvent {
  public:
   explicit ScriptedEvent(EventScript& script) : script_(script) {}
   bool set() override {
-    if (script_.onSet) script_.onSet();
-    return !script_.refuseSet && event_->set();
+    if (script_.on_set) script_.on_set();
+    return !script_.refuse_set && event_->set();
   }
   bool reset() override { return event_->reset(); }
   bool wait(std::chrono::milliseconds timeout) override { return event_->wait(timeout); }
@@ -37,11 +37,11 @@ class LiveRendererTest : public GLTest {
     script_ = {};
     live_.stop();
     live_.render();
-    EXPECT_EQ(spy_.liveObjects(), 0U);
-    EXPECT_EQ(spy_.calls("glMapBuffer") - failedMaps_, spy_.calls("glUnmapBuffer"));
+    EXPECT_EQ(spy_.live_objects(), 0U);
+    EXPECT_EQ(spy_.calls("glMapBuffer") - failed_maps_, spy_.calls("glUnmapBuffer"));
   }
 
-  void runIt() {
+  void run_it() {
     live_.start();
     live_.render();
   }
@@ -55,7 +55,7 @@ class LiveRendererTest : public GLTest {
   }
 
   GlSpy spy_;
-  int failedMaps_ = 0;
+  int failed_maps_ = 0;
   EventScript script_;
   FastOpenGLVolumeRenderer live_{std::make_unique<ScriptedEvent>(script_)};
 };

@@ -11,7 +11,7 @@
 namespace oct::test {
 namespace {
 
-constexpr std::size_t objectsOfARunningRenderer = 3;  // texture and two buffers
+constexpr std::size_t objects_of_a_running_renderer = 3;  // texture and two buffers
 
 using Action = std::function<void(FastOpenGLVolumeRenderer&)>;
 
@@ -44,7 +44,7 @@ TEST_F(LiveRendererTest, EveryEventInEveryState) {
       EXPECT_TRUE(live.is_running()) << state.name << ", " << event.name;
       live.render();
       EXPECT_EQ(live.is_running(), event.running) << state.name << ", " << event.name;
-      EXPECT_EQ(spy_.liveObjects(), event.running ? objectsOfARunningRenderer : 0U);
+      EXPECT_EQ(spy_.live_objects(), event.running ? objects_of_a_running_renderer : 0U);
       live.wait_for_transition();
       EXPECT_EQ(live.get_data_ptr() != nullptr, event.running) << state.name << ", " << event.name;
       live.discard();
@@ -57,10 +57,10 @@ TEST_F(LiveRendererTest, EveryEventInEveryState) {
     EXPECT_EQ(live.is_running(), state.name != std::string("stopped"));
     live.render();
     EXPECT_EQ(live.is_running(), state.running) << state.name;
-    EXPECT_EQ(spy_.liveObjects(), state.running ? objectsOfARunningRenderer : 0U);
+    EXPECT_EQ(spy_.live_objects(), state.running ? objects_of_a_running_renderer : 0U);
     stop(live), render(live);
   }
-  EXPECT_EQ(spy_.liveObjects(), 0U);
+  EXPECT_EQ(spy_.live_objects(), 0U);
 }
 
 // One buffer at a time, and each volume once.
@@ -70,7 +70,7 @@ TEST_F(LiveRendererTest, HandOver) {
   const auto waited = std::chrono::steady_clock::now() - begin;
   EXPECT_GE(waited, std::chrono::milliseconds(99));
   EXPECT_EQ(live_.get_fps(), 0.0);
-  runIt();
+  run_it();
   EXPECT_EQ(spy_.calls("glMapBuffer"), 1);
   live_.update();  // without a buffer
   live_.render();
@@ -105,7 +105,7 @@ TEST_F(LiveRendererTest, HandOver) {
 }
 
 TEST_F(LiveRendererTest, SizesHoldFromTheNextInitialisation) {
-  runIt();
+  run_it();
   live_.set_size({5, 6, 7});
   EXPECT_EQ(live_.get_size(), (VolumeExtent{5, 6, 7}));
   EXPECT_EQ(live_.get_data_ptr(), nullptr) << "the buffer is one of the size before";
@@ -115,10 +115,10 @@ TEST_F(LiveRendererTest, SizesHoldFromTheNextInitialisation) {
   ASSERT_NE(data, nullptr);
   std::fill_n(data, 5 * 6 * 7, 1.0F);
   live_.discard();
-  EXPECT_EQ(failureOf([&] { live_.set_size({1, -1, 1}); }), "Volume sizes must not be negative. ");
+  EXPECT_EQ(failure_of([&] { live_.set_size({1, -1, 1}); }), "Volume sizes must not be negative. ");
   constexpr int most = std::numeric_limits<int>::max();
   for (const VolumeExtent& extent : {VolumeExtent{2048, 1024, 1024}, VolumeExtent{most, most, most}}) {
-    EXPECT_EQ(failureOf([&] { live_.set_size(extent); }),
+    EXPECT_EQ(failure_of([&] { live_.set_size(extent); }),
               "The volume has too many voxels for live rendering. ");
   }
   EXPECT_EQ(live_.get_size(), (VolumeExtent{5, 6, 7}));
@@ -126,7 +126,7 @@ TEST_F(LiveRendererTest, SizesHoldFromTheNextInitialisation) {
 
 TEST_F(LiveRendererTest, SizesWithoutVoxelsAndBeyondTheDriver) {
   live_.set_size({0, 8, 8});
-  runIt();
+  run_it();
   ASSERT_NE(live_.get_data_ptr(), nullptr);
   live_.update();
   live_.render();
@@ -135,11 +135,11 @@ TEST_F(LiveRendererTest, SizesWithoutVoxelsAndBeyondTheDriver) {
   live_.set_size({1'000'000, 1, 1});
   live_.invalidate();
   for (int i = 0; i < 2; ++i) {
-    EXPECT_NE(failureOf([&] { live_.render(); }).find("1000000 x 1 x 1 voxels is too large"),
+    EXPECT_NE(failure_of([&] { live_.render(); }).find("1000000 x 1 x 1 voxels is too large"),
               std::string::npos);
   }
   EXPECT_TRUE(live_.is_running());
-  EXPECT_EQ(spy_.liveObjects(), 0U);
+  EXPECT_EQ(spy_.live_objects(), 0U);
   live_.set_size({4, 3, 2});
   live_.render();
   produce(1.0F);
@@ -149,13 +149,13 @@ TEST_F(LiveRendererTest, SizesWithoutVoxelsAndBeyondTheDriver) {
 
 TEST_F(LiveRendererTest, WaitingForATransition) {
   const auto waiting = [&] {
-    return std::async(std::launch::async, [&] { return failureOf([&] { live_.wait_for_transition(); }); });
+    return std::async(std::launch::async, [&] { return failure_of([&] { live_.wait_for_transition(); }); });
   };
   const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(20)); };
   live_.start();
   auto first = waiting();
   pause();
-  EXPECT_NE(failureOf([&] { live_.wait_for_transition(); }).find("retrieved"), std::string::npos);
+  EXPECT_NE(failure_of([&] { live_.wait_for_transition(); }).find("retrieved"), std::string::npos);
   live_.render();
   EXPECT_EQ(first.get(), "(none)");
 
@@ -172,18 +172,18 @@ TEST_F(LiveRendererTest, WaitingForATransition) {
 
 // Requests that arrive while the rendering thread is at work are found in its next frame.
 TEST_F(LiveRendererTest, ARequestDuringInitialisationIsNotOverwritten) {
-  script_.onSet = [&] { live_.stop(); };
-  runIt();
+  script_.on_set = [&] { live_.stop(); };
+  run_it();
   EXPECT_TRUE(live_.is_running());
-  script_.onSet = nullptr;
+  script_.on_set = nullptr;
   live_.render();
   EXPECT_FALSE(live_.is_running());
-  script_.onSet = [&] {
-    script_.onSet = nullptr;
+  script_.on_set = [&] {
+    script_.on_set = nullptr;
     live_.set_size({7, 7, 7});
     live_.invalidate();
   };
-  runIt();
+  run_it();
   live_.render();
   live_.wait_for_transition();
   float* const data = live_.get_data_ptr();
@@ -196,9 +196,9 @@ class AtMark : public TimingListener {
  public:
   AtMark(std::string name, std::function<void()> action)
       : name_(std::move(name)), action_(std::move(action)) {
-    setTimingListener(this);
+    set_timing_listener(this);
   }
-  ~AtMark() override { setTimingListener(nullptr); }
+  ~AtMark() override { set_timing_listener(nullptr); }
   void begin(std::string_view name, std::uint32_t, Time) override {
     if (name == name_) action_();
   }
@@ -224,7 +224,7 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   beginOffscreenFrame(stage.target, 20, 20);
   live.start();
   live.render();
-  EXPECT_EQ(renderer.source().secondarySliceCount, 2);
+  EXPECT_EQ(renderer.source().secondary_slice_count, 2);
   EXPECT_NE(renderer.source().secondary, 0U);
   live.render();
   EXPECT_EQ(renderer.source().volume, 0U) << "nothing has been uploaded";
@@ -233,16 +233,16 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   ASSERT_NE(data, nullptr);
   std::fill_n(data, 4 * 3 * 2, 0.25F);
   live.update();
-  const std::vector<float> ofTheVolume = secondary;
+  const std::vector<float> of_the_volume = secondary;
   std::fill(secondary.begin(), secondary.end(), 0.75F);  // of the next one
   live.render();
   glBindTexture(GL_TEXTURE_3D, renderer.source().secondary);
   glGetTexImage(GL_TEXTURE_3D, 0, GL_RED, GL_FLOAT, secondary.data());
-  EXPECT_EQ(secondary, ofTheVolume);
+  EXPECT_EQ(secondary, of_the_volume);
   EXPECT_EQ(renderer.source().revision, before + 1);
   EXPECT_NE(renderer.source().volume, 0U);
-  EXPECT_EQ(renderer.source().sliceCount, 3);
-  EXPECT_EQ(renderer.source().filledFraction, 1.0F);
+  EXPECT_EQ(renderer.source().slice_count, 3);
+  EXPECT_EQ(renderer.source().filled_fraction, 1.0F);
   for (int i = 0; i < 3; ++i) live.render();
   EXPECT_EQ(renderer.source().revision, before + 1);
   {
@@ -252,9 +252,9 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   EXPECT_FALSE(live.is_running());
   EXPECT_EQ(renderer.source().volume, 0U);
   EXPECT_EQ(renderer.source().secondary, 0U);
-  EXPECT_EQ(renderer.source().secondarySliceCount, 0);
+  EXPECT_EQ(renderer.source().secondary_slice_count, 0);
   finishOffscreenFrame(stage.target, nullptr);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 TEST_F(LiveRendererTest, WithoutAContextAFrameFails) {
@@ -262,7 +262,7 @@ TEST_F(LiveRendererTest, WithoutAContextAFrameFails) {
   std::async(std::launch::async, [&] {
     live.render();  // stopped: nothing to do
     live.start();
-    EXPECT_EQ(failureOf([&] { live.render(); }), "No OpenGL context is current on the calling thread. ");
+    EXPECT_EQ(failure_of([&] { live.render(); }), "No OpenGL context is current on the calling thread. ");
   }).get();
   EXPECT_TRUE(live.is_running());
 }
@@ -271,20 +271,20 @@ TEST_F(LiveRendererTest, WithoutAContextAFrameFails) {
 
 // While it initialises, in a frame, and when a buffer's memory is lost.
 TEST_F(LiveRendererTest, AFrameWithoutItsBufferIsFollowedByOneWithIt) {
-  spy_.failNext("glMapBuffer");
-  runIt();
+  spy_.fail_next("glMapBuffer");
+  run_it();
   live_.wait_for_transition();
   EXPECT_EQ(live_.get_data_ptr(), nullptr);
   live_.render();
   produce(1.0F);
   live_.render();
-  spy_.failNext("glMapBuffer");
-  failedMaps_ = 2;
-  EXPECT_EQ(failureOf([&] { live_.render(); }), "This is an error.");
+  spy_.fail_next("glMapBuffer");
+  failed_maps_ = 2;
+  EXPECT_EQ(failure_of([&] { live_.render(); }), "This is an error.");
   live_.render();
   produce(2.0F);
   const int uploads = spy_.calls("glTexSubImage3D");
-  spy_.failNext("glUnmapBuffer");
+  spy_.fail_next("glUnmapBuffer");
   live_.render();
   EXPECT_EQ(spy_.calls("glTexSubImage3D"), uploads) << "a lost volume is not shown";
   live_.render();
@@ -298,42 +298,42 @@ TEST_F(LiveRendererTest, ErrorsAtEveryCheckpoint) {
   const auto at = [&](const std::string& place, const std::function<void()>& arrange) {
     arrange();
     const std::string expected = "An OpenGL error in " + place + " occured: ";
-    const std::string error = failureOf([&] { live_.render(); });
+    const std::string error = failure_of([&] { live_.render(); });
     EXPECT_EQ(error.substr(0, expected.size()), expected);
     live_.render();
   };
-  at("FastOpenGLVolumeRenderer::close", [&] { live_.start(), spy_.queueError(GL_INVALID_VALUE); });
-  at("FastOpenGLVolumeRenderer::initialize", [&] { live_.invalidate(), spy_.failNext("glTexImage3D"); });
-  at("FastOpenGLVolumeRenderer::initialize", [&] { live_.invalidate(), spy_.failNext("glBufferData"); });
+  at("FastOpenGLVolumeRenderer::close", [&] { live_.start(), spy_.queue_error(GL_INVALID_VALUE); });
+  at("FastOpenGLVolumeRenderer::initialize", [&] { live_.invalidate(), spy_.fail_next("glTexImage3D"); });
+  at("FastOpenGLVolumeRenderer::initialize", [&] { live_.invalidate(), spy_.fail_next("glBufferData"); });
   live_.wait_for_transition();
-  at("FastOpenGLVolumeRenderer::render", [&] { spy_.queueError(GL_INVALID_OPERATION); });
+  at("FastOpenGLVolumeRenderer::render", [&] { spy_.queue_error(GL_INVALID_OPERATION); });
   produce(1.0F);
-  at("FastOpenGLVolumeRenderer::render, do_update", [&] { spy_.failNext("glTexSubImage3D"); });
+  at("FastOpenGLVolumeRenderer::render, do_update", [&] { spy_.fail_next("glTexSubImage3D"); });
   produce(2.0F);
   live_.render();
   at("FastOpenGLVolumeRenderer::render, other",
-     [&] { script_.onSet = [&] { script_.onSet = nullptr, spy_.queueError(GL_INVALID_ENUM); }; });
+     [&] { script_.on_set = [&] { script_.on_set = nullptr, spy_.queue_error(GL_INVALID_ENUM); }; });
   produce(3.0F);
   live_.render();
-  at("FastOpenGLVolumeRenderer::close", [&] { live_.stop(), spy_.queueError(GL_INVALID_VALUE); });
+  at("FastOpenGLVolumeRenderer::close", [&] { live_.stop(), spy_.queue_error(GL_INVALID_VALUE); });
   EXPECT_FALSE(live_.is_running());
 }
 
 TEST_F(LiveRendererTest, RefusedEvents) {
-  script_.refuseSet = true;
+  script_.refuse_set = true;
   live_.start();
   testing::internal::CaptureStderr();
-  EXPECT_EQ(failureOf([&] { live_.render(); }), "Could not set event");
+  EXPECT_EQ(failure_of([&] { live_.render(); }), "Could not set event");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not set event.\n");
   EXPECT_TRUE(live_.is_running());
-  script_.refuseSet = false;
+  script_.refuse_set = false;
   live_.render();
   live_.wait_for_transition();
   produce(1.0F);
   live_.render();
-  script_.refuseSet = true;
-  EXPECT_EQ(failureOf([&] { live_.render(); }), "This is an error.");
-  EXPECT_EQ(failureOf([] { const FastOpenGLVolumeRenderer refused(nullptr); }), "Could not create event.");
+  script_.refuse_set = true;
+  EXPECT_EQ(failure_of([&] { live_.render(); }), "This is an error.");
+  EXPECT_EQ(failure_of([] { const FastOpenGLVolumeRenderer refused(nullptr); }), "Could not create event.");
 }
 
 }  // namespace

@@ -11,30 +11,30 @@
 namespace oct::test {
 namespace {
 
-std::unique_ptr<Recorded<std::string>> errorRecord;
-std::unique_ptr<Recorded<double>> intensityRecord;
-std::function<void()> errorAction;
-std::function<void()> intensityAction;
+std::unique_ptr<Recorded<std::string>> error_record;
+std::unique_ptr<Recorded<double>> intensity_record;
+std::function<void()> error_action;
+std::function<void()> intensity_action;
 
 }  // namespace
 
-Recorded<std::string>& clientErrors() {
-  return *errorRecord;
+Recorded<std::string>& client_errors() {
+  return *error_record;
 }
 Recorded<double>& intensities() {
-  return *intensityRecord;
+  return *intensity_record;
 }
 
 LiveStage::LiveStage() {
-  errorRecord = std::make_unique<Recorded<std::string>>();
-  intensityRecord = std::make_unique<Recorded<double>>();
-  errorAction = intensityAction = nullptr;
+  error_record = std::make_unique<Recorded<std::string>>();
+  intensity_record = std::make_unique<Recorded<double>>();
+  error_action = intensity_action = nullptr;
   device.reset();
   setDeviceLibrary(OCT_PATTERN_DEVICE);
   live = createLiveRendering();
-  setLiveVolumeRenderingRenderer(live, volumeStage.renderer);
-  setRenderElements(volumeStage.renderer, 1, 0);
-  pendingError();
+  setLiveVolumeRenderingRenderer(live, volume_stage.renderer);
+  setRenderElements(volume_stage.renderer, 1, 0);
+  pending_error();
 }
 
 LiveStage::~LiveStage() {
@@ -45,51 +45,51 @@ LiveStage::~LiveStage() {
   clearLiveRendering(live);
   EXPECT_EQ(device.objects(), 0);
   EXPECT_EQ(device.misuses(), 0);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
-void LiveStage::makeSource() {
+void LiveStage::make_source() {
   source = createOnlineDataSource(device.device(), device.processing(0));
-  onError(nullptr);
-  onIntensity(nullptr);
+  on_error(nullptr);
+  on_intensity(nullptr);
 }
 
-void LiveStage::makePolarizationSource() {
+void LiveStage::make_polarization_source() {
   source = createOnlineDataSource_PS(device.device(), device.processing(0), device.processing(1),
                                      device.polarization());
-  onError(nullptr);
-  onIntensity(nullptr);
+  on_error(nullptr);
+  on_intensity(nullptr);
 }
 
-void LiveStage::onIntensity(std::function<void()> action) {
-  intensityAction = std::move(action);
+void LiveStage::on_intensity(std::function<void()> action) {
+  intensity_action = std::move(action);
   setRefIntensityCallback(source, [](double value) {
-    if (intensityAction) intensityAction();
+    if (intensity_action) intensity_action();
     intensities().add(value);
   });
 }
 
-void LiveStage::onError(std::function<void()> action) {
-  errorAction = std::move(action);
+void LiveStage::on_error(std::function<void()> action) {
+  error_action = std::move(action);
   setErrorCallback(source, [](const char* message) {
-    if (errorAction) errorAction();
-    clientErrors().add(message);
+    if (error_action) error_action();
+    client_errors().add(message);
   });
 }
 
 Picture LiveStage::frame(int width, int height, LiveVolumeRenderingHandle drawn) {
   Picture picture(width, height);
-  beginOffscreenFrame(volumeStage.target, static_cast<unsigned>(width), static_cast<unsigned>(height));
+  beginOffscreenFrame(volume_stage.target, static_cast<unsigned>(width), static_cast<unsigned>(height));
   renderVolume(drawn);
-  readVoxels();
-  finishOffscreenFrame(volumeStage.target, picture.bytes.data());
+  read_voxels();
+  finishOffscreenFrame(volume_stage.target, picture.bytes.data());
   ++frames_;
   return picture;
 }
 
-void LiveStage::readVoxels() {
+void LiveStage::read_voxels() {
   voxels.clear();
-  const GLuint texture = reinterpret_cast<VolumeRenderer*>(volumeStage.renderer)->source().volume;
+  const GLuint texture = reinterpret_cast<VolumeRenderer*>(volume_stage.renderer)->source().volume;
   if (texture == 0) return;
   glBindTexture(GL_TEXTURE_3D, texture);
   GLint size[3] = {};
@@ -101,7 +101,7 @@ void LiveStage::readVoxels() {
   glBindTexture(GL_TEXTURE_3D, 0);
 }
 
-bool LiveStage::framesUntil(const std::function<bool()>& condition) {
+bool LiveStage::frames_until(const std::function<bool()>& condition) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   while (std::chrono::steady_clock::now() < end) {
     frame();
@@ -113,17 +113,17 @@ bool LiveStage::framesUntil(const std::function<bool()>& condition) {
 
 void LiveStage::run(int volumes) {
   intensities().clear();
-  onIntensity([this, volumes, seen = 1]() mutable {
+  on_intensity([this, volumes, seen = 1]() mutable {
     if (++seen == volumes) return stopDataSource(source);
     const int enough = frames_ + 4;
     while (frames_ < enough) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   });
   start();
   EXPECT_TRUE(
-      framesUntil([&] { return intensities().all().size() + 1 == static_cast<std::size_t>(volumes); }));
+      frames_until([&] { return intensities().all().size() + 1 == static_cast<std::size_t>(volumes); }));
   stopDataSource(source);
   // The callback's own stop cannot wait for the thread that it runs on.
-  EXPECT_NE(pendingError(), "(none)");
+  EXPECT_NE(pending_error(), "(none)");
 }
 
 bool uniform(const std::vector<float>& voxels) {

@@ -1,12 +1,12 @@
 // A live renderer, a source with the pattern device, and a client that renders.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "live/pattern_device.h"
 #include "support/test_loop.h"
@@ -15,7 +15,7 @@
 namespace oct::test {
 
 // What arrived at the functions of setErrorCallback and setRefIntensityCallback.
-Recorded<std::string>& clientErrors();
+Recorded<std::string>& client_errors();
 Recorded<double>& intensities();
 
 class LiveStage {
@@ -25,33 +25,33 @@ class LiveStage {
   LiveStage(const LiveStage&) = delete;
   LiveStage& operator=(const LiveStage&) = delete;
 
-  void makeSource();
-  void makePolarizationSource();
-  void start() { startDataSource(live, source, device.scanPattern()); }
+  void make_source();
+  void make_polarization_source();
+  void start() { startDataSource(live, source, device.scan_pattern()); }
 
   // What the reference intensity function does from now on, on the acquisition thread, before it is noted.
-  void onIntensity(std::function<void()> action);
-  void onError(std::function<void()> action);
+  void on_intensity(std::function<void()> action);
+  void on_error(std::function<void()> action);
 
   Picture frame(int width = 24, int height = 16) { return frame(width, height, live); }
   Picture frame(int width, int height, LiveVolumeRenderingHandle drawn);
   // Frames, for ten seconds at most, until the condition holds.
-  bool framesUntil(const std::function<bool()>& condition);
-  bool framesUntilShown() {
-    return framesUntil([&] { return !voxels.empty(); });
+  bool frames_until(const std::function<bool()>& condition);
+  bool frames_until_shown() {
+    return frames_until([&] { return !voxels.empty(); });
   }
   // Renders, and stops after so many volumes, from the reference intensity function. No volume is dropped:
   // each waits until a buffer is free.
   void run(int volumes);
 
-  VolumeStage volumeStage;
+  VolumeStage volume_stage;
   PatternDevice& device = *patternDevice();
   LiveVolumeRenderingHandle live = nullptr;
   LiveDataSourceHandle source = nullptr;
   std::vector<float> voxels;  // of the texture drawn in the latest frame; empty: none
 
  private:
-  void readVoxels();
+  void read_voxels();
 
   std::atomic<int> frames_ = 0;
 };
@@ -62,7 +62,7 @@ bool uniform(const std::vector<float>& voxels);
 class LiveTest : public testing::Test {
  protected:
   LiveStage stage_;
-  VolumeRendererHandle renderer_ = stage_.volumeStage.renderer;
+  VolumeRendererHandle renderer_ = stage_.volume_stage.renderer;
   PatternDevice& device_ = stage_.device;
 };
 

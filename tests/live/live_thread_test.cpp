@@ -1,5 +1,5 @@
-// Start, stop and everything else from other threads, in every state, while the rendering thread draws or
-// does not.
+// Start, stop and everything else from other threads, in every state, while the
+// rendering thread draws or does not.
 #include <random>
 #include <thread>
 
@@ -16,7 +16,7 @@ class Pauses {
  public:
   explicit Pauses(unsigned seed) : random_(seed) {}
   int number(int below) { return std::uniform_int_distribution<int>(0, below - 1)(random_); }
-  void upTo(microseconds longest) {
+  void up_to(microseconds longest) {
     std::this_thread::sleep_for(microseconds(number(static_cast<int>(longest.count()))));
   }
 
@@ -27,7 +27,7 @@ class Pauses {
 class LiveThreadTest : public LiveTest {
  protected:
   // Draws while the threads work. No picture shows parts of two volumes.
-  void drawWhile(std::vector<std::function<void()>> work) {
+  void draw_while(std::vector<std::function<void()>> work) {
     std::atomic<int> left = static_cast<int>(work.size());
     std::vector<std::thread> threads;
     for (auto& body : work) {
@@ -36,14 +36,14 @@ class LiveThreadTest : public LiveTest {
         --left;
       });
     }
-    while (left > 0) drawOnce();
+    while (left > 0) draw_once();
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(torn_, 0);
-    EXPECT_TRUE(clientErrors().all().empty());
+    EXPECT_TRUE(client_errors().all().empty());
   }
 
   // A frame of every live renderer: of a volume of one colour, which fills it.
-  void drawOnce() {
+  void draw_once() {
     for (const LiveVolumeRenderingHandle live : lives_) {
       const Picture picture = stage_.frame(24, 16, live);
       if (stage_.voxels.empty()) continue;
@@ -55,13 +55,13 @@ class LiveThreadTest : public LiveTest {
     }
   }
 
-  void fillPictures() {
+  void fill_pictures() {
     VolumeScene scene;
     scene.mode = 1;
     scene.slices = 32;
-    scene.coloring = {opaqueColors(256), 0.0, 1.0};
+    scene.coloring = {opaque_colors(256), 0.0, 1.0};
     scene.zoom = 5.0;
-    scene.angleY = 90.0;
+    scene.angle_y = 90.0;
     apply(scene, renderer_);
   }
 
@@ -72,7 +72,7 @@ class LiveThreadTest : public LiveTest {
 
 // A stop takes up to a tenth of a second, until the thread gives up waiting for a buffer: many at a time.
 TEST_F(LiveThreadTest, AThousandRestartsWhileDrawing) {
-  fillPictures();
+  fill_pictures();
   std::vector<LiveDataSourceHandle> sources;
   std::vector<std::function<void()>> work;
   for (int k = 0; k < PatternDevice::devices; ++k) {
@@ -85,15 +85,15 @@ TEST_F(LiveThreadTest, AThousandRestartsWhileDrawing) {
       Pauses pauses(static_cast<unsigned>(k));
       for (int i = 0; i < 1000 / PatternDevice::devices + 1; ++i) {
         if (i % 10 == 0) setSizeZ(source, 1 + pauses.number(16));
-        startDataSource(live, source, device_.scanPattern());
-        pauses.upTo(microseconds(i % 8 == 0 ? 200'000 : 3000));
+        startDataSource(live, source, device_.scan_pattern());
+        pauses.up_to(microseconds(i % 8 == 0 ? 200'000 : 3000));
         stopDataSource(source);
-        if (i % 4 == 0) pauses.upTo(microseconds(1000));
+        if (i % 4 == 0) pauses.up_to(microseconds(1000));
       }
     });
   }
-  drawWhile(work);
-  drawOnce();
+  draw_while(work);
+  draw_once();
   EXPECT_GT(shown_, 10);
   EXPECT_GT(device_.volumes(), 1000);
   for (const LiveDataSourceHandle source : sources) clearDataSource(source);
@@ -101,37 +101,37 @@ TEST_F(LiveThreadTest, AThousandRestartsWhileDrawing) {
 }
 
 TEST_F(LiveThreadTest, RestartsWhileNobodyDraws) {
-  stage_.makeSource();
+  stage_.make_source();
   Pauses pauses(2);
   for (int i = 0; i < 1000; ++i) {
     if (i % 10 == 0) setSizeZ(stage_.source, 1 + pauses.number(16));
     // Of another size, with the buffer of the one before still free and nobody rendering.
-    if (i % 100 == 90) device_.setSize(48, 48, 48);
-    if (i % 100 == 99) device_.setSize(16, 12, 10);
+    if (i % 100 == 90) device_.set_size(48, 48, 48);
+    if (i % 100 == 99) device_.set_size(16, 12, 10);
     stage_.start();
-    pauses.upTo(microseconds(400));
+    pauses.up_to(microseconds(400));
     if (i % 100 == 0) stage_.frame();  // so that some begin with an initialised renderer
     stopDataSource(stage_.source);
     if (i % 70 == 0) stage_.frame();
   }
   stage_.start();
-  EXPECT_TRUE(stage_.framesUntilShown());
+  EXPECT_TRUE(stage_.frames_until_shown());
   EXPECT_TRUE(uniform(stage_.voxels));
-  EXPECT_TRUE(clientErrors().all().empty());
+  EXPECT_TRUE(client_errors().all().empty());
 }
 
 // Both kinds take turns on one live renderer, each cleared while it runs.
 TEST_F(LiveThreadTest, SourcesComeAndGo) {
-  fillPictures();
-  drawWhile({[&] {
+  fill_pictures();
+  draw_while({[&] {
     Pauses pauses(3);
     for (int i = 0; i < 60; ++i) {
-      i % 2 ? stage_.makeSource() : stage_.makePolarizationSource();
+      i % 2 ? stage_.make_source() : stage_.make_polarization_source();
       if (i % 4 == 1) setOnlineAnalogInputConfiguration(stage_.source, true);
       selectOnlineDataSource_PS(stage_.source, 7);
       setSizeZ(stage_.source, 4 + i % 13);
       stage_.start();
-      pauses.upTo(microseconds(i % 10 == 0 ? 60'000 : 5000));
+      pauses.up_to(microseconds(i % 10 == 0 ? 60'000 : 5000));
       clearDataSource(stage_.source);
     }
     stage_.source = nullptr;
@@ -141,8 +141,8 @@ TEST_F(LiveThreadTest, SourcesComeAndGo) {
 }
 
 TEST_F(LiveThreadTest, SettersWhileRunning) {
-  fillPictures();
-  stage_.makePolarizationSource();
+  fill_pictures();
+  stage_.make_polarization_source();
   selectOnlineDataSource_PS(stage_.source, 7);
   stage_.start();
   // Until the first volume has been acquired the live renderer is stopped.
@@ -157,7 +157,7 @@ TEST_F(LiveThreadTest, SettersWhileRunning) {
       }
     };
   };
-  drawWhile(
+  draw_while(
       {many([=](int i) { setOnlineAveraging_PS(source, i, i, i, i), setOnlineDOPU_PS(source, i, i, i, i); }),
        many([=](int i) {
          setOnlineDataThreshold_PS(source, i, i % 2), selectOnlineDataSource_PS(source, i % 2 ? 7 : 9);
@@ -168,7 +168,7 @@ TEST_F(LiveThreadTest, SettersWhileRunning) {
        }),
        many([=](int i) {
          setErrorCallback(
-             source, i % 2 ? nullptr : +[](const char* text) { clientErrors().add(text); });
+             source, i % 2 ? nullptr : +[](const char* text) { client_errors().add(text); });
          setRefIntensityCallback(
              source, i % 3 ? nullptr : +[](double value) { intensities().add(value); });
        }),
@@ -189,12 +189,12 @@ TEST_F(LiveThreadTest, SettersWhileRunning) {
 
 // The buffer that it writes to stays mapped until it has done so, although the source has been asked to stop.
 TEST_F(LiveThreadTest, StopDuringACopy) {
-  stage_.makeSource();
+  stage_.make_source();
   stage_.start();
-  ASSERT_TRUE(stage_.framesUntilShown());
+  ASSERT_TRUE(stage_.frames_until_shown());
   for (int i = 0; i < 10; ++i) {
     device_.hold("getDataPtr");
-    ASSERT_TRUE(stage_.framesUntil([&] { return device_.held(); }));
+    ASSERT_TRUE(stage_.frames_until([&] { return device_.held(); }));
     std::atomic<bool> released = false;
     std::thread stop([&] { stopDataSource(stage_.source); });
     std::thread release([&] {
@@ -219,26 +219,26 @@ TEST_F(LiveThreadTest, WithoutFramesVolumesAreDroppedAndCounted) {
     return seen;
   };
   EXPECT_EQ(counts(), std::pair(0U, 0U));
-  stage_.makeSource();
+  stage_.make_source();
   stage_.start();
-  ASSERT_TRUE(stage_.framesUntilShown());
+  ASSERT_TRUE(stage_.frames_until_shown());
   const int before = device_.volumes();
-  const unsigned droppedBefore = counts().second;  // none unless the machine is busy
+  const unsigned dropped_before = counts().second;  // none unless the machine is busy
   const auto begin = std::chrono::steady_clock::now();
   while (device_.volumes() < before + 4) std::this_thread::sleep_for(std::chrono::milliseconds(5));
   EXPECT_GT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(150))
       << "they were waited for";
-  EXPECT_TRUE(stage_.framesUntil([&] { return device_.volumes() > before + 8; }));
+  EXPECT_TRUE(stage_.frames_until([&] { return device_.volumes() > before + 8; }));
   EXPECT_TRUE(uniform(stage_.voxels));
   stopDataSource(stage_.source);
   const auto [drawn, dropped] = counts();
   EXPECT_GE(drawn, 2U);
-  EXPECT_GE(dropped, droppedBefore + 2);
+  EXPECT_GE(dropped, dropped_before + 2);
   // One volume may lie in the buffer, and one may have come after the request to stop.
   EXPECT_GE(device_.volumes(), static_cast<int>(drawn + dropped));
   EXPECT_LE(device_.volumes(), static_cast<int>(drawn + dropped + 2));
   stage_.start();
-  EXPECT_TRUE(stage_.framesUntil([&, drawn = drawn] { return counts().first > drawn; })) << "goes on";
+  EXPECT_TRUE(stage_.frames_until([&, drawn = drawn] { return counts().first > drawn; })) << "goes on";
   getLiveVolumeCounts(stage_.live, nullptr, nullptr);
 }
 
@@ -249,27 +249,27 @@ TEST_F(LiveThreadTest, CallbacksThatCallTheSource) {
       {[this] { clearDataSource(stage_.source); }, true},
       {[this] { stage_.start(); }, false},
       {[this] { stopDataSource(stage_.source), stage_.start(), clearDataSource(stage_.source); }, true}};
-  stage_.makeSource();
+  stage_.make_source();
   for (const bool error : {false, true}) {
     for (const auto& [call, ends] : calls) {
       std::string message;
-      const auto action = [&, call = call] { call(), message = pendingError(); };
-      stage_.onIntensity(error ? std::function<void()>() : action);
-      stage_.onError(error ? action : std::function<void()>());
+      const auto action = [&, call = call] { call(), message = pending_error(); };
+      stage_.on_intensity(error ? std::function<void()>() : action);
+      stage_.on_error(error ? action : std::function<void()>());
       if (error) device_.fail("getRawDataEx", 3);
-      const auto count = [&] { return intensities().all().size() + clientErrors().all().size(); };
-      const std::size_t before = clientErrors().all().size();
+      const auto count = [&] { return intensities().all().size() + client_errors().all().size(); };
+      const std::size_t before = client_errors().all().size();
       stage_.start();
-      ASSERT_TRUE(stage_.framesUntil(
-          [&] { return error ? clientErrors().all().size() > before : !intensities().all().empty(); }));
+      ASSERT_TRUE(stage_.frames_until(
+          [&] { return error ? client_errors().all().size() > before : !intensities().all().empty(); }));
       if (ends) {
-        ASSERT_TRUE(stage_.framesUntil([&] { return device_.objects() == 0; }))
+        ASSERT_TRUE(stage_.frames_until([&] { return device_.objects() == 0; }))
             << "the source was not asked to end";
       }
       stopDataSource(stage_.source);
       EXPECT_NE(message, "(none)");
       EXPECT_GT(count(), 0U);
-      while (pendingError() != "(none)") {
+      while (pending_error() != "(none)") {
       }
       intensities().clear();
     }
@@ -278,55 +278,55 @@ TEST_F(LiveThreadTest, CallbacksThatCallTheSource) {
 
 // A stop waits for the thread that it has asked to end, not for one that is started while it waits.
 TEST_F(LiveThreadTest, StopWaitsForNoLaterStart) {
-  stage_.makeSource();
+  stage_.make_source();
   for (int i = 0; i < 20; ++i) {
     device_.hold("stopMeasurement");
     stage_.start();
-    ASSERT_TRUE(stage_.framesUntilShown());
+    ASSERT_TRUE(stage_.frames_until_shown());
     std::atomic<int> left = 4;
     const auto stop = [&] { stopDataSource(stage_.source), --left; };
     const auto start = [&] { stage_.start(), --left; };
     std::vector<std::thread> threads;
     threads.emplace_back(stop);
-    EXPECT_TRUE(stage_.framesUntil([&] { return device_.held(); }));
+    EXPECT_TRUE(stage_.frames_until([&] { return device_.held(); }));
     for (const bool stops : {true, false, true}) {
       threads.emplace_back([&, stops] { stops ? stop() : start(); });
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(3));
     device_.release();
-    EXPECT_TRUE(stage_.framesUntil([&] { return left == 0; }));
+    EXPECT_TRUE(stage_.frames_until([&] { return left == 0; }));
     stopDataSource(stage_.source);
     for (std::thread& thread : threads) thread.join();
   }
   // A start that finds a stop at work is refused.
-  while (pendingError() != "(none)") {
+  while (pending_error() != "(none)") {
   }
 }
 
 // A callback that waits for the live renderer's lock, a stop that waits for the callback, and a start that
 // wants both: none waits for the other in a circle.
 TEST_F(LiveThreadTest, StartsStopsAndCallbacksDoNotLockEachOther) {
-  stage_.makeSource();
-  stage_.onIntensity([this] {
+  stage_.make_source();
+  stage_.on_intensity([this] {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
     isLiveVolumeRunning(stage_.live);
     getRenderedVolumesPerSec(stage_.live);
-    startDataSource(stage_.live, stage_.source, device_.scanPattern());
+    startDataSource(stage_.live, stage_.source, device_.scan_pattern());
   });
   const auto many = [](unsigned seed, auto call) {
     return [seed, call] {
       Pauses pauses(seed);
-      for (int i = 0; i < 60; ++i) call(), pauses.upTo(microseconds(2000));
+      for (int i = 0; i < 60; ++i) call(), pauses.up_to(microseconds(2000));
     };
   };
-  drawWhile({many(5, [this] { stage_.start(); }), many(6, [this] { stage_.start(); }),
-             many(7, [this] { stopDataSource(stage_.source); }),
-             many(8, [this] { stopDataSource(stage_.source); })});
+  draw_while({many(5, [this] { stage_.start(); }), many(6, [this] { stage_.start(); }),
+              many(7, [this] { stopDataSource(stage_.source); }),
+              many(8, [this] { stopDataSource(stage_.source); })});
   stopDataSource(stage_.source);
   std::string error;
-  const std::string ownThread = std::make_error_code(std::errc::resource_deadlock_would_occur).message();
-  while ((error = pendingError()) != "(none)") {
-    const bool known = error == "BrennickDataSource already running" || error == ownThread;
+  const std::string own_thread = std::make_error_code(std::errc::resource_deadlock_would_occur).message();
+  while ((error = pending_error()) != "(none)") {
+    const bool known = error == "BrennickDataSource already running" || error == own_thread;
     EXPECT_TRUE(known) << error;
   }
 }

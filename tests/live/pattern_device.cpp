@@ -8,7 +8,7 @@
 
 namespace oct::test {
 
-PatternState& patternState() {
+PatternState& pattern_state() {
   static PatternState state;
   return state;
 }
@@ -20,7 +20,7 @@ struct Fixed {
   int device[PatternDevice::devices] = {};
   int processing[PatternDevice::devices] = {};
   int polarization = 0;
-  int scanPattern = 0;
+  int scan_pattern = 0;
 };
 Fixed fixed;
 
@@ -30,7 +30,7 @@ void PatternState::reset() {
   release();
   const std::lock_guard lock(mutex);
   static_cast<PatternSettings&>(*this) = {};
-  names = {{&fixed.polarization, "polarization"}, {&fixed.scanPattern, "scan"}};
+  names = {{&fixed.polarization, "polarization"}, {&fixed.scan_pattern, "scan"}};
   for (int i = 0; i < devices; ++i) {
     names[&fixed.device[i]] = "device" + (i > 0 ? std::to_string(i) : "");
     names[&fixed.processing[i]] = "processing" + std::to_string(i);
@@ -46,14 +46,14 @@ ProcessingHandle PatternState::processing(int number) {
 PolarizationProcessingHandle PatternState::polarization() {
   return reinterpret_cast<PolarizationProcessingHandle>(&fixed.polarization);
 }
-ScanPatternHandle PatternState::scanPattern() {
-  return reinterpret_cast<ScanPatternHandle>(&fixed.scanPattern);
+ScanPatternHandle PatternState::scan_pattern() {
+  return reinterpret_cast<ScanPatternHandle>(&fixed.scan_pattern);
 }
 
 void PatternState::hold(const char* function, int after) {
   {
     const std::lock_guard lock(mutex);
-    heldFunction = function;
+    held_function = function;
     permits = after;
     waiting = 0;
     ++holds;
@@ -67,19 +67,19 @@ void resize(OctData& data, int size1, int size2, int size3) {
                       static_cast<std::size_t>(size3));
 }
 
-void copyOrClear(const std::vector<float>& source, std::vector<float>& target) {
+void copy_or_clear(const std::vector<float>& source, std::vector<float>& target) {
   if (source.empty()) std::fill(target.begin(), target.end(), 0.0F);
   std::copy_n(source.begin(), std::min(source.size(), target.size()), target.begin());
 }
 
-void PatternState::fill(OctData& data, int number, int shownQuantity) {
+void PatternState::fill(OctData& data, int number, int shown_quantity) {
   const std::lock_guard lock(mutex);
   resize(data, size[0], size[1], size[2]);
   data.range[0] = 2.0, data.range[1] = 3.0, data.range[2] = 1.5;
   if (volume.size() == data.samples.size()) {
     data.samples = volume;
   } else {
-    const float value = static_cast<float>(shownQuantity) + static_cast<float>(number % 200 + 1) / 256.0F;
+    const float value = static_cast<float>(shown_quantity) + static_cast<float>(number % 200 + 1) / 256.0F;
     std::fill(data.samples.begin(), data.samples.end(), value);
   }
 }
@@ -88,16 +88,16 @@ void PatternState::fill(OctData& data, int number, int shownQuantity) {
 
 using oct::test::entered;
 using oct::test::locked;
-using oct::test::patternState;
+using oct::test::pattern_state;
 using oct::test::PatternState;
 
 oct::test::PatternDevice* patternDevice() {
-  return &patternState();
+  return &pattern_state();
 }
 
 int getDevicePropertyInt(OCTDeviceHandle device, int property) {
   if (!entered("getDevicePropertyInt", device, property)) return 0;
-  return 2 * patternState().size[0];
+  return 2 * pattern_state().size[0];
 }
 
 double getDevicePropertyFloat(OCTDeviceHandle device, int property) {
@@ -105,25 +105,25 @@ double getDevicePropertyFloat(OCTDeviceHandle device, int property) {
 }
 
 RawDataHandle createRawData(void) {
-  return entered("createRawData") ? patternState().make<OctRawData>("raw") : nullptr;
+  return entered("createRawData") ? pattern_state().make<OctRawData>("raw") : nullptr;
 }
 
 void clearRawData(RawDataHandle raw) {
-  if (entered("clearRawData", raw)) patternState().clear(raw);
+  if (entered("clearRawData", raw)) pattern_state().clear(raw);
 }
 
 DataHandle createData(void) {
-  return entered("createData") ? patternState().make<OctData>("data") : nullptr;
+  return entered("createData") ? pattern_state().make<OctData>("data") : nullptr;
 }
 
 void clearData(DataHandle data) {
-  if (entered("clearData", data)) patternState().clear(data);
+  if (entered("clearData", data)) pattern_state().clear(data);
 }
 
 void startMeasurement(OCTDeviceHandle device, ScanPatternHandle pattern, int mode) {
   if (!entered("startMeasurement", device, pattern, mode)) return;
   const bool first = locked([=](PatternState& state) { return state.measuring.insert(device).second; });
-  if (!first) patternState().raise("startMeasurement while measuring");
+  if (!first) pattern_state().raise("startMeasurement while measuring");
 }
 
 void stopMeasurement(OCTDeviceHandle device) {
@@ -156,26 +156,26 @@ void getAnalogInputData(OCTDeviceHandle device, DataHandle data) {
   if (!entered("getAnalogInputData", device, data)) return;
   locked([=](PatternState& state) {
     oct::test::resize(*data, state.channels, state.size[1], state.size[2]);
-    oct::test::copyOrClear(state.analog, data->samples);
+    oct::test::copy_or_clear(state.analog, data->samples);
   });
 }
 
 void setProcessedDataOutput(ProcessingHandle processing, DataHandle data) {
   if (!entered("setProcessedDataOutput", processing, data)) return;
-  locked([=](PatternState& state) { state.dataOutputs[processing] = data; });
+  locked([=](PatternState& state) { state.data_outputs[processing] = data; });
 }
 
 void executeProcessing(ProcessingHandle processing, RawDataHandle raw) {
   if (!entered("executeProcessing", processing, raw)) return;
   DataHandle const data = locked([=](PatternState& state) {
-    const ComplexDataHandle complex = state.complexOutputs[processing];
+    const ComplexDataHandle complex = state.complex_outputs[processing];
     if (complex && state.names.contains(complex)) complex->volume = raw->volume;
-    const DataHandle output = state.dataOutputs[processing];
+    const DataHandle output = state.data_outputs[processing];
     return output && state.names.contains(output) ? output : nullptr;
   });
   using oct::test::PatternDevice;
   const int sensor = raw->camera == 0 ? PatternDevice::sensor0 : PatternDevice::sensor1;
-  if (data) patternState().fill(*data, raw->volume, sensor);
+  if (data) pattern_state().fill(*data, raw->volume, sensor);
 }
 
 int getDataPropertyInt(DataHandle data, int property) {

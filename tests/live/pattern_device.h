@@ -21,12 +21,12 @@ class PatternDevice {
   virtual OCTDeviceHandle device(int number = 0) = 0;
   virtual ProcessingHandle processing(int number) = 0;
   virtual PolarizationProcessingHandle polarization() = 0;
-  virtual ScanPatternHandle scanPattern() = 0;
+  virtual ScanPatternHandle scan_pattern() = 0;
 
-  virtual void setSize(int size1, int size2, int size3) = 0;       // from the next volume on
-  virtual void setVolume(const float* samples) = 0;                // null: patterns again
-  virtual void setAnalog(int channels, const float* samples) = 0;  // at first two channels of zeros
-  virtual void setSurface(const float* depths) = 0;                // at first zeros
+  virtual void set_size(int size1, int size2, int size3) = 0;       // from the next volume on
+  virtual void set_volume(const float* samples) = 0;                // null: patterns again
+  virtual void set_analog(int channels, const float* samples) = 0;  // at first two channels of zeros
+  virtual void set_surface(const float* depths) = 0;                // at first zeros
 
   // The call of that number from now on, 0: every one, does nothing but leave "<function> failed".
   virtual void fail(const char* function, int call) = 0;

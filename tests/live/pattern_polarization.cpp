@@ -3,26 +3,26 @@
 
 using oct::test::entered;
 using oct::test::locked;
-using oct::test::patternState;
+using oct::test::pattern_state;
 using oct::test::PatternState;
 
 ComplexDataHandle createComplexData(void) {
-  return entered("createComplexData") ? patternState().make<OctComplexData>("complex") : nullptr;
+  return entered("createComplexData") ? pattern_state().make<OctComplexData>("complex") : nullptr;
 }
 
 void clearComplexData(ComplexDataHandle data) {
-  if (entered("clearComplexData", data)) patternState().clear(data);
+  if (entered("clearComplexData", data)) pattern_state().clear(data);
 }
 
 void setComplexDataOutput(ProcessingHandle processing, ComplexDataHandle data) {
   if (!entered("setComplexDataOutput", processing, data)) return;
-  locked([=](PatternState& state) { state.complexOutputs[processing] = data; });
+  locked([=](PatternState& state) { state.complex_outputs[processing] = data; });
 }
 
-#define OCT_OUTPUT(function, number)                                                                \
-  void function(PolarizationProcessingHandle processing, DataHandle data) {                         \
-    if (!entered(#function, processing, data)) return;                                              \
-    locked([=](PatternState& state) { state.polarizationOutput = data, state.quantity = number; }); \
+#define OCT_OUTPUT(function, number)                                                                 \
+  void function(PolarizationProcessingHandle processing, DataHandle data) {                          \
+    if (!entered(#function, processing, data)) return;                                               \
+    locked([=](PatternState& state) { state.polarization_output = data, state.quantity = number; }); \
   }
 OCT_OUTPUT(setPolarizationOutputI, oct::test::PatternDevice::intensity)
 OCT_OUTPUT(setPolarizationOutputRetardation, 1)
@@ -48,8 +48,8 @@ void setPolarizationPropertyInt(PolarizationProcessingHandle processing, int pro
 void executePolarizationProcessing(PolarizationProcessingHandle processing, ComplexDataHandle sensor0,
                                    ComplexDataHandle sensor1) {
   if (!entered("executePolarizationProcessing", processing, sensor0, sensor1)) return;
-  if (sensor0->volume != sensor1->volume) return patternState().raise("The sensors show different volumes");
-  if (DataHandle const data = patternState().polarizationOutput) {
-    patternState().fill(*data, sensor0->volume, patternState().quantity);
+  if (sensor0->volume != sensor1->volume) return pattern_state().raise("The sensors show different volumes");
+  if (DataHandle const data = pattern_state().polarization_output) {
+    pattern_state().fill(*data, sensor0->volume, pattern_state().quantity);
   }
 }

@@ -45,9 +45,9 @@ struct PatternSettings {
   std::string error;
   std::set<OCTDeviceHandle> measuring;
   int acquired = 0;
-  std::map<ProcessingHandle, DataHandle> dataOutputs;
-  std::map<ProcessingHandle, ComplexDataHandle> complexOutputs;
-  DataHandle polarizationOutput = nullptr;
+  std::map<ProcessingHandle, DataHandle> data_outputs;
+  std::map<ProcessingHandle, ComplexDataHandle> complex_outputs;
+  DataHandle polarization_output = nullptr;
   int quantity = 0;
 };
 
@@ -59,16 +59,16 @@ class PatternState : public PatternDevice, public PatternSettings {
   OCTDeviceHandle device(int number) override;
   ProcessingHandle processing(int number) override;
   PolarizationProcessingHandle polarization() override;
-  ScanPatternHandle scanPattern() override;
-  void setSize(int size1, int size2, int size3) override { set(size, {size1, size2, size3}); }
-  void setVolume(const float* samples) override {
-    set(volume, {samples, samples + (samples ? aScans() * size[0] : 0)});
+  ScanPatternHandle scan_pattern() override;
+  void set_size(int size1, int size2, int size3) override { set(size, {size1, size2, size3}); }
+  void set_volume(const float* samples) override {
+    set(volume, {samples, samples + (samples ? a_scans() * size[0] : 0)});
   }
-  void setAnalog(int count, const float* samples) override {
+  void set_analog(int count, const float* samples) override {
     set(channels, count);
-    set(analog, {samples, samples + count * aScans()});
+    set(analog, {samples, samples + count * a_scans()});
   }
-  void setSurface(const float* depths) override { set(surface, {depths, depths + aScans()}); }
+  void set_surface(const float* depths) override { set(surface, {depths, depths + a_scans()}); }
   void fail(const char* function, int call) override {
     const std::lock_guard lock(mutex);
     failures[function] = {call, 0};
@@ -87,7 +87,7 @@ class PatternState : public PatternDevice, public PatternSettings {
 
   std::mutex mutex;
   std::condition_variable condition;
-  std::string heldFunction;
+  std::string held_function;
   int permits = 0;
   int waiting = 0;  // since the latest hold
   int holds = 0;
@@ -125,10 +125,10 @@ class PatternState : public PatternDevice, public PatternSettings {
     if (error.empty()) error = message;
   }
 
-  void fill(OctData& data, int number, int shownQuantity);
+  void fill(OctData& data, int number, int shown_quantity);
 
  private:
-  std::ptrdiff_t aScans() const { return std::ptrdiff_t{size[1]} * size[2]; }
+  std::ptrdiff_t a_scans() const { return std::ptrdiff_t{size[1]} * size[2]; }
   template <class Value>
   void set(Value& member, Value value) {
     const std::lock_guard lock(mutex);
@@ -141,33 +141,33 @@ class PatternState : public PatternDevice, public PatternSettings {
   }
 };
 
-PatternState& patternState();
+PatternState& pattern_state();
 
 // Does something with the state while no other thread does.
 template <class Action>
 auto locked(Action action) {
-  const std::lock_guard lock(patternState().mutex);
-  return action(patternState());
+  const std::lock_guard lock(pattern_state().mutex);
+  return action(pattern_state());
 }
 
 void resize(OctData& data, int size1, int size2, int size3);
 // Zeros where there is no source.
-void copyOrClear(const std::vector<float>& source, std::vector<float>& target);
+void copy_or_clear(const std::vector<float>& source, std::vector<float>& target);
 
 // One call of a device function: notes it, waits while it is held. True when the function shall do its work.
 template <class... Arguments>
 bool entered(const char* function, Arguments... arguments) {
-  PatternState& state = patternState();
+  PatternState& state = pattern_state();
   std::unique_lock lock(state.mutex);
-  const int misusesBefore = state.misused;
+  const int misuses_before = state.misused;
   std::string list;
   ((list += (list.empty() ? "" : ", ") + state.text(arguments)), ...);
   if (state.recording) state.recorded += std::string(function) + "(" + list + ")\n";
-  if (state.heldFunction == function && --state.permits < 0) {
+  if (state.held_function == function && --state.permits < 0) {
     ++state.waiting;
     state.condition.wait(lock, [&, mine = state.holds] { return state.holds != mine; });
   }
-  bool failed = state.misused > misusesBefore;
+  bool failed = state.misused > misuses_before;
   const auto failure = state.failures.find(function);
   if (failure != state.failures.end()) {
     auto& [call, seen] = failure->second;

@@ -6,6 +6,6 @@ void determineSurface(DataHandle volume, DataHandle surface) {
   if (!entered("determineSurface", volume, surface)) return;
   locked([=](PatternState& state) {
     resize(*surface, volume->size[1], volume->size[2], 1);
-    copyOrClear(state.surface, surface->samples);
+    copy_or_clear(state.surface, surface->samples);
   });
 }

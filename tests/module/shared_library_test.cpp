@@ -1,11 +1,11 @@
 #include "module/shared_library.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <random>
 #include <stdexcept>
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace oct::test {
 namespace {

@@ -6,27 +6,27 @@
 #include <thread>
 #include <tuple>
 
-#include "device_objects.h"
+#include "simulator/device_objects.h"
 
-extern "C" int objectCountSeenFromC(void);
+extern "C" int object_count_seen_from_c(void);
 
 namespace oct::simulator::test {
 namespace {
 
 using SetOutput = void (*)(PolarizationProcessingHandle, DataHandle);
 
-/// A small device with two sensors and everything that is needed to see with it.
+// A small device with two sensors and everything that is needed to see with it.
 class DeviceApi : public DeviceObjectsTest {
  protected:
-  DeviceApi() { EXPECT_EQ(pendingError(), ""); }
+  DeviceApi() { EXPECT_EQ(pending_error(), ""); }
   ~DeviceApi() override {
     clearSimulatedFailures();
     clearSimulatedPolarizationProcessing(polarization_);
     clearSimulatedProcessing(processings_[1]);
   }
 
-  /// One volume from start to stop, for one quantity.
-  void measure(SetOutput setOutput) {
+  // One volume from start to stop, for one quantity.
+  void measure(SetOutput set_output) {
     startMeasurement(scan_.device, scan_.pattern, 0);
     for (int sensor = 0; sensor < 2; ++sensor) {
       getRawDataEx(scan_.device, raws_[sensor], sensor);
@@ -34,13 +34,13 @@ class DeviceApi : public DeviceObjectsTest {
       executeProcessing(processings_[sensor], raws_[sensor]);
     }
     stopMeasurement(scan_.device);
-    compute(setOutput);
+    compute(set_output);
   }
-  std::vector<float> compute(SetOutput setOutput) {
-    setOutput(polarization_, data_);
+  std::vector<float> compute(SetOutput set_output) {
+    set_output(polarization_, data_);
     executePolarizationProcessing(polarization_, fields_[0], fields_[1]);
-    EXPECT_EQ(pendingError(), "");
-    return samplesOf(data_);
+    EXPECT_EQ(pending_error(), "");
+    return samples_of(data_);
   }
 
   const Scan scan_{createSimulatedPolarizationDevice(OCT_PHANTOM_POLARIZATION_TARGET, 256, 7), 20, 3, 2.0,
@@ -52,10 +52,10 @@ class DeviceApi : public DeviceObjectsTest {
   const OwnedData data_;
 };
 
-/// By their numbers, which clients rely on.
+// By their numbers, which clients rely on.
 TEST_F(DeviceApi, SizesAndRangesFollowDeviceAndPattern) {
-  EXPECT_EQ(sizesOf(data_), Sizes{});
-  EXPECT_EQ(rangesOf(data_), Ranges{});
+  EXPECT_EQ(sizes_of(data_), Sizes{});
+  EXPECT_EQ(ranges_of(data_), Ranges{});
   EXPECT_EQ(getDataPtr(data_), nullptr);
   EXPECT_EQ(getDevicePropertyInt(scan_.device, 0), 256);
   EXPECT_EQ(getDevicePropertyFloat(scan_.device, 1), 3.6);
@@ -66,10 +66,10 @@ TEST_F(DeviceApi, SizesAndRangesFollowDeviceAndPattern) {
   number = 3;
   for (const double range : {3.6, 2.0, 1.5}) EXPECT_EQ(getDataPropertyFloat(data_, number++), range);
   setDataRange(data_, 2.5, 1.0, 0.5);
-  EXPECT_EQ(rangesOf(data_), (Ranges{2.5, 1.0, 0.5}));
+  EXPECT_EQ(ranges_of(data_), (Ranges{2.5, 1.0, 0.5}));
   compute(setPolarizationOutputI);
-  expectErrors({{[&] { setDataRange(data_, std::nan(""), 1.0, 1.0); }, "setDataRange"}});
-  EXPECT_EQ(rangesOf(data_), (Ranges{3.6, 2.0, 1.5})) << "of the processing";
+  expect_errors({{[&] { setDataRange(data_, std::nan(""), 1.0, 1.0); }, "setDataRange"}});
+  EXPECT_EQ(ranges_of(data_), (Ranges{3.6, 2.0, 1.5})) << "of the processing";
 }
 
 TEST_F(DeviceApi, WrongOrderAndWrongArgumentsAreErrors) {
@@ -83,16 +83,16 @@ TEST_F(DeviceApi, WrongOrderAndWrongArgumentsAreErrors) {
   const auto make = [](int phantom, int length) {
     return [=] { EXPECT_EQ(createSimulatedDevice(phantom, length, 1), nullptr); };
   };
-  const auto pattern = [&](int aScans, int bScans, double width, double length) {
-    return [=] { EXPECT_EQ(createSimulatedScanPattern(device, aScans, bScans, width, length), nullptr); };
+  const auto pattern = [&](int a_scans, int b_scans, double width, double length) {
+    return [=] { EXPECT_EQ(createSimulatedScanPattern(device, a_scans, b_scans, width, length), nullptr); };
   };
-  expectErrors({{read(device, 0), "No measurement"}, {process, ""}, {start(1), "mode"}});
+  expect_errors({{read(device, 0), "No measurement"}, {process, ""}, {start(1), "mode"}});
   for (const Scan* scan : {&scan_, &single}) startMeasurement(scan->device, scan->pattern, 0);
   const auto gone = createData();
   clearData(gone);
   const OwnedData next;
   EXPECT_NE(gone, next);
-  expectErrors(
+  expect_errors(
       {{start(0), "already running"},
        {read(device, 2), "cameras 0 and 1"},
        {read(single.device, 1), "camera 0 only"},
@@ -120,15 +120,15 @@ TEST_F(DeviceApi, WrongOrderAndWrongArgumentsAreErrors) {
        {[&] { setSimulatedMotion(device, 1, 1.1, 1.0); }, "amplitude"},
        {[&] { setSimulatedMotion(device, 2, 0.1, 0.0); }, "period"}});
   read(device, 0)();
-  expectErrors({{process, "output"}});
+  expect_errors({{process, "output"}});
   {
     const OwnedData temporary;
     setProcessedDataOutput(scan_.processing, temporary);
   }
-  expectErrors({{process, "output"}});
+  expect_errors({{process, "output"}});
   setProcessedDataOutput(single.processing, data);
-  expectErrors({{[&] { executeProcessing(single.processing, raw); }, "another spectrum length"}});
-  EXPECT_EQ(sizesOf(data), Sizes{});
+  expect_errors({{[&] { executeProcessing(single.processing, raw); }, "another spectrum length"}});
+  EXPECT_EQ(sizes_of(data), Sizes{});
   for (int i = 0; i < 2; ++i) stopMeasurement(device);
 }
 
@@ -141,7 +141,7 @@ TEST_F(DeviceApi, FirstErrorIsKeptAndTextIsCutToFit) {
   EXPECT_STREQ(tiny, "clea");
   clearData(nullptr);
   clearRawData(nullptr);
-  EXPECT_EQ(pendingError().substr(0, 22), "clearData: Null handle");
+  EXPECT_EQ(pending_error().substr(0, 22), "clearData: Null handle");
   EXPECT_EQ(isError(), 0);
   EXPECT_EQ(getError(tiny, 5), 0);
   EXPECT_STREQ(tiny, "");
@@ -163,7 +163,7 @@ TEST_F(DeviceApi, ManyThreadsMayCreateAndClear) {
 }
 
 TEST_F(DeviceApi, ProcessingAndPatternOutliveTheDevice) {
-  EXPECT_EQ(objectCountSeenFromC(), 10);
+  EXPECT_EQ(object_count_seen_from_c(), 10);
   const auto device = createSimulatedDevice(OCT_PHANTOM_MIRROR, 128, 7);
   const auto processing = createSimulatedProcessing(device);
   const auto pattern = createSimulatedScanPattern(device, 20, 1, 1.0, 1.0);
@@ -172,7 +172,7 @@ TEST_F(DeviceApi, ProcessingAndPatternOutliveTheDevice) {
   clearSimulatedDevice(device);
   setProcessedDataOutput(processing, data_);
   executeProcessing(processing, raws_[0]);
-  EXPECT_EQ(pendingError(), "");
+  EXPECT_EQ(pending_error(), "");
   EXPECT_EQ(getDataPropertyInt(data_, 2), 20);
   clearSimulatedProcessing(processing);
   clearSimulatedScanPattern(pattern);
@@ -180,27 +180,27 @@ TEST_F(DeviceApi, ProcessingAndPatternOutliveTheDevice) {
 
 TEST_F(DeviceApi, EveryQuantityIsOneOfItsOwnAndHasItsRange) {
   struct Case {
-    SetOutput setOutput;
+    SetOutput set_output;
     float lowest, highest;
   };
   std::vector<std::vector<float>> seen;
   measure(setPolarizationOutputI);
-  for (const auto& [setOutput, lowest, highest] :
-       {Case{setPolarizationOutputI, -60.0f, 80.0f}, Case{setPolarizationOutputRetardation, 0.0f, 90.0f},
-        Case{setPolarizationOutputOpticAxis, 0.0f, 180.0f}, Case{setPolarizationOutputDOPU, 0.0f, 1.0f},
-        Case{setPolarizationOutputQ, -1.0f, 1.0f}, Case{setPolarizationOutputU, -1.0f, 1.0f},
-        Case{setPolarizationOutputV, -1.0f, 1.0f}}) {
-    const auto samples = compute(setOutput);
+  for (const auto& [set_output, lowest, highest] :
+       {Case{setPolarizationOutputI, -60.0F, 80.0F}, Case{setPolarizationOutputRetardation, 0.0F, 90.0F},
+        Case{setPolarizationOutputOpticAxis, 0.0F, 180.0F}, Case{setPolarizationOutputDOPU, 0.0F, 1.0F},
+        Case{setPolarizationOutputQ, -1.0F, 1.0F}, Case{setPolarizationOutputU, -1.0F, 1.0F},
+        Case{setPolarizationOutputV, -1.0F, 1.0F}}) {
+    const auto samples = compute(set_output);
     const auto [least, most] = std::ranges::minmax(samples);
     EXPECT_GE(least, lowest);
     EXPECT_LE(most, highest);
-    EXPECT_GT(most - least, 0.4f * (highest - lowest));  // the range is used
+    EXPECT_GT(most - least, 0.4F * (highest - lowest));  // the range is used
     EXPECT_EQ(std::ranges::find(seen, samples), seen.end());
     seen.push_back(samples);
   }
 }
 
-/// Each property alone averages along its own axis, here over all of it; afterwards all is as before.
+// Each property alone averages along its own axis, here over all of it; afterwards all is as before.
 TEST_F(DeviceApi, PropertiesReachTheProcessing) {
   measure(setPolarizationOutputQ);
   const auto plain = compute(setPolarizationOutputQ);
@@ -240,79 +240,79 @@ Call call(const char* name, Result (*function)(Arguments...)) {
 }
 
 template <class... Calls>
-std::vector<Call> listOf(Calls... calls) {
+std::vector<Call> list_of(Calls... calls) {
   return {calls...};
 }
 
-/// Every function of the device, those that make something first.
-std::vector<Call> deviceCalls() {
-  return listOf(call("createRawData", createRawData), call("createData", createData),
-                call("createComplexData", createComplexData),
-                call("getDevicePropertyInt", getDevicePropertyInt),
-                call("getDevicePropertyFloat", getDevicePropertyFloat), call("clearRawData", clearRawData),
-                call("clearData", clearData), call("clearComplexData", clearComplexData),
-                call("startMeasurement", startMeasurement), call("stopMeasurement", stopMeasurement),
-                call("getRawDataEx", getRawDataEx), call("getAnalogInputData", getAnalogInputData),
-                call("setProcessedDataOutput", setProcessedDataOutput),
-                call("setComplexDataOutput", setComplexDataOutput),
-                call("executeProcessing", executeProcessing), call("getDataPropertyInt", getDataPropertyInt),
-                call("getDataPropertyFloat", getDataPropertyFloat), call("setDataRange", setDataRange),
-                call("getDataPtr", getDataPtr), call("determineSurface", determineSurface),
-                call("getRelativeReferenceIntensity", getRelativeReferenceIntensity),
-                call("setPolarizationOutputI", setPolarizationOutputI),
-                call("setPolarizationOutputRetardation", setPolarizationOutputRetardation),
-                call("setPolarizationOutputOpticAxis", setPolarizationOutputOpticAxis),
-                call("setPolarizationOutputDOPU", setPolarizationOutputDOPU),
-                call("setPolarizationOutputQ", setPolarizationOutputQ),
-                call("setPolarizationOutputU", setPolarizationOutputU),
-                call("setPolarizationOutputV", setPolarizationOutputV),
-                call("setPolarizationFlag", setPolarizationFlag),
-                call("setPolarizationPropertyFloat", setPolarizationPropertyFloat),
-                call("setPolarizationPropertyInt", setPolarizationPropertyInt),
-                call("executePolarizationProcessing", executePolarizationProcessing));
+// Every function of the device, those that make something first.
+std::vector<Call> device_calls() {
+  return list_of(call("createRawData", createRawData), call("createData", createData),
+                 call("createComplexData", createComplexData),
+                 call("getDevicePropertyInt", getDevicePropertyInt),
+                 call("getDevicePropertyFloat", getDevicePropertyFloat), call("clearRawData", clearRawData),
+                 call("clearData", clearData), call("clearComplexData", clearComplexData),
+                 call("startMeasurement", startMeasurement), call("stopMeasurement", stopMeasurement),
+                 call("getRawDataEx", getRawDataEx), call("getAnalogInputData", getAnalogInputData),
+                 call("setProcessedDataOutput", setProcessedDataOutput),
+                 call("setComplexDataOutput", setComplexDataOutput),
+                 call("executeProcessing", executeProcessing), call("getDataPropertyInt", getDataPropertyInt),
+                 call("getDataPropertyFloat", getDataPropertyFloat), call("setDataRange", setDataRange),
+                 call("getDataPtr", getDataPtr), call("determineSurface", determineSurface),
+                 call("getRelativeReferenceIntensity", getRelativeReferenceIntensity),
+                 call("setPolarizationOutputI", setPolarizationOutputI),
+                 call("setPolarizationOutputRetardation", setPolarizationOutputRetardation),
+                 call("setPolarizationOutputOpticAxis", setPolarizationOutputOpticAxis),
+                 call("setPolarizationOutputDOPU", setPolarizationOutputDOPU),
+                 call("setPolarizationOutputQ", setPolarizationOutputQ),
+                 call("setPolarizationOutputU", setPolarizationOutputU),
+                 call("setPolarizationOutputV", setPolarizationOutputV),
+                 call("setPolarizationFlag", setPolarizationFlag),
+                 call("setPolarizationPropertyFloat", setPolarizationPropertyFloat),
+                 call("setPolarizationPropertyInt", setPolarizationPropertyInt),
+                 call("executePolarizationProcessing", executePolarizationProcessing));
 }
 
 TEST_F(DeviceApi, EveryDeviceFunctionCanBeMadeToFailAndTheOthersCannot) {
-  for (const auto& [function, run] : deviceCalls()) {
+  for (const auto& [function, run] : device_calls()) {
     failSimulatedCall(function, 1, "as planned");
     run();
-    EXPECT_EQ(pendingError(), std::string(function) + ": as planned");
+    EXPECT_EQ(pending_error(), std::string(function) + ": as planned");
   }
   for (const char* const name : {"isError", "getError", "createSimulatedDevice", "nothing"})
-    expectErrors({{[&] { failSimulatedCall(name, 1, "never"); }, name}});
-  expectErrors({{[] { failSimulatedCall(nullptr, 1, "never"); }, ""},
-                {[] { failSimulatedCall("createData", -1, "never"); }, ""}});
+    expect_errors({{[&] { failSimulatedCall(name, 1, "never"); }, name}});
+  expect_errors({{[] { failSimulatedCall(nullptr, 1, "never"); }, ""},
+                 {[] { failSimulatedCall("createData", -1, "never"); }, ""}});
   // The chosen call fails once and does nothing.
   failSimulatedCall("createData", 2, "out of order");
   const OwnedData first;
   const int objects = getSimulatedObjectCount();
   EXPECT_EQ(createData(), nullptr);
   EXPECT_EQ(getSimulatedObjectCount(), objects);
-  EXPECT_EQ(pendingError(), "createData: out of order");
+  EXPECT_EQ(pending_error(), "createData: out of order");
   const OwnedData third;
   EXPECT_NE(static_cast<DataHandle>(third), nullptr);
   // Zero: every call, until failures are cleared.
   failSimulatedCall("stopMeasurement", 0, "cable");
   for (int i = 0; i < 3; ++i)
-    expectErrors({{[&] { stopMeasurement(scan_.device); }, "stopMeasurement: cable"}});
+    expect_errors({{[&] { stopMeasurement(scan_.device); }, "stopMeasurement: cable"}});
   clearSimulatedFailures();
   stopMeasurement(scan_.device);
-  EXPECT_EQ(pendingError(), "");
+  EXPECT_EQ(pending_error(), "");
 }
 
 TEST_F(DeviceApi, NullHandlesAreErrorsEverywhere) {
-  auto calls = listOf(call("clearSimulatedDevice", clearSimulatedDevice),
-                      call("createSimulatedProcessing", createSimulatedProcessing),
-                      call("clearSimulatedProcessing", clearSimulatedProcessing),
-                      call("createSimulatedScanPattern", createSimulatedScanPattern),
-                      call("clearSimulatedScanPattern", clearSimulatedScanPattern),
-                      call("createSimulatedPolarizationProcessing", createSimulatedPolarizationProcessing),
-                      call("clearSimulatedPolarizationProcessing", clearSimulatedPolarizationProcessing),
-                      call("setSimulatedScanRate", setSimulatedScanRate),
-                      call("setSimulatedMotion", setSimulatedMotion));
-  const auto device = deviceCalls();
+  auto calls = list_of(call("clearSimulatedDevice", clearSimulatedDevice),
+                       call("createSimulatedProcessing", createSimulatedProcessing),
+                       call("clearSimulatedProcessing", clearSimulatedProcessing),
+                       call("createSimulatedScanPattern", createSimulatedScanPattern),
+                       call("clearSimulatedScanPattern", clearSimulatedScanPattern),
+                       call("createSimulatedPolarizationProcessing", createSimulatedPolarizationProcessing),
+                       call("clearSimulatedPolarizationProcessing", clearSimulatedPolarizationProcessing),
+                       call("setSimulatedScanRate", setSimulatedScanRate),
+                       call("setSimulatedMotion", setSimulatedMotion));
+  const auto device = device_calls();
   calls.insert(calls.end(), device.begin() + 3, device.end());
-  for (const auto& [function, run] : calls) expectErrors({{run, std::string(function) + ": Null handle"}});
+  for (const auto& [function, run] : calls) expect_errors({{run, std::string(function) + ": Null handle"}});
 }
 
 }  // namespace

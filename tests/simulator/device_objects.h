@@ -1,30 +1,30 @@
 // Objects of the device library that are cleared with their owner, and what tests ask of them.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "oct_device/oct_device.h"
 #include "oct_simulator/oct_simulator.h"
 
 namespace oct::simulator::test {
 
-/// Fetches the pending error of the device library, empty if there is none.
-inline std::string pendingError() {
+// Fetches the pending error of the device library, empty if there is none.
+inline std::string pending_error() {
   char text[512] = "unchanged";
   return getError(text, sizeof text) ? text : "";
 }
 
-/// A device with a processing and a scan pattern.
+// A device with a processing and a scan pattern.
 struct Scan {
-  Scan(OCTDeviceHandle ownedDevice, int aScans, int bScans, double widthMm, double lengthMm)
-      : device(ownedDevice),
+  Scan(OCTDeviceHandle owned_device, int a_scans, int b_scans, double width_mm, double length_mm)
+      : device(owned_device),
         processing(createSimulatedProcessing(device)),
-        pattern(createSimulatedScanPattern(device, aScans, bScans, widthMm, lengthMm)) {}
+        pattern(createSimulatedScanPattern(device, a_scans, b_scans, width_mm, length_mm)) {}
   ~Scan() {
     clearSimulatedScanPattern(pattern);
     clearSimulatedProcessing(processing);
@@ -38,18 +38,18 @@ struct Scan {
   const ScanPatternHandle pattern;
 };
 
-/// Owns a handle.
-template <auto create, auto clear>
+// Owns a handle.
+template <auto Create, auto Clear>
 class Owned {
  public:
-  Owned() : handle_(create()) {}
-  ~Owned() { clear(handle_); }
+  Owned() : handle_(Create()) {}
+  ~Owned() { Clear(handle_); }
   Owned(const Owned&) = delete;
   Owned& operator=(const Owned&) = delete;
-  operator decltype(create())() const { return handle_; }
+  operator decltype(Create())() const { return handle_; }
 
  private:
-  const decltype(create()) handle_;
+  const decltype(Create()) handle_;
 };
 using OwnedRawData = Owned<createRawData, clearRawData>;
 using OwnedData = Owned<createData, clearData>;
@@ -58,45 +58,45 @@ using OwnedComplexData = Owned<createComplexData, clearComplexData>;
 using Sizes = std::array<int, 3>;
 using Ranges = std::array<double, 3>;
 
-inline Sizes sizesOf(DataHandle data) {
+inline Sizes sizes_of(DataHandle data) {
   return {getDataPropertyInt(data, OCT_DATA_SIZE_1), getDataPropertyInt(data, OCT_DATA_SIZE_2),
           getDataPropertyInt(data, OCT_DATA_SIZE_3)};
 }
 
-inline Ranges rangesOf(DataHandle data) {
+inline Ranges ranges_of(DataHandle data) {
   return {getDataPropertyFloat(data, OCT_DATA_RANGE_1), getDataPropertyFloat(data, OCT_DATA_RANGE_2),
           getDataPropertyFloat(data, OCT_DATA_RANGE_3)};
 }
 
-inline std::vector<float> samplesOf(DataHandle data) {
+inline std::vector<float> samples_of(DataHandle data) {
   const float* const samples = getDataPtr(data);
   const auto bytes = static_cast<std::size_t>(getDataPropertyInt(data, OCT_DATA_BYTE_COUNT));
   return {samples, samples + bytes / sizeof(float)};
 }
 
-/// A call that fails, and words of its error.
+// A call that fails, and words of its error.
 struct WrongCall {
   std::function<void()> call;
   std::string words;
 };
 
-inline void expectErrors(const std::vector<WrongCall>& calls) {
+inline void expect_errors(const std::vector<WrongCall>& calls) {
   for (std::size_t i = 0; i < calls.size(); ++i) {
     SCOPED_TRACE(i);
     EXPECT_EQ(isError(), 0) << "before";
     calls[i].call();
-    const std::string error = pendingError();
+    const std::string error = pending_error();
     EXPECT_NE(error, "");
     EXPECT_NE(error.find(calls[i].words), std::string::npos) << error;
   }
 }
 
-/// Every test ends without an error that nobody has fetched and without objects.
+// Every test ends without an error that nobody has fetched and without objects.
 class DeviceObjectsTest : public testing::Test {
  protected:
-  DeviceObjectsTest() { pendingError(); }
+  DeviceObjectsTest() { pending_error(); }
   ~DeviceObjectsTest() override {
-    EXPECT_EQ(pendingError(), "");
+    EXPECT_EQ(pending_error(), "");
     EXPECT_EQ(getSimulatedObjectCount(), 0);
   }
 };

@@ -1,16 +1,15 @@
 // What the device promises about its spectra: noise, range, and speckle with the statistics of interference.
 
-#include "measurement.h"
+#include <algorithm>
+#include <cmath>
+
+#include <gtest/gtest.h>
 
 #include "optics/camera.h"
 #include "phantoms/finger_pad.h"
 #include "phantoms/mirror.h"
 #include "phantoms/retina.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
+#include "simulator/measurement.h"
 
 namespace oct::simulator::test {
 namespace {
@@ -40,8 +39,8 @@ TEST(Device, UsesTheRangeOfTheCameraButDoesNotExceedIt) {
   for (const std::shared_ptr<Phantom>& phantom :
        {std::shared_ptr<Phantom>(std::make_shared<FingerPad>(1)),
         std::shared_ptr<Phantom>(std::make_shared<Retina>(1)),
-        std::shared_ptr<Phantom>(std::make_shared<Mirror>(1.0, 0.02, 0.1f))}) {
-    Device device(standardSpectrometer(), phantom, 1);
+        std::shared_ptr<Phantom>(std::make_shared<Mirror>(1.0, 0.02, 0.1F))}) {
+    Device device(standard_spectrometer(), phantom, 1);
     RawData raw;
     device.start(ScanPattern(200, 2, 4.0, 4.0), 0);
     device.acquire(raw, 0);
@@ -52,36 +51,36 @@ TEST(Device, UsesTheRangeOfTheCameraButDoesNotExceedIt) {
       highest = std::max(highest, most);
     }
     EXPECT_GT(lowest, 0);
-    EXPECT_GT(highest, Camera::kLargestCount / 2);
-    EXPECT_LT(highest, Camera::kLargestCount);
+    EXPECT_GT(highest, Camera::largest_count / 2);
+    EXPECT_LT(highest, Camera::largest_count);
   }
   std::vector<std::uint16_t> mean(64), counts(64);
-  Camera::meanReading(std::vector<float>(64, 100.0f), mean);
+  Camera::mean_reading(std::vector<float>(64, 100.0F), mean);
   Camera(1).expose(mean, 0, counts);
   EXPECT_EQ(counts, std::vector<std::uint16_t>(64, 4095)) << "far too much light";
 }
 
-/// Correlation of power between samples a number of A-scans, B-scans and depths apart.
-double correlation(const Volume& volume, int aScans, int bScans, int depths) {
+// Correlation of power between samples a number of A-scans, B-scans and depths apart.
+double correlation(const Volume& volume, int a_scans, int b_scans, int depths) {
   Correlation correlation;
-  for (int bScan = 0; bScan + bScans < volume.bScans(); ++bScan)
-    for (int aScan = 0; aScan + aScans < volume.aScans(); ++aScan)
+  for (int b_scan = 0; b_scan + b_scans < volume.b_scans(); ++b_scan)
+    for (int a_scan = 0; a_scan + a_scans < volume.a_scans(); ++a_scan)
       for (int depth = 100; depth < 500; ++depth)
-        correlation.add(std::pow(10.0, 0.1 * volume.at(depth, aScan, bScan)),
-                        std::pow(10.0, 0.1 * volume.at(depth + depths, aScan + aScans, bScan + bScans)));
+        correlation.add(std::pow(10.0, 0.1 * volume.at(depth, a_scan, b_scan)),
+                        std::pow(10.0, 0.1 * volume.at(depth + depths, a_scan + a_scans, b_scan + b_scans)));
   return correlation.value();
 }
 
 TEST(Speckle, IsFullyDevelopedAndAsLargeAsTheBeam) {
-  constexpr double kStepMm = 0.003;
-  Device device(standardSpectrometer(), std::make_shared<UniformPhantom>(0.1f), 11);
-  const auto volume = measure(device, ScanPattern(600, 1, 600 * kStepMm, kStepMm));
+  constexpr double step_mm = 0.003;
+  Device device(standard_spectrometer(), std::make_shared<UniformPhantom>(0.1F), 11);
+  const auto volume = measure(device, ScanPattern(600, 1, 600 * step_mm, step_mm));
   double sum = 0.0, squares = 0.0;
   int count = 0, dark = 0;
-  const double mean = volume.meanPower(100, 500);
-  for (int aScan = 0; aScan < volume.aScans(); ++aScan)
+  const double mean = volume.mean_power(100, 500);
+  for (int a_scan = 0; a_scan < volume.a_scans(); ++a_scan)
     for (int depth = 100; depth <= 500; ++depth, ++count) {
-      const double power = std::pow(10.0, 0.1 * volume.at(depth, aScan)) / mean;
+      const double power = std::pow(10.0, 0.1 * volume.at(depth, a_scan)) / mean;
       sum += power;
       squares += power * power;
       dark += power < 0.1;
@@ -95,12 +94,12 @@ TEST(Speckle, IsFullyDevelopedAndAsLargeAsTheBeam) {
   EXPECT_LT(correlation(volume, 10, 0, 0), 0.1);
   EXPECT_GT(correlation(volume, 0, 0, 1), 0.3);
   EXPECT_LT(correlation(volume, 0, 0, 6), 0.1);
-  const auto row = measure(device, ScanPattern(1, 600, kStepMm, 600 * kStepMm));
+  const auto row = measure(device, ScanPattern(1, 600, step_mm, 600 * step_mm));
   EXPECT_GT(correlation(row, 0, 1, 0), 0.8);
   EXPECT_LT(correlation(row, 0, 10, 0), 0.1);
 
-  Device empty(standardSpectrometer(), std::make_shared<UniformPhantom>(0.0f), 11);
-  EXPECT_GT(mean, 30.0 * measure(empty, ScanPattern(64, 1, 1.0, 1.0)).meanPower(100, 500)) << "noise";
+  Device empty(standard_spectrometer(), std::make_shared<UniformPhantom>(0.0F), 11);
+  EXPECT_GT(mean, 30.0 * measure(empty, ScanPattern(64, 1, 1.0, 1.0)).mean_power(100, 500)) << "noise";
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 #include "oct_device/oct_device.h"
 #include "oct_simulator/oct_simulator.h"
 
-int objectCountSeenFromC(void);
+int object_count_seen_from_c(void);
 
-int objectCountSeenFromC(void) {
+int object_count_seen_from_c(void) {
   return getSimulatedObjectCount();
 }

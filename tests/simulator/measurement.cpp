@@ -1,4 +1,4 @@
-#include "measurement.h"
+#include "simulator/measurement.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,45 +9,45 @@ void UniformPhantom::describe(double, double, double, DepthProfile& profile) con
   std::fill(profile.scattering.begin(), profile.scattering.end(), scattering_);
 }
 
-float Volume::at(int depth, int aScan, int bScan) const {
-  return data_->samples()[depth + static_cast<std::size_t>(depths()) * (aScan + aScans() * bScan)];
+float Volume::at(int depth, int a_scan, int b_scan) const {
+  return data_->samples()[depth + static_cast<std::size_t>(depths()) * (a_scan + a_scans() * b_scan)];
 }
 
 namespace {
 
-int highestDepth(const Volume& volume, int aScan) {
+int highest_depth(const Volume& volume, int a_scan) {
   int top = 1;
   for (int depth = 2; depth < volume.depths() - 1; ++depth)
-    if (volume.at(depth, aScan) > volume.at(top, aScan)) top = depth;
+    if (volume.at(depth, a_scan) > volume.at(top, a_scan)) top = depth;
   return top;
 }
 
 }  // namespace
 
-/// In decibels the device's response is a parabola near its peak.
-double Volume::peak(int aScan) const {
-  const int top = highestDepth(*this, aScan);
-  const double slope = 0.5 * (at(top + 1, aScan) - at(top - 1, aScan));
-  return top - 0.5 * slope / (0.5 * (at(top - 1, aScan) + at(top + 1, aScan)) - at(top, aScan));
+// In decibels the device's response is a parabola near its peak.
+double Volume::peak(int a_scan) const {
+  const int top = highest_depth(*this, a_scan);
+  const double slope = 0.5 * (at(top + 1, a_scan) - at(top - 1, a_scan));
+  return top - 0.5 * slope / (0.5 * (at(top - 1, a_scan) + at(top + 1, a_scan)) - at(top, a_scan));
 }
 
-double Volume::peakWidth(int aScan) const {
-  const int top = highestDepth(*this, aScan);
-  const double slope = 0.5 * (at(top + 1, aScan) - at(top - 1, aScan));
-  const double height = at(top, aScan) + 0.5 * slope * (peak(aScan) - top);
+double Volume::peak_width(int a_scan) const {
+  const int top = highest_depth(*this, a_scan);
+  const double slope = 0.5 * (at(top + 1, a_scan) - at(top - 1, a_scan));
+  const double height = at(top, a_scan) + 0.5 * slope * (peak(a_scan) - top);
   double sum = 0.0;
   for (int depth = std::max(top - 8, 0); depth <= std::min(top + 8, depths() - 1); ++depth)
-    sum += std::pow(10.0, 0.1 * (at(depth, aScan) - height));
+    sum += std::pow(10.0, 0.1 * (at(depth, a_scan) - height));
   return sum;
 }
 
-double Volume::meanPower(int firstDepth, int lastDepth) const {
+double Volume::mean_power(int first_depth, int last_depth) const {
   double sum = 0.0;
   int count = 0;
-  for (int bScan = 0; bScan < data_->sizes()[2]; ++bScan)
-    for (int aScan = 0; aScan < aScans(); ++aScan)
-      for (int depth = firstDepth; depth <= lastDepth; ++depth, ++count)
-        sum += std::pow(10.0, 0.1 * at(depth, aScan, bScan));
+  for (int b_scan = 0; b_scan < data_->sizes()[2]; ++b_scan)
+    for (int a_scan = 0; a_scan < a_scans(); ++a_scan)
+      for (int depth = first_depth; depth <= last_depth; ++depth, ++count)
+        sum += std::pow(10.0, 0.1 * at(depth, a_scan, b_scan));
   return sum / count;
 }
 
@@ -67,14 +67,14 @@ double Correlation::value() const {
 Volume process(const Calibration& calibration, const RawData& raw) {
   auto data = std::make_shared<Data>();
   Processing processing(calibration);
-  processing.setOutput(data);
+  processing.set_output(data);
   processing.execute(raw);
   return Volume(data);
 }
 
 Volume Sensors::compute(PolarizationProcessing::Quantity quantity) {
   auto data = std::make_shared<Data>();
-  processing.setOutput(quantity, data);
+  processing.set_output(quantity, data);
   processing.execute(fields[0], fields[1]);
   return Volume(data);
 }
@@ -87,7 +87,7 @@ Volume measure(Device& device, const ScanPattern& pattern) {
   return process(device.calibration(), raw);
 }
 
-Spectrometer standardSpectrometer() {
+Spectrometer standard_spectrometer() {
   return Spectrometer(2048, 1300.0, 3.6);
 }
 

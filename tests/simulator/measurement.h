@@ -1,6 +1,9 @@
-/// @file
-/// Measures and processes a phantom in one go.
+// Measures and processes a phantom in one go.
 #pragma once
+
+#include <array>
+#include <memory>
+#include <vector>
 
 #include "base/data.h"
 #include "device/device.h"
@@ -10,13 +13,9 @@
 #include "processing/polarization_processing.h"
 #include "processing/processing.h"
 
-#include <array>
-#include <memory>
-#include <vector>
-
 namespace oct::simulator::test {
 
-/// A phantom whose scattering is the same everywhere.
+// A phantom whose scattering is the same everywhere.
 class UniformPhantom : public Phantom {
  public:
   explicit UniformPhantom(float scattering) : scattering_(scattering) {}
@@ -26,33 +25,33 @@ class UniformPhantom : public Phantom {
   float scattering_;
 };
 
-/// A processed volume with the access tests need.
+// A processed volume with the access tests need.
 class Volume {
  public:
   explicit Volume(const std::shared_ptr<Data>& data) : data_(data) {}
 
   Data& data() const { return *data_; }
   int depths() const { return data_->sizes()[0]; }
-  int aScans() const { return data_->sizes()[1]; }
-  int bScans() const { return data_->sizes()[2]; }
+  int a_scans() const { return data_->sizes()[1]; }
+  int b_scans() const { return data_->sizes()[2]; }
   const std::vector<float>& samples() const { return data_->samples(); }
-  double cellMm() const { return data_->rangesMm()[0] / depths(); }
-  float at(int depth, int aScan, int bScan = 0) const;
+  double cell_mm() const { return data_->ranges_mm()[0] / depths(); }
+  float at(int depth, int a_scan, int b_scan = 0) const;
 
-  /// The A-scan's brightest place, between the samples, in samples.
-  double peak(int aScan) const;
+  // The A-scan's brightest place, between the samples, in samples.
+  double peak(int a_scan) const;
 
-  /// Power of the A-scan's peak and its side lobes relative to its highest: a width, in samples.
-  double peakWidth(int aScan) const;
+  // Power of the A-scan's peak and its side lobes relative to its highest: a width, in samples.
+  double peak_width(int a_scan) const;
 
-  /// Mean power over all A-scans in a range of depths.
-  double meanPower(int firstDepth, int lastDepth) const;
+  // Mean power over all A-scans in a range of depths.
+  double mean_power(int first_depth, int last_depth) const;
 
  private:
   std::shared_ptr<Data> data_;
 };
 
-/// How much two sequences have in common, 1 at the most.
+// How much two sequences have in common, 1 at the most.
 class Correlation {
  public:
   void add(double a, double b);
@@ -64,10 +63,10 @@ class Correlation {
 
 Volume process(const Calibration& calibration, const RawData& raw);
 
-/// Measures one volume and processes it as the device's own processing would.
+// Measures one volume and processes it as the device's own processing would.
 Volume measure(Device& device, const ScanPattern& pattern);
 
-/// Fields of both sensors with a polarization processing.
+// Fields of both sensors with a polarization processing.
 struct Sensors {
   std::array<ComplexData, 2> fields;
   PolarizationProcessing processing;
@@ -75,7 +74,7 @@ struct Sensors {
   Volume compute(PolarizationProcessing::Quantity quantity);
 };
 
-/// The spectrometer most tests use: 2048 pixels, 1300 nm, 3.6 mm.
-Spectrometer standardSpectrometer();
+// The spectrometer most tests use: 2048 pixels, 1300 nm, 3.6 mm.
+Spectrometer standard_spectrometer();
 
 }  // namespace oct::simulator::test

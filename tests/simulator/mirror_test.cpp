@@ -1,37 +1,37 @@
 // The device measures itself on a mirror: place, sharpness and level of the peak; four A-scans at a time.
 
-#include "measurement.h"
-
 #include "phantoms/mirror.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <stdexcept>
 
+#include <gtest/gtest.h>
+
+#include "simulator/measurement.h"
+
 namespace oct::simulator::test {
 namespace {
 
-constexpr double kSlope = 0.02;
-const ScanPattern kPattern(64, 1, 1.0, 1.0);
+constexpr double slope = 0.02;
+const ScanPattern pattern(64, 1, 1.0, 1.0);
 
-RawData mirrorSpectra(double depthMm, float amplitude = 0.1f) {
-  Device device(standardSpectrometer(), std::make_shared<Mirror>(depthMm, kSlope, amplitude), 5);
+RawData mirror_spectra(double depth_mm, float amplitude = 0.1F) {
+  Device device(standard_spectrometer(), std::make_shared<Mirror>(depth_mm, slope, amplitude), 5);
   RawData raw;
-  device.start(kPattern, 0);
+  device.start(pattern, 0);
   device.acquire(raw, 0);
   return raw;
 }
 
-Calibration standardCalibration() {
-  return Device(standardSpectrometer(), std::make_shared<UniformPhantom>(0.0f), 5).calibration();
+Calibration standard_calibration() {
+  return Device(standard_spectrometer(), std::make_shared<UniformPhantom>(0.0F), 5).calibration();
 }
 
-/// As Volume::peakWidth(), of the transform of a Hann window over the source's Gaussian, worked out by a
-/// plain sum.
-double idealWidth() {
+// As Volume::peak_width(), of the transform of a Hann window over the source's
+// Gaussian, worked out by a plain sum.
+double ideal_width() {
   const int size = 2048;
   const auto power = [&](int place) {
     double sum = 0.0;
@@ -49,41 +49,42 @@ double idealWidth() {
 }
 
 TEST(Mirror, PeakLiesAtTheMirrorAndIsAsSharpAsTheSpectrumAllows) {
-  const auto calibration = standardCalibration();
-  const double expectedWidth = idealWidth();
+  const auto calibration = standard_calibration();
+  const double expected_width = ideal_width();
   std::vector<float> levels;
   for (const double depth : {0.15, 0.6, 1.0, 1.8, 2.3}) {
-    const auto volume = process(calibration, mirrorSpectra(depth));
+    const auto volume = process(calibration, mirror_spectra(depth));
     levels.push_back(volume.at(static_cast<int>(std::lround(volume.peak(32))), 32));
-    for (int aScan = 0; aScan < 64; ++aScan) {
-      const double depthMm = depth + kSlope * kPattern.xMm(aScan);
-      EXPECT_NEAR(volume.peak(aScan) * volume.cellMm(), depthMm, 0.1 * volume.cellMm()) << aScan;
-      EXPECT_NEAR(volume.peakWidth(aScan), expectedWidth, 0.08 * expectedWidth) << depth << ", " << aScan;
+    for (int a_scan = 0; a_scan < 64; ++a_scan) {
+      const double depth_mm = depth + slope * pattern.x_mm(a_scan);
+      EXPECT_NEAR(volume.peak(a_scan) * volume.cell_mm(), depth_mm, 0.1 * volume.cell_mm()) << a_scan;
+      EXPECT_NEAR(volume.peak_width(a_scan), expected_width, 0.08 * expected_width)
+          << depth << ", " << a_scan;
     }
   }
   EXPECT_LT(levels[4], levels[0] - 0.5) << "deeper mirrors are weaker";
   EXPECT_GT(levels[4], levels[0] - 6.0);
-  const auto weak = process(calibration, mirrorSpectra(1.0, 0.02f));
-  const auto strong = process(calibration, mirrorSpectra(1.0, 0.2f));
+  const auto weak = process(calibration, mirror_spectra(1.0, 0.02F));
+  const auto strong = process(calibration, mirror_spectra(1.0, 0.2F));
   EXPECT_NEAR(strong.at(284, 32) - weak.at(284, 32), 20.0, 0.5) << "ten times the amplitude";
 }
 
 TEST(Mirror, IsSharpAndBrightOnlyWithDispersionAndWavenumbersCorrected) {
-  const auto raw = mirrorSpectra(1.0);
-  const auto calibration = standardCalibration();
+  const auto raw = mirror_spectra(1.0);
+  const auto calibration = standard_calibration();
   const auto volume = process(calibration, raw);
-  const double noise = volume.meanPower(600, 1000);
-  EXPECT_LT(volume.meanPower(0, 10), 3.0 * noise) << "the background";
+  const double noise = volume.mean_power(600, 1000);
+  EXPECT_LT(volume.mean_power(0, 10), 3.0 * noise) << "the background";
   EXPECT_GT(std::pow(10.0, 0.1 * volume.at(285, 32)), 1e5 * noise);
 
   auto dispersed = calibration;
-  dispersed.compensationPhase.assign(2048, 0.0);
-  EXPECT_GT(process(dispersed, raw).peakWidth(20), 1.5 * volume.peakWidth(20));
+  dispersed.compensation_phase.assign(2048, 0.0);
+  EXPECT_GT(process(dispersed, raw).peak_width(20), 1.5 * volume.peak_width(20));
 
   auto unsampled = calibration;
-  for (int i = 0; i < 2048; ++i) unsampled.wavenumberPositions[i] = i;
+  for (int i = 0; i < 2048; ++i) unsampled.wavenumber_positions[i] = i;
   const auto blurred = process(unsampled, raw);
-  float highest = 0.0f;
+  float highest = 0.0F;
   for (int depth = 20; depth < 1024; ++depth) highest = std::max(highest, blurred.at(depth, 32));
   EXPECT_LT(highest, volume.at(285, 32) - 6.0);
 }
@@ -94,30 +95,30 @@ TEST(Mirror, EveryBScanHasItsOwnBackground) {
   for (int index = 0; index < 40; ++index)
     for (int pixel = 0; pixel < 2048; ++pixel)
       raw.spectrum(index)[pixel] = static_cast<std::uint16_t>(index < 20 ? 1000 : 500 + pixel);
-  const auto volume = process(standardCalibration(), raw);
-  EXPECT_LT(volume.meanPower(0, 1023), 1e-5);
+  const auto volume = process(standard_calibration(), raw);
+  EXPECT_LT(volume.mean_power(0, 1023), 1e-5);
 }
 
 TEST(Mirror, ASingleAScanUsesTheCalibratedBackground) {
-  Device device(standardSpectrometer(), std::make_shared<Mirror>(1.0, kSlope, 0.1f), 5);
+  Device device(standard_spectrometer(), std::make_shared<Mirror>(1.0, slope, 0.1F), 5);
   const auto volume = measure(device, ScanPattern(1, 1, 1.0, 1.0));
-  EXPECT_NEAR(volume.peak(0) * volume.cellMm(), 1.0, 0.1 * volume.cellMm());
-  EXPECT_LT(volume.meanPower(2, 10), 1e-3 * std::pow(10.0, 0.1 * volume.at(284, 0)));
+  EXPECT_NEAR(volume.peak(0) * volume.cell_mm(), 1.0, 0.1 * volume.cell_mm());
+  EXPECT_LT(volume.mean_power(2, 10), 1e-3 * std::pow(10.0, 0.1 * volume.at(284, 0)));
 }
 
 TEST(Mirror, IsSeenWithEverySpectrumLength) {
   for (const int length : {-2, 0, 62, 65, 2047, 4098})
     EXPECT_THROW(Spectrometer(length, 1300.0, 3.6), std::invalid_argument) << length;
   for (const int length : {64, 66, 90, 154, 250, 1022, 4096}) {
-    Device device(Spectrometer(length, 1300.0, 3.6), std::make_shared<Mirror>(1.0, kSlope, 0.1f), 1);
+    Device device(Spectrometer(length, 1300.0, 3.6), std::make_shared<Mirror>(1.0, slope, 0.1F), 1);
     const auto volume = measure(device, ScanPattern(20, 1, 0.2, 1.0));
-    EXPECT_NEAR(volume.peak(10) * volume.cellMm(), 1.0, 0.3 * volume.cellMm()) << length;
+    EXPECT_NEAR(volume.peak(10) * volume.cell_mm(), 1.0, 0.3 * volume.cell_mm()) << length;
   }
 }
 
-/// The last group is not full, and an A-scan may stand in any lane.
+// The last group is not full, and an A-scan may stand in any lane.
 TEST(Processing, DoesNotDependOnTheLane) {
-  Device device(Spectrometer(256, 1300.0, 3.6), std::make_shared<Mirror>(1.0, 0.3, 0.1f), 5);
+  Device device(Spectrometer(256, 1300.0, 3.6), std::make_shared<Mirror>(1.0, 0.3, 0.1F), 5);
   RawData all;
   device.start(ScanPattern(7, 1, 2.0, 1.0), 0);
   device.acquire(all, 0);
@@ -134,14 +135,14 @@ TEST(Processing, DoesNotDependOnTheLane) {
   }
 }
 
-/// More readings in a B-scan than 32 bits can add up.
+// More readings in a B-scan than 32 bits can add up.
 TEST(Processing, MeanOfVeryManyBrightAScansIsExact) {
-  constexpr int kMany = 70000;
+  constexpr int many = 70000;
   RawData raw;
-  raw.resize(64, kMany, 1, 1.0, 1.0);
-  for (int index = 0; index < kMany; ++index) std::ranges::fill(raw.spectrum(index), std::uint16_t{65535});
-  Device device(Spectrometer(64, 1300.0, 3.6), std::make_shared<UniformPhantom>(0.0f), 5);
-  EXPECT_LT(std::ranges::max(process(device.calibration(), raw).samples()), -59.96f);
+  raw.resize(64, many, 1, 1.0, 1.0);
+  for (int index = 0; index < many; ++index) std::ranges::fill(raw.spectrum(index), std::uint16_t{65535});
+  Device device(Spectrometer(64, 1300.0, 3.6), std::make_shared<UniformPhantom>(0.0F), 5);
+  EXPECT_LT(std::ranges::max(process(device.calibration(), raw).samples()), -59.96F);
 }
 
 }  // namespace

@@ -1,59 +1,58 @@
 // The pictures must show the anatomy.
 
-#include "measurement.h"
-
-#include "phantoms/finger_pad.h"
-#include "phantoms/retina.h"
+#include <array>
+#include <cmath>
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cmath>
+#include "phantoms/finger_pad.h"
+#include "phantoms/retina.h"
+#include "simulator/measurement.h"
 
 namespace oct::simulator::test {
 namespace {
 
-/// Mean level of every retinal layer in decibels, the last entry being the vitreous body.
-std::array<double, Retina::kLayerCount + 1> layerLevels() {
+// Mean level of every retinal layer in decibels, the last entry being the vitreous body.
+std::array<double, Retina::layer_count + 1> layer_levels() {
   const auto retina = std::make_shared<Retina>(2);
   Device device(Spectrometer(2048, 850.0, 2.4), retina, 2);
   const ScanPattern pattern(400, 1, 8.0, 1.0);
   const auto volume = measure(device, pattern);
-  std::array<double, Retina::kLayerCount + 1> sums{};
-  std::array<int, Retina::kLayerCount + 1> counts{};
-  const auto add = [&](int layer, double depthMm, int aScan) {
-    const int depth = static_cast<int>(std::lround(depthMm / volume.cellMm()));
-    sums[layer] += std::pow(10.0, 0.1 * volume.at(depth, aScan));
+  std::array<double, Retina::layer_count + 1> sums{};
+  std::array<int, Retina::layer_count + 1> counts{};
+  const auto add = [&](int layer, double depth_mm, int a_scan) {
+    const int depth = static_cast<int>(std::lround(depth_mm / volume.cell_mm()));
+    sums[layer] += std::pow(10.0, 0.1 * volume.at(depth, a_scan));
     ++counts[layer];
   };
-  for (int aScan = 0; aScan < 400; ++aScan) {
-    const double x = pattern.xMm(aScan);
+  for (int a_scan = 0; a_scan < 400; ++a_scan) {
+    const double x = pattern.x_mm(a_scan);
     if (std::abs(x) < 1.0 || std::abs(x) > 3.0) continue;
     const auto border = retina->borders(x, 0.0);
-    for (int layer = 0; layer < Retina::kLayerCount; ++layer)
-      add(layer, 0.5 * (border[layer] + border[layer + 1]), aScan);
-    add(Retina::kLayerCount, border[0] - 0.15, aScan);
+    for (int layer = 0; layer < Retina::layer_count; ++layer)
+      add(layer, 0.5 * (border[layer] + border[layer + 1]), a_scan);
+    add(Retina::layer_count, border[0] - 0.15, a_scan);
   }
   for (std::size_t i = 0; i < sums.size(); ++i) sums[i] = 10.0 * std::log10(sums[i] / counts[i]);
   return sums;
 }
 
 TEST(Retina, LayersHaveTheirOrderOfBrightness) {
-  const auto level = layerLevels();
-  const double vitreous = level[Retina::kLayerCount];
-  EXPECT_GT(level[Retina::kOuterNuclear], vitreous + 6.0);
+  const auto level = layer_levels();
+  const double vitreous = level[Retina::layer_count];
+  EXPECT_GT(level[Retina::outer_nuclear], vitreous + 6.0);
   struct Step {
     int bright, dark;
     double decibels;
   };
-  for (const auto& [bright, dark, decibels] : {Step{Retina::kNerveFibres, Retina::kGanglionCells, 3.0},
-                                               {Retina::kInnerPlexiform, Retina::kInnerNuclear, 3.0},
-                                               {Retina::kOuterPlexiform, Retina::kInnerNuclear, 2.0},
-                                               {Retina::kOuterPlexiform, Retina::kOuterNuclear, 5.0},
-                                               {Retina::kOuterLimitingMembrane, Retina::kInnerSegments, 2.0},
-                                               {Retina::kSegmentJunction, Retina::kOuterSegments, 5.0},
-                                               {Retina::kPigmentEpithelium, Retina::kOuterNuclear, 15.0},
-                                               {Retina::kPigmentEpithelium, Retina::kChoroid, 3.0}})
+  for (const auto& [bright, dark, decibels] : {Step{Retina::nerve_fibres, Retina::ganglion_cells, 3.0},
+                                               {Retina::inner_plexiform, Retina::inner_nuclear, 3.0},
+                                               {Retina::outer_plexiform, Retina::inner_nuclear, 2.0},
+                                               {Retina::outer_plexiform, Retina::outer_nuclear, 5.0},
+                                               {Retina::outer_limiting_membrane, Retina::inner_segments, 2.0},
+                                               {Retina::segment_junction, Retina::outer_segments, 5.0},
+                                               {Retina::pigment_epithelium, Retina::outer_nuclear, 15.0},
+                                               {Retina::pigment_epithelium, Retina::choroid, 3.0}})
     EXPECT_GT(level[bright], level[dark] + decibels) << bright;
 }
 
@@ -62,9 +61,9 @@ TEST(Retina, LayersLieBelowEachOtherEverywhere) {
   for (double y = -4.0; y <= 4.0; y += 0.5)
     for (double x = -4.0; x <= 4.0; x += 0.25) {
       const auto border = retina.borders(x, y);
-      for (int layer = 0; layer < Retina::kLayerCount; ++layer)
+      for (int layer = 0; layer < Retina::layer_count; ++layer)
         EXPECT_LT(border[layer], border[layer + 1]) << "layer " << layer << " at " << x << ", " << y;
-      EXPECT_NEAR(border[Retina::kLayerCount] - border[0], 0.75, 0.25) << x << ", " << y;
+      EXPECT_NEAR(border[Retina::layer_count] - border[0], 0.75, 0.25) << x << ", " << y;
     }
   for (const double beside : {-1.0, 1.0})
     EXPECT_GT(retina.borders(0.0, 0.0)[0], retina.borders(beside, 0.0)[0] + 0.1) << "the fovea is a pit";
@@ -72,14 +71,14 @@ TEST(Retina, LayersLieBelowEachOtherEverywhere) {
 
 TEST(FingerPad, HasRidgesOfAFingerprintInBothDirections) {
   const FingerPad pad(2);
-  const auto crests = [&](auto surfaceAt) {
+  const auto crests = [&](auto surface_at) {
     int count = 0;
     for (double s = -2.5; s < 2.5; s += 0.01)
-      count += surfaceAt(s) < surfaceAt(s - 0.01) && surfaceAt(s) <= surfaceAt(s + 0.01);
+      count += surface_at(s) < surface_at(s - 0.01) && surface_at(s) <= surface_at(s + 0.01);
     return count;
   };
-  const int across = crests([&](double x) { return pad.surfaceMm(x, -1.0); });
-  const int along = crests([&](double y) { return pad.surfaceMm(-1.0, y); });
+  const int across = crests([&](double x) { return pad.surface_mm(x, -1.0); });
+  const int along = crests([&](double y) { return pad.surface_mm(-1.0, y); });
   EXPECT_GE(across, 7);
   EXPECT_LE(across, 20);
   EXPECT_GE(along, 2);
@@ -95,11 +94,11 @@ TEST(FingerPad, DuctsWindThroughTheHornyLayer) {
   double wandering = 0.0;
   for (double y = -1.0; y < 1.0; y += 0.02) {
     for (double x = -1.0; x < 1.0; x += 0.02, ++all) {
-      profile.scattering.assign(900, 0.0f);
+      profile.scattering.assign(900, 0.0F);
       pad.describe(x, y, cell, profile);
-      const int top = static_cast<int>(pad.surfaceMm(x, y) / cell);
-      const bool upper = profile.scattering[top + 40] > 0.15f;
-      const bool lower = profile.scattering[top + 61] > 0.15f;  // half a turn further down
+      const int top = static_cast<int>(pad.surface_mm(x, y) / cell);
+      const bool upper = profile.scattering[top + 40] > 0.15F;
+      const bool lower = profile.scattering[top + 61] > 0.15F;  // half a turn further down
       bright += upper;
       wandering += upper != lower;
     }

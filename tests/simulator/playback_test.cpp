@@ -5,38 +5,38 @@
 #include <limits>
 #include <optional>
 
-#include "device_objects.h"
+#include "simulator/device_objects.h"
 
 namespace oct::simulator::test {
 namespace {
 
-constexpr Sizes kSizes{6, 5, 4};
-constexpr int kSamples = 6 * 5 * 4;
+constexpr Sizes recorded_sizes{6, 5, 4};
+constexpr int samples_per_volume = 6 * 5 * 4;
 
-/// Samples that tell volume and place.
-std::vector<float> numbered(int volumes, int firstVolume = 0) {
+// Samples that tell volume and place.
+std::vector<float> numbered(int volumes, int first_volume = 0) {
   std::vector<float> samples;
-  for (int n = firstVolume * kSamples; n < (firstVolume + volumes) * kSamples; ++n)
+  for (int n = first_volume * samples_per_volume; n < (first_volume + volumes) * samples_per_volume; ++n)
     samples.push_back(static_cast<float>(n));
   return samples;
 }
 
 class Playback : public DeviceObjectsTest {
  protected:
-  void open(const std::vector<float>& samples, const Sizes& sizes = kSizes, int volumes = 1,
+  void open(const std::vector<float>& samples, const Sizes& sizes = recorded_sizes, int volumes = 1,
             double noise = 0.0, unsigned seed = 1) {
     scan_.emplace(createSimulatedPlayback(samples.data(), sizes[0], sizes[1], sizes[2], volumes, 2.5, 3.0,
                                           4.0, noise, seed),
                   100, 100, 1.0, 1.0);
     setProcessedDataOutput(scan_->processing, data_);
     startMeasurement(scan_->device, scan_->pattern, 0);
-    ASSERT_EQ(pendingError(), "");
+    ASSERT_EQ(pending_error(), "");
   }
 
   std::vector<float> processed(RawDataHandle raw) {
     executeProcessing(scan_->processing, raw);
-    EXPECT_EQ(pendingError(), "");
-    return samplesOf(data_);
+    EXPECT_EQ(pending_error(), "");
+    return samples_of(data_);
   }
   std::vector<float> next() {
     getRawDataEx(scan_->device, raw_, 0);
@@ -50,16 +50,16 @@ class Playback : public DeviceObjectsTest {
 
 TEST_F(Playback, GivesTheRecordedVolumesInTheirOwnSizeInTurn) {
   auto samples = numbered(3);
-  open(samples, kSizes, 3);
-  EXPECT_EQ(getDevicePropertyInt(scan_->device, OCT_DEVICE_SPECTRUM_LENGTH), 2 * kSizes[0]);
+  open(samples, recorded_sizes, 3);
+  EXPECT_EQ(getDevicePropertyInt(scan_->device, OCT_DEVICE_SPECTRUM_LENGTH), 2 * recorded_sizes[0]);
   EXPECT_EQ(getDevicePropertyFloat(scan_->device, OCT_DEVICE_DEPTH_RANGE), 2.5);
-  samples.assign(samples.size(), -1.0f);  // neither this nor what is done to the output reaches the recording
+  samples.assign(samples.size(), -1.0F);  // neither this nor what is done to the output reaches the recording
   for (int i = 0; i < 7; ++i) {
     EXPECT_EQ(next(), numbered(1, i % 3));
-    getDataPtr(data_)[7] = -1.0f;
+    getDataPtr(data_)[7] = -1.0F;
   }
-  EXPECT_EQ(sizesOf(data_), kSizes);
-  EXPECT_EQ(rangesOf(data_), (Ranges{2.5, 3.0, 4.0}));
+  EXPECT_EQ(sizes_of(data_), recorded_sizes);
+  EXPECT_EQ(ranges_of(data_), (Ranges{2.5, 3.0, 4.0}));
   const double reference = getRelativeReferenceIntensity(scan_->device, scan_->processing);
   EXPECT_GT(reference, 0.0);
   EXPECT_LT(reference, 1.0);
@@ -73,7 +73,7 @@ TEST_F(Playback, GivesTheRecordedVolumesInTheirOwnSizeInTurn) {
 
 TEST_F(Playback, NoiseHasTheGivenStrengthAndDiffersFromPlaceToPlaceAndFromVolumeToVolume) {
   constexpr Sizes sizes{256, 50, 40};
-  const std::vector<float> level(256 * 50 * 40, 30.0f);
+  const std::vector<float> level(256 * 50 * 40, 30.0F);
   open(level, sizes, 1, 2.0, 7);
   const auto first = next();
   const auto second = next();
@@ -99,7 +99,7 @@ TEST_F(Playback, NoiseHasTheGivenStrengthAndDiffersFromPlaceToPlaceAndFromVolume
   EXPECT_NE(next(), first);
 }
 
-/// The analog input of a device that moves shows other spots; of a recording it must not.
+// The analog input of a device that moves shows other spots; of a recording it must not.
 TEST_F(Playback, HasAnalogInputButNoComplexFieldAndDoesNotMove) {
   std::vector<float> resting;
   for (const int motion : {OCT_MOTION_NONE, OCT_MOTION_DRIFT}) {
@@ -107,14 +107,14 @@ TEST_F(Playback, HasAnalogInputButNoComplexFieldAndDoesNotMove) {
     setSimulatedMotion(scan_->device, motion, 1.0, 0.001);
     getRawDataEx(scan_->device, raw_, 0);
     getAnalogInputData(scan_->device, data_);
-    EXPECT_EQ(sizesOf(data_), (Sizes{2, kSizes[1], kSizes[2]}));
-    if (motion == OCT_MOTION_NONE) resting = samplesOf(data_);
-    EXPECT_EQ(samplesOf(data_), resting);
+    EXPECT_EQ(sizes_of(data_), (Sizes{2, recorded_sizes[1], recorded_sizes[2]}));
+    if (motion == OCT_MOTION_NONE) resting = samples_of(data_);
+    EXPECT_EQ(samples_of(data_), resting);
     EXPECT_EQ(next(), numbered(1));
   }
   const OwnedComplexData field;
   setComplexDataOutput(scan_->processing, field);
-  expectErrors({{[&] { executeProcessing(scan_->processing, raw_); }, "no complex field"}});
+  expect_errors({{[&] { executeProcessing(scan_->processing, raw_); }, "no complex field"}});
 }
 
 TEST_F(Playback, ArrivesAtTheGivenRate) {
@@ -127,7 +127,7 @@ TEST_F(Playback, ArrivesAtTheGivenRate) {
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(20));
 }
 
-/// Raw data that held a recording takes camera readings, and the other way round.
+// Raw data that held a recording takes camera readings, and the other way round.
 TEST_F(Playback, SharesRawDataWithAPhantom) {
   open(numbered(1));
   EXPECT_EQ(next(), numbered(1));
@@ -136,10 +136,10 @@ TEST_F(Playback, SharesRawDataWithAPhantom) {
   setProcessedDataOutput(mirror.processing, data_);
   getRawDataEx(mirror.device, raw_, 0);
   executeProcessing(mirror.processing, raw_);
-  EXPECT_EQ(pendingError(), "");
-  EXPECT_EQ(sizesOf(data_), (Sizes{32, 3, 2}));
-  EXPECT_NE(samplesOf(data_)[1], numbered(1)[1]) << "the mirror, not the recording";
-  expectErrors({{[&] { executeProcessing(scan_->processing, raw_); }, "another spectrum length"}});
+  EXPECT_EQ(pending_error(), "");
+  EXPECT_EQ(sizes_of(data_), (Sizes{32, 3, 2}));
+  EXPECT_NE(samples_of(data_)[1], numbered(1)[1]) << "the mirror, not the recording";
+  expect_errors({{[&] { executeProcessing(scan_->processing, raw_); }, "another spectrum length"}});
   EXPECT_EQ(next(), numbered(1));
 }
 
@@ -155,24 +155,24 @@ TEST_F(Playback, RefusesWhatItCannotPlay) {
                 nullptr);
     };
   };
-  constexpr int kHuge = std::numeric_limits<int>::max();
-  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+  constexpr int huge = std::numeric_limits<int>::max();
+  constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
   const float* const good = samples.data();
-  expectErrors({{play(nullptr, kSizes), "needs samples"},
-                {play(good, {3, 1, 1}), "depth samples"},
-                {play(good, {65537, 1, 1}), "depth samples"},
-                {play(good, {6, 0, 4}), "at least one"},
-                {play(good, {6, 5, -1}), "at least one"},
-                {play(good, kSizes, 0), "at least one"},
-                {play(good, {65536, kHuge, kHuge}, kHuge), "too large"},
-                {play(good, kSizes, 1, -1.0), "noise"},
-                {play(good, kSizes, 1, kNaN), "noise"},
-                {play(infinite.data(), kSizes), "finite"}});
-  for (const double wrong : {0.0, -1.0, kNaN})
+  expect_errors({{play(nullptr, recorded_sizes), "needs samples"},
+                 {play(good, {3, 1, 1}), "depth samples"},
+                 {play(good, {65537, 1, 1}), "depth samples"},
+                 {play(good, {6, 0, 4}), "at least one"},
+                 {play(good, {6, 5, -1}), "at least one"},
+                 {play(good, recorded_sizes, 0), "at least one"},
+                 {play(good, {65536, huge, huge}, huge), "too large"},
+                 {play(good, recorded_sizes, 1, -1.0), "noise"},
+                 {play(good, recorded_sizes, 1, not_a_number), "noise"},
+                 {play(infinite.data(), recorded_sizes), "finite"}});
+  for (const double wrong : {0.0, -1.0, not_a_number})
     for (const std::size_t axis : {0, 1, 2}) {
       Ranges ranges{1.0, 1.0, 1.0};
       ranges[axis] = wrong;
-      expectErrors({{play(good, kSizes, 1, 0.0, ranges), "above zero"}});
+      expect_errors({{play(good, recorded_sizes, 1, 0.0, ranges), "above zero"}});
     }
 }
 

@@ -1,24 +1,24 @@
 // Polarization: light paths against matrices, and layers that are known.
 
-#include "measurement.h"
-
 #include "optics/polarization.h"
-#include "phantoms/polarization_target.h"
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
 #include <random>
 
+#include <gtest/gtest.h>
+
+#include "phantoms/polarization_target.h"
+#include "simulator/measurement.h"
+
 namespace oct::simulator::test {
 namespace {
 
-constexpr double kPi = std::numbers::pi;
+constexpr double pi = std::numbers::pi;
 using Complex = std::complex<double>;
 using P = PolarizationProcessing;
 
-/// A 2 by 2 matrix in rows.
+// A 2 by 2 matrix in rows.
 struct Matrix {
   Complex a, b, c, d;
 
@@ -56,9 +56,9 @@ TEST(LightPath, FollowsTheMatricesOfManyRetardersThereAndBack) {
   }
 }
 
-/// Measures a phantom with both sensors.
-std::unique_ptr<Sensors> measureBoth(std::shared_ptr<const Phantom> phantom) {
-  Device device(standardSpectrometer(), std::move(phantom), 21, 2);
+// Measures a phantom with both sensors.
+std::unique_ptr<Sensors> measure_both(std::shared_ptr<const Phantom> phantom) {
+  Device device(standard_spectrometer(), std::move(phantom), 21, 2);
   auto sensors = std::make_unique<Sensors>();
   device.start(ScanPattern(64, 1, 3.0, 1.0), 0);
   for (int camera = 0; camera < 2; ++camera) {
@@ -66,19 +66,20 @@ std::unique_ptr<Sensors> measureBoth(std::shared_ptr<const Phantom> phantom) {
     device.acquire(raw, camera);
     const auto field = std::make_shared<ComplexData>();
     Processing processing(device.calibration());
-    processing.setOutput(field);
+    processing.set_output(field);
     processing.execute(raw);
     sensors->fields[camera] = *field;
   }
   return sensors;
 }
 
-double meanOver(const Volume& volume, double topMm, double bottomMm) {
+double mean_over(const Volume& volume, double top_mm, double bottom_mm) {
   double sum = 0.0;
   int count = 0;
-  for (int aScan = 0; aScan < volume.aScans(); ++aScan)
-    for (int depth = static_cast<int>(topMm / volume.cellMm()); depth * volume.cellMm() < bottomMm; ++depth) {
-      sum += volume.at(depth, aScan);
+  for (int a_scan = 0; a_scan < volume.a_scans(); ++a_scan)
+    for (int depth = static_cast<int>(top_mm / volume.cell_mm()); depth * volume.cell_mm() < bottom_mm;
+         ++depth) {
+      sum += volume.at(depth, a_scan);
       ++count;
     }
   return sum / count;
@@ -89,41 +90,41 @@ TEST(Polarization, APlateShowsItsRetardationAndAxisBelowIt) {
        {std::pair{45.0, 30.0}, {20.0, 120.0}, {75.0, 75.0}, {45.0, 0.0}, {0.0, 29.0}}) {
     SCOPED_TRACE(retardance);
     const auto sensors =
-        measureBoth(std::make_shared<PolarizationTarget>(retardance * kPi / 180.0, axis * kPi / 180.0));
+        measure_both(std::make_shared<PolarizationTarget>(retardance * pi / 180.0, axis * pi / 180.0));
     for (int direction = 0; direction < 2; ++direction) {
-      sensors->processing.setAveraging(direction, 9);
-      sensors->processing.setDopuBox(direction, 9);
+      sensors->processing.set_averaging(direction, 9);
+      sensors->processing.set_dopu_box(direction, 9);
     }
-    const auto seen = sensors->compute(P::kRetardation);
-    EXPECT_NEAR(meanOver(seen, 0.45, 0.75), 0.0, 2.5);
+    const auto seen = sensors->compute(P::retardation);
+    EXPECT_NEAR(mean_over(seen, 0.45, 0.75), 0.0, 2.5);
     if (retardance > 0.0) {
-      EXPECT_NEAR(meanOver(seen, 0.96, 1.35), retardance, 1.5);
-      const auto directions = sensors->compute(P::kOpticAxis);
-      for (int aScan = 5; aScan < 60; ++aScan)
+      EXPECT_NEAR(mean_over(seen, 0.96, 1.35), retardance, 1.5);
+      const auto directions = sensors->compute(P::optic_axis);
+      for (int a_scan = 5; a_scan < 60; ++a_scan)
         for (int depth = 280; depth < 380; ++depth) {
-          ASSERT_NEAR(std::remainder(directions.at(depth, aScan) - axis, 180.0), 0.0, 6.0);
-          ASSERT_GE(directions.at(depth, aScan), 0.0f);
-          ASSERT_LE(directions.at(depth, aScan), 180.0f);
+          ASSERT_NEAR(std::remainder(directions.at(depth, a_scan) - axis, 180.0), 0.0, 6.0);
+          ASSERT_GE(directions.at(depth, a_scan), 0.0F);
+          ASSERT_LE(directions.at(depth, a_scan), 180.0F);
         }
       continue;
     }
     // Without the plate, retardation grows with depth in the fibres, and folds back past a quarter turn.
     for (const double below : {0.08, 0.15, 0.25, 0.32, 0.6}) {
-      const double expected = PolarizationTarget::kFibreRate * below * 180.0 / kPi;
-      const double depth = PolarizationTarget::kFibresTop + below;
-      EXPECT_NEAR(meanOver(seen, depth - 0.01, depth + 0.01), std::min(expected, 180.0 - expected), 3.0);
+      const double expected = PolarizationTarget::fibre_rate * below * 180.0 / pi;
+      const double depth = PolarizationTarget::fibres_top + below;
+      EXPECT_NEAR(mean_over(seen, depth - 0.01, depth + 0.01), std::min(expected, 180.0 - expected), 3.0);
     }
   }
 }
 
 TEST(Polarization, IsUniformEverywhereButInTheDepolarizerAndInNoise) {
-  const auto sensors = measureBoth(std::make_shared<PolarizationTarget>(0.8, 0.5));
-  for (int direction = 0; direction < 2; ++direction) sensors->processing.setDopuBox(direction, 9);
-  const auto dopu = sensors->compute(P::kDopu);
+  const auto sensors = measure_both(std::make_shared<PolarizationTarget>(0.8, 0.5));
+  for (int direction = 0; direction < 2; ++direction) sensors->processing.set_dopu_box(direction, 9);
+  const auto dopu = sensors->compute(P::dopu);
   for (const auto& [top, bottom] : {std::pair{0.5, 0.7}, {1.0, 1.3}, {1.9, 2.3}})
-    EXPECT_GT(meanOver(dopu, top, bottom), 0.95) << top;
+    EXPECT_GT(mean_over(dopu, top, bottom), 0.95) << top;
   for (const auto& [top, bottom] : {std::pair{1.45, 1.75}, {3.0, 3.4}})
-    EXPECT_LT(meanOver(dopu, top, bottom), 0.45) << top;
+    EXPECT_LT(mean_over(dopu, top, bottom), 0.45) << top;
 }
 
 }  // namespace

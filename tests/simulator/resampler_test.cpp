@@ -1,10 +1,10 @@
 #include "signals/resampler.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <complex>
 #include <stdexcept>
+
+#include <gtest/gtest.h>
 
 namespace oct::simulator {
 namespace {
@@ -22,10 +22,10 @@ TEST(Resampler, ReadsAWaveBetweenItsSamples) {
 }
 
 TEST(Resampler, KeepsLevels) {
-  const std::vector<std::complex<float>> level(20, {2.0f, -1.0f});
+  const std::vector<std::complex<float>> level(20, {2.0F, -1.0F});
   std::vector<std::complex<float>> read(3);
   Resampler(20, {5.0, 8.3, 9.9}).apply(level.data(), read.data());
-  for (const auto& value : read) EXPECT_LT(std::abs(value - level[0]), 1e-5f);
+  for (const auto& value : read) EXPECT_LT(std::abs(value - level[0]), 1e-5F);
 }
 
 TEST(Resampler, RefusesPositionsOutsideTheSignal) {
@@ -37,10 +37,10 @@ TEST(Resampler, RefusesPositionsOutsideTheSignal) {
 
 TEST(InvertPositions, FindsThePlacesOfWholeValues) {
   const std::vector<double> expected{0.0, 1.25, 1.75, 3.0};
-  const auto places = invertPositions({0.0, 0.5, 2.5, 3.0});
+  const auto places = invert_positions({0.0, 0.5, 2.5, 3.0});
   ASSERT_EQ(places.size(), expected.size());
   for (std::size_t i = 0; i < places.size(); ++i) EXPECT_DOUBLE_EQ(places[i], expected[i]);
-  EXPECT_THROW(invertPositions({0.0, 0.0, 2.0, 3.0}), std::invalid_argument);
+  EXPECT_THROW(invert_positions({0.0, 0.0, 2.0, 3.0}), std::invalid_argument);
 }
 
 }  // namespace

@@ -1,37 +1,36 @@
 // Analog input, surface, reference intensity.
 
-#include "measurement.h"
-
-#include "phantoms/finger_pad.h"
-#include "phantoms/mirror.h"
-#include "processing/surface.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <memory>
 #include <numbers>
+
+#include <gtest/gtest.h>
+
+#include "phantoms/finger_pad.h"
+#include "phantoms/mirror.h"
+#include "processing/surface.h"
+#include "simulator/measurement.h"
 
 namespace oct::simulator::test {
 namespace {
 
 TEST(Surface, OfTheFingerPadIsFoundWithinAFewSamples) {
   const FingerPad finger(3);
-  Device device(standardSpectrometer(), std::make_shared<FingerPad>(3), 3);
+  Device device(standard_spectrometer(), std::make_shared<FingerPad>(3), 3);
   const ScanPattern pattern(150, 4, 4.0, 3.0);
   const auto volume = measure(device, pattern);
   Data surface;
-  findSurface(volume.data(), surface);
+  find_surface(volume.data(), surface);
   ASSERT_EQ(surface.sizes(), (std::array{150, 4, 1}));
-  EXPECT_EQ(surface.rangesMm(), (std::array{4.0, 3.0, 0.0}));
-  const double cellMm = volume.cellMm();
+  EXPECT_EQ(surface.ranges_mm(), (std::array{4.0, 3.0, 0.0}));
+  const double cell_mm = volume.cell_mm();
   int beside = 0, off = 0;
   double sum = 0.0;
-  for (int bScan = 0; bScan < 4; ++bScan)
-    for (int aScan = 0; aScan < 150; ++aScan) {
-      const double truth = finger.surfaceMm(pattern.xMm(aScan), pattern.yMm(bScan));
-      const double error = (surface.samples()[aScan + 150 * bScan] - truth) / cellMm;
+  for (int b_scan = 0; b_scan < 4; ++b_scan)
+    for (int a_scan = 0; a_scan < 150; ++a_scan) {
+      const double truth = finger.surface_mm(pattern.x_mm(a_scan), pattern.y_mm(b_scan));
+      const double error = (surface.samples()[a_scan + 150 * b_scan] - truth) / cell_mm;
       beside += std::abs(error) > 2.0;
       off += std::abs(error) > 4.0;
       sum += error;
@@ -44,46 +43,46 @@ TEST(Surface, OfTheFingerPadIsFoundWithinAFewSamples) {
 }
 
 TEST(Surface, OfAMirrorIsItsPeakInSpiteOfSideLobes) {
-  Device device(standardSpectrometer(), std::make_shared<Mirror>(1.0, 0.02, 0.2f), 3);
+  Device device(standard_spectrometer(), std::make_shared<Mirror>(1.0, 0.02, 0.2F), 3);
   const ScanPattern pattern(64, 1, 1.0, 1.0);
   const auto volume = measure(device, pattern);
   Data surface;
-  findSurface(volume.data(), surface);
-  const double cellMm = volume.cellMm();
-  for (int aScan = 0; aScan < 64; ++aScan)
-    EXPECT_NEAR(surface.samples()[aScan], 1.0 + 0.02 * pattern.xMm(aScan), 0.6 * cellMm) << aScan;
+  find_surface(volume.data(), surface);
+  const double cell_mm = volume.cell_mm();
+  for (int a_scan = 0; a_scan < 64; ++a_scan)
+    EXPECT_NEAR(surface.samples()[a_scan], 1.0 + 0.02 * pattern.x_mm(a_scan), 0.6 * cell_mm) << a_scan;
 }
 
 TEST(Surface, CountsWithTheRangeOfTheVolumeAndIsTheWholeRangeWhereThereIsNone) {
-  Device device(standardSpectrometer(), std::make_shared<UniformPhantom>(0.0f), 3);
+  Device device(standard_spectrometer(), std::make_shared<UniformPhantom>(0.0F), 3);
   const auto volume = measure(device, ScanPattern(40, 2, 1.0, 1.0));
-  for (int i = 0; i < 30; ++i) volume.data().samples()[1024 * 7 + 512 + i] += 60.0f;
-  volume.data().setRanges({2.0, 1.0, 1.0});
+  for (int i = 0; i < 30; ++i) volume.data().samples()[1024 * 7 + 512 + i] += 60.0F;
+  volume.data().set_ranges({2.0, 1.0, 1.0});
   Data surface;
-  findSurface(volume.data(), surface);
+  find_surface(volume.data(), surface);
   for (int index = 0; index < 80; ++index)
     EXPECT_NEAR(surface.samples()[index], index == 7 ? 1.0 : 2.0, index == 7 ? 0.03 : 0.0) << index;
 
   Data empty, shallow;
-  EXPECT_THROW(findSurface(empty, surface), std::invalid_argument);
+  EXPECT_THROW(find_surface(empty, surface), std::invalid_argument);
   shallow.resize({4, 2, 2}, {1.0, 1.0, 1.0});
-  EXPECT_THROW(findSurface(shallow, shallow), std::invalid_argument);
-  findSurface(shallow, surface);  // shorter than what the search skips
-  EXPECT_EQ(surface.samples(), std::vector<float>(4, 1.0f));
+  EXPECT_THROW(find_surface(shallow, shallow), std::invalid_argument);
+  find_surface(shallow, surface);  // shorter than what the search skips
+  EXPECT_EQ(surface.samples(), std::vector<float>(4, 1.0F));
 }
 
 class AnalogSignals : public testing::Test {
  protected:
-  /// Acquires a volume of a device in motion and reads its analog input; the last of so many.
-  const std::vector<float>& read(const ScanPattern& pattern, int volumes, double aScansPerSecond = 100e3,
+  // Acquires a volume of a device in motion and reads its analog input; the last of so many.
+  const std::vector<float>& read(const ScanPattern& pattern, int volumes, double a_scans_per_second = 100e3,
                                  const Motion& motion = {}) {
     device_ =
-        std::make_unique<Device>(Spectrometer(64, 1300.0, 3.6), std::make_shared<Mirror>(1.0, 0.02, 0.1f), 3);
-    device_->setPace({.aScansPerSecond = aScansPerSecond});
-    device_->setMotion(motion);
+        std::make_unique<Device>(Spectrometer(64, 1300.0, 3.6), std::make_shared<Mirror>(1.0, 0.02, 0.1F), 3);
+    device_->set_pace({.a_scans_per_second = a_scans_per_second});
+    device_->set_motion(motion);
     device_->start(pattern, 0);
     for (int i = 0; i < volumes; ++i) device_->acquire(raw_, 0);
-    device_->readAnalogInput(data_);
+    device_->read_analog_input(data_);
     return data_.samples();
   }
 
@@ -100,10 +99,10 @@ TEST_F(AnalogSignals, HaveTwoChannelsPerAScanAtAFixedPlaceInMemory) {
   EXPECT_NE(read(ScanPattern(20, 6, 2.0, 2.0), 2), first);
   EXPECT_EQ(data_.samples().data(), place);
   const auto [least, most] = std::ranges::minmax(data_.samples());
-  EXPECT_GE(least, -0.011f);
-  EXPECT_LE(most, 1.011f);
+  EXPECT_GE(least, -0.011F);
+  EXPECT_LE(most, 1.011F);
   device_->stop();
-  EXPECT_THROW(device_->readAnalogInput(data_), std::logic_error);
+  EXPECT_THROW(device_->read_analog_input(data_), std::logic_error);
 }
 
 TEST_F(AnalogSignals, PulseBeatsByTheAScanRate) {
@@ -116,57 +115,57 @@ TEST_F(AnalogSignals, PulseBeatsByTheAScanRate) {
   }
 }
 
-/// One volume takes a millisecond; a period of four makes volume 1 the turning point.
+// One volume takes a millisecond; a period of four makes volume 1 the turning point.
 TEST_F(AnalogSignals, GlowMovesWithThePhantom) {
   const ScanPattern pattern(100, 1, 2.0, 1.0);
-  const Motion motion(Motion::Kind::kDrift, 0.4, 4e-3);
+  const Motion motion(Motion::Kind::drift, 0.4, 4e-3);
   const auto rest = read(pattern, 2);
   const auto& moved = read(pattern, 2, 100e3, motion);
   double change = 0.0, error = 0.0;
-  for (int aScan = 30; aScan < 90; ++aScan) {
-    change = std::max(change, std::abs(double{moved[2 * aScan]} - rest[2 * aScan]));
-    error = std::max(error, std::abs(double{moved[2 * aScan + 1]} - rest[2 * aScan + 1]));
+  for (int a_scan = 30; a_scan < 90; ++a_scan) {
+    change = std::max(change, std::abs(double{moved[2 * a_scan]} - rest[2 * a_scan]));
+    error = std::max(error, std::abs(double{moved[2 * a_scan + 1]} - rest[2 * a_scan + 1]));
   }
   EXPECT_GT(change, 0.1);
   EXPECT_LT(error, 0.03) << "the pulse does not depend on the place";
-  const double expected = pattern.xMm(50) - 0.4 * std::sin(2.0 * std::numbers::pi * 1.5e-3 / 4e-3);
-  EXPECT_NEAR(motion.place(pattern.xMm(50), 0.0, 1.5e-3).xMm, expected, 1e-9);
+  const double expected = pattern.x_mm(50) - 0.4 * std::sin(2.0 * std::numbers::pi * 1.5e-3 / 4e-3);
+  EXPECT_NEAR(motion.place(pattern.x_mm(50), 0.0, 1.5e-3).x_mm, expected, 1e-9);
 }
 
-/// Breathing goes to and from the device, beginning at rest, and shows in the picture.
+// Breathing goes to and from the device, beginning at rest, and shows in the picture.
 TEST(Breathing, MovesTheMirrorInDepth) {
-  Device device(Spectrometer(512, 1300.0, 3.6), std::make_shared<Mirror>(1.0, 0.02, 0.1f), 3);
-  device.setMotion({Motion::Kind::kBreathing, 0.3, 4.0});
-  device.setPace({.aScansPerSecond = 20.0});  // a volume takes a second
+  Device device(Spectrometer(512, 1300.0, 3.6), std::make_shared<Mirror>(1.0, 0.02, 0.1F), 3);
+  device.set_motion({Motion::Kind::breathing, 0.3, 4.0});
+  device.set_pace({.a_scans_per_second = 20.0});  // a volume takes a second
   device.start(ScanPattern(20, 1, 1.0, 1.0), 0);
   for (int second = 0; second < 4; ++second) {
     RawData raw;
     device.acquire(raw, 0);
     const auto volume = process(device.calibration(), raw);
     const double away = 0.3 * std::sin(0.5 * std::numbers::pi * (second + 10.0 / 20.0));
-    EXPECT_NEAR(volume.peak(10) * volume.cellMm(), 1.0 + away, 2.0 * volume.cellMm()) << second;
+    EXPECT_NEAR(volume.peak(10) * volume.cell_mm(), 1.0 + away, 2.0 * volume.cell_mm()) << second;
   }
 }
 
 TEST(ReferenceIntensity, IsThatOfTheLastVolume) {
-  Device device(standardSpectrometer(), std::make_shared<Mirror>(1.0, 0.02, 0.1f), 3);
+  Device device(standard_spectrometer(), std::make_shared<Mirror>(1.0, 0.02, 0.1F), 3);
   Processing processing(device.calibration());
   // The dark level and the brightest light of the reference arm, in 4095ths.
-  const double calibrated = processing.referenceIntensity();
+  const double calibrated = processing.reference_intensity();
   EXPECT_GT(calibrated, 0.5);
   EXPECT_LE(calibrated, 2480.0 / 4095.0);
   RawData raw;
   device.start(ScanPattern(200, 1, 2.0, 1.0), 0);
   device.acquire(raw, 0);
   const auto data = std::make_shared<Data>();
-  processing.setOutput(data);
+  processing.set_output(data);
   processing.execute(raw);
-  EXPECT_NEAR(processing.referenceIntensity(), calibrated, 0.02);
-  EXPECT_NE(processing.referenceIntensity(), calibrated);
+  EXPECT_NEAR(processing.reference_intensity(), calibrated, 0.02);
+  EXPECT_NE(processing.reference_intensity(), calibrated);
   for (int index = 0; index < 200; ++index)
     for (auto& count : raw.spectrum(index)) count /= 2;
   processing.execute(raw);
-  EXPECT_NEAR(processing.referenceIntensity(), 0.5 * calibrated, 0.01);
+  EXPECT_NEAR(processing.reference_intensity(), 0.5 * calibrated, 0.01);
 }
 
 }  // namespace

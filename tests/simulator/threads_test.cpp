@@ -1,17 +1,16 @@
 // What many threads compute together, and what one of them may stop.
 
-#include "measurement.h"
+#include <algorithm>
+#include <atomic>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
 
 #include "base/parallel.h"
 #include "base/recording.h"
 #include "phantoms/finger_pad.h"
 #include "processing/surface.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <atomic>
-#include <stdexcept>
+#include "simulator/measurement.h"
 
 namespace oct::simulator::test {
 namespace {
@@ -20,20 +19,20 @@ TEST(ParallelRanges, CoversEveryItemOnceAndPassesOnAnExceptionOfAnyWorker) {
   for (const int workers : {0, 1, 3, 50})
     for (const int count : {0, 1, 7, 100}) {
       std::vector<int> visits(count);
-      parallelRanges(count, workers, [&](int begin, int end) {
+      parallel_ranges(count, workers, [&](int begin, int end) {
         for (int i = begin; i < end; ++i) ++visits[i];
       });
       EXPECT_EQ(visits, std::vector<int>(count, 1)) << workers << " workers, " << count << " items";
     }
   for (const int faulty : {0, 5, 9})
-    EXPECT_THROW(parallelRanges(10, 4,
-                                [&](int begin, int end) {
-                                  if (begin <= faulty && faulty < end) throw std::runtime_error("fault");
-                                }),
+    EXPECT_THROW(parallel_ranges(10, 4,
+                                 [&](int begin, int end) {
+                                   if (begin <= faulty && faulty < end) throw std::runtime_error("fault");
+                                 }),
                  std::runtime_error);
 }
 
-/// All that a device with two sensors gives, and a recording beside it.
+// All that a device with two sensors gives, and a recording beside it.
 std::vector<std::vector<float>> everything(std::uint64_t seed, int workers) {
   Device device(Spectrometer(256, 1300.0, 3.6), std::make_shared<FingerPad>(seed), seed, 2);
   std::array<ComplexData, 2> fields;
@@ -44,19 +43,19 @@ std::vector<std::vector<float>> everything(std::uint64_t seed, int workers) {
     RawData raw;
     const auto field = std::make_shared<ComplexData>();
     Processing processing(device.calibration());
-    processing.setOutput(picture);
-    processing.setOutput(field);
+    processing.set_output(picture);
+    processing.set_output(field);
     device.acquire(raw, sensor, workers);
     processing.execute(raw, workers);
     fields[sensor] = *field;
     results.push_back(picture->samples());
   }
   Data surface;
-  findSurface(*picture, surface, workers);
+  find_surface(*picture, surface, workers);
   results.push_back(surface.samples());
   const auto dopu = std::make_shared<Data>();
   PolarizationProcessing polarization;
-  polarization.setOutput(PolarizationProcessing::kDopu, dopu);
+  polarization.set_output(PolarizationProcessing::dopu, dopu);
   polarization.execute(fields[0], fields[1], workers);
   results.push_back(dopu->samples());
   const Recording recording(std::vector<float>(100 * 100 * 100).data(), {100, 100, 100}, 1, 1.0, seed);
@@ -72,7 +71,7 @@ TEST(Threads, TheirNumberChangesNothingAndTheSeedEverything) {
   for (std::size_t i = 0; i < one.size(); ++i) EXPECT_NE(other[i], one[i]) << i;
 }
 
-/// Stops the measurement from within, at its tenth A-scan.
+// Stops the measurement from within, at its tenth A-scan.
 class StoppingPhantom : public Phantom {
  public:
   void describe(double, double, double, DepthProfile&) const override {

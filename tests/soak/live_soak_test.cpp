@@ -22,8 +22,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-std::atomic<int> volumesAcquired{0};
-std::atomic<int> deviceErrors{0};
+std::atomic<int> volumes_acquired{0};
+std::atomic<int> device_errors{0};
 
 Seconds duration() {
   const char* const asked = std::getenv("OCT_SOAK_SECONDS");
@@ -41,10 +41,10 @@ class LiveSoakTest : public testing::Test {
     setSimulatedMotion(scan_.device, OCT_MOTION_DRIFT, 0.3, 4.0);
     // About 40 volumes a second, shown at the rate of a screen: other tests run beside this one.
     setSimulatedScanRate(scan_.device, 50'000.0, OCT_PACING_REAL_TIME);
-    setRefIntensityCallback(source_, [](double) { ++volumesAcquired; });
-    setErrorCallback(source_, [](const char*) { ++deviceErrors; });
+    setRefIntensityCallback(source_, [](double) { ++volumes_acquired; });
+    setErrorCallback(source_, [](const char*) { ++device_errors; });
     VolumeScene scene;
-    scene.coloring = {rampColors(256, 0.5), 0.0, 60.0};
+    scene.coloring = {ramp_colors(256, 0.5), 0.0, 60.0};
     apply(scene, stage_.renderer);
     setBorder(stage_.renderer, 1, 1, 1);
   }
@@ -55,7 +55,7 @@ class LiveSoakTest : public testing::Test {
     clearSimulatedScanPattern(patterns_[1]);
   }
 
-  std::uint64_t volumesShown() const {
+  std::uint64_t volumes_shown() const {
     return reinterpret_cast<const VolumeRenderer*>(stage_.renderer)->source().revision;
   }
 
@@ -64,7 +64,7 @@ class LiveSoakTest : public testing::Test {
     beginOffscreenFrame(stage_.target, width, height);
     renderVolume(live_);
     finishOffscreenFrame(stage_.target, picture_.bytes.data());
-    worstFrame_ = std::max(worstFrame_, Seconds(Clock::now() - begin));
+    worst_frame_ = std::max(worst_frame_, Seconds(Clock::now() - begin));
     ++frames_;
     std::this_thread::sleep_until(begin + std::chrono::milliseconds(16));
   }
@@ -95,7 +95,7 @@ class LiveSoakTest : public testing::Test {
   std::mt19937 random_{1};
   int measurements_ = 0;
   int frames_ = 0;
-  Seconds worstFrame_{0.0};
+  Seconds worst_frame_{0.0};
 };
 
 TEST_F(LiveSoakTest, MemoryAndObjectsStayFlat) {
@@ -103,26 +103,26 @@ TEST_F(LiveSoakTest, MemoryAndObjectsStayFlat) {
   for (int i = 0; i < 5; ++i) measurement(Seconds(1.0));  // what the driver and the phantom build once
   const GlSpy spy;
   measurement(Seconds(1.0));
-  const std::size_t objects = spy.liveObjects();
-  const std::size_t memory = residentMemory();
-  const std::size_t threads = threadCount();
-  const std::size_t handles = handleCount();
-  std::size_t mostMemory = memory;
+  const std::size_t objects = spy.live_objects();
+  const std::size_t memory = resident_memory();
+  const std::size_t threads = thread_count();
+  const std::size_t handles = handle_count();
+  std::size_t most_memory = memory;
   while (Clock::now() < end) {
     measurement(Seconds(2.0));
-    ASSERT_EQ(spy.liveObjects(), objects) << "after " << measurements_ << " measurements";
-    mostMemory = std::max(mostMemory, residentMemory());
+    ASSERT_EQ(spy.live_objects(), objects) << "after " << measurements_ << " measurements";
+    most_memory = std::max(most_memory, resident_memory());
   }
-  EXPECT_EQ(deviceErrors, 0);
-  EXPECT_EQ(pendingError(), "(none)");
-  EXPECT_LE(threadCount(), threads);
-  EXPECT_LE(handleCount(), handles + 3);
-  const double grown = (static_cast<double>(mostMemory) - static_cast<double>(memory)) / (1 << 20);
+  EXPECT_EQ(device_errors, 0);
+  EXPECT_EQ(pending_error(), "(none)");
+  EXPECT_LE(thread_count(), threads);
+  EXPECT_LE(handle_count(), handles + 3);
+  const double grown = (static_cast<double>(most_memory) - static_cast<double>(memory)) / (1 << 20);
   EXPECT_LT(grown, 16.0) << "MiB";
-  EXPECT_GT(volumesShown(), static_cast<std::uint64_t>(measurements_));
+  EXPECT_GT(volumes_shown(), static_cast<std::uint64_t>(measurements_));
   std::cout << measurements_ << " measurements, " << frames_ << " frames, worst "
-            << 1000.0 * worstFrame_.count() << " ms; " << volumesShown() << " volumes shown, "
-            << volumesAcquired + measurements_ - static_cast<int>(volumesShown())
+            << 1000.0 * worst_frame_.count() << " ms; " << volumes_shown() << " volumes shown, "
+            << volumes_acquired + measurements_ - static_cast<int>(volumes_shown())
             << " dropped or cut off by a stop; memory grew by " << grown << " MiB\n";
 }
 

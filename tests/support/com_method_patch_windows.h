@@ -1,9 +1,9 @@
 // Replaces a method of a COM class, to watch its calls and to let them fail.
 #pragma once
 
-#include <windows.h>
-
 #include <cstddef>
+
+#include <windows.h>
 
 namespace oct::test {
 

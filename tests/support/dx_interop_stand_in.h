@@ -1,7 +1,7 @@
-// A stand-in for WGL_NV_DX_interop, which no free driver has. Direct3D, WGL and the library are real; only
-// the eight entry points are replaced. A registered OpenGL texture is an ordinary one, and unlocking it
-// copies its pixels through system memory into the Direct3D surface, so that OpenGL's row 0 becomes
-// Direct3D's.
+// A stand-in for WGL_NV_DX_interop, which no free driver has. Direct3D, WGL and the library are
+// real; only the eight entry points are replaced. A registered OpenGL texture is an ordinary one,
+// and unlocking it copies its pixels through system memory into the Direct3D surface, so that
+// OpenGL's row 0 becomes Direct3D's.
 #pragma once
 
 #include <map>
@@ -20,11 +20,11 @@ class DxInteropStandIn {
   static bool installed();
 
   // Lets the next calls of a function ("Open", "Register", "Unregister", "Lock", "Unlock", "Share") fail.
-  void failNext(const std::string& function, int times = 1);
+  void fail_next(const std::string& function, int times = 1);
 
-  int registeredObjects() const;
-  int lockedObjects() const;
-  int openDevices() const;
+  int registered_objects() const;
+  int locked_objects() const;
+  int open_devices() const;
 };
 
 }  // namespace oct::test

@@ -1,10 +1,10 @@
 #include "support/dx_interop_stand_in.h"
 
-#include <d3d9.h>
-
 #include <mutex>
 #include <set>
 #include <stdexcept>
+
+#include <d3d9.h>
 
 #include "gl/gl.h"
 #include "hosting/surfaces/dx9_device_windows.h"
@@ -22,7 +22,7 @@ struct Object {
   ComOwner<IDirect3DSurface9> memory;  // the way from OpenGL's texture to Direct3D's
   bool locked = false;
 
-  Object(IDirect3DTexture9* shared, GLuint openGLName) : texture(shared), name(openGLName) {
+  Object(IDirect3DTexture9* shared, GLuint opengl_name) : texture(shared), name(opengl_name) {
     texture->AddRef();
     texture->GetLevelDesc(0, &description);
     IDirect3DDevice9* owner = nullptr;
@@ -63,29 +63,29 @@ void publish(const Object& object) {
   glPixelStorei(GL_PACK_ROW_LENGTH, 0);
   glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(bound));
   object.memory->UnlockRect();
-  const auto target = surfaceOf(*object.texture);
+  const auto target = surface_of(*object.texture);
   object.device->UpdateSurface(object.memory.get(), nullptr, target.get(), nullptr);
 }
 
-HANDLE WINAPI openDevice(void* device) {
+HANDLE WINAPI open_device(void* device) {
   const std::lock_guard lock(state->mutex);
   if (!state->enter("Open")) return nullptr;
-  auto* const direct3D = static_cast<IDirect3DDevice9*>(device);
-  state->devices.insert(direct3D);
-  return direct3D;
+  auto* const direct3d = static_cast<IDirect3DDevice9*>(device);
+  state->devices.insert(direct3d);
+  return direct3d;
 }
 
-BOOL WINAPI closeDevice(HANDLE device) {
+BOOL WINAPI close_device(HANDLE device) {
   const std::lock_guard lock(state->mutex);
   return state->devices.erase(static_cast<IDirect3DDevice9*>(device)) != 0;
 }
 
-BOOL WINAPI shareHandle(void*, HANDLE) {
+BOOL WINAPI share_handle(void*, HANDLE) {
   const std::lock_guard lock(state->mutex);
   return state->enter("Share");
 }
 
-HANDLE WINAPI registerObject(HANDLE, void* resource, GLuint name, GLenum type, GLenum access) {
+HANDLE WINAPI register_object(HANDLE, void* resource, GLuint name, GLenum type, GLenum access) {
   const std::lock_guard lock(state->mutex);
   if (!state->enter("Register") || type != GL_TEXTURE_2D || access != WGL_ACCESS_WRITE_DISCARD_NV) {
     SetLastError(ERROR_NOT_SUPPORTED);
@@ -106,7 +106,7 @@ HANDLE WINAPI registerObject(HANDLE, void* resource, GLuint name, GLenum type, G
   return object;
 }
 
-BOOL WINAPI unregisterObject(HANDLE, HANDLE handle) {
+BOOL WINAPI unregister_object(HANDLE, HANDLE handle) {
   const std::lock_guard lock(state->mutex);
   auto* const object = static_cast<Object*>(handle);
   if (!state->enter("Unregister") || state->objects.erase(object) == 0) return FALSE;
@@ -114,7 +114,7 @@ BOOL WINAPI unregisterObject(HANDLE, HANDLE handle) {
   return TRUE;
 }
 
-BOOL WINAPI lockObjects(HANDLE, GLint count, HANDLE* handles) {
+BOOL WINAPI lock_objects(HANDLE, GLint count, HANDLE* handles) {
   const std::lock_guard lock(state->mutex);
   auto* const object = static_cast<Object*>(handles[0]);
   if (!state->enter("Lock") || count != 1 || !state->objects.contains(object) || object->locked) return FALSE;
@@ -122,7 +122,7 @@ BOOL WINAPI lockObjects(HANDLE, GLint count, HANDLE* handles) {
   return TRUE;
 }
 
-BOOL WINAPI unlockObjects(HANDLE, GLint count, HANDLE* handles) {
+BOOL WINAPI unlock_objects(HANDLE, GLint count, HANDLE* handles) {
   const std::lock_guard lock(state->mutex);
   auto* const object = static_cast<Object*>(handles[0]);
   if (count != 1 || !state->objects.contains(object) || !object->locked) return FALSE;
@@ -132,20 +132,20 @@ BOOL WINAPI unlockObjects(HANDLE, GLint count, HANDLE* handles) {
   return TRUE;
 }
 
-BOOL WINAPI objectAccess(HANDLE, GLenum) {
+BOOL WINAPI object_access(HANDLE, GLenum) {
   return TRUE;
 }
 
 void install(bool present) {
   __WGLEW_NV_DX_interop = present ? GL_TRUE : GL_FALSE;
-  __wglewDXOpenDeviceNV = present ? openDevice : nullptr;
-  __wglewDXCloseDeviceNV = present ? closeDevice : nullptr;
-  __wglewDXSetResourceShareHandleNV = present ? shareHandle : nullptr;
-  __wglewDXRegisterObjectNV = present ? registerObject : nullptr;
-  __wglewDXUnregisterObjectNV = present ? unregisterObject : nullptr;
-  __wglewDXLockObjectsNV = present ? lockObjects : nullptr;
-  __wglewDXUnlockObjectsNV = present ? unlockObjects : nullptr;
-  __wglewDXObjectAccessNV = present ? objectAccess : nullptr;
+  __wglewDXOpenDeviceNV = present ? open_device : nullptr;
+  __wglewDXCloseDeviceNV = present ? close_device : nullptr;
+  __wglewDXSetResourceShareHandleNV = present ? share_handle : nullptr;
+  __wglewDXRegisterObjectNV = present ? register_object : nullptr;
+  __wglewDXUnregisterObjectNV = present ? unregister_object : nullptr;
+  __wglewDXLockObjectsNV = present ? lock_objects : nullptr;
+  __wglewDXUnlockObjectsNV = present ? unlock_objects : nullptr;
+  __wglewDXObjectAccessNV = present ? object_access : nullptr;
 }
 
 }  // namespace
@@ -165,24 +165,24 @@ bool DxInteropStandIn::installed() {
   return state != nullptr;
 }
 
-void DxInteropStandIn::failNext(const std::string& function, int times) {
+void DxInteropStandIn::fail_next(const std::string& function, int times) {
   const std::lock_guard lock(state->mutex);
   state->failures[function] = times;
 }
 
-int DxInteropStandIn::registeredObjects() const {
+int DxInteropStandIn::registered_objects() const {
   const std::lock_guard lock(state->mutex);
   return static_cast<int>(state->objects.size());
 }
 
-int DxInteropStandIn::lockedObjects() const {
+int DxInteropStandIn::locked_objects() const {
   const std::lock_guard lock(state->mutex);
   int locked = 0;
   for (const Object* const object : state->objects) locked += object->locked;
   return locked;
 }
 
-int DxInteropStandIn::openDevices() const {
+int DxInteropStandIn::open_devices() const {
   const std::lock_guard lock(state->mutex);
   return static_cast<int>(state->devices.size());
 }

@@ -16,8 +16,8 @@ struct GlSpy::State {
   std::map<GLenum, GLint> answers;
   std::deque<GLenum> errors;
   std::set<std::tuple<void*, std::string, GLuint>> objects;  // with their contexts
-  std::set<GLuint> failedCompiles;
-  std::set<GLuint> failedLinks;
+  std::set<GLuint> failed_compiles;
+  std::set<GLuint> failed_links;
   std::mutex mutex;  // guards calls, failures, errors and objects
 
   // Counts a call; true when it is to fail.
@@ -31,7 +31,7 @@ struct GlSpy::State {
   }
 
   // The same for a call whose failure leaves an error.
-  bool enterOrError(const std::string& function) {
+  bool enter_or_error(const std::string& function) {
     if (!enter(function)) return false;
     const std::lock_guard lock(mutex);
     errors.push_back(failures.at(function).second);
@@ -40,12 +40,12 @@ struct GlSpy::State {
 
   GLuint made(const std::string& kind, GLuint name) {
     const std::lock_guard lock(mutex);
-    if (name != 0) objects.emplace(gl::currentContext(), kind, name);
+    if (name != 0) objects.emplace(gl::current_context(), kind, name);
     return name;
   }
   void deleted(const std::string& kind, GLuint name) {
     const std::lock_guard lock(mutex);
-    objects.erase({gl::currentContext(), kind, name});
+    objects.erase({gl::current_context(), kind, name});
   }
 
   void answer(GLenum query, GLint* value) const {
@@ -53,7 +53,7 @@ struct GlSpy::State {
     if (answer != answers.end()) *value = answer->second;
   }
 
-  GLenum nextError() {
+  GLenum next_error() {
     const std::lock_guard lock(mutex);
     if (errors.empty()) return GL_NO_ERROR;
     const GLenum error = errors.front();
@@ -67,33 +67,33 @@ namespace {
 GlSpy::State* spy = nullptr;
 
 // The pointers that a spy replaces: our function, GLEW's pointer.
-#define OCT_REPLACED(X)                                   \
-  X(genBuffers, __glewGenBuffers)                         \
-  X(deleteBuffers, __glewDeleteBuffers)                   \
-  X(bufferData, __glewBufferData)                         \
-  X(mapBuffer, __glewMapBuffer)                           \
-  X(unmapBuffer, __glewUnmapBuffer)                       \
-  X(texImage3D, __glewTexImage3D)                         \
-  X(texSubImage3D, __glewTexSubImage3D)                   \
-  X(genVertexArrays, __glewGenVertexArrays)               \
-  X(deleteVertexArrays, __glewDeleteVertexArrays)         \
-  X(genFramebuffers, __glewGenFramebuffers)               \
-  X(deleteFramebuffers, __glewDeleteFramebuffers)         \
-  X(genRenderbuffers, __glewGenRenderbuffers)             \
-  X(deleteRenderbuffers, __glewDeleteRenderbuffers)       \
-  X(renderbufferStorage, __glewRenderbufferStorage)       \
-  X(framebufferTexture2D, __glewFramebufferTexture2D)     \
-  X(checkFramebufferStatus, __glewCheckFramebufferStatus) \
-  X(createShader, __glewCreateShader)                     \
-  X(deleteShader, __glewDeleteShader)                     \
-  X(compileShader, __glewCompileShader)                   \
-  X(getShaderiv, __glewGetShaderiv)                       \
-  X(createProgram, __glewCreateProgram)                   \
-  X(deleteProgram, __glewDeleteProgram)                   \
-  X(linkProgram, __glewLinkProgram)                       \
-  X(getProgramiv, __glewGetProgramiv)                     \
-  X(programBinary, __glewProgramBinary)                   \
-  X(getProgramBinary, __glewGetProgramBinary)
+#define OCT_REPLACED(X)                                     \
+  X(gen_buffers, __glewGenBuffers)                          \
+  X(delete_buffers, __glewDeleteBuffers)                    \
+  X(buffer_data, __glewBufferData)                          \
+  X(map_buffer, __glewMapBuffer)                            \
+  X(unmap_buffer, __glewUnmapBuffer)                        \
+  X(tex_image_3d, __glewTexImage3D)                         \
+  X(tex_sub_image_3d, __glewTexSubImage3D)                  \
+  X(gen_vertex_arrays, __glewGenVertexArrays)               \
+  X(delete_vertex_arrays, __glewDeleteVertexArrays)         \
+  X(gen_framebuffers, __glewGenFramebuffers)                \
+  X(delete_framebuffers, __glewDeleteFramebuffers)          \
+  X(gen_renderbuffers, __glewGenRenderbuffers)              \
+  X(delete_renderbuffers, __glewDeleteRenderbuffers)        \
+  X(renderbuffer_storage, __glewRenderbufferStorage)        \
+  X(framebuffer_texture_2d, __glewFramebufferTexture2D)     \
+  X(check_framebuffer_status, __glewCheckFramebufferStatus) \
+  X(create_shader, __glewCreateShader)                      \
+  X(delete_shader, __glewDeleteShader)                      \
+  X(compile_shader, __glewCompileShader)                    \
+  X(get_shaderiv, __glewGetShaderiv)                        \
+  X(create_program, __glewCreateProgram)                    \
+  X(delete_program, __glewDeleteProgram)                    \
+  X(link_program, __glewLinkProgram)                        \
+  X(get_programiv, __glewGetProgramiv)                      \
+  X(program_binary, __glewProgramBinary)                    \
+  X(get_program_binary, __glewGetProgramBinary)
 
 // GLEW's pointers while they are replaced.
 struct Originals {
@@ -120,98 +120,100 @@ void destroy(const char* function, const char* kind, GLsizei count, const GLuint
   call(count, names);
 }
 
-#define OCT_NAMES(Kinds, kind)                                          \
-  void GLAPIENTRY gen##Kinds(GLsizei n, GLuint* names) {                \
-    generate("glGen" #Kinds, kind, n, names, original.gen##Kinds);      \
-  }                                                                     \
-  void GLAPIENTRY delete##Kinds(GLsizei n, const GLuint* names) {       \
-    destroy("glDelete" #Kinds, kind, n, names, original.delete##Kinds); \
+#define OCT_NAMES(kinds, Kinds, kind)                                    \
+  void GLAPIENTRY gen_##kinds(GLsizei n, GLuint* names) {                \
+    generate("glGen" #Kinds, kind, n, names, original.gen_##kinds);      \
+  }                                                                      \
+  void GLAPIENTRY delete_##kinds(GLsizei n, const GLuint* names) {       \
+    destroy("glDelete" #Kinds, kind, n, names, original.delete_##kinds); \
   }
-OCT_NAMES(Buffers, "buffer")
-OCT_NAMES(VertexArrays, "vertex array")
-OCT_NAMES(Framebuffers, "framebuffer")
-OCT_NAMES(Renderbuffers, "renderbuffer")
+OCT_NAMES(buffers, Buffers, "buffer")
+OCT_NAMES(vertex_arrays, VertexArrays, "vertex array")
+OCT_NAMES(framebuffers, Framebuffers, "framebuffer")
+OCT_NAMES(renderbuffers, Renderbuffers, "renderbuffer")
 #undef OCT_NAMES
 
-void GLAPIENTRY bufferData(GLenum target, GLsizeiptr size, const void* data, GLenum usage) {
-  if (!spy->enterOrError("glBufferData")) original.bufferData(target, size, data, usage);
+void GLAPIENTRY buffer_data(GLenum target, GLsizeiptr size, const void* data, GLenum usage) {
+  if (!spy->enter_or_error("glBufferData")) original.buffer_data(target, size, data, usage);
 }
-void* GLAPIENTRY mapBuffer(GLenum target, GLenum access) {
-  return spy->enter("glMapBuffer") ? nullptr : original.mapBuffer(target, access);
+void* GLAPIENTRY map_buffer(GLenum target, GLenum access) {
+  return spy->enter("glMapBuffer") ? nullptr : original.map_buffer(target, access);
 }
-GLboolean GLAPIENTRY unmapBuffer(GLenum target) {
+GLboolean GLAPIENTRY unmap_buffer(GLenum target) {
   const bool lost = spy->enter("glUnmapBuffer");
-  const GLboolean intact = original.unmapBuffer(target);
+  const GLboolean intact = original.unmap_buffer(target);
   return lost ? GL_FALSE : intact;
 }
-void GLAPIENTRY texImage3D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
-                           GLsizei depth, GLint border, GLenum format, GLenum type, const void* pixels) {
+void GLAPIENTRY tex_image_3d(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
+                             GLsizei depth, GLint border, GLenum format, GLenum type, const void* pixels) {
   if (target == GL_PROXY_TEXTURE_3D) {
     // A refused proxy has no extent; so has one that is asked for without.
     if (spy->enter("3-D proxy")) width = 0;
-  } else if (spy->enterOrError("glTexImage3D")) {
+  } else if (spy->enter_or_error("glTexImage3D")) {
     return;
   }
-  original.texImage3D(target, level, internal, width, height, depth, border, format, type, pixels);
+  original.tex_image_3d(target, level, internal, width, height, depth, border, format, type, pixels);
 }
-void GLAPIENTRY texSubImage3D(GLenum target, GLint level, GLint x, GLint y, GLint z, GLsizei width,
-                              GLsizei height, GLsizei depth, GLenum format, GLenum type, const void* pixels) {
-  if (spy->enterOrError("glTexSubImage3D")) return;
-  original.texSubImage3D(target, level, x, y, z, width, height, depth, format, type, pixels);
+void GLAPIENTRY tex_sub_image_3d(GLenum target, GLint level, GLint x, GLint y, GLint z, GLsizei width,
+                                 GLsizei height, GLsizei depth, GLenum format, GLenum type,
+                                 const void* pixels) {
+  if (spy->enter_or_error("glTexSubImage3D")) return;
+  original.tex_sub_image_3d(target, level, x, y, z, width, height, depth, format, type, pixels);
 }
-void GLAPIENTRY renderbufferStorage(GLenum target, GLenum format, GLsizei width, GLsizei height) {
-  if (!spy->enterOrError("glRenderbufferStorage"))
-    original.renderbufferStorage(target, format, width, height);
+void GLAPIENTRY renderbuffer_storage(GLenum target, GLenum format, GLsizei width, GLsizei height) {
+  if (!spy->enter_or_error("glRenderbufferStorage"))
+    original.renderbuffer_storage(target, format, width, height);
 }
-void GLAPIENTRY framebufferTexture2D(GLenum target, GLenum attachment, GLenum kind, GLuint name,
-                                     GLint level) {
-  if (!spy->enterOrError("glFramebufferTexture2D")) {
-    original.framebufferTexture2D(target, attachment, kind, name, level);
+void GLAPIENTRY framebuffer_texture_2d(GLenum target, GLenum attachment, GLenum kind, GLuint name,
+                                       GLint level) {
+  if (!spy->enter_or_error("glFramebufferTexture2D")) {
+    original.framebuffer_texture_2d(target, attachment, kind, name, level);
   }
 }
-GLenum GLAPIENTRY checkFramebufferStatus(GLenum target) {
+GLenum GLAPIENTRY check_framebuffer_status(GLenum target) {
   if (spy->enter("glCheckFramebufferStatus")) return spy->failures.at("glCheckFramebufferStatus").second;
-  return original.checkFramebufferStatus(target);
+  return original.check_framebuffer_status(target);
 }
-GLuint GLAPIENTRY createShader(GLenum stage) {
-  return spy->enter("glCreateShader") ? 0 : spy->made("shader", original.createShader(stage));
+GLuint GLAPIENTRY create_shader(GLenum stage) {
+  return spy->enter("glCreateShader") ? 0 : spy->made("shader", original.create_shader(stage));
 }
-void GLAPIENTRY deleteShader(GLuint name) {
+void GLAPIENTRY delete_shader(GLuint name) {
   destroy("glDeleteShader", "shader", 1, &name,
-          [](GLsizei, const GLuint* names) { original.deleteShader(*names); });
+          [](GLsizei, const GLuint* names) { original.delete_shader(*names); });
 }
-void GLAPIENTRY compileShader(GLuint name) {
-  if (spy->enter("glCompileShader")) spy->failedCompiles.insert(name);
-  original.compileShader(name);
+void GLAPIENTRY compile_shader(GLuint name) {
+  if (spy->enter("glCompileShader")) spy->failed_compiles.insert(name);
+  original.compile_shader(name);
 }
-void GLAPIENTRY getShaderiv(GLuint name, GLenum query, GLint* value) {
-  original.getShaderiv(name, query, value);
-  if (query == GL_COMPILE_STATUS && spy->failedCompiles.contains(name)) *value = GL_FALSE;
+void GLAPIENTRY get_shaderiv(GLuint name, GLenum query, GLint* value) {
+  original.get_shaderiv(name, query, value);
+  if (query == GL_COMPILE_STATUS && spy->failed_compiles.contains(name)) *value = GL_FALSE;
 }
-GLuint GLAPIENTRY createProgram() {
-  return spy->enter("glCreateProgram") ? 0 : spy->made("program", original.createProgram());
+GLuint GLAPIENTRY create_program() {
+  return spy->enter("glCreateProgram") ? 0 : spy->made("program", original.create_program());
 }
-void GLAPIENTRY deleteProgram(GLuint name) {
+void GLAPIENTRY delete_program(GLuint name) {
   destroy("glDeleteProgram", "program", 1, &name,
-          [](GLsizei, const GLuint* names) { original.deleteProgram(*names); });
+          [](GLsizei, const GLuint* names) { original.delete_program(*names); });
 }
-void GLAPIENTRY linkProgram(GLuint name) {
-  if (spy->enter("glLinkProgram")) spy->failedLinks.insert(name);
-  original.linkProgram(name);
+void GLAPIENTRY link_program(GLuint name) {
+  if (spy->enter("glLinkProgram")) spy->failed_links.insert(name);
+  original.link_program(name);
 }
-void GLAPIENTRY getProgramiv(GLuint name, GLenum query, GLint* value) {
-  original.getProgramiv(name, query, value);
+void GLAPIENTRY get_programiv(GLuint name, GLenum query, GLint* value) {
+  original.get_programiv(name, query, value);
   if (query == GL_LINK_STATUS) {
     ++spy->calls["glGetProgramiv(GL_LINK_STATUS)"];
-    if (spy->failedLinks.contains(name)) *value = GL_FALSE;
+    if (spy->failed_links.contains(name)) *value = GL_FALSE;
   }
   spy->answer(query, value);
 }
-void GLAPIENTRY programBinary(GLuint name, GLenum format, const void* bytes, GLsizei length) {
-  if (!spy->enterOrError("glProgramBinary")) original.programBinary(name, format, bytes, length);
+void GLAPIENTRY program_binary(GLuint name, GLenum format, const void* bytes, GLsizei length) {
+  if (!spy->enter_or_error("glProgramBinary")) original.program_binary(name, format, bytes, length);
 }
-void GLAPIENTRY getProgramBinary(GLuint name, GLsizei size, GLsizei* length, GLenum* format, void* bytes) {
-  if (!spy->enterOrError("glGetProgramBinary")) original.getProgramBinary(name, size, length, format, bytes);
+void GLAPIENTRY get_program_binary(GLuint name, GLsizei size, GLsizei* length, GLenum* format, void* bytes) {
+  if (!spy->enter_or_error("glGetProgramBinary"))
+    original.get_program_binary(name, size, length, format, bytes);
 }
 
 }  // namespace
@@ -237,18 +239,18 @@ int GlSpy::calls(const std::string& function) const {
   return entry == state_->calls.end() ? 0 : entry->second;
 }
 
-void GlSpy::failNext(const std::string& function, int times, GLenum error) {
+void GlSpy::fail_next(const std::string& function, int times, GLenum error) {
   const std::lock_guard lock(state_->mutex);
   state_->failures[function] = {times, error};
 }
 
-void GlSpy::answer(GLenum integerQuery, GLint value) {
-  state_->answers[integerQuery] = value;
+void GlSpy::answer(GLenum integer_query, GLint value) {
+  state_->answers[integer_query] = value;
 }
-void GlSpy::queueError(GLenum error) {
+void GlSpy::queue_error(GLenum error) {
   state_->errors.push_back(error);
 }
-std::size_t GlSpy::liveObjects() const {
+std::size_t GlSpy::live_objects() const {
   const std::lock_guard lock(state_->mutex);
   return state_->objects.size();
 }
@@ -275,7 +277,7 @@ void GLAPIENTRY __wrap_glDeleteTextures(GLsizei n, const GLuint* names) {
 void GLAPIENTRY __real_glTexImage1D(GLenum, GLint, GLint, GLsizei, GLint, GLenum, GLenum, const void*);
 void GLAPIENTRY __wrap_glTexImage1D(GLenum target, GLint level, GLint internal, GLsizei width, GLint border,
                                     GLenum format, GLenum type, const void* pixels) {
-  if (spy && spy->enterOrError("glTexImage1D")) return;
+  if (spy && spy->enter_or_error("glTexImage1D")) return;
   __real_glTexImage1D(target, level, internal, width, border, format, type, pixels);
 }
 
@@ -288,7 +290,7 @@ void GLAPIENTRY __wrap_glTexImage2D(GLenum target, GLint level, GLint internal, 
     if (spy->enter(internal == GL_R32F ? "R32F proxy" : "R16F proxy")) width = 0;
   } else if (spy) {
     if (internal == GL_R16F) ++spy->calls["R16F texture"];
-    if (spy->enterOrError("glTexImage2D")) return;
+    if (spy->enter_or_error("glTexImage2D")) return;
   }
   __real_glTexImage2D(target, level, internal, width, height, border, format, type, pixels);
 }
@@ -297,13 +299,13 @@ void GLAPIENTRY __real_glTexSubImage2D(GLenum, GLint, GLint, GLint, GLsizei, GLs
                                        const void*);
 void GLAPIENTRY __wrap_glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width,
                                        GLsizei height, GLenum format, GLenum type, const void* pixels) {
-  if (spy && spy->enterOrError("glTexSubImage2D")) return;
+  if (spy && spy->enter_or_error("glTexSubImage2D")) return;
   __real_glTexSubImage2D(target, level, x, y, width, height, format, type, pixels);
 }
 
 GLenum GLAPIENTRY __real_glGetError(void);
 GLenum GLAPIENTRY __wrap_glGetError(void) {
-  const GLenum error = spy ? spy->nextError() : GL_NO_ERROR;
+  const GLenum error = spy ? spy->next_error() : GL_NO_ERROR;
   return error != GL_NO_ERROR ? error : __real_glGetError();
 }
 

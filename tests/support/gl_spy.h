@@ -24,16 +24,16 @@ class GlSpy {
   // Makes the next calls of a function fail: functions that create or map give 0, compile and link report
   // failure, unmapping says that what was written is lost, the others do nothing and leave the given error
   // for glGetError.
-  void failNext(const std::string& function, int times = 1, GLenum error = GL_OUT_OF_MEMORY);
+  void fail_next(const std::string& function, int times = 1, GLenum error = GL_OUT_OF_MEMORY);
 
   // What queries of these values answer from now on.
-  void answer(GLenum integerQuery, GLint value);
+  void answer(GLenum integer_query, GLint value);
 
   // Errors that glGetError will report, in this order, before OpenGL's own.
-  void queueError(GLenum error);
+  void queue_error(GLenum error);
 
   // Objects made and not deleted since the spy was made.
-  std::size_t liveObjects() const;
+  std::size_t live_objects() const;
 
   struct State;
 

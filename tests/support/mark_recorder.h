@@ -1,25 +1,25 @@
 // Listens to timing marks.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <map>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "core/timing_mark.h"
 
 namespace oct::test {
 
-// Keeps the marks of each thread in their order: "+phase", "-phase" at its end, "!instant". Listens as long
-// as it lives.
+// Keeps the marks of each thread in their order: "+phase", "-phase" at its end,
+// "!instant". Listens as long as it lives.
 class MarkRecorder : public TimingListener {
  public:
   using Marks = std::vector<std::string>;
 
-  MarkRecorder() { setTimingListener(this); }
-  ~MarkRecorder() override { setTimingListener(nullptr); }
+  MarkRecorder() { set_timing_listener(this); }
+  ~MarkRecorder() override { set_timing_listener(nullptr); }
   void begin(std::string_view name, std::uint32_t thread, Time time) override {
     add('+', name, thread, time);
   }

@@ -7,7 +7,7 @@
 
 namespace oct::test {
 
-std::vector<char> readNpyBytes(const std::filesystem::path& file, const char* type) {
+std::vector<char> read_npy_bytes(const std::filesystem::path& file, const char* type) {
   std::ifstream stream(file, std::ios::binary);
   std::string head(10, '\0');
   stream.read(head.data(), 10);

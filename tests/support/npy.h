@@ -1,5 +1,4 @@
-/// @file
-/// Reads arrays that were stored by NumPy.
+// Reads arrays that were stored by NumPy.
 #pragma once
 
 #include <cstddef>
@@ -8,14 +7,14 @@
 
 namespace oct::test {
 
-/// The bytes of a little-endian array in C order; throws std::runtime_error if the file is not one.
-/// @param type the element type as NumPy writes it, for example "<f8"
-std::vector<char> readNpyBytes(const std::filesystem::path& file, const char* type);
+// The bytes of a little-endian array in C order; throws std::runtime_error if the file is not one.
+// type: the element type as NumPy writes it, for example "<f8"
+std::vector<char> read_npy_bytes(const std::filesystem::path& file, const char* type);
 
-/// The elements of an array, all axes in one row.
+// The elements of an array, all axes in one row.
 template <typename Element>
-std::vector<Element> readNpy(const std::filesystem::path& file, const char* type) {
-  const auto bytes = readNpyBytes(file, type);
+std::vector<Element> read_npy(const std::filesystem::path& file, const char* type) {
+  const auto bytes = read_npy_bytes(file, type);
   const auto* elements = reinterpret_cast<const Element*>(bytes.data());
   return {elements, elements + bytes.size() / sizeof(Element)};
 }

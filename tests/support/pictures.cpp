@@ -13,12 +13,12 @@
 #endif
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
-#include <stb/stb_image_write.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <memory>
+
+#include <stb/stb_image_write.h>
 
 namespace oct::test {
 namespace {
@@ -32,7 +32,7 @@ Picture difference(const Picture& a, const Picture& b) {
   return result;
 }
 
-std::string currentTestName() {
+std::string current_test_name() {
   const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
   std::string name = std::string(test->test_suite_name()) + "." + test->name();
   std::replace(name.begin(), name.end(), '/', '_');
@@ -41,7 +41,7 @@ std::string currentTestName() {
 
 }  // namespace
 
-void writePng(const Picture& picture, const std::string& file) {
+void write_png(const Picture& picture, const std::string& file) {
   std::vector<std::uint8_t> rgba(picture.bytes.size());
   auto to = rgba.begin();
   for (int y = picture.height - 1; y >= 0; --y) {
@@ -58,8 +58,8 @@ testing::AssertionResult agree(const Picture& actual, const Picture& expected, T
     return testing::AssertionFailure() << "sizes differ";
   }
   int worst = 0;
-  std::size_t worstAt = 0;
-  std::size_t farPixels = 0;
+  std::size_t worst_at = 0;
+  std::size_t far_pixels = 0;
   double sum = 0.0;
   const std::size_t pixels = actual.bytes.size() / 4;
   for (std::size_t i = 0; i < pixels; ++i) {
@@ -69,51 +69,51 @@ testing::AssertionResult agree(const Picture& actual, const Picture& expected, T
       apart = std::max(apart, channel);
       sum += channel;
     }
-    if (apart > tolerance.nearly) ++farPixels;
+    if (apart > tolerance.nearly) ++far_pixels;
     if (apart > worst) {
       worst = apart;
-      worstAt = i;
+      worst_at = i;
     }
   }
   const bool enough =
-      static_cast<double>(farPixels) <= (1.0 - tolerance.fraction) * static_cast<double>(pixels);
+      static_cast<double>(far_pixels) <= (1.0 - tolerance.fraction) * static_cast<double>(pixels);
   const double mean = sum / static_cast<double>(actual.bytes.size());
   if (enough && worst <= tolerance.most && mean <= tolerance.mean) return testing::AssertionSuccess();
 
   static std::atomic<int> failures{0};
-  const std::string name = currentTestName() + "." + std::to_string(++failures);
-  writePng(actual, name + ".actual.png");
-  writePng(expected, name + ".expected.png");
-  writePng(difference(actual, expected), name + ".difference.png");
-  return testing::AssertionFailure() << farPixels << " of " << pixels << " pixels differ by more than "
+  const std::string name = current_test_name() + "." + std::to_string(++failures);
+  write_png(actual, name + ".actual.png");
+  write_png(expected, name + ".expected.png");
+  write_png(difference(actual, expected), name + ".difference.png");
+  return testing::AssertionFailure() << far_pixels << " of " << pixels << " pixels differ by more than "
                                      << tolerance.nearly << " levels, all by " << mean
                                      << " on average; the worst by " << worst << " at column "
-                                     << worstAt % static_cast<std::size_t>(actual.width) << ", row "
-                                     << worstAt / static_cast<std::size_t>(actual.width)
+                                     << worst_at % static_cast<std::size_t>(actual.width) << ", row "
+                                     << worst_at / static_cast<std::size_t>(actual.width)
                                      << " from the bottom. See " << name << ".*.png";
 }
 
-Picture readPng(const std::string& file) {
+Picture read_png(const std::string& file) {
   int width = 0;
   int height = 0;
   const std::unique_ptr<stbi_uc, decltype(&stbi_image_free)> rgba(
       stbi_load(file.c_str(), &width, &height, nullptr, 4), &stbi_image_free);
   if (!rgba) return {};
   Picture picture(width, height);
-  picture.forEach([&](int x, int y) {
+  picture.for_each([&](int x, int y) {
     const stbi_uc* from = rgba.get() + 4 * ((height - 1 - y) * width + x);
     for (const int c : {2, 1, 0, 3}) picture.pixel(x, y)[c] = *from++;
   });
   return picture;
 }
 
-testing::AssertionResult looksLike(const Picture& picture, const std::string& name, Tolerance tolerance) {
+testing::AssertionResult looks_like(const Picture& picture, const std::string& name, Tolerance tolerance) {
   const std::string file = std::string(OCT_GOLDEN_DIR) + "/" + name + ".png";
   if (std::getenv("OCT_ACCEPT_GOLDEN")) {
-    writePng(picture, file);
+    write_png(picture, file);
     return testing::AssertionFailure() << "accepted " << file << "; run again without OCT_ACCEPT_GOLDEN";
   }
-  const Picture golden = readPng(file);
+  const Picture golden = read_png(file);
   if (golden.bytes.empty()) return testing::AssertionFailure() << file << " cannot be read";
   return agree(picture, golden, tolerance);
 }

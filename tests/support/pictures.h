@@ -1,12 +1,12 @@
 // Whole pictures and how far two of them are apart.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 namespace oct::test {
 
@@ -17,10 +17,10 @@ struct Picture {
   std::vector<std::uint8_t> bytes;
 
   Picture() = default;
-  Picture(int pictureWidth, int pictureHeight)
-      : width(pictureWidth),
-        height(pictureHeight),
-        bytes(static_cast<std::size_t>(pictureWidth) * static_cast<std::size_t>(pictureHeight) * 4) {}
+  Picture(int picture_width, int picture_height)
+      : width(picture_width),
+        height(picture_height),
+        bytes(static_cast<std::size_t>(picture_width) * static_cast<std::size_t>(picture_height) * 4) {}
 
   // The pixel at column x of row y, counted from the bottom.
   std::uint8_t* pixel(int x, int y) {
@@ -35,7 +35,7 @@ struct Picture {
 
   // Calls the action with column and row of every pixel.
   template <class Action>
-  void forEach(Action&& action) const {
+  void for_each(Action&& action) const {
     for (int y = 0; y < height; ++y) {
       for (int x = 0; x < width; ++x) action(x, y);
     }
@@ -55,14 +55,14 @@ constexpr Tolerance exact{0, 1.0, 0};
 // working folder and names them; of a test with several, each has its number.
 testing::AssertionResult agree(const Picture& actual, const Picture& expected, Tolerance tolerance = {});
 
-void writePng(const Picture& picture, const std::string& file);
+void write_png(const Picture& picture, const std::string& file);
 
 // Without pixels when the file cannot be read.
-Picture readPng(const std::string& file);
+Picture read_png(const std::string& file);
 
-// For looks that no formula fixes, accepted by a person: compares with tests/golden/NAME.png. With
-// OCT_ACCEPT_GOLDEN set in the environment the picture is written there instead, to be looked at before it is
-// committed.
-testing::AssertionResult looksLike(const Picture& picture, const std::string& name, Tolerance tolerance);
+// For looks that no formula fixes, accepted by a person: compares with tests/golden/NAME.png.
+// With OCT_ACCEPT_GOLDEN set in the environment the picture is written there instead, to be
+// looked at before it is committed.
+testing::AssertionResult looks_like(const Picture& picture, const std::string& name, Tolerance tolerance);
 
 }  // namespace oct::test

@@ -5,11 +5,11 @@
 
 namespace oct::test {
 
-std::size_t residentMemory();  // bytes
-std::size_t threadCount();
-std::size_t handleCount();  // Windows: kernel handles; Linux: open files
+std::size_t resident_memory();  // bytes
+std::size_t thread_count();
+std::size_t handle_count();  // Windows: kernel handles; Linux: open files
 
 // Whether memory in use tells of leaks.
-constexpr bool measuresMemory = OCT_MEASURES_MEMORY;
+constexpr bool measures_memory = OCT_MEASURES_MEMORY;
 
 }  // namespace oct::test

@@ -1,13 +1,13 @@
-#include <unistd.h>
+#include "support/process_memory.h"
 
 #include <filesystem>
 #include <fstream>
 
-#include "support/process_memory.h"
+#include <unistd.h>
 
 namespace oct::test {
 
-std::size_t residentMemory() {
+std::size_t resident_memory() {
   std::size_t total = 0;
   std::size_t resident = 0;
   std::ifstream("/proc/self/statm") >> total >> resident;
@@ -24,10 +24,10 @@ std::size_t entries(const char* folder) {
 
 }  // namespace
 
-std::size_t threadCount() {
+std::size_t thread_count() {
   return entries("/proc/self/task");
 }
-std::size_t handleCount() {
+std::size_t handle_count() {
   return entries("/proc/self/fd");
 }
 

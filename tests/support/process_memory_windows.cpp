@@ -1,23 +1,23 @@
 #include <windows.h>
 // After windows.h, which it needs.
-#include <psapi.h>
-#include <tlhelp32.h>
-
 #include <algorithm>
 #include <stdexcept>
 #include <vector>
+
+#include <psapi.h>
+#include <tlhelp32.h>
 
 #include "support/process_memory.h"
 
 namespace oct::test {
 
-std::size_t residentMemory() {
+std::size_t resident_memory() {
   PROCESS_MEMORY_COUNTERS counters{};
   GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
   return counters.PagefileUsage;
 }
 
-std::size_t threadCount() {
+std::size_t thread_count() {
   const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
   std::size_t count = 0;
   THREADENTRY32 entry{};
@@ -30,7 +30,7 @@ std::size_t threadCount() {
 }
 
 // From the system's table of handles: Wine answers GetProcessHandleCount with 0.
-std::size_t handleCount() {
+std::size_t handle_count() {
   struct Entry {
     void* object;
     ULONG_PTR process;
@@ -42,12 +42,12 @@ std::size_t handleCount() {
   struct Table {
     ULONG_PTR count, reserved;
   };
-  constexpr int extendedHandleInformation = 64;
+  constexpr int extended_handle_information = 64;
   using Query = LONG(WINAPI*)(int, void*, ULONG, ULONG*);
   const auto query = reinterpret_cast<Query>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQuerySystemInformation")));
   std::vector<char> buffer(std::size_t{1} << 20);
-  while (query(extendedHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), nullptr) < 0) {
+  while (query(extended_handle_information, buffer.data(), static_cast<ULONG>(buffer.size()), nullptr) < 0) {
     if (buffer.size() > std::size_t{1} << 28)
       throw std::runtime_error("the system does not tell its handles");
     buffer.resize(buffer.size() * 2);

@@ -6,7 +6,7 @@
 
 namespace oct::test {
 
-Picture hostSurfacePicture(void* surface) {
+Picture host_surface_picture(void* surface) {
   const auto& host = *static_cast<OctHostSurface*>(surface);
   Picture picture(static_cast<int>(host.width), static_cast<int>(host.height));
   for (std::size_t y = 0; y < host.height; ++y) {

@@ -11,7 +11,7 @@
 namespace oct {
 
 inline void PrintTo(SurfaceSharing kind, std::ostream* stream) {
-  *stream << (kind == SurfaceSharing::direct3D ? "Direct3D" : "host memory");
+  *stream << (kind == SurfaceSharing::direct3d ? "Direct3D" : "host memory");
 }
 
 }  // namespace oct
@@ -19,20 +19,20 @@ inline void PrintTo(SurfaceSharing kind, std::ostream* stream) {
 namespace oct::test {
 
 // The kinds of this platform.
-std::vector<SurfaceSharing> surfaceSharings();
+std::vector<SurfaceSharing> surface_sharings();
 
 // Makes the kind usable on a machine whose driver does not have it, and chooses it for controls to come.
-void chooseSharing(SurfaceSharing kind);
+void choose_sharing(SurfaceSharing kind);
 
 // Keeps the Direct3D device alive between controls: making one takes Wine a tenth of a second.
-std::shared_ptr<void> keepDirect3D(SurfaceSharing kind);
+std::shared_ptr<void> keep_direct3d(SurfaceSharing kind);
 
-// What is held of Direct3D and of the interop: references to the device, registered objects, open interop
-// devices.
-int heldReferences(SurfaceSharing kind);
+// What is held of Direct3D and of the interop: references to the device, registered
+// objects, open interop devices.
+int held_references(SurfaceSharing kind);
 
-Picture surfacePicture(SurfaceSharing kind, void* surface);
-Picture hostSurfacePicture(void* surface);
-Picture direct3DSurfacePicture(void* surface);  // on Windows
+Picture surface_picture(SurfaceSharing kind, void* surface);
+Picture host_surface_picture(void* surface);
+Picture direct3d_surface_picture(void* surface);  // on Windows
 
 }  // namespace oct::test

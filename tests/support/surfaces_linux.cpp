@@ -2,20 +2,20 @@
 
 namespace oct::test {
 
-std::vector<SurfaceSharing> surfaceSharings() {
-  return {SurfaceSharing::hostMemory};
+std::vector<SurfaceSharing> surface_sharings() {
+  return {SurfaceSharing::host_memory};
 }
-void chooseSharing(SurfaceSharing kind) {
-  setSurfaceSharing(static_cast<int>(kind));
+void choose_sharing(SurfaceSharing kind) {
+  set_surface_sharing(static_cast<int>(kind));
 }
-std::shared_ptr<void> keepDirect3D(SurfaceSharing) {
+std::shared_ptr<void> keep_direct3d(SurfaceSharing) {
   return nullptr;
 }
-int heldReferences(SurfaceSharing) {
+int held_references(SurfaceSharing) {
   return 0;
 }
-Picture surfacePicture(SurfaceSharing, void* surface) {
-  return hostSurfacePicture(surface);
+Picture surface_picture(SurfaceSharing, void* surface) {
+  return host_surface_picture(surface);
 }
 
 }  // namespace oct::test

@@ -1,8 +1,8 @@
 #include "support/surfaces.h"
 
-#include <d3d9.h>
-
 #include <cstring>
+
+#include <d3d9.h>
 
 #include "hosting/surfaces/dx9_device_windows.h"
 #include "support/dx_interop_stand_in.h"
@@ -11,53 +11,54 @@
 namespace oct::test {
 namespace {
 
-DxInteropStandIn& standIn() {
+DxInteropStandIn& stand_in() {
   static DxInteropStandIn instance;
   return instance;
 }
 
 }  // namespace
 
-std::vector<SurfaceSharing> surfaceSharings() {
-  return {SurfaceSharing::direct3D, SurfaceSharing::hostMemory};
+std::vector<SurfaceSharing> surface_sharings() {
+  return {SurfaceSharing::direct3d, SurfaceSharing::host_memory};
 }
 
-void chooseSharing(SurfaceSharing kind) {
-  if (kind == SurfaceSharing::direct3D && !DxInteropStandIn::installed()) {
-    const TestContext loadsOpenGL;  // loading would put back the driver's own entry points
-    standIn();
+void choose_sharing(SurfaceSharing kind) {
+  if (kind == SurfaceSharing::direct3d && !DxInteropStandIn::installed()) {
+    const TestContext loads_opengl;  // loading would put back the driver's own entry points
+    stand_in();
   }
-  setSurfaceSharing(static_cast<int>(kind));
+  set_surface_sharing(static_cast<int>(kind));
 }
 
-std::shared_ptr<void> keepDirect3D(SurfaceSharing kind) {
-  if (kind != SurfaceSharing::direct3D) return nullptr;
+std::shared_ptr<void> keep_direct3d(SurfaceSharing kind) {
+  if (kind != SurfaceSharing::direct3d) return nullptr;
   return DX9Device::acquire();
 }
 
-int heldReferences(SurfaceSharing kind) {
-  if (kind != SurfaceSharing::direct3D) return 0;
+int held_references(SurfaceSharing kind) {
+  if (kind != SurfaceSharing::direct3d) return 0;
   const auto device = DX9Device::acquire();
   device->get()->AddRef();
-  return static_cast<int>(device->get()->Release()) + standIn().registeredObjects() + standIn().openDevices();
+  return static_cast<int>(device->get()->Release()) + stand_in().registered_objects() +
+         stand_in().open_devices();
 }
 
-Picture surfacePicture(SurfaceSharing kind, void* handle) {
-  return kind == SurfaceSharing::direct3D ? direct3DSurfacePicture(handle) : hostSurfacePicture(handle);
+Picture surface_picture(SurfaceSharing kind, void* handle) {
+  return kind == SurfaceSharing::direct3d ? direct3d_surface_picture(handle) : host_surface_picture(handle);
 }
 
 // By Direct3D alone. The format has no alpha; it counts as opaque.
-Picture direct3DSurfacePicture(void* handle) {
+Picture direct3d_surface_picture(void* handle) {
   auto* const surface = static_cast<IDirect3DSurface9*>(handle);
   D3DSURFACE_DESC description{};
   surface->GetDesc(&description);
   IDirect3DDevice9* device = nullptr;
   surface->GetDevice(&device);
-  const ComOwner<IDirect3DDevice9> deviceOwner(device);
+  const ComOwner<IDirect3DDevice9> device_owner(device);
   IDirect3DSurface9* memory = nullptr;
   device->CreateOffscreenPlainSurface(description.Width, description.Height, description.Format,
                                       D3DPOOL_SYSTEMMEM, &memory, nullptr);
-  const ComOwner<IDirect3DSurface9> memoryOwner(memory);
+  const ComOwner<IDirect3DSurface9> memory_owner(memory);
   EXPECT_TRUE(SUCCEEDED(device->GetRenderTargetData(surface, memory)));
   Picture picture(static_cast<int>(description.Width), static_cast<int>(description.Height));
   D3DLOCKED_RECT rectangle{};

@@ -16,13 +16,13 @@ void GLTest::TearDown() {
   EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
-std::string pendingError() {
+std::string pending_error() {
   std::array<char, 4096> message{};
   if (getRendererError(message.data(), static_cast<int>(message.size())) == 0) return "(none)";
   return message.data();
 }
 
-std::string failureOf(const std::function<void()>& action) {
+std::string failure_of(const std::function<void()>& action) {
   try {
     action();
   } catch (const std::exception& error) {
@@ -31,17 +31,17 @@ std::string failureOf(const std::function<void()>& action) {
   return "(none)";
 }
 
-void clearGLErrors() {
+void clear_gl_errors() {
   while (glGetError() != GL_NO_ERROR) {
   }
 }
 
-std::string logOf(const std::function<void()>& action) {
+std::string log_of(const std::function<void()>& action) {
   const auto file =
       std::filesystem::temp_directory_path() / ("oct_log_" + std::to_string(std::random_device{}()) + ".txt");
-  setLogFileName(file.string());
+  set_log_file_name(file.string());
   action();
-  setLogFileName("");
+  set_log_file_name("");
   log() << "closes the file before it is read";
   std::ostringstream text;
   text << std::ifstream(file).rdbuf();

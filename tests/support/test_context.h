@@ -1,17 +1,17 @@
 // An OpenGL context for tests of what lies below the exports.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "gl/gl.h"
+#include <gtest/gtest.h>
+
 #include "gl/context/opengl_context.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/context/opengl_window.h"
+#include "gl/gl.h"
 
 namespace oct::test {
 
@@ -37,21 +37,21 @@ class GLTest : public testing::Test {
 };
 
 // The pending error of the error store, "(none)" when there is none.
-std::string pendingError();
+std::string pending_error();
 
 // What the action throws, "(none)" if nothing.
-std::string failureOf(const std::function<void()>& action);
+std::string failure_of(const std::function<void()>& action);
 
 // Exports that are called with a null handle, and with zeros else, print and post this error and no other.
 template <class... Exports>
-void expectNullRefused(const std::string& error, Exports... exports) {
+void expect_null_refused(const std::string& error, Exports... exports) {
   int index = 0;
   const auto refused =
       [&]<class Result, class Handle, class... Others>(Result (*function)(Handle, Others...)) {
         testing::internal::CaptureStderr();
         function(nullptr, Others{}...);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "An error occured: " + error + "\n") << index;
-        EXPECT_EQ(pendingError(), error) << index;
+        EXPECT_EQ(pending_error(), error) << index;
         ++index;
       };
   (refused(exports), ...);
@@ -59,7 +59,7 @@ void expectNullRefused(const std::string& error, Exports... exports) {
 
 // Calls the action with 0, 1, ... on so many threads and waits for them.
 template <class Action>
-void onThreads(int count, Action&& action) {
+void on_threads(int count, Action&& action) {
   std::vector<std::thread> threads;
   for (int i = 0; i < count; ++i) threads.emplace_back([&action, i] { action(i); });
   for (std::thread& thread : threads) thread.join();
@@ -70,9 +70,9 @@ inline bool contains(const std::string& text, const std::string& part) {
 }
 
 // Forgets the errors that OpenGL has to report.
-void clearGLErrors();
+void clear_gl_errors();
 
 // Runs the action with the library log in a file of its own and returns what was logged.
-std::string logOf(const std::function<void()>& action);
+std::string log_of(const std::function<void()>& action);
 
 }  // namespace oct::test

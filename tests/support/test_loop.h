@@ -1,8 +1,6 @@
 // A control loop with a client that records what it is given.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -12,6 +10,8 @@
 #include <mutex>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "core/error_callback.h"
 #include "gl/gl.h"
@@ -31,11 +31,11 @@ inline RenderingCallback rendering(RenderingCallback body) {
 
 using Index = std::uint32_t;
 
-inline ImageReadyCallback imageReady(ImageReadyCallback::Function body) {
+inline ImageReadyCallback image_ready(ImageReadyCallback::Function body) {
   return ImageReadyCallback(std::move(body));
 }
-inline ImageReadyCallback imageReady(std::function<void(Index, void* surface)> body) {
-  return imageReady(
+inline ImageReadyCallback image_ready(std::function<void(Index, void* surface)> body) {
+  return image_ready(
       [body](Index index, std::uint32_t, std::uint32_t, void* surface) { body(index, surface); });
 }
 
@@ -52,13 +52,13 @@ class Recorded {
   }
 
   // What there is once there are so many; fewer after ten seconds.
-  std::vector<T> atLeast(std::size_t count) {
+  std::vector<T> at_least(std::size_t count) {
     std::unique_lock lock(mutex_);
     condition_.wait_for(lock, std::chrono::seconds(10), [&] { return values_.size() >= count; });
     return values_;
   }
 
-  std::vector<T> all() { return atLeast(0); }
+  std::vector<T> all() { return at_least(0); }
 
   void clear() {
     const std::lock_guard lock(mutex_);
@@ -79,7 +79,7 @@ class Gate {
     arrived_.set_value();
     opened_.get_future().wait();
   }
-  void awaitArrival() { arrived_.get_future().wait(); }
+  void await_arrival() { arrived_.get_future().wait(); }
   void open() { opened_.set_value(); }
 
  private:
@@ -89,7 +89,7 @@ class Gate {
 };
 
 // Draws a picture that no other id has.
-inline void drawPattern(std::uint32_t id) {
+inline void draw_pattern(std::uint32_t id) {
   const auto clear = [](std::uint32_t colour) {
     glClearColor(static_cast<float>(colour >> 16 & 255U) / 255.0F,
                  static_cast<float>(colour >> 8 & 255U) / 255.0F, static_cast<float>(colour & 255U) / 255.0F,
@@ -105,9 +105,9 @@ inline void drawPattern(std::uint32_t id) {
   glDisable(GL_SCISSOR_TEST);
 }
 
-inline Picture patternPicture(std::uint32_t id, int width, int height) {
+inline Picture pattern_picture(std::uint32_t id, int width, int height) {
   Picture picture(width, height);
-  picture.forEach([&](int x, int y) {
+  picture.for_each([&](int x, int y) {
     const std::uint32_t colour = x < width / 2 && y < height / 3 ? ~id : id;
     for (int c = 0; c < 3; ++c) picture.pixel(x, y)[c] = static_cast<std::uint8_t>(colour >> 8 * c);
     picture.pixel(x, y)[3] = 255;
@@ -118,22 +118,22 @@ inline Picture patternPicture(std::uint32_t id, int width, int height) {
 // Every kind of surface sharing of the platform.
 class LoopGLTest : public testing::TestWithParam<SurfaceSharing> {
  protected:
-  void SetUp() override { chooseSharing(GetParam()); }
+  void SetUp() override { choose_sharing(GetParam()); }
 
-  std::unique_ptr<OpenGLControlLoop> makeLoop() {
+  std::unique_ptr<OpenGLControlLoop> make_loop() {
     return std::make_unique<OpenGLControlLoop>(
         nullptr, nullptr, ErrorCallback([this](const char* message) { errors_.add(message); }));
   }
 
   // A loop that draws patterns once each, and records what it draws and what it returns.
-  std::unique_ptr<OpenGLControlLoop> makeRecordingLoop(std::uint32_t width, std::uint32_t height) {
-    auto loop = makeLoop();
+  std::unique_ptr<OpenGLControlLoop> make_recording_loop(std::uint32_t width, std::uint32_t height) {
+    auto loop = make_loop();
     loop->set_rendering_callback(rendering([this](std::uint32_t id) {
-      drawPattern(id);
+      draw_pattern(id);
       drawn_.add(id);
     }));
-    loop->set_image_ready_callback(imageReady([this](Index index, void*) { returned_.add(index); }));
-    loop->set_mode(OpenGLControlLoop::onceEach);
+    loop->set_image_ready_callback(image_ready([this](Index index, void*) { returned_.add(index); }));
+    loop->set_mode(OpenGLControlLoop::once_each);
     loop->resize(width, height);
     return loop;
   }
@@ -143,11 +143,11 @@ class LoopGLTest : public testing::TestWithParam<SurfaceSharing> {
   Recorded<std::uint32_t> returned_;
 };
 
-inline std::string sharingName(const testing::TestParamInfo<SurfaceSharing>& info) {
-  return info.param == SurfaceSharing::direct3D ? "Direct3D" : "HostMemory";
+inline std::string sharing_name(const testing::TestParamInfo<SurfaceSharing>& info) {
+  return info.param == SurfaceSharing::direct3d ? "Direct3D" : "HostMemory";
 }
 
 #define OCT_EVERY_SHARING(suite) \
-  INSTANTIATE_TEST_SUITE_P(Hosting, suite, testing::ValuesIn(surfaceSharings()), sharingName)
+  INSTANTIATE_TEST_SUITE_P(Hosting, suite, testing::ValuesIn(surface_sharings()), sharing_name)
 
 }  // namespace oct::test

@@ -7,9 +7,9 @@
 
 namespace oct::test {
 
-Volume testVolume(int width, int height, int depth, unsigned seed) {
+Volume test_volume(int width, int height, int depth, unsigned seed) {
   Volume volume{width, height, depth, {}};
-  volume.voxels.reserve(volume.sliceVoxels() * static_cast<std::size_t>(depth));
+  volume.voxels.reserve(volume.slice_voxels() * static_cast<std::size_t>(depth));
   std::mt19937 random(seed);
   std::uniform_real_distribution<double> noise(-0.05, 0.05);
   for (int w = 0; w < depth; ++w) {
@@ -30,17 +30,17 @@ Volume testVolume(int width, int height, int depth, unsigned seed) {
   return volume;
 }
 
-VolumeScene sceneOf(Volume volume, int width, int height, double angleX, double angleY) {
+VolumeScene scene_of(Volume volume, int width, int height, double angle_x, double angle_y) {
   VolumeScene scene;
   scene.volume = std::move(volume);
-  scene.viewportWidth = width;
-  scene.viewportHeight = height;
-  scene.angleX = angleX;
-  scene.angleY = angleY;
+  scene.viewport_width = width;
+  scene.viewport_height = height;
+  scene.angle_x = angle_x;
+  scene.angle_y = angle_y;
   return scene;
 }
 
-std::vector<std::uint32_t> rampColors(int count, double opacity) {
+std::vector<std::uint32_t> ramp_colors(int count, double opacity) {
   std::vector<std::uint32_t> colors;
   for (int i = 0; i < count; ++i) {
     const double t = count > 1 ? static_cast<double>(i) / (count - 1) : 1.0;
@@ -53,8 +53,8 @@ std::vector<std::uint32_t> rampColors(int count, double opacity) {
   return colors;
 }
 
-std::vector<std::uint32_t> opaqueColors(int count) {
-  std::vector<std::uint32_t> colors = rampColors(count, 1.0);
+std::vector<std::uint32_t> opaque_colors(int count) {
+  std::vector<std::uint32_t> colors = ramp_colors(count, 1.0);
   for (std::uint32_t& color : colors) color |= 0xFF000000U;
   return colors;
 }
@@ -62,8 +62,8 @@ std::vector<std::uint32_t> opaqueColors(int count) {
 void apply(const VolumeScene& scene, VolumeRendererHandle renderer) {
   const auto count = [](const Coloring& coloring) { return static_cast<int>(coloring.colors.size()); };
   const auto& [x, y, z] = scene.sections;
-  setBorder(renderer, scene.scaleMarks, scene.edges, scene.box);
-  setRemoveSegment(renderer, scene.removedSegment);
+  setBorder(renderer, scene.scale_marks, scene.edges, scene.box);
+  setRemoveSegment(renderer, scene.removed_segment);
   setRenderForeground(renderer, scene.foreground);
   setTranslation(renderer, scene.translation[0], scene.translation[1], scene.translation[2]);
   setZoom(renderer, scene.zoom);
@@ -74,32 +74,32 @@ void apply(const VolumeScene& scene, VolumeRendererHandle renderer) {
   setVolumeMode(renderer, scene.mode);
   setRendererColormap(renderer, scene.coloring.colors.data(), count(scene.coloring));
   setRendererColoringBoundaries(renderer, scene.coloring.lower, scene.coloring.upper);
-  setOverlayRendererColormap(renderer, scene.overlayColoring.colors.data(), count(scene.overlayColoring));
-  setOverlayRendererColoringBoundaries(renderer, scene.overlayColoring.lower, scene.overlayColoring.upper);
-  setRendererSecondaryColormap(renderer, scene.secondaryColoring.colors.data(),
-                               count(scene.secondaryColoring));
-  setRendererSecondaryColoringBoundaries(renderer, scene.secondaryColoring.lower,
-                                         scene.secondaryColoring.upper);
-  setRendererSecondarySliceIndex(renderer, scene.secondaryIndex);
-  setRenderBackground(renderer, scene.backgroundBottom, scene.backgroundTop);
-  setClipPlane(renderer, scene.clip, scene.clipOpen, scene.clipValue);
+  setOverlayRendererColormap(renderer, scene.overlay_coloring.colors.data(), count(scene.overlay_coloring));
+  setOverlayRendererColoringBoundaries(renderer, scene.overlay_coloring.lower, scene.overlay_coloring.upper);
+  setRendererSecondaryColormap(renderer, scene.secondary_coloring.colors.data(),
+                               count(scene.secondary_coloring));
+  setRendererSecondaryColoringBoundaries(renderer, scene.secondary_coloring.lower,
+                                         scene.secondary_coloring.upper);
+  setRendererSecondarySliceIndex(renderer, scene.secondary_index);
+  setRenderBackground(renderer, scene.background_bottom, scene.background_top);
+  setClipPlane(renderer, scene.clip, scene.clip_open, scene.clip_value);
   fixClipPlane(renderer, 0);
-  setAngles(renderer, scene.angleX, scene.angleY);
+  setAngles(renderer, scene.angle_x, scene.angle_y);
   const HeightMap& surface = scene.surface;
   if (surface.values.empty()) return;
   setSurface(renderer, surface.width, surface.height, surface.scale, surface.values.data());
-  setSurfaceDepths(renderer, scene.surfaceColoring.lower, scene.surfaceColoring.upper);
-  setSurfaceColormap(renderer, scene.surfaceColoring.colors.data(), count(scene.surfaceColoring));
+  setSurfaceDepths(renderer, scene.surface_coloring.lower, scene.surface_coloring.upper);
+  setSurfaceColormap(renderer, scene.surface_coloring.colors.data(), count(scene.surface_coloring));
 }
 
 void upload(const VolumeScene& scene, OfflineRenderingHandle offline) {
   const Volume& volume = scene.volume;
   setOfflineAspectRatio(offline, scene.range[0], scene.range[1], scene.range[2]);
   allocateOfflineVolume(offline, volume.width, volume.height, volume.depth);
-  if (scene.slicesUploaded < 0) {
+  if (scene.slices_uploaded < 0) {
     uploadOfflineVolume(offline, volume.voxels.data());
   } else {
-    uploadOfflineSubVolume(offline, 0, scene.slicesUploaded, volume.voxels.data());
+    uploadOfflineSubVolume(offline, 0, scene.slices_uploaded, volume.voxels.data());
   }
   uploadOverlayOfflineVolume(offline, scene.overlay.voxels.empty() ? nullptr : scene.overlay.voxels.data());
   const Volume& secondary = scene.secondary;
@@ -125,20 +125,20 @@ void VolumeStage::prepare(const VolumeScene& scene) {
   apply(scene, renderer);
   upload(scene, offline);
   const bool surface = !scene.surface.values.empty();
-  if (surface || !scene.volumeShown) setRenderElements(renderer, scene.volumeShown, surface);
-  width_ = scene.viewportWidth;
-  height_ = scene.viewportHeight;
+  if (surface || !scene.volume_shown) setRenderElements(renderer, scene.volume_shown, surface);
+  width_ = scene.viewport_width;
+  height_ = scene.viewport_height;
   content_ = scene.content;
 }
 
 Picture VolumeStage::draw(const VolumeScene& scene) {
   prepare(scene);
-  if (scene.clipFixed) {
+  if (scene.clip_fixed) {
     // The plane takes the angles of the frame before the one that it is fixed in.
-    setAngles(renderer, scene.fixedAngleX, scene.fixedAngleY);
+    setAngles(renderer, scene.fixed_angle_x, scene.fixed_angle_y);
     frame();
     fixClipPlane(renderer, 1);
-    setAngles(renderer, scene.angleX, scene.angleY);
+    setAngles(renderer, scene.angle_x, scene.angle_y);
   }
   return frame();
 }

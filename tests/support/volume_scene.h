@@ -18,11 +18,11 @@ struct Volume {
   int depth = 0;   // lateral, the slices
   std::vector<float> voxels;
 
-  std::size_t sliceVoxels() const {
+  std::size_t slice_voxels() const {
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   }
   float at(int u, int v, int w) const {
-    return voxels[static_cast<std::size_t>(w) * sliceVoxels() +
+    return voxels[static_cast<std::size_t>(w) * slice_voxels() +
                   static_cast<std::size_t>(v) * static_cast<std::size_t>(width) +
                   static_cast<std::size_t>(u)];
   }
@@ -49,16 +49,16 @@ struct Slice {
 
 struct VolumeScene {
   Volume volume;
-  Volume overlay;           // empty: none
-  Volume secondary;         // empty: none; the first axis counts images
-  int content = 0;          // of renderOfflineVolume
-  bool border = false;      // zeros lie around the volume, as in live volumes; else its edge goes on
-  int slicesUploaded = -1;  // -1: the whole volume at once; else this many in one block
+  Volume overlay;            // empty: none
+  Volume secondary;          // empty: none; the first axis counts images
+  int content = 0;           // of renderOfflineVolume
+  bool border = false;       // zeros lie around the volume, as in live volumes; else its edge goes on
+  int slices_uploaded = -1;  // -1: the whole volume at once; else this many in one block
 
-  int viewportWidth = 97;
-  int viewportHeight = 71;
-  double angleX = 0.0;
-  double angleY = 0.0;
+  int viewport_width = 97;
+  int viewport_height = 71;
+  double angle_x = 0.0;
+  double angle_y = 0.0;
   std::array<double, 3> translation{};
   std::array<float, 3> range{1.0F, 1.0F, 1.0F};  // axial, lateral, lateral
   double zoom = 40.0;
@@ -67,46 +67,46 @@ struct VolumeScene {
   int slices = 128;
   int mode = 0;
   Coloring coloring;
-  Coloring overlayColoring;
-  Coloring secondaryColoring;
-  int secondaryIndex = 0;
+  Coloring overlay_coloring;
+  Coloring secondary_coloring;
+  int secondary_index = 0;
 
   bool clip = false;
-  bool clipOpen = false;
-  float clipValue = 0.0F;
-  // Angles at which the plane was fixed; used when clipFixed.
-  bool clipFixed = false;
-  double fixedAngleX = 0.0;
-  double fixedAngleY = 0.0;
+  bool clip_open = false;
+  float clip_value = 0.0F;
+  // Angles at which the plane was fixed; used when clip_fixed.
+  bool clip_fixed = false;
+  double fixed_angle_x = 0.0;
+  double fixed_angle_y = 0.0;
 
-  bool volumeShown = true;
+  bool volume_shown = true;
   bool sectional = false;  // slices in place of rays
   std::array<Slice, 3> sections{};
-  HeightMap surface;         // empty: none
-  Coloring surfaceColoring;  // its boundaries are depths
+  HeightMap surface;          // empty: none
+  Coloring surface_coloring;  // its boundaries are depths
 
   bool edges = false;
-  bool scaleMarks = false;
+  bool scale_marks = false;
   bool box = false;
-  bool removedSegment = false;  // the ghost of what the clip plane cuts off
+  bool removed_segment = false;  // the ghost of what the clip plane cuts off
 
   std::uint32_t foreground = 0xFFFFFFFFU;
-  std::uint32_t backgroundBottom = 0x000066FFU;
-  std::uint32_t backgroundTop = 0x000019FFU;
+  std::uint32_t background_bottom = 0x000066FFU;
+  std::uint32_t background_top = 0x000019FFU;
 };
 
 // Layers, blobs and noise between 0 and 1, in steps that a 16-bit float holds exactly.
-Volume testVolume(int width, int height, int depth, unsigned seed = 1);
+Volume test_volume(int width, int height, int depth, unsigned seed = 1);
 
 // A scene of a volume, its viewport and the angles that it is seen from.
-VolumeScene sceneOf(Volume volume, int width, int height, double angleX = 0.0, double angleY = 0.0);
+VolumeScene scene_of(Volume volume, int width, int height, double angle_x = 0.0, double angle_y = 0.0);
 
 // Opaque colours, or an opacity rising with the square of the value up to `opacity`.
-std::vector<std::uint32_t> opaqueColors(int count);
-std::vector<std::uint32_t> rampColors(int count, double opacity);
+std::vector<std::uint32_t> opaque_colors(int count);
+std::vector<std::uint32_t> ramp_colors(int count, double opacity);
 
-// Gives a renderer all settings of the scene through the exports. A scene without surface leaves it the one
-// it has.
+// Gives a renderer all settings of the scene through the exports. A scene without
+// surface leaves it the one it has.
 void apply(const VolumeScene& scene, VolumeRendererHandle renderer);
 
 // Allocates and uploads the scene's data.

@@ -1,8 +1,8 @@
 // Copies, whole and cropped, below and above the size from which they go past the caches.
 #include <gtest/gtest.h>
 
-#include "guarded_array.h"
-#include "numbers.h"
+#include "vec/guarded_array.h"
+#include "vec/numbers.h"
 
 namespace oct::vec::test {
 namespace {
@@ -10,9 +10,9 @@ namespace {
 class Copies : public testing::TestWithParam<InstructionSet> {
  protected:
   void SetUp() override {
-    if (!isSupported(GetParam())) GTEST_SKIP() << "this processor has no " << nameOf(GetParam());
+    if (!is_supported(GetParam())) GTEST_SKIP() << "this processor has no " << name_of(GetParam());
   }
-  Routines routines_ = routinesOf(GetParam());
+  Routines routines_ = routines_of(GetParam());
 };
 
 // Every place holds its own number, so that no shift and no repetition goes unseen.
@@ -22,61 +22,62 @@ GuardedArray<float> numbered(std::size_t count, std::size_t offset) {
   return array;
 }
 
-void expectCopied(const Routines& routines, std::size_t count, std::size_t sourceOffset, std::size_t offset) {
-  GuardedArray<float> source = numbered(count, sourceOffset);
+void expect_copied(const Routines& routines, std::size_t count, std::size_t source_offset,
+                   std::size_t offset) {
+  GuardedArray<float> source = numbered(count, source_offset);
   GuardedArray<float> destination(count, offset);
   routines.copy(destination.data(), source.data(), count);
-  EXPECT_TRUE(destination == source && destination.isIntactAround())
-      << count << " floats from " << sourceOffset << " to " << offset;
+  EXPECT_TRUE(destination == source && destination.is_intact_around())
+      << count << " floats from " << source_offset << " to " << offset;
 }
 
-void expectCropped(const Routines& routines, std::size_t aScans, std::size_t samples, std::size_t kept,
-                   std::size_t offset) {
-  GuardedArray<float> source = numbered(aScans * samples, 3);
-  GuardedArray<float> destination(aScans * kept, offset);
-  routines.cropCopy(destination.data(), source.data(), aScans, samples, kept);
+void expect_cropped(const Routines& routines, std::size_t a_scans, std::size_t samples, std::size_t kept,
+                    std::size_t offset) {
+  GuardedArray<float> source = numbered(a_scans * samples, 3);
+  GuardedArray<float> destination(a_scans * kept, offset);
+  routines.crop_copy(destination.data(), source.data(), a_scans, samples, kept);
   std::size_t wrong = 0;
-  for (std::size_t i = 0; i < aScans * kept; ++i)
+  for (std::size_t i = 0; i < a_scans * kept; ++i)
     wrong += destination[i] != source[i / kept * samples + i % kept];
-  EXPECT_TRUE(wrong == 0 && destination.isIntactAround())
-      << wrong << " wrong, " << kept << " of " << samples << ", " << aScans << " times, to " << offset;
+  EXPECT_TRUE(wrong == 0 && destination.is_intact_around())
+      << wrong << " wrong, " << kept << " of " << samples << ", " << a_scans << " times, to " << offset;
 }
 
 TEST_P(Copies, SmallOnesOfAllLengthsAndAlignments) {
   for (std::size_t count = 0; count < 40; ++count) {
-    for (std::size_t offset = 0; offset < 17; ++offset) expectCopied(routines_, count, 16 - offset, offset);
+    for (std::size_t offset = 0; offset < 17; ++offset) expect_copied(routines_, count, 16 - offset, offset);
   }
 }
 
 TEST_P(Copies, LargeOnesOfAllAlignments) {
-  constexpr std::size_t limit = streamedBytes / sizeof(float);
-  expectCopied(routines_, limit - 1, 0, 1);
+  constexpr std::size_t limit = streamed_bytes / sizeof(float);
+  expect_copied(routines_, limit - 1, 0, 1);
   for (const std::size_t offset : {0, 1, 2, 4, 7, 8, 15, 16}) {
-    expectCopied(routines_, limit + offset / 2, 1, offset);
+    expect_copied(routines_, limit + offset / 2, 1, offset);
   }
 }
 
 TEST_P(Copies, SmallCrops) {
   for (const std::size_t kept : {0, 1, 3, 4, 15, 16, 17, 40}) {
-    for (std::size_t offset = 0; offset < 9; ++offset) expectCropped(routines_, 5, 40, kept, offset);
+    for (std::size_t offset = 0; offset < 9; ++offset) expect_cropped(routines_, 5, 40, kept, offset);
   }
-  expectCropped(routines_, 0, 40, 7, 0);
+  expect_cropped(routines_, 0, 40, 7, 0);
 }
 
 // Rows shorter and longer than a cache line, whose ends fall anywhere into one.
 TEST_P(Copies, LargeCrops) {
-  constexpr std::size_t limit = streamedBytes / sizeof(float);
+  constexpr std::size_t limit = streamed_bytes / sizeof(float);
   for (const std::size_t kept : {1, 2, 5, 15, 16, 17, 31, 100, 511}) {
     for (const std::size_t offset : {0, 13}) {
-      expectCropped(routines_, limit / kept + 1, kept + 1, kept, offset);
+      expect_cropped(routines_, limit / kept + 1, kept + 1, kept, offset);
     }
   }
-  expectCropped(routines_, 1, limit + 50, limit + 3, 7);
+  expect_cropped(routines_, 1, limit + 50, limit + 3, 7);
 }
 
 INSTANTIATE_TEST_SUITE_P(Variants, Copies,
                          testing::Values(InstructionSet::scalar, InstructionSet::sse, InstructionSet::avx),
-                         [](const auto& test) { return nameOf(test.param); });
+                         [](const auto& test) { return name_of(test.param); });
 
 }  // namespace
 }  // namespace oct::vec::test

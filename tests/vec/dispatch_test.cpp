@@ -1,38 +1,38 @@
 // Which variants there are and which are used.
 #include <gtest/gtest.h>
 
-#include "numbers.h"
+#include "vec/numbers.h"
 
 namespace oct::vec::test {
 namespace {
 
 TEST(InstructionSets, EachBringsAllBeforeIt) {
-  EXPECT_TRUE(isSupported(InstructionSet::scalar));
-  EXPECT_TRUE(isSupported(InstructionSet::sse));  // every 64-bit processor has these two
-  EXPECT_TRUE(isSupported(InstructionSet::sse2));
-  if (isSupported(InstructionSet::avx)) {
-    EXPECT_TRUE(isSupported(InstructionSet::sse41));
+  EXPECT_TRUE(is_supported(InstructionSet::scalar));
+  EXPECT_TRUE(is_supported(InstructionSet::sse));  // every 64-bit processor has these two
+  EXPECT_TRUE(is_supported(InstructionSet::sse2));
+  if (is_supported(InstructionSet::avx)) {
+    EXPECT_TRUE(is_supported(InstructionSet::sse41));
   }
 }
 
 TEST(InstructionSets, TablesAreComplete) {
   for (const InstructionSet set : {InstructionSet::scalar, InstructionSet::sse, InstructionSet::sse2,
                                    InstructionSet::sse41, InstructionSet::avx}) {
-    const Routines routines = routinesOf(set);
+    const Routines routines = routines_of(set);
     for (const void* const routine :
          std::bit_cast<std::array<const void*, sizeof routines / sizeof(void*)>>(routines))
-      EXPECT_NE(routine, nullptr) << nameOf(set);
+      EXPECT_NE(routine, nullptr) << name_of(set);
   }
 }
 
 // A set without a variant of its own takes the one before it, and a set never takes a later one.
 TEST(InstructionSets, FallThroughToTheNearestBefore) {
-  EXPECT_EQ(routinesOf(InstructionSet::sse).decibels, routinesOf(InstructionSet::scalar).decibels);
-  EXPECT_NE(routinesOf(InstructionSet::sse).extremes, routinesOf(InstructionSet::scalar).extremes);
-  EXPECT_NE(routinesOf(InstructionSet::sse2).decibels, routinesOf(InstructionSet::sse).decibels);
-  EXPECT_EQ(routinesOf(InstructionSet::sse2).cropCopy, routinesOf(InstructionSet::scalar).cropCopy);
-  EXPECT_EQ(routinesOf(InstructionSet::sse41).extremes, routinesOf(InstructionSet::sse).extremes);
-  EXPECT_NE(routinesOf(InstructionSet::avx).extremes, routinesOf(InstructionSet::sse).extremes);
+  EXPECT_EQ(routines_of(InstructionSet::sse).decibels, routines_of(InstructionSet::scalar).decibels);
+  EXPECT_NE(routines_of(InstructionSet::sse).extremes, routines_of(InstructionSet::scalar).extremes);
+  EXPECT_NE(routines_of(InstructionSet::sse2).decibels, routines_of(InstructionSet::sse).decibels);
+  EXPECT_EQ(routines_of(InstructionSet::sse2).crop_copy, routines_of(InstructionSet::scalar).crop_copy);
+  EXPECT_EQ(routines_of(InstructionSet::sse41).extremes, routines_of(InstructionSet::sse).extremes);
+  EXPECT_NE(routines_of(InstructionSet::avx).extremes, routines_of(InstructionSet::sse).extremes);
 }
 
 }  // namespace

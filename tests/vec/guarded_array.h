@@ -11,13 +11,13 @@ namespace oct::vec::test {
 template <class Value>
 class GuardedArray {
  public:
-  // @param offset places beyond a multiple of 64 bytes
+  // offset: places beyond a multiple of 64 bytes
   GuardedArray(std::size_t size, std::size_t offset)
-      : bytes_((size + offset) * sizeof(Value) + 3 * kGuard), size_(size) {
-    std::memset(bytes_.data(), kPattern, bytes_.size());
-    const auto address = reinterpret_cast<std::uintptr_t>(bytes_.data()) + kGuard;
+      : bytes_((size + offset) * sizeof(Value) + 3 * guard), size_(size) {
+    std::memset(bytes_.data(), pattern, bytes_.size());
+    const auto address = reinterpret_cast<std::uintptr_t>(bytes_.data()) + guard;
     const std::uintptr_t aligned = (address + 63) / 64 * 64;
-    first_ = kGuard + (aligned - address) + offset * sizeof(Value);
+    first_ = guard + (aligned - address) + offset * sizeof(Value);
   }
 
   Value* data() { return reinterpret_cast<Value*>(bytes_.data() + first_); }
@@ -25,12 +25,12 @@ class GuardedArray {
   std::size_t size() const { return size_; }
 
   // Whether everything but the array is as it was.
-  bool isIntactAround() const {
+  bool is_intact_around() const {
     for (std::size_t i = 0; i < first_; ++i) {
-      if (bytes_[i] != kPattern) return false;
+      if (bytes_[i] != pattern) return false;
     }
     for (std::size_t i = first_ + size_ * sizeof(Value); i < bytes_.size(); ++i) {
-      if (bytes_[i] != kPattern) return false;
+      if (bytes_[i] != pattern) return false;
     }
     return true;
   }
@@ -42,8 +42,8 @@ class GuardedArray {
   }
 
  private:
-  static constexpr std::size_t kGuard = 128;
-  static constexpr unsigned char kPattern = 0xA5;
+  static constexpr std::size_t guard = 128;
+  static constexpr unsigned char pattern = 0xA5;
 
   std::vector<unsigned char> bytes_;
   std::size_t size_;

@@ -13,10 +13,10 @@
 
 namespace oct::vec::test {
 
-inline constexpr std::array<InstructionSet, 4> vectorSets{InstructionSet::sse, InstructionSet::sse2,
-                                                          InstructionSet::sse41, InstructionSet::avx};
+inline constexpr std::array<InstructionSet, 4> vector_sets{InstructionSet::sse, InstructionSet::sse2,
+                                                           InstructionSet::sse41, InstructionSet::avx};
 
-inline const char* nameOf(InstructionSet set) {
+inline const char* name_of(InstructionSet set) {
   constexpr std::array<const char*, 5> names{"scalar", "sse", "sse2", "sse41", "avx"};
   return names[static_cast<std::size_t>(set)];
 }

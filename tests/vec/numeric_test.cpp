@@ -1,41 +1,41 @@
 // Every variant against the plain loop, bit for bit; the plain loop against exact arithmetic.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
 
-#include "guarded_array.h"
-#include "numbers.h"
+#include <gtest/gtest.h>
+
+#include "vec/guarded_array.h"
+#include "vec/numbers.h"
 
 namespace oct::vec::test {
 namespace {
 
-constexpr float kLeast = 1e-6F;
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr std::size_t kLengths = 40;  // five vectors of the widest kind
-constexpr std::size_t kOffsets = 9;
+constexpr float least_value = 1e-6F;
+constexpr float not_a_number = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinity = std::numeric_limits<float>::infinity();
+constexpr std::size_t lengths = 40;  // five vectors of the widest kind
+constexpr std::size_t offsets = 9;
 
 class Variants : public testing::TestWithParam<InstructionSet> {
  protected:
   void SetUp() override {
-    if (!isSupported(GetParam())) GTEST_SKIP() << "this processor has no " << nameOf(GetParam());
+    if (!is_supported(GetParam())) GTEST_SKIP() << "this processor has no " << name_of(GetParam());
   }
 
   // Runs work(routines, destination) with the plain loops and with the variant.
   template <class To, class Work>
-  void expectSame(const char* name, std::size_t count, std::size_t offset, Work work) {
+  void expect_same(const char* name, std::size_t count, std::size_t offset, Work work) {
     GuardedArray<To> expected(count, offset);
     GuardedArray<To> found(count, offset);
     work(scalar_, expected);
     work(variant_, found);
-    EXPECT_TRUE(found == expected && found.isIntactAround()) << name;
+    EXPECT_TRUE(found == expected && found.is_intact_around()) << name;
   }
 
-  Routines scalar_ = routinesOf(InstructionSet::scalar);
-  Routines variant_ = routinesOf(GetParam());
+  Routines scalar_ = routines_of(InstructionSet::scalar);
+  Routines variant_ = routines_of(GetParam());
 };
 
 // With a value of next() in every place.
@@ -47,10 +47,10 @@ GuardedArray<Value> filled(std::size_t count, std::size_t offset, Next next) {
 }
 
 TEST_P(Variants, EqualThePlainLoops) {
-  for (unsigned i = 0; i < 10 * kLengths * kOffsets; ++i) {
-    const unsigned seed = i / (kLengths * kOffsets);
-    const std::size_t count = i / kOffsets % kLengths;
-    const std::size_t offset = i % kOffsets;
+  for (unsigned i = 0; i < 10 * lengths * offsets; ++i) {
+    const unsigned seed = i / (lengths * offsets);
+    const std::size_t count = i / offsets % lengths;
+    const std::size_t offset = i % offsets;
     SCOPED_TRACE(testing::Message() << count << " values at " << offset << ", seed " << seed);
     Numbers numbers(i);
     const auto any = [&] { return numbers.any(); };
@@ -65,43 +65,43 @@ TEST_P(Variants, EqualThePlainLoops) {
     auto readings = filled<float>(count, offset + 1,
                                   [&] { return seed % 2 == 0 ? any() : numbers.between(-0.1F, 2.0F); });
 
-    expectSame<float>("extremes", 2, 0, [&](const Routines& routines, auto& to) {
+    expect_same<float>("extremes", 2, 0, [&](const Routines& routines, auto& to) {
       const vec::Extremes found = routines.extremes(values.data(), count);
       to[0] = found.lowest + 0.0F;  // which of two zeros is open
       to[1] = found.highest + 0.0F;
     });
-    for (const float limit : {-kInfinity, -1.0F, -0.0F, 0.0F, 0.5F, 65535.0F, kInfinity, kNan}) {
-      EXPECT_EQ(variant_.countNotAbove(values.data(), count, limit),
-                scalar_.countNotAbove(values.data(), count, limit))
+    for (const float limit : {-infinity, -1.0F, -0.0F, 0.0F, 0.5F, 65535.0F, infinity, not_a_number}) {
+      EXPECT_EQ(variant_.count_not_above(values.data(), count, limit),
+                scalar_.count_not_above(values.data(), count, limit))
           << "limit " << limit;
     }
-    expectSame<float>("subtract", count, offset, [&](const Routines& routines, auto& to) {
+    expect_same<float>("subtract", count, offset, [&](const Routines& routines, auto& to) {
       routines.subtract(to.data(), counts.data(), background.data(), count);
     });
-    expectSame<float>("powers", count, offset, [&](const Routines& routines, auto& to) {
+    expect_same<float>("powers", count, offset, [&](const Routines& routines, auto& to) {
       routines.powers(to.data(), fields.data(), count);
     });
-    const float least = seed % 2 == 0 ? kLeast : 1.5e-38F;
-    expectSame<float>("decibels", count, offset, [&](const Routines& routines, auto& to) {
+    const float least = seed % 2 == 0 ? least_value : 1.5e-38F;
+    expect_same<float>("decibels", count, offset, [&](const Routines& routines, auto& to) {
       routines.decibels(to.data(), values.data(), count, least);
     });
-    expectSame<float>("decibels in place", count, offset, [&](const Routines& routines, auto& to) {
+    expect_same<float>("decibels in place", count, offset, [&](const Routines& routines, auto& to) {
       std::copy_n(values.data(), count, to.data());
       routines.decibels(to.data(), to.data(), count, least);
     });
-    expectSame<std::uint16_t>("toUint16", count, offset,
-                              [&, plain = seed % 4 == 0](const Routines& routines, auto& to) {
-                                routines.toUint16(to.data(), readings.data(), count, plain ? 1.0F : 38400.0F,
-                                                  plain ? 0.0F : 1280.0F);
-                              });
+    expect_same<std::uint16_t>("to_uint16", count, offset,
+                               [&, plain = seed % 4 == 0](const Routines& routines, auto& to) {
+                                 routines.to_uint16(to.data(), readings.data(), count,
+                                                    plain ? 1.0F : 38400.0F, plain ? 0.0F : 1280.0F);
+                               });
   }
 }
 
 // The one extreme value at each place in turn, among NaN.
 TEST_P(Variants, ExtremesAreFoundAtEveryPlace) {
-  for (std::size_t count = 1; count < kLengths; ++count) {
+  for (std::size_t count = 1; count < lengths; ++count) {
     for (std::size_t place = 0; place < count; ++place) {
-      std::vector<float> values(count, kNan);
+      std::vector<float> values(count, not_a_number);
       values[place] = -2.0F;
       values[(place + 1) % count] = 3.0F;
       const vec::Extremes found = variant_.extremes(values.data(), count);
@@ -116,22 +116,23 @@ TEST_P(Variants, CountNotAboveOfVeryMany) {
   std::vector<float> values(3'000'005);
   for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<float>(i % 7);
   for (const float limit : {-1.0F, 0.0F, 4.5F, 6.0F}) {
-    EXPECT_EQ(variant_.countNotAbove(values.data(), values.size(), limit),
-              scalar_.countNotAbove(values.data(), values.size(), limit));
+    EXPECT_EQ(variant_.count_not_above(values.data(), values.size(), limit),
+              scalar_.count_not_above(values.data(), values.size(), limit));
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Sets, Variants, testing::ValuesIn(vectorSets),
-                         [](const auto& test) { return nameOf(test.param); });
+INSTANTIATE_TEST_SUITE_P(Sets, Variants, testing::ValuesIn(vector_sets),
+                         [](const auto& test) { return name_of(test.param); });
 
 TEST(ExtremesAndQuantile, IgnoreNanAndKnowTheEmptyArray) {
   struct Case {
     std::vector<float> values;
-    float lowest = kInfinity;
-    float highest = -kInfinity;
+    float lowest = infinity;
+    float highest = -infinity;
   };
   for (const auto& [values, lowest, highest] :
-       {Case{}, Case{{kNan}}, Case{{kNan, 4.0F, -1.0F, kNan, kInfinity, 2.0F}, -1.0F, kInfinity}}) {
+       {Case{}, Case{{not_a_number}},
+        Case{{not_a_number, 4.0F, -1.0F, not_a_number, infinity, 2.0F}, -1.0F, infinity}}) {
     const vec::Extremes found = extremes(values.data(), values.size());
     EXPECT_EQ(found.lowest, lowest);
     EXPECT_EQ(found.highest, highest);
@@ -182,7 +183,7 @@ TEST(Decibels, OfWhatHasNoLogarithm) {
   const std::vector<float> powers{0.0F, -0.0F, -1.0F,         Limits::quiet_NaN(), Limits::denorm_min(),
                                   1.0F, 1e-6F, 1.0000001e-6F, Limits::infinity(),  -Limits::infinity()};
   std::vector<float> found(powers.size());
-  decibels(found.data(), powers.data(), powers.size(), kLeast);
+  decibels(found.data(), powers.data(), powers.size(), least_value);
   for (const std::size_t least : {0, 1, 2, 3, 4, 6, 9}) EXPECT_NEAR(found[least], -60.0F, 1e-5F) << least;
   EXPECT_EQ(found[5], 0.0F);
   EXPECT_NEAR(found[7], -60.0F, 1e-5F);
@@ -191,17 +192,17 @@ TEST(Decibels, OfWhatHasNoLogarithm) {
 
 TEST(ToUint16, RoundsHalvesUpAndClamps) {
   constexpr std::pair<float, int> cases[] = {
-      {0.0F, 0},      {0.49F, 0},         {0.5F, 1},         {1.5F, 2},         {-0.5F, 0},
-      {-7.0F, 0},     {65534.4F, 65534},  {65534.5F, 65535}, {65535.4F, 65535}, {65536.0F, 65535},
-      {1e30F, 65535}, {kInfinity, 65535}, {-1e30F, 0},       {-kInfinity, 0},   {kNan, 0}};
+      {0.0F, 0},      {0.49F, 0},        {0.5F, 1},         {1.5F, 2},         {-0.5F, 0},
+      {-7.0F, 0},     {65534.4F, 65534}, {65534.5F, 65535}, {65535.4F, 65535}, {65536.0F, 65535},
+      {1e30F, 65535}, {infinity, 65535}, {-1e30F, 0},       {-infinity, 0},    {not_a_number, 0}};
   std::vector<float> values;
   std::vector<std::uint16_t> expected;
   for (const auto& [value, number] : cases)
     values.push_back(value), expected.push_back(static_cast<std::uint16_t>(number));
   std::vector<std::uint16_t> found(values.size());
-  toUint16(found.data(), values.data(), values.size(), 1.0F, 0.0F);
+  to_uint16(found.data(), values.data(), values.size(), 1.0F, 0.0F);
   EXPECT_EQ(found, expected);
-  toUint16(found.data(), values.data(), 3, 100.0F, 20.0F);
+  to_uint16(found.data(), values.data(), 3, 100.0F, 20.0F);
   found.resize(3);
   EXPECT_EQ(found, (std::vector<std::uint16_t>{20, 69, 70}));
 }

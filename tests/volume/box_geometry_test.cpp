@@ -1,9 +1,9 @@
 // What is cut out of the volume's box, and where the camera stands. Without OpenGL.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <random>
+
+#include <gtest/gtest.h>
 
 #include "support/reference/reference_camera.h"
 #include "volume/layout/clip_plane.h"
@@ -22,57 +22,57 @@ TEST(CameraTest, AnglesWrapByWholeTurns) {
                                        {180.0, 180.0},
                                        {-180.0, -180.0},
                                        {725.0, 5.0}}) {
-    EXPECT_EQ(wrappedAngle(angle), wrapped);
+    EXPECT_EQ(wrapped_angle(angle), wrapped);
   }
-  EXPECT_NEAR(wrappedAngle(3600000.5), 0.5, 1e-6);
+  EXPECT_NEAR(wrapped_angle(3600000.5), 0.5, 1e-6);
 }
 
 // The rest of the camera shows in the pictures, whose reference has formulas of its own.
 TEST(CameraTest, SeesFromThreeToEight) {
-  const Camera camera = cameraOf({}, {}, {200, 100});
-  for (const auto& [z, onScreen] : {std::pair{2.0F, -1.0F}, {-3.0F, 1.0F}}) {
+  const Camera camera = camera_of({}, {}, {200, 100});
+  for (const auto& [z, on_screen] : {std::pair{2.0F, -1.0F}, {-3.0F, 1.0F}}) {
     const glm::vec4 clip = camera.projection * camera.modelview * glm::vec4(0.0F, 0.0F, z, 1.0F);
-    EXPECT_NEAR(clip.z / clip.w, onScreen, 1e-5);
+    EXPECT_NEAR(clip.z / clip.w, on_screen, 1e-5);
   }
 }
 
-View viewAt(float angleX, float angleY) {
+View view_at(float angle_x, float angle_y) {
   View view;
-  view.angleX = angleX;
-  view.angleY = angleY;
+  view.angle_x = angle_x;
+  view.angle_y = angle_y;
   return view;
 }
 
-void expectNothingCut(const ClipPlane& clip) {
+void expect_nothing_cut(const ClipPlane& clip) {
   EXPECT_EQ(clip.plane(), glm::vec4(0.0F));
   EXPECT_TRUE(clip.intersections().empty());
   EXPECT_TRUE(clip.border().empty());
-  EXPECT_TRUE(clip.cutFace().empty());
+  EXPECT_TRUE(clip.cut_face().empty());
 }
 
 TEST(ClipPlaneTest, FixedItKeepsItsOrientationButNotItsPlace) {
   ClipPlane clip;
-  const auto normalAt = [&clip](bool enabled, float value, const View& view) {
+  const auto normal_at = [&clip](bool enabled, float value, const View& view) {
     clip.set(enabled, false, value);
     clip.update(view);
     return glm::vec3(clip.plane());
   };
-  clip.update(viewAt(10, 20));
-  expectNothingCut(clip);
-  clip.setFixed(true);
-  normalAt(true, 0.3F, viewAt(10, 20));
-  expectNothingCut(clip);  // fixed before its first frame it has no orientation
-  clip.setFixed(false);
-  const glm::vec3 first = normalAt(true, 0.5F, viewAt(10, 20));
-  clip.setFixed(true);
-  EXPECT_EQ(normalAt(true, 0.5F, viewAt(-60, 130)), first);
-  EXPECT_EQ(normalAt(true, 0.75F, viewAt(0, 0)), first);
+  clip.update(view_at(10, 20));
+  expect_nothing_cut(clip);
+  clip.set_fixed(true);
+  normal_at(true, 0.3F, view_at(10, 20));
+  expect_nothing_cut(clip);  // fixed before its first frame it has no orientation
+  clip.set_fixed(false);
+  const glm::vec3 first = normal_at(true, 0.5F, view_at(10, 20));
+  clip.set_fixed(true);
+  EXPECT_EQ(normal_at(true, 0.5F, view_at(-60, 130)), first);
+  EXPECT_EQ(normal_at(true, 0.75F, view_at(0, 0)), first);
   EXPECT_GT(clip.plane().w, 0.0F);
-  normalAt(false, 0.75F, viewAt(33, 44));
-  expectNothingCut(clip);
-  EXPECT_EQ(normalAt(true, 0.5F, viewAt(33, 44)), first) << "a pause changes nothing";
-  clip.setFixed(false);
-  normalAt(true, 0.5F, viewAt(0, 0));
+  normal_at(false, 0.75F, view_at(33, 44));
+  expect_nothing_cut(clip);
+  EXPECT_EQ(normal_at(true, 0.5F, view_at(33, 44)), first) << "a pause changes nothing";
+  clip.set_fixed(false);
+  normal_at(true, 0.5F, view_at(0, 0));
   EXPECT_EQ(clip.plane(), glm::vec4(0, 0, -1, 0)) << "it faces the viewer again";
 }
 
@@ -87,7 +87,7 @@ TEST(BoxIntersectionsTest, AreOrderedByEdge) {
         Case{{1, 1, 1, 0}, {{0, -1, 1}, {0, 1, -1}, {-1, 0, 1}, {1, 0, -1}, {1, -1, 0}, {-1, 1, 0}}},
         Case{{2, 0, 0, 1}, {{-0.5F, 1, 1}, {-0.5F, -1, 1}, {-0.5F, -1, -1}, {-0.5F, 1, -1}}},
         Case{{0, 0, 0, 0}, {}}, Case{{0, 0, 0, 1}, {}}, Case{{1, 1, 1, 3.5F}, {}}}) {
-    EXPECT_EQ(boxIntersections(plane), points);
+    EXPECT_EQ(box_intersections(plane), points);
   }
 }
 
@@ -110,8 +110,8 @@ TEST(ClipPlaneTest, TrianglesCoverTheCutAndWhatIsCutOff) {
   std::mt19937 generator(5);
   std::uniform_real_distribution<float> angle(-180.0F, 180.0F);
   std::uniform_real_distribution<double> place(-1.1, 1.1);
-  std::vector<View> views{viewAt(0, 0), viewAt(90, 0), viewAt(0, 45)};
-  for (int i = 0; i < 60; ++i) views.push_back(viewAt(angle(generator), angle(generator)));
+  std::vector<View> views{view_at(0, 0), view_at(90, 0), view_at(0, 45)};
+  for (int i = 0; i < 60; ++i) views.push_back(view_at(angle(generator), angle(generator)));
   for (const View& view : views) {
     for (const float value : {0.08F, 0.3F, 0.5F, 0.85F}) {
       ClipPlane clip;
@@ -120,28 +120,28 @@ TEST(ClipPlaneTest, TrianglesCoverTheCutAndWhatIsCutOff) {
       const glm::dvec3 normal(clip.plane());
       const auto distance = [&](const glm::dvec3& p) { return glm::dot(normal, p) + clip.plane().w; };
       for (int i = 0; i < 100; ++i) {
-        SCOPED_TRACE(testing::Message() << view.angleX << ", " << view.angleY << ", " << value);
+        SCOPED_TRACE(testing::Message() << view.angle_x << ", " << view.angle_y << ", " << value);
         glm::dvec3 p(place(generator), place(generator), place(generator));
-        const glm::dvec3 onPlane = p - normal * distance(p) / glm::dot(normal, normal);
-        const glm::dvec3 reach = glm::abs(onPlane);
+        const glm::dvec3 on_plane = p - normal * distance(p) / glm::dot(normal, normal);
+        const glm::dvec3 reach = glm::abs(on_plane);
         const double beyond = std::max({reach.x, reach.y, reach.z}) - 1.0;
         // Each part of the cut comes in both windings.
         if (std::abs(beyond) > 1e-4) {
-          ASSERT_EQ(covering(clip.cutFace(), onPlane, normal), std::pair(beyond < 0.0 ? 2 : 0, 0));
+          ASSERT_EQ(covering(clip.cut_face(), on_plane, normal), std::pair(beyond < 0.0 ? 2 : 0, 0));
         }
 
         const int axis = i % 3;
         p[axis] = i % 2 == 0 ? 1.0 : -1.0;
         glm::dvec3 outwards(0.0);
         outwards[axis] = p[axis];
-        const bool onFace = std::abs(p[(axis + 1) % 3]) < 1.0 && std::abs(p[(axis + 2) % 3]) < 1.0;
+        const bool on_face = std::abs(p[(axis + 1) % 3]) < 1.0 && std::abs(p[(axis + 2) % 3]) < 1.0;
         if (std::abs(distance(p)) < 1e-4) continue;
-        ASSERT_EQ(covering(removedFaces(clip.plane()), p, outwards).first, onFace && distance(p) < 0.0);
+        ASSERT_EQ(covering(removed_faces(clip.plane()), p, outwards).first, on_face && distance(p) < 0.0);
       }
     }
   }
-  EXPECT_TRUE(removedFaces({0, 0, -1, 2}).empty());
-  EXPECT_EQ(removedFaces({0, 0, -1, -2}).size(), 6U * 2U * 3U);
+  EXPECT_TRUE(removed_faces({0, 0, -1, 2}).empty());
+  EXPECT_EQ(removed_faces({0, 0, -1, -2}).size(), 6U * 2U * 3U);
 }
 
 TEST(SectionTrianglesTest, AreDrawnFromFarToNear) {
@@ -156,7 +156,7 @@ TEST(SectionTrianglesTest, AreDrawnFromFarToNear) {
     const bool orthographic = scene % 2 != 0;
     const glm::dvec3 eye(place(generator), place(generator), place(generator));
     const Triangles triangles =
-        sectionTriangles(sections, glm::vec4(glm::vec3(eye), orthographic ? 0.0F : 1.0F));
+        section_triangles(sections, glm::vec4(glm::vec3(eye), orthographic ? 0.0F : 1.0F));
     for (int ray = 0; ray < 200; ++ray) {
       const glm::dvec3 target(inside(generator), inside(generator), inside(generator));
       const Line line = orthographic ? Line{target + 10.0 * eye, -eye} : Line{eye, target - eye};

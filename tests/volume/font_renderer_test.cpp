@@ -2,6 +2,7 @@
 #include "volume/text/font_renderer.h"
 
 #include <cmath>
+
 #include <glm/gtc/matrix_transform.hpp>
 
 #include "hosting/offscreen/offscreen_target.h"
@@ -17,25 +18,25 @@ constexpr int height = 120;
 constexpr glm::vec3 color{1.0F, 0.5F, 0.25F};
 constexpr glm::vec3 background{0.1F, 0.2F, 0.6F};
 
-const LabelView flatView{glm::mat4(1.0F), glm::mat4(1.0F), glm::vec2(width, height)};
+const LabelView flat_view{glm::mat4(1.0F), glm::mat4(1.0F), glm::vec2(width, height)};
 
 class FontRendererGLTest : public testing::Test {
  protected:
   Picture draw(FontRenderer& font, const Label& label, const LabelView& view) {
     Picture picture(width, height);
-    target_.beginFrame(width, height);
+    target_.begin_frame(width, height);
     glClearColor(background.r, background.g, background.b, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     font.draw(label, color, view);
     EXPECT_FALSE(glIsEnabled(GL_BLEND));
-    target_.finishFrame(picture.bytes.data());
+    target_.finish_frame(picture.bytes.data());
     return picture;
   }
 
   OffscreenTarget target_;
 };
 
-LabelView perspectiveView(float zoom) {
+LabelView perspective_view(float zoom) {
   return {
       glm::perspective(glm::radians(5.0F + zoom), static_cast<float>(width) / static_cast<float>(height),
                        3.0F, 8.0F),
@@ -49,42 +50,42 @@ Picture expected(TextRasteriser& rasteriser, const Label& label, const LabelView
   const glm::vec4 clip = view.projection * view.modelview * glm::vec4(label.anchor, 1.0F);
   const glm::vec2 corner = (glm::vec2(clip) / clip.w + 1.0F) * 0.5F * view.viewport + label.offset;
   Picture picture(width, height);
-  picture.forEach([&](int x, int y) {
+  picture.for_each([&](int x, int y) {
     const int column = static_cast<int>(std::floor(static_cast<float>(x) + 0.5F - corner.x));
     const int row = static_cast<int>(std::floor(static_cast<float>(y) + 0.5F - corner.y));
     const bool inside = column >= 0 && column < text.width && row >= 0 && row < text.height;
     const int mask = inside ? text.pixels[static_cast<std::size_t>(row * text.width + column) * 4] : 0;
-    setPixel(picture, x, y, glm::dvec3(background) + glm::dvec3(color - background) * (mask / 255.0));
+    set_pixel(picture, x, y, glm::dvec3(background) + glm::dvec3(color - background) * (mask / 255.0));
   });
   return picture;
 }
 
 TEST_F(FontRendererGLTest, LabelsAreDrawnPixelByPixel) {
-  const auto expectDrawn = [this](int size, bool emphasis, const Label& label, const LabelView& view) {
+  const auto expect_drawn = [this](int size, bool emphasis, const Label& label, const LabelView& view) {
     FontRenderer font(size, emphasis);
     TextRasteriser rasteriser(size, emphasis);
     EXPECT_TRUE(agree(draw(font, label, view), expected(rasteriser, label, view))) << label.text;
   };
   for (const float zoom : {20.0F, 40.0F, 75.0F}) {
     for (const glm::vec2 offset : {glm::vec2(0.0F), glm::vec2(-31.0F, 7.0F)})
-      expectDrawn(18, false, {"0.25 mm", {0.31F, -0.12F, 0.43F}, offset}, perspectiveView(zoom));
+      expect_drawn(18, false, {"0.25 mm", {0.31F, -0.12F, 0.43F}, offset}, perspective_view(zoom));
   }
   // Cut by the viewport.
   for (const glm::vec3 anchor : {glm::vec3(-1.0F, -1.0F, 0.0F), glm::vec3(0.707F, 0.871F, 0.0F)})
-    expectDrawn(31, true, {"depth (mm)", anchor, {-7.25F, -5.0F}}, flatView);
+    expect_drawn(31, true, {"depth (mm)", anchor, {-7.25F, -5.0F}}, flat_view);
 }
 
 TEST_F(FontRendererGLTest, TheDepthOfTheAnchorCounts) {
   FontRenderer font(20, false);
   TextRasteriser rasteriser(20, false);
-  const Picture plain = expected(rasteriser, {"", {}, {}}, flatView);
+  const Picture plain = expected(rasteriser, {"", {}, {}}, flat_view);
   glClearDepth(0.5);
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LEQUAL);
   for (const float depth : {-0.5F, 0.5F}) {
     const Label label{"9", {0.004F, 0.0F, depth}, {}};
-    const Picture picture = draw(font, label, flatView);
-    EXPECT_TRUE(agree(picture, depth < 0.0F ? expected(rasteriser, label, flatView) : plain)) << depth;
+    const Picture picture = draw(font, label, flat_view);
+    EXPECT_TRUE(agree(picture, depth < 0.0F ? expected(rasteriser, label, flat_view) : plain)) << depth;
   }
   glDisable(GL_DEPTH_TEST);
   glClearDepth(1.0);
@@ -94,33 +95,33 @@ TEST_F(FontRendererGLTest, ATextIsRasterisedOnce) {
   GlSpy spy;
   {
     FontRenderer font(18, false);
-    draw(font, {"0.5", {}, {}}, flatView);
+    draw(font, {"0.5", {}, {}}, flat_view);
     EXPECT_EQ(spy.calls("glTexImage2D"), 1);
-    draw(font, {"0.5", {0.5F, 0.0F, 0.0F}, {3.0F, 4.0F}}, perspectiveView(10.0F));
+    draw(font, {"0.5", {0.5F, 0.0F, 0.0F}, {3.0F, 4.0F}}, perspective_view(10.0F));
     EXPECT_EQ(font.size("0.5").y, TextRasteriser(18, false).rasterise("0.5").height);
     EXPECT_EQ(spy.calls("glTexImage2D"), 1);
-    draw(font, {"1.0", {}, {}}, flatView);
+    draw(font, {"1.0", {}, {}}, flat_view);
     EXPECT_EQ(font.size(""), glm::ivec2(0));
-    draw(font, {"", {}, {}}, flatView);
+    draw(font, {"", {}, {}}, flat_view);
     EXPECT_EQ(spy.calls("glTexImage2D"), 2);
   }
   EXPECT_EQ(spy.calls("glGenTextures"), 2);
-  EXPECT_EQ(spy.liveObjects(), 3U) << "more than the target's framebuffer and its two renderbuffers";
+  EXPECT_EQ(spy.live_objects(), 3U) << "more than the target's framebuffer and its two renderbuffers";
 }
 
 TEST_F(FontRendererGLTest, FailuresLeaveNothingBehind) {
-  target_.beginFrame(width, height);
+  target_.begin_frame(width, height);
   GlSpy spy;
-  spy.failNext("glGenBuffers");
-  EXPECT_EQ(failureOf([] { FontRenderer(18, false); }), "Could not create OpenGL buffer. ");
-  EXPECT_EQ(spy.liveObjects(), 0U);
+  spy.fail_next("glGenBuffers");
+  EXPECT_EQ(failure_of([] { FontRenderer(18, false); }), "Could not create OpenGL buffer. ");
+  EXPECT_EQ(spy.live_objects(), 0U);
 
   FontRenderer font(18, false);
-  const std::size_t before = spy.liveObjects();
-  spy.failNext("glTexImage2D");
-  EXPECT_EQ(failureOf([&] { font.size("7"); }).find("An OpenGL error in FontRenderer::rasterise occured: "),
+  const std::size_t before = spy.live_objects();
+  spy.fail_next("glTexImage2D");
+  EXPECT_EQ(failure_of([&] { font.size("7"); }).find("An OpenGL error in FontRenderer::rasterise occured: "),
             0U);
-  EXPECT_EQ(spy.liveObjects(), before);
+  EXPECT_EQ(spy.live_objects(), before);
   EXPECT_EQ(font.size("7").y, TextRasteriser(18, false).rasterise("7").height) << "the next try works";
 }
 

@@ -1,8 +1,8 @@
 // A machine that has fonts, but not the one that is asked for.
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include <algorithm>
+
+#include <windows.h>
+#include <gtest/gtest.h>
 
 #include "volume/text/text_rasteriser.h"
 
@@ -14,7 +14,7 @@ int CALLBACK found(const LOGFONTA*, const TEXTMETRICA*, DWORD, LPARAM result) {
   return 0;
 }
 
-bool faceExists(const char* name) {
+bool face_exists(const char* name) {
   LOGFONTA wanted{};
   wanted.lfCharSet = DEFAULT_CHARSET;
   std::copy_n(name, std::char_traits<char>::length(name), wanted.lfFaceName);
@@ -26,7 +26,7 @@ bool faceExists(const char* name) {
 }
 
 TEST(MissingFaceTest, AnotherFaceTakesItsPlace) {
-  if (faceExists("Segoe UI")) GTEST_SKIP() << "this machine has the face Segoe UI";
+  if (face_exists("Segoe UI")) GTEST_SKIP() << "this machine has the face Segoe UI";
   const auto ink = [](bool emphasis) {
     const TextPicture picture = TextRasteriser(30, emphasis).rasterise("0.25 mm");
     EXPECT_NEAR(picture.height, 30, 1);

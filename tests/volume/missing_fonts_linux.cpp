@@ -1,6 +1,6 @@
-#include <fontconfig/fontconfig.h>
-
 #include "volume/missing_fonts.h"
+
+#include <fontconfig/fontconfig.h>
 
 namespace oct::test {
 

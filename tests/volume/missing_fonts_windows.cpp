@@ -1,36 +1,36 @@
-#include <windows.h>
-
 #include "volume/missing_fonts.h"
 
+#include <windows.h>
+
 // This program's entry for the function in its table of imports.
-extern "C" decltype(&DrawTextA) importedDrawText asm("__imp_DrawTextA");
+extern "C" decltype(&DrawTextA) imported_draw_text asm("__imp_DrawTextA");
 
 namespace oct::test {
 namespace {
 
-decltype(&DrawTextA) drawText = nullptr;
+decltype(&DrawTextA) draw_text = nullptr;
 
 // Without any font GDI gives font objects all the same, and then measures and draws nothing.
-int WINAPI drawNothing(HDC, LPCSTR, int, LPRECT, UINT) {
+int WINAPI draw_nothing(HDC, LPCSTR, int, LPRECT, UINT) {
   return 0;
 }
 
-void setImport(decltype(&DrawTextA) function) {
+void set_import(decltype(&DrawTextA) function) {
   DWORD protection = 0;
-  VirtualProtect(&importedDrawText, sizeof importedDrawText, PAGE_READWRITE, &protection);
-  importedDrawText = function;
-  VirtualProtect(&importedDrawText, sizeof importedDrawText, protection, &protection);
+  VirtualProtect(&imported_draw_text, sizeof imported_draw_text, PAGE_READWRITE, &protection);
+  imported_draw_text = function;
+  VirtualProtect(&imported_draw_text, sizeof imported_draw_text, protection, &protection);
 }
 
 }  // namespace
 
 MissingFonts::MissingFonts() {
-  drawText = importedDrawText;
-  setImport(drawNothing);
+  draw_text = imported_draw_text;
+  set_import(draw_nothing);
 }
 
 MissingFonts::~MissingFonts() {
-  setImport(drawText);
+  set_import(draw_text);
 }
 
 }  // namespace oct::test

@@ -8,20 +8,20 @@ class OfflineTest : public VolumeTest {
  protected:
   const float* voxels() const { return scene_.volume.voxels.data(); }
   const float* slice(int index) const {
-    return voxels() + static_cast<std::size_t>(index) * scene_.volume.sliceVoxels();
+    return voxels() + static_cast<std::size_t>(index) * scene_.volume.slice_voxels();
   }
 };
 
 TEST_F(OfflineTest, MisuseIsRefusedAndChangesNothing) {
-  expectNullRefused("The specified OfflineRenderingHandle is invalid. ", setOfflineRenderingRenderer,
-                    setOfflineAspectRatio, allocateOfflineVolume, uploadOfflineVolume,
-                    uploadOfflineVolumeOverlay, uploadOfflineSubVolume, uploadOfflineVolumeSlice,
-                    uploadOverlayOfflineVolume, renderOfflineVolume);
-  expectNullRefused("The specified VolumeRendererHandle is invalid. ", uploadOfflineSecondaryData);
+  expect_null_refused("The specified OfflineRenderingHandle is invalid. ", setOfflineRenderingRenderer,
+                      setOfflineAspectRatio, allocateOfflineVolume, uploadOfflineVolume,
+                      uploadOfflineVolumeOverlay, uploadOfflineSubVolume, uploadOfflineVolumeSlice,
+                      uploadOverlayOfflineVolume, renderOfflineVolume);
+  expect_null_refused("The specified VolumeRendererHandle is invalid. ", uploadOfflineSecondaryData);
   clearOfflineRendering(nullptr);
   const OfflineRenderingHandle alone = createOfflineRendering();
   renderOfflineVolume(alone, 0);
-  expectNoError();
+  expect_no_error();
 
   stage_.draw(scene_);
   Picture picture(80, 60);
@@ -33,7 +33,7 @@ TEST_F(OfflineTest, MisuseIsRefusedAndChangesNothing) {
   const OfflineRenderingHandle h = offline_;
   const std::string content = "Content type is not supported for rendering. ";
   const std::string outside = "The slices lie outside the allocated volume. ";
-  expectRefused({
+  expect_refused({
       {content, [=] { renderOfflineVolume(alone, 3); }},
       {content, [=] { renderOfflineVolume(h, -1); }},
       {content, [=] { renderOfflineVolume(h, 3); }},
@@ -56,12 +56,12 @@ TEST_F(OfflineTest, MisuseIsRefusedAndChangesNothing) {
        [=] { allocateOfflineVolume(h, 4, limit + 1, 4); }},
   });
   allocateOfflineVolume(h, limit, limit, limit);
-  EXPECT_TRUE(contains(pendingError(), " voxels needs a texture of "));
+  EXPECT_TRUE(contains(pending_error(), " voxels needs a texture of "));
   finishOffscreenFrame(stage_.target, picture.bytes.data());
   EXPECT_EQ(picture.bgra(40, 30), (std::array<int, 4>{255, 0, 255, 255})) << "nothing was drawn";
   EXPECT_TRUE(shows(scene_));
   clearOfflineRendering(alone);
-  expectNoError();
+  expect_no_error();
 }
 
 // A client may leave pixel transfer settings of its own in the context.
@@ -75,40 +75,40 @@ TEST_F(OfflineTest, SameSizesKeepTheVolumeAndUploadsReadPackedMemory) {
   glPixelStorei(GL_UNPACK_ROW_LENGTH, 50);
   glPixelStorei(GL_UNPACK_IMAGE_HEIGHT, 70);
   glPixelStorei(GL_UNPACK_SKIP_IMAGES, 1);
-  scene_.volume = testVolume(9, 21, 6);
+  scene_.volume = test_volume(9, 21, 6);
   stage_.prepare(scene_);
   EXPECT_TRUE(shows(scene_));
-  EXPECT_EQ(source().sliceCount, 6);
+  EXPECT_EQ(source().slice_count, 6);
 }
 
 TEST_F(OfflineTest, PartsAddUpToTheWhole) {
   apply(scene_, renderer_);
   setOfflineAspectRatio(offline_, 1.0F, 1.0F, 1.0F);
   allocateOfflineVolume(offline_, 14, 12, 10);
-  const auto showsSlices = [&](int filled) {
-    scene_.slicesUploaded = filled;
-    EXPECT_EQ(source().filledFraction, static_cast<float>(filled) / 10.0F);
+  const auto shows_slices = [&](int filled) {
+    scene_.slices_uploaded = filled;
+    EXPECT_EQ(source().filled_fraction, static_cast<float>(filled) / 10.0F);
     EXPECT_TRUE(shows(scene_)) << filled;
   };
   uploadOfflineSubVolume(offline_, 0, 4, slice(0));
-  showsSlices(4);
+  shows_slices(4);
   uploadOfflineSubVolume(offline_, 4, 7, slice(4));
-  showsSlices(7);
+  shows_slices(7);
   for (int i = 7; i < 10; ++i) {
     uploadOfflineVolumeSlice(offline_, i, slice(i));
-    showsSlices(i);  // the last slice alone leaves the box one slice short
+    shows_slices(i);  // the last slice alone leaves the box one slice short
   }
   uploadOfflineSubVolume(offline_, 9, 10, slice(9));
-  showsSlices(10);
+  shows_slices(10);
   setRenderingMode(renderer_, 1);
   const Picture sections = frame();
   uploadOfflineSubVolume(offline_, 0, 10, nullptr);
   EXPECT_TRUE(agree(frame(), sections, exact)) << "slices are shown whole, whatever is filled";
   setRenderingMode(renderer_, 0);
-  scene_.volume = testVolume(14, 12, 10, 5);
+  scene_.volume = test_volume(14, 12, 10, 5);
   uploadOfflineVolumeOverlay(offline_, voxels());
-  showsSlices(10);
-  expectNoError();
+  shows_slices(10);
+  expect_no_error();
 }
 
 TEST_F(OfflineTest, AnUploadShowsTheVolumeHidesTheSurfaceAndIsCounted) {
@@ -118,7 +118,7 @@ TEST_F(OfflineTest, AnUploadShowsTheVolumeHidesTheSurfaceAndIsCounted) {
     const char* name;
     std::function<void()> change;
     bool counts = true;
-    bool hidesSurface = true;
+    bool hides_surface = true;
   };
   const Case cases[] = {
       {"volume", [&] { uploadOfflineVolume(h, voxels()); }},
@@ -131,19 +131,19 @@ TEST_F(OfflineTest, AnUploadShowsTheVolumeHidesTheSurfaceAndIsCounted) {
       {"clear", [&] { clearVolumeRenderer(renderer_); }},
       {"allocation", [=] { allocateOfflineVolume(h, 3, 3, 3); }, true, false},
   };
-  for (const auto& [name, change, counts, hidesSurface] : cases) {
+  for (const auto& [name, change, counts, hides_surface] : cases) {
     setRenderElements(renderer_, 0, 1);
     const std::uint64_t before = source().revision;
     change();
     EXPECT_EQ(source().revision > before, counts) << name;
-    EXPECT_EQ(settings().renderSurface, !hidesSurface) << name;
-    EXPECT_EQ(settings().renderVolume, hidesSurface && name != std::string("clear")) << name;
+    EXPECT_EQ(settings().render_surface, !hides_surface) << name;
+    EXPECT_EQ(settings().render_volume, hides_surface && name != std::string("clear")) << name;
   }
 }
 
 TEST_F(OfflineTest, OverlaysComeAndGo) {
-  scene_.overlay = testVolume(14, 12, 10, 3);
-  scene_.overlayColoring = {rampColors(16, 1.0), 0.2, 1.1};
+  scene_.overlay = test_volume(14, 12, 10, 3);
+  scene_.overlay_coloring = {ramp_colors(16, 1.0), 0.2, 1.1};
   scene_.mode = 0;
   VolumeScene both = scene_;
   both.content = 2;
@@ -153,17 +153,17 @@ TEST_F(OfflineTest, OverlaysComeAndGo) {
   EXPECT_TRUE(shows(scene_, 2)) << "no overlay to lay over";
   uploadOverlayOfflineVolume(offline_, scene_.overlay.voxels.data());
   EXPECT_TRUE(shows(both, 2));
-  expectNoError();
+  expect_no_error();
 }
 
 TEST_F(OfflineTest, SecondaryDataComesInBlocks) {
-  scene_.secondary = testVolume(3, 12, 10, 4);
-  scene_.secondaryColoring.colors = opaqueColors(8);
-  scene_.secondaryIndex = 2;
+  scene_.secondary = test_volume(3, 12, 10, 4);
+  scene_.secondary_coloring.colors = opaque_colors(8);
+  scene_.secondary_index = 2;
   scene_.mode = 3;
   stage_.prepare(scene_);
   EXPECT_TRUE(shows(scene_));
-  EXPECT_EQ(source().secondarySliceCount, 3);
+  EXPECT_EQ(source().secondary_slice_count, 3);
 
   const float* const data = scene_.secondary.voxels.data();
   const auto upload = [&](unsigned first, unsigned count, const float* block) {
@@ -172,13 +172,13 @@ TEST_F(OfflineTest, SecondaryDataComesInBlocks) {
   upload(0, 10, nullptr);
   EXPECT_EQ(source().secondary, 0U);
   upload(4, 6, data + 4 * 36);
-  EXPECT_EQ(pendingError(), "The first block of secondary data must start at 0. ");
+  EXPECT_EQ(pending_error(), "The first block of secondary data must start at 0. ");
   upload(0, 4, data);
   upload(4, 6, data + 4 * 36);
-  expectNoError();
+  expect_no_error();
   EXPECT_TRUE(shows(scene_));
   const std::string outside = "The secondary data lies outside its texture. ";
-  expectRefused({{outside, [&] { upload(4, 7, data); }}, {outside, [&] { upload(0xFFFFFFFFU, 1, data); }}});
+  expect_refused({{outside, [&] { upload(4, 7, data); }}, {outside, [&] { upload(0xFFFFFFFFU, 1, data); }}});
   EXPECT_TRUE(shows(scene_));
 }
 

@@ -1,12 +1,12 @@
 // Scale marks: steps, and a layout that a person can read from every side. Without OpenGL.
 #include "volume/layout/scale_marks.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <set>
+
+#include <gtest/gtest.h>
 
 #include "volume/layout/box_view.h"
 
@@ -24,12 +24,12 @@ TEST(TickStepTest, IsOneTwoOrFiveTimesAPowerOfTen) {
         Case{5.0, 5.0, 0, 1.0}, Case{5.1, 10.0, 0, 2.0}, Case{0.1, 0.1, 1, 0.02},
         Case{0.0101, 0.02, 2, 0.005}, Case{0.5, 0.5, 1, 0.1}, Case{0.3, 0.5, 1, 0.1},
         Case{1000.0, 1000.0, 0, 200.0}, Case{0.001, 0.001, 3, 0.0002}, Case{73.0, 100.0, 0, 20.0}}) {
-    const TickStep step = TickStep::atLeast(c.value);
+    const TickStep step = TickStep::at_least(c.value);
     EXPECT_DOUBLE_EQ(step.value(), c.step) << c.value;
     EXPECT_EQ(step.decimals(), c.decimals) << c.value;
     EXPECT_DOUBLE_EQ(step.minor(), c.minor) << c.value;
   }
-  TickStep step = TickStep::atLeast(0.1);
+  TickStep step = TickStep::at_least(0.1);
   for (const double expected : {0.2, 0.5, 1.0, 2.0, 5.0, 10.0, 20.0}) {
     step = step.next();
     EXPECT_DOUBLE_EQ(step.value(), expected);
@@ -42,27 +42,27 @@ glm::ivec2 measured(const std::string& text, bool caption) {
   return {static_cast<int>(text.size()) * (caption ? 9 : 8), 16};
 }
 
-Camera cameraAt(float angleX, float angleY, double zoom = 45.0, bool perspective = true,
-                Viewport viewport = {900, 700}) {
+Camera camera_at(float angle_x, float angle_y, double zoom = 45.0, bool perspective = true,
+                 Viewport viewport = {900, 700}) {
   View view;
-  view.angleX = angleX;
-  view.angleY = angleY;
+  view.angle_x = angle_x;
+  view.angle_y = angle_y;
   view.zoom = zoom;
   view.perspective = perspective;
-  return cameraOf(view, rangeOf(2.0, 3.2, 4.7), viewport);
+  return camera_of(view, range_of(2.0, 3.2, 4.7), viewport);
 }
 
-ScaleMarks marksOf(const Camera& camera, const glm::vec3& size = extent) {
-  return scaleMarks(camera, size, MarkStyle::forFont(16), measured);
+ScaleMarks marks_of(const Camera& camera, const glm::vec3& size = extent) {
+  return scale_marks(camera, size, MarkStyle::for_font(16), measured);
 }
 
-std::vector<Camera> allSides() {
+std::vector<Camera> all_sides() {
   std::vector<Camera> cameras;
   for (float x = -170.0F; x <= 170.0F; x += 37.0F) {
     for (float y = -175.0F; y <= 175.0F; y += 31.0F) {
-      cameras.push_back(cameraAt(x, y));
-      cameras.push_back(cameraAt(x, y, 40.0, false));
-      cameras.push_back(cameraAt(x, y, 45.0, true, {300, 260}));
+      cameras.push_back(camera_at(x, y));
+      cameras.push_back(camera_at(x, y, 40.0, false));
+      cameras.push_back(camera_at(x, y, 45.0, true, {300, 260}));
     }
   }
   return cameras;
@@ -73,9 +73,9 @@ glm::vec2 window(const Camera& camera, const glm::vec3& device) {
 }
 
 // Whether the point lies in the picture of the box: inside the convex outline of its corners.
-bool onBox(const Camera& camera, const glm::vec2& point) {
+bool on_box(const Camera& camera, const glm::vec2& point) {
   std::vector<glm::vec2> corners;
-  for (const glm::vec3& corner : boxEdges()) corners.emplace_back(*onScreen(camera, corner));
+  for (const glm::vec3& corner : box_edges()) corners.emplace_back(*on_screen(camera, corner));
   for (double angle = 0.0; angle < 6.283; angle += 0.01) {
     const glm::vec2 direction(std::cos(angle), std::sin(angle));
     float reach = -1e9F;
@@ -85,7 +85,7 @@ bool onBox(const Camera& camera, const glm::vec2& point) {
   return true;
 }
 
-int axisOf(const glm::vec3& anchor) {
+int axis_of(const glm::vec3& anchor) {
   for (int axis = 0; axis < 3; ++axis) {
     if (std::abs(anchor[axis]) != 1.0F) return axis;
   }
@@ -104,24 +104,24 @@ struct Rectangle {
 
 // Whether a number is that of its anchor. A corner of the box ends several axes; there the first or last
 // number of one of them stands.
-bool tellsItsPlace(const MarkLabel& label) {
-  const glm::vec3 ofModel(extent.y, extent.x, extent.z);
+bool tells_its_place(const MarkLabel& label) {
+  const glm::vec3 of_model(extent.y, extent.x, extent.z);
   const double value = std::atof(label.text.c_str());
-  const int own = axisOf(label.anchor);
+  const int own = axis_of(label.anchor);
   for (int axis = 0; axis < 3; ++axis) {
-    const double place = (static_cast<double>(label.anchor[axis]) + 1.0) / 2.0 * ofModel[axis];
-    if ((own < 0 || own == axis) && std::abs(place - value) < 1e-4 * ofModel[axis]) return true;
+    const double place = (static_cast<double>(label.anchor[axis]) + 1.0) / 2.0 * of_model[axis];
+    if ((own < 0 || own == axis) && std::abs(place - value) < 1e-4 * of_model[axis]) return true;
   }
   return false;
 }
 
 TEST(ScaleMarksTest, LabelsReadWellFromAllSides) {
-  for (const Camera& camera : allSides()) {
-    const auto labels = marksOf(camera).labels;
+  for (const Camera& camera : all_sides()) {
+    const auto labels = marks_of(camera).labels;
     EXPECT_GE(labels.size(), 2U);
     std::set<int> numbered;
-    std::set<int> told;         // axes that tell their unit
-    std::size_t atCorners = 0;  // units at a corner, which several axes share
+    std::set<int> told;          // axes that tell their unit
+    std::size_t at_corners = 0;  // units at a corner, which several axes share
     for (std::size_t i = 0; i < labels.size(); ++i) {
       SCOPED_TRACE(labels[i].text);
       const Rectangle own(labels[i]);
@@ -132,48 +132,48 @@ TEST(ScaleMarksTest, LabelsReadWellFromAllSides) {
       for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(own.overlaps(Rectangle(labels[j]))) << labels[j].text;
 
       const glm::vec2 middle = 0.5F * (own.low + own.high);
-      const glm::vec2 anchor(*onScreen(camera, labels[i].anchor));
-      EXPECT_FALSE(onBox(camera, middle));
+      const glm::vec2 anchor(*on_screen(camera, labels[i].anchor));
+      EXPECT_FALSE(on_box(camera, middle));
       EXPECT_NEAR(glm::length(anchor + labels[i].offset - own.low), 0.0F, 0.01F);
       EXPECT_LT(glm::length(middle - anchor), labels[i].caption ? 200.0F : 50.0F) << "beside its place";
-      EXPECT_TRUE(labels[i].caption || tellsItsPlace(labels[i]));
+      EXPECT_TRUE(labels[i].caption || tells_its_place(labels[i]));
 
-      const int axis = axisOf(labels[i].anchor);
+      const int axis = axis_of(labels[i].anchor);
       const bool unit = labels[i].text.find("mm") != std::string::npos;
       if (axis >= 0) (unit ? told : numbered).insert(axis);
-      atCorners += axis < 0 && unit;
+      at_corners += axis < 0 && unit;
     }
     for (const int axis : told) numbered.erase(axis);
     const bool large = camera.viewport.width >= 400;  // a small one has no room for all units
-    EXPECT_TRUE(!large || numbered.size() <= atCorners);
+    EXPECT_TRUE(!large || numbered.size() <= at_corners);
   }
 }
 
 TEST(ScaleMarksTest, TicksPointOutwardsAndKeepTheirSizeInPixels) {
-  const MarkStyle style = MarkStyle::forFont(16);
+  const MarkStyle style = MarkStyle::for_font(16);
   for (const double zoom : {30.0, 45.0, 90.0}) {
-    const Camera camera = cameraAt(25, -35, zoom);
-    const auto ticks = marksOf(camera).ticks;
+    const Camera camera = camera_at(25, -35, zoom);
+    const auto ticks = marks_of(camera).ticks;
     EXPECT_GT(ticks.size(), 20U);
     int major = 0;
     for (std::size_t i = 0; i < ticks.size(); i += 2) {
       const glm::vec2 foot = window(camera, ticks[i]);
       const glm::vec2 tip = window(camera, ticks[i + 1]);
       const float length = glm::length(tip - foot);
-      const bool isMajor = std::abs(length - style.tick) < 0.02F;
-      EXPECT_TRUE(isMajor || std::abs(length - style.minorTick) < 0.02F) << length;
-      major += isMajor;
-      EXPECT_TRUE(onBox(camera, foot));
-      EXPECT_FALSE(onBox(camera, tip));
+      const bool is_major = std::abs(length - style.tick) < 0.02F;
+      EXPECT_TRUE(is_major || std::abs(length - style.minor_tick) < 0.02F) << length;
+      major += is_major;
+      EXPECT_TRUE(on_box(camera, foot));
+      EXPECT_FALSE(on_box(camera, tip));
       EXPECT_EQ(ticks[i].z, ticks[i + 1].z);
     }
     EXPECT_GE(major, 6);
   }
 }
 
-std::multiset<std::string> captionsOf(const Camera& camera) {
+std::multiset<std::string> captions_of(const Camera& camera) {
   std::multiset<std::string> captions;
-  for (const MarkLabel& label : marksOf(camera).labels) {
+  for (const MarkLabel& label : marks_of(camera).labels) {
     if (label.caption) captions.insert(label.text);
   }
   return captions;
@@ -181,16 +181,16 @@ std::multiset<std::string> captionsOf(const Camera& camera) {
 
 TEST(ScaleMarksTest, EveryAxisNamesItselfUnlessItIsSeenEndOn) {
   using Captions = std::multiset<std::string>;
-  EXPECT_EQ(captionsOf(cameraAt(25, -35)), (Captions{"depth (mm)", "x (mm)", "y (mm)"}));
+  EXPECT_EQ(captions_of(camera_at(25, -35)), (Captions{"depth (mm)", "x (mm)", "y (mm)"}));
   for (const bool perspective : {true, false})
-    EXPECT_EQ(captionsOf(cameraAt(0, 0, 45.0, perspective)), (Captions{"depth (mm)", "x (mm)"}));
+    EXPECT_EQ(captions_of(camera_at(0, 0, 45.0, perspective)), (Captions{"depth (mm)", "x (mm)"}));
 }
 
 TEST(ScaleMarksTest, WithoutRoomForACaptionTheLastNumberTellsTheUnit) {
   // The box reaches nearly from rim to rim.
-  const Camera camera = cameraAt(0, 0, 31.0, false, {160, 400});
+  const Camera camera = camera_at(0, 0, 31.0, false, {160, 400});
   bool unit = false;
-  for (const MarkLabel& label : marksOf(camera, extent).labels) {
+  for (const MarkLabel& label : marks_of(camera, extent).labels) {
     EXPECT_NE(label.text, "depth (mm)");
     unit |= label.text == "2.0 mm" || label.text == "1.5 mm" || label.text == "2 mm";
   }
@@ -199,41 +199,41 @@ TEST(ScaleMarksTest, WithoutRoomForACaptionTheLastNumberTellsTheUnit) {
 
 TEST(ScaleMarksTest, DepthStartsAtTheTopLeft) {
   std::vector<std::pair<double, float>> numbers;  // with their height from above
-  for (const MarkLabel& label : marksOf(cameraAt(0, 0)).labels) {
-    if (label.caption || axisOf(label.anchor) != 1) continue;
+  for (const MarkLabel& label : marks_of(camera_at(0, 0)).labels) {
+    if (label.caption || axis_of(label.anchor) != 1) continue;
     EXPECT_EQ(label.anchor.x, -1.0F);
     EXPECT_LT(label.position.x, 450.0F);
     numbers.emplace_back(std::atof(label.text.c_str()), -label.position.y);
   }
   EXPECT_GE(numbers.size(), 3U);
-  const auto isNoStepDown = [](const auto& a, const auto& b) {
+  const auto is_no_step_down = [](const auto& a, const auto& b) {
     return !(a.first < b.first && a.second < b.second);
   };
-  EXPECT_EQ(std::adjacent_find(numbers.begin(), numbers.end(), isNoStepDown), numbers.end());
+  EXPECT_EQ(std::adjacent_find(numbers.begin(), numbers.end(), is_no_step_down), numbers.end());
 }
 
-std::size_t numbersAlong(int axis, const ScaleMarks& marks) {
+std::size_t numbers_along(int axis, const ScaleMarks& marks) {
   return static_cast<std::size_t>(
       std::count_if(marks.labels.begin(), marks.labels.end(),
-                    [&](const MarkLabel& label) { return !label.caption && axisOf(label.anchor) == axis; }));
+                    [&](const MarkLabel& label) { return !label.caption && axis_of(label.anchor) == axis; }));
 }
 
 TEST(ScaleMarksTest, TheStepComesFromTheRangeAndGrowsWhereThereIsNoRoom) {
   // 3.2 mm in at most six intervals: 1 mm; seen from afar, fewer.
-  const auto near = numbersAlong(0, marksOf(cameraAt(20, 10, 45.0)));
+  const auto near = numbers_along(0, marks_of(camera_at(20, 10, 45.0)));
   EXPECT_EQ(near, 3U);
-  EXPECT_LE(numbersAlong(0, marksOf(cameraAt(20, 10, 160.0))), 2U);
-  EXPECT_EQ(numbersAlong(0, marksOf(cameraAt(20, 10, 45.0), {2.0F, 0.12F, 4.7F})), 5U)
+  EXPECT_LE(numbers_along(0, marks_of(camera_at(20, 10, 160.0))), 2U);
+  EXPECT_EQ(numbers_along(0, marks_of(camera_at(20, 10, 45.0), {2.0F, 0.12F, 4.7F})), 5U)
       << "0.02 mm apart, and one at either corner";
 }
 
 TEST(ScaleMarksTest, NothingForARangeOrAViewWithoutExtent) {
-  EXPECT_TRUE(marksOf(cameraAt(20, 10), {0.0F, 0.0F, 0.0F}).labels.empty());
+  EXPECT_TRUE(marks_of(camera_at(20, 10), {0.0F, 0.0F, 0.0F}).labels.empty());
   const float nan = std::numeric_limits<float>::quiet_NaN();
-  EXPECT_TRUE(marksOf(cameraAt(20, 10), {nan, nan, nan}).ticks.empty());
+  EXPECT_TRUE(marks_of(camera_at(20, 10), {nan, nan, nan}).ticks.empty());
   View inside;
   inside.translation = {0, 0, 5};  // the viewer stands in the middle of the box
-  EXPECT_NO_THROW(marksOf(cameraOf(inside, rangeOf(2.0, 3.2, 4.7), {900, 700})));
+  EXPECT_NO_THROW(marks_of(camera_of(inside, range_of(2.0, 3.2, 4.7), {900, 700})));
 }
 
 }  // namespace

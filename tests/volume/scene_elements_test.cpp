@@ -13,27 +13,27 @@ namespace {
 class SceneElementsTest : public VolumeTest {
  protected:
   SceneElementsTest() {
-    scene_.viewportWidth = 200;
-    scene_.viewportHeight = 160;
-    scene_.angleX = 25.0;
-    scene_.angleY = -35.0;
+    scene_.viewport_width = 200;
+    scene_.viewport_height = 160;
+    scene_.angle_x = 25.0;
+    scene_.angle_y = -35.0;
     scene_.range = {1.5F, 2.0F, 2.5F};
     scene_.zoom = 45.0;
     scene_.mode = 0;
     scene_.coloring = {{0x00000000U, 0x00000000U}, 0.0, 1.0};  // nothing is seen of the volume
-    scene_.backgroundBottom = scene_.backgroundTop = 0x000000FFU;
+    scene_.background_bottom = scene_.background_top = 0x000000FFU;
   }
 
-  void frameAll() { scene_.scaleMarks = scene_.edges = scene_.box = true; }
+  void frame_all() { scene_.scale_marks = scene_.edges = scene_.box = true; }
 };
 
 TEST_F(SceneElementsTest, AnOpaqueVolumeHidesTheEdgesBehindIt) {
   scene_.coloring = {{0xFF000000U, 0xFF000000U}, -1.0, 2.0};
   scene_.edges = true;
   const Picture drawn = stage_.draw(scene_);
-  ReferencePicture expected = referencePicture(scene_);
-  const glm::dvec2 farCorner = ReferenceCamera(scene_).toWindow({-1, 1, -1});
-  const auto hidden = [&](const auto& edge) { return edge.first == farCorner || edge.second == farCorner; };
+  ReferencePicture expected = reference_picture(scene_);
+  const glm::dvec2 far_corner = ReferenceCamera(scene_).to_window({-1, 1, -1});
+  const auto hidden = [&](const auto& edge) { return edge.first == far_corner || edge.second == far_corner; };
   for (const auto& edge : expected.lines) {
     if (!hidden(edge)) continue;
     const glm::ivec2 middle = 0.5 * (edge.first + edge.second);
@@ -42,20 +42,20 @@ TEST_F(SceneElementsTest, AnOpaqueVolumeHidesTheEdgesBehindIt) {
     }
   }
   EXPECT_EQ(std::erase_if(expected.lines, hidden), 3U);
-  EXPECT_TRUE(linesShow(drawn, expected, scene_));
+  EXPECT_TRUE(lines_show(drawn, expected, scene_));
 }
 
 TEST_F(SceneElementsTest, TheForegroundColoursEverything) {
-  frameAll();
+  frame_all();
   scene_.coloring.colors = {0xFF000000U};
   scene_.foreground = 0x00FF00FFU;
   for (const bool sectional : {false, true}) {
     scene_.sectional = sectional;
-    scene_.clip = scene_.removedSegment = !sectional;
-    scene_.clipValue = 0.45F;
+    scene_.clip = scene_.removed_segment = !sectional;
+    scene_.clip_value = 0.45F;
     int lit = 0;
     const Picture drawn = stage_.draw(scene_);
-    drawn.forEach([&](int column, int row) {
+    drawn.for_each([&](int column, int row) {
       const auto [blue, green, red, alpha] = drawn.bgra(column, row);
       ASSERT_EQ(blue + red, 0);
       ASSERT_EQ(alpha, 255) << "an opaque picture stays opaque";
@@ -67,9 +67,9 @@ TEST_F(SceneElementsTest, TheForegroundColoursEverything) {
 
 // A label that shows the same text at another angle consists of the same pixels somewhere else.
 TEST_F(SceneElementsTest, LabelsKeepTheirPixelsWhileTheBoxTurns) {
-  scene_.viewportWidth = 400;
-  scene_.viewportHeight = 320;
-  scene_.scaleMarks = true;
+  scene_.viewport_width = 400;
+  scene_.viewport_height = 320;
+  scene_.scale_marks = true;
   const auto ink = [this] {
     const Picture picture = stage_.draw(scene_);
     double sum = 0.0;
@@ -79,76 +79,76 @@ TEST_F(SceneElementsTest, LabelsKeepTheirPixelsWhileTheBoxTurns) {
   const double marks = ink();
   EXPECT_GT(marks, 400.0) << "numbers, captions and ticks";
   EXPECT_LT(marks, 6000.0);
-  scene_.angleY += 1.0;
+  scene_.angle_y += 1.0;
   EXPECT_NEAR(ink(), marks, 0.2 * marks);
 
-  constexpr const char* noFont = "No font was found for text labels. ";
-  const auto failure = [] { return failureOf([] { TextRasteriser(18, false); }); };
+  constexpr const char* no_font = "No font was found for text labels. ";
+  const auto failure = [] { return failure_of([] { TextRasteriser(18, false); }); };
   stage_.restart();
   {
     const MissingFonts none;
-    EXPECT_EQ(failure(), noFont);
+    EXPECT_EQ(failure(), no_font);
     const double ticks = ink();
-    EXPECT_EQ(pendingError(), noFont);
+    EXPECT_EQ(pending_error(), no_font);
     EXPECT_GT(ticks, 100.0) << "everything but the labels is drawn";
     EXPECT_LT(ticks, marks - 200.0);
   }
   EXPECT_EQ(failure(), "(none)");
   EXPECT_NEAR(ink(), marks, 0.2 * marks);
-  expectNoError();
+  expect_no_error();
 }
 
 // Where ticks and labels stand, and that they read well, was looked at. Fonts differ from machine to machine:
 // their pixels may differ, what is not text may not.
 TEST_F(SceneElementsTest, TheFrameLooksAsAccepted) {
-  scene_ = sceneOf(testVolume(8, 8, 8), 420, 320, 25.0, -35.0);
+  scene_ = scene_of(test_volume(8, 8, 8), 420, 320, 25.0, -35.0);
   scene_.range = {1.5F, 2.0F, 2.5F};
   scene_.zoom = 42.0;
   scene_.coloring.colors = {0x00000000U, 0x00000000U};
-  frameAll();
-  EXPECT_TRUE(looksLike(stage_.draw(scene_), "frame_with_scale_marks", {12, 0.97, 255, 3.0}));
-  expectNoError();
+  frame_all();
+  EXPECT_TRUE(looks_like(stage_.draw(scene_), "frame_with_scale_marks", {12, 0.97, 255, 3.0}));
+  expect_no_error();
 }
 
 TEST_F(SceneElementsTest, NothingIsLeftBehindAndNothingIsMadeTwice) {
-  frameAll();
-  scene_.clip = scene_.removedSegment = true;
-  scene_.clipValue = 0.6F;
+  frame_all();
+  scene_.clip = scene_.removed_segment = true;
+  scene_.clip_value = 0.6F;
   scene_.overlay = scene_.secondary = scene_.volume;
   scene_.content = 2;
   scene_.surface = {4, 4, 1.0, std::vector<float>(16, 0.5F)};
   const Picture before = stage_.draw(scene_);
-  EXPECT_EQ(logOf([&] { stage_.frame(); }), "") << "the log is for what is wrong";
+  EXPECT_EQ(log_of([&] { stage_.frame(); }), "") << "the log is for what is wrong";
   GlSpy spy;
   {
     VolumeStage stage;
     for (int round = 0; round < 3; ++round) {
-      const std::size_t afterInit = spy.liveObjects();
+      const std::size_t after_init = spy.live_objects();
       EXPECT_TRUE(agree(stage.draw(scene_), before, exact));
       setRenderingMode(stage.renderer, 1);
       stage.frame();
-      const std::size_t inUse = spy.liveObjects();
-      EXPECT_GT(inUse, afterInit);
+      const std::size_t in_use = spy.live_objects();
+      EXPECT_GT(in_use, after_init);
       const int textures = spy.calls("glTexImage2D") + spy.calls("glGenTextures");
       stage.frame();
-      EXPECT_EQ(spy.liveObjects(), inUse) << "a frame like the last one makes no objects";
+      EXPECT_EQ(spy.live_objects(), in_use) << "a frame like the last one makes no objects";
       EXPECT_EQ(spy.calls("glTexImage2D") + spy.calls("glGenTextures"), textures) << "nor a text once more";
-      const std::string text = logOf([&] { stage.restart(); });
+      const std::string text = log_of([&] { stage.restart(); });
       EXPECT_TRUE(contains(text, "Unloading font renderer.\n"));
     }
     // Deleted with its context current, an initialised renderer takes its objects with it.
-    const std::size_t others = spy.liveObjects();
+    const std::size_t others = spy.live_objects();
     const VolumeRendererHandle forgotten = createVolumeRenderer();
     initializeVolumeRenderer(forgotten);
-    EXPECT_GT(spy.liveObjects(), others + 10);
+    EXPECT_GT(spy.live_objects(), others + 10);
     deleteVolumeRenderer(forgotten);
-    EXPECT_EQ(spy.liveObjects(), others);
+    EXPECT_EQ(spy.live_objects(), others);
   }
-  EXPECT_EQ(spy.liveObjects(), 0U);
+  EXPECT_EQ(spy.live_objects(), 0U);
 }
 
 TEST_F(SceneElementsTest, BuffersThatFailAreReportedAndTheNextFrameWorks) {
-  frameAll();
+  frame_all();
   for (const bool sectional : {false, true}) {
     scene_.sectional = sectional;
     const Picture good = stage_.draw(scene_);
@@ -157,22 +157,22 @@ TEST_F(SceneElementsTest, BuffersThatFailAreReportedAndTheNextFrameWorks) {
       apply(scene_, renderer_);
       {
         GlSpy spy;
-        spy.failNext("glBufferData", failing);
+        spy.fail_next("glBufferData", failing);
         frame();
         EXPECT_GE(spy.calls("glBufferData"), 1);
       }
-      EXPECT_EQ(pendingError().find("An OpenGL error in "), 0U) << failing;
-      clearGLErrors();
+      EXPECT_EQ(pending_error().find("An OpenGL error in "), 0U) << failing;
+      clear_gl_errors();
       stage_.restart();
       EXPECT_TRUE(agree(stage_.draw(scene_), good, exact));
-      expectNoError();
+      expect_no_error();
     }
   }
 }
 
 // Each variant declares only what it uses; what it lacks is noted and nothing more.
 TEST_F(SceneElementsTest, MissingUniformsAreNotedAndNoError) {
-  const std::string text = logOf([&] { stage_.restart(); });
+  const std::string text = log_of([&] { stage_.restart(); });
   for (const auto& [uniform, missing] : {std::pair{"overlayValues", true},
                                          {"secondaryTex", true},
                                          {"secondarySlice", true},
@@ -182,7 +182,7 @@ TEST_F(SceneElementsTest, MissingUniformsAreNotedAndNoError) {
                                          {"projection", false}}) {
     EXPECT_EQ(contains(text, std::string("Uniform ") + uniform + " was not found. "), missing) << uniform;
   }
-  expectNoError();
+  expect_no_error();
 }
 
 }  // namespace

@@ -1,11 +1,10 @@
 // The height map surface: holes and wrong sizes of its mesh, and when it is uploaded. Its places, normals,
 // partition and winding show in the pictures.
-#include "volume/layout/surface_mesh.h"
-
 #include <cmath>
 #include <limits>
 
 #include "support/gl_spy.h"
+#include "volume/layout/surface_mesh.h"
 #include "volume/volume_test.h"
 
 namespace oct::test {
@@ -21,7 +20,7 @@ TEST(SurfaceMeshTest, SamplesThatAreNoNumbersLeaveAHole) {
   HeightMap map = slope(6, 5);
   map.values[2 * 6 + 3] = std::numeric_limits<float>::quiet_NaN();
   map.values[0] = std::numeric_limits<float>::infinity();
-  const SurfaceMesh mesh = surfaceMesh(6, 5, 80.0, map.values.data());
+  const SurfaceMesh mesh = surface_mesh(6, 5, 80.0, map.values.data());
   EXPECT_EQ(mesh.triangles.size(), (5U * 4U - 4U - 1U) * 2U * 3U);
   for (const std::uint32_t index : mesh.triangles) {
     EXPECT_TRUE(std::isfinite(mesh.vertices[index].z));
@@ -31,9 +30,9 @@ TEST(SurfaceMeshTest, SamplesThatAreNoNumbersLeaveAHole) {
 
 TEST(SurfaceMeshTest, SmallAndWrongSizes) {
   const float value = 1.0F;
-  EXPECT_TRUE(surfaceMesh(0, 0, 0.0, nullptr).vertices.empty());
-  EXPECT_TRUE(surfaceMesh(0, 5, 1.0, nullptr).vertices.empty());
-  const SurfaceMesh point = surfaceMesh(1, 1, 4.0, &value);
+  EXPECT_TRUE(surface_mesh(0, 0, 0.0, nullptr).vertices.empty());
+  EXPECT_TRUE(surface_mesh(0, 5, 1.0, nullptr).vertices.empty());
+  const SurfaceMesh point = surface_mesh(1, 1, 4.0, &value);
   EXPECT_EQ(point.vertices, (std::vector<glm::vec3>{{0.0F, 0.0F, -0.5F}}));
   EXPECT_TRUE(point.triangles.empty());
   for (const auto& [width, height, scale, data] : {std::tuple{-1, 1, 1.0, &value},
@@ -41,7 +40,7 @@ TEST(SurfaceMeshTest, SmallAndWrongSizes) {
                                                    {1, 1, 1.0, static_cast<const float*>(nullptr)},
                                                    {1, 1, 0.0, &value},
                                                    {65536, 65536, 1.0, &value}}) {
-    EXPECT_THROW(surfaceMesh(width, height, scale, data), std::invalid_argument) << width << " x " << height;
+    EXPECT_THROW(surface_mesh(width, height, scale, data), std::invalid_argument) << width << " x " << height;
   }
 }
 
@@ -49,40 +48,40 @@ using SurfaceTest = VolumeTest;
 
 TEST_F(SurfaceTest, IsUploadedOnceAndFailuresAreReported) {
   scene_.surface = slope(12, 10);
-  scene_.surfaceColoring = {opaqueColors(48), 20.0, 30.0};
-  scene_.volumeShown = false;
+  scene_.surface_coloring = {opaque_colors(48), 20.0, 30.0};
+  scene_.volume_shown = false;
   const Picture before = stage_.draw(scene_);
-  const auto setAgain = [this](int width) {
+  const auto set_again = [this](int width) {
     setSurface(renderer_, width, 10, 80.0, scene_.surface.values.data());
   };
-  setAgain(-1);
-  EXPECT_EQ(pendingError(), "The size of a surface must not be negative. ");
+  set_again(-1);
+  EXPECT_EQ(pending_error(), "The size of a surface must not be negative. ");
   EXPECT_TRUE(agree(frame(), before, exact));
   {
     GlSpy spy;
     frame();
-    const int perFrame = spy.calls("glBufferData");
+    const int per_frame = spy.calls("glBufferData");
     frame();
-    EXPECT_EQ(spy.calls("glBufferData"), 2 * perFrame);
-    setAgain(12);
+    EXPECT_EQ(spy.calls("glBufferData"), 2 * per_frame);
+    set_again(12);
     frame();
-    EXPECT_EQ(spy.calls("glBufferData"), 3 * perFrame + 3) << "positions, normals and indices";
-    setAgain(12);
-    spy.failNext("glBufferData", perFrame + 1);
+    EXPECT_EQ(spy.calls("glBufferData"), 3 * per_frame + 3) << "positions, normals and indices";
+    set_again(12);
+    spy.fail_next("glBufferData", per_frame + 1);
     frame();
-    EXPECT_EQ(pendingError().find("An OpenGL error in VolumeRenderer::surface changed occured: "), 0U);
-    clearGLErrors();
+    EXPECT_EQ(pending_error().find("An OpenGL error in VolumeRenderer::surface changed occured: "), 0U);
+    clear_gl_errors();
     EXPECT_TRUE(agree(frame(), before, exact)) << "the next frame uploads it again";
   }
   stage_.restart();
   const HeightMap surface = std::exchange(scene_.surface, {});
   apply(scene_, renderer_);
-  setSurfaceColormap(renderer_, scene_.surfaceColoring.colors.data(), 48);
+  setSurfaceColormap(renderer_, scene_.surface_coloring.colors.data(), 48);
   setSurfaceDepths(renderer_, 20.0, 30.0);
   setRenderElements(renderer_, 0, 1);
   EXPECT_TRUE(agree(frame(), before, exact)) << "the mesh outlives its OpenGL objects";
-  setAgain(0);
-  EXPECT_TRUE(showsBackground());
+  set_again(0);
+  EXPECT_TRUE(shows_background());
 }
 
 }  // namespace

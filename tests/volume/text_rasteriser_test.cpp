@@ -1,9 +1,9 @@
 // Texts as the system's fonts draw them: sizes, and that the glyphs are where they belong.
 #include "volume/text/text_rasteriser.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+
+#include <gtest/gtest.h>
 
 namespace oct::test {
 namespace {
@@ -13,7 +13,7 @@ struct Ink {
   double amount = 0.0;  // covered pixels
 };
 
-Ink inkOf(const TextPicture& picture) {
+Ink ink_of(const TextPicture& picture) {
   Ink ink;
   for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
@@ -54,7 +54,7 @@ TEST(TextRasteriserTest, WidthGrowsWithTheText) {
 
 TEST(TextRasteriserTest, GlyphsAreWhereTheyBelong) {
   TextRasteriser rasteriser(40, false);
-  const auto ink = [&](const char* text) { return inkOf(rasteriser.rasterise(text)); };
+  const auto ink = [&](const char* text) { return ink_of(rasteriser.rasterise(text)); };
   EXPECT_LT(ink("_").top, 20) << "the bottom row comes first";
   EXPECT_GT(ink("'").bottom, 20);
   const Ink seven = ink("7");
@@ -62,7 +62,7 @@ TEST(TextRasteriserTest, GlyphsAreWhereTheyBelong) {
   EXPECT_GT(seven.top - seven.bottom, 20);
 
   const TextPicture picture = rasteriser.rasterise("1 mm");
-  const Ink whole = inkOf(picture);
+  const Ink whole = ink_of(picture);
   EXPECT_EQ(whole.left, ink("1").left);
   EXPECT_LE(picture.width - 1 - whole.right, 8) << "the text ends where its last letter does";
   EXPECT_GT(whole.amount, ink("1").amount * 2.5);
@@ -75,7 +75,7 @@ TEST(TextRasteriserTest, GlyphsAreWhereTheyBelong) {
 TEST(TextRasteriserTest, EmphasisIsBolder) {
   TextRasteriser plain(30, false);
   TextRasteriser emphasised(30, true);
-  EXPECT_GT(inkOf(emphasised.rasterise("lateral")).amount, 1.15 * inkOf(plain.rasterise("lateral")).amount);
+  EXPECT_GT(ink_of(emphasised.rasterise("lateral")).amount, 1.15 * ink_of(plain.rasterise("lateral")).amount);
 
   // The stroke leans: its upper part lies to the right of its lower part.
   const auto lean = [](TextRasteriser& rasteriser) {

@@ -1,5 +1,5 @@
-// The volume renderer as its exports give it: handles, checks, what it remembers, and what a frame consists
-// of.
+// The volume renderer as its exports give it: handles, checks, what it
+// remembers, and what a frame consists of.
 #include <cmath>
 
 #include "support/mark_recorder.h"
@@ -13,37 +13,37 @@ using VolumeRendererApiTest = VolumeTest;
 // Those of a scene that nobody has changed.
 TEST_F(VolumeRendererApiTest, DefaultsAreThoseOfANewObject) {
   const FrameFlags flags = settings().frame;
-  EXPECT_TRUE(flags.edges && flags.scaleMarks && flags.box);
-  EXPECT_FALSE(settings().renderVolume || settings().renderSurface);
+  EXPECT_TRUE(flags.edges && flags.scale_marks && flags.box);
+  EXPECT_FALSE(settings().render_volume || settings().render_surface);
   setBorder(renderer_, 0, 0, 0);
-  scene_ = sceneOf(scene_.volume, 80, 60);
-  EXPECT_TRUE(showsBackground());
+  scene_ = scene_of(scene_.volume, 80, 60);
+  EXPECT_TRUE(shows_background());
   upload(scene_, offline_);
   EXPECT_TRUE(shows(scene_));
 }
 
 TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
-  expectNullRefused("The specified VolumeRendererHandle is invalid. ", deleteVolumeRenderer,
-                    initializeVolumeRenderer, uninitializeVolumeRenderer, clearVolumeRenderer, setAngles,
-                    setTranslation, setRange, setZoom, setRenderingSlices, setUsePerspective,
-                    setLateralVoxelsPerPixel, setRenderingMode, setVolumeMode, setSectionalView, setClipPlane,
-                    fixClipPlane, setBorder, setRemoveSegment, setRenderElements, setRenderBackground,
-                    setRenderForeground, setRendererColormap, setRendererSecondaryColormap,
-                    setOverlayRendererColormap, setSurfaceColormap, setRendererColoringBoundaries,
-                    setRendererSecondaryColoringBoundaries, setOverlayRendererColoringBoundaries,
-                    setRendererSecondarySliceIndex, setSurface, setSurfaceDepths);
+  expect_null_refused(
+      "The specified VolumeRendererHandle is invalid. ", deleteVolumeRenderer, initializeVolumeRenderer,
+      uninitializeVolumeRenderer, clearVolumeRenderer, setAngles, setTranslation, setRange, setZoom,
+      setRenderingSlices, setUsePerspective, setLateralVoxelsPerPixel, setRenderingMode, setVolumeMode,
+      setSectionalView, setClipPlane, fixClipPlane, setBorder, setRemoveSegment, setRenderElements,
+      setRenderBackground, setRenderForeground, setRendererColormap, setRendererSecondaryColormap,
+      setOverlayRendererColormap, setSurfaceColormap, setRendererColoringBoundaries,
+      setRendererSecondaryColoringBoundaries, setOverlayRendererColoringBoundaries,
+      setRendererSecondarySliceIndex, setSurface, setSurfaceDepths);
   setVolumeMode(renderer_, 2);
   setRenderingMode(renderer_, 1);
   setSectionalView(renderer_, 1, 1.0F, 1, 0.0F, 1, 0.5F);
   setAngles(renderer_, 190.0, -190.0);
   setRenderForeground(renderer_, 0x33669900U);
-  expectNoError();
+  expect_no_error();
   const std::string mode = "Invalid rendering mode selected.";
   const std::string position =
       "Slice positions of sectional view are out of range. Values must be in range from 0.0 to 1.0. ";
   const float value = 1.0F;
   const auto h = renderer_;
-  expectRefused({
+  expect_refused({
       {mode, [h] { setVolumeMode(h, -1); }},
       {mode, [h] { setVolumeMode(h, 4); }},
       {mode, [h] { setRenderingMode(h, -1); }},
@@ -60,21 +60,21 @@ TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
        [&] { setSurface(h, 3, 3, 0.0, &value); }},
   });
   const VolumeSettings settings = this->settings();
-  EXPECT_EQ(settings.volumeMode, VolumeMode::mean);
-  EXPECT_EQ(settings.renderingMode, RenderingMode::sectionalView);
+  EXPECT_EQ(settings.volume_mode, VolumeMode::mean);
+  EXPECT_EQ(settings.rendering_mode, RenderingMode::sectional_view);
   EXPECT_EQ(settings.slices, 128);
-  EXPECT_EQ(settings.view.angleX, -170.0F) << "angles are wrapped";
-  EXPECT_EQ(settings.view.angleY, 170.0F);
+  EXPECT_EQ(settings.view.angle_x, -170.0F) << "angles are wrapped";
+  EXPECT_EQ(settings.view.angle_y, 170.0F);
   EXPECT_EQ(settings.foreground, glm::vec4(0.2F, 0.4F, 0.6F, 1.0F)) << "colours are opaque";
 }
 
 TEST_F(VolumeRendererApiTest, WhereThereIsNothingToShowTheBackgroundIs) {
   const auto h = renderer_;
-  const auto addSecondary = [&] {
+  const auto add_secondary = [&] {
     VolumeScene scene = scene_;
     scene.mode = 3;
-    scene.secondary = testVolume(2, 12, 10);
-    scene.secondaryColoring.colors = opaqueColors(8);
+    scene.secondary = test_volume(2, 12, 10);
+    scene.secondary_coloring.colors = opaque_colors(8);
     stage_.prepare(scene);
     EXPECT_TRUE(shows(scene));
   };
@@ -90,7 +90,7 @@ TEST_F(VolumeRendererApiTest, WhereThereIsNothingToShowTheBackgroundIs) {
          setOfflineAspectRatio(offline_, 0.0F, 0.0F, 0.0F);
          setBorder(h, 1, 1, 1);
          setClipPlane(h, 1, 0, 0.5F);
-         EXPECT_TRUE(showsBackground());
+         EXPECT_TRUE(shows_background());
          setRenderingMode(h, 1);
        }},
       {"a volume without voxels",
@@ -99,20 +99,20 @@ TEST_F(VolumeRendererApiTest, WhereThereIsNothingToShowTheBackgroundIs) {
       {"no overlay", [] {}, 1},
       {"no colours", [&] { setRendererColormap(h, nullptr, 0); }},
       {"no secondary data", [&] { setVolumeMode(h, 3); }},
-      {"before the first secondary image", [&] { addSecondary(), setRendererSecondarySliceIndex(h, -1); }},
-      {"after the last secondary image", [&] { addSecondary(), setRendererSecondarySliceIndex(h, 2); }},
+      {"before the first secondary image", [&] { add_secondary(), setRendererSecondarySliceIndex(h, -1); }},
+      {"after the last secondary image", [&] { add_secondary(), setRendererSecondarySliceIndex(h, 2); }},
       {"cleared", [&] { clearVolumeRenderer(h); }},
   };
   apply(scene_, h);
   setRenderElements(h, 1, 0);
-  EXPECT_TRUE(showsBackground()) << "before a volume is allocated";
+  EXPECT_TRUE(shows_background()) << "before a volume is allocated";
   for (const auto& [name, change, content] : cases) {
     SCOPED_TRACE(name);
     stage_.prepare(scene_);
     EXPECT_TRUE(shows(scene_));
     change();
-    EXPECT_TRUE(showsBackground(content));
-    expectNoError();
+    EXPECT_TRUE(shows_background(content));
+    expect_no_error();
   }
   setRenderElements(h, 1, 0);
   EXPECT_TRUE(shows(scene_)) << "the volume is still there";
@@ -120,13 +120,13 @@ TEST_F(VolumeRendererApiTest, WhereThereIsNothingToShowTheBackgroundIs) {
 
 TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
   scene_.clip = true;
-  scene_.clipValue = 0.6F;
+  scene_.clip_value = 0.6F;
   stage_.draw(scene_);
   setBorder(renderer_, 0, 1, 1);
   setRendererColormap(renderer_, scene_.coloring.colors.data(), 3);
   beginOffscreenFrame(stage_.target, 60, 50);
   using Names = MarkRecorder::Marks;
-  const auto marksOfFrame = [&] {
+  const auto marks_of_frame = [&] {
     MarkRecorder recorder;
     renderOfflineVolume(offline_, 0);
     Names names = recorder.all().begin()->second;
@@ -134,22 +134,23 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
     for (std::string& name : names) name.erase(0, 1);
     return names;
   };
-  EXPECT_EQ(marksOfFrame(), (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
-                                   "render: colormap changed", "VolumeRenderer::render_elements",
-                                   "VolumeRenderer::render_frame", "VolumeRenderer::render_clip_plane_border",
-                                   "VolumeRenderer::render_clip_plane_border", "render_raycasting::drawing",
-                                   "VolumeRenderer::render_clip_plane_border",
-                                   "VolumeRenderer::render_clip_plane_border::draw_overlay",
-                                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
+  EXPECT_EQ(
+      marks_of_frame(),
+      (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init", "render: colormap changed",
+             "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
+             "VolumeRenderer::render_clip_plane_border", "VolumeRenderer::render_clip_plane_border",
+             "render_raycasting::drawing", "VolumeRenderer::render_clip_plane_border",
+             "VolumeRenderer::render_clip_plane_border::draw_overlay", "VolumeRenderer::render_elements",
+             "VolumeRenderer::render_frame"}));
   setRenderingMode(renderer_, 1);
-  EXPECT_EQ(marksOfFrame(),
+  EXPECT_EQ(marks_of_frame(),
             (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
                    "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_sectional_view",
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_elements",
                    "VolumeRenderer::render_frame"}));
   finishOffscreenFrame(stage_.target, nullptr);
-  expectNoError();
+  expect_no_error();
 }
 
 // A picture in a corner of the target leaves the rest of the target to others, the clear apart.
@@ -166,7 +167,7 @@ TEST_F(VolumeRendererApiTest, AViewportOffTheOriginShowsTheSamePicture) {
   finishOffscreenFrame(stage_.target, large.bytes.data());
   Picture part(80, 60);
   for (int y = 0; y < 60; ++y) std::copy_n(large.pixel(31, 23 + y), 80 * 4, part.pixel(0, y));
-  EXPECT_TRUE(agree(part, referencePicture(scene_), {1, 0.99, 255}));
+  EXPECT_TRUE(agree(part, reference_picture(scene_), {1, 0.99, 255}));
 }
 
 }  // namespace

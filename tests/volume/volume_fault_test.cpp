@@ -1,5 +1,5 @@
-// What fails is reported, leaves no half-made state, and the next attempt works. And what need not be done is
-// not.
+// What fails is reported, leaves no half-made state, and the next attempt works.
+// And what need not be done is not.
 #include "support/gl_spy.h"
 #include "volume/volume_test.h"
 
@@ -8,12 +8,12 @@ namespace {
 
 class VolumeFaultTest : public VolumeTest {
  protected:
-  void expectScene(int content = 0) {
+  void expect_scene(int content = 0) {
     EXPECT_TRUE(shows(scene_, content));
-    expectNoError();
+    expect_no_error();
   }
-  static void expectErrorOf(const std::string& place) {
-    const std::string error = pendingError();
+  static void expect_error_of(const std::string& place) {
+    const std::string error = pending_error();
     EXPECT_EQ(error.find("An OpenGL error in " + place + " occured: "), 0U) << error;
   }
 };
@@ -32,12 +32,12 @@ TEST_F(VolumeFaultTest, AFrameThatFailsIsTheOnlyOne) {
     beginOffscreenFrame(stage_.target, 80, 60);
     {
       GlSpy spy;
-      spy.failNext(function, 1, GL_FRAMEBUFFER_UNSUPPORTED);
+      spy.fail_next(function, 1, GL_FRAMEBUFFER_UNSUPPORTED);
       renderOfflineVolume(offline_, 0);
-      EXPECT_EQ(pendingError(), error);
+      EXPECT_EQ(pending_error(), error);
     }
-    clearGLErrors();
-    expectScene();
+    clear_gl_errors();
+    expect_scene();
   }
 }
 
@@ -45,64 +45,64 @@ TEST_F(VolumeFaultTest, AFailedAllocationLeavesNoVolume) {
   stage_.draw(scene_);
   GlSpy spy;
   const std::string needs = "20 x 20 x 20 voxels needs a texture of 1 MB";
-  spy.failNext("3-D proxy");
+  spy.fail_next("3-D proxy");
   allocateOfflineVolume(offline_, 20, 20, 20);
-  EXPECT_EQ(pendingError(), "A volume of " + needs + ", more than this OpenGL driver allows. ");
-  expectScene();
+  EXPECT_EQ(pending_error(), "A volume of " + needs + ", more than this OpenGL driver allows. ");
+  expect_scene();
 
-  spy.failNext("glTexImage3D");
+  spy.fail_next("glTexImage3D");
   allocateOfflineVolume(offline_, 20, 20, 20);
-  const std::string error = pendingError();
+  const std::string error = pending_error();
   EXPECT_EQ(error.find("An OpenGL error in OfflineVolumeRendering::allocate, glTexImage3D occured: "), 0U);
   EXPECT_TRUE(contains(error, needs)) << error;
   EXPECT_EQ(source().volume, 0U);
   uploadOfflineVolume(offline_, scene_.volume.voxels.data());
-  EXPECT_EQ(pendingError(), "Allocate a volume before uploading one. ");
+  EXPECT_EQ(pending_error(), "Allocate a volume before uploading one. ");
   frame();
-  expectNoError();
+  expect_no_error();
   // The very sizes that failed, and then the scene's.
   allocateOfflineVolume(offline_, 20, 20, 20);
-  expectNoError();
+  expect_no_error();
   stage_.prepare(scene_);
-  expectScene();
+  expect_scene();
 }
 
 TEST_F(VolumeFaultTest, AFailedUploadIsReported) {
   stage_.draw(scene_);
   const float* const voxels = scene_.volume.voxels.data();
   GlSpy spy;
-  spy.failNext("glTexImage3D");
+  spy.fail_next("glTexImage3D");
   uploadOverlayOfflineVolume(offline_, voxels);
-  expectErrorOf("OfflineVolumeRendering::allocate_overlay");
-  expectScene(2);
+  expect_error_of("OfflineVolumeRendering::allocate_overlay");
+  expect_scene(2);
   uploadOverlayOfflineVolume(offline_, voxels);
-  expectNoError();
-  spy.failNext("glTexSubImage3D");
+  expect_no_error();
+  spy.fail_next("glTexSubImage3D");
   uploadOfflineVolume(offline_, voxels);
-  expectErrorOf("OfflineVolumeRendering::upload");
+  expect_error_of("OfflineVolumeRendering::upload");
 }
 
 TEST_F(VolumeFaultTest, ProgramsAndColorsLiveFromInitToUninit) {
   stage_.prepare(scene_);
   initializeVolumeRenderer(renderer_);  // again: the colours stay
-  expectScene();
+  expect_scene();
   uninitializeVolumeRenderer(renderer_);
   setRendererColormap(renderer_, scene_.coloring.colors.data(), 32);
   setRendererColoringBoundaries(renderer_, 0.3, 0.4);
-  expectNoError();
+  expect_no_error();
   {
     GlSpy spy;
-    spy.failNext("glGetProgramBinary");
-    spy.failNext("glProgramBinary");  // the cache holds all programs by now
+    spy.fail_next("glGetProgramBinary");
+    spy.fail_next("glProgramBinary");  // the cache holds all programs by now
     initializeVolumeRenderer(renderer_);
-    expectErrorOf("BinaryShader::load_to_program");
-    EXPECT_EQ(spy.liveObjects(), 0U);
+    expect_error_of("BinaryShader::load_to_program");
+    EXPECT_EQ(spy.live_objects(), 0U);
   }
   frame();
-  EXPECT_EQ(pendingError(), "Program has not been compiled yet.");
+  EXPECT_EQ(pending_error(), "Program has not been compiled yet.");
   initializeVolumeRenderer(renderer_);
   scene_.coloring = {{0xFF000000U, 0xFFFFFFFFU}, 0.0, 1.0};
-  expectScene();
+  expect_scene();
 }
 
 TEST_F(VolumeFaultTest, AFrameWithoutChangesRebuildsNothing) {

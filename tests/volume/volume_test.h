@@ -15,42 +15,42 @@ namespace oct::test {
 class VolumeTest : public testing::Test {
  protected:
   VolumeTest() {
-    scene_.coloring = {opaqueColors(64), 0.0, 1.2};
+    scene_.coloring = {opaque_colors(64), 0.0, 1.2};
     scene_.mode = 1;
-    scene_.backgroundBottom = 0xFF602000U;
-    scene_.backgroundTop = 0x0040FF00U;
+    scene_.background_bottom = 0xFF602000U;
+    scene_.background_top = 0x0040FF00U;
   }
 
   const VolumeRenderer& object() const { return *reinterpret_cast<VolumeRenderer*>(renderer_); }
   VolumeSource source() const { return object().source(); }
   VolumeSettings settings() const { return object().settings(); }
   Picture frame(int content = 0) const {
-    return stage_.frame(scene_.viewportWidth, scene_.viewportHeight, content);
+    return stage_.frame(scene_.viewport_width, scene_.viewport_height, content);
   }
 
   testing::AssertionResult shows(const VolumeScene& scene, int content = 0) const {
-    return agree(frame(content), referencePicture(scene), {1, 0.99, 255});
+    return agree(frame(content), reference_picture(scene), {1, 0.99, 255});
   }
-  testing::AssertionResult showsBackground(int content = 0) const {
-    return agree(frame(content), backgroundPicture(scene_), {1, 1.0, 1});
+  testing::AssertionResult shows_background(int content = 0) const {
+    return agree(frame(content), background_picture(scene_), {1, 1.0, 1});
   }
-  static void expectNoError() { EXPECT_EQ(pendingError(), "(none)"); }
+  static void expect_no_error() { EXPECT_EQ(pending_error(), "(none)"); }
 
   struct Refusal {
     std::string error;
     std::function<void()> call;
   };
-  static void expectRefused(const std::vector<Refusal>& refusals) {
+  static void expect_refused(const std::vector<Refusal>& refusals) {
     for (const auto& [error, call] : refusals) {
       call();
-      EXPECT_EQ(pendingError(), error);
+      EXPECT_EQ(pending_error(), error);
     }
   }
 
   VolumeStage stage_;
   const VolumeRendererHandle renderer_ = stage_.renderer;
   const OfflineRenderingHandle offline_ = stage_.offline;
-  VolumeScene scene_ = sceneOf(testVolume(14, 12, 10), 80, 60, 20.0, 40.0);
+  VolumeScene scene_ = scene_of(test_volume(14, 12, 10), 80, 60, 20.0, 40.0);
 };
 
 }  // namespace oct::test

@@ -1,10 +1,10 @@
 // Setters on eight threads while frames are drawn.
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <functional>
 #include <thread>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "support/test_context.h"
 #include "support/volume_scene.h"
@@ -12,8 +12,8 @@
 namespace oct::test {
 namespace {
 
-VolumeScene threadScene() {
-  VolumeScene scene = sceneOf(testVolume(8, 8, 8), 24, 16);
+VolumeScene thread_scene() {
+  VolumeScene scene = scene_of(test_volume(8, 8, 8), 24, 16);
   scene.slices = 16;
   return scene;
 }
@@ -50,7 +50,7 @@ const std::vector<std::uint32_t> red(300, 0xFF0000FFU);
 const std::vector<std::uint32_t> green(7, 0xFF00FF00U);
 
 // One for each of eight threads; no two set the same.
-std::vector<Setter> everySetter(VolumeRendererHandle h) {
+std::vector<Setter> every_setter(VolumeRendererHandle h) {
   return {
       [h](int i) {
         const std::uint32_t color = i % 2 ? 0x0000FFFFU : 0x404040FFU;
@@ -86,9 +86,9 @@ std::vector<Setter> everySetter(VolumeRendererHandle h) {
 // The two background colours are set together, and so are seen: a frame of two colours would be a torn state.
 TEST(VolumeThreadTest, SettersNeverTearAFrame) {
   VolumeStage stage;
-  stage.draw(threadScene());
+  stage.draw(thread_scene());
   setRenderBackground(stage.renderer, 0x0000FFFFU, 0x0000FFFFU);
-  const std::vector<Setter> setters = everySetter(stage.renderer);
+  const std::vector<Setter> setters = every_setter(stage.renderer);
   Storm storm(setters);
   int torn = 0;
   for (int i = 0; i < 500; ++i) {
@@ -99,20 +99,20 @@ TEST(VolumeThreadTest, SettersNeverTearAFrame) {
   }
   EXPECT_GT(storm.stop(), 500) << "the setters did not get their turn";
   EXPECT_EQ(torn, 0);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
-// Marks, labels, borders, slices and the surface among the storm; after it the renderer draws what a new one
-// draws.
+// Marks, labels, borders, slices and the surface among the storm; after it the
+// renderer draws what a new one draws.
 TEST(VolumeThreadTest, SceneElementsOutliveTheStorm) {
-  VolumeScene scene = threadScene();
-  scene.viewportWidth = 120;
-  scene.viewportHeight = 90;
-  scene.clip = scene.removedSegment = true;
-  scene.clipValue = 0.6F;
-  scene.scaleMarks = scene.edges = scene.box = true;
+  VolumeScene scene = thread_scene();
+  scene.viewport_width = 120;
+  scene.viewport_height = 90;
+  scene.clip = scene.removed_segment = true;
+  scene.clip_value = 0.6F;
+  scene.scale_marks = scene.edges = scene.box = true;
   scene.surface = {2, 2, 1.0, {0.2F, 0.4F, 0.6F, 0.8F}};
-  scene.surfaceColoring = {green, 0.2, 0.8};
+  scene.surface_coloring = {green, 0.2, 0.8};
   const auto pictures = [&scene](VolumeStage& stage) {
     std::vector<Picture> result;
     for (const bool sectional : {false, true}) {
@@ -123,7 +123,7 @@ TEST(VolumeThreadTest, SceneElementsOutliveTheStorm) {
   };
   VolumeStage stage;
   stage.draw(scene);
-  std::vector<Setter> setters = everySetter(stage.renderer);
+  std::vector<Setter> setters = every_setter(stage.renderer);
   setters[0] = [h = stage.renderer](int i) {
     setBorder(h, i % 4 != 0, i % 3, i % 2),
         setRenderForeground(h, 0x80FF00FFU + static_cast<unsigned>(i) % 4 * 256),
@@ -133,7 +133,7 @@ TEST(VolumeThreadTest, SceneElementsOutliveTheStorm) {
   for (int i = 0; i < 100; ++i) stage.frame(120 + i % 3, 90, 0);
   EXPECT_GT(storm.stop(), 100);
   const std::vector<Picture> after = pictures(stage);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
   VolumeStage fresh;
   const std::vector<Picture> expected = pictures(fresh);
   for (std::size_t i = 0; i < after.size(); ++i) EXPECT_TRUE(agree(after[i], expected[i], exact)) << i;
@@ -141,17 +141,17 @@ TEST(VolumeThreadTest, SceneElementsOutliveTheStorm) {
 
 // Two renderers with contexts of their own, on two threads.
 TEST(VolumeThreadTest, RenderersOfTwoContextsDoNotMeet) {
-  VolumeScene scene = threadScene();
-  scene.viewportWidth = 160;
-  scene.viewportHeight = 120;
-  scene.scaleMarks = scene.edges = scene.box = true;
+  VolumeScene scene = thread_scene();
+  scene.viewport_width = 160;
+  scene.viewport_height = 120;
+  scene.scale_marks = scene.edges = scene.box = true;
   std::vector<Picture> pictures(2);
-  onThreads(2, [&](int thread) {
+  on_threads(2, [&](int thread) {
     VolumeStage stage;
     for (int i = 0; i < 6; ++i) pictures[static_cast<std::size_t>(thread)] = stage.draw(scene);
   });
   EXPECT_EQ(pictures[0].bytes, pictures[1].bytes);
-  EXPECT_EQ(pendingError(), "(none)");
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 }  // namespace

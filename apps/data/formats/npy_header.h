@@ -11,12 +11,12 @@ namespace oct::app {
 
 struct NpyHeader {
   std::string type;  // as the file spells it, such as "<f4"
-  bool fortranOrder = false;
+  bool fortran_order = false;
   std::vector<std::uint64_t> shape;
-  std::uint64_t dataOffset = 0;
+  std::uint64_t data_offset = 0;
 };
 
 // Leaves the file at the first data byte.
-NpyHeader readNpyHeader(InputFile& file);
+NpyHeader read_npy_header(InputFile& file);
 
 }  // namespace oct::app

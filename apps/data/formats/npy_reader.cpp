@@ -31,13 +31,13 @@ struct SampleType {
   void (*convert)(const char* source, std::size_t count, std::size_t step, float* destination);
 };
 
-constexpr SampleType kSampleTypes[] = {
+constexpr SampleType sample_types[] = {
     {"<f4", 4, convert<float>},        {"<f8", 8, convert<double>},        {"|u1", 1, convert<std::uint8_t>},
     {"|b1", 1, convert<std::uint8_t>}, {"<u2", 2, convert<std::uint16_t>},
 };
 
-const SampleType& findSampleType(const std::filesystem::path& file, const std::string& name) {
-  for (const SampleType& type : kSampleTypes) {
+const SampleType& find_sample_type(const std::filesystem::path& file, const std::string& name) {
+  for (const SampleType& type : sample_types) {
     if (name == type.name) return type;
   }
   const std::string reason = "samples of type '" + name + "' are not supported";
@@ -46,7 +46,7 @@ const SampleType& findSampleType(const std::filesystem::path& file, const std::s
   throw ReadError(file, reason + "; save float32, float64, uint8, uint16 or bool");
 }
 
-std::string shapeText(const std::vector<std::uint64_t>& shape) {
+std::string shape_text(const std::vector<std::uint64_t>& shape) {
   std::string text = "(";
   for (std::size_t i = 0; i < shape.size(); ++i) text += (i ? ", " : "") + std::to_string(shape[i]);
   return text + (shape.size() == 1 ? ",)" : ")");
@@ -58,29 +58,29 @@ struct ArrayLayout {
   std::uint64_t columns = 0;
 };
 
-ArrayLayout layoutOf(const std::filesystem::path& file, const NpyHeader& header) {
+ArrayLayout layout_of(const std::filesystem::path& file, const NpyHeader& header) {
   const std::vector<std::uint64_t>& shape = header.shape;
   if (shape.size() != 2 && shape.size() != 3) {
     throw ReadError(file,
-                    "the array has the shape " + shapeText(shape) +
+                    "the array has the shape " + shape_text(shape) +
                         "; an image has two axes (depth, A-scan), a volume three (frame, depth, A-scan)");
   }
   const std::size_t first = shape.size() - 2;
   const ArrayLayout layout{first == 1 ? shape[0] : 1, shape[first], shape[first + 1]};
-  if (layout.frames == 0) throw ReadError(file, "the array is empty, its shape is " + shapeText(shape));
-  checkRasterSize(file, layout.rows, layout.columns);
+  if (layout.frames == 0) throw ReadError(file, "the array is empty, its shape is " + shape_text(shape));
+  check_raster_size(file, layout.rows, layout.columns);
   return layout;
 }
 
-void checkDataSize(const InputFile& file, const NpyHeader& header, const ArrayLayout& layout,
-                   const SampleType& type) {
-  const std::uint64_t available = file.size() - header.dataOffset;
-  // One frame is at most 2^28 samples, so only the multiplication by the frames could overflow: divide
-  // instead.
-  const std::uint64_t frameBytes = layout.rows * layout.columns * type.bytes;
-  if (layout.frames > available / frameBytes) {
+void check_data_size(const InputFile& file, const NpyHeader& header, const ArrayLayout& layout,
+                     const SampleType& type) {
+  const std::uint64_t available = file.size() - header.data_offset;
+  // One frame is at most 2^28 samples, so only the multiplication by the frames
+  // could overflow: divide instead.
+  const std::uint64_t frame_bytes = layout.rows * layout.columns * type.bytes;
+  if (layout.frames > available / frame_bytes) {
     throw ReadError(file.path(), "the file is truncated: " + std::to_string(available) +
-                                     " data bytes are too few for the shape " + shapeText(header.shape) +
+                                     " data bytes are too few for the shape " + shape_text(header.shape) +
                                      " of '" + type.name + "'");
   }
 }
@@ -91,31 +91,31 @@ struct Array {
   const SampleType& type;
   ArrayLayout layout;
 
-  Raster emptyFrame(std::size_t number) const {
+  Raster empty_frame(std::size_t number) const {
     Raster raster;
     raster.rows = static_cast<std::size_t>(layout.rows);
     raster.columns = static_cast<std::size_t>(layout.columns);
-    raster.frameCount = static_cast<std::size_t>(layout.frames);
+    raster.frame_count = static_cast<std::size_t>(layout.frames);
     raster.frame = number;
     raster.samples.resize(raster.rows * raster.columns);
     return raster;
   }
 };
 
-Array openArray(InputFile& file) {
-  const NpyHeader header = readNpyHeader(file);
-  const SampleType& type = findSampleType(file.path(), header.type);
-  const ArrayLayout layout = layoutOf(file.path(), header);
-  checkDataSize(file, header, layout, type);
+Array open_array(InputFile& file) {
+  const NpyHeader header = read_npy_header(file);
+  const SampleType& type = find_sample_type(file.path(), header.type);
+  const ArrayLayout layout = layout_of(file.path(), header);
+  check_data_size(file, header, layout, type);
   return {file, header, type, layout};
 }
 
 // The frame is one piece of the file.
-Raster readContiguousFrame(const Array& array, std::size_t number, const ProgressFunction& progress) {
-  Raster raster = array.emptyFrame(number);
-  const std::size_t rowBytes = raster.columns * array.type.bytes;
-  array.file.seek(array.header.dataOffset + std::uint64_t{number} * raster.rows * rowBytes);
-  std::vector<char> row(rowBytes);
+Raster read_contiguous_frame(const Array& array, std::size_t number, const ProgressFunction& progress) {
+  Raster raster = array.empty_frame(number);
+  const std::size_t row_bytes = raster.columns * array.type.bytes;
+  array.file.seek(array.header.data_offset + std::uint64_t{number} * raster.rows * row_bytes);
+  std::vector<char> row(row_bytes);
   for (std::size_t i = 0; i < raster.rows; ++i) {
     progress(i * raster.columns, raster.samples.size());
     array.file.read(row.data(), row.size());
@@ -126,20 +126,20 @@ Raster readContiguousFrame(const Array& array, std::size_t number, const Progres
 
 // The first axis is fastest: the samples of one frame are spread over the whole file, which is read through
 // column by column.
-std::vector<Raster> readFortranFrames(const Array& array, std::size_t first, std::size_t count,
-                                      const ProgressFunction& progress) {
+std::vector<Raster> read_fortran_frames(const Array& array, std::size_t first, std::size_t count,
+                                        const ProgressFunction& progress) {
   std::vector<Raster> rasters;
-  for (std::size_t i = 0; i < count; ++i) rasters.push_back(array.emptyFrame(first + i));
-  const auto& [rows, columns, samples, frame, frameCount] = rasters.front();
-  array.file.seek(array.header.dataOffset);
-  const std::size_t columnSamples = rows * frameCount;
-  std::vector<char> bytes(columnSamples * array.type.bytes);
+  for (std::size_t i = 0; i < count; ++i) rasters.push_back(array.empty_frame(first + i));
+  const auto& [rows, columns, samples, frame, frame_count] = rasters.front();
+  array.file.seek(array.header.data_offset);
+  const std::size_t column_samples = rows * frame_count;
+  std::vector<char> bytes(column_samples * array.type.bytes);
   std::vector<float> column(rows);
   for (std::size_t i = 0; i < columns; ++i) {
-    progress(i * columnSamples, columns * columnSamples);
+    progress(i * column_samples, columns * column_samples);
     array.file.read(bytes.data(), bytes.size());
     for (Raster& raster : rasters) {
-      array.type.convert(&bytes[raster.frame * array.type.bytes], rows, frameCount, column.data());
+      array.type.convert(&bytes[raster.frame * array.type.bytes], rows, frame_count, column.data());
       for (std::size_t row = 0; row < rows; ++row) raster.samples[row * columns + i] = column[row];
     }
   }
@@ -148,25 +148,26 @@ std::vector<Raster> readFortranFrames(const Array& array, std::size_t first, std
 
 }  // namespace
 
-Raster readNpy(InputFile& file, const FrameChoice& choice, const ProgressFunction& progress) {
-  const Array array = openArray(file);
-  const std::size_t number = chooseFrame(file.path(), array.layout.frames, choice);
-  if (!array.header.fortranOrder) return readContiguousFrame(array, number, progress);
-  return std::move(readFortranFrames(array, number, 1, progress).front());
+Raster read_npy(InputFile& file, const FrameChoice& choice, const ProgressFunction& progress) {
+  const Array array = open_array(file);
+  const std::size_t number = choose_frame(file.path(), array.layout.frames, choice);
+  if (!array.header.fortran_order) return read_contiguous_frame(array, number, progress);
+  return std::move(read_fortran_frames(array, number, 1, progress).front());
 }
 
-void readNpyFrames(InputFile& file, const TakeRaster& take, const ProgressFunction& progress,
-                   std::size_t samplesAtATime) {
-  const Array array = openArray(file);
+void read_npy_frames(InputFile& file, const TakeRaster& take, const ProgressFunction& progress,
+                     std::size_t samples_at_a_time) {
+  const Array array = open_array(file);
   const auto frames = static_cast<std::size_t>(array.layout.frames);
-  if (!array.header.fortranOrder) {
-    for (std::size_t frame = 0; frame < frames; ++frame) take(readContiguousFrame(array, frame, noProgress));
+  if (!array.header.fortran_order) {
+    for (std::size_t frame = 0; frame < frames; ++frame)
+      take(read_contiguous_frame(array, frame, no_progress));
     return;
   }
-  const auto frameSamples = static_cast<std::size_t>(array.layout.rows * array.layout.columns);
-  const std::size_t atATime = std::max<std::size_t>(samplesAtATime / frameSamples, 1);
-  for (std::size_t first = 0; first < frames; first += atATime) {
-    for (Raster& raster : readFortranFrames(array, first, std::min(atATime, frames - first), progress)) {
+  const auto frame_samples = static_cast<std::size_t>(array.layout.rows * array.layout.columns);
+  const std::size_t at_a_time = std::max<std::size_t>(samples_at_a_time / frame_samples, 1);
+  for (std::size_t first = 0; first < frames; first += at_a_time) {
+    for (Raster& raster : read_fortran_frames(array, first, std::min(at_a_time, frames - first), progress)) {
       take(std::move(raster));
     }
   }

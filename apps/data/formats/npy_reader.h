@@ -7,12 +7,12 @@
 
 namespace oct::app {
 
-Raster readNpy(InputFile& file, const FrameChoice& choice, const ProgressFunction& progress = noProgress);
+Raster read_npy(InputFile& file, const FrameChoice& choice, const ProgressFunction& progress = no_progress);
 
 // Every frame. In Fortran order a frame is spread over the whole file, which is therefore read once for as
 // many frames as may be kept at a time.
-constexpr std::size_t kSamplesAtATime = std::size_t{1} << 27;
-void readNpyFrames(InputFile& file, const TakeRaster& take, const ProgressFunction& progress = noProgress,
-                   std::size_t samplesAtATime = kSamplesAtATime);
+constexpr std::size_t default_samples_at_a_time = std::size_t{1} << 27;
+void read_npy_frames(InputFile& file, const TakeRaster& take, const ProgressFunction& progress = no_progress,
+                     std::size_t samples_at_a_time = default_samples_at_a_time);
 
 }  // namespace oct::app

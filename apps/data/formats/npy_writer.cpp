@@ -11,7 +11,7 @@ namespace oct::app {
 namespace {
 
 // Version 1.0 of the format: the header is padded so that the samples start at a multiple of 64 bytes.
-std::string headerOf(const VolumeData& volume) {
+std::string header_of(const VolumeData& volume) {
   const std::string frames = volume.bscans > 1 ? std::to_string(volume.bscans) + ", " : "";
   std::string text = "{'descr': '<f4', 'fortran_order': False, 'shape': (" + frames +
                      std::to_string(volume.depth) + ", " + std::to_string(volume.ascans) + "), }";
@@ -24,7 +24,7 @@ std::string headerOf(const VolumeData& volume) {
 
 // In the file depth runs along the rows of each B-scan, as in a picture.
 void write(std::ofstream& stream, const VolumeData& volume) {
-  stream << headerOf(volume);
+  stream << header_of(volume);
   std::vector<float> row(volume.ascans);
   for (std::size_t b = 0; b < volume.bscans; ++b) {
     for (std::size_t z = 0; z < volume.depth; ++z) {
@@ -39,7 +39,7 @@ void write(std::ofstream& stream, const VolumeData& volume) {
 
 }  // namespace
 
-void writeNpy(const std::filesystem::path& path, const VolumeData& volume) {
+void write_npy(const std::filesystem::path& path, const VolumeData& volume) {
   std::ofstream stream(path, std::ios::binary);
   write(stream, volume);
   stream.close();

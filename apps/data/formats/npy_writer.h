@@ -8,6 +8,6 @@
 namespace oct::app {
 
 // 32-bit floats with the axes B-scan, depth, A-scan; without the first where there is one B-scan.
-void writeNpy(const std::filesystem::path& path, const VolumeData& volume);
+void write_npy(const std::filesystem::path& path, const VolumeData& volume);
 
 }  // namespace oct::app

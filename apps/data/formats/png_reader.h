@@ -6,6 +6,6 @@
 
 namespace oct::app {
 
-Raster readPng(InputFile& file, const FrameChoice& choice);
+Raster read_png(InputFile& file, const FrameChoice& choice);
 
 }  // namespace oct::app

@@ -1,11 +1,11 @@
 #include "data/formats/png_writer.h"
 
-#include <stb/stb_image_write.h>
-
 #include <fstream>
 #include <random>
 #include <string>
 #include <system_error>
+
+#include <stb/stb_image_write.h>
 
 #include "data/file_errors.h"
 
@@ -18,7 +18,7 @@ void append(void* stream, void* bytes, int count) {
 
 // In the same folder, because a file can be renamed in one step only within a file system. The number keeps
 // two runs with the same output apart.
-std::filesystem::path temporaryName(const std::filesystem::path& path) {
+std::filesystem::path temporary_name(const std::filesystem::path& path) {
   std::filesystem::path name = path;
   name += ".";
   name += std::to_string(std::random_device()());
@@ -39,8 +39,8 @@ void encode(const std::filesystem::path& path, const Picture& picture) {
 
 }  // namespace
 
-void writePng(const std::filesystem::path& path, const Picture& picture) {
-  const std::filesystem::path temporary = temporaryName(path);
+void write_png(const std::filesystem::path& path, const Picture& picture) {
+  const std::filesystem::path temporary = temporary_name(path);
   try {
     encode(temporary, picture);
     std::filesystem::rename(temporary, path);

@@ -8,6 +8,6 @@
 namespace oct::app {
 
 // Writes beside the file under another name first: when this fails, what was there before stays as it was.
-void writePng(const std::filesystem::path& path, const Picture& picture);
+void write_png(const std::filesystem::path& path, const Picture& picture);
 
 }  // namespace oct::app

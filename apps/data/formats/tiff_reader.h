@@ -6,7 +6,7 @@
 
 namespace oct::app {
 
-Raster readTiff(InputFile& file, const FrameChoice& choice);
-void readTiffFrames(InputFile& file, const TakeRaster& take);  // every page
+Raster read_tiff(InputFile& file, const FrameChoice& choice);
+void read_tiff_frames(InputFile& file, const TakeRaster& take);  // every page
 
 }  // namespace oct::app

@@ -1,18 +1,19 @@
-#include <tiffio.h>
+#include "data/formats/tiff_reader.h"
 
 #include <cstdarg>
 #include <cstdio>
 #include <memory>
 #include <string>
 
+#include <tiffio.h>
+
 #include "data/file_errors.h"
-#include "data/formats/tiff_reader.h"
 
 namespace oct::app {
 namespace {
 
 // Keeps the first complaint, which names the cause; libtiff would print it.
-int keepError(TIFF*, void* text, const char*, const char* format, va_list arguments) {
+int keep_error(TIFF*, void* text, const char*, const char* format, va_list arguments) {
   char line[512];
   std::vsnprintf(line, sizeof line, format, arguments);
   auto& kept = *static_cast<std::string*>(text);
@@ -20,12 +21,12 @@ int keepError(TIFF*, void* text, const char*, const char* format, va_list argume
   return 1;
 }
 
-int ignoreWarning(TIFF*, void*, const char*, const char*, va_list) {
+int ignore_warning(TIFF*, void*, const char*, const char*, va_list) {
   return 1;
 }
 
 template <class T>
-void appendRow(const std::vector<unsigned char>& line, std::size_t columns, std::vector<float>& samples) {
+void append_row(const std::vector<unsigned char>& line, std::size_t columns, std::vector<float>& samples) {
   const T* values = reinterpret_cast<const T*>(line.data());
   samples.insert(samples.end(), values, values + columns);
 }
@@ -35,39 +36,39 @@ class TiffFile {
   explicit TiffFile(const std::filesystem::path& path) : path_(path) {
     std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(TIFFOpenOptionsAlloc(),
                                                                              TIFFOpenOptionsFree);
-    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepError, &error_);
-    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), ignoreWarning, nullptr);
+    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keep_error, &error_);
+    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), ignore_warning, nullptr);
     tiff_.reset(TIFFOpenExt(path.c_str(), "r", options.get()));
     if (!tiff_) throw damaged();
   }
 
   Raster read(const FrameChoice& choice) {
     const std::size_t pages = TIFFNumberOfDirectories(tiff_.get());
-    const std::size_t page = chooseFrame(path_, pages, choice);
+    const std::size_t page = choose_frame(path_, pages, choice);
     if (!TIFFSetDirectory(tiff_.get(), static_cast<tdir_t>(page))) throw damaged();
-    return currentPage(page, pages);
+    return current_page(page, pages);
   }
 
   // Goes from page to page: each is found by way of those before it.
-  void readAll(const TakeRaster& take) {
+  void read_all(const TakeRaster& take) {
     const std::size_t pages = TIFFNumberOfDirectories(tiff_.get());
     if (!TIFFSetDirectory(tiff_.get(), 0)) throw damaged();
     for (std::size_t page = 0; page < pages; ++page) {
       if (page > 0 && !TIFFReadDirectory(tiff_.get())) throw damaged();
-      take(currentPage(page, pages));
+      take(current_page(page, pages));
     }
   }
 
  private:
-  Raster currentPage(std::size_t page, std::size_t pages) {
+  Raster current_page(std::size_t page, std::size_t pages) {
     Raster raster;
     raster.frame = page;
-    raster.frameCount = pages;
-    checkLayout();
+    raster.frame_count = pages;
+    check_layout();
     raster.rows = side(TIFFTAG_IMAGELENGTH);
     raster.columns = side(TIFFTAG_IMAGEWIDTH);
-    checkRasterSize(path_, raster.rows, raster.columns);
-    readRows(raster);
+    check_raster_size(path_, raster.rows, raster.columns);
+    read_rows(raster);
     if (photometric() == PHOTOMETRIC_MINISWHITE) invert(raster.samples);
     return raster;
   }
@@ -89,33 +90,33 @@ class TiffFile {
   }
   std::uint16_t format() const { return tag<std::uint16_t>(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT); }
 
-  void checkLayout() const {
+  void check_layout() const {
     if (TIFFIsTiled(tiff_.get())) throw ReadError(path_, "tiled TIFF images are not supported; save strips");
     if (tag<std::uint16_t>(TIFFTAG_SAMPLESPERPIXEL, 1) != 1)
       throw ReadError(path_, "only gray TIFF images are supported");
     if (photometric() == PHOTOMETRIC_PALETTE) {
       throw ReadError(path_, "TIFF images with a palette are not supported; save gray");
     }
-    const bool isInteger = format() == SAMPLEFORMAT_UINT && (bits() == 8 || bits() == 16);
-    const bool isFloat = format() == SAMPLEFORMAT_IEEEFP && bits() == 32;
-    if (isInteger || isFloat) return;
+    const bool is_integer = format() == SAMPLEFORMAT_UINT && (bits() == 8 || bits() == 16);
+    const bool is_float = format() == SAMPLEFORMAT_IEEEFP && bits() == 32;
+    if (is_integer || is_float) return;
     throw ReadError(path_, "TIFF samples of this kind (" + std::to_string(bits()) +
                                " bits) are not supported; save 8 or 16 bits unsigned or 32-bit float");
   }
 
-  void readRows(Raster& raster) {
+  void read_rows(Raster& raster) {
     std::vector<unsigned char> line(static_cast<std::size_t>(TIFFScanlineSize64(tiff_.get())));
     if (line.size() < raster.columns * bits() / 8) throw damaged();
     for (std::size_t row = 0; row < raster.rows; ++row) {
       if (TIFFReadScanline(tiff_.get(), line.data(), static_cast<std::uint32_t>(row)) != 1) throw damaged();
-      if (bits() == 8) appendRow<std::uint8_t>(line, raster.columns, raster.samples);
-      if (bits() == 16) appendRow<std::uint16_t>(line, raster.columns, raster.samples);
-      if (bits() == 32) appendRow<float>(line, raster.columns, raster.samples);
+      if (bits() == 8) append_row<std::uint8_t>(line, raster.columns, raster.samples);
+      if (bits() == 16) append_row<std::uint16_t>(line, raster.columns, raster.samples);
+      if (bits() == 32) append_row<float>(line, raster.columns, raster.samples);
     }
   }
 
   void invert(std::vector<float>& samples) const {
-    const float white = format() == SAMPLEFORMAT_IEEEFP ? 1.0f : static_cast<float>((1u << bits()) - 1);
+    const float white = format() == SAMPLEFORMAT_IEEEFP ? 1.0F : static_cast<float>((1U << bits()) - 1);
     for (float& sample : samples) sample = white - sample;
   }
 
@@ -126,12 +127,12 @@ class TiffFile {
 
 }  // namespace
 
-Raster readTiff(InputFile& file, const FrameChoice& choice) {
+Raster read_tiff(InputFile& file, const FrameChoice& choice) {
   return TiffFile(file.path()).read(choice);
 }
 
-void readTiffFrames(InputFile& file, const TakeRaster& take) {
-  TiffFile(file.path()).readAll(take);
+void read_tiff_frames(InputFile& file, const TakeRaster& take) {
+  TiffFile(file.path()).read_all(take);
 }
 
 }  // namespace oct::app

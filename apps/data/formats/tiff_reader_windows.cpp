@@ -1,14 +1,15 @@
-#include "data/file_errors.h"
 #include "data/formats/tiff_reader.h"
+
+#include "data/file_errors.h"
 
 namespace oct::app {
 
-Raster readTiff(InputFile& file, const FrameChoice&) {
+Raster read_tiff(InputFile& file, const FrameChoice&) {
   throw ReadError(file.path(), "TIFF input needs the Linux build");
 }
 
-void readTiffFrames(InputFile& file, const TakeRaster&) {
-  readTiff(file, {});
+void read_tiff_frames(InputFile& file, const TakeRaster&) {
+  read_tiff(file, {});
 }
 
 }  // namespace oct::app

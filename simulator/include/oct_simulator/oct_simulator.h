@@ -32,8 +32,8 @@ enum {
  * @param phantom one of the OCT_PHANTOM_ values
  * @param spectrumLength camera pixels per spectrum: even, 64 to 4096; 2048 gives 1024 depth samples
  * @param seed chooses the individual phantom and its noise; the same seed gives the same volumes
- * @return the device, to be freed by clearSimulatedDevice(); null and a pending error if an argument is
- * invalid
+ * @return the device, to be freed by clearSimulatedDevice(); null and a pending
+ * error if an argument is invalid
  */
 OCT_DEVICE_API OCTDeviceHandle createSimulatedDevice(int phantom, int spectrumLength, unsigned int seed);
 
@@ -44,8 +44,8 @@ OCT_DEVICE_API OCTDeviceHandle createSimulatedDevice(int phantom, int spectrumLe
  * @param phantom one of the OCT_PHANTOM_ values
  * @param spectrumLength as for createSimulatedDevice()
  * @param seed as for createSimulatedDevice()
- * @return the device, to be freed by clearSimulatedDevice(); null and a pending error if an argument is
- * invalid
+ * @return the device, to be freed by clearSimulatedDevice(); null and a pending
+ * error if an argument is invalid
  */
 OCT_DEVICE_API OCTDeviceHandle createSimulatedPolarizationDevice(int phantom, int spectrumLength,
                                                                  unsigned int seed);
@@ -94,8 +94,8 @@ OCT_DEVICE_API void clearSimulatedProcessing(ProcessingHandle processing);
 /**
  * Creates a polarization processing.
  * @param device a device with two sensors; another one is an error
- * @return the processing, to be freed by clearSimulatedPolarizationProcessing(); null and a pending error if
- * it fails
+ * @return the processing, to be freed by clearSimulatedPolarizationProcessing(); null
+ * and a pending error if it fails
  */
 OCT_DEVICE_API PolarizationProcessingHandle createSimulatedPolarizationProcessing(OCTDeviceHandle device);
 

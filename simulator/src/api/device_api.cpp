@@ -1,22 +1,21 @@
 // The device functions: find the objects, make one call.
 
-#include "oct_device/oct_device.h"
+#include <limits>
+#include <stdexcept>
 
 #include "api/library.h"
 #include "base/data.h"
 #include "device/device.h"
 #include "device/scan_pattern.h"
+#include "oct_device/oct_device.h"
 #include "processing/processing.h"
 #include "processing/surface.h"
-
-#include <limits>
-#include <stdexcept>
 
 using namespace oct::simulator;
 
 namespace {
 
-int sizeOf(const Data& data, int property) {
+int size_of(const Data& data, int property) {
   const auto& sizes = data.sizes();
   switch (property) {
     case OCT_DATA_SIZE_1:
@@ -37,53 +36,53 @@ int sizeOf(const Data& data, int property) {
 }  // namespace
 
 int getDevicePropertyInt(OCTDeviceHandle device, int property) {
-  return deviceCall("getDevicePropertyInt", [&](HandleTable& handles) {
+  return device_call("getDevicePropertyInt", [&](HandleTable& handles) {
     const auto object = handles.find<Device>(device);
     if (property != OCT_DEVICE_SPECTRUM_LENGTH) throw std::invalid_argument("Unknown property. ");
-    return object->spectrumLength();
+    return object->spectrum_length();
   });
 }
 
 double getDevicePropertyFloat(OCTDeviceHandle device, int property) {
-  return deviceCall("getDevicePropertyFloat", [&](HandleTable& handles) {
+  return device_call("getDevicePropertyFloat", [&](HandleTable& handles) {
     const auto object = handles.find<Device>(device);
     if (property != OCT_DEVICE_DEPTH_RANGE) throw std::invalid_argument("Unknown property. ");
-    return object->depthRangeMm();
+    return object->depth_range_mm();
   });
 }
 
 RawDataHandle createRawData(void) {
-  return deviceCall("createRawData", [](HandleTable& handles) {
+  return device_call("createRawData", [](HandleTable& handles) {
     return static_cast<RawDataHandle>(handles.add(std::make_shared<RawData>()));
   });
 }
 
 void clearRawData(RawDataHandle raw) {
-  deviceCall("clearRawData", [&](HandleTable& handles) { handles.remove<RawData>(raw); });
+  device_call("clearRawData", [&](HandleTable& handles) { handles.remove<RawData>(raw); });
 }
 
 DataHandle createData(void) {
-  return deviceCall("createData", [](HandleTable& handles) {
+  return device_call("createData", [](HandleTable& handles) {
     return static_cast<DataHandle>(handles.add(std::make_shared<Data>()));
   });
 }
 
 void clearData(DataHandle data) {
-  deviceCall("clearData", [&](HandleTable& handles) { handles.remove<Data>(data); });
+  device_call("clearData", [&](HandleTable& handles) { handles.remove<Data>(data); });
 }
 
 void startMeasurement(OCTDeviceHandle device, ScanPatternHandle pattern, int mode) {
-  deviceCall("startMeasurement", [&](HandleTable& handles) {
+  device_call("startMeasurement", [&](HandleTable& handles) {
     handles.find<Device>(device)->start(*handles.find<ScanPattern>(pattern), mode);
   });
 }
 
 void stopMeasurement(OCTDeviceHandle device) {
-  deviceCall("stopMeasurement", [&](HandleTable& handles) { handles.find<Device>(device)->stop(); });
+  device_call("stopMeasurement", [&](HandleTable& handles) { handles.find<Device>(device)->stop(); });
 }
 
 int isError(void) {
-  return Library::instance().error.isSet() ? 1 : 0;
+  return Library::instance().error.is_set() ? 1 : 0;
 }
 
 int getError(char* buffer, int size) {
@@ -91,84 +90,84 @@ int getError(char* buffer, int size) {
 }
 
 void getRawDataEx(OCTDeviceHandle device, RawDataHandle raw, int camera) {
-  deviceCall("getRawDataEx", [&](HandleTable& handles) {
+  device_call("getRawDataEx", [&](HandleTable& handles) {
     handles.find<Device>(device)->acquire(*handles.find<RawData>(raw), camera);
   });
 }
 
 void setProcessedDataOutput(ProcessingHandle processing, DataHandle data) {
-  deviceCall("setProcessedDataOutput", [&](HandleTable& handles) {
-    handles.find<Processing>(processing)->setOutput(handles.find<Data>(data));
+  device_call("setProcessedDataOutput", [&](HandleTable& handles) {
+    handles.find<Processing>(processing)->set_output(handles.find<Data>(data));
   });
 }
 
 void executeProcessing(ProcessingHandle processing, RawDataHandle raw) {
-  deviceCall("executeProcessing", [&](HandleTable& handles) {
+  device_call("executeProcessing", [&](HandleTable& handles) {
     handles.find<Processing>(processing)->execute(*handles.find<RawData>(raw));
   });
 }
 
 int getDataPropertyInt(DataHandle data, int property) {
-  return deviceCall("getDataPropertyInt",
-                    [&](HandleTable& handles) { return sizeOf(*handles.find<Data>(data), property); });
+  return device_call("getDataPropertyInt",
+                     [&](HandleTable& handles) { return size_of(*handles.find<Data>(data), property); });
 }
 
 double getDataPropertyFloat(DataHandle data, int property) {
-  return deviceCall("getDataPropertyFloat", [&](HandleTable& handles) {
+  return device_call("getDataPropertyFloat", [&](HandleTable& handles) {
     const auto object = handles.find<Data>(data);
     if (property < OCT_DATA_RANGE_1 || property > OCT_DATA_RANGE_3)
       throw std::invalid_argument("Unknown property. ");
-    return object->rangesMm()[property - OCT_DATA_RANGE_1];
+    return object->ranges_mm()[property - OCT_DATA_RANGE_1];
   });
 }
 
 void setDataRange(DataHandle data, double range1, double range2, double range3) {
-  deviceCall("setDataRange", [&](HandleTable& handles) {
-    handles.find<Data>(data)->setRanges({range1, range2, range3});
+  device_call("setDataRange", [&](HandleTable& handles) {
+    handles.find<Data>(data)->set_ranges({range1, range2, range3});
   });
 }
 
 float* getDataPtr(DataHandle data) {
-  return deviceCall("getDataPtr", [&](HandleTable& handles) -> float* {
+  return device_call("getDataPtr", [&](HandleTable& handles) -> float* {
     auto& samples = handles.find<Data>(data)->samples();
     return samples.empty() ? nullptr : samples.data();
   });
 }
 
 ComplexDataHandle createComplexData(void) {
-  return deviceCall("createComplexData", [](HandleTable& handles) {
+  return device_call("createComplexData", [](HandleTable& handles) {
     return static_cast<ComplexDataHandle>(handles.add(std::make_shared<ComplexData>()));
   });
 }
 
 void clearComplexData(ComplexDataHandle data) {
-  deviceCall("clearComplexData", [&](HandleTable& handles) { handles.remove<ComplexData>(data); });
+  device_call("clearComplexData", [&](HandleTable& handles) { handles.remove<ComplexData>(data); });
 }
 
 void setComplexDataOutput(ProcessingHandle processing, ComplexDataHandle data) {
-  deviceCall("setComplexDataOutput", [&](HandleTable& handles) {
-    handles.find<Processing>(processing)->setOutput(handles.find<ComplexData>(data));
+  device_call("setComplexDataOutput", [&](HandleTable& handles) {
+    handles.find<Processing>(processing)->set_output(handles.find<ComplexData>(data));
   });
 }
 
 void getAnalogInputData(OCTDeviceHandle device, DataHandle data) {
-  deviceCall("getAnalogInputData", [&](HandleTable& handles) {
-    handles.find<Device>(device)->readAnalogInput(*handles.find<Data>(data));
+  device_call("getAnalogInputData", [&](HandleTable& handles) {
+    handles.find<Device>(device)->read_analog_input(*handles.find<Data>(data));
   });
 }
 
 void determineSurface(DataHandle volume, DataHandle surface) {
-  deviceCall("determineSurface", [&](HandleTable& handles) {
-    findSurface(*handles.find<Data>(volume), *handles.find<Data>(surface));
+  device_call("determineSurface", [&](HandleTable& handles) {
+    find_surface(*handles.find<Data>(volume), *handles.find<Data>(surface));
   });
 }
 
 double getRelativeReferenceIntensity(OCTDeviceHandle device, ProcessingHandle processing) {
-  return deviceCall("getRelativeReferenceIntensity", [&](HandleTable& handles) {
-    const auto length = handles.find<Device>(device)->spectrumLength();
+  return device_call("getRelativeReferenceIntensity", [&](HandleTable& handles) {
+    const auto length = handles.find<Device>(device)->spectrum_length();
     const auto object = handles.find<Processing>(processing);
-    if (object->spectrumLength() != length)
+    if (object->spectrum_length() != length)
       throw std::invalid_argument("The processing is for devices with another spectrum length. ");
-    return object->referenceIntensity();
+    return object->reference_intensity();
   });
 }

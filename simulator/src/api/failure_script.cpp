@@ -15,7 +15,7 @@ void FailureScript::clear() {
   failures_.clear();
 }
 
-void FailureScript::onCall(const char* function) {
+void FailureScript::on_call(const char* function) {
   const std::lock_guard lock(mutex_);
   if (failures_.empty()) return;
   const auto [begin, end] = failures_.equal_range(function);

@@ -1,5 +1,4 @@
-/// @file
-/// Failures on command.
+// Failures on command.
 #pragma once
 
 #include <map>
@@ -8,17 +7,17 @@
 
 namespace oct::simulator {
 
-/// Makes calls fail that a test has chosen.
+// Makes calls fail that a test has chosen.
 class FailureScript {
  public:
-  /// Fails a call of a function, counted from now.
-  /// @param call 1 for the next call, 0 for all calls
+  // Fails a call of a function, counted from now.
+  // call: 1 for the next call, 0 for all calls
   void add(const std::string& function, int call, const std::string& message);
 
   void clear();
 
-  /// Notes a call; throws std::runtime_error if it shall fail.
-  void onCall(const char* function);
+  // Notes a call; throws std::runtime_error if it shall fail.
+  void on_call(const char* function);
 
  private:
   struct Failure {

@@ -1,19 +1,18 @@
-/// @file
-/// What the C functions share: the handles, the pending error, the script of failures, and
-/// the frame around every call.
+// What the C functions share: the handles, the pending error, the script of failures, and
+// the frame around every call.
 #pragma once
-
-#include "api/failure_script.h"
-#include "api/pending_error.h"
-#include "base/handle_table.h"
 
 #include <exception>
 #include <type_traits>
 #include <utility>
 
+#include "api/failure_script.h"
+#include "api/pending_error.h"
+#include "base/handle_table.h"
+
 namespace oct::simulator {
 
-/// The state of the whole library.
+// The state of the whole library.
 struct Library {
   HandleTable handles;
   PendingError error;
@@ -22,7 +21,7 @@ struct Library {
   static Library& instance();
 };
 
-/// Runs the body of a C function. An exception becomes the pending error, and the result zero or null.
+// Runs the body of a C function. An exception becomes the pending error, and the result zero or null.
 template <typename Body>
 auto framed(const char* function, Body&& body) noexcept {
   using Result = std::invoke_result_t<Body, HandleTable&>;
@@ -37,11 +36,11 @@ auto framed(const char* function, Body&& body) noexcept {
   return Result();
 }
 
-/// Runs the body of a device function, unless a script says that this call shall fail.
+// Runs the body of a device function, unless a script says that this call shall fail.
 template <typename Body>
-auto deviceCall(const char* function, Body&& body) noexcept {
+auto device_call(const char* function, Body&& body) noexcept {
   return framed(function, [&](HandleTable& handles) {
-    Library::instance().failures.onCall(function);
+    Library::instance().failures.on_call(function);
     return body(handles);
   });
 }

@@ -6,23 +6,23 @@ namespace oct::simulator {
 
 void PendingError::set(const char* function, const char* message) {
   const std::lock_guard lock(mutex_);
-  if (isSet_) return;
-  isSet_ = true;
+  if (is_set_) return;
+  is_set_ = true;
   std::snprintf(text_.data(), text_.size(), "%s: %s", function, message);
 }
 
-bool PendingError::isSet() const {
+bool PendingError::is_set() const {
   const std::lock_guard lock(mutex_);
-  return isSet_;
+  return is_set_;
 }
 
 bool PendingError::take(char* buffer, int size) {
   const std::lock_guard lock(mutex_);
-  const bool wasSet = isSet_;
-  if (!buffer || size < 1) return wasSet;
-  std::snprintf(buffer, static_cast<std::size_t>(size), "%s", wasSet ? text_.data() : "");
-  isSet_ = false;
-  return wasSet;
+  const bool was_set = is_set_;
+  if (!buffer || size < 1) return was_set;
+  std::snprintf(buffer, static_cast<std::size_t>(size), "%s", was_set ? text_.data() : "");
+  is_set_ = false;
+  return was_set;
 }
 
 }  // namespace oct::simulator

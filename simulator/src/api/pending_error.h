@@ -1,5 +1,4 @@
-/// @file
-/// The error that waits to be fetched.
+// The error that waits to be fetched.
 #pragma once
 
 #include <array>
@@ -7,22 +6,22 @@
 
 namespace oct::simulator {
 
-/// Holds the first error since the last was fetched. Needs no memory beyond its own, so that running out of
-/// memory can be reported too.
+// Holds the first error since the last was fetched. Needs no memory beyond its own, so that running out of
+// memory can be reported too.
 class PendingError {
  public:
-  /// Stores an error unless one is pending.
+  // Stores an error unless one is pending.
   void set(const char* function, const char* message);
 
-  bool isSet() const;
+  bool is_set() const;
 
-  /// Copies the text, cut to fit, and takes the error back; keeps it if there is no room for any text.
-  /// @return whether an error was pending
+  // Copies the text, cut to fit, and takes the error back; keeps it if there is no room for any text.
+  // Returns whether an error was pending
   bool take(char* buffer, int size);
 
  private:
   mutable std::mutex mutex_;
-  bool isSet_ = false;
+  bool is_set_ = false;
   std::array<char, 512> text_{};
 };
 

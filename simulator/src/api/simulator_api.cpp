@@ -1,18 +1,5 @@
 // The simulator's own functions: its objects, and what makes it behave as a test wants.
 
-#include "oct_simulator/oct_simulator.h"
-
-#include "api/library.h"
-#include "device/device.h"
-#include "device/playback_source.h"
-#include "device/scan_pattern.h"
-#include "phantoms/finger_pad.h"
-#include "phantoms/mirror.h"
-#include "phantoms/polarization_target.h"
-#include "phantoms/retina.h"
-#include "processing/polarization_processing.h"
-#include "processing/processing.h"
-
 #include <algorithm>
 #include <array>
 #include <numbers>
@@ -21,79 +8,91 @@
 #include <string_view>
 #include <utility>
 
+#include "api/library.h"
+#include "device/device.h"
+#include "device/playback_source.h"
+#include "device/scan_pattern.h"
+#include "oct_simulator/oct_simulator.h"
+#include "phantoms/finger_pad.h"
+#include "phantoms/mirror.h"
+#include "phantoms/polarization_target.h"
+#include "phantoms/retina.h"
+#include "processing/polarization_processing.h"
+#include "processing/processing.h"
+
 using namespace oct::simulator;
 
 namespace {
 
-/// Retardation and axis of the polarization target's plate: 45 and 30 degrees.
-constexpr double kPlateRetardance = std::numbers::pi / 4.0;
-constexpr double kPlateAxis = std::numbers::pi / 6.0;
+// Retardation and axis of the polarization target's plate: 45 and 30 degrees.
+constexpr double plate_retardance = std::numbers::pi / 4.0;
+constexpr double plate_axis = std::numbers::pi / 6.0;
 
-std::shared_ptr<Device> makeDevice(int phantom, int spectrumLength, std::uint64_t seed, int cameras) {
-  const Spectrometer forSkin(spectrumLength, 1300.0, 3.6);
-  const Spectrometer forEyes(spectrumLength, 850.0, 2.4);
+std::shared_ptr<Device> make_device(int phantom, int spectrumLength, std::uint64_t seed, int cameras) {
+  const Spectrometer for_skin(spectrumLength, 1300.0, 3.6);
+  const Spectrometer for_eyes(spectrumLength, 850.0, 2.4);
   const auto device = [&](const Spectrometer& spectrometer, std::shared_ptr<const Phantom> object) {
     return std::make_shared<Device>(spectrometer, std::move(object), seed, cameras);
   };
   switch (phantom) {
     case OCT_PHANTOM_FINGER_PAD:
-      return device(forSkin, std::make_shared<FingerPad>(seed));
+      return device(for_skin, std::make_shared<FingerPad>(seed));
     case OCT_PHANTOM_RETINA:
-      return device(forEyes, std::make_shared<Retina>(seed));
+      return device(for_eyes, std::make_shared<Retina>(seed));
     case OCT_PHANTOM_MIRROR:
-      return device(forSkin, std::make_shared<Mirror>(1.0, 0.02, 0.1f));
+      return device(for_skin, std::make_shared<Mirror>(1.0, 0.02, 0.1F));
     case OCT_PHANTOM_POLARIZATION_TARGET:
-      return device(forSkin, std::make_shared<PolarizationTarget>(kPlateRetardance, kPlateAxis));
+      return device(for_skin, std::make_shared<PolarizationTarget>(plate_retardance, plate_axis));
     default:
       throw std::invalid_argument("Unknown phantom. ");
   }
 }
 
-/// The functions that a script can make fail.
-constexpr std::array kFailing{"getDevicePropertyInt",
-                              "getDevicePropertyFloat",
-                              "createRawData",
-                              "clearRawData",
-                              "createData",
-                              "clearData",
-                              "createComplexData",
-                              "clearComplexData",
-                              "startMeasurement",
-                              "stopMeasurement",
-                              "getRawDataEx",
-                              "getAnalogInputData",
-                              "setProcessedDataOutput",
-                              "setComplexDataOutput",
-                              "executeProcessing",
-                              "getDataPropertyInt",
-                              "getDataPropertyFloat",
-                              "setDataRange",
-                              "getDataPtr",
-                              "determineSurface",
-                              "getRelativeReferenceIntensity",
-                              "setPolarizationOutputI",
-                              "setPolarizationOutputRetardation",
-                              "setPolarizationOutputOpticAxis",
-                              "setPolarizationOutputDOPU",
-                              "setPolarizationOutputQ",
-                              "setPolarizationOutputU",
-                              "setPolarizationOutputV",
-                              "setPolarizationFlag",
-                              "setPolarizationPropertyFloat",
-                              "setPolarizationPropertyInt",
-                              "executePolarizationProcessing"};
+// The functions that a script can make fail.
+constexpr std::array failing{"getDevicePropertyInt",
+                             "getDevicePropertyFloat",
+                             "createRawData",
+                             "clearRawData",
+                             "createData",
+                             "clearData",
+                             "createComplexData",
+                             "clearComplexData",
+                             "startMeasurement",
+                             "stopMeasurement",
+                             "getRawDataEx",
+                             "getAnalogInputData",
+                             "setProcessedDataOutput",
+                             "setComplexDataOutput",
+                             "executeProcessing",
+                             "getDataPropertyInt",
+                             "getDataPropertyFloat",
+                             "setDataRange",
+                             "getDataPtr",
+                             "determineSurface",
+                             "getRelativeReferenceIntensity",
+                             "setPolarizationOutputI",
+                             "setPolarizationOutputRetardation",
+                             "setPolarizationOutputOpticAxis",
+                             "setPolarizationOutputDOPU",
+                             "setPolarizationOutputQ",
+                             "setPolarizationOutputU",
+                             "setPolarizationOutputV",
+                             "setPolarizationFlag",
+                             "setPolarizationPropertyFloat",
+                             "setPolarizationPropertyInt",
+                             "executePolarizationProcessing"};
 
 }  // namespace
 
 OCTDeviceHandle createSimulatedDevice(int phantom, int spectrumLength, unsigned int seed) {
   return framed("createSimulatedDevice", [&](HandleTable& handles) {
-    return static_cast<OCTDeviceHandle>(handles.add(makeDevice(phantom, spectrumLength, seed, 1)));
+    return static_cast<OCTDeviceHandle>(handles.add(make_device(phantom, spectrumLength, seed, 1)));
   });
 }
 
 OCTDeviceHandle createSimulatedPolarizationDevice(int phantom, int spectrumLength, unsigned int seed) {
   return framed("createSimulatedPolarizationDevice", [&](HandleTable& handles) {
-    return static_cast<OCTDeviceHandle>(handles.add(makeDevice(phantom, spectrumLength, seed, 2)));
+    return static_cast<OCTDeviceHandle>(handles.add(make_device(phantom, spectrumLength, seed, 2)));
   });
 }
 
@@ -154,7 +153,7 @@ void setSimulatedScanRate(OCTDeviceHandle device, double aScansPerSecond, int pa
     const auto object = handles.find<Device>(device);
     if (pacing != OCT_PACING_FREE && pacing != OCT_PACING_REAL_TIME)
       throw std::invalid_argument("Unknown pacing. ");
-    object->setPace({.aScansPerSecond = aScansPerSecond, .isRealTime = pacing == OCT_PACING_REAL_TIME});
+    object->set_pace({.a_scans_per_second = aScansPerSecond, .is_real_time = pacing == OCT_PACING_REAL_TIME});
   });
 }
 
@@ -163,11 +162,11 @@ void setSimulatedMotion(OCTDeviceHandle device, int motion, double amplitudeMm, 
     const auto object = handles.find<Device>(device);
     switch (motion) {
       case OCT_MOTION_NONE:
-        return object->setMotion({});
+        return object->set_motion({});
       case OCT_MOTION_BREATHING:
-        return object->setMotion({Motion::Kind::kBreathing, amplitudeMm, periodSeconds});
+        return object->set_motion({Motion::Kind::breathing, amplitudeMm, periodSeconds});
       case OCT_MOTION_DRIFT:
-        return object->setMotion({Motion::Kind::kDrift, amplitudeMm, periodSeconds});
+        return object->set_motion({Motion::Kind::drift, amplitudeMm, periodSeconds});
       default:
         throw std::invalid_argument("Unknown motion. ");
     }
@@ -177,7 +176,7 @@ void setSimulatedMotion(OCTDeviceHandle device, int motion, double amplitudeMm, 
 void failSimulatedCall(const char* function, int call, const char* message) {
   framed("failSimulatedCall", [&](HandleTable&) {
     if (!function || !message) throw std::invalid_argument("A failure needs a function and a message. ");
-    if (std::ranges::find(kFailing, std::string_view(function)) == kFailing.end())
+    if (std::ranges::find(failing, std::string_view(function)) == failing.end())
       throw std::invalid_argument(std::string("No call of ") + function + " can be made to fail. ");
     Library::instance().failures.add(function, call, message);
   });

@@ -6,51 +6,51 @@
 
 namespace oct::simulator {
 
-void RawData::resize(int spectrumLength, int aScans, int bScans, double widthMm, double lengthMm) {
-  counts_.resize(static_cast<std::size_t>(spectrumLength) * aScans * bScans);
+void RawData::resize(int spectrum_length, int a_scans, int b_scans, double width_mm, double length_mm) {
+  counts_.resize(static_cast<std::size_t>(spectrum_length) * a_scans * b_scans);
   recording_.reset();
-  spectrumLength_ = spectrumLength;
-  aScans_ = aScans;
-  bScans_ = bScans;
-  widthMm_ = widthMm;
-  lengthMm_ = lengthMm;
+  spectrum_length_ = spectrum_length;
+  a_scans_ = a_scans;
+  b_scans_ = b_scans;
+  width_mm_ = width_mm;
+  length_mm_ = length_mm;
 }
 
-void RawData::refer(std::shared_ptr<const Recording> recording, std::uint64_t volume, double widthMm,
-                    double lengthMm) {
-  const auto [depths, aScans, bScans] = recording->sizes();
-  resize(2 * depths, 0, 0, widthMm, lengthMm);
-  aScans_ = aScans;
-  bScans_ = bScans;
+void RawData::refer(std::shared_ptr<const Recording> recording, std::uint64_t volume, double width_mm,
+                    double length_mm) {
+  const auto [depths, a_scans, b_scans] = recording->sizes();
+  resize(2 * depths, 0, 0, width_mm, length_mm);
+  a_scans_ = a_scans;
+  b_scans_ = b_scans;
   recording_ = std::move(recording);
   volume_ = volume;
 }
 
 std::span<std::uint16_t> RawData::spectrum(int index) {
-  return std::span(counts_).subspan(static_cast<std::size_t>(index) * spectrumLength_, spectrumLength_);
+  return std::span(counts_).subspan(static_cast<std::size_t>(index) * spectrum_length_, spectrum_length_);
 }
 
 std::span<const std::uint16_t> RawData::spectrum(int index) const {
-  return std::span(counts_).subspan(static_cast<std::size_t>(index) * spectrumLength_, spectrumLength_);
+  return std::span(counts_).subspan(static_cast<std::size_t>(index) * spectrum_length_, spectrum_length_);
 }
 
-void Data::resize(std::array<int, 3> sizes, std::array<double, 3> rangesMm) {
+void Data::resize(std::array<int, 3> sizes, std::array<double, 3> ranges_mm) {
   samples_.resize(static_cast<std::size_t>(sizes[0]) * sizes[1] * sizes[2]);
   sizes_ = sizes;
-  rangesMm_ = rangesMm;
+  ranges_mm_ = ranges_mm;
 }
 
-void ComplexData::resize(std::array<int, 3> sizes, std::array<double, 3> rangesMm) {
+void ComplexData::resize(std::array<int, 3> sizes, std::array<double, 3> ranges_mm) {
   samples_.resize(static_cast<std::size_t>(sizes[0]) * sizes[1] * sizes[2]);
   sizes_ = sizes;
-  rangesMm_ = rangesMm;
+  ranges_mm_ = ranges_mm;
 }
 
-void Data::setRanges(std::array<double, 3> rangesMm) {
-  for (const double range : rangesMm)
+void Data::set_ranges(std::array<double, 3> ranges_mm) {
+  for (const double range : ranges_mm)
     if (!(std::isfinite(range) && range >= 0.0))
       throw std::invalid_argument("A range must be finite and not negative. ");
-  rangesMm_ = rangesMm;
+  ranges_mm_ = ranges_mm;
 }
 
 }  // namespace oct::simulator

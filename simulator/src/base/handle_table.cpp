@@ -19,7 +19,7 @@ int HandleTable::count() const {
   return static_cast<int>(objects_.size());
 }
 
-std::shared_ptr<HandleObject> HandleTable::findAny(const void* handle) const {
+std::shared_ptr<HandleObject> HandleTable::find_any(const void* handle) const {
   const std::lock_guard lock(mutex_);
   const auto place = objects_.find(handle);
   return place == objects_.end() ? nullptr : place->second;

@@ -8,7 +8,7 @@
 
 namespace oct::simulator {
 
-void parallelRanges(int count, int workers, const std::function<void(int, int)>& body) {
+void parallel_ranges(int count, int workers, const std::function<void(int, int)>& body) {
   if (workers <= 0) workers = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
   workers = std::min(workers, count);
   if (workers <= 1) {

@@ -1,5 +1,4 @@
-/// @file
-/// Volumes that were recorded before.
+// Volumes that were recorded before.
 #pragma once
 
 #include <array>
@@ -9,28 +8,28 @@
 
 namespace oct::simulator {
 
-/// One or more processed volumes of one size, and the noise that each playing adds to them.
+// One or more processed volumes of one size, and the noise that each playing adds to them.
 class Recording {
  public:
-  /// Copies the samples. Throws std::invalid_argument if the sizes, the samples or the noise make no sense.
-  /// @param samples the volumes one after the other, each laid out as Data
-  /// @param sizes depth samples, A-scans, B-scans
-  /// @param noise standard deviation, in the unit of the samples
+  // Copies the samples. Throws std::invalid_argument if the sizes, the samples or the noise make no sense.
+  // samples: the volumes one after the other, each laid out as Data
+  // sizes: depth samples, A-scans, B-scans
+  // noise: standard deviation, in the unit of the samples
   Recording(const float* samples, std::array<int, 3> sizes, int volumes, double noise, std::uint64_t seed);
 
   const std::array<int, 3>& sizes() const { return sizes_; }
 
-  /// Writes the volume whose turn it is. The same number gives the same samples.
-  /// @param volume its number; after the last recorded volume comes the first
-  /// @param samples receives them; as many as a volume has
-  /// @param workers number of threads, 0 for one per core; the volume does not depend on it
+  // Writes the volume whose turn it is. The same number gives the same samples.
+  // volume: its number; after the last recorded volume comes the first
+  // samples: receives them; as many as a volume has
+  // workers: number of threads, 0 for one per core; the volume does not depend on it
   void play(std::uint64_t volume, std::span<float> samples, int workers) const;
 
  private:
-  void addNoise(std::uint64_t exposure, const float* recorded, std::span<float> samples) const;
+  void add_noise(std::uint64_t exposure, const float* recorded, std::span<float> samples) const;
 
   std::array<int, 3> sizes_;
-  std::size_t volumeSamples_;
+  std::size_t volume_samples_;
   std::vector<float> samples_;
   std::uint64_t seed_;
   std::vector<float> noise_;  // deviates to draw from; empty: the samples are played as they are

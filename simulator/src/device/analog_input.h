@@ -1,26 +1,25 @@
-/// @file
-/// The signals at the device's analog input.
+// The signals at the device's analog input.
 #pragma once
+
+#include <cstdint>
 
 #include "base/data.h"
 #include "device/volume_source.h"
 
-#include <cstdint>
-
 namespace oct::simulator {
 
-/// Two channels that are sampled once per A-scan. The first is a light detector that sees glowing spots of
-/// the phantom through the scanner and so moves with it; the second is a pulse.
+// Two channels that are sampled once per A-scan. The first is a light detector that sees glowing spots of
+// the phantom through the scanner and so moves with it; the second is a pulse.
 class AnalogInput {
  public:
-  static constexpr int kChannels = 2;
+  static constexpr int channels = 2;
 
-  /// Beats per second of the pulse.
-  static constexpr double kPulseRate = 1.2;
+  // Beats per second of the pulse.
+  static constexpr double pulse_rate = 1.2;
 
   explicit AnalogInput(std::uint64_t seed);
 
-  /// @param data receives volts, 0 to 1 with a little noise; sizes are channels, A-scans, B-scans
+  // data: receives volts, 0 to 1 with a little noise; sizes are channels, A-scans, B-scans
   void read(const Exposure& exposure, Data& data) const;
 
  private:

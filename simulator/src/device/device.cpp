@@ -1,34 +1,34 @@
 #include "device/device.h"
 
-#include "device/phantom_source.h"
-
 #include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
+#include "device/phantom_source.h"
+
 namespace oct::simulator {
 namespace {
 
-[[noreturn]] void failStopped() {
+[[noreturn]] void fail_stopped() {
   throw std::runtime_error("The measurement was stopped while a volume was being acquired. ");
 }
 
 }  // namespace
 
 Device::Device(std::unique_ptr<VolumeSource> source, std::uint64_t seed)
-    : source_(std::move(source)), analogInput_(seed), lastVolumes_(source_->cameras(), -1) {}
+    : source_(std::move(source)), analog_input_(seed), last_volumes_(source_->cameras(), -1) {}
 
 Device::Device(const Spectrometer& spectrometer, std::shared_ptr<const Phantom> phantom, std::uint64_t seed,
                int cameras)
     : Device(std::make_unique<PhantomSource>(spectrometer, std::move(phantom), seed, cameras), seed) {}
 
-void Device::setMotion(const Motion& motion) {
+void Device::set_motion(const Motion& motion) {
   const std::lock_guard lock(mutex_);
   motion_ = motion;
 }
 
-void Device::setPace(const Pace& pace) {
+void Device::set_pace(const Pace& pace) {
   pace.check();
   const std::lock_guard lock(mutex_);
   pace_ = pace;
@@ -38,11 +38,11 @@ void Device::start(const ScanPattern& pattern, int mode) {
   if (mode != 0) throw std::invalid_argument("The only acquisition mode is 0, continuous. ");
   const std::lock_guard lock(mutex_);
   if (pattern_) throw std::logic_error("A measurement is already running. ");
-  pattern_ = source_->effectivePattern(pattern);
-  const auto last = *std::ranges::max_element(lastVolumes_);
-  std::ranges::fill(lastVolumes_, last);
-  lastExposure_.reset();
-  measurement_.emplace(pace_, pattern_->aScans() * pattern_->bScans(), static_cast<std::uint64_t>(last + 1),
+  pattern_ = source_->effective_pattern(pattern);
+  const auto last = *std::ranges::max_element(last_volumes_);
+  std::ranges::fill(last_volumes_, last);
+  last_exposure_.reset();
+  measurement_.emplace(pace_, pattern_->a_scans() * pattern_->b_scans(), static_cast<std::uint64_t>(last + 1),
                        PacedMeasurement::Clock::now());
 }
 
@@ -59,23 +59,23 @@ void Device::acquire(RawData& raw, int camera, int workers) {
                                                : "The device has the cameras 0 and 1. ");
   const std::lock_guard exposing(exposing_);
   std::uint64_t stops = 0;
-  auto exposure = nextExposure(camera, stops);
-  waitFor(exposure.volume, stops);
+  auto exposure = next_exposure(camera, stops);
+  wait_for(exposure.volume, stops);
   exposure.workers = workers;
-  exposure.givenUp = [this, stops] { return stops_ != stops; };
+  exposure.given_up = [this, stops] { return stops_ != stops; };
   source_->expose(exposure, raw);
   if (stops_ != stops) {
     raw = RawData();
-    failStopped();
+    fail_stopped();
   }
 }
 
-Exposure Device::nextExposure(int camera, std::uint64_t& stops) {
+Exposure Device::next_exposure(int camera, std::uint64_t& stops) {
   const std::lock_guard lock(mutex_);
   if (!pattern_) throw std::logic_error("No measurement is running. ");
   stops = stops_;
-  auto& last = lastVolumes_[camera];
-  const auto newest = *std::ranges::max_element(lastVolumes_);
+  auto& last = last_volumes_[camera];
+  const auto newest = *std::ranges::max_element(last_volumes_);
   // All cameras are triggered together: after one has been read, the others give the same volume.
   if (newest > last)
     last = newest;
@@ -83,28 +83,28 @@ Exposure Device::nextExposure(int camera, std::uint64_t& stops) {
     last = static_cast<std::int64_t>(
         measurement_->next(static_cast<std::uint64_t>(last + 1), PacedMeasurement::Clock::now()));
   const auto volume = static_cast<std::uint64_t>(last);
-  lastExposure_.emplace(Exposure{.pattern = *pattern_,
-                                 .volume = volume,
-                                 .camera = camera,
-                                 .motion = source_->effectiveMotion(motion_),
-                                 .startSeconds = measurement_->startSeconds(volume),
-                                 .aScanSeconds = 1.0 / measurement_->pace().aScansPerSecond});
-  return *lastExposure_;
+  last_exposure_.emplace(Exposure{.pattern = *pattern_,
+                                  .volume = volume,
+                                  .camera = camera,
+                                  .motion = source_->effective_motion(motion_),
+                                  .start_seconds = measurement_->start_seconds(volume),
+                                  .a_scan_seconds = 1.0 / measurement_->pace().a_scans_per_second});
+  return *last_exposure_;
 }
 
-void Device::waitFor(std::uint64_t volume, std::uint64_t stops) {
+void Device::wait_for(std::uint64_t volume, std::uint64_t stops) {
   std::unique_lock lock(mutex_);
-  if (!measurement_->pace().isRealTime) return;
-  if (stopped_.wait_until(lock, measurement_->ready(volume), [&] { return stops_ != stops; })) failStopped();
+  if (!measurement_->pace().is_real_time) return;
+  if (stopped_.wait_until(lock, measurement_->ready(volume), [&] { return stops_ != stops; })) fail_stopped();
 }
 
-void Device::readAnalogInput(Data& data) {
+void Device::read_analog_input(Data& data) {
   std::unique_lock lock(mutex_);
   if (!pattern_) throw std::logic_error("No measurement is running. ");
-  if (!lastExposure_) throw std::logic_error("No volume has been acquired yet. ");
-  const Exposure exposure = *lastExposure_;
+  if (!last_exposure_) throw std::logic_error("No volume has been acquired yet. ");
+  const Exposure exposure = *last_exposure_;
   lock.unlock();
-  analogInput_.read(exposure, data);
+  analog_input_.read(exposure, data);
 }
 
 }  // namespace oct::simulator

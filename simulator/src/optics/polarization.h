@@ -1,5 +1,4 @@
-/// @file
-/// What tissue does to polarized light.
+// What tissue does to polarized light.
 #pragma once
 
 #include <array>
@@ -7,20 +6,20 @@
 
 namespace oct::simulator {
 
-/// Amplitudes of the two circular polarizations that the two sensors see. Sensor 0 sees what a mirror sends
-/// back, sensor 1 the other one.
+// Amplitudes of the two circular polarizations that the two sensors see. Sensor 0 sees what a mirror sends
+// back, sensor 1 the other one.
 using PolarizedLight = std::array<std::complex<float>, 2>;
 
-/// Follows circularly polarized light through a stack of retarders, there and back.
+// Follows circularly polarized light through a stack of retarders, there and back.
 class LightPath {
  public:
-  /// Goes on through one more retarder.
-  /// @param retardance phase between its axes, passing once, in radians
-  /// @param axis direction of the slow axis, in radians
+  // Goes on through one more retarder.
+  // retardance: phase between its axes, passing once, in radians
+  // axis: direction of the slow axis, in radians
   void pass(double retardance, double axis);
 
-  /// Light of amplitude 1 that is sent back from here. For a single retarder with retardance r and axis a:
-  /// cos(r), and sin(r) with the phase 2a - pi/2 relative to the first.
+  // Light of amplitude 1 that is sent back from here. For a single retarder with retardance r and axis a:
+  // cos(r), and sin(r) with the phase 2a - pi/2 relative to the first.
   PolarizedLight returned() const;
 
  private:

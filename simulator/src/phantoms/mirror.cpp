@@ -2,11 +2,11 @@
 
 namespace oct::simulator {
 
-Mirror::Mirror(double depthMm, double slope, float amplitude)
-    : depthMm_(depthMm), slope_(slope), amplitude_(amplitude) {}
+Mirror::Mirror(double depth_mm, double slope, float amplitude)
+    : depth_mm_(depth_mm), slope_(slope), amplitude_(amplitude) {}
 
-void Mirror::describe(double xMm, double, double, DepthProfile& profile) const {
-  profile.reflectors.push_back({depthMm_ + slope_ * xMm, amplitude_});
+void Mirror::describe(double x_mm, double, double, DepthProfile& profile) const {
+  profile.reflectors.push_back({depth_mm_ + slope_ * x_mm, amplitude_});
 }
 
 }  // namespace oct::simulator

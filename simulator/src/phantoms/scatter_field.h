@@ -1,5 +1,4 @@
-/// @file
-/// The microscopic disorder of tissue, from which speckle arises.
+// The microscopic disorder of tissue, from which speckle arises.
 #pragma once
 
 #include <complex>
@@ -8,17 +7,17 @@
 
 namespace oct::simulator {
 
-/// Sums the light of all scatterers within a depth cell and the beam's width.
-/// Every cell of a fine lateral lattice holds so many scatterers of random phase that their sum is a circular
-/// Gaussian number. The beam adds the lattice columns around it, weighted by its profile; neighbouring
-/// A-scans share columns, so that speckle has the beam's width whatever the scan's density.
+// Sums the light of all scatterers within a depth cell and the beam's width.
+// Every cell of a fine lateral lattice holds so many scatterers of random phase that their sum is a circular
+// Gaussian number. The beam adds the lattice columns around it, weighted by its profile; neighbouring
+// A-scans share columns, so that speckle has the beam's width whatever the scan's density.
 class ScatterField {
  public:
   explicit ScatterField(std::uint64_t seed);
 
-  /// Sums along depth at one lateral position.
-  /// @param field receives one sum per depth cell, of mean power 1
-  void read(double xMm, double yMm, std::vector<std::complex<float>>& field) const;
+  // Sums along depth at one lateral position.
+  // field: receives one sum per depth cell, of mean power 1
+  void read(double x_mm, double y_mm, std::vector<std::complex<float>>& field) const;
 
  private:
   std::uint64_t seed_;

@@ -6,21 +6,21 @@
 namespace oct::simulator {
 namespace {
 
-/// Wiggles of a vessel per length, in radians per millimetre.
-constexpr double kWiggleRate = 2.3;
+// Wiggles of a vessel per length, in radians per millimetre.
+constexpr double wiggle_rate = 2.3;
 
 }  // namespace
 
-double Vessel::distance(double xMm, double yMm) const {
-  if (alongY) std::swap(xMm, yMm);
-  const double angle = kWiggleRate * xMm + wigglePhase;
-  const double centre = offset + slope * xMm + bend * xMm * xMm + wiggle * std::sin(angle);
-  const double rise = slope + 2.0 * bend * xMm + wiggle * kWiggleRate * std::cos(angle);
-  return std::abs(yMm - centre) / std::sqrt(1.0 + rise * rise);
+double Vessel::distance(double x_mm, double y_mm) const {
+  if (along_y) std::swap(x_mm, y_mm);
+  const double angle = wiggle_rate * x_mm + wiggle_phase;
+  const double centre = offset + slope * x_mm + bend * x_mm * x_mm + wiggle * std::sin(angle);
+  const double rise = slope + 2.0 * bend * x_mm + wiggle * wiggle_rate * std::cos(angle);
+  return std::abs(y_mm - centre) / std::sqrt(1.0 + rise * rise);
 }
 
-double Vessel::halfHeight(double xMm, double yMm) const {
-  const double beside = distance(xMm, yMm);
+double Vessel::half_height(double x_mm, double y_mm) const {
+  const double beside = distance(x_mm, y_mm);
   return beside < radius ? std::sqrt(radius * radius - beside * beside) : 0.0;
 }
 

@@ -1,16 +1,16 @@
 #include "processing/stokes.h"
 
-#include "base/parallel.h"
-
 #include <algorithm>
+
+#include "base/parallel.h"
 
 namespace oct::simulator {
 namespace {
 
-/// So many lines that lie side by side are averaged at once: what is read along with a place is used.
-constexpr std::size_t kBundle = 32;
+// So many lines that lie side by side are averaged at once: what is read along with a place is used.
+constexpr std::size_t bundle = 32;
 
-/// Averages along lines of places that lie a stride apart, a bundle of adjacent lines at a time.
+// Averages along lines of places that lie a stride apart, a bundle of adjacent lines at a time.
 class LineAverage {
  public:
   LineAverage(int length, std::size_t stride, int box)
@@ -18,28 +18,28 @@ class LineAverage {
         stride_(stride),
         before_((box - 1) / 2),
         after_(box / 2),
-        bundle_(std::min(kBundle, stride)),
+        bundle_(std::min(bundle, stride)),
         sums_((static_cast<std::size_t>(length) + 1) * bundle_) {}
 
-  /// @param lines first place of the first line
-  /// @param width adjacent lines, at most kBundle
+  // lines: first place of the first line
+  // width: adjacent lines, at most bundle
   void apply(float* lines, std::size_t width) {
     for (int i = 0; i < length_; ++i) {
       const float* const places = lines + i * stride_;
-      for (std::size_t line = 0; line < width; ++line) sumsAt(i + 1)[line] = sumsAt(i)[line] + places[line];
+      for (std::size_t line = 0; line < width; ++line) sums_at(i + 1)[line] = sums_at(i)[line] + places[line];
     }
     for (int i = 0; i < length_; ++i) {
       const int begin = std::max(i - before_, 0);
       const int end = std::min(i + after_, length_ - 1) + 1;
       float* const places = lines + i * stride_;
       for (std::size_t line = 0; line < width; ++line)
-        places[line] = static_cast<float>((sumsAt(end)[line] - sumsAt(begin)[line]) / (end - begin));
+        places[line] = static_cast<float>((sums_at(end)[line] - sums_at(begin)[line]) / (end - begin));
     }
   }
 
  private:
-  /// Of all values before a place, for every line.
-  double* sumsAt(int place) { return sums_.data() + place * bundle_; }
+  // Of all values before a place, for every line.
+  double* sums_at(int place) { return sums_.data() + place * bundle_; }
 
   int length_;
   std::size_t stride_;
@@ -64,15 +64,14 @@ void StokesVolume::average(std::array<int, 3> box, int workers) {
     const int size = std::min(box[axis], 2 * length + 1);
     const std::size_t block = stride * length;
     if (size > 1 && length > 1) {
-      const std::size_t bundles = (stride + kBundle - 1) / kBundle;  // within one block
+      const std::size_t bundles = (stride + bundle - 1) / bundle;  // within one block
       const auto count = static_cast<int>(components_[0].size() / block * bundles);
-      parallelRanges(count, workers, [&](int begin, int end) {
+      parallel_ranges(count, workers, [&](int begin, int end) {
         LineAverage average(length, stride, size);
         for (int index = begin; index < end; ++index) {
-          const std::size_t line = index % bundles * kBundle;
+          const std::size_t line = index % bundles * bundle;
           for (auto& component : components_)
-            average.apply(component.data() + index / bundles * block + line,
-                          std::min(kBundle, stride - line));
+            average.apply(component.data() + index / bundles * block + line, std::min(bundle, stride - line));
         }
       });
     }

@@ -3,10 +3,10 @@
 
 namespace oct::gl {
 
-// The context's handle; null when none is current or when it was made by a window system other than WGL and
-// EGL.
-void* currentContext();
+// The context's handle; null when none is current or when it was made by a window
+// system other than WGL and EGL.
+void* current_context();
 
-bool isContextCurrent();
+bool is_context_current();
 
 }  // namespace oct::gl

@@ -1,14 +1,14 @@
-#include <windows.h>
-
 #include "gl/context/current_context.h"
+
+#include <windows.h>
 
 namespace oct::gl {
 
-void* currentContext() {
+void* current_context() {
   return wglGetCurrentContext();
 }
 
-bool isContextCurrent() {
+bool is_context_current() {
   return wglGetCurrentContext() != nullptr;
 }
 

@@ -1,3 +1,5 @@
+#include "gl/context/hidden_window_windows.h"
+
 #include <map>
 #include <mutex>
 
@@ -5,7 +7,6 @@
 #include "core/exception.h"
 #include "core/log.h"
 #include "core/platform.h"
-#include "gl/context/hidden_window_windows.h"
 
 namespace oct::gl {
 namespace {
@@ -15,29 +16,29 @@ struct ClassTable {
   std::map<std::string, int> users;
 };
 
-ClassTable& classTable() {
+ClassTable& class_table() {
   static ClassTable table;
   return table;
 }
 
-void registerClass(const std::string& name) {
+void register_class(const std::string& name) {
   WNDCLASSEXA record{};
   record.cbSize = sizeof record;
   record.style = CS_HREDRAW | CS_VREDRAW;
   record.lpfnWndProc = DefWindowProcA;
   record.lpszClassName = name.c_str();
   if (!RegisterClassExA(&record)) {
-    writeErrorAndThrow("An error occured. Could not register window class (" + name +
-                       ") for graphics output: " + std::to_string(GetLastError()));
+    write_error_and_throw("An error occured. Could not register window class (" + name +
+                          ") for graphics output: " + std::to_string(GetLastError()));
   }
 }
 
-HWND createWindow(const std::string& className) {
-  const HWND window = CreateWindowExA(0, className.c_str(), "", WS_OVERLAPPEDWINDOW, 0, 0, 300, 300, nullptr,
+HWND create_window(const std::string& class_name) {
+  const HWND window = CreateWindowExA(0, class_name.c_str(), "", WS_OVERLAPPEDWINDOW, 0, 0, 300, 300, nullptr,
                                       nullptr, nullptr, nullptr);
   if (!window)
-    writeErrorAndThrow("An error occured. Could not create hidden window for OpenGL output: " +
-                       systemErrorText());
+    write_error_and_throw("An error occured. Could not create hidden window for OpenGL output: " +
+                          system_error_text());
   return window;
 }
 
@@ -45,21 +46,21 @@ HWND createWindow(const std::string& className) {
 
 HiddenWindow::ClassUse::ClassUse(const std::string& name) : name_(name) {
   log() << "Creating hidden Window";
-  const std::lock_guard lock(classTable().mutex);
-  if (classTable().users[name] == 0) registerClass(name);
-  ++classTable().users[name];
+  const std::lock_guard lock(class_table().mutex);
+  if (class_table().users[name] == 0) register_class(name);
+  ++class_table().users[name];
 }
 
 HiddenWindow::ClassUse::~ClassUse() {
-  const std::lock_guard lock(classTable().mutex);
-  if (--classTable().users[name_] == 0) UnregisterClassA(name_.c_str(), nullptr);
+  const std::lock_guard lock(class_table().mutex);
+  if (--class_table().users[name_] == 0) UnregisterClassA(name_.c_str(), nullptr);
 }
 
-HiddenWindow::HiddenWindow(std::string className)
-    : className_(std::move(className)), classUse_(className_), window_(createWindow(className_)) {}
+HiddenWindow::HiddenWindow(std::string class_name)
+    : class_name_(std::move(class_name)), class_use_(class_name_), window_(create_window(class_name_)) {}
 
 HiddenWindow::~HiddenWindow() {
-  if (!DestroyWindow(window_)) writeError("Failed to destroy window." + std::to_string(GetLastError()));
+  if (!DestroyWindow(window_)) write_error("Failed to destroy window." + std::to_string(GetLastError()));
 }
 
 }  // namespace oct::gl

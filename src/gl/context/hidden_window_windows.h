@@ -1,9 +1,9 @@
 // A window of the system that is never shown, for Windows services that need one.
 #pragma once
 
-#include <windows.h>
-
 #include <string>
+
+#include <windows.h>
 
 namespace oct::gl {
 
@@ -11,7 +11,7 @@ namespace oct::gl {
 // error stream and thrown. Create and destroy on one thread, and pump that thread's messages if it lives on.
 class HiddenWindow {
  public:
-  explicit HiddenWindow(std::string className);
+  explicit HiddenWindow(std::string class_name);
   ~HiddenWindow();
   HiddenWindow(const HiddenWindow&) = delete;
   HiddenWindow& operator=(const HiddenWindow&) = delete;
@@ -31,8 +31,8 @@ class HiddenWindow {
     const std::string& name_;
   };
 
-  const std::string className_;
-  const ClassUse classUse_;
+  const std::string class_name_;
+  const ClassUse class_use_;
   HWND window_;
 };
 

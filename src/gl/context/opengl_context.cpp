@@ -9,10 +9,10 @@ namespace oct::gl {
 
 OpenGLContext::~OpenGLContext() {
   try {
-    if (currentContext() == handle_) window_.makeUncurrent();
+    if (current_context() == handle_) window_.makeUncurrent();
     window_.deleteContext(handle_);
   } catch (const std::exception& error) {
-    writeError(error.what());
+    write_error(error.what());
   }
 }
 

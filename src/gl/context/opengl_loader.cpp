@@ -25,7 +25,7 @@ struct Version {
   GLint minor = 0;
 };
 
-Version currentVersion() {
+Version current_version() {
   Version version;
   glGetIntegerv(GL_MAJOR_VERSION, &version.major);
   glGetIntegerv(GL_MINOR_VERSION, &version.minor);
@@ -34,40 +34,40 @@ Version currentVersion() {
 
 }  // namespace
 
-void initGlew(const char* loadFailure) {
+void initGlew(const char* load_failure) {
   const std::lock_guard lock(loader.mutex);
   if (!loader.glewInitialized) {
     glewExperimental = GL_TRUE;  // core contexts do not list extensions the way GLEW asks for them
     const GLenum result = glewInit();
     // In a context of another window system than EGL, GLEW has loaded OpenGL by then and misses EGL's
     // functions only.
-    const bool loaded = result == GLEW_OK || (isContextCurrent() && glCreateShader);
+    const bool loaded = result == GLEW_OK || (is_context_current() && glCreateShader);
     if (!loaded) {
-      writeOutput("Glew error: " + std::to_string(result));
-      writeOutput("glewInit failed.");
-      throw std::runtime_error(loadFailure);
+      write_output("Glew error: " + std::to_string(result));
+      write_output("glewInit failed.");
+      throw std::runtime_error(load_failure);
     }
     loader.glewInitialized = true;
     glGetError();  // GLEW's probing leaves an error behind in core contexts
   }
-  const Version version = currentVersion();
+  const Version version = current_version();
   checkOpenGLVersion(3, 0);
   if (version.major < 3) throw std::runtime_error("OpenGL version not supported. ");
   loader.usable = true;
 }
 
-void requireOpenGL(const char* loadFailure) {
-  if (!loader.usable) initGlew(loadFailure);
-  if (!isContextCurrent()) throw std::runtime_error("No OpenGL context is current on the calling thread. ");
+void require_opengl(const char* load_failure) {
+  if (!loader.usable) initGlew(load_failure);
+  if (!is_context_current()) throw std::runtime_error("No OpenGL context is current on the calling thread. ");
 }
 
-void checkOpenGLVersion(int requiredMajor, int requiredMinor) {
-  const Version version = currentVersion();
+void checkOpenGLVersion(int required_major, int required_minor) {
+  const Version version = current_version();
   const std::string found = std::to_string(version.major) + "." + std::to_string(version.minor);
-  writeOutput("Found OpenGL " + found);
-  if (version.major > requiredMajor || (version.major == requiredMajor && version.minor >= requiredMinor))
+  write_output("Found OpenGL " + found);
+  if (version.major > required_major || (version.major == required_major && version.minor >= required_minor))
     return;
-  throw std::runtime_error("OpenGL " + std::to_string(requiredMajor) + "." + std::to_string(requiredMinor) +
+  throw std::runtime_error("OpenGL " + std::to_string(required_major) + "." + std::to_string(required_minor) +
                            " required. Version is currently " + found);
 }
 

@@ -3,17 +3,17 @@
 
 namespace oct::gl {
 
-// Loads the entry points (once per process, under a lock) and checks the current context's version. Throws
-// std::runtime_error, with the given text when loading fails. Call with a context current, before any other
-// OpenGL call.
-void initGlew(const char* loadFailure = "Could not load OpenGL. ");
+// Loads the entry points (once per process, under a lock) and checks the current context's
+// version. Throws std::runtime_error, with the given text when loading fails. Call with a context
+// current, before any other OpenGL call.
+void initGlew(const char* load_failure = "Could not load OpenGL. ");
 
 // For objects that live in a context of the client's: initGlew unless it has succeeded before, then throws
 // when no context is current.
-void requireOpenGL(const char* loadFailure = "Could not load OpenGL. ");
+void require_opengl(const char* load_failure = "Could not load OpenGL. ");
 
 // Throws std::runtime_error unless the current context's version is at least the required one.
-void checkOpenGLVersion(int requiredMajor, int requiredMinor);
+void checkOpenGLVersion(int required_major, int required_minor);
 
 bool glewInitialized();  // whether GLEW has loaded the entry points
 

@@ -8,8 +8,8 @@ namespace oct::gl {
 
 using ContextHandle = void*;  // WGL's or EGL's context handle
 
-// Every operation on the window is serialised by the window's own mutex. Failures throw with the system's
-// reason.
+// Every operation on the window is serialised by the window's own mutex. Failures
+// throw with the system's reason.
 class OpenGLWindow {
  public:
   OpenGLWindow();
@@ -18,9 +18,9 @@ class OpenGLWindow {
   OpenGLWindow& operator=(const OpenGLWindow&) = delete;
 
   ContextHandle createContext();
-  void makeCurrent(
-      ContextHandle context);  // on the calling thread; no system call when it is current already
-  void makeUncurrent();        // never throws; no system call when none is current
+  // On the calling thread; no system call when it is current already.
+  void makeCurrent(ContextHandle context);
+  void makeUncurrent();  // never throws; no system call when none is current
   void deleteContext(ContextHandle context);
 
  private:

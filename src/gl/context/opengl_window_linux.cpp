@@ -1,7 +1,6 @@
 // There is no window: contexts are made on an EGL device display, or on Mesa's surfaceless platform where EGL
 // offers no GPU, and are used without a surface.
-#include <EGL/egl.h>
-#include <EGL/eglext.h>
+#include "gl/context/opengl_window.h"
 
 #include <array>
 #include <cstdio>
@@ -10,10 +9,12 @@
 #include <stdexcept>
 #include <string>
 
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+
 #include "core/console.h"
 #include "core/exception.h"
 #include "core/log.h"
-#include "gl/context/opengl_window.h"
 
 namespace oct::gl {
 namespace {
@@ -51,7 +52,7 @@ std::string eglErrorText() {
 }
 
 template <class Function>
-Function entryPoint(const char* name) {
+Function entry_point(const char* name) {
   return reinterpret_cast<Function>(eglGetProcAddress(name));
 }
 
@@ -66,29 +67,29 @@ bool initialise(EGLDisplay display) {
 
 // The first GPU, or no display. EGL lists the software renderer as a device as well; it comes last by the
 // surfaceless platform, so that a machine with a GPU never draws in software unnoticed.
-EGLDisplay openGpuDisplay() {
-  const char* const clientExtensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
-  if (!contains(clientExtensions, "EGL_EXT_platform_device")) return EGL_NO_DISPLAY;
-  const auto queryDevices = entryPoint<PFNEGLQUERYDEVICESEXTPROC>("eglQueryDevicesEXT");
-  const auto queryString = entryPoint<PFNEGLQUERYDEVICESTRINGEXTPROC>("eglQueryDeviceStringEXT");
-  const auto getDisplay = entryPoint<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
-  if (!queryDevices || !queryString || !getDisplay) return EGL_NO_DISPLAY;
+EGLDisplay open_gpu_display() {
+  const char* const client_extensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
+  if (!contains(client_extensions, "EGL_EXT_platform_device")) return EGL_NO_DISPLAY;
+  const auto query_devices = entry_point<PFNEGLQUERYDEVICESEXTPROC>("eglQueryDevicesEXT");
+  const auto query_string = entry_point<PFNEGLQUERYDEVICESTRINGEXTPROC>("eglQueryDeviceStringEXT");
+  const auto get_display = entry_point<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
+  if (!query_devices || !query_string || !get_display) return EGL_NO_DISPLAY;
   std::array<EGLDeviceEXT, 16> devices{};
   EGLint count = 0;
-  if (!queryDevices(static_cast<EGLint>(devices.size()), devices.data(), &count)) return EGL_NO_DISPLAY;
+  if (!query_devices(static_cast<EGLint>(devices.size()), devices.data(), &count)) return EGL_NO_DISPLAY;
   for (EGLint i = 0; i < count; ++i) {
     const EGLDeviceEXT device = devices[static_cast<std::size_t>(i)];
-    if (contains(queryString(device, EGL_EXTENSIONS), "EGL_MESA_device_software")) continue;
-    const EGLDisplay display = getDisplay(EGL_PLATFORM_DEVICE_EXT, device, nullptr);
+    if (contains(query_string(device, EGL_EXTENSIONS), "EGL_MESA_device_software")) continue;
+    const EGLDisplay display = get_display(EGL_PLATFORM_DEVICE_EXT, device, nullptr);
     if (initialise(display)) return display;
   }
   return EGL_NO_DISPLAY;
 }
 
-EGLDisplay openSurfacelessDisplay() {
-  const auto getDisplay = entryPoint<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
-  if (!getDisplay) return EGL_NO_DISPLAY;
-  const EGLDisplay display = getDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+EGLDisplay open_surfaceless_display() {
+  const auto get_display = entry_point<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
+  if (!get_display) return EGL_NO_DISPLAY;
+  const EGLDisplay display = get_display(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
   return initialise(display) ? display : EGL_NO_DISPLAY;
 }
 
@@ -96,8 +97,8 @@ EGLDisplay openSurfacelessDisplay() {
 // the same display with it.
 EGLDisplay display() {
   static const EGLDisplay opened = [] {
-    const EGLDisplay gpu = openGpuDisplay();
-    return gpu != EGL_NO_DISPLAY ? gpu : openSurfacelessDisplay();
+    const EGLDisplay gpu = open_gpu_display();
+    return gpu != EGL_NO_DISPLAY ? gpu : open_surfaceless_display();
   }();
   return opened;
 }
@@ -112,8 +113,8 @@ struct OpenGLWindow::Native {
     const std::lock_guard lock(mutex);
     log() << "Creating hidden Window";
     if (display() == EGL_NO_DISPLAY) {
-      writeErrorAndThrow("An error occured. Could not create hidden window for OpenGL output: " +
-                         eglErrorText());
+      write_error_and_throw("An error occured. Could not create hidden window for OpenGL output: " +
+                            eglErrorText());
     }
     // The same request as on Windows; depth is asked for with 24 bits, the most that EGL drivers offer.
     constexpr std::array<EGLint, 11> attributes{EGL_SURFACE_TYPE,
@@ -129,8 +130,8 @@ struct OpenGLWindow::Native {
                                                 EGL_NONE};
     EGLint count = 0;
     if (!eglChooseConfig(display(), attributes.data(), &config, 1, &count) || count == 0) {
-      writeErrorAndThrow("An error occured. Pixel format for OpenGL window could not be chosen. " +
-                         eglErrorText());
+      write_error_and_throw("An error occured. Pixel format for OpenGL window could not be chosen. " +
+                            eglErrorText());
     }
   }
 };
@@ -153,7 +154,7 @@ void OpenGLWindow::makeCurrent(ContextHandle context) {
   eglBindAPI(EGL_OPENGL_API);
   if (eglGetCurrentContext() == context) return;
   if (!eglMakeCurrent(display(), EGL_NO_SURFACE, EGL_NO_SURFACE, context)) {
-    writeErrorAndThrow("An error occured. " + eglErrorText());
+    write_error_and_throw("An error occured. " + eglErrorText());
   }
 }
 
@@ -162,8 +163,8 @@ void OpenGLWindow::makeUncurrent() {
   eglBindAPI(EGL_OPENGL_API);
   if (eglGetCurrentContext() == EGL_NO_CONTEXT) return;
   if (!eglMakeCurrent(display(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT)) {
-    writeError("An error occured making context uncurrent: " + std::to_string(eglGetError()) +
-               ". This error is ignored.");
+    write_error("An error occured making context uncurrent: " + std::to_string(eglGetError()) +
+                ". This error is ignored.");
   }
 }
 

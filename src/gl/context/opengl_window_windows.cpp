@@ -1,22 +1,23 @@
-#include <windows.h>
+#include "gl/context/opengl_window.h"
 
 #include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
 
+#include <windows.h>
+
 #include "core/console.h"
 #include "core/exception.h"
 #include "core/platform.h"
 #include "gl/context/hidden_window_windows.h"
-#include "gl/context/opengl_window.h"
 
 namespace oct::gl {
 
 struct OpenGLWindow::Native {
   std::mutex mutex;
   std::optional<HiddenWindow> window;
-  HDC deviceContext = nullptr;
+  HDC device_context = nullptr;
 
   Native() {
     {
@@ -24,7 +25,7 @@ struct OpenGLWindow::Native {
       window.emplace("OpenGLWindow");
     }
     try {
-      setUpDeviceContext();
+      set_up_device_context();
     } catch (...) {
       destroy();
       throw;
@@ -33,9 +34,9 @@ struct OpenGLWindow::Native {
 
   ~Native() { destroy(); }
 
-  void setUpDeviceContext() {
-    deviceContext = GetDC(window->handle());
-    if (!deviceContext) throw std::runtime_error("Could not get window device context. ");
+  void set_up_device_context() {
+    device_context = GetDC(window->handle());
+    if (!device_context) throw std::runtime_error("Could not get window device context. ");
     PIXELFORMATDESCRIPTOR descriptor{};
     descriptor.nSize = sizeof descriptor;
     descriptor.nVersion = 1;
@@ -44,19 +45,19 @@ struct OpenGLWindow::Native {
     descriptor.cColorBits = 24;
     descriptor.cDepthBits = 32;
     descriptor.iLayerType = PFD_MAIN_PLANE;
-    const int format = ChoosePixelFormat(deviceContext, &descriptor);
+    const int format = ChoosePixelFormat(device_context, &descriptor);
     if (format == 0) {
-      writeErrorAndThrow("An error occured. Pixel format for OpenGL window could not be chosen. " +
-                         systemErrorText());
+      write_error_and_throw("An error occured. Pixel format for OpenGL window could not be chosen. " +
+                            system_error_text());
     }
-    if (!SetPixelFormat(deviceContext, format, &descriptor)) {
-      writeErrorAndThrow("An error occured. Pixel format for OpenGL window could not be set. " +
-                         systemErrorText());
+    if (!SetPixelFormat(device_context, format, &descriptor)) {
+      write_error_and_throw("An error occured. Pixel format for OpenGL window could not be set. " +
+                            system_error_text());
     }
   }
 
   void destroy() {
-    if (deviceContext) ReleaseDC(window->handle(), deviceContext);
+    if (device_context) ReleaseDC(window->handle(), device_context);
     const std::lock_guard lock(mutex);
     window.reset();
   }
@@ -67,17 +68,17 @@ OpenGLWindow::~OpenGLWindow() = default;
 
 ContextHandle OpenGLWindow::createContext() {
   const std::lock_guard lock(native_->mutex);
-  const HGLRC context = wglCreateContext(native_->deviceContext);
+  const HGLRC context = wglCreateContext(native_->device_context);
   if (!context)
-    throw Exception("An error occured. OpenGL context could not be created: " + systemErrorText());
+    throw Exception("An error occured. OpenGL context could not be created: " + system_error_text());
   return context;
 }
 
 void OpenGLWindow::makeCurrent(ContextHandle context) {
   const std::lock_guard lock(native_->mutex);
   if (wglGetCurrentContext() == context) return;
-  if (!wglMakeCurrent(native_->deviceContext, static_cast<HGLRC>(context))) {
-    writeErrorAndThrow("An error occured. " + systemErrorText());
+  if (!wglMakeCurrent(native_->device_context, static_cast<HGLRC>(context))) {
+    write_error_and_throw("An error occured. " + system_error_text());
   }
 }
 
@@ -85,15 +86,15 @@ void OpenGLWindow::makeUncurrent() {
   const std::lock_guard lock(native_->mutex);
   if (!wglGetCurrentContext()) return;
   if (!wglMakeCurrent(nullptr, nullptr)) {
-    writeError("An error occured making context uncurrent: " + std::to_string(GetLastError()) +
-               ". This error is ignored.");
+    write_error("An error occured making context uncurrent: " + std::to_string(GetLastError()) +
+                ". This error is ignored.");
   }
 }
 
 void OpenGLWindow::deleteContext(ContextHandle context) {
   const std::lock_guard lock(native_->mutex);
   if (!wglDeleteContext(static_cast<HGLRC>(context))) {
-    throw Exception("An error occured. OpenGL context could not be deleted: " + systemErrorText());
+    throw Exception("An error occured. OpenGL context could not be deleted: " + system_error_text());
   }
 }
 

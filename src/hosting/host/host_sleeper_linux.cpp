@@ -1,4 +1,5 @@
 #include "hosting/host/host_sleeper.h"
+
 #include "hosting/host/signal_event.h"
 
 namespace oct {

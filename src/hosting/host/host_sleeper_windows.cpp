@@ -1,9 +1,10 @@
-#include <windows.h>
+#include "hosting/host/host_sleeper.h"
 
 #include <stdexcept>
 
+#include <windows.h>
+
 #include "core/platform.h"
-#include "hosting/host/host_sleeper.h"
 
 namespace oct {
 
@@ -11,7 +12,7 @@ struct HostSleeper::State {
   HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
 
   State() {
-    if (!event) throw std::runtime_error("Could not create an event. " + systemErrorText());
+    if (!event) throw std::runtime_error("Could not create an event. " + system_error_text());
   }
   ~State() { CloseHandle(event); }
 };
@@ -24,7 +25,7 @@ void HostSleeper::sleep() {
     const DWORD result = MsgWaitForMultipleObjects(1, &state_->event, FALSE, INFINITE, QS_ALLINPUT);
     if (result == WAIT_OBJECT_0) return;
     if (result != WAIT_OBJECT_0 + 1)
-      throw std::runtime_error("Could not wait for messages. " + systemErrorText());
+      throw std::runtime_error("Could not wait for messages. " + system_error_text());
     MSG message;
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
       TranslateMessage(&message);

@@ -15,7 +15,7 @@ struct ProcessHost {
 };
 
 // Never destroyed: a thread cannot be joined while the library is being unloaded.
-ProcessHost& processHost() {
+ProcessHost& process_host() {
   static ProcessHost& instance = *new ProcessHost;
   return instance;
 }
@@ -23,9 +23,9 @@ ProcessHost& processHost() {
 }  // namespace
 
 OpenGLHost::OpenGLHost() {
-  thread_ = std::thread([this] { runThread(); });
+  thread_ = std::thread([this] { run_thread(); });
   std::unique_lock lock(mutex_);
-  started_.wait(lock, [this] { return hasStarted_; });
+  started_.wait(lock, [this] { return has_started_; });
   if (!failure_) return;
   lock.unlock();
   thread_.join();
@@ -41,7 +41,7 @@ OpenGLHost::~OpenGLHost() {
   thread_.join();
 }
 
-void OpenGLHost::runThread() {
+void OpenGLHost::run_thread() {
   try {
     window_ = std::make_unique<gl::OpenGLWindow>();
   } catch (...) {
@@ -49,19 +49,19 @@ void OpenGLHost::runThread() {
   }
   {
     const std::lock_guard lock(mutex_);
-    hasStarted_ = true;
+    has_started_ = true;
   }
   started_.notify_all();
   if (failure_) return;
   try {
-    runTasks();
+    run_tasks();
   } catch (const std::exception& error) {
-    writeError(error.what());
+    write_error(error.what());
   }
   window_.reset();
 }
 
-void OpenGLHost::runTasks() {
+void OpenGLHost::run_tasks() {
   for (;;) {
     sleeper_.sleep();
     std::unique_lock lock(mutex_);
@@ -90,7 +90,7 @@ void OpenGLHost::run(std::function<void()> task) {
 }
 
 std::shared_ptr<OpenGLHost> OpenGLHost::acquire() {
-  ProcessHost& process = processHost();
+  ProcessHost& process = process_host();
   const std::lock_guard lock(process.mutex);
   auto host = process.current.lock();
   if (!host) {
@@ -102,16 +102,16 @@ std::shared_ptr<OpenGLHost> OpenGLHost::acquire() {
 
 void OpenGLHost::prepare() {
   auto host = acquire();
-  const std::lock_guard lock(processHost().mutex);
-  if (!processHost().prepared) processHost().prepared = std::move(host);
+  const std::lock_guard lock(process_host().mutex);
+  if (!process_host().prepared) process_host().prepared = std::move(host);
 }
 
 void OpenGLHost::finish() {
   std::shared_ptr<OpenGLHost> host;
   {
-    const std::lock_guard lock(processHost().mutex);
-    host = std::move(processHost().prepared);
-    processHost().prepared.reset();
+    const std::lock_guard lock(process_host().mutex);
+    host = std::move(process_host().prepared);
+    process_host().prepared.reset();
   }
   if (!host) return;
   const TimingMark mark("OfflienRenderingWindows are destroyed. ");

@@ -36,13 +36,13 @@ class OpenGLHost {
   static void finish();
 
  private:
-  void runThread();
-  void runTasks();
+  void run_thread();
+  void run_tasks();
 
   HostSleeper sleeper_;
   std::mutex mutex_;
   std::condition_variable started_;
-  bool hasStarted_ = false;
+  bool has_started_ = false;
   std::exception_ptr failure_;
   bool ending_ = false;
   std::deque<std::packaged_task<void()>> tasks_;

@@ -10,15 +10,15 @@ namespace oct {
 class SignalEvent {
  public:
   // With autoReset a successful wait clears the event again.
-  explicit SignalEvent(bool autoReset = false) : autoReset_(autoReset) {}
+  explicit SignalEvent(bool autoReset = false) : auto_reset_(autoReset) {}
 
   void signal(std::uint32_t value) {
-    signalIf(value, [] { return true; });
+    signal_if(value, [] { return true; });
   }
 
   // Signals if the condition holds; nobody can clear the event between the two.
   template <class Condition>
-  void signalIf(std::uint32_t value, Condition&& condition) {
+  void signal_if(std::uint32_t value, Condition&& condition) {
     {
       const std::lock_guard lock(mutex_);
       if (!condition()) return;
@@ -30,7 +30,7 @@ class SignalEvent {
 
   // Calls the action and signals, unless the event is signalled already: its value stays until it is cleared.
   template <class Action>
-  void signalFirst(std::uint32_t value, Action&& action) {
+  void signal_first(std::uint32_t value, Action&& action) {
     {
       const std::lock_guard lock(mutex_);
       if (signalled_) return;
@@ -55,7 +55,7 @@ class SignalEvent {
   std::uint32_t wait(Action&& action) {
     std::unique_lock lock(mutex_);
     condition_.wait(lock, [this] { return signalled_; });
-    if (autoReset_) signalled_ = false;
+    if (auto_reset_) signalled_ = false;
     action();
     return value_;
   }
@@ -72,7 +72,7 @@ class SignalEvent {
   std::condition_variable condition_;
   bool signalled_ = false;
   std::uint32_t value_ = 0xFFFFFFFFU;
-  const bool autoReset_;
+  const bool auto_reset_;
 };
 
 }  // namespace oct

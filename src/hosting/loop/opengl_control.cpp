@@ -8,27 +8,27 @@
 #include "core/console.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
-#include "gl/opengl_error.h"
 #include "gl/context/opengl_loader.h"
+#include "gl/opengl_error.h"
 #include "hosting/host/opengl_host.h"
 #include "hosting/loop/test_image.h"
 
 namespace oct {
 namespace {
 
-constexpr std::int32_t ringSize = 3;
+constexpr std::int32_t ring_size = 3;
 constexpr auto patience = std::chrono::milliseconds(1000);
 constexpr auto pause = std::chrono::milliseconds(10);  // between attempts, so that they do not hold up others
 
-std::atomic<int> testImageAngle{0};  // degrees
+std::atomic<int> test_image_angle{0};  // degrees
 
 }  // namespace
 
 OpenGLControl::OpenGLControl(SurfaceSharing sharing) : host_(OpenGLHost::acquire()) {
   const TimingMark mark("OpenGLControl");
   create_context(sharing);
-  for (std::int32_t index = 0; index < ringSize; ++index) {
-    buffers_.push_back(source_->createBuffer(index));
+  for (std::int32_t index = 0; index < ring_size; ++index) {
+    buffers_.push_back(source_->create_buffer(index));
   }
 }
 
@@ -48,7 +48,7 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
     gl::initGlew();
     gl::printGLError("OpenGLControl");
     gl::checkOpenGLVersion(3, 3);
-    source_ = openBufferSource(sharing);
+    source_ = open_buffer_source(sharing);
     if (source_) return;
     context_.reset();
   }
@@ -57,10 +57,10 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
 OpenGLControl::~OpenGLControl() {
   try {
     context_->makeCurrent();
-    snapshotBuffer_.release();
+    snapshot_buffer_.release();
     for (const auto& buffer : buffers_) buffer->release();
   } catch (const std::exception& error) {
-    writeError(error.what());
+    write_error(error.what());
   }
   buffers_.clear();
   source_.reset();
@@ -73,7 +73,7 @@ void OpenGLControl::rotate_buffers() {
 
 void OpenGLControl::render_test_image() {
   context_->makeCurrent();
-  drawTestImage(++testImageAngle);
+  draw_test_image(++test_image_angle);
 }
 
 void OpenGLControl::make_uncurrent() {
@@ -82,21 +82,21 @@ void OpenGLControl::make_uncurrent() {
 
 void OpenGLControl::snapshot(std::uint32_t width, std::uint32_t height, void* data) {
   const TimingMark mark("OpenGLControl::snapshot");
-  snapshotBuffer_.resize(width, height);
-  snapshotBuffer_.set_output_data(data);
-  snapshotPending_ = true;
+  snapshot_buffer_.resize(width, height);
+  snapshot_buffer_.set_output_data(data);
+  snapshot_pending_ = true;
 }
 
 bool OpenGLControl::wait_for_snapshot() {
   const TimingMark mark("OpenGLControl::wait_for_snapshot");
-  if (!snapshotPending_) return false;
-  const bool drawn = snapshotBuffer_.wait();
-  snapshotPending_ = false;
+  if (!snapshot_pending_) return false;
+  const bool drawn = snapshot_buffer_.wait();
+  snapshot_pending_ = false;
   return drawn;
 }
 
 void OpenGLControl::cancel_snapshot() {
-  snapshotBuffer_.cancel();
+  snapshot_buffer_.cancel();
 }
 
 }  // namespace oct

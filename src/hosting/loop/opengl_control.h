@@ -7,8 +7,8 @@
 #include <memory>
 
 #include "gl/context/opengl_context.h"
-#include "hosting/surfaces/hand_off_buffer.h"
 #include "hosting/offscreen/offscreen_buffer_object.h"
+#include "hosting/surfaces/hand_off_buffer.h"
 #include "hosting/surfaces/surface_sharing.h"
 
 namespace oct {
@@ -36,7 +36,7 @@ class OpenGLControl {
   void cancel_snapshot();    // no frame will come any more; lets waiters go
 
   // The target of the next frame while a snapshot is pending, else null.
-  OffscreenBufferObject* pending_snapshot() { return snapshotPending_ ? &snapshotBuffer_ : nullptr; }
+  OffscreenBufferObject* pending_snapshot() { return snapshot_pending_ ? &snapshot_buffer_ : nullptr; }
 
  private:
   void create_context(SurfaceSharing sharing);
@@ -45,8 +45,8 @@ class OpenGLControl {
   std::unique_ptr<gl::OpenGLContext> context_;
   std::unique_ptr<AbstractBufferSource> source_;
   std::deque<std::unique_ptr<HandOffBuffer>> buffers_;
-  OffscreenBufferObject snapshotBuffer_;
-  std::atomic<bool> snapshotPending_{false};
+  OffscreenBufferObject snapshot_buffer_;
+  std::atomic<bool> snapshot_pending_{false};
 };
 
 }  // namespace oct

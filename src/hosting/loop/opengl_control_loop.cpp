@@ -9,17 +9,17 @@
 #include "core/console.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
-#include "hosting/loop/opengl_control.h"
 #include "hosting/host/opengl_host.h"
+#include "hosting/loop/opengl_control.h"
 #include "hosting/loop/render_trace.h"
 
 namespace oct {
 namespace {
 
-constexpr std::uint32_t gateValue = 0xFFFFFFFFU;
-constexpr const char* threadEnded = "The rendering thread of the control loop has ended. ";
+constexpr std::uint32_t gate_value = 0xFFFFFFFFU;
+constexpr const char* thread_ended = "The rendering thread of the control loop has ended. ";
 
-std::int64_t nanosecondsNow() {
+std::int64_t nanoseconds_now() {
   const auto now = std::chrono::steady_clock::now().time_since_epoch();
   return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
 }
@@ -27,28 +27,28 @@ std::int64_t nanosecondsNow() {
 // Counts the iterations of all loops and marks the time that 50 of them took, from the first on.
 class IterationClock {
  public:
-  explicit IterationClock(const char* markName) : markName_(markName) {}
+  explicit IterationClock(const char* mark_name) : mark_name_(mark_name) {}
 
-  void start() { reference_ = nanosecondsNow(); }
+  void start() { reference_ = nanoseconds_now(); }
   void tick() {
     if (iterations_++ % 50 != 0) return;
-    const std::int64_t now = nanosecondsNow();
-    recordTimingMark(markName_ + std::to_string((now - reference_.exchange(now)) / 1'000'000) + " ms");
+    const std::int64_t now = nanoseconds_now();
+    record_timing_mark(mark_name_ + std::to_string((now - reference_.exchange(now)) / 1'000'000) + " ms");
   }
 
  private:
-  const char* const markName_;
+  const char* const mark_name_;
   std::atomic<std::uint64_t> iterations_{0};
   std::atomic<std::int64_t> reference_{0};  // nanoseconds
 };
 
-IterationClock renderClock("50 iterations of rendering loops: ");
-IterationClock returnClock("50 iterations of return loops: ");
+IterationClock render_clock("50 iterations of rendering loops: ");
+IterationClock return_clock("50 iterations of return loops: ");
 
 class Visit {
  public:
   explicit Visit(Visitors& visitors) : visitors_(visitors) {
-    if (!visitors_.enter()) throw std::runtime_error(threadEnded);
+    if (!visitors_.enter()) throw std::runtime_error(thread_ended);
   }
   ~Visit() { visitors_.leave(); }
   Visit(const Visit&) = delete;
@@ -62,39 +62,39 @@ class Visit {
 
 OpenGLControlLoop::OpenGLControlLoop(Callback initCallback, Callback uninitCallback,
                                      ErrorCallback errorCallback)
-    : errorCallback_(std::move(errorCallback)),
-      initCallback_(std::move(initCallback)),
-      uninitCallback_(std::move(uninitCallback)),
-      sharing_(surfaceSharing()) {
+    : error_callback_(std::move(errorCallback)),
+      init_callback_(std::move(initCallback)),
+      uninit_callback_(std::move(uninitCallback)),
+      sharing_(surface_sharing()) {
   const TimingMark mark("OpenGLControlLoop");
-  renderThread_ = std::thread([this] { rendering_loop(); });
-  startGate_.wait([] {});
+  render_thread_ = std::thread([this] { rendering_loop(); });
+  start_gate_.wait([] {});
 }
 
 OpenGLControlLoop::~OpenGLControlLoop() {
   try {
     shut_down();
   } catch (const std::exception& error) {
-    writeError(error.what());
+    write_error(error.what());
   }
 }
 
 void OpenGLControlLoop::check_deletable() const {
   const auto self = std::this_thread::get_id();
-  if (self == renderThreadId_.load() || self == returnThreadId_.load()) {
+  if (self == render_thread_id_.load() || self == return_thread_id_.load()) {
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
   }
 }
 
 void OpenGLControlLoop::request(std::int32_t id) {
-  requestQueue_.add(id);
+  request_queue_.add(id);
 }
 
 void OpenGLControlLoop::set_mode(Mode mode) {
   if (mode == mode_) return;
-  const std::lock_guard lock(modeMutex_);
-  if (mode_ == snapshotMode) {
-    pendingMode_ = mode;
+  const std::lock_guard lock(mode_mutex_);
+  if (mode_ == snapshot_mode) {
+    pending_mode_ = mode;
   } else {
     mode_.exchange(mode);
   }
@@ -110,54 +110,54 @@ OpenGLControlLoop::Size OpenGLControlLoop::size() const {
 }
 
 void OpenGLControlLoop::set_rendering_callback(RenderingCallback callback) {
-  const std::lock_guard lock(renderingCallbackMutex_);
-  renderingCallback_.swap(callback);
+  const std::lock_guard lock(rendering_callback_mutex_);
+  rendering_callback_.swap(callback);
 }
 
 void OpenGLControlLoop::set_image_ready_callback(std::optional<ImageReadyCallback> callback) {
-  const std::lock_guard lock(imageReadyMutex_);
-  imageReadyCallback_.swap(callback);
+  const std::lock_guard lock(image_ready_mutex_);
+  image_ready_callback_.swap(callback);
 }
 
 void OpenGLControlLoop::snapshot(std::uint32_t width, std::uint32_t height, void* data) {
   const TimingMark mark("OpenGLControlLoop::snap");
-  if (std::this_thread::get_id() == renderThreadId_.load()) {
+  if (std::this_thread::get_id() == render_thread_id_.load()) {
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
   }
-  if (mode_ == snapshotMode) return;
+  if (mode_ == snapshot_mode) return;
   const Visit visit(snapshots_);
   {
-    const std::scoped_lock lock(snapshotMutex_, modeMutex_);
-    if (mode_ == snapshotMode) return;  // another client was quicker
-    pendingMode_ = mode_.exchange(snapshotMode);
+    const std::scoped_lock lock(snapshot_mutex_, mode_mutex_);
+    if (mode_ == snapshot_mode) return;  // another client was quicker
+    pending_mode_ = mode_.exchange(snapshot_mode);
   }
   control_->snapshot(width, height, data);
-  traceRenderCall(0);
+  trace_render_call(0);
   request(0);
-  returnMap_.wake();  // a render thread that waits for the client draws the snapshot first
+  return_map_.wake();  // a render thread that waits for the client draws the snapshot first
   const bool drawn = control_->wait_for_snapshot();
   {
-    const std::scoped_lock lock(snapshotMutex_, modeMutex_);
-    mode_.exchange(pendingMode_);
+    const std::scoped_lock lock(snapshot_mutex_, mode_mutex_);
+    mode_.exchange(pending_mode_);
   }
-  if (!drawn) throw std::runtime_error(threadEnded);
+  if (!drawn) throw std::runtime_error(thread_ended);
 }
 
 void OpenGLControlLoop::rendering_loop() noexcept {
-  renderThreadId_ = std::this_thread::get_id();
+  render_thread_id_ = std::this_thread::get_id();
   try {
     try {
       render();
     } catch (const std::exception& error) {
       log() << "Rendering loop: " << error.what();
       render_thread_failed();
-      if (errorCallback_) errorCallback_(error.what());
+      if (error_callback_) error_callback_(error.what());
     } catch (...) {
       log() << "Rendering loop, unknown error.";
       render_thread_failed();
     }
   } catch (...) {
-    writeError("Unexpected error in rendering_loop().");
+    write_error("Unexpected error in rendering_loop().");
   }
 }
 
@@ -169,7 +169,7 @@ void OpenGLControlLoop::render_thread_failed() {
   } else {
     snapshots_.close();
   }
-  startGate_.signal(gateValue);
+  start_gate_.signal(gate_value);
 }
 
 void OpenGLControlLoop::end_snapshots() {
@@ -184,22 +184,22 @@ void OpenGLControlLoop::end_snapshots() {
 void OpenGLControlLoop::render() {
   const TimingMark mark("Rendering Loop");
   control_ = std::make_unique<OpenGLControl>(sharing_);
-  returnThread_ = std::thread([this] { return_loop(); });
-  startGate_.signal(gateValue);
-  if (initCallback_) initCallback_();
-  renderClock.start();
+  return_thread_ = std::thread([this] { return_loop(); });
+  start_gate_.signal(gate_value);
+  if (init_callback_) init_callback_();
+  render_clock.start();
   while (running_) render_iteration();
 
-  returnMap_.insert(0, nullptr);
-  if (returnThread_.joinable()) {
-    returnThread_.join();
+  return_map_.insert(0, nullptr);
+  if (return_thread_.joinable()) {
+    return_thread_.join();
   } else {
-    writeError("Background return thread not joinable. ");
+    write_error("Background return thread not joinable. ");
   }
   end_snapshots();
-  if (uninitCallback_) {
-    const TimingMark uninitMark("Uninit of specific OpenGL control");
-    uninitCallback_();
+  if (uninit_callback_) {
+    const TimingMark uninit_mark("Uninit of specific OpenGL control");
+    uninit_callback_();
   }
   std::unique_ptr<OpenGLControl> control = std::move(control_);
   control.reset();
@@ -209,11 +209,11 @@ void OpenGLControlLoop::render() {
 void OpenGLControlLoop::render_iteration() {
   const TimingMark mark("rendering_loop_it_incl");
   // With nothing else to do there is time to wait for the GPU.
-  hand_over(requestQueue_.empty());
-  if (mode_ != roundRobin) requestQueue_.wait();
+  hand_over(request_queue_.empty());
+  if (mode_ != round_robin) request_queue_.wait();
   bool taken = false;
   const RequestQueue::Request request = next_request(taken);
-  if (!request || *request == noRequest) {
+  if (!request || *request == no_request) {
     std::this_thread::yield();
     return;
   }
@@ -223,21 +223,21 @@ void OpenGLControlLoop::render_iteration() {
   } else {
     std::this_thread::yield();
   }
-  renderClock.tick();
+  render_clock.tick();
 }
 
 // Never waits: the mode may have changed since the queue was seen to hold something, and who wants to change
 // it again needs the mutex.
 RequestQueue::Request OpenGLControlLoop::next_request(bool& taken) {
-  const std::lock_guard lock(modeMutex_);
+  const std::lock_guard lock(mode_mutex_);
   switch (mode_) {
-    case onceEach:
+    case once_each:
       taken = true;
-      return requestQueue_.take();
-    case snapshotMode:
-      return requestQueue_.front();
+      return request_queue_.take();
+    case snapshot_mode:
+      return request_queue_.front();
     default:
-      return requestQueue_.rotate();
+      return request_queue_.rotate();
   }
 }
 
@@ -245,11 +245,11 @@ void OpenGLControlLoop::render_frame(std::int32_t request, bool taken) {
   const TimingMark mark("rendering_loop_it_excl");
   if (render_snapshot(request, taken)) return;
   HandOffBuffer& buffer = control_->current_buffer();
-  // A frame that the client has not got yet is not drawn over: its buffer would arrive twice with the later
-  // frame, and out of order. A snapshot does not wait for the client, who may be asking for it in the very
-  // callback.
+  // A frame that the client has not got yet is not drawn over: its buffer would arrive twice
+  // with the later frame, and out of order. A snapshot does not wait for the client, who may be
+  // asking for it in the very callback.
   if (&buffer == unfinished_) hand_over(true);
-  returnMap_.waitUntilReturned(&buffer, [this] { return !running_ || control_->pending_snapshot(); });
+  return_map_.wait_until_returned(&buffer, [this] { return !running_ || control_->pending_snapshot(); });
   if (render_snapshot(request, taken)) return;
 
   auto lock = buffer.lock();
@@ -258,7 +258,7 @@ void OpenGLControlLoop::render_frame(std::int32_t request, bool taken) {
     buffer.resize(wanted.width, wanted.height);
   }
   {
-    const TimingMark callbackMark("Rendering callback (", std::to_string(buffer.buffer_id()) + ")");
+    const TimingMark callback_mark("Rendering callback (", std::to_string(buffer.buffer_id()) + ")");
     buffer.prepare(request);
     draw(request);
     buffer.finish();
@@ -275,8 +275,8 @@ void OpenGLControlLoop::render_frame(std::int32_t request, bool taken) {
 bool OpenGLControlLoop::render_snapshot(std::int32_t request, bool taken) {
   OffscreenBufferObject* const snapshot = control_->pending_snapshot();
   if (!snapshot) return false;
-  if (taken) requestQueue_.putBack(request);
-  const TimingMark callbackMark("Rendering callback (-1)");
+  if (taken) request_queue_.put_back(request);
+  const TimingMark callback_mark("Rendering callback (-1)");
   snapshot->prepare();
   draw(request);
   snapshot->finish();
@@ -284,10 +284,10 @@ bool OpenGLControlLoop::render_snapshot(std::int32_t request, bool taken) {
 }
 
 void OpenGLControlLoop::draw(std::int32_t request) {
-  const std::lock_guard lock(renderingCallbackMutex_);
+  const std::lock_guard lock(rendering_callback_mutex_);
   if (!running_) return;
-  if (renderingCallback_) {
-    renderingCallback_(static_cast<std::uint32_t>(request));
+  if (rendering_callback_) {
+    rendering_callback_(static_cast<std::uint32_t>(request));
   } else {
     const TimingMark mark("Test image callback");
     control_->render_test_image();
@@ -300,34 +300,34 @@ void OpenGLControlLoop::hand_over(bool wait) {
   const auto lock = unfinished_->lock();
   if (!unfinished_->complete(wait)) return;
   HandOffBuffer* const finished = std::exchange(unfinished_, nullptr);
-  returnMap_.insert(finished->order_key(), finished);
+  return_map_.insert(finished->order_key(), finished);
 }
 
 void OpenGLControlLoop::return_loop() {
-  returnThreadId_ = std::this_thread::get_id();
+  return_thread_id_ = std::this_thread::get_id();
   try {
     return_frames();
   } catch (...) {
     // Nobody can tell who holds the surface now; going on would hand out frames that are being drawn.
-    writeError("Return thread crashed!!");
-    recordTimingMark("Return thread crashed. ");
+    write_error("Return thread crashed!!");
+    record_timing_mark("Return thread crashed. ");
     throw;
   }
 }
 
 void OpenGLControlLoop::return_frames() {
   const TimingMark mark("Return loop");
-  startGate_.wait([] {});
-  returnClock.start();
+  start_gate_.wait([] {});
+  return_clock.start();
   while (running_) {
-    const TimingMark iterationMark("return_loop_it_incl");
-    HandOffBuffer* const buffer = returnMap_.take();
-    const TimingMark workMark("return_loop_it_excl");
+    const TimingMark iteration_mark("return_loop_it_incl");
+    HandOffBuffer* const buffer = return_map_.take();
+    const TimingMark work_mark("return_loop_it_excl");
     if (buffer) {
       give_to_client(*buffer);
-      returnClock.tick();
+      return_clock.tick();
     }
-    returnMap_.returned();
+    return_map_.returned();
   }
 }
 
@@ -336,46 +336,46 @@ void OpenGLControlLoop::give_to_client(HandOffBuffer& buffer) {
   const TimingMark mark("Return buffer callback (", std::to_string(buffer.buffer_id()) + ")");
   if (!mapped || !running_) return;
   {
-    const std::lock_guard lock(imageReadyMutex_);
-    if (imageReadyCallback_) {
-      (*imageReadyCallback_)(mapped->index(), mapped->width(), mapped->height(), mapped->surface());
+    const std::lock_guard lock(image_ready_mutex_);
+    if (image_ready_callback_) {
+      (*image_ready_callback_)(mapped->index(), mapped->width(), mapped->height(), mapped->surface());
     }
   }
   mapped.reset();  // gives the buffer back
 }
 
 void OpenGLControlLoop::shut_down() {
-  const TimingMark outerMark("Destructing OpenGL Loop");
-  const TimingMark innerMark("~OpenGLControlLoop");
+  const TimingMark outer_mark("Destructing OpenGL Loop");
+  const TimingMark inner_mark("~OpenGLControlLoop");
   // A running snapshot is let finish, even one that has only changed the mode yet; that of a loop without a
   // size would never come.
   const Size current = size();
-  if (mode_ == snapshotMode && current.width != 0 && current.height != 0) {
+  if (mode_ == snapshot_mode && current.width != 0 && current.height != 0) {
     snapshots_.close();
     snapshots_.drain();
   }
   running_ = false;
   {
-    const std::lock_guard renderingLock(renderingCallbackMutex_);
-    const std::lock_guard imageReadyLock(imageReadyMutex_);
-    renderingCallback_ = nullptr;
-    imageReadyCallback_.reset();
+    const std::lock_guard rendering_lock(rendering_callback_mutex_);
+    const std::lock_guard image_ready_lock(image_ready_mutex_);
+    rendering_callback_ = nullptr;
+    image_ready_callback_.reset();
   }
   request(0);
-  returnMap_.insert(0, nullptr);
-  if (renderThread_.joinable()) {
-    renderThread_.join();
+  return_map_.insert(0, nullptr);
+  if (render_thread_.joinable()) {
+    render_thread_.join();
     log() << "background thread successfully joined. ";
   } else {
     log() << "Something went wrong. ";
-    writeError("Background thread not joinable. ");
+    write_error("Background thread not joinable. ");
   }
-  if (returnThread_.joinable()) returnThread_.join();  // a render thread that failed has left it behind
+  if (return_thread_.joinable()) return_thread_.join();  // a render thread that failed has left it behind
   snapshots_.drain();
-  writeOutput("OpenGL control loop finished. Callbacks can be freed now. ");
+  write_output("OpenGL control loop finished. Callbacks can be freed now. ");
   if (!control_) return;
-  // Left behind by a render thread that failed. Not deleted here, where a context of the client's may be
-  // current.
+  // Left behind by a render thread that failed. Not deleted here, where a context
+  // of the client's may be current.
   const auto host = OpenGLHost::acquire();
   host->run([this] { control_.reset(); });
 }

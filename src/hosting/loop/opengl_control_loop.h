@@ -9,12 +9,12 @@
 #include <thread>
 
 #include "core/error_callback.h"
+#include "hosting/host/signal_event.h"
 #include "hosting/loop/functors.h"
 #include "hosting/loop/request_queue.h"
 #include "hosting/loop/return_map.h"
-#include "hosting/host/signal_event.h"
-#include "hosting/surfaces/surface_sharing.h"
 #include "hosting/loop/visitors.h"
+#include "hosting/surfaces/surface_sharing.h"
 
 namespace oct {
 
@@ -27,10 +27,10 @@ class OpenGLControlLoop {
  public:
   // How the render thread takes the next request.
   enum class Mode : std::uint32_t {
-    onceEach = 0,     // waits for requests; each is drawn once
-    roundRobin = 1,   // draws all requests in turn, for ever
-    snapshotMode = 2  // draws the front request again and again
-    // Any other number waits as onceEach does and draws as roundRobin does.
+    once_each = 0,     // waits for requests; each is drawn once
+    round_robin = 1,   // draws all requests in turn, for ever
+    snapshot_mode = 2  // draws the front request again and again
+    // Any other number waits as once_each does and draws as round_robin does.
   };
   using enum Mode;
 
@@ -79,30 +79,30 @@ class OpenGLControlLoop {
   void end_snapshots();
   void shut_down();
 
-  std::atomic<Mode> mode_{roundRobin};
-  Mode pendingMode_ = onceEach;  // guarded by modeMutex_
-  const ErrorCallback errorCallback_;
-  RenderingCallback renderingCallback_;                   // guarded by renderingCallbackMutex_
-  std::optional<ImageReadyCallback> imageReadyCallback_;  // guarded by imageReadyMutex_
-  const Callback initCallback_;
-  const Callback uninitCallback_;
-  std::mutex renderingCallbackMutex_;
-  std::mutex imageReadyMutex_;
+  std::atomic<Mode> mode_{round_robin};
+  Mode pending_mode_ = once_each;  // guarded by mode_mutex_
+  const ErrorCallback error_callback_;
+  RenderingCallback rendering_callback_;                    // guarded by rendering_callback_mutex_
+  std::optional<ImageReadyCallback> image_ready_callback_;  // guarded by image_ready_mutex_
+  const Callback init_callback_;
+  const Callback uninit_callback_;
+  std::mutex rendering_callback_mutex_;
+  std::mutex image_ready_mutex_;
   std::atomic<bool> running_{true};
-  RequestQueue requestQueue_;
-  ReturnMap returnMap_;
-  SignalEvent startGate_;
+  RequestQueue request_queue_;
+  ReturnMap return_map_;
+  SignalEvent start_gate_;
   std::unique_ptr<OpenGLControl> control_;
   std::atomic<std::uint64_t> size_{0};  // width in the upper half, so that both change together
   const SurfaceSharing sharing_;
   HandOffBuffer* unfinished_ = nullptr;  // of the render thread: its frame still waits for the GPU
   Visitors snapshots_;
-  std::mutex snapshotMutex_;
-  std::mutex modeMutex_;
-  std::atomic<std::thread::id> renderThreadId_{};
-  std::atomic<std::thread::id> returnThreadId_{};
-  std::thread returnThread_;
-  std::thread renderThread_;
+  std::mutex snapshot_mutex_;
+  std::mutex mode_mutex_;
+  std::atomic<std::thread::id> render_thread_id_{};
+  std::atomic<std::thread::id> return_thread_id_{};
+  std::thread return_thread_;
+  std::thread render_thread_;
 };
 
 }  // namespace oct

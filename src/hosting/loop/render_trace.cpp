@@ -20,7 +20,7 @@ class RenderTrace {
     return path_;
   }
 
-  void setPath(const std::filesystem::path& path) {
+  void set_path(const std::filesystem::path& path) {
     const std::lock_guard lock(mutex_);
     stream_.close();
     stream_.clear();
@@ -30,28 +30,28 @@ class RenderTrace {
 
  private:
   std::mutex mutex_;
-  std::filesystem::path path_ = fixedRenderTraceFile();
+  std::filesystem::path path_ = fixed_render_trace_file();
   std::ofstream stream_;
   bool tried_ = false;
 };
 
-RenderTrace& renderTrace() {
+RenderTrace& render_trace() {
   static RenderTrace instance;
   return instance;
 }
 
 }  // namespace
 
-void traceRenderCall(std::int32_t request) {
-  renderTrace().write(request);
+void trace_render_call(std::int32_t request) {
+  render_trace().write(request);
 }
 
-std::filesystem::path renderTraceFile() {
-  return renderTrace().path();
+std::filesystem::path render_trace_file() {
+  return render_trace().path();
 }
 
-void setRenderTraceFile(const std::filesystem::path& file) {
-  renderTrace().setPath(file);
+void set_render_trace_file(const std::filesystem::path& file) {
+  render_trace().set_path(file);
 }
 
 }  // namespace oct

@@ -8,13 +8,13 @@ namespace oct {
 
 // Writes the line and flushes it, on the calling client's thread. The first call of the process opens the
 // file; where that fails there is no trace.
-void traceRenderCall(std::int32_t request);
+void trace_render_call(std::int32_t request);
 
 // Where the trace goes: the platform's fixed place, unless a test has named another. The next call opens that
 // one; an empty path ends the trace.
-std::filesystem::path renderTraceFile();
-void setRenderTraceFile(const std::filesystem::path& file);
+std::filesystem::path render_trace_file();
+void set_render_trace_file(const std::filesystem::path& file);
 
-const char* fixedRenderTraceFile();  // one source per platform
+const char* fixed_render_trace_file();  // one source per platform
 
 }  // namespace oct

@@ -2,7 +2,7 @@
 
 namespace oct {
 
-const char* fixedRenderTraceFile() {
+const char* fixed_render_trace_file() {
   return "/tmp/render_calls.txt";
 }
 

@@ -10,7 +10,7 @@
 
 namespace oct {
 
-inline constexpr std::int32_t noRequest = -1;  // an id that draws nothing
+inline constexpr std::int32_t no_request = -1;  // an id that draws nothing
 
 class RequestQueue {
  public:
@@ -39,7 +39,8 @@ class RequestQueue {
   // Passes over ids that draw nothing: a snapshot that is queued behind one would never come.
   Request front() const {
     const std::lock_guard lock(mutex_);
-    const auto id = std::find_if(ids_.begin(), ids_.end(), [](std::int32_t any) { return any != noRequest; });
+    const auto id =
+        std::find_if(ids_.begin(), ids_.end(), [](std::int32_t any) { return any != no_request; });
     return id == ids_.end() ? Request() : Request(*id);
   }
 
@@ -52,7 +53,7 @@ class RequestQueue {
   }
 
   // Undoes a take, unless the id has been asked for again since.
-  void putBack(std::int32_t id) {
+  void put_back(std::int32_t id) {
     const std::lock_guard lock(mutex_);
     if (std::find(ids_.begin(), ids_.end(), id) == ids_.end()) ids_.push_front(id);
   }

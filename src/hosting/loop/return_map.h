@@ -44,9 +44,9 @@ class ReturnMap {
   // Blocks until the buffer's frame has been returned, or until the condition says to give up; who changes
   // what the condition looks at calls wake afterwards.
   template <class GiveUp>
-  void waitUntilReturned(const HandOffBuffer* buffer, GiveUp&& giveUp) {
+  void wait_until_returned(const HandOffBuffer* buffer, GiveUp&& give_up) {
     std::unique_lock lock(mutex_);
-    condition_.wait(lock, [&] { return giveUp() || !holds(buffer); });
+    condition_.wait(lock, [&] { return give_up() || !holds(buffer); });
   }
 
   void wake() {

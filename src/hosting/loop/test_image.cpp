@@ -4,7 +4,7 @@
 
 namespace oct {
 
-void drawTestImage(double degrees) {
+void draw_test_image(double degrees) {
   glClearColor(1.0F, 1.0F, 0.0F, 1.0F);
   glClear(GL_COLOR_BUFFER_BIT);
   glPushMatrix();

@@ -4,6 +4,6 @@
 namespace oct {
 
 // Draws with the fixed-function pipeline of the current context.
-void drawTestImage(double degrees);
+void draw_test_image(double degrees);
 
 }  // namespace oct

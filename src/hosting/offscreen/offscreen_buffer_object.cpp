@@ -50,27 +50,27 @@ void OffscreenBufferObject::prepare() {
   }
   target_.reset();
 
-  frameSize_ = done_.guarded([&] { return size_; });
-  const auto width = static_cast<GLsizei>(frameSize_.width);
-  const auto height = static_cast<GLsizei>(frameSize_.height);
+  frame_size_ = done_.guarded([&] { return size_; });
+  const auto width = static_cast<GLsizei>(frame_size_.width);
+  const auto height = static_cast<GLsizei>(frame_size_.height);
   target_.create(width, height);
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
 
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, target_.framebuffer.get());
   glViewport(0, 0, width, height);
-  recordTimingMark("before_rendering");
+  record_timing_mark("before_rendering");
 }
 
 void OffscreenBufferObject::finish() {
   const TimingMark mark("OffscreenBuffer::finish");
   void* data = nullptr;
-  done_.signalIf(finished, [&] {
-    // Without anything to read the frame is over at once. Signalling later would answer a client that asks
-    // now.
-    if (!outputData_) return true;
+  done_.signal_if(finished, [&] {
+    // Without anything to read the frame is over at once. Signalling later would
+    // answer a client that asks now.
+    if (!output_data_) return true;
     // A client may have asked for another size while this frame was drawn. Its memory has that size, so it is
     // left for the next frame.
-    if (frameSize_ == size_) data = std::exchange(outputData_, nullptr);
+    if (frame_size_ == size_) data = std::exchange(output_data_, nullptr);
     return false;
   });
   if (!data) return;
@@ -80,23 +80,23 @@ void OffscreenBufferObject::finish() {
 
 void OffscreenBufferObject::read_back(void* data) {
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  gl::readColor(target_.framebuffer, static_cast<GLsizei>(frameSize_.width),
-                static_cast<GLsizei>(frameSize_.height), data);
+  gl::read_color(target_.framebuffer, static_cast<GLsizei>(frame_size_.width),
+                 static_cast<GLsizei>(frame_size_.height), data);
 }
 
 void OffscreenBufferObject::set_output_data(void* data) {
   const TimingMark mark("OffscreenBuffer::set_output_data");
-  done_.clear([&] { outputData_ = data; });
+  done_.clear([&] { output_data_ = data; });
 }
 
 bool OffscreenBufferObject::wait() {
   const TimingMark mark("OffscreenBuffer::wait");
-  return done_.wait([&] { outputData_ = nullptr; }) == finished;
+  return done_.wait([&] { output_data_ = nullptr; }) == finished;
 }
 
 // A client whose picture is there may not have woken up yet; it is told of the picture, not of the end.
 void OffscreenBufferObject::cancel() {
-  done_.signalFirst(cancelled, [&] { outputData_ = nullptr; });
+  done_.signal_first(cancelled, [&] { output_data_ = nullptr; });
 }
 
 }  // namespace oct

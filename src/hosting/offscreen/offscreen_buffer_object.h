@@ -38,10 +38,10 @@ class OffscreenBufferObject {
   void read_back(void* data);
 
   gl::RenderTarget target_;
-  Size size_;       // requested; guarded by done_'s mutex
-  Size frameSize_;  // of the frame under way
+  Size size_;        // requested; guarded by done_'s mutex
+  Size frame_size_;  // of the frame under way
   SignalEvent done_;
-  void* outputData_ = nullptr;  // guarded by done_'s mutex
+  void* output_data_ = nullptr;  // guarded by done_'s mutex
 };
 
 }  // namespace oct

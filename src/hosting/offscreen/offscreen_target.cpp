@@ -5,8 +5,8 @@
 #include <string>
 
 #include "core/console.h"
-#include "gl/opengl_error.h"
 #include "gl/context/opengl_loader.h"
+#include "gl/opengl_error.h"
 
 namespace oct {
 
@@ -21,12 +21,12 @@ OffscreenTarget::~OffscreenTarget() {
     context_.makeCurrent();
     buffer_.release();
   } catch (const std::exception& error) {
-    writeError(error.what());
+    write_error(error.what());
   }
 }
 
-void OffscreenTarget::beginFrame(std::uint32_t width, std::uint32_t height) {
-  frameBegun_ = false;
+void OffscreenTarget::begin_frame(std::uint32_t width, std::uint32_t height) {
+  frame_begun_ = false;
   context_.makeCurrent();
   buffer_.resize(width, height);
   buffer_.prepare();
@@ -36,12 +36,12 @@ void OffscreenTarget::beginFrame(std::uint32_t width, std::uint32_t height) {
     throw std::runtime_error(std::string("The offscreen framebuffer is not complete: ") +
                              gl::framebufferStatusName(status));
   }
-  frameBegun_ = true;
+  frame_begun_ = true;
 }
 
-void OffscreenTarget::finishFrame(void* pixels) {
-  if (!frameBegun_) throw std::runtime_error("No offscreen frame has been begun. ");
-  frameBegun_ = false;
+void OffscreenTarget::finish_frame(void* pixels) {
+  if (!frame_begun_) throw std::runtime_error("No offscreen frame has been begun. ");
+  frame_begun_ = false;
   context_.makeCurrent();
   buffer_.set_output_data(pixels);
   buffer_.finish();

@@ -15,14 +15,14 @@ class OffscreenTarget {
   OffscreenTarget(const OffscreenTarget&) = delete;
   OffscreenTarget& operator=(const OffscreenTarget&) = delete;
 
-  void beginFrame(std::uint32_t width, std::uint32_t height);
-  void finishFrame(void* pixels);  // null reads nothing
+  void begin_frame(std::uint32_t width, std::uint32_t height);
+  void finish_frame(void* pixels);  // null reads nothing
 
  private:
   gl::OpenGLWindow window_;
   gl::OpenGLContext context_;
   OffscreenBufferObject buffer_;
-  bool frameBegun_ = false;
+  bool frame_begun_ = false;
 };
 
 }  // namespace oct

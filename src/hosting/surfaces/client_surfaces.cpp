@@ -23,7 +23,7 @@ class HostClientSurface : public AbstractClientSurface {
   OctHostSurface surface_;
 };
 
-void copyHostSurface(const OctHostSurface& source, const OctHostSurface& destination) {
+void copy_host_surface(const OctHostSurface& source, const OctHostSurface& destination) {
   for (std::size_t y = 0; y < destination.height; ++y) {
     const unsigned char* const from =
         source.pixels + y * source.height / destination.height * source.stride_bytes;
@@ -46,8 +46,8 @@ void* ClientSurfaces::create(SurfaceSharing kind, std::uint32_t width, std::uint
     throw std::invalid_argument("The surface is too large. ");
   }
   std::unique_ptr<AbstractClientSurface> surface;
-  if (kind == SurfaceSharing::direct3D) {
-    surface = createDirect3DSurface(width, height);
+  if (kind == SurfaceSharing::direct3d) {
+    surface = create_direct3d_surface(width, height);
   } else {
     surface = std::make_unique<HostClientSurface>(width, height);
   }
@@ -69,15 +69,15 @@ void ClientSurfaces::destroy(void* surface) {
 void ClientSurfaces::copy(SurfaceSharing kind, void* source, void* destination) {
   if (!source || !destination) throw std::invalid_argument("A surface to copy must not be null. ");
   if (source == destination) return;
-  if (kind == SurfaceSharing::direct3D) {
-    copyDirect3DSurface(source, destination);
+  if (kind == SurfaceSharing::direct3d) {
+    copy_direct3d_surface(source, destination);
   } else {
-    copyHostSurface(*static_cast<OctHostSurface*>(source), *static_cast<OctHostSurface*>(destination));
+    copy_host_surface(*static_cast<OctHostSurface*>(source), *static_cast<OctHostSurface*>(destination));
   }
 }
 
 // Never destroyed: surfaces that a client forgot must not be released while the library is being unloaded.
-ClientSurfaces& clientSurfaces() {
+ClientSurfaces& client_surfaces() {
   static ClientSurfaces& instance = *new ClientSurfaces;
   return instance;
 }

@@ -25,6 +25,6 @@ class ClientSurfaces {
   std::map<void*, std::unique_ptr<AbstractClientSurface>> surfaces_;
 };
 
-ClientSurfaces& clientSurfaces();
+ClientSurfaces& client_surfaces();
 
 }  // namespace oct

@@ -6,16 +6,16 @@
 
 namespace oct {
 
-inline constexpr const char* direct3DNotSupported =
+inline constexpr const char* direct3d_not_supported =
     "Ressouce sharing between OpenGL and DirectX not supported. ";
 
-extern const bool hasDirect3D;
+extern const bool has_direct3d;
 
-std::unique_ptr<AbstractBufferSource> openDirect3DBufferSource();
+std::unique_ptr<AbstractBufferSource> open_direct3d_buffer_source();
 
-std::unique_ptr<AbstractClientSurface> createDirect3DSurface(std::uint32_t width, std::uint32_t height);
+std::unique_ptr<AbstractClientSurface> create_direct3d_surface(std::uint32_t width, std::uint32_t height);
 
 // The whole source into the whole destination, without a filter.
-void copyDirect3DSurface(void* source, void* destination);
+void copy_direct3d_surface(void* source, void* destination);
 
 }  // namespace oct

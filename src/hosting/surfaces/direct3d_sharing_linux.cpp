@@ -4,18 +4,18 @@
 
 namespace oct {
 
-constexpr bool hasDirect3D = false;
+constexpr bool has_direct3d = false;
 
-std::unique_ptr<AbstractBufferSource> openDirect3DBufferSource() {
-  throw std::runtime_error(direct3DNotSupported);
+std::unique_ptr<AbstractBufferSource> open_direct3d_buffer_source() {
+  throw std::runtime_error(direct3d_not_supported);
 }
 
-std::unique_ptr<AbstractClientSurface> createDirect3DSurface(std::uint32_t, std::uint32_t) {
-  throw std::runtime_error(direct3DNotSupported);
+std::unique_ptr<AbstractClientSurface> create_direct3d_surface(std::uint32_t, std::uint32_t) {
+  throw std::runtime_error(direct3d_not_supported);
 }
 
-void copyDirect3DSurface(void*, void*) {
-  throw std::runtime_error(direct3DNotSupported);
+void copy_direct3d_surface(void*, void*) {
+  throw std::runtime_error(direct3d_not_supported);
 }
 
 }  // namespace oct

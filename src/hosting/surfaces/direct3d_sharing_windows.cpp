@@ -13,7 +13,7 @@ class DX9BufferSource : public AbstractBufferSource {
  public:
   explicit DX9BufferSource(std::unique_ptr<InteropDevice> interop) : interop_(std::move(interop)) {}
 
-  std::unique_ptr<HandOffBuffer> createBuffer(std::int32_t index) override {
+  std::unique_ptr<HandOffBuffer> create_buffer(std::int32_t index) override {
     return std::make_unique<DX9SharedBufferObject>(interop_->device(), interop_.get(), index);
   }
 
@@ -26,8 +26,8 @@ class DX9ClientSurface : public AbstractClientSurface {
  public:
   DX9ClientSurface(std::uint32_t width, std::uint32_t height)
       : device_(DX9Device::acquire()),
-        texture_(device_->createTexture(width, height)),
-        surface_(surfaceOf(*texture_.texture)) {}
+        texture_(device_->create_texture(width, height)),
+        surface_(surface_of(*texture_.texture)) {}
 
   void* pointer() override { return surface_.get(); }
 
@@ -39,9 +39,9 @@ class DX9ClientSurface : public AbstractClientSurface {
 
 }  // namespace
 
-constexpr bool hasDirect3D = true;
+constexpr bool has_direct3d = true;
 
-std::unique_ptr<AbstractBufferSource> openDirect3DBufferSource() {
+std::unique_ptr<AbstractBufferSource> open_direct3d_buffer_source() {
   try {
     auto interop = InteropDevice::open(DX9Device::acquire());
     if (interop) return std::make_unique<DX9BufferSource>(std::move(interop));
@@ -51,16 +51,16 @@ std::unique_ptr<AbstractBufferSource> openDirect3DBufferSource() {
   return nullptr;
 }
 
-std::unique_ptr<AbstractClientSurface> createDirect3DSurface(std::uint32_t width, std::uint32_t height) {
+std::unique_ptr<AbstractClientSurface> create_direct3d_surface(std::uint32_t width, std::uint32_t height) {
   return std::make_unique<DX9ClientSurface>(width, height);
 }
 
-void copyDirect3DSurface(void* source, void* destination) {
+void copy_direct3d_surface(void* source, void* destination) {
   const HRESULT result = DX9Device::acquire()->get()->StretchRect(
       static_cast<IDirect3DSurface9*>(source), nullptr, static_cast<IDirect3DSurface9*>(destination), nullptr,
       D3DTEXF_NONE);
   if (FAILED(result))
-    throw std::runtime_error(std::string("Could not copy the surface: ") + dx9ResultName(result));
+    throw std::runtime_error(std::string("Could not copy the surface: ") + dx9_result_name(result));
 }
 
 }  // namespace oct

@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "gl/context/hidden_window_windows.h"
-#include "hosting/surfaces/hand_off_buffer.h"
 #include "hosting/host/opengl_host.h"
+#include "hosting/surfaces/hand_off_buffer.h"
 
 namespace oct {
 namespace {
@@ -20,7 +20,7 @@ ComOwner<Interface> created(Create&& create) {
 
 }  // namespace
 
-const char* dx9ResultName(HRESULT result) {
+const char* dx9_result_name(HRESULT result) {
   switch (static_cast<std::uint32_t>(result)) {
     case 0:
       return "D3D_OK";
@@ -35,7 +35,7 @@ const char* dx9ResultName(HRESULT result) {
   }
 }
 
-ComOwner<IDirect3DSurface9> surfaceOf(IDirect3DTexture9& texture) {
+ComOwner<IDirect3DSurface9> surface_of(IDirect3DTexture9& texture) {
   IDirect3DSurface9* surface = nullptr;
   if (FAILED(texture.GetSurfaceLevel(0, &surface))) {
     throw std::runtime_error("Could not get surface level of shared texture. ");
@@ -72,38 +72,38 @@ DX9Device::~DX9Device() {
 void DX9Device::close() {
   host_->run([this] {
     device_.reset();
-    direct3D_.reset();
+    direct3d_.reset();
     window_.reset();
   });
 }
 
 void DX9Device::open() {
   window_ = std::make_unique<gl::HiddenWindow>("DirectXWindow");
-  direct3D_ =
+  direct3d_ =
       created<IDirect3D9Ex>([](IDirect3D9Ex** object) { return Direct3DCreate9Ex(D3D_SDK_VERSION, object); });
   D3DPRESENT_PARAMETERS parameters{};
   parameters.Windowed = TRUE;
   parameters.BackBufferFormat = D3DFMT_X8R8G8B8;
   parameters.SwapEffect = D3DSWAPEFFECT_FLIP;
-  parameters.PresentationInterval =
-      D3DPRESENT_INTERVAL_IMMEDIATE;  // nothing is shown, so nothing waits for a screen
+  // Nothing is shown, so nothing waits for a screen.
+  parameters.PresentationInterval = D3DPRESENT_INTERVAL_IMMEDIATE;
   device_ = created<IDirect3DDevice9Ex>([&](IDirect3DDevice9Ex** object) {
-    return direct3D_->CreateDeviceEx(
+    return direct3d_->CreateDeviceEx(
         0, D3DDEVTYPE_HAL, window_->handle(),
         D3DCREATE_HARDWARE_VERTEXPROCESSING | D3DCREATE_MULTITHREADED | D3DCREATE_FPU_PRESERVE, &parameters,
         nullptr, object);
   });
-  // The device draws nothing itself. Some implementations refuse to be without a target; then it keeps its
-  // own.
+  // The device draws nothing itself. Some implementations refuse to be without a
+  // target; then it keeps its own.
   device_->SetRenderTarget(0, nullptr);
 }
 
-DX9Texture DX9Device::createTexture(std::uint32_t width, std::uint32_t height) const {
+DX9Texture DX9Device::create_texture(std::uint32_t width, std::uint32_t height) const {
   DX9Texture result;
   IDirect3DTexture9* texture = nullptr;
   const HRESULT created = device_->CreateTexture(width, height, 1, D3DUSAGE_RENDERTARGET, D3DFMT_X8R8G8B8,
-                                                 D3DPOOL_DEFAULT, &texture, &result.shareHandle);
-  if (FAILED(created)) renderTargetFailed(dx9ResultName(created));
+                                                 D3DPOOL_DEFAULT, &texture, &result.share_handle);
+  if (FAILED(created)) render_target_failed(dx9_result_name(created));
   result.texture.reset(texture);
   return result;
 }

@@ -14,7 +14,7 @@ namespace oct {
 
 std::unique_ptr<InteropDevice> InteropDevice::open(std::shared_ptr<DX9Device> device) {
   if (!WGLEW_NV_DX_interop) {
-    throw std::runtime_error(direct3DNotSupported);
+    throw std::runtime_error(direct3d_not_supported);
   }
   const HANDLE handle = wglDXOpenDeviceNV(device->get());
   if (!handle) return nullptr;
@@ -29,11 +29,11 @@ InteropObject::~InteropObject() {
   try {
     unregister();
   } catch (const std::exception& error) {
-    writeError(error.what());
+    write_error(error.what());
   }
 }
 
-void InteropObject::registerTexture(const InteropDevice& device, IDirect3DTexture9* texture, unsigned name) {
+void InteropObject::register_texture(const InteropDevice& device, IDirect3DTexture9* texture, unsigned name) {
   unregister();
   device_ = device.handle();
   object_ = wglDXRegisterObjectNV(device_, texture, name, GL_TEXTURE_2D, WGL_ACCESS_WRITE_DISCARD_NV);
@@ -48,7 +48,7 @@ void InteropObject::unregister() {
 }
 
 InteropLock::InteropLock(const InteropObject& object, const char* failure)
-    : device_(object.deviceHandle()), object_(object.handle()) {
+    : device_(object.device_handle()), object_(object.handle()) {
   if (!object_ || !wglDXLockObjectsNV(device_, 1, &object_)) throw std::runtime_error(failure);
 }
 

@@ -38,12 +38,12 @@ class InteropObject {
   InteropObject& operator=(const InteropObject&) = delete;
 
   // Logs the system's error number on failure and stays empty.
-  void registerTexture(const InteropDevice& device, IDirect3DTexture9* texture, unsigned name);
+  void register_texture(const InteropDevice& device, IDirect3DTexture9* texture, unsigned name);
 
   // Throws "Could not unregister shared object. " and keeps the object on failure.
   void unregister();
 
-  HANDLE deviceHandle() const { return device_; }
+  HANDLE device_handle() const { return device_; }
   HANDLE handle() const { return object_; }
 
  private:

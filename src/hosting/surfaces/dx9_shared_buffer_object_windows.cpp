@@ -10,7 +10,7 @@
 namespace oct {
 namespace {
 
-bool framebufferIsComplete() {
+bool framebuffer_is_complete() {
   return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
 }
 
@@ -18,11 +18,11 @@ bool framebufferIsComplete() {
 
 DX9SharedBufferObject::~DX9SharedBufferObject() {
   const TimingMark mark("~DX9SharedBufferObject");
-  openGLTurn_.reset();  // before the object is unregistered
+  opengl_turn_.reset();  // before the object is unregistered
 }
 
 void DX9SharedBufferObject::release() {
-  openGLTurn_.reset();
+  opengl_turn_.reset();
   object_.unregister();
 }
 
@@ -33,112 +33,112 @@ void DX9SharedBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   width_ = 0;
   height_ = 0;
   fence_.reset();
-  openGLTurn_.reset();
-  renderFramebuffer_.reset();
-  sharedFramebuffer_.reset();
+  opengl_turn_.reset();
+  render_framebuffer_.reset();
+  shared_framebuffer_.reset();
   depth_.reset();
   object_.unregister();
-  sharedTexture_.reset();
-  fallbackTexture_.reset();
+  shared_texture_.reset();
+  fallback_texture_.reset();
   surface_.reset();
   texture_ = {};
 
   const auto columns = static_cast<GLsizei>(width);
   const auto rows = static_cast<GLsizei>(height);
-  sharedFramebuffer_ = gl::Framebuffer::create();
+  shared_framebuffer_ = gl::Framebuffer::create();
   depth_ = gl::Renderbuffer::create();
   glBindRenderbuffer(GL_RENDERBUFFER, depth_.get());
   glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, columns, rows);
   glBindRenderbuffer(GL_RENDERBUFFER, 0);
-  glBindFramebuffer(GL_FRAMEBUFFER, sharedFramebuffer_.get());
+  glBindFramebuffer(GL_FRAMEBUFFER, shared_framebuffer_.get());
   glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, depth_.get());
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
 
-  shareTexture(width, height);
-  attachSharedTexture();
-  if (blitFallback_) createFallbackTarget(columns, rows);
+  share_texture(width, height);
+  attach_shared_texture();
+  if (blit_fallback_) create_fallback_target(columns, rows);
   width_ = width;
   height_ = height;
 }
 
-void DX9SharedBufferObject::shareTexture(std::uint32_t width, std::uint32_t height) {
-  texture_ = device_.createTexture(width, height);
+void DX9SharedBufferObject::share_texture(std::uint32_t width, std::uint32_t height) {
+  texture_ = device_.create_texture(width, height);
   if (!interop_) throw std::runtime_error("Cannot create a texture for a null device.");
-  if (!wglDXSetResourceShareHandleNV(texture_.texture.get(), texture_.shareHandle)) {
+  if (!wglDXSetResourceShareHandleNV(texture_.texture.get(), texture_.share_handle)) {
     log() << "Resource could not be shared. ";
     throw std::runtime_error("Could not share resources. ");
   }
-  sharedTexture_ = gl::Texture::create();
-  object_.registerTexture(*interop_, texture_.texture.get(), sharedTexture_.get());
-  surface_ = surfaceOf(*texture_.texture);
+  shared_texture_ = gl::Texture::create();
+  object_.register_texture(*interop_, texture_.texture.get(), shared_texture_.get());
+  surface_ = surface_of(*texture_.texture);
 }
 
-void DX9SharedBufferObject::attachSharedTexture() {
+void DX9SharedBufferObject::attach_shared_texture() {
   InteropLock turn(object_, "Could not lock shared texture.");
-  glBindFramebuffer(GL_FRAMEBUFFER, sharedFramebuffer_.get());
-  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, sharedTexture_.get(), 0);
-  blitFallback_ = false;
-  bool complete = framebufferIsComplete();
+  glBindFramebuffer(GL_FRAMEBUFFER, shared_framebuffer_.get());
+  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, shared_texture_.get(), 0);
+  blit_fallback_ = false;
+  bool complete = framebuffer_is_complete();
   if (!complete) {
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, 0);
-    blitFallback_ = true;
-    complete = framebufferIsComplete();
+    blit_fallback_ = true;
+    complete = framebuffer_is_complete();
   }
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
   if (!complete) throw std::runtime_error("Could not get shared framebuffer. Fallback failed.");
   turn.unlock("Could not unregister shared object. ");
 }
 
-void DX9SharedBufferObject::createFallbackTarget(GLsizei width, GLsizei height) {
-  fallbackTexture_ = gl::Texture::create();
-  glBindTexture(GL_TEXTURE_2D, fallbackTexture_.get());
+void DX9SharedBufferObject::create_fallback_target(GLsizei width, GLsizei height) {
+  fallback_texture_ = gl::Texture::create();
+  glBindTexture(GL_TEXTURE_2D, fallback_texture_.get());
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);  // the client's; null would be an offset in it
   glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
   glBindTexture(GL_TEXTURE_2D, 0);
-  renderFramebuffer_ = gl::Framebuffer::create();
-  glBindFramebuffer(GL_FRAMEBUFFER, renderFramebuffer_.get());
-  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, fallbackTexture_.get(), 0);
+  render_framebuffer_ = gl::Framebuffer::create();
+  glBindFramebuffer(GL_FRAMEBUFFER, render_framebuffer_.get());
+  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, fallback_texture_.get(), 0);
   glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, depth_.get());
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
 }
 
 void DX9SharedBufferObject::prepare(std::int32_t request) {
-  openGLTurn_.reset();  // of a frame that did not come to its end
-  openGLTurn_.emplace(object_, "shared texture could not be locked. ");
+  opengl_turn_.reset();  // of a frame that did not come to its end
+  opengl_turn_.emplace(object_, "shared texture could not be locked. ");
   glBindFramebuffer(GL_FRAMEBUFFER, target().get());
   glViewport(0, 0, columns(), rows());
   begin(request);
 }
 
 void DX9SharedBufferObject::finish() {
-  if (blitFallback_) blitToSharedTexture();
-  waitForGpu();
-  if (!openGLTurn_) throw std::runtime_error("shared texture could not be unlocked. ");
-  openGLTurn_->unlock("shared texture could not be unlocked. ");
-  openGLTurn_.reset();
+  if (blit_fallback_) blit_to_shared_texture();
+  wait_for_gpu();
+  if (!opengl_turn_) throw std::runtime_error("shared texture could not be unlocked. ");
+  opengl_turn_->unlock("shared texture could not be unlocked. ");
+  opengl_turn_.reset();
   // Outside a scene both calls fail and are meant to: Present hands the driver what is queued.
   device_.get()->EndScene();
   device_.get()->Present(nullptr, nullptr, nullptr, nullptr);
 }
 
-void DX9SharedBufferObject::blitToSharedTexture() {
+void DX9SharedBufferObject::blit_to_shared_texture() {
   const TimingMark mark("DXSharedBufferObject: blitFrameBuffer");
   const GLboolean scissor = glIsEnabled(GL_SCISSOR_TEST);  // the client's; it would cut the blit
   glDisable(GL_SCISSOR_TEST);
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, renderFramebuffer_.get());
-  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, sharedFramebuffer_.get());
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, render_framebuffer_.get());
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, shared_framebuffer_.get());
   glBlitFramebuffer(0, 0, columns(), rows(), 0, 0, columns(), rows(), GL_COLOR_BUFFER_BIT, GL_NEAREST);
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
   if (scissor) glEnable(GL_SCISSOR_TEST);
 }
 
-void DX9SharedBufferObject::waitForGpu() {
+void DX9SharedBufferObject::wait_for_gpu() {
   const TimingMark mark("DXSharedBufferObject: finish");
   glFinish();
   fence_.insert();
-  const GLenum result = fence_.wait(gl::oneSecond);
+  const GLenum result = fence_.wait(gl::one_second);
   // Not GL_WAIT_FAILED: a fence that cannot be waited for counts as passed, since glFinish came before it.
-  if (result == GL_TIMEOUT_EXPIRED || result == 0xFFFFFFFFU) renderingTookTooLong();
+  if (result == GL_TIMEOUT_EXPIRED || result == 0xFFFFFFFFU) rendering_took_too_long();
   fence_.reset();
 }
 

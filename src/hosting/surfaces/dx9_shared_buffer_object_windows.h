@@ -28,12 +28,12 @@ class DX9SharedBufferObject : public HandOffBuffer {
   std::unique_ptr<MappedBuffer> map() override;
 
  private:
-  const gl::Framebuffer& target() const { return blitFallback_ ? renderFramebuffer_ : sharedFramebuffer_; }
-  void shareTexture(std::uint32_t width, std::uint32_t height);
-  void attachSharedTexture();
-  void createFallbackTarget(GLsizei width, GLsizei height);
-  void blitToSharedTexture();
-  void waitForGpu();
+  const gl::Framebuffer& target() const { return blit_fallback_ ? render_framebuffer_ : shared_framebuffer_; }
+  void share_texture(std::uint32_t width, std::uint32_t height);
+  void attach_shared_texture();
+  void create_fallback_target(GLsizei width, GLsizei height);
+  void blit_to_shared_texture();
+  void wait_for_gpu();
   GLsizei columns() const { return static_cast<GLsizei>(width_); }
   GLsizei rows() const { return static_cast<GLsizei>(height_); }
 
@@ -41,14 +41,14 @@ class DX9SharedBufferObject : public HandOffBuffer {
   const InteropDevice* const interop_;
   DX9Texture texture_;
   ComOwner<IDirect3DSurface9> surface_;
-  gl::Framebuffer renderFramebuffer_;  // used when the driver takes no depth beside a shared texture
-  bool blitFallback_ = false;
-  gl::Framebuffer sharedFramebuffer_;
-  gl::Texture sharedTexture_;
-  gl::Texture fallbackTexture_;
+  gl::Framebuffer render_framebuffer_;  // used when the driver takes no depth beside a shared texture
+  bool blit_fallback_ = false;
+  gl::Framebuffer shared_framebuffer_;
+  gl::Texture shared_texture_;
+  gl::Texture fallback_texture_;
   gl::Renderbuffer depth_;
   InteropObject object_;
-  std::optional<InteropLock> openGLTurn_;
+  std::optional<InteropLock> opengl_turn_;
   std::uint32_t width_ = 0;
   std::uint32_t height_ = 0;
   gl::Fence fence_;

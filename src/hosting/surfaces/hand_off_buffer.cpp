@@ -6,12 +6,12 @@
 
 namespace oct {
 
-void renderTargetFailed(const char* reason) {
+void render_target_failed(const char* reason) {
   log() << "An error occured when creating render target: " << reason;
   throw std::runtime_error("Could not generate render target. ");
 }
 
-void renderingTookTooLong() {
+void rendering_took_too_long() {
   throw std::runtime_error("Rendering could not finish within one second. ");
 }
 

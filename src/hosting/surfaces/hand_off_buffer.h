@@ -71,9 +71,9 @@ class HandOffBuffer {
 };
 
 // Logs the reason and throws "Could not generate render target. ".
-[[noreturn]] void renderTargetFailed(const char* reason);
+[[noreturn]] void render_target_failed(const char* reason);
 
 // Throws "Rendering could not finish within one second. ".
-[[noreturn]] void renderingTookTooLong();
+[[noreturn]] void rendering_took_too_long();
 
 }  // namespace oct

@@ -38,7 +38,7 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   const GLenum error = glGetError();
   if (error != GL_NO_ERROR || status != GL_FRAMEBUFFER_COMPLETE) {
-    renderTargetFailed(error != GL_NO_ERROR ? gl::errorText(error) : gl::framebufferStatusName(status));
+    render_target_failed(error != GL_NO_ERROR ? gl::error_text(error) : gl::framebufferStatusName(status));
   }
   surface_ = {width, height, width * 4, nullptr};
 }
@@ -54,7 +54,7 @@ void HostBufferObject::prepare(std::int32_t request) {
 void HostBufferObject::finish() {
   const TimingMark mark("HostBufferObject: finish");
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
-  gl::readColor(target_.framebuffer, columns(), rows(), nullptr);
+  gl::read_color(target_.framebuffer, columns(), rows(), nullptr);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   fence_.insert();
   glFlush();
@@ -62,10 +62,10 @@ void HostBufferObject::finish() {
 
 bool HostBufferObject::complete(bool wait) {
   if (!fence_) return true;
-  const GLenum result = fence_.wait(wait ? gl::oneSecond : 0);
+  const GLenum result = fence_.wait(wait ? gl::one_second : 0);
   if (result == GL_TIMEOUT_EXPIRED && !wait) return false;
   fence_.reset();
-  if (result != GL_ALREADY_SIGNALED && result != GL_CONDITION_SATISFIED) renderingTookTooLong();
+  if (result != GL_ALREADY_SIGNALED && result != GL_CONDITION_SATISFIED) rendering_took_too_long();
   const TimingMark mark("HostBufferObject: map");
   const auto size = static_cast<GLsizeiptr>(surface_.stride_bytes) * static_cast<GLsizeiptr>(surface_.height);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
@@ -80,7 +80,7 @@ bool HostBufferObject::complete(bool wait) {
 void HostBufferObject::unmap() {
   if (!surface_.pixels) return;
   surface_.pixels = nullptr;
-  if (!gl::isContextCurrent()) return;
+  if (!gl::is_context_current()) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
   glUnmapBuffer(GL_PIXEL_PACK_BUFFER);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);

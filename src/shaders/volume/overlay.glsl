@@ -3,6 +3,6 @@ uniform sampler3D volumeOverlayTex;
 uniform sampler1D colorOverlayTex;
 uniform vec2 overlayValues;  // lower and upper coloring boundary
 
-float normalisedOverlay(float value) {
+float normalised_overlay(float value) {
   return (value - overlayValues.x) / (overlayValues.y - overlayValues.x);
 }

@@ -10,7 +10,7 @@ float normalised(float value) {
 
 // A colour map between its entries' centres, as the texture unit does it, but with all bits of the weight: the unit's
 // eight show in maps of few colours, and summed along a ray in any map.
-vec4 colorAt(sampler1D colors, float value) {
+vec4 color_at(sampler1D colors, float value) {
   int last = textureSize(colors, 0) - 1;
   float position = clamp(value, 0.0, 1.0) * float(last + 1) - 0.5;
   float below = floor(position);

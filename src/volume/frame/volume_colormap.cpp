@@ -7,20 +7,20 @@
 
 namespace oct {
 
-void VolumeColormap::setColors(Colormap colors) {
+void VolumeColormap::set_colors(Colormap colors) {
   colors_ = std::move(colors);
   changed_ = true;
 }
 
-void VolumeColormap::setBoundaries(double lower, double upper) {
+void VolumeColormap::set_boundaries(double lower, double upper) {
   lower_ = static_cast<float>(lower);
   upper_ = static_cast<float>(upper);
 }
 
-bool VolumeColormap::uploadIfChanged() {
+bool VolumeColormap::upload_if_changed() {
   if (!changed_) return false;
   // A map without entries shows nothing.
-  uploadColormap(texture_, colors_.empty() ? Colormap{0U} : colors_);
+  upload_colormap(texture_, colors_.empty() ? Colormap{0U} : colors_);
   changed_ = false;
   return true;
 }
@@ -28,7 +28,7 @@ bool VolumeColormap::uploadIfChanged() {
 void VolumeColormaps::create() {
   for (auto& colormap : colormaps_) {
     if (!colormap) colormap.emplace();
-    colormap->markChanged();
+    colormap->mark_changed();
   }
 }
 
@@ -47,10 +47,10 @@ const VolumeColormap& VolumeColormaps::at(ColormapRole role) const {
   return *colormap;
 }
 
-void VolumeColormaps::uploadChanged() {
+void VolumeColormaps::upload_changed() {
   for (auto& colormap : colormaps_) {
-    if (!colormap || !colormap->uploadIfChanged()) continue;
-    recordTimingMark("render: colormap changed");
+    if (!colormap || !colormap->upload_if_changed()) continue;
+    record_timing_mark("render: colormap changed");
     gl::throwOnGLError("render: colormap changed");
   }
 }

@@ -5,25 +5,25 @@
 #include <cstddef>
 #include <optional>
 
-#include "gl/gl_names.h"
 #include "gl/colormap.h"
+#include "gl/gl_names.h"
 
 namespace oct {
 
 class VolumeColormap {
  public:
-  void setColors(Colormap colors);
-  void setBoundaries(double lower, double upper);
+  void set_colors(Colormap colors);
+  void set_boundaries(double lower, double upper);
   float lower() const { return lower_; }
   float upper() const { return upper_; }
 
   // Uploads the colours if they changed since the last upload; true when it did.
-  bool uploadIfChanged();
-  void markChanged() { changed_ = true; }
+  bool upload_if_changed();
+  void mark_changed() { changed_ = true; }
   GLuint texture() const { return texture_.get(); }
 
  private:
-  Colormap colors_ = defaultColormap();
+  Colormap colors_ = default_colormap();
   bool changed_ = true;
   float lower_ = 0.0F;
   float upper_ = 1.0F;
@@ -42,7 +42,7 @@ class VolumeColormaps {
   // Throws std::runtime_error "Program has not been compiled yet." before create: both are made together.
   const VolumeColormap& at(ColormapRole role) const;
 
-  void uploadChanged();
+  void upload_changed();
 
  private:
   std::array<std::optional<VolumeColormap>, 4> colormaps_;

@@ -1,11 +1,11 @@
 // What the passes of one frame draw with. Valid for that frame only.
 #pragma once
 
-#include "volume/layout/camera.h"
-#include "volume/layout/clip_plane.h"
 #include "volume/frame/volume_colormap.h"
 #include "volume/frame/volume_programs.h"
 #include "volume/frame/volume_settings.h"
+#include "volume/layout/camera.h"
+#include "volume/layout/clip_plane.h"
 
 namespace oct {
 
@@ -15,7 +15,7 @@ constexpr GLint volume = 0;
 constexpr GLint color = 1;
 constexpr GLint back = 2;
 constexpr GLint overlay = 3;
-constexpr GLint overlayColor = 4;
+constexpr GLint overlay_color = 4;
 constexpr GLint color2 = 5;
 constexpr GLint secondary = 6;
 }  // namespace volume_unit
@@ -25,30 +25,30 @@ struct VolumeFrame {
   const VolumeSource& source;
   const VolumeColormaps& colormaps;
   const VolumePrograms& programs;
-  const ClipPlane& clipPlane;
+  const ClipPlane& clip_plane;
   Camera camera;
-  float filledEnd =
-      1.0F;  // where the filled part of the box ends along model z; -1 or less: nothing is filled
+  // Where the filled part of the box ends along model z; -1 or less: nothing is filled.
+  float filled_end = 1.0F;
 
-  bool boxFilled() const { return filledEnd > -1.0F; }
-  bool volumeShown() const { return source.volume != 0 && settings.renderVolume; }
+  bool box_filled() const { return filled_end > -1.0F; }
+  bool volume_shown() const { return source.volume != 0 && settings.render_volume; }
 
   // Whether the viewer looks at the cut of the clip plane, and not at it through the volume.
-  bool cutFacesViewer() const;
+  bool cut_faces_viewer() const;
 
   // The colour map that colours the volume.
-  const VolumeColormap& mainColormap() const {
-    return colormaps.at(source.mainColormapIsOverlay ? ColormapRole::overlay : ColormapRole::main);
+  const VolumeColormap& main_colormap() const {
+    return colormaps.at(source.main_colormap_is_overlay ? ColormapRole::overlay : ColormapRole::main);
   }
 };
 
-void bindVolumeTexture(GLint unit, GLenum target, GLuint texture);
+void bind_volume_texture(GLint unit, GLenum target, GLuint texture);
 
 // Sets every texture and uniform of a program that samples the volume, and makes it the current one:
 // matrices, volume, colour maps and boundaries, overlay. The program must have been loaded.
-void useVolumeProgram(const VolumeRenderingProgram& program, const VolumeFrame& frame);
+void use_volume_program(const VolumeRenderingProgram& program, const VolumeFrame& frame);
 
 // Makes a program with modelview, projection and the uniform "color" the current one.
-void useSimpleProgram(const VolumeFrame& frame, const glm::vec4& color);
+void use_simple_program(const VolumeFrame& frame, const glm::vec4& color);
 
 }  // namespace oct

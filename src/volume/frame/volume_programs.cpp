@@ -23,34 +23,35 @@ void SurfaceProgram::load() {
   modelview = uniform("modelview");
   projection = uniform("projection");
   normal = uniform("normal");
-  lowerDepth = uniform("lowerDepth");
-  upperDepth = uniform("upperDepth");
+  lower_depth = uniform("lower_depth");
+  upper_depth = uniform("upper_depth");
   colorTex = uniform("colorTex");
 }
 
-void VolumePrograms::loadScene() {
+void VolumePrograms::load_scene() {
   const TimingMark mark("shader_compile_volume");
   background.load_to_program("background_program", shaders::background_vert, shaders::background_frag);
   simple.load();
   section.load("program", shaders::section_vert, shaders::section_frag);
-  sectionOverlay.load("overlay_rendering_program", shaders::section_vert, shaders::section_overlay_frag);
+  section_overlay.load("overlay_rendering_program", shaders::section_vert, shaders::section_overlay_frag);
   surface.load();
   empty.load();
 }
 
-void VolumePrograms::loadRaycasting() {
+void VolumePrograms::load_raycasting() {
   const char* const front = shaders::raycasting_vert;
-  raycastingBack.load("raycasting_back_program", shaders::raycasting_back_vert,
-                      shaders::raycasting_back_frag);
+  raycasting_back.load("raycasting_back_program", shaders::raycasting_back_vert,
+                       shaders::raycasting_back_frag);
   raycasting.load("raycasting_program", front, shaders::raycasting_frag);
-  raycastingMaximum.load("raycasting_program_mip", front, shaders::raycasting_mip_frag);
-  raycastingMean.load("raycasting_program_mean", front, shaders::raycasting_mean_frag);
-  raycastingDualColoring.load("raycasting_program_dual_coloring", front,
-                              shaders::raycasting_dual_coloring_frag);
-  raycastingOverlay.load("raycasting_overlay_program", front, shaders::raycasting_overlay_frag);
-  raycastingOverlayMaximum.load("raycasting_overlay_program_mip", front,
-                                shaders::raycasting_overlay_mip_frag);
-  raycastingOverlayMean.load("raycasting_overlay_program_mean", front, shaders::raycasting_overlay_mean_frag);
+  raycasting_maximum.load("raycasting_program_mip", front, shaders::raycasting_mip_frag);
+  raycasting_mean.load("raycasting_program_mean", front, shaders::raycasting_mean_frag);
+  raycasting_dual_coloring.load("raycasting_program_dual_coloring", front,
+                                shaders::raycasting_dual_coloring_frag);
+  raycasting_overlay.load("raycasting_overlay_program", front, shaders::raycasting_overlay_frag);
+  raycasting_overlay_maximum.load("raycasting_overlay_program_mip", front,
+                                  shaders::raycasting_overlay_mip_frag);
+  raycasting_overlay_mean.load("raycasting_overlay_program_mean", front,
+                               shaders::raycasting_overlay_mean_frag);
 }
 
 void VolumePrograms::unload() {
@@ -59,24 +60,25 @@ void VolumePrograms::unload() {
   empty.release();
   surface.release();
   for (VolumeRenderingProgram* const program : std::initializer_list<VolumeRenderingProgram*>{
-           &section, &sectionOverlay, &raycastingBack, &raycasting, &raycastingMaximum, &raycastingMean,
-           &raycastingDualColoring, &raycastingOverlay, &raycastingOverlayMaximum, &raycastingOverlayMean}) {
+           &section, &section_overlay, &raycasting_back, &raycasting, &raycasting_maximum, &raycasting_mean,
+           &raycasting_dual_coloring, &raycasting_overlay, &raycasting_overlay_maximum,
+           &raycasting_overlay_mean}) {
     program->release();
   }
 }
 
-const RaycastingProgram& VolumePrograms::raycastingOf(VolumeMode mode, bool overlay) const {
+const RaycastingProgram& VolumePrograms::raycasting_of(VolumeMode mode, bool overlay) const {
   switch (mode) {
     case VolumeMode::maximum:
-      return overlay ? raycastingOverlayMaximum : raycastingMaximum;
+      return overlay ? raycasting_overlay_maximum : raycasting_maximum;
     case VolumeMode::mean:
-      return overlay ? raycastingOverlayMean : raycastingMean;
-    case VolumeMode::dualColoring:
-      return raycastingDualColoring;
+      return overlay ? raycasting_overlay_mean : raycasting_mean;
+    case VolumeMode::dual_coloring:
+      return raycasting_dual_coloring;
     case VolumeMode::normal:
       break;
   }
-  return overlay ? raycastingOverlay : raycasting;
+  return overlay ? raycasting_overlay : raycasting;
 }
 
 }  // namespace oct

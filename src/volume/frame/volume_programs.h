@@ -20,33 +20,33 @@ struct EmptyProgram : gl::Shader {
 
 struct SurfaceProgram : gl::Shader {
   void load();
-  GLint modelview = -1, projection = -1, normal = -1, lowerDepth = -1, upperDepth = -1, colorTex = -1;
+  GLint modelview = -1, projection = -1, normal = -1, lower_depth = -1, upper_depth = -1, colorTex = -1;
 };
 
 class VolumePrograms {
  public:
-  gl::Shader background;                  // "background_program": vec2 vertex (0), vec4 colour (1)
-  SimpleProgram simple;                   // "simple_program": vec3 vertex (0); modelview, projection, color
-  VolumeRenderingProgram section;         // "program": vec3 vertex (0); modelview, projection, flip
-  VolumeRenderingProgram sectionOverlay;  // "overlay_rendering_program": the same with the overlay
-  SurfaceProgram surface;                 // "surface_program": vec3 position (0), vec3 normal (1)
-  EmptyProgram empty;                     // "empty_program": transparent black, for depth alone
+  gl::Shader background;                   // "background_program": vec2 vertex (0), vec4 colour (1)
+  SimpleProgram simple;                    // "simple_program": vec3 vertex (0); modelview, projection, color
+  VolumeRenderingProgram section;          // "program": vec3 vertex (0); modelview, projection, flip
+  VolumeRenderingProgram section_overlay;  // "overlay_rendering_program": the same with the overlay
+  SurfaceProgram surface;                  // "surface_program": vec3 position (0), vec3 normal (1)
+  EmptyProgram empty;                      // "empty_program": transparent black, for depth alone
 
-  RaycastingProgram raycastingBack;
+  RaycastingProgram raycasting_back;
   RaycastingProgram raycasting;
-  RaycastingProgram raycastingMaximum;
-  RaycastingProgram raycastingMean;
-  RaycastingProgram raycastingDualColoring;
-  RaycastingProgram raycastingOverlay;
-  RaycastingProgram raycastingOverlayMaximum;
-  RaycastingProgram raycastingOverlayMean;
+  RaycastingProgram raycasting_maximum;
+  RaycastingProgram raycasting_mean;
+  RaycastingProgram raycasting_dual_coloring;
+  RaycastingProgram raycasting_overlay;
+  RaycastingProgram raycasting_overlay_maximum;
+  RaycastingProgram raycasting_overlay_mean;
 
-  void loadScene();
-  void loadRaycasting();
+  void load_scene();
+  void load_raycasting();
   void unload();
 
   // The ray casting program of a mode; dual colouring knows no overlay.
-  const RaycastingProgram& raycastingOf(VolumeMode mode, bool overlay) const;
+  const RaycastingProgram& raycasting_of(VolumeMode mode, bool overlay) const;
 };
 
 }  // namespace oct

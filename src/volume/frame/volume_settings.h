@@ -1,21 +1,21 @@
 // What clients set on a volume renderer, apart from what the scene elements keep themselves.
 #pragma once
 
-#include <glm/glm.hpp>
-
 #include <cstdint>
+
+#include <glm/glm.hpp>
 
 #include "gl/gl_names.h"
 #include "volume/layout/camera.h"
 
 namespace oct {
 
-enum class RenderingMode { raycasting = 0, sectionalView = 1 };
-enum class VolumeMode { normal = 0, maximum = 1, mean = 2, dualColoring = 3 };
+enum class RenderingMode { raycasting = 0, sectional_view = 1 };
+enum class VolumeMode { normal = 0, maximum = 1, mean = 2, dual_coloring = 3 };
 
 struct FrameFlags {
   bool edges = true;  // the twelve of the box
-  bool scaleMarks = true;
+  bool scale_marks = true;
   bool box = true;  // the translucent one
 };
 
@@ -23,15 +23,15 @@ struct VolumeSettings {
   View view;
   Range range;
   int slices = 128;
-  RenderingMode renderingMode = RenderingMode::raycasting;
-  VolumeMode volumeMode = VolumeMode::normal;
-  bool removeSegment = false;
+  RenderingMode rendering_mode = RenderingMode::raycasting;
+  VolumeMode volume_mode = VolumeMode::normal;
+  bool remove_segment = false;
   FrameFlags frame;
-  bool renderVolume = false;
-  bool renderSurface = false;
-  int secondarySliceIndex = 0;
-  glm::vec4 backgroundTop{0.0F, 0.0F, 25.0F / 255.0F, 1.0F};
-  glm::vec4 backgroundBottom{0.0F, 0.0F, 102.0F / 255.0F, 1.0F};
+  bool render_volume = false;
+  bool render_surface = false;
+  int secondary_slice_index = 0;
+  glm::vec4 background_top{0.0F, 0.0F, 25.0F / 255.0F, 1.0F};
+  glm::vec4 background_bottom{0.0F, 0.0F, 102.0F / 255.0F, 1.0F};
   glm::vec4 foreground{1.0F};
 };
 
@@ -39,16 +39,16 @@ struct VolumeSettings {
 struct VolumeSource {
   GLuint volume = 0;
   GLuint overlay = 0;
-  bool overlayPresent = false;
+  bool overlay_present = false;
   GLuint secondary = 0;
-  int secondarySliceCount = 0;
-  bool mainColormapIsOverlay = false;  // colours the volume by the overlay's colour map and boundaries
-  int sliceCount = 0;                  // parts in which the volume fills
-  float filledFraction = 1.0F;
+  int secondary_slice_count = 0;
+  bool main_colormap_is_overlay = false;  // colours the volume by the overlay's colour map and boundaries
+  int slice_count = 0;                    // parts in which the volume fills
+  float filled_fraction = 1.0F;
   std::uint64_t revision = 0;  // counts up with every change of the volume's or the overlay's voxels
 };
 
 // 0xRRGGBBAA; alpha is always 1.
-glm::vec4 unpackedColor(std::uint32_t color);
+glm::vec4 unpacked_color(std::uint32_t color);
 
 }  // namespace oct

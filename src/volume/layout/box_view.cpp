@@ -2,12 +2,12 @@
 
 namespace oct {
 
-glm::vec4 eyeInModel(const Camera& camera) {
+glm::vec4 eye_in_model(const Camera& camera) {
   const bool perspective = camera.projection[2][3] != 0.0F;
   return glm::inverse(camera.modelview) * (perspective ? glm::vec4(0, 0, 0, 1) : glm::vec4(0, 0, 1, 0));
 }
 
-std::optional<glm::vec3> onScreen(const Camera& camera, const glm::vec3& point) {
+std::optional<glm::vec3> on_screen(const Camera& camera, const glm::vec3& point) {
   const glm::vec4 clip = camera.projection * camera.modelview * glm::vec4(point, 1.0F);
   if (clip.w <= 0.0F) return std::nullopt;
   const glm::vec3 device = glm::vec3(clip) / clip.w;
@@ -15,11 +15,11 @@ std::optional<glm::vec3> onScreen(const Camera& camera, const glm::vec3& point) 
                    (device.y + 1.0F) * 0.5F * static_cast<float>(camera.viewport.height), device.z);
 }
 
-bool facesViewer(const BoxFace& face, const glm::vec4& eye) {
+bool faces_viewer(const BoxFace& face, const glm::vec4& eye) {
   return eye[face.axis] * face.side > eye.w;
 }
 
-CrossSection crossSection(int axis, float at) {
+CrossSection cross_section(int axis, float at) {
   CrossSection corners;
   for (std::size_t i = 0; i < corners.size(); ++i) {
     corners[i][axis] = at;
@@ -29,19 +29,19 @@ CrossSection crossSection(int axis, float at) {
   return corners;
 }
 
-std::vector<glm::vec3> boxFaces(const glm::vec4& eye, bool towardsViewer) {
+std::vector<glm::vec3> box_faces(const glm::vec4& eye, bool towards_viewer) {
   std::vector<glm::vec3> triangles;
   for (int axis = 0; axis < 3; ++axis) {
     for (const float side : {-1.0F, 1.0F}) {
-      if (facesViewer({axis, side}, eye) != towardsViewer) continue;
-      const CrossSection corners = crossSection(axis, side);
+      if (faces_viewer({axis, side}, eye) != towards_viewer) continue;
+      const CrossSection corners = cross_section(axis, side);
       for (const std::size_t i : {0, 1, 2, 0, 2, 3}) triangles.push_back(corners[i]);
     }
   }
   return triangles;
 }
 
-std::vector<glm::vec3> boxEdges() {
+std::vector<glm::vec3> box_edges() {
   // Corners with x slowest and z fastest.
   const auto corner = [](unsigned i) {
     return glm::vec3((i & 4U) != 0 ? 1.0F : -1.0F, (i & 2U) != 0 ? 1.0F : -1.0F,

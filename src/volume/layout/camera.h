@@ -12,8 +12,8 @@ struct Viewport {
 
 // What a client sets. Angles in degrees.
 struct View {
-  float angleX = 0.0F;
-  float angleY = 0.0F;
+  float angle_x = 0.0F;
+  float angle_y = 0.0F;
   glm::vec3 translation{0.0F};
   double zoom = 40.0;
   bool perspective = true;
@@ -23,22 +23,22 @@ struct View {
 // the box's half diagonal is 1 on the scale of half edges, whatever the unit; depth grows downwards.
 struct Range {
   glm::vec3 extent{1.0F};
-  glm::vec3 modelScale{1.0F, -1.0F, 1.0F};
+  glm::vec3 model_scale{1.0F, -1.0F, 1.0F};
 };
 
-Range rangeOf(double axial, double lateral1, double lateral2);
+Range range_of(double axial, double lateral1, double lateral2);
 
 // Brings an angle into -180..180 by whole turns.
-double wrappedAngle(double degrees);
+double wrapped_angle(double degrees);
 
 struct Camera {
   Viewport viewport;
   glm::mat4 modelview{1.0F};
-  glm::mat4 elementModelview{1.0F};
+  glm::mat4 element_modelview{1.0F};
   glm::mat4 projection{1.0F};
   glm::mat3 normal{1.0F};
 };
 
-Camera cameraOf(const View& view, const Range& range, Viewport viewport);
+Camera camera_of(const View& view, const Range& range, Viewport viewport);
 
 }  // namespace oct

@@ -18,7 +18,7 @@ constexpr std::array<std::array<glm::vec2, 4>, 3> edges{{
     {{{1, 1}, {1, -1}, {-1, -1}, {-1, 1}}},
 }};
 
-bool onCommonFace(const glm::vec3& p, const glm::vec3& q) {
+bool on_common_face(const glm::vec3& p, const glm::vec3& q) {
   for (int axis = 0; axis < 3; ++axis) {
     if (p[axis] == q[axis] && std::abs(p[axis]) == 1.0F) return true;
   }
@@ -30,7 +30,7 @@ float distance(const glm::vec4& plane, const glm::vec3& point) {
 }
 
 // The part of a convex polygon that the plane removes.
-std::vector<glm::vec3> removedPart(const glm::vec4& plane, const CrossSection& polygon) {
+std::vector<glm::vec3> removed_part(const glm::vec4& plane, const CrossSection& polygon) {
   std::vector<glm::vec3> part;
   for (std::size_t i = 0; i < polygon.size(); ++i) {
     const glm::vec3& from = polygon[i];
@@ -45,7 +45,7 @@ std::vector<glm::vec3> removedPart(const glm::vec4& plane, const CrossSection& p
 
 }  // namespace
 
-std::vector<glm::vec3> boxIntersections(const glm::vec4& plane) {
+std::vector<glm::vec3> box_intersections(const glm::vec4& plane) {
   std::vector<glm::vec3> points;
   for (int axis = 0; axis < 3; ++axis) {
     const int second = axis == 0 ? 1 : 0;
@@ -64,11 +64,11 @@ std::vector<glm::vec3> boxIntersections(const glm::vec4& plane) {
   return points;
 }
 
-std::vector<glm::vec3> removedFaces(const glm::vec4& plane) {
+std::vector<glm::vec3> removed_faces(const glm::vec4& plane) {
   std::vector<glm::vec3> triangles;
   for (int axis = 0; axis < 3; ++axis) {
     for (const float side : {-1.0F, 1.0F}) {
-      const std::vector<glm::vec3> part = removedPart(plane, crossSection(axis, side));
+      const std::vector<glm::vec3> part = removed_part(plane, cross_section(axis, side));
       for (std::size_t i = 2; i < part.size(); ++i)
         triangles.insert(triangles.end(), {part[0], part[i - 1], part[i]});
     }
@@ -85,17 +85,17 @@ void ClipPlane::set(bool enabled, bool open_cut, float value) {
 void ClipPlane::update(const View& view) {
   intersections_.clear();
   border_.clear();
-  cutFace_.clear();
+  cut_face_.clear();
   if (!enabled_) return;
   orient(view);
-  intersections_ = boxIntersections(plane_);
-  connectIntersections();
+  intersections_ = box_intersections(plane_);
+  connect_intersections();
 }
 
 void ClipPlane::orient(const View& view) {
   if (!fixed_) {
-    const float x = view.angleX * pi / 180.0F;
-    const float y = view.angleY * pi / 180.0F;
+    const float x = view.angle_x * pi / 180.0F;
+    const float y = view.angle_y * pi / 180.0F;
     plane_ = {std::sin(y) * std::cos(x), std::sin(x), -std::cos(y) * std::cos(x), 0.0F};
   }
   // The sum is the plane's reach over the box; 0.99 of it keeps the plane inside at either end.
@@ -104,23 +104,23 @@ void ClipPlane::orient(const View& view) {
   plane_.w = static_cast<float>((2.0 * static_cast<double>(value_) - 1.0) * 0.99 * reach);
 }
 
-// Two points on one face of the box bound the cut there. The cut is convex: triangles from the first point
-// cover it.
-void ClipPlane::connectIntersections() {
+// Two points on one face of the box bound the cut there. The cut is convex: triangles
+// from the first point cover it.
+void ClipPlane::connect_intersections() {
   for (std::size_t i = 0; i < intersections_.size(); ++i) {
     for (std::size_t j = 0; j < intersections_.size(); ++j) {
-      if (i == j || !onCommonFace(intersections_[i], intersections_[j])) continue;
+      if (i == j || !on_common_face(intersections_[i], intersections_[j])) continue;
       border_.insert(border_.end(), {intersections_[i], intersections_[j]});
-      // A plane through a corner of the box meets several edges there. Lines between such points once more do
-      // no harm, but triangles do: rays through a translucent volume would be blended twice where two
-      // coincide.
-      if (i == 0 || j == 0 || foundBefore(i) || foundBefore(j)) continue;
-      cutFace_.insert(cutFace_.end(), {intersections_[0], intersections_[i], intersections_[j]});
+      // A plane through a corner of the box meets several edges there. Lines between such points
+      // once more do no harm, but triangles do: rays through a translucent volume would be
+      // blended twice where two coincide.
+      if (i == 0 || j == 0 || found_before(i) || found_before(j)) continue;
+      cut_face_.insert(cut_face_.end(), {intersections_[0], intersections_[i], intersections_[j]});
     }
   }
 }
 
-bool ClipPlane::foundBefore(std::size_t index) const {
+bool ClipPlane::found_before(std::size_t index) const {
   const auto end = intersections_.begin() + static_cast<std::ptrdiff_t>(index);
   return std::find(intersections_.begin(), end, *end) != end;
 }

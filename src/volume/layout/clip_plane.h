@@ -1,27 +1,27 @@
 // The plane that cuts the volume box, and where it meets the box. Model coordinates; no OpenGL.
 #pragma once
 
-#include <glm/glm.hpp>
-
 #include <vector>
+
+#include <glm/glm.hpp>
 
 #include "volume/layout/camera.h"
 
 namespace oct {
 
-// Where a plane (a, b, c, d) meets the twelve edges of the box: the edges along x first, then those along y
-// and z.
-std::vector<glm::vec3> boxIntersections(const glm::vec4& plane);
+// Where a plane (a, b, c, d) meets the twelve edges of the box: the edges along x
+// first, then those along y and z.
+std::vector<glm::vec3> box_intersections(const glm::vec4& plane);
 
 // The faces of what the plane cuts off the box, as triangles; every point p in them has dot(plane, (p, 1)) <=
 // 0. The cut itself stays open.
-std::vector<glm::vec3> removedFaces(const glm::vec4& plane);
+std::vector<glm::vec3> removed_faces(const glm::vec4& plane);
 
 class ClipPlane {
  public:
   // The value is 0 to 1 from the far to the near corner of the box.
   void set(bool enabled, bool open_cut, float value);
-  void setFixed(bool fixed) { fixed_ = fixed; }
+  void set_fixed(bool fixed) { fixed_ = fixed; }
 
   // Once per frame, after the camera. A plane that is not fixed turns to face the viewer. One that is fixed
   // before its first frame has no orientation to keep: it stays zero and cuts nothing.
@@ -30,20 +30,20 @@ class ClipPlane {
   bool enabled() const { return enabled_; }
   bool open_cut() const { return open_cut_; }  // whether the face of the cut is not drawn
 
-  // A point p is kept where dot(plane, (p, 1)) >= 0. All zero, which keeps everything, while the plane is
-  // off.
+  // A point p is kept where dot(plane, (p, 1)) >= 0. All zero, which keeps
+  // everything, while the plane is off.
   glm::vec4 plane() const { return enabled_ ? plane_ : glm::vec4(0.0F); }
 
   const std::vector<glm::vec3>& intersections() const { return intersections_; }
   const std::vector<glm::vec3>& border() const { return border_; }  // pairs: GL_LINES
-  const std::vector<glm::vec3>& cutFace() const {
-    return cutFace_;
+  const std::vector<glm::vec3>& cut_face() const {
+    return cut_face_;
   }  // triples: GL_TRIANGLES, in both windings
 
  private:
   void orient(const View& view);
-  void connectIntersections();
-  bool foundBefore(std::size_t index) const;  // whether an earlier intersection is the same point
+  void connect_intersections();
+  bool found_before(std::size_t index) const;  // whether an earlier intersection is the same point
 
   bool enabled_ = false;
   bool open_cut_ = false;
@@ -52,7 +52,7 @@ class ClipPlane {
   glm::vec4 plane_{0.0F};
   std::vector<glm::vec3> intersections_;
   std::vector<glm::vec3> border_;
-  std::vector<glm::vec3> cutFace_;
+  std::vector<glm::vec3> cut_face_;
 };
 
 }  // namespace oct

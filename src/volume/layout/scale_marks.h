@@ -1,11 +1,11 @@
 // Scale marks along the volume box: where ticks and labels go on the screen. No OpenGL.
 #pragma once
 
-#include <glm/glm.hpp>
-
 #include <functional>
 #include <string>
 #include <vector>
+
+#include <glm/glm.hpp>
 
 #include "volume/layout/camera.h"
 
@@ -14,7 +14,7 @@ namespace oct {
 // A step of 1, 2 or 5 times a power of ten.
 class TickStep {
  public:
-  static TickStep atLeast(double value);  // the smallest such step; the value must be positive
+  static TickStep at_least(double value);  // the smallest such step; the value must be positive
 
   double value() const;
   TickStep next() const;  // the next greater one
@@ -31,11 +31,11 @@ class TickStep {
 // Sizes of the marks in pixels.
 struct MarkStyle {
   float tick = 6.0F;
-  float minorTick = 3.0F;
-  float gap = 4.0F;           // between a tick and its label, and between labels
-  float minorSpacing = 4.0F;  // small ticks that would stand closer are left out
+  float minor_tick = 3.0F;
+  float gap = 4.0F;            // between a tick and its label, and between labels
+  float minor_spacing = 4.0F;  // small ticks that would stand closer are left out
 
-  static MarkStyle forFont(int height);
+  static MarkStyle for_font(int height);
 };
 
 struct MarkLabel {
@@ -58,7 +58,7 @@ using MeasureText = std::function<glm::ivec2(const std::string& text, bool capti
 // Marks on one edge per axis of the box, on the outline of what the viewer sees: the lowest one or, of
 // upright edges, the leftmost. An axis that points at the viewer has none. Labels neither overlap nor leave
 // the viewport; where there is no room for them the step grows. Extents in millimetres, as a range has them.
-ScaleMarks scaleMarks(const Camera& camera, const glm::vec3& extent, const MarkStyle& style,
-                      const MeasureText& measure);
+ScaleMarks scale_marks(const Camera& camera, const glm::vec3& extent, const MarkStyle& style,
+                       const MeasureText& measure);
 
 }  // namespace oct

@@ -32,18 +32,18 @@ class Grid {
   // The slopes of the depth between a vertex's neighbours in its row and in its column give the normal. At a
   // rim, or beside a hole, the vertex itself takes the missing neighbour's place.
   glm::vec3 normal(int column, int row) const {
-    const float alongX =
+    const float along_x =
         slope(neighbour(column - 1, row, column, row), neighbour(column + 1, row, column, row), 0);
-    const float alongY =
+    const float along_y =
         slope(neighbour(column, row - 1, column, row), neighbour(column, row + 1, column, row), 1);
-    return glm::normalize(glm::vec3(-alongX, -alongY, 1.0F));
+    return glm::normalize(glm::vec3(-along_x, -along_y, 1.0F));
   }
 
  private:
-  const glm::vec3& neighbour(int column, int row, int ownColumn, int ownRow) const {
+  const glm::vec3& neighbour(int column, int row, int own_column, int own_row) const {
     const bool inside = column >= 0 && column < width_ && row >= 0 && row < height_;
     if (inside && finite(at(column, row))) return at(column, row);
-    return at(ownColumn, ownRow);
+    return at(own_column, own_row);
   }
 
   static float slope(const glm::vec3& from, const glm::vec3& to, int axis) {
@@ -58,17 +58,17 @@ class Grid {
 
 // A cell's two triangles, parted along the diagonal whose ends are closer in depth: a step that runs
 // across the cells is then a line and no row of teeth.
-void addCell(const Grid& grid, int column, int row, std::vector<std::uint32_t>& triangles) {
-  const auto depthStep = [&](int fromColumn, int fromRow, int toColumn, int toRow) {
-    return std::abs(grid.at(fromColumn, fromRow).z - grid.at(toColumn, toRow).z);
+void add_cell(const Grid& grid, int column, int row, std::vector<std::uint32_t>& triangles) {
+  const auto depth_step = [&](int from_column, int from_row, int to_column, int to_row) {
+    return std::abs(grid.at(from_column, from_row).z - grid.at(to_column, to_row).z);
   };
   const std::uint32_t near = grid.index(column, row);
   const std::uint32_t right = grid.index(column + 1, row);
   const std::uint32_t up = grid.index(column, row + 1);
   const std::uint32_t far = grid.index(column + 1, row + 1);
-  const bool mainDiagonal =
-      depthStep(column, row, column + 1, row + 1) <= depthStep(column + 1, row, column, row + 1);
-  if (mainDiagonal) {
+  const bool main_diagonal =
+      depth_step(column, row, column + 1, row + 1) <= depth_step(column + 1, row, column, row + 1);
+  if (main_diagonal) {
     triangles.insert(triangles.end(), {near, far, right, near, up, far});
   } else {
     triangles.insert(triangles.end(), {near, up, right, right, up, far});
@@ -89,14 +89,14 @@ void check(int width, int height, double scale, const float* values) {
 
 }  // namespace
 
-SurfaceMesh surfaceMesh(int width, int height, double scale, const float* values) {
+SurfaceMesh surface_mesh(int width, int height, double scale, const float* values) {
   check(width, height, scale, values);
   SurfaceMesh mesh;
   const auto samples = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   mesh.vertices.reserve(samples);
   for (int row = 0; row < height; ++row) {
     for (int column = 0; column < width; ++column) {
-      const double depth = onMeshScale(static_cast<double>(values[mesh.vertices.size()]), scale);
+      const double depth = on_mesh_scale(static_cast<double>(values[mesh.vertices.size()]), scale);
       mesh.vertices.emplace_back(lateral(column, width), lateral(row, height), static_cast<float>(depth));
     }
   }
@@ -112,7 +112,7 @@ SurfaceMesh surfaceMesh(int width, int height, double scale, const float* values
                                           grid.at(column, row + 1), grid.at(column + 1, row + 1)};
       bool whole = true;
       for (const glm::vec3& vertex : cell) whole = whole && finite(vertex);
-      if (whole) addCell(grid, column, row, mesh.triangles);
+      if (whole) add_cell(grid, column, row, mesh.triangles);
     }
   }
   return mesh;

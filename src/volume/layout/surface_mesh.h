@@ -1,10 +1,10 @@
 // The triangle mesh of a height map. No OpenGL.
 #pragma once
 
-#include <glm/glm.hpp>
-
 #include <cstdint>
 #include <vector>
+
+#include <glm/glm.hpp>
 
 namespace oct {
 
@@ -17,11 +17,11 @@ struct SurfaceMesh {
 };
 
 // A depth of the data, of which `scale` is the whole box, on the mesh's scale.
-inline double onMeshScale(double depth, double scale) {
+inline double on_mesh_scale(double depth, double scale) {
   return 2.0 * depth / scale - 1.0;
 }
 
 // Values row by row. A sample that is not finite leaves a hole. Throws std::invalid_argument.
-SurfaceMesh surfaceMesh(int width, int height, double scale, const float* values);
+SurfaceMesh surface_mesh(int width, int height, double scale, const float* values);
 
 }  // namespace oct

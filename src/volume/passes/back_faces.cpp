@@ -1,9 +1,9 @@
 #include "volume/passes/back_faces.h"
 
-#include <glm/gtc/type_ptr.hpp>
-
 #include <stdexcept>
 #include <string>
+
+#include <glm/gtc/type_ptr.hpp>
 
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
@@ -25,12 +25,12 @@ void BackFaces::release() {
 
 void BackFaces::fit(Viewport viewport) {
   if (!rebuild_ && size_.width == viewport.width && size_.height == viewport.height) return;
-  bindVolumeTexture(volume_unit::back, GL_TEXTURE_2D, texture_.get());
+  bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, texture_.get());
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-  gl::resetPixelUnpack();
+  gl::reset_pixel_unpack();
   glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, viewport.width, viewport.height, 0, GL_RGBA, GL_FLOAT, nullptr);
   gl::throwOnGLError("VolumeRenderer::back texture");
   size_ = viewport;
@@ -45,7 +45,7 @@ void BackFaces::attach() const {
                            gl::framebufferStatusName(status));
 }
 
-void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cutFace) {
+void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face) {
   fit(frame.camera.viewport);
   const gl::DrawTargetGuard target;
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
@@ -57,17 +57,17 @@ void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cutFace) 
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   glCullFace(GL_FRONT);
 
-  const RaycastingProgram& program = frame.programs.raycastingBack;
+  const RaycastingProgram& program = frame.programs.raycasting_back;
   program.use();
   glUniformMatrix4fv(program.at().modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
   glUniformMatrix4fv(program.at().projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
-  const auto corners = static_cast<GLsizei>(frame.clipPlane.cutFace().size());
-  if (corners > 0 && !frame.cutFacesViewer()) {
+  const auto corners = static_cast<GLsizei>(frame.clip_plane.cut_face().size());
+  if (corners > 0 && !frame.cut_faces_viewer()) {
     glUniform4f(program.ray().clipPlane, 0.0F, 0.0F, 0.0F, 0.0F);
-    cutFace.draw(GL_TRIANGLES, 0, corners);
+    cut_face.draw(GL_TRIANGLES, 0, corners);
   }
-  glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clipPlane.plane()));
-  box.draw(frame.filledEnd);
+  glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clip_plane.plane()));
+  box.draw(frame.filled_end);
 }
 
 }  // namespace oct

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "gl/gl_names.h"
-#include "volume/passes/box.h"
 #include "volume/frame/volume_frame.h"
+#include "volume/passes/box.h"
 
 namespace oct {
 
@@ -13,7 +13,7 @@ class BackFaces {
   void release();
 
   // Leaves the draw framebuffer and the viewport as they were, and front faces culled.
-  void draw(const VolumeFrame& frame, Box& box, gl::Geometry& cutFace);
+  void draw(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face);
 
   GLuint texture() const { return texture_.get(); }
 

@@ -4,7 +4,7 @@
 
 namespace oct {
 
-void Background::setColors(const glm::vec4& bottom, const glm::vec4& top) {
+void Background::set_colors(const glm::vec4& bottom, const glm::vec4& top) {
   changed_ = changed_ || bottom != bottom_ || top != top_;
   bottom_ = bottom;
   top_ = top;
@@ -15,8 +15,8 @@ void Background::draw(const gl::Shader& program) {
   if (changed_ || !quad_) {
     const std::array<glm::vec2, 4> corners{{{-1.0F, -1.0F}, {-1.0F, 1.0F}, {1.0F, -1.0F}, {1.0F, 1.0F}}};
     const std::array<glm::vec4, 4> colors{bottom_, top_, bottom_, top_};
-    quad_.setVertices(corners);
-    quad_.setAttribute(colors);
+    quad_.set_vertices(corners);
+    quad_.set_attribute(colors);
     changed_ = false;
   }
   glDisable(GL_DEPTH_TEST);

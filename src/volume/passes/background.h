@@ -8,7 +8,7 @@ namespace oct {
 
 class Background {
  public:
-  void setColors(const glm::vec4& bottom, const glm::vec4& top);
+  void set_colors(const glm::vec4& bottom, const glm::vec4& top);
   void draw(const gl::Shader& program);
   void release();
 

@@ -4,7 +4,7 @@
 
 namespace oct {
 
-float filledEnd(float fraction, int parts) {
+float filled_end(float fraction, int parts) {
   if (fraction >= 1.0F) return 1.0F;
   return 2.0F * fraction - 1.0F - (parts > 0 ? 1.0F / static_cast<float>(parts) : 0.0F);
 }
@@ -24,11 +24,11 @@ void Box::draw(float end) {
         0, 4, 2, 6,  // z = -1
         1, 3, 5, 7,  // z = end
     };
-    geometry_.setVertices(corners);
-    geometry_.setIndices(faces);
+    geometry_.set_vertices(corners);
+    geometry_.set_indices(faces);
     end_ = end;
   }
-  for (std::size_t face = 0; face < 6; ++face) geometry_.drawIndexed(GL_TRIANGLE_STRIP, 4 * face, 4);
+  for (std::size_t face = 0; face < 6; ++face) geometry_.draw_indexed(GL_TRIANGLE_STRIP, 4 * face, 4);
 }
 
 }  // namespace oct

@@ -18,6 +18,6 @@ class Box {
 
 // Where a box with a filled fraction ends: at the centre of the last of `parts` filled, so that nothing
 // beyond it is interpolated.
-float filledEnd(float fraction, int parts);
+float filled_end(float fraction, int parts);
 
 }  // namespace oct

@@ -9,11 +9,11 @@
 namespace oct {
 
 // Smooth blended lines, a pair of points for each. The geometry keeps the buffer from frame to frame.
-void drawModelLines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
-                    const glm::vec4& color);
+void draw_model_lines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
+                      const glm::vec4& color);
 
 // The same with points in normalised device coordinates.
-void drawScreenLines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
-                     const glm::vec4& color);
+void draw_screen_lines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
+                       const glm::vec4& color);
 
 }  // namespace oct

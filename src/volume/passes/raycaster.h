@@ -1,15 +1,15 @@
 // The ray-cast volume of a frame.
 #pragma once
 
+#include "volume/frame/volume_frame.h"
 #include "volume/passes/back_faces.h"
 #include "volume/passes/box.h"
-#include "volume/frame/volume_frame.h"
 
 namespace oct {
 
 class Raycaster {
  public:
-  void create() { backFaces_.create(); }
+  void create() { back_faces_.create(); }
   void release();
 
   // Blends the volume over what is drawn. Nothing is drawn of a volume that is not filled yet, and of a dual
@@ -17,12 +17,12 @@ class Raycaster {
   void draw(const VolumeFrame& frame, Box& box);
 
  private:
-  void setUniforms(const RaycastingProgram& program, const VolumeFrame& frame) const;
-  void setSecondary(const RaycastingProgram& program, const VolumeFrame& frame) const;
-  void drawFrontFaces(const RaycastingProgram& program, const VolumeFrame& frame, Box& box);
+  void set_uniforms(const RaycastingProgram& program, const VolumeFrame& frame) const;
+  void set_secondary(const RaycastingProgram& program, const VolumeFrame& frame) const;
+  void draw_front_faces(const RaycastingProgram& program, const VolumeFrame& frame, Box& box);
 
-  BackFaces backFaces_;
-  gl::Geometry cutFace_;
+  BackFaces back_faces_;
+  gl::Geometry cut_face_;
 };
 
 }  // namespace oct

@@ -13,15 +13,15 @@ namespace {
 
 // Opacities. The far side of the box is a pane that sets the scene off from the background; the near side is
 // a hint of glass that leaves the volume its colours.
-constexpr float farPane = 0.10F;
-constexpr float nearPane = 0.03F;
-constexpr float removedPane = 0.10F;
-constexpr float hiddenBorder = 0.35F;
+constexpr float far_pane = 0.10F;
+constexpr float near_pane = 0.03F;
+constexpr float removed_pane = 0.10F;
+constexpr float hidden_border = 0.35F;
 
 // Text grows with the picture, so that one rendered large for print reads like one on the screen.
-int fontHeight(const Viewport& viewport) {
-  constexpr int linesPerPicture = 40;
-  return std::clamp((viewport.height + linesPerPicture / 2) / linesPerPicture, 14, 64);
+int font_height(const Viewport& viewport) {
+  constexpr int lines_per_picture = 40;
+  return std::clamp((viewport.height + lines_per_picture / 2) / lines_per_picture, 14, 64);
 }
 
 glm::vec4 foreground(const VolumeFrame& frame, float opacity) {
@@ -42,71 +42,71 @@ class DepthWritesOff {
   GLboolean were_ = GL_TRUE;
 };
 
-void drawFaces(gl::Geometry& geometry, const std::vector<glm::vec3>& triangles) {
+void draw_faces(gl::Geometry& geometry, const std::vector<glm::vec3>& triangles) {
   const gl::Blending blending;
-  geometry.setVertices(std::span<const glm::vec3>(triangles));
+  geometry.set_vertices(std::span<const glm::vec3>(triangles));
   geometry.draw(GL_TRIANGLES, 0, static_cast<GLsizei>(triangles.size()));
 }
 
 }  // namespace
 
-void SceneElements::drawTranslucent(const VolumeFrame& frame, ElementPass pass) {
+void SceneElements::draw_translucent(const VolumeFrame& frame, ElementPass pass) {
   const TimingMark mark("VolumeRenderer::render_elements");
   if (!frame.settings.frame.box) return;
-  const bool near = pass == ElementPass::inFront;
-  const std::vector<glm::vec3> triangles = boxFaces(eyeInModel(frame.camera), near);
+  const bool near = pass == ElementPass::in_front;
+  const std::vector<glm::vec3> triangles = box_faces(eye_in_model(frame.camera), near);
   if (triangles.empty()) return;
-  useSimpleProgram(frame, foreground(frame, near ? nearPane : farPane));
+  use_simple_program(frame, foreground(frame, near ? near_pane : far_pane));
   {
     // The far faces lie behind, the near ones before all that the box holds.
     const gl::ScopedDisable untested(GL_DEPTH_TEST);
-    drawFaces(faces_, triangles);
+    draw_faces(faces_, triangles);
   }
   gl::throwOnGLError("VolumeRenderer::render_elements");
 }
 
-void SceneElements::drawFrame(const VolumeFrame& frame, ElementPass pass) {
+void SceneElements::draw_frame(const VolumeFrame& frame, ElementPass pass) {
   const TimingMark mark("VolumeRenderer::render_frame");
-  if (frame.settings.frame.edges) drawEdges(frame);
-  if (frame.settings.frame.scaleMarks) drawScaleMarks(frame);
+  if (frame.settings.frame.edges) draw_edges(frame);
+  if (frame.settings.frame.scale_marks) draw_scale_marks(frame);
   gl::throwOnGLError("VolumeRenderer::render_frame");
-  if (pass == ElementPass::inFront && fontFailure_)
-    std::rethrow_exception(std::exchange(fontFailure_, nullptr));
+  if (pass == ElementPass::in_front && font_failure_)
+    std::rethrow_exception(std::exchange(font_failure_, nullptr));
 }
 
-void SceneElements::drawEdges(const VolumeFrame& frame) {
-  drawModelLines(frame, edges_, boxEdges(), frame.settings.foreground);
+void SceneElements::draw_edges(const VolumeFrame& frame) {
+  draw_model_lines(frame, edges_, box_edges(), frame.settings.foreground);
 }
 
-void SceneElements::drawScaleMarks(const VolumeFrame& frame) {
+void SceneElements::draw_scale_marks(const VolumeFrame& frame) {
   try {
-    provideFonts(fontHeight(frame.camera.viewport));
+    provide_fonts(font_height(frame.camera.viewport));
   } catch (...) {
-    fontFailure_ = std::current_exception();
+    font_failure_ = std::current_exception();
   }
-  const std::vector<glm::vec3>& ticks = marksOf(frame).ticks;
-  if (!ticks.empty()) drawScreenLines(frame, ticks_, ticks, frame.settings.foreground);
-  if (fonts_) drawLabels(frame);
+  const std::vector<glm::vec3>& ticks = marks_of(frame).ticks;
+  if (!ticks.empty()) draw_screen_lines(frame, ticks_, ticks, frame.settings.foreground);
+  if (fonts_) draw_labels(frame);
 }
 
-void SceneElements::drawLabels(const VolumeFrame& frame) {
+void SceneElements::draw_labels(const VolumeFrame& frame) {
   const Viewport& viewport = frame.camera.viewport;
   const LabelView view{frame.camera.projection, frame.camera.modelview, {viewport.width, viewport.height}};
   const glm::vec3 color(frame.settings.foreground);
-  for (const MarkLabel& label : marksOf(frame).labels) {
+  for (const MarkLabel& label : marks_of(frame).labels) {
     FontRenderer& font = label.caption ? fonts_->captions : fonts_->numbers;
     font.draw({label.text, label.anchor, label.offset}, color, view);
   }
 }
 
-void SceneElements::provideFonts(int height) {
+void SceneElements::provide_fonts(int height) {
   if (fonts_ && fonts_->height == height) return;
   fonts_.reset();
   layout_.reset();
   fonts_ = std::make_unique<Fonts>(height);
 }
 
-const ScaleMarks& SceneElements::marksOf(const VolumeFrame& frame) {
+const ScaleMarks& SceneElements::marks_of(const VolumeFrame& frame) {
   const Camera& camera = frame.camera;
   const glm::vec3& extent = frame.settings.range.extent;
   const bool known = layout_ && layout_->extent == extent && layout_->camera.modelview == camera.modelview &&
@@ -118,47 +118,47 @@ const ScaleMarks& SceneElements::marksOf(const VolumeFrame& frame) {
       if (!fonts_) return glm::ivec2(0);
       return (caption ? fonts_->captions : fonts_->numbers).size(text);
     };
-    const MarkStyle style = MarkStyle::forFont(fontHeight(camera.viewport));
-    layout_ = Layout{camera, extent, scaleMarks(camera, extent, style, measure)};
+    const MarkStyle style = MarkStyle::for_font(font_height(camera.viewport));
+    layout_ = Layout{camera, extent, scale_marks(camera, extent, style, measure)};
   }
   return layout_->marks;
 }
 
-void SceneElements::drawClipPlaneBorder(const VolumeFrame& frame, ElementPass pass) {
+void SceneElements::draw_clip_plane_border(const VolumeFrame& frame, ElementPass pass) {
   const TimingMark mark("VolumeRenderer::render_clip_plane_border");
-  const std::vector<glm::vec3>& lines = frame.clipPlane.border();
+  const std::vector<glm::vec3>& lines = frame.clip_plane.border();
   if (lines.empty()) return;
   // No depth: the soft rims of a line would keep the rays out and leave a fringe of background.
   const DepthWritesOff depth;
-  if (pass == ElementPass::inFront) {
+  if (pass == ElementPass::in_front) {
     // All of it, faintly, so that the cut can be followed where the volume hides it.
-    const TimingMark overlayMark("VolumeRenderer::render_clip_plane_border::draw_overlay");
+    const TimingMark overlay_mark("VolumeRenderer::render_clip_plane_border::draw_overlay");
     const gl::ScopedDisable untested(GL_DEPTH_TEST);
-    drawModelLines(frame, border_, lines, foreground(frame, hiddenBorder));
+    draw_model_lines(frame, border_, lines, foreground(frame, hidden_border));
     gl::throwOnGLError("VolumeRenderer::render_clip_plane_border::draw_overlay");
   }
-  drawModelLines(frame, border_, lines, frame.settings.foreground);
+  draw_model_lines(frame, border_, lines, frame.settings.foreground);
   gl::throwOnGLError("VolumeRenderer::render_clip_plane_border");
 }
 
-void SceneElements::drawRemovedSegment(const VolumeFrame& frame, ElementPass pass) {
+void SceneElements::draw_removed_segment(const VolumeFrame& frame, ElementPass pass) {
   const TimingMark mark("VolumeRenderer::render_removed_segment");
-  if (!frame.clipPlane.enabled()) return;
+  if (!frame.clip_plane.enabled()) return;
   // The plane parts the box: one side of it lies in front of the other as a whole.
-  const bool inFront = frame.cutFacesViewer();
-  if (inFront != (pass == ElementPass::inFront)) return;
-  const std::vector<glm::vec3> triangles = removedFaces(frame.clipPlane.plane());
+  const bool in_front = frame.cut_faces_viewer();
+  if (in_front != (pass == ElementPass::in_front)) return;
+  const std::vector<glm::vec3> triangles = removed_faces(frame.clip_plane.plane());
   if (triangles.empty()) return;
-  useSimpleProgram(frame, foreground(frame, removedPane));
+  use_simple_program(frame, foreground(frame, removed_pane));
   {
     const gl::ScopedDisable untested(GL_DEPTH_TEST);
-    drawFaces(removed_, triangles);
+    draw_faces(removed_, triangles);
   }
   gl::throwOnGLError("VolumeRenderer::render_removed_segment");
 }
 
 void SceneElements::release() {
-  sectionalView.release();
+  sectional_view.release();
   faces_.release();
   edges_.release();
   ticks_.release();

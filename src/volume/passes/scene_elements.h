@@ -1,5 +1,5 @@
-// What is drawn around the volume: translucent box, frame with scale marks, clip plane border, removed
-// segment.
+// What is drawn around the volume: translucent box, frame with scale marks, clip
+// plane border, removed segment.
 #pragma once
 
 #include <exception>
@@ -8,35 +8,35 @@
 #include <utility>
 
 #include "gl/geometry.h"
-#include "volume/text/font_renderer.h"
+#include "volume/frame/volume_frame.h"
 #include "volume/layout/scale_marks.h"
 #include "volume/passes/sectional_view.h"
-#include "volume/frame/volume_frame.h"
+#include "volume/text/font_renderer.h"
 
 namespace oct {
 
 // Most elements are drawn twice: before the volume with what lies behind it (depth test: greater or equal),
 // and after it with what lies in front.
-enum class ElementPass { behind, inFront };
+enum class ElementPass { behind, in_front };
 
 class SceneElements {
  public:
-  SectionalView sectionalView;
+  SectionalView sectional_view;
 
-  void drawTranslucent(const VolumeFrame& frame, ElementPass pass);
+  void draw_translucent(const VolumeFrame& frame, ElementPass pass);
 
   // Edges and scale marks, by the frame flags. Without any font on the machine marks have no labels; that is
   // thrown once everything else is drawn, at the end of the pass in front.
-  void drawFrame(const VolumeFrame& frame, ElementPass pass);
+  void draw_frame(const VolumeFrame& frame, ElementPass pass);
 
-  void drawClipPlaneBorder(const VolumeFrame& frame, ElementPass pass);
-  void drawRemovedSegment(const VolumeFrame& frame, ElementPass pass);  // before and after the rays
+  void draw_clip_plane_border(const VolumeFrame& frame, ElementPass pass);
+  void draw_removed_segment(const VolumeFrame& frame, ElementPass pass);  // before and after the rays
   void release();  // deletes the OpenGL objects and the text renderers
 
  private:
   struct Fonts {
-    explicit Fonts(int lineHeight)
-        : height(lineHeight), numbers(lineHeight, false), captions(lineHeight, true) {}
+    explicit Fonts(int line_height)
+        : height(line_height), numbers(line_height, false), captions(line_height, true) {}
     int height;
     FontRenderer numbers;
     FontRenderer captions;
@@ -49,11 +49,11 @@ class SceneElements {
     ScaleMarks marks;
   };
 
-  void drawEdges(const VolumeFrame& frame);
-  void drawScaleMarks(const VolumeFrame& frame);
-  void drawLabels(const VolumeFrame& frame);
-  void provideFonts(int height);
-  const ScaleMarks& marksOf(const VolumeFrame& frame);
+  void draw_edges(const VolumeFrame& frame);
+  void draw_scale_marks(const VolumeFrame& frame);
+  void draw_labels(const VolumeFrame& frame);
+  void provide_fonts(int height);
+  const ScaleMarks& marks_of(const VolumeFrame& frame);
 
   gl::Geometry faces_;
   gl::Geometry edges_;
@@ -61,7 +61,7 @@ class SceneElements {
   gl::Geometry border_;
   gl::Geometry removed_;
   std::unique_ptr<Fonts> fonts_;
-  std::exception_ptr fontFailure_;
+  std::exception_ptr font_failure_;
   std::optional<Layout> layout_;
 };
 

@@ -20,20 +20,20 @@ struct Interval {
 };
 
 // The two parts of an edge of the box that a slice leaves, the one away from the eye first.
-std::array<Interval, 2> partedAt(float cut, bool eyeAbove) {
+std::array<Interval, 2> parted_at(float cut, bool eye_above) {
   const Interval below{-1.0F, cut};
   const Interval above{cut, 1.0F};
-  return eyeAbove ? std::array{below, above} : std::array{above, below};
+  return eye_above ? std::array{below, above} : std::array{above, below};
 }
 
 class TriangleList {
  public:
   void add(int axis, float at, Interval second, Interval third) {
-    const auto corner = [&](float onSecond, float onThird) {
+    const auto corner = [&](float on_second, float on_third) {
       glm::vec3 point;
       point[axis] = at;
-      point[(axis + 1) % 3] = onSecond;
-      point[(axis + 2) % 3] = onThird;
+      point[(axis + 1) % 3] = on_second;
+      point[(axis + 2) % 3] = on_third;
       return point;
     };
     const std::array<glm::vec3, 4> corners{corner(second.from, third.from), corner(second.to, third.from),
@@ -46,23 +46,23 @@ class TriangleList {
 
 }  // namespace
 
-std::vector<glm::vec3> sectionTriangles(const Sections& sections, const glm::vec4& eye) {
+std::vector<glm::vec3> section_triangles(const Sections& sections, const glm::vec4& eye) {
   glm::vec3 at;
-  std::array<bool, 3> eyeAbove{};
+  std::array<bool, 3> eye_above{};
   for (int axis = 0; axis < 3; ++axis) {
     at[axis] = coordinate(sections[static_cast<std::size_t>(axis)].position);
-    eyeAbove[static_cast<std::size_t>(axis)] = eye[axis] - at[axis] * eye.w > 0.0F;
+    eye_above[static_cast<std::size_t>(axis)] = eye[axis] - at[axis] * eye.w > 0.0F;
   }
-  const auto byX = partedAt(at.x, eyeAbove[0]);
-  const auto byY = partedAt(at.y, eyeAbove[1]);
+  const auto by_x = parted_at(at.x, eye_above[0]);
+  const auto by_y = parted_at(at.y, eye_above[1]);
   constexpr Interval whole{-1.0F, 1.0F};
 
   // Whatever lies beyond a slice comes before it, and what lies on the eye's side after it.
   TriangleList list;
   for (std::size_t x = 0; x < 2; ++x) {
     for (std::size_t y = 0; y < 2; ++y) {
-      if (sections[2].shown) list.add(2, at.z, byX[x], byY[y]);
-      if (y == 0 && sections[1].shown) list.add(1, at.y, whole, byX[x]);
+      if (sections[2].shown) list.add(2, at.z, by_x[x], by_y[y]);
+      if (y == 0 && sections[1].shown) list.add(1, at.y, whole, by_x[x]);
     }
     if (x == 0 && sections[0].shown) list.add(0, at.x, whole, whole);
   }
@@ -79,17 +79,17 @@ void SectionalView::set(const Sections& sections) {
   sections_ = sections;
   for (int axis = 0; axis < 3; ++axis) {
     const auto index = static_cast<std::size_t>(axis);
-    quads_[index] = crossSection(axis, coordinate(sections[index].position));
+    quads_[index] = cross_section(axis, coordinate(sections[index].position));
   }
 }
 
 void SectionalView::draw(const VolumeFrame& frame) {
   const TimingMark mark("VolumeRenderer::render_sectional_view");
-  const std::vector<glm::vec3> triangles = sectionTriangles(sections_, eyeInModel(frame.camera));
+  const std::vector<glm::vec3> triangles = section_triangles(sections_, eye_in_model(frame.camera));
   if (triangles.empty()) return;
-  const bool overlay = frame.source.overlayPresent;
-  useVolumeProgram(overlay ? frame.programs.sectionOverlay : frame.programs.section, frame);
-  slices_.setVertices(std::span<const glm::vec3>(triangles));
+  const bool overlay = frame.source.overlay_present;
+  use_volume_program(overlay ? frame.programs.section_overlay : frame.programs.section, frame);
+  slices_.set_vertices(std::span<const glm::vec3>(triangles));
   {
     const gl::Blending blending;
     slices_.draw(GL_TRIANGLES, 0, static_cast<GLsizei>(triangles.size()));
@@ -97,7 +97,7 @@ void SectionalView::draw(const VolumeFrame& frame) {
   gl::throwOnGLError("VolumeRenderer::render_sectional_view");
 }
 
-void SectionalView::drawOutline(const VolumeFrame& frame) {
+void SectionalView::draw_outline(const VolumeFrame& frame) {
   const TimingMark mark("VolumeRenderer::render_sectional_view");
   std::vector<glm::vec3> lines;
   for (std::size_t axis = 0; axis < 3; ++axis) {
@@ -106,7 +106,7 @@ void SectionalView::drawOutline(const VolumeFrame& frame) {
     for (std::size_t i = 0; i < 4; ++i) lines.insert(lines.end(), {quad[i], quad[(i + 1) % 4]});
   }
   if (lines.empty()) return;
-  drawModelLines(frame, outlines_, lines, frame.settings.foreground);
+  draw_model_lines(frame, outlines_, lines, frame.settings.foreground);
   gl::throwOnGLError("VolumeRenderer::render_sectional_view");
 }
 

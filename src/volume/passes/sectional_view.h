@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "gl/geometry.h"
-#include "volume/layout/box_view.h"
 #include "volume/frame/volume_frame.h"
+#include "volume/layout/box_view.h"
 
 namespace oct {
 
@@ -19,7 +19,7 @@ using Sections = std::array<Section, 3>;
 
 // The shown slices as triangles, each parted where the others cut it, in such an order that what is farther
 // from the eye (model coordinates, homogeneous: w = 0 is a direction) comes first.
-std::vector<glm::vec3> sectionTriangles(const Sections& sections, const glm::vec4& eye);
+std::vector<glm::vec3> section_triangles(const Sections& sections, const glm::vec4& eye);
 
 class SectionalView {
  public:
@@ -27,7 +27,7 @@ class SectionalView {
   void set(const Sections& sections);
 
   void draw(const VolumeFrame& frame);
-  void drawOutline(const VolumeFrame& frame);
+  void draw_outline(const VolumeFrame& frame);
   void release();
 
  private:

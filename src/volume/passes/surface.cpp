@@ -8,15 +8,15 @@
 namespace oct {
 
 void Surface::set(int width, int height, double scale, const float* values) {
-  mesh_ = surfaceMesh(width, height, scale, values);
+  mesh_ = surface_mesh(width, height, scale, values);
   if (scale != 0.0) scale_ = scale;
   changed_ = true;
 }
 
 void Surface::upload() {
-  geometry_.setVertices(std::span<const glm::vec3>(mesh_.vertices));
-  geometry_.setAttribute(std::span<const glm::vec3>(mesh_.normals));
-  geometry_.setIndices(mesh_.triangles);
+  geometry_.set_vertices(std::span<const glm::vec3>(mesh_.vertices));
+  geometry_.set_attribute(std::span<const glm::vec3>(mesh_.normals));
+  geometry_.set_indices(mesh_.triangles);
   gl::throwOnGLError("VolumeRenderer::surface changed");
   changed_ = false;
 }
@@ -31,12 +31,12 @@ void Surface::draw(const VolumeFrame& frame) {
   glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
   glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
   glUniformMatrix3fv(program.normal, 1, GL_FALSE, glm::value_ptr(frame.camera.normal));
-  glUniform1f(program.lowerDepth, colormap.lower());
-  glUniform1f(program.upperDepth, colormap.upper());
+  glUniform1f(program.lower_depth, colormap.lower());
+  glUniform1f(program.upper_depth, colormap.upper());
   glUniform1i(program.colorTex, volume_unit::color);
-  bindVolumeTexture(volume_unit::color, GL_TEXTURE_1D, colormap.texture());
+  bind_volume_texture(volume_unit::color, GL_TEXTURE_1D, colormap.texture());
   glDisable(GL_BLEND);
-  geometry_.drawIndexed(GL_TRIANGLES, 0, static_cast<GLsizei>(mesh_.triangles.size()));
+  geometry_.draw_indexed(GL_TRIANGLES, 0, static_cast<GLsizei>(mesh_.triangles.size()));
   gl::throwOnGLError("VolumeRenderer::render_surface");
 }
 

@@ -2,19 +2,19 @@
 #pragma once
 
 #include "gl/geometry.h"
-#include "volume/layout/surface_mesh.h"
 #include "volume/frame/volume_frame.h"
+#include "volume/layout/surface_mesh.h"
 
 namespace oct {
 
 class Surface {
  public:
-  // Row by row; throws std::invalid_argument and changes nothing on misuse. A size of zero takes the surface
-  // away.
+  // Row by row; throws std::invalid_argument and changes nothing on misuse. A size
+  // of zero takes the surface away.
   void set(int width, int height, double scale, const float* values);
 
   // A depth of the data on the scale of the mesh.
-  double onMeshScale(double depth) const { return oct::onMeshScale(depth, scale_); }
+  double on_mesh_scale(double depth) const { return oct::on_mesh_scale(depth, scale_); }
 
   bool empty() const { return mesh_.vertices.empty(); }
   void draw(const VolumeFrame& frame);

@@ -2,8 +2,9 @@
 
 #include <array>
 #include <cstddef>
-#include <glm/gtc/type_ptr.hpp>
 #include <stdexcept>
+
+#include <glm/gtc/type_ptr.hpp>
 
 #include "core/log.h"
 #include "core/timing_mark.h"
@@ -22,7 +23,7 @@ struct LabelVertex {
 
 constexpr std::array<glm::vec2, 4> corners{{{0, 0}, {1, 0}, {0, 1}, {1, 1}}};  // a triangle strip
 
-const void* bufferOffset(std::size_t bytes) {
+const void* buffer_offset(std::size_t bytes) {
   return reinterpret_cast<const void*>(bytes);
 }
 
@@ -35,9 +36,9 @@ FontRenderer::FontRenderer(int height, bool emphasis) : rasteriser_(height, emph
   }
   uniforms_ = {program_.uniform("projection"), program_.uniform("modelview"),
                program_.uniform("viewport"),   program_.uniform("textureSize"),
-               program_.uniform("offset"),     program_.uniform("textTexture"),
-               program_.uniform("textColor")};
-  createQuad();
+               program_.uniform("offset"),     program_.uniform("text_texture"),
+               program_.uniform("text_color")};
+  create_quad();
   gl::throwOnGLError("FontRenderer::init");
 }
 
@@ -45,16 +46,16 @@ FontRenderer::~FontRenderer() {
   log() << "Unloading font renderer.";
 }
 
-void FontRenderer::createQuad() {
+void FontRenderer::create_quad() {
   quad_ = gl::Buffer::create();
   if (!quad_) throw std::runtime_error("Could not create OpenGL buffer. ");
-  vertexArray_ = gl::VertexArray::create();
-  glBindVertexArray(vertexArray_.get());
+  vertex_array_ = gl::VertexArray::create();
+  glBindVertexArray(vertex_array_.get());
   glBindBuffer(GL_ARRAY_BUFFER, quad_.get());
   glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, sizeof(LabelVertex),
-                        bufferOffset(offsetof(LabelVertex, anchor)));
+                        buffer_offset(offsetof(LabelVertex, anchor)));
   glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, sizeof(LabelVertex),
-                        bufferOffset(offsetof(LabelVertex, corner)));
+                        buffer_offset(offsetof(LabelVertex, corner)));
   glEnableVertexAttribArray(0);
   glEnableVertexAttribArray(1);
   glBindVertexArray(0);
@@ -75,7 +76,7 @@ const FontRenderer::CachedText& FontRenderer::label(const std::string& text) {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
-    gl::resetPixelUnpack();
+    gl::reset_pixel_unpack();
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, picture.width, picture.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
                  picture.pixels.data());
     glBindTexture(GL_TEXTURE_2D, 0);
@@ -95,8 +96,8 @@ void FontRenderer::draw(const Label& label, const glm::vec3& color, const LabelV
   glUniform2f(uniforms_.viewport, view.viewport.x, view.viewport.y);
   glUniform2f(uniforms_.textureSize, static_cast<float>(cached.size.x), static_cast<float>(cached.size.y));
   glUniform2f(uniforms_.offset, label.offset.x, label.offset.y);
-  glUniform1i(uniforms_.textTexture, 0);
-  glUniform3f(uniforms_.textColor, color.r, color.g, color.b);
+  glUniform1i(uniforms_.text_texture, 0);
+  glUniform3f(uniforms_.text_color, color.r, color.g, color.b);
 
   const gl::Blending blending;
   std::array<LabelVertex, corners.size()> vertices;
@@ -104,7 +105,7 @@ void FontRenderer::draw(const Label& label, const glm::vec3& color, const LabelV
   glBindBuffer(GL_ARRAY_BUFFER, quad_.get());
   glBufferData(GL_ARRAY_BUFFER, sizeof vertices, vertices.data(), GL_STREAM_DRAW);
   glBindBuffer(GL_ARRAY_BUFFER, 0);
-  glBindVertexArray(vertexArray_.get());
+  glBindVertexArray(vertex_array_.get());
   glDrawArrays(GL_TRIANGLE_STRIP, 0, static_cast<GLsizei>(vertices.size()));
   glBindVertexArray(0);
   glBindTexture(GL_TEXTURE_2D, 0);

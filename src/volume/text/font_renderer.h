@@ -1,11 +1,12 @@
 // Text labels of the volume scene: quads that face the screen and keep their size in pixels.
 #pragma once
 
+#include <map>
+#include <string>
+
 #include <glm/mat4x4.hpp>
 #include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
-#include <map>
-#include <string>
 
 #include "gl/gl_names.h"
 #include "gl/shader.h"
@@ -29,8 +30,8 @@ struct Label {
 // One font; lives in the context that was current when it was made. Every distinct text is rasterised once.
 class FontRenderer {
  public:
-  // Height of a line in pixels; emphasis: bold and italic. Throws std::runtime_error, also when there is no
-  // font.
+  // Height of a line in pixels; emphasis: bold and italic. Throws
+  // std::runtime_error, also when there is no font.
   FontRenderer(int height, bool emphasis);
   ~FontRenderer();
   FontRenderer(const FontRenderer&) = delete;
@@ -50,16 +51,16 @@ class FontRenderer {
   };
 
   const CachedText& label(const std::string& text);
-  void createQuad();
+  void create_quad();
 
   TextRasteriser rasteriser_;
   std::map<std::string, CachedText> texts_;
   gl::Shader program_;
   struct Uniforms {
-    GLint projection, modelview, viewport, textureSize, offset, textTexture, textColor;
+    GLint projection, modelview, viewport, textureSize, offset, text_texture, text_color;
   } uniforms_{};
   gl::Buffer quad_;
-  gl::VertexArray vertexArray_;
+  gl::VertexArray vertex_array_;
 };
 
 }  // namespace oct

@@ -1,10 +1,10 @@
-#include <fontconfig/fontconfig.h>
-#include <ft2build.h>
-
 #include <algorithm>
 #include <stdexcept>
 #include <type_traits>
 #include <utility>
+
+#include <fontconfig/fontconfig.h>
+#include <ft2build.h>
 
 #include FT_FREETYPE_H
 #include FT_SYNTHESIS_H
@@ -26,20 +26,20 @@ using Pattern = std::unique_ptr<FcPattern, Releaser<FcPatternDestroy>>;
 using Library = std::unique_ptr<std::remove_pointer_t<FT_Library>, Releaser<FT_Done_FreeType>>;
 using Face = std::unique_ptr<std::remove_pointer_t<FT_Face>, Releaser<FT_Done_Face>>;
 
-constexpr int fixedPixel = 64;  // FreeType counts in 1/64 of a pixel
+constexpr int fixed_pixel = 64;  // FreeType counts in 1/64 of a pixel
 
-int pixelsUp(FT_Pos length) {
-  return static_cast<int>((length + fixedPixel - 1) / fixedPixel);
+int pixels_up(FT_Pos length) {
+  return static_cast<int>((length + fixed_pixel - 1) / fixed_pixel);
 }
 int pixels(FT_Pos length) {
-  return static_cast<int>((length + fixedPixel / 2) / fixedPixel);
+  return static_cast<int>((length + fixed_pixel / 2) / fixed_pixel);
 }
 
 const FcChar8* chars(const char* text) {
   return reinterpret_cast<const FcChar8*>(text);
 }
 
-Pattern matchFont(bool emphasis) {
+Pattern match_font(bool emphasis) {
   const Pattern wanted(FcPatternCreate());
   FcPatternAddString(wanted.get(), FC_FAMILY, chars("Segoe UI"));
   FcPatternAddString(wanted.get(), FC_FAMILY, chars("sans-serif"));
@@ -67,14 +67,14 @@ struct TextRasteriser::Native {
   int descent = 0;
 
   Native(int height, bool emphasis) {
-    FT_Library newLibrary = nullptr;
-    if (FT_Init_FreeType(&newLibrary) != 0) throw std::runtime_error("FreeType could not be initialized. ");
-    library.reset(newLibrary);
-    openFace(matchFont(emphasis).get());
-    setHeight(height);
+    FT_Library new_library = nullptr;
+    if (FT_Init_FreeType(&new_library) != 0) throw std::runtime_error("FreeType could not be initialized. ");
+    library.reset(new_library);
+    open_face(match_font(emphasis).get());
+    set_height(height);
   }
 
-  void openFace(const FcPattern* font) {
+  void open_face(const FcPattern* font) {
     FcChar8* file = nullptr;
     if (!font || FcPatternGetString(font, FC_FILE, 0, &file) != FcResultMatch) {
       throw std::runtime_error("No font was found for text labels. ");
@@ -82,11 +82,11 @@ struct TextRasteriser::Native {
     const std::string name(reinterpret_cast<const char*>(file));
     int index = 0;
     FcPatternGetInteger(font, FC_INDEX, 0, &index);
-    FT_Face newFace = nullptr;
-    if (FT_New_Face(library.get(), name.c_str(), index, &newFace) != 0) {
+    FT_Face new_face = nullptr;
+    if (FT_New_Face(library.get(), name.c_str(), index, &new_face) != 0) {
       throw std::runtime_error("The font file could not be opened: " + name);
     }
-    face.reset(newFace);
+    face.reset(new_face);
 
     // A family without a bold or an italic face is made to look so.
     FcBool bold = FcFalse;
@@ -100,10 +100,10 @@ struct TextRasteriser::Native {
   }
 
   // The cell, from the deepest descender to the highest ascender, is as high as asked for.
-  void setHeight(int height) {
-    FT_Size_RequestRec request{FT_SIZE_REQUEST_TYPE_REAL_DIM, 0, height * fixedPixel, 0, 0};
+  void set_height(int height) {
+    FT_Size_RequestRec request{FT_SIZE_REQUEST_TYPE_REAL_DIM, 0, height * fixed_pixel, 0, 0};
     if (FT_Request_Size(face.get(), &request) != 0) throw std::runtime_error("The font has no such size. ");
-    ascent = pixelsUp(face->size->metrics.ascender);
+    ascent = pixels_up(face->size->metrics.ascender);
     ascent = std::min(ascent, height);
     descent = height - ascent;
   }
@@ -122,8 +122,8 @@ struct TextRasteriser::Native {
     return slot;
   }
 
-  // Calls use(slot, pen) for every character, the pen in pixels from the text's origin, and returns the pen's
-  // end.
+  // Calls use(slot, pen) for every character, the pen in pixels from the text's
+  // origin, and returns the pen's end.
   template <class Use>
   int walk(const std::string& text, Use&& use) const {
     FT_Pos pen = 0;

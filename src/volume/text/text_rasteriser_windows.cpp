@@ -1,21 +1,22 @@
-#include <windows.h>
+#include "volume/text/text_rasteriser.h"
 
 #include <cstring>
 #include <stdexcept>
 
+#include <windows.h>
+
 #include "core/platform.h"
-#include "volume/text/text_rasteriser.h"
 
 namespace oct {
 namespace {
 
-constexpr UINT format =
-    DT_LEFT | DT_TOP | DT_SINGLELINE | DT_NOPREFIX;  // an ampersand is a character like any other
-constexpr COLORREF glyphColor = 0x00FFFFFF;
-constexpr COLORREF backgroundColor = 0x00000000;
+// An ampersand is a character like any other.
+constexpr UINT format = DT_LEFT | DT_TOP | DT_SINGLELINE | DT_NOPREFIX;
+constexpr COLORREF glyph_color = 0x00FFFFFF;
+constexpr COLORREF background_color = 0x00000000;
 
 [[noreturn]] void fail(const std::string& what) {
-  throw std::runtime_error(what + systemErrorText());
+  throw std::runtime_error(what + system_error_text());
 }
 
 // The device context of the active window, or of the screen when the thread has none.
@@ -78,14 +79,14 @@ class Selection {
   HGDIOBJ former_;
 };
 
-HFONT createFont(int height, bool emphasis) {
+HFONT create_font(int height, bool emphasis) {
   const WindowDeviceContext window;
   return CreateFontA(height, 0, 0, 0, emphasis ? FW_BOLD : FW_NORMAL, emphasis ? TRUE : FALSE, FALSE, FALSE,
                      ANSI_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY,
                      DEFAULT_PITCH | FF_DONTCARE, "Segoe UI");
 }
 
-BITMAPINFO bitmapOf(int width, int height) {
+BITMAPINFO bitmap_of(int width, int height) {
   BITMAPINFO info{};
   info.bmiHeader.biSize = sizeof info.bmiHeader;
   info.bmiHeader.biWidth = width;
@@ -99,7 +100,7 @@ BITMAPINFO bitmapOf(int width, int height) {
 }  // namespace
 
 struct TextRasteriser::Native {
-  Native(int height, bool emphasis) : font(createFont(height, emphasis)) {
+  Native(int height, bool emphasis) : font(create_font(height, emphasis)) {
     if (!font.get()) fail("Could not create a font: ");
     const WindowDeviceContext window;
     const MemoryDeviceContext memory(window);
@@ -129,13 +130,13 @@ TextPicture TextRasteriser::rasterise(const std::string& text) {
   const MemoryDeviceContext memory(window);
   const Selection font(memory.get(), native_->font.get());
   RECT area = Native::measure(memory, text);
-  const BITMAPINFO info = bitmapOf(area.right, area.bottom);
+  const BITMAPINFO info = bitmap_of(area.right, area.bottom);
   void* pixels = nullptr;
   const GdiObject bitmap(CreateDIBSection(memory.get(), &info, DIB_RGB_COLORS, &pixels, nullptr, 0));
   if (!bitmap.get()) fail("Could not create a bitmap for text: ");
   const Selection target(memory.get(), bitmap.get());
-  SetTextColor(memory.get(), glyphColor);
-  SetBkColor(memory.get(), backgroundColor);
+  SetTextColor(memory.get(), glyph_color);
+  SetBkColor(memory.get(), background_color);
   SetBkMode(memory.get(), OPAQUE);
   DrawTextA(memory.get(), text.c_str(), static_cast<int>(text.size()), &area, format);
   GdiFlush();  // drawing may be queued, and the pixels are read behind GDI's back

@@ -9,14 +9,14 @@ namespace {
 
 using Color = std::array<double, 4>;  // red, green, blue, alpha from 0 to 1
 
-double sampleClamped(const Image& image, int z, int x) {
-  return image.at(std::clamp(z, 0, image.depth - 1), std::clamp(x, 0, image.aScans - 1));
+double sample_clamped(const Image& image, int z, int x) {
+  return image.at(std::clamp(z, 0, image.depth - 1), std::clamp(x, 0, image.a_scans - 1));
 }
 
 template <class Function>
 Image mapped(const Image& image, Function&& value) {
-  Image result{image.depth, image.aScans, std::vector<float>(image.samples.size())};
-  for (int x = 0; x < image.aScans; ++x) {
+  Image result{image.depth, image.a_scans, std::vector<float>(image.samples.size())};
+  for (int x = 0; x < image.a_scans; ++x) {
     for (int z = 0; z < image.depth; ++z) {
       result.samples[static_cast<std::size_t>(x) * static_cast<std::size_t>(image.depth) +
                      static_cast<std::size_t>(z)] = static_cast<float>(value(z, x));
@@ -27,10 +27,11 @@ Image mapped(const Image& image, Function&& value) {
 
 Image blurred(const Image& image) {
   constexpr double kernel[] = {0.1, 0.2, 0.4, 0.2, 0.1};
-  const auto along = [&](const Image& input, int stepZ, int stepX) {
+  const auto along = [&](const Image& input, int step_z, int step_x) {
     return mapped(input, [&](int z, int x) {
       double sum = 0.0;
-      for (int i = -2; i <= 2; ++i) sum += sampleClamped(input, z + i * stepZ, x + i * stepX) * kernel[i + 2];
+      for (int i = -2; i <= 2; ++i)
+        sum += sample_clamped(input, z + i * step_z, x + i * step_x) * kernel[i + 2];
       return sum;
     });
   };
@@ -41,13 +42,13 @@ Image peppered(const Image& image) {
   return mapped(image, [&](int z, int x) {
     double sum = 0.0;
     for (int i = -1; i <= 1; ++i) {
-      for (int j = -1; j <= 1; ++j) sum += sampleClamped(image, z + i, x + j);
+      for (int j = -1; j <= 1; ++j) sum += sample_clamped(image, z + i, x + j);
     }
     return std::max(sum / 9.0, static_cast<double>(image.at(z, x)));
   });
 }
 
-Color colorOf(const std::vector<std::uint32_t>& colormap, double value) {
+Color color_of(const std::vector<std::uint32_t>& colormap, double value) {
   const double position = std::clamp(value, 0.0, 1.0) * static_cast<double>(colormap.size() - 1);
   const auto below = static_cast<std::size_t>(position);
   const std::size_t above = std::min(below + 1, colormap.size() - 1);
@@ -66,21 +67,21 @@ std::uint8_t quantised(double channel) {
 }
 
 // Index of the sample below the centre of a pixel: floor((pixel + 1/2) / pixels * samples).
-int sampleBelow(int pixel, int pixels, int samples) {
+int sample_below(int pixel, int pixels, int samples) {
   return static_cast<int>((2LL * pixel + 1) * samples / (2LL * pixels));
 }
 
-int samplesPerPixel(int samples, int pixels) {
+int samples_per_pixel(int samples, int pixels) {
   return std::max(1, static_cast<int>(static_cast<float>(samples) / static_cast<float>(pixels)));
 }
 
 }  // namespace
 
-Image testImage(int depth, int aScans, unsigned seed) {
+Image test_image(int depth, int a_scans, unsigned seed) {
   std::mt19937 generator(seed);
   std::uniform_real_distribution<double> noise(-0.15, 0.15);
-  Image empty{depth, aScans,
-              std::vector<float>(static_cast<std::size_t>(depth) * static_cast<std::size_t>(aScans))};
+  Image empty{depth, a_scans,
+              std::vector<float>(static_cast<std::size_t>(depth) * static_cast<std::size_t>(a_scans))};
   return mapped(empty, [&](int z, int x) {
     const double slope = 1.2 * z / depth - 0.1;
     const double waves = 0.25 * std::sin(x * 0.11) * std::cos(z * 0.07);
@@ -89,36 +90,36 @@ Image testImage(int depth, int aScans, unsigned seed) {
   });
 }
 
-Picture referencePicture(const Scene& scene) {
+Picture reference_picture(const Scene& scene) {
   Image image = scene.image;
-  if (scene.firstBlur) image = blurred(image);
+  if (scene.first_blur) image = blurred(image);
   if (scene.pepper) image = peppered(image);
-  if (scene.secondBlur) image = blurred(image);
+  if (scene.second_blur) image = blurred(image);
 
-  const int boxDepth = samplesPerPixel(image.depth, scene.height);
-  const int boxAScans = samplesPerPixel(image.aScans, scene.width);
+  const int box_depth = samples_per_pixel(image.depth, scene.height);
+  const int box_a_scans = samples_per_pixel(image.a_scans, scene.width);
   Picture picture(scene.width, scene.height);
   for (int row = 0; row < scene.height; ++row) {
     const int down = scene.flip ? row : scene.height - 1 - row;  // pixels along the depth axis
-    const int z = sampleBelow(down, scene.height, image.depth);
+    const int z = sample_below(down, scene.height, image.depth);
     for (int column = 0; column < scene.width; ++column) {
-      const int x = sampleBelow(column, scene.width, image.aScans);
+      const int x = sample_below(column, scene.width, image.a_scans);
       double sum = 0.0;
-      for (int i = 0; i < boxAScans; ++i) {
-        for (int j = 0; j < boxDepth; ++j) sum += sampleClamped(image, z + j, x + i);
+      for (int i = 0; i < box_a_scans; ++i) {
+        for (int j = 0; j < box_depth; ++j) sum += sample_clamped(image, z + j, x + i);
       }
-      const double value = sum / (boxAScans * boxDepth);
-      const Color base = colorOf(scene.colormap, (value - scene.lower) / (scene.upper - scene.lower));
+      const double value = sum / (box_a_scans * box_depth);
+      const Color base = color_of(scene.colormap, (value - scene.lower) / (scene.upper - scene.lower));
       std::array<std::uint8_t, 4> drawn{};
       for (unsigned c = 0; c < 4; ++c) drawn[c] = quantised(base[c]);
 
       for (const Overlay& overlay : scene.overlays) {
         if (!(image.at(z, x) >= static_cast<float>(scene.threshold))) continue;
         const double over =
-            scene.overlayImage.at(sampleBelow(down, scene.height, scene.overlayImage.depth),
-                                  sampleBelow(column, scene.width, scene.overlayImage.aScans));
+            scene.overlay_image.at(sample_below(down, scene.height, scene.overlay_image.depth),
+                                   sample_below(column, scene.width, scene.overlay_image.a_scans));
         const Color color =
-            colorOf(overlay.colormap, (over - overlay.lower) / (overlay.upper - overlay.lower));
+            color_of(overlay.colormap, (over - overlay.lower) / (overlay.upper - overlay.lower));
         for (unsigned c = 0; c < 4; ++c) {
           drawn[c] = quantised(color[c] * color[3] + drawn[c] / 255.0 * (1.0 - color[3]));
         }
@@ -134,14 +135,14 @@ Picture referencePicture(const Scene& scene) {
 }
 
 void apply(const Scene& scene, DisplayRenderingHandle renderer) {
-  setDisplayData(renderer, scene.image.depth, scene.image.aScans, scene.image.samples.data());
+  setDisplayData(renderer, scene.image.depth, scene.image.a_scans, scene.image.samples.data());
   setDisplayColormap(renderer, scene.colormap.data(), static_cast<int>(scene.colormap.size()));
   setDisplayColoringBoundaries(renderer, scene.lower, scene.upper);
   setDisplayFlip(renderer, scene.flip);
-  setDisplayBlur(renderer, scene.firstBlur, scene.secondBlur);
+  setDisplayBlur(renderer, scene.first_blur, scene.second_blur);
   setDisplayPepperFilter(renderer, scene.pepper);
-  setDisplayOverlayData(renderer, scene.overlayImage.depth, scene.overlayImage.aScans,
-                        scene.overlayImage.samples.data());
+  setDisplayOverlayData(renderer, scene.overlay_image.depth, scene.overlay_image.a_scans,
+                        scene.overlay_image.samples.data());
   setDisplayOveralyThreshold(renderer, scene.threshold);
   for (std::size_t i = 0; i < scene.overlays.size(); ++i) {
     const Overlay& overlay = scene.overlays[i];

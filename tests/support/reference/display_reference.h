@@ -13,7 +13,7 @@ namespace oct::test {
 // Depth is fastest in memory.
 struct Image {
   int depth = 0;
-  int aScans = 0;
+  int a_scans = 0;
   std::vector<float> samples;
 
   float at(int z, int x) const {
@@ -36,18 +36,18 @@ struct Scene {
   double lower = 0.0;
   double upper = 1.0;
   bool flip = false;
-  bool firstBlur = false;
+  bool first_blur = false;
   bool pepper = false;
-  bool secondBlur = false;
-  Image overlayImage;
+  bool second_blur = false;
+  Image overlay_image;
   double threshold = 0.0;
   std::vector<Overlay> overlays;
 };
 
 // A picture with gradients, noise, dark specks and values outside the boundaries 0 and 1.
-Image testImage(int depth, int aScans, unsigned seed = 1);
+Image test_image(int depth, int a_scans, unsigned seed = 1);
 
-Picture referencePicture(const Scene& scene);
+Picture reference_picture(const Scene& scene);
 
 // Gives a renderer all settings of the scene through the exports.
 void apply(const Scene& scene, DisplayRenderingHandle renderer);

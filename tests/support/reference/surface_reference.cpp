@@ -5,32 +5,32 @@
 namespace oct::test {
 
 ReferenceSurface::ReferenceSurface(const VolumeScene& scene, const ReferenceCamera& camera)
-    : colors_(scene.surfaceColoring.colors) {
+    : colors_(scene.surface_coloring.colors) {
   const HeightMap& map = scene.surface;
-  const int lastColumn = map.width - 1;
-  const int lastRow = map.height - 1;
+  const int last_column = map.width - 1;
+  const int last_row = map.height - 1;
   const auto index = [&](int column, int row) { return static_cast<std::size_t>(row * map.width + column); };
-  const auto onBox = [&](double depth) { return 2.0 * depth / map.scale - 1.0; };
-  const auto depth = [&](int column, int row) { return onBox(map.values[index(column, row)]); };
+  const auto on_box = [&](double depth) { return 2.0 * depth / map.scale - 1.0; };
+  const auto depth = [&](int column, int row) { return on_box(map.values[index(column, row)]); };
   const auto slope = [&](int column, int row, int dx, int dy) {
-    const int c0 = std::max(column - dx, 0), c1 = std::min(column + dx, lastColumn);
-    const int r0 = std::max(row - dy, 0), r1 = std::min(row + dy, lastRow);
-    return (depth(c1, r1) - depth(c0, r0)) / (2.0 * (c1 - c0) / lastColumn + 2.0 * (r1 - r0) / lastRow);
+    const int c0 = std::max(column - dx, 0), c1 = std::min(column + dx, last_column);
+    const int r0 = std::max(row - dy, 0), r1 = std::min(row + dy, last_row);
+    return (depth(c1, r1) - depth(c0, r0)) / (2.0 * (c1 - c0) / last_column + 2.0 * (r1 - r0) / last_row);
   };
-  const double low = onBox(scene.surfaceColoring.lower);
-  const double high = onBox(scene.surfaceColoring.upper);
+  const double low = on_box(scene.surface_coloring.lower);
+  const double high = on_box(scene.surface_coloring.upper);
   for (int row = 0; row < map.height; ++row) {
     for (int column = 0; column < map.width; ++column) {
       const double y = depth(column, row);
-      const glm::dvec3 model(2.0 * column / lastColumn - 1.0, y, 2.0 * row / lastRow - 1.0);
+      const glm::dvec3 model(2.0 * column / last_column - 1.0, y, 2.0 * row / last_row - 1.0);
       const glm::dvec3 normal(-slope(column, row, 1, 0), 1.0, -slope(column, row, 0, 1));
-      vertices_.push_back({camera.toEye(model),
+      vertices_.push_back({camera.to_eye(model),
                            glm::normalize(glm::transpose(glm::inverse(camera.linear())) * normal),
                            glm::clamp(((y - low) / (high - low) + 1.0) / 2.0, 0.0, 1.0)});
     }
   }
-  for (int row = 0; row < lastRow; ++row) {
-    for (int column = 0; column < lastColumn; ++column) {
+  for (int row = 0; row < last_row; ++row) {
+    for (int column = 0; column < last_column; ++column) {
       const auto a = index(column, row), b = a + 1, c = index(column, row + 1), d = c + 1;
       const auto step = [&](std::size_t from, std::size_t to) {
         return std::abs(map.values[from] - map.values[to]);
@@ -73,7 +73,7 @@ glm::dvec3 ReferenceSurface::shaded(const Triangle& triangle, const glm::dvec3& 
     n += weights[i] * corner.normal;
     depth += weights[i] * corner.depth;
   }
-  const glm::dvec3 base(mappedColor(colors_, 1.0 - depth));
+  const glm::dvec3 base(mapped_color(colors_, 1.0 - depth));
   const double diffuse = std::max(glm::dot(s, front ? -n : n), 0.0);
   const double specular = diffuse > 0.0 ? 0.9 * std::pow(std::max(glm::dot(r, v), 0.0), 3.0) : 0.0;
   return 0.25 * base + 0.55 * base * diffuse + specular;

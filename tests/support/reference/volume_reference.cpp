@@ -11,10 +11,10 @@ namespace oct::test {
 namespace {
 
 // What lies around the voxels: the outermost ones go on, zeros, or the first axis begins anew.
-enum class Surroundings { edge, zeros, firstAxisRepeats };
+enum class Surroundings { edge, zeros, first_axis_repeats };
 
 // Linear between voxels at a place in texture coordinates.
-double voxelAt(const Volume& volume, const glm::dvec3& texture, Surroundings surroundings) {
+double voxel_at(const Volume& volume, const glm::dvec3& texture, Surroundings surroundings) {
   const glm::ivec3 size(volume.width, volume.height, volume.depth);
   const glm::dvec3 position = texture * glm::dvec3(size) - 0.5;
   const glm::dvec3 below = glm::floor(position);
@@ -23,7 +23,7 @@ double voxelAt(const Volume& volume, const glm::dvec3& texture, Surroundings sur
   for (int corner = 0; corner < 8; ++corner) {
     const glm::ivec3 step(corner & 1, corner >> 1 & 1, corner >> 2);
     glm::ivec3 index = glm::ivec3(below) + step;
-    if (surroundings == Surroundings::firstAxisRepeats) index.x = (index.x % size.x + size.x) % size.x;
+    if (surroundings == Surroundings::first_axis_repeats) index.x = (index.x % size.x + size.x) % size.x;
     const glm::ivec3 inside = glm::clamp(index, glm::ivec3(0), size - 1);
     if (surroundings == Surroundings::zeros && inside != index) continue;
     index = inside;
@@ -38,7 +38,7 @@ double normalised(const Coloring& coloring, double value) {
 }
 
 glm::dvec4 mapped(const Coloring& coloring, double value) {
-  return mappedColor(coloring.colors, normalised(coloring, value));
+  return mapped_color(coloring.colors, normalised(coloring, value));
 }
 
 // One ray in texture space.
@@ -48,14 +48,14 @@ class Ray {
   Ray(const VolumeScene& scene, const glm::dvec3& from, const glm::dvec3& to)
       : scene_(scene),
         volume_(scene.content == 1 ? scene.overlay : scene.volume),
-        coloring_(scene.content == 1 ? scene.overlayColoring : scene.coloring) {
+        coloring_(scene.content == 1 ? scene.overlay_coloring : scene.coloring) {
     const glm::dvec3 way = 0.5 * (to - from);
     const glm::dvec3 step = way * (1.0 / glm::length(way) * 1.7320508 / scene.slices);
     const glm::dvec3 front = 0.5 * from + 0.5;
     glm::dvec3 place = front;
-    for (int i = 0; i <= scene.slices && !reachesEnd_; ++i) {
+    for (int i = 0; i <= scene.slices && !reaches_end_; ++i) {
       places_.push_back(place);
-      reachesEnd_ = glm::length(place - front) >= glm::length(way);
+      reaches_end_ = glm::length(place - front) >= glm::length(way);
       place = place + step;
     }
   }
@@ -63,13 +63,13 @@ class Ray {
   glm::dvec4 color() const {
     if (scene_.mode == 1) return mapped(coloring_, maximum());
     if (scene_.mode == 2) return mapped(coloring_, mean());
-    return scene_.content == 2 && scene_.mode == 0 ? compositeWithOverlay() : composite();
+    return scene_.content == 2 && scene_.mode == 0 ? composite_with_overlay() : composite();
   }
 
  private:
   double value(const Volume& volume, const glm::dvec3& place) const {
-    return voxelAt(volume, {place.y, place.x, place.z},
-                   scene_.border ? Surroundings::zeros : Surroundings::edge);
+    return voxel_at(volume, {place.y, place.x, place.z},
+                    scene_.border ? Surroundings::zeros : Surroundings::edge);
   }
 
   void add(glm::dvec4& total, const glm::dvec3& place) const {
@@ -84,12 +84,12 @@ class Ray {
   }
 
   void modulate(glm::dvec4& color, const glm::dvec3& place) const {
-    const Coloring& coloring = scene_.secondaryColoring;
-    const double slice = (scene_.secondaryIndex + 0.5) / scene_.secondary.width;
+    const Coloring& coloring = scene_.secondary_coloring;
+    const double slice = (scene_.secondary_index + 0.5) / scene_.secondary.width;
     const double secondary =
-        voxelAt(scene_.secondary, {slice, place.x, place.z}, Surroundings::firstAxisRepeats);
+        voxel_at(scene_.secondary, {slice, place.x, place.z}, Surroundings::first_axis_repeats);
     const double surface = std::clamp(normalised(coloring, secondary), 0.0, 1.0);
-    color *= glm::dvec4((1.0 + surface) * glm::dvec3(mappedColor(coloring.colors, surface)), 1.0);
+    color *= glm::dvec4((1.0 + surface) * glm::dvec3(mapped_color(coloring.colors, surface)), 1.0);
   }
 
   glm::dvec4 composite() const {
@@ -101,14 +101,14 @@ class Ray {
     return total;
   }
 
-  glm::dvec4 compositeWithOverlay() const {
+  glm::dvec4 composite_with_overlay() const {
     glm::dvec4 total(0.0);
     double overlay = -1e6;
     for (const glm::dvec3& place : places_) {
       if (!(total.a > 0.99)) add(total, place);
-      overlay = std::max(overlay, normalised(scene_.overlayColoring, value(scene_.overlay, place)));
+      overlay = std::max(overlay, normalised(scene_.overlay_coloring, value(scene_.overlay, place)));
     }
-    const glm::dvec4 over(glm::dvec3(mappedColor(scene_.overlayColoring.colors, overlay)), overlay);
+    const glm::dvec4 over(glm::dvec3(mapped_color(scene_.overlay_coloring.colors, overlay)), overlay);
     return glm::mix(total, over, overlay);
   }
 
@@ -126,7 +126,7 @@ class Ray {
     const auto count = std::min(places_.size(), static_cast<std::size_t>(scene_.slices));
     double sum = value(volume_, places_.front());
     for (std::size_t i = 0; i < count; ++i) sum += value(volume_, places_[i]);
-    const bool ended = reachesEnd_ && count == places_.size();
+    const bool ended = reaches_end_ && count == places_.size();
     return sum / static_cast<double>(ended ? count - 1 : count);
   }
 
@@ -134,12 +134,12 @@ class Ray {
   const Volume& volume_;
   const Coloring& coloring_;
   std::vector<glm::dvec3> places_;  // where it takes samples
-  bool reachesEnd_ = false;
+  bool reaches_end_ = false;
 };
 
 using Segment = std::pair<glm::dvec3, glm::dvec3>;  // model coordinates
 
-std::vector<Segment> boxEdges() {
+std::vector<Segment> box_edges() {
   const auto corner = [](int i) { return glm::dvec3(i & 1 ? 1 : -1, i & 2 ? 1 : -1, i & 4 ? 1 : -1); };
   std::vector<Segment> edges;
   for (int i = 0; i < 8; ++i) {
@@ -163,70 +163,70 @@ struct Plane {
   double meets(const Line& line) const { return -above(line.origin) / glm::dot(normal, line.direction); }
 };
 
-std::optional<Plane> clipPlane(const VolumeScene& scene) {
+std::optional<Plane> clip_plane(const VolumeScene& scene) {
   if (!scene.clip || scene.sectional) return {};
-  const double ax = glm::radians(scene.clipFixed ? scene.fixedAngleX : scene.angleX);
-  const double ay = glm::radians(scene.clipFixed ? scene.fixedAngleY : scene.angleY);
+  const double ax = glm::radians(scene.clip_fixed ? scene.fixed_angle_x : scene.angle_x);
+  const double ay = glm::radians(scene.clip_fixed ? scene.fixed_angle_y : scene.angle_y);
   const glm::dvec3 n(std::sin(ay) * std::cos(ax), std::sin(ax), -std::cos(ay) * std::cos(ax));
   const double corner = std::abs(n.x) + std::abs(n.y) + std::abs(n.z);
-  return Plane{n, (2.0 * scene.clipValue - 1.0) * 0.99 * corner};
+  return Plane{n, (2.0 * scene.clip_value - 1.0) * 0.99 * corner};
 }
 
-double filledEnd(const VolumeScene& scene) {
-  if (scene.slicesUploaded < 0 || scene.slicesUploaded == scene.volume.depth) return 1.0;
+double filled_end(const VolumeScene& scene) {
+  if (scene.slices_uploaded < 0 || scene.slices_uploaded == scene.volume.depth) return 1.0;
   const double n = scene.volume.depth;
-  return 2.0 * scene.slicesUploaded / n - 1.0 - 1.0 / n;
+  return 2.0 * scene.slices_uploaded / n - 1.0 - 1.0 / n;
 }
 
 class Layers {
  public:
   explicit Layers(const VolumeScene& scene)
-      : scene_(scene), camera_(scene), surface_(scene, camera_), plane_(clipPlane(scene)) {}
+      : scene_(scene), camera_(scene), surface_(scene, camera_), plane_(clip_plane(scene)) {}
 
   // What is seen in a pixel, the farthest first, with its opacity.
   std::vector<glm::dvec4> at(int column, int row) const {
-    const Line line = camera_.modelLine(column, row);
+    const Line line = camera_.model_line(column, row);
     std::vector<glm::dvec4> found;
     const bool glass = scene_.box && passage(line, 1.0);
-    if (glass) addPane(found, farPane);
-    if (scene_.volumeShown && scene_.sectional) {
-      addSlices(found, line);
-    } else if (scene_.volumeShown) {
-      const bool ghostInFront = plane_ && plane_->above(line.origin) < 0.0;
-      if (!ghostInFront) addGhost(found, line);
-      addRay(found, line);
-      if (ghostInFront) addGhost(found, line);
+    if (glass) add_pane(found, far_pane);
+    if (scene_.volume_shown && scene_.sectional) {
+      add_slices(found, line);
+    } else if (scene_.volume_shown) {
+      const bool ghost_in_front = plane_ && plane_->above(line.origin) < 0.0;
+      if (!ghost_in_front) add_ghost(found, line);
+      add_ray(found, line);
+      if (ghost_in_front) add_ghost(found, line);
     }
     if (const auto color = surface_.color(camera_.line(column, row))) found.emplace_back(*color, 1.0);
-    if (glass) addPane(found, nearPane);
+    if (glass) add_pane(found, near_pane);
     return found;
   }
 
   std::vector<std::pair<glm::dvec2, glm::dvec2>> lines() const {
-    std::vector<Segment> segments = scene_.edges ? boxEdges() : std::vector<Segment>{};
-    if (plane_) addRim(segments);
+    std::vector<Segment> segments = scene_.edges ? box_edges() : std::vector<Segment>{};
+    if (plane_) add_rim(segments);
     for (std::size_t axis = 0; axis < 3 && scene_.sectional; ++axis) {
       const Slice& slice = scene_.sections[axis];
-      for (auto [from, to] : boxEdges()) {
+      for (auto [from, to] : box_edges()) {
         const int i = static_cast<int>(axis);
         if (!slice.shown || from[i] > 0.0 || to[i] > 0.0) continue;
         from[i] = to[i] = 2.0 * slice.position - 1.0;
         segments.emplace_back(from, to);
       }
     }
-    std::vector<std::pair<glm::dvec2, glm::dvec2>> onScreen;
+    std::vector<std::pair<glm::dvec2, glm::dvec2>> on_screen;
     for (const auto& [from, to] : segments)
-      onScreen.emplace_back(camera_.toWindow(from), camera_.toWindow(to));
-    return onScreen;
+      on_screen.emplace_back(camera_.to_window(from), camera_.to_window(to));
+    return on_screen;
   }
 
  private:
-  static constexpr double farPane = 0.1;
-  static constexpr double nearPane = 0.03;
-  static constexpr double ghostPane = 0.1;
+  static constexpr double far_pane = 0.1;
+  static constexpr double near_pane = 0.03;
+  static constexpr double ghost_pane = 0.1;
 
-  void addPane(std::vector<glm::dvec4>& found, double opacity) const {
-    found.emplace_back(opaqueColor(scene_.foreground), opacity);
+  void add_pane(std::vector<glm::dvec4>& found, double opacity) const {
+    found.emplace_back(opaque_color(scene_.foreground), opacity);
   }
 
   // Where a line enters and leaves the box as far as it is filled.
@@ -240,32 +240,32 @@ class Layers {
     return {};
   }
 
-  void addRay(std::vector<glm::dvec4>& found, const Line& line) const {
-    const auto passes = passage(line, filledEnd(scene_));
+  void add_ray(std::vector<glm::dvec4>& found, const Line& line) const {
+    const auto passes = passage(line, filled_end(scene_));
     if (!passes) return;
     auto [enter, leave] = std::pair(passes->x, passes->y);
     if (plane_) {
-      const bool entersKept = plane_->above(line.at(enter)) >= 0.0;
-      const bool leavesKept = plane_->above(line.at(leave)) >= 0.0;
-      if (!entersKept && (!leavesKept || scene_.clipOpen)) return;
-      if (!entersKept) enter = plane_->meets(line);
-      if (!leavesKept) leave = plane_->meets(line);
+      const bool enters_kept = plane_->above(line.at(enter)) >= 0.0;
+      const bool leaves_kept = plane_->above(line.at(leave)) >= 0.0;
+      if (!enters_kept && (!leaves_kept || scene_.clip_open)) return;
+      if (!enters_kept) enter = plane_->meets(line);
+      if (!leaves_kept) leave = plane_->meets(line);
     }
     found.push_back(Ray(scene_, line.at(enter), line.at(leave)).color());
   }
 
   // The faces of what the plane cuts off.
-  void addGhost(std::vector<glm::dvec4>& found, const Line& line) const {
-    if (!plane_ || !scene_.removedSegment) return;
+  void add_ghost(std::vector<glm::dvec4>& found, const Line& line) const {
+    if (!plane_ || !scene_.removed_segment) return;
     for (int axis = 0; axis < 3; ++axis) {
       for (const double side : {-1.0, 1.0}) {
         const glm::dvec3 point = line.at((side - line.origin[axis]) / line.direction[axis]);
-        if (reach(point, axis) < 1.0 && plane_->above(point) < 0.0) addPane(found, ghostPane);
+        if (reach(point, axis) < 1.0 && plane_->above(point) < 0.0) add_pane(found, ghost_pane);
       }
     }
   }
 
-  void addSlices(std::vector<glm::dvec4>& found, const Line& line) const {
+  void add_slices(std::vector<glm::dvec4>& found, const Line& line) const {
     std::vector<double> hits;
     for (int axis = 0; axis < 3; ++axis) {
       const Slice& slice = scene_.sections[static_cast<std::size_t>(axis)];
@@ -277,19 +277,19 @@ class Layers {
       const glm::dvec3 point = line.at(t);
       const auto color = [&, place = 0.5 * glm::dvec3(point.y, point.x, point.z) + 0.5](
                              const Volume& volume, const Coloring& coloring) {
-        return mapped(coloring, voxelAt(volume, place, Surroundings::edge));
+        return mapped(coloring, voxel_at(volume, place, Surroundings::edge));
       };
       const glm::dvec4 base = color(scene_.volume, scene_.coloring);
       const bool overlaid = scene_.content == 2;
-      const glm::dvec4 over = overlaid ? color(scene_.overlay, scene_.overlayColoring) : glm::dvec4(0.0);
+      const glm::dvec4 over = overlaid ? color(scene_.overlay, scene_.overlay_coloring) : glm::dvec4(0.0);
       found.push_back(glm::mix(base, over, over.a));
     }
   }
 
   // The cut's polygon: points on edges of the box, joined where they lie on one face.
-  void addRim(std::vector<Segment>& segments) const {
+  void add_rim(std::vector<Segment>& segments) const {
     std::vector<glm::dvec3> points;
-    for (const auto& [from, to] : boxEdges()) {
+    for (const auto& [from, to] : box_edges()) {
       const double a = plane_->above(from);
       const double b = plane_->above(to);
       if (a * b <= 0.0 && a != b) points.push_back(glm::mix(from, to, a / (a - b)));
@@ -314,7 +314,7 @@ Color rounded(const Color& color) {
   return glm::round(255.0 * color) / 255.0;
 }
 
-double distanceToSegment(const glm::dvec2& point, const glm::dvec2& from, const glm::dvec2& to) {
+double distance_to_segment(const glm::dvec2& point, const glm::dvec2& from, const glm::dvec2& to) {
   const glm::dvec2 along = to - from;
   const double length = glm::dot(along, along);
   const double t = length > 0.0 ? glm::clamp(glm::dot(point - from, along) / length, 0.0, 1.0) : 0.0;
@@ -329,23 +329,23 @@ double distance(const Picture& a, const Picture& b) {
 
 }  // namespace
 
-ReferencePicture referencePicture(const VolumeScene& scene) {
-  constexpr double lineReach = 1.6;  // pixels
-  const Picture empty(scene.viewportWidth, scene.viewportHeight);
+ReferencePicture reference_picture(const VolumeScene& scene) {
+  constexpr double line_reach = 1.6;  // pixels
+  const Picture empty(scene.viewport_width, scene.viewport_height);
   const Layers layers(scene);
   ReferencePicture result{empty, empty, {}, layers.lines()};
-  empty.forEach([&](int column, int row) {
-    glm::dvec3 full = backgroundColor(scene, row);
-    glm::dvec3 inTarget = rounded(full);
+  empty.for_each([&](int column, int row) {
+    glm::dvec3 full = background_color(scene, row);
+    glm::dvec3 in_target = rounded(full);
     for (const glm::dvec4& any : layers.at(column, row)) {
       const glm::dvec4 layer = glm::clamp(any, 0.0, 1.0);
       full = glm::mix(full, glm::dvec3(layer), layer.a);
-      inTarget = rounded(glm::mix(inTarget, glm::dvec3(rounded(layer)), rounded(layer).a));
+      in_target = rounded(glm::mix(in_target, glm::dvec3(rounded(layer)), rounded(layer).a));
     }
-    setPixel(result.picture, column, row, full);
-    setPixel(result.blendedInTarget, column, row, inTarget);
-    result.nearLine.push_back(std::any_of(result.lines.begin(), result.lines.end(), [&](const auto& line) {
-      return distanceToSegment({column + 0.5, row + 0.5}, line.first, line.second) < lineReach;
+    set_pixel(result.picture, column, row, full);
+    set_pixel(result.blended_in_target, column, row, in_target);
+    result.near_line.push_back(std::any_of(result.lines.begin(), result.lines.end(), [&](const auto& line) {
+      return distance_to_segment({column + 0.5, row + 0.5}, line.first, line.second) < line_reach;
     }));
   });
   return result;
@@ -355,19 +355,19 @@ testing::AssertionResult agree(const Picture& actual, const ReferencePicture& ex
   if (actual.bytes.size() != expected.picture.bytes.size())
     return testing::AssertionFailure() << "sizes differ";
   Picture compared = actual;
-  const Picture& reference = distance(actual, expected.picture) < distance(actual, expected.blendedInTarget)
+  const Picture& reference = distance(actual, expected.picture) < distance(actual, expected.blended_in_target)
                                  ? expected.picture
-                                 : expected.blendedInTarget;
-  compared.forEach([&](int x, int y) {
-    if (expected.nearLine[static_cast<std::size_t>(y * actual.width + x)])
+                                 : expected.blended_in_target;
+  compared.for_each([&](int x, int y) {
+    if (expected.near_line[static_cast<std::size_t>(y * actual.width + x)])
       std::copy_n(reference.pixel(x, y), 4, compared.pixel(x, y));
   });
   return agree(compared, reference, tolerance);
 }
 
-testing::AssertionResult linesShow(const Picture& actual, const ReferencePicture& expected,
-                                   const VolumeScene& scene) {
-  const glm::dvec3 foreground = 255.0 * opaqueColor(scene.foreground);
+testing::AssertionResult lines_show(const Picture& actual, const ReferencePicture& expected,
+                                    const VolumeScene& scene) {
+  const glm::dvec3 foreground = 255.0 * opaque_color(scene.foreground);
   const auto apart = [&](const std::uint8_t* p) {
     return glm::length(glm::dvec3(p[2], p[1], p[0]) - foreground);
   };

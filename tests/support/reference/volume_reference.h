@@ -2,34 +2,34 @@
 // with the shaders.
 #pragma once
 
-#include <glm/glm.hpp>
-
 #include <utility>
 #include <vector>
+
+#include <glm/glm.hpp>
 
 #include "support/volume_scene.h"
 
 namespace oct::test {
 
-// Everything but scale marks. OpenGL lets a driver blend either in full precision or in that of the target,
-// that is with eight bits of every layer's colour and opacity. Lines are left out: how a driver draws them
-// differs.
+// Everything but scale marks. OpenGL lets a driver blend either in full precision or in that of
+// the target, that is with eight bits of every layer's colour and opacity. Lines are left out:
+// how a driver draws them differs.
 struct ReferencePicture {
-  Picture picture;             // blended in full precision
-  Picture blendedInTarget;     // blended in that of the target
-  std::vector<bool> nearLine;  // pixels that a line may touch
+  Picture picture;              // blended in full precision
+  Picture blended_in_target;    // blended in that of the target
+  std::vector<bool> near_line;  // pixels that a line may touch
   std::vector<std::pair<glm::dvec2, glm::dvec2>>
       lines;  // of the box, the slices and the clip plane's cut, in pixels
 };
 
-ReferencePicture referencePicture(const VolumeScene& scene);
+ReferencePicture reference_picture(const VolumeScene& scene);
 
 // Compares with the closer of the two pictures, where no line may touch. Silhouettes are excepted from
 // `nearly`, within its fraction.
 testing::AssertionResult agree(const Picture& actual, const ReferencePicture& expected, Tolerance tolerance);
 
 // Whether the foreground's colour is seen all along the lines.
-testing::AssertionResult linesShow(const Picture& actual, const ReferencePicture& expected,
-                                   const VolumeScene& scene);
+testing::AssertionResult lines_show(const Picture& actual, const ReferencePicture& expected,
+                                    const VolumeScene& scene);
 
 }  // namespace oct::test

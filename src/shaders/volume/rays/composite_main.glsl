@@ -1,7 +1,7 @@
 // The loop over the steps that need no measuring has one way out: several cost more than they save.
 void main() {
-  if (clipDist < 0.0) discard;
-  Ray ray = castRay();
+  if (clip_dist < 0.0) discard;
+  Ray ray = cast_ray();
   vec3 current = front;
   int i = 0;
   while (i < ray.sure && !(final.a > opaque)) {
@@ -12,9 +12,9 @@ void main() {
   if (!(final.a > opaque)) {
     for (; i <= slices; ++i) {
       composite(current);
-      if (final.a > opaque || atEnd(ray, current)) break;
+      if (final.a > opaque || at_end(ray, current)) break;
       current += ray.step;
     }
   }
-  fragColor = final.a > opaque ? vec4(final.rgb, 1.0) : final;
+  frag_color = final.a > opaque ? vec4(final.rgb, 1.0) : final;
 }

@@ -1,21 +1,21 @@
 // The front point counts twice in the sum, and the last point not at all in the divisor.
 void main() {
-  if (clipDist < 0.0) discard;
-  Ray ray = castRay();
+  if (clip_dist < 0.0) discard;
+  Ray ray = cast_ray();
   vec3 current = front;
-  float mean = sampleAt(current);
+  float mean = sample_at(current);
   int i = 1;
   for (; i <= ray.sure; ++i) {
-    mean += sampleAt(current);
+    mean += sample_at(current);
     current += ray.step;
   }
   int counter = ray.sure;
   for (; i <= slices; ++i) {
-    mean += sampleAt(current);
-    if (atEnd(ray, current)) break;
+    mean += sample_at(current);
+    if (at_end(ray, current)) break;
     current += ray.step;
     ++counter;
   }
   mean /= float(counter);
-  fragColor = colorAt(colorTex, normalised(mean));
+  frag_color = color_at(colorTex, normalised(mean));
 }

@@ -7,8 +7,8 @@
 const float opaque = 0.9;  // enough for the eye; what lies behind is not sampled
 
 void composite(vec3 current) {
-  float value = sampleAt(current);
-  if (value > lowerValue) blend(colorAt(colorTex, normalised(value)));
+  float value = sample_at(current);
+  if (value > lowerValue) blend(color_at(colorTex, normalised(value)));
 }
 
 #include "volume/rays/composite_main.glsl"

@@ -4,13 +4,13 @@ layout(location = 0) in vec4 vertex;
 uniform mat4 modelview;
 uniform mat4 projection;
 uniform vec4 clipPlane;
-out vec4 clipPos;
+out vec4 clip_pos;
 out vec3 front;
-out float clipDist;
+out float clip_dist;
 
 void main() {
-  clipPos = projection * modelview * vertex;
+  clip_pos = projection * modelview * vertex;
   front = 0.5 * vertex.xyz + 0.5;
-  clipDist = dot(vertex, clipPlane);
-  gl_Position = clipPos;
+  clip_dist = dot(vertex, clipPlane);
+  gl_Position = clip_pos;
 }

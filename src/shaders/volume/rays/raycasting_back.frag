@@ -2,10 +2,10 @@
 
 // Where the view ray leaves the volume, in texture space.
 in vec4 back;
-in float clipDist;
-out vec4 fragColor;
+in float clip_dist;
+out vec4 frag_color;
 
 void main() {
-  if (clipDist < 0.0) discard;
-  fragColor = back;
+  if (clip_dist < 0.0) discard;
+  frag_color = back;
 }

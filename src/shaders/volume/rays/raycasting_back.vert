@@ -5,10 +5,10 @@ uniform mat4 modelview;
 uniform mat4 projection;
 uniform vec4 clipPlane;
 out vec4 back;
-out float clipDist;
+out float clip_dist;
 
 void main() {
   back = vec4(0.5 * vertex.xyz + 0.5, 1.0);
-  clipDist = dot(vertex, clipPlane);
+  clip_dist = dot(vertex, clipPlane);
   gl_Position = projection * modelview * vertex;
 }

@@ -12,15 +12,15 @@ float overlay = -1e6;
 
 void composite(vec3 current) {
   if (!(final.a > opaque)) {
-    float value = sampleAt(current);
-    if (value > lowerValue) blend(colorAt(colorTex, normalised(value)));
+    float value = sample_at(current);
+    if (value > lowerValue) blend(color_at(colorTex, normalised(value)));
   }
-  overlay = max(normalisedOverlay(textureLod(volumeOverlayTex, current.yxz, 0.0).r), overlay);
+  overlay = max(normalised_overlay(textureLod(volumeOverlayTex, current.yxz, 0.0).r), overlay);
 }
 
 void main() {
-  if (clipDist < 0.0) discard;
-  Ray ray = castRay();
+  if (clip_dist < 0.0) discard;
+  Ray ray = cast_ray();
   vec3 current = front;
   int i = 0;
   for (; i < ray.sure; ++i) {
@@ -29,9 +29,9 @@ void main() {
   }
   for (; i <= slices; ++i) {
     composite(current);
-    if (atEnd(ray, current)) break;
+    if (at_end(ray, current)) break;
     current += ray.step;
   }
-  vec4 over = vec4(colorAt(colorOverlayTex, overlay).rgb, overlay);
-  fragColor = mix(final, over, over.a);
+  vec4 over = vec4(color_at(colorOverlayTex, overlay).rgb, overlay);
+  frag_color = mix(final, over, over.a);
 }

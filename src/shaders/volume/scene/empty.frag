@@ -1,7 +1,7 @@
 #version 330 core
 
-out vec4 fragColor;
+out vec4 frag_color;
 
 void main() {
-  fragColor = vec4(0.0);
+  frag_color = vec4(0.0);
 }

@@ -1,10 +1,10 @@
 #version 330 core
 
-in vec3 texCoord;
-out vec4 fragColor;
+in vec3 tex_coord;
+out vec4 frag_color;
 
 #include "volume/volume.glsl"
 
 void main() {
-  fragColor = colorAt(colorTex, normalised(texture(volumeTex, texCoord).r));
+  frag_color = color_at(colorTex, normalised(texture(volumeTex, tex_coord).r));
 }

@@ -1,13 +1,13 @@
 #version 330 core
 
-in vec3 texCoord;
-out vec4 fragColor;
+in vec3 tex_coord;
+out vec4 frag_color;
 
 #include "volume/volume.glsl"
 #include "volume/overlay.glsl"
 
 void main() {
-  vec4 color = colorAt(colorTex, normalised(texture(volumeTex, texCoord).r));
-  vec4 over = colorAt(colorOverlayTex, normalisedOverlay(texture(volumeOverlayTex, texCoord).r));
-  fragColor = mix(color, over, over.a);
+  vec4 color = color_at(colorTex, normalised(texture(volumeTex, tex_coord).r));
+  vec4 over = color_at(colorOverlayTex, normalised_overlay(texture(volumeOverlayTex, tex_coord).r));
+  frag_color = mix(color, over, over.a);
 }

@@ -1,8 +1,8 @@
 #version 330 core
 
 uniform vec4 color;
-out vec4 fragColor;
+out vec4 frag_color;
 
 void main() {
-  fragColor = color;
+  frag_color = color;
 }

@@ -1,25 +1,25 @@
 #version 330 core
 
-in vec3 eyeNorm;
-in vec3 toLight;
-in vec3 toEye;
+in vec3 eye_norm;
+in vec3 to_light;
+in vec3 to_eye;
 in vec3 reflected;
 in float depth;
-out vec4 fragColor;
+out vec4 frag_color;
 
 uniform sampler1D colorTex;
 
-const float ambientPart = 0.25;
-const float diffusePart = 0.55;
-const float specularPart = 0.9;
+const float ambient_part = 0.25;
+const float diffuse_part = 0.55;
+const float specular_part = 0.9;
 const float shininess = 3.0;
 
 void main() {
   vec3 base = texture(colorTex, 1.0 - depth).rgb;
-  vec3 ambient = ambientPart * base;
+  vec3 ambient = ambient_part * base;
   // The normals point to greater depth, away from the side that is the front.
-  float diffuse = max(dot(toLight, gl_FrontFacing ? -eyeNorm : eyeNorm), 0.0);
+  float diffuse = max(dot(to_light, gl_FrontFacing ? -eye_norm : eye_norm), 0.0);
   vec3 specular = vec3(0.0);
-  if (diffuse > 0.0) specular = vec3(specularPart * pow(max(dot(reflected, toEye), 0.0), shininess));
-  fragColor = vec4(ambient + diffusePart * base * diffuse + specular, 1.0);
+  if (diffuse > 0.0) specular = vec3(specular_part * pow(max(dot(reflected, to_eye), 0.0), shininess));
+  frag_color = vec4(ambient + diffuse_part * base * diffuse + specular, 1.0);
 }

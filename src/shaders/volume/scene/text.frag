@@ -1,9 +1,9 @@
 #version 330 core
 
-in vec2 texCoord;
-out vec4 fragColor;
+in vec2 tex_coord;
+out vec4 frag_color;
 
-uniform sampler2D textTexture;  // white glyphs on black
-uniform vec3 textColor;
+uniform sampler2D text_texture;  // white glyphs on black
+uniform vec3 text_color;
 
-void main() { fragColor = vec4(textColor, texture(textTexture, texCoord).r); }
+void main() { frag_color = vec4(text_color, texture(text_texture, tex_coord).r); }

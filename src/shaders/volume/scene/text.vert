@@ -10,11 +10,11 @@ uniform vec2 viewport;     // pixels
 uniform vec2 textureSize;  // pixels
 uniform vec2 offset;       // pixels, from the anchor to the quad's lower left corner
 
-out vec2 texCoord;
+out vec2 tex_coord;
 
 void main() {
   vec4 pos = projection * modelview * vec4(anchor, 1.0);
   pos.xy = 2.0 * (pos.xy * 0.5 * viewport + (corner * textureSize + offset) * pos.w) / viewport;
-  texCoord = corner;
+  tex_coord = corner;
   gl_Position = pos;
 }
