@@ -8,7 +8,7 @@ foreach(object IN LISTS OBJECTS)
   endif()
   execute_process(COMMAND "${NM}" --defined-only --extern-only "${object}"
     OUTPUT_VARIABLE symbols OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-  if(NOT symbols MATCHES "^[0-9a-f]+ T _ZN3oct3vec[0-9]+set[A-Za-z0-9]+E[A-Za-z0-9_]*$")
+  if(NOT symbols MATCHES "^[0-9a-f]+ T _ZN3oct3vec[0-9]+set_[a-z0-9]+E[A-Za-z0-9_]*$")
     message(FATAL_ERROR "${object} offers more than its entry:\n${symbols}")
   endif()
   math(EXPR checked "${checked} + 1")
