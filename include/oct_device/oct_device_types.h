@@ -4,12 +4,12 @@
  * A handle is an opaque value of pointer size. Null is the invalid handle. A handle is valid from the call
  * that creates it to the call that clears it and is never given out again afterwards.
  *
- * A program that has these types from another header, that of its device library, defines #OCT_DEVICE_HANDLES
+ * A program that has these types from another header, that of its device library, defines OCT_DEVICE_HANDLES
  * before it includes this file or oct_rendering.h: then none is declared here. Whatever they are there, they
  * must be pointers.
  *
- * Whoever builds a device library defines #OCT_DEVICE_BUILD while compiling it, so that the functions of
- * oct_device.h are exported; or #OCT_DEVICE_API itself, as whatever its compiler wants in front of a
+ * Whoever builds a device library defines OCT_DEVICE_BUILD while compiling it, so that the functions of
+ * oct_device.h are exported; or OCT_DEVICE_API itself, as whatever its compiler wants in front of a
  * declaration (nothing, where a list of exports decides). Programs define neither.
  */
 #ifndef OCT_DEVICE_OCT_DEVICE_TYPES_H

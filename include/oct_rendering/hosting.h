@@ -127,7 +127,7 @@ OCT_API void registerOpenGLControlLoopCallback(OpenGLControlLoopHandle Handle,
 
 /**
  * @brief Asks for a frame with id 0 and returns at once. An id that is waiting already is not added again.
- * Every call leaves a line in the file render_calls.txt in C:\tmp (Linux: /tmp), where that can be written.
+ * Every call leaves a line in the file render_calls.txt in C:/tmp (Linux: /tmp), where that can be written.
  * @param Handle The loop.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. " on the standard error stream; nothing becomes pending.

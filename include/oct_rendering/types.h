@@ -66,7 +66,7 @@ typedef struct OctHostSurface {
   unsigned int width;        /**< pixels */
   unsigned int height;       /**< pixels */
   unsigned int stride_bytes; /**< from one row to the next */
-  unsigned char* pixels;
+  unsigned char* pixels;     /**< stride_bytes for each row, the bottom row first */
 } OctHostSurface;
 
 /** @brief Result of the error functions while an error is pending: 0xE0000000 as a signed 32-bit number. */
