@@ -14,7 +14,7 @@ namespace {
 
 struct Loader {
   std::mutex mutex;  // GLEW writes its function pointers without one
-  std::atomic<bool> glewInitialized{false};
+  std::atomic<bool> glew_initialized{false};
   std::atomic<bool> usable{false};  // entry points loaded and a sufficient version seen
 };
 
@@ -36,7 +36,7 @@ Version current_version() {
 
 void initGlew(const char* load_failure) {
   const std::lock_guard lock(loader.mutex);
-  if (!loader.glewInitialized) {
+  if (!loader.glew_initialized) {
     glewExperimental = GL_TRUE;  // core contexts do not list extensions the way GLEW asks for them
     const GLenum result = glewInit();
     // In a context of another window system than EGL, GLEW has loaded OpenGL by then and misses EGL's
@@ -47,7 +47,7 @@ void initGlew(const char* load_failure) {
       write_output("glewInit failed.");
       throw std::runtime_error(load_failure);
     }
-    loader.glewInitialized = true;
+    loader.glew_initialized = true;
     glGetError();  // GLEW's probing leaves an error behind in core contexts
   }
   const Version version = current_version();
@@ -72,7 +72,7 @@ void checkOpenGLVersion(int required_major, int required_minor) {
 }
 
 bool glewInitialized() {
-  return loader.glewInitialized;
+  return loader.glew_initialized;
 }
 
 }  // namespace oct::gl
