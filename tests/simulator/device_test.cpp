@@ -102,5 +102,27 @@ TEST(Speckle, IsFullyDevelopedAndAsLargeAsTheBeam) {
   EXPECT_GT(mean, 30.0 * measure(empty, ScanPattern(64, 1, 1.0, 1.0)).mean_power(100, 500)) << "noise";
 }
 
+TEST(Recording, NoiseHasTheGivenStrengthAndDiffersFromPlaceToPlaceAndFromVolumeToVolume) {
+  constexpr std::size_t count = 256 * 50 * 40;
+  const Recording recording(std::vector<float>(count, 30.0F).data(), {256, 50, 40}, 1, 2.0, 7);
+  std::vector<float> first(count), second(count);
+  recording.play(0, first, 0);
+  recording.play(1, second, 0);
+  // Half a million deviates out of a table of 16384, whose own mean is off by 2 / 128 at one sigma.
+  const auto mean = [](auto value) {
+    double sum = 0.0;
+    for (std::size_t n = 0; n < count; ++n) sum += value(n);
+    return sum / count;
+  };
+  EXPECT_NEAR(mean([&](auto n) { return first[n] - 30.0; }), 0.0, 0.06);
+  EXPECT_NEAR(mean([&](auto n) { return std::pow(first[n] - 30.0, 2); }), 4.0, 0.2);
+  EXPECT_NEAR(mean([&](auto n) { return (first[n] - 30.0) * (second[n] - 30.0); }), 0.0, 0.2);
+  // Neighbours must not repeat each other's noise, which an average would not remove.
+  for (const std::size_t distance : {1, 256, 256 * 50})
+    EXPECT_NEAR(mean([&](auto n) { return (first[n] - 30.0) * (first[(n + distance) % count] - 30.0); }), 0.0,
+                0.08)
+        << distance;
+}
+
 }  // namespace
 }  // namespace oct::simulator::test

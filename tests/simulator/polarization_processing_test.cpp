@@ -31,14 +31,15 @@ std::unique_ptr<Sensors> random_sensors(unsigned seed, std::array<int, 3> sizes 
 Stokes boxed_stokes(const Sensors& sensors, Box place, Box box) {
   const auto& sizes = sensors.fields[0].sizes();
   Stokes sum{};
+  Box first, end;
+  for (int axis = 0; axis < 3; ++axis) {
+    first[axis] = std::max(0, place[axis] - (box[axis] - 1) / 2);
+    end[axis] = std::min(sizes[axis], place[axis] + box[axis] / 2 + 1);
+  }
   int count = 0;
-  const auto inside = [&](int axis, int i) {
-    return i >= place[axis] - (box[axis] - 1) / 2 && i <= place[axis] + box[axis] / 2;
-  };
-  for (int z = 0; z < sizes[2]; ++z)
-    for (int y = 0; y < sizes[1]; ++y)
-      for (int x = 0; x < sizes[0]; ++x) {
-        if (!inside(0, x) || !inside(1, y) || !inside(2, z)) continue;
+  for (int z = first[2]; z < end[2]; ++z)
+    for (int y = first[1]; y < end[1]; ++y)
+      for (int x = first[0]; x < end[0]; ++x, ++count) {
         const auto n = static_cast<std::size_t>(x + sizes[0] * (y + sizes[1] * z));
         const std::complex<double> a(sensors.fields[0].samples()[n]);
         const std::complex<double> b(sensors.fields[1].samples()[n]);
@@ -46,7 +47,6 @@ Stokes boxed_stokes(const Sensors& sensors, Box place, Box box) {
         sum[1] += std::norm(a) - std::norm(b);
         sum[2] += 2.0 * (b * std::conj(a)).real();
         sum[3] += 2.0 * (b * std::conj(a)).imag();
-        ++count;
       }
   for (auto& value : sum) value /= count;
   return sum;

@@ -65,7 +65,6 @@ std::vector<std::vector<float>> everything(std::uint64_t seed, int workers) {
 
 TEST(Threads, TheirNumberChangesNothingAndTheSeedEverything) {
   const auto one = everything(3, 1);
-  EXPECT_EQ(everything(3, 1), one);
   EXPECT_EQ(everything(3, 7), one);
   const auto other = everything(4, 1);
   for (std::size_t i = 0; i < one.size(); ++i) EXPECT_NE(other[i], one[i]) << i;
