@@ -34,11 +34,11 @@ TEST(ParallelRanges, CoversEveryItemOnceAndPassesOnAnExceptionOfAnyWorker) {
 
 // All that a device with two sensors gives, and a recording beside it.
 std::vector<std::vector<float>> everything(std::uint64_t seed, int workers) {
-  Device device(Spectrometer(256, 1300.0, 3.6), std::make_shared<FingerPad>(seed), seed, 2);
+  Device device(Spectrometer(128, 1300.0, 3.6), std::make_shared<FingerPad>(seed), seed, 2);
   std::array<ComplexData, 2> fields;
   std::vector<std::vector<float>> results;
   const auto picture = std::make_shared<Data>();
-  device.start(ScanPattern(37, 5, 3.0, 3.0), 0);
+  device.start(ScanPattern(13, 3, 3.0, 3.0), 0);
   for (int sensor = 0; sensor < 2; ++sensor) {
     RawData raw;
     const auto field = std::make_shared<ComplexData>();
@@ -58,8 +58,9 @@ std::vector<std::vector<float>> everything(std::uint64_t seed, int workers) {
   polarization.set_output(PolarizationProcessing::dopu, dopu);
   polarization.execute(fields[0], fields[1], workers);
   results.push_back(dopu->samples());
-  const Recording recording(std::vector<float>(100 * 100 * 100).data(), {100, 100, 100}, 1, 1.0, seed);
-  recording.play(5, results.emplace_back(100 * 100 * 100), workers);
+  constexpr std::size_t recorded = 100 * 100 * 60;  // three threads' worth
+  const Recording recording(std::vector<float>(recorded).data(), {100, 100, 60}, 1, 1.0, seed);
+  recording.play(5, results.emplace_back(recorded), workers);
   return results;
 }
 
@@ -82,7 +83,7 @@ class StoppingPhantom : public Phantom {
 
 TEST(Threads, AStopEndsAnAcquisitionUnderWay) {
   const auto phantom = std::make_shared<StoppingPhantom>();
-  Device device(Spectrometer(512, 1300.0, 3.6), phantom, 1);
+  Device device(Spectrometer(64, 1300.0, 3.6), phantom, 1);
   phantom->device = &device;
   RawData raw;
   device.start(ScanPattern(100, 100, 1.0, 1.0), 0);
