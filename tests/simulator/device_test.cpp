@@ -18,8 +18,7 @@ TEST(Device, SuccessiveVolumesDifferByCameraNoiseOnly) {
   Device device(Spectrometer(512, 1300.0, 3.6), std::make_shared<FingerPad>(3), 3);
   RawData first, second;
   device.start(ScanPattern(37, 5, 3.0, 3.0), 0);
-  device.acquire(first, 0);
-  device.acquire(second, 0);
+  for (RawData* const volume : {&first, &second}) device.acquire(*volume, 0);
   double ratio = 0.0, difference = 0.0;
   int count = 0;
   for (int index = 0; index < 37 * 5; ++index)
@@ -40,10 +39,8 @@ TEST(Device, UsesTheRangeOfTheCameraButDoesNotExceedIt) {
        {std::shared_ptr<Phantom>(std::make_shared<FingerPad>(1)),
         std::shared_ptr<Phantom>(std::make_shared<Retina>(1)),
         std::shared_ptr<Phantom>(std::make_shared<Mirror>(1.0, 0.02, 0.1F))}) {
-    Device device(standard_spectrometer(), phantom, 1);
-    RawData raw;
-    device.start(ScanPattern(200, 2, 4.0, 4.0), 0);
-    device.acquire(raw, 0);
+    Device device(standard_spectrometer, phantom, 1);
+    RawData raw = acquire(device, ScanPattern(200, 2, 4.0, 4.0));
     std::uint16_t lowest = 65535, highest = 0;
     for (int index = 0; index < 400; ++index) {
       const auto [least, most] = std::ranges::minmax(raw.spectrum(index));
@@ -66,21 +63,21 @@ double correlation(const Volume& volume, int a_scans, int b_scans, int depths) {
   for (int b_scan = 0; b_scan + b_scans < volume.b_scans(); ++b_scan)
     for (int a_scan = 0; a_scan + a_scans < volume.a_scans(); ++a_scan)
       for (int depth = 100; depth < 500; ++depth)
-        correlation.add(std::pow(10.0, 0.1 * volume.at(depth, a_scan, b_scan)),
-                        std::pow(10.0, 0.1 * volume.at(depth + depths, a_scan + a_scans, b_scan + b_scans)));
+        correlation.add(volume.power(depth, a_scan, b_scan),
+                        volume.power(depth + depths, a_scan + a_scans, b_scan + b_scans));
   return correlation.value();
 }
 
 TEST(Speckle, IsFullyDevelopedAndAsLargeAsTheBeam) {
   constexpr double step_mm = 0.003;
-  Device device(standard_spectrometer(), std::make_shared<UniformPhantom>(0.1F), 11);
+  Device device(standard_spectrometer, std::make_shared<UniformPhantom>(0.1F), 11);
   const auto volume = measure(device, ScanPattern(600, 1, 600 * step_mm, step_mm));
   double sum = 0.0, squares = 0.0;
   int count = 0, dark = 0;
   const double mean = volume.mean_power(100, 500);
   for (int a_scan = 0; a_scan < volume.a_scans(); ++a_scan)
     for (int depth = 100; depth <= 500; ++depth, ++count) {
-      const double power = std::pow(10.0, 0.1 * volume.at(depth, a_scan)) / mean;
+      const double power = volume.power(depth, a_scan) / mean;
       sum += power;
       squares += power * power;
       dark += power < 0.1;
@@ -98,7 +95,7 @@ TEST(Speckle, IsFullyDevelopedAndAsLargeAsTheBeam) {
   EXPECT_GT(correlation(row, 0, 1, 0), 0.8);
   EXPECT_LT(correlation(row, 0, 10, 0), 0.1);
 
-  Device empty(standard_spectrometer(), std::make_shared<UniformPhantom>(0.0F), 11);
+  Device empty(standard_spectrometer, std::make_shared<UniformPhantom>(0.0F), 11);
   EXPECT_GT(mean, 30.0 * measure(empty, ScanPattern(64, 1, 1.0, 1.0)).mean_power(100, 500)) << "noise";
 }
 

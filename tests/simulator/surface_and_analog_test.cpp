@@ -17,7 +17,7 @@ namespace {
 
 TEST(Surface, OfTheFingerPadIsFoundWithinAFewSamples) {
   const FingerPad finger(3);
-  Device device(standard_spectrometer(), std::make_shared<FingerPad>(3), 3);
+  Device device(standard_spectrometer, std::make_shared<FingerPad>(3), 3);
   const ScanPattern pattern(150, 4, 4.0, 3.0);
   const auto volume = measure(device, pattern);
   Data surface;
@@ -43,7 +43,7 @@ TEST(Surface, OfTheFingerPadIsFoundWithinAFewSamples) {
 }
 
 TEST(Surface, OfAMirrorIsItsPeakInSpiteOfSideLobes) {
-  Device device(standard_spectrometer(), std::make_shared<Mirror>(1.0, 0.02, 0.2F), 3);
+  Device device(standard_spectrometer, std::make_shared<Mirror>(1.0, 0.02, 0.2F), 3);
   const ScanPattern pattern(64, 1, 1.0, 1.0);
   const auto volume = measure(device, pattern);
   Data surface;
@@ -54,7 +54,7 @@ TEST(Surface, OfAMirrorIsItsPeakInSpiteOfSideLobes) {
 }
 
 TEST(Surface, CountsWithTheRangeOfTheVolumeAndIsTheWholeRangeWhereThereIsNone) {
-  Device device(standard_spectrometer(), std::make_shared<UniformPhantom>(0.0F), 3);
+  Device device(standard_spectrometer, std::make_shared<UniformPhantom>(0.0F), 3);
   const auto volume = measure(device, ScanPattern(40, 2, 1.0, 1.0));
   for (int i = 0; i < 30; ++i) volume.data().samples()[1024 * 7 + 512 + i] += 60.0F;
   volume.data().set_ranges({2.0, 1.0, 1.0});
@@ -148,7 +148,7 @@ TEST(Breathing, MovesTheMirrorInDepth) {
 }
 
 TEST(ReferenceIntensity, IsThatOfTheLastVolume) {
-  Device device(standard_spectrometer(), std::make_shared<Mirror>(1.0, 0.02, 0.1F), 3);
+  Device device(standard_spectrometer, std::make_shared<Mirror>(1.0, 0.02, 0.1F), 3);
   Processing processing(device.calibration());
   // The dark level and the brightest light of the reference arm, in 4095ths.
   const double calibrated = processing.reference_intensity();
