@@ -27,8 +27,8 @@ class DeviceApi : public DeviceObjectsTest {
     clearSimulatedProcessing(processings_[1]);
   }
 
-  // One volume from start to stop, for one quantity.
-  void measure(SetOutput set_output) {
+  // One volume from start to stop.
+  void measure() {
     startMeasurement(scan_.device, scan_.pattern, 0);
     for (int sensor = 0; sensor < 2; ++sensor) {
       getRawDataEx(scan_.device, raws_[sensor], sensor);
@@ -36,7 +36,6 @@ class DeviceApi : public DeviceObjectsTest {
       executeProcessing(processings_[sensor], raws_[sensor]);
     }
     stopMeasurement(scan_.device);
-    compute(set_output);
   }
   std::vector<float> compute(SetOutput set_output) {
     set_output(polarization_, data_);
@@ -61,7 +60,8 @@ TEST_F(DeviceApi, SizesAndRangesFollowDeviceAndPattern) {
   EXPECT_EQ(getDataPtr(data_), nullptr);
   EXPECT_EQ(getDevicePropertyInt(scan_.device, 0), 256);
   EXPECT_EQ(getDevicePropertyFloat(scan_.device, 1), 3.6);
-  measure(setPolarizationOutputI);
+  measure();
+  compute(setPolarizationOutputI);
   int number = 1;
   for (const int size : {128, 20, 3}) EXPECT_EQ(getDataPropertyInt(data_, number++), size);
   EXPECT_EQ(getDataPropertyInt(data_, 5), 128 * 20 * 3 * 4);
@@ -182,7 +182,7 @@ TEST_F(DeviceApi, ProcessingAndPatternOutliveTheDevice) {
 
 // Of a place's pure state, retardation and axis tell the three parameters.
 TEST_F(DeviceApi, EveryQuantityIsOneOfItsOwn) {
-  measure(setPolarizationOutputI);
+  measure();
   const auto intensity = compute(setPolarizationOutputI), dopu = compute(setPolarizationOutputDOPU),
              retardation = compute(setPolarizationOutputRetardation),
              axis = compute(setPolarizationOutputOpticAxis), q = compute(setPolarizationOutputQ),
@@ -203,7 +203,7 @@ TEST_F(DeviceApi, EveryQuantityIsOneOfItsOwn) {
 
 // Each property alone averages along its own axis, here over all of it; afterwards all is as before.
 TEST_F(DeviceApi, PropertiesReachTheProcessing) {
-  measure(setPolarizationOutputQ);
+  measure();
   const auto plain = compute(setPolarizationOutputQ);
   for (const auto& [output, first, initial] :
        {std::tuple{&setPolarizationOutputQ, 5, 1}, {&setPolarizationOutputDOPU, 0, 3}}) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -74,20 +75,15 @@ inline std::vector<float> samples_of(DataHandle data) {
   return {samples, samples + bytes / sizeof(float)};
 }
 
-// A call that fails, and words of its error.
-struct WrongCall {
-  std::function<void()> call;
-  std::string words;
-};
-
-inline void expect_errors(const std::vector<WrongCall>& calls) {
+// Calls that fail, and words of their errors.
+inline void expect_errors(const std::vector<std::pair<std::function<void()>, std::string>>& calls) {
   for (std::size_t i = 0; i < calls.size(); ++i) {
     SCOPED_TRACE(i);
     EXPECT_EQ(isError(), 0) << "before";
-    calls[i].call();
+    calls[i].first();
     const std::string error = pending_error();
     EXPECT_NE(error, "");
-    EXPECT_NE(error.find(calls[i].words), std::string::npos) << error;
+    EXPECT_NE(error.find(calls[i].second), std::string::npos) << error;
   }
 }
 

@@ -125,15 +125,32 @@ inline Volume measure(Device& device, const ScanPattern& pattern) {
   return process(device.calibration(), acquire(device, pattern));
 }
 
-// Fields of both sensors with a polarization processing.
+// Fields and pictures of both sensors with a polarization processing.
 struct Sensors {
   std::array<ComplexData, 2> fields;
+  std::array<Data, 2> pictures;
   PolarizationProcessing processing;
 
-  Volume compute(PolarizationProcessing::Quantity quantity) {
+  void measure(Device& device, const ScanPattern& pattern, int workers = 0) {
+    device.start(pattern, 0);
+    for (int sensor = 0; sensor < 2; ++sensor) {
+      RawData raw;
+      const auto field = std::make_shared<ComplexData>();
+      const auto picture = std::make_shared<Data>();
+      Processing sensors_processing(device.calibration());
+      sensors_processing.set_output(field);
+      sensors_processing.set_output(picture);
+      device.acquire(raw, sensor, workers);
+      sensors_processing.execute(raw, workers);
+      fields[sensor] = *field;
+      pictures[sensor] = *picture;
+    }
+  }
+
+  Volume compute(PolarizationProcessing::Quantity quantity, int workers = 0) {
     auto data = std::make_shared<Data>();
     processing.set_output(quantity, data);
-    processing.execute(fields[0], fields[1]);
+    processing.execute(fields[0], fields[1], workers);
     return Volume(data);
   }
 };

@@ -1,9 +1,9 @@
 // Polarization quantities of random fields against their formulas, worked out by plain loops.
 
 #include <cmath>
-#include <functional>
 #include <numbers>
 #include <random>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -56,13 +56,8 @@ double polarized_part(const Stokes& s) {
   return std::sqrt(s[1] * s[1] + s[2] * s[2] + s[3] * s[3]);
 }
 
-struct Quantity {
-  P::Quantity quantity;
-  double (*formula)(const Stokes&);
-};
-
 constexpr double degrees_per_radian = 180.0 / std::numbers::pi;
-const Quantity quantities[] = {
+const std::pair<P::Quantity, double (*)(const Stokes&)> quantities[] = {
     {P::intensity, [](const Stokes& s) { return 10.0 * std::log10(s[0]); }},
     {P::stokes_q, [](const Stokes& s) { return s[1] / s[0]; }},
     {P::stokes_u, [](const Stokes& s) { return s[2] / s[0]; }},

@@ -47,16 +47,7 @@ TEST(LightPath, FollowsTheMatricesOfManyRetardersThereAndBack) {
 std::unique_ptr<Sensors> measure_both(std::shared_ptr<const Phantom> phantom) {
   Device device(standard_spectrometer, std::move(phantom), 21, 2);
   auto sensors = std::make_unique<Sensors>();
-  device.start(ScanPattern(64, 1, 3.0, 1.0), 0);
-  for (int camera = 0; camera < 2; ++camera) {
-    RawData raw;
-    device.acquire(raw, camera);
-    const auto field = std::make_shared<ComplexData>();
-    Processing processing(device.calibration());
-    processing.set_output(field);
-    processing.execute(raw);
-    sensors->fields[camera] = *field;
-  }
+  sensors->measure(device, ScanPattern(64, 1, 3.0, 1.0));
   return sensors;
 }
 
@@ -65,10 +56,8 @@ double mean_over(const Volume& volume, double top_mm, double bottom_mm) {
   int count = 0;
   for (int a_scan = 0; a_scan < volume.a_scans(); ++a_scan)
     for (int depth = static_cast<int>(top_mm / volume.cell_mm()); depth * volume.cell_mm() < bottom_mm;
-         ++depth) {
+         ++depth, ++count)
       sum += volume.at(depth, a_scan);
-      ++count;
-    }
   return sum / count;
 }
 
@@ -88,11 +77,8 @@ TEST(Polarization, APlateShowsItsRetardationAndAxisBelowIt) {
       EXPECT_NEAR(mean_over(seen, 0.96, 1.35), retardance, 1.5);
       const auto directions = sensors->compute(P::optic_axis);
       for (int a_scan = 5; a_scan < 60; ++a_scan)
-        for (int depth = 280; depth < 380; ++depth) {
+        for (int depth = 280; depth < 380; ++depth)
           ASSERT_NEAR(std::remainder(directions.at(depth, a_scan) - axis, 180.0), 0.0, 6.0);
-          ASSERT_GE(directions.at(depth, a_scan), 0.0F);
-          ASSERT_LE(directions.at(depth, a_scan), 180.0F);
-        }
       continue;
     }
     // Without the plate, retardation grows with depth in the fibres, and folds back past a quarter turn.

@@ -35,29 +35,13 @@ TEST(ParallelRanges, CoversEveryItemOnceAndPassesOnAnExceptionOfAnyWorker) {
 // All that a device with two sensors gives, and a recording beside it.
 std::vector<std::vector<float>> everything(std::uint64_t seed, int workers) {
   Device device(Spectrometer(128, 1300.0, 3.6), std::make_shared<FingerPad>(seed), seed, 2);
-  std::array<ComplexData, 2> fields;
-  std::vector<std::vector<float>> results;
-  const auto picture = std::make_shared<Data>();
-  device.start(ScanPattern(13, 3, 3.0, 3.0), 0);
-  for (int sensor = 0; sensor < 2; ++sensor) {
-    RawData raw;
-    const auto field = std::make_shared<ComplexData>();
-    Processing processing(device.calibration());
-    processing.set_output(picture);
-    processing.set_output(field);
-    device.acquire(raw, sensor, workers);
-    processing.execute(raw, workers);
-    fields[sensor] = *field;
-    results.push_back(picture->samples());
-  }
+  Sensors sensors;
+  sensors.measure(device, ScanPattern(13, 3, 3.0, 3.0), workers);
   Data surface;
-  find_surface(*picture, surface, workers);
-  results.push_back(surface.samples());
-  const auto dopu = std::make_shared<Data>();
-  PolarizationProcessing polarization;
-  polarization.set_output(PolarizationProcessing::dopu, dopu);
-  polarization.execute(fields[0], fields[1], workers);
-  results.push_back(dopu->samples());
+  find_surface(sensors.pictures[0], surface, workers);
+  std::vector<std::vector<float>> results{sensors.pictures[0].samples(), sensors.pictures[1].samples(),
+                                          surface.samples(),
+                                          sensors.compute(PolarizationProcessing::dopu, workers).samples()};
   constexpr std::size_t recorded = 100 * 100 * 60;  // three threads' worth
   const Recording recording(std::vector<float>(recorded).data(), {100, 100, 60}, 1, 1.0, seed);
   recording.play(5, results.emplace_back(recorded), workers);
