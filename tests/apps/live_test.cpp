@@ -20,13 +20,9 @@ class Live : public ProgramTest {
     return std::atof(out_text_.c_str() + out_text_.find(words) + words.size());
   }
 
-  // A volume of 8 B-scans, 32 depths and 16 A-scans: 1 where the condition holds.
   template <class Condition>
   static void write_where(Condition condition) {
-    std::vector<float> values;
-    for (int i = 0; i < 8 * 32 * 16; ++i)
-      values.push_back(condition(i / 16 % 32, i % 16, i / 512) ? 1.0F : 0.0F);
-    write_npy("in.npy", "8, 32, 16", values);
+    write_npy("in.npy", "8, 32, 16", volume_where(32, 16, 8, condition));
   }
   static void write_bright_above(int depth) {
     write_where([=](int z, int, int) { return z < depth; });

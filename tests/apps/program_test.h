@@ -30,6 +30,15 @@ inline Picture read_picture(const std::filesystem::path& path) {
   return {size, {pixels.get(), pixels.get() + std::size_t{size.width} * size.height * 3}};
 }
 
+// A volume of three axes (B-scan, depth, A-scan): 1 where the condition holds for depth, A-scan and B-scan.
+template <class Condition>
+std::vector<float> volume_where(int depth, int a_scans, int b_scans, Condition condition) {
+  std::vector<float> values;
+  for (int i = 0; i < depth * a_scans * b_scans; ++i)
+    values.push_back(condition(i / a_scans % depth, i % a_scans, i / a_scans / depth));
+  return values;
+}
+
 class ProgramTest : public testing::Test {
  protected:
   // common: how the command lines of the class begin.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include <gtest/gtest.h>
 
@@ -14,39 +15,37 @@
 namespace oct::simulator::test {
 namespace {
 
+// The readings of all A-scans, one after the other.
+std::span<const std::uint16_t> readings(const RawData& raw) {
+  return {raw.spectrum(0).data(), raw.spectrum(0).size() * raw.a_scans() * raw.b_scans()};
+}
+
 TEST(Device, SuccessiveVolumesDifferByCameraNoiseOnly) {
   Device device(Spectrometer(512, 1300.0, 3.6), std::make_shared<FingerPad>(3), 3);
   RawData first, second;
   device.start(ScanPattern(37, 5, 3.0, 3.0), 0);
   for (RawData* const volume : {&first, &second}) device.acquire(*volume, 0);
   double ratio = 0.0, difference = 0.0;
-  int count = 0;
-  for (int index = 0; index < 37 * 5; ++index)
-    for (int pixel = 0; pixel < 512; ++pixel, ++count) {
-      const double a = first.spectrum(index)[pixel];
-      const double b = second.spectrum(index)[pixel];
-      // 60 electrons per count, 80 counts of dark level, 1.6 counts of read noise, rounding to whole counts.
-      const double variance = (0.5 * (a + b) - 80.0) / 60.0 + 1.6 * 1.6 + 1.0 / 12.0;
-      ratio += (a - b) * (a - b) / (2.0 * variance);
-      difference += a - b;
-    }
+  const auto count = static_cast<double>(readings(first).size());
+  for (std::size_t i = 0; i < readings(first).size(); ++i) {
+    const double a = readings(first)[i];
+    const double b = readings(second)[i];
+    // 60 electrons per count, 80 counts of dark level, 1.6 counts of read noise, rounding to whole counts.
+    const double variance = (0.5 * (a + b) - 80.0) / 60.0 + 1.6 * 1.6 + 1.0 / 12.0;
+    ratio += (a - b) * (a - b) / (2.0 * variance);
+    difference += a - b;
+  }
   EXPECT_NEAR(ratio / count, 1.0, 0.03);
   EXPECT_NEAR(difference / count, 0.0, 0.1);
 }
 
 TEST(Device, UsesTheRangeOfTheCameraButDoesNotExceedIt) {
-  for (const std::shared_ptr<Phantom>& phantom :
-       {std::shared_ptr<Phantom>(std::make_shared<FingerPad>(1)),
-        std::shared_ptr<Phantom>(std::make_shared<Retina>(1)),
-        std::shared_ptr<Phantom>(std::make_shared<Mirror>(1.0, 0.02, 0.1F))}) {
+  const std::shared_ptr<const Phantom> phantoms[] = {
+      std::make_shared<FingerPad>(1), std::make_shared<Retina>(1), std::make_shared<Mirror>(1.0, 0.02, 0.1F)};
+  for (const auto& phantom : phantoms) {
     Device device(standard_spectrometer, phantom, 1);
-    RawData raw = acquire(device, ScanPattern(200, 2, 4.0, 4.0));
-    std::uint16_t lowest = 65535, highest = 0;
-    for (int index = 0; index < 400; ++index) {
-      const auto [least, most] = std::ranges::minmax(raw.spectrum(index));
-      lowest = std::min(lowest, least);
-      highest = std::max(highest, most);
-    }
+    const RawData raw = acquire(device, ScanPattern(200, 2, 4.0, 4.0));
+    const auto [lowest, highest] = std::ranges::minmax(readings(raw));
     EXPECT_GT(lowest, 0);
     EXPECT_GT(highest, Camera::largest_count / 2);
     EXPECT_LT(highest, Camera::largest_count);
