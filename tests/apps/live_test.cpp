@@ -24,9 +24,6 @@ class Live : public ProgramTest {
   static void write_where(Condition condition) {
     write_npy("in.npy", "8, 32, 16", volume_where(32, 16, 8, condition));
   }
-  static void write_bright_above(int depth) {
-    write_where([=](int z, int, int) { return z < depth; });
-  }
 };
 
 const std::string short_run = " --seconds 0.05 --spectrum 64 ";
@@ -68,13 +65,13 @@ TEST_F(Live, PlaysAVolumeBackAsOctrenderVolumeDrawsIt) {
 
 TEST_F(Live, CropsAndFlattensTheBox) {
   // Half the depth samples with half the extent: only the bright part is left, and it fills the box.
-  write_bright_above(16);
+  write_where([](int z, int, int) { return z < 16; });
   draw(front + playback + "--depth 4 --size-z 16");
   expect_in("16 x 16 x 8 samples", out_text_);
   EXPECT_GT(red_at(0.5, 0.45), 200);
   EXPECT_GT(red_at(0.5, 0.55), 200);
   // What was bright far from the middle is background.
-  write_bright_above(32);
+  write_where([](int, int, int) { return true; });
   draw(front + playback + "--depth 4");
   EXPECT_GT(red_at(0.5, 0.4), 200);
   draw(front + playback + "--depth 4 --refractive-index 8");
@@ -83,7 +80,7 @@ TEST_F(Live, CropsAndFlattensTheBox) {
 }
 
 TEST_F(Live, NumbersItsSnapshots) {
-  write_bright_above(16);
+  write_where([](int z, int, int) { return z < 16; });
   ASSERT_EQ(run("--snapshots 3 --seconds 0.6 --playback in.npy --noise 0.5"), 0) << error_text_;
   EXPECT_FALSE(std::filesystem::exists("out.png"));
   EXPECT_TRUE(std::filesystem::exists("out-001.png"));

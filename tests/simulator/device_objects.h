@@ -59,14 +59,13 @@ using OwnedComplexData = Owned<createComplexData, clearComplexData>;
 using Sizes = std::array<int, 3>;
 using Ranges = std::array<double, 3>;
 
+// By their numbers, which clients rely on.
 inline Sizes sizes_of(DataHandle data) {
-  return {getDataPropertyInt(data, OCT_DATA_SIZE_1), getDataPropertyInt(data, OCT_DATA_SIZE_2),
-          getDataPropertyInt(data, OCT_DATA_SIZE_3)};
+  return {getDataPropertyInt(data, 1), getDataPropertyInt(data, 2), getDataPropertyInt(data, 3)};
 }
 
 inline Ranges ranges_of(DataHandle data) {
-  return {getDataPropertyFloat(data, OCT_DATA_RANGE_1), getDataPropertyFloat(data, OCT_DATA_RANGE_2),
-          getDataPropertyFloat(data, OCT_DATA_RANGE_3)};
+  return {getDataPropertyFloat(data, 3), getDataPropertyFloat(data, 4), getDataPropertyFloat(data, 5)};
 }
 
 inline std::vector<float> samples_of(DataHandle data) {

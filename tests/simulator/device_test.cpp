@@ -58,13 +58,14 @@ TEST(Device, UsesTheRangeOfTheCameraButDoesNotExceedIt) {
 
 // Correlation of power between samples a number of A-scans, B-scans and depths apart.
 double correlation(const Volume& volume, int a_scans, int b_scans, int depths) {
-  Correlation correlation;
+  std::vector<double> here, there;
   for (int b_scan = 0; b_scan + b_scans < volume.b_scans(); ++b_scan)
     for (int a_scan = 0; a_scan + a_scans < volume.a_scans(); ++a_scan)
-      for (int depth = 100; depth < 500; ++depth)
-        correlation.add(volume.power(depth, a_scan, b_scan),
-                        volume.power(depth + depths, a_scan + a_scans, b_scan + b_scans));
-  return correlation.value();
+      for (int depth = 100; depth < 500; ++depth) {
+        here.push_back(volume.power(depth, a_scan, b_scan));
+        there.push_back(volume.power(depth + depths, a_scan + a_scans, b_scan + b_scans));
+      }
+  return correlation_of(here, there);
 }
 
 TEST(Speckle, IsFullyDevelopedAndAsLargeAsTheBeam) {

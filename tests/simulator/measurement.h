@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <memory>
+#include <numeric>
 #include <vector>
 
 #include "base/data.h"
@@ -86,23 +87,13 @@ class Volume {
 };
 
 // How much two sequences have in common, 1 at the most.
-class Correlation {
- public:
-  void add(double a, double b) {
-    ++count_;
-    a_ += a;
-    b_ += b;
-    aa_ += a * a;
-    bb_ += b * b;
-    ab_ += a * b;
-  }
-  double value() const {
-    return (count_ * ab_ - a_ * b_) / std::sqrt((count_ * aa_ - a_ * a_) * (count_ * bb_ - b_ * b_));
-  }
-
- private:
-  double count_ = 0.0, a_ = 0.0, b_ = 0.0, aa_ = 0.0, bb_ = 0.0, ab_ = 0.0;
-};
+inline double correlation_of(const std::vector<double>& a, const std::vector<double>& b) {
+  const auto sum = [](auto& x, auto& y) { return std::inner_product(x.begin(), x.end(), y.begin(), 0.0); };
+  const std::vector<double> ones(a.size(), 1.0);
+  const double count = sum(ones, ones), sum_a = sum(a, ones), sum_b = sum(b, ones);
+  return (count * sum(a, b) - sum_a * sum_b) /
+         std::sqrt((count * sum(a, a) - sum_a * sum_a) * (count * sum(b, b) - sum_b * sum_b));
+}
 
 inline Volume process(const Calibration& calibration, const RawData& raw) {
   auto data = std::make_shared<Data>();

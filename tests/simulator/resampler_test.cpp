@@ -29,9 +29,8 @@ TEST(Resampler, KeepsLevels) {
 }
 
 TEST(Resampler, RefusesPositionsOutsideTheSignal) {
-  EXPECT_THROW(Resampler(20, {-0.1}), std::invalid_argument);
-  EXPECT_THROW(Resampler(20, {19.1}), std::invalid_argument);
-  EXPECT_THROW(Resampler(20, {std::nan("")}), std::invalid_argument);
+  for (const double position : {-0.1, 19.1, std::nan("")})
+    EXPECT_THROW(Resampler(20, {position}), std::invalid_argument) << position;
   EXPECT_THROW(Resampler(4, {1.0}), std::invalid_argument);
 }
 

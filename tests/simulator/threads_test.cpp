@@ -56,8 +56,7 @@ TEST(Threads, TheirNumberChangesNothingAndTheSeedEverything) {
 }
 
 // Stops the measurement from within, at its tenth A-scan.
-class StoppingPhantom : public Phantom {
- public:
+struct StoppingPhantom : Phantom {
   void describe(double, double, double, DepthProfile&) const override {
     if (++seen == 10) device->stop();
   }
