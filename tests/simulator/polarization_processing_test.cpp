@@ -142,7 +142,6 @@ TEST(PolarizationProcessing, RefusesWhatItCannotDo) {
   const auto sensors = random_sensors(1);
   auto& [first, second] = sensors->fields;
   EXPECT_THROW(sensors->processing.execute(first, second), std::logic_error);
-  EXPECT_THROW(sensors->processing.set_averaging(0, 0), std::invalid_argument);
   EXPECT_THROW(sensors->processing.set_dopu_box(2, -3), std::invalid_argument);
   EXPECT_THROW(sensors->processing.set_volume_averaging(0), std::invalid_argument);
   EXPECT_THROW(sensors->processing.set_threshold(std::nan("")), std::invalid_argument);

@@ -36,7 +36,7 @@ TEST(ParallelRanges, CoversEveryItemOnceAndPassesOnAnExceptionOfAnyWorker) {
 std::vector<std::vector<float>> everything(std::uint64_t seed, int workers) {
   Device device(Spectrometer(128, 1300.0, 3.6), std::make_shared<FingerPad>(seed), seed, 2);
   Sensors sensors;
-  sensors.measure(device, ScanPattern(13, 3, 3.0, 3.0), workers);
+  sensors.measure(device, ScanPattern(17, 3, 3.0, 3.0), workers);
   Data surface;
   find_surface(sensors.pictures[0], surface, workers);
   std::vector<std::vector<float>> results{sensors.pictures[0].samples(), sensors.pictures[1].samples(),
