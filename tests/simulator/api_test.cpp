@@ -40,7 +40,7 @@ class DeviceApi : public DeviceObjectsTest {
     return samples_of(data_);
   }
 
-  const Scan scan_{createSimulatedPolarizationDevice(OCT_PHANTOM_POLARIZATION_TARGET, 256, 7), 20, 3, 2.0,
+  const Scan scan_{createSimulatedPolarizationDevice(OCT_PHANTOM_POLARIZATION_TARGET, 128, 7), 20, 3, 2.0,
                    1.5};
   const PolarizationProcessingHandle polarization_ = createSimulatedPolarizationProcessing(scan_.device);
   const OwnedRawData raws_[2];
@@ -52,12 +52,12 @@ TEST_F(DeviceApi, SizesAndRangesFollowDeviceAndPattern) {
   EXPECT_EQ(sizes_of(data_), Sizes{});
   EXPECT_EQ(ranges_of(data_), Ranges{});
   EXPECT_EQ(getDataPtr(data_), nullptr);
-  EXPECT_EQ(getDevicePropertyInt(scan_.device, 0), 256);
+  EXPECT_EQ(getDevicePropertyInt(scan_.device, 0), 128);
   EXPECT_EQ(getDevicePropertyFloat(scan_.device, 1), 3.6);
   measure();
   compute(setPolarizationOutputI);
-  EXPECT_EQ(sizes_of(data_), (Sizes{128, 20, 3}));
-  EXPECT_EQ(getDataPropertyInt(data_, 5), 128 * 20 * 3 * 4);
+  EXPECT_EQ(sizes_of(data_), (Sizes{64, 20, 3}));
+  EXPECT_EQ(getDataPropertyInt(data_, 5), 64 * 20 * 3 * 4);
   EXPECT_EQ(ranges_of(data_), (Ranges{3.6, 2.0, 1.5}));
   setDataRange(data_, 2.5, 1.0, 0.5);
   EXPECT_EQ(ranges_of(data_), (Ranges{2.5, 1.0, 0.5}));
@@ -67,7 +67,7 @@ TEST_F(DeviceApi, SizesAndRangesFollowDeviceAndPattern) {
 }
 
 TEST_F(DeviceApi, WrongOrderAndWrongArgumentsAreErrors) {
-  const Scan single(createSimulatedDevice(OCT_PHANTOM_MIRROR, 128, 1), 20, 1, 2.0, 1.5);
+  const Scan single(createSimulatedDevice(OCT_PHANTOM_MIRROR, 64, 1), 20, 1, 2.0, 1.5);
   const OCTDeviceHandle device = scan_.device;
   RawDataHandle const raw = raws_[0];
   DataHandle const data = data_;
@@ -148,7 +148,7 @@ TEST_F(DeviceObjectsTest, ManyThreadsMayCreateAndClear) {
 
 TEST_F(DeviceApi, ProcessingAndPatternOutliveTheDevice) {
   EXPECT_EQ(object_count_seen_from_c(), 9);
-  const auto device = createSimulatedDevice(OCT_PHANTOM_MIRROR, 128, 7);
+  const auto device = createSimulatedDevice(OCT_PHANTOM_MIRROR, 64, 7);
   const auto processing = createSimulatedProcessing(device);
   const auto pattern = createSimulatedScanPattern(device, 20, 1, 1.0, 1.0);
   startMeasurement(device, pattern, 0);
@@ -189,8 +189,8 @@ TEST_F(DeviceApi, PropertiesReachTheProcessing) {
   for (const auto& [output, first, initial] :
        {std::tuple{&setPolarizationOutputQ, 5, 1}, {&setPolarizationOutputDOPU, 0, 3}}) {
     const auto before = compute(output);
-    for (const std::size_t distance : {1, 128, 128 * 20}) {
-      const int property = first + (distance > 1) + (distance > 128);
+    for (const std::size_t distance : {1, 64, 64 * 20}) {
+      const int property = first + (distance > 1) + (distance > 64);
       setPolarizationPropertyInt(polarization_, property, 1000);
       const auto averaged = compute(output);
       EXPECT_NE(averaged, before);
