@@ -1,6 +1,7 @@
 // What is computed of samples, colours and pictures.
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include "apps/test_files.h"
 #include "data/colormap.h"
@@ -13,20 +14,11 @@ namespace {
 constexpr float not_a_number = std::numeric_limits<float>::quiet_NaN();
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
-TEST(Quantile, IsLinearBetweenRanks) {
-  const auto quantile_of = [](std::vector<float> values, double share) { return quantile(values, share); };
-  EXPECT_EQ(quantile_of({7}, 0.995), 7);
-  EXPECT_DOUBLE_EQ(quantile_of({10, 0}, 0.25), 2.5);
-  EXPECT_DOUBLE_EQ(quantile_of({4, 1, 3, 2}, 0.5), 2.5);
-  EXPECT_DOUBLE_EQ(quantile_of({4, 1, 3, 2}, 1.0), 4);
-  EXPECT_DOUBLE_EQ(quantile_of({4, 1, 3, 2}, 0.0), 1);
-}
-
 void expect_range(const std::vector<float>& samples, double lower, double upper) {
   for (const auto& find : {automatic_range, quick_range}) {
     const ValueRange range = find(samples, image_shares).value();
-    EXPECT_EQ(range.lower, lower);
-    EXPECT_EQ(range.upper, upper);
+    EXPECT_DOUBLE_EQ(range.lower, lower);
+    EXPECT_DOUBLE_EQ(range.upper, upper);
   }
 }
 
@@ -36,80 +28,59 @@ TEST(AutomaticRange, TakesPercentilesOfFiniteSamples) {
   for (const float not_finite : {not_a_number, infinity, -infinity})
     samples.insert(samples.begin() + 500, 500, not_finite);
   expect_range(samples, 10, 995);
+  expect_range({200, 40, 0, 160, 120, 80}, 2, 199);  // linear between ranks
   EXPECT_FALSE(automatic_range(std::vector<float>{not_a_number, infinity}, image_shares));
   EXPECT_FALSE(automatic_range(std::vector<float>{}, image_shares));
   // Every second of so many is enough.
   std::vector<float> many(5'000'001, 1);
   for (std::size_t i = 1; i < many.size(); i += 2) many[i] = 9;
   EXPECT_EQ(quick_range(many, image_shares)->upper, 2);
-}
-
-TEST(AutomaticRange, IsNeverEmpty) {
-  expect_range({-3, -3, -3}, -3, -2);
+  expect_range({-3, -3, -3}, -3, -2);  // never empty
   // One bright sample in a thousand lies beyond the upper percentile.
   std::vector<float> sparse(1000, 0.0F);
   sparse[123] = 255;
   expect_range(sparse, 0, 255);
 }
 
-TEST(LooksLinear, TellsLinearFromLogarithmicSamples) {
-  std::vector<float> decibels(1000), linear(1000);
-  for (std::size_t i = 0; i < decibels.size(); ++i) {
-    decibels[i] = 60 * static_cast<float>(i) / 1000;
-    linear[i] = std::pow(10.0F, (decibels[i] - 60) / 10);
-  }
-  EXPECT_TRUE(looks_linear(linear, automatic_range(linear, image_shares).value()));
-  EXPECT_FALSE(looks_linear(decibels, automatic_range(decibels, image_shares).value()));
+TEST(LooksLinear, NeitherAMaskNorWhatIsLogarithmic) {
+  EXPECT_TRUE(looks_linear(std::vector<float>{0.001F, 0.01F, 0.1F, 0.1F, 255}, {0, 255}));
   EXPECT_FALSE(looks_linear(std::vector<float>{0, 0, 0, 0, 255}, {0, 255}));  // a mask
+  EXPECT_FALSE(looks_linear(std::vector<float>{0, 10, 20, 30, 40, 60}, {0, 60}));
   EXPECT_FALSE(looks_linear(std::vector<float>{-90, -80, -20}, {-90, -20}));
-}
-
-TEST(Decibels, HaveNoValueForWhatIsNotPositive) {
-  std::vector<float> samples{1, 10, 0.001F, 0, -1, not_a_number, infinity};
-  to_decibels(samples);
-  samples[2] = std::round(samples[2]);
-  EXPECT_EQ(samples, (std::vector<float>{0, 20, -60, -infinity, -infinity, -infinity, infinity}));
 }
 
 // These maps are made to get brighter evenly; a slip in a table would show as a step.
 TEST(NamedColormaps, GetBrighterEvenlyBetweenTheirKnownEnds) {
-  const auto check = [](const std::string& name, Rgba first, Rgba last) {
+  const std::tuple<std::string, Rgba, Rgba> maps[] = {{"gray", {0, 0, 0, 255}, {255, 255, 255, 255}},
+                                                      {"viridis", {68, 1, 84, 255}, {253, 231, 37, 255}},
+                                                      {"inferno", {0, 0, 4, 255}, {252, 255, 164, 255}},
+                                                      {"magma", {0, 0, 4, 255}, {252, 253, 191, 255}},
+                                                      {"cividis", {0, 34, 78, 255}, {254, 232, 56, 255}}};
+  for (const auto& [name, first, last] : maps) {
     SCOPED_TRACE(name);
     const Colormap colors = find_colormap(name).value();
     ASSERT_EQ(colors.size(), 256U);
     EXPECT_EQ(colors.front(), first);
     EXPECT_EQ(colors.back(), last);
     const auto luma = [](Rgba color) { return 0.2126 * color[0] + 0.7152 * color[1] + 0.0722 * color[2]; };
-    for (std::size_t i = 1; i < colors.size(); ++i) {
-      EXPECT_GT(luma(colors[i]), luma(colors[i - 1]) - 0.5);
-      EXPECT_LT(luma(colors[i]), luma(colors[i - 1]) + 3);
-    }
-  };
-  check("gray", {0, 0, 0, 255}, {255, 255, 255, 255});
-  check("viridis", {68, 1, 84, 255}, {253, 231, 37, 255});
-  check("inferno", {0, 0, 4, 255}, {252, 255, 164, 255});
-  check("magma", {0, 0, 4, 255}, {252, 253, 191, 255});
-  check("cividis", {0, 34, 78, 255}, {254, 232, 56, 255});
+    for (std::size_t i = 1; i < colors.size(); ++i)
+      EXPECT_NEAR(luma(colors[i]) - luma(colors[i - 1]), 1.25, 1.75) << i;
+  }
 }
 
 TEST(ColormapArithmetic, SetsAlphaAndFlattensOntoTheBackground) {
   Colormap ramp(3, {1, 2, 3, 255});
   add_opacity_ramp(ramp, 0.5);
   EXPECT_EQ(ramp, (Colormap{{1, 2, 3, 0}, {1, 2, 3, 32}, {1, 2, 3, 128}}));
-  Colormap scaled{{1, 2, 3, 255}, {4, 5, 6, 100}};
-  scale_alpha(scaled, 0.5);
-  EXPECT_EQ(scaled, (Colormap{{1, 2, 3, 128}, {4, 5, 6, 50}}));
   Colormap flat{{200, 100, 0, 0}, {200, 100, 0, 255}, {200, 100, 0, 51}};
   flatten_onto(flat, 0x0A141E);
   EXPECT_EQ(flat, (Colormap{{10, 20, 30, 255}, {200, 100, 0, 255}, {48, 36, 24, 255}}));
 }
 
-void expect_size(PictureSize size, unsigned width, unsigned height) {
-  EXPECT_EQ(size.width, width);
-  EXPECT_EQ(size.height, height);
-}
-
 TEST(PictureSizes, FollowTheSpacing) {
+  const auto expect_size = [](PictureSize size, unsigned width, unsigned height) {
+    EXPECT_EQ(std::pair(size.width, size.height), std::pair(width, height));
+  };
   expect_size(natural_picture_size(512, 1272, {1, 1}), 1272, 512);
   expect_size(natural_picture_size(496, 768, {3.872, 14.24}), 2824, 496);
   expect_size(natural_picture_size(512, 1272, {5.75, 3.1}), 1272, 950);
@@ -118,13 +89,6 @@ TEST(PictureSizes, FollowTheSpacing) {
   expect_size(natural_picture_size(1000, 8192, {1, 1}), 4096, 500);
   expect_size(natural_picture_size(100, 100, {1, 1e6}), 4096, 1);
   expect_size(natural_picture_size(100, 100, {1e300, 1e-300}), 1, 4096);
-}
-
-TEST(PicturePixels, AreTurnedOverAndReordered) {
-  const std::vector<std::uint8_t> frame{1, 2, 3, 255, 4,  5,  6,  255,  // bottom row
-                                        7, 8, 9, 255, 10, 11, 12, 0};   // top row
-  EXPECT_EQ(to_picture({2, 2}, frame).pixels,
-            (std::vector<std::uint8_t>{9, 8, 7, 12, 11, 10, 3, 2, 1, 6, 5, 4}));
 }
 
 }  // namespace

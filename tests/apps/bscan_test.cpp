@@ -58,13 +58,13 @@ TEST_F(Bscan, ReportsFilesAndKeepsWhatIsThere) {
   write_npy("in.npy", "1, 2", {0, -1});
   expect_error(3, "--db", "in.npy: the image holds no finite sample");
   // Larger than the textures of any driver that the project knows.
-  write_file("in.npy", npy_bytes(npy_dictionary("|u1", false, "65536, 2"), std::string(131072, 'x')));
+  write_file("in.npy", npy_array("|u1", "65536, 2", std::string(131072, 'x')));
   expect_error(1, "", "octrender: rendering failed: Cannot generate a texture of the required size.");
   write_file("out.png", "old");
   EXPECT_EQ(run(""), 1);
   EXPECT_EQ(run_bare("bscan out.png -o out.png"), 2);
   EXPECT_EQ(run("--overlay out.png"), 2);
-  EXPECT_EQ(read_file("out.png"), "old");
+  EXPECT_EQ(InputFile("out.png").whole(), "old");
 }
 
 TEST_F(Bscan, PlacesSamplesByItsOptions) {

@@ -4,15 +4,12 @@
 namespace oct::app::test {
 namespace {
 
-class ColormapFile : public testing::Test {
+class ColormapFile : public ReaderTest {
  protected:
   Colormap read(const std::string& text) {
     write_file(path_, text);
     return read_colormap(path_);
   }
-
-  TemporaryFolder folder_;
-  std::filesystem::path path_ = folder_ / "map.csv";
 };
 
 TEST_F(ColormapFile, ReadsWholeNumbersAndFractions) {
@@ -49,7 +46,7 @@ TEST_F(ColormapFile, NamesTheLineOfAnError) {
       {lines(1), "a colour map has from 2 to 4096 colours, this one 1"},
       {lines(4097), "a colour map has from 2 to 4096 colours, this one 4097"}};
   for (const auto& [text, words] : cases) {
-    expect_in("map.csv: " + words, error_of<ReadError>([&] { read(text); }));
+    expect_in(to_utf8(path_) + ": " + words, error_of<ReadError>([&] { read(text); }));
   }
 }
 

@@ -2,30 +2,16 @@
 #include "data/live_statistics.h"
 
 #include <array>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 namespace oct::app::test {
 namespace {
 
-using Time = LiveStatistics::Time;
-
-Time at(int milliseconds) {
-  return Time(std::chrono::milliseconds(milliseconds));
+LiveStatistics::Time at(int milliseconds) {
+  return LiveStatistics::Time(std::chrono::milliseconds(milliseconds));
 }
-
-// The first volume, which is not announced, is on the screen at 100 ms.
-struct LiveStatisticsTest : testing::Test {
-  LiveStatisticsTest() {
-    statistics.frame(at(80), at(90), 0);
-    EXPECT_FALSE(statistics.begin());
-    statistics.frame(at(90), at(100), 1);
-    EXPECT_EQ(statistics.begin(), at(100));
-  }
-  LiveReport report(unsigned dropped = 0) { return statistics.report(at(1100), dropped); }
-
-  LiveStatistics statistics;
-};
 
 // acquired, shown, dropped, frames
 using Counts = std::array<unsigned, 4>;
@@ -35,41 +21,45 @@ void expect_report(const LiveReport& report, const Counts& counts, const std::ve
   EXPECT_EQ(report.latencies, latencies);
 }
 
-TEST_F(LiveStatisticsTest, LatencyEndsWithTheFrameThatShowsTheVolume) {
-  expect_report(report(), {0, 0, 0, 0}, {});
-  EXPECT_EQ(report().latency_at(0.5), 0.0F);
+TEST(LiveStatistics, LatencyEndsWithTheFrameThatShowsTheVolume) {
+  LiveStatistics statistics;
+  statistics.frame(at(80), at(90), 0);
+  EXPECT_FALSE(statistics.begin());
+  statistics.frame(at(90), at(100), 1);  // the first volume, which is not announced
+  EXPECT_EQ(statistics.begin(), at(100));
+  expect_report(statistics.report(at(110), 0), {0, 0, 0, 0}, {});
+  EXPECT_EQ(statistics.report(at(110), 0).latency_at(0.5), 0.0F);
   statistics.acquired(at(200), 0);
   statistics.frame(at(205), at(210), 1);  // still the volume before
   statistics.frame(at(210), at(240), 2);
   statistics.acquired(at(300), 0);
   statistics.frame(at(300), at(310), 3);
-  expect_report(report(), {2, 2, 0, 3}, {10, 40});
-  EXPECT_DOUBLE_EQ(report().seconds, 1.0);
-  EXPECT_DOUBLE_EQ(report().worst_frame, 30.0);
+  const LiveReport report = statistics.report(at(1100), 0);
+  expect_report(report, {2, 2, 0, 3}, {10, 40});
+  EXPECT_DOUBLE_EQ(report.seconds, 1.0);
+  EXPECT_DOUBLE_EQ(report.worst_frame, 30.0);
+  // The next volume may be announced before the one on its way is on the screen.
+  statistics.acquired(at(400), 0);
+  statistics.acquired(at(430), 0);
+  statistics.frame(at(440), at(450), 4);
+  statistics.frame(at(450), at(455), 5);
+  expect_report(statistics.report(at(500), 0), {4, 4, 0, 5}, {10, 25, 40, 50});
+  // A dropped volume is never the one on the screen.
+  statistics.acquired(at(550), 0);
+  statistics.acquired(at(600), 0);
+  statistics.acquired(at(700), 1);  // that of 600 was dropped, that of 550 is on its way
+  statistics.frame(at(710), at(720), 7);
+  statistics.acquired(at(800), 1);
+  statistics.acquired(at(900), 2);   // that of 800 was dropped
+  statistics.acquired(at(1000), 3);  // that of 900, too
+  statistics.frame(at(1001), at(1005), 8);
+  expect_report(statistics.report(at(1100), 3), {10, 7, 3, 7}, {5, 10, 20, 25, 40, 50, 170});
+  for (const auto& [share, latency] :
+       {std::pair{0.0, 5}, {0.2, 10}, {0.5, 25}, {0.85, 50}, {0.99, 170}, {1.0, 170}})
+    EXPECT_EQ(statistics.report(at(1100), 3).latency_at(share), latency) << "by rank: " << share;
 }
 
-// The next volume may be announced before the one on its way is on the screen.
-TEST_F(LiveStatisticsTest, VolumesAreShownInTheirOrder) {
-  statistics.acquired(at(200), 0);
-  statistics.acquired(at(230), 0);
-  statistics.frame(at(240), at(250), 2);
-  statistics.frame(at(250), at(255), 3);
-  expect_report(report(), {2, 2, 0, 2}, {25, 50});
-}
-
-TEST_F(LiveStatisticsTest, ADroppedVolumeIsNeverTheOneOnTheScreen) {
-  statistics.acquired(at(150), 0);
-  statistics.acquired(at(200), 0);
-  statistics.acquired(at(300), 1);  // that of 200 was dropped, that of 150 is on its way
-  statistics.frame(at(310), at(320), 3);
-  statistics.acquired(at(400), 1);
-  statistics.acquired(at(500), 2);  // that of 400 was dropped
-  statistics.acquired(at(600), 3);  // that of 500, too
-  statistics.frame(at(601), at(605), 4);
-  expect_report(report(3), {6, 3, 3, 2}, {5, 20, 170});
-}
-
-TEST(LiveStatisticsBefore, DropsBeforeTheFirstVolumeDoNotCount) {
+TEST(LiveStatistics, DropsBeforeTheFirstVolumeDoNotCount) {
   LiveStatistics statistics;
   statistics.acquired(at(10), 1);  // the first one was dropped
   statistics.acquired(at(20), 2);  // and that of 10
@@ -77,14 +67,6 @@ TEST(LiveStatisticsBefore, DropsBeforeTheFirstVolumeDoNotCount) {
   statistics.acquired(at(40), 2);
   statistics.frame(at(45), at(50), 2);
   expect_report(statistics.report(at(100), 2), {1, 1, 0, 1}, {10});
-}
-
-TEST(LiveReport, PercentilesAreByRank) {
-  LiveReport all;
-  for (int i = 1; i <= 200; ++i) all.latencies.push_back(static_cast<float>(i));
-  EXPECT_EQ(all.latency_at(0.99), 198.0F);
-  EXPECT_EQ(all.latency_at(1.0), 200.0F);
-  EXPECT_EQ(all.latency_at(0.0), 1.0F);
 }
 
 }  // namespace

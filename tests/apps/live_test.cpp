@@ -20,16 +20,9 @@ class Live : public ProgramTest {
     return std::atof(out_text_.c_str() + out_text_.find(words) + words.size());
   }
 
-  // A volume of 8 B-scans, 32 depths and 16 A-scans: 1 where the condition holds.
   template <class Condition>
   static void write_where(Condition condition) {
-    std::vector<float> values;
-    for (int i = 0; i < 8 * 32 * 16; ++i)
-      values.push_back(condition(i / 16 % 32, i % 16, i / 512) ? 1.0F : 0.0F);
-    write_npy("in.npy", "8, 32, 16", values);
-  }
-  static void write_bright_above(int depth) {
-    write_where([=](int z, int, int) { return z < depth; });
+    write_npy("in.npy", "8, 32, 16", volume_where(32, 16, 8, condition));
   }
 };
 
@@ -72,13 +65,13 @@ TEST_F(Live, PlaysAVolumeBackAsOctrenderVolumeDrawsIt) {
 
 TEST_F(Live, CropsAndFlattensTheBox) {
   // Half the depth samples with half the extent: only the bright part is left, and it fills the box.
-  write_bright_above(16);
+  write_where([](int z, int, int) { return z < 16; });
   draw(front + playback + "--depth 4 --size-z 16");
   expect_in("16 x 16 x 8 samples", out_text_);
   EXPECT_GT(red_at(0.5, 0.45), 200);
   EXPECT_GT(red_at(0.5, 0.55), 200);
   // What was bright far from the middle is background.
-  write_bright_above(32);
+  write_where([](int, int, int) { return true; });
   draw(front + playback + "--depth 4");
   EXPECT_GT(red_at(0.5, 0.4), 200);
   draw(front + playback + "--depth 4 --refractive-index 8");
@@ -87,7 +80,7 @@ TEST_F(Live, CropsAndFlattensTheBox) {
 }
 
 TEST_F(Live, NumbersItsSnapshots) {
-  write_bright_above(16);
+  write_where([](int z, int, int) { return z < 16; });
   ASSERT_EQ(run("--snapshots 3 --seconds 0.6 --playback in.npy --noise 0.5"), 0) << error_text_;
   EXPECT_FALSE(std::filesystem::exists("out.png"));
   EXPECT_TRUE(std::filesystem::exists("out-001.png"));

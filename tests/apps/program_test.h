@@ -6,13 +6,38 @@
 #include <iostream>
 #include <iterator>
 #include <limits>
+#include <memory>
 #include <sstream>
 #include <utility>
 
+#include <stb/stb_image.h>
+
 #include "apps/test_files.h"
+#include "data/picture.h"
 #include "octrender/program.h"
 
 namespace oct::app::test {
+
+inline Picture read_picture(const std::filesystem::path& path) {
+  const std::string bytes = InputFile(path).whole();
+  int width = 0, height = 0, channels = 0;
+  const std::unique_ptr<stbi_uc, decltype(&stbi_image_free)> pixels(
+      stbi_load_from_memory(reinterpret_cast<const stbi_uc*>(bytes.data()), static_cast<int>(bytes.size()),
+                            &width, &height, &channels, 3),
+      stbi_image_free);
+  if (!pixels) throw std::runtime_error("no picture in " + to_utf8(path));
+  const PictureSize size{static_cast<unsigned>(width), static_cast<unsigned>(height)};
+  return {size, {pixels.get(), pixels.get() + std::size_t{size.width} * size.height * 3}};
+}
+
+// A volume of three axes (B-scan, depth, A-scan): 1 where the condition holds for depth, A-scan and B-scan.
+template <class Condition>
+std::vector<float> volume_where(int depth, int a_scans, int b_scans, Condition condition) {
+  std::vector<float> values;
+  for (int i = 0; i < depth * a_scans * b_scans; ++i)
+    values.push_back(condition(i / a_scans % depth, i % a_scans, i / a_scans / depth));
+  return values;
+}
 
 class ProgramTest : public testing::Test {
  protected:
@@ -28,11 +53,14 @@ class ProgramTest : public testing::Test {
   int run_bare(const std::string& words) {
     std::istringstream stream(words);
     const std::vector<std::string> arguments(std::istream_iterator<std::string>(stream), {});
-    const CapturedStream error(std::cerr);
-    const CapturedStream out(std::cout);
+    std::ostringstream error, out;
+    auto* const error_before = std::cerr.rdbuf(error.rdbuf());
+    auto* const out_before = std::cout.rdbuf(out.rdbuf());
     const int code = run_program(arguments);
-    error_text_ = error.text().substr(error.text().rfind('\r') + 1);  // progress is written over
-    out_text_ = out.text();
+    std::cerr.rdbuf(error_before);
+    std::cout.rdbuf(out_before);
+    error_text_ = error.str().substr(error.str().rfind('\r') + 1);  // progress is written over
+    out_text_ = out.str();
     return code;
   }
 

@@ -5,35 +5,25 @@
 namespace oct::app::test {
 namespace {
 
-struct Page {
-  std::uint32_t width = 3;
-  std::uint32_t height = 2;
-  int bits = 8;
-  int format = SAMPLEFORMAT_UINT;
-  int photometric = PHOTOMETRIC_MINISBLACK;
-  int compression = COMPRESSION_NONE;
-  int samples_per_pixel = 1;
-};
+using Tags = std::map<int, int>;
 
 class TiffReader : public ReaderTest {
  protected:
+  // Two rows of three gray samples, where the tags say nothing else.
   template <class T>
-  void write(const Page& page, const std::vector<T>& samples, const char* mode = "w") {
+  void write(Tags tags, std::vector<T> samples, const char* mode = "w") {
+    Tags usual{{TIFFTAG_IMAGEWIDTH, 3},
+               {TIFFTAG_IMAGELENGTH, 2},
+               {TIFFTAG_BITSPERSAMPLE, 8 * sizeof(T)},
+               {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK},
+               {TIFFTAG_ROWSPERSTRIP, 1}};
+    tags.merge(usual);
     TIFF* tiff = TIFFOpen(path_.c_str(), mode);
     ASSERT_NE(tiff, nullptr);
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, page.width);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, page.height);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, page.bits);
-    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, page.samples_per_pixel);
-    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, page.format);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, page.photometric);
-    TIFFSetField(tiff, TIFFTAG_COMPRESSION, page.compression);
-    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 1);
-    std::vector<T> copy = samples;
-    const std::size_t row_samples = samples.size() / page.height;
-    for (std::uint32_t row = 0; row < page.height; ++row) {
-      ASSERT_EQ(TIFFWriteScanline(tiff, &copy[row * row_samples], row), 1);
-    }
+    for (const auto& [tag, value] : tags) TIFFSetField(tiff, static_cast<std::uint32_t>(tag), value);
+    const auto rows = static_cast<std::uint32_t>(tags[TIFFTAG_IMAGELENGTH]);
+    for (std::uint32_t row = 0; row < rows; ++row)
+      ASSERT_EQ(TIFFWriteScanline(tiff, &samples[row * samples.size() / rows], row), 1);
     ASSERT_EQ(TIFFWriteDirectory(tiff), 1);
     TIFFClose(tiff);
   }
@@ -44,26 +34,27 @@ class TiffReader : public ReaderTest {
 };
 
 TEST_F(TiffReader, ReadsEveryTypeAndForm) {
-  const auto expect_read = [&]<class T>(const Page& page, const char* mode, const std::vector<T>& samples,
+  const auto expect_read = [&]<class T>(const Tags& tags, const char* mode, const std::vector<T>& samples,
                                         const std::vector<float>& wanted) {
-    write(page, samples, mode);
+    write(tags, samples, mode);
     EXPECT_EQ(load().image.samples, wanted);
     EXPECT_EQ(load().image.depth, 2U);
   };
   const std::vector<std::uint8_t> bytes{0, 1, 2, 3, 4, 255};
   expect_read({}, "w", bytes, {0, 3, 1, 4, 2, 255});
   expect_read({}, "w8", bytes, {0, 3, 1, 4, 2, 255});  // offsets of 64 bits
-  expect_read({.photometric = PHOTOMETRIC_MINISWHITE}, "w", bytes, {255, 252, 254, 251, 253, 0});
+  expect_read({{TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE}}, "w", bytes, {255, 252, 254, 251, 253, 0});
   const std::vector<std::uint16_t> words{0, 1, 2, 300, 40000, 65535};
-  expect_read({.bits = 16}, "w", words, {0, 300, 1, 40000, 2, 65535});
-  expect_read({.bits = 16, .compression = COMPRESSION_LZW}, "wb", words, {0, 300, 1, 40000, 2, 65535});
+  expect_read({}, "w", words, {0, 300, 1, 40000, 2, 65535});
+  expect_read({{TIFFTAG_COMPRESSION, COMPRESSION_LZW}}, "wb", words, {0, 300, 1, 40000, 2, 65535});
   const std::vector<float> numbers{-1.5F, 0, 1, 2, 3, 1e20F};
-  expect_read({.bits = 32, .format = SAMPLEFORMAT_IEEEFP}, "w", numbers, {-1.5F, 2, 0, 3, 1, 1e20F});
+  expect_read({{TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP}}, "w", numbers, {-1.5F, 2, 0, 3, 1, 1e20F});
 }
 
 TEST_F(TiffReader, PicksAPage) {
   for (std::uint8_t page = 0; page < 3; ++page) {
-    write<std::uint8_t>({.width = 1, .height = 1}, {static_cast<std::uint8_t>(page * 10)}, page ? "a" : "w");
+    write<std::uint8_t>({{TIFFTAG_IMAGEWIDTH, 1}, {TIFFTAG_IMAGELENGTH, 1}},
+                        {static_cast<std::uint8_t>(page * 10)}, page ? "a" : "w");
   }
   EXPECT_EQ(load(2).image.samples, std::vector<float>{20});
   const LoadedImage middle = load();
@@ -80,9 +71,9 @@ TEST_F(TiffReader, PicksAPage) {
 }
 
 TEST_F(TiffReader, RefusesOtherKinds) {
-  write<std::int16_t>({.bits = 16, .format = SAMPLEFORMAT_INT}, {0, 1, 2, 3, 4, -5});
+  write<std::int16_t>({{TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_INT}}, {0, 1, 2, 3, 4, -5});
   expect_in("16 bits", error_of<ReadError>([&] { load(); }));
-  write<std::uint8_t>({.photometric = PHOTOMETRIC_RGB, .samples_per_pixel = 3},
+  write<std::uint8_t>({{TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB}, {TIFFTAG_SAMPLESPERPIXEL, 3}},
                       std::vector<std::uint8_t>(18, 1));
   expect_in("only gray", error_of<ReadError>([&] { load(); }));
 }
@@ -90,7 +81,7 @@ TEST_F(TiffReader, RefusesOtherKinds) {
 // Cut anywhere, the file must be refused and neither crash the program nor pass as an image.
 TEST_F(TiffReader, RefusesTruncatedFiles) {
   write<std::uint8_t>({}, {0, 1, 2, 3, 4, 255});
-  const std::string good = read_file(path_);
+  const std::string good = InputFile(path_).whole();
   for (std::size_t length = 4; length < good.size() - 4; ++length)
     expect_refused({{good.substr(0, length), ""}});
 }

@@ -4,18 +4,10 @@
 namespace oct::app::test {
 namespace {
 
-// A volume of three axes (B-scan, depth, A-scan), 1 where the condition holds.
-template <class Condition>
-std::vector<float> volume_where(Condition condition) {
-  std::vector<float> values;
-  for (int i = 0; i < 5 * 6 * 4; ++i) values.push_back(condition(i / 4 % 6, i % 4, i / 24) ? 1.0F : 0.0F);
-  return values;
-}
-
 class Volume : public ProgramTest {
  protected:
   Volume() : ProgramTest("volume in.npy -o out.png --size 80x60") {
-    write(volume_where([](int z, int, int) { return z < 3; }));
+    write(volume_where(6, 4, 5, [](int z, int, int) { return z < 3; }));
   }
   static void write(const std::vector<float>& values) { write_npy("in.npy", "5, 6, 4", values); }
 };
@@ -26,7 +18,7 @@ TEST_F(Volume, DepthRunsDownAndAscansToTheRight) {
   draw(front);
   EXPECT_GT(red_at(0.5, 0.35), 200);
   EXPECT_LT(red_at(0.5, 0.65), 50);
-  write(volume_where([](int, int a, int) { return a >= 2; }));
+  write(volume_where(6, 4, 5, [](int, int a, int) { return a >= 2; }));
   draw(front);
   EXPECT_LT(red_at(0.42, 0.5), 50);
   EXPECT_GT(red_at(0.58, 0.5), 200);
@@ -34,7 +26,7 @@ TEST_F(Volume, DepthRunsDownAndAscansToTheRight) {
 
 // From the front the last B-scan is next to the viewer: an opaque one hides what lies behind.
 TEST_F(Volume, BscansRunTowardsTheViewer) {
-  std::vector<float> values = volume_where([](int, int, int b) { return b >= 3; });
+  std::vector<float> values = volume_where(6, 4, 5, [](int, int, int b) { return b >= 3; });
   for (float& value : values) value = std::max(value, 0.5F);
   write(values);
   write_file("map.csv", "0,0,0,0\n0,0,255,255\n255,0,0,255\n");
@@ -43,7 +35,8 @@ TEST_F(Volume, BscansRunTowardsTheViewer) {
 }
 
 TEST_F(Volume, RawSamplesGiveTheSamePicture) {
-  const std::vector<float> values = volume_where([](int z, int a, int b) { return z < 3 && a > 1 && b > 0; });
+  const std::vector<float> values =
+      volume_where(6, 4, 5, [](int z, int a, int b) { return z < 3 && a > 1 && b > 0; });
   write(values);
   const std::vector<std::uint8_t> wanted = draw(front);
   std::vector<float> raw;  // depth fastest, B-scans slowest
@@ -57,7 +50,7 @@ TEST_F(Volume, RawSamplesGiveTheSamePicture) {
 }
 
 TEST_F(Volume, EveryOptionDrawsAnotherPicture) {
-  write(volume_where([](int z, int a, int) { return z < 3 && a < 2; }));
+  write(volume_where(6, 4, 5, [](int z, int a, int) { return z < 3 && a < 2; }));
   write_npy("heights.npy", "5, 4", std::vector<float>(20, 2.0F));
   expect_other_pictures(
       "", {"--mode mean", "--mode sections --sections 0.2 off 1", "--clip 0.5", "--clip 0.5 --clip-open",
@@ -73,7 +66,7 @@ TEST_F(Volume, EveryOptionDrawsAnotherPicture) {
 }
 
 TEST_F(Volume, ASecondaryMapColoursTheVolume) {
-  write(volume_where([](int, int, int) { return true; }));
+  write(volume_where(6, 4, 5, [](int, int, int) { return true; }));
   write_file("map.csv", "255,0,0\n0,0,255\n");
   write_npy("map.npy", "1, 2", {3.0F, 7.0F});  // of a size of its own, along the A-scans
   draw(

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <filesystem>
 
-#include "support/npy.h"
+#include "data/formats/npy_reader.h"
 #include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
@@ -117,10 +117,9 @@ TEST(DisplayImageGLTest, EqualsReference) {
 TEST(DisplayImageGLTest, SkinEqualsReference) {
   const std::filesystem::path file = std::filesystem::path(OCT_SHARED_DATA) / "bscan_skin_thumb.npy";
   if (!std::filesystem::exists(file)) GTEST_SKIP() << "no recorded data beside the project: " << file;
-  const std::vector<float> rows = read_npy<float>(file, "<f4");
+  app::InputFile input(file);
   Scene scene = scene_of(512, 1272, 640, 700);
-  ASSERT_EQ(rows.size(), scene.image.samples.size());
-  for (std::size_t i = 0; i < rows.size(); ++i) scene.image.samples[i % 1272 * 512 + i / 1272] = rows[i];
+  scene.image.samples = app::to_image(app::read_npy(input, {}), false).samples;
   scene.lower = 20.0;
   scene.upper = 180.0;
   const DisplayStage stage;

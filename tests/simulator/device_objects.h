@@ -4,6 +4,7 @@
 #include <array>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -58,14 +59,13 @@ using OwnedComplexData = Owned<createComplexData, clearComplexData>;
 using Sizes = std::array<int, 3>;
 using Ranges = std::array<double, 3>;
 
+// By their numbers, which clients rely on.
 inline Sizes sizes_of(DataHandle data) {
-  return {getDataPropertyInt(data, OCT_DATA_SIZE_1), getDataPropertyInt(data, OCT_DATA_SIZE_2),
-          getDataPropertyInt(data, OCT_DATA_SIZE_3)};
+  return {getDataPropertyInt(data, 1), getDataPropertyInt(data, 2), getDataPropertyInt(data, 3)};
 }
 
 inline Ranges ranges_of(DataHandle data) {
-  return {getDataPropertyFloat(data, OCT_DATA_RANGE_1), getDataPropertyFloat(data, OCT_DATA_RANGE_2),
-          getDataPropertyFloat(data, OCT_DATA_RANGE_3)};
+  return {getDataPropertyFloat(data, 3), getDataPropertyFloat(data, 4), getDataPropertyFloat(data, 5)};
 }
 
 inline std::vector<float> samples_of(DataHandle data) {
@@ -74,20 +74,15 @@ inline std::vector<float> samples_of(DataHandle data) {
   return {samples, samples + bytes / sizeof(float)};
 }
 
-// A call that fails, and words of its error.
-struct WrongCall {
-  std::function<void()> call;
-  std::string words;
-};
-
-inline void expect_errors(const std::vector<WrongCall>& calls) {
+// Calls that fail, and words of their errors.
+inline void expect_errors(const std::vector<std::pair<std::function<void()>, std::string>>& calls) {
   for (std::size_t i = 0; i < calls.size(); ++i) {
     SCOPED_TRACE(i);
     EXPECT_EQ(isError(), 0) << "before";
-    calls[i].call();
+    calls[i].first();
     const std::string error = pending_error();
     EXPECT_NE(error, "");
-    EXPECT_NE(error.find(calls[i].words), std::string::npos) << error;
+    EXPECT_NE(error.find(calls[i].second), std::string::npos) << error;
   }
 }
 

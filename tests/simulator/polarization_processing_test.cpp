@@ -1,9 +1,10 @@
 // Polarization quantities of random fields against their formulas, worked out by plain loops.
 
+#include <algorithm>
 #include <cmath>
-#include <functional>
 #include <numbers>
 #include <random>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -31,14 +32,15 @@ std::unique_ptr<Sensors> random_sensors(unsigned seed, std::array<int, 3> sizes 
 Stokes boxed_stokes(const Sensors& sensors, Box place, Box box) {
   const auto& sizes = sensors.fields[0].sizes();
   Stokes sum{};
+  Box first, end;
+  for (int axis = 0; axis < 3; ++axis) {
+    first[axis] = std::max(0, place[axis] - (box[axis] - 1) / 2);
+    end[axis] = std::min(sizes[axis], place[axis] + box[axis] / 2 + 1);
+  }
   int count = 0;
-  const auto inside = [&](int axis, int i) {
-    return i >= place[axis] - (box[axis] - 1) / 2 && i <= place[axis] + box[axis] / 2;
-  };
-  for (int z = 0; z < sizes[2]; ++z)
-    for (int y = 0; y < sizes[1]; ++y)
-      for (int x = 0; x < sizes[0]; ++x) {
-        if (!inside(0, x) || !inside(1, y) || !inside(2, z)) continue;
+  for (int z = first[2]; z < end[2]; ++z)
+    for (int y = first[1]; y < end[1]; ++y)
+      for (int x = first[0]; x < end[0]; ++x, ++count) {
         const auto n = static_cast<std::size_t>(x + sizes[0] * (y + sizes[1] * z));
         const std::complex<double> a(sensors.fields[0].samples()[n]);
         const std::complex<double> b(sensors.fields[1].samples()[n]);
@@ -46,7 +48,6 @@ Stokes boxed_stokes(const Sensors& sensors, Box place, Box box) {
         sum[1] += std::norm(a) - std::norm(b);
         sum[2] += 2.0 * (b * std::conj(a)).real();
         sum[3] += 2.0 * (b * std::conj(a)).imag();
-        ++count;
       }
   for (auto& value : sum) value /= count;
   return sum;
@@ -56,13 +57,8 @@ double polarized_part(const Stokes& s) {
   return std::sqrt(s[1] * s[1] + s[2] * s[2] + s[3] * s[3]);
 }
 
-struct Quantity {
-  P::Quantity quantity;
-  double (*formula)(const Stokes&);
-};
-
 constexpr double degrees_per_radian = 180.0 / std::numbers::pi;
-const Quantity quantities[] = {
+const std::pair<P::Quantity, double (*)(const Stokes&)> quantities[] = {
     {P::intensity, [](const Stokes& s) { return 10.0 * std::log10(s[0]); }},
     {P::stokes_q, [](const Stokes& s) { return s[1] / s[0]; }},
     {P::stokes_u, [](const Stokes& s) { return s[2] / s[0]; }},
@@ -80,7 +76,7 @@ const Quantity quantities[] = {
 // one has more places than there are.
 TEST(PolarizationProcessing, QuantitiesFollowTheirFormulasOverTheirBoxes) {
   for (const auto& [sizes, box] : {std::pair{Box{7, 5, 4}, Box{3, 2, 4}},
-                                   {Box{75, 6, 5}, Box{4, 3, 2}},
+                                   {Box{75, 4, 3}, Box{4, 3, 2}},
                                    {Box{5, 3, 2}, Box{1, 1, 1}},
                                    {Box{7, 5, 4}, Box{1000000000, 1000000000, 1000000000}}})
     for (const auto& [quantity, formula] : quantities) {
@@ -109,11 +105,8 @@ TEST(PolarizationProcessing, ThresholdCutsWeakPlacesOfAllButTheIntensity) {
   sensors->processing.set_threshold_enabled(true);
   EXPECT_EQ(sensors->compute(P::intensity).samples(), intensity);
   const auto cut = sensors->compute(P::stokes_q).samples();
-  int weak = 0;
-  for (std::size_t n = 0; n < cut.size(); ++n) {
-    weak += intensity[n] < 4.0F;
-    EXPECT_EQ(cut[n], intensity[n] < 4.0F ? 0.0F : free[n]);
-  }
+  for (std::size_t n = 0; n < cut.size(); ++n) EXPECT_EQ(cut[n], intensity[n] < 4.0F ? 0.0F : free[n]);
+  const auto weak = std::ranges::count(cut, 0.0F);
   EXPECT_GT(weak, 20);
   EXPECT_LT(weak, 120);
 }
@@ -149,7 +142,6 @@ TEST(PolarizationProcessing, RefusesWhatItCannotDo) {
   const auto sensors = random_sensors(1);
   auto& [first, second] = sensors->fields;
   EXPECT_THROW(sensors->processing.execute(first, second), std::logic_error);
-  EXPECT_THROW(sensors->processing.set_averaging(0, 0), std::invalid_argument);
   EXPECT_THROW(sensors->processing.set_dopu_box(2, -3), std::invalid_argument);
   EXPECT_THROW(sensors->processing.set_volume_averaging(0), std::invalid_argument);
   EXPECT_THROW(sensors->processing.set_threshold(std::nan("")), std::invalid_argument);

@@ -6,6 +6,7 @@
 #include <numbers>
 #include <random>
 
+#include <Eigen/Geometry>
 #include <gtest/gtest.h>
 
 #include "phantoms/polarization_target.h"
@@ -18,58 +19,35 @@ constexpr double pi = std::numbers::pi;
 using Complex = std::complex<double>;
 using P = PolarizationProcessing;
 
-// A 2 by 2 matrix in rows.
-struct Matrix {
-  Complex a, b, c, d;
-
-  friend Matrix operator*(const Matrix& l, const Matrix& r) {
-    return {l.a * r.a + l.b * r.c, l.a * r.b + l.b * r.d, l.c * r.a + l.d * r.c, l.c * r.b + l.d * r.d};
-  }
-};
-
-Matrix rotation(double angle) {
-  return {std::cos(angle), -std::sin(angle), std::sin(angle), std::cos(angle)};
-}
-
 TEST(LightPath, FollowsTheMatricesOfManyRetardersThereAndBack) {
+  using Matrix = Eigen::Matrix2cd;
+  const Complex i(0.0, 1.0);
   std::mt19937 random(4);
   std::uniform_real_distribution<double> angle(0.0, 3.0);
   LightPath path;
-  Matrix there{1.0, 0.0, 0.0, 1.0};
-  Matrix back = there;
+  Matrix there = Matrix::Identity(), back = there;
   for (int layer = 0; layer < 12; ++layer) {
     const double retardance = angle(random);
     const double axis = angle(random);
     path.pass(retardance, axis);
-    const Matrix phases{std::polar(1.0, -retardance / 2.0), 0.0, 0.0, std::polar(1.0, retardance / 2.0)};
-    const Matrix retarder = rotation(axis) * phases * rotation(-axis);
+    const Matrix turn = Eigen::Rotation2Dd(axis).toRotationMatrix().cast<Complex>();
+    const Eigen::Vector2cd phases(std::polar(1.0, -retardance / 2.0), std::polar(1.0, retardance / 2.0));
+    const Matrix retarder = turn * phases.asDiagonal() * turn.transpose();
     // A retarder's matrix is symmetric, so that on the way back only the order changes.
     there = retarder * there;
     back = back * retarder;
-    const Matrix whole = back * there;
-    const Complex i(0.0, 1.0);
-    const Complex x = whole.a + i * whole.b;
-    const Complex y = whole.c + i * whole.d;
+    const Eigen::Vector2cd light = back * there * Eigen::Vector2cd(1.0, i);
     const auto seen = path.returned();
-    EXPECT_LT(std::abs(Complex(seen[0]) - 0.5 * (x - i * y)), 1e-6) << layer;
-    EXPECT_LT(std::abs(Complex(seen[1]) - 0.5 * (x + i * y)), 1e-6) << layer;
+    EXPECT_LT(std::abs(Complex(seen[0]) - 0.5 * (light[0] - i * light[1])), 1e-6) << layer;
+    EXPECT_LT(std::abs(Complex(seen[1]) - 0.5 * (light[0] + i * light[1])), 1e-6) << layer;
   }
 }
 
 // Measures a phantom with both sensors.
 std::unique_ptr<Sensors> measure_both(std::shared_ptr<const Phantom> phantom) {
-  Device device(standard_spectrometer(), std::move(phantom), 21, 2);
+  Device device(standard_spectrometer, std::move(phantom), 21, 2);
   auto sensors = std::make_unique<Sensors>();
-  device.start(ScanPattern(64, 1, 3.0, 1.0), 0);
-  for (int camera = 0; camera < 2; ++camera) {
-    RawData raw;
-    device.acquire(raw, camera);
-    const auto field = std::make_shared<ComplexData>();
-    Processing processing(device.calibration());
-    processing.set_output(field);
-    processing.execute(raw);
-    sensors->fields[camera] = *field;
-  }
+  sensors->measure(device, ScanPattern(64, 1, 3.0, 1.0));
   return sensors;
 }
 
@@ -78,10 +56,8 @@ double mean_over(const Volume& volume, double top_mm, double bottom_mm) {
   int count = 0;
   for (int a_scan = 0; a_scan < volume.a_scans(); ++a_scan)
     for (int depth = static_cast<int>(top_mm / volume.cell_mm()); depth * volume.cell_mm() < bottom_mm;
-         ++depth) {
+         ++depth, ++count)
       sum += volume.at(depth, a_scan);
-      ++count;
-    }
   return sum / count;
 }
 
@@ -101,11 +77,8 @@ TEST(Polarization, APlateShowsItsRetardationAndAxisBelowIt) {
       EXPECT_NEAR(mean_over(seen, 0.96, 1.35), retardance, 1.5);
       const auto directions = sensors->compute(P::optic_axis);
       for (int a_scan = 5; a_scan < 60; ++a_scan)
-        for (int depth = 280; depth < 380; ++depth) {
+        for (int depth = 280; depth < 380; ++depth)
           ASSERT_NEAR(std::remainder(directions.at(depth, a_scan) - axis, 180.0), 0.0, 6.0);
-          ASSERT_GE(directions.at(depth, a_scan), 0.0F);
-          ASSERT_LE(directions.at(depth, a_scan), 180.0F);
-        }
       continue;
     }
     // Without the plate, retardation grows with depth in the fibres, and folds back past a quarter turn.

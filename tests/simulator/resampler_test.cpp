@@ -29,17 +29,13 @@ TEST(Resampler, KeepsLevels) {
 }
 
 TEST(Resampler, RefusesPositionsOutsideTheSignal) {
-  EXPECT_THROW(Resampler(20, {-0.1}), std::invalid_argument);
-  EXPECT_THROW(Resampler(20, {19.1}), std::invalid_argument);
-  EXPECT_THROW(Resampler(20, {std::nan("")}), std::invalid_argument);
+  for (const double position : {-0.1, 19.1, std::nan("")})
+    EXPECT_THROW(Resampler(20, {position}), std::invalid_argument) << position;
   EXPECT_THROW(Resampler(4, {1.0}), std::invalid_argument);
 }
 
 TEST(InvertPositions, FindsThePlacesOfWholeValues) {
-  const std::vector<double> expected{0.0, 1.25, 1.75, 3.0};
-  const auto places = invert_positions({0.0, 0.5, 2.5, 3.0});
-  ASSERT_EQ(places.size(), expected.size());
-  for (std::size_t i = 0; i < places.size(); ++i) EXPECT_DOUBLE_EQ(places[i], expected[i]);
+  EXPECT_EQ(invert_positions({0.0, 0.5, 2.5, 3.0}), (std::vector{0.0, 1.25, 1.75, 3.0}));
   EXPECT_THROW(invert_positions({0.0, 0.0, 2.0, 3.0}), std::invalid_argument);
 }
 

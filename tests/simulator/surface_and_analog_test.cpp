@@ -4,6 +4,7 @@
 #include <cmath>
 #include <memory>
 #include <numbers>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -15,26 +16,29 @@
 namespace oct::simulator::test {
 namespace {
 
-TEST(Surface, OfTheFingerPadIsFoundWithinAFewSamples) {
-  const FingerPad finger(3);
-  Device device(standard_spectrometer(), std::make_shared<FingerPad>(3), 3);
-  const ScanPattern pattern(150, 4, 4.0, 3.0);
-  const auto volume = measure(device, pattern);
+Data surface_of(const Volume& volume) {
   Data surface;
   find_surface(volume.data(), surface);
+  return surface;
+}
+
+TEST(Surface, OfTheFingerPadIsFoundWithinAFewSamples) {
+  const auto finger = std::make_shared<FingerPad>(3);
+  Device device(standard_spectrometer, finger, 3);
+  const ScanPattern pattern(150, 4, 4.0, 3.0);
+  const auto volume = measure(device, pattern);
+  Data surface = surface_of(volume);
   ASSERT_EQ(surface.sizes(), (std::array{150, 4, 1}));
   EXPECT_EQ(surface.ranges_mm(), (std::array{4.0, 3.0, 0.0}));
-  const double cell_mm = volume.cell_mm();
   int beside = 0, off = 0;
   double sum = 0.0;
-  for (int b_scan = 0; b_scan < 4; ++b_scan)
-    for (int a_scan = 0; a_scan < 150; ++a_scan) {
-      const double truth = finger.surface_mm(pattern.x_mm(a_scan), pattern.y_mm(b_scan));
-      const double error = (surface.samples()[a_scan + 150 * b_scan] - truth) / cell_mm;
-      beside += std::abs(error) > 2.0;
-      off += std::abs(error) > 4.0;
-      sum += error;
-    }
+  for (int i = 0; i < 600; ++i) {
+    const double truth = finger->surface_mm(pattern.x_mm(i % 150), pattern.y_mm(i / 150));
+    const double error = (surface.samples()[i] - truth) / volume.cell_mm();
+    beside += std::abs(error) > 2.0;
+    off += std::abs(error) > 4.0;
+    sum += error;
+  }
   // Where the surface mirrors the light past the device, the first bright speckle below it is found, or what
   // the background removal has left of a bright reflection nearby just above it.
   EXPECT_LE(beside, 600 / 6);
@@ -43,25 +47,22 @@ TEST(Surface, OfTheFingerPadIsFoundWithinAFewSamples) {
 }
 
 TEST(Surface, OfAMirrorIsItsPeakInSpiteOfSideLobes) {
-  Device device(standard_spectrometer(), std::make_shared<Mirror>(1.0, 0.02, 0.2F), 3);
+  Device device(standard_spectrometer, std::make_shared<Mirror>(1.0, 0.02, 0.2F), 3);
   const ScanPattern pattern(64, 1, 1.0, 1.0);
   const auto volume = measure(device, pattern);
-  Data surface;
-  find_surface(volume.data(), surface);
-  const double cell_mm = volume.cell_mm();
-  for (int a_scan = 0; a_scan < 64; ++a_scan)
-    EXPECT_NEAR(surface.samples()[a_scan], 1.0 + 0.02 * pattern.x_mm(a_scan), 0.6 * cell_mm) << a_scan;
+  Data surface = surface_of(volume);
+  for (int i = 0; i < 64; ++i)
+    EXPECT_NEAR(surface.samples()[i], 1.0 + 0.02 * pattern.x_mm(i), 0.6 * volume.cell_mm()) << i;
 }
 
 TEST(Surface, CountsWithTheRangeOfTheVolumeAndIsTheWholeRangeWhereThereIsNone) {
-  Device device(standard_spectrometer(), std::make_shared<UniformPhantom>(0.0F), 3);
+  Device device(standard_spectrometer, std::make_shared<UniformPhantom>(0.0F), 3);
   const auto volume = measure(device, ScanPattern(40, 2, 1.0, 1.0));
   for (int i = 0; i < 30; ++i) volume.data().samples()[1024 * 7 + 512 + i] += 60.0F;
   volume.data().set_ranges({2.0, 1.0, 1.0});
-  Data surface;
-  find_surface(volume.data(), surface);
-  for (int index = 0; index < 80; ++index)
-    EXPECT_NEAR(surface.samples()[index], index == 7 ? 1.0 : 2.0, index == 7 ? 0.03 : 0.0) << index;
+  Data surface = surface_of(volume);
+  EXPECT_NEAR(std::exchange(surface.samples()[7], 2.0F), 1.0, 0.03);
+  EXPECT_EQ(surface.samples(), std::vector<float>(80, 2.0F));
 
   Data empty, shallow;
   EXPECT_THROW(find_surface(empty, surface), std::invalid_argument);
@@ -148,15 +149,13 @@ TEST(Breathing, MovesTheMirrorInDepth) {
 }
 
 TEST(ReferenceIntensity, IsThatOfTheLastVolume) {
-  Device device(standard_spectrometer(), std::make_shared<Mirror>(1.0, 0.02, 0.1F), 3);
+  Device device(standard_spectrometer, std::make_shared<Mirror>(1.0, 0.02, 0.1F), 3);
   Processing processing(device.calibration());
   // The dark level and the brightest light of the reference arm, in 4095ths.
   const double calibrated = processing.reference_intensity();
   EXPECT_GT(calibrated, 0.5);
   EXPECT_LE(calibrated, 2480.0 / 4095.0);
-  RawData raw;
-  device.start(ScanPattern(200, 1, 2.0, 1.0), 0);
-  device.acquire(raw, 0);
+  RawData raw = acquire(device, ScanPattern(200, 1, 2.0, 1.0));
   const auto data = std::make_shared<Data>();
   processing.set_output(data);
   processing.execute(raw);
