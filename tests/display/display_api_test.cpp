@@ -109,7 +109,7 @@ TEST_F(DisplayApiGLTest, AFrameThatCannotBeDrawnIsReportedAndTheNextIsGood) {
   }
 }
 
-TEST_F(DisplayApiGLTest, BeforeInitNothingIsDrawnAndAfterItColourMapsOncePerChange) {
+TEST_F(DisplayApiGLTest, BeforeInitNothingIsDrawnAndAfterItWhatChangedIsUploaded) {
   uninitDisplayRendering(renderer_);
   apply(scene_, renderer_);
   EXPECT_EQ(log_of([&] { frame(); }), "Renderer has not yet been initialized. Aborting rendering\n");
@@ -118,10 +118,14 @@ TEST_F(DisplayApiGLTest, BeforeInitNothingIsDrawnAndAfterItColourMapsOncePerChan
   frame();
   GlSpy spy;
   frame();
-  EXPECT_EQ(spy.calls("glTexImage1D"), 0);
+  EXPECT_EQ(spy.calls("glTexImage1D") + spy.calls("glTexImage2D"), 0);
+  EXPECT_EQ(spy.calls("glTexSubImage2D"), 2) << "the image and the overlay, for every frame";
+  std::swap(scene_.image.depth, scene_.image.a_scans);  // as many samples
+  setDisplayData(renderer_, 50, 40, scene_.image.samples.data());
   setDisplayColormap(renderer_, scene_.colormap.data(), static_cast<int>(scene_.colormap.size()));
   for (int i = 0; i < 2; ++i) expect_scene(frame());
   EXPECT_EQ(spy.calls("glTexImage1D"), 1);
+  EXPECT_EQ(spy.calls("R32F texture"), 1);
 }
 
 // A renderer may move to another context: what it held in the first is not
