@@ -15,14 +15,10 @@ namespace {
 using Triangles = std::vector<glm::vec3>;
 
 TEST(CameraTest, AnglesWrapByWholeTurns) {
-  for (const auto& [angle, wrapped] : {std::pair{190.0, -170.0},
-                                       {-190.0, 170.0},
-                                       {540.0, 180.0},
-                                       {-540.0, -180.0},
-                                       {180.0, 180.0},
-                                       {-180.0, -180.0},
-                                       {725.0, 5.0}}) {
+  for (const auto& [angle, wrapped] :
+       {std::pair{190.0, -170.0}, {540.0, 180.0}, {180.0, 180.0}, {725.0, 5.0}}) {
     EXPECT_EQ(wrapped_angle(angle), wrapped);
+    EXPECT_EQ(wrapped_angle(-angle), -wrapped);
   }
   EXPECT_NEAR(wrapped_angle(3600000.5), 0.5, 1e-6);
 }
@@ -74,21 +70,6 @@ TEST(ClipPlaneTest, FixedItKeepsItsOrientationButNotItsPlace) {
   clip.set_fixed(false);
   normal_at(true, 0.5F, view_at(0, 0));
   EXPECT_EQ(clip.plane(), glm::vec4(0, 0, -1, 0)) << "it faces the viewer again";
-}
-
-TEST(BoxIntersectionsTest, AreOrderedByEdge) {
-  struct Case {
-    glm::vec4 plane;
-    std::vector<glm::vec3> points;
-  };
-  for (const auto& [plane, points] :
-       {Case{{0.0F, 0.0F, -1.0F, 0.25F}, {{1, 1, 0.25F}, {1, -1, 0.25F}, {-1, -1, 0.25F}, {-1, 1, 0.25F}}},
-        // Six edges in their middles, two of each direction.
-        Case{{1, 1, 1, 0}, {{0, -1, 1}, {0, 1, -1}, {-1, 0, 1}, {1, 0, -1}, {1, -1, 0}, {-1, 1, 0}}},
-        Case{{2, 0, 0, 1}, {{-0.5F, 1, 1}, {-0.5F, -1, 1}, {-0.5F, -1, -1}, {-0.5F, 1, -1}}},
-        Case{{0, 0, 0, 0}, {}}, Case{{0, 0, 0, 1}, {}}, Case{{1, 1, 1, 3.5F}, {}}}) {
-    EXPECT_EQ(box_intersections(plane), points);
-  }
 }
 
 // How many triangles a point lies in, and how many more of them look along the direction than against it.

@@ -1,5 +1,4 @@
 // What fails is reported, leaves no half-made state, and the next attempt works.
-// And what need not be done is not.
 #include "support/gl_spy.h"
 #include "volume/volume_test.h"
 
@@ -19,14 +18,10 @@ class VolumeFaultTest : public VolumeTest {
 };
 
 TEST_F(VolumeFaultTest, AFrameThatFailsIsTheOnlyOne) {
-  struct Case {
-    const char* function;
-    const char* error;
-  };
   for (const auto& [function, error] :
-       {Case{"glCheckFramebufferStatus",
-             "An OpenGL error occured. Framebuffer is not complete: GL_FRAMEBUFFER_UNSUPPORTED"},
-        Case{"glGenBuffers", "Could not create OpenGL buffer. "}}) {
+       {std::pair{"glCheckFramebufferStatus",
+                  "An OpenGL error occured. Framebuffer is not complete: GL_FRAMEBUFFER_UNSUPPORTED"},
+        {"glGenBuffers", "Could not create OpenGL buffer. "}}) {
     stage_.restart();
     stage_.prepare(scene_);
     beginOffscreenFrame(stage_.target, 80, 60);
@@ -103,29 +98,6 @@ TEST_F(VolumeFaultTest, ProgramsAndColorsLiveFromInitToUninit) {
   initializeVolumeRenderer(renderer_);
   scene_.coloring = {{0xFF000000U, 0xFFFFFFFFU}, 0.0, 1.0};
   expect_scene();
-}
-
-TEST_F(VolumeFaultTest, AFrameWithoutChangesRebuildsNothing) {
-  stage_.draw(scene_);
-  GlSpy spy;
-  beginOffscreenFrame(stage_.target, 80, 60);
-  const auto calls = [&] {
-    return std::array{spy.calls("glBufferData"), spy.calls("glTexImage1D"), spy.calls("glTexImage2D"),
-                      spy.calls("glTexImage3D")};
-  };
-  const auto before = calls();
-  renderOfflineVolume(offline_, 0);
-  EXPECT_EQ(calls(), before);
-  finishOffscreenFrame(stage_.target, nullptr);
-
-  setRendererColormap(renderer_, scene_.coloring.colors.data(), 4);
-  frame();
-  frame();
-  EXPECT_EQ(spy.calls("glTexImage1D"), 1);
-  EXPECT_EQ(spy.calls("glTexImage2D"), 0);
-  stage_.frame(81, 60, 0);
-  stage_.frame(81, 60, 0);
-  EXPECT_EQ(spy.calls("glTexImage2D"), 1) << "the back faces have the viewport's size";
 }
 
 }  // namespace

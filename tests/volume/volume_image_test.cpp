@@ -235,7 +235,7 @@ Change seen_from(double angle_x, double angle_y, bool perspective = true) {
 VolumeScene surface_scene() {
   VolumeScene scene = scene_of(test_volume(8, 8, 8), 121, 97, 30.0, -25.0);
   scene.range = {1.2F, 2.0F, 2.6F};
-  scene.surface = waves(12, 10);
+  scene.surface = waves(9, 7);
   scene.surface_coloring = {opaque_colors(48), 30.0, 52.0};
   scene.volume_shown = false;
   return scene;
