@@ -2,6 +2,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -162,6 +163,10 @@ TEST(VolumeImageTest, Data) {
   });
 }
 
+Change seen_from(double angle_x, double angle_y, bool perspective = true) {
+  return [=](VolumeScene& s) { s.angle_x = angle_x, s.angle_y = angle_y, s.perspective = perspective; };
+}
+
 void fixed_at(VolumeScene& scene, double angle_x, double angle_y) {
   clip(scene, 0.5F);
   scene.clip_fixed = true;
@@ -217,6 +222,31 @@ TEST(VolumeImageTest, SectionalView) {
                    {"none", slices({false}, {false}, {false})}});
 }
 
+// Any angles and places: the cut, the faces of what it cuts off and the order of the slices.
+TEST(VolumeImageTest, CutsFromAllSides) {
+  std::mt19937 generator(5);
+  std::uniform_real_distribution<double> angle(-180.0, 180.0);
+  std::uniform_real_distribution<float> place(0.08F, 0.92F);
+  std::vector<Case> cases;
+  for (int i = 0; i < 20; ++i) {
+    const Change view = seen_from(angle(generator), angle(generator), i % 2 == 0);
+    cases.push_back(
+        {std::to_string(i) + ", clipped",
+         [=, fixed_x = angle(generator), fixed_y = angle(generator), value = place(generator)](auto& s) {
+           view(s);
+           if (i % 4 < 2) fixed_at(s, fixed_x, fixed_y);
+           clip(s, value);
+           s.removed_segment = true;
+           s.mode = i % 2;
+         }});
+    const Change parts = slices({i % 7 != 1, place(generator)}, {i % 5 != 1, place(generator)},
+                                {i % 3 != 1, place(generator)}, 0.7);
+    cases.push_back({std::to_string(i) + ", slices", [=](auto& s) { parts(s), view(s); }});
+  }
+  VolumeStage stage;
+  expect_pictures(stage, base_scene(), {1, 0.995, 255, 0.1}, cases);
+}
+
 HeightMap waves(int width, int height) {
   HeightMap map{width, height, 80.0, {}};
   for (int row = 0; row < height; ++row) {
@@ -226,10 +256,6 @@ HeightMap waves(int width, int height) {
     }
   }
   return map;
-}
-
-Change seen_from(double angle_x, double angle_y, bool perspective = true) {
-  return [=](VolumeScene& s) { s.angle_x = angle_x, s.angle_y = angle_y, s.perspective = perspective; };
 }
 
 VolumeScene surface_scene() {
