@@ -39,6 +39,9 @@ class GLTest : public testing::Test {
 // The pending error of the error store, "(none)" when there is none.
 std::string pending_error();
 
+// Calls that are refused, each with its error.
+void expect_refused(const std::vector<std::pair<std::string, std::function<void()>>>& calls);
+
 // What the action throws, "(none)" if nothing.
 std::string failure_of(const std::function<void()>& action);
 

@@ -1,5 +1,5 @@
 // What is drawn around the volume, beyond the pictures that are compared with the reference: what hides it,
-// its colour, its texts, its objects, and what happens when OpenGL fails or there is no font.
+// its colour, its texts, its objects, and what happens when there is no font.
 #include <algorithm>
 
 #include "support/gl_spy.h"
@@ -156,29 +156,6 @@ TEST_F(SceneElementsTest, NothingIsLeftBehindAndNothingIsMadeTwice) {
     EXPECT_EQ(spy.live_objects(), others);
   }
   EXPECT_EQ(spy.live_objects(), 0U);
-}
-
-TEST_F(SceneElementsTest, BuffersThatFailAreReportedAndTheNextFrameWorks) {
-  frame_all();
-  for (const bool sectional : {false, true}) {
-    scene_.sectional = sectional;
-    const Picture good = stage_.draw(scene_);
-    for (int failing = 1; failing < 12; ++failing) {
-      stage_.restart();
-      apply(scene_, renderer_);
-      {
-        GlSpy spy;
-        spy.fail_next("glBufferData", failing);
-        frame();
-        EXPECT_GE(spy.calls("glBufferData"), 1);
-      }
-      EXPECT_EQ(pending_error().find("An OpenGL error in "), 0U) << failing;
-      clear_gl_errors();
-      stage_.restart();
-      EXPECT_TRUE(agree(stage_.draw(scene_), good, exact));
-      expect_no_error();
-    }
-  }
 }
 
 }  // namespace

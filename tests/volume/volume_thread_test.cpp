@@ -21,32 +21,6 @@ VolumeScene thread_scene() {
 
 using Setter = std::function<void(int turn)>;
 
-// Each setter over and over on a thread of its own, from construction until stop.
-class Storm {
- public:
-  explicit Storm(const std::vector<Setter>& setters) {
-    for (const Setter& setter : setters) {
-      threads_.emplace_back([this, &setter] {
-        for (int i = 0; !stop_; ++i) {
-          setter(i);
-          ++calls_;
-          if (i % 16 == 0) std::this_thread::yield();
-        }
-      });
-    }
-  }
-  int stop() {  // the number of calls
-    stop_ = true;
-    for (std::thread& thread : threads_) thread.join();
-    return calls_;
-  }
-
- private:
-  std::atomic<bool> stop_{false};
-  std::atomic<int> calls_{0};
-  std::vector<std::thread> threads_;
-};
-
 const std::vector<std::uint32_t> red(300, 0xFF0000FFU);
 const std::vector<std::uint32_t> green(7, 0xFF00FF00U);
 
@@ -100,7 +74,17 @@ TEST(VolumeThreadTest, SettersNeverTearAFrame) {
   stage.draw(scene);
   setRenderBackground(stage.renderer, 0x0000FFFFU, 0x0000FFFFU);
   const std::vector<Setter> setters = every_setter(stage.renderer);
-  Storm storm(setters);
+  std::atomic<bool> running{true};
+  std::atomic<int> calls{0};
+  std::thread storm([&] {
+    on_threads(static_cast<int>(setters.size()), [&](int thread) {
+      for (int i = 0; running; ++i) {
+        setters[static_cast<std::size_t>(thread)](i);
+        ++calls;
+        if (i % 16 == 0) std::this_thread::yield();
+      }
+    });
+  });
   int torn = 0;
   for (int i = 0; i < 400; ++i) {
     const Picture picture = stage.frame(60 + i % 3, 40, 0);
@@ -108,7 +92,9 @@ TEST(VolumeThreadTest, SettersNeverTearAFrame) {
     const bool known = (bottom[0] == 255 && bottom[2] == 0) || (bottom[0] == 0x40 && bottom[2] == 0x40);
     if (picture.bgra(0, 39) != bottom || !known) ++torn;
   }
-  EXPECT_GT(storm.stop(), 400) << "the setters did not get their turn";
+  running = false;
+  storm.join();
+  EXPECT_GT(calls, 400) << "the setters did not get their turn";
   EXPECT_EQ(torn, 0);
   VolumeStage fresh;
   for (const bool sectional : {false, true}) {
