@@ -22,7 +22,6 @@ class TestContext {
     gl::initGlew();
   }
   void makeCurrent() { context_.makeCurrent(); }
-  gl::OpenGLWindow& window() { return window_; }
 
  private:
   gl::OpenGLWindow window_;

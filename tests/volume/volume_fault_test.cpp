@@ -71,7 +71,8 @@ TEST_F(VolumeFaultTest, AFailedAllocationLeavesNoVolume) {
   expect_scene();
 }
 
-TEST_F(VolumeFaultTest, AFailedUploadIsReported) {
+TEST_F(VolumeFaultTest, AFailedUploadIsReportedAndNoOverlayIsLaidOver) {
+  scene_.mode = 0;
   stage_.draw(scene_);
   const float* const voxels = scene_.volume.voxels.data();
   GlSpy spy;
@@ -79,8 +80,13 @@ TEST_F(VolumeFaultTest, AFailedUploadIsReported) {
   uploadOverlayOfflineVolume(offline_, voxels);
   expect_error_of("OfflineVolumeRendering::allocate_overlay");
   expect_scene(2);
+  VolumeScene both = scene_;
+  both.overlay = scene_.volume;
+  both.content = 2;
   uploadOverlayOfflineVolume(offline_, voxels);
-  expect_no_error();
+  EXPECT_TRUE(shows(both, 2));
+  uploadOverlayOfflineVolume(offline_, nullptr);
+  expect_scene(2);
   spy.fail_next("glTexSubImage3D");
   uploadOfflineVolume(offline_, voxels);
   expect_error_of("OfflineVolumeRendering::upload");
