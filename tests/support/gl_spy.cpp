@@ -29,10 +29,9 @@ struct GlSpy::State {
     return true;
   }
 
-  GLuint made(const std::string& kind, GLuint name) {
+  void made(const std::string& kind, GLuint name) {
     const std::lock_guard lock(mutex);
     if (name != 0) objects.emplace(gl::current_context(), kind, name);
-    return name;
   }
   void deleted(const std::string& kind, GLuint name) {
     const std::lock_guard lock(mutex);
@@ -67,12 +66,16 @@ void fail(const char* function, const Args&...) {
   spy->errors.push_back(spy->failures.at(function).second);
 }
 
-// Takes the census; the kind of the objects follows "glGen" and "glDelete".
+// Takes the census; the kind of the objects follows "glGen", "glCreate" and "glDelete". What else is done
+// with the name of a shader or program has no kind that was ever made.
 void take_note(const char* function, GLsizei count, GLuint* names) {
   for (GLsizei i = 0; i < count; ++i) spy->made(function + 5, names[i]);
 }
 void take_note(const char* function, GLsizei count, const GLuint* names) {
   for (GLsizei i = 0; i < count; ++i) spy->deleted(function + 8, names[i]);
+}
+void take_note(const char* function, GLuint name) {
+  spy->deleted(function + 8, name);
 }
 template <class... Args>
 void take_note(const char*, const Args&...) {}
@@ -86,7 +89,9 @@ auto watched(const char* function, Function call, Args... args) {
     call(args...);
     if (spy) take_note(function, args...);
   } else {
-    return fails ? Result{} : call(args...);
+    const Result result = fails ? Result{} : call(args...);
+    if constexpr (std::is_same_v<Result, GLuint>) spy->made(function + 8, result);
+    return result;
   }
 }
 
@@ -110,20 +115,6 @@ void GLAPIENTRY tex_image_3d(GLenum target, GLint level, GLint internal, GLsizei
 GLenum GLAPIENTRY check_framebuffer_status(GLenum target) {
   if (spy->enter("glCheckFramebufferStatus")) return spy->failures.at("glCheckFramebufferStatus").second;
   return original<&__glewCheckFramebufferStatus>(target);
-}
-GLuint GLAPIENTRY create_shader(GLenum stage) {
-  return spy->made("Shader", watched("glCreateShader", original<&__glewCreateShader>, stage));
-}
-void GLAPIENTRY delete_shader(GLuint name) {
-  spy->deleted("Shader", name);
-  watched("glDeleteShader", original<&__glewDeleteShader>, name);
-}
-GLuint GLAPIENTRY create_program() {
-  return spy->made("Program", watched("glCreateProgram", original<&__glewCreateProgram>));
-}
-void GLAPIENTRY delete_program(GLuint name) {
-  spy->deleted("Program", name);
-  watched("glDeleteProgram", original<&__glewDeleteProgram>, name);
 }
 void GLAPIENTRY get_programiv(GLuint name, GLenum query, GLint* value) {
   original<&__glewGetProgramiv>(name, query, value);
@@ -170,11 +161,11 @@ void replace_all() {
   replace<"glRenderbufferStorage", &__glewRenderbufferStorage>();
   replace<"glFramebufferTexture2D", &__glewFramebufferTexture2D>();
   replace<&__glewCheckFramebufferStatus>(check_framebuffer_status);
-  replace<&__glewCreateShader>(create_shader);
-  replace<&__glewDeleteShader>(delete_shader);
+  replace<"glCreateShader", &__glewCreateShader>();
+  replace<"glDeleteShader", &__glewDeleteShader>();
   replace<"glCompileShader", &__glewCompileShader>();
-  replace<&__glewCreateProgram>(create_program);
-  replace<&__glewDeleteProgram>(delete_program);
+  replace<"glCreateProgram", &__glewCreateProgram>();
+  replace<"glDeleteProgram", &__glewDeleteProgram>();
   replace<"glLinkProgram", &__glewLinkProgram>();
   replace<&__glewGetProgramiv>(get_programiv);
   replace<"glProgramBinary", &__glewProgramBinary>();

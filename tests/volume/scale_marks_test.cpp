@@ -193,14 +193,11 @@ TEST(ScaleMarksTest, CaptionsAndStepsFollowTheRoom) {
   EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const MarkLabel& label) {
     return axis_of(label.anchor) != 0 && !label.caption && label.text.find(" mm") != std::string::npos;
   }));
-}
 
-TEST(ScaleMarksTest, DepthStartsAtTheTopLeft) {
-  int numbers = 0;
+  int numbers = 0;  // of depth, which starts at the top left
   for (const MarkLabel& label : marks_of(camera_at(0, 0)).labels) {
     if (label.caption || axis_of(label.anchor) != 1) continue;
     EXPECT_EQ(label.anchor.x, -1.0F);
-    EXPECT_LT(label.position.x, 450.0F);
     ++numbers;
   }
   EXPECT_GE(numbers, 3);
