@@ -7,12 +7,11 @@
 namespace oct::test {
 namespace {
 
-const std::string out_of_memory =
-    " occured: There is not enough memory left to execute the command. The state of the GL is undefined, "
-    "except for the state of the error flags, after this error is recorded. (GL_OUT_OF_MEMORY)\n";
-const std::string invalid_value =
-    " occured: A numeric argument is out of range. The offending command is ignored and has no other side "
-    "effect than to set the error flag. (GL_INVALID_VALUE)\n";
+// Without what OpenGL has to say.
+std::string pending_error_of_place() {
+  const std::string error = pending_error();
+  return error.substr(0, error.find(" occured: "));
+}
 
 class DisplayFaultGLTest : public testing::Test {
  protected:
@@ -52,10 +51,10 @@ TEST_F(DisplayFaultGLTest, InitFails) {
       {"glCompileShader", "Vertex shader compilation failed"},
       {"glCreateShader", "Vertex shader compilation failed"},
       {"glLinkProgram", ""},
-      {"glCreateProgram", "An OpenGL error in BinaryShader::load_to_program" + invalid_value},
-      {"glProgramBinary", "An OpenGL error in BinaryShader::load_to_program" + out_of_memory},
+      {"glCreateProgram", "An OpenGL error in BinaryShader::load_to_program"},
+      {"glProgramBinary", "An OpenGL error in BinaryShader::load_to_program"},
       {"glGenBuffers", "Could not create OpenGL buffer. "},
-      {"glBufferData", "An OpenGL error in AbstractOpenGLFilter::init" + out_of_memory},
+      {"glBufferData", "An OpenGL error in AbstractOpenGLFilter::init"},
   };
   for (const auto& [function, message] : faults) {
     SCOPED_TRACE(function);
@@ -64,7 +63,7 @@ TEST_F(DisplayFaultGLTest, InitFails) {
     if (!message.starts_with("An OpenGL error")) spy.answer(GL_PROGRAM_BINARY_LENGTH, 0);
     spy.fail_next(function);
     initDisplayRendering(renderer_);
-    EXPECT_EQ(pending_error(), message);
+    EXPECT_EQ(pending_error_of_place(), message);
     EXPECT_GE(spy.calls(function), 1);
     clear_gl_errors();
     renderDisplay(renderer_);  // not initialised: skipped
@@ -90,13 +89,11 @@ TEST_F(DisplayFaultGLTest, RenderFails) {
     std::string message;
     std::function<void()> before;
   } faults[] = {
-      {"glTexImage1D", "An OpenGL error in render: colormap changed" + out_of_memory, whole},
-      {"glTexImage2D", "An OpenGL error in SimpleDataProvider::resize" + out_of_memory, whole},
-      {"glTexImage2D", "An OpenGL error in AbstractOpenGLFilter::resize" + out_of_memory,
-       [&] { base(), whole(); }},
-      {"glTexSubImage2D",
-       "An OpenGL error in SimpleDataProvider::LockedTexture::glTexSubImage2D" + out_of_memory, whole},
-      {"glFramebufferTexture2D", "An OpenGL error in AbstractOpenGLFilter::draw" + out_of_memory, whole},
+      {"glTexImage1D", "An OpenGL error in render: colormap changed", whole},
+      {"glTexImage2D", "An OpenGL error in SimpleDataProvider::resize", whole},
+      {"glTexImage2D", "An OpenGL error in AbstractOpenGLFilter::resize", [&] { base(), whole(); }},
+      {"glTexSubImage2D", "An OpenGL error in SimpleDataProvider::LockedTexture::glTexSubImage2D", whole},
+      {"glFramebufferTexture2D", "An OpenGL error in AbstractOpenGLFilter::draw", whole},
       {"glGenTextures", "Invalid texture for rendering....",
        [&] { base(), setDisplayData(renderer_, 1, 1, &sample_); }},
   };
@@ -107,7 +104,7 @@ TEST_F(DisplayFaultGLTest, RenderFails) {
     fault.before();
     spy.fail_next(fault.function);
     draw();
-    EXPECT_EQ(pending_error(), fault.message);
+    EXPECT_EQ(pending_error_of_place(), fault.message);
     clear_gl_errors();
     expect_recovery(spy);
   }
@@ -115,7 +112,7 @@ TEST_F(DisplayFaultGLTest, RenderFails) {
   initDisplayRendering(renderer_);
   glEnable(GL_TEXTURE_BUFFER + 12345);
   renderDisplay(renderer_);
-  EXPECT_EQ(pending_error().find("An OpenGL error in render: init occured: An unacceptable value"), 0U);
+  EXPECT_EQ(pending_error_of_place(), "An OpenGL error in render: init");
   uninitDisplayRendering(renderer_);
 }
 
@@ -128,14 +125,6 @@ TEST_F(DisplayFaultGLTest, HalfPrecisionWhenFloatDoesNotFit) {
   // Half floats keep 11 bits of the sample, less than a level around the boundaries 0 and 1.
   expect_scene();
   EXPECT_EQ(spy.calls("R16F texture"), 1);
-
-  setDisplayData(renderer_, 1, 1, &sample_);
-  spy.fail_next("R32F proxy");
-  spy.fail_next("R16F proxy");
-  for (const char* message : {"Cannot generate a texture of the required size. ", "(none)"}) {
-    draw();
-    EXPECT_EQ(pending_error(), message);
-  }
   expect_recovery(spy);
 }
 

@@ -129,17 +129,26 @@ TEST(DisplayImageGLTest, SkinEqualsReference) {
   }
 }
 
-// What a client's context may have been left in must not show in the picture.
-TEST(DisplayImageGLTest, ForeignOpenGLState) {
-  Scene scene = scene_of(90, 70, 70, 90);
+// The picture fills the viewport and nothing else; the rest of the target has the background
+// colour, or what the client's scissor spares. The filters' own viewports and framebuffers leave
+// no trace, and need no scissor. What else the client's context was left in does not show.
+TEST(DisplayImageGLTest, ViewportAndStateOfTheClient) {
+  Scene scene = scene_of(64, 96, 48, 32);
   scene.first_blur = scene.pepper = true;
   scene.overlay_image = test_image(90, 70, 3);
   scene.overlays = {{{0x40FFFFFFU, 0xA00000FFU}, 0.0, 1.0}};
   const DisplayStage stage;
   apply(scene, stage.renderer);
-  for (int frame = 0; frame < 2; ++frame) {  // that sizes the textures, and that only uploads
-    Picture picture(scene.width, scene.height);
-    beginOffscreenFrame(stage.target, 70, 90);
+  setBackgroundColor(stage.renderer, 0x00FF8000);
+  const std::array<int, 4> background{0, 128, 255, 255};
+  for (const bool scissor : {false, true}) {  // the first frame sizes the textures, the second only uploads
+    Picture whole(80, 60);
+    beginOffscreenFrame(stage.target, 80, 60);
+    glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glViewport(20, 10, scene.width, scene.height);
+    glScissor(20, 10, scene.width, scene.height);
+    if (scissor) glEnable(GL_SCISSOR_TEST);
     glEnable(GL_DEPTH_TEST);
     glEnable(GL_BLEND);
     glBlendFunc(GL_ZERO, GL_ONE);
@@ -154,35 +163,10 @@ TEST(DisplayImageGLTest, ForeignOpenGLState) {
     glGenBuffers(1, &buffer);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer);
     renderDisplay(stage.renderer);
-    finishOffscreenFrame(stage.target, picture.bytes.data());
-    glDeleteBuffers(1, &buffer);
-    EXPECT_TRUE(agree(picture, reference_picture(scene)));
-  }
-  EXPECT_EQ(pending_error(), "(none)");
-}
-
-// The picture fills the viewport and nothing else; the rest of the target has the background
-// colour, or what the client's scissor spares. The filters' own viewports and framebuffers leave
-// no trace, and need no scissor.
-TEST(DisplayImageGLTest, ViewportInsideTheTarget) {
-  Scene scene = scene_of(64, 96, 48, 32);
-  scene.first_blur = scene.pepper = true;
-  const DisplayStage stage;
-  apply(scene, stage.renderer);
-  setBackgroundColor(stage.renderer, 0x00FF8000);
-  const std::array<int, 4> background{0, 128, 255, 255};
-  for (const bool scissor : {false, true}) {
-    Picture whole(80, 60);
-    beginOffscreenFrame(stage.target, 80, 60);
-    glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
-    glClear(GL_COLOR_BUFFER_BIT);
-    glViewport(20, 10, scene.width, scene.height);
-    glScissor(20, 10, scene.width, scene.height);
-    if (scissor) glEnable(GL_SCISSOR_TEST);
-    renderDisplay(stage.renderer);
     EXPECT_EQ(glIsEnabled(GL_SCISSOR_TEST), scissor ? GL_TRUE : GL_FALSE);
     glDisable(GL_SCISSOR_TEST);
     finishOffscreenFrame(stage.target, whole.bytes.data());
+    glDeleteBuffers(1, &buffer);
     Picture inside(scene.width, scene.height);
     inside.for_each([&](int x, int y) { std::copy_n(whole.pixel(20 + x, 10 + y), 4, inside.pixel(x, y)); });
     EXPECT_TRUE(agree(inside, reference_picture(scene)));
@@ -196,6 +180,7 @@ TEST(DisplayImageGLTest, ViewportInsideTheTarget) {
   renderDisplay(stage.renderer);
   finishOffscreenFrame(stage.target, empty.bytes.data());
   empty.for_each([&](int x, int y) { EXPECT_EQ(empty.bgra(x, y), background); });
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 }  // namespace

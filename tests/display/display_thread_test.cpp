@@ -1,8 +1,10 @@
 // Settings from several threads while the rendering thread draws.
 #include <algorithm>
 #include <atomic>
+#include <future>
 #include <thread>
 
+#include "display/simple_data_provider.h"
 #include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
@@ -69,6 +71,20 @@ TEST(DisplayThreadGLTest, RenderersOnSeveralThreads) {
     }
   });
   EXPECT_EQ(pending_error(), "(none)");
+}
+
+TEST(DisplayThreadGLTest, WritersWaitWhileTheTextureIsLocked) {
+  const TestContext context;
+  SimpleDataProvider provider;
+  EXPECT_THROW(provider.lock(), std::invalid_argument);  // and lets writers in
+  const Image image = test_image(8, 8);
+  const auto write = [&] { provider.set_data({8, 8}, image.samples.data()); };
+  write();
+  auto locked = provider.lock();
+  auto writer = std::async(std::launch::async, write);
+  EXPECT_EQ(writer.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+  locked.reset();
+  writer.get();
 }
 
 }  // namespace

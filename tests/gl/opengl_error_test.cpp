@@ -18,47 +18,37 @@ const std::string ignored =
 const std::string internal =
     "An attempt has been made to perform an operation that would cause an internal stack to ";
 
-const struct {
-  GLenum code;
-  std::string text, name;
-} texts[] = {
-    {0x0500, "An unacceptable value is specified for an enumerated argument." + ignored, "GL_INVALID_ENUM"},
-    {0x0501, "A numeric argument is out of range." + ignored, "GL_INVALID_VALUE"},
-    {0x0502, "The specified operation is not allowed in the current state." + ignored,
-     "GL_INVALID_OPERATION"},
-    {0x0503, internal + "overflow.", "GL_STACK_OVERFLOW"},
-    {0x0504, internal + "underflow.", "GL_STACK_UNDERFLOW"},
-    {0x0505,
-     "There is not enough memory left to execute the command. The state of the GL is undefined, except for "
+// From 0x0500 on.
+const std::pair<std::string, std::string> texts[] = {
+    {"An unacceptable value is specified for an enumerated argument." + ignored, "GL_INVALID_ENUM"},
+    {"A numeric argument is out of range." + ignored, "GL_INVALID_VALUE"},
+    {"The specified operation is not allowed in the current state." + ignored, "GL_INVALID_OPERATION"},
+    {internal + "overflow.", "GL_STACK_OVERFLOW"},
+    {internal + "underflow.", "GL_STACK_UNDERFLOW"},
+    {"There is not enough memory left to execute the command. The state of the GL is undefined, except for "
      "the state of the error flags, after this error is recorded.",
      "GL_OUT_OF_MEMORY"},
-    {0x0506, "The framebuffer object is not complete." + ignored, "GL_INVALID_FRAMEBUFFER_OPERATION"},
+    {"The framebuffer object is not complete." + ignored, "GL_INVALID_FRAMEBUFFER_OPERATION"},
 };
 
-TEST_F(OpenGLErrorGLTest, TextOfEveryCode) {
+TEST_F(OpenGLErrorGLTest, OneTextPerCheckpoint) {
   GlSpy spy;
-  for (const auto& [code, text, name] : texts) {
+  GLenum code = 0x0500;
+  for (const auto& [text, name] : texts) {
     const std::string expected = "An OpenGL error in some place occured: " + text + " (" + name + ")\n";
-    spy.queue_error(code);
+    for (int i = 0; i < 2; ++i) spy.queue_error(code);
     EXPECT_EQ(thrown_by("some place"), expected);
-    spy.queue_error(code);
     testing::internal::CaptureStderr();
     gl::printGLError("some place");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
+    ++code;
   }
-  for (const GLenum other : {0x04FFU, 0x0507U, 1U, 0xFFFFFFFFU}) {
+  for (const GLenum other : {0x04FFU, code, 1U, 0xFFFFFFFFU}) {
     spy.queue_error(other);
     EXPECT_EQ(thrown_by("x"), "An OpenGL error in x occured: Unknown OpenGL Error\n");
   }
-}
-
-TEST_F(OpenGLErrorGLTest, OneErrorPerCheckpoint) {
-  GlSpy spy;
-  for (const GLenum error : {GL_INVALID_VALUE, GL_INVALID_OPERATION}) spy.queue_error(error);
-  glEnable(0x1234);  // OpenGL's own comes after them
-  for (const char* name : {"GL_INVALID_VALUE", "GL_INVALID_OPERATION", "GL_INVALID_ENUM"}) {
-    EXPECT_TRUE(contains(thrown_by("a"), name));
-  }
+  glEnable(0x1234);
+  EXPECT_TRUE(contains(thrown_by("a"), "GL_INVALID_ENUM"));
   EXPECT_EQ(thrown_by("b"), "(none)");
 }
 

@@ -16,9 +16,6 @@ TEST_F(LoaderGLTest, VersionsRequiredAndFound) {
   } rows[] = {
       {3, 0, 3, 0, "(none)"},
       {3, 3, 3, 3, "(none)"},
-      {4, 0, 3, 3, "(none)"},
-      {4, 1, 3, 3, "(none)"},
-      {4, 2, 3, 3, "(none)"},
       {5, 0, 3, 3, "(none)"},
       {3, 2, 3, 3, "OpenGL 3.3 required. Version is currently 3.2"},
       {2, 1, 3, 0, "OpenGL 3.0 required. Version is currently 2.1"},

@@ -4,6 +4,7 @@
 #include <deque>
 #include <mutex>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
 #include "gl/context/current_context.h"
@@ -16,9 +17,7 @@ struct GlSpy::State {
   std::map<GLenum, GLint> answers;
   std::deque<GLenum> errors;
   std::set<std::tuple<void*, std::string, GLuint>> objects;  // with their contexts
-  std::set<GLuint> failed_compiles;
-  std::set<GLuint> failed_links;
-  std::mutex mutex;  // guards calls, failures, errors and objects
+  std::mutex mutex;                                          // guards all but the answers
 
   // Counts a call; true when it is to fail.
   bool enter(const std::string& function) {
@@ -30,18 +29,9 @@ struct GlSpy::State {
     return true;
   }
 
-  // The same for a call whose failure leaves an error.
-  bool enter_or_error(const std::string& function) {
-    if (!enter(function)) return false;
-    const std::lock_guard lock(mutex);
-    errors.push_back(failures.at(function).second);
-    return true;
-  }
-
-  GLuint made(const std::string& kind, GLuint name) {
+  void made(const std::string& kind, GLuint name) {
     const std::lock_guard lock(mutex);
     if (name != 0) objects.emplace(gl::current_context(), kind, name);
-    return name;
   }
   void deleted(const std::string& kind, GLuint name) {
     const std::lock_guard lock(mutex);
@@ -66,177 +56,138 @@ namespace {
 
 GlSpy::State* spy = nullptr;
 
-// The pointers that a spy replaces: our function, GLEW's pointer.
-#define OCT_REPLACED(X)                                     \
-  X(gen_buffers, __glewGenBuffers)                          \
-  X(delete_buffers, __glewDeleteBuffers)                    \
-  X(buffer_data, __glewBufferData)                          \
-  X(map_buffer, __glewMapBuffer)                            \
-  X(unmap_buffer, __glewUnmapBuffer)                        \
-  X(tex_image_3d, __glewTexImage3D)                         \
-  X(tex_sub_image_3d, __glewTexSubImage3D)                  \
-  X(gen_vertex_arrays, __glewGenVertexArrays)               \
-  X(delete_vertex_arrays, __glewDeleteVertexArrays)         \
-  X(gen_framebuffers, __glewGenFramebuffers)                \
-  X(delete_framebuffers, __glewDeleteFramebuffers)          \
-  X(gen_renderbuffers, __glewGenRenderbuffers)              \
-  X(delete_renderbuffers, __glewDeleteRenderbuffers)        \
-  X(renderbuffer_storage, __glewRenderbufferStorage)        \
-  X(framebuffer_texture_2d, __glewFramebufferTexture2D)     \
-  X(check_framebuffer_status, __glewCheckFramebufferStatus) \
-  X(create_shader, __glewCreateShader)                      \
-  X(delete_shader, __glewDeleteShader)                      \
-  X(compile_shader, __glewCompileShader)                    \
-  X(get_shaderiv, __glewGetShaderiv)                        \
-  X(create_program, __glewCreateProgram)                    \
-  X(delete_program, __glewDeleteProgram)                    \
-  X(link_program, __glewLinkProgram)                        \
-  X(get_programiv, __glewGetProgramiv)                      \
-  X(program_binary, __glewProgramBinary)                    \
-  X(get_program_binary, __glewGetProgramBinary)
+// What a call without result does when it fails: no names are made, and of the others an error is left.
+void fail(const char*, GLsizei count, GLuint* names) {
+  std::fill_n(names, count, 0U);
+}
+template <class... Args>
+void fail(const char* function, const Args&...) {
+  const std::lock_guard lock(spy->mutex);
+  spy->errors.push_back(spy->failures.at(function).second);
+}
 
-// GLEW's pointers while they are replaced.
-struct Originals {
-#define OCT_MEMBER(member, pointer) decltype(pointer) member;
-  OCT_REPLACED(OCT_MEMBER)
-#undef OCT_MEMBER
-};
-Originals original{};
+// Takes the census; the kind of the objects follows "glGen", "glCreate" and "glDelete". What else is done
+// with the name of a shader or program has no kind that was ever made.
+void take_note(const char* function, GLsizei count, GLuint* names) {
+  for (GLsizei i = 0; i < count; ++i) spy->made(function + 5, names[i]);
+}
+void take_note(const char* function, GLsizei count, const GLuint* names) {
+  for (GLsizei i = 0; i < count; ++i) spy->deleted(function + 8, names[i]);
+}
+void take_note(const char* function, GLuint name) {
+  spy->deleted(function + 8, name);
+}
+template <class... Args>
+void take_note(const char*, const Args&...) {}
 
-template <class Generate>
-void generate(const char* function, const char* kind, GLsizei count, GLuint* names, Generate call) {
-  if (spy->enter(function)) {
-    std::fill_n(names, count, 0U);
-    return;
+template <class Function, class... Args>
+auto watched(const char* function, Function call, Args... args) {
+  using Result = decltype(call(args...));
+  const bool fails = spy && spy->enter(function);
+  if constexpr (std::is_void_v<Result>) {
+    if (fails) return fail(function, args...);
+    call(args...);
+    if (spy) take_note(function, args...);
+  } else {
+    const Result result = fails ? Result{} : call(args...);
+    if constexpr (std::is_same_v<Result, GLuint>) spy->made(function + 8, result);
+    return result;
   }
-  call(count, names);
-  for (GLsizei i = 0; i < count; ++i) spy->made(kind, names[i]);
 }
 
-template <class Delete>
-void destroy(const char* function, const char* kind, GLsizei count, const GLuint* names, Delete call) {
-  spy->enter(function);
-  for (GLsizei i = 0; i < count; ++i) spy->deleted(kind, names[i]);
-  call(count, names);
-}
+// GLEW's pointer while it is replaced.
+template <auto* pointer>
+std::remove_pointer_t<decltype(pointer)> original;
 
-#define OCT_NAMES(kinds, Kinds, kind)                                    \
-  void GLAPIENTRY gen_##kinds(GLsizei n, GLuint* names) {                \
-    generate("glGen" #Kinds, kind, n, names, original.gen_##kinds);      \
-  }                                                                      \
-  void GLAPIENTRY delete_##kinds(GLsizei n, const GLuint* names) {       \
-    destroy("glDelete" #Kinds, kind, n, names, original.delete_##kinds); \
-  }
-OCT_NAMES(buffers, Buffers, "buffer")
-OCT_NAMES(vertex_arrays, VertexArrays, "vertex array")
-OCT_NAMES(framebuffers, Framebuffers, "framebuffer")
-OCT_NAMES(renderbuffers, Renderbuffers, "renderbuffer")
-#undef OCT_NAMES
-
-void GLAPIENTRY buffer_data(GLenum target, GLsizeiptr size, const void* data, GLenum usage) {
-  if (!spy->enter_or_error("glBufferData")) original.buffer_data(target, size, data, usage);
-}
-void* GLAPIENTRY map_buffer(GLenum target, GLenum access) {
-  return spy->enter("glMapBuffer") ? nullptr : original.map_buffer(target, access);
-}
 GLboolean GLAPIENTRY unmap_buffer(GLenum target) {
   const bool lost = spy->enter("glUnmapBuffer");
-  const GLboolean intact = original.unmap_buffer(target);
+  const GLboolean intact = original<&__glewUnmapBuffer>(target);
   return lost ? GL_FALSE : intact;
 }
 void GLAPIENTRY tex_image_3d(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
                              GLsizei depth, GLint border, GLenum format, GLenum type, const void* pixels) {
-  if (target == GL_PROXY_TEXTURE_3D) {
-    // A refused proxy has no extent; so has one that is asked for without.
-    if (spy->enter("3-D proxy")) width = 0;
-  } else if (spy->enter_or_error("glTexImage3D")) {
-    return;
-  }
-  original.tex_image_3d(target, level, internal, width, height, depth, border, format, type, pixels);
-}
-void GLAPIENTRY tex_sub_image_3d(GLenum target, GLint level, GLint x, GLint y, GLint z, GLsizei width,
-                                 GLsizei height, GLsizei depth, GLenum format, GLenum type,
-                                 const void* pixels) {
-  if (spy->enter_or_error("glTexSubImage3D")) return;
-  original.tex_sub_image_3d(target, level, x, y, z, width, height, depth, format, type, pixels);
-}
-void GLAPIENTRY renderbuffer_storage(GLenum target, GLenum format, GLsizei width, GLsizei height) {
-  if (!spy->enter_or_error("glRenderbufferStorage"))
-    original.renderbuffer_storage(target, format, width, height);
-}
-void GLAPIENTRY framebuffer_texture_2d(GLenum target, GLenum attachment, GLenum kind, GLuint name,
-                                       GLint level) {
-  if (!spy->enter_or_error("glFramebufferTexture2D")) {
-    original.framebuffer_texture_2d(target, attachment, kind, name, level);
-  }
+  const bool proxy = target == GL_PROXY_TEXTURE_3D;
+  // A refused proxy has no extent; so has one that is asked for without.
+  if (proxy && spy->enter("3-D proxy")) width = 0;
+  watched(proxy ? "" : "glTexImage3D", original<&__glewTexImage3D>, target, level, internal, width, height,
+          depth, border, format, type, pixels);
 }
 GLenum GLAPIENTRY check_framebuffer_status(GLenum target) {
   if (spy->enter("glCheckFramebufferStatus")) return spy->failures.at("glCheckFramebufferStatus").second;
-  return original.check_framebuffer_status(target);
-}
-GLuint GLAPIENTRY create_shader(GLenum stage) {
-  return spy->enter("glCreateShader") ? 0 : spy->made("shader", original.create_shader(stage));
-}
-void GLAPIENTRY delete_shader(GLuint name) {
-  destroy("glDeleteShader", "shader", 1, &name,
-          [](GLsizei, const GLuint* names) { original.delete_shader(*names); });
-}
-void GLAPIENTRY compile_shader(GLuint name) {
-  if (spy->enter("glCompileShader")) spy->failed_compiles.insert(name);
-  original.compile_shader(name);
-}
-void GLAPIENTRY get_shaderiv(GLuint name, GLenum query, GLint* value) {
-  original.get_shaderiv(name, query, value);
-  if (query == GL_COMPILE_STATUS && spy->failed_compiles.contains(name)) *value = GL_FALSE;
-}
-GLuint GLAPIENTRY create_program() {
-  return spy->enter("glCreateProgram") ? 0 : spy->made("program", original.create_program());
-}
-void GLAPIENTRY delete_program(GLuint name) {
-  destroy("glDeleteProgram", "program", 1, &name,
-          [](GLsizei, const GLuint* names) { original.delete_program(*names); });
-}
-void GLAPIENTRY link_program(GLuint name) {
-  if (spy->enter("glLinkProgram")) spy->failed_links.insert(name);
-  original.link_program(name);
+  return original<&__glewCheckFramebufferStatus>(target);
 }
 void GLAPIENTRY get_programiv(GLuint name, GLenum query, GLint* value) {
-  original.get_programiv(name, query, value);
-  if (query == GL_LINK_STATUS) {
-    ++spy->calls["glGetProgramiv(GL_LINK_STATUS)"];
-    if (spy->failed_links.contains(name)) *value = GL_FALSE;
-  }
+  original<&__glewGetProgramiv>(name, query, value);
+  if (query == GL_LINK_STATUS) spy->enter("glGetProgramiv(GL_LINK_STATUS)");
   spy->answer(query, value);
 }
-void GLAPIENTRY program_binary(GLuint name, GLenum format, const void* bytes, GLsizei length) {
-  if (!spy->enter_or_error("glProgramBinary")) original.program_binary(name, format, bytes, length);
+
+template <std::size_t size>
+struct Name {
+  char text[size];
+  consteval Name(const char (&name)[size]) { std::copy_n(name, size, text); }
+};
+
+template <Name function, auto* pointer, class Result, class... Args>
+Result GLAPIENTRY watched_pointer(Args... args) {
+  return watched(function.text, original<pointer>, args...);
 }
-void GLAPIENTRY get_program_binary(GLuint name, GLsizei size, GLsizei* length, GLenum* format, void* bytes) {
-  if (!spy->enter_or_error("glGetProgramBinary"))
-    original.get_program_binary(name, size, length, format, bytes);
+
+// Puts our function into the pointer, or the original back when the spy is gone.
+template <auto* pointer>
+void replace(std::remove_pointer_t<decltype(pointer)> ours) {
+  if (spy) original<pointer> = *pointer;
+  *pointer = spy ? ours : original<pointer>;
+}
+template <Name function, auto* pointer>
+void replace() {
+  replace<pointer>(watched_pointer<function, pointer>);
+}
+
+void replace_all() {
+  replace<"glGenBuffers", &__glewGenBuffers>();
+  replace<"glDeleteBuffers", &__glewDeleteBuffers>();
+  replace<"glGenVertexArrays", &__glewGenVertexArrays>();
+  replace<"glDeleteVertexArrays", &__glewDeleteVertexArrays>();
+  replace<"glGenFramebuffers", &__glewGenFramebuffers>();
+  replace<"glDeleteFramebuffers", &__glewDeleteFramebuffers>();
+  replace<"glGenRenderbuffers", &__glewGenRenderbuffers>();
+  replace<"glDeleteRenderbuffers", &__glewDeleteRenderbuffers>();
+  replace<"glBufferData", &__glewBufferData>();
+  replace<"glMapBuffer", &__glewMapBuffer>();
+  replace<&__glewUnmapBuffer>(unmap_buffer);
+  replace<&__glewTexImage3D>(tex_image_3d);
+  replace<"glTexSubImage3D", &__glewTexSubImage3D>();
+  replace<"glRenderbufferStorage", &__glewRenderbufferStorage>();
+  replace<"glFramebufferTexture2D", &__glewFramebufferTexture2D>();
+  replace<&__glewCheckFramebufferStatus>(check_framebuffer_status);
+  replace<"glCreateShader", &__glewCreateShader>();
+  replace<"glDeleteShader", &__glewDeleteShader>();
+  replace<"glCompileShader", &__glewCompileShader>();
+  replace<"glCreateProgram", &__glewCreateProgram>();
+  replace<"glDeleteProgram", &__glewDeleteProgram>();
+  replace<"glLinkProgram", &__glewLinkProgram>();
+  replace<&__glewGetProgramiv>(get_programiv);
+  replace<"glProgramBinary", &__glewProgramBinary>();
+  replace<"glGetProgramBinary", &__glewGetProgramBinary>();
 }
 
 }  // namespace
 
 GlSpy::GlSpy() : state_(new State) {
   spy = state_;
-#define OCT_REPLACE(member, pointer) original.member = pointer, pointer = member;
-  OCT_REPLACED(OCT_REPLACE)
-#undef OCT_REPLACE
+  replace_all();
 }
 
 GlSpy::~GlSpy() {
-#define OCT_RESTORE(member, pointer) pointer = original.member;
-  OCT_REPLACED(OCT_RESTORE)
-#undef OCT_RESTORE
   spy = nullptr;
+  replace_all();
   delete state_;
 }
 
 int GlSpy::calls(const std::string& function) const {
   const std::lock_guard lock(state_->mutex);
-  const auto entry = state_->calls.find(function);
-  return entry == state_->calls.end() ? 0 : entry->second;
+  return state_->calls[function];
 }
 
 void GlSpy::fail_next(const std::string& function, int times, GLenum error) {
@@ -248,6 +199,7 @@ void GlSpy::answer(GLenum integer_query, GLint value) {
   state_->answers[integer_query] = value;
 }
 void GlSpy::queue_error(GLenum error) {
+  const std::lock_guard lock(state_->mutex);
   state_->errors.push_back(error);
 }
 std::size_t GlSpy::live_objects() const {
@@ -261,55 +213,49 @@ std::size_t GlSpy::live_objects() const {
 extern "C" {
 
 using oct::test::spy;
+using oct::test::watched;
 
-void GLAPIENTRY __real_glGenTextures(GLsizei n, GLuint* names);
+decltype(glGenTextures) __real_glGenTextures;
 void GLAPIENTRY __wrap_glGenTextures(GLsizei n, GLuint* names) {
-  if (!spy) return __real_glGenTextures(n, names);
-  oct::test::generate("glGenTextures", "texture", n, names, __real_glGenTextures);
+  watched("glGenTextures", __real_glGenTextures, n, names);
 }
 
-void GLAPIENTRY __real_glDeleteTextures(GLsizei n, const GLuint* names);
+decltype(glDeleteTextures) __real_glDeleteTextures;
 void GLAPIENTRY __wrap_glDeleteTextures(GLsizei n, const GLuint* names) {
-  if (!spy) return __real_glDeleteTextures(n, names);
-  oct::test::destroy("glDeleteTextures", "texture", n, names, __real_glDeleteTextures);
+  watched("glDeleteTextures", __real_glDeleteTextures, n, names);
 }
 
-void GLAPIENTRY __real_glTexImage1D(GLenum, GLint, GLint, GLsizei, GLint, GLenum, GLenum, const void*);
+decltype(glTexImage1D) __real_glTexImage1D;
 void GLAPIENTRY __wrap_glTexImage1D(GLenum target, GLint level, GLint internal, GLsizei width, GLint border,
                                     GLenum format, GLenum type, const void* pixels) {
-  if (spy && spy->enter_or_error("glTexImage1D")) return;
-  __real_glTexImage1D(target, level, internal, width, border, format, type, pixels);
+  watched("glTexImage1D", __real_glTexImage1D, target, level, internal, width, border, format, type, pixels);
 }
 
-void GLAPIENTRY __real_glTexImage2D(GLenum, GLint, GLint, GLsizei, GLsizei, GLint, GLenum, GLenum,
-                                    const void*);
+decltype(glTexImage2D) __real_glTexImage2D;
 void GLAPIENTRY __wrap_glTexImage2D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
                                     GLint border, GLenum format, GLenum type, const void* pixels) {
-  if (spy && target == GL_PROXY_TEXTURE_2D) {
-    // A refused proxy has no extent; so has one that is asked for without.
-    if (spy->enter(internal == GL_R32F ? "R32F proxy" : "R16F proxy")) width = 0;
-  } else if (spy) {
-    if (internal == GL_R16F) ++spy->calls["R16F texture"];
-    if (spy->enter_or_error("glTexImage2D")) return;
-  }
-  __real_glTexImage2D(target, level, internal, width, height, border, format, type, pixels);
+  const bool proxy = target == GL_PROXY_TEXTURE_2D;
+  const std::string kind = internal == GL_R32F ? "R32F" : internal == GL_R16F ? "R16F" : "other";
+  // A refused proxy has no extent; so has one that is asked for without.
+  if (spy && spy->enter(kind + (proxy ? " proxy" : " texture"))) width = 0;
+  watched(proxy ? "" : "glTexImage2D", __real_glTexImage2D, target, level, internal, width, height, border,
+          format, type, pixels);
 }
 
-void GLAPIENTRY __real_glTexSubImage2D(GLenum, GLint, GLint, GLint, GLsizei, GLsizei, GLenum, GLenum,
-                                       const void*);
+decltype(glTexSubImage2D) __real_glTexSubImage2D;
 void GLAPIENTRY __wrap_glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width,
                                        GLsizei height, GLenum format, GLenum type, const void* pixels) {
-  if (spy && spy->enter_or_error("glTexSubImage2D")) return;
-  __real_glTexSubImage2D(target, level, x, y, width, height, format, type, pixels);
+  watched("glTexSubImage2D", __real_glTexSubImage2D, target, level, x, y, width, height, format, type,
+          pixels);
 }
 
-GLenum GLAPIENTRY __real_glGetError(void);
+decltype(glGetError) __real_glGetError;
 GLenum GLAPIENTRY __wrap_glGetError(void) {
   const GLenum error = spy ? spy->next_error() : GL_NO_ERROR;
   return error != GL_NO_ERROR ? error : __real_glGetError();
 }
 
-void GLAPIENTRY __real_glGetIntegerv(GLenum query, GLint* value);
+decltype(glGetIntegerv) __real_glGetIntegerv;
 void GLAPIENTRY __wrap_glGetIntegerv(GLenum query, GLint* value) {
   __real_glGetIntegerv(query, value);
   if (spy) spy->answer(query, value);

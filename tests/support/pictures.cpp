@@ -3,14 +3,10 @@
 #define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_STATIC
 #define STBI_ONLY_PNG
-#if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wunused-function"
-#endif
 #include <stb/stb_image.h>
-#if defined(__GNUC__)
 #pragma GCC diagnostic pop
-#endif
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <algorithm>

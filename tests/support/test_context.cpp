@@ -22,6 +22,13 @@ std::string pending_error() {
   return message.data();
 }
 
+void expect_refused(const std::vector<std::pair<std::string, std::function<void()>>>& calls) {
+  for (const auto& [error, call] : calls) {
+    call();
+    EXPECT_EQ(pending_error(), error);
+  }
+}
+
 std::string failure_of(const std::function<void()>& action) {
   try {
     action();

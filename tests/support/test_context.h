@@ -22,7 +22,6 @@ class TestContext {
     gl::initGlew();
   }
   void makeCurrent() { context_.makeCurrent(); }
-  gl::OpenGLWindow& window() { return window_; }
 
  private:
   gl::OpenGLWindow window_;
@@ -38,6 +37,9 @@ class GLTest : public testing::Test {
 
 // The pending error of the error store, "(none)" when there is none.
 std::string pending_error();
+
+// Calls that are refused, each with its error.
+void expect_refused(const std::vector<std::pair<std::string, std::function<void()>>>& calls);
 
 // What the action throws, "(none)" if nothing.
 std::string failure_of(const std::function<void()>& action);

@@ -1,6 +1,7 @@
 // An array between guard words, at any distance from an aligned address.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -22,17 +23,13 @@ class GuardedArray {
 
   Value* data() { return reinterpret_cast<Value*>(bytes_.data() + first_); }
   Value& operator[](std::size_t i) { return data()[i]; }
-  std::size_t size() const { return size_; }
 
   // Whether everything but the array is as it was.
   bool is_intact_around() const {
-    for (std::size_t i = 0; i < first_; ++i) {
-      if (bytes_[i] != pattern) return false;
-    }
-    for (std::size_t i = first_ + size_ * sizeof(Value); i < bytes_.size(); ++i) {
-      if (bytes_[i] != pattern) return false;
-    }
-    return true;
+    const auto is_as_before = [](unsigned char byte) { return byte == pattern; };
+    const auto begin = bytes_.begin() + static_cast<std::ptrdiff_t>(first_);
+    const auto end = begin + static_cast<std::ptrdiff_t>(size_ * sizeof(Value));
+    return std::all_of(bytes_.begin(), begin, is_as_before) && std::all_of(end, bytes_.end(), is_as_before);
   }
 
   // Bit for bit, so that NaN equals itself.

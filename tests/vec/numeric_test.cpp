@@ -97,20 +97,6 @@ TEST_P(Variants, EqualThePlainLoops) {
   }
 }
 
-// The one extreme value at each place in turn, among NaN.
-TEST_P(Variants, ExtremesAreFoundAtEveryPlace) {
-  for (std::size_t count = 1; count < lengths; ++count) {
-    for (std::size_t place = 0; place < count; ++place) {
-      std::vector<float> values(count, not_a_number);
-      values[place] = -2.0F;
-      values[(place + 1) % count] = 3.0F;
-      const vec::Extremes found = variant_.extremes(values.data(), count);
-      EXPECT_EQ(found.lowest, count > 1 ? -2.0F : 3.0F);
-      EXPECT_EQ(found.highest, 3.0F);
-    }
-  }
-}
-
 // More values than are counted in one go.
 TEST_P(Variants, CountNotAboveOfVeryMany) {
   std::vector<float> values(3'000'005);

@@ -73,56 +73,44 @@ TEST_F(FontRendererGLTest, LabelsAreDrawnPixelByPixel) {
   // Cut by the viewport.
   for (const glm::vec3 anchor : {glm::vec3(-1.0F, -1.0F, 0.0F), glm::vec3(0.707F, 0.871F, 0.0F)})
     expect_drawn(31, true, {"depth (mm)", anchor, {-7.25F, -5.0F}}, flat_view);
-}
 
-TEST_F(FontRendererGLTest, TheDepthOfTheAnchorCounts) {
-  FontRenderer font(20, false);
-  TextRasteriser rasteriser(20, false);
-  const Picture plain = expected(rasteriser, {"", {}, {}}, flat_view);
+  // The depth of the anchor counts.
   glClearDepth(0.5);
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LEQUAL);
-  for (const float depth : {-0.5F, 0.5F}) {
-    const Label label{"9", {0.004F, 0.0F, depth}, {}};
-    const Picture picture = draw(font, label, flat_view);
-    EXPECT_TRUE(agree(picture, depth < 0.0F ? expected(rasteriser, label, flat_view) : plain)) << depth;
-  }
+  expect_drawn(20, false, {"9", {0.004F, 0.0F, -0.5F}, {}}, flat_view);
+  FontRenderer font(20, false);
+  TextRasteriser rasteriser(20, false);
+  EXPECT_TRUE(agree(draw(font, {"9", {0.004F, 0.0F, 0.5F}, {}}, flat_view),
+                    expected(rasteriser, {"", {}, {}}, flat_view)));
   glDisable(GL_DEPTH_TEST);
   glClearDepth(1.0);
 }
 
-TEST_F(FontRendererGLTest, ATextIsRasterisedOnce) {
-  GlSpy spy;
-  {
-    FontRenderer font(18, false);
-    draw(font, {"0.5", {}, {}}, flat_view);
-    EXPECT_EQ(spy.calls("glTexImage2D"), 1);
-    draw(font, {"0.5", {0.5F, 0.0F, 0.0F}, {3.0F, 4.0F}}, perspective_view(10.0F));
-    EXPECT_EQ(font.size("0.5").y, TextRasteriser(18, false).rasterise("0.5").height);
-    EXPECT_EQ(spy.calls("glTexImage2D"), 1);
-    draw(font, {"1.0", {}, {}}, flat_view);
-    EXPECT_EQ(font.size(""), glm::ivec2(0));
-    draw(font, {"", {}, {}}, flat_view);
-    EXPECT_EQ(spy.calls("glTexImage2D"), 2);
-  }
-  EXPECT_EQ(spy.calls("glGenTextures"), 2);
-  EXPECT_EQ(spy.live_objects(), 3U) << "more than the target's framebuffer and its two renderbuffers";
-}
-
-TEST_F(FontRendererGLTest, FailuresLeaveNothingBehind) {
+TEST_F(FontRendererGLTest, ATextIsRasterisedOnceAndNothingIsLeftBehind) {
   target_.begin_frame(width, height);
   GlSpy spy;
   spy.fail_next("glGenBuffers");
   EXPECT_EQ(failure_of([] { FontRenderer(18, false); }), "Could not create OpenGL buffer. ");
   EXPECT_EQ(spy.live_objects(), 0U);
-
-  FontRenderer font(18, false);
-  const std::size_t before = spy.live_objects();
-  spy.fail_next("glTexImage2D");
-  EXPECT_EQ(failure_of([&] { font.size("7"); }).find("An OpenGL error in FontRenderer::rasterise occured: "),
-            0U);
-  EXPECT_EQ(spy.live_objects(), before);
-  EXPECT_EQ(font.size("7").y, TextRasteriser(18, false).rasterise("7").height) << "the next try works";
+  {
+    FontRenderer font(18, false);
+    spy.fail_next("glTexImage2D");
+    EXPECT_EQ(
+        failure_of([&] { font.size("0.5"); }).find("An OpenGL error in FontRenderer::rasterise occured: "),
+        0U);
+    const int failed = spy.calls("glTexImage2D");
+    for (const float zoom : {5.0F, 10.0F}) {
+      draw(font, {"0.5", {0.1F, 0.0F, 0.0F}, {3.0F, 4.0F}}, perspective_view(zoom));
+      EXPECT_EQ(font.size("0.5").y, TextRasteriser(18, false).rasterise("0.5").height);
+      EXPECT_EQ(spy.calls("glTexImage2D"), failed + 1);
+    }
+    draw(font, {"1.0", {}, {}}, flat_view);
+    EXPECT_EQ(font.size(""), glm::ivec2(0));
+    draw(font, {"", {}, {}}, flat_view);
+    EXPECT_EQ(spy.calls("glTexImage2D"), failed + 2);
+  }
+  EXPECT_EQ(spy.live_objects(), 3U) << "the target's framebuffer and its two renderbuffers";
 }
 
 }  // namespace

@@ -1,14 +1,9 @@
-// A machine without any font, as long as the object lives.
+// A machine without any font.
 #pragma once
 
 namespace oct::test {
 
-class MissingFonts {
- public:
-  MissingFonts();
-  ~MissingFonts();
-  MissingFonts(const MissingFonts&) = delete;
-  MissingFonts& operator=(const MissingFonts&) = delete;
-};
+void hide_fonts();
+void show_fonts();  // again, after they were hidden
 
 }  // namespace oct::test

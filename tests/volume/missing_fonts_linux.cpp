@@ -4,13 +4,13 @@
 
 namespace oct::test {
 
-MissingFonts::MissingFonts() {
+void hide_fonts() {
   FcConfig* const empty = FcConfigCreate();
   FcConfigSetCurrent(empty);
   FcConfigDestroy(empty);  // the library holds it now
 }
 
-MissingFonts::~MissingFonts() {
+void show_fonts() {
   FcInitReinitialize();
 }
 

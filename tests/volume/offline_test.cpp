@@ -141,21 +141,6 @@ TEST_F(OfflineTest, AnUploadShowsTheVolumeHidesTheSurfaceAndIsCounted) {
   }
 }
 
-TEST_F(OfflineTest, OverlaysComeAndGo) {
-  scene_.overlay = test_volume(14, 12, 10, 3);
-  scene_.overlay_coloring = {ramp_colors(16, 1.0), 0.2, 1.1};
-  scene_.mode = 0;
-  VolumeScene both = scene_;
-  both.content = 2;
-  stage_.prepare(scene_);
-  EXPECT_TRUE(shows(both, 2));
-  uploadOverlayOfflineVolume(offline_, nullptr);
-  EXPECT_TRUE(shows(scene_, 2)) << "no overlay to lay over";
-  uploadOverlayOfflineVolume(offline_, scene_.overlay.voxels.data());
-  EXPECT_TRUE(shows(both, 2));
-  expect_no_error();
-}
-
 TEST_F(OfflineTest, SecondaryDataComesInBlocks) {
   scene_.secondary = test_volume(3, 12, 10, 4);
   scene_.secondary_coloring.colors = opaque_colors(8);

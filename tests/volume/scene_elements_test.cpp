@@ -1,5 +1,5 @@
 // What is drawn around the volume, beyond the pictures that are compared with the reference: what hides it,
-// its colour, its texts, its objects, and what happens when OpenGL fails or there is no font.
+// its colour, its texts, its objects, and what happens when there is no font.
 #include <algorithm>
 
 #include "support/gl_spy.h"
@@ -85,14 +85,13 @@ TEST_F(SceneElementsTest, LabelsKeepTheirPixelsWhileTheBoxTurns) {
   constexpr const char* no_font = "No font was found for text labels. ";
   const auto failure = [] { return failure_of([] { TextRasteriser(18, false); }); };
   stage_.restart();
-  {
-    const MissingFonts none;
-    EXPECT_EQ(failure(), no_font);
-    const double ticks = ink();
-    EXPECT_EQ(pending_error(), no_font);
-    EXPECT_GT(ticks, 100.0) << "everything but the labels is drawn";
-    EXPECT_LT(ticks, marks - 200.0);
-  }
+  hide_fonts();
+  EXPECT_EQ(failure(), no_font);
+  const double ticks = ink();
+  EXPECT_EQ(pending_error(), no_font);
+  EXPECT_GT(ticks, 100.0) << "everything but the labels is drawn";
+  EXPECT_LT(ticks, marks - 200.0);
+  show_fonts();
   EXPECT_EQ(failure(), "(none)");
   EXPECT_NEAR(ink(), marks, 0.2 * marks);
   expect_no_error();
@@ -122,17 +121,29 @@ TEST_F(SceneElementsTest, NothingIsLeftBehindAndNothingIsMadeTwice) {
   GlSpy spy;
   {
     VolumeStage stage;
+    const auto built = [&] {
+      return std::array{spy.calls("glGenTextures"), spy.calls("glTexImage1D"), spy.calls("glTexImage2D"),
+                        spy.calls("glTexImage3D"), static_cast<int>(spy.live_objects())};
+    };
     for (int round = 0; round < 3; ++round) {
       const std::size_t after_init = spy.live_objects();
       EXPECT_TRUE(agree(stage.draw(scene_), before, exact));
       setRenderingMode(stage.renderer, 1);
       stage.frame();
-      const std::size_t in_use = spy.live_objects();
-      EXPECT_GT(in_use, after_init);
-      const int textures = spy.calls("glTexImage2D") + spy.calls("glGenTextures");
+      EXPECT_GT(spy.live_objects(), after_init);
+      auto expected = built();
       stage.frame();
-      EXPECT_EQ(spy.live_objects(), in_use) << "a frame like the last one makes no objects";
-      EXPECT_EQ(spy.calls("glTexImage2D") + spy.calls("glGenTextures"), textures) << "nor a text once more";
+      EXPECT_EQ(built(), expected) << "a frame like the last one makes nothing, no text either";
+      setRendererColormap(stage.renderer, scene_.coloring.colors.data(), 2);
+      for (int i = 0; i < 2; ++i) stage.frame();
+      ++expected[1];
+      EXPECT_EQ(built(), expected) << "once per change";
+      setRenderingMode(stage.renderer, 0);
+      stage.frame();
+      expected = built();
+      for (int i = 0; i < 2; ++i) stage.frame(201, 160, 2);
+      ++expected[2];
+      EXPECT_EQ(built(), expected) << "the back faces have the viewport's size";
       const std::string text = log_of([&] { stage.restart(); });
       EXPECT_TRUE(contains(text, "Unloading font renderer.\n"));
     }
@@ -145,44 +156,6 @@ TEST_F(SceneElementsTest, NothingIsLeftBehindAndNothingIsMadeTwice) {
     EXPECT_EQ(spy.live_objects(), others);
   }
   EXPECT_EQ(spy.live_objects(), 0U);
-}
-
-TEST_F(SceneElementsTest, BuffersThatFailAreReportedAndTheNextFrameWorks) {
-  frame_all();
-  for (const bool sectional : {false, true}) {
-    scene_.sectional = sectional;
-    const Picture good = stage_.draw(scene_);
-    for (int failing = 1; failing < 12; ++failing) {
-      stage_.restart();
-      apply(scene_, renderer_);
-      {
-        GlSpy spy;
-        spy.fail_next("glBufferData", failing);
-        frame();
-        EXPECT_GE(spy.calls("glBufferData"), 1);
-      }
-      EXPECT_EQ(pending_error().find("An OpenGL error in "), 0U) << failing;
-      clear_gl_errors();
-      stage_.restart();
-      EXPECT_TRUE(agree(stage_.draw(scene_), good, exact));
-      expect_no_error();
-    }
-  }
-}
-
-// Each variant declares only what it uses; what it lacks is noted and nothing more.
-TEST_F(SceneElementsTest, MissingUniformsAreNotedAndNoError) {
-  const std::string text = log_of([&] { stage_.restart(); });
-  for (const auto& [uniform, missing] : {std::pair{"overlayValues", true},
-                                         {"secondaryTex", true},
-                                         {"secondarySlice", true},
-                                         {"colorTex2", true},
-                                         {"backTex", true},
-                                         {"modelview", false},
-                                         {"projection", false}}) {
-    EXPECT_EQ(contains(text, std::string("Uniform ") + uniform + " was not found. "), missing) << uniform;
-  }
-  expect_no_error();
 }
 
 }  // namespace

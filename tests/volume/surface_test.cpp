@@ -16,7 +16,7 @@ HeightMap slope(int width, int height) {
   return map;
 }
 
-TEST(SurfaceMeshTest, SamplesThatAreNoNumbersLeaveAHole) {
+TEST(SurfaceMeshTest, SamplesThatAreNoNumbersLeaveAHoleAndAPointHasNoTriangles) {
   HeightMap map = slope(6, 5);
   map.values[2 * 6 + 3] = std::numeric_limits<float>::quiet_NaN();
   map.values[0] = std::numeric_limits<float>::infinity();
@@ -26,22 +26,11 @@ TEST(SurfaceMeshTest, SamplesThatAreNoNumbersLeaveAHole) {
     EXPECT_TRUE(std::isfinite(mesh.vertices[index].z));
     EXPECT_NEAR(glm::length(mesh.normals[index]), 1.0F, 1e-5F);
   }
-}
 
-TEST(SurfaceMeshTest, SmallAndWrongSizes) {
   const float value = 1.0F;
-  EXPECT_TRUE(surface_mesh(0, 0, 0.0, nullptr).vertices.empty());
-  EXPECT_TRUE(surface_mesh(0, 5, 1.0, nullptr).vertices.empty());
   const SurfaceMesh point = surface_mesh(1, 1, 4.0, &value);
   EXPECT_EQ(point.vertices, (std::vector<glm::vec3>{{0.0F, 0.0F, -0.5F}}));
   EXPECT_TRUE(point.triangles.empty());
-  for (const auto& [width, height, scale, data] : {std::tuple{-1, 1, 1.0, &value},
-                                                   {1, -1, 1.0, &value},
-                                                   {1, 1, 1.0, static_cast<const float*>(nullptr)},
-                                                   {1, 1, 0.0, &value},
-                                                   {65536, 65536, 1.0, &value}}) {
-    EXPECT_THROW(surface_mesh(width, height, scale, data), std::invalid_argument) << width << " x " << height;
-  }
 }
 
 using SurfaceTest = VolumeTest;

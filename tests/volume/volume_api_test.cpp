@@ -55,9 +55,11 @@ TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
       {"Colour map data must not be null. ", [h] { setRendererColormap(h, nullptr, 3); }},
       {"The number of colours must not be negative. ", [h] { setSurfaceColormap(h, nullptr, -1); }},
       {"The size of a surface must not be negative. ", [&] { setSurface(h, -1, 3, 1.0, &value); }},
+      {"The size of a surface must not be negative. ", [&] { setSurface(h, 3, -1, 1.0, &value); }},
       {"Surface data must not be null. ", [h] { setSurface(h, 3, 3, 1.0, nullptr); }},
       {"The scale of a surface must be a number other than zero. ",
        [&] { setSurface(h, 3, 3, 0.0, &value); }},
+      {"The surface has too many samples. ", [&] { setSurface(h, 65536, 65536, 1.0, &value); }},
   });
   const VolumeSettings settings = this->settings();
   EXPECT_EQ(settings.volume_mode, VolumeMode::mean);

@@ -36,17 +36,6 @@ class VolumeTest : public testing::Test {
   }
   static void expect_no_error() { EXPECT_EQ(pending_error(), "(none)"); }
 
-  struct Refusal {
-    std::string error;
-    std::function<void()> call;
-  };
-  static void expect_refused(const std::vector<Refusal>& refusals) {
-    for (const auto& [error, call] : refusals) {
-      call();
-      EXPECT_EQ(pending_error(), error);
-    }
-  }
-
   VolumeStage stage_;
   const VolumeRendererHandle renderer_ = stage_.renderer;
   const OfflineRenderingHandle offline_ = stage_.offline;

@@ -1,4 +1,4 @@
-// Setters on eight threads while frames are drawn.
+// Setters on nine threads while frames are drawn.
 #include <atomic>
 #include <functional>
 #include <thread>
@@ -13,43 +13,18 @@ namespace oct::test {
 namespace {
 
 VolumeScene thread_scene() {
-  VolumeScene scene = scene_of(test_volume(8, 8, 8), 24, 16);
+  VolumeScene scene = scene_of(test_volume(8, 8, 8), 120, 90);
   scene.slices = 16;
+  scene.scale_marks = scene.edges = scene.box = true;
   return scene;
 }
 
 using Setter = std::function<void(int turn)>;
 
-// Each setter over and over on a thread of its own, from construction until stop.
-class Storm {
- public:
-  explicit Storm(const std::vector<Setter>& setters) {
-    for (const Setter& setter : setters) {
-      threads_.emplace_back([this, &setter] {
-        for (int i = 0; !stop_; ++i) {
-          setter(i);
-          ++calls_;
-          if (i % 16 == 0) std::this_thread::yield();
-        }
-      });
-    }
-  }
-  int stop() {  // the number of calls
-    stop_ = true;
-    for (std::thread& thread : threads_) thread.join();
-    return calls_;
-  }
-
- private:
-  std::atomic<bool> stop_{false};
-  std::atomic<int> calls_{0};
-  std::vector<std::thread> threads_;
-};
-
 const std::vector<std::uint32_t> red(300, 0xFF0000FFU);
 const std::vector<std::uint32_t> green(7, 0xFF00FF00U);
 
-// One for each of eight threads; no two set the same.
+// One for each of nine threads; no two set the same.
 std::vector<Setter> every_setter(VolumeRendererHandle h) {
   return {
       [h](int i) {
@@ -80,75 +55,61 @@ std::vector<Setter> every_setter(VolumeRendererHandle h) {
         setSurfaceColormap(h, red.data(), 1 + i % 9);
         setOverlayRendererColormap(h, red.data(), 1 + i % 9), setRendererSecondaryColormap(h, red.data(), 2);
       },
+      [h](int i) {
+        setBorder(h, i % 4 != 0, i % 3, i % 2), setRenderForeground(h, 0x80FF00FFU + 256U * (i % 4));
+        setRenderElements(h, i % 5 != 0, i % 2), setRenderingMode(h, i % 7 == 0);
+      },
   };
 }
 
 // The two background colours are set together, and so are seen: a frame of two colours would be a torn state.
+// After the storm the renderer draws what a new one draws.
 TEST(VolumeThreadTest, SettersNeverTearAFrame) {
-  VolumeStage stage;
-  stage.draw(thread_scene());
-  setRenderBackground(stage.renderer, 0x0000FFFFU, 0x0000FFFFU);
-  const std::vector<Setter> setters = every_setter(stage.renderer);
-  Storm storm(setters);
-  int torn = 0;
-  for (int i = 0; i < 500; ++i) {
-    const Picture picture = stage.frame();
-    const auto bottom = picture.bgra(0, 0);
-    const bool known = (bottom[0] == 255 && bottom[2] == 0) || (bottom[0] == 0x40 && bottom[2] == 0x40);
-    if (picture.bgra(0, 15) != bottom || !known) ++torn;
-  }
-  EXPECT_GT(storm.stop(), 500) << "the setters did not get their turn";
-  EXPECT_EQ(torn, 0);
-  EXPECT_EQ(pending_error(), "(none)");
-}
-
-// Marks, labels, borders, slices and the surface among the storm; after it the
-// renderer draws what a new one draws.
-TEST(VolumeThreadTest, SceneElementsOutliveTheStorm) {
   VolumeScene scene = thread_scene();
-  scene.viewport_width = 120;
-  scene.viewport_height = 90;
   scene.clip = scene.removed_segment = true;
   scene.clip_value = 0.6F;
-  scene.scale_marks = scene.edges = scene.box = true;
   scene.surface = {2, 2, 1.0, {0.2F, 0.4F, 0.6F, 0.8F}};
   scene.surface_coloring = {green, 0.2, 0.8};
-  const auto pictures = [&scene](VolumeStage& stage) {
-    std::vector<Picture> result;
-    for (const bool sectional : {false, true}) {
-      scene.sectional = sectional;
-      result.push_back(stage.draw(scene));
-    }
-    return result;
-  };
   VolumeStage stage;
   stage.draw(scene);
-  std::vector<Setter> setters = every_setter(stage.renderer);
-  setters[0] = [h = stage.renderer](int i) {
-    setBorder(h, i % 4 != 0, i % 3, i % 2),
-        setRenderForeground(h, 0x80FF00FFU + static_cast<unsigned>(i) % 4 * 256),
-        setRenderElements(h, i % 5 != 0, i % 2), setRenderingMode(h, i % 7 == 0);
-  };
-  Storm storm(setters);
-  for (int i = 0; i < 100; ++i) stage.frame(120 + i % 3, 90, 0);
-  EXPECT_GT(storm.stop(), 100);
-  const std::vector<Picture> after = pictures(stage);
-  EXPECT_EQ(pending_error(), "(none)");
+  setRenderBackground(stage.renderer, 0x0000FFFFU, 0x0000FFFFU);
+  const std::vector<Setter> setters = every_setter(stage.renderer);
+  std::atomic<bool> running{true};
+  std::atomic<int> calls{0};
+  std::thread storm([&] {
+    on_threads(static_cast<int>(setters.size()), [&](int thread) {
+      for (int i = 0; running; ++i) {
+        setters[static_cast<std::size_t>(thread)](i);
+        ++calls;
+        if (i % 16 == 0) std::this_thread::yield();
+      }
+    });
+  });
+  int torn = 0;
+  for (int i = 0; i < 400; ++i) {
+    const Picture picture = stage.frame(60 + i % 3, 40, 0);
+    const auto bottom = picture.bgra(0, 0);
+    const bool known = (bottom[0] == 255 && bottom[2] == 0) || (bottom[0] == 0x40 && bottom[2] == 0x40);
+    if (picture.bgra(0, 39) != bottom || !known) ++torn;
+  }
+  running = false;
+  storm.join();
+  EXPECT_GT(calls, 400) << "the setters did not get their turn";
+  EXPECT_EQ(torn, 0);
   VolumeStage fresh;
-  const std::vector<Picture> expected = pictures(fresh);
-  for (std::size_t i = 0; i < after.size(); ++i) EXPECT_TRUE(agree(after[i], expected[i], exact)) << i;
+  for (const bool sectional : {false, true}) {
+    scene.sectional = sectional;
+    EXPECT_TRUE(agree(stage.draw(scene), fresh.draw(scene), exact)) << sectional;
+  }
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 // Two renderers with contexts of their own, on two threads.
 TEST(VolumeThreadTest, RenderersOfTwoContextsDoNotMeet) {
-  VolumeScene scene = thread_scene();
-  scene.viewport_width = 160;
-  scene.viewport_height = 120;
-  scene.scale_marks = scene.edges = scene.box = true;
   std::vector<Picture> pictures(2);
   on_threads(2, [&](int thread) {
     VolumeStage stage;
-    for (int i = 0; i < 6; ++i) pictures[static_cast<std::size_t>(thread)] = stage.draw(scene);
+    for (int i = 0; i < 6; ++i) pictures[static_cast<std::size_t>(thread)] = stage.draw(thread_scene());
   });
   EXPECT_EQ(pictures[0].bytes, pictures[1].bytes);
   EXPECT_EQ(pending_error(), "(none)");

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <utility>
+
+#include "support/reference/reference_camera.h"
 
 namespace oct::test {
 namespace {
-
-using Color = std::array<double, 4>;  // red, green, blue, alpha from 0 to 1
 
 double sample_clamped(const Image& image, int z, int x) {
   return image.at(std::clamp(z, 0, image.depth - 1), std::clamp(x, 0, image.a_scans - 1));
@@ -48,22 +49,13 @@ Image peppered(const Image& image) {
   });
 }
 
-Color color_of(const std::vector<std::uint32_t>& colormap, double value) {
+// Linear between the entries, the first and the last at 0 and 1.
+glm::dvec4 color_of(const std::vector<std::uint32_t>& colormap, double value) {
   const double position = std::clamp(value, 0.0, 1.0) * static_cast<double>(colormap.size() - 1);
   const auto below = static_cast<std::size_t>(position);
   const std::size_t above = std::min(below + 1, colormap.size() - 1);
-  const double part = position - static_cast<double>(below);
-  Color color{};
-  for (unsigned c = 0; c < 4; ++c) {
-    const double low = (colormap[below] >> (8 * c)) & 0xFFU;
-    const double high = (colormap[above] >> (8 * c)) & 0xFFU;
-    color[c] = (low + (high - low) * part) / 255.0;
-  }
-  return color;
-}
-
-std::uint8_t quantised(double channel) {
-  return static_cast<std::uint8_t>(std::lround(std::clamp(channel, 0.0, 1.0) * 255.0));
+  return glm::mix(unpacked(colormap[below]), unpacked(colormap[above]),
+                  position - static_cast<double>(below));
 }
 
 // Index of the sample below the centre of a pixel: floor((pixel + 1/2) / pixels * samples).
@@ -99,38 +91,29 @@ Picture reference_picture(const Scene& scene) {
   const int box_depth = samples_per_pixel(image.depth, scene.height);
   const int box_a_scans = samples_per_pixel(image.a_scans, scene.width);
   Picture picture(scene.width, scene.height);
-  for (int row = 0; row < scene.height; ++row) {
+  picture.for_each([&](int column, int row) {
     const int down = scene.flip ? row : scene.height - 1 - row;  // pixels along the depth axis
-    const int z = sample_below(down, scene.height, image.depth);
-    for (int column = 0; column < scene.width; ++column) {
-      const int x = sample_below(column, scene.width, image.a_scans);
-      double sum = 0.0;
-      for (int i = 0; i < box_a_scans; ++i) {
-        for (int j = 0; j < box_depth; ++j) sum += sample_clamped(image, z + j, x + i);
-      }
-      const double value = sum / (box_a_scans * box_depth);
-      const Color base = color_of(scene.colormap, (value - scene.lower) / (scene.upper - scene.lower));
-      std::array<std::uint8_t, 4> drawn{};
-      for (unsigned c = 0; c < 4; ++c) drawn[c] = quantised(base[c]);
-
-      for (const Overlay& overlay : scene.overlays) {
-        if (!(image.at(z, x) >= static_cast<float>(scene.threshold))) continue;
-        const double over =
-            scene.overlay_image.at(sample_below(down, scene.height, scene.overlay_image.depth),
-                                   sample_below(column, scene.width, scene.overlay_image.a_scans));
-        const Color color =
-            color_of(overlay.colormap, (over - overlay.lower) / (overlay.upper - overlay.lower));
-        for (unsigned c = 0; c < 4; ++c) {
-          drawn[c] = quantised(color[c] * color[3] + drawn[c] / 255.0 * (1.0 - color[3]));
-        }
-      }
-      std::uint8_t* const pixel = picture.pixel(column, row);
-      pixel[0] = drawn[2];
-      pixel[1] = drawn[1];
-      pixel[2] = drawn[0];
-      pixel[3] = drawn[3];
+    const auto place = [&](const Image& of) {
+      return std::pair(sample_below(down, scene.height, of.depth),
+                       sample_below(column, scene.width, of.a_scans));
+    };
+    const auto [z, x] = place(image);
+    double sum = 0.0;
+    for (int i = 0; i < box_a_scans; ++i) {
+      for (int j = 0; j < box_depth; ++j) sum += sample_clamped(image, z + j, x + i);
     }
-  }
+    const double value = sum / (box_a_scans * box_depth);
+    glm::dvec4 drawn = rounded(color_of(scene.colormap, (value - scene.lower) / (scene.upper - scene.lower)));
+    for (const Overlay& overlay : scene.overlays) {
+      if (!(image.at(z, x) >= static_cast<float>(scene.threshold))) continue;
+      const auto [over_z, over_x] = place(scene.overlay_image);
+      const double over = scene.overlay_image.at(over_z, over_x);
+      const glm::dvec4 color =
+          color_of(overlay.colormap, (over - overlay.lower) / (overlay.upper - overlay.lower));
+      drawn = rounded(glm::mix(drawn, color, color.a));
+    }
+    set_pixel(picture, column, row, drawn, drawn.a);
+  });
   return picture;
 }
 

@@ -1,7 +1,6 @@
 // The arithmetic of the B-scan display on the CPU, written from its formulas.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <vector>
 

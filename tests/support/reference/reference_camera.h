@@ -79,22 +79,26 @@ class ReferenceCamera {
   glm::dvec3 shift_;
 };
 
-// A colour map's entry at a value from 0 to 1, linear between the middles of the
-// entries; red, green, blue, alpha.
+// Red, green, blue, alpha; R is the lowest byte.
+inline glm::dvec4 unpacked(std::uint32_t color) {
+  return glm::dvec4(color & 0xFFU, color >> 8 & 0xFFU, color >> 16 & 0xFFU, color >> 24) / 255.0;
+}
+
+// A colour map's entry at a value from 0 to 1, linear between the middles of the entries.
 inline glm::dvec4 mapped_color(const std::vector<std::uint32_t>& colors, double value) {
-  const auto entry = [&](int i) {
-    const std::uint32_t packed =
-        colors[static_cast<std::size_t>(glm::clamp(i, 0, static_cast<int>(colors.size()) - 1))];
-    return glm::dvec4(packed & 0xFFU, packed >> 8 & 0xFFU, packed >> 16 & 0xFFU, packed >> 24) / 255.0;
-  };
-  const double position = glm::clamp(value, 0.0, 1.0) * static_cast<double>(colors.size()) - 0.5;
+  const int last = static_cast<int>(colors.size()) - 1;
+  const double position = glm::clamp(value, 0.0, 1.0) * (last + 1) - 0.5;
   const int below = static_cast<int>(std::floor(position));
+  const auto entry = [&](int i) {
+    return unpacked(colors[static_cast<std::size_t>(glm::clamp(i, 0, last))]);
+  };
   return glm::mix(entry(below), entry(below + 1), position - below);
 }
 
 // 0xRRGGBBAA
 inline glm::dvec3 opaque_color(std::uint32_t color) {
-  return glm::dvec3(color >> 24, color >> 16 & 0xFFU, color >> 8 & 0xFFU) / 255.0;
+  const glm::dvec4 bytes = unpacked(color);
+  return {bytes.a, bytes.b, bytes.g};
 }
 
 inline glm::dvec3 background_color(const VolumeScene& scene, int row) {
@@ -102,12 +106,18 @@ inline glm::dvec3 background_color(const VolumeScene& scene, int row) {
                   (row + 0.5) / scene.viewport_height);
 }
 
-inline void set_pixel(Picture& picture, int column, int row, const glm::dvec3& color) {
-  std::uint8_t* const pixel = picture.pixel(column, row);
-  for (int c = 0; c < 3; ++c) {
-    pixel[2 - c] = static_cast<std::uint8_t>(std::lround(glm::clamp(color[c], 0.0, 1.0) * 255.0));
+// To what eight bits hold.
+template <class Color>
+Color rounded(const Color& color) {
+  return glm::round(255.0 * color) / 255.0;
+}
+
+inline void set_pixel(Picture& picture, int column, int row, const glm::dvec3& color, double alpha = 1.0) {
+  const glm::dvec4 bgra(color.b, color.g, color.r, alpha);
+  for (int c = 0; c < 4; ++c) {
+    picture.pixel(column, row)[c] =
+        static_cast<std::uint8_t>(std::lround(glm::clamp(bgra[c], 0.0, 1.0) * 255.0));
   }
-  pixel[3] = 255;
 }
 
 inline Picture background_picture(const VolumeScene& scene) {

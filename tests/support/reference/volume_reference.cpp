@@ -308,12 +308,6 @@ class Layers {
   const std::optional<Plane> plane_;
 };
 
-// To what eight bits hold.
-template <class Color>
-Color rounded(const Color& color) {
-  return glm::round(255.0 * color) / 255.0;
-}
-
 double distance_to_segment(const glm::dvec2& point, const glm::dvec2& from, const glm::dvec2& to) {
   const glm::dvec2 along = to - from;
   const double length = glm::dot(along, along);
