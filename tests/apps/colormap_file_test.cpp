@@ -46,7 +46,7 @@ TEST_F(ColormapFile, NamesTheLineOfAnError) {
       {lines(1), "a colour map has from 2 to 4096 colours, this one 1"},
       {lines(4097), "a colour map has from 2 to 4096 colours, this one 4097"}};
   for (const auto& [text, words] : cases) {
-    expect_in(to_utf8(path_) + ": " + words, error_of<ReadError>([&] { read(text); }));
+    expect_in(to_utf8(path_) + ": " + words, error_of<ReadError>([&, &text = text] { read(text); }));
   }
 }
 

@@ -101,7 +101,7 @@ class ReaderTest : public testing::Test {
   void expect_refused(const std::vector<std::pair<std::string, std::string>>& refusals) {
     for (const auto& [bytes, words] : refusals) {
       SCOPED_TRACE(words);
-      const std::string text = error_of<ReadError>([&] { load(bytes); });
+      const std::string text = error_of<ReadError>([&, &bytes = bytes] { load(bytes); });
       EXPECT_EQ(text.find(to_utf8(path_) + ": "), 0U) << text;
       expect_in(words, text);
     }
