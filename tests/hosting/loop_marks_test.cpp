@@ -29,7 +29,7 @@ TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
   MarkRecorder recorder;
   {
     prepareOpenGL();
-    OpenGLControlLoop loop(nullptr, functor([] {}));
+    OpenGLControlLoop loop(nullptr, Callback([] {}));
     loop.set_image_ready_callback(
         ImageReadyCallback([](std::uint32_t, std::uint32_t, std::uint32_t, void*) {}));
     loop.resize(4, 4);
