@@ -50,15 +50,14 @@ TEST(GuardTest, WhateverIsThrownEndsHere) {
 TEST(GuardTest, TheLogNamesTheExport) {
   const std::string logged = log_of([] {
     clearDisplayData(nullptr);
-    pending_error();
     stopDataSource(nullptr);
-    pending_error();
     setOnlineRefractiveIndex(nullptr, -1.0);  // takes a null handle without a word
     renderOpenGLControlLoop(nullptr);
   });
   EXPECT_EQ(logged,
             "clearDisplayData: Invalid DisplayRenderingHandle specified. \n"
             "stopDataSource: The specified LiveDataSourceHandle is invalid. \n");
+  pending_error();
 }
 
 }  // namespace

@@ -31,10 +31,10 @@ TEST_F(OffscreenBufferGLTest, TheFirstFrameFillsWhatWaits) {
   Picture picture(4, 4);
   make_ready(picture);
   frame(1, 2, 3);
-  buffer_.cancel();  // comes too late
-  EXPECT_TRUE(buffer_.wait());
   frame(200, 200, 200);
   EXPECT_EQ(picture.bgra(3, 3), (std::array<int, 4>{3, 2, 1, 255}));
+  buffer_.cancel();  // comes too late
+  EXPECT_TRUE(buffer_.wait());
   buffer_.set_output_data(nullptr);
   frame(0, 0, 0);
   EXPECT_TRUE(buffer_.wait()) << "nothing to fill";

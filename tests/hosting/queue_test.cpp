@@ -56,6 +56,18 @@ TEST(ReturnMapTest, SmallestKeyFirstAndOneBufferPerKey) {
   for (const std::uintptr_t address : {32, 0, 48}) EXPECT_EQ(map.take(), buffer_at(address));
 }
 
+// In the moment before the return thread locks it, too.
+TEST(ReturnMapTest, ABufferIsOutUntilItIsReturned) {
+  ReturnMap map;
+  map.insert(1, buffer_at(16));
+  EXPECT_EQ(map.take(), buffer_at(16));
+  auto waiter =
+      std::async(std::launch::async, [&] { map.wait_until_returned(buffer_at(16), [] { return false; }); });
+  EXPECT_TRUE(blocks(waiter));
+  map.returned();
+  waiter.get();
+}
+
 TEST(VisitorsTest, ClosedDoorsAndTheLastToLeave) {
   Visitors visitors;
   EXPECT_TRUE(visitors.enter());

@@ -1,4 +1,6 @@
 // What a device delivers is what the picture shows: against a ray caster on the CPU.
+#include <array>
+
 #include "live/live_test.h"
 #include "support/reference/volume_reference.h"
 #include "support/test_context.h"
@@ -61,9 +63,7 @@ TEST_P(LivePicturesTest, EqualTheArithmetic) {
   int size[3] = {};
   getLiveVolumeRenderingSize(live_, &size[0], nullptr, &size[2]);
   getLiveVolumeRenderingSize(live_, nullptr, &size[1], nullptr);
-  EXPECT_EQ(size[0], wanted.kept);
-  EXPECT_EQ(size[1], 14);
-  EXPECT_EQ(size[2], 12);
+  EXPECT_EQ(std::to_array(size), (std::array{wanted.kept, 14, 12}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Live, LivePicturesTest,
