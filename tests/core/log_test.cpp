@@ -27,14 +27,6 @@ class LogTest : public testing::Test {
     std::filesystem::remove("/dev/shm/" + block_, ignored);
   }
 
-  // What the file holds; it is removed.
-  static std::string taken(const std::filesystem::path& file) {
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    std::filesystem::remove(file);
-    return text.str();
-  }
-
   std::string settings() const {
     const SharedBlock block(block_.c_str(), 1024);
     return {block.data(), strnlen(block.data(), 1024)};
@@ -43,46 +35,30 @@ class LogTest : public testing::Test {
   const std::string block_ = "oct_log_test_" + std::to_string(std::random_device{}());
 };
 
-TEST_F(LogTest, LinesGoToTheNamedFile) {
-  EXPECT_EQ(log_of([] {
-              log() << "Uniform "
-                    << "gamma"
-                    << " was not found. ";
-              log() << 1 << " and " << 2.5;
-            }),
-            "Uniform gamma was not found. \n1 and 2.5\n");
-}
-
-TEST_F(LogTest, LinesAreAppended) {
-  const auto file = std::filesystem::temp_directory_path() / (block_ + "_append.txt");
+TEST_F(LogTest, NamesOfThisAndOtherProcessesAreFollowed) {
+  const auto file = std::filesystem::temp_directory_path() / (block_ + ".txt");
   std::ofstream(file) << "earlier\n";
   setRendererLogFile(file.string().c_str());
-  log() << "later";
+  EXPECT_EQ(settings(), file.string());
+  log() << 1 << " is "
+        << "appended"
+        << " with " << 2.5;
   setRendererLogFile("");
   log() << "nowhere";
-  EXPECT_EQ(taken(file), "earlier\nlater\n");
-}
-
-TEST_F(LogTest, NameIsSharedWithOtherProcesses) {
-  setRendererLogFile("some/file.txt");
-  EXPECT_EQ(settings(), "some/file.txt");
-  setRendererLogFile("x");
-  EXPECT_EQ(settings(), "x") << "rest of an older name";
-  setRendererLogFile(nullptr);
-  EXPECT_EQ(settings(), "");
-}
-
-TEST_F(LogTest, NameSetByAnotherProcessIsFollowed) {
-  const auto file = std::filesystem::temp_directory_path() / (block_ + "_follow.txt");
-  log() << "opens the block";
   {
     const SharedBlock block(block_.c_str(), 1024);
     std::strcpy(block.data(), file.string().c_str());
   }
   log() << "hello";
+  setRendererLogFile("x");
+  EXPECT_EQ(settings(), "x") << "rest of an older name";
   setRendererLogFile(nullptr);
+  EXPECT_EQ(settings(), "");
   log() << "closes";
-  EXPECT_EQ(taken(file), "hello\n");
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  std::filesystem::remove(file);
+  EXPECT_EQ(text.str(), "earlier\n1 is appended with 2.5\nhello\n");
 }
 
 TEST_F(LogTest, LengthOfTheName) {

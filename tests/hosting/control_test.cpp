@@ -1,5 +1,4 @@
 #include <cmath>
-#include <future>
 #include <thread>
 
 #include "hosting/loop/opengl_control.h"
@@ -15,44 +14,16 @@ namespace {
 
 class ControlGLTest : public LoopGLTest {};
 
-// Four frames use three buffers; a snapshot takes the front place until it is there.
-TEST_P(ControlGLTest, BuffersAndSnapshotsTakeTurns) {
+TEST_P(ControlGLTest, AClientDrivesItsOwnControl) {
   // What a driver left behind while the context was made is told and does no harm.
   const TestContext loads_opengl;
   GlSpy spy;
   spy.queue_error(GL_INVALID_ENUM);
   testing::internal::CaptureStderr();
-  OpenGLControl control(GetParam());
+  const OpenGLControlHandle control = createUniversalOpenGLControl();
   EXPECT_EQ(testing::internal::GetCapturedStderr().find(
                 "An OpenGL error in OpenGLControl occured: An unacceptable"),
             0U);
-  for (const int id : {0, 1, 2, 0}) {
-    const HandOffBuffer& buffer = control.current_buffer();
-    EXPECT_EQ(buffer.buffer_id(), id);
-    EXPECT_EQ(buffer.order_key(), -1);
-    EXPECT_EQ(buffer.width(), 0U);
-    control.rotate_buffers();
-  }
-  EXPECT_FALSE(control.wait_for_snapshot());
-  Picture picture(7, 5);
-  control.snapshot(7, 5, picture.bytes.data());
-  OffscreenBufferObject* const buffer = control.pending_snapshot();
-  ASSERT_NE(buffer, nullptr);
-  auto waiter = std::async(std::launch::async, [&] { return control.wait_for_snapshot(); });
-  buffer->prepare();
-  draw_pattern(0x99);
-  buffer->finish();
-  EXPECT_TRUE(waiter.get());
-  EXPECT_EQ(control.pending_snapshot(), nullptr);
-  EXPECT_TRUE(agree(picture, pattern_picture(0x99, 7, 5), exact));
-
-  control.snapshot(7, 5, picture.bytes.data());
-  control.cancel_snapshot();
-  EXPECT_FALSE(control.wait_for_snapshot());
-}
-
-TEST_P(ControlGLTest, AClientDrivesItsOwnControl) {
-  const OpenGLControlHandle control = createUniversalOpenGLControl();
   ASSERT_NE(control, nullptr);
   EXPECT_NE(glGetString(GL_VERSION), nullptr);
   for (const auto call : {beforeRender, renderTestImage, updateBuffer, readBuffer}) call(control);

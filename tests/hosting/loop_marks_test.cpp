@@ -29,7 +29,7 @@ TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
   MarkRecorder recorder;
   {
     prepareOpenGL();
-    OpenGLControlLoop loop(nullptr, functor([] {}));
+    OpenGLControlLoop loop(nullptr, Callback([] {}));
     loop.set_image_ready_callback(
         ImageReadyCallback([](std::uint32_t, std::uint32_t, std::uint32_t, void*) {}));
     loop.resize(4, 4);
@@ -53,17 +53,17 @@ TEST_P(LoopMarksGLTest, OfALoopFromItsStartToItsEnd) {
        "+~OpenGLControlLoop", "-~OpenGLControlLoop", "-Destructing OpenGL Loop",
        "+OfflienRenderingWindows are destroyed. "}));
   // The render thread: a frame, a snapshot, the end.
-  Names resize{"+host_buffer_resize", "-host_buffer_resize"};
-  if (direct3d) resize = {"+dx_buffer_resize_incl", "+dx_buffer_resize_excl", "+resize shared buffer"};
-  Names frame{"+Rendering Loop", "+OpenGLControl", "-OpenGLControl", "+rendering_loop_it_incl",
-              "+rendering_loop_it_excl"};
-  frame.insert(frame.end(), resize.begin(), resize.end());
-  for (const char* mark : {"+Rendering callback (0)", "+Test image callback", "-Test image callback",
-                           direct3d ? "+DXSharedBufferObject: finish" : "+HostBufferObject: finish",
-                           "-Rendering callback (0)", "-rendering_loop_it_excl", "-rendering_loop_it_incl"}) {
-    frame.push_back(mark);
+  EXPECT_TRUE(
+      sets(recorder, {"+Rendering Loop", "+OpenGLControl", "-OpenGLControl", "+rendering_loop_it_incl",
+                      "+rendering_loop_it_excl", direct3d ? "+dx_buffer_resize_incl" : "+host_buffer_resize",
+                      direct3d ? "+resize shared buffer" : "-host_buffer_resize", "+Rendering callback (0)",
+                      "+Test image callback", "-Test image callback",
+                      direct3d ? "+DXSharedBufferObject: finish" : "+HostBufferObject: finish",
+                      "-Rendering callback (0)", "-rendering_loop_it_excl", "-rendering_loop_it_incl"}));
+  if (direct3d) {
+    EXPECT_TRUE(
+        sets(recorder, {"+dx_buffer_resize_incl", "+dx_buffer_resize_excl", "+resize shared buffer"}));
   }
-  EXPECT_TRUE(sets(recorder, frame));
   EXPECT_TRUE(sets(
       recorder,
       {"+Rendering callback (-1)", "+OffscreenBuffer::prepare", "!before_rendering",

@@ -11,10 +11,12 @@ namespace {
 
 class OffscreenBufferGLTest : public GLTest {
  protected:
-  static void clear_to(int red, int green, int blue) {
+  void frame(int red, int green, int blue) {
+    buffer_.prepare();
     glClearColor(static_cast<float>(red) / 255.0F, static_cast<float>(green) / 255.0F,
                  static_cast<float>(blue) / 255.0F, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT);
+    buffer_.finish();
   }
 
   void make_ready(Picture& picture) {
@@ -25,77 +27,25 @@ class OffscreenBufferGLTest : public GLTest {
   OffscreenBufferObject buffer_;
 };
 
-TEST_F(OffscreenBufferGLTest, BottomRowFirstInBgra) {
-  Picture picture(5, 3);
-  make_ready(picture);
-  buffer_.prepare();
-  clear_to(10, 20, 30);
-  glEnable(GL_SCISSOR_TEST);
-  glScissor(1, 0, 1, 1);
-  clear_to(200, 100, 50);
-  glDisable(GL_SCISSOR_TEST);
-  buffer_.finish();
-  buffer_.wait();
-  picture.for_each([&](int x, int y) {
-    const bool special = x == 1 && y == 0;
-    EXPECT_EQ(picture.bgra(x, y),
-              (special ? std::array<int, 4>{50, 100, 200, 255} : std::array<int, 4>{30, 20, 10, 255}));
-  });
-}
-
-TEST_F(OffscreenBufferGLTest, PrepareSetsTargetAndViewport) {
-  buffer_.resize(17, 9);
-  buffer_.prepare();
-  GLint viewport[4] = {};
-  glGetIntegerv(GL_VIEWPORT, viewport);
-  EXPECT_EQ(viewport[2], 17);
-  EXPECT_EQ(viewport[3], 9);
-  EXPECT_EQ(glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER), static_cast<GLenum>(GL_FRAMEBUFFER_COMPLETE));
-  GLint depth = 0;
-  glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT,
-                                        GL_FRAMEBUFFER_ATTACHMENT_DEPTH_SIZE, &depth);
-  EXPECT_EQ(depth, 24);
-}
-
-TEST_F(OffscreenBufferGLTest, FinishWithoutOutputDataSignals) {
-  buffer_.resize(4, 4);
-  buffer_.set_output_data(nullptr);
-  buffer_.prepare();
-  buffer_.finish();
-  buffer_.wait();
-}
-
-TEST_F(OffscreenBufferGLTest, CancellingComesTooLateForAPictureThatIsThere) {
+TEST_F(OffscreenBufferGLTest, TheFirstFrameFillsWhatWaits) {
   Picture picture(4, 4);
   make_ready(picture);
-  buffer_.prepare();
-  buffer_.finish();
-  buffer_.cancel();
+  frame(1, 2, 3);
+  frame(200, 200, 200);
+  EXPECT_EQ(picture.bgra(3, 3), (std::array<int, 4>{3, 2, 1, 255}));
+  buffer_.cancel();  // comes too late
   EXPECT_TRUE(buffer_.wait());
+  buffer_.set_output_data(nullptr);
+  frame(0, 0, 0);
+  EXPECT_TRUE(buffer_.wait()) << "nothing to fill";
   buffer_.set_output_data(picture.bytes.data());
   buffer_.cancel();
   EXPECT_FALSE(buffer_.wait());
-}
-
-TEST_F(OffscreenBufferGLTest, OnlyTheFirstFinishReads) {
-  Picture picture(4, 4);
-  make_ready(picture);
-  buffer_.prepare();
-  clear_to(1, 2, 3);
-  buffer_.finish();
-  buffer_.prepare();
-  clear_to(200, 200, 200);
-  buffer_.finish();
-  EXPECT_EQ(picture.bytes[0], 3);
-}
-
-TEST_F(OffscreenBufferGLTest, EmptyTargetWritesNothing) {
-  Picture picture(2, 2);
+  Picture nothing(2, 2);
   buffer_.resize(0, 0);
-  buffer_.set_output_data(picture.bytes.data());
-  buffer_.prepare();
-  buffer_.finish();
-  EXPECT_EQ(picture.bytes, std::vector<std::uint8_t>(16, 0));
+  buffer_.set_output_data(nothing.bytes.data());
+  frame(9, 9, 9);
+  EXPECT_EQ(nothing.bytes, Picture(2, 2).bytes);
   clear_gl_errors();
 }
 
@@ -104,6 +54,10 @@ TEST_F(OffscreenBufferGLTest, RebuiltEveryFrameAndReleased) {
   for (int i = 1; i <= 100; ++i) {
     buffer_.resize(static_cast<std::uint32_t>(i), 7);
     buffer_.prepare();
+    GLint depth = 0;
+    glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT,
+                                          GL_FRAMEBUFFER_ATTACHMENT_DEPTH_SIZE, &depth);
+    EXPECT_EQ(depth, 24);
     buffer_.finish();
     EXPECT_EQ(spy.live_objects(), 3U);
   }
@@ -135,7 +89,8 @@ TEST_F(OffscreenBufferGLTest, SnapshotsFromAnotherThread) {
     buffer_.prepare();
     GLint viewport[4] = {};
     glGetIntegerv(GL_VIEWPORT, viewport);
-    clear_to(viewport[2], 0, 0);
+    glClearColor(static_cast<float>(viewport[2]) / 255.0F, 0.0F, 0.0F, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
     buffer_.finish();
     glGetError();  // a frame before the first size is empty
   }

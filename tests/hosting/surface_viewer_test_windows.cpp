@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <set>
 #include <thread>
 
 #include <windows.h>
@@ -59,9 +58,7 @@ class SurfaceViewerGLTest : public testing::Test {
 
   static double share(const Picture& picture, const std::function<bool(int x, int y)>& counts) {
     int count = 0;
-    for (int y = 0; y < picture.height; ++y) {
-      for (int x = 0; x < picture.width; ++x) count += counts(x, y);
-    }
+    picture.for_each([&](int x, int y) { count += counts(x, y); });
     return static_cast<double>(count) / (picture.width * picture.height);
   }
   static bool differ(const std::uint8_t* a, const std::uint8_t* b) { return std::memcmp(a, b, 3) != 0; }
@@ -80,11 +77,6 @@ TEST_F(SurfaceViewerGLTest, TurnsAndZoomsAVolume) {
   ASSERT_EQ(first.height, 480);
   EXPECT_GT(drawn(first), 0.1);
   EXPECT_LT(drawn(first), 0.9);
-  std::set<std::uint32_t> colours;
-  for (std::size_t i = 0; i < first.bytes.size(); i += 4) {
-    colours.insert(first.bytes[i] << 16 | first.bytes[i + 1] << 8 | first.bytes[i + 2]);
-  }
-  EXPECT_GT(colours.size(), 500U);
   // Upright: the bright layer is on top.
   const auto brightness = [&](int from, int to) {
     int sum = 0;

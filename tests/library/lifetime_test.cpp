@@ -1,10 +1,13 @@
 // The library loaded, used and unloaded by name, as a measurement application does it.
 #include <array>
-#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "core/shared_block.h"
 #include "library/dynamic_library.h"
 #include "oct_rendering/oct_rendering.h"
 
@@ -56,6 +59,22 @@ TEST(LifetimeGLTest, LoadedUsedAndUnloadedManyTimes) {
     EXPECT_NE(output.find("Found OpenGL "), std::string::npos) << output;
     EXPECT_NE(output.find("\nProcess detach... "), std::string::npos) << output;
   }
+}
+
+// The log's settings as another process finds them.
+TEST(SharedLogTest, NameOfTheFileIsInTheBlockOfAllProcesses) {
+  const DynamicLibrary library(OCT_LIBRARY_FILE);
+  const auto set_log_file = library.function<decltype(setRendererLogFile)>("setRendererLogFile");
+  const SharedBlock block("oct_log_settings", 1024);
+  const std::string name = "no/such/folder/" + std::to_string(std::random_device{}());
+  std::string found;
+  // Others on the machine may write to the block in between, but not each time.
+  for (int i = 0; i < 20 && found != name; ++i) {
+    set_log_file(name.c_str());
+    found.assign(block.data(), strnlen(block.data(), 1024));
+  }
+  EXPECT_EQ(found, name);
+  set_log_file(nullptr);
 }
 
 }  // namespace

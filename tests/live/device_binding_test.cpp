@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "library/dynamic_library.h"
 #include "live/pattern_device.h"
+#include "module/shared_library.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/test_context.h"
 
@@ -28,8 +28,9 @@ class DeviceBindingTest : public testing::Test {
     return source != nullptr;
   }
 
-  static PatternDevice& control_of(const DynamicLibrary& library) {
-    PatternDevice& pattern = *library.function<decltype(patternDevice)>("patternDevice")();
+  static PatternDevice& control_of(const char* library) {
+    void* const function = SharedLibrary(library).symbol("patternDevice");
+    PatternDevice& pattern = *reinterpret_cast<decltype(patternDevice)*>(function)();
     pattern.reset();
     return pattern;
   }
@@ -73,9 +74,8 @@ TEST_F(DeviceBindingTest, AMissingFunctionIsNamed) {
 // A source keeps the library that it was made with; the next one comes from the one named last.
 TEST_F(DeviceBindingTest, LibrariesChangeWithTheNextSource) {
   setDeviceLibrary(OCT_PATTERN_DEVICE);
-  const DynamicLibrary library(OCT_PATTERN_DEVICE);
-  PatternDevice& pattern = control_of(library);
-  pattern.record(true);
+  PatternDevice& pattern = control_of(OCT_PATTERN_DEVICE);
+  pattern.record();
   const LiveDataSourceHandle source = createOnlineDataSource(pattern.device(), pattern.processing(0));
   setDeviceLibrary(OCT_STANDARD_PATTERN_DEVICE);
   EXPECT_TRUE(creates_standard());
@@ -88,12 +88,11 @@ TEST_F(DeviceBindingTest, LibrariesChangeWithTheNextSource) {
 
 // By its bare name the module that the process has loaded is found, wherever that lies.
 TEST_F(DeviceBindingTest, ALoadedModuleIsFoundByItsName) {
-  const DynamicLibrary library(OCT_DEFAULT_PATTERN_DEVICE);
-  PatternDevice& pattern = control_of(library);
+  PatternDevice& pattern = control_of(OCT_DEFAULT_PATTERN_DEVICE);
   for (const char* const name : {"", "oct_device"}) {
     setDeviceLibrary("no_such_device");
     setDeviceLibrary(name);
-    pattern.record(true);
+    pattern.record();
     const LiveDataSourceHandle source = createOnlineDataSource(pattern.device(), pattern.processing(0));
     EXPECT_NE(source, nullptr);
     EXPECT_EQ(pattern.calls(), "getDevicePropertyInt(device, 0)\ngetDevicePropertyFloat(device, 1)\n");

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <thread>
 
-#include "live/live_stage.h"
+#include "live/live_test.h"
 #include "support/test_context.h"
 #include "volume/volume_renderer.h"
 
@@ -20,53 +20,44 @@ struct Failure {
   std::vector<std::string> messages{function + std::string(" failed")};  // all that the client is to hear
 };
 
-void PrintTo(const Failure& failure, std::ostream* stream) {
-  *stream << failure.function << " " << failure.call;
-}
-
 std::string name_of(const testing::TestParamInfo<Failure>& info) {
   return info.param.function + std::to_string(info.param.call);
 }
 
 class DeviceErrorsTest : public LiveTest, public testing::WithParamInterface<Failure> {
  protected:
-  // With all that a source can ask its device for.
-  void prepare() {
-    setRenderElements(renderer_, 1, 1);
-    setSizeZ(stage_.source, 8);
-  }
-
   bool ended() {
-    return stage_.frames_until(
+    return frames_until(
         [&] { return client_errors().all().size() >= GetParam().messages.size() && device_.objects() == 0; });
   }
 
+  // With all that a source can ask its device for.
   void play() {
     const Failure& failure = GetParam();
+    setRenderElements(renderer_, 1, 1);
+    setSizeZ(source_, 8);
     device_.fail(failure.function, failure.call);
-    stage_.start();
+    start();
     EXPECT_EQ(pending_error(), "(none)");
     if (failure.end == End::thread) {
       EXPECT_TRUE(ended());
     } else {
       // The loop goes on, and draws.
       const int before = device_.volumes();
-      EXPECT_TRUE(
-          stage_.frames_until([&] { return device_.volumes() > before + 5 && !stage_.voxels.empty(); }));
-      stopDataSource(stage_.source);
+      EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 5 && !voxels_.empty(); }));
+      stopDataSource(source_);
     }
     if (failure.end == End::restart) {
-      stage_.start();
+      start();
       EXPECT_TRUE(ended());
     }
     EXPECT_EQ(client_errors().at_least(failure.messages.size()), failure.messages);
 
     const int before = device_.volumes();
-    stage_.start();  // without stopDataSource, where the thread has ended by itself
+    start();  // without stopDataSource, where the thread has ended by itself
     EXPECT_EQ(pending_error(), "(none)");
-    EXPECT_TRUE(
-        stage_.frames_until([&] { return device_.volumes() > before + 2 && !stage_.voxels.empty(); }));
-    EXPECT_TRUE(uniform(stage_.voxels));
+    EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 2 && !voxels_.empty(); }));
+    EXPECT_TRUE(uniform(voxels_));
     EXPECT_EQ(client_errors().all(), failure.messages);
   }
 };
@@ -75,16 +66,14 @@ using StandardErrorsTest = DeviceErrorsTest;
 using PolarizationErrorsTest = DeviceErrorsTest;
 
 TEST_P(StandardErrorsTest, EndsAsItShall) {
-  stage_.make_source();
-  prepare();
-  setOnlineAnalogInputConfiguration(stage_.source, true);
+  make_source();
+  setOnlineAnalogInputConfiguration(source_, true);
   play();
 }
 
 TEST_P(PolarizationErrorsTest, EndsAsItShall) {
-  stage_.make_polarization_source();
-  selectOnlineDataSource_PS(stage_.source, 3);
-  prepare();
+  make_polarization_source();
+  selectOnlineDataSource_PS(source_, 3);
   play();
 }
 
@@ -126,19 +115,19 @@ class DeviceEndsTest : public LiveTest {};
 
 // A loop whose every volume fails reports each, and goes on; without a function nobody is told.
 TEST_F(DeviceEndsTest, AnErrorFunctionIsTakenAway) {
-  stage_.make_source();
-  stage_.start();
-  ASSERT_TRUE(stage_.frames_until_shown());
+  make_source();
+  start();
+  ASSERT_TRUE(frames_until_shown());
   device_.fail("getRawDataEx", 0);
-  EXPECT_TRUE(stage_.frames_until([&] { return client_errors().all().size() > 3; }));
+  EXPECT_TRUE(frames_until([&] { return client_errors().all().size() > 3; }));
   const auto draw = [&] {
     for (int i = 0; i < 10; ++i) {
-      stage_.frame();
+      frame();
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     return client_errors().all().size();
   };
-  setErrorCallback(stage_.source, nullptr);
+  setErrorCallback(source_, nullptr);
   const std::size_t told = draw();  // one report may have been under way
   EXPECT_EQ(draw(), told);
 }
@@ -148,70 +137,67 @@ TEST_F(DeviceEndsTest, AnotherSizeEndsTheThread) {
   // What is kept and the new size; 8 of 32 would be enough, if in another place.
   for (const auto& [kept, size] : {std::pair{8, 12}, {16, 12}, {16, 32}, {17, 16}}) {
     device_.set_size(16, 12, 10);
-    stage_.make_source();
-    setSizeZ(stage_.source, kept);
-    stage_.start();
+    make_source();
+    setSizeZ(source_, kept);
+    start();
     if (kept <= 16) {
-      EXPECT_TRUE(stage_.frames_until_shown());
+      EXPECT_TRUE(frames_until_shown());
     }
     device_.set_size(size, 12, 10);
-    EXPECT_TRUE(
-        stage_.frames_until([&] { return device_.objects() == 0 && !client_errors().all().empty(); }));
+    EXPECT_TRUE(frames_until([&] { return device_.objects() == 0 && !client_errors().all().empty(); }));
     EXPECT_EQ(client_errors().all(), std::vector<std::string>{insufficient});
     client_errors().clear();
-    EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
-    clearDataSource(stage_.source);
-    stage_.source = nullptr;
+    EXPECT_TRUE(isLiveVolumeRunning(live_));
+    clearDataSource(source_);
+    source_ = nullptr;
   }
 }
 
 // Without a volume renderer a standard source goes no further and cleans nothing up: it counts as running.
 TEST_F(DeviceEndsTest, StandardSourceWithoutVolumeRenderer) {
   const LiveVolumeRenderingHandle bare = createLiveRendering();
-  stage_.make_source();
-  device_.record(true);
-  startDataSource(bare, stage_.source, device_.scan_pattern());
+  make_source();
+  device_.record();
+  startDataSource(bare, source_, device_.scan_pattern());
   EXPECT_EQ(
       client_errors().at_least(1),
       std::vector<std::string>{
           "Renderer not available for fast volume rendering. Please specify a volume rendering object."});
   EXPECT_TRUE(isLiveVolumeRunning(bare));
-  startDataSource(stage_.live, stage_.source, device_.scan_pattern());
+  start();
   EXPECT_EQ(pending_error(), "BrennickDataSource already running");
-  stopDataSource(stage_.source);
-  const std::string calls = device_.calls();
-  EXPECT_EQ(calls.find("stopMeasurement"), std::string::npos);
+  stopDataSource(source_);
+  EXPECT_FALSE(contains(device_.calls(), "stopMeasurement"));
   EXPECT_EQ(device_.objects(), 2);
   clearLiveRendering(bare);
   device_.reset();  // what was left behind
-  stage_.start();
-  EXPECT_TRUE(stage_.frames_until_shown());
+  start();
+  EXPECT_TRUE(frames_until_shown());
 }
 
 TEST_F(DeviceEndsTest, PolarizationSourceWithoutVolumeRenderer) {
   const LiveVolumeRenderingHandle bare = createLiveRendering();
-  stage_.make_polarization_source();
-  startDataSource(bare, stage_.source, device_.scan_pattern());
+  make_polarization_source();
+  startDataSource(bare, source_, device_.scan_pattern());
   EXPECT_EQ(client_errors().at_least(1),
             std::vector<std::string>{"Volume renderer is null in BrennickDataSourcePS"});
-  startDataSource(stage_.live, stage_.source, device_.scan_pattern());
-  EXPECT_EQ(pending_error(), "(none)");
-  EXPECT_TRUE(stage_.frames_until_shown());
+  start();
+  EXPECT_TRUE(frames_until_shown());
   clearLiveRendering(bare);
 }
 
 // The quantity that a volume shows is its whole part. Modes change while the source runs.
 TEST_F(DeviceEndsTest, ModesChangeWithTheNextVolume) {
-  stage_.make_polarization_source();
-  stage_.start();
+  make_polarization_source();
+  start();
   const int quantities[] = {PatternDevice::intensity, 1, 2, 3, 4, 5, 6, PatternDevice::sensor0,
                             PatternDevice::sensor1};
   for (int mode = 8; mode >= 0; --mode) {
-    selectOnlineDataSource_PS(stage_.source, mode);
-    EXPECT_TRUE(stage_.frames_until([&] {
-      return !stage_.voxels.empty() && static_cast<int>(stage_.voxels[0]) == quantities[mode];
+    selectOnlineDataSource_PS(source_, mode);
+    EXPECT_TRUE(frames_until([&] {
+      return !voxels_.empty() && static_cast<int>(voxels_[0]) == quantities[mode];
     })) << mode;
-    EXPECT_TRUE(uniform(stage_.voxels));
+    EXPECT_TRUE(uniform(voxels_));
   }
   EXPECT_TRUE(client_errors().all().empty());
 }
@@ -219,24 +205,24 @@ TEST_F(DeviceEndsTest, ModesChangeWithTheNextVolume) {
 // A source that starts on a live renderer in use takes it over; the volumes of the other one no longer fit.
 TEST_F(DeviceEndsTest, ASourceNeverWritesIntoTheBufferOfAnother) {
   const LiveDataSourceHandle first = createOnlineDataSource(device_.device(1), device_.processing(1));
-  stage_.make_source();
-  setSizeZ(stage_.source, 2);
+  make_source();
+  setSizeZ(source_, 2);
   std::atomic<bool> go = false;
-  stage_.on_intensity([&] {
+  on_intensity([&] {
     while (!go) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   });
-  startDataSource(stage_.live, first, device_.scan_pattern());
-  ASSERT_TRUE(stage_.frames_until_shown());
-  stage_.start();
-  ASSERT_TRUE(stage_.frames_until([&] { return stage_.voxels.size() == 2U * 12 * 10; }));
+  startDataSource(live_, first, device_.scan_pattern());
+  ASSERT_TRUE(frames_until_shown());
+  start();
+  ASSERT_TRUE(frames_until([&] { return voxels_.size() == 2U * 12 * 10; }));
   // Its second volume has to wait; all buffers are offered to the other source.
-  device_.record(true);
+  device_.record();
   const int before = device_.volumes();
-  EXPECT_TRUE(stage_.frames_until([&] { return device_.volumes() > before + 5; }));
-  EXPECT_EQ(device_.calls().find("getDataPtr"), std::string::npos);
-  EXPECT_TRUE(uniform(stage_.voxels));
+  EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 5; }));
+  EXPECT_FALSE(contains(device_.calls(), "getDataPtr"));
+  EXPECT_TRUE(uniform(voxels_));
   go = true;
-  stopDataSource(stage_.source);
+  stopDataSource(source_);
   stopDataSource(first);
   clearDataSource(first);
 }

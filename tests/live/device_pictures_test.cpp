@@ -1,5 +1,7 @@
 // What a device delivers is what the picture shows: against a ray caster on the CPU.
-#include "live/live_stage.h"
+#include <array>
+
+#include "live/live_test.h"
 #include "support/reference/volume_reference.h"
 #include "support/test_context.h"
 
@@ -13,10 +15,6 @@ struct Case {
   int mode = 0;
   bool analog = false;
 };
-
-void PrintTo(const Case& value, std::ostream* stream) {
-  *stream << value.name;
-}
 
 // The first samples of every A-scan.
 Volume cropped(const Volume& whole, int kept) {
@@ -43,31 +41,29 @@ TEST_P(LivePicturesTest, EqualTheArithmetic) {
   scene.range = {static_cast<float>(2.0 * wanted.kept / 20 / wanted.refractive_index), 3.0F, 1.5F};
   device_.set_size(20, 14, 12);
   device_.set_volume(whole.voxels.data());
-  stage_.make_source();
-  setSizeZ(stage_.source, wanted.kept);
-  setOnlineRefractiveIndex(stage_.source, wanted.refractive_index);
+  make_source();
+  setSizeZ(source_, wanted.kept);
+  setOnlineRefractiveIndex(source_, wanted.refractive_index);
   if (wanted.analog) {
     scene.secondary = test_volume(3, 14, 12, 9);
     scene.secondary_coloring = {opaque_colors(32), 0.0, 1.0};
     scene.secondary_index = 1;
     device_.set_analog(3, scene.secondary.voxels.data());
-    setOnlineAnalogInputConfiguration(stage_.source, true);
+    setOnlineAnalogInputConfiguration(source_, true);
   }
   apply(scene, renderer_);
-  stage_.start();
-  ASSERT_TRUE(stage_.frames_until_shown());
+  start();
+  ASSERT_TRUE(frames_until_shown());
   // A few volumes more: both buffers, and the range of the loop.
   const int before = device_.volumes();
-  ASSERT_TRUE(stage_.frames_until([&] { return device_.volumes() > before + 4; }));
-  const Picture picture = stage_.frame(scene.viewport_width, scene.viewport_height);
+  ASSERT_TRUE(frames_until([&] { return device_.volumes() > before + 4; }));
+  const Picture picture = frame(scene.viewport_width, scene.viewport_height);
   EXPECT_TRUE(agree(picture, reference_picture(scene), {1, 0.995, 140, 0.12}));
-  EXPECT_EQ(stage_.voxels, scene.volume.voxels);
+  EXPECT_EQ(voxels_, scene.volume.voxels);
   int size[3] = {};
-  getLiveVolumeRenderingSize(stage_.live, &size[0], nullptr, &size[2]);
-  getLiveVolumeRenderingSize(stage_.live, nullptr, &size[1], nullptr);
-  EXPECT_EQ(size[0], wanted.kept);
-  EXPECT_EQ(size[1], 14);
-  EXPECT_EQ(size[2], 12);
+  getLiveVolumeRenderingSize(live_, &size[0], nullptr, &size[2]);
+  getLiveVolumeRenderingSize(live_, nullptr, &size[1], nullptr);
+  EXPECT_EQ(std::to_array(size), (std::array{wanted.kept, 14, 12}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Live, LivePicturesTest,
@@ -90,13 +86,13 @@ TEST_F(LiveSurfaceTest, LiesWhereItShall) {
     setRenderElements(renderer, 0, 1);
   };
   device_.set_surface(depths.data());
-  stage_.make_source();
-  setSizeZ(stage_.source, 8);
-  setOnlineRefractiveIndex(stage_.source, 1.25);
+  make_source();
+  setSizeZ(source_, 8);
+  setOnlineRefractiveIndex(source_, 1.25);
   prepare(renderer_);
-  stage_.start();
-  ASSERT_TRUE(stage_.frames_until([&] { return device_.volumes() > 3; }));
-  const Picture picture = stage_.frame(80, 60);
+  start();
+  ASSERT_TRUE(frames_until([&] { return device_.volumes() > 3; }));
+  const Picture picture = frame(80, 60);
 
   VolumeStage still;
   setOfflineAspectRatio(still.offline, 0.8F, 3.0F, 1.5F);

@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "core/object_lock.h"
-#include "live/live_stage.h"
+#include "live/live_test.h"
 #include "support/test_context.h"
 #include "volume/volume_renderer.h"
 
@@ -23,8 +23,8 @@ std::string error_of(const std::function<void()>& call) {
 TEST_F(LiveApiTest, NullHandles) {
   const OCTDeviceHandle device = device_.device();
   const ProcessingHandle processing = device_.processing(0);
-  stage_.make_source();
-  const LiveDataSourceHandle source = stage_.source;
+  make_source();
+  const LiveDataSourceHandle source = source_;
   expect_null_refused("Cannot lock nullptr. ", clearLiveRendering, isLiveVolumeRunning);
   expect_null_refused("Invalid Live Rendering Handle specified. ", setLiveVolumeRenderingRenderer);
   expect_null_refused("The specifided OCTDeviceHandle is invalid. ", createOnlineDataSource,
@@ -32,25 +32,19 @@ TEST_F(LiveApiTest, NullHandles) {
   expect_null_refused(invalid_source, startDataSource, stopDataSource, getLiveVolumeRenderingSize, setSizeZ,
                       setRefIntensityCallback, setErrorCallback);
   expect_null_refused(invalid_renderer, renderVolume, getRenderedVolumesPerSec, getLiveVolumeCounts);
-  const PolarizationProcessingHandle polarization = device_.polarization();
   const auto create_ps = [&](ProcessingHandle first, ProcessingHandle second) {
     return [=] { EXPECT_EQ(createOnlineDataSource_PS(device, first, second, nullptr), nullptr); };
   };
   unsigned drawn = 7;
   const std::pair<std::function<void()>, const char*> cases[] = {
-      {[&] { setLiveVolumeRenderingRenderer(nullptr, renderer_); },
-       "Invalid Live Rendering Handle specified. "},
-      {[&] { setLiveVolumeRenderingRenderer(stage_.live, nullptr); }, "Cannot lock nullptr. "},
+      {[&] { setLiveVolumeRenderingRenderer(live_, nullptr); }, "Cannot lock nullptr. "},
       {[&] { EXPECT_EQ(createOnlineDataSource(device, nullptr), nullptr); },
        "The specifided ProcessingHandle is invalid. "},
       {create_ps(nullptr, processing), "The specifided ProcessingHandle for camera/sensor-0 is invalid. "},
       {create_ps(processing, nullptr), "The specifided ProcessingHandle for camera/sensor-1 is invalid. "},
       {create_ps(processing, processing), "The specifided PolarizationProcessingHandle is invalid. "},
-      {[&] { createOnlineDataSource_PS(nullptr, processing, processing, polarization); },
-       "The specifided OCTDeviceHandle is invalid. "},
       {[&] { startDataSource(nullptr, source, nullptr); }, invalid_renderer},
-      {[&] { startDataSource(stage_.live, source, nullptr); },
-       "The specified ScanPatternHandle is invalid. "},
+      {[&] { startDataSource(live_, source, nullptr); }, "The specified ScanPatternHandle is invalid. "},
       {[&] { getLiveVolumeCounts(nullptr, &drawn, nullptr); }, invalid_renderer}};
   int number = 0;
   for (const auto& [call, message] : cases) EXPECT_EQ(error_of(call), message) << "case " << number++;
@@ -65,14 +59,14 @@ TEST_F(LiveApiTest, NullHandles) {
   setOnlineDataThreshold_PS(nullptr, 1.0, true);
   clearDataSource(nullptr);
   EXPECT_EQ(pending_error(), "(none)");
-  EXPECT_FALSE(isLiveVolumeRunning(stage_.live)) << "nothing was started";
+  EXPECT_FALSE(isLiveVolumeRunning(live_)) << "nothing was started";
   EXPECT_EQ(device_.volumes(), 0);
   EXPECT_EQ(locked_object_count(), 0U);
 }
 
 TEST_F(LiveApiTest, Misuse) {
-  stage_.make_source();
-  const LiveDataSourceHandle source = stage_.source;
+  make_source();
+  const LiveDataSourceHandle source = source_;
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
   for (const double index : {0.0, -1.33, nan, HUGE_VAL}) {
     EXPECT_EQ(error_of([&] { setOnlineRefractiveIndex(source, index); }),
@@ -82,68 +76,56 @@ TEST_F(LiveApiTest, Misuse) {
     EXPECT_EQ(error_of([&] { setSizeZ(source, size); }), "At least one depth sample must be kept. ");
   }
   EXPECT_EQ(error_of([&] { stopDataSource(source); }), "(none)") << "nothing runs";
-  stage_.start();
+  start();
   EXPECT_EQ(pending_error(), "(none)");
-  EXPECT_EQ(error_of([&] { stage_.start(); }), "BrennickDataSource already running");
-  EXPECT_TRUE(stage_.frames_until_shown()) << "the source runs on";
-  EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
+  EXPECT_EQ(error_of([&] { start(); }), "BrennickDataSource already running");
+  EXPECT_TRUE(frames_until_shown()) << "the source runs on";
+  EXPECT_TRUE(isLiveVolumeRunning(live_));
   stopDataSource(source);
-  EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
-  stage_.frame();
-  EXPECT_FALSE(isLiveVolumeRunning(stage_.live));
+  EXPECT_TRUE(isLiveVolumeRunning(live_));
+  frame();
+  EXPECT_FALSE(isLiveVolumeRunning(live_));
   stopDataSource(source);
-  EXPECT_FALSE(isLiveVolumeRunning(stage_.live)) << "a source that is stopped has no renderer to stop";
+  EXPECT_FALSE(isLiveVolumeRunning(live_)) << "a source that is stopped has no renderer to stop";
   EXPECT_EQ(locked_object_count(), 0U);
 }
 
 // A standard source takes the settings of the other kind and does nothing with them.
 TEST_F(LiveApiTest, SettingsOfTheOtherKindOfSource) {
-  stage_.make_polarization_source();
-  EXPECT_EQ(error_of([&] { setOnlineAnalogInputConfiguration(stage_.source, true); }),
+  make_polarization_source();
+  EXPECT_EQ(error_of([&] { setOnlineAnalogInputConfiguration(source_, true); }),
             "Analog input not supported in PS Live mode.");
-  EXPECT_EQ(error_of([&] { setOnlineAnalogInputConfiguration(stage_.source, false); }), "(none)");
-  clearDataSource(stage_.source);
-  stage_.make_source();
-  selectOnlineDataSource_PS(stage_.source, 42);
-  setOnlineAveraging_PS(stage_.source, 0, -1, 2, 3);
-  setOnlineDOPU_PS(stage_.source, 2, 3, 4, -9);
-  setOnlineDataThreshold_PS(stage_.source, -3.5, true);
+  EXPECT_EQ(error_of([&] { setOnlineAnalogInputConfiguration(source_, false); }), "(none)");
+  clearDataSource(source_);
+  make_source();
+  selectOnlineDataSource_PS(source_, 42);
+  setOnlineAveraging_PS(source_, 0, -1, 2, 3);
+  setOnlineDOPU_PS(source_, 2, 3, 4, -9);
+  setOnlineDataThreshold_PS(source_, -3.5, true);
   EXPECT_EQ(pending_error(), "(none)");
-  device_.record(true);
-  stage_.run(2);
+  device_.record();
+  run(2);
   EXPECT_EQ(device_.calls().find("olarization"), std::string::npos);
-}
-
-// The source is the client's, and so is the order in which it clears what it has stopped.
-TEST_F(LiveApiTest, ClearedInEitherOrder) {
-  stage_.make_source();
-  const LiveVolumeRenderingHandle live = createLiveRendering();
-  setLiveVolumeRenderingRenderer(live, renderer_);
-  startDataSource(live, stage_.source, device_.scan_pattern());
-  stopDataSource(stage_.source);
-  clearLiveRendering(live);
-  clearDataSource(stage_.source);
-  stage_.make_source();
-  stage_.start();
-  clearDataSource(stage_.source);  // stops first
-  stage_.source = nullptr;
-  EXPECT_TRUE(isLiveVolumeRunning(stage_.live));
-  EXPECT_EQ(pending_error(), "(none)");
 }
 
 // A live renderer that is cleared while it runs takes its OpenGL objects along on the thread of its context,
 // and leaves them to the context elsewhere.
 TEST_F(LiveApiTest, ClearedWhileRunning) {
-  stage_.make_source();
-  stage_.start();
-  ASSERT_TRUE(stage_.frames_until_shown());
-  stopDataSource(stage_.source);
+  make_source();
+  start();
+  ASSERT_TRUE(frames_until_shown());
+  stopDataSource(source_);
   reinterpret_cast<VolumeRenderer*>(renderer_)->set_source({});
-  std::thread([&] { clearLiveRendering(stage_.live); }).join();
-  stage_.live = createLiveRendering();
-  setLiveVolumeRenderingRenderer(stage_.live, renderer_);
-  stage_.start();
-  EXPECT_TRUE(stage_.frames_until_shown());
+  std::thread([&] { clearLiveRendering(live_); }).join();
+  live_ = createLiveRendering();
+  setLiveVolumeRenderingRenderer(live_, renderer_);
+  start();
+  EXPECT_TRUE(frames_until_shown());
+  // The order in which the client clears what it has stopped is its own.
+  stopDataSource(source_);
+  clearLiveRendering(live_);
+  clearDataSource(std::exchange(source_, nullptr));
+  live_ = createLiveRendering();
 }
 
 }  // namespace

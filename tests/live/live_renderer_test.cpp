@@ -3,13 +3,63 @@
 #include <future>
 #include <limits>
 
-#include "core/timing_mark.h"
-#include "live/live_renderer_fixture.h"
+#include "live/fast_opengl_volume_renderer.h"
+#include "support/gl_spy.h"
+#include "support/mark_recorder.h"
+#include "support/test_context.h"
 #include "support/volume_scene.h"
 #include "volume/volume_renderer.h"
 
 namespace oct::test {
 namespace {
+
+// Does what a test asks for.
+class ScriptedEvent : public ManualResetEvent {
+ public:
+  bool set() override {
+    if (on_set) on_set();
+    return !refuse_set && event_->set();
+  }
+  bool reset() override { return event_->reset(); }
+  bool wait(std::chrono::milliseconds timeout) override { return event_->wait(timeout); }
+
+  bool refuse_set = false;
+  std::function<void()> on_set;
+
+ private:
+  std::unique_ptr<ManualResetEvent> event_ = ManualResetEvent::create();
+};
+
+class LiveRendererTest : public GLTest {
+ protected:
+  LiveRendererTest() { live_.set_size({4, 3, 2}); }
+  ~LiveRendererTest() override {
+    script_.refuse_set = false;
+    script_.on_set = nullptr;
+    live_.stop();
+    live_.render();
+    EXPECT_EQ(spy_.live_objects(), 0U);
+    EXPECT_EQ(spy_.calls("glMapBuffer") - failed_maps_, spy_.calls("glUnmapBuffer"));
+  }
+
+  void run_it() {
+    live_.start();
+    live_.render();
+  }
+
+  // A volume of one value, as a producer writes it.
+  void produce(float value) {
+    float* const data = live_.get_data_ptr();
+    ASSERT_NE(data, nullptr);
+    std::fill_n(data, 4 * 3 * 2, value);
+    live_.update();
+  }
+
+  GlSpy spy_;
+  int failed_maps_ = 0;
+  ScriptedEvent& script_ = *new ScriptedEvent;
+  FastOpenGLVolumeRenderer live_{std::unique_ptr<ManualResetEvent>(&script_)};
+};
 
 constexpr std::size_t objects_of_a_running_renderer = 3;  // texture and two buffers
 
@@ -33,34 +83,72 @@ TEST_F(LiveRendererTest, EveryEventInEveryState) {
       {"running", [&](auto& live) { start(live), render(live); }, true},
       {"de-initialize requested", [&](auto& live) { start(live), render(live), stop(live); }, false},
       {"invalidated", invalidate, true}};
-  const NamedAction events[] = {
-      {"start", start, true}, {"invalidate", invalidate, true}, {"stop", stop, false}};
+  const NamedAction events[] = {{"start", start, true},
+                                {"invalidate", invalidate, true},
+                                {"stop", stop, false},
+                                {"nothing", {}, false}};
   for (const NamedAction& state : states) {
     for (const NamedAction& event : events) {
       FastOpenGLVolumeRenderer live;
       live.set_size({2, 2, 2});
+      SCOPED_TRACE(std::string(state.name) + ", " + event.name);
       state.run(live);
-      event.run(live);
-      EXPECT_TRUE(live.is_running()) << state.name << ", " << event.name;
+      if (event.run) event.run(live);
+      EXPECT_EQ(live.is_running(), event.run || &state != states);
       live.render();
-      EXPECT_EQ(live.is_running(), event.running) << state.name << ", " << event.name;
-      EXPECT_EQ(spy_.live_objects(), event.running ? objects_of_a_running_renderer : 0U);
-      live.wait_for_transition();
-      EXPECT_EQ(live.get_data_ptr() != nullptr, event.running) << state.name << ", " << event.name;
+      const bool running = event.run ? event.running : state.running;
+      EXPECT_EQ(live.is_running(), running);
+      EXPECT_EQ(spy_.live_objects(), running ? objects_of_a_running_renderer : 0U);
+      if (event.run) live.wait_for_transition();
+      EXPECT_EQ(live.get_data_ptr() != nullptr, running);
       live.discard();
       stop(live), render(live);
       EXPECT_FALSE(live.is_running());
     }
-    FastOpenGLVolumeRenderer live;
-    live.set_size({2, 2, 2});
-    state.run(live);
-    EXPECT_EQ(live.is_running(), state.name != std::string("stopped"));
-    live.render();
-    EXPECT_EQ(live.is_running(), state.running) << state.name;
-    EXPECT_EQ(spy_.live_objects(), state.running ? objects_of_a_running_renderer : 0U);
-    stop(live), render(live);
   }
   EXPECT_EQ(spy_.live_objects(), 0U);
+}
+
+TEST_F(LiveRendererTest, LogOfOneVolumeFromTheStartToTheEnd) {
+  const std::string text = log_of([&] {
+    FastOpenGLVolumeRenderer live;
+    live.set_size({4, 3, 2});
+    live.start();
+    live.invalidate();
+    live.render();
+    live.get_data_ptr();
+    live.get_data_ptr();
+    live.update();
+    live.render();
+    live.render();
+    live.render();
+    live.stop();
+    live.render();
+    live.render();
+  });
+  EXPECT_EQ(text, R"(FastOpenGLVolumeRenderer: OpenGLVolumeRenderer constructor called. 
+FastOpenGLVolumeRenderer::set_size: 4 x 3 x 2
+Start called
+Invalidate called, size_z = 2
+FastOpenGLVolumeRenderer::close(): ResetEvent
+Closing renderer. 
+Initializing with sizes: 4 x 3 x 2
+FastOpenGLVolumeRenderer::get_data_ptr(): ResetEvent
+FastOpenGLVolumeRenderer::get_data_ptr(): WAIT_TIMEOUT on ptr_event
+FastOpenGLVolumeRenderer::update()
+Rendering: 
+FastOpenGLVolumeRenderer::render(): Updating data...  
+FastOpenGLVolumeRenderer::render(): ptr invalidated. 
+Rendering: 
+Invalid Ptr...
+Set event succeeded. (render function) 
+Rendering: 
+Stop called
+De-Initializing!
+FastOpenGLVolumeRenderer::close(): ResetEvent
+Closing renderer. 
+~FastOpenGLVolumeRenderer
+)");
 }
 
 // One buffer at a time, and each volume once.
@@ -192,18 +280,13 @@ TEST_F(LiveRendererTest, ARequestDuringInitialisationIsNotOverwritten) {
   live_.discard();
 }
 
-class AtMark : public TimingListener {
+class AtMark : public MarkRecorder {
  public:
   AtMark(std::string name, std::function<void()> action)
-      : name_(std::move(name)), action_(std::move(action)) {
-    set_timing_listener(this);
-  }
-  ~AtMark() override { set_timing_listener(nullptr); }
+      : name_(std::move(name)), action_(std::move(action)) {}
   void begin(std::string_view name, std::uint32_t, Time) override {
     if (name == name_) action_();
   }
-  void end(std::string_view, std::uint32_t, Time) override {}
-  void instant(std::string_view, std::uint32_t, Time) override {}
 
  private:
   const std::string name_;
@@ -269,6 +352,12 @@ TEST_F(LiveRendererTest, WithoutAContextAFrameFails) {
 
 // ---- Faults
 
+// What the action throws, and what is logged of it.
+void expect_failure(const std::string& error, const std::string& line, const std::function<void()>& action) {
+  const std::string text = log_of([&] { EXPECT_EQ(failure_of(action), error); });
+  EXPECT_TRUE(contains(text, line)) << text;
+}
+
 // While it initialises, in a frame, and when a buffer's memory is lost.
 TEST_F(LiveRendererTest, AFrameWithoutItsBufferIsFollowedByOneWithIt) {
   spy_.fail_next("glMapBuffer");
@@ -280,7 +369,7 @@ TEST_F(LiveRendererTest, AFrameWithoutItsBufferIsFollowedByOneWithIt) {
   live_.render();
   spy_.fail_next("glMapBuffer");
   failed_maps_ = 2;
-  EXPECT_EQ(failure_of([&] { live_.render(); }), "This is an error.");
+  expect_failure("This is an error.", "Invalid Ptr...\nPtr is invalid. \n", [&] { live_.render(); });
   live_.render();
   produce(2.0F);
   const int uploads = spy_.calls("glTexSubImage3D");
@@ -323,7 +412,8 @@ TEST_F(LiveRendererTest, RefusedEvents) {
   script_.refuse_set = true;
   live_.start();
   testing::internal::CaptureStderr();
-  EXPECT_EQ(failure_of([&] { live_.render(); }), "Could not set event");
+  expect_failure("Could not set event", "FastOpenGLVolumeRenderer::initialize(): SetEvent failed. \n",
+                 [&] { live_.render(); });
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not set event.\n");
   EXPECT_TRUE(live_.is_running());
   script_.refuse_set = false;
@@ -332,8 +422,9 @@ TEST_F(LiveRendererTest, RefusedEvents) {
   produce(1.0F);
   live_.render();
   script_.refuse_set = true;
-  EXPECT_EQ(failure_of([&] { live_.render(); }), "This is an error.");
-  EXPECT_EQ(failure_of([] { const FastOpenGLVolumeRenderer refused(nullptr); }), "Could not create event.");
+  expect_failure("This is an error.", "Invalid Ptr...\nCould not set event. \n", [&] { live_.render(); });
+  expect_failure("Could not create event.", "Could not create event.\n",
+                 [] { const FastOpenGLVolumeRenderer refused(nullptr); });
 }
 
 }  // namespace

@@ -4,61 +4,11 @@
 #include <cstdio>
 #include <utility>
 
-#include "live/pattern_state.h"
-
 namespace oct::test {
 
-PatternState& pattern_state() {
-  static PatternState state;
+PatternDevice& pattern_state() {
+  static PatternDevice state;
   return state;
-}
-
-namespace {
-
-// Objects that tests pass through without owning them.
-struct Fixed {
-  int device[PatternDevice::devices] = {};
-  int processing[PatternDevice::devices] = {};
-  int polarization = 0;
-  int scan_pattern = 0;
-};
-Fixed fixed;
-
-}  // namespace
-
-void PatternState::reset() {
-  release();
-  const std::lock_guard lock(mutex);
-  static_cast<PatternSettings&>(*this) = {};
-  names = {{&fixed.polarization, "polarization"}, {&fixed.scan_pattern, "scan"}};
-  for (int i = 0; i < devices; ++i) {
-    names[&fixed.device[i]] = "device" + (i > 0 ? std::to_string(i) : "");
-    names[&fixed.processing[i]] = "processing" + std::to_string(i);
-  }
-}
-
-OCTDeviceHandle PatternState::device(int number) {
-  return reinterpret_cast<OCTDeviceHandle>(&fixed.device[number]);
-}
-ProcessingHandle PatternState::processing(int number) {
-  return reinterpret_cast<ProcessingHandle>(&fixed.processing[number]);
-}
-PolarizationProcessingHandle PatternState::polarization() {
-  return reinterpret_cast<PolarizationProcessingHandle>(&fixed.polarization);
-}
-ScanPatternHandle PatternState::scan_pattern() {
-  return reinterpret_cast<ScanPatternHandle>(&fixed.scan_pattern);
-}
-
-void PatternState::hold(const char* function, int after) {
-  {
-    const std::lock_guard lock(mutex);
-    held_function = function;
-    permits = after;
-    waiting = 0;
-    ++holds;
-  }
-  condition.notify_all();
 }
 
 void resize(OctData& data, int size1, int size2, int size3) {
@@ -72,7 +22,7 @@ void copy_or_clear(const std::vector<float>& source, std::vector<float>& target)
   std::copy_n(source.begin(), std::min(source.size(), target.size()), target.begin());
 }
 
-void PatternState::fill(OctData& data, int number, int shown_quantity) {
+void PatternDevice::fill(OctData& data, int number, int shown_quantity) {
   const std::lock_guard lock(mutex);
   resize(data, size[0], size[1], size[2]);
   data.range[0] = 2.0, data.range[1] = 3.0, data.range[2] = 1.5;
@@ -89,7 +39,7 @@ void PatternState::fill(OctData& data, int number, int shown_quantity) {
 using oct::test::entered;
 using oct::test::locked;
 using oct::test::pattern_state;
-using oct::test::PatternState;
+using oct::test::PatternDevice;
 
 oct::test::PatternDevice* patternDevice() {
   return &pattern_state();
@@ -122,23 +72,23 @@ void clearData(DataHandle data) {
 
 void startMeasurement(OCTDeviceHandle device, ScanPatternHandle pattern, int mode) {
   if (!entered("startMeasurement", device, pattern, mode)) return;
-  const bool first = locked([=](PatternState& state) { return state.measuring.insert(device).second; });
+  const bool first = locked([=](PatternDevice& state) { return state.measuring.insert(device).second; });
   if (!first) pattern_state().raise("startMeasurement while measuring");
 }
 
 void stopMeasurement(OCTDeviceHandle device) {
   if (!entered("stopMeasurement", device)) return;
-  locked([=](PatternState& state) { state.measuring.erase(device); });
+  locked([=](PatternDevice& state) { state.measuring.erase(device); });
 }
 
 int isError(void) {
   entered("isError");
-  return locked([](PatternState& state) { return state.error.empty() ? 0 : 1; });
+  return locked([](PatternDevice& state) { return state.error.empty() ? 0 : 1; });
 }
 
 int getError(char* buffer, int size) {
   entered("getError", size);
-  const std::string error = locked([](PatternState& state) { return std::exchange(state.error, {}); });
+  const std::string error = locked([](PatternDevice& state) { return std::exchange(state.error, {}); });
   std::snprintf(buffer, static_cast<std::size_t>(size), "%s", error.c_str());
   return error.empty() ? 0 : 1;
 }
@@ -146,7 +96,7 @@ int getError(char* buffer, int size) {
 // Both sensors give the same volume, sensor 0 first.
 void getRawDataEx(OCTDeviceHandle device, RawDataHandle raw, int camera) {
   if (!entered("getRawDataEx", device, raw, camera)) return;
-  locked([=](PatternState& state) {
+  locked([=](PatternDevice& state) {
     raw->camera = camera;
     raw->volume = camera == 0 ? state.acquired++ : state.acquired - 1;
   });
@@ -154,7 +104,7 @@ void getRawDataEx(OCTDeviceHandle device, RawDataHandle raw, int camera) {
 
 void getAnalogInputData(OCTDeviceHandle device, DataHandle data) {
   if (!entered("getAnalogInputData", device, data)) return;
-  locked([=](PatternState& state) {
+  locked([=](PatternDevice& state) {
     oct::test::resize(*data, state.channels, state.size[1], state.size[2]);
     oct::test::copy_or_clear(state.analog, data->samples);
   });
@@ -162,12 +112,12 @@ void getAnalogInputData(OCTDeviceHandle device, DataHandle data) {
 
 void setProcessedDataOutput(ProcessingHandle processing, DataHandle data) {
   if (!entered("setProcessedDataOutput", processing, data)) return;
-  locked([=](PatternState& state) { state.data_outputs[processing] = data; });
+  locked([=](PatternDevice& state) { state.data_outputs[processing] = data; });
 }
 
 void executeProcessing(ProcessingHandle processing, RawDataHandle raw) {
   if (!entered("executeProcessing", processing, raw)) return;
-  DataHandle const data = locked([=](PatternState& state) {
+  DataHandle const data = locked([=](PatternDevice& state) {
     const ComplexDataHandle complex = state.complex_outputs[processing];
     if (complex && state.names.contains(complex)) complex->volume = raw->volume;
     const DataHandle output = state.data_outputs[processing];

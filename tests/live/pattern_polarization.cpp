@@ -1,10 +1,10 @@
 // The functions that a library for standard devices leaves out.
-#include "live/pattern_state.h"
+#include "live/pattern_device.h"
 
 using oct::test::entered;
 using oct::test::locked;
 using oct::test::pattern_state;
-using oct::test::PatternState;
+using oct::test::PatternDevice;
 
 ComplexDataHandle createComplexData(void) {
   return entered("createComplexData") ? pattern_state().make<OctComplexData>("complex") : nullptr;
@@ -16,13 +16,13 @@ void clearComplexData(ComplexDataHandle data) {
 
 void setComplexDataOutput(ProcessingHandle processing, ComplexDataHandle data) {
   if (!entered("setComplexDataOutput", processing, data)) return;
-  locked([=](PatternState& state) { state.complex_outputs[processing] = data; });
+  locked([=](PatternDevice& state) { state.complex_outputs[processing] = data; });
 }
 
-#define OCT_OUTPUT(function, number)                                                                 \
-  void function(PolarizationProcessingHandle processing, DataHandle data) {                          \
-    if (!entered(#function, processing, data)) return;                                               \
-    locked([=](PatternState& state) { state.polarization_output = data, state.quantity = number; }); \
+#define OCT_OUTPUT(function, number)                                                                  \
+  void function(PolarizationProcessingHandle processing, DataHandle data) {                           \
+    if (!entered(#function, processing, data)) return;                                                \
+    locked([=](PatternDevice& state) { state.polarization_output = data, state.quantity = number; }); \
   }
 OCT_OUTPUT(setPolarizationOutputI, oct::test::PatternDevice::intensity)
 OCT_OUTPUT(setPolarizationOutputRetardation, 1)

@@ -25,11 +25,6 @@ using Seconds = std::chrono::duration<double>;
 std::atomic<int> volumes_acquired{0};
 std::atomic<int> device_errors{0};
 
-Seconds duration() {
-  const char* const asked = std::getenv("OCT_SOAK_SECONDS");
-  return Seconds(asked ? std::atof(asked) : OCT_SOAK_SECONDS);
-}
-
 // A moving finger pad with two lateral sizes in turn, so that every start makes its OpenGL objects anew.
 class LiveSoakTest : public testing::Test {
  protected:
@@ -99,7 +94,8 @@ class LiveSoakTest : public testing::Test {
 };
 
 TEST_F(LiveSoakTest, MemoryAndObjectsStayFlat) {
-  const Clock::time_point end = Clock::now() + std::chrono::duration_cast<Clock::duration>(duration());
+  const char* const asked = std::getenv("OCT_SOAK_SECONDS");
+  const auto end = Clock::now() + Seconds(asked ? std::atof(asked) : OCT_SOAK_SECONDS);
   for (int i = 0; i < 5; ++i) measurement(Seconds(1.0));  // what the driver and the phantom build once
   const GlSpy spy;
   measurement(Seconds(1.0));

@@ -20,8 +20,6 @@ class ComMethodPatch {
   ComMethodPatch(const ComMethodPatch&) = delete;
   ComMethodPatch& operator=(const ComMethodPatch&) = delete;
 
-  Method original() const { return original_; }
-
  private:
   void write(Method method) {
     DWORD before = 0;

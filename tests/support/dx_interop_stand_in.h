@@ -4,7 +4,6 @@
 // OpenGL's row 0 becomes Direct3D's.
 #pragma once
 
-#include <map>
 #include <string>
 
 namespace oct::test {
@@ -17,10 +16,8 @@ class DxInteropStandIn {
   DxInteropStandIn(const DxInteropStandIn&) = delete;
   DxInteropStandIn& operator=(const DxInteropStandIn&) = delete;
 
-  static bool installed();
-
-  // Lets the next calls of a function ("Open", "Register", "Unregister", "Lock", "Unlock", "Share") fail.
-  void fail_next(const std::string& function, int times = 1);
+  // Lets the next call of a function ("Open", "Register", "Unregister", "Lock", "Unlock", "Share") fail.
+  void fail_next(const std::string& function);
 
   int registered_objects() const;
   int locked_objects() const;

@@ -37,15 +37,11 @@ struct Object {
 
 struct State {
   std::mutex mutex;
-  std::map<std::string, int> failures;
+  std::set<std::string> failures;
   std::set<IDirect3DDevice9*> devices;
   std::set<Object*> objects;
 
-  bool enter(const std::string& function) {
-    if (failures[function] == 0) return true;
-    --failures[function];
-    return false;
-  }
+  bool enter(const std::string& function) { return failures.erase(function) == 0; }
 };
 
 State* state = nullptr;
@@ -161,13 +157,9 @@ DxInteropStandIn::~DxInteropStandIn() {
   state = nullptr;
 }
 
-bool DxInteropStandIn::installed() {
-  return state != nullptr;
-}
-
-void DxInteropStandIn::fail_next(const std::string& function, int times) {
+void DxInteropStandIn::fail_next(const std::string& function) {
   const std::lock_guard lock(state->mutex);
-  state->failures[function] = times;
+  state->failures.insert(function);
 }
 
 int DxInteropStandIn::registered_objects() const {

@@ -2,19 +2,10 @@
 #pragma once
 
 #include <memory>
-#include <ostream>
 #include <vector>
 
 #include "hosting/surfaces/surface_sharing.h"
 #include "support/pictures.h"
-
-namespace oct {
-
-inline void PrintTo(SurfaceSharing kind, std::ostream* stream) {
-  *stream << (kind == SurfaceSharing::direct3d ? "Direct3D" : "host memory");
-}
-
-}  // namespace oct
 
 namespace oct::test {
 

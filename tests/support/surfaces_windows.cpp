@@ -12,8 +12,11 @@ namespace oct::test {
 namespace {
 
 DxInteropStandIn& stand_in() {
-  static DxInteropStandIn instance;
-  return instance;
+  static const auto instance = [] {
+    const TestContext loads_opengl;  // loading would put back the driver's own entry points
+    return std::make_unique<DxInteropStandIn>();
+  }();
+  return *instance;
 }
 
 }  // namespace
@@ -23,10 +26,7 @@ std::vector<SurfaceSharing> surface_sharings() {
 }
 
 void choose_sharing(SurfaceSharing kind) {
-  if (kind == SurfaceSharing::direct3d && !DxInteropStandIn::installed()) {
-    const TestContext loads_opengl;  // loading would put back the driver's own entry points
-    stand_in();
-  }
+  if (kind == SurfaceSharing::direct3d) stand_in();
   set_surface_sharing(static_cast<int>(kind));
 }
 

@@ -21,21 +21,10 @@
 
 namespace oct::test {
 
-// Functions of a loop, made of lambdas.
-inline Callback functor(Callback body) {
-  return body;
-}
-inline RenderingCallback rendering(RenderingCallback body) {
-  return body;
-}
-
 using Index = std::uint32_t;
 
-inline ImageReadyCallback image_ready(ImageReadyCallback::Function body) {
-  return ImageReadyCallback(std::move(body));
-}
 inline ImageReadyCallback image_ready(std::function<void(Index, void* surface)> body) {
-  return image_ready(
+  return ImageReadyCallback(
       [body](Index index, std::uint32_t, std::uint32_t, void* surface) { body(index, surface); });
 }
 
@@ -120,15 +109,11 @@ class LoopGLTest : public testing::TestWithParam<SurfaceSharing> {
  protected:
   void SetUp() override { choose_sharing(GetParam()); }
 
-  std::unique_ptr<OpenGLControlLoop> make_loop() {
-    return std::make_unique<OpenGLControlLoop>(
-        nullptr, nullptr, ErrorCallback([this](const char* message) { errors_.add(message); }));
-  }
-
   // A loop that draws patterns once each, and records what it draws and what it returns.
   std::unique_ptr<OpenGLControlLoop> make_recording_loop(std::uint32_t width, std::uint32_t height) {
-    auto loop = make_loop();
-    loop->set_rendering_callback(rendering([this](std::uint32_t id) {
+    auto loop = std::make_unique<OpenGLControlLoop>(
+        nullptr, nullptr, ErrorCallback([this](const char* message) { errors_.add(message); }));
+    loop->set_rendering_callback(RenderingCallback([this](std::uint32_t id) {
       draw_pattern(id);
       drawn_.add(id);
     }));

@@ -18,37 +18,37 @@ namespace oct::test {
 Recorded<std::string>& client_errors();
 Recorded<double>& intensities();
 
-class LiveStage {
- public:
-  LiveStage();
-  ~LiveStage();  // expects that nothing is left: objects of the device, errors, misuse of its handles
-  LiveStage(const LiveStage&) = delete;
-  LiveStage& operator=(const LiveStage&) = delete;
+// Expects at its end that nothing is left: objects of the device, errors, misuse of its handles.
+class LiveTest : public testing::Test {
+ protected:
+  LiveTest();
+  ~LiveTest() override;
 
   void make_source();
   void make_polarization_source();
-  void start() { startDataSource(live, source, device.scan_pattern()); }
+  void start() { startDataSource(live_, source_, device_.scan_pattern()); }
 
   // What the reference intensity function does from now on, on the acquisition thread, before it is noted.
   void on_intensity(std::function<void()> action);
   void on_error(std::function<void()> action);
 
-  Picture frame(int width = 24, int height = 16) { return frame(width, height, live); }
+  Picture frame(int width = 24, int height = 16) { return frame(width, height, live_); }
   Picture frame(int width, int height, LiveVolumeRenderingHandle drawn);
   // Frames, for ten seconds at most, until the condition holds.
   bool frames_until(const std::function<bool()>& condition);
   bool frames_until_shown() {
-    return frames_until([&] { return !voxels.empty(); });
+    return frames_until([&] { return !voxels_.empty(); });
   }
   // Renders, and stops after so many volumes, from the reference intensity function. No volume is dropped:
   // each waits until a buffer is free.
   void run(int volumes);
 
-  VolumeStage volume_stage;
-  PatternDevice& device = *patternDevice();
-  LiveVolumeRenderingHandle live = nullptr;
-  LiveDataSourceHandle source = nullptr;
-  std::vector<float> voxels;  // of the texture drawn in the latest frame; empty: none
+  VolumeStage volume_stage_;
+  VolumeRendererHandle renderer_ = volume_stage_.renderer;
+  PatternDevice& device_ = *patternDevice();
+  LiveVolumeRenderingHandle live_ = nullptr;
+  LiveDataSourceHandle source_ = nullptr;
+  std::vector<float> voxels_;  // of the texture drawn in the latest frame; empty: none
 
  private:
   void read_voxels();
@@ -58,12 +58,5 @@ class LiveStage {
 
 // Whether all voxels are the same.
 bool uniform(const std::vector<float>& voxels);
-
-class LiveTest : public testing::Test {
- protected:
-  LiveStage stage_;
-  VolumeRendererHandle renderer_ = stage_.volume_stage.renderer;
-  PatternDevice& device_ = stage_.device;
-};
 
 }  // namespace oct::test
