@@ -14,7 +14,7 @@ namespace oct::simulator {
 namespace {
 
 // Keeps the logarithm and the divisions finite: -60 dB.
-constexpr float least_power = 1e-6F;
+constexpr float least_intensity = 1e-6F;
 
 constexpr float degrees_per_radian = 180.0F / std::numbers::pi_v<float>;
 
@@ -157,11 +157,11 @@ void PolarizationProcessing::write(Quantity quantity, const StokesVolume& stokes
     if (quantity == intensity) {
       const std::size_t first = begin * depths;
       vec::decibels(samples.data() + first, stokes.component(0).data() + first, (end - begin) * depths,
-                    least_power);
+                    least_intensity);
       return;
     }
     for (std::size_t n = begin * depths; n < end * depths; ++n) {
-      const float i = std::max(stokes.component(0)[n], least_power);
+      const float i = std::max(stokes.component(0)[n], least_intensity);
       samples[n] = i < least ? 0.0F
                              : value_of(quantity, i, stokes.component(1)[n], stokes.component(2)[n],
                                         stokes.component(3)[n]);

@@ -7,8 +7,6 @@
 namespace oct {
 namespace {
 
-constexpr float pi = 3.1415927F;
-
 // Near plane 3, far plane 8.
 glm::mat4 perspective_projection(double zoom, Viewport viewport) {
   const float field_of_view = static_cast<float>(5.0 + zoom);
@@ -55,8 +53,8 @@ Camera camera_of(const View& view, const Range& range, Viewport viewport) {
                                        : orthographic_projection(view.zoom, viewport);
   glm::mat4 modelview = glm::translate(glm::mat4(1.0F), glm::vec3(0.0F, 0.0F, -5.0F));
   modelview = glm::translate(modelview, view.translation);
-  modelview = glm::rotate(modelview, view.angle_x * pi / 180.0F, glm::vec3(1.0F, 0.0F, 0.0F));
-  modelview = glm::rotate(modelview, view.angle_y * pi / 180.0F, glm::vec3(0.0F, 1.0F, 0.0F));
+  modelview = glm::rotate(modelview, radians_of(view.angle_x), glm::vec3(1.0F, 0.0F, 0.0F));
+  modelview = glm::rotate(modelview, radians_of(view.angle_y), glm::vec3(0.0F, 1.0F, 0.0F));
   camera.modelview = glm::scale(modelview, range.model_scale);
   camera.element_modelview = camera.modelview;
   camera.normal = glm::transpose(glm::inverse(glm::mat3(camera.modelview)));

@@ -5,6 +5,10 @@
 
 namespace oct {
 
+inline float radians_of(float degrees) {
+  return degrees * 3.1415927F / 180.0F;
+}
+
 struct Viewport {
   int width = 0;
   int height = 0;

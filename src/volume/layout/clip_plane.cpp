@@ -9,8 +9,6 @@
 namespace oct {
 namespace {
 
-constexpr float pi = 3.1415927F;
-
 // The four edges along each axis: the other two coordinates, in the order of the axes.
 constexpr std::array<std::array<glm::vec2, 4>, 3> edges{{
     {{{1, 1}, {-1, 1}, {-1, -1}, {1, -1}}},
@@ -94,8 +92,8 @@ void ClipPlane::update(const View& view) {
 
 void ClipPlane::orient(const View& view) {
   if (!fixed_) {
-    const float x = view.angle_x * pi / 180.0F;
-    const float y = view.angle_y * pi / 180.0F;
+    const float x = radians_of(view.angle_x);
+    const float y = radians_of(view.angle_y);
     plane_ = {std::sin(y) * std::cos(x), std::sin(x), -std::cos(y) * std::cos(x), 0.0F};
   }
   // The sum is the plane's reach over the box; 0.99 of it keeps the plane inside at either end.
