@@ -1,13 +1,14 @@
 #include "support/pictures.h"
 
-#define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_STATIC
+#define STB_IMAGE_IMPLEMENTATION
 #define STBI_ONLY_PNG
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wunused-function"
 #include <stb/stb_image.h>
 #pragma GCC diagnostic pop
 
+#define STB_IMAGE_WRITE_STATIC
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <algorithm>
 #include <atomic>
