@@ -24,7 +24,11 @@ endfunction()
 # oct_compile_together(target [ALWAYS])
 # Compiles several files of a target at once, most of which is reading the same headers. The native release build does so
 # only with ALWAYS. A file for one platform stays alone: what its system's headers define is not for others.
+option(OCT_COMPILE_TOGETHER "Compile several files of a target at once where that is quicker" ON)
 function(oct_compile_together target)
+  if(NOT OCT_COMPILE_TOGETHER)
+    return()
+  endif()
   if(NOT (OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows" OR "${ARGN}" STREQUAL "ALWAYS"))
     return()
   endif()
