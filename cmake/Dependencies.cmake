@@ -33,7 +33,9 @@ function(oct_compile_together target)
     return()
   endif()
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
-  target_compile_options(${target} PRIVATE -Wno-shadow)  # files meet whose names never do
+  if(OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows")
+    target_compile_options(${target} PRIVATE -Wno-shadow)  # files meet whose names never do; the native build looks
+  endif()
   get_target_property(sources ${target} SOURCES)
   list(FILTER sources INCLUDE REGEX "_(windows|linux)[.]cpp$")
   set_source_files_properties(${sources} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
