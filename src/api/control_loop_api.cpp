@@ -16,8 +16,10 @@ using oct::api::guarded_unposted;
 
 namespace {
 
+constexpr const char* invalid_handle = "Invalid OpenGLControlLoopHandle specified. ";
+
 OpenGLControlLoop& loop(OpenGLControlLoopHandle handle) {
-  return oct::api::checked<OpenGLControlLoop>(handle, "Invalid OpenGLControlLoopHandle specified. ");
+  return oct::api::checked<OpenGLControlLoop>(handle, invalid_handle);
 }
 
 void render(OpenGLControlLoopHandle handle, int id) {
@@ -105,12 +107,13 @@ void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width, unsign
 }
 
 void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* Destination) {
-  guarded(__func__, [&] { oct::ClientSurfaces::copy(loop(Handle).sharing(), Source, Destination); });
+  guarded(__func__, [&] { oct::client_surfaces().copy(loop(Handle).sharing(), Source, Destination); });
 }
 
 void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface) {
   guarded(__func__, [&] {
-    loop(Handle);
+    // Not looked up: the surface is known without its loop, which may be gone.
+    if (!Handle) throw std::invalid_argument(invalid_handle);
     oct::client_surfaces().destroy(Surface);
   });
 }

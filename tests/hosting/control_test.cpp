@@ -2,7 +2,6 @@
 #include <thread>
 
 #include "hosting/loop/opengl_control.h"
-#include "hosting/surfaces/direct3d_sharing.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
 #include "support/surfaces.h"
@@ -81,7 +80,7 @@ TEST(SurfaceSharingTest, OnlyWhatThePlatformHas) {
     ::setSurfaceSharing(value);
     EXPECT_EQ(pending_error(), "Invalid surface sharing selected. ");
   }
-  if (!has_direct3d) {
+  if (!surface_kind(SurfaceSharing::direct3d).available) {
     ::setSurfaceSharing(0);
     EXPECT_EQ(pending_error(), "Ressouce sharing between OpenGL and DirectX not supported. ");
   }

@@ -12,6 +12,7 @@
 #include "hosting/host/opengl_host.h"
 #include "hosting/loop/opengl_control.h"
 #include "hosting/loop/render_trace.h"
+#include "hosting/surfaces/client_surfaces.h"
 
 namespace oct {
 namespace {
@@ -150,8 +151,11 @@ void OpenGLControlLoop::rendering_loop() noexcept {
       render();
     } catch (const std::exception& error) {
       log() << "Rendering loop: " << error.what();
+      // Without its device whatever is tried fails, each in a way of its own.
+      const std::string reason =
+          control_ && control_->device().removed() ? graphics_device_removed : error.what();
       render_thread_failed();
-      if (error_callback_) error_callback_(error.what());
+      if (error_callback_) error_callback_(reason);
     } catch (...) {
       log() << "Rendering loop, unknown error.";
       render_thread_failed();
@@ -262,6 +266,7 @@ void OpenGLControlLoop::render_frame(std::int32_t request, bool taken) {
     buffer.prepare(request);
     draw(request);
     buffer.finish();
+    control_->device().check();
   }
   control_->rotate_buffers();
   lock.unlock();
@@ -338,6 +343,7 @@ void OpenGLControlLoop::give_to_client(HandOffBuffer& buffer) {
   {
     const std::lock_guard lock(image_ready_mutex_);
     if (image_ready_callback_) {
+      const ClientSurfaces::Loan loan(client_surfaces(), sharing_, mapped->surface());
       (*image_ready_callback_)(mapped->index(), mapped->width(), mapped->height(), mapped->surface());
     }
   }
