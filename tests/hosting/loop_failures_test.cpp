@@ -179,7 +179,7 @@ TEST_P(LoopFailuresGLTest, NoMemoryToAskForSomething) {
   Picture picture(4, 4);
   const std::function<void()> calls[] = {
       [&] { loop->snapshot(4, 4, picture.bytes.data()); },
-      [&] { loop->request(1); },
+      [&] { loop->request(0); },
       [&] { loop->set_mode(OpenGLControlLoop::once_each); },
       [&] { loop->resize(8, 6); },
       [&] {
