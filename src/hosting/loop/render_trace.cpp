@@ -50,8 +50,12 @@ RenderTrace& render_trace() {
 
 }  // namespace
 
-void trace_render_call(std::int32_t request) {
-  render_trace().write(request);
+void trace_render_call(std::int32_t request) noexcept {
+  try {
+    render_trace().write(request);
+  } catch (const std::exception&) {
+    // A lost line is better than a lost frame.
+  }
 }
 
 std::filesystem::path render_trace_file() {

@@ -10,7 +10,7 @@ namespace oct {
 
 // Writes the line and flushes it, on the calling client's thread. The first call of the process opens the
 // file; where that fails there is no trace.
-void trace_render_call(std::int32_t request);
+void trace_render_call(std::int32_t request) noexcept;
 
 // Where the trace goes: the platform's fixed place, unless a test has named another. The next call opens that
 // one; an empty path ends the trace.
