@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "api/guard.h"
+#include "api/handles.h"
 #include "hosting/loop/opengl_control_loop.h"
 #include "hosting/loop/render_trace.h"
 #include "hosting/surfaces/client_surfaces.h"
@@ -16,10 +17,8 @@ using oct::api::guarded_unposted;
 
 namespace {
 
-constexpr const char* invalid_handle = "Invalid OpenGLControlLoopHandle specified. ";
-
 OpenGLControlLoop& loop(OpenGLControlLoopHandle handle) {
-  return oct::api::checked<OpenGLControlLoop>(handle, invalid_handle);
+  return oct::api::checked<OpenGLControlLoop>(handle, "Invalid OpenGLControlLoopHandle specified. ");
 }
 
 void render(OpenGLControlLoopHandle handle, int id) {
@@ -40,21 +39,24 @@ void check_snapshot(int width, int height, const void* data) {
 }  // namespace
 
 OpenGLControlLoopHandle createOpenGLControlLoop(void) {
-  return guarded(__func__, [] { return oct::api::handle_of<OctOpenGLControlLoop>(new OpenGLControlLoop); });
+  return guarded(__func__, [] {
+    return oct::api::handle_of<OctOpenGLControlLoop>(std::make_unique<OpenGLControlLoop>());
+  });
 }
 
 OpenGLControlLoopHandle createOpenGLControlLoopCB(OctLoopFunction Init, OctLoopFunction Uninit,
                                                   OctErrorFunction Error) {
   return guarded(__func__, [&] {
     return oct::api::handle_of<OctOpenGLControlLoop>(
-        new OpenGLControlLoop(Init, Uninit, oct::ErrorCallback(Error)));
+        std::make_unique<OpenGLControlLoop>(Init, Uninit, oct::ErrorCallback(Error)));
   });
 }
 
 void deleteOpenGLControlLoop(OpenGLControlLoopHandle Handle) {
   guarded(__func__, [&] {
-    loop(Handle).check_deletable();
-    delete &loop(Handle);
+    loop(Handle);
+    oct::api::delete_object<OpenGLControlLoop>(
+        Handle, [](const OpenGLControlLoop& ended) { ended.check_deletable(); });
   });
 }
 
@@ -112,8 +114,9 @@ void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* Destinati
 
 void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface) {
   guarded(__func__, [&] {
-    // Not looked up: the surface is known without its loop, which may be gone.
-    if (!Handle) throw std::invalid_argument(invalid_handle);
-    oct::client_surfaces().destroy(Surface);
+    // A surface is known without its loop, which may be gone.
+    if (Handle && oct::client_surfaces().destroy(Surface)) return;
+    loop(Handle);
+    throw std::invalid_argument("The specified surface is unknown. ");
   });
 }

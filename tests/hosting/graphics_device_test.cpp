@@ -47,19 +47,21 @@ class ResetQuery {
   PFNGLGETGRAPHICSRESETSTATUSARBPROC arb_query_{};
 };
 
+constexpr const char* removed = "The graphics device was removed. ";
+
 class GraphicsResetGLTest : public LoopGLTest {};
 
 // The next loop is as good as new. A frame that fails of the reset does not hide it.
 TEST_P(GraphicsResetGLTest, EndsTheLoopAndNotTheNext) {
   const struct {
-    bool core, khr, arb, frame_fails;
+    bool core, khr, arb, frame_fails, in_snapshot;
     GLenum status;
     const char* reason;
   } resets[] = {
-      {true, false, false, false, GL_GUILTY_CONTEXT_RESET_ARB, "by something this context drew"},
-      {false, true, false, true, GL_INNOCENT_CONTEXT_RESET_ARB, "not by this context"},
-      {false, false, true, false, GL_UNKNOWN_CONTEXT_RESET_ARB, "for an unknown reason"},
-      {false, false, false, false, GL_UNKNOWN_CONTEXT_RESET_ARB, nullptr},  // nobody can tell
+      {true, false, false, false, false, GL_GUILTY_CONTEXT_RESET_ARB, "by something this context drew"},
+      {false, true, false, true, false, GL_INNOCENT_CONTEXT_RESET_ARB, "not by this context"},
+      {false, false, true, false, true, GL_UNKNOWN_CONTEXT_RESET_ARB, "for an unknown reason"},
+      {false, false, false, false, false, GL_UNKNOWN_CONTEXT_RESET_ARB, nullptr},  // nobody can tell
   };
   for (const auto& reset : resets) {
     SCOPED_TRACE(reset.reason ? reset.reason : "no query");
@@ -72,9 +74,13 @@ TEST_P(GraphicsResetGLTest, EndsTheLoopAndNotTheNext) {
         status = reset.status;
         if (reset.frame_fails) throw std::runtime_error("the frame failed");
       }));
+      if (reset.in_snapshot) {
+        Picture picture(3, 3);
+        EXPECT_EQ(failure_of([&] { loop->snapshot(3, 3, picture.bytes.data()); }), removed);
+      }
       loop->request(2);
       if (reset.reason) {
-        EXPECT_EQ(errors_.at_least(1), std::vector<std::string>{"The graphics device was removed. "});
+        EXPECT_EQ(errors_.at_least(1), std::vector<std::string>{removed});
       } else {
         returned_.at_least(2);
       }

@@ -26,6 +26,14 @@ class GlSpy {
   // for glGetError.
   void fail_next(const std::string& function, int times = 1, GLenum error = GL_OUT_OF_MEMORY);
 
+  // The same for one call of the function, counted from the next one as 0.
+  void fail_at(const std::string& function, int index, GLenum error = GL_OUT_OF_MEMORY);
+  bool has_failed() const;  // whether the call that fail_at named has come
+
+  // Functions that were called since the spy was made or forgot, and how often.
+  std::map<std::string, int> all_calls() const;
+  void forget_calls();
+
   // What queries of these values answer from now on.
   void answer(GLenum integer_query, GLint value);
 

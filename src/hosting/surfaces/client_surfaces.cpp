@@ -27,8 +27,9 @@ class ClientSurfaces::Copy {
 
  private:
   Known& usable(SurfaceSharing kind, void* surface) const {
-    Known& known = surfaces_.find(surface)->second;
-    if (known.kind == kind) return known;
+    const auto entry = surfaces_.surfaces_.find(surface);
+    if (entry == surfaces_.surfaces_.end()) throw std::invalid_argument("The specified surface is unknown. ");
+    if (entry->second.kind == kind) return entry->second;
     throw std::invalid_argument("The surface is of another kind than those of the loop. ");
   }
 
@@ -49,25 +50,20 @@ void* ClientSurfaces::create(SurfaceSharing kind, std::uint32_t width, std::uint
   return pointer;
 }
 
-void ClientSurfaces::destroy(void* surface) {
+bool ClientSurfaces::destroy(void* surface) {
   std::unique_ptr<AbstractClientSurface> removed;  // dies after the lock
   std::unique_lock lock(mutex_);
-  const auto entry = find(surface);
-  if (!entry->second.owner) throw std::invalid_argument("The specified surface is unknown. ");
+  const auto entry = surfaces_.find(surface);
+  if (entry == surfaces_.end() || !entry->second.owner) return false;
   removed = std::move(entry->second.owner);
   forget(entry, lock);
+  return true;
 }
 
 void ClientSurfaces::copy(SurfaceSharing kind, void* source, void* destination) {
   if (!source || !destination) throw std::invalid_argument("A surface to copy must not be null. ");
   const Copy copy(*this, kind, source, destination);
   if (source != destination) surface_kind(kind).copy(source, destination);
-}
-
-ClientSurfaces::Table::iterator ClientSurfaces::find(void* surface) {
-  const auto entry = surfaces_.find(surface);
-  if (entry == surfaces_.end()) throw std::invalid_argument("The specified surface is unknown. ");
-  return entry;
 }
 
 // Nobody finds the entry any more; those that use it have found it before.

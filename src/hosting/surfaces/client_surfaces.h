@@ -15,9 +15,9 @@ class ClientSurfaces {
  public:
   void* create(SurfaceSharing kind, std::uint32_t width, std::uint32_t height);
 
-  // Throws std::invalid_argument for a pointer that create did not return or that was destroyed before. Waits
-  // for copies of the surface that other threads are making.
-  void destroy(void* surface);
+  // False for a pointer that create did not return or that was destroyed before. Waits for copies of the surface
+  // that other threads are making.
+  bool destroy(void* surface);
 
   // The whole source, stretched over the whole destination without a filter. Throws std::invalid_argument for
   // what is no surface of the kind.
@@ -45,7 +45,6 @@ class ClientSurfaces {
   class Copy;
   using Table = std::map<void*, Known>;
 
-  Table::iterator find(void* surface);  // throws for an unknown one; with the mutex held
   void forget(Table::iterator entry, std::unique_lock<std::mutex>& lock);
 
   std::mutex mutex_;
