@@ -275,8 +275,9 @@ void OpenGLControlLoop::render_frame(std::int32_t request) {
     serve_snapshot(request);
   }
 
-  auto lock = buffer.lock();
   const Size wanted = size();
+  if (wanted.empty()) return;  // since the client was waited for
+  auto lock = buffer.lock();
   if (buffer.width() != wanted.width || buffer.height() != wanted.height) {
     buffer.resize(wanted.width, wanted.height);
   }
