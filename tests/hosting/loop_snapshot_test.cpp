@@ -122,7 +122,7 @@ TEST_P(LoopSnapshotGLTest, WhatCannotBeDrawnSpoilsNothing) {
     draw_pattern(0x778899);
     GLint viewport[4] = {};
     glGetIntegerv(GL_VIEWPORT, viewport);
-    if (viewport[2] == 4 && mistaken) glEnable(GL_RGBA);
+    if (viewport[2] == 4 && mistaken.exchange(false)) glEnable(GL_RGBA);
     drawn_.add(id);
   }));
   auto draw = [&, id = 0]() mutable {
