@@ -111,8 +111,8 @@ TEST_P(LoopSnapshotGLTest, NothingOlderThanTheCall) {
   }
 }
 
-// What cannot be drawn is told to who asked and leaves the memory alone; what comes next is as ever. A target lives no
-// longer than its snapshot.
+// What cannot be drawn is told to who asked and leaves the memory alone; what comes next is as ever. A target
+// lives no longer than its snapshot.
 TEST_P(LoopSnapshotGLTest, WhatCannotBeDrawnSpoilsNothing) {
   const TestContext loads_opengl;
   GlSpy spy;
