@@ -17,7 +17,7 @@ struct GlSpy::State {
   std::map<GLenum, GLint> answers;
   std::deque<GLenum> errors;
   std::set<std::tuple<void*, std::string, GLuint>> objects;  // with their contexts
-  std::mutex mutex;                                          // guards all but the answers
+  std::mutex mutex;
 
   // Counts a call; true when it is to fail.
   bool enter(const std::string& function) {
@@ -38,7 +38,8 @@ struct GlSpy::State {
     objects.erase({gl::current_context(), kind, name});
   }
 
-  void answer(GLenum query, GLint* value) const {
+  void answer(GLenum query, GLint* value) {
+    const std::lock_guard lock(mutex);
     const auto answer = answers.find(query);
     if (answer != answers.end()) *value = answer->second;
   }
@@ -196,6 +197,7 @@ void GlSpy::fail_next(const std::string& function, int times, GLenum error) {
 }
 
 void GlSpy::answer(GLenum integer_query, GLint value) {
+  const std::lock_guard lock(state_->mutex);
   state_->answers[integer_query] = value;
 }
 void GlSpy::queue_error(GLenum error) {
