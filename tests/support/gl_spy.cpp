@@ -25,7 +25,7 @@ struct GlSpy::State {
   std::map<GLenum, GLint> answers;
   std::deque<GLenum> errors;
   std::set<std::tuple<void*, std::string, GLuint>> objects;  // with their contexts
-  std::mutex mutex;                                          // guards all but the answers
+  std::mutex mutex;
 
   // Counts a call; true when it is to fail.
   bool enter(const std::string& function) {
@@ -52,7 +52,8 @@ struct GlSpy::State {
     objects.erase({gl::current_context(), kind, name});
   }
 
-  void answer(GLenum query, GLint* value) const {
+  void answer(GLenum query, GLint* value) {
+    const std::lock_guard lock(mutex);
     const auto answer = answers.find(query);
     if (answer != answers.end()) *value = answer->second;
   }
@@ -263,6 +264,7 @@ void GlSpy::forget_calls() {
 }
 
 void GlSpy::answer(GLenum integer_query, GLint value) {
+  const std::lock_guard lock(state_->mutex);
   state_->answers[integer_query] = value;
 }
 void GlSpy::queue_error(GLenum error) {
