@@ -1,5 +1,5 @@
 // Exports of the volume renderer.
-#include "api/guard.h"
+#include "api/guard_opengl.h"
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
@@ -10,6 +10,7 @@
 using oct::ColormapRole;
 using oct::VolumeRenderer;
 using oct::api::guarded;
+using oct::api::guarded_drawing;
 
 namespace {
 
@@ -32,11 +33,11 @@ void deleteVolumeRenderer(VolumeRendererHandle Handle) {
 }
 
 void initializeVolumeRenderer(VolumeRendererHandle Handle) {
-  guarded(__func__, [&] { renderer(Handle).init(); });
+  guarded_drawing(__func__, [&] { renderer(Handle).init(); });
 }
 
 void uninitializeVolumeRenderer(VolumeRendererHandle Handle) {
-  guarded(__func__, [&] { renderer(Handle).uninit(); });
+  guarded_drawing(__func__, [&] { renderer(Handle).uninit(); });
 }
 
 void clearVolumeRenderer(VolumeRendererHandle Handle) {
