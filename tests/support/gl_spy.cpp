@@ -13,7 +13,13 @@ namespace oct::test {
 
 struct GlSpy::State {
   std::map<std::string, int> calls;
-  std::map<std::string, std::pair<int, GLenum>> failures;
+  struct Failure {
+    int after;
+    int times;
+    GLenum error;
+  };
+  std::map<std::string, Failure> failures;
+  std::map<std::string, std::function<void()>> actions;
   std::map<GLenum, GLint> answers;
   std::deque<GLenum> errors;
   std::set<std::tuple<void*, std::string, GLuint>> objects;  // with their contexts
@@ -21,11 +27,17 @@ struct GlSpy::State {
 
   // Counts a call; true when it is to fail.
   bool enter(const std::string& function) {
-    const std::lock_guard lock(mutex);
+    std::unique_lock lock(mutex);
     ++calls[function];
+    if (const auto action = actions.extract(function)) {
+      lock.unlock();
+      action.mapped()();
+      lock.lock();
+    }
     const auto failure = failures.find(function);
-    if (failure == failures.end() || failure->second.first == 0) return false;
-    --failure->second.first;
+    if (failure == failures.end() || failure->second.times == 0) return false;
+    if (failure->second.after > 0) return --failure->second.after, false;
+    --failure->second.times;
     return true;
   }
 
@@ -63,7 +75,7 @@ void fail(const char*, GLsizei count, GLuint* names) {
 template <class... Args>
 void fail(const char* function, const Args&...) {
   const std::lock_guard lock(spy->mutex);
-  spy->errors.push_back(spy->failures.at(function).second);
+  spy->errors.push_back(spy->failures.at(function).error);
 }
 
 // Takes the census; the kind of the objects follows "glGen", "glCreate" and "glDelete". What else is done
@@ -113,7 +125,7 @@ void GLAPIENTRY tex_image_3d(GLenum target, GLint level, GLint internal, GLsizei
           depth, border, format, type, pixels);
 }
 GLenum GLAPIENTRY check_framebuffer_status(GLenum target) {
-  if (spy->enter("glCheckFramebufferStatus")) return spy->failures.at("glCheckFramebufferStatus").second;
+  if (spy->enter("glCheckFramebufferStatus")) return spy->failures.at("glCheckFramebufferStatus").error;
   return original<&__glewCheckFramebufferStatus>(target);
 }
 void GLAPIENTRY get_programiv(GLuint name, GLenum query, GLint* value) {
@@ -190,9 +202,14 @@ int GlSpy::calls(const std::string& function) const {
   return state_->calls[function];
 }
 
-void GlSpy::fail_next(const std::string& function, int times, GLenum error) {
+void GlSpy::fail_next(const std::string& function, int times, GLenum error, int after) {
   const std::lock_guard lock(state_->mutex);
-  state_->failures[function] = {times, error};
+  state_->failures[function] = {after, times, error};
+}
+
+void GlSpy::in_next(const std::string& function, std::function<void()> action) {
+  const std::lock_guard lock(state_->mutex);
+  state_->actions[function] = std::move(action);
 }
 
 void GlSpy::answer(GLenum integer_query, GLint value) {
