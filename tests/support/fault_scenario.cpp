@@ -42,8 +42,9 @@ class FaultRun {
  private:
   void one_call(const std::string& function, int index) {
     spy_.forget_calls();
-    spy_.fail_at(function, index,
-                 function == "glCheckFramebufferStatus" ? GL_FRAMEBUFFER_UNSUPPORTED : GL_OUT_OF_MEMORY);
+    spy_.fail_next(function, 1,
+                   function == "glCheckFramebufferStatus" ? GL_FRAMEBUFFER_UNSUPPORTED : GL_OUT_OF_MEMORY,
+                   index);
     scenario_.start();
     const std::string start_error = scenario_.error();
     const Picture picture = scenario_.frame();
