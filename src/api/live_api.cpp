@@ -1,5 +1,5 @@
 // Exports of live volumes: the live renderer and its data sources.
-#include "api/guard.h"
+#include "api/guard_opengl.h"
 #include "api/handles.h"
 #include "core/object_lock.h"
 #include "live/brennick_data_source_ps.h"
@@ -11,6 +11,7 @@ using oct::BrennickDataSource_PS;
 using oct::FastOpenGLVolumeRenderer;
 using oct::api::checked;
 using oct::api::guarded;
+using oct::api::guarded_drawing;
 
 namespace {
 
@@ -180,7 +181,7 @@ void stopDataSource(LiveDataSourceHandle DataSource) {
 }
 
 void renderVolume(LiveVolumeRenderingHandle Handle) {
-  guarded(__func__, [&] {
+  guarded_drawing(__func__, [&] {
     auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, invalid_renderer);
     const oct::ObjectLock lock(Handle);
     rendering.render();

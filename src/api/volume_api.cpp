@@ -1,5 +1,5 @@
 // Exports of the volume renderer.
-#include "api/guard.h"
+#include "api/guard_opengl.h"
 #include "api/handles.h"
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
@@ -11,6 +11,7 @@
 using oct::ColormapRole;
 using oct::VolumeRenderer;
 using oct::api::guarded;
+using oct::api::guarded_drawing;
 
 namespace {
 
@@ -33,11 +34,11 @@ void deleteVolumeRenderer(VolumeRendererHandle Handle) {
 }
 
 void initializeVolumeRenderer(VolumeRendererHandle Handle) {
-  guarded(__func__, [&] { renderer(Handle).init(); });
+  guarded_drawing(__func__, [&] { renderer(Handle).init(); });
 }
 
 void uninitializeVolumeRenderer(VolumeRendererHandle Handle) {
-  guarded(__func__, [&] { renderer(Handle).uninit(); });
+  guarded_drawing(__func__, [&] { renderer(Handle).uninit(); });
 }
 
 void clearVolumeRenderer(VolumeRendererHandle Handle) {

@@ -76,8 +76,21 @@ TEST_P(ControlLoopGLTest, WithoutSizeRequestsAreLost) {
   }
   std::this_thread::sleep_for(30ms);
   EXPECT_EQ(drawn_.all(), Ids{});
-  loop->request(3);
-  EXPECT_EQ(returned_.at_least(1), Ids{3});
+  loop->set_image_ready_callback(image_ready([&](Index index, void*) {
+    gate_.pass();
+    returned_.add(index);
+  }));
+  for (int id = 3; id <= 6; ++id) loop->request(id);
+  gate_.await_arrival();
+  drawn_.at_least(3);
+  std::this_thread::sleep_for(30ms);  // until the render thread waits for a buffer to draw the last one into
+  loop->resize(6, 0);
+  gate_.open();
+  EXPECT_EQ(returned_.at_least(3), (Ids{3, 4, 5}));
+  loop->resize(6, 6);
+  loop->request(7);
+  await_returned(7);
+  EXPECT_EQ(errors_.all(), Names{});
 }
 
 // Round robin with nothing to do, then mode 0: the render thread must not keep the

@@ -1,5 +1,5 @@
-// Control loops where the system gives no memory or no thread: every such failure once, with a clear error, and nobody
-// is kept waiting.
+// Control loops where the system gives no memory or no thread: every such failure once, with a clear error,
+// and nobody is kept waiting.
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -148,7 +148,8 @@ TEST_P(LoopFailuresGLTest, NoMemoryToCreateALoop) {
   EXPECT_GE(failures, 3);
 }
 
-// Both threads end, and uninit is called, whatever is missing on the way; so with a loop that an error has ended.
+// Both threads end, and uninit is called, whatever is missing on the way; so with a loop that an error has
+// ended.
 TEST_P(LoopFailuresGLTest, NoMemoryToDeleteALoop) {
   for (const bool dead : {false, true}) {
     for (const bool later_ones : {false, true}) {

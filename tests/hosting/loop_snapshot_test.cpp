@@ -111,8 +111,8 @@ TEST_P(LoopSnapshotGLTest, NothingOlderThanTheCall) {
   }
 }
 
-// What cannot be drawn is told to who asked and leaves the memory alone; what comes next is as ever. A target lives no
-// longer than its snapshot.
+// What cannot be drawn is told to who asked and leaves the memory alone; what comes next is as ever. A target
+// lives no longer than its snapshot.
 TEST_P(LoopSnapshotGLTest, WhatCannotBeDrawnSpoilsNothing) {
   const TestContext loads_opengl;
   GlSpy spy;
@@ -120,7 +120,9 @@ TEST_P(LoopSnapshotGLTest, WhatCannotBeDrawnSpoilsNothing) {
   auto loop = make_recording_loop(8, 6);
   loop->set_rendering_callback(RenderingCallback([&](std::uint32_t id) {
     draw_pattern(0x778899);
-    if (mistaken.exchange(false)) glEnable(GL_RGBA);
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    if (viewport[2] == 4 && mistaken.exchange(false)) glEnable(GL_RGBA);
     drawn_.add(id);
   }));
   auto draw = [&, id = 0]() mutable {

@@ -26,7 +26,7 @@ TEST_F(OffscreenBufferGLTest, MadeAnewForEveryFrameReadBackAndReleased) {
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     buffer.finish(width % 2 ? picture.bytes.data() : nullptr);
     EXPECT_TRUE(agree(picture, width % 2 ? pattern_picture(0x00C0FFEE, width, 7) : Picture(width, 7), exact));
-    EXPECT_EQ(spy.live_objects(), 3U);
+    EXPECT_EQ(spy.live_objects(), width % 2 ? 0U : 3U) << "nothing stays of what has been read";
   }
   EXPECT_EQ(spy.calls("glGenFramebuffers"), 100);
   const int before = spy.calls("glDeleteRenderbuffers");

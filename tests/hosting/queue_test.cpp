@@ -1,4 +1,5 @@
-// What the loop's threads meet at, each on its own: request queue, return map, desk of snapshots, event, functors.
+// What the loop's threads meet at, each on its own: request queue, return map, desk of snapshots, event,
+// functors.
 #include <future>
 
 #include <gtest/gtest.h>

@@ -14,6 +14,7 @@ struct FaultScenario {
   std::function<Picture()> frame;      // may be without pixels after an error
   std::function<void()> stop;          // gives the OpenGL objects back
   std::function<std::string()> error;  // the first since the last call; "(none)"
+  bool dies_of_errors = false;         // after any it has to be started again
 };
 
 // Runs the scenario once for each of its calls (the first, second, middle and last of each function; queries and

@@ -12,28 +12,32 @@
 
 namespace oct::test {
 
-// Of a function: so many calls pass, and so many after them fail.
-struct Failure {
-  int passes = 0;
-  int times = 0;
-  GLenum error = GL_NO_ERROR;
-};
-
 struct GlSpy::State {
   std::map<std::string, int> calls;
+  struct Failure {
+    int after;
+    int times;
+    GLenum error;
+  };
   std::map<std::string, Failure> failures;
+  std::map<std::string, std::function<void()>> actions;
   std::map<GLenum, GLint> answers;
   std::deque<GLenum> errors;
   std::set<std::tuple<void*, std::string, GLuint>> objects;  // with their contexts
-  std::mutex mutex;                                          // guards all but the answers
+  std::mutex mutex;
 
   // Counts a call; true when it is to fail.
   bool enter(const std::string& function) {
-    const std::lock_guard lock(mutex);
+    std::unique_lock lock(mutex);
     ++calls[function];
+    if (const auto action = actions.extract(function)) {
+      lock.unlock();
+      action.mapped()();
+      lock.lock();
+    }
     const auto failure = failures.find(function);
-    if (failure == failures.end() || failure->second.times == 0 || failure->second.passes-- > 0) return false;
-    failure->second.passes = 0;
+    if (failure == failures.end() || failure->second.times == 0) return false;
+    if (failure->second.after > 0) return --failure->second.after, false;
     --failure->second.times;
     return true;
   }
@@ -52,7 +56,8 @@ struct GlSpy::State {
     objects.erase({gl::current_context(), kind, name});
   }
 
-  void answer(GLenum query, GLint* value) const {
+  void answer(GLenum query, GLint* value) {
+    const std::lock_guard lock(mutex);
     const auto answer = answers.find(query);
     if (answer != answers.end()) *value = answer->second;
   }
@@ -236,19 +241,14 @@ int GlSpy::calls(const std::string& function) const {
   return state_->calls[function];
 }
 
-void GlSpy::fail_next(const std::string& function, int times, GLenum error) {
+void GlSpy::fail_next(const std::string& function, int times, GLenum error, int after) {
   const std::lock_guard lock(state_->mutex);
-  state_->failures[function] = {0, times, error};
+  state_->failures[function] = {after, times, error};
 }
 
-void GlSpy::fail_at(const std::string& function, int index, GLenum error) {
+void GlSpy::in_next(const std::string& function, std::function<void()> action) {
   const std::lock_guard lock(state_->mutex);
-  state_->failures = {{function, {index, 1, error}}};
-}
-
-bool GlSpy::has_failed() const {
-  const std::lock_guard lock(state_->mutex);
-  return std::ranges::all_of(state_->failures, [](const auto& entry) { return entry.second.times == 0; });
+  state_->actions[function] = std::move(action);
 }
 
 std::map<std::string, int> GlSpy::all_calls() const {
@@ -263,6 +263,7 @@ void GlSpy::forget_calls() {
 }
 
 void GlSpy::answer(GLenum integer_query, GLint value) {
+  const std::lock_guard lock(state_->mutex);
   state_->answers[integer_query] = value;
 }
 void GlSpy::queue_error(GLenum error) {

@@ -1,6 +1,7 @@
 // Counts OpenGL calls of the library, keeps a census of OpenGL objects, and makes calls fail.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -23,12 +24,11 @@ class GlSpy {
 
   // Makes the next calls of a function fail: functions that create or map give 0, compile and link report
   // failure, unmapping says that what was written is lost, the others do nothing and leave the given error
-  // for glGetError.
-  void fail_next(const std::string& function, int times = 1, GLenum error = GL_OUT_OF_MEMORY);
+  // for glGetError. The first calls may be let through.
+  void fail_next(const std::string& function, int times = 1, GLenum error = GL_OUT_OF_MEMORY, int after = 0);
 
-  // The same for one call of the function, counted from the next one as 0.
-  void fail_at(const std::string& function, int index, GLenum error = GL_OUT_OF_MEMORY);
-  bool has_failed() const;  // whether the call that fail_at named has come
+  // Runs the action in the next call of a function, before OpenGL does.
+  void in_next(const std::string& function, std::function<void()> action);
 
   // Functions that were called since the spy was made or forgot, and how often.
   std::map<std::string, int> all_calls() const;

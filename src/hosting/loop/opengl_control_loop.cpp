@@ -116,7 +116,8 @@ void OpenGLControlLoop::request(std::int32_t id) {
   request_queue_.add(id);
 }
 
-// What is set during a snapshot holds when it ends. Nothing ends the mode of snapshots that a client has set itself.
+// What is set during a snapshot holds when it ends. Nothing ends the mode of snapshots that a client has set
+// itself.
 void OpenGLControlLoop::set_mode(Mode mode) {
   {
     const std::lock_guard lock(mode_mutex_);
@@ -288,8 +289,9 @@ void OpenGLControlLoop::render_frame(std::int32_t request) {
     serve_snapshot(request);
   }
 
-  auto lock = buffer.lock();
   const Size wanted = size();
+  if (wanted.empty()) return;  // since the client was waited for
+  auto lock = buffer.lock();
   if (buffer.width() != wanted.width || buffer.height() != wanted.height) {
     buffer.resize(wanted.width, wanted.height);
   }
@@ -317,8 +319,9 @@ bool OpenGLControlLoop::serve_snapshot(std::int32_t request) {
   return true;
 }
 
-// The reason when it could not be drawn, which concerns nobody but who ordered it. What the client's function throws
-// ends the thread as it does in any frame. The target is gone afterwards: snapshots are rare and may be large.
+// The reason when it could not be drawn, which concerns nobody but who ordered it. What the client's function
+// throws ends the thread as it does in any frame. The target is gone afterwards: snapshots are rare and may
+// be large.
 std::optional<std::string> OpenGLControlLoop::draw_snapshot(const SnapshotDesk::Order& order,
                                                             std::int32_t request) {
   OffscreenBufferObject target;
@@ -440,8 +443,8 @@ void OpenGLControlLoop::shut_down() noexcept {
   });
   attempt([] { write_output("OpenGL control loop finished. Callbacks can be freed now. "); });
   if (!control_) return;
-  // Left behind by a render thread that failed. Not deleted here, where a context of the client's may be current, unless
-  // there is no other way.
+  // Left behind by a render thread that failed. Not deleted here, where a context of the client's may be
+  // current, unless there is no other way.
   attempt([this] {
     const auto host = OpenGLHost::acquire();
     host->run([this] { control_.reset(); });

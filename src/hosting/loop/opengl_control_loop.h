@@ -35,8 +35,8 @@ class OpenGLControlLoop {
   };
   using enum Mode;
 
-  // Returns when the render thread has made its control, or has failed to. Any callback may be empty. Throws when the
-  // system gives no threads.
+  // Returns when the render thread has made its control, or has failed to. Any callback may be empty. Throws
+  // when the system gives no threads.
   explicit OpenGLControlLoop(Callback initCallback = {}, Callback uninitCallback = {},
                              ErrorCallback errorCallback = {});
   ~OpenGLControlLoop();
@@ -55,8 +55,9 @@ class OpenGLControlLoop {
   void set_rendering_callback(RenderingCallback callback);
   void set_image_ready_callback(std::optional<ImageReadyCallback> callback);
 
-  // Draws a frame of the given size into client memory and returns when it is there: BGRA, bottom row first. The frame
-  // begins after the call. Does nothing while another snapshot is running. Throws when the picture cannot be drawn.
+  // Draws a frame of the given size into client memory and returns when it is there: BGRA, bottom row first.
+  // The frame begins after the call. Does nothing while another snapshot is running. Throws when the picture
+  // cannot be drawn.
   void snapshot(std::uint32_t width, std::uint32_t height, void* data);
 
   SurfaceSharing sharing() const { return sharing_; }

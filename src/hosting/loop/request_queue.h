@@ -35,8 +35,8 @@ class RequestQueue {
     return {!ids_.empty(), first_drawable() != ids_.end()};
   }
 
-  // Blocks until the condition, which is given the content, holds; who changes what else it looks at calls wake
-  // afterwards. The condition must not call back. Removes nothing.
+  // Blocks until the condition, which is given the content, holds; who changes what else it looks at calls
+  // wake afterwards. The condition must not call back. Removes nothing.
   template <class Condition>
   void wait(Condition&& condition) {
     std::unique_lock lock(mutex_);

@@ -33,9 +33,9 @@ class ReturnMap {
     condition_.notify_all();
   }
 
-  // Blocks until there is an entry, removes the one with the smallest key above the last one that was taken, or else
-  // the smallest of all, and returns its buffer. The buffer counts as waiting until returned() is called. Null once
-  // closed.
+  // Blocks until there is an entry, removes the one with the smallest key above the last one that was taken,
+  // or else the smallest of all, and returns its buffer. The buffer counts as waiting until returned() is
+  // called. Null once closed.
   HandOffBuffer* take() {
     std::unique_lock lock(mutex_);
     condition_.wait(lock, [this] { return closed_ || !buffers_.empty(); });

@@ -9,8 +9,8 @@
 
 namespace oct {
 
-// Holds one order at a time. Only what has been taken may be written to, and an order is taken before its frame
-// begins; therefore no older frame can get into the memory.
+// Holds one order at a time. Only what has been taken may be written to, and an order is taken before its
+// frame begins; therefore no older frame can get into the memory.
 class SnapshotDesk {
  public:
   struct Order {
@@ -19,8 +19,8 @@ class SnapshotDesk {
     void* data;  // of the client, who waits as long as somebody may write to it
   };
 
-  // Of a client's thread: false, and nothing is done, while another order is here. Throws std::runtime_error with
-  // the reason once the desk is closed. Whoever has placed an order calls wait.
+  // Of a client's thread: false, and nothing is done, while another order is here. Throws std::runtime_error
+  // with the reason once the desk is closed. Whoever has placed an order calls wait.
   bool place(const Order& order);
 
   // Blocks until the order is drawn; throws std::runtime_error with the reason when it was not.

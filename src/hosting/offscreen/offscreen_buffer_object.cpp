@@ -52,6 +52,7 @@ void OffscreenBufferObject::finish(void* data) {
   if (!data) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   gl::read_color(target_.framebuffer, width_, height_, data);
+  target_.reset();
 }
 
 }  // namespace oct

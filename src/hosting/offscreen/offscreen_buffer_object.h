@@ -12,8 +12,10 @@ class OffscreenBufferObject {
  public:
   // Begins a frame of this size: makes the target, whatever OpenGL says to it, and binds it.
   void prepare(std::uint32_t width, std::uint32_t height);
-  void finish(void* data);  // ends it and reads it back: BGRA, bottom row first; null reads nothing
-  void release();           // deletes the OpenGL objects
+  // Ends it and reads it back (BGRA, bottom row first); its memory, eight bytes a pixel, is free then. Null
+  // reads nothing.
+  void finish(void* data);
+  void release();  // deletes the OpenGL objects
 
  private:
   void detach();
