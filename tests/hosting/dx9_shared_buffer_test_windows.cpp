@@ -88,6 +88,7 @@ TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
   };
   GlSpy spy;
   buffer_.resize(8, 8);
+  const std::size_t objects = spy.live_objects();
   for (const auto& fault : faults) {
     SCOPED_TRACE(fault.function);
     stand_in_.fail_next(fault.function);
@@ -102,6 +103,7 @@ TEST_F(DX9SharedBufferGLTest, FailedResizeIsRepairedByTheNext) {
     buffer_.resize(16, 12);
     expect_good_frame(buffer_);
     EXPECT_EQ(stand_in_.registered_objects(), 1);
+    EXPECT_EQ(spy.live_objects(), objects);
   }
   DX9SharedBufferObject alone(interop_->device(), nullptr, 0);
   EXPECT_EQ(failure_of([&] { alone.resize(8, 8); }), "Cannot create a texture for a null device.");
@@ -145,6 +147,11 @@ TEST_F(DX9SharedBufferGLTest, FenceTimeOut) {
               answer == GL_WAIT_FAILED ? "(none)" : "Rendering could not finish within one second. ");
     __glewClientWaitSync = original;
   }
+  // Without a fence the frame has passed as well, and leaves no error to the next.
+  const auto make = std::exchange(__glewFenceSync, [](GLenum, GLbitfield) -> GLsync { return nullptr; });
+  expect_good_frame(buffer_);
+  __glewFenceSync = make;
+  EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
 using CreateTexture = HRESULT(WINAPI*)(IDirect3DDevice9*, UINT, UINT, UINT, DWORD, D3DFORMAT, D3DPOOL,

@@ -61,8 +61,9 @@ std::unique_ptr<InteropDevice> InteropDevice::open(std::shared_ptr<DX9Device> de
     open_handles().by_device.erase(device.get());
     return nullptr;
   }
+  auto use = std::unique_ptr<InteropDevice>(new InteropDevice(std::move(device), shared.handle));
   ++shared.uses;
-  return std::unique_ptr<InteropDevice>(new InteropDevice(std::move(device), shared.handle));
+  return use;
 }
 
 InteropDevice::~InteropDevice() {

@@ -136,6 +136,7 @@ void DX9SharedBufferObject::wait_for_gpu() {
   const TimingMark mark("DXSharedBufferObject: finish");
   glFinish();
   fence_.insert();
+  if (!fence_) return;  // as with one that cannot be waited for
   const GLenum result = fence_.wait(gl::one_second);
   // Not GL_WAIT_FAILED: a fence that cannot be waited for counts as passed, since glFinish came before it.
   if (result == GL_TIMEOUT_EXPIRED || result == 0xFFFFFFFFU) rendering_took_too_long();
