@@ -69,6 +69,7 @@ void DisplayRenderer::init() {
     const std::lock_guard lock(settings_mutex_);
     for (Layer& layer : layers_) layer.colormapChanged = true;
   }
+  home_ = gl::current_identity();
   initialized_ = true;
 }
 
@@ -123,6 +124,7 @@ void DisplayRenderer::render() {
     return;
   }
   gl::require_opengl();
+  gl::require_home(home_);
   gl::throwOnGLError("render: init");
   const FrameBindings bindings;
   const FrameSettings settings = take_settings();

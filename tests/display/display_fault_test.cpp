@@ -65,7 +65,7 @@ TEST_F(DisplayFaultGLTest, InitFails) {
     initDisplayRendering(renderer_);
     EXPECT_EQ(pending_error_of_place(), message);
     EXPECT_GE(spy.calls(function), 1);
-    clear_gl_errors();
+    gl::discard_gl_errors();
     renderDisplay(renderer_);  // not initialised: skipped
     EXPECT_EQ(pending_error(), "(none)");
     EXPECT_EQ(spy.live_objects(), 0U);
@@ -105,7 +105,7 @@ TEST_F(DisplayFaultGLTest, RenderFails) {
     spy.fail_next(fault.function);
     draw();
     EXPECT_EQ(pending_error_of_place(), fault.message);
-    clear_gl_errors();
+    gl::discard_gl_errors();
     expect_recovery(spy);
   }
   // One that the client has left behind is reported first.

@@ -46,7 +46,7 @@ TEST_F(OffscreenBufferGLTest, TheFirstFrameFillsWhatWaits) {
   buffer_.set_output_data(nothing.bytes.data());
   frame(9, 9, 9);
   EXPECT_EQ(nothing.bytes, Picture(2, 2).bytes);
-  clear_gl_errors();
+  gl::discard_gl_errors();
 }
 
 TEST_F(OffscreenBufferGLTest, RebuiltEveryFrameAndReleased) {

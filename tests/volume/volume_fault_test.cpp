@@ -31,7 +31,7 @@ TEST_F(VolumeFaultTest, AFrameThatFailsIsTheOnlyOne) {
       EXPECT_GE(spy.calls(function), 1);
     }
     EXPECT_EQ(pending_error().find(error), 0U) << times;
-    clear_gl_errors();
+    gl::discard_gl_errors();
     stage_.restart();
     EXPECT_TRUE(agree(stage_.draw(scene_), good, exact));
     expect_no_error();

@@ -26,8 +26,7 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   // Whatever fails below, the buffer has no size, so that the next frame repairs it.
   surface_ = {};
 
-  while (glGetError() != GL_NO_ERROR) {  // errors of the client's callback are not ours
-  }
+  gl::discard_gl_errors();  // those of the client's callback are not ours
   target_.create(static_cast<GLsizei>(width), static_cast<GLsizei>(height));
   const GLenum status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
@@ -80,7 +79,7 @@ bool HostBufferObject::complete(bool wait) {
 void HostBufferObject::unmap() {
   if (!surface_.pixels) return;
   surface_.pixels = nullptr;
-  if (!gl::is_context_current()) return;
+  if (!pixels_) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
   glUnmapBuffer(GL_PIXEL_PACK_BUFFER);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
