@@ -34,9 +34,11 @@ class CurrentContext {
   ContextIdentity identity_ = no_context;
 };
 
-// Makes a context current again at the end of a scope, however that ends.
+// Makes a context current again at the end of a scope, however that ends, or of its owner: as the first member it
+// comes after all others.
 class RestoreCurrent {
  public:
+  RestoreCurrent() = default;  // the one that is current now
   explicit RestoreCurrent(const CurrentContext& context) : context_(context) {}
   ~RestoreCurrent() {
     if (!dismissed_) context_.restore();
@@ -44,10 +46,11 @@ class RestoreCurrent {
   RestoreCurrent(const RestoreCurrent&) = delete;
   RestoreCurrent& operator=(const RestoreCurrent&) = delete;
 
+  void replace(const CurrentContext& context) { context_ = context; }
   void dismiss() { dismissed_ = true; }
 
  private:
-  const CurrentContext context_;
+  CurrentContext context_;
   bool dismissed_ = false;
 };
 

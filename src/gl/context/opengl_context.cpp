@@ -3,7 +3,6 @@
 #include <exception>
 
 #include "core/console.h"
-#include "gl/context/current_context.h"
 
 namespace oct::gl {
 

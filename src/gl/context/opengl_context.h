@@ -1,7 +1,7 @@
 // Owner of an OpenGL context on a hidden window.
 #pragma once
 
-#include "gl/context/context_identity.h"
+#include "gl/context/current_context.h"
 #include "gl/context/opengl_window.h"
 
 namespace oct::gl {
@@ -17,6 +17,7 @@ class OpenGLContext {
 
   void makeCurrent() { window_.makeCurrent(handle_); }
   bool is_current() const;  // on the calling thread
+  bool is(const CurrentContext& context) const { return context.handle() == handle_; }
 
  private:
   OpenGLWindow& window_;

@@ -55,6 +55,7 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
 }
 
 OpenGLControl::~OpenGLControl() {
+  if (!context_->is_current()) at_end_.replace(gl::CurrentContext());
   try {
     context_->makeCurrent();
     snapshot_buffer_.release();
@@ -62,9 +63,6 @@ OpenGLControl::~OpenGLControl() {
   } catch (const std::exception& error) {
     write_error(error.what());
   }
-  buffers_.clear();
-  source_.reset();
-  context_.reset();
 }
 
 void OpenGLControl::rotate_buffers() {
