@@ -53,7 +53,7 @@ void Texture3D::require(const VolumeExtent& extent, GLenum internal_format) {
                                 " voxels along each axis. ");
   }
   if (!extent.empty() && !proxy_accepts(extent, internal_format)) {
-    glGetError();  // some drivers raise an error for an impossible proxy; this exception says it all
+    discard_gl_errors();  // some drivers raise an error for an impossible proxy; this exception says it all
     throw std::invalid_argument(memory_text(extent, internal_format) +
                                 "more than this OpenGL driver allows. ");
   }
@@ -83,8 +83,7 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, con
   try {
     throwOnGLError(checkpoint);
   } catch (const std::runtime_error& error) {
-    while (glGetError() != GL_NO_ERROR) {
-    }
+    discard_gl_errors();
     glBindTexture(GL_TEXTURE_3D, 0);
     throw std::runtime_error(std::string(error.what()) + " " + memory_text(extent, internal_format) +
                              "which the driver could not provide. ");

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "gl/context/context_identity.h"
 #include "volume/frame/volume_colormap.h"
 #include "volume/frame/volume_programs.h"
 #include "volume/frame/volume_settings.h"
@@ -83,6 +84,7 @@ class VolumeRenderer {
 
   void release();
 
+  gl::ContextIdentity home_ = gl::no_context;  // where it was initialised; none: it is not
   VolumeSettings settings_;
   VolumeSource source_;
   VolumeColormaps colormaps_;

@@ -22,6 +22,7 @@ struct GlSpy::State {
   std::map<std::string, Failure> failures;
   std::map<std::string, std::function<void()>> actions;
   std::map<GLenum, GLint> answers;
+  std::map<GLenum, std::string> texts;
   std::deque<GLenum> errors;
   std::set<std::tuple<void*, std::string, GLuint>> objects;  // with their contexts
   std::mutex mutex;
@@ -156,11 +157,11 @@ Result GLAPIENTRY watched_pointer(Args... args) {
   return watched(function.text, original<pointer>, args...);
 }
 
-// Puts our function into the pointer, or the original back when the spy is gone.
+// Puts our function into the pointer, or the original back when the spy is gone and nobody has loaded anew.
 template <auto* pointer>
 void replace(std::remove_pointer_t<decltype(pointer)> ours) {
-  if (spy) original<pointer> = *pointer;
-  *pointer = spy ? ours : original<pointer>;
+  if (spy) original<pointer> = std::exchange(*pointer, ours);
+  if (!spy && *pointer == ours) *pointer = original<pointer>;
 }
 template <Name function, auto* pointer>
 void replace() {
@@ -266,6 +267,9 @@ void GlSpy::answer(GLenum integer_query, GLint value) {
   const std::lock_guard lock(state_->mutex);
   state_->answers[integer_query] = value;
 }
+void GlSpy::answer(GLenum string_query, const std::string& text) {
+  state_->texts[string_query] = text;
+}
 void GlSpy::queue_error(GLenum error) {
   const std::lock_guard lock(state_->mutex);
   state_->errors.push_back(error);
@@ -337,6 +341,13 @@ decltype(glGetError) __real_glGetError;
 GLenum GLAPIENTRY __wrap_glGetError(void) {
   const GLenum error = spy ? spy->next_error() : GL_NO_ERROR;
   return error != GL_NO_ERROR ? error : __real_glGetError();
+}
+
+decltype(glGetString) __real_glGetString;
+const GLubyte* GLAPIENTRY __wrap_glGetString(GLenum query) {
+  const GLubyte* const text = __real_glGetString(query);
+  if (!spy || !text || !spy->texts.contains(query)) return text;
+  return reinterpret_cast<const GLubyte*>(spy->texts.at(query).c_str());
 }
 
 decltype(glGetIntegerv) __real_glGetIntegerv;
