@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
+#include <memory>
 
 namespace oct {
 
@@ -15,6 +17,17 @@ void trace_render_call(std::int32_t request) noexcept;
 std::filesystem::path render_trace_file();
 void set_render_trace_file(const std::filesystem::path& file);
 
-const char* fixed_render_trace_file();  // one source per platform
+// One source per platform.
+
+const char* fixed_render_trace_file();
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using TraceFile = std::unique_ptr<std::FILE, CloseFile>;
+
+// The file, emptied, and shared for reading and writing. Null where it cannot be opened, and where somebody else
+// has put a file or a link of his own: on a machine of several users everybody may write to the fixed place.
+TraceFile open_render_trace(const std::filesystem::path& path);
 
 }  // namespace oct
