@@ -34,15 +34,20 @@ bool this_one_fails() {
 
 using oct::test::this_one_fails;
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return this_one_fails() ? nullptr : std::malloc(size > 0 ? size : 1);
+}
 void* operator new(std::size_t size) {
-  if (this_one_fails()) throw std::bad_alloc();
-  if (void* const memory = std::malloc(size > 0 ? size : 1)) return memory;
+  if (void* const memory = operator new(size, std::nothrow)) return memory;
   throw std::bad_alloc();
 }
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
   std::free(memory);
 }
 
