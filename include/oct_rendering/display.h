@@ -20,8 +20,10 @@ extern "C" {
  *
  * The picture fills the current viewport. Depth runs down the screen and A-scans run to the right. A pixel
  * that covers several samples shows the mean of as many, from the sample below its centre on. A sample v is
- * coloured by the colour map at (v - Lower) / (Upper - Lower): 0 and below is its first entry, 1 and above
- * its last, linear in between.
+ * coloured by the colour map at (v - Lower) / (Upper - Lower), where entry i of Count stands at
+ * (i + 0.5) / Count. Between two entries the colour is linear; beyond the first and the last it is theirs.
+ * Volumes and surfaces are coloured by the same rule. An opaque picture stays opaque below translucent
+ * overlays.
  *
  * Every function refuses a null handle with "Invalid DisplayRenderingHandle specified. ", except
  * clearDisplayRendering(), which ignores it.
@@ -75,8 +77,10 @@ OCT_API void uninitDisplayRendering(DisplayRenderingHandle Handle);
  * "Invalid DisplayRenderingHandle specified. "; "No OpenGL context is current on the calling thread. ";
  * "Cannot generate a texture of the required size. " (no image was set, or it is larger than the driver
  * allows); "Invalid texture for rendering...."; "Could not create OpenGL buffer.";
- * "An OpenGL error in ... occured: ..."
- * @thread Rendering thread. Image setters of other threads wait until the frame is drawn.
+ * "An OpenGL error in ... occured: ...". What a frame could not upload is uploaded by the next.
+ * @par OpenGL state
+ * Given back as it was; see docs/opengl_state.md.
+ * @thread Rendering thread. A frame shows the images and settings of its start; setters do not wait for it.
  */
 OCT_API void renderDisplay(DisplayRenderingHandle Handle);
 
@@ -89,7 +93,8 @@ OCT_API void renderDisplay(DisplayRenderingHandle Handle);
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. "; "Image sizes must not be negative. ";
  * "Image data must not be null. "; "The image is too large. "
- * @thread Any thread; waits while a frame of this renderer is being drawn.
+ * @thread Any thread; does not wait for frames and takes effect, whole, at the next one. Of two calls at a
+ * time the later one stays.
  */
 OCT_API void setDisplayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data);
 
@@ -101,7 +106,7 @@ OCT_API void setDisplayData(DisplayRenderingHandle Handle, int Size1, int Size2,
  * @param Upper Index behind the last sample; not checked.
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. "
- * @thread Any thread; waits while a frame of this renderer is being drawn.
+ * @thread Any thread.
  */
 OCT_API void setDisplayBounds(DisplayRenderingHandle Handle, int Lower, int Upper);
 
@@ -192,11 +197,11 @@ OCT_API void setBackgroundColor(DisplayRenderingHandle Handle, int Color);
  * @param Handle The renderer.
  * @param Colormap @p Count colours of four bytes each: red, green, blue, alpha; copied before the call
  * returns.
- * @param Count Number of colours, from 1 to the driver's texture limit (16384 on most).
+ * @param Count Number of colours, up to the driver's texture limit (16384 on most); 0: transparent black.
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. ";
  * "The number of colours must not be negative. "; "Colour map data must not be null. ". A
- * count above the driver's limit is reported by the next renderDisplay().
+ * count above the driver's limit is reported by renderDisplay(), which draws nothing until it has another map.
  * @thread Any thread; takes effect, whole, at the next frame.
  */
 OCT_API void setDisplayColormap(DisplayRenderingHandle Handle, const void* Colormap, int Count);
@@ -233,7 +238,7 @@ OCT_API void setDisplayNumberOverlays(DisplayRenderingHandle Handle, int Unused,
  * @param Data Size1 * Size2 floats, depth fastest; copied before the call returns.
  * @par Errors
  * As setDisplayData().
- * @thread Any thread; waits while a frame of this renderer is being drawn.
+ * @thread As setDisplayData().
  */
 OCT_API void setDisplayOverlayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data);
 

@@ -28,7 +28,9 @@ extern "C" {
  * A frame covers the whole viewport with an opaque picture, translucent volumes
  * included: alpha is 255 everywhere.
  *
- * A voxel v is coloured by a colour map at (v - Lower) / (Upper - Lower); alpha is opacity. Four colour maps
+ * A voxel v is coloured by a colour map at (v - Lower) / (Upper - Lower); alpha is opacity. Entry i of Count
+ * stands at (i + 0.5) / Count; between two entries the colour is linear, beyond the first and the last it is
+ * theirs. The surface is coloured by its depth in the same way. Four colour maps
  * exist: of the volume, of the secondary data, of the overlay volume and of the surface. They live from
  * initializeVolumeRenderer() to uninitializeVolumeRenderer(); setting colours or boundaries outside of that
  * does nothing. Each starts as an opaque ramp from black to white with the boundaries 0 and 1.
@@ -310,7 +312,8 @@ OCT_API void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color
  * @param Count Number of colours, up to the driver's texture limit (16384 on most); 0: nothing is visible.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "The number of colours must not be negative. ";
- * "Colour map data must not be null. ". A count above the driver's limit is reported by the next frame.
+ * "Colour map data must not be null. ". A count above the driver's limit is reported by every frame
+ * until there is another map; none is drawn.
  * @thread Any thread; waits while a frame is being drawn. Takes effect at the next one.
  */
 OCT_API void setRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count);

@@ -1,10 +1,12 @@
 // Exports of the display of B-scans.
-#include "api/guard.h"
+#include "api/guard_opengl.h"
+#include "api/handles.h"
 #include "display/display_renderer.h"
 #include "oct_rendering/oct_rendering.h"
 
 using oct::DisplayRenderer;
 using oct::api::guarded;
+using oct::api::guarded_drawing;
 
 static_assert(OCT_DISPLAY_OVERLAYS == DisplayRenderer::overlay_count);
 
@@ -17,23 +19,26 @@ DisplayRenderer& renderer(DisplayRenderingHandle handle) {
 }  // namespace
 
 DisplayRenderingHandle createDisplayRendering(void) {
-  return guarded(__func__, [] { return oct::api::handle_of<OctDisplayRendering>(new DisplayRenderer); });
+  return guarded(
+      __func__, [] { return oct::api::handle_of<OctDisplayRendering>(std::make_unique<DisplayRenderer>()); });
 }
 
 void clearDisplayRendering(DisplayRenderingHandle Handle) {
-  guarded(__func__, [&] { delete reinterpret_cast<DisplayRenderer*>(Handle); });
+  guarded(__func__, [&] {
+    if (Handle) oct::api::delete_object<DisplayRenderer>(Handle);
+  });
 }
 
 void initDisplayRendering(DisplayRenderingHandle Handle) {
-  guarded(__func__, [&] { renderer(Handle).init(); });
+  guarded_drawing(__func__, [&] { renderer(Handle).init(); });
 }
 
 void uninitDisplayRendering(DisplayRenderingHandle Handle) {
-  guarded(__func__, [&] { renderer(Handle).uninit(); });
+  guarded_drawing(__func__, [&] { renderer(Handle).uninit(); });
 }
 
 void renderDisplay(DisplayRenderingHandle Handle) {
-  guarded(__func__, [&] { renderer(Handle).render(); });
+  guarded_drawing(__func__, [&] { renderer(Handle).render(); });
 }
 
 void setDisplayData(DisplayRenderingHandle Handle, int Size1, int Size2, const float* Data) {

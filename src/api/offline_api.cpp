@@ -1,10 +1,13 @@
 // Exports of the rendering of uploaded volumes.
-#include "api/guard.h"
+#include "api/guard_opengl.h"
+#include "api/handles.h"
 #include "oct_rendering/oct_rendering.h"
 #include "offline/offline_volume_rendering.h"
 
 using oct::OfflineVolumeRendering;
 using oct::api::guarded;
+using oct::api::guarded_drawing;
+using oct::api::guarded_transfer;
 
 namespace {
 
@@ -16,16 +19,19 @@ OfflineVolumeRendering& offline(OfflineRenderingHandle handle) {
 }  // namespace
 
 OfflineRenderingHandle createOfflineRendering(void) {
-  return guarded(__func__,
-                 [] { return oct::api::handle_of<OctOfflineRendering>(new OfflineVolumeRendering); });
+  return guarded(__func__, [] {
+    return oct::api::handle_of<OctOfflineRendering>(std::make_unique<OfflineVolumeRendering>());
+  });
 }
 
 void clearOfflineRendering(OfflineRenderingHandle Handle) {
-  guarded(__func__, [&] { delete reinterpret_cast<OfflineVolumeRendering*>(Handle); });
+  guarded(__func__, [&] {
+    if (Handle) oct::api::delete_object<OfflineVolumeRendering>(Handle);
+  });
 }
 
 void setOfflineRenderingRenderer(OfflineRenderingHandle Handle, VolumeRendererHandle Renderer) {
-  guarded(__func__, [&] { offline(Handle).set_renderer(reinterpret_cast<oct::VolumeRenderer*>(Renderer)); });
+  guarded(__func__, [&] { offline(Handle).set_renderer(oct::api::find<oct::VolumeRenderer>(Renderer)); });
 }
 
 void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, float Lateral1, float Lateral2) {
@@ -33,32 +39,32 @@ void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, float Lat
 }
 
 void allocateOfflineVolume(OfflineRenderingHandle Handle, int Width, int Height, int Depth) {
-  guarded(__func__, [&] { offline(Handle).allocate({Width, Height, Depth}); });
+  guarded_transfer(__func__, [&] { offline(Handle).allocate({Width, Height, Depth}); });
 }
 
 void uploadOfflineVolume(OfflineRenderingHandle Handle, const float* Volume) {
-  guarded(__func__, [&] { offline(Handle).upload(Volume); });
+  guarded_transfer(__func__, [&] { offline(Handle).upload(Volume); });
 }
 
 void uploadOfflineVolumeOverlay(OfflineRenderingHandle Handle, const float* Volume) {
-  guarded(__func__, [&] { offline(Handle).upload(Volume); });
+  guarded_transfer(__func__, [&] { offline(Handle).upload(Volume); });
 }
 
 void uploadOfflineSubVolume(OfflineRenderingHandle Handle, int First, int End, const float* Block) {
-  guarded(__func__, [&] { offline(Handle).upload_sub_volume(First, End, Block); });
+  guarded_transfer(__func__, [&] { offline(Handle).upload_sub_volume(First, End, Block); });
 }
 
 void uploadOfflineVolumeSlice(OfflineRenderingHandle Handle, int Index, const float* Slice) {
-  guarded(__func__, [&] { offline(Handle).upload_slice(Index, Slice); });
+  guarded_transfer(__func__, [&] { offline(Handle).upload_slice(Index, Slice); });
 }
 
 void uploadOverlayOfflineVolume(OfflineRenderingHandle Handle, const float* Volume) {
-  guarded(__func__, [&] { offline(Handle).upload_overlay(Volume); });
+  guarded_transfer(__func__, [&] { offline(Handle).upload_overlay(Volume); });
 }
 
 void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int Depth, unsigned int Width,
                                 unsigned int First, unsigned int Count, const float* Data) {
-  guarded(__func__, [&] {
+  guarded_transfer(__func__, [&] {
     auto& object =
         oct::api::checked<OfflineVolumeRendering>(Handle, "The specified VolumeRendererHandle is invalid. ");
     object.upload_secondary_data({{Width, Height, Depth}, First, Count, Data});
@@ -66,6 +72,6 @@ void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Height, int D
 }
 
 void renderOfflineVolume(OfflineRenderingHandle Handle, int ContentType) {
-  guarded(__func__,
-          [&] { offline(Handle).render(static_cast<OfflineVolumeRendering::Content>(ContentType)); });
+  guarded_drawing(__func__,
+                  [&] { offline(Handle).render(static_cast<OfflineVolumeRendering::Content>(ContentType)); });
 }

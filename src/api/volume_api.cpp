@@ -1,5 +1,6 @@
 // Exports of the volume renderer.
-#include "api/guard.h"
+#include "api/guard_opengl.h"
+#include "api/handles.h"
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
@@ -10,6 +11,7 @@
 using oct::ColormapRole;
 using oct::VolumeRenderer;
 using oct::api::guarded;
+using oct::api::guarded_drawing;
 
 namespace {
 
@@ -20,23 +22,23 @@ VolumeRenderer& renderer(VolumeRendererHandle handle) {
 }  // namespace
 
 VolumeRendererHandle createVolumeRenderer(void) {
-  return guarded(__func__, [] { return oct::api::handle_of<OctVolumeRenderer>(new VolumeRenderer); });
+  return guarded(__func__,
+                 [] { return oct::api::handle_of<OctVolumeRenderer>(std::make_unique<VolumeRenderer>()); });
 }
 
 void deleteVolumeRenderer(VolumeRendererHandle Handle) {
   guarded(__func__, [&] {
-    VolumeRenderer* const object = &renderer(Handle);
-    const oct::ObjectLock lock(object);
-    delete object;
+    const oct::ObjectLock lock(&renderer(Handle));
+    oct::api::delete_object<VolumeRenderer>(Handle);
   });
 }
 
 void initializeVolumeRenderer(VolumeRendererHandle Handle) {
-  guarded(__func__, [&] { renderer(Handle).init(); });
+  guarded_drawing(__func__, [&] { renderer(Handle).init(); });
 }
 
 void uninitializeVolumeRenderer(VolumeRendererHandle Handle) {
-  guarded(__func__, [&] { renderer(Handle).uninit(); });
+  guarded_drawing(__func__, [&] { renderer(Handle).uninit(); });
 }
 
 void clearVolumeRenderer(VolumeRendererHandle Handle) {

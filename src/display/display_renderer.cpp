@@ -1,11 +1,11 @@
 #include "display/display_renderer.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
+#include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "shaders.h"
 
@@ -21,21 +21,6 @@ void bind_texture(GLint unit, GLenum target, GLuint texture) {
   glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
   glBindTexture(target, texture);
 }
-
-// Leaves no program and no texture of a frame bound, however the frame ends.
-class FrameBindings {
- public:
-  FrameBindings() = default;
-  ~FrameBindings() {
-    bind_texture(overlay_unit, GL_TEXTURE_2D, 0);
-    bind_texture(color_unit, GL_TEXTURE_1D, 0);
-    bind_texture(display_unit, GL_TEXTURE_2D, 0);
-    glUseProgram(0);
-    glDisable(GL_BLEND);
-  }
-  FrameBindings(const FrameBindings&) = delete;
-  FrameBindings& operator=(const FrameBindings&) = delete;
-};
 
 }  // namespace
 
@@ -64,10 +49,6 @@ void DisplayRenderer::init() {
   } catch (...) {
     release();
     throw;
-  }
-  {
-    const std::lock_guard lock(settings_mutex_);
-    for (Layer& layer : layers_) layer.colormapChanged = true;
   }
   home_ = gl::current_identity();
   initialized_ = true;
@@ -104,7 +85,7 @@ void DisplayRenderer::release() {
   overlay_.shader.release();
   filters_.release();
   quad_.release();
-  for (gl::Texture& texture : colormap_textures_) texture.reset();
+  for (ColormapTexture& texture : colormap_textures_) texture.release();
   display_data_.release();
   overlay_data_.release();
 }
@@ -126,18 +107,12 @@ void DisplayRenderer::render() {
   gl::require_opengl();
   gl::require_home(home_);
   gl::throwOnGLError("render: init");
-  const FrameBindings bindings;
   const FrameSettings settings = take_settings();
   upload_colormaps(settings);
 
-  const auto locked = display_data_.lock();
-  if (locked->texture() == 0) throw std::runtime_error("Invalid texture for rendering....");
-  const TextureView image = filters_.run({locked->texture(), locked->extent()});
+  const TextureView image = filters_.run(display_data_.upload(*settings.image));
   quad_.create("Could not create OpenGL buffer.");
 
-  glDisable(GL_DEPTH_TEST);
-  glDisable(GL_BLEND);
-  glDisable(GL_CULL_FACE);
   const auto& background = settings.common.backgroundColor;
   glClearColor(background[0], background[1], background[2], background[3]);
   glClear(GL_COLOR_BUFFER_BIT);
@@ -153,30 +128,26 @@ void DisplayRenderer::render() {
 }
 
 DisplayRenderer::FrameSettings DisplayRenderer::take_settings() {
-  const std::lock_guard lock(settings_mutex_);
   FrameSettings result;
-  result.common = settings_;
-  for (std::size_t i = 0; i < layer_count; ++i) {
-    result.layers[i] = layers_[i].settings;
-    if (!layers_[i].colormapChanged) continue;
-    result.changed_colormaps.push_back({i, layers_[i].colormap});
-    layers_[i].colormapChanged = false;
+  {
+    const std::lock_guard lock(settings_mutex_);
+    result.common = settings_;
+    result.layers = layers_;
   }
+  result.image = display_data_.image();
+  result.overlay_image = overlay_data_.image();
   return result;
 }
 
 void DisplayRenderer::upload_colormaps(const FrameSettings& settings) {
-  for (const ChangedColormap& changed : settings.changed_colormaps) {
-    upload_colormap(colormap_textures_[changed.layer], changed.colormap);
-    gl::throwOnGLError("render: colormap changed");
-  }
+  for (std::size_t i = 0; i < layer_count; ++i) colormap_textures_[i].upload(settings.layers[i].colormap);
 }
 
 void DisplayRenderer::draw_base(const Frame& frame) {
   const auto samples = [](std::int64_t texels, GLsizei pixels) {
     return std::max(static_cast<float>(texels) / static_cast<float>(pixels), 1.0F);
   };
-  const LayerSettings& layer = frame.settings.layers[0];
+  const LayerSettings& layer = frame.settings.layers[0].settings;
   const ImageExtent& extent = frame.image.extent;
 
   display_.shader.use();
@@ -196,23 +167,21 @@ void DisplayRenderer::draw_base(const Frame& frame) {
 
 void DisplayRenderer::draw_overlays(const Frame& frame) {
   const auto& layers = frame.settings.layers;
-  if (std::none_of(layers.begin() + 1, layers.end(), [](const auto& layer) { return layer.enabled; })) return;
+  const auto shown = [](const Layer& layer) { return layer.settings.enabled; };
+  if (std::none_of(layers.begin() + 1, layers.end(), shown)) return;
 
-  const auto locked = overlay_data_.lock();
-  if (locked->texture() == 0) throw std::runtime_error("Invalid texture for rendering....");
-  glEnable(GL_BLEND);
-  glBlendEquation(GL_FUNC_ADD);
-  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+  const TextureView overlay = overlay_data_.upload(*frame.settings.overlay_image);
+  const gl::Blending blending;
   overlay_.shader.use();
   bind_texture(display_unit, GL_TEXTURE_2D, frame.image.texture);
-  bind_texture(overlay_unit, GL_TEXTURE_2D, locked->texture());
+  bind_texture(overlay_unit, GL_TEXTURE_2D, overlay.texture);
   for (std::size_t i = 1; i < layer_count; ++i) {
-    if (layers[i].enabled) draw_overlay(frame, i);
+    if (shown(layers[i])) draw_overlay(frame, i);
   }
 }
 
 void DisplayRenderer::draw_overlay(const Frame& frame, std::size_t index) {
-  const LayerSettings& layer = frame.settings.layers[index];
+  const LayerSettings& layer = frame.settings.layers[index].settings;
   bind_texture(color_unit, GL_TEXTURE_1D, colormap_textures_[index].get());
   glUniform1i(overlay_.displayTex, display_unit);
   glUniform1i(overlay_.overlayTex, overlay_unit);

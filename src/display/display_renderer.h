@@ -4,8 +4,8 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <memory>
 #include <mutex>
-#include <vector>
 
 #include "display/filters.h"
 #include "display/simple_data_provider.h"
@@ -16,9 +16,9 @@
 
 namespace oct {
 
-// Image setters wait while a frame uses the image. The other setters hold a short lock of their own, so that
-// a frame sees each setting whole; a frame takes them all at its start. init, uninit and render run on the
-// thread that owns the context.
+// A frame takes all settings and images as they are at its start, each of them whole; setters never wait for
+// a frame. init, uninit and render run on the thread that owns the context. A frame starts from OpenGL's own
+// settings, which its caller sees to (gl::ClientState), and leaves what it set.
 class DisplayRenderer {
  public:
   // Enough for the layers of a retina segmentation; a layer costs bytes.
@@ -61,8 +61,7 @@ class DisplayRenderer {
   // Layer 0 is the base image, the others are overlays.
   struct Layer {
     LayerSettings settings;
-    Colormap colormap = default_colormap();
-    bool colormapChanged = true;
+    RevisedColormap colormap;
   };
 
   struct Settings {
@@ -71,16 +70,14 @@ class DisplayRenderer {
     float threshold = 0.0F;
   };
 
-  struct ChangedColormap {
-    std::size_t layer;
-    Colormap colormap;
-  };
+  using Image = std::shared_ptr<const SimpleDataProvider::Image>;
 
   // What one frame is drawn with.
   struct FrameSettings {
     Settings common;
-    std::array<LayerSettings, layer_count> layers;
-    std::vector<ChangedColormap> changed_colormaps;
+    std::array<Layer, layer_count> layers;
+    Image image;
+    Image overlay_image;
   };
 
   struct DisplayProgram {
@@ -118,7 +115,7 @@ class DisplayRenderer {
   DisplayProgram display_;
   OverlayProgram overlay_;
   gl::Quad quad_;
-  std::array<gl::Texture, layer_count> colormap_textures_;
+  std::array<ColormapTexture, layer_count> colormap_textures_;
   std::atomic<bool> initialized_{false};
   gl::ContextIdentity home_ = gl::no_context;  // where it was initialised
 };

@@ -61,8 +61,7 @@ std::size_t DisplayRenderer::overlay_layer(int overlay) {
 void DisplayRenderer::set_layer_colormap(std::size_t layer, const void* colors, int count) {
   Colormap colormap = copy_colormap(colors, count);
   const std::lock_guard lock(settings_mutex_);
-  layers_[layer].colormap = std::move(colormap);
-  layers_[layer].colormapChanged = true;
+  layers_[layer].colormap.set(std::move(colormap));
 }
 
 void DisplayRenderer::set_layer_boundaries(std::size_t layer, double lower, double upper) {

@@ -115,7 +115,7 @@ TextureView FilterChain::run(const TextureView& input) {
   if (enabled.empty()) return input;
 
   const gl::DrawTargetGuard target;
-  const gl::ScopedDisable plain{GL_BLEND, GL_DEPTH_TEST, GL_CULL_FACE, GL_SCISSOR_TEST};
+  const gl::ScopedDisable whole{GL_SCISSOR_TEST};  // the client's counts in the client's target
   TextureView current = input;
   for (AbstractOpenGLFilter* const filter : enabled) {
     filter->bind_input(current);

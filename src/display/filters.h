@@ -7,16 +7,11 @@
 #include <memory>
 #include <string>
 
-#include "core/extent.h"
+#include "display/simple_data_provider.h"
 #include "gl/quad.h"
 #include "gl/shader.h"
 
 namespace oct {
-
-struct TextureView {
-  GLuint texture = 0;
-  ImageExtent extent;
-};
 
 class AbstractOpenGLFilter {
  public:

@@ -2,6 +2,7 @@
 // and the texture that mirrors it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -11,39 +12,44 @@
 
 namespace oct {
 
+struct TextureView {
+  GLuint texture = 0;
+  ImageExtent extent;
+};
+
+// A setter fills an image of its own and puts it in the place of the current one; a frame keeps the image that it took,
+// however long it draws. Neither waits for the other: the lock is held while pointers change hands.
 class SimpleDataProvider {
  public:
-  // The texture with the current image in it. Writers of the image wait while this object lives.
-  class LockedTexture {
-   public:
-    LockedTexture(std::unique_lock<std::mutex> lock, GLuint texture, const ImageExtent& extent)
-        : lock_(std::move(lock)), texture_(texture), extent_(extent) {}
-
-    GLuint texture() const { return texture_; }
-    const ImageExtent& extent() const { return extent_; }
-
-   private:
-    const std::unique_lock<std::mutex> lock_;
-    const GLuint texture_;
-    const ImageExtent extent_;
+  struct Image {
+    ImageExtent extent;
+    std::vector<float> samples;
   };
 
-  // Copies an image. Any thread.
+  // Copies an image. Any thread. Of two calls at a time the one that began later stays.
   void set_data(const ImageExtent& extent, const float* samples);
 
+  // The current image; nobody changes it any more.
+  std::shared_ptr<const Image> image() const;
+
   // The rest runs on the thread that owns the context.
-  void release();  // deletes the texture
-  std::unique_ptr<LockedTexture> lock();
+  void release();                          // deletes the texture
+  TextureView upload(const Image& image);  // the texture with the image in it
 
  private:
-  void resize();
-  bool texture_fits() const;
-  void upload() const;
+  using OwnedImage = std::unique_ptr<Image>;
 
-  std::vector<float> data_;
+  void recycle(OwnedImage image);
+  bool texture_fits(const ImageExtent& extent) const;
+  void resize(const ImageExtent& extent);
+
   gl::Texture texture_;
-  ImageExtent extent_;
-  std::mutex mutex_;  // guards data_ and its extent
+
+  mutable std::mutex mutex_;  // guards what follows
+  OwnedImage spare_;          // the last one that nobody wants any more; its memory serves the next
+  std::uint64_t calls_ = 0;   // of set_data
+  std::uint64_t call_ = 0;    // that the image came with
+  std::shared_ptr<const Image> image_ = std::make_shared<const Image>();
 };
 
 }  // namespace oct

@@ -2,13 +2,17 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
+#include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
 
 namespace oct {
 
 Colormap default_colormap() {
-  return {0xFF000000U, 0xFFFFFFFFU};
+  Colormap colors;
+  for (std::uint32_t grey = 0; grey < 256; ++grey) colors.push_back(0xFF000000U | grey * 0x010101U);
+  return colors;
 }
 
 Colormap copy_colormap(const void* colors, int count) {
@@ -30,6 +34,28 @@ void upload_colormap(gl::Texture& texture, const Colormap& colormap) {
   glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA8, static_cast<GLsizei>(colormap.size()), 0, GL_RGBA,
                GL_UNSIGNED_BYTE, colormap.data());
   glBindTexture(GL_TEXTURE_1D, 0);
+}
+
+void RevisedColormap::set(Colormap colors) {
+  if (colors.empty()) colors = {0U};
+  colors_ = std::make_shared<const Colormap>(std::move(colors));
+  ++revision_;
+}
+
+bool ColormapTexture::upload(const RevisedColormap& colormap) {
+  if (texture_ && uploaded_ == colormap.revision()) return false;
+  uploaded_ = 0;  // the texture is about to be spoilt
+  if (!texture_) texture_ = gl::Texture::create();
+  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  upload_colormap(texture_, colormap.colors());
+  gl::throwOnGLError("render: colormap changed");
+  uploaded_ = colormap.revision();
+  return true;
+}
+
+void ColormapTexture::release() {
+  texture_.reset();
+  uploaded_ = 0;
 }
 
 }  // namespace oct

@@ -5,10 +5,10 @@
 namespace oct::gl {
 namespace {
 
-Buffer new_buffer() {
-  Buffer buffer = Buffer::create();
-  if (!buffer) throw std::runtime_error("Could not create OpenGL buffer. ");
-  return buffer;
+template <class Name>
+void provide(Name& name) {
+  if (!name) name = Name::create();
+  if (!name) throw std::runtime_error("Could not create OpenGL buffer. ");
 }
 
 }  // namespace
@@ -30,8 +30,8 @@ void Geometry::set_attribute(std::span<const glm::vec4> values) {
 }
 
 void Geometry::set(Buffer& buffer, GLuint attribute, GLint components, const void* data, std::size_t bytes) {
-  if (!vertex_array_) vertex_array_ = VertexArray::create();
-  if (!buffer) buffer = new_buffer();
+  provide(vertex_array_);
+  provide(buffer);
   glBindVertexArray(vertex_array_.get());
   glBindBuffer(GL_ARRAY_BUFFER, buffer.get());
   glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(bytes), data, GL_DYNAMIC_DRAW);
@@ -42,14 +42,13 @@ void Geometry::set(Buffer& buffer, GLuint attribute, GLint components, const voi
 }
 
 void Geometry::set_indices(std::span<const std::uint32_t> indices) {
-  if (!vertex_array_) vertex_array_ = VertexArray::create();
-  if (!indices_) indices_ = new_buffer();
+  provide(vertex_array_);
+  provide(indices_);
   glBindVertexArray(vertex_array_.get());
   glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_.get());  // belongs to the vertex array
   glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size_bytes()), indices.data(),
                GL_DYNAMIC_DRAW);
   glBindVertexArray(0);
-  glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
 }
 
 void Geometry::release() {

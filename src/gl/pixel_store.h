@@ -9,6 +9,7 @@ namespace oct::gl {
 // that would turn the pointer into an offset.
 inline void reset_pixel_unpack() {
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+  glPixelStorei(GL_UNPACK_SWAP_BYTES, GL_FALSE);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
   glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
   glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
@@ -19,6 +20,7 @@ inline void reset_pixel_unpack() {
 
 // Makes read-backs write tightly packed rows. The pack buffer is the caller's to choose.
 inline void reset_pixel_pack() {
+  glPixelStorei(GL_PACK_SWAP_BYTES, GL_FALSE);
   glPixelStorei(GL_PACK_ALIGNMENT, 4);
   glPixelStorei(GL_PACK_ROW_LENGTH, 0);
   glPixelStorei(GL_PACK_SKIP_ROWS, 0);

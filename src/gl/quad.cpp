@@ -10,6 +10,7 @@ void Quad::create(const char* failure) {
   Buffer buffer = Buffer::create();
   if (!buffer) throw std::runtime_error(failure);
   VertexArray vertex_array = VertexArray::create();
+  if (!vertex_array) throw std::runtime_error(failure);
   constexpr std::array<GLfloat, 8> corners{-1, -1, 1, -1, -1, 1, 1, 1};
   glBindVertexArray(vertex_array.get());
   glBindBuffer(GL_ARRAY_BUFFER, buffer.get());

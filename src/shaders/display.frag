@@ -29,5 +29,5 @@ void main() {
     if (offset.x == box.x) offset = ivec2(0, offset.y + 1);
   }
   float value = sum / float(count);
-  frag_color = color_of(colorTex, (value - lowerValue) / (upperValue - lowerValue));
+  frag_color = color_at(colorTex, (value - lowerValue) / (upperValue - lowerValue));
 }

@@ -22,5 +22,5 @@ float sample_at(sampler2D image) {
 void main() {
   if (!(sample_at(displayTex) >= threshold)) discard;
   float value = sample_at(overlayTex);
-  frag_color = color_of(colorTex, (value - lowerValue) / (upperValue - lowerValue));
+  frag_color = color_at(colorTex, (value - lowerValue) / (upperValue - lowerValue));
 }

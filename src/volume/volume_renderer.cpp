@@ -18,42 +18,11 @@ Viewport current_viewport() {
   return {viewport[2], viewport[3]};
 }
 
-void set_polygon_offset(bool enabled, float factor, float units) {
-  for (const GLenum kind : {GL_POLYGON_OFFSET_FILL, GL_POLYGON_OFFSET_LINE, GL_POLYGON_OFFSET_POINT}) {
-    if (enabled) {
-      glEnable(kind);
-    } else {
-      glDisable(kind);
-    }
-  }
+void offset_polygons(float factor, float units) {
+  for (const GLenum kind : {GL_POLYGON_OFFSET_FILL, GL_POLYGON_OFFSET_LINE, GL_POLYGON_OFFSET_POINT})
+    glEnable(kind);
   glPolygonOffset(factor, units);
 }
-
-// Leaves no program and no texture of a frame bound, and OpenGL's default state, however the frame ends.
-class FrameBindings {
- public:
-  FrameBindings() = default;
-  ~FrameBindings() {
-    for (const GLint unit : {volume_unit::overlay, volume_unit::secondary, volume_unit::volume}) {
-      bind_volume_texture(unit, GL_TEXTURE_3D, 0);
-    }
-    for (const GLint unit : {volume_unit::overlay_color, volume_unit::color2, volume_unit::color}) {
-      bind_volume_texture(unit, GL_TEXTURE_1D, 0);
-    }
-    bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, 0);
-    glActiveTexture(GL_TEXTURE0);
-    glUseProgram(0);
-    glDisable(GL_BLEND);
-    glDisable(GL_CULL_FACE);
-    glDisable(GL_DEPTH_TEST);
-    set_polygon_offset(false, 0.0F, 0.0F);
-    glClearDepth(1.0);
-    glDepthFunc(GL_LESS);
-    glDepthMask(GL_TRUE);
-  }
-  FrameBindings(const FrameBindings&) = delete;
-  FrameBindings& operator=(const FrameBindings&) = delete;
-};
 
 }  // namespace
 
@@ -106,7 +75,6 @@ void VolumeRenderer::render() {
   const TimingMark mark("VolumeRenderer::render");
   gl::require_opengl();
   if (home_ != gl::no_context) gl::require_home(home_);
-  const FrameBindings bindings;
   const VolumeFrame frame = begin_frame();
   if (frame.camera.viewport.width <= 0 || frame.camera.viewport.height <= 0) return;
   colormaps_.upload_changed();
@@ -132,11 +100,9 @@ VolumeFrame VolumeRenderer::begin_frame() {
 }
 
 void VolumeRenderer::clear_target() {
-  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
   glClear(GL_COLOR_BUFFER_BIT);
   glClearDepth(0.0);
-  set_polygon_offset(false, 0.0F, 0.0F);
 }
 
 void VolumeRenderer::draw_background() {
@@ -150,7 +116,7 @@ void VolumeRenderer::begin_depth() {
   glClear(GL_DEPTH_BUFFER_BIT);
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_GEQUAL);
-  set_polygon_offset(true, -1.0F, -4.0F);
+  offset_polygons(-1.0F, -4.0F);
 }
 
 // The far side of the box, in depth alone: what lies before it is drawn after it.

@@ -22,7 +22,7 @@ class DisplayFaultGLTest : public testing::Test {
     scene_.height = 64;
     scene_.first_blur = scene_.pepper = true;
     scene_.overlay_image = test_image(64, 48, 2);
-    scene_.overlays = {{{0x8000FF00U, 0x80FF0000U}, 0.0, 1.0}};
+    scene_.overlays = {{{0x8000FF00U, 0x80FF0000U}, 0.0, 0.6}, {{0x40FFFF00U, 0x400000FFU}, 0.4, 1.0}};
     apply(scene_, renderer_);
   }
 
@@ -41,7 +41,6 @@ class DisplayFaultGLTest : public testing::Test {
   }
 
   Scene scene_;
-  const float sample_ = 1.0F;
   const DisplayStage stage_;
   const DisplayRenderingHandle renderer_ = stage_.renderer;
 };
@@ -65,7 +64,7 @@ TEST_F(DisplayFaultGLTest, InitFails) {
     initDisplayRendering(renderer_);
     EXPECT_EQ(pending_error_of_place(), message);
     EXPECT_GE(spy.calls(function), 1);
-    gl::discard_gl_errors();
+    clear_gl_errors();
     renderDisplay(renderer_);  // not initialised: skipped
     EXPECT_EQ(pending_error(), "(none)");
     EXPECT_EQ(spy.live_objects(), 0U);
@@ -75,38 +74,49 @@ TEST_F(DisplayFaultGLTest, InitFails) {
   expect_recovery(spy);
 }
 
-TEST_F(DisplayFaultGLTest, RenderFails) {
-  const std::function<void()> whole = [&] { apply(scene_, renderer_); };
-  // A frame of the base image alone: then it has its texture and its map.
-  const auto base = [&] {
-    setDisplayBlur(renderer_, 0, 0);
-    setDisplayPepperFilter(renderer_, 0);
-    setDisplayNumberOverlays(renderer_, 0, 0);
-    draw();
-  };
+// Each call of a frame that has everything to upload fails once. The error names the place, and the next frame is
+// right without another call of the client's.
+TEST_F(DisplayFaultGLTest, AFrameThatFailsIsTheOnlyOne) {
+  initDisplayRendering(renderer_);
+  const Picture good = stage_.draw(scene_);
+  EXPECT_TRUE(agree(good, reference_picture(scene_)));
   const struct {
     const char* function;
-    std::string message;
-    std::function<void()> before;
+    std::string message;  // of the first call
+    int calls;
   } faults[] = {
-      {"glTexImage1D", "An OpenGL error in render: colormap changed", whole},
-      {"glTexImage2D", "An OpenGL error in SimpleDataProvider::resize", whole},
-      {"glTexImage2D", "An OpenGL error in AbstractOpenGLFilter::resize", [&] { base(), whole(); }},
-      {"glTexSubImage2D", "An OpenGL error in SimpleDataProvider::LockedTexture::glTexSubImage2D", whole},
-      {"glFramebufferTexture2D", "An OpenGL error in AbstractOpenGLFilter::draw", whole},
-      {"glGenTextures", "Invalid texture for rendering....",
-       [&] { base(), setDisplayData(renderer_, 1, 1, &sample_); }},
+      {"glTexImage1D", "An OpenGL error in render: colormap changed", 1 + OCT_DISPLAY_OVERLAYS},
+      {"glTexImage2D", "An OpenGL error in SimpleDataProvider::resize", 5},
+      {"glTexSubImage2D", "An OpenGL error in SimpleDataProvider::LockedTexture::glTexSubImage2D", 2},
+      {"glFramebufferTexture2D", "An OpenGL error in AbstractOpenGLFilter::draw", 3},
+      {"glGenTextures", "Invalid texture for rendering....", 5 + 1 + OCT_DISPLAY_OVERLAYS},
+      {"glGenFramebuffers", "An OpenGL error in AbstractOpenGLFilter::draw", 3},
   };
-  for (const auto& fault : faults) {
-    SCOPED_TRACE(fault.message);
-    GlSpy spy;
-    initDisplayRendering(renderer_);
-    fault.before();
-    spy.fail_next(fault.function);
-    draw();
-    EXPECT_EQ(pending_error_of_place(), fault.message);
-    gl::discard_gl_errors();
-    expect_recovery(spy);
+  for (const auto& [function, message, calls] : faults) {
+    for (int after = 0; after < calls; ++after) {
+      SCOPED_TRACE(function + std::string(", call ") + std::to_string(after));
+      uninitDisplayRendering(renderer_);
+      beginOffscreenFrame(stage_.target, 48, 64);
+      {
+        GlSpy spy;
+        initDisplayRendering(renderer_);
+        spy.fail_next(function, 1, GL_OUT_OF_MEMORY, after);
+        renderDisplay(renderer_);
+        EXPECT_GT(spy.calls(function), after);
+        const std::string error = pending_error_of_place();
+        EXPECT_NE(error, "(none)");
+        if (after == 0) {
+          EXPECT_EQ(error, message);
+        }
+        clear_gl_errors();
+        finishOffscreenFrame(stage_.target, nullptr);
+        EXPECT_TRUE(agree(draw(), good, exact));
+        EXPECT_EQ(pending_error(), "(none)");
+        uninitDisplayRendering(renderer_);
+        beginOffscreenFrame(stage_.target, 1, 1);
+        EXPECT_EQ(spy.live_objects(), 3U) << "more than the target's framebuffer and its two renderbuffers";
+      }
+    }
   }
   // One that the client has left behind is reported first.
   initDisplayRendering(renderer_);

@@ -1,10 +1,11 @@
 // Settings from several threads while the rendering thread draws.
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <thread>
 
-#include "display/simple_data_provider.h"
+#include "support/gl_spy.h"
 #include "support/reference/display_reference.h"
 #include "support/test_context.h"
 
@@ -73,18 +74,32 @@ TEST(DisplayThreadGLTest, RenderersOnSeveralThreads) {
   EXPECT_EQ(pending_error(), "(none)");
 }
 
-TEST(DisplayThreadGLTest, WritersWaitWhileTheTextureIsLocked) {
-  const TestContext context;
-  SimpleDataProvider provider;
-  EXPECT_THROW(provider.lock(), std::invalid_argument);  // and lets writers in
-  const Image image = test_image(8, 8);
-  const auto write = [&] { provider.set_data({8, 8}, image.samples.data()); };
-  write();
-  auto locked = provider.lock();
-  auto writer = std::async(std::launch::async, write);
-  EXPECT_EQ(writer.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
-  locked.reset();
-  writer.get();
+// While a frame is held up in OpenGL, setters return, and the frame shows what it began with.
+TEST(DisplayThreadGLTest, SettersDoNotWaitForAFrame) {
+  Scene scene;
+  scene.image = scene.overlay_image = test_image(40, 50);
+  scene.width = 50;
+  scene.height = 40;
+  scene.overlays = {{{0x80FF0000U, 0x8000FF00U}, 0.0, 1.0}};
+  const DisplayStage stage;
+  stage.draw(scene);
+  Scene next = scene;
+  next.image = test_image(70, 20, 2);
+  next.overlay_image = test_image(30, 30, 3);
+  std::future<void> setters;
+  Picture held;
+  {
+    GlSpy spy;
+    spy.in_next("glTexSubImage2D", [&] {
+      setters = std::async(std::launch::async, [&] { apply(next, stage.renderer); });
+      EXPECT_EQ(setters.wait_for(std::chrono::seconds(5)), std::future_status::ready);
+    });
+    held = stage.frame(50, 40);
+  }
+  setters.get();
+  EXPECT_TRUE(agree(held, reference_picture(scene)));
+  EXPECT_TRUE(agree(stage.frame(50, 40), reference_picture(next)));
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 }  // namespace

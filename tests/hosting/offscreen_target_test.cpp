@@ -52,7 +52,7 @@ TEST(OffscreenTargetGLTest, ARefusedFrameIsNotBegun) {
     if (row.function) spy.fail_next(row.function, 1, row.error);
     beginOffscreenFrame(target, row.width, row.height);
     EXPECT_EQ(pending_error().find(row.message), 0U) << row.message;
-    gl::discard_gl_errors();
+    clear_gl_errors();
     Picture picture(8, 8);
     finishOffscreenFrame(target, picture.bytes.data());
     EXPECT_EQ(pending_error(), "No offscreen frame has been begun. ");

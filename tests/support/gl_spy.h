@@ -1,6 +1,7 @@
 // Counts OpenGL calls of the library, keeps a census of OpenGL objects, and makes calls fail.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -23,8 +24,15 @@ class GlSpy {
 
   // Makes the next calls of a function fail: functions that create or map give 0, compile and link report
   // failure, unmapping says that what was written is lost, the others do nothing and leave the given error
-  // for glGetError.
-  void fail_next(const std::string& function, int times = 1, GLenum error = GL_OUT_OF_MEMORY);
+  // for glGetError. The first calls may be let through.
+  void fail_next(const std::string& function, int times = 1, GLenum error = GL_OUT_OF_MEMORY, int after = 0);
+
+  // Runs the action in the next call of a function, before OpenGL does.
+  void in_next(const std::string& function, std::function<void()> action);
+
+  // Functions that were called since the spy was made or forgot, and how often.
+  std::map<std::string, int> all_calls() const;
+  void forget_calls();
 
   // What queries of these values answer from now on.
   void answer(GLenum integer_query, GLint value);

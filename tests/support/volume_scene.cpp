@@ -30,6 +30,13 @@ Volume test_volume(int width, int height, int depth, unsigned seed) {
   return volume;
 }
 
+std::vector<std::uint32_t> grey_colors() {
+  std::vector<std::uint32_t> colors;
+  for (std::uint32_t grey = 0; grey < 256; ++grey)
+    colors.push_back(grey | grey << 8 | grey << 16 | 0xFF000000U);
+  return colors;
+}
+
 VolumeScene scene_of(Volume volume, int width, int height, double angle_x, double angle_y) {
   VolumeScene scene;
   scene.volume = std::move(volume);

@@ -28,8 +28,11 @@ struct Volume {
   }
 };
 
+// A ramp from black to white, which renderers start with.
+std::vector<std::uint32_t> grey_colors();
+
 struct Coloring {
-  std::vector<std::uint32_t> colors{0xFF000000U, 0xFFFFFFFFU};  // R is the lowest byte, A the highest
+  std::vector<std::uint32_t> colors = grey_colors();  // R is the lowest byte, A the highest
   double lower = 0.0;
   double upper = 1.0;
 };

@@ -1,4 +1,5 @@
 // Uploads of volumes: whole, in parts, overlays, secondary data, limits and misuse.
+#include "support/opengl/foreign_state.h"
 #include "volume/volume_test.h"
 
 namespace oct::test {
@@ -64,21 +65,44 @@ TEST_F(OfflineTest, MisuseIsRefusedAndChangesNothing) {
   expect_no_error();
 }
 
-// A client may leave pixel transfer settings of its own in the context.
-TEST_F(OfflineTest, SameSizesKeepTheVolumeAndUploadsReadPackedMemory) {
+TEST_F(OfflineTest, SameSizesKeepTheVolume) {
   stage_.draw(scene_);
   const GLuint texture = source().volume;
   allocateOfflineVolume(offline_, 14, 12, 10);
   setRange(renderer_, 5.0, 6.0, 7.0);  // until the frame, which brings the volume's
   EXPECT_EQ(source().volume, texture);
   EXPECT_TRUE(shows(scene_));
-  glPixelStorei(GL_UNPACK_ROW_LENGTH, 50);
-  glPixelStorei(GL_UNPACK_IMAGE_HEIGHT, 70);
-  glPixelStorei(GL_UNPACK_SKIP_IMAGES, 1);
   scene_.volume = test_volume(9, 21, 6);
   stage_.prepare(scene_);
   EXPECT_TRUE(shows(scene_));
   EXPECT_EQ(source().slice_count, 6);
+}
+
+TEST_F(OfflineTest, NothingThatTheClientSetShowsOrChanges) {
+  scene_.mode = 0;
+  scene_.overlay = test_volume(14, 12, 10, 7);
+  scene_.secondary = test_volume(3, 12, 10, 4);
+  scene_.content = 2;
+  scene_.edges = scene_.box = scene_.scale_marks = true;
+  scene_.surface = {4, 4, 1.0, std::vector<float>(16, 0.5F)};
+  scene_.clip = scene_.removed_segment = true;
+  scene_.clip_value = 0.6F;
+  const Picture good = stage_.draw(scene_);
+  expect_same_whatever_the_client_sets(stage_.target, good, [&] {
+    stage_.restart();  // so that everything is uploaded again
+    stage_.prepare(scene_);
+    renderOfflineVolume(offline_, 2);
+  });
+  // New sizes test depth and show all faces from then on.
+  beginOffscreenFrame(stage_.target, 80, 60);
+  glDisable(GL_DEPTH_TEST);
+  glEnable(GL_CULL_FACE);
+  StateValues expected = state_values();
+  allocateOfflineVolume(offline_, 9, 21, 6);
+  glDisable(GL_DEPTH_TEST);
+  glEnable(GL_CULL_FACE);
+  EXPECT_TRUE(same_state(expected, state_values()));
+  expect_no_error();
 }
 
 TEST_F(OfflineTest, PartsAddUpToTheWhole) {

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "core/immortal.h"
 #include "gl/context/current_context.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/gl.h"
@@ -26,10 +27,8 @@ struct Registry {
   std::vector<KnownContext> contexts;            // by identity
 };
 
-// Never destroyed: threads may still run when the process ends.
 Registry& registry() {
-  static Registry& instance = *new Registry;
-  return instance;
+  return immortal<Registry>();
 }
 
 struct Answer {

@@ -1,10 +1,11 @@
 #include "hosting/loop/test_image.h"
 
-#include "gl/gl.h"
+#include "gl/client_state.h"
 
 namespace oct {
 
 void draw_test_image(double degrees) {
+  const gl::ClientState state(gl::ClientState::Use::drawing);
   glClearColor(1.0F, 1.0F, 0.0F, 1.0F);
   glClear(GL_COLOR_BUFFER_BIT);
   glPushMatrix();

@@ -45,8 +45,7 @@ void OffscreenTarget::begin_frame(std::uint32_t width, std::uint32_t height) {
 }
 
 void OffscreenTarget::prepare(std::uint32_t width, std::uint32_t height) {
-  buffer_.resize(width, height);
-  buffer_.prepare();
+  buffer_.prepare(width, height);
   gl::throwOnGLError("beginOffscreenFrame");
   const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
   if (status != GL_FRAMEBUFFER_COMPLETE) {
@@ -59,8 +58,7 @@ void OffscreenTarget::finish_frame(void* pixels) {
   if (!before_frame_) throw std::runtime_error("No offscreen frame has been begun. ");
   context_.makeCurrent();
   const gl::RestoreCurrent restore(*std::exchange(before_frame_, std::nullopt));
-  buffer_.set_output_data(pixels);
-  buffer_.finish();
+  buffer_.finish(pixels);
   gl::throwOnGLError("finishOffscreenFrame");
 }
 

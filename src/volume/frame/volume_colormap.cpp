@@ -1,15 +1,14 @@
 #include "volume/frame/volume_colormap.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include "core/timing_mark.h"
-#include "gl/opengl_error.h"
 
 namespace oct {
 
 void VolumeColormap::set_colors(Colormap colors) {
-  colors_ = std::move(colors);
-  changed_ = true;
+  colors_.set(std::move(colors));
 }
 
 void VolumeColormap::set_boundaries(double lower, double upper) {
@@ -17,18 +16,10 @@ void VolumeColormap::set_boundaries(double lower, double upper) {
   upper_ = static_cast<float>(upper);
 }
 
-bool VolumeColormap::upload_if_changed() {
-  if (!changed_) return false;
-  // A map without entries shows nothing.
-  upload_colormap(texture_, colors_.empty() ? Colormap{0U} : colors_);
-  changed_ = false;
-  return true;
-}
-
 void VolumeColormaps::create() {
   for (auto& colormap : colormaps_) {
     if (!colormap) colormap.emplace();
-    colormap->mark_changed();
+    colormap->release_texture();
   }
 }
 
@@ -49,9 +40,7 @@ const VolumeColormap& VolumeColormaps::at(ColormapRole role) const {
 
 void VolumeColormaps::upload_changed() {
   for (auto& colormap : colormaps_) {
-    if (!colormap || !colormap->upload_if_changed()) continue;
-    record_timing_mark("render: colormap changed");
-    gl::throwOnGLError("render: colormap changed");
+    if (colormap && colormap->upload_if_changed()) record_timing_mark("render: colormap changed");
   }
 }
 

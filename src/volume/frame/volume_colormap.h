@@ -6,7 +6,6 @@
 #include <optional>
 
 #include "gl/colormap.h"
-#include "gl/gl_names.h"
 
 namespace oct {
 
@@ -18,16 +17,15 @@ class VolumeColormap {
   float upper() const { return upper_; }
 
   // Uploads the colours if they changed since the last upload; true when it did.
-  bool upload_if_changed();
-  void mark_changed() { changed_ = true; }
+  bool upload_if_changed() { return texture_.upload(colors_); }
+  void release_texture() { texture_.release(); }
   GLuint texture() const { return texture_.get(); }
 
  private:
-  Colormap colors_ = default_colormap();
-  bool changed_ = true;
+  RevisedColormap colors_;
   float lower_ = 0.0F;
   float upper_ = 1.0F;
-  gl::Texture texture_;
+  ColormapTexture texture_;
 };
 
 enum class ColormapRole : std::size_t { main, overlay, secondary, surface };

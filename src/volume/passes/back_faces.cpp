@@ -11,6 +11,15 @@
 
 namespace oct {
 
+namespace {
+
+[[noreturn]] void incomplete(GLenum status) {
+  throw std::runtime_error(std::string("An OpenGL error occured. Framebuffer is not complete: ") +
+                           gl::framebufferStatusName(status));
+}
+
+}  // namespace
+
 void BackFaces::create() {
   if (!texture_) texture_ = gl::Texture::create();
   if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
@@ -24,7 +33,11 @@ void BackFaces::release() {
 }
 
 void BackFaces::fit(Viewport viewport) {
+  if (!texture_ || !framebuffer_) create();
+  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  if (!framebuffer_) incomplete(GL_FRAMEBUFFER_UNDEFINED);
   if (!rebuild_ && size_.width == viewport.width && size_.height == viewport.height) return;
+  rebuild_ = true;
   bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, texture_.get());
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
@@ -40,9 +53,7 @@ void BackFaces::fit(Viewport viewport) {
 void BackFaces::attach() const {
   glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture_.get(), 0);
   const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
-  if (status == GL_FRAMEBUFFER_COMPLETE) return;
-  throw std::runtime_error(std::string("An OpenGL error occured. Framebuffer is not complete: ") +
-                           gl::framebufferStatusName(status));
+  if (status != GL_FRAMEBUFFER_COMPLETE) incomplete(status);
 }
 
 void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face) {

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "gl/opengl_error.h"
+
 namespace oct {
 
 void Background::set_colors(const glm::vec4& bottom, const glm::vec4& top) {
@@ -12,17 +14,17 @@ void Background::set_colors(const glm::vec4& bottom, const glm::vec4& top) {
 
 void Background::draw(const gl::Shader& program) {
   program.use();
-  if (changed_ || !quad_) {
-    const std::array<glm::vec2, 4> corners{{{-1.0F, -1.0F}, {-1.0F, 1.0F}, {1.0F, -1.0F}, {1.0F, 1.0F}}};
-    const std::array<glm::vec4, 4> colors{bottom_, top_, bottom_, top_};
-    quad_.set_vertices(corners);
-    quad_.set_attribute(colors);
-    changed_ = false;
-  }
-  glDisable(GL_DEPTH_TEST);
-  glDisable(GL_BLEND);
-  glDisable(GL_CULL_FACE);
+  if (changed_) upload();
   quad_.draw(GL_TRIANGLE_STRIP, 0, 4);
+}
+
+void Background::upload() {
+  const std::array<glm::vec2, 4> corners{{{-1.0F, -1.0F}, {-1.0F, 1.0F}, {1.0F, -1.0F}, {1.0F, 1.0F}}};
+  const std::array<glm::vec4, 4> colors{bottom_, top_, bottom_, top_};
+  quad_.set_vertices(corners);
+  quad_.set_attribute(colors);
+  gl::throwOnGLError("VolumeRenderer::background changed");
+  changed_ = false;
 }
 
 void Background::release() {

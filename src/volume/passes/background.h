@@ -13,6 +13,8 @@ class Background {
   void release();
 
  private:
+  void upload();
+
   gl::Geometry quad_;
   glm::vec4 bottom_{0.0F};
   glm::vec4 top_{0.0F};

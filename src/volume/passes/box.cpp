@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "gl/opengl_error.h"
+
 namespace oct {
 
 float filled_end(float fraction, int parts) {
@@ -10,25 +12,34 @@ float filled_end(float fraction, int parts) {
 }
 
 void Box::draw(float end) {
-  if (!geometry_ || end != end_) {
-    // Corners with x slowest and z fastest.
-    std::array<glm::vec3, 8> corners;
-    for (unsigned i = 0; i < 8; ++i) {
-      corners[i] = {(i & 4U) != 0 ? 1.0F : -1.0F, (i & 2U) != 0 ? 1.0F : -1.0F, (i & 1U) != 0 ? end : -1.0F};
-    }
-    constexpr std::array<std::uint32_t, 24> faces{
-        0, 2, 1, 3,  // x = -1
-        4, 5, 6, 7,  // x = 1
-        0, 1, 4, 5,  // y = -1
-        2, 6, 3, 7,  // y = 1
-        0, 4, 2, 6,  // z = -1
-        1, 3, 5, 7,  // z = end
-    };
-    geometry_.set_vertices(corners);
-    geometry_.set_indices(faces);
-    end_ = end;
-  }
+  if (end != end_) upload(end);
   for (std::size_t face = 0; face < 6; ++face) geometry_.draw_indexed(GL_TRIANGLE_STRIP, 4 * face, 4);
+}
+
+void Box::upload(float end) {
+  end_.reset();
+  // Corners with x slowest and z fastest.
+  std::array<glm::vec3, 8> corners;
+  for (unsigned i = 0; i < 8; ++i) {
+    corners[i] = {(i & 4U) != 0 ? 1.0F : -1.0F, (i & 2U) != 0 ? 1.0F : -1.0F, (i & 1U) != 0 ? end : -1.0F};
+  }
+  constexpr std::array<std::uint32_t, 24> faces{
+      0, 2, 1, 3,  // x = -1
+      4, 5, 6, 7,  // x = 1
+      0, 1, 4, 5,  // y = -1
+      2, 6, 3, 7,  // y = 1
+      0, 4, 2, 6,  // z = -1
+      1, 3, 5, 7,  // z = end
+  };
+  geometry_.set_vertices(corners);
+  geometry_.set_indices(faces);
+  gl::throwOnGLError("VolumeRenderer::box changed");
+  end_ = end;
+}
+
+void Box::release() {
+  geometry_.release();
+  end_.reset();
 }
 
 }  // namespace oct

@@ -1,6 +1,8 @@
 // The box of a volume: the cube with corners at -1 and 1, shorter along z while the volume is being filled.
 #pragma once
 
+#include <optional>
+
 #include "gl/geometry.h"
 
 namespace oct {
@@ -9,11 +11,13 @@ class Box {
  public:
   // The faces look outwards where the model is mirrored along one axis, as a range mirrors depth.
   void draw(float end);
-  void release() { geometry_.release(); }
+  void release();
 
  private:
+  void upload(float end);
+
   gl::Geometry geometry_;
-  float end_ = 1.0F;  // of the geometry
+  std::optional<float> end_;  // of the geometry; none until it is uploaded
 };
 
 // Where a box with a filled fraction ends: at the centre of the last of `parts` filled, so that nothing

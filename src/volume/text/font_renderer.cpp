@@ -50,6 +50,7 @@ void FontRenderer::create_quad() {
   quad_ = gl::Buffer::create();
   if (!quad_) throw std::runtime_error("Could not create OpenGL buffer. ");
   vertex_array_ = gl::VertexArray::create();
+  if (!vertex_array_) throw std::runtime_error("Could not create OpenGL buffer. ");
   glBindVertexArray(vertex_array_.get());
   glBindBuffer(GL_ARRAY_BUFFER, quad_.get());
   glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, sizeof(LabelVertex),
@@ -71,6 +72,7 @@ const FontRenderer::CachedText& FontRenderer::label(const std::string& text) {
   cached.size = {picture.width, picture.height};
   if (!picture.pixels.empty()) {
     cached.texture = gl::Texture::create();
+    if (!cached.texture) throw std::runtime_error("Invalid texture for rendering....");
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_2D, cached.texture.get());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);

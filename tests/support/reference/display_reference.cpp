@@ -49,15 +49,6 @@ Image peppered(const Image& image) {
   });
 }
 
-// Linear between the entries, the first and the last at 0 and 1.
-glm::dvec4 color_of(const std::vector<std::uint32_t>& colormap, double value) {
-  const double position = std::clamp(value, 0.0, 1.0) * static_cast<double>(colormap.size() - 1);
-  const auto below = static_cast<std::size_t>(position);
-  const std::size_t above = std::min(below + 1, colormap.size() - 1);
-  return glm::mix(unpacked(colormap[below]), unpacked(colormap[above]),
-                  position - static_cast<double>(below));
-}
-
 // Index of the sample below the centre of a pixel: floor((pixel + 1/2) / pixels * samples).
 int sample_below(int pixel, int pixels, int samples) {
   return static_cast<int>((2LL * pixel + 1) * samples / (2LL * pixels));
@@ -103,14 +94,15 @@ Picture reference_picture(const Scene& scene) {
       for (int j = 0; j < box_depth; ++j) sum += sample_clamped(image, z + j, x + i);
     }
     const double value = sum / (box_a_scans * box_depth);
-    glm::dvec4 drawn = rounded(color_of(scene.colormap, (value - scene.lower) / (scene.upper - scene.lower)));
+    glm::dvec4 drawn =
+        rounded(mapped_color(scene.colormap, (value - scene.lower) / (scene.upper - scene.lower)));
     for (const Overlay& overlay : scene.overlays) {
       if (!(image.at(z, x) >= static_cast<float>(scene.threshold))) continue;
       const auto [over_z, over_x] = place(scene.overlay_image);
       const double over = scene.overlay_image.at(over_z, over_x);
       const glm::dvec4 color =
-          color_of(overlay.colormap, (over - overlay.lower) / (overlay.upper - overlay.lower));
-      drawn = rounded(glm::mix(drawn, color, color.a));
+          mapped_color(overlay.colormap, (over - overlay.lower) / (overlay.upper - overlay.lower));
+      drawn = rounded(drawn * (1.0 - color.a) + glm::dvec4(glm::dvec3(color) * color.a, color.a));
     }
     set_pixel(picture, column, row, drawn, drawn.a);
   });

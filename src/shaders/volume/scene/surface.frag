@@ -9,13 +9,15 @@ out vec4 frag_color;
 
 uniform sampler1D colorTex;
 
+#include "colormap.glsl"
+
 const float ambient_part = 0.25;
 const float diffuse_part = 0.55;
 const float specular_part = 0.9;
 const float shininess = 3.0;
 
 void main() {
-  vec3 base = texture(colorTex, 1.0 - depth).rgb;
+  vec3 base = color_at(colorTex, 1.0 - depth).rgb;
   vec3 ambient = ambient_part * base;
   // The normals point to greater depth, away from the side that is the front.
   float diffuse = max(dot(to_light, gl_FrontFacing ? -eye_norm : eye_norm), 0.0);

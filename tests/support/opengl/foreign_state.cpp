@@ -1,0 +1,364 @@
+#include "support/opengl/foreign_state.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "gl/gl.h"
+
+namespace oct::test {
+namespace {
+
+constexpr GLenum clip_distance = GL_CLIP_DISTANCE0;
+
+using Query = std::pair<const char*, GLenum>;
+#define OCT_QUERY(query) \
+  Query {                \
+#query, GL_##query   \
+  }
+constexpr Query single_values[] = {OCT_QUERY(UNPACK_ALIGNMENT),
+                                   OCT_QUERY(UNPACK_ROW_LENGTH),
+                                   OCT_QUERY(UNPACK_IMAGE_HEIGHT),
+                                   OCT_QUERY(UNPACK_SKIP_ROWS),
+                                   OCT_QUERY(UNPACK_SKIP_PIXELS),
+                                   OCT_QUERY(UNPACK_SKIP_IMAGES),
+                                   OCT_QUERY(UNPACK_SWAP_BYTES),
+                                   OCT_QUERY(UNPACK_LSB_FIRST),
+                                   OCT_QUERY(PACK_ALIGNMENT),
+                                   OCT_QUERY(PACK_ROW_LENGTH),
+                                   OCT_QUERY(PACK_IMAGE_HEIGHT),
+                                   OCT_QUERY(PACK_SKIP_ROWS),
+                                   OCT_QUERY(PACK_SKIP_PIXELS),
+                                   OCT_QUERY(PACK_SKIP_IMAGES),
+                                   OCT_QUERY(PACK_SWAP_BYTES),
+                                   OCT_QUERY(PACK_LSB_FIRST),
+                                   OCT_QUERY(PIXEL_UNPACK_BUFFER_BINDING),
+                                   OCT_QUERY(PIXEL_PACK_BUFFER_BINDING),
+                                   OCT_QUERY(ARRAY_BUFFER_BINDING),
+                                   OCT_QUERY(ELEMENT_ARRAY_BUFFER_BINDING),
+                                   OCT_QUERY(VERTEX_ARRAY_BINDING),
+                                   OCT_QUERY(CURRENT_PROGRAM),
+                                   OCT_QUERY(DRAW_FRAMEBUFFER_BINDING),
+                                   OCT_QUERY(READ_FRAMEBUFFER_BINDING),
+                                   OCT_QUERY(RENDERBUFFER_BINDING),
+                                   OCT_QUERY(VIEWPORT),
+                                   OCT_QUERY(SCISSOR_BOX),
+                                   OCT_QUERY(COLOR_WRITEMASK),
+                                   OCT_QUERY(COLOR_CLEAR_VALUE),
+                                   OCT_QUERY(DEPTH_CLEAR_VALUE),
+                                   OCT_QUERY(DEPTH_FUNC),
+                                   OCT_QUERY(DEPTH_WRITEMASK),
+                                   OCT_QUERY(DEPTH_RANGE),
+                                   OCT_QUERY(STENCIL_CLEAR_VALUE),
+                                   OCT_QUERY(STENCIL_FUNC),
+                                   OCT_QUERY(STENCIL_WRITEMASK),
+                                   OCT_QUERY(BLEND_EQUATION_RGB),
+                                   OCT_QUERY(BLEND_EQUATION_ALPHA),
+                                   OCT_QUERY(BLEND_SRC_RGB),
+                                   OCT_QUERY(BLEND_DST_RGB),
+                                   OCT_QUERY(BLEND_SRC_ALPHA),
+                                   OCT_QUERY(BLEND_DST_ALPHA),
+                                   OCT_QUERY(CULL_FACE_MODE),
+                                   OCT_QUERY(FRONT_FACE),
+                                   OCT_QUERY(POLYGON_MODE),
+                                   OCT_QUERY(POLYGON_OFFSET_FACTOR),
+                                   OCT_QUERY(POLYGON_OFFSET_UNITS),
+                                   OCT_QUERY(LINE_WIDTH),
+                                   OCT_QUERY(LOGIC_OP_MODE),
+                                   OCT_QUERY(PRIMITIVE_RESTART_INDEX),
+                                   OCT_QUERY(SAMPLE_COVERAGE_VALUE),
+                                   OCT_QUERY(ACTIVE_TEXTURE)};
+constexpr Query unit_values[] = {OCT_QUERY(TEXTURE_BINDING_1D), OCT_QUERY(TEXTURE_BINDING_2D),
+                                 OCT_QUERY(TEXTURE_BINDING_3D), OCT_QUERY(SAMPLER_BINDING)};
+#undef OCT_QUERY
+
+bool is_compatibility_profile() {
+  GLint mask = 0;
+  glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &mask);
+  return (mask & GL_CONTEXT_COMPATIBILITY_PROFILE_BIT) != 0;
+}
+
+std::vector<GLenum> capabilities() {
+  std::vector<GLenum> all{GL_BLEND,
+                          GL_COLOR_LOGIC_OP,
+                          GL_CULL_FACE,
+                          GL_DEPTH_CLAMP,
+                          GL_DEPTH_TEST,
+                          GL_DITHER,
+                          GL_FRAMEBUFFER_SRGB,
+                          GL_LINE_SMOOTH,
+                          GL_MULTISAMPLE,
+                          GL_POLYGON_OFFSET_FILL,
+                          GL_POLYGON_OFFSET_LINE,
+                          GL_POLYGON_OFFSET_POINT,
+                          GL_POLYGON_SMOOTH,
+                          GL_PRIMITIVE_RESTART,
+                          GL_PROGRAM_POINT_SIZE,
+                          GL_RASTERIZER_DISCARD,
+                          GL_SAMPLE_ALPHA_TO_COVERAGE,
+                          GL_SAMPLE_ALPHA_TO_ONE,
+                          GL_SAMPLE_COVERAGE,
+                          GL_SAMPLE_MASK,
+                          GL_SCISSOR_TEST,
+                          GL_STENCIL_TEST,
+                          GL_TEXTURE_CUBE_MAP_SEAMLESS};
+  for (GLenum i = 0; i < 8; ++i) all.push_back(clip_distance + i);
+  if (is_compatibility_profile()) all.insert(all.end(), {GL_ALPHA_TEST, GL_POLYGON_STIPPLE, GL_LINE_STIPPLE});
+  return all;
+}
+
+void set_everywhere(GLenum kind) {
+  constexpr std::array<GLenum, 7> settings{
+      GL_UNPACK_ROW_LENGTH,  GL_UNPACK_SKIP_ROWS,  GL_UNPACK_SKIP_PIXELS, GL_UNPACK_IMAGE_HEIGHT,
+      GL_UNPACK_SKIP_IMAGES, GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST};
+  constexpr std::array<GLenum, 7> pack_settings{
+      GL_PACK_ROW_LENGTH,  GL_PACK_SKIP_ROWS,  GL_PACK_SKIP_PIXELS, GL_PACK_IMAGE_HEIGHT,
+      GL_PACK_SKIP_IMAGES, GL_PACK_SWAP_BYTES, GL_PACK_LSB_FIRST};
+  const bool unpack = kind == GL_UNPACK_ALIGNMENT;
+  glPixelStorei(kind, 8);
+  GLint value = 300;
+  for (const GLenum setting : unpack ? settings : pack_settings)
+    glPixelStorei(setting, value = value > 2 ? value / 3 : 1);
+}
+
+void bind_buffer(GLenum target) {
+  GLuint buffer = 0;
+  glGenBuffers(1, &buffer);
+  glBindBuffer(target, buffer);
+  glBufferData(target, 64, nullptr, GL_STATIC_DRAW);
+}
+
+void bind_textures_and_samplers() {
+  for (GLuint unit = 0; unit < 8; ++unit) {
+    glActiveTexture(GL_TEXTURE0 + unit);
+    std::array<GLuint, 3> textures{};
+    glGenTextures(3, textures.data());
+    glBindTexture(GL_TEXTURE_1D, textures[0]);
+    glBindTexture(GL_TEXTURE_2D, textures[1]);
+    glBindTexture(GL_TEXTURE_3D, textures[2]);
+    GLuint sampler = 0;
+    glGenSamplers(1, &sampler);
+    // Wants mipmaps, which the library's textures have not: they are black.
+    glSamplerParameteri(sampler, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
+    glSamplerParameteri(sampler, GL_TEXTURE_WRAP_S, GL_REPEAT);
+    glBindSampler(unit, sampler);
+  }
+  glActiveTexture(GL_TEXTURE5);
+}
+
+void use_geometry() {
+  GLuint vertex_array = 0;
+  glGenVertexArrays(1, &vertex_array);
+  glBindVertexArray(vertex_array);
+  bind_buffer(GL_ELEMENT_ARRAY_BUFFER);
+  bind_buffer(GL_ARRAY_BUFFER);
+  glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
+}
+
+void use_program() {
+  const GLuint shader = glCreateShader(GL_VERTEX_SHADER);
+  const char* const text = "#version 330 core\nvoid main() { gl_Position = vec4(0.0); }\n";
+  glShaderSource(shader, 1, &text, nullptr);
+  glCompileShader(shader);
+  const GLuint program = glCreateProgram();
+  glAttachShader(program, shader);
+  glLinkProgram(program);
+  glUseProgram(program);
+}
+
+// Tests of the fixed pipeline that a program's fragments undergo as well.
+void fail_fixed_tests() {
+  glEnable(GL_ALPHA_TEST), glAlphaFunc(GL_NEVER, 0.0F);
+  glEnable(GL_LINE_STIPPLE), glLineStipple(1, 0);
+  glEnable(GL_POLYGON_STIPPLE);
+  GLint buffer = 0;
+  glGetIntegerv(GL_PIXEL_UNPACK_BUFFER_BINDING, &buffer);
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+  const std::vector<GLubyte> nothing(100'000);  // read by whatever unpack settings there are
+  glPolygonStipple(nothing.data());
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, static_cast<GLuint>(buffer));
+}
+
+struct ForeignState {
+  std::string name;
+  std::function<void()> set;
+};
+
+// Each of them spoils a frame that does not see to it. The context keeps a few objects.
+std::vector<ForeignState> foreign_states() {
+  std::vector<ForeignState> states{
+      {"unpack settings", [] { set_everywhere(GL_UNPACK_ALIGNMENT); }},
+      {"pack settings", [] { set_everywhere(GL_PACK_ALIGNMENT); }},
+      {"unpack buffer", [] { bind_buffer(GL_PIXEL_UNPACK_BUFFER); }},
+      {"pack buffer", [] { bind_buffer(GL_PIXEL_PACK_BUFFER); }},
+      {"textures and samplers", bind_textures_and_samplers},
+      {"vertex array", use_geometry},
+      {"program", use_program},
+      {"scissor",
+       [] {
+         std::array<GLint, 4> viewport{};
+         glGetIntegerv(GL_VIEWPORT, viewport.data());
+         glScissor(viewport[0], viewport[1], viewport[2], viewport[3]);
+         glEnable(GL_SCISSOR_TEST);
+       }},
+      {"clear values", [] { glClearColor(0.1F, 0.2F, 0.3F, 0.4F), glClearDepth(0.25), glClearStencil(3); }},
+      {"blending",
+       [] {
+         glEnable(GL_BLEND);
+         glBlendEquationSeparate(GL_FUNC_REVERSE_SUBTRACT, GL_MAX);
+         glBlendFuncSeparate(GL_ZERO, GL_ONE, GL_DST_COLOR, GL_SRC_ALPHA);
+       }},
+      {"depth",
+       [] {
+         glEnable(GL_DEPTH_TEST), glDepthFunc(GL_NEVER), glDepthMask(GL_FALSE), glDepthRange(0.75, 0.5);
+         glEnable(GL_DEPTH_CLAMP);
+       }},
+      {"faces", [] { glEnable(GL_CULL_FACE), glCullFace(GL_FRONT_AND_BACK), glFrontFace(GL_CW); }},
+      {"polygons",
+       [] {
+         glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+         for (const GLenum kind : {GL_POLYGON_OFFSET_FILL, GL_POLYGON_OFFSET_LINE, GL_POLYGON_OFFSET_POINT})
+           glEnable(kind);
+         glPolygonOffset(-100.0F, -10000.0F);
+         glEnable(GL_POLYGON_SMOOTH);
+       }},
+      {"lines", [] { glLineWidth(5.0F), glEnable(GL_LINE_SMOOTH); }},
+      {"colour mask", [] { glColorMask(GL_TRUE, GL_FALSE, GL_FALSE, GL_FALSE); }},
+      {"stencil", [] { glEnable(GL_STENCIL_TEST), glStencilFunc(GL_NEVER, 1, 1), glStencilMask(5); }},
+      {"logic", [] { glEnable(GL_COLOR_LOGIC_OP), glLogicOp(GL_INVERT); }},
+      {"samples",
+       [] {
+         for (const GLenum each :
+              {GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_ALPHA_TO_ONE, GL_SAMPLE_COVERAGE, GL_SAMPLE_MASK})
+           glEnable(each);
+         glSampleCoverage(0.0F, GL_FALSE), glSampleMaski(0, 0);
+       }},
+      {"primitive restart", [] { glEnable(GL_PRIMITIVE_RESTART), glPrimitiveRestartIndex(3); }},
+      {"clip distances",
+       [] {
+         for (GLenum i = 0; i < 8; ++i) glEnable(clip_distance + i);
+       }},
+      {"sRGB", [] { glEnable(GL_FRAMEBUFFER_SRGB); }},
+      {"discard", [] { glEnable(GL_RASTERIZER_DISCARD); }},
+  };
+  if (GLEW_VERSION_4_5)
+    states.push_back({"clip space", [] { glClipControl(GL_UPPER_LEFT, GL_ZERO_TO_ONE); }});
+  if (is_compatibility_profile()) {
+    states.push_back({"alpha and stipple", fail_fixed_tests});
+  }
+  return states;
+}
+
+// Bound until its end.
+class ForeignTarget {
+ public:
+  ForeignTarget(GLenum format, GLsizei samples, int width, int height) {
+    glGetIntegerv(GL_FRAMEBUFFER_BINDING, &before_);
+    glGenFramebuffers(1, &framebuffer_);
+    glGenRenderbuffers(2, renderbuffers_.data());
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_);
+    constexpr std::array<GLenum, 2> places{GL_COLOR_ATTACHMENT0, GL_DEPTH_ATTACHMENT};
+    for (std::size_t i = 0; i < 2; ++i) {
+      glBindRenderbuffer(GL_RENDERBUFFER, renderbuffers_[i]);
+      glRenderbufferStorageMultisample(GL_RENDERBUFFER, samples, i == 0 ? format : GL_DEPTH_COMPONENT24,
+                                       width, height);
+      glFramebufferRenderbuffer(GL_FRAMEBUFFER, places[i], GL_RENDERBUFFER, renderbuffers_[i]);
+    }
+    glViewport(0, 0, width, height);
+  }
+  ~ForeignTarget() {
+    glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(before_));
+    glDeleteFramebuffers(1, &framebuffer_);
+    glDeleteRenderbuffers(2, renderbuffers_.data());
+  }
+  ForeignTarget(const ForeignTarget&) = delete;
+  ForeignTarget& operator=(const ForeignTarget&) = delete;
+
+  GLuint framebuffer() const { return framebuffer_; }
+
+ private:
+  GLint before_ = 0;
+  GLuint framebuffer_ = 0;
+  std::array<GLuint, 2> renderbuffers_{};
+};
+
+Picture drawn_into(GLenum format, GLsizei samples, const Picture& size, const std::function<void()>& draw) {
+  const auto [width, height] = std::pair(size.width, size.height);
+  Picture picture(width, height);
+  const ForeignTarget plain(GL_RGBA8, 0, width, height);
+  const ForeignTarget target(format, samples, width, height);
+  glEnable(GL_FRAMEBUFFER_SRGB);
+  draw();
+  glDisable(GL_FRAMEBUFFER_SRGB);
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, plain.framebuffer());
+  glBlitFramebuffer(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, plain.framebuffer());
+  glReadPixels(0, 0, width, height, GL_BGRA, GL_UNSIGNED_BYTE, picture.bytes.data());
+  return picture;
+}
+
+}  // namespace
+
+StateValues state_values() {
+  StateValues values;
+  const auto add = [&](const std::string& name, GLenum query) {
+    std::array<double, 4> numbers{};
+    glGetDoublev(query, numbers.data());
+    values.emplace_back(name, numbers);
+  };
+  for (const GLenum capability : capabilities()) {
+    const std::array<double, 4> enabled{static_cast<double>(glIsEnabled(capability))};
+    values.emplace_back("capability " + std::to_string(capability), enabled);
+  }
+  for (const auto& [name, query] : single_values) add(name, query);
+  if (GLEW_VERSION_4_5) add("clip origin", GL_CLIP_ORIGIN), add("clip depth", GL_CLIP_DEPTH_MODE);
+  GLint active = 0;
+  glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
+  for (GLenum unit = GL_TEXTURE0; unit < GL_TEXTURE0 + 8; ++unit) {
+    glActiveTexture(unit);
+    const std::string of_unit = " of unit " + std::to_string(unit - GL_TEXTURE0);
+    for (const auto& [name, query] : unit_values) add(name + of_unit, query);
+  }
+  glActiveTexture(static_cast<GLenum>(active));
+  return values;
+}
+
+testing::AssertionResult same_state(const StateValues& before, const StateValues& after) {
+  std::string changed;
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (before[i] != after.at(i)) changed += (changed.empty() ? "" : ", ") + before[i].first;
+  }
+  return changed.empty() ? testing::AssertionSuccess()
+                         : testing::AssertionFailure() << "changed: " << changed;
+}
+
+void expect_same_whatever_the_client_sets(OffscreenTargetHandle target, const Picture& expected,
+                                          const std::function<void()>& draw) {
+  constexpr int left = 20;
+  constexpr int bottom = 10;
+  const auto [width, height] = std::pair(expected.width, expected.height);
+  Picture whole(width + 30, height + 25);
+  beginOffscreenFrame(target, static_cast<unsigned>(whole.width), static_cast<unsigned>(whole.height));
+  EXPECT_TRUE(agree(drawn_into(GL_SRGB8_ALPHA8, 0, expected, draw), expected, exact)) << "sRGB";
+  EXPECT_TRUE(agree(drawn_into(GL_RGBA8, 4, expected, draw), expected, exact)) << "multisampled";
+  finishOffscreenFrame(target, nullptr);
+  EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+  for (const ForeignState& state : foreign_states()) {
+    beginOffscreenFrame(target, static_cast<unsigned>(whole.width), static_cast<unsigned>(whole.height));
+    glViewport(left, bottom, width, height);
+    state.set();
+    const StateValues before = state_values();
+    draw();
+    EXPECT_TRUE(same_state(before, state_values())) << state.name;
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << state.name;
+    finishOffscreenFrame(target, whole.bytes.data());
+    Picture picture(width, height);
+    picture.for_each(
+        [&](int x, int y) { std::copy_n(whole.pixel(left + x, bottom + y), 4, picture.pixel(x, y)); });
+    EXPECT_TRUE(agree(picture, expected, {0, 0.999, 1})) << state.name;
+  }
+}
+
+}  // namespace oct::test
