@@ -142,8 +142,8 @@ TEST(OffscreenTargetGLTest, TheContextOfTheClientComesBack) {
 class OffscreenTargetInLoopGLTest : public LoopGLTest {};
 
 TEST_P(OffscreenTargetInLoopGLTest, TheRenderFunctionGoesOnInTheLoop) {
-  const auto loop = make_recording_loop(6, 6);
   Picture inner(3, 3);
+  const auto loop = make_recording_loop(6, 6);
   loop->set_rendering_callback(RenderingCallback([&](std::uint32_t id) {
     const OffscreenTargetHandle target = createOffscreenTarget();
     beginOffscreenFrame(target, 3, 3);
