@@ -1,6 +1,5 @@
 // OpenGL calls that fail: each gives its error, loses no object, and the next good call works.
 #include "display/display_renderer.h"
-#include "gl/opengl_error.h"
 #include "support/gl_spy.h"
 #include "support/reference/display_reference.h"
 #include "support/test_context.h"
@@ -65,7 +64,7 @@ TEST_F(DisplayFaultGLTest, InitFails) {
     initDisplayRendering(renderer_);
     EXPECT_EQ(pending_error_of_place(), message);
     EXPECT_GE(spy.calls(function), 1);
-    gl::discard_gl_errors();
+    clear_gl_errors();
     renderDisplay(renderer_);  // not initialised: skipped
     EXPECT_EQ(pending_error(), "(none)");
     EXPECT_EQ(spy.live_objects(), 0U);
@@ -109,7 +108,7 @@ TEST_F(DisplayFaultGLTest, AFrameThatFailsIsTheOnlyOne) {
         if (after == 0) {
           EXPECT_EQ(error, message);
         }
-        gl::discard_gl_errors();
+        clear_gl_errors();
         finishOffscreenFrame(stage_.target, nullptr);
         EXPECT_TRUE(agree(draw(), good, exact));
         EXPECT_EQ(pending_error(), "(none)");

@@ -117,7 +117,7 @@ TEST_F(ShaderGLTest, BinariesThatFail) {
   expect_built(shader, spy, 3);
   gl::store_program_binary(key(), {0xDEADU, {1, 2, 3}});
   EXPECT_EQ(failure(shader).find(where + "::load_to_program occured: "), 0U);
-  gl::discard_gl_errors();
+  clear_gl_errors();
   shader.release();
   EXPECT_EQ(spy.live_objects(), 0U);
 }

@@ -140,7 +140,7 @@ using CreateTexture = HRESULT(WINAPI*)(IDirect3DDevice9*, UINT, UINT, UINT, DWOR
 TEST_F(DX9SharedBufferGLTest, WhatDirect3DRefuses) {
   const char* const no_target = "Could not generate render target. ";
   EXPECT_EQ(failure_of([&] { buffer_.resize(100000, 8); }), no_target);
-  gl::discard_gl_errors();
+  clear_gl_errors();
   {
     const ComMethodPatch<CreateTexture> patch(
         interop_->device().get(), 23,

@@ -52,7 +52,7 @@ TEST(OffscreenTargetGLTest, ARefusedFrameIsNotBegun) {
     if (row.function) spy.fail_next(row.function, 1, row.error);
     beginOffscreenFrame(target, row.width, row.height);
     EXPECT_EQ(pending_error().find(row.message), 0U) << row.message;
-    gl::discard_gl_errors();
+    clear_gl_errors();
     Picture picture(8, 8);
     finishOffscreenFrame(target, picture.bytes.data());
     EXPECT_EQ(pending_error(), "No offscreen frame has been begun. ");
@@ -142,8 +142,8 @@ TEST(OffscreenTargetGLTest, TheContextOfTheClientComesBack) {
 class OffscreenTargetInLoopGLTest : public LoopGLTest {};
 
 TEST_P(OffscreenTargetInLoopGLTest, TheRenderFunctionGoesOnInTheLoop) {
-  const auto loop = make_recording_loop(6, 6);
   Picture inner(3, 3);
+  const auto loop = make_recording_loop(6, 6);
   loop->set_rendering_callback(RenderingCallback([&](std::uint32_t id) {
     const OffscreenTargetHandle target = createOffscreenTarget();
     beginOffscreenFrame(target, 3, 3);

@@ -63,6 +63,12 @@ struct GlSpy::State {
     if (answer != answers.end()) *value = answer->second;
   }
 
+  const char* text(GLenum query) {
+    const std::lock_guard lock(mutex);
+    const auto found = texts.find(query);
+    return found != texts.end() ? found->second.c_str() : nullptr;
+  }
+
   GLenum next_error() {
     const std::lock_guard lock(mutex);
     if (errors.empty()) return GL_NO_ERROR;
@@ -268,6 +274,7 @@ void GlSpy::answer(GLenum integer_query, GLint value) {
   state_->answers[integer_query] = value;
 }
 void GlSpy::answer(GLenum string_query, const std::string& text) {
+  const std::lock_guard lock(state_->mutex);
   state_->texts[string_query] = text;
 }
 void GlSpy::queue_error(GLenum error) {
@@ -346,8 +353,8 @@ GLenum GLAPIENTRY __wrap_glGetError(void) {
 decltype(glGetString) __real_glGetString;
 const GLubyte* GLAPIENTRY __wrap_glGetString(GLenum query) {
   const GLubyte* const text = __real_glGetString(query);
-  if (!spy || !text || !spy->texts.contains(query)) return text;
-  return reinterpret_cast<const GLubyte*>(spy->texts.at(query).c_str());
+  const char* const answer = spy && text ? spy->text(query) : nullptr;
+  return answer ? reinterpret_cast<const GLubyte*>(answer) : text;
 }
 
 decltype(glGetIntegerv) __real_glGetIntegerv;

@@ -38,6 +38,10 @@ std::string failure_of(const std::function<void()>& action) {
   return "(none)";
 }
 
+void clear_gl_errors() {
+  gl::discard_gl_errors();
+}
+
 std::string log_of(const std::function<void()>& action) {
   const auto file =
       std::filesystem::temp_directory_path() / ("oct_log_" + std::to_string(std::random_device{}()) + ".txt");

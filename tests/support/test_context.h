@@ -100,6 +100,9 @@ inline bool contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
+// Forgets the errors that OpenGL has to report.
+void clear_gl_errors();
+
 // Runs the action with the library log in a file of its own and returns what was logged.
 std::string log_of(const std::function<void()>& action);
 

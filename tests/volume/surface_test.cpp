@@ -59,7 +59,7 @@ TEST_F(SurfaceTest, IsUploadedOnceAndFailuresAreReported) {
     spy.fail_next("glBufferData", per_frame + 1);
     frame();
     EXPECT_EQ(pending_error().find("An OpenGL error in VolumeRenderer::surface changed occured: "), 0U);
-    gl::discard_gl_errors();
+    clear_gl_errors();
     EXPECT_TRUE(agree(frame(), before, exact)) << "the next frame uploads it again";
   }
   stage_.restart();

@@ -56,7 +56,7 @@ TEST_F(VolumeFaultTest, AFrameThatFailsIsTheOnlyOne) {
         if (after == 0) {
           EXPECT_EQ(message.find(error), 0U) << message;
         }
-        gl::discard_gl_errors();
+        clear_gl_errors();
         EXPECT_TRUE(agree(stage_.frame(), good, exact));
         expect_no_error();
       }

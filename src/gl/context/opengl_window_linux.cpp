@@ -14,6 +14,7 @@
 
 #include "core/console.h"
 #include "core/exception.h"
+#include "core/immortal.h"
 #include "core/log.h"
 #include "gl/context/context_identity.h"
 #include "gl/context/egl_api_linux.h"
@@ -29,7 +30,8 @@ std::string text_of(EGLint code) {
     case EGL_NOT_INITIALIZED:
       return "EGL is not initialised (EGL_NOT_INITIALIZED)";
     case EGL_BAD_ACCESS:
-      return "The context is current on another thread (EGL_BAD_ACCESS)";
+      return "The context is current on another thread, or one of another window system is current on this one "
+             "(EGL_BAD_ACCESS)";
     case EGL_BAD_ALLOC:
       return "Not enough memory (EGL_BAD_ALLOC)";
     case EGL_BAD_CONFIG:
@@ -128,10 +130,9 @@ EGLDisplay Display::open_surfaceless() {
 }
 
 // Opened once per process and never terminated: termination would take the contexts of every other user of
-// the same display with it. Nor is the object destroyed, as threads may still run when the process ends.
+// the same display with it.
 EGLDisplay open_display() {
-  static Display& display = *new Display;
-  return display.open();
+  return immortal<Display>().open();
 }
 
 }  // namespace
