@@ -91,7 +91,7 @@ bool usable() {
   } catch (const std::exception&) {
     return false;  // the call finds out as well, and says so
   }
-  return at_least(3, 3);
+  return at_least(3, 3) && glBindSampler;
 }
 
 }  // namespace
@@ -121,7 +121,7 @@ TransferState::~TransferState() {
 
 DrawingState::DrawingState()
     : compatibility_profile_((integer(GL_CONTEXT_PROFILE_MASK) & GL_CONTEXT_COMPATIBILITY_PROFILE_BIT) != 0),
-      has_clip_control_(at_least(4, 5)) {
+      has_clip_control_(at_least(4, 5) && glClipControl) {
   save();
   reset();
 }

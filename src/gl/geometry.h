@@ -26,7 +26,6 @@ class Geometry {
   void set_indices(std::span<const std::uint32_t> indices);
 
   void release();
-  explicit operator bool() const { return static_cast<bool>(vertices_); }
 
   void draw(GLenum mode, GLint first, GLsizei count) const;
   void draw_indexed(GLenum mode, std::size_t first_index, GLsizei count) const;
