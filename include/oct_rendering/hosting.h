@@ -70,6 +70,8 @@ OCT_API void finishOpenGL(void);
  * @brief Makes a loop without init, uninit and error functions. Returns when its render thread is up.
  * @return The loop, to be freed with deleteOpenGLControlLoop(); null on failure. A loop whose render thread
  * could not be set up draws nothing; the reason is in the library log.
+ * @par Errors
+ * "The threads of the control loop could not be started: ..."
  * @thread Any thread.
  */
 OCT_API OpenGLControlLoopHandle createOpenGLControlLoop(void);
@@ -81,18 +83,23 @@ OCT_API OpenGLControlLoopHandle createOpenGLControlLoop(void);
  * @param Uninit Called on the render thread with the context current, after the last frame and the last
  * image-ready call. Not called when the render thread ended with an error. Null: none.
  * @param Error Called on the render thread with the reason when an error ends it, among them "Cannot properly
- * create an OpenGLControl.", "Could not generate render target. " and "Rendering could
- * not finish within one second. ".
+ * create an OpenGLControl.", "Could not generate render target. ",
+ * "Rendering could not finish within one second. ",
+ * "An OpenGL error in the read-back of a frame occured: ..." and "Could not map the pixels of a frame. ". The
+ * context, if there is one, is current for the last time: renderers can be uninitialised here. Null: none.
  * @return As createOpenGLControlLoop().
+ * @par Errors
+ * As createOpenGLControlLoop().
  * @thread Any thread.
  */
 OCT_API OpenGLControlLoopHandle createOpenGLControlLoopCB(OctLoopFunction Init, OctLoopFunction Uninit,
                                                           OctErrorFunction Error);
 
 /**
- * @brief Ends both threads of a loop and frees it. A running snapshot is finished first; frames that wait are
- *        dropped. From the line "OpenGL control loop finished. Callbacks can be freed now. " on the standard
- * output on, no function of the client is called any more.
+ * @brief Ends both threads of a loop and frees it. A running snapshot is finished first, later ones are
+ * refused; frames that wait are dropped. From the line
+ * "OpenGL control loop finished. Callbacks can be freed now. " on the standard output on, no function of the
+ * client is called any more.
  * @param Handle The loop.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "; from one of the loop's own callbacks the system's text for a
@@ -107,8 +114,9 @@ OCT_API void deleteOpenGLControlLoop(OpenGLControlLoopHandle Handle);
  * @param Render Called on the render thread with the buffer bound and the viewport set. Null is ignored: the
  *        function set before stays.
  * @par Errors
- * "Invalid OpenGLControlLoopHandle specified. "
- * @thread Any thread, but not from inside a render function; waits until the one before has returned.
+ * "Invalid OpenGLControlLoopHandle specified. "; from one of the loop's own callbacks the system's text for a
+ * resource deadlock, and the function set before stays.
+ * @thread Any thread but the loop's own; waits until the function set before has returned.
  */
 OCT_API void registerOpenGLControlLoopRenderCallback(OpenGLControlLoopHandle Handle,
                                                      OctRenderFunction Render);
@@ -116,11 +124,12 @@ OCT_API void registerOpenGLControlLoopRenderCallback(OpenGLControlLoopHandle Han
 /**
  * @brief Sets the function that receives the frames.
  * @param Handle The loop.
- * @param ImageReady Called on the return thread, smallest waiting key first. Null removes the function set
- * before.
+ * @param ImageReady Called on the return thread, for waiting keys in turn: the smallest above the last one,
+ * or else the smallest. Null removes the function set before.
  * @par Errors
- * "Invalid OpenGLControlLoopHandle specified. "
- * @thread Any thread, but not from inside an image-ready function; waits until the one before has returned.
+ * "Invalid OpenGLControlLoopHandle specified. "; from one of the loop's own callbacks the system's text for a
+ * resource deadlock, and the function set before stays.
+ * @thread Any thread but the loop's own; waits until the function set before has returned.
  */
 OCT_API void registerOpenGLControlLoopCallback(OpenGLControlLoopHandle Handle,
                                                OctImageReadyFunction ImageReady);
@@ -146,23 +155,27 @@ OCT_API void renderOpenGLControlLoop(OpenGLControlLoopHandle Handle);
 OCT_API void renderMultOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Id);
 
 /**
- * @brief Draws a frame of any size into client memory and returns when it is there. Does nothing while
- * another snapshot of this loop is running. A loop without a size draws the snapshot when it gets one.
+ * @brief Draws a frame of any size into client memory and returns when it is there. The frame begins after
+ * the call. Does nothing while another snapshot of this loop is running.
  * @param Handle The loop.
- * @param Width Pixels, 0 or more.
- * @param Height Pixels, 0 or more.
+ * @param Width Pixels; 0 draws nothing.
+ * @param Height Pixels; 0 draws nothing.
  * @param Data Receives Width * Height * 4 bytes: blue, green, red, alpha; bottom row first.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "; "Valid data pointer must be provided to take snapshot. ";
  * "Snapshot sizes must not be negative. "; "The snapshot is too large. ";
- * "The rendering thread of the control loop has ended. "; from a function on the render thread the system's
- * text for a resource deadlock.
+ * "A control loop without a size takes no snapshots. "; "Could not generate render target. " where OpenGL
+ * refuses the size, with the reason in the library log; "An OpenGL error in the snapshot occured: ..."; the
+ * error that ends the render thread meanwhile; "The rendering thread of the control loop has ended. ";
+ * "The control loop is being deleted. "; from a function on the render thread the system's text for a
+ * resource deadlock. After an error the memory holds no picture.
  * @thread Any thread but the loop's render thread.
  */
 OCT_API void snapshotOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Width, int Height, void* Data);
 
 /**
- * @brief Sets the size of the frames. A loop starts without one: it drops requests and draws nothing.
+ * @brief Sets the size of the frames. A loop starts without one: it draws nothing, and in mode 0 drops
+ * requests.
  * @param Handle The loop.
  * @param Width Pixels; 0 draws nothing.
  * @param Height Pixels; 0 draws nothing.
@@ -176,8 +189,9 @@ OCT_API void resizeOpenGLControlLoop(OpenGLControlLoopHandle Handle, unsigned in
  * @brief Sets how requests are served.
  * @param Handle The loop.
  * @param Mode 0: every request is drawn once. 1 (the start): all requests are drawn in turn, for ever, as
- * fast as the client takes the frames. 2: the first request is drawn again and again; meant for snapshots,
- * which set and leave it on their own. While mode 2 is in force another mode is kept until the snapshot ends.
+ * fast as the client takes the frames. 2: the first request is drawn again and again; in force during
+ * snapshots and not meant for clients. A mode that is set during a snapshot holds when the snapshot ends.
+ * With nothing to draw a loop sleeps in every mode.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "
  * @thread Any thread.

@@ -14,8 +14,9 @@
  *
  * @section misuse Misuse
  * A negative size or count, null data with a size above zero, sizes whose product is not addressable and an
- * overlay index out of range are refused with a clear reason and change nothing. A handle is checked against
- * null only: using a handle after it was cleared is undefined.
+ * overlay index out of range are refused with a clear reason and change nothing. Every function that takes a
+ * handle refuses, beside null, what is no living handle of its kind with "The handle is not valid. ". Clearing a
+ * handle while another thread is inside a call with it is undefined.
  *
  * @section threads Threads
  * Every function names its thread rule. "Any thread" means that the function may run while another thread

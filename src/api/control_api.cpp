@@ -2,6 +2,7 @@
 #include <atomic>
 
 #include "api/guard.h"
+#include "api/handles.h"
 #include "gl/context/opengl_loader.h"
 #include "hosting/host/opengl_host.h"
 #include "hosting/loop/opengl_control.h"
@@ -28,12 +29,14 @@ void setSurfaceSharing(int Sharing) {
 
 OpenGLControlHandle createUniversalOpenGLControl(void) {
   return guarded(__func__, [] {
-    return oct::api::handle_of<OctOpenGLControl>(new OpenGLControl(oct::surface_sharing()));
+    return oct::api::handle_of<OctOpenGLControl>(std::make_unique<OpenGLControl>(oct::surface_sharing()));
   });
 }
 
 void deleteUniversalOpenGLControl(OpenGLControlHandle Handle) {
-  guarded(__func__, [&] { delete reinterpret_cast<OpenGLControl*>(Handle); });
+  guarded(__func__, [&] {
+    if (Handle) oct::api::delete_object<OpenGLControl>(Handle);
+  });
 }
 
 void beforeRender(OpenGLControlHandle Handle) {

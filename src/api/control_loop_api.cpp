@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "api/guard.h"
+#include "api/handles.h"
 #include "hosting/loop/opengl_control_loop.h"
 #include "hosting/loop/render_trace.h"
 #include "hosting/surfaces/client_surfaces.h"
@@ -38,21 +39,24 @@ void check_snapshot(int width, int height, const void* data) {
 }  // namespace
 
 OpenGLControlLoopHandle createOpenGLControlLoop(void) {
-  return guarded(__func__, [] { return oct::api::handle_of<OctOpenGLControlLoop>(new OpenGLControlLoop); });
+  return guarded(__func__, [] {
+    return oct::api::handle_of<OctOpenGLControlLoop>(std::make_unique<OpenGLControlLoop>());
+  });
 }
 
 OpenGLControlLoopHandle createOpenGLControlLoopCB(OctLoopFunction Init, OctLoopFunction Uninit,
                                                   OctErrorFunction Error) {
   return guarded(__func__, [&] {
     return oct::api::handle_of<OctOpenGLControlLoop>(
-        new OpenGLControlLoop(Init, Uninit, oct::ErrorCallback(Error)));
+        std::make_unique<OpenGLControlLoop>(Init, Uninit, oct::ErrorCallback(Error)));
   });
 }
 
 void deleteOpenGLControlLoop(OpenGLControlLoopHandle Handle) {
   guarded(__func__, [&] {
-    loop(Handle).check_deletable();
-    delete &loop(Handle);
+    loop(Handle);
+    oct::api::delete_object<OpenGLControlLoop>(
+        Handle, [](const OpenGLControlLoop& ended) { ended.check_deletable(); });
   });
 }
 

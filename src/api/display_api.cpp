@@ -1,5 +1,6 @@
 // Exports of the display of B-scans.
 #include "api/guard_opengl.h"
+#include "api/handles.h"
 #include "display/display_renderer.h"
 #include "oct_rendering/oct_rendering.h"
 
@@ -18,11 +19,14 @@ DisplayRenderer& renderer(DisplayRenderingHandle handle) {
 }  // namespace
 
 DisplayRenderingHandle createDisplayRendering(void) {
-  return guarded(__func__, [] { return oct::api::handle_of<OctDisplayRendering>(new DisplayRenderer); });
+  return guarded(
+      __func__, [] { return oct::api::handle_of<OctDisplayRendering>(std::make_unique<DisplayRenderer>()); });
 }
 
 void clearDisplayRendering(DisplayRenderingHandle Handle) {
-  guarded(__func__, [&] { delete reinterpret_cast<DisplayRenderer*>(Handle); });
+  guarded(__func__, [&] {
+    if (Handle) oct::api::delete_object<DisplayRenderer>(Handle);
+  });
 }
 
 void initDisplayRendering(DisplayRenderingHandle Handle) {

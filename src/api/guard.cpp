@@ -1,7 +1,5 @@
 #include "api/guard.h"
 
-#include <string>
-
 #include "core/console.h"
 #include "core/error_store.h"
 #include "core/log.h"
@@ -11,19 +9,11 @@ namespace oct::api {
 void report(const char* function, const std::exception& error) noexcept {
   error_store().postError(error, false);
   report_unposted(error);
-  try {
-    log() << function << ": " << error.what();
-  } catch (...) {
-    // Out of memory: what was posted remains.
-  }
+  log() << function << ": " << error.what();
 }
 
 void report_unposted(const std::exception& error) noexcept {
-  try {
-    write_error(std::string("An error occured: ") + error.what());
-  } catch (...) {
-    // As above.
-  }
+  write_error("An error occured: ", error.what());
 }
 
 }  // namespace oct::api

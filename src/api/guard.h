@@ -1,8 +1,7 @@
-// The guard of every exported function: handle check and catch handlers.
+// The guard of every exported function: its catch handlers.
 #pragma once
 
 #include <exception>
-#include <stdexcept>
 
 namespace oct::api {
 
@@ -45,18 +44,6 @@ auto guarded_unposted(Body&& body) noexcept -> decltype(body()) {
     report_unposted(UnknownError());
   }
   return decltype(body())();
-}
-
-// The object behind a handle. Null is the only bad handle that can be told.
-template <class Object, class Handle>
-Object& checked(Handle* handle, const char* message) {
-  if (!handle) throw std::invalid_argument(message);
-  return *reinterpret_cast<Object*>(handle);
-}
-
-template <class Handle, class Object>
-Handle* handle_of(Object* object) {
-  return reinterpret_cast<Handle*>(object);
 }
 
 }  // namespace oct::api

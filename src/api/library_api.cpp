@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "api/guard.h"
+#include "api/handles.h"
 #include "core/error_store.h"
 #include "core/log.h"
 #include "live/brennick_data_source.h"

@@ -1,5 +1,6 @@
 // Exports of live volumes: the live renderer and its data sources.
 #include "api/guard_opengl.h"
+#include "api/handles.h"
 #include "core/object_lock.h"
 #include "live/brennick_data_source_ps.h"
 #include "live/fast_opengl_volume_renderer.h"
@@ -17,12 +18,9 @@ namespace {
 constexpr const char* invalid_source = "The specified LiveDataSourceHandle is invalid. ";
 constexpr const char* invalid_renderer = "The specified VolumeRendererHandle is invalid. ";
 
-FastOpenGLVolumeRenderer* live_rendering(LiveVolumeRenderingHandle handle) {
-  return reinterpret_cast<FastOpenGLVolumeRenderer*>(handle);
-}
-
+// Null for a null handle.
 BrennickDataSource* data_source(LiveDataSourceHandle handle) {
-  return reinterpret_cast<BrennickDataSource*>(handle);
+  return oct::api::find<BrennickDataSource>(handle);
 }
 
 // Null unless the source is one for two sensors.
@@ -30,21 +28,22 @@ BrennickDataSource_PS* polarization_source(LiveDataSourceHandle handle) {
   return dynamic_cast<BrennickDataSource_PS*>(data_source(handle));
 }
 
-LiveDataSourceHandle handle_of(BrennickDataSource* source) {
-  return oct::api::handle_of<OctLiveDataSource>(source);
+LiveDataSourceHandle handle_of(std::unique_ptr<BrennickDataSource> source) {
+  return oct::api::handle_of<OctLiveDataSource>(std::move(source));
 }
 
 }  // namespace
 
 LiveVolumeRenderingHandle createLiveRendering(void) {
-  return guarded(__func__,
-                 [] { return oct::api::handle_of<OctLiveVolumeRendering>(new FastOpenGLVolumeRenderer); });
+  return guarded(__func__, [] {
+    return oct::api::handle_of<OctLiveVolumeRendering>(std::make_unique<FastOpenGLVolumeRenderer>());
+  });
 }
 
 void clearLiveRendering(LiveVolumeRenderingHandle Handle) {
   guarded(__func__, [&] {
     const oct::ObjectLock lock(Handle);
-    delete live_rendering(Handle);
+    oct::api::delete_object<FastOpenGLVolumeRenderer>(Handle);
   });
 }
 
@@ -53,14 +52,14 @@ void setLiveVolumeRenderingRenderer(LiveVolumeRenderingHandle Handle, VolumeRend
     auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, "Invalid Live Rendering Handle specified. ");
     const oct::ObjectLock lock(Handle);
     const oct::ObjectLock renderer_lock(Renderer);
-    rendering.set_renderer(reinterpret_cast<oct::VolumeRenderer*>(Renderer));
+    rendering.set_renderer(oct::api::find<oct::VolumeRenderer>(Renderer));
   });
 }
 
 bool isLiveVolumeRunning(LiveVolumeRenderingHandle Handle) {
   return guarded(__func__, [&] {
     const oct::ObjectLock lock(Handle);
-    return live_rendering(Handle)->is_running();
+    return oct::api::find<FastOpenGLVolumeRenderer>(Handle)->is_running();
   });
 }
 
@@ -69,7 +68,7 @@ LiveDataSourceHandle createOnlineDataSource(OCTDeviceHandle Dev, ProcessingHandl
                  [&] {
                    if (!Dev) throw std::invalid_argument("The specifided OCTDeviceHandle is invalid. ");
                    if (!Proc) throw std::invalid_argument("The specifided ProcessingHandle is invalid. ");
-                   return handle_of(new BrennickDataSource(oct::device_library(), Dev, Proc));
+                   return handle_of(std::make_unique<BrennickDataSource>(oct::device_library(), Dev, Proc));
                  });
 }
 
@@ -89,7 +88,8 @@ LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHa
         if (!PS_Proc) throw std::invalid_argument("The specifided PolarizationProcessingHandle is invalid. ");
         auto library = oct::device_library();
         library->require_polarization();
-        return handle_of(new BrennickDataSource_PS(std::move(library), Dev, Proc0, Proc1, PS_Proc));
+        return handle_of(
+            std::make_unique<BrennickDataSource_PS>(std::move(library), Dev, Proc0, Proc1, PS_Proc));
       });
 }
 
@@ -98,19 +98,19 @@ LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHa
 
 void setOnlineRefractiveIndex(LiveDataSourceHandle Handle, double Index) {
   guarded(__func__, [&] {
-    if (Handle) data_source(Handle)->set_refractive_index(Index);
+    if (auto* const source = data_source(Handle)) source->set_refractive_index(Index);
   });
 }
 
 void setOnlineAnalogInputConfiguration(LiveDataSourceHandle Handle, bool Enable) {
   guarded(__func__, [&] {
-    if (Handle) data_source(Handle)->set_analog_input(Enable);
+    if (auto* const source = data_source(Handle)) source->set_analog_input(Enable);
   });
 }
 
 void selectOnlineDataSource_Camera(LiveDataSourceHandle Handle, int Camera) {
   guarded(__func__, [&] {
-    if (Handle) data_source(Handle)->set_camera(Camera);
+    if (auto* const source = data_source(Handle)) source->set_camera(Camera);
   });
 }
 
@@ -142,9 +142,10 @@ void setOnlineDataThreshold_PS(LiveDataSourceHandle Handle, double Threshold, bo
 void clearDataSource(LiveDataSourceHandle Handle) {
   guarded(__func__, [&] {
     if (!Handle) return;
-    data_source(Handle)->stop();  // throws on the source's own thread, which must not lose its object
-    data_source(Handle)->deregister_renderer();  // the destructor does not stop it again
-    delete data_source(Handle);
+    oct::api::delete_object<BrennickDataSource>(Handle, [](BrennickDataSource& source) {
+      source.stop();                 // throws on the source's own thread, which must not lose its object
+      source.deregister_renderer();  // the destructor does not stop it again
+    });
   });
 }
 

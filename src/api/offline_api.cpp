@@ -1,5 +1,6 @@
 // Exports of the rendering of uploaded volumes.
 #include "api/guard_opengl.h"
+#include "api/handles.h"
 #include "oct_rendering/oct_rendering.h"
 #include "offline/offline_volume_rendering.h"
 
@@ -18,16 +19,19 @@ OfflineVolumeRendering& offline(OfflineRenderingHandle handle) {
 }  // namespace
 
 OfflineRenderingHandle createOfflineRendering(void) {
-  return guarded(__func__,
-                 [] { return oct::api::handle_of<OctOfflineRendering>(new OfflineVolumeRendering); });
+  return guarded(__func__, [] {
+    return oct::api::handle_of<OctOfflineRendering>(std::make_unique<OfflineVolumeRendering>());
+  });
 }
 
 void clearOfflineRendering(OfflineRenderingHandle Handle) {
-  guarded(__func__, [&] { delete reinterpret_cast<OfflineVolumeRendering*>(Handle); });
+  guarded(__func__, [&] {
+    if (Handle) oct::api::delete_object<OfflineVolumeRendering>(Handle);
+  });
 }
 
 void setOfflineRenderingRenderer(OfflineRenderingHandle Handle, VolumeRendererHandle Renderer) {
-  guarded(__func__, [&] { offline(Handle).set_renderer(reinterpret_cast<oct::VolumeRenderer*>(Renderer)); });
+  guarded(__func__, [&] { offline(Handle).set_renderer(oct::api::find<oct::VolumeRenderer>(Renderer)); });
 }
 
 void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, float Lateral1, float Lateral2) {

@@ -1,5 +1,6 @@
 // Exports of the offscreen target.
 #include "api/guard.h"
+#include "api/handles.h"
 #include "hosting/offscreen/offscreen_target.h"
 #include "oct_rendering/oct_rendering.h"
 
@@ -15,11 +16,14 @@ OffscreenTarget& target(OffscreenTargetHandle handle) {
 }  // namespace
 
 OffscreenTargetHandle createOffscreenTarget(void) {
-  return guarded(__func__, [] { return oct::api::handle_of<OctOffscreenTarget>(new OffscreenTarget); });
+  return guarded(__func__,
+                 [] { return oct::api::handle_of<OctOffscreenTarget>(std::make_unique<OffscreenTarget>()); });
 }
 
 void clearOffscreenTarget(OffscreenTargetHandle Handle) {
-  guarded(__func__, [&] { delete reinterpret_cast<OffscreenTarget*>(Handle); });
+  guarded(__func__, [&] {
+    if (Handle) oct::api::delete_object<OffscreenTarget>(Handle);
+  });
 }
 
 void beginOffscreenFrame(OffscreenTargetHandle Handle, unsigned int Width, unsigned int Height) {

@@ -1,5 +1,6 @@
 // Exports of the volume renderer.
 #include "api/guard_opengl.h"
+#include "api/handles.h"
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
@@ -21,14 +22,14 @@ VolumeRenderer& renderer(VolumeRendererHandle handle) {
 }  // namespace
 
 VolumeRendererHandle createVolumeRenderer(void) {
-  return guarded(__func__, [] { return oct::api::handle_of<OctVolumeRenderer>(new VolumeRenderer); });
+  return guarded(__func__,
+                 [] { return oct::api::handle_of<OctVolumeRenderer>(std::make_unique<VolumeRenderer>()); });
 }
 
 void deleteVolumeRenderer(VolumeRendererHandle Handle) {
   guarded(__func__, [&] {
-    VolumeRenderer* const object = &renderer(Handle);
-    const oct::ObjectLock lock(object);
-    delete object;
+    const oct::ObjectLock lock(&renderer(Handle));
+    oct::api::delete_object<VolumeRenderer>(Handle);
   });
 }
 

@@ -1,12 +1,13 @@
-// Whole lines on the standard streams of the process. A line is written with one call and flushed, so that
-// lines of several threads do not mix.
+// Whole lines on the standard streams of the process. A line is flushed and does not mix with those of other
+// threads. No memory is needed: these lines are what remains when there is none.
 #pragma once
 
 #include <string_view>
 
 namespace oct {
 
-void write_output(std::string_view line);
-void write_error(std::string_view line);
+void write_output(std::string_view line) noexcept;
+void write_error(std::string_view line) noexcept;
+void write_error(std::string_view begin, std::string_view end) noexcept;  // one line
 
 }  // namespace oct

@@ -1,13 +1,20 @@
 #include "core/error_store.h"
 
+#include <algorithm>
+#include <cstring>
+#include <new>
 #include <stdexcept>
+#include <utility>
 
+#include "core/immortal.h"
 #include "core/platform.h"
 
 namespace oct {
 namespace {
 
-ErrorStore store(__builtin_cpu_supports("sse4.2"));
+constexpr std::size_t reserved_length = 255;  // of the text of the reserved record
+
+ErrorStore& store = immortal<ErrorStore>(static_cast<bool>(__builtin_cpu_supports("sse4.2")));
 
 }  // namespace
 
@@ -16,18 +23,35 @@ ErrorStore& error_store() {
 }
 
 ErrorStore::ErrorStore(bool processor_has_sse42) {
+  Records made;
+  made[0].message.reserve(reserved_length);
+  keep_in_reserve(made.extract(made.begin()));
   if (!processor_has_sse42) {
     postError(std::runtime_error("Processor with SSE 4.2 required for proper operation."), true);
   }
 }
 
 void ErrorStore::postError(const std::exception& error, bool sticky) noexcept {
+  const std::uint32_t thread = current_thread_id();
+  const std::lock_guard lock(mutex_);
+  if (records_.contains(thread)) return;
   try {
-    const std::lock_guard lock(mutex_);
-    records_.try_emplace(current_thread_id(), ErrorRecord{sticky, error.what()});
-  } catch (const std::exception&) {
-    // Out of memory while reporting: the line on the standard error stream has to do.
+    records_.try_emplace(thread, ErrorRecord{sticky, error.what()});
+  } catch (const std::bad_alloc&) {
+    post_in_reserve(thread, error.what());
   }
+}
+
+void ErrorStore::post_in_reserve(std::uint32_t thread, const char* message) noexcept {
+  if (!reserve_) return;  // taken by another thread, whose error is pending
+  reserve_.key() = thread;
+  reserve_.mapped().message.assign(message, std::min(std::strlen(message), reserved_length));
+  records_.insert(std::move(reserve_));
+}
+
+// Only a text with room serves; others are freed with the node.
+void ErrorStore::keep_in_reserve(Records::node_type record) noexcept {
+  if (!reserve_ && record.mapped().message.capacity() >= reserved_length) reserve_ = std::move(record);
 }
 
 bool ErrorStore::hasError() const {
@@ -42,8 +66,10 @@ std::optional<std::string> ErrorStore::takeError() {
     if (records_.empty()) return std::nullopt;
     record = records_.begin();
   }
-  std::string message = record->second.message;
-  if (!record->second.sticky) records_.erase(record);
+  if (record->second.sticky) return record->second.message;
+  // The record in reserve comes back with its room for the next text.
+  std::string message = reserve_ ? std::move(record->second.message) : std::string(record->second.message);
+  keep_in_reserve(records_.extract(record));
   return message;
 }
 

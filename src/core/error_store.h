@@ -15,7 +15,8 @@ class ErrorStore {
   // Posts a sticky error at once when the processor lacks SSE 4.2.
   explicit ErrorStore(bool processor_has_sse42);
 
-  // Records the exception's text for the calling thread, unless that thread has a record already.
+  // Records the exception's text for the calling thread, unless that thread has a record already. When there is
+  // no memory, a record kept in reserve takes the error, cut to its length.
   void postError(const std::exception& error, bool sticky) noexcept;
 
   bool hasError() const;
@@ -26,12 +27,17 @@ class ErrorStore {
 
  private:
   struct ErrorRecord {
-    bool sticky;
+    bool sticky = false;
     std::string message;
   };
+  using Records = std::map<std::uint32_t, ErrorRecord>;
+
+  void keep_in_reserve(Records::node_type record) noexcept;
+  void post_in_reserve(std::uint32_t thread, const char* message) noexcept;
 
   mutable std::mutex mutex_;
-  std::map<std::uint32_t, ErrorRecord> records_;
+  Records records_;
+  Records::node_type reserve_;  // with room for a text
 };
 
 // The store of this process, there from the moment the library is loaded.

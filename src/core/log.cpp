@@ -1,57 +1,65 @@
 #include "core/log.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
-#include <memory>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
+#include "core/immortal.h"
 #include "core/shared_block.h"
 
 namespace oct {
 namespace {
 
-// Size of the field in the block; a name may fill it without a NUL.
-constexpr std::size_t name_capacity = 1024;
+// Of a name, which may fill the field without a NUL.
+constexpr std::size_t name_capacity = SharedBlock::size;
 
 class LibraryLog {
  public:
   void set_block(const std::string& name) {
     const std::lock_guard lock(mutex_);
     block_.reset();
-    private_.clear();
+    opened_ = false;
+    private_name_ = {};
     block_name_ = name;
   }
 
   void set_file_name(std::string_view name) {
+    SharedBlock::Bytes bytes{};
+    std::copy(name.begin(), name.end(), bytes.begin());
     const std::lock_guard lock(mutex_);
-    char* const shared = field();
-    std::memset(shared, 0, name_capacity);
-    std::memcpy(shared, name.data(), name.size());
+    open_block();
+    private_name_ = bytes;
+    if (block_) block_->write(bytes);
   }
 
   void write(std::string_view line) {
     const std::lock_guard lock(mutex_);
-    const char* const shared = field();
-    const std::string name(shared, strnlen(shared, name_capacity));
+    open_block();
+    const SharedBlock::Bytes bytes = block_ ? block_->read() : private_name_;
+    const std::string name(bytes.data(), strnlen(bytes.data(), name_capacity));
     if (name != open_name_) open(name);
     if (file_.is_open()) file_ << line << std::endl;
   }
 
+  void close() {
+    const std::unique_lock lock(mutex_, std::try_to_lock);
+    if (lock) open("");
+  }
+
  private:
-  // The shared field; a private one where the system refuses shared memory, so that the log still works
-  // within this process.
-  char* field() {
-    if (!block_ && private_.empty()) {
-      try {
-        if (!block_name_.empty()) block_ = std::make_unique<SharedBlock>(block_name_.c_str(), name_capacity);
-      } catch (const std::exception&) {
-      }
-      if (!block_) private_.resize(name_capacity);
+  // Without a block of its own, where the system refuses shared memory or another user has taken the name, the
+  // log still works within this process.
+  void open_block() {
+    if (opened_ || block_name_.empty()) return;
+    opened_ = true;
+    try {
+      block_.emplace(block_name_.c_str());
+    } catch (const std::exception&) {
     }
-    return block_ ? block_->data() : private_.data();
   }
 
   void open(const std::string& name) {
@@ -63,15 +71,15 @@ class LibraryLog {
 
   std::mutex mutex_;
   std::string block_name_ = "oct_log_settings";
-  std::unique_ptr<SharedBlock> block_;
-  std::vector<char> private_;
+  std::optional<SharedBlock> block_;
+  bool opened_ = false;  // or tried to
+  SharedBlock::Bytes private_name_{};
   std::ofstream file_;
   std::string open_name_;
 };
 
 LibraryLog& library_log() {
-  static LibraryLog instance;
-  return instance;
+  return immortal<LibraryLog>();
 }
 
 }  // namespace

@@ -15,7 +15,8 @@ void set_log_file_name(std::string_view name);
 // which must neither disturb nor follow what else runs on the machine.
 void set_log_block(const std::string& name);
 
-// One line of the log, written when the object ends. Failures of the log never reach the caller.
+// One line of the log, written when the object ends. Failures of the log never reach the caller, that of memory
+// included.
 class LogLine {
  public:
   LogLine() = default;

@@ -1,87 +1,87 @@
 #include "core/object_lock.h"
 
 #include <condition_variable>
-#include <cstdint>
-#include <map>
 #include <mutex>
 #include <stdexcept>
-#include <thread>
+
+#include "core/immortal.h"
 
 namespace oct {
-namespace {
 
-// First come, first served: a render loop that locks its object again right after a frame must not keep
-// everybody else waiting, which a plain mutex allows.
-class FairRecursiveLock {
+// All guards, linked in the order in which they came. First come, first served: a render loop that locks its
+// object again right after a frame must not keep everybody else waiting, which a plain mutex allows. Guards are
+// few, so that the list is walked and no table is kept.
+class ObjectLocks {
  public:
-  void lock() {
+  void enter(ObjectLock& guard) {
     std::unique_lock lock(mutex_);
-    if (depth_ > 0 && owner_ == std::this_thread::get_id()) {
-      ++depth_;
-      return;
-    }
-    const std::uint64_t ticket = next_ticket_++;
-    turn_.wait(lock, [&] { return depth_ == 0 && serving_ == ticket; });
-    owner_ = std::this_thread::get_id();
-    depth_ = 1;
+    ObjectLock* const own = held_by_its_thread(guard);
+    insert_behind(own ? own : last_, guard);
+    if (!own) turn_.wait(lock, [&] { return !others_before(guard); });
   }
 
-  void unlock() {
+  void leave(ObjectLock& guard) {
     {
       const std::lock_guard lock(mutex_);
-      if (--depth_ > 0) return;
-      ++serving_;
+      (guard.previous_ ? guard.previous_->next_ : first_) = guard.next_;
+      (guard.next_ ? guard.next_->previous_ : last_) = guard.previous_;
     }
     turn_.notify_all();
   }
 
+  std::size_t count() {
+    const std::lock_guard lock(mutex_);
+    std::size_t result = 0;
+    for (const ObjectLock* guard = first_; guard; guard = guard->next_) ++result;
+    return result;
+  }
+
  private:
+  // A thread that waits makes no other guard, so what it has in the list it holds.
+  ObjectLock* held_by_its_thread(const ObjectLock& guard) const {
+    ObjectLock* other = first_;
+    while (other && (other->object_ != guard.object_ || other->owner_ != guard.owner_)) other = other->next_;
+    return other;
+  }
+
+  static bool others_before(const ObjectLock& guard) {
+    const ObjectLock* other = guard.previous_;
+    while (other && other->object_ != guard.object_) other = other->previous_;
+    return other != nullptr;
+  }
+
+  void insert_behind(ObjectLock* previous, ObjectLock& guard) {
+    guard.previous_ = previous;
+    guard.next_ = previous ? previous->next_ : first_;
+    (guard.previous_ ? guard.previous_->next_ : first_) = &guard;
+    (guard.next_ ? guard.next_->previous_ : last_) = &guard;
+  }
+
   std::mutex mutex_;
   std::condition_variable turn_;
-  std::thread::id owner_;
-  int depth_ = 0;
-  std::uint64_t next_ticket_ = 0;
-  std::uint64_t serving_ = 0;
+  ObjectLock* first_ = nullptr;
+  ObjectLock* last_ = nullptr;
 };
 
-struct Entry {
-  FairRecursiveLock lock;
-  int users = 0;  // guards that hold or wait for the lock; written under the table's mutex
-};
+namespace {
 
-struct Table {
-  std::mutex mutex;
-  std::map<const void*, Entry> entries;
-};
-
-Table& table() {
-  static Table instance;
-  return instance;
+ObjectLocks& object_locks() {
+  return immortal<ObjectLocks>();
 }
 
 }  // namespace
 
 ObjectLock::ObjectLock(const void* object) : object_(object) {
   if (!object) throw std::invalid_argument("Cannot lock nullptr. ");
-  Entry* entry = nullptr;
-  {
-    const std::lock_guard lock(table().mutex);
-    entry = &table().entries[object];
-    ++entry->users;
-  }
-  entry->lock.lock();
+  object_locks().enter(*this);
 }
 
 ObjectLock::~ObjectLock() {
-  const std::lock_guard lock(table().mutex);
-  const auto entry = table().entries.find(object_);
-  entry->second.lock.unlock();
-  if (--entry->second.users == 0) table().entries.erase(entry);
+  object_locks().leave(*this);
 }
 
-std::size_t locked_object_count() {
-  const std::lock_guard lock(table().mutex);
-  return table().entries.size();
+std::size_t object_lock_count() {
+  return object_locks().count();
 }
 
 }  // namespace oct

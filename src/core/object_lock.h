@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstddef>
+#include <thread>
 
 namespace oct {
 
 // Scoped guard. Throws std::invalid_argument "Cannot lock nullptr. " for null. A thread may lock an
 // object again that it has locked already: a client's callback, called from a frame, may use
-// setters of the rendered object.
+// setters of the rendered object. Needs no memory beside itself, so that nothing is left undeleted when there is
+// none.
 class ObjectLock {
  public:
   explicit ObjectLock(const void* object);
@@ -16,11 +18,16 @@ class ObjectLock {
   ObjectLock& operator=(const ObjectLock&) = delete;
 
  private:
-  const void* object_;
+  friend class ObjectLocks;
+
+  const void* const object_;
+  const std::thread::id owner_ = std::this_thread::get_id();
+  // In the list of all guards of the process.
+  ObjectLock* next_ = nullptr;
+  ObjectLock* previous_ = nullptr;
 };
 
-// Number of addresses that are locked or waited for at this moment; entries live no longer than their guards,
-// so that destroyed objects leave nothing behind.
-std::size_t locked_object_count();
+// Number of guards that live at this moment, whether they hold their object or wait for it.
+std::size_t object_lock_count();
 
 }  // namespace oct

@@ -1,6 +1,7 @@
-// A named block of memory that all processes of the machine share. One source per platform.
+// A named block of memory that the processes of a user share. One source per platform.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <memory>
 
@@ -8,15 +9,22 @@ namespace oct {
 
 class SharedBlock {
  public:
-  // Opens the block, or makes it with every byte 0. Throws a std::exception when neither is possible.
-  SharedBlock(const char* name, std::size_t size);
+  static constexpr std::size_t size = 1024;  // bytes
+  using Bytes = std::array<char, size>;
+
+  // Opens the block, or makes it with every byte 0. Throws a std::exception when neither is possible, and for
+  // a block that another user has made: who owns it can direct what this process writes.
+  explicit SharedBlock(const char* name);
   ~SharedBlock();
   SharedBlock(const SharedBlock&) = delete;
   SharedBlock& operator=(const SharedBlock&) = delete;
 
-  char* data() const;
+  Bytes read() const;
+  void write(const Bytes& bytes);
 
  private:
+  Bytes read_once() const;
+
   struct Mapping;
   std::unique_ptr<Mapping> mapping_;
 };

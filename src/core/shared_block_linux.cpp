@@ -1,30 +1,44 @@
+// Read and written as a file: a mapping would end the process when somebody cuts the block.
 #include "core/shared_block.h"
 
-#include <boost/interprocess/mapped_region.hpp>
+#include <stdexcept>
+
 #include <boost/interprocess/shared_memory_object.hpp>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace oct {
 
 namespace ipc = boost::interprocess;
 
 struct SharedBlock::Mapping {
-  ipc::mapped_region region;
+  ipc::shared_memory_object memory;
+
+  int file() const { return memory.get_mapping_handle().handle; }
 };
 
-SharedBlock::SharedBlock(const char* name, std::size_t size) {
-  ipc::shared_memory_object memory(ipc::open_or_create, name, ipc::read_write);
-  ipc::offset_t present = 0;
-  // Only growing: a process that opens the block while another one fills it must not cut it.
-  if (memory.get_size(present) && present < static_cast<ipc::offset_t>(size)) {
-    memory.truncate(static_cast<ipc::offset_t>(size));
-  }
-  mapping_ = std::make_unique<Mapping>(Mapping{ipc::mapped_region(memory, ipc::read_write, 0, size)});
+SharedBlock::SharedBlock(const char* name)
+    : mapping_(std::make_unique<Mapping>(
+          Mapping{ipc::shared_memory_object(ipc::open_or_create, name, ipc::read_write)})) {
+  struct stat status {};
+  const bool ours = fstat(mapping_->file(), &status) == 0 && S_ISREG(status.st_mode) &&
+                    status.st_uid == geteuid() && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+  if (!ours) throw std::runtime_error("The shared block belongs to somebody else. ");
 }
 
 SharedBlock::~SharedBlock() = default;
 
-char* SharedBlock::data() const {
-  return static_cast<char*>(mapping_->region.get_address());
+// Bytes beyond the block's end, where it is new or was cut, are 0.
+SharedBlock::Bytes SharedBlock::read_once() const {
+  Bytes bytes{};
+  if (pread(mapping_->file(), bytes.data(), size, 0) < 0) return {};
+  return bytes;
+}
+
+void SharedBlock::write(const Bytes& bytes) {
+  if (pwrite(mapping_->file(), bytes.data(), size, 0) != static_cast<ssize_t>(size)) {
+    throw std::runtime_error("The shared block could not be written. ");
+  }
 }
 
 }  // namespace oct

@@ -1,6 +1,8 @@
-// The system's own named shared memory: it lives as long as one process holds it open. Boost's portable kind
-// would emulate it by files and needs a boot identifier that restricted machines do not give.
+// The system's own named shared memory: it lives as long as one process holds it open, and belongs to a session.
+// Boost's portable kind would emulate it by files and needs a boot identifier that restricted machines do not give.
 #include "core/shared_block.h"
+
+#include <cstring>
 
 #include <boost/interprocess/mapped_region.hpp>
 #include <boost/interprocess/windows_shared_memory.hpp>
@@ -10,20 +12,25 @@ namespace oct {
 namespace ipc = boost::interprocess;
 
 struct SharedBlock::Mapping {
-  Mapping(const char* name, std::size_t size)
+  explicit Mapping(const char* name)
       : memory(ipc::open_or_create, name, ipc::read_write, size), region(memory, ipc::read_write, 0, size) {}
 
   ipc::windows_shared_memory memory;  // the name lasts while this handle is open
   ipc::mapped_region region;
 };
 
-SharedBlock::SharedBlock(const char* name, std::size_t size)
-    : mapping_(std::make_unique<Mapping>(name, size)) {}
+SharedBlock::SharedBlock(const char* name) : mapping_(std::make_unique<Mapping>(name)) {}
 
 SharedBlock::~SharedBlock() = default;
 
-char* SharedBlock::data() const {
-  return static_cast<char*>(mapping_->region.get_address());
+SharedBlock::Bytes SharedBlock::read_once() const {
+  Bytes bytes;
+  std::memcpy(bytes.data(), mapping_->region.get_address(), size);
+  return bytes;
+}
+
+void SharedBlock::write(const Bytes& bytes) {
+  std::memcpy(mapping_->region.get_address(), bytes.data(), size);
 }
 
 }  // namespace oct

@@ -3,6 +3,7 @@
 #include <mutex>
 #include <stdexcept>
 
+#include "core/immortal.h"
 #include "module/shared_library.h"
 
 namespace oct {
@@ -59,6 +60,11 @@ class Binding {
     return library_;
   }
 
+  void close() {
+    const std::unique_lock lock(mutex_, std::try_to_lock);
+    if (lock) library_.reset();
+  }
+
  private:
   std::mutex mutex_;
   std::string name_ = "oct_device";
@@ -66,8 +72,7 @@ class Binding {
 };
 
 Binding& binding() {
-  static Binding instance;
-  return instance;
+  return immortal<Binding>();
 }
 
 }  // namespace

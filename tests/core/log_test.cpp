@@ -1,5 +1,7 @@
 #include "core/log.h"
 
+#include <array>
+#include <atomic>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -28,8 +30,8 @@ class LogTest : public testing::Test {
   }
 
   std::string settings() const {
-    const SharedBlock block(block_.c_str(), 1024);
-    return {block.data(), strnlen(block.data(), 1024)};
+    const SharedBlock::Bytes bytes = SharedBlock(block_.c_str()).read();
+    return {bytes.data(), strnlen(bytes.data(), bytes.size())};
   }
 
   const std::string block_ = "oct_log_test_" + std::to_string(std::random_device{}());
@@ -45,10 +47,9 @@ TEST_F(LogTest, NamesOfThisAndOtherProcessesAreFollowed) {
         << " with " << 2.5;
   setRendererLogFile("");
   log() << "nowhere";
-  {
-    const SharedBlock block(block_.c_str(), 1024);
-    std::strcpy(block.data(), file.string().c_str());
-  }
+  SharedBlock::Bytes bytes{};
+  file.string().copy(bytes.data(), bytes.size());
+  SharedBlock(block_.c_str()).write(bytes);
   log() << "hello";
   setRendererLogFile("x");
   EXPECT_EQ(settings(), "x") << "rest of an older name";
@@ -70,6 +71,24 @@ TEST_F(LogTest, LengthOfTheName) {
   setRendererLogFile(std::string(1025, 'b').c_str());
   EXPECT_EQ(pending_error(), "Filename for logging is too long. Filename is limited to 1024 characters. ");
   EXPECT_EQ(settings(), std::string(1024, 'a')) << "a refused name changes nothing";
+}
+
+// Another process that reads while this one writes sees the one name or the other.
+TEST_F(LogTest, ANameIsSeenWhole) {
+  const std::array<std::string, 2> names{std::string(700, 'a'), std::string(1000, 'b')};
+  setRendererLogFile(names[0].c_str());
+  std::atomic<bool> done{false};
+  std::thread writer([&] {
+    for (std::size_t i = 0; i < 40'000; ++i) setRendererLogFile(names[i % 2].c_str());
+    done = true;
+  });
+  int cut = 0;
+  while (!done) {
+    const std::string seen = settings();
+    cut += seen != names[0] && seen != names[1];
+  }
+  writer.join();
+  EXPECT_EQ(cut, 0);
 }
 
 TEST(LogThreadTest, LogLinesOfSeveralThreadsStayWhole) {

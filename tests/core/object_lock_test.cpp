@@ -28,7 +28,7 @@ TEST(ObjectLockTest, SerialisesOneObjectAndNotAnother) {
         --inside;
       }
     });
-    EXPECT_EQ(locked_object_count(), 1U);
+    EXPECT_EQ(object_lock_count(), 1U);
   }
   EXPECT_EQ(first, 16000);
   EXPECT_EQ(most, 1);
@@ -64,9 +64,9 @@ TEST(ObjectLockTest, EntriesOfDestroyedObjectsDoNotPileUp) {
     const auto object = std::make_unique<int>(i);
     const ObjectLock lock(object.get());
     const ObjectLock again(object.get());  // the same thread may
-    EXPECT_EQ(locked_object_count(), 1U);
+    EXPECT_EQ(object_lock_count(), 2U);
   }
-  EXPECT_EQ(locked_object_count(), 0U);
+  EXPECT_EQ(object_lock_count(), 0U);
 }
 
 }  // namespace

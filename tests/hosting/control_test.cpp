@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "hosting/loop/opengl_control.h"
+#include "hosting/offscreen/offscreen_buffer_object.h"
 #include "hosting/surfaces/direct3d_sharing.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
@@ -40,11 +41,9 @@ OCT_EVERY_SHARING(ControlGLTest);
 double angle_of(const std::function<void()>& draw) {
   OffscreenBufferObject buffer;
   Picture picture(200, 200);
-  buffer.resize(200, 200);
-  buffer.set_output_data(picture.bytes.data());
-  buffer.prepare();
+  buffer.prepare(200, 200);
   draw();
-  buffer.finish();
+  buffer.finish(picture.bytes.data());
   buffer.release();
   EXPECT_EQ(picture.bgra(0, 199), (std::array<int, 4>{0, 255, 255, 255}));      // yellow
   for (int c = 0; c < 3; ++c) EXPECT_NEAR(picture.pixel(100, 100)[c], 85, 12);  // the three colours mixed

@@ -105,5 +105,25 @@ TEST_F(HostBufferGLTest, AGpuThatIsNotDone) {
   expect_mapped(5, 4, 4);
 }
 
+// Neither a frame nor its failure vanishes.
+TEST_F(HostBufferGLTest, WhereOpenGLGivesNoFenceOrNoMemory) {
+  buffer_.resize(5, 4);
+  const auto fence = std::exchange(__glewFenceSync, [](GLenum, GLbitfield) -> GLsync { return nullptr; });
+  const std::string text = log_of([&] { draw(3); });
+  __glewFenceSync = fence;
+  EXPECT_TRUE(contains(text, "OpenGL gave no fence")) << text;
+  expect_mapped(3, 5, 4);
+
+  const auto map = __glewMapBufferRange;
+  __glewMapBufferRange = [](GLenum, GLintptr, GLsizeiptr, GLbitfield) -> void* { return nullptr; };
+  draw(4);
+  EXPECT_EQ(failure_of([&] { buffer_.complete(true); }), "Could not map the pixels of a frame. ");
+  __glewMapBufferRange = map;
+  EXPECT_EQ(buffer_.map(), nullptr);
+
+  draw(5);
+  expect_mapped(5, 5, 4);
+}
+
 }  // namespace
 }  // namespace oct::test

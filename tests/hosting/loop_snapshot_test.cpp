@@ -5,6 +5,7 @@
 #include <system_error>
 #include <thread>
 
+#include "support/gl_spy.h"
 #include "support/test_context.h"
 #include "support/test_loop.h"
 
@@ -38,9 +39,6 @@ TEST_P(LoopSnapshotGLTest, AnySizeWhileTheLoopDraws) {
   auto loop = make_pattern_loop(0x00AB12CD);
   loop->set_mode(OpenGLControlLoop::round_robin);
   loop->request(-1);  // draws nothing and is in nobody's way
-  std::uint8_t byte = 77;
-  loop->snapshot(0, 0, &byte);
-  EXPECT_EQ(byte, 77);
   loop->request(5);
   for (const auto& [width, height] : {std::pair{1, 1}, {3, 200}, {640, 480}, {20, 10}, {33, 7}}) {
     Picture picture(width, height);
@@ -99,25 +97,104 @@ TEST_P(LoopSnapshotGLTest, FromTheImageReadyFunctionWhileFramesWait) {
   EXPECT_EQ(came, (std::set<std::uint32_t>{0, 1, 2, 3, 4, 5, 6}));  // nothing that was asked for is lost
 }
 
-TEST_P(LoopSnapshotGLTest, FromTheRenderFunctionIsRefused) {
-  auto loop = make_recording_loop(8, 6);
-  loop->set_rendering_callback(RenderingCallback([&](std::uint32_t id) {
-    EXPECT_THROW(loop->snapshot(4, 4, picture_.bytes.data()), std::system_error);
-    drawn_.add(id);
-  }));
+// The colour tells when the render function began.
+TEST_P(LoopSnapshotGLTest, NothingOlderThanTheCall) {
+  std::atomic<std::uint32_t> now{0};
+  auto loop = make_recording_loop(4, 4);
+  loop->set_rendering_callback(RenderingCallback([&](std::uint32_t) { draw_pattern(now); }));
+  loop->set_mode(OpenGLControlLoop::round_robin);
   loop->request(1);
-  EXPECT_EQ(drawn_.at_least(1), Ids{1});
+  for (std::uint32_t i = 1; i <= 300; ++i) {
+    now = i;
+    loop->snapshot(4, 4, picture_.bytes.data());
+    ASSERT_EQ(picture_.bytes, pattern_picture(i, 4, 4).bytes) << i;
+  }
 }
 
-TEST_P(LoopSnapshotGLTest, OfALoopWithoutSizeComesWithTheSizeAndHoldsUpNoDeletion) {
-  for (const bool deleted : {true, false}) {
-    auto loop = make_recording_loop(0, 0);
-    auto snapshot = snapshot_of(*loop);
-    EXPECT_EQ(snapshot.wait_for(30ms), std::future_status::timeout);
-    deleted ? loop.reset() : loop->resize(9, 9);
-    EXPECT_EQ(failure_of([&] { snapshot.get(); }) == "(none)", !deleted);
+// What cannot be drawn is told to who asked and leaves the memory alone; what comes next is as ever. A target
+// lives no longer than its snapshot.
+TEST_P(LoopSnapshotGLTest, WhatCannotBeDrawnSpoilsNothing) {
+  const TestContext loads_opengl;
+  GlSpy spy;
+  std::atomic<bool> mistaken{false};
+  auto loop = make_recording_loop(8, 6);
+  loop->set_rendering_callback(RenderingCallback([&](std::uint32_t id) {
+    draw_pattern(0x778899);
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    if (viewport[2] == 4 && mistaken.exchange(false)) glEnable(GL_RGBA);
+    drawn_.add(id);
+  }));
+  auto draw = [&, id = 0]() mutable {
+    loop->request(++id);
+    await_returned(static_cast<std::uint32_t>(id));
+  };
+  for (int i = 0; i < 3; ++i) draw();  // the whole ring
+  const std::size_t objects = spy.live_objects();
+  const std::string no_target = "Could not generate render target. ";
+  const std::string reason = "An error occured when creating render target: ";
+  const struct {
+    std::uint32_t width, height;
+    const char* function;  // that fails
+    GLenum error;
+    bool mistake;  // of the render function
+    std::string message, log;
+  } rows[] = {
+      {100000, 4, "", 0, false, no_target, reason + "A numeric argument is out of range."},
+      {4, 0x7FFFFFFF, "", 0, false, no_target, reason + "A numeric argument is out of range."},
+      {4, 4, "glRenderbufferStorage", GL_OUT_OF_MEMORY, false, no_target,
+       reason + "There is not enough memory"},
+      {4, 4, "glGenFramebuffers", 0, false, no_target, reason},
+      {4, 4, "glCheckFramebufferStatus", GL_FRAMEBUFFER_UNSUPPORTED, false, no_target,
+       reason + "GL_FRAMEBUFFER_UNSUPPORTED"},
+      {4, 4, "", 0, true, "An OpenGL error in the snapshot occured: An unacceptable value", ""},
+      {0, 0, "", 0, false, "(none)", ""},
+      {4, 0, "", 0, false, "(none)", ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.message + row.log);
+    mistaken = row.mistake;
+    if (*row.function) spy.fail_next(row.function, 1, row.error);
+    Picture untouched(4, 4);
+    const std::string text = log_of([&] {
+      const std::string message =
+          failure_of([&] { loop->snapshot(row.width, row.height, untouched.bytes.data()); });
+      EXPECT_EQ(message.substr(0, row.message.size()), row.message);
+    });
+    EXPECT_TRUE(contains(text, row.log)) << text;
+    EXPECT_EQ(untouched.bytes, Picture(4, 4).bytes);
+    EXPECT_EQ(spy.live_objects(), objects);
+    draw();
+    loop->snapshot(4, 4, picture_.bytes.data());
+    EXPECT_TRUE(agree(picture_, pattern_picture(0x778899, 4, 4), exact));
+    EXPECT_EQ(spy.live_objects(), objects);
   }
-  EXPECT_TRUE(agree(picture_, pattern_picture(0, 4, 4), exact));
+  spy.answer(GL_MAX_VIEWPORT_DIMS, 3);
+  EXPECT_EQ(failure_of([&] { loop->snapshot(4, 2, picture_.bytes.data()); }), no_target);
+  loop->resize(8, 0);
+  EXPECT_EQ(failure_of([&] { loop->snapshot(4, 4, picture_.bytes.data()); }),
+            "A control loop without a size takes no snapshots. ");
+  EXPECT_EQ(errors_.all(), std::vector<std::string>{});
+}
+
+// Deletion waits for the return thread, and that one for a picture that nobody draws any more.
+TEST_P(LoopSnapshotGLTest, FromTheImageReadyFunctionDuringDeletion) {
+  auto loop = make_recording_loop(8, 6);
+  std::promise<void> shown;
+  loop->set_image_ready_callback(image_ready([&, snap = loop.get(), first = true](Index, void*) mutable {
+    if (!std::exchange(first, false)) return;
+    shown.set_value();
+    std::this_thread::sleep_for(30ms);
+    std::string message;
+    while (message.empty() || message == "(none)") {
+      message = failure_of([&] { snap->snapshot(4, 4, picture_.bytes.data()); });
+    }
+    errors_.add(message);
+  }));
+  loop->request(1);
+  shown.get_future().wait();
+  loop.reset();
+  EXPECT_EQ(errors_.all(), std::vector<std::string>{"The control loop is being deleted. "});
 }
 
 TEST_P(LoopSnapshotGLTest, DeletionLetsARunningOneFinish) {

@@ -1,4 +1,5 @@
-// What the loop's threads meet at, each on its own: request queue, return map, visitors, event, functors.
+// What the loop's threads meet at, each on its own: request queue, return map, desk of snapshots, event,
+// functors.
 #include <future>
 
 #include <gtest/gtest.h>
@@ -7,7 +8,7 @@
 #include "hosting/loop/functors.h"
 #include "hosting/loop/request_queue.h"
 #include "hosting/loop/return_map.h"
-#include "hosting/loop/visitors.h"
+#include "hosting/loop/snapshot_desk.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -31,29 +32,35 @@ TEST(RequestQueueTest, EqualIdsWaitOnceAndRotationKeepsThem) {
   EXPECT_EQ(queue.take(), 7);
   EXPECT_EQ(queue.front(), 4) << "a snapshot passes over ids that draw nothing";
   EXPECT_EQ(queue.take(), no_request);
-  queue.add(2);
-  queue.put_back(*queue.take());
-  EXPECT_EQ(queue.front(), 4);
-  const auto taken = queue.take();
-  queue.add(4);
-  queue.put_back(*taken);  // asked for again meanwhile
-  EXPECT_EQ(queue.take(), 2);
   EXPECT_EQ(queue.take(), 4);
-  EXPECT_TRUE(queue.empty());
   for (const auto& nothing : {queue.take(), queue.front(), queue.rotate()}) EXPECT_EQ(nothing, std::nullopt);
+  queue.add(no_request);
+  EXPECT_EQ(queue.front(), std::nullopt);
+  auto drawable = std::async(std::launch::async, [&] {
+    queue.wait([](RequestQueue::Content content) { return content.any && content.drawable; });
+  });
+  EXPECT_TRUE(blocks(drawable));
+  queue.add(1);
+  drawable.get();
 }
 
 HandOffBuffer* buffer_at(std::uintptr_t address) {
   return reinterpret_cast<HandOffBuffer*>(address);
 }
 
-TEST(ReturnMapTest, SmallestKeyFirstAndOneBufferPerKey) {
+TEST(ReturnMapTest, KeysInTurnAndOneBufferPerKey) {
   ReturnMap map;
-  map.insert(5, buffer_at(16));
-  map.insert(-3, buffer_at(32));
-  map.insert(5, buffer_at(48));
-  map.insert(0, nullptr);
-  for (const std::uintptr_t address : {32, 0, 48}) EXPECT_EQ(map.take(), buffer_at(address));
+  for (const auto& [key, address] : {std::pair{5, 16}, {-3, 32}, {5, 48}, {9, 64}}) {
+    map.insert(key, buffer_at(address));
+  }
+  EXPECT_EQ(map.take(), buffer_at(32));
+  EXPECT_EQ(map.take(), buffer_at(48));
+  map.insert(4, buffer_at(16));  // comes when those above the last one have come
+  map.insert(5, buffer_at(32));
+  for (const std::uintptr_t address : {64, 16, 32}) EXPECT_EQ(map.take(), buffer_at(address));
+  map.insert(9, buffer_at(64));
+  map.close();
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(map.take(), nullptr) << "the end overtakes";
 }
 
 // In the moment before the return thread locks it, too.
@@ -68,40 +75,53 @@ TEST(ReturnMapTest, ABufferIsOutUntilItIsReturned) {
   waiter.get();
 }
 
-TEST(VisitorsTest, ClosedDoorsAndTheLastToLeave) {
-  Visitors visitors;
-  EXPECT_TRUE(visitors.enter());
-  EXPECT_TRUE(visitors.enter());
-  visitors.close();
-  EXPECT_FALSE(visitors.enter());
-  auto drained = std::async(std::launch::async, [&] { visitors.drain(); });
-  visitors.leave();
-  EXPECT_FALSE(visitors.empty());
+// One order at a time, from a client that waits until nobody writes to its memory any more.
+TEST(SnapshotDeskTest, AnOrderIsTakenAndFinishedOrFails) {
+  SnapshotDesk desk;
+  int pixel = 0;
+  const auto order = [&] {
+    EXPECT_TRUE(desk.place({3, 4, &pixel}));
+    return std::async(std::launch::async, [&] { return failure_of([&] { desk.wait(); }); });
+  };
+  EXPECT_FALSE(desk.take());
+  desk.fail("Nobody is waiting. ");
+  for (const std::string reason : {"(none)", "No paint. ", "(none)"}) {
+    auto client = order();
+    EXPECT_TRUE(desk.has_order());
+    EXPECT_FALSE(desk.place({1, 1, &pixel}));
+    const auto taken = desk.take();
+    ASSERT_TRUE(taken);
+    EXPECT_EQ(taken->height, 4U);
+    EXPECT_EQ(taken->data, &pixel);
+    EXPECT_FALSE(desk.has_order() || desk.take());
+    EXPECT_TRUE(blocks(client));
+    EXPECT_TRUE(desk.busy());
+    reason == "(none)" ? desk.finish() : desk.fail(reason.c_str());
+    EXPECT_FALSE(desk.busy());
+    EXPECT_EQ(client.get(), reason);
+  }
+  auto last = order();
+  desk.close("Closed. ");
+  auto drained = std::async(std::launch::async, [&] { desk.drain(); });
   EXPECT_TRUE(blocks(drained));
-  visitors.leave();
+  desk.fail("Too late. ");  // not even taken
+  EXPECT_EQ(last.get(), "Too late. ");
   drained.get();
-  EXPECT_TRUE(visitors.empty());
+  EXPECT_EQ(failure_of([&] { desk.place({1, 1, &pixel}); }), "Closed. ");
 }
 
-TEST(SignalEventTest, StaysSignalledUntilItIsClearedOrPassed) {
+TEST(SignalEventTest, StaysSignalledUntilItIsPassedOrForGood) {
   for (const bool autoReset : {false, true}) {
     SignalEvent event(autoReset);
-    int actions = 0;
-    const auto count = [&] { ++actions; };
-    const auto waiter = [&] { return std::async(std::launch::async, [&] { return event.wait([] {}); }); };
+    const auto waiter = [&] { return std::async(std::launch::async, [&] { event.wait(); }); };
     auto first = waiter();
     EXPECT_TRUE(blocks(first));
-    event.signal(7);
-    EXPECT_EQ(first.get(), 7U);
-    if (!autoReset) {
-      for (int i = 0; i < 2; ++i) EXPECT_EQ(event.wait(count), 7U);
-      event.clear(count);
-      EXPECT_EQ(actions, 3);
-    }
+    event.signal();
+    first.get();
     auto second = waiter();
-    EXPECT_TRUE(blocks(second));
-    event.signal(2);
-    EXPECT_EQ(second.get(), 2U);
+    EXPECT_EQ(blocks(second), autoReset);
+    event.signal();
+    second.get();
   }
 }
 

@@ -65,13 +65,14 @@ TEST(LifetimeGLTest, LoadedUsedAndUnloadedManyTimes) {
 TEST(SharedLogTest, NameOfTheFileIsInTheBlockOfAllProcesses) {
   const DynamicLibrary library(OCT_LIBRARY_FILE);
   const auto set_log_file = library.function<decltype(setRendererLogFile)>("setRendererLogFile");
-  const SharedBlock block("oct_log_settings", 1024);
+  const SharedBlock block("oct_log_settings");
   const std::string name = "no/such/folder/" + std::to_string(std::random_device{}());
   std::string found;
   // Others on the machine may write to the block in between, but not each time.
   for (int i = 0; i < 20 && found != name; ++i) {
     set_log_file(name.c_str());
-    found.assign(block.data(), strnlen(block.data(), 1024));
+    const SharedBlock::Bytes bytes = block.read();
+    found.assign(bytes.data(), strnlen(bytes.data(), bytes.size()));
   }
   EXPECT_EQ(found, name);
   set_log_file(nullptr);

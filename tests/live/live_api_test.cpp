@@ -27,16 +27,23 @@ TEST_F(LiveApiTest, NullHandles) {
   const LiveDataSourceHandle source = source_;
   expect_null_refused("Cannot lock nullptr. ", clearLiveRendering, isLiveVolumeRunning);
   expect_null_refused("Invalid Live Rendering Handle specified. ", setLiveVolumeRenderingRenderer);
-  expect_null_refused("The specifided OCTDeviceHandle is invalid. ", createOnlineDataSource,
-                      createOnlineDataSource_PS);
-  expect_null_refused(invalid_source, startDataSource, stopDataSource, getLiveVolumeRenderingSize, setSizeZ,
+  expect_null_refused(invalid_source, stopDataSource, getLiveVolumeRenderingSize, setSizeZ,
                       setRefIntensityCallback, setErrorCallback);
   expect_null_refused(invalid_renderer, renderVolume, getRenderedVolumesPerSec, getLiveVolumeCounts);
   const auto create_ps = [&](ProcessingHandle first, ProcessingHandle second) {
     return [=] { EXPECT_EQ(createOnlineDataSource_PS(device, first, second, nullptr), nullptr); };
   };
   unsigned drawn = 7;
+  constexpr const char* not_valid = "The handle is not valid. ";
+  const auto other = reinterpret_cast<LiveVolumeRenderingHandle>(source);
   const std::pair<std::function<void()>, const char*> cases[] = {
+      {[] { createOnlineDataSource(nullptr, nullptr); }, "The specifided OCTDeviceHandle is invalid. "},
+      {[] { createOnlineDataSource_PS(nullptr, nullptr, nullptr, nullptr); },
+       "The specifided OCTDeviceHandle is invalid. "},
+      {[] { startDataSource(nullptr, nullptr, nullptr); }, invalid_source},
+      {[&] { startDataSource(other, source, nullptr); }, not_valid},
+      {[&] { clearDataSource(reinterpret_cast<LiveDataSourceHandle>(live_)); }, not_valid},
+      {[&] { selectOnlineDataSource_Camera(reinterpret_cast<LiveDataSourceHandle>(live_), 1); }, not_valid},
       {[&] { setLiveVolumeRenderingRenderer(live_, nullptr); }, "Cannot lock nullptr. "},
       {[&] { EXPECT_EQ(createOnlineDataSource(device, nullptr), nullptr); },
        "The specifided ProcessingHandle is invalid. "},
@@ -61,7 +68,7 @@ TEST_F(LiveApiTest, NullHandles) {
   EXPECT_EQ(pending_error(), "(none)");
   EXPECT_FALSE(isLiveVolumeRunning(live_)) << "nothing was started";
   EXPECT_EQ(device_.volumes(), 0);
-  EXPECT_EQ(locked_object_count(), 0U);
+  EXPECT_EQ(object_lock_count(), 0U);
 }
 
 TEST_F(LiveApiTest, Misuse) {
@@ -87,7 +94,7 @@ TEST_F(LiveApiTest, Misuse) {
   EXPECT_FALSE(isLiveVolumeRunning(live_));
   stopDataSource(source);
   EXPECT_FALSE(isLiveVolumeRunning(live_)) << "a source that is stopped has no renderer to stop";
-  EXPECT_EQ(locked_object_count(), 0U);
+  EXPECT_EQ(object_lock_count(), 0U);
 }
 
 // A standard source takes the settings of the other kind and does nothing with them.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <mutex>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -23,7 +24,7 @@ struct GlSpy::State {
   std::map<GLenum, GLint> answers;
   std::deque<GLenum> errors;
   std::set<std::tuple<void*, std::string, GLuint>> objects;  // with their contexts
-  std::mutex mutex;                                          // guards all but the answers
+  std::mutex mutex;
 
   // Counts a call; true when it is to fail.
   bool enter(const std::string& function) {
@@ -41,6 +42,11 @@ struct GlSpy::State {
     return true;
   }
 
+  GLenum error_of(const std::string& function) {
+    const std::lock_guard lock(mutex);
+    return failures.at(function).error;
+  }
+
   void made(const std::string& kind, GLuint name) {
     const std::lock_guard lock(mutex);
     if (name != 0) objects.emplace(gl::current_context(), kind, name);
@@ -50,7 +56,8 @@ struct GlSpy::State {
     objects.erase({gl::current_context(), kind, name});
   }
 
-  void answer(GLenum query, GLint* value) const {
+  void answer(GLenum query, GLint* value) {
+    const std::lock_guard lock(mutex);
     const auto answer = answers.find(query);
     if (answer != answers.end()) *value = answer->second;
   }
@@ -74,12 +81,12 @@ void fail(const char*, GLsizei count, GLuint* names) {
 }
 template <class... Args>
 void fail(const char* function, const Args&...) {
+  const GLenum error = spy->error_of(function);
   const std::lock_guard lock(spy->mutex);
-  spy->errors.push_back(spy->failures.at(function).error);
+  spy->errors.push_back(error);
 }
 
-// Takes the census; the kind of the objects follows "glGen", "glCreate" and "glDelete". What else is done
-// with the name of a shader or program has no kind that was ever made.
+// Takes the census; the kind of the objects follows "glGen", "glCreate" and "glDelete".
 void take_note(const char* function, GLsizei count, GLuint* names) {
   for (GLsizei i = 0; i < count; ++i) spy->made(function + 5, names[i]);
 }
@@ -87,7 +94,7 @@ void take_note(const char* function, GLsizei count, const GLuint* names) {
   for (GLsizei i = 0; i < count; ++i) spy->deleted(function + 8, names[i]);
 }
 void take_note(const char* function, GLuint name) {
-  spy->deleted(function + 8, name);
+  if (std::string_view(function).starts_with("glDelete")) spy->deleted(function + 8, name);
 }
 template <class... Args>
 void take_note(const char*, const Args&...) {}
@@ -125,8 +132,12 @@ void GLAPIENTRY tex_image_3d(GLenum target, GLint level, GLint internal, GLsizei
           depth, border, format, type, pixels);
 }
 GLenum GLAPIENTRY check_framebuffer_status(GLenum target) {
-  if (spy->enter("glCheckFramebufferStatus")) return spy->failures.at("glCheckFramebufferStatus").error;
+  if (spy->enter("glCheckFramebufferStatus")) return spy->error_of("glCheckFramebufferStatus");
   return original<&__glewCheckFramebufferStatus>(target);
+}
+GLenum GLAPIENTRY client_wait_sync(GLsync sync, GLbitfield flags, GLuint64 nanoseconds) {
+  if (spy->enter("glClientWaitSync")) return GL_WAIT_FAILED;
+  return original<&__glewClientWaitSync>(sync, flags, nanoseconds);
 }
 void GLAPIENTRY get_programiv(GLuint name, GLenum query, GLint* value) {
   original<&__glewGetProgramiv>(name, query, value);
@@ -182,6 +193,34 @@ void replace_all() {
   replace<&__glewGetProgramiv>(get_programiv);
   replace<"glProgramBinary", &__glewProgramBinary>();
   replace<"glGetProgramBinary", &__glewGetProgramBinary>();
+  replace<"glActiveTexture", &__glewActiveTexture>();
+  replace<"glAttachShader", &__glewAttachShader>();
+  replace<"glBindBuffer", &__glewBindBuffer>();
+  replace<"glBindFramebuffer", &__glewBindFramebuffer>();
+  replace<"glBindRenderbuffer", &__glewBindRenderbuffer>();
+  replace<"glBindSampler", &__glewBindSampler>();
+  replace<"glBindVertexArray", &__glewBindVertexArray>();
+  replace<"glBlendEquation", &__glewBlendEquation>();
+  replace<"glBlendFuncSeparate", &__glewBlendFuncSeparate>();
+  replace<"glBlitFramebuffer", &__glewBlitFramebuffer>();
+  replace<&__glewClientWaitSync>(client_wait_sync);
+  replace<"glDeleteSync", &__glewDeleteSync>();
+  replace<"glEnableVertexAttribArray", &__glewEnableVertexAttribArray>();
+  replace<"glFenceSync", &__glewFenceSync>();
+  replace<"glFramebufferRenderbuffer", &__glewFramebufferRenderbuffer>();
+  replace<"glMapBufferRange", &__glewMapBufferRange>();
+  replace<"glProgramParameteri", &__glewProgramParameteri>();
+  replace<"glShaderSource", &__glewShaderSource>();
+  replace<"glUniform1f", &__glewUniform1f>();
+  replace<"glUniform1i", &__glewUniform1i>();
+  replace<"glUniform2f", &__glewUniform2f>();
+  replace<"glUniform3f", &__glewUniform3f>();
+  replace<"glUniform4f", &__glewUniform4f>();
+  replace<"glUniform4fv", &__glewUniform4fv>();
+  replace<"glUniformMatrix3fv", &__glewUniformMatrix3fv>();
+  replace<"glUniformMatrix4fv", &__glewUniformMatrix4fv>();
+  replace<"glUseProgram", &__glewUseProgram>();
+  replace<"glVertexAttribPointer", &__glewVertexAttribPointer>();
 }
 
 }  // namespace
@@ -212,7 +251,19 @@ void GlSpy::in_next(const std::string& function, std::function<void()> action) {
   state_->actions[function] = std::move(action);
 }
 
+std::map<std::string, int> GlSpy::all_calls() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->calls;
+}
+
+void GlSpy::forget_calls() {
+  const std::lock_guard lock(state_->mutex);
+  state_->calls.clear();
+  state_->failures.clear();
+}
+
 void GlSpy::answer(GLenum integer_query, GLint value) {
+  const std::lock_guard lock(state_->mutex);
   state_->answers[integer_query] = value;
 }
 void GlSpy::queue_error(GLenum error) {
@@ -232,21 +283,44 @@ extern "C" {
 using oct::test::spy;
 using oct::test::watched;
 
-decltype(glGenTextures) __real_glGenTextures;
-void GLAPIENTRY __wrap_glGenTextures(GLsizei n, GLuint* names) {
-  watched("glGenTextures", __real_glGenTextures, n, names);
-}
+#define OCT_WATCH(function, parameters, ...)                          \
+  decltype(function) __real_##function;                               \
+  void GLAPIENTRY __wrap_##function parameters {                      \
+    watched(#function, __real_##function __VA_OPT__(, ) __VA_ARGS__); \
+  }
 
-decltype(glDeleteTextures) __real_glDeleteTextures;
-void GLAPIENTRY __wrap_glDeleteTextures(GLsizei n, const GLuint* names) {
-  watched("glDeleteTextures", __real_glDeleteTextures, n, names);
-}
-
-decltype(glTexImage1D) __real_glTexImage1D;
-void GLAPIENTRY __wrap_glTexImage1D(GLenum target, GLint level, GLint internal, GLsizei width, GLint border,
-                                    GLenum format, GLenum type, const void* pixels) {
-  watched("glTexImage1D", __real_glTexImage1D, target, level, internal, width, border, format, type, pixels);
-}
+OCT_WATCH(glGenTextures, (GLsizei n, GLuint* names), n, names)
+OCT_WATCH(glDeleteTextures, (GLsizei n, const GLuint* names), n, names)
+OCT_WATCH(glTexImage1D,
+          (GLenum target, GLint level, GLint internal, GLsizei width, GLint border, GLenum format,
+           GLenum type, const void* pixels),
+          target, level, internal, width, border, format, type, pixels)
+OCT_WATCH(glTexSubImage2D,
+          (GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height, GLenum format,
+           GLenum type, const void* pixels),
+          target, level, x, y, width, height, format, type, pixels)
+OCT_WATCH(glBindTexture, (GLenum target, GLuint texture), target, texture)
+OCT_WATCH(glTexParameteri, (GLenum target, GLenum name, GLint value), target, name, value)
+OCT_WATCH(glEnable, (GLenum capability), capability)
+OCT_WATCH(glDisable, (GLenum capability), capability)
+OCT_WATCH(glPixelStorei, (GLenum name, GLint value), name, value)
+OCT_WATCH(glDepthFunc, (GLenum function), function)
+OCT_WATCH(glDepthMask, (GLboolean mask), mask)
+OCT_WATCH(glClearDepth, (GLclampd depth), depth)
+OCT_WATCH(glPolygonOffset, (GLfloat factor, GLfloat units), factor, units)
+OCT_WATCH(glColorMask, (GLboolean r, GLboolean g, GLboolean b, GLboolean a), r, g, b, a)
+OCT_WATCH(glCullFace, (GLenum face), face)
+OCT_WATCH(glFrontFace, (GLenum order), order)
+OCT_WATCH(glViewport, (GLint x, GLint y, GLsizei width, GLsizei height), x, y, width, height)
+OCT_WATCH(glClearColor, (GLclampf r, GLclampf g, GLclampf b, GLclampf a), r, g, b, a)
+OCT_WATCH(glClear, (GLbitfield buffers), buffers)
+OCT_WATCH(glDrawArrays, (GLenum mode, GLint first, GLsizei count), mode, first, count)
+OCT_WATCH(glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices), mode, count, type,
+          indices)
+OCT_WATCH(glReadBuffer, (GLenum buffer), buffer)
+OCT_WATCH(glReadPixels,
+          (GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels), x, y,
+          width, height, format, type, pixels)
 
 decltype(glTexImage2D) __real_glTexImage2D;
 void GLAPIENTRY __wrap_glTexImage2D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
@@ -257,13 +331,6 @@ void GLAPIENTRY __wrap_glTexImage2D(GLenum target, GLint level, GLint internal, 
   if (spy && spy->enter(kind + (proxy ? " proxy" : " texture"))) width = 0;
   watched(proxy ? "" : "glTexImage2D", __real_glTexImage2D, target, level, internal, width, height, border,
           format, type, pixels);
-}
-
-decltype(glTexSubImage2D) __real_glTexSubImage2D;
-void GLAPIENTRY __wrap_glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width,
-                                       GLsizei height, GLenum format, GLenum type, const void* pixels) {
-  watched("glTexSubImage2D", __real_glTexSubImage2D, target, level, x, y, width, height, format, type,
-          pixels);
 }
 
 decltype(glGetError) __real_glGetError;

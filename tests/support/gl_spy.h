@@ -30,6 +30,10 @@ class GlSpy {
   // Runs the action in the next call of a function, before OpenGL does.
   void in_next(const std::string& function, std::function<void()> action);
 
+  // Functions that were called since the spy was made or forgot, and how often.
+  std::map<std::string, int> all_calls() const;
+  void forget_calls();
+
   // What queries of these values answer from now on.
   void answer(GLenum integer_query, GLint value);
 

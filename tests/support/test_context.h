@@ -44,16 +44,21 @@ void expect_refused(const std::vector<std::pair<std::string, std::function<void(
 // What the action throws, "(none)" if nothing.
 std::string failure_of(const std::function<void()>& action);
 
-// Exports that are called with a null handle, and with zeros else, print and post this error and no other.
+// Exports that are called with a null handle, and with zeros else, print and post this error and no other; a
+// pointer that is no handle is refused as one.
 template <class... Exports>
 void expect_null_refused(const std::string& error, Exports... exports) {
   int index = 0;
   const auto refused =
       [&]<class Result, class Handle, class... Others>(Result (*function)(Handle, Others...)) {
-        testing::internal::CaptureStderr();
-        function(nullptr, Others{}...);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), "An error occured: " + error + "\n") << index;
-        EXPECT_EQ(pending_error(), error) << index;
+        static char foreign[64];
+        for (char* const handle : {static_cast<char*>(nullptr), foreign}) {
+          const std::string text = handle ? "The handle is not valid. " : error;
+          testing::internal::CaptureStderr();
+          function(reinterpret_cast<Handle>(handle), Others{}...);
+          EXPECT_EQ(testing::internal::GetCapturedStderr(), "An error occured: " + text + "\n") << index;
+          EXPECT_EQ(pending_error(), text) << index;
+        }
         ++index;
       };
   (refused(exports), ...);

@@ -1,6 +1,7 @@
 // A control loop with a client that records what it is given.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -121,6 +122,15 @@ class LoopGLTest : public testing::TestWithParam<SurfaceSharing> {
     loop->set_mode(OpenGLControlLoop::once_each);
     loop->resize(width, height);
     return loop;
+  }
+
+  // Returns when a frame of this id has come, at some time.
+  void await_returned(std::uint32_t id) {
+    for (std::size_t count = 1;; ++count) {
+      const auto ids = returned_.at_least(count);
+      if (std::count(ids.begin(), ids.end(), id) > 0) return;
+      ASSERT_GE(ids.size(), count) << id;
+    }
   }
 
   Recorded<std::string> errors_;

@@ -12,11 +12,11 @@ HostSleeper::HostSleeper() : state_(std::make_unique<State>()) {}
 HostSleeper::~HostSleeper() = default;
 
 void HostSleeper::sleep() {
-  state_->event.wait([] {});
+  state_->event.wait();
 }
 
 void HostSleeper::wake() {
-  state_->event.signal(1);
+  state_->event.signal();
 }
 
 }  // namespace oct

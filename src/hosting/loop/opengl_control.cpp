@@ -1,6 +1,7 @@
 #include "hosting/loop/opengl_control.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <stdexcept>
 #include <thread>
@@ -57,7 +58,6 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
 OpenGLControl::~OpenGLControl() {
   try {
     context_->makeCurrent();
-    snapshot_buffer_.release();
     for (const auto& buffer : buffers_) buffer->release();
   } catch (const std::exception& error) {
     write_error(error.what());
@@ -76,27 +76,12 @@ void OpenGLControl::render_test_image() {
   draw_test_image(++test_image_angle);
 }
 
+void OpenGLControl::make_current() {
+  context_->makeCurrent();
+}
+
 void OpenGLControl::make_uncurrent() {
   host_->window().makeUncurrent();
-}
-
-void OpenGLControl::snapshot(std::uint32_t width, std::uint32_t height, void* data) {
-  const TimingMark mark("OpenGLControl::snapshot");
-  snapshot_buffer_.resize(width, height);
-  snapshot_buffer_.set_output_data(data);
-  snapshot_pending_ = true;
-}
-
-bool OpenGLControl::wait_for_snapshot() {
-  const TimingMark mark("OpenGLControl::wait_for_snapshot");
-  if (!snapshot_pending_) return false;
-  const bool drawn = snapshot_buffer_.wait();
-  snapshot_pending_ = false;
-  return drawn;
-}
-
-void OpenGLControl::cancel_snapshot() {
-  snapshot_buffer_.cancel();
 }
 
 }  // namespace oct

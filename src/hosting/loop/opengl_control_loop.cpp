@@ -1,5 +1,6 @@
 #include "hosting/loop/opengl_control_loop.h"
 
+#include <array>
 #include <chrono>
 #include <stdexcept>
 #include <string>
@@ -9,18 +10,24 @@
 #include "core/console.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
+#include "gl/opengl_error.h"
 #include "hosting/host/opengl_host.h"
 #include "hosting/loop/opengl_control.h"
 #include "hosting/loop/render_trace.h"
+#include "hosting/offscreen/offscreen_buffer_object.h"
+#include "hosting/surfaces/hand_off_buffer.h"
 
 namespace oct {
 namespace {
 
-constexpr std::uint32_t gate_value = 0xFFFFFFFFU;
+using std::chrono::steady_clock;
+
+// Longer than a client takes between two requests that belong together, shorter than anybody notices.
+constexpr auto spin_time = std::chrono::microseconds(100);
 constexpr const char* thread_ended = "The rendering thread of the control loop has ended. ";
 
 std::int64_t nanoseconds_now() {
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  const auto now = steady_clock::now().time_since_epoch();
   return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
 }
 
@@ -45,18 +52,22 @@ class IterationClock {
 IterationClock render_clock("50 iterations of rendering loops: ");
 IterationClock return_clock("50 iterations of return loops: ");
 
-class Visit {
- public:
-  explicit Visit(Visitors& visitors) : visitors_(visitors) {
-    if (!visitors_.enter()) throw std::runtime_error(thread_ended);
+void check_viewport(std::uint32_t width, std::uint32_t height) {
+  std::array<GLint, 2> most{};
+  glGetIntegerv(GL_MAX_VIEWPORT_DIMS, most.data());
+  if (std::cmp_greater(width, most[0]) || std::cmp_greater(height, most[1])) {
+    render_target_failed("It is larger than OpenGL's largest viewport. ");
   }
-  ~Visit() { visitors_.leave(); }
-  Visit(const Visit&) = delete;
-  Visit& operator=(const Visit&) = delete;
+}
 
- private:
-  Visitors& visitors_;
-};
+// For what is told on the way out, which must go on where there is no memory to tell it.
+template <class Action>
+void attempt(Action&& action) noexcept {
+  try {
+    action();
+  } catch (...) {
+  }
+}
 
 }  // namespace
 
@@ -67,19 +78,33 @@ OpenGLControlLoop::OpenGLControlLoop(Callback initCallback, Callback uninitCallb
       uninit_callback_(std::move(uninitCallback)),
       sharing_(surface_sharing()) {
   const TimingMark mark("OpenGLControlLoop");
+  try {
+    start_threads();
+  } catch (const std::exception& error) {
+    end_threads();
+    throw std::runtime_error(std::string("The threads of the control loop could not be started: ") +
+                             error.what());
+  }
+  start_gate_.wait();
+}
+
+void OpenGLControlLoop::start_threads() {
+  return_thread_ = std::thread([this] { return_loop(); });
   render_thread_ = std::thread([this] { rendering_loop(); });
-  start_gate_.wait([] {});
 }
 
 OpenGLControlLoop::~OpenGLControlLoop() {
-  try {
+  bool ended = false;
+  attempt([&] {
+    const TimingMark outer_mark("Destructing OpenGL Loop");
+    const TimingMark inner_mark("~OpenGLControlLoop");
     shut_down();
-  } catch (const std::exception& error) {
-    write_error(error.what());
-  }
+    ended = true;
+  });
+  if (!ended) shut_down();
 }
 
-void OpenGLControlLoop::check_deletable() const {
+void OpenGLControlLoop::refuse_own_threads() const {
   const auto self = std::this_thread::get_id();
   if (self == render_thread_id_.load() || self == return_thread_id_.load()) {
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
@@ -90,18 +115,20 @@ void OpenGLControlLoop::request(std::int32_t id) {
   request_queue_.add(id);
 }
 
+// What is set during a snapshot holds when it ends. Nothing ends the mode of snapshots that a client has set
+// itself.
 void OpenGLControlLoop::set_mode(Mode mode) {
-  if (mode == mode_) return;
-  const std::lock_guard lock(mode_mutex_);
-  if (mode_ == snapshot_mode) {
-    pending_mode_ = mode;
-  } else {
-    mode_.exchange(mode);
+  {
+    const std::lock_guard lock(mode_mutex_);
+    if (desk_.busy() ? mode == snapshot_mode : mode_ == snapshot_mode) return;
+    mode_ = mode;
   }
+  request_queue_.wake();
 }
 
 void OpenGLControlLoop::resize(std::uint32_t width, std::uint32_t height) {
   size_ = static_cast<std::uint64_t>(width) << 32 | height;
+  request_queue_.wake();
 }
 
 OpenGLControlLoop::Size OpenGLControlLoop::size() const {
@@ -110,11 +137,13 @@ OpenGLControlLoop::Size OpenGLControlLoop::size() const {
 }
 
 void OpenGLControlLoop::set_rendering_callback(RenderingCallback callback) {
+  refuse_own_threads();
   const std::lock_guard lock(rendering_callback_mutex_);
   rendering_callback_.swap(callback);
 }
 
 void OpenGLControlLoop::set_image_ready_callback(std::optional<ImageReadyCallback> callback) {
+  refuse_own_threads();
   const std::lock_guard lock(image_ready_mutex_);
   image_ready_callback_.swap(callback);
 }
@@ -125,22 +154,12 @@ void OpenGLControlLoop::snapshot(std::uint32_t width, std::uint32_t height, void
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
   }
   if (mode_ == snapshot_mode) return;
-  const Visit visit(snapshots_);
-  {
-    const std::scoped_lock lock(snapshot_mutex_, mode_mutex_);
-    if (mode_ == snapshot_mode) return;  // another client was quicker
-    pending_mode_ = mode_.exchange(snapshot_mode);
-  }
-  control_->snapshot(width, height, data);
-  trace_render_call(0);
-  request(0);
+  if (size().empty()) throw std::runtime_error("A control loop without a size takes no snapshots. ");
+  if (!desk_.place({width, height, data})) return;
+  request_queue_.wake();
   return_map_.wake();  // a render thread that waits for the client draws the snapshot first
-  const bool drawn = control_->wait_for_snapshot();
-  {
-    const std::scoped_lock lock(snapshot_mutex_, mode_mutex_);
-    mode_.exchange(pending_mode_);
-  }
-  if (!drawn) throw std::runtime_error(thread_ended);
+  trace_render_call(0);
+  desk_.wait();
 }
 
 void OpenGLControlLoop::rendering_loop() noexcept {
@@ -148,55 +167,52 @@ void OpenGLControlLoop::rendering_loop() noexcept {
   try {
     try {
       render();
+      return;
     } catch (const std::exception& error) {
-      log() << "Rendering loop: " << error.what();
-      render_thread_failed();
-      if (error_callback_) error_callback_(error.what());
+      let_everybody_go(error.what());
+      attempt([&] { log() << "Rendering loop: " << error.what(); });
+      tell_client(error.what());
     } catch (...) {
+      let_everybody_go(thread_ended);
       log() << "Rendering loop, unknown error.";
-      render_thread_failed();
     }
   } catch (...) {
-    write_error("Unexpected error in rendering_loop().");
+    attempt([] { write_error("Unexpected error in rendering_loop()."); });
   }
+  if (control_) control_->make_uncurrent();
 }
 
-// Nobody may wait for a frame any more. The loop stays as it is until it is deleted.
-void OpenGLControlLoop::render_thread_failed() {
-  if (control_) {
-    end_snapshots();
-    control_->make_uncurrent();
-  } else {
-    snapshots_.close();
-  }
-  start_gate_.signal(gate_value);
+// The render thread ends: nobody may wait for a frame any more. The loop stays as it is until it is deleted.
+void OpenGLControlLoop::let_everybody_go(const char* reason) noexcept {
+  desk_.close(thread_ended);
+  desk_.fail(reason);
+  start_gate_.signal();
 }
 
-void OpenGLControlLoop::end_snapshots() {
-  snapshots_.close();
-  // A snapshot that has entered but not begun yet must be let go as well.
-  while (!snapshots_.empty()) {
-    control_->cancel_snapshot();
-    std::this_thread::yield();
-  }
+// With the context current: it is the client's last chance to uninitialise what it draws with.
+void OpenGLControlLoop::tell_client(const char* message) {
+  if (!error_callback_) return;
+  attempt([this] {
+    if (control_) control_->make_current();
+  });
+  error_callback_(message);
 }
 
 void OpenGLControlLoop::render() {
   const TimingMark mark("Rendering Loop");
   control_ = std::make_unique<OpenGLControl>(sharing_);
-  return_thread_ = std::thread([this] { return_loop(); });
-  start_gate_.signal(gate_value);
+  start_gate_.signal();
   if (init_callback_) init_callback_();
+  control_->make_current();
   render_clock.start();
   while (running_) render_iteration();
 
-  return_map_.insert(0, nullptr);
+  return_map_.close();
   if (return_thread_.joinable()) {
     return_thread_.join();
   } else {
     write_error("Background return thread not joinable. ");
   }
-  end_snapshots();
   if (uninit_callback_) {
     const TimingMark uninit_mark("Uninit of specific OpenGL control");
     uninit_callback_();
@@ -208,31 +224,39 @@ void OpenGLControlLoop::render() {
 
 void OpenGLControlLoop::render_iteration() {
   const TimingMark mark("rendering_loop_it_incl");
-  // With nothing else to do there is time to wait for the GPU.
-  hand_over(request_queue_.empty());
-  if (mode_ != round_robin) request_queue_.wait();
-  bool taken = false;
-  const RequestQueue::Request request = next_request(taken);
-  if (!request || *request == no_request) {
-    std::this_thread::yield();
-    return;
-  }
-  const Size current = size();
-  if (current.width != 0 && current.height != 0) {
-    render_frame(*request, taken);
-  } else {
-    std::this_thread::yield();
-  }
+  await_work();
+  if (!running_ || serve_snapshot(request_queue_.front().value_or(0))) return;
+  const RequestQueue::Request request = next_request();
+  if (!request || *request == no_request) return;
+  if (!size().empty()) render_frame(*request);
   render_clock.tick();
 }
 
-// Never waits: the mode may have changed since the queue was seen to hold something, and who wants to change
-// it again needs the mutex.
-RequestQueue::Request OpenGLControlLoop::next_request(bool& taken) {
-  const std::lock_guard lock(mode_mutex_);
+void OpenGLControlLoop::await_work() {
+  const auto something_to_do = [this] { return has_work(request_queue_.content()); };
+  const bool busy = something_to_do();
+  hand_over(!busy);  // with nothing else to do there is time to wait for the GPU
+  if (busy) return;
+  if (mode_ == round_robin) {
+    const auto end = steady_clock::now() + spin_time;
+    while (steady_clock::now() < end) {
+      if (something_to_do()) return;
+      std::this_thread::yield();
+    }
+  }
+  request_queue_.wait([this](RequestQueue::Content queued) { return has_work(queued); });
+}
+
+bool OpenGLControlLoop::has_work(RequestQueue::Content queued) const {
+  if (!running_ || desk_.has_order()) return true;
+  // What is asked for once is dropped where it cannot be drawn; everything else stays until it can.
+  return mode_ == once_each ? queued.any : queued.drawable && !size().empty();
+}
+
+// Never waits: the mode may have changed since the queue was seen to hold something.
+RequestQueue::Request OpenGLControlLoop::next_request() {
   switch (mode_) {
     case once_each:
-      taken = true;
       return request_queue_.take();
     case snapshot_mode:
       return request_queue_.front();
@@ -241,19 +265,20 @@ RequestQueue::Request OpenGLControlLoop::next_request(bool& taken) {
   }
 }
 
-void OpenGLControlLoop::render_frame(std::int32_t request, bool taken) {
+void OpenGLControlLoop::render_frame(std::int32_t request) {
   const TimingMark mark("rendering_loop_it_excl");
-  if (render_snapshot(request, taken)) return;
   HandOffBuffer& buffer = control_->current_buffer();
-  // A frame that the client has not got yet is not drawn over: its buffer would arrive twice
-  // with the later frame, and out of order. A snapshot does not wait for the client, who may be
-  // asking for it in the very callback.
+  // A frame that the client has not got yet is not drawn over: its buffer would arrive twice with the later
+  // frame. A snapshot does not wait for the client, who may be asking for it in the very callback.
   if (&buffer == unfinished_) hand_over(true);
-  return_map_.wait_until_returned(&buffer, [this] { return !running_ || control_->pending_snapshot(); });
-  if (render_snapshot(request, taken)) return;
+  while (!return_map_.wait_until_returned(&buffer, [this] { return !running_ || desk_.has_order(); })) {
+    if (!running_) return;
+    serve_snapshot(request);
+  }
 
-  auto lock = buffer.lock();
   const Size wanted = size();
+  if (wanted.empty()) return;  // since the client was waited for
+  auto lock = buffer.lock();
   if (buffer.width() != wanted.width || buffer.height() != wanted.height) {
     buffer.resize(wanted.width, wanted.height);
   }
@@ -271,23 +296,51 @@ void OpenGLControlLoop::render_frame(std::int32_t request, bool taken) {
   hand_over(false);
 }
 
-// Whether one was pending. It takes the place of a frame that was asked for once; that one follows.
-bool OpenGLControlLoop::render_snapshot(std::int32_t request, bool taken) {
-  OffscreenBufferObject* const snapshot = control_->pending_snapshot();
-  if (!snapshot) return false;
-  if (taken) request_queue_.put_back(request);
-  const TimingMark callback_mark("Rendering callback (-1)");
-  snapshot->prepare();
-  draw(request);
-  snapshot->finish();
+// Draws the snapshot that a client has ordered, if any, with this id.
+bool OpenGLControlLoop::serve_snapshot(std::int32_t request) {
+  const auto order = desk_.take();
+  if (!order) return false;
+  const auto failure = draw_snapshot(*order, request);
+  failure ? desk_.fail(failure->c_str()) : desk_.finish();
   return true;
 }
 
+// The reason when it could not be drawn, which concerns nobody but who ordered it. What the client's function
+// throws ends the thread as it does in any frame. The target is gone afterwards: snapshots are rare and may
+// be large.
+std::optional<std::string> OpenGLControlLoop::draw_snapshot(const SnapshotDesk::Order& order,
+                                                            std::int32_t request) {
+  OffscreenBufferObject target;
+  const bool empty = order.width == 0 || order.height == 0;
+  const TimingMark callback_mark("Rendering callback (-1)");
+  try {
+    request_queue_.add(0);
+    if (empty) return {};
+    forget_gl_errors();
+    target.prepare(order.width, order.height);
+    check_render_target();
+    check_viewport(order.width, order.height);
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  draw(request);
+  try {
+    gl::throwOnGLError("the snapshot");
+    target.finish(order.data);
+    gl::throwOnGLError("the snapshot");
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return {};
+}
+
+// With the context current afterwards, whatever the client's function has done.
 void OpenGLControlLoop::draw(std::int32_t request) {
   const std::lock_guard lock(rendering_callback_mutex_);
   if (!running_) return;
   if (rendering_callback_) {
     rendering_callback_(static_cast<std::uint32_t>(request));
+    control_->make_current();
   } else {
     const TimingMark mark("Test image callback");
     control_->render_test_image();
@@ -317,7 +370,7 @@ void OpenGLControlLoop::return_loop() {
 
 void OpenGLControlLoop::return_frames() {
   const TimingMark mark("Return loop");
-  start_gate_.wait([] {});
+  start_gate_.wait();
   return_clock.start();
   while (running_) {
     const TimingMark iteration_mark("return_loop_it_incl");
@@ -344,16 +397,11 @@ void OpenGLControlLoop::give_to_client(HandOffBuffer& buffer) {
   mapped.reset();  // gives the buffer back
 }
 
-void OpenGLControlLoop::shut_down() {
-  const TimingMark outer_mark("Destructing OpenGL Loop");
-  const TimingMark inner_mark("~OpenGLControlLoop");
-  // A running snapshot is let finish, even one that has only changed the mode yet; that of a loop without a
-  // size would never come.
-  const Size current = size();
-  if (mode_ == snapshot_mode && current.width != 0 && current.height != 0) {
-    snapshots_.close();
-    snapshots_.drain();
-  }
+// Whether there was a render thread. Needs no memory; for a second time there is nothing to do.
+bool OpenGLControlLoop::end_threads() {
+  // A running snapshot is let finish; later ones are refused.
+  desk_.close("The control loop is being deleted. ");
+  desk_.drain();
   running_ = false;
   {
     const std::lock_guard rendering_lock(rendering_callback_mutex_);
@@ -361,23 +409,29 @@ void OpenGLControlLoop::shut_down() {
     rendering_callback_ = nullptr;
     image_ready_callback_.reset();
   }
-  request(0);
-  return_map_.insert(0, nullptr);
-  if (render_thread_.joinable()) {
-    render_thread_.join();
-    log() << "background thread successfully joined. ";
-  } else {
-    log() << "Something went wrong. ";
-    write_error("Background thread not joinable. ");
-  }
+  start_gate_.signal();
+  request_queue_.wake();
+  return_map_.close();
+  const bool joinable = render_thread_.joinable();
+  if (joinable) render_thread_.join();
   if (return_thread_.joinable()) return_thread_.join();  // a render thread that failed has left it behind
-  snapshots_.drain();
-  write_output("OpenGL control loop finished. Callbacks can be freed now. ");
+  return joinable;
+}
+
+void OpenGLControlLoop::shut_down() noexcept {
+  const bool joined = end_threads();
+  attempt([&] {
+    log() << (joined ? "background thread successfully joined. " : "Something went wrong. ");
+    if (!joined) write_error("Background thread not joinable. ");
+  });
+  attempt([] { write_output("OpenGL control loop finished. Callbacks can be freed now. "); });
   if (!control_) return;
-  // Left behind by a render thread that failed. Not deleted here, where a context
-  // of the client's may be current.
-  const auto host = OpenGLHost::acquire();
-  host->run([this] { control_.reset(); });
+  // Left behind by a render thread that failed. Not deleted here, where a context of the client's may be
+  // current, unless there is no other way.
+  attempt([this] {
+    const auto host = OpenGLHost::acquire();
+    host->run([this] { control_.reset(); });
+  });
 }
 
 }  // namespace oct

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <thread>
 
 #include "core/error_callback.h"
@@ -13,7 +14,7 @@
 #include "hosting/loop/functors.h"
 #include "hosting/loop/request_queue.h"
 #include "hosting/loop/return_map.h"
-#include "hosting/loop/visitors.h"
+#include "hosting/loop/snapshot_desk.h"
 #include "hosting/surfaces/surface_sharing.h"
 
 namespace oct {
@@ -34,7 +35,8 @@ class OpenGLControlLoop {
   };
   using enum Mode;
 
-  // Returns when the render thread has made its control, or has failed to. Any callback may be empty.
+  // Returns when the render thread has made its control, or has failed to. Any callback may be empty. Throws
+  // when the system gives no threads.
   explicit OpenGLControlLoop(Callback initCallback = {}, Callback uninitCallback = {},
                              ErrorCallback errorCallback = {});
   ~OpenGLControlLoop();
@@ -43,16 +45,19 @@ class OpenGLControlLoop {
 
   // Throws the resource-deadlock error on the loop's own threads, which cannot wait for their own end. Call
   // it before deleting the loop.
-  void check_deletable() const;
+  void check_deletable() const { refuse_own_threads(); }
 
   void request(std::int32_t id);
   void set_mode(Mode mode);
   void resize(std::uint32_t width, std::uint32_t height);
+
+  // Refused on the loop's own threads as deletion is: either may hold what the other waits for.
   void set_rendering_callback(RenderingCallback callback);
   void set_image_ready_callback(std::optional<ImageReadyCallback> callback);
 
   // Draws a frame of the given size into client memory and returns when it is there: BGRA, bottom row first.
-  // Does nothing while another snapshot is running.
+  // The frame begins after the call. Does nothing while another snapshot is running. Throws when the picture
+  // cannot be drawn.
   void snapshot(std::uint32_t width, std::uint32_t height, void* data);
 
   SurfaceSharing sharing() const { return sharing_; }
@@ -61,26 +66,32 @@ class OpenGLControlLoop {
   struct Size {
     std::uint32_t width;
     std::uint32_t height;
+    bool empty() const { return width == 0 || height == 0; }
   };
 
   Size size() const;
+  void refuse_own_threads() const;
   void rendering_loop() noexcept;
   void render();
   void render_iteration();
-  RequestQueue::Request next_request(bool& taken);
-  void render_frame(std::int32_t request, bool taken);
-  bool render_snapshot(std::int32_t request, bool taken);
+  void await_work();
+  bool has_work(RequestQueue::Content queued) const;
+  RequestQueue::Request next_request();
+  void render_frame(std::int32_t request);
+  bool serve_snapshot(std::int32_t request);
+  std::optional<std::string> draw_snapshot(const SnapshotDesk::Order& order, std::int32_t request);
   void draw(std::int32_t request);
   void hand_over(bool wait);
-  void render_thread_failed();
+  void let_everybody_go(const char* reason) noexcept;
+  void tell_client(const char* message);
   void return_loop();
   void return_frames();
   void give_to_client(HandOffBuffer& buffer);
-  void end_snapshots();
-  void shut_down();
+  void start_threads();
+  bool end_threads();
+  void shut_down() noexcept;
 
   std::atomic<Mode> mode_{round_robin};
-  Mode pending_mode_ = once_each;  // guarded by mode_mutex_
   const ErrorCallback error_callback_;
   RenderingCallback rendering_callback_;                    // guarded by rendering_callback_mutex_
   std::optional<ImageReadyCallback> image_ready_callback_;  // guarded by image_ready_mutex_
@@ -96,8 +107,7 @@ class OpenGLControlLoop {
   std::atomic<std::uint64_t> size_{0};  // width in the upper half, so that both change together
   const SurfaceSharing sharing_;
   HandOffBuffer* unfinished_ = nullptr;  // of the render thread: its frame still waits for the GPU
-  Visitors snapshots_;
-  std::mutex snapshot_mutex_;
+  SnapshotDesk desk_;
   std::mutex mode_mutex_;
   std::atomic<std::thread::id> render_thread_id_{};
   std::atomic<std::thread::id> return_thread_id_{};

@@ -1,7 +1,8 @@
 #include "hosting/loop/render_trace.h"
 
-#include <fstream>
 #include <mutex>
+
+#include "core/immortal.h"
 
 namespace oct {
 namespace {
@@ -10,9 +11,11 @@ class RenderTrace {
  public:
   void write(std::int32_t request) {
     const std::lock_guard lock(mutex_);
-    if (!tried_) stream_.open(path_, std::ios::trunc);  // shared for reading and writing on either platform
+    if (!tried_) file_ = open_render_trace(path_);
     tried_ = true;
-    if (stream_.is_open()) stream_ << request << std::endl;
+    if (!file_) return;
+    std::fprintf(file_.get(), "%d\n", request);
+    std::fflush(file_.get());
   }
 
   std::filesystem::path path() {
@@ -22,28 +25,37 @@ class RenderTrace {
 
   void set_path(const std::filesystem::path& path) {
     const std::lock_guard lock(mutex_);
-    stream_.close();
-    stream_.clear();
+    file_.reset();
     tried_ = false;
     path_ = path;
+  }
+
+  void close() {
+    const std::unique_lock lock(mutex_, std::try_to_lock);
+    if (!lock) return;
+    file_.reset();
+    tried_ = true;
   }
 
  private:
   std::mutex mutex_;
   std::filesystem::path path_ = fixed_render_trace_file();
-  std::ofstream stream_;
+  TraceFile file_;
   bool tried_ = false;
 };
 
 RenderTrace& render_trace() {
-  static RenderTrace instance;
-  return instance;
+  return immortal<RenderTrace>();
 }
 
 }  // namespace
 
-void trace_render_call(std::int32_t request) {
-  render_trace().write(request);
+void trace_render_call(std::int32_t request) noexcept {
+  try {
+    render_trace().write(request);
+  } catch (const std::exception&) {
+    // A lost line is better than a lost frame.
+  }
 }
 
 std::filesystem::path render_trace_file() {

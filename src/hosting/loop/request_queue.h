@@ -16,6 +16,11 @@ class RequestQueue {
  public:
   using Request = std::optional<std::int32_t>;  // nothing: the queue was empty
 
+  struct Content {
+    bool any;       // an id is queued
+    bool drawable;  // one that draws something
+  };
+
   // Appends the id unless it is queued already; wakes waiters in either case.
   void add(std::int32_t id) {
     {
@@ -25,22 +30,28 @@ class RequestQueue {
     condition_.notify_all();
   }
 
-  // Blocks until the queue is not empty. Removes nothing.
-  void wait() {
-    std::unique_lock lock(mutex_);
-    condition_.wait(lock, [this] { return !ids_.empty(); });
-  }
-
-  bool empty() const {
+  Content content() const {
     const std::lock_guard lock(mutex_);
-    return ids_.empty();
+    return {!ids_.empty(), first_drawable() != ids_.end()};
   }
 
-  // Passes over ids that draw nothing: a snapshot that is queued behind one would never come.
+  // Blocks until the condition, which is given the content, holds; who changes what else it looks at calls
+  // wake afterwards. The condition must not call back. Removes nothing.
+  template <class Condition>
+  void wait(Condition&& condition) {
+    std::unique_lock lock(mutex_);
+    condition_.wait(lock, [&] { return condition(Content{!ids_.empty(), first_drawable() != ids_.end()}); });
+  }
+
+  void wake() {
+    { const std::lock_guard lock(mutex_); }
+    condition_.notify_all();
+  }
+
+  // Passes over ids that draw nothing: whatever is queued behind one would never come.
   Request front() const {
     const std::lock_guard lock(mutex_);
-    const auto id =
-        std::find_if(ids_.begin(), ids_.end(), [](std::int32_t any) { return any != no_request; });
+    const auto id = first_drawable();
     return id == ids_.end() ? Request() : Request(*id);
   }
 
@@ -52,23 +63,19 @@ class RequestQueue {
     return id;
   }
 
-  // Undoes a take, unless the id has been asked for again since.
-  void put_back(std::int32_t id) {
-    const std::lock_guard lock(mutex_);
-    if (std::find(ids_.begin(), ids_.end(), id) == ids_.end()) ids_.push_front(id);
-  }
-
   // Takes the front id and puts it at the back again.
   Request rotate() {
     const std::lock_guard lock(mutex_);
     if (ids_.empty()) return {};
-    const std::int32_t id = ids_.front();
-    ids_.pop_front();
-    ids_.push_back(id);
-    return id;
+    std::rotate(ids_.begin(), ids_.begin() + 1, ids_.end());
+    return ids_.back();
   }
 
  private:
+  std::deque<std::int32_t>::const_iterator first_drawable() const {
+    return std::find_if(ids_.begin(), ids_.end(), [](std::int32_t id) { return id != no_request; });
+  }
+
   mutable std::mutex mutex_;
   std::condition_variable condition_;
   std::deque<std::int32_t> ids_;

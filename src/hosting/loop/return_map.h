@@ -1,9 +1,10 @@
-// Finished frames on their way from the render thread to the return thread, smallest key first.
+// Finished frames on their way from the render thread to the return thread.
 #pragma once
 
 #include <algorithm>
 #include <condition_variable>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <mutex>
 
@@ -11,9 +12,10 @@ namespace oct {
 
 class HandOffBuffer;
 
+// Keys take turns: a client that is slower than the loop gets the frames of all, not of the smallest alone.
 class ReturnMap {
  public:
-  // An entry with the same key gets the new buffer. Null wakes the return thread for its end.
+  // An entry with the same key gets the new buffer.
   void insert(std::int32_t key, HandOffBuffer* buffer) {
     {
       const std::lock_guard lock(mutex_);
@@ -22,13 +24,27 @@ class ReturnMap {
     condition_.notify_all();
   }
 
-  // Blocks until there is an entry, removes the one with the smallest key and returns its buffer. The buffer
-  // counts as waiting until returned() is called.
+  // Nothing will be taken any more, not even what waits.
+  void close() {
+    {
+      const std::lock_guard lock(mutex_);
+      closed_ = true;
+    }
+    condition_.notify_all();
+  }
+
+  // Blocks until there is an entry, removes the one with the smallest key above the last one that was taken,
+  // or else the smallest of all, and returns its buffer. The buffer counts as waiting until returned() is
+  // called. Null once closed.
   HandOffBuffer* take() {
     std::unique_lock lock(mutex_);
-    condition_.wait(lock, [this] { return !buffers_.empty(); });
-    taken_ = buffers_.begin()->second;
-    buffers_.erase(buffers_.begin());
+    condition_.wait(lock, [this] { return closed_ || !buffers_.empty(); });
+    if (closed_) return nullptr;
+    auto entry = buffers_.upper_bound(last_key_);
+    if (entry == buffers_.end()) entry = buffers_.begin();
+    last_key_ = entry->first;
+    taken_ = entry->second;
+    buffers_.erase(entry);
     return taken_;
   }
 
@@ -42,11 +58,12 @@ class ReturnMap {
   }
 
   // Blocks until the buffer's frame has been returned, or until the condition says to give up; who changes
-  // what the condition looks at calls wake afterwards.
+  // what the condition looks at calls wake afterwards. Whether it has been returned.
   template <class GiveUp>
-  void wait_until_returned(const HandOffBuffer* buffer, GiveUp&& give_up) {
+  bool wait_until_returned(const HandOffBuffer* buffer, GiveUp&& give_up) {
     std::unique_lock lock(mutex_);
     condition_.wait(lock, [&] { return give_up() || !holds(buffer); });
+    return !holds(buffer);
   }
 
   void wake() {
@@ -63,7 +80,9 @@ class ReturnMap {
   std::mutex mutex_;
   std::condition_variable condition_;
   std::map<std::int32_t, HandOffBuffer*> buffers_;
+  std::int32_t last_key_ = std::numeric_limits<std::int32_t>::max();
   HandOffBuffer* taken_ = nullptr;
+  bool closed_ = false;
 };
 
 }  // namespace oct

@@ -28,8 +28,7 @@ OffscreenTarget::~OffscreenTarget() {
 void OffscreenTarget::begin_frame(std::uint32_t width, std::uint32_t height) {
   frame_begun_ = false;
   context_.makeCurrent();
-  buffer_.resize(width, height);
-  buffer_.prepare();
+  buffer_.prepare(width, height);
   gl::throwOnGLError("beginOffscreenFrame");
   const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
   if (status != GL_FRAMEBUFFER_COMPLETE) {
@@ -43,8 +42,7 @@ void OffscreenTarget::finish_frame(void* pixels) {
   if (!frame_begun_) throw std::runtime_error("No offscreen frame has been begun. ");
   frame_begun_ = false;
   context_.makeCurrent();
-  buffer_.set_output_data(pixels);
-  buffer_.finish();
+  buffer_.finish(pixels);
   gl::throwOnGLError("finishOffscreenFrame");
 }
 

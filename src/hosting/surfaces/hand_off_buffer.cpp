@@ -3,12 +3,26 @@
 #include <stdexcept>
 
 #include "core/log.h"
+#include "gl/opengl_error.h"
 
 namespace oct {
+
+void forget_gl_errors() {
+  // A context that is lost may have no end of them.
+  for (int i = 0; i < 32 && glGetError() != GL_NO_ERROR; ++i) {
+  }
+}
 
 void render_target_failed(const char* reason) {
   log() << "An error occured when creating render target: " << reason;
   throw std::runtime_error("Could not generate render target. ");
+}
+
+void check_render_target() {
+  const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
+  const GLenum error = glGetError();
+  if (error != GL_NO_ERROR) render_target_failed(gl::error_text(error));
+  if (status != GL_FRAMEBUFFER_COMPLETE) render_target_failed(gl::framebufferStatusName(status));
 }
 
 void rendering_took_too_long() {

@@ -70,8 +70,14 @@ class HandOffBuffer {
   std::int32_t order_key_ = -1;
 };
 
+// Forgets OpenGL errors of the client's functions, which are not ours.
+void forget_gl_errors();
+
 // Logs the reason and throws "Could not generate render target. ".
 [[noreturn]] void render_target_failed(const char* reason);
+
+// Fails so when OpenGL has reported an error, or when the target that is bound for drawing is not complete.
+void check_render_target();
 
 // Throws "Rendering could not finish within one second. ".
 [[noreturn]] void rendering_took_too_long();

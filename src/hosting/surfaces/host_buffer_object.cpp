@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
 #include "gl/read_back.h"
@@ -16,6 +17,7 @@ HostBufferObject::~HostBufferObject() {
 void HostBufferObject::release() {
   unmap();
   fence_.reset();
+  finished_ = false;
   target_.reset();
   pixels_.reset();
 }
@@ -26,10 +28,9 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   // Whatever fails below, the buffer has no size, so that the next frame repairs it.
   surface_ = {};
 
-  while (glGetError() != GL_NO_ERROR) {  // errors of the client's callback are not ours
-  }
+  forget_gl_errors();
   target_.create(static_cast<GLsizei>(width), static_cast<GLsizei>(height));
-  const GLenum status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
+  check_render_target();
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
   pixels_ = gl::Buffer::create();
   const auto size = static_cast<GLsizeiptr>(width) * static_cast<GLsizeiptr>(height) * 4;
@@ -37,15 +38,14 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   glBufferData(GL_PIXEL_PACK_BUFFER, size, nullptr, GL_STREAM_READ);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   const GLenum error = glGetError();
-  if (error != GL_NO_ERROR || status != GL_FRAMEBUFFER_COMPLETE) {
-    render_target_failed(error != GL_NO_ERROR ? gl::error_text(error) : gl::framebufferStatusName(status));
-  }
+  if (error != GL_NO_ERROR) render_target_failed(gl::error_text(error));
   surface_ = {width, height, width * 4, nullptr};
 }
 
 void HostBufferObject::prepare(std::int32_t request) {
   unmap();
   fence_.reset();
+  finished_ = false;
   glBindFramebuffer(GL_FRAMEBUFFER, target_.framebuffer.get());
   glViewport(0, 0, columns(), rows());
   begin(request);
@@ -53,19 +53,35 @@ void HostBufferObject::prepare(std::int32_t request) {
 
 void HostBufferObject::finish() {
   const TimingMark mark("HostBufferObject: finish");
+  forget_gl_errors();
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
   gl::read_color(target_.framebuffer, columns(), rows(), nullptr);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+  gl::throwOnGLError("the read-back of a frame");
   fence_.insert();
-  glFlush();
+  if (fence_) {
+    glFlush();
+  } else {
+    // The frame arrives all the same, later than it could.
+    log() << "OpenGL gave no fence; the rendering thread waits for the frame. ";
+    forget_gl_errors();
+    glFinish();
+  }
+  finished_ = true;
 }
 
 bool HostBufferObject::complete(bool wait) {
-  if (!fence_) return true;
-  const GLenum result = fence_.wait(wait ? gl::one_second : 0);
-  if (result == GL_TIMEOUT_EXPIRED && !wait) return false;
-  fence_.reset();
-  if (result != GL_ALREADY_SIGNALED && result != GL_CONDITION_SATISFIED) rendering_took_too_long();
+  if (!finished_) return true;
+  if (fence_) {
+    const GLenum result = fence_.wait(wait ? gl::one_second : 0);
+    if (result == GL_TIMEOUT_EXPIRED && !wait) return false;
+    fence_.reset();
+    if (result != GL_ALREADY_SIGNALED && result != GL_CONDITION_SATISFIED) {
+      finished_ = false;
+      rendering_took_too_long();
+    }
+  }
+  finished_ = false;
   const TimingMark mark("HostBufferObject: map");
   const auto size = static_cast<GLsizeiptr>(surface_.stride_bytes) * static_cast<GLsizeiptr>(surface_.height);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());

@@ -33,6 +33,7 @@ class HostBufferObject : public HandOffBuffer {
   gl::RenderTarget target_;
   gl::Buffer pixels_;
   gl::Fence fence_;
+  bool finished_ = false;  // a frame has been read back and is not mapped yet
 };
 
 }  // namespace oct

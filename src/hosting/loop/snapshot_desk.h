@@ -1,0 +1,54 @@
+// Where a client's thread leaves a snapshot to be drawn and waits for the render thread, which takes it.
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace oct {
+
+// Holds one order at a time. Only what has been taken may be written to, and an order is taken before its
+// frame begins; therefore no older frame can get into the memory.
+class SnapshotDesk {
+ public:
+  struct Order {
+    std::uint32_t width;
+    std::uint32_t height;
+    void* data;  // of the client, who waits as long as somebody may write to it
+  };
+
+  // Of a client's thread: false, and nothing is done, while another order is here. Throws std::runtime_error
+  // with the reason once the desk is closed. Whoever has placed an order calls wait.
+  bool place(const Order& order);
+
+  // Blocks until the order is drawn; throws std::runtime_error with the reason when it was not.
+  void wait();
+
+  // Of the render thread: it finishes or fails each order that it takes.
+  bool has_order() const;
+  std::optional<Order> take();
+  void finish() noexcept;
+  void fail(const char* reason) noexcept;  // whether it was taken yet or not; does nothing without an order
+
+  bool busy() const;  // from the placing of an order until it is finished or has failed
+
+  void close(const char* reason) noexcept;  // a literal; orders that are here already may be drawn yet
+  void drain();                             // blocks until no client is here any more
+
+ private:
+  enum class State { free, placed, taken, done };
+
+  void set_done(bool failed, const char* reason) noexcept;
+
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  State state_ = State::free;
+  Order order_{};
+  bool failed_ = false;
+  std::string failure_;  // empty when there was no memory for the reason
+  const char* closed_ = nullptr;
+};
+
+}  // namespace oct

@@ -1,0 +1,122 @@
+// Every OpenGL call of a B-scan, a volume frame and a loop with a snapshot, failed once.
+#include <algorithm>
+#include <utility>
+
+#include "oct_rendering/oct_rendering.h"
+#include "support/fault_scenario.h"
+#include "support/reference/display_reference.h"
+#include "support/test_context.h"
+#include "support/test_loop.h"
+#include "support/volume_scene.h"
+
+namespace oct::test {
+namespace {
+
+TEST(GlFaultTest, BScan) {
+  const DisplayStage stage;
+  uninitDisplayRendering(stage.renderer);
+  Scene scene;
+  scene.image = test_image(64, 48);
+  scene.width = 48;
+  scene.height = 64;
+  scene.first_blur = scene.pepper = true;
+  scene.overlay_image = test_image(64, 48, 2);
+  scene.overlays = {{{0x8000FF00U, 0x80FF0000U}, 0.0, 1.0}};
+  apply(scene, stage.renderer);
+  stage.frame(scene.width, scene.height);
+  fail_every_call({[&] { initDisplayRendering(stage.renderer); },
+                   [&] { return stage.frame(scene.width, scene.height); },
+                   [&] { uninitDisplayRendering(stage.renderer); }, pending_error});
+}
+
+TEST(GlFaultTest, Volume) {
+  const VolumeStage stage;
+  VolumeScene scene = scene_of(test_volume(16, 12, 10), 64, 48, 30.0, 20.0);
+  scene.overlay = test_volume(16, 12, 10, 2);
+  scene.content = 1;
+  scene.coloring.colors = ramp_colors(64, 0.5);
+  scene.clip = true;
+  scene.edges = scene.scale_marks = scene.box = scene.removed_segment = true;
+  scene.surface = {8, 8, 10.0, std::vector<float>(64, 5.0F)};
+  uninitializeVolumeRenderer(stage.renderer);
+  fail_every_call({[&] {
+                     initializeVolumeRenderer(stage.renderer);
+                     apply(scene, stage.renderer);
+                     upload(scene, stage.offline);
+                   },
+                   [&] { return stage.frame(scene.viewport_width, scene.viewport_height, scene.content); },
+                   [&] {
+                     beginOffscreenFrame(stage.target, 1, 1);
+                     uninitializeVolumeRenderer(stage.renderer);
+                     allocateOfflineVolume(stage.offline, 0, 0, 0);
+                     finishOffscreenFrame(stage.target, nullptr);
+                   },
+                   pending_error});
+}
+
+// The client of a loop, whose functions have no argument for it.
+struct LoopClient {
+  static constexpr int width = 48;
+  static constexpr int height = 40;
+
+  const DisplayRenderingHandle renderer = createDisplayRendering();
+  OpenGLControlLoopHandle loop = nullptr;
+  Recorded<Picture> pictures;
+  Recorded<std::string> errors;
+
+  void start();
+  void stop() { deleteOpenGLControlLoop(std::exchange(loop, nullptr)); }
+
+  // A frame, and below it a snapshot. None of either after an error.
+  Picture frame() {
+    pictures.clear();
+    renderOpenGLControlLoop(loop);
+    if (errors.all().empty()) pictures.at_least(1);
+    Picture both(width, 2 * height);
+    snapshotOpenGLControlLoop(loop, width, height, both.bytes.data());
+    const auto frames = pictures.all();
+    if (!frames.empty()) std::ranges::copy(frames[0].bytes, both.pixel(0, height));
+    return both;
+  }
+
+  std::string error() {
+    const auto told = errors.all();
+    errors.clear();
+    const std::string pending = pending_error();
+    return told.empty() ? pending : told[0];
+  }
+};
+
+LoopClient* client = nullptr;
+
+void LoopClient::start() {
+  if (loop) stop();
+  loop = createOpenGLControlLoopCB([] { initDisplayRendering(client->renderer); },
+                                   [] { uninitDisplayRendering(client->renderer); },
+                                   [](const char* text) {
+                                     uninitDisplayRendering(client->renderer);
+                                     client->errors.add(text);
+                                     client->pictures.add({});  // no picture will come
+                                   });
+  OpenGLControlLoopMode(loop, 0);
+  registerOpenGLControlLoopRenderCallback(loop, [](unsigned) { renderDisplay(client->renderer); });
+  registerOpenGLControlLoopCallback(loop, [](unsigned, unsigned, unsigned, void* surface) {
+    client->pictures.add(host_surface_picture(surface));
+  });
+  resizeOpenGLControlLoop(loop, width, height);
+}
+
+TEST(GlFaultTest, LoopWithSnapshot) {
+  setSurfaceSharing(1);
+  const TestContext loads_opengl;
+  LoopClient here;
+  client = &here;
+  const Image image = test_image(40, 48);
+  setDisplayData(here.renderer, image.depth, image.a_scans, image.samples.data());
+  fail_every_call({[&] { here.start(); }, [&] { return here.frame(); }, [&] { here.stop(); },
+                   [&] { return here.error(); }, true});
+  clearDisplayRendering(here.renderer);
+}
+
+}  // namespace
+}  // namespace oct::test
