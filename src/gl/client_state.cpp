@@ -27,8 +27,8 @@ constexpr TextureTarget block{GL_TEXTURE_3D, GL_TEXTURE_BINDING_3D};
 constexpr std::array<TextureTarget, 3> first_unit{line, plane, block};
 constexpr std::array<TextureTarget, 6> further_units{line, plane, block, line, line, block};
 
-// All off while the library draws. So is multisampling: beyond a silhouette, where a sample may lie that its pixel's
-// centre misses, a ray has no beginning and no end.
+// All off while the library draws. So is multisampling: beyond a silhouette, where a sample may lie that
+// its pixel's centre misses, a ray has no beginning and no end.
 constexpr std::array<GLenum, 27> capabilities{GL_BLEND,
                                               GL_DEPTH_TEST,
                                               GL_CULL_FACE,
@@ -168,6 +168,8 @@ void DrawingState::reset() const {
   for (std::size_t i = 0; compatibility_profile_ && i < compatibility_capabilities.size(); ++i) {
     glDisable(compatibility_capabilities[i]);
   }
+  glUseProgram(0);
+  glBindVertexArray(0);
   for (GLuint unit = 0; unit < samplers_.size(); ++unit) glBindSampler(unit, 0);
   glActiveTexture(GL_TEXTURE0);
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);

@@ -17,7 +17,11 @@ TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
     beginOffscreenFrame(targets[i], static_cast<unsigned>(picture.width), 2);
     glClearColor(static_cast<float>(i), 1.0F, 0.0F, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT);
+    glPixelStorei(GL_PACK_ROW_LENGTH, 9);
     finishOffscreenFrame(targets[i], picture.bytes.data());
+    GLint row_length = 0;
+    glGetIntegerv(GL_PACK_ROW_LENGTH, &row_length);
+    EXPECT_EQ(row_length, 9) << "the client's setting is neither used nor lost";
     EXPECT_EQ(picture.bgra(2 + i, 1), (std::array<int, 4>{0, 255, i * 255, 255}));
   }
   for (const auto target : targets) clearOffscreenTarget(target);

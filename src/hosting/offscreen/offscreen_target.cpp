@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/console.h"
+#include "gl/client_state.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
 
@@ -42,6 +43,7 @@ void OffscreenTarget::finish_frame(void* pixels) {
   if (!frame_begun_) throw std::runtime_error("No offscreen frame has been begun. ");
   frame_begun_ = false;
   context_.makeCurrent();
+  const gl::TransferState transfer;
   buffer_.finish(pixels);
   gl::throwOnGLError("finishOffscreenFrame");
 }
