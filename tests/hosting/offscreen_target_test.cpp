@@ -4,6 +4,7 @@
 #include "gl/context/current_context.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
+#include "support/opengl/foreign_state.h"
 #include "support/pictures.h"
 #include "support/test_context.h"
 
@@ -65,6 +66,16 @@ TEST(OffscreenTargetGLTest, ARefusedFrameIsNotBegun) {
     EXPECT_EQ(pending_error().find("An error occured. "), 0U);
   }).join();
   clearOffscreenTarget(target);
+}
+
+// The image turns from call to call about its middle, whose colour stays.
+TEST(OffscreenTargetGLTest, NothingThatTheClientSetShowsInTheTestImageOrIsChangedByIt) {
+  const OffscreenTargetHandle target = createOffscreenTarget();
+  Picture middle(1, 1);
+  middle.bytes = {85, 85, 85, 255};
+  expect_same_whatever_the_client_sets(target, middle, glRenderTestImage);
+  clearOffscreenTarget(target);
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 }  // namespace
