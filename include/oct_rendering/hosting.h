@@ -226,10 +226,8 @@ OCT_API void glRenderTestImage(void);
  * destroyDXSurface(); null on failure. It may outlive the loop.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "; "A surface must not be empty. ";
- * "The surface is too large. "; "Could not generate render target. ";
- * "An error occured creating the Direct 3D device. ";
- * "Ressouce sharing between OpenGL and DirectX not supported. " where the loop could not share Direct3D surfaces
- * either.
+ * "The surface is too large. "; "Could not generate render target. "; "The graphics device was removed. ";
+ * "Ressouce sharing between OpenGL and DirectX not supported. " where no loop has Direct3D surfaces.
  * @thread Any thread.
  */
 OCT_API void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width, unsigned int Height);
@@ -261,7 +259,8 @@ OCT_API void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* D
 OCT_API void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface);
 
 /**
- * @brief Makes a control and leaves its context current on the calling thread.
+ * @brief Makes a control and leaves its context current on the calling thread; after a failure, what was current
+ * before.
  * @return The control, to be freed with deleteUniversalOpenGLControl(); null on failure.
  * @par Errors
  * "Cannot properly create an OpenGLControl." (no context, or no surface sharing, within a second); reasons of
@@ -271,7 +270,8 @@ OCT_API void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface);
 OCT_API OpenGLControlHandle createUniversalOpenGLControl(void);
 
 /**
- * @brief Frees a control.
+ * @brief Frees a control. The thread keeps the context that is current; in place of the control's own one it gets
+ * back what was current before createUniversalOpenGLControl().
  * @param Handle The control; null is ignored.
  * @thread The thread that created the control.
  */

@@ -231,6 +231,14 @@ BOOL WINAPI object_access(HANDLE, GLenum) {
   return TRUE;
 }
 
+PFNWGLGETEXTENSIONSSTRINGARBPROC real_extensions = nullptr;
+
+const char* WINAPI extensions(HDC device_context) {
+  thread_local std::string list;
+  list = std::string(real_extensions(device_context)) + " WGL_NV_DX_interop";
+  return list.c_str();
+}
+
 PFNGLBINDFRAMEBUFFERPROC opengl_bind_framebuffer = nullptr;
 PFNGLFRAMEBUFFERTEXTURE2DPROC opengl_framebuffer_texture = nullptr;
 
@@ -247,7 +255,8 @@ void GLAPIENTRY framebuffer_texture(GLenum target, GLenum attachment, GLenum kin
 }
 
 void install(bool present) {
-  __WGLEW_NV_DX_interop = present ? GL_TRUE : GL_FALSE;
+  if (present) real_extensions = __wglewGetExtensionsStringARB;
+  __wglewGetExtensionsStringARB = present ? extensions : real_extensions;
   __wglewDXOpenDeviceNV = present ? open_device : nullptr;
   __wglewDXCloseDeviceNV = present ? close_device : nullptr;
   __wglewDXSetResourceShareHandleNV = present ? share_handle : nullptr;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "gl/context/current_context.h"
 #include "gl/context/opengl_context.h"
 #include "hosting/surfaces/graphics_device.h"
 #include "hosting/surfaces/hand_off_buffer.h"
@@ -20,7 +21,9 @@ class OpenGLControl {
  public:
   // Throws std::runtime_error "Cannot properly create an OpenGLControl." when the system gives no context or
   // no buffers within one second.
+  // The control's context is current afterwards; after a failure, what was current before.
   explicit OpenGLControl(SurfaceSharing sharing);
+  // Leaves current what is current; in place of the control's own context, what was before the construction.
   ~OpenGLControl();
   OpenGLControl(const OpenGLControl&) = delete;
   OpenGLControl& operator=(const OpenGLControl&) = delete;
@@ -30,11 +33,12 @@ class OpenGLControl {
   void rotate_buffers();
   void render_test_image();
   void make_current();    // after functions of the client, who may have changed what is current
-  void make_uncurrent();  // so that another thread can delete the control
+  void make_uncurrent();  // when nothing is drawn any more
 
  private:
   void create_context(SurfaceSharing sharing);
 
+  gl::RestoreCurrent at_end_;  // of everything below
   std::shared_ptr<OpenGLHost> host_;
   std::unique_ptr<gl::OpenGLContext> context_;
   std::unique_ptr<AbstractBufferSource> source_;

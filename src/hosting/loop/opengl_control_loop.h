@@ -85,6 +85,7 @@ class OpenGLControlLoop {
   const char* reason_of(const std::exception& error) noexcept;
   void let_everybody_go(const char* reason) noexcept;
   void tell_client(const char* message);
+  void rest();
   void return_loop();
   void return_frames();
   void give_to_client(HandOffBuffer& buffer);

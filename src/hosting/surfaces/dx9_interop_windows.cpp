@@ -9,6 +9,7 @@
 
 #include "core/console.h"
 #include "core/log.h"
+#include "gl/context/wgl_extension_windows.h"
 #include "gl/gl.h"
 #include "hosting/surfaces/direct3d_sharing.h"
 // After gl.h, which it needs.
@@ -37,7 +38,8 @@ OpenHandles& open_handles() {
 }  // namespace
 
 void require_interop() {
-  if (!WGLEW_NV_DX_interop) throw std::runtime_error(direct3d_not_supported);
+  if (!gl::has_wgl_extension("WGL_NV_DX_interop") || !wglDXOpenDeviceNV)
+    throw std::runtime_error(direct3d_not_supported);
 }
 
 std::optional<AdapterLuid> opengl_adapter() {
@@ -110,7 +112,7 @@ void InteropObject::unlock(const char* failure) {
 
 void InteropObject::unregister() {
   constexpr const char* failure = "Could not unregister shared object. ";
-  if (!object_ || !WGLEW_NV_DX_interop) return;
+  if (!object_ || !wglDXUnregisterObjectNV) return;
   if (locked_) unlock(failure);
   if (!wglDXUnregisterObjectNV(device_, object_)) throw std::runtime_error(failure);
   object_ = nullptr;

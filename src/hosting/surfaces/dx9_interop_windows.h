@@ -7,7 +7,8 @@
 
 namespace oct {
 
-// Throws "Ressouce sharing between OpenGL and DirectX not supported. " without the extension.
+// Throws "Ressouce sharing between OpenGL and DirectX not supported. " if the current context does not have the
+// extension.
 void require_interop();
 
 // The adapter that the current OpenGL context draws with, where OpenGL tells it.
