@@ -47,7 +47,7 @@ OCT_API void clearDisplayRendering(DisplayRenderingHandle Handle);
 
 /**
  * @brief Builds programs, buffers and textures in the current context. Loads OpenGL on the first call of the
- *        process. Calling it again rebuilds them.
+ *        process. Calling it again rebuilds them, also in another context.
  * @param Handle The renderer.
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. "; "Could not load OpenGL. ";
@@ -61,10 +61,10 @@ OCT_API void initDisplayRendering(DisplayRenderingHandle Handle);
 
 /**
  * @brief Deletes what initDisplayRendering() built. Settings and images stay.
- * Does nothing when not initialised.
+ * Does nothing when not initialised. In another context it only forgets it; see @ref contexts.
  * @param Handle The renderer.
  * @par Errors
- * "Invalid DisplayRenderingHandle specified. "; "An OpenGL error in DisplayRenderer::uninit occured: ..."
+ * "Invalid DisplayRenderingHandle specified. "; "No OpenGL context is current on the calling thread. "; "An OpenGL error in DisplayRenderer::uninit occured: ..."
  * @thread Rendering thread, with the context of initDisplayRendering() current.
  */
 OCT_API void uninitDisplayRendering(DisplayRenderingHandle Handle);
@@ -75,6 +75,7 @@ OCT_API void uninitDisplayRendering(DisplayRenderingHandle Handle);
  * @param Handle The renderer.
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. "; "No OpenGL context is current on the calling thread. ";
+ * "The renderer was initialised in another OpenGL context. ";
  * "Cannot generate a texture of the required size. " (no image was set, or it is larger than the driver
  * allows); "Invalid texture for rendering...."; "Could not create OpenGL buffer.";
  * "An OpenGL error in ... occured: ...". What a frame could not upload is uploaded by the next.
@@ -201,7 +202,8 @@ OCT_API void setBackgroundColor(DisplayRenderingHandle Handle, int Color);
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. ";
  * "The number of colours must not be negative. "; "Colour map data must not be null. ". A
- * count above the driver's limit is reported by renderDisplay(), which draws nothing until it has another map.
+ * count above the driver's limit is reported by renderDisplay(), which draws nothing until there is another
+ * map.
  * @thread Any thread; takes effect, whole, at the next frame.
  */
 OCT_API void setDisplayColormap(DisplayRenderingHandle Handle, const void* Colormap, int Count);

@@ -254,7 +254,8 @@ OCT_API void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* D
 OCT_API void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface);
 
 /**
- * @brief Makes a control and leaves its context current on the calling thread.
+ * @brief Makes a control and leaves its context current on the calling thread; after a failure, what was current
+ * before.
  * @return The control, to be freed with deleteUniversalOpenGLControl(); null on failure.
  * @par Errors
  * "Cannot properly create an OpenGLControl." (no context, or no surface sharing, within a second); reasons of
@@ -264,7 +265,8 @@ OCT_API void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface);
 OCT_API OpenGLControlHandle createUniversalOpenGLControl(void);
 
 /**
- * @brief Frees a control.
+ * @brief Frees a control. The thread keeps the context that is current; in place of the control's own one it gets
+ * back what was current before createUniversalOpenGLControl().
  * @param Handle The control; null is ignored.
  * @thread The thread that created the control.
  */

@@ -104,7 +104,8 @@ OCT_API bool isLiveVolumeRunning(LiveVolumeRenderingHandle Handle);
  * "The specified VolumeRendererHandle is invalid. "; "No OpenGL context is current on the calling thread. ";
  * "A volume of ... voxels is too large: this OpenGL driver allows ... voxels along each axis. "; "A volume of
  * ... voxels needs a texture of ... MB, more than this OpenGL driver allows. "; "This is an error." (the
- * driver gave no buffer); "Could not set event";
+ * driver gave no buffer); "Could not set event"; "The renderer was initialised in another OpenGL context. " (than
+ * that of the first frame after startDataSource());
  * "An OpenGL error in FastOpenGLVolumeRenderer::... occured: ..."; those of the volume renderer's frame
  * @thread Rendering thread.
  */

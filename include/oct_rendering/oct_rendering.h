@@ -24,6 +24,15 @@
  * render and uninit of one renderer need the same context current (OpenGL 3.3 or later, core or
  * compatibility).
  *
+ * @section contexts Contexts
+ * A renderer is at home in the context that it was initialised in. A frame in another one is refused with "The
+ * renderer was initialised in another OpenGL context. ", draws nothing and loses nothing: back home it goes on. To
+ * move, initialise it in the new context; settings and images of display and volume renderers go along, volumes are
+ * allocated and uploaded again, live renderers are started again. The context before may be gone or live on; what the
+ * renderer had there stays until that context is deleted, as it does when a renderer is uninitialised or freed
+ * while another context is current. Objects of the client's are never touched, whatever numbers they have. For that
+ * the library keeps one vertex array object in every context of a client's that it made something in.
+ *
  * @section words Words
  * An A-scan is one depth profile; a B-scan is a row of A-scans. Images are arrays of 32-bit floats with depth
  * (axial direction) fastest in memory: sample z of A-scan x lies at index x * Size1 + z, where Size1 is the

@@ -24,6 +24,10 @@ extern "C" {
  * precision and must lie within -65504 to 65504. An extent may reach the driver's limit for 3-D textures
  * (2048 on most).
  *
+ * Where another context is current than that of allocateOfflineVolume(), nothing is allocated: uploads say so, frames
+ * show the scene without the volume, and allocateOfflineVolume() allocates there. The same holds for the overlay
+ * and the secondary data.
+ *
  * Every function refuses a null handle with "The specified OfflineRenderingHandle is invalid. ", except
  * clearOfflineRendering(), which ignores it, and uploadOfflineSecondaryData().
  */
@@ -67,7 +71,8 @@ OCT_API void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, f
                                    float Lateral2);
 
 /**
- * @brief Makes the texture of the volume. The sizes it has already: nothing happens and the contents stay.
+ * @brief Makes the texture of the volume in the current context. The sizes it has there already: nothing happens and
+ * the contents stay.
  * Other sizes: the volume before is lost, except after an error that names a limit.
  * @param Handle The object, with a renderer attached.
  * @param Width Voxels along the first axis, 0 or more.
@@ -175,8 +180,12 @@ OCT_API void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Heigh
  * overlay.
  * @par Errors
  * "The specified OfflineRenderingHandle is invalid. "; "Content type is not supported for rendering. ";
- * "Program has not been compiled yet." (the renderer is not initialised); "Could not create OpenGL buffer. ";
- * "An OpenGL error occured. Framebuffer is not complete: ..."; "An OpenGL error in ... occured: ..."
+ * "Program has not been compiled yet." (the renderer is not initialised); "The renderer was initialised in another
+ * OpenGL context. "; "Could not create OpenGL buffer. ";
+ * "Invalid texture for rendering...."; "An OpenGL error occured. Framebuffer is not complete: ...";
+ * "An OpenGL error in ... occured: ...". What a frame could not upload is uploaded by the next.
+ * @par OpenGL state
+ * Given back as it was; see docs/opengl_state.md.
  * @thread Rendering thread. Setters of the renderer on other threads wait until the frame is drawn.
  */
 OCT_API void renderOfflineVolume(OfflineRenderingHandle Handle, int ContentType);

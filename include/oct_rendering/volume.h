@@ -59,7 +59,7 @@ OCT_API void deleteVolumeRenderer(VolumeRendererHandle Handle);
 
 /**
  * @brief Builds programs and textures in the current context, and the colour maps. Loads OpenGL on the first
- * call of the process. Calling it again rebuilds them and keeps the colours.
+ * call of the process. Calling it again rebuilds them, also in another context, and keeps the colours.
  * @param Handle The renderer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "Could not load OpenGL. ";
@@ -72,7 +72,7 @@ OCT_API void initializeVolumeRenderer(VolumeRendererHandle Handle);
 
 /**
  * @brief Deletes programs, textures and colour maps. The other settings stay.
- * Does nothing when not initialised.
+ * Does nothing when not initialised. In another context it only forgets them; see @ref contexts.
  * @param Handle The renderer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "

@@ -3,6 +3,8 @@
 
 #include <exception>
 
+#include "gl/context/context_identity.h"
+
 namespace oct::api {
 
 // Posts the error to the error store and writes it to the standard error stream, then to the log with the
@@ -22,6 +24,7 @@ class UnknownError : public std::exception {
 // null, 0, false or nothing.
 template <class Body>
 auto guarded(const char* function, Body&& body) noexcept -> decltype(body()) {
+  const gl::FreshIdentity fresh;
   try {
     return body();
   } catch (const std::exception& error) {
@@ -36,6 +39,7 @@ auto guarded(const char* function, Body&& body) noexcept -> decltype(body()) {
 // every frame, and those that read the store.
 template <class Body>
 auto guarded_unposted(Body&& body) noexcept -> decltype(body()) {
+  const gl::FreshIdentity fresh;
   try {
     return body();
   } catch (const std::exception& error) {

@@ -50,6 +50,7 @@ void DisplayRenderer::init() {
     release();
     throw;
   }
+  home_ = gl::current_identity();
   initialized_ = true;
 }
 
@@ -104,6 +105,7 @@ void DisplayRenderer::render() {
     return;
   }
   gl::require_opengl();
+  gl::require_home(home_);
   gl::throwOnGLError("render: init");
   const FrameSettings settings = take_settings();
   upload_colormaps(settings);

@@ -10,6 +10,7 @@
 #include "display/filters.h"
 #include "display/simple_data_provider.h"
 #include "gl/colormap.h"
+#include "gl/context/context_identity.h"
 #include "gl/quad.h"
 #include "gl/shader.h"
 
@@ -116,6 +117,7 @@ class DisplayRenderer {
   gl::Quad quad_;
   std::array<ColormapTexture, layer_count> colormap_textures_;
   std::atomic<bool> initialized_{false};
+  gl::ContextIdentity home_ = gl::no_context;  // where it was initialised
 };
 
 }  // namespace oct

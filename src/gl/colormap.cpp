@@ -43,7 +43,7 @@ void RevisedColormap::set(Colormap colors) {
 }
 
 bool ColormapTexture::upload(const RevisedColormap& colormap) {
-  if (uploaded_ == colormap.revision()) return false;
+  if (texture_ && uploaded_ == colormap.revision()) return false;
   uploaded_ = 0;  // the texture is about to be spoilt
   if (!texture_) texture_ = gl::Texture::create();
   if (!texture_) throw std::runtime_error("Invalid texture for rendering....");

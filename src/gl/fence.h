@@ -3,14 +3,14 @@
 
 #include <utility>
 
-#include "gl/context/current_context.h"
+#include "gl/context/context_identity.h"
 #include "gl/gl.h"
 
 namespace oct::gl {
 
 inline constexpr GLuint64 one_second = 1'000'000'000;  // nanoseconds
 
-// As with names, a fence whose context is not current is given up and dies with its context.
+// As a name it counts as empty where another context is current, and is given up when it is reset there.
 class Fence {
  public:
   Fence() = default;
@@ -20,14 +20,14 @@ class Fence {
 
   void insert() {
     reset();
+    context_ = require_identity();
     sync_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
-    context_ = current_context();
   }
 
   void reset() {
-    if (sync_ && context_ == current_context()) glDeleteSync(sync_);
+    if (*this) glDeleteSync(sync_);
     sync_ = nullptr;
-    context_ = nullptr;
+    context_ = no_context;
   }
 
   // Hands the commands to the GPU and waits for them; the result is glClientWaitSync's.
@@ -35,11 +35,11 @@ class Fence {
     return glClientWaitSync(sync_, GL_SYNC_FLUSH_COMMANDS_BIT, nanoseconds);
   }
 
-  explicit operator bool() const { return sync_ != nullptr; }
+  explicit operator bool() const { return sync_ && context_ != no_context && context_ == current_identity(); }
 
  private:
   GLsync sync_ = nullptr;
-  void* context_ = nullptr;
+  ContextIdentity context_ = no_context;
 };
 
 }  // namespace oct::gl

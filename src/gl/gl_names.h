@@ -3,25 +3,25 @@
 
 #include <utility>
 
-#include "gl/context/current_context.h"
+#include "gl/context/context_identity.h"
 #include "gl/gl.h"
 
 namespace oct::gl {
 
-// Owns one name in the context that was current when it was made, and deletes it only while that context is
-// current: in any other context the same number names somebody else's object. A name whose context is gone or
-// not current is given up and dies with its context.
+// Owns one name in the context that was current when it was made. In any other context the same number names
+// somebody else's object: there the owner counts as empty and deletes nothing. A name that is reset while its
+// context is gone or not current is given up and dies with it.
 template <class Kind>
 class Name {
  public:
   Name() = default;
   Name(Name&& other) noexcept
-      : name_(std::exchange(other.name_, 0)), context_(std::exchange(other.context_, nullptr)) {}
+      : name_(std::exchange(other.name_, 0)), context_(std::exchange(other.context_, no_context)) {}
   Name& operator=(Name&& other) noexcept {
     if (this != &other) {
       reset();
       name_ = std::exchange(other.name_, 0);
-      context_ = std::exchange(other.context_, nullptr);
+      context_ = std::exchange(other.context_, no_context);
     }
     return *this;
   }
@@ -31,23 +31,26 @@ class Name {
   template <class... Arguments>
   static Name create(Arguments... arguments) {
     Name result;
+    result.context_ = require_identity();
     result.name_ = Kind::create(arguments...);
-    result.context_ = current_context();
     return result;
   }
 
   void reset() {
-    if (name_ != 0 && context_ == current_context()) Kind::destroy(name_);
+    if (*this) Kind::destroy(name_);
     name_ = 0;
-    context_ = nullptr;
+    context_ = no_context;
   }
 
-  GLuint get() const { return name_; }
-  explicit operator bool() const { return name_ != 0; }
+  // 0 and false for an empty owner, and where another context is current.
+  GLuint get() const { return *this ? name_ : 0; }
+  explicit operator bool() const {
+    return name_ != 0 && context_ != no_context && context_ == current_identity();
+  }
 
  private:
   GLuint name_ = 0;
-  void* context_ = nullptr;
+  ContextIdentity context_ = no_context;
 };
 
 struct TextureKind {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/console.h"
+#include "gl/context/current_context.h"
 
 namespace oct::gl {
 namespace {
@@ -47,6 +48,13 @@ void throwOnGLError(std::string where) {
 void printGLError(std::string where) {
   const GLenum code = glGetError();
   if (code != GL_NO_ERROR) write_error(message(where, code));
+}
+
+void discard_gl_errors() {
+  constexpr int most = 64;  // OpenGL keeps one of each kind, in each part of a distributed one
+  if (!is_context_current()) return;
+  for (int i = 0; i < most && glGetError() != GL_NO_ERROR; ++i) {
+  }
 }
 
 const char* framebufferStatusName(GLenum status) {

@@ -17,6 +17,10 @@ void throwOnGLError(std::string where);
 // The same, but writes the text to the standard error stream and returns.
 void printGLError(std::string where);
 
+// Forgets what the error flag holds. Ends where no context is current and where the flag never empties, as it does
+// with a lost context.
+void discard_gl_errors();
+
 const char* framebufferStatusName(GLenum status);
 
 }  // namespace oct::gl

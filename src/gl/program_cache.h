@@ -16,10 +16,12 @@ struct ProgramBinary {
   std::vector<unsigned char> bytes;
 };
 
-// A program is known by its source lengths and its name; the texts are not compared.
+// A program is known by its source lengths and its name; the texts are not compared. Its binary is good for the
+// driver that made it.
 struct ProgramKey {
   std::pair<std::size_t, std::size_t> source_lengths;  // fragment, vertex
   std::string name;
+  std::string driver;
   auto operator<=>(const ProgramKey&) const = default;
 };
 

@@ -5,6 +5,7 @@
 
 #include "core/exception.h"
 #include "core/log.h"
+#include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
 #include "gl/program_cache.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 ProgramKey key_of(const std::string& name, const std::string& vertexSource,
                   const std::string& fragmentSource) {
-  return {{fragmentSource.size(), vertexSource.size()}, name};
+  return {{fragmentSource.size(), vertexSource.size()}, name, driver_name()};
 }
 
 ShaderObject compile(GLenum stage, const std::string& source) {
@@ -34,6 +35,14 @@ void check_compiled(const ShaderObject& shader, const char* failure) {
   glGetShaderInfoLog(shader.get(), length, nullptr, text.data());
   log() << "Shader compilation failed: " << text.data();
   throw Exception(failure);
+}
+
+std::string link_log(const Program& program) {
+  GLint length = 0;
+  glGetProgramiv(program.get(), GL_INFO_LOG_LENGTH, &length);
+  std::vector<GLchar> text(static_cast<std::size_t>(length) + 1, '\0');
+  glGetProgramInfoLog(program.get(), length, nullptr, text.data());
+  return text.data();
 }
 
 // OpenGL 3.3 has program binaries only as an extension.
@@ -78,8 +87,8 @@ bool Shader::load_binary(const std::string& name, const std::string& vertexSourc
   glProgramBinary(program_.get(), binary->format, binary->bytes.data(),
                   static_cast<GLsizei>(binary->bytes.size()));
   throwOnGLError("BinaryShader::load_to_program");
-  // A driver may refuse a binary without raising an error (after an update, or one made for another GPU of
-  // this machine). It then holds no executable for the program, and the sources are compiled again.
+  // A driver may refuse a binary without raising an error, as when one of the same name was updated meanwhile. It
+  // then holds no executable for the program, and the sources are compiled again.
   return binary_length(program_) > 0;
 }
 
@@ -99,6 +108,7 @@ void Shader::compile_and_link(const std::string& vertexSource, const std::string
   glGetProgramiv(program_.get(), GL_LINK_STATUS, &status);
   if (status != GL_TRUE) {
     log() << "Linking failed. ";
+    log() << link_log(program_);
     throw Exception("");
   }
   vertex_shader_.reset();

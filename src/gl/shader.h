@@ -17,7 +17,7 @@ class Shader {
 
   // Builds the program, or throws: "Vertex shader compilation failed", "Fragment shader compilation failed",
   // an empty message when it does not link, or an OpenGL checkpoint. Compiler and linker texts go to the
-  // library log. The binary of a first build is kept under the name and the two source lengths.
+  // library log. The binary of a first build is kept under the name, the two source lengths and the driver.
   virtual void load_to_program(const std::string& name, const std::string& vertexSource,
                                const std::string& fragmentSource);
 

@@ -53,7 +53,7 @@ void Texture3D::require(const VolumeExtent& extent, GLenum internal_format) {
                                 " voxels along each axis. ");
   }
   if (!extent.empty() && !proxy_accepts(extent, internal_format)) {
-    glGetError();  // some drivers raise an error for an impossible proxy; this exception says it all
+    discard_gl_errors();  // some drivers raise an error for an impossible proxy; this exception says it all
     throw std::invalid_argument(memory_text(extent, internal_format) +
                                 "more than this OpenGL driver allows. ");
   }
@@ -64,6 +64,9 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, con
   require(extent, internal_format);
   reset();
   Texture texture = Texture::create();
+  if (!texture) {
+    throw std::runtime_error(memory_text(extent, internal_format) + "which the driver could not provide. ");
+  }
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_3D, texture.get());
   for (const GLenum filter : filters) glTexParameteri(GL_TEXTURE_3D, filter, GL_LINEAR);
@@ -83,8 +86,7 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, con
   try {
     throwOnGLError(checkpoint);
   } catch (const std::runtime_error& error) {
-    while (glGetError() != GL_NO_ERROR) {
-    }
+    discard_gl_errors();
     glBindTexture(GL_TEXTURE_3D, 0);
     throw std::runtime_error(std::string(error.what()) + " " + memory_text(extent, internal_format) +
                              "which the driver could not provide. ");

@@ -122,6 +122,7 @@ void FastOpenGLVolumeRenderer::render_stop(const Transition::Request& request) {
 }
 
 void FastOpenGLVolumeRenderer::render_running() {
+  gl::require_home(home_);
   log() << "Rendering: ";
   if (hand_over_.filled()) {
     take_volume();
@@ -192,6 +193,7 @@ void FastOpenGLVolumeRenderer::initialize() {
     renderer->set_source(source);
   }
   upload_.allocate(stored);
+  home_ = gl::current_identity();
   hand_over_.set_extent(stored);
   if (const std::int32_t width = hand_over_.secondary_width(); width > 0) {
     upload_.allocate_secondary();
@@ -230,8 +232,9 @@ void FastOpenGLVolumeRenderer::forget_textures() {
   if (!renderer) return;
   const ObjectLock lock(renderer);
   VolumeSource source = renderer->source();
-  if (source.volume == upload_.volume()) source.volume = 0;
-  if (source.secondary == upload_.secondary()) {
+  const bool away = gl::current_identity() != home_;  // the names mean nothing here, whosever they are
+  if (away || source.volume == upload_.volume()) source.volume = 0;
+  if (away || source.secondary == upload_.secondary()) {
     source.secondary = 0;
     source.secondary_slice_count = 0;
   }

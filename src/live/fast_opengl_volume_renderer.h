@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 
+#include "gl/context/context_identity.h"
 #include "live/manual_reset_event.h"
 #include "live/transition.h"
 #include "live/volume_hand_over.h"
@@ -70,7 +71,8 @@ class FastOpenGLVolumeRenderer {
   Transition transition_;
   VolumeHandOver hand_over_;
   VolumeUpload upload_;
-  bool uploaded_ = false;  // since the texture was allocated
+  gl::ContextIdentity home_ = gl::no_context;  // where the textures and buffers are
+  bool uploaded_ = false;                      // since the texture was allocated
   mutable std::mutex extent_mutex_;
   VolumeExtent extent_;  // of the volumes to come
   std::atomic<double> fps_ = 0.0;

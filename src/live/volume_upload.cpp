@@ -68,6 +68,7 @@ float* VolumeUpload::map_fresh() {
 }
 
 void VolumeUpload::unmap() {
+  if (!buffers_[current_]) return;  // unmapped with its context
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
   glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER);
   unbind_buffer();

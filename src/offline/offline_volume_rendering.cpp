@@ -209,7 +209,9 @@ VolumeSource OfflineVolumeRendering::source_of(Content content) const {
   source.overlay = 0;
   source.overlay_present = false;
   source.main_colormap_is_overlay = false;
-  if (volume_.extent().empty()) return source;
+  source.secondary = secondary_.get();
+  source.secondary_slice_count = secondary_ ? static_cast<int>(secondary_.extent().depth) : 0;
+  if (!volume_ || volume_.extent().empty()) return source;
   source.slice_count = static_cast<int>(volume_.extent().b_scans);
   if (content == Content::overlay) {
     source.volume = overlay_.get();

@@ -9,7 +9,7 @@
 namespace oct {
 
 // No lock of its own: everything runs on the thread that owns the context. The attached renderer's setters
-// may run on other threads.
+// may run on other threads. Where another context is current than that of the allocation, nothing is allocated.
 class OfflineVolumeRendering {
  public:
   OfflineVolumeRendering();

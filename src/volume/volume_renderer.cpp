@@ -46,6 +46,7 @@ void VolumeRenderer::init() {
     programs_.load_raycasting();
     colormaps_.create();
     gl::throwOnGLError("VolumeRenderer::init");
+    home_ = gl::current_identity();
   } catch (...) {
     release();
     throw;
@@ -60,6 +61,7 @@ void VolumeRenderer::uninit() {
 }
 
 void VolumeRenderer::release() {
+  home_ = gl::no_context;
   programs_.unload();
   background_.release();
   box_.release();
@@ -72,6 +74,7 @@ void VolumeRenderer::render() {
   const ObjectLock lock(this);
   const TimingMark mark("VolumeRenderer::render");
   gl::require_opengl();
+  if (home_ != gl::no_context) gl::require_home(home_);
   const VolumeFrame frame = begin_frame();
   if (frame.camera.viewport.width <= 0 || frame.camera.viewport.height <= 0) return;
   colormaps_.upload_changed();

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "gl/context/context_identity.h"
 #include "volume/frame/volume_colormap.h"
 #include "volume/frame/volume_programs.h"
 #include "volume/frame/volume_settings.h"
@@ -16,8 +17,8 @@
 namespace oct {
 
 // Every operation takes the renderer's ObjectLock, so that a frame sees each setting whole. init, uninit,
-// render and the destructor run on the thread that owns the context. A frame starts from OpenGL's own settings, which
-// its caller sees to (gl::ClientState), and leaves what it set.
+// render and the destructor run on the thread that owns the context. A frame starts from OpenGL's own
+// settings, which its caller sees to (gl::ClientState), and leaves what it set.
 class VolumeRenderer {
  public:
   VolumeRenderer();
@@ -83,6 +84,7 @@ class VolumeRenderer {
 
   void release();
 
+  gl::ContextIdentity home_ = gl::no_context;  // where it was initialised; none: it is not
   VolumeSettings settings_;
   VolumeSource source_;
   VolumeColormaps colormaps_;

@@ -139,6 +139,7 @@ TEST_F(DisplayApiGLTest, InitAgainInAnotherContext) {
   initDisplayRendering(renderer_);
   expect_scene(frame());
   const DisplayRenderingHandle forgotten = createDisplayRendering();
+  beginOffscreenFrame(stage_.target, 1, 1);
   initDisplayRendering(forgotten);
   beginOffscreenFrame(other, 1, 1);
   GlSpy spy;

@@ -52,6 +52,19 @@ TEST_F(OpenGLErrorGLTest, OneTextPerCheckpoint) {
   EXPECT_EQ(thrown_by("b"), "(none)");
 }
 
+// A lost context, and some drivers without one, report an error each time they are asked.
+TEST_F(OpenGLErrorGLTest, AnErrorFlagThatNeverEmptiesHoldsNobodyUp) {
+  GlSpy spy;
+  for (const int errors : {0, 1, 5}) {
+    for (int i = 0; i < errors; ++i) spy.queue_error(GL_OUT_OF_MEMORY);
+    gl::discard_gl_errors();
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+  }
+  for (int i = 0; i < 1000; ++i) spy.queue_error(GL_INVALID_OPERATION);
+  gl::discard_gl_errors();
+  EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_INVALID_OPERATION));
+}
+
 TEST_F(OpenGLErrorGLTest, FramebufferStatusNames) {
   const std::pair<GLenum, const char*> names[] = {
       {0x8219, "GL_FRAMEBUFFER_UNDEFINED"},

@@ -38,5 +38,30 @@ TEST_F(LoaderGLTest, VersionsRequiredAndFound) {
   EXPECT_TRUE(gl::glewInitialized());
 }
 
+// Entry points as a driver without them leaves them.
+TEST_F(LoaderGLTest, ADriverThatIsTooOldSpoilsNothingForTheNextOne) {
+  GlSpy spy;
+  const auto create_shader = __glewCreateShader;
+  spy.answer(GL_RENDERER, std::string("basic"));
+  spy.answer(GL_MAJOR_VERSION, 0);  // as OpenGL 1.1 leaves it
+  spy.answer(GL_MINOR_VERSION, 0);
+  spy.answer(GL_VERSION, std::string("1.1.0"));
+  spy.queue_error(GL_INVALID_ENUM);
+  EXPECT_EQ(failure_of([] { gl::require_opengl(); }), "OpenGL 3.0 required. Version is currently 1.1");
+  EXPECT_EQ(__glewCreateShader, create_shader) << "others are drawing with it";
+  EXPECT_FALSE(gl::is_loaded_for_current_driver());
+
+  spy.answer(GL_MAJOR_VERSION, 4);
+  for (const auto& [name, text] : {std::pair{GL_RENDERER, "a second card"}, {GL_VENDOR, "a second maker"}}) {
+    __glewCreateShader = nullptr;
+    __glewGenVertexArrays = nullptr;
+    spy.answer(static_cast<GLenum>(name), std::string(text));
+    gl::require_opengl();
+    EXPECT_NE(__glewCreateShader, nullptr) << text;
+    EXPECT_NE(__glewGenVertexArrays, nullptr) << text;
+    EXPECT_TRUE(gl::is_loaded_for_current_driver());
+  }
+}
+
 }  // namespace
 }  // namespace oct::test

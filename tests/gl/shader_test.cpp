@@ -16,7 +16,7 @@ class ShaderGLTest : public GLTest {
  protected:
   // A name of its own for every test: binaries are never forgotten.
   static std::string name() { return testing::UnitTest::GetInstance()->current_test_info()->name(); }
-  static gl::ProgramKey key() { return {{fragment.size(), vertex.size()}, name()}; }
+  static gl::ProgramKey key() { return {{fragment.size(), vertex.size()}, name(), gl::driver_name()}; }
 
   static std::string failure(gl::Shader& shader, const std::string& v = vertex,
                              const std::string& f = fragment) {
@@ -70,6 +70,20 @@ TEST_F(ShaderGLTest, NameAndLengthsAreTheKey) {
   }
 }
 
+// A process may meet two drivers, as with two graphics cards, and an update that changes the version alone.
+TEST_F(ShaderGLTest, ABinaryIsItsDriversOwn) {
+  GlSpy spy;
+  gl::Shader shader;
+  expect_built(shader, spy, 1);
+  int links = 1;
+  for (const GLenum name : {GL_VENDOR, GL_RENDERER, GL_VERSION}) {
+    spy.answer(name, std::string("another"));
+    expect_built(shader, spy, ++links);
+    expect_built(shader, spy, links);
+  }
+  EXPECT_EQ(spy.calls("glProgramBinary"), 3);
+}
+
 TEST_F(ShaderGLTest, DriverWithoutBinaries) {
   GlSpy spy;
   spy.answer(GL_PROGRAM_BINARY_LENGTH, 0);
@@ -120,7 +134,7 @@ TEST_F(ShaderGLTest, SourcesThatFail) {
       {head + "nonsense\n", fragment, "Vertex shader compilation failed",
        "Shader compilation failed: ", "error", 1},
       {varying, head + "in vec4 passed;\nout vec4 c;\nvoid main() { c = passed; }\n", "",
-       "Linking failed. \n", "", 3},
+       "Linking failed. \n", "passed", 3},
   };
   gl::Shader shader;
   GlSpy spy;

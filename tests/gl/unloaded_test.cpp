@@ -1,5 +1,6 @@
 // Using the library before any context has been current in the process.
 #include "oct_rendering/oct_rendering.h"
+#include "support/gl_spy.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -21,6 +22,13 @@ TEST(UnloadedTest, InitWithoutContext) {
   deleteVolumeRenderer(volume);
   EXPECT_EQ(pending_error(), "(none)");
 
+  {
+    // A first context that is too old, as a remote desktop's; then a good one.
+    GlSpy spy;
+    spy.answer(GL_MAJOR_VERSION, 2);
+    EXPECT_EQ(failure_of([] { const TestContext old; }), "OpenGL 3.0 required. Version is currently 2.5");
+    EXPECT_FALSE(gl::glewInitialized());
+  }
   { const TestContext elsewhere; }
   EXPECT_TRUE(gl::glewInitialized());
   initDisplayRendering(renderer);

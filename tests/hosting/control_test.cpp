@@ -28,7 +28,9 @@ TEST_P(ControlGLTest, AClientDrivesItsOwnControl) {
   ASSERT_NE(control, nullptr);
   EXPECT_NE(glGetString(GL_VERSION), nullptr);
   for (const auto call : {beforeRender, renderTestImage, updateBuffer, readBuffer}) call(control);
+  ClientContext client;
   deleteUniversalOpenGLControl(control);
+  EXPECT_EQ(gl::current_context(), client.handle()) << "the client's own";
   deleteUniversalOpenGLControl(nullptr);
   EXPECT_EQ(pending_error(), "(none)");
   expect_null_refused("The specified OpenGLControlHandle is invalid. ", beforeRender, updateBuffer,

@@ -4,8 +4,10 @@
 #include "gl/context/current_context.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
+#include "support/opengl/foreign_state.h"
 #include "support/pictures.h"
 #include "support/test_context.h"
+#include "support/test_loop.h"
 
 namespace oct::test {
 namespace {
@@ -17,7 +19,11 @@ TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
     beginOffscreenFrame(targets[i], static_cast<unsigned>(picture.width), 2);
     glClearColor(static_cast<float>(i), 1.0F, 0.0F, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT);
+    glPixelStorei(GL_PACK_ROW_LENGTH, 9);
     finishOffscreenFrame(targets[i], picture.bytes.data());
+    GLint row_length = 0;
+    glGetIntegerv(GL_PACK_ROW_LENGTH, &row_length);
+    EXPECT_EQ(row_length, 9) << "the client's setting is neither used nor lost";
     EXPECT_EQ(picture.bgra(2 + i, 1), (std::array<int, 4>{0, 255, i * 255, 255}));
   }
   for (const auto target : targets) clearOffscreenTarget(target);
@@ -61,6 +67,116 @@ TEST(OffscreenTargetGLTest, ARefusedFrameIsNotBegun) {
     EXPECT_EQ(pending_error().find("An error occured. "), 0U);
   }).join();
   clearOffscreenTarget(target);
+}
+
+// Whatever a target is asked for, the client has its own context back afterwards; only a new target leaves its own
+// one current.
+TEST(OffscreenTargetGLTest, TheContextOfTheClientComesBack) {
+  auto client = std::make_unique<ClientContext>();
+  const auto frame = [](OffscreenTargetHandle target, unsigned size) {
+    beginOffscreenFrame(target, size, size);
+    EXPECT_TRUE(gl::is_context_current());
+  };
+  struct Case {
+    const char* name;
+    std::function<void(OffscreenTargetHandle)> call;
+    std::string error = "(none)";
+  };
+  const Case cases[] = {
+      {"nothing", [](auto) {}},
+      {"frame",
+       [&](auto target) {
+         frame(target, 4);
+         EXPECT_NE(gl::current_context(), client->handle());
+         finishOffscreenFrame(target, nullptr);
+       }},
+      {"no size", [&](auto target) { frame(target, 0); },
+       "The offscreen framebuffer is not complete: GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT"},
+      {"no size after a good begin", [&](auto target) { frame(target, 4), frame(target, 0); },
+       "The offscreen framebuffer is not complete: GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT"},
+      {"begun twice",
+       [&](auto target) {
+         frame(target, 4), frame(target, 5);
+         finishOffscreenFrame(target, nullptr);
+       }},
+      {"not begun", [](auto target) { finishOffscreenFrame(target, nullptr); },
+       "No offscreen frame has been begun. "},
+      {"finish fails",
+       [&](auto target) {
+         frame(target, 4);
+         glEnable(0x1234);
+         finishOffscreenFrame(target, nullptr);
+       },
+       "An OpenGL error in finishOffscreenFrame occured: An unacceptable value is specified for an "
+       "enumerated "
+       "argument. The offending command is ignored and has no other side effect than to set the error flag. "
+       "(GL_INVALID_ENUM)\n"},
+  };
+  for (const auto& [name, call, error] : cases) {
+    SCOPED_TRACE(name);
+    client->makeCurrent();
+    const OffscreenTargetHandle target = createOffscreenTarget();
+    EXPECT_NE(gl::current_context(), client->handle());
+    client->makeCurrent();
+    call(target);
+    EXPECT_EQ(gl::current_context(), client->handle());
+    EXPECT_EQ(pending_error(), error);
+    clearOffscreenTarget(target);
+    EXPECT_EQ(gl::current_context(), client->handle());
+  }
+  for (const bool begun : {false, true}) {
+    const OffscreenTargetHandle target = createOffscreenTarget();
+    if (begun) frame(target, 4);
+    clearOffscreenTarget(target);
+    EXPECT_EQ(gl::current_context(), client->handle()) << "cleared with its own context current";
+  }
+  {
+    GlSpy spy;
+    spy.answer(GL_MAJOR_VERSION, 2);
+    EXPECT_EQ(createOffscreenTarget(), nullptr);
+    EXPECT_NE(pending_error(), "(none)");
+    EXPECT_EQ(gl::current_context(), client->handle());
+  }
+  const OffscreenTargetHandle survivor = createOffscreenTarget();
+  client.reset();
+  clearOffscreenTarget(survivor);
+  EXPECT_FALSE(gl::is_context_current()) << "there is nothing to go back to";
+  EXPECT_EQ(pending_error(), "(none)");
+}
+
+class OffscreenTargetInLoopGLTest : public LoopGLTest {};
+
+TEST_P(OffscreenTargetInLoopGLTest, TheRenderFunctionGoesOnInTheLoop) {
+  Picture inner(3, 3);
+  const auto loop = make_recording_loop(6, 6);
+  loop->set_rendering_callback(RenderingCallback([&](std::uint32_t id) {
+    const OffscreenTargetHandle target = createOffscreenTarget();
+    beginOffscreenFrame(target, 3, 3);
+    draw_pattern(77);
+    finishOffscreenFrame(target, inner.bytes.data());
+    clearOffscreenTarget(target);
+    EXPECT_EQ(pending_error(), "(none)");
+    draw_pattern(id);
+  }));
+  Picture outer(8, 8);
+  loop->snapshot(8, 8, outer.bytes.data());
+  EXPECT_TRUE(agree(inner, pattern_picture(77, 3, 3), exact));
+  EXPECT_TRUE(agree(outer, pattern_picture(0, 8, 8), exact));
+  loop->request(5);
+  EXPECT_EQ(returned_.at_least(1).front() % 5, 0U);
+  EXPECT_TRUE(errors_.all().empty());
+}
+
+OCT_EVERY_SHARING(OffscreenTargetInLoopGLTest);
+
+// The image turns from call to call about its middle, whose colour stays.
+TEST(OffscreenTargetGLTest, NothingThatTheClientSetShowsInTheTestImageOrIsChangedByIt) {
+  const OffscreenTargetHandle target = createOffscreenTarget();
+  Picture middle(1, 1);
+  middle.bytes = {85, 85, 85, 255};
+  expect_same_whatever_the_client_sets(target, middle, glRenderTestImage);
+  clearOffscreenTarget(target);
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 }  // namespace

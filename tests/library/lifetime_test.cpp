@@ -61,6 +61,22 @@ TEST(LifetimeGLTest, LoadedUsedAndUnloadedManyTimes) {
   }
 }
 
+// A client that unloads the library without finishOpenGL does not take the code from under the host thread.
+TEST(LifetimeGLTest, StaysLoadedWhileItsHostThreadLives) {
+  const auto output_of_use = [](const char* function) {
+    testing::internal::CaptureStdout();
+    {
+      const DynamicLibrary library(OCT_LIBRARY_FILE);
+      library.function<decltype(prepareOpenGL)>(function)();
+    }
+    return testing::internal::GetCapturedStdout();
+  };
+  for (int round = 0; round < 3; ++round) {
+    EXPECT_EQ(output_of_use("prepareOpenGL").find("Process detach"), std::string::npos);
+    EXPECT_NE(output_of_use("finishOpenGL").find("Process detach"), std::string::npos);
+  }
+}
+
 // The log's settings as another process finds them.
 TEST(SharedLogTest, NameOfTheFileIsInTheBlockOfAllProcesses) {
   const DynamicLibrary library(OCT_LIBRARY_FILE);

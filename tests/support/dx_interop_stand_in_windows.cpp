@@ -132,8 +132,17 @@ BOOL WINAPI object_access(HANDLE, GLenum) {
   return TRUE;
 }
 
+PFNWGLGETEXTENSIONSSTRINGARBPROC real_extensions = nullptr;
+
+const char* WINAPI extensions(HDC device_context) {
+  thread_local std::string list;
+  list = std::string(real_extensions(device_context)) + " WGL_NV_DX_interop";
+  return list.c_str();
+}
+
 void install(bool present) {
-  __WGLEW_NV_DX_interop = present ? GL_TRUE : GL_FALSE;
+  if (present) real_extensions = __wglewGetExtensionsStringARB;
+  __wglewGetExtensionsStringARB = present ? extensions : real_extensions;
   __wglewDXOpenDeviceNV = present ? open_device : nullptr;
   __wglewDXCloseDeviceNV = present ? close_device : nullptr;
   __wglewDXSetResourceShareHandleNV = present ? share_handle : nullptr;

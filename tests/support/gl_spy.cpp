@@ -22,6 +22,7 @@ struct GlSpy::State {
   std::map<std::string, Failure> failures;
   std::map<std::string, std::function<void()>> actions;
   std::map<GLenum, GLint> answers;
+  std::map<GLenum, std::string> texts;
   std::deque<GLenum> errors;
   std::set<std::tuple<void*, std::string, GLuint>> objects;  // with their contexts
   std::mutex mutex;
@@ -60,6 +61,12 @@ struct GlSpy::State {
     const std::lock_guard lock(mutex);
     const auto answer = answers.find(query);
     if (answer != answers.end()) *value = answer->second;
+  }
+
+  const char* text(GLenum query) {
+    const std::lock_guard lock(mutex);
+    const auto found = texts.find(query);
+    return found != texts.end() ? found->second.c_str() : nullptr;
   }
 
   GLenum next_error() {
@@ -156,11 +163,11 @@ Result GLAPIENTRY watched_pointer(Args... args) {
   return watched(function.text, original<pointer>, args...);
 }
 
-// Puts our function into the pointer, or the original back when the spy is gone.
+// Puts our function into the pointer, or the original back when the spy is gone and nobody has loaded anew.
 template <auto* pointer>
 void replace(std::remove_pointer_t<decltype(pointer)> ours) {
-  if (spy) original<pointer> = *pointer;
-  *pointer = spy ? ours : original<pointer>;
+  if (spy) original<pointer> = std::exchange(*pointer, ours);
+  if (!spy && *pointer == ours) *pointer = original<pointer>;
 }
 template <Name function, auto* pointer>
 void replace() {
@@ -266,6 +273,10 @@ void GlSpy::answer(GLenum integer_query, GLint value) {
   const std::lock_guard lock(state_->mutex);
   state_->answers[integer_query] = value;
 }
+void GlSpy::answer(GLenum string_query, const std::string& text) {
+  const std::lock_guard lock(state_->mutex);
+  state_->texts[string_query] = text;
+}
 void GlSpy::queue_error(GLenum error) {
   const std::lock_guard lock(state_->mutex);
   state_->errors.push_back(error);
@@ -337,6 +348,13 @@ decltype(glGetError) __real_glGetError;
 GLenum GLAPIENTRY __wrap_glGetError(void) {
   const GLenum error = spy ? spy->next_error() : GL_NO_ERROR;
   return error != GL_NO_ERROR ? error : __real_glGetError();
+}
+
+decltype(glGetString) __real_glGetString;
+const GLubyte* GLAPIENTRY __wrap_glGetString(GLenum query) {
+  const GLubyte* const text = __real_glGetString(query);
+  const char* const answer = spy && text ? spy->text(query) : nullptr;
+  return answer ? reinterpret_cast<const GLubyte*>(answer) : text;
 }
 
 decltype(glGetIntegerv) __real_glGetIntegerv;

@@ -36,6 +36,7 @@ class GlSpy {
 
   // What queries of these values answer from now on.
   void answer(GLenum integer_query, GLint value);
+  void answer(GLenum string_query, const std::string& text);
 
   // Errors that glGetError will report, in this order, before OpenGL's own.
   void queue_error(GLenum error);

@@ -39,8 +39,7 @@ std::string failure_of(const std::function<void()>& action) {
 }
 
 void clear_gl_errors() {
-  while (glGetError() != GL_NO_ERROR) {
-  }
+  gl::discard_gl_errors();
 }
 
 std::string log_of(const std::function<void()>& action) {

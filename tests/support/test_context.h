@@ -8,10 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include "gl/context/current_context.h"
 #include "gl/context/opengl_context.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/context/opengl_window.h"
 #include "gl/gl.h"
+#include "gl/opengl_error.h"
 
 namespace oct::test {
 
@@ -26,6 +28,28 @@ class TestContext {
  private:
   gl::OpenGLWindow window_;
   gl::OpenGLContext context_;
+};
+
+// A context of a client's: the library did not make it and is not told when it goes.
+class ClientContext {
+ public:
+  ClientContext() : handle_(window_.createContext()) { makeCurrent(); }
+  ~ClientContext() {
+    if (gl::current_context() == handle_) window_.makeUncurrent();
+    window_.deleteContext(handle_);
+  }
+  ClientContext(const ClientContext&) = delete;
+  ClientContext& operator=(const ClientContext&) = delete;
+
+  void makeCurrent() {
+    window_.makeCurrent(handle_);
+    gl::initGlew();
+  }
+  gl::ContextHandle handle() const { return handle_; }
+
+ private:
+  gl::OpenGLWindow window_;
+  const gl::ContextHandle handle_;
 };
 
 // Starts every test with a context current and ends it without OpenGL error.

@@ -7,6 +7,7 @@
 #include "core/exception.h"
 #include "core/log.h"
 #include "core/platform.h"
+#include "gl/context/own_module_windows.h"
 
 namespace oct::gl {
 namespace {
@@ -27,15 +28,18 @@ void register_class(const std::string& name) {
   record.style = CS_HREDRAW | CS_VREDRAW;
   record.lpfnWndProc = DefWindowProcA;
   record.lpszClassName = name.c_str();
-  if (!RegisterClassExA(&record)) {
+  record.hInstance = own_module(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT);
+  // One that is still there is ours: a window of it could not be destroyed.
+  if (!RegisterClassExA(&record) && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) {
     write_error_and_throw("An error occured. Could not register window class (" + name +
                           ") for graphics output: " + std::to_string(GetLastError()));
   }
 }
 
 HWND create_window(const std::string& class_name) {
-  const HWND window = CreateWindowExA(0, class_name.c_str(), "", WS_OVERLAPPEDWINDOW, 0, 0, 300, 300, nullptr,
-                                      nullptr, nullptr, nullptr);
+  const HWND window =
+      CreateWindowExA(0, class_name.c_str(), "", WS_OVERLAPPEDWINDOW, 0, 0, 300, 300, nullptr, nullptr,
+                      own_module(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT), nullptr);
   if (!window)
     write_error_and_throw("An error occured. Could not create hidden window for OpenGL output: " +
                           system_error_text());
@@ -53,7 +57,8 @@ HiddenWindow::ClassUse::ClassUse(const std::string& name) : name_(name) {
 
 HiddenWindow::ClassUse::~ClassUse() {
   const std::lock_guard lock(class_table().mutex);
-  if (--class_table().users[name_] == 0) UnregisterClassA(name_.c_str(), nullptr);
+  if (--class_table().users[name_] == 0)
+    UnregisterClassA(name_.c_str(), own_module(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT));
 }
 
 HiddenWindow::HiddenWindow(std::string class_name)

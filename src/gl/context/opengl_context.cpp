@@ -3,17 +3,30 @@
 #include <exception>
 
 #include "core/console.h"
-#include "gl/context/current_context.h"
 
 namespace oct::gl {
 
+OpenGLContext::OpenGLContext(OpenGLWindow& window) : window_(window), handle_(window.createContext()) {
+  try {
+    identity_ = register_context(handle_);
+  } catch (...) {
+    window_.deleteContext(handle_);
+    throw;
+  }
+}
+
 OpenGLContext::~OpenGLContext() {
   try {
-    if (current_context() == handle_) window_.makeUncurrent();
+    if (is_current()) window_.makeUncurrent();
+    unregister_context(identity_);
     window_.deleteContext(handle_);
   } catch (const std::exception& error) {
     write_error(error.what());
   }
+}
+
+bool OpenGLContext::is_current() const {
+  return current_context() == handle_;
 }
 
 }  // namespace oct::gl

@@ -1,21 +1,31 @@
 #include "gl/context/opengl_loader.h"
 
 #include <atomic>
+#include <compare>
+#include <cstdio>
 #include <mutex>
 #include <stdexcept>
-#include <string>
+#include <string_view>
 
 #include "core/console.h"
+#include "gl/context/context_identity.h"
 #include "gl/context/current_context.h"
 #include "gl/gl.h"
+#include "gl/opengl_error.h"
 
 namespace oct::gl {
 namespace {
 
+// Never freed, as other threads may be reading it: a machine has few.
+struct Driver {
+  std::string vendor;
+  std::string renderer;
+  const Driver* before;
+};
+
 struct Loader {
-  std::mutex mutex;  // GLEW writes its function pointers without one
-  std::atomic<bool> glew_initialized{false};
-  std::atomic<bool> usable{false};  // entry points loaded and a sufficient version seen
+  std::mutex mutex;                            // GLEW writes its function pointers without one
+  std::atomic<const Driver*> driver{nullptr};  // whose entry points are loaded; its version was sufficient
 };
 
 Loader loader;
@@ -23,56 +33,87 @@ Loader loader;
 struct Version {
   GLint major = 0;
   GLint minor = 0;
+  auto operator<=>(const Version&) const = default;
 };
+
+std::string_view text(GLenum name) {
+  const auto* const value = reinterpret_cast<const char*>(glGetString(name));
+  return value ? value : "";
+}
 
 Version current_version() {
   Version version;
   glGetIntegerv(GL_MAJOR_VERSION, &version.major);
   glGetIntegerv(GL_MINOR_VERSION, &version.minor);
+  if (version.major == 0 && is_context_current()) {
+    discard_gl_errors();  // below 3.0 OpenGL does not know the question
+    std::sscanf(std::string(text(GL_VERSION)).c_str(), "%d.%d", &version.major, &version.minor);
+  }
   return version;
+}
+
+void load(const char* failure) {
+  glewExperimental = GL_TRUE;  // core contexts do not list extensions the way GLEW asks for them
+  const GLenum result = glewInit();
+  // In a context of another window system than EGL, GLEW has loaded OpenGL by then and misses EGL's
+  // functions only.
+  const bool loaded = result == GLEW_OK || (is_context_current() && glCreateShader);
+  if (!loaded) {
+    write_output("Glew error: " + std::to_string(result));
+    write_output("glewInit failed.");
+    throw std::runtime_error(failure);
+  }
+  discard_gl_errors();  // GLEW's probing leaves some behind in core contexts
 }
 
 }  // namespace
 
 void initGlew(const char* load_failure) {
   const std::lock_guard lock(loader.mutex);
-  if (!loader.glew_initialized) {
-    glewExperimental = GL_TRUE;  // core contexts do not list extensions the way GLEW asks for them
-    const GLenum result = glewInit();
-    // In a context of another window system than EGL, GLEW has loaded OpenGL by then and misses EGL's
-    // functions only.
-    const bool loaded = result == GLEW_OK || (is_context_current() && glCreateShader);
-    if (!loaded) {
-      write_output("Glew error: " + std::to_string(result));
-      write_output("glewInit failed.");
-      throw std::runtime_error(load_failure);
-    }
-    loader.glew_initialized = true;
-    glGetError();  // GLEW's probing leaves an error behind in core contexts
-  }
-  const Version version = current_version();
-  checkOpenGLVersion(3, 0);
-  if (version.major < 3) throw std::runtime_error("OpenGL version not supported. ");
-  loader.usable = true;
+  // Before loading: a driver that is too old has no entry points for most, and would take those away that
+  // contexts of another driver are using.
+  if (is_context_current()) checkOpenGLVersion(3, 0);
+  if (is_loaded_for_current_driver()) return;
+  load(load_failure);
+  loader.driver = new Driver{std::string(text(GL_VENDOR)), std::string(text(GL_RENDERER)), loader.driver};
+  forget_current_identity();
 }
 
 void require_opengl(const char* load_failure) {
-  if (!loader.usable) initGlew(load_failure);
-  if (!is_context_current()) throw std::runtime_error("No OpenGL context is current on the calling thread. ");
+  const bool current = is_context_current();
+  if (!glewInitialized() || (current && !is_loaded_for_current_driver())) initGlew(load_failure);
+  if (!current) throw std::runtime_error("No OpenGL context is current on the calling thread. ");
 }
 
 void checkOpenGLVersion(int required_major, int required_minor) {
   const Version version = current_version();
   const std::string found = std::to_string(version.major) + "." + std::to_string(version.minor);
   write_output("Found OpenGL " + found);
-  if (version.major > required_major || (version.major == required_major && version.minor >= required_minor))
-    return;
+  if (version >= Version{required_major, required_minor}) return;
   throw std::runtime_error("OpenGL " + std::to_string(required_major) + "." + std::to_string(required_minor) +
                            " required. Version is currently " + found);
 }
 
+bool is_version_sufficient(int required_major, int required_minor) {
+  if (!is_context_current() || text(GL_VERSION).starts_with("OpenGL ES")) return false;
+  return current_version() >= Version{required_major, required_minor};
+}
+
 bool glewInitialized() {
-  return loader.glew_initialized;
+  return loader.driver != nullptr;
+}
+
+bool is_loaded_for_current_driver() {
+  const Driver* const driver = loader.driver;
+  return driver && driver->vendor == text(GL_VENDOR) && driver->renderer == text(GL_RENDERER);
+}
+
+std::string driver_name() {
+  return std::string(text(GL_VENDOR))
+      .append("\n")
+      .append(text(GL_RENDERER))
+      .append("\n")
+      .append(text(GL_VERSION));
 }
 
 }  // namespace oct::gl

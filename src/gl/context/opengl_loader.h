@@ -1,20 +1,31 @@
 // Loads the OpenGL entry points of the process and checks the version of the current context.
 #pragma once
 
+#include <string>
+
 namespace oct::gl {
 
-// Loads the entry points (once per process, under a lock) and checks the current context's
-// version. Throws std::runtime_error, with the given text when loading fails. Call with a context
-// current, before any other OpenGL call.
+// Loads the entry points, under a lock, unless they are those of the current context's driver: the process has one
+// set of them. Checks the current context's version before. Throws std::runtime_error, with the given text when
+// loading fails. Call with a context current, before any other OpenGL call.
 void initGlew(const char* load_failure = "Could not load OpenGL. ");
 
-// For objects that live in a context of the client's: initGlew unless it has succeeded before, then throws
-// when no context is current.
+// For objects that live in a context of the client's: initGlew unless it has succeeded for this driver before,
+// then throws when no context is current.
 void require_opengl(const char* load_failure = "Could not load OpenGL. ");
 
 // Throws std::runtime_error unless the current context's version is at least the required one.
 void checkOpenGLVersion(int required_major, int required_minor);
 
+// The same without a word. False without a context, and for OpenGL ES.
+bool is_version_sufficient(int required_major, int required_minor);
+
 bool glewInitialized();  // whether GLEW has loaded the entry points
+
+// Whether they are those of the current context's driver.
+bool is_loaded_for_current_driver();
+
+// Vendor, renderer and version of the current context.
+std::string driver_name();
 
 }  // namespace oct::gl

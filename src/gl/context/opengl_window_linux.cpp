@@ -14,21 +14,24 @@
 
 #include "core/console.h"
 #include "core/exception.h"
+#include "core/immortal.h"
 #include "core/log.h"
+#include "gl/context/context_identity.h"
+#include "gl/context/egl_api_linux.h"
 
 namespace oct::gl {
 namespace {
 
 // EGL has no message texts of its own.
-std::string eglErrorText() {
-  const EGLint code = eglGetError();
+std::string text_of(EGLint code) {
   switch (code) {
     case EGL_SUCCESS:
       return "EGL reports no reason (EGL_SUCCESS)";
     case EGL_NOT_INITIALIZED:
       return "EGL is not initialised (EGL_NOT_INITIALIZED)";
     case EGL_BAD_ACCESS:
-      return "The context is current on another thread (EGL_BAD_ACCESS)";
+      return "The context is current on another thread, or one of another window system is current on this one "
+             "(EGL_BAD_ACCESS)";
     case EGL_BAD_ALLOC:
       return "Not enough memory (EGL_BAD_ALLOC)";
     case EGL_BAD_CONFIG:
@@ -51,6 +54,10 @@ std::string eglErrorText() {
   }
 }
 
+std::string eglErrorText() {
+  return text_of(eglGetError());
+}
+
 template <class Function>
 Function entry_point(const char* name) {
   return reinterpret_cast<Function>(eglGetProcAddress(name));
@@ -60,14 +67,43 @@ bool contains(const char* extensions, const char* name) {
   return extensions && std::strstr(extensions, name);
 }
 
-bool initialise(EGLDisplay display) {
-  return display != EGL_NO_DISPLAY && eglInitialize(display, nullptr, nullptr) == EGL_TRUE &&
-         eglBindAPI(EGL_OPENGL_API) == EGL_TRUE;
-}
+// The display of the process, and why there is none as long as there is none.
+class Display {
+ public:
+  // Throws when there is none, and tries again next time: what was missing may be there by then.
+  EGLDisplay open() {
+    const std::lock_guard lock(mutex_);
+    failure_ = EGL_SUCCESS;
+    if (opened_ == EGL_NO_DISPLAY) opened_ = open_gpu();
+    if (opened_ == EGL_NO_DISPLAY) opened_ = open_surfaceless();
+    if (opened_ == EGL_NO_DISPLAY) {
+      write_error_and_throw("An error occured. Could not create hidden window for OpenGL output: " +
+                            text_of(failure_));
+    }
+    return opened_;
+  }
+
+ private:
+  bool initialise(EGLDisplay display) {
+    if (display == EGL_NO_DISPLAY || eglInitialize(display, nullptr, nullptr) != EGL_TRUE) {
+      failure_ = eglGetError();
+      return false;
+    }
+    const OpenGLApi api;
+    return static_cast<bool>(api);
+  }
+
+  EGLDisplay open_gpu();
+  EGLDisplay open_surfaceless();
+
+  std::mutex mutex_;
+  EGLDisplay opened_ = EGL_NO_DISPLAY;
+  EGLint failure_ = EGL_SUCCESS;  // of the last attempt; EGL's own is gone by the next call
+};
 
 // The first GPU, or no display. EGL lists the software renderer as a device as well; it comes last by the
 // surfaceless platform, so that a machine with a GPU never draws in software unnoticed.
-EGLDisplay open_gpu_display() {
+EGLDisplay Display::open_gpu() {
   const char* const client_extensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
   if (!contains(client_extensions, "EGL_EXT_platform_device")) return EGL_NO_DISPLAY;
   const auto query_devices = entry_point<PFNEGLQUERYDEVICESEXTPROC>("eglQueryDevicesEXT");
@@ -86,7 +122,7 @@ EGLDisplay open_gpu_display() {
   return EGL_NO_DISPLAY;
 }
 
-EGLDisplay open_surfaceless_display() {
+EGLDisplay Display::open_surfaceless() {
   const auto get_display = entry_point<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
   if (!get_display) return EGL_NO_DISPLAY;
   const EGLDisplay display = get_display(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
@@ -95,27 +131,20 @@ EGLDisplay open_surfaceless_display() {
 
 // Opened once per process and never terminated: termination would take the contexts of every other user of
 // the same display with it.
-EGLDisplay display() {
-  static const EGLDisplay opened = [] {
-    const EGLDisplay gpu = open_gpu_display();
-    return gpu != EGL_NO_DISPLAY ? gpu : open_surfaceless_display();
-  }();
-  return opened;
+EGLDisplay open_display() {
+  return immortal<Display>().open();
 }
 
 }  // namespace
 
 struct OpenGLWindow::Native {
   std::mutex mutex;
+  EGLDisplay display = EGL_NO_DISPLAY;
   EGLConfig config = nullptr;
 
   Native() {
-    const std::lock_guard lock(mutex);
     log() << "Creating hidden Window";
-    if (display() == EGL_NO_DISPLAY) {
-      write_error_and_throw("An error occured. Could not create hidden window for OpenGL output: " +
-                            eglErrorText());
-    }
+    display = open_display();
     // The same request as on Windows; depth is asked for with 24 bits, the most that EGL drivers offer.
     constexpr std::array<EGLint, 11> attributes{EGL_SURFACE_TYPE,
                                                 EGL_PBUFFER_BIT,
@@ -129,7 +158,7 @@ struct OpenGLWindow::Native {
                                                 EGL_DONT_CARE,
                                                 EGL_NONE};
     EGLint count = 0;
-    if (!eglChooseConfig(display(), attributes.data(), &config, 1, &count) || count == 0) {
+    if (!eglChooseConfig(display, attributes.data(), &config, 1, &count) || count == 0) {
       write_error_and_throw("An error occured. Pixel format for OpenGL window could not be chosen. " +
                             eglErrorText());
     }
@@ -141,8 +170,8 @@ OpenGLWindow::~OpenGLWindow() = default;
 
 ContextHandle OpenGLWindow::createContext() {
   const std::lock_guard lock(native_->mutex);
-  eglBindAPI(EGL_OPENGL_API);  // a setting of the calling thread
-  const EGLContext context = eglCreateContext(display(), native_->config, EGL_NO_CONTEXT, nullptr);
+  const OpenGLApi api;
+  const EGLContext context = eglCreateContext(native_->display, native_->config, EGL_NO_CONTEXT, nullptr);
   if (context == EGL_NO_CONTEXT) {
     throw Exception("An error occured. OpenGL context could not be created: " + eglErrorText());
   }
@@ -151,18 +180,19 @@ ContextHandle OpenGLWindow::createContext() {
 
 void OpenGLWindow::makeCurrent(ContextHandle context) {
   const std::lock_guard lock(native_->mutex);
-  eglBindAPI(EGL_OPENGL_API);
+  forget_current_identity();
   if (eglGetCurrentContext() == context) return;
-  if (!eglMakeCurrent(display(), EGL_NO_SURFACE, EGL_NO_SURFACE, context)) {
+  if (!eglMakeCurrent(native_->display, EGL_NO_SURFACE, EGL_NO_SURFACE, context)) {
     write_error_and_throw("An error occured. " + eglErrorText());
   }
 }
 
 void OpenGLWindow::makeUncurrent() {
   const std::lock_guard lock(native_->mutex);
-  eglBindAPI(EGL_OPENGL_API);
+  forget_current_identity();
   if (eglGetCurrentContext() == EGL_NO_CONTEXT) return;
-  if (!eglMakeCurrent(display(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT)) {
+  const OpenGLApi api;
+  if (!eglMakeCurrent(native_->display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT)) {
     write_error("An error occured making context uncurrent: " + std::to_string(eglGetError()) +
                 ". This error is ignored.");
   }
@@ -170,7 +200,7 @@ void OpenGLWindow::makeUncurrent() {
 
 void OpenGLWindow::deleteContext(ContextHandle context) {
   const std::lock_guard lock(native_->mutex);
-  if (!eglDestroyContext(display(), context)) {
+  if (!eglDestroyContext(native_->display, context)) {
     throw Exception("An error occured. OpenGL context could not be deleted: " + eglErrorText());
   }
 }

@@ -10,6 +10,7 @@
 #include "core/console.h"
 #include "core/exception.h"
 #include "core/platform.h"
+#include "gl/context/context_identity.h"
 #include "gl/context/hidden_window_windows.h"
 
 namespace oct::gl {
@@ -76,6 +77,7 @@ ContextHandle OpenGLWindow::createContext() {
 
 void OpenGLWindow::makeCurrent(ContextHandle context) {
   const std::lock_guard lock(native_->mutex);
+  forget_current_identity();
   if (wglGetCurrentContext() == context) return;
   if (!wglMakeCurrent(native_->device_context, static_cast<HGLRC>(context))) {
     write_error_and_throw("An error occured. " + system_error_text());
@@ -84,6 +86,7 @@ void OpenGLWindow::makeCurrent(ContextHandle context) {
 
 void OpenGLWindow::makeUncurrent() {
   const std::lock_guard lock(native_->mutex);
+  forget_current_identity();
   if (!wglGetCurrentContext()) return;
   if (!wglMakeCurrent(nullptr, nullptr)) {
     write_error("An error occured making context uncurrent: " + std::to_string(GetLastError()) +

@@ -12,6 +12,7 @@
 
 #include "gl/context/opengl_window.h"
 #include "hosting/host/host_sleeper.h"
+#include "hosting/host/module_reference.h"
 
 namespace oct {
 
@@ -39,6 +40,7 @@ class OpenGLHost {
   void run_thread();
   void run_tasks();
 
+  const ModuleReference module_;  // the last to go
   HostSleeper sleeper_;
   std::mutex mutex_;
   std::condition_variable started_;

@@ -56,15 +56,13 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
 }
 
 OpenGLControl::~OpenGLControl() {
+  if (!context_->is_current()) at_end_.replace(gl::CurrentContext());
   try {
     context_->makeCurrent();
     for (const auto& buffer : buffers_) buffer->release();
   } catch (const std::exception& error) {
     write_error(error.what());
   }
-  buffers_.clear();
-  source_.reset();
-  context_.reset();
 }
 
 void OpenGLControl::rotate_buffers() {

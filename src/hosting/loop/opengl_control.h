@@ -5,6 +5,7 @@
 #include <deque>
 #include <memory>
 
+#include "gl/context/current_context.h"
 #include "gl/context/opengl_context.h"
 #include "hosting/surfaces/hand_off_buffer.h"
 #include "hosting/surfaces/surface_sharing.h"
@@ -18,7 +19,9 @@ class OpenGLControl {
  public:
   // Throws std::runtime_error "Cannot properly create an OpenGLControl." when the system gives no context or
   // no buffers within one second.
+  // The control's context is current afterwards; after a failure, what was current before.
   explicit OpenGLControl(SurfaceSharing sharing);
+  // Leaves current what is current; in place of the control's own context, what was before the construction.
   ~OpenGLControl();
   OpenGLControl(const OpenGLControl&) = delete;
   OpenGLControl& operator=(const OpenGLControl&) = delete;
@@ -32,6 +35,7 @@ class OpenGLControl {
  private:
   void create_context(SurfaceSharing sharing);
 
+  gl::RestoreCurrent at_end_;  // of everything below
   std::shared_ptr<OpenGLHost> host_;
   std::unique_ptr<gl::OpenGLContext> context_;
   std::unique_ptr<AbstractBufferSource> source_;

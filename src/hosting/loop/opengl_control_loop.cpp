@@ -325,7 +325,7 @@ std::optional<std::string> OpenGLControlLoop::draw_snapshot(const SnapshotDesk::
   try {
     request_queue_.add(0);
     if (empty) return {};
-    forget_gl_errors();
+    gl::discard_gl_errors();
     target.prepare(order.width, order.height);
     check_render_target();
     check_viewport(order.width, order.height);

@@ -3,20 +3,28 @@
 #include <exception>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "core/console.h"
+#include "gl/client_state.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
+#include "hosting/host/opengl_host.h"
 
 namespace oct {
 
-OffscreenTarget::OffscreenTarget() : context_(window_) {
+OffscreenTarget::OffscreenTarget() : host_(OpenGLHost::acquire()), context_(host_->window()) {
   context_.makeCurrent();
   gl::initGlew();
   gl::checkOpenGLVersion(3, 3);
 }
 
 OffscreenTarget::~OffscreenTarget() {
+  if (!context_.is_current()) {
+    at_end_.replace(gl::CurrentContext());
+  } else if (before_frame_ && !context_.is(*before_frame_)) {
+    at_end_.replace(*before_frame_);
+  }
   try {
     context_.makeCurrent();
     buffer_.release();
@@ -26,8 +34,18 @@ OffscreenTarget::~OffscreenTarget() {
 }
 
 void OffscreenTarget::begin_frame(std::uint32_t width, std::uint32_t height) {
-  frame_begun_ = false;
+  // A frame that is begun anew goes back to what was current before the first attempt.
+  const gl::CurrentContext before =
+      before_frame_ && context_.is_current() ? *before_frame_ : gl::CurrentContext();
+  gl::RestoreCurrent restore(before);
   context_.makeCurrent();
+  before_frame_.reset();
+  prepare(width, height);
+  before_frame_ = before;
+  restore.dismiss();
+}
+
+void OffscreenTarget::prepare(std::uint32_t width, std::uint32_t height) {
   buffer_.prepare(width, height);
   gl::throwOnGLError("beginOffscreenFrame");
   const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
@@ -35,13 +53,13 @@ void OffscreenTarget::begin_frame(std::uint32_t width, std::uint32_t height) {
     throw std::runtime_error(std::string("The offscreen framebuffer is not complete: ") +
                              gl::framebufferStatusName(status));
   }
-  frame_begun_ = true;
 }
 
 void OffscreenTarget::finish_frame(void* pixels) {
-  if (!frame_begun_) throw std::runtime_error("No offscreen frame has been begun. ");
-  frame_begun_ = false;
+  if (!before_frame_) throw std::runtime_error("No offscreen frame has been begun. ");
   context_.makeCurrent();
+  const gl::RestoreCurrent restore(*std::exchange(before_frame_, std::nullopt));
+  const gl::TransferState transfer;
   buffer_.finish(pixels);
   gl::throwOnGLError("finishOffscreenFrame");
 }

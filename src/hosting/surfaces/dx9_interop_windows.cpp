@@ -5,6 +5,7 @@
 
 #include "core/console.h"
 #include "core/log.h"
+#include "gl/context/wgl_extension_windows.h"
 #include "gl/gl.h"
 #include "hosting/surfaces/direct3d_sharing.h"
 // After gl.h, which it needs.
@@ -13,7 +14,7 @@
 namespace oct {
 
 std::unique_ptr<InteropDevice> InteropDevice::open(std::shared_ptr<DX9Device> device) {
-  if (!WGLEW_NV_DX_interop) {
+  if (!gl::has_wgl_extension("WGL_NV_DX_interop") || !wglDXOpenDeviceNV) {
     throw std::runtime_error(direct3d_not_supported);
   }
   const HANDLE handle = wglDXOpenDeviceNV(device->get());
@@ -41,7 +42,7 @@ void InteropObject::register_texture(const InteropDevice& device, IDirect3DTextu
 }
 
 void InteropObject::unregister() {
-  if (!object_ || !WGLEW_NV_DX_interop) return;
+  if (!object_ || !wglDXUnregisterObjectNV) return;
   if (!wglDXUnregisterObjectNV(device_, object_))
     throw std::runtime_error("Could not unregister shared object. ");
   object_ = nullptr;

@@ -7,12 +7,6 @@
 
 namespace oct {
 
-void forget_gl_errors() {
-  // A context that is lost may have no end of them.
-  for (int i = 0; i < 32 && glGetError() != GL_NO_ERROR; ++i) {
-  }
-}
-
 void render_target_failed(const char* reason) {
   log() << "An error occured when creating render target: " << reason;
   throw std::runtime_error("Could not generate render target. ");

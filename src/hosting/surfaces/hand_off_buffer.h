@@ -70,9 +70,6 @@ class HandOffBuffer {
   std::int32_t order_key_ = -1;
 };
 
-// Forgets OpenGL errors of the client's functions, which are not ours.
-void forget_gl_errors();
-
 // Logs the reason and throws "Could not generate render target. ".
 [[noreturn]] void render_target_failed(const char* reason);
 

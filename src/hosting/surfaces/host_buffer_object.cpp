@@ -28,7 +28,7 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   // Whatever fails below, the buffer has no size, so that the next frame repairs it.
   surface_ = {};
 
-  forget_gl_errors();
+  gl::discard_gl_errors();  // those of the client's callback are not ours
   target_.create(static_cast<GLsizei>(width), static_cast<GLsizei>(height));
   check_render_target();
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
@@ -53,7 +53,7 @@ void HostBufferObject::prepare(std::int32_t request) {
 
 void HostBufferObject::finish() {
   const TimingMark mark("HostBufferObject: finish");
-  forget_gl_errors();
+  gl::discard_gl_errors();
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
   gl::read_color(target_.framebuffer, columns(), rows(), nullptr);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
@@ -64,7 +64,7 @@ void HostBufferObject::finish() {
   } else {
     // The frame arrives all the same, later than it could.
     log() << "OpenGL gave no fence; the rendering thread waits for the frame. ";
-    forget_gl_errors();
+    gl::discard_gl_errors();
     glFinish();
   }
   finished_ = true;
@@ -96,7 +96,7 @@ bool HostBufferObject::complete(bool wait) {
 void HostBufferObject::unmap() {
   if (!surface_.pixels) return;
   surface_.pixels = nullptr;
-  if (!gl::is_context_current()) return;
+  if (!pixels_) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
   glUnmapBuffer(GL_PIXEL_PACK_BUFFER);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);

@@ -1,0 +1,173 @@
+#include "gl/context/context_identity.h"
+
+#include <algorithm>
+#include <limits>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
+#include "core/immortal.h"
+#include "gl/context/current_context.h"
+#include "gl/context/opengl_loader.h"
+#include "gl/gl.h"
+
+namespace oct::gl {
+namespace {
+
+struct KnownContext {
+  void* handle = nullptr;
+  ContextIdentity identity = no_context;
+  GLuint marker = 0;  // vertex array object of that context; 0: a context of the library's own
+};
+
+struct Registry {
+  std::mutex mutex;
+  ContextIdentity next = 0x6F63'7401'0000'0001;  // neither half is a divisor that a client would set
+  std::vector<KnownContext> contexts;            // by identity
+};
+
+Registry& registry() {
+  return immortal<Registry>();
+}
+
+struct Answer {
+  bool valid = false;
+  ContextIdentity identity = no_context;
+};
+thread_local Answer answer;
+
+// The end of a context without handle is never seen; the oldest are forgotten.
+constexpr std::ptrdiff_t most_without_handle = 64;
+
+// A vertex array object is shared with no other context, and the divisors of its attributes are numbers that
+// OpenGL keeps without looking at them.
+class VertexArrayBinding {
+ public:
+  explicit VertexArrayBinding(GLuint name) {
+    glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &before_);
+    glBindVertexArray(name);
+  }
+  ~VertexArrayBinding() { glBindVertexArray(static_cast<GLuint>(before_)); }
+  VertexArrayBinding(const VertexArrayBinding&) = delete;
+  VertexArrayBinding& operator=(const VertexArrayBinding&) = delete;
+
+ private:
+  GLint before_ = 0;
+};
+
+constexpr GLuint low_attribute = 1;
+constexpr GLuint high_attribute = 2;
+
+bool can_mark() {
+  return is_loaded_for_current_driver() && is_version_sufficient(3, 3) && glVertexAttribDivisor;
+}
+
+GLuint make_marker(ContextIdentity identity) {
+  GLuint marker = 0;
+  glGenVertexArrays(1, &marker);
+  if (marker == 0) return 0;
+  const VertexArrayBinding binding(marker);
+  glVertexAttribDivisor(low_attribute, static_cast<GLuint>(identity));
+  glVertexAttribDivisor(high_attribute, static_cast<GLuint>(identity >> 32));
+  return marker;
+}
+
+ContextIdentity divisor(GLuint attribute) {
+  GLint value = 0;
+  glGetVertexAttribiv(attribute, GL_VERTEX_ATTRIB_ARRAY_DIVISOR, &value);
+  return static_cast<GLuint>(value);
+}
+
+bool is_marked(const KnownContext& context) {
+  if (!glIsVertexArray(context.marker)) return false;
+  const VertexArrayBinding binding(context.marker);
+  return (divisor(high_attribute) << 32 | divisor(low_attribute)) == context.identity;
+}
+
+// The latest of that handle among those before `identity`. Takes no memory, as destructors ask.
+std::optional<KnownContext> latest_before(ContextIdentity identity, void* handle) {
+  const std::lock_guard lock(registry().mutex);
+  const auto& contexts = registry().contexts;
+  const auto found = std::find_if(contexts.rbegin(), contexts.rend(), [&](const KnownContext& context) {
+    return context.handle == handle && context.identity < identity;
+  });
+  return found == contexts.rend() ? std::nullopt : std::optional(*found);
+}
+
+void erase(ContextIdentity identity) {
+  const std::lock_guard lock(registry().mutex);
+  std::erase_if(registry().contexts,
+                [identity](const KnownContext& context) { return context.identity == identity; });
+}
+
+ContextIdentity find(void* handle) {
+  auto candidate = latest_before(std::numeric_limits<ContextIdentity>::max(), handle);
+  if (!candidate) return no_context;
+  if (candidate->marker == 0) return candidate->identity;
+  if (!can_mark()) return no_context;
+  for (; candidate; candidate = latest_before(candidate->identity, handle)) {
+    if (is_marked(*candidate)) return candidate->identity;
+    if (handle) erase(candidate->identity);  // a context that is gone: its handle is another one's now
+  }
+  return no_context;
+}
+
+ContextIdentity next_identity() {
+  const std::lock_guard lock(registry().mutex);
+  return registry().next++;
+}
+
+void remember(const KnownContext& context) {
+  const std::lock_guard lock(registry().mutex);
+  auto& contexts = registry().contexts;
+  contexts.push_back(context);
+  const auto without_handle = [](const KnownContext& known) { return !known.handle; };
+  if (std::ranges::count_if(contexts, without_handle) > most_without_handle)
+    contexts.erase(std::ranges::find_if(contexts, without_handle));
+}
+
+}  // namespace
+
+ContextIdentity current_identity() {
+  if (!answer.valid) answer = {true, is_context_current() ? find(current_context()) : no_context};
+  return answer.identity;
+}
+
+ContextIdentity require_identity() {
+  if (current_identity() != no_context || !is_context_current() || !can_mark()) return answer.identity;
+  const ContextIdentity identity = next_identity();
+  const GLuint marker = make_marker(identity);
+  if (marker == 0) return no_context;
+  remember({current_context(), identity, marker});
+  answer.identity = identity;
+  return identity;
+}
+
+void forget_current_identity() {
+  answer = {};
+}
+
+ContextIdentity register_context(void* handle) {
+  const ContextIdentity identity = next_identity();
+  remember({handle, identity, 0});
+  return identity;
+}
+
+void unregister_context(ContextIdentity identity) {
+  erase(identity);
+  if (answer.identity == identity) forget_current_identity();
+}
+
+bool is_known(ContextIdentity identity) {
+  const std::lock_guard lock(registry().mutex);
+  return std::ranges::find(registry().contexts, identity, &KnownContext::identity) !=
+         registry().contexts.end();
+}
+
+void require_home(ContextIdentity home) {
+  if (current_identity() != home)
+    throw std::runtime_error("The renderer was initialised in another OpenGL context. ");
+}
+
+}  // namespace oct::gl
