@@ -27,6 +27,7 @@ class ControlLoopGLTest : public LoopGLTest {
 // Requests gather while the first frame, of id 9, is held up.
 TEST_P(ControlLoopGLTest, ModesDecideWhatIsDrawnNext) {
   using Mode = OpenGLControlLoop::Mode;
+  const auto device = keep_direct3d(GetParam());
   const struct {
     Mode mode;
     std::vector<int> requests;
@@ -110,6 +111,7 @@ TEST_P(ControlLoopGLTest, ModeChangesOfAnIdleLoop) {
 // Without a size, or with nothing but ids that draw nothing, there is nothing to do in any mode.
 TEST_P(ControlLoopGLTest, AnIdleLoopSleepsAndIsWokenAtOnce) {
   using Mode = OpenGLControlLoop::Mode;
+  const auto device = keep_direct3d(GetParam());
   MarkRecorder recorder;
   const auto iterations = [&] {
     std::ptrdiff_t count = 0;

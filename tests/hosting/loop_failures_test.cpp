@@ -60,6 +60,7 @@ class LoopFailuresGLTest : public LoopGLTest {
  protected:
   void SetUp() override {
     LoopGLTest::SetUp();
+    device_ = keep_direct3d(GetParam());
     errors.clear();
     init_fails = false;
     prepareOpenGL();
@@ -81,10 +82,12 @@ class LoopFailuresGLTest : public LoopGLTest {
     EXPECT_LE(thread_count(), most);
   }
 
+  std::shared_ptr<void> device_;
   std::size_t threads_before_ = 0;
 };
 
 TEST_P(LoopFailuresGLTest, NoThread) {
+  device_.reset();
   finishOpenGL();  // so that a loop starts three: its own, and that of the host
   const std::string reason =
       std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again)).what();
