@@ -202,7 +202,8 @@ OCT_API void setBackgroundColor(DisplayRenderingHandle Handle, int Color);
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. ";
  * "The number of colours must not be negative. "; "Colour map data must not be null. ". A
- * count above the driver's limit is reported by renderDisplay(), which draws nothing until it has another map.
+ * count above the driver's limit is reported by renderDisplay(), which draws nothing until there is another
+ * map.
  * @thread Any thread; takes effect, whole, at the next frame.
  */
 OCT_API void setDisplayColormap(DisplayRenderingHandle Handle, const void* Colormap, int Count);

@@ -182,7 +182,10 @@ OCT_API void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Heigh
  * "The specified OfflineRenderingHandle is invalid. "; "Content type is not supported for rendering. ";
  * "Program has not been compiled yet." (the renderer is not initialised); "The renderer was initialised in another
  * OpenGL context. "; "Could not create OpenGL buffer. ";
- * "An OpenGL error occured. Framebuffer is not complete: ..."; "An OpenGL error in ... occured: ..."
+ * "Invalid texture for rendering...."; "An OpenGL error occured. Framebuffer is not complete: ...";
+ * "An OpenGL error in ... occured: ...". What a frame could not upload is uploaded by the next.
+ * @par OpenGL state
+ * Given back as it was; see docs/opengl_state.md.
  * @thread Rendering thread. Setters of the renderer on other threads wait until the frame is drawn.
  */
 OCT_API void renderOfflineVolume(OfflineRenderingHandle Handle, int ContentType);

@@ -6,8 +6,8 @@
 
 namespace oct::api {
 
-// As guarded, for exports that draw: nothing that the client has set decides what they draw, and all of it is set again
-// afterwards.
+// As guarded, for exports that draw: nothing that the client has set decides what they draw, and all of it
+// is set again afterwards.
 template <class Body>
 auto guarded_drawing(const char* function, Body&& body) noexcept -> decltype(body()) {
   return guarded(function, [&] {

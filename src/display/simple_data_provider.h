@@ -17,8 +17,9 @@ struct TextureView {
   ImageExtent extent;
 };
 
-// A setter fills an image of its own and puts it in the place of the current one; a frame keeps the image that it took,
-// however long it draws. Neither waits for the other: the lock is held while pointers change hands.
+// A setter fills an image of its own and puts it in the place of the current one; a frame keeps the image
+// that it took, however long it draws. Neither waits for the other: the lock is held while pointers change
+// hands.
 class SimpleDataProvider {
  public:
   struct Image {

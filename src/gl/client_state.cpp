@@ -27,8 +27,8 @@ constexpr TextureTarget block{GL_TEXTURE_3D, GL_TEXTURE_BINDING_3D};
 constexpr std::array<TextureTarget, 3> first_unit{line, plane, block};
 constexpr std::array<TextureTarget, 6> further_units{line, plane, block, line, line, block};
 
-// All off while the library draws. So is multisampling: beyond a silhouette, where a sample may lie that its pixel's
-// centre misses, a ray has no beginning and no end.
+// All off while the library draws. So is multisampling: beyond a silhouette, where a sample may lie that
+// its pixel's centre misses, a ray has no beginning and no end.
 constexpr std::array<GLenum, 27> capabilities{GL_BLEND,
                                               GL_DEPTH_TEST,
                                               GL_CULL_FACE,
@@ -91,7 +91,7 @@ bool usable() {
   } catch (const std::exception&) {
     return false;  // the call finds out as well, and says so
   }
-  return at_least(3, 3);
+  return at_least(3, 3) && glBindSampler;
 }
 
 }  // namespace
@@ -121,7 +121,7 @@ TransferState::~TransferState() {
 
 DrawingState::DrawingState()
     : compatibility_profile_((integer(GL_CONTEXT_PROFILE_MASK) & GL_CONTEXT_COMPATIBILITY_PROFILE_BIT) != 0),
-      has_clip_control_(at_least(4, 5)) {
+      has_clip_control_(at_least(4, 5) && glClipControl) {
   save();
   reset();
 }
@@ -168,6 +168,8 @@ void DrawingState::reset() const {
   for (std::size_t i = 0; compatibility_profile_ && i < compatibility_capabilities.size(); ++i) {
     glDisable(compatibility_capabilities[i]);
   }
+  glUseProgram(0);
+  glBindVertexArray(0);
   for (GLuint unit = 0; unit < samplers_.size(); ++unit) glBindSampler(unit, 0);
   glActiveTexture(GL_TEXTURE0);
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);

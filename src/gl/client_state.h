@@ -8,8 +8,8 @@
 
 namespace oct::gl {
 
-// How pixels go to and from memory, and what is bound to the first texture unit: what an upload needs. While it lives
-// memory is tightly packed, no pixel buffer is bound and the first unit is the active one.
+// How pixels go to and from memory, and what is bound to the first texture unit: what an upload needs.
+// While it lives memory is tightly packed, no pixel buffer is bound and the first unit is the active one.
 class TransferState {
  public:
   TransferState();
@@ -25,8 +25,8 @@ class TransferState {
   std::array<GLint, 3> textures_{};
 };
 
-// What decides how something is drawn. While it lives this is as OpenGL starts, but for the target: framebuffers,
-// viewport and scissor are the client's to choose, and are given back as well.
+// What decides how something is drawn. While it lives this is as OpenGL starts, but for the target:
+// framebuffers, viewport and scissor are the client's to choose, and are given back as well.
 class DrawingState {
  public:
   DrawingState();
@@ -70,8 +70,8 @@ class DrawingState {
   std::array<GLint, 2> clip_space_{};
 };
 
-// What an export holds while it works in a client's context. Without a context that is current and usable it does
-// nothing, and the call fails with its own text.
+// What an export holds while it works in a client's context. Without a context that is current and usable
+// it does nothing, and the call fails with its own text.
 class ClientState {
  public:
   enum class Use { transfer, drawing };

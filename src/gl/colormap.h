@@ -11,7 +11,8 @@ namespace oct {
 
 using Colormap = std::vector<std::uint32_t>;
 
-// Black to white, opaque, in steps that eight bits do not tell apart: what a renderer shows until it is given a map.
+// Black to white, opaque, in steps that eight bits do not tell apart: what a renderer shows until it is
+// given a map.
 Colormap default_colormap();
 
 // Copies a client's map. Throws std::invalid_argument for a negative count, and
@@ -38,8 +39,8 @@ class RevisedColormap {
 // The texture of a map that changes.
 class ColormapTexture {
  public:
-  // Uploads the map unless it is there; true when it did. When OpenGL refuses, std::runtime_error is thrown and the
-  // next call tries again.
+  // Uploads the map unless it is there; true when it did. When OpenGL refuses, std::runtime_error is thrown
+  // and the next call tries again.
   bool upload(const RevisedColormap& colormap);
   void release();
   GLuint get() const { return texture_.get(); }

@@ -12,9 +12,9 @@ namespace oct::gl {
 
 class Geometry {
  public:
-  // Attribute 0. Makes the buffers at the first call; throws std::runtime_error
-  // "Could not create OpenGL buffer. " when OpenGL gives none. Later calls replace the contents. What OpenGL says
-  // to the contents is the caller's to ask.
+  // Attribute 0. Makes the buffers at the first call; throws std::runtime_error "Could not create OpenGL
+  // buffer. " when OpenGL gives none. Later calls replace the contents. What OpenGL says to the contents is
+  // the caller's to ask.
   void set_vertices(std::span<const glm::vec2> vertices);
   void set_vertices(std::span<const glm::vec3> vertices);
 
@@ -26,7 +26,6 @@ class Geometry {
   void set_indices(std::span<const std::uint32_t> indices);
 
   void release();
-  explicit operator bool() const { return static_cast<bool>(vertices_); }
 
   void draw(GLenum mode, GLint first, GLsizei count) const;
   void draw_indexed(GLenum mode, std::size_t first_index, GLsizei count) const;

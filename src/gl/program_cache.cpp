@@ -3,17 +3,23 @@
 #include <map>
 #include <mutex>
 
+#include "core/immortal.h"
+
 namespace oct::gl {
 namespace {
 
 struct Cache {
   std::mutex mutex;
   std::map<ProgramKey, std::shared_ptr<const ProgramBinary>> entries;
+
+  void close() {
+    const std::unique_lock lock(mutex, std::try_to_lock);
+    if (lock) entries.clear();
+  }
 };
 
 Cache& cache() {
-  static Cache instance;
-  return instance;
+  return immortal<Cache>();
 }
 
 }  // namespace

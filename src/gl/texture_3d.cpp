@@ -64,6 +64,9 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, con
   require(extent, internal_format);
   reset();
   Texture texture = Texture::create();
+  if (!texture) {
+    throw std::runtime_error(memory_text(extent, internal_format) + "which the driver could not provide. ");
+  }
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_3D, texture.get());
   for (const GLenum filter : filters) glTexParameteri(GL_TEXTURE_3D, filter, GL_LINEAR);

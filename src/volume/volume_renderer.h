@@ -17,8 +17,8 @@
 namespace oct {
 
 // Every operation takes the renderer's ObjectLock, so that a frame sees each setting whole. init, uninit,
-// render and the destructor run on the thread that owns the context. A frame starts from OpenGL's own settings, which
-// its caller sees to (gl::ClientState), and leaves what it set.
+// render and the destructor run on the thread that owns the context. A frame starts from OpenGL's own
+// settings, which its caller sees to (gl::ClientState), and leaves what it set.
 class VolumeRenderer {
  public:
   VolumeRenderer();

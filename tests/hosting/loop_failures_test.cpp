@@ -1,50 +1,23 @@
 // Control loops where the system gives no memory or no thread: every such failure once, with a clear error,
 // and nobody is kept waiting.
 #include <atomic>
-#include <cstdlib>
 #include <new>
 #include <system_error>
 #include <thread>
 
 #include "oct_rendering/oct_rendering.h"
 #include "support/process_memory.h"
+#include "support/scarce_memory.h"
 #include "support/test_context.h"
 #include "support/test_loop.h"
 
 namespace oct::test {
 namespace {
 
-// Counts down to what fails; below zero nothing does.
-thread_local int allocations = -1;  // of this thread, so that no driver meets it
-thread_local bool later_ones_fail = false;
-thread_local bool failed = false;
-std::atomic<int> threads{-1};
-
-bool this_one_fails() {
-  if (allocations != 0) {
-    if (allocations > 0) --allocations;
-    return false;
-  }
-  if (!later_ones_fail) allocations = -1;
-  return failed = true;
-}
+std::atomic<int> threads{-1};  // counts down to the one that is not started; below zero all are
 
 }  // namespace
 }  // namespace oct::test
-
-using oct::test::this_one_fails;
-
-void* operator new(std::size_t size) {
-  if (this_one_fails()) throw std::bad_alloc();
-  if (void* const memory = std::malloc(size > 0 ? size : 1)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
 
 // What std::thread starts threads with; the linker routes it here.
 #define OCT_START_THREAD(prefix) \
@@ -76,14 +49,11 @@ OpenGLControlLoopHandle create() {
       [] { ++uninits; }, [](const char* message) { errors.add(message); });
 }
 
-// Lets one allocation of the action fail, of this number, or all from there on. Whether it came so far.
-bool fails(int allocation, bool later_ones, const std::function<void()>& action) {
-  failed = false;
-  later_ones_fail = later_ones;
-  allocations = allocation;
+// Whether the allocation of this number came, and failed.
+bool fails(std::size_t allocation, ScarceMemory::Extent extent, const std::function<void()>& action) {
+  const ScarceMemory scarce(allocation, extent);
   action();
-  allocations = -1;
-  return failed;
+  return scarce.has_failed();
 }
 
 class LoopFailuresGLTest : public LoopGLTest {
@@ -94,19 +64,21 @@ class LoopFailuresGLTest : public LoopGLTest {
     init_fails = false;
     prepareOpenGL();
     // What is made once in a process.
-    OpenGLControlLoopHandle loop = create();
-    renderOpenGLControlLoop(loop);
-    deleteOpenGLControlLoop(loop);
+    auto loop = make_recording_loop(8, 6);
+    loop->request(1);
+    await_returned(1);
+    loop.reset();
     inits = uninits = 0;
     threads_before_ = thread_count();
   }
   void TearDown() override { finishOpenGL(); }
 
   void expect_no_thread_left() const {
-    for (int i = 0; i < 200 && thread_count() > threads_before_; ++i) {
+    const std::size_t most = threads_before_ + 1;  // the system may have one of its own meanwhile
+    for (int i = 0; i < 200 && thread_count() > most; ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    EXPECT_LE(thread_count(), threads_before_);
+    EXPECT_LE(thread_count(), most);
   }
 
   std::size_t threads_before_ = 0;
@@ -114,29 +86,30 @@ class LoopFailuresGLTest : public LoopGLTest {
 
 TEST_P(LoopFailuresGLTest, NoThread) {
   finishOpenGL();  // so that a loop starts three: its own, and that of the host
-  threads_before_ = thread_count();
   const std::string reason =
       std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again)).what();
-  for (int index = 0; index < 4; ++index) {
-    SCOPED_TRACE(index);
-    threads = index;
-    const OpenGLControlLoopHandle loop = create();
-    threads = -1;
-    EXPECT_EQ(loop != nullptr, index >= 2);
-    EXPECT_EQ(pending_error(),
-              loop ? "(none)" : "The threads of the control loop could not be started: " + reason);
-    if (loop) deleteOpenGLControlLoop(loop);
-    EXPECT_EQ(inits, index == 3);
-    expect_no_thread_left();
+  for (int round = 0; round < 3; ++round) {
+    for (int index = 0; index < 4; ++index) {
+      SCOPED_TRACE(index);
+      threads = index;
+      const OpenGLControlLoopHandle loop = create();
+      threads = -1;
+      EXPECT_EQ(loop != nullptr, index >= 2);
+      EXPECT_EQ(pending_error(),
+                loop ? "(none)" : "The threads of the control loop could not be started: " + reason);
+      if (loop) deleteOpenGLControlLoop(loop);
+      EXPECT_EQ(inits, round + (index == 3));
+    }
   }
-  EXPECT_EQ(errors.all(), std::vector<std::string>{reason});
+  expect_no_thread_left();
+  EXPECT_EQ(errors.all(), (std::vector<std::string>{reason, reason, reason}));
 }
 
 TEST_P(LoopFailuresGLTest, NoMemoryToCreateALoop) {
   int failures = 0;
-  for (int i = 0;; ++i) {
+  for (std::size_t i = 0;; ++i) {
     OpenGLControlLoopHandle loop = nullptr;
-    if (!fails(i, false, [&] { loop = create(); })) {
+    if (!fails(i, ScarceMemory::that_one_alone, [&] { loop = create(); })) {
       deleteOpenGLControlLoop(loop);
       break;
     }
@@ -152,21 +125,21 @@ TEST_P(LoopFailuresGLTest, NoMemoryToCreateALoop) {
 // ended.
 TEST_P(LoopFailuresGLTest, NoMemoryToDeleteALoop) {
   for (const bool dead : {false, true}) {
-    for (const bool later_ones : {false, true}) {
+    for (const auto extent : {ScarceMemory::that_one_alone, ScarceMemory::from_there_on}) {
       init_fails = dead;
       bool came = true;
-      for (int i = 0; came; ++i) {
+      for (std::size_t i = 0; came; ++i) {
         SCOPED_TRACE(i);
-        auto* const loop = reinterpret_cast<OpenGLControlLoop*>(create());
+        const OpenGLControlLoopHandle loop = create();
         ASSERT_NE(loop, nullptr);
-        if (dead) errors.at_least(static_cast<std::size_t>(inits));
-        loop->resize(8, 6);
-        loop->request(1);
-        came = fails(i, later_ones, [&] { delete loop; });
+        if (dead) errors.at_least(i + 1);
+        resizeOpenGLControlLoop(loop, 8, 6);
+        renderOpenGLControlLoop(loop);
+        came = fails(i, extent, [&] { deleteOpenGLControlLoop(loop); });
         expect_no_thread_left();
         EXPECT_EQ(uninits, dead ? 0 : inits.load());
         EXPECT_EQ(pending_error(), "(none)");
-        ASSERT_LT(i, 1000);
+        ASSERT_LT(i, 1000U);
       }
       inits = uninits = 0;
       errors.clear();
@@ -188,10 +161,10 @@ TEST_P(LoopFailuresGLTest, NoMemoryToAskForSomething) {
       },
   };
   for (const auto& call : calls) {
-    for (int i = 0; fails(i, false, [&] { failure_of(call); }); ++i) {
+    for (std::size_t i = 0; fails(i, ScarceMemory::that_one_alone, [&] { failure_of(call); }); ++i) {
       loop->snapshot(4, 4, picture.bytes.data());
       EXPECT_TRUE(agree(picture, pattern_picture(0, 4, 4), exact));
-      ASSERT_LT(i, 1000);
+      ASSERT_LT(i, 1000U);
     }
   }
   loop->request(7);

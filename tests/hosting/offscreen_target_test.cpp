@@ -4,6 +4,7 @@
 #include "gl/context/current_context.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
+#include "support/opengl/foreign_state.h"
 #include "support/pictures.h"
 #include "support/test_context.h"
 #include "support/test_loop.h"
@@ -18,7 +19,11 @@ TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
     beginOffscreenFrame(targets[i], static_cast<unsigned>(picture.width), 2);
     glClearColor(static_cast<float>(i), 1.0F, 0.0F, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT);
+    glPixelStorei(GL_PACK_ROW_LENGTH, 9);
     finishOffscreenFrame(targets[i], picture.bytes.data());
+    GLint row_length = 0;
+    glGetIntegerv(GL_PACK_ROW_LENGTH, &row_length);
+    EXPECT_EQ(row_length, 9) << "the client's setting is neither used nor lost";
     EXPECT_EQ(picture.bgra(2 + i, 1), (std::array<int, 4>{0, 255, i * 255, 255}));
   }
   for (const auto target : targets) clearOffscreenTarget(target);
@@ -163,6 +168,16 @@ TEST_P(OffscreenTargetInLoopGLTest, TheRenderFunctionGoesOnInTheLoop) {
 }
 
 OCT_EVERY_SHARING(OffscreenTargetInLoopGLTest);
+
+// The image turns from call to call about its middle, whose colour stays.
+TEST(OffscreenTargetGLTest, NothingThatTheClientSetShowsInTheTestImageOrIsChangedByIt) {
+  const OffscreenTargetHandle target = createOffscreenTarget();
+  Picture middle(1, 1);
+  middle.bytes = {85, 85, 85, 255};
+  expect_same_whatever_the_client_sets(target, middle, glRenderTestImage);
+  clearOffscreenTarget(target);
+  EXPECT_EQ(pending_error(), "(none)");
+}
 
 }  // namespace
 }  // namespace oct::test

@@ -1,4 +1,5 @@
 // The states of the live renderer and their edges, and what fails on the way.
+#include <algorithm>
 #include <chrono>
 #include <future>
 #include <limits>
@@ -6,6 +7,8 @@
 #include "live/fast_opengl_volume_renderer.h"
 #include "support/gl_spy.h"
 #include "support/mark_recorder.h"
+#include "support/opengl/foreign_state.h"
+#include "support/reference/volume_reference.h"
 #include "support/test_context.h"
 #include "support/volume_scene.h"
 #include "volume/volume_renderer.h"
@@ -425,6 +428,39 @@ TEST_F(LiveRendererTest, RefusedEvents) {
   expect_failure("This is an error.", "Invalid Ptr...\nCould not set event. \n", [&] { live_.render(); });
   expect_failure("Could not create event.", "Could not create event.\n",
                  [] { const FastOpenGLVolumeRenderer refused(nullptr); });
+}
+
+TEST(LiveRendererExportTest, NothingThatTheClientSetShowsOrChanges) {
+  VolumeStage stage;
+  VolumeScene scene = scene_of(test_volume(14, 12, 10), 80, 60, 20.0, 40.0);
+  scene.mode = 1;
+  apply(scene, stage.renderer);
+  setRenderElements(stage.renderer, 1, 0);
+  setRange(stage.renderer, 1.0, 1.0, 1.0);
+  const LiveVolumeRenderingHandle handle = createLiveRendering();
+  setLiveVolumeRenderingRenderer(handle, stage.renderer);
+  auto& live = *reinterpret_cast<FastOpenGLVolumeRenderer*>(handle);
+  live.set_size({14, 12, 10});
+  const auto draw = [&] {
+    live.invalidate();
+    renderVolume(handle);  // allocates
+    float* const data = live.get_data_ptr();
+    ASSERT_NE(data, nullptr);
+    std::copy(scene.volume.voxels.begin(), scene.volume.voxels.end(), data);
+    live.update();
+    renderVolume(handle);  // uploads
+  };
+  Picture good(80, 60);
+  beginOffscreenFrame(stage.target, 80, 60);
+  draw();
+  finishOffscreenFrame(stage.target, good.bytes.data());
+  scene.border = true;
+  EXPECT_TRUE(agree(good, reference_picture(scene), {1, 0.99, 255}));
+  expect_same_whatever_the_client_sets(stage.target, good, draw);
+  live.stop();
+  renderVolume(handle);
+  clearLiveRendering(handle);
+  EXPECT_EQ(pending_error(), "(none)");
 }
 
 }  // namespace

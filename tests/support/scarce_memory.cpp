@@ -42,8 +42,12 @@ bool ScarceMemory::has_failed() const {
 
 }  // namespace oct::test
 
+// All that a driver may pair with the operators delete below.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return oct::test::fails() ? nullptr : std::malloc(size ? size : 1);
+}
 void* operator new(std::size_t size) {
-  void* const memory = oct::test::fails() ? nullptr : std::malloc(size ? size : 1);
+  void* const memory = operator new(size, std::nothrow);
   if (!memory) throw std::bad_alloc();
   return memory;
 }
@@ -51,5 +55,8 @@ void operator delete(void* memory) noexcept {
   std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
   std::free(memory);
 }

@@ -44,8 +44,7 @@ TEST_F(VolumeFaultTest, AFrameThatFailsIsTheOnlyOne) {
     for (const auto& [function, error] : faults) {
       for (int after = 0; after < 12; ++after) {
         SCOPED_TRACE(function + std::string(sectional ? ", slices" : "") + ", call " + std::to_string(after));
-        stage_.restart();
-        stage_.prepare(scene_);
+        initializeVolumeRenderer(renderer_);  // again: everything is made and uploaded anew
         beginOffscreenFrame(stage_.target, 80, 60);
         GlSpy spy;
         spy.fail_next(function, 1, GL_FRAMEBUFFER_UNSUPPORTED, after);

@@ -30,7 +30,7 @@ class OpenGLControl {
   void rotate_buffers();
   void render_test_image();
   void make_current();    // after functions of the client, who may have changed what is current
-  void make_uncurrent();  // so that another thread can delete the control
+  void make_uncurrent();  // when nothing is drawn any more
 
  private:
   void create_context(SurfaceSharing sharing);

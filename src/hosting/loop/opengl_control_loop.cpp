@@ -11,7 +11,6 @@
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
-#include "hosting/host/opengl_host.h"
 #include "hosting/loop/opengl_control.h"
 #include "hosting/loop/render_trace.h"
 #include "hosting/offscreen/offscreen_buffer_object.h"
@@ -179,7 +178,17 @@ void OpenGLControlLoop::rendering_loop() noexcept {
   } catch (...) {
     attempt([] { write_error("Unexpected error in rendering_loop()."); });
   }
-  if (control_) control_->make_uncurrent();
+  rest();
+}
+
+// What an error has left behind is deleted on this thread, where its context lives. Until then the client may be looking
+// at a frame of it.
+void OpenGLControlLoop::rest() {
+  if (!control_) return;
+  control_->make_uncurrent();
+  request_queue_.wait([this](RequestQueue::Content) { return !running_; });
+  if (return_thread_.joinable()) return_thread_.join();
+  control_.reset();
 }
 
 // The render thread ends: nobody may wait for a frame any more. The loop stays as it is until it is deleted.
@@ -414,7 +423,7 @@ bool OpenGLControlLoop::end_threads() {
   return_map_.close();
   const bool joinable = render_thread_.joinable();
   if (joinable) render_thread_.join();
-  if (return_thread_.joinable()) return_thread_.join();  // a render thread that failed has left it behind
+  if (return_thread_.joinable()) return_thread_.join();  // without a control nobody else has joined it
   return joinable;
 }
 
@@ -425,13 +434,6 @@ void OpenGLControlLoop::shut_down() noexcept {
     if (!joined) write_error("Background thread not joinable. ");
   });
   attempt([] { write_output("OpenGL control loop finished. Callbacks can be freed now. "); });
-  if (!control_) return;
-  // Left behind by a render thread that failed. Not deleted here, where a context of the client's may be
-  // current, unless there is no other way.
-  attempt([this] {
-    const auto host = OpenGLHost::acquire();
-    host->run([this] { control_.reset(); });
-  });
 }
 
 }  // namespace oct

@@ -84,6 +84,7 @@ class OpenGLControlLoop {
   void hand_over(bool wait);
   void let_everybody_go(const char* reason) noexcept;
   void tell_client(const char* message);
+  void rest();
   void return_loop();
   void return_frames();
   void give_to_client(HandOffBuffer& buffer);

@@ -28,7 +28,7 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   // Whatever fails below, the buffer has no size, so that the next frame repairs it.
   surface_ = {};
 
-  gl::discard_gl_errors();  // those of the client's functions are not ours
+  gl::discard_gl_errors();  // those of the client's callback are not ours
   target_.create(static_cast<GLsizei>(width), static_cast<GLsizei>(height));
   check_render_target();
   glBindFramebuffer(GL_FRAMEBUFFER, 0);

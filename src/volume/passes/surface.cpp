@@ -24,7 +24,7 @@ void Surface::upload() {
 void Surface::draw(const VolumeFrame& frame) {
   const TimingMark mark("VolumeRenderer::render_surface");
   if (mesh_.triangles.empty()) return;
-  if (changed_ || !geometry_) upload();
+  if (changed_) upload();
   const SurfaceProgram& program = frame.programs.surface;
   const VolumeColormap& colormap = frame.colormaps.at(ColormapRole::surface);
   program.use();
@@ -42,6 +42,7 @@ void Surface::draw(const VolumeFrame& frame) {
 
 void Surface::release() {
   geometry_.release();
+  changed_ = true;
 }
 
 }  // namespace oct

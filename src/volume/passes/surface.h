@@ -26,7 +26,7 @@ class Surface {
   double scale_ = 1.0;
   SurfaceMesh mesh_;
   gl::Geometry geometry_;
-  bool changed_ = false;  // since the last upload
+  bool changed_ = true;  // since the last upload
 };
 
 }  // namespace oct

@@ -80,6 +80,13 @@ bool is_compatibility_profile() {
   return (mask & GL_CONTEXT_COMPATIBILITY_PROFILE_BIT) != 0;
 }
 
+bool has_clip_control() {
+  std::array<GLint, 2> version{};
+  glGetIntegerv(GL_MAJOR_VERSION, &version[0]);
+  glGetIntegerv(GL_MINOR_VERSION, &version[1]);
+  return version >= std::array{4, 5};
+}
+
 std::vector<GLenum> capabilities() {
   std::vector<GLenum> all{GL_BLEND,
                           GL_COLOR_LOGIC_OP,
@@ -243,7 +250,7 @@ std::vector<ForeignState> foreign_states() {
       {"sRGB", [] { glEnable(GL_FRAMEBUFFER_SRGB); }},
       {"discard", [] { glEnable(GL_RASTERIZER_DISCARD); }},
   };
-  if (GLEW_VERSION_4_5)
+  if (has_clip_control())
     states.push_back({"clip space", [] { glClipControl(GL_UPPER_LEFT, GL_ZERO_TO_ONE); }});
   if (is_compatibility_profile()) {
     states.push_back({"alpha and stipple", fail_fixed_tests});
@@ -313,7 +320,7 @@ StateValues state_values() {
     values.emplace_back("capability " + std::to_string(capability), enabled);
   }
   for (const auto& [name, query] : single_values) add(name, query);
-  if (GLEW_VERSION_4_5) add("clip origin", GL_CLIP_ORIGIN), add("clip depth", GL_CLIP_DEPTH_MODE);
+  if (has_clip_control()) add("clip origin", GL_CLIP_ORIGIN), add("clip depth", GL_CLIP_DEPTH_MODE);
   GLint active = 0;
   glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
   for (GLenum unit = GL_TEXTURE0; unit < GL_TEXTURE0 + 8; ++unit) {

@@ -17,8 +17,9 @@ using StateValues = std::vector<std::pair<std::string, std::array<double, 4>>>;
 StateValues state_values();
 testing::AssertionResult same_state(const StateValues& before, const StateValues& after);
 
-// Draws into targets of other kinds, and then into a part of this one while one foreign state after the other is set
-// and none is taken back. The picture is the expected one, and the state is as the client set it.
+// Draws into targets of other kinds, and then into a part of this one while one foreign state after the
+// other is set and none is taken back. The picture is the expected one, and the state is as the client set
+// it.
 void expect_same_whatever_the_client_sets(OffscreenTargetHandle target, const Picture& expected,
                                           const std::function<void()>& draw);
 

@@ -1,0 +1,96 @@
+// Live volumes where something fails once: each OpenGL call, each allocation and each thread of a start.
+#include <chrono>
+#include <thread>
+
+#include "live/live_test.h"
+#include "support/fault_scenario.h"
+#include "support/test_context.h"
+
+namespace oct::test {
+namespace {
+
+// Every volume of the device has the same samples, so that every frame with a volume is the same picture.
+class LiveFailureTest : public LiveTest {
+ protected:
+  static constexpr int width = 40;
+  static constexpr int height = 32;
+
+  LiveFailureTest() {
+    make_source();
+    const Volume volume = test_volume(16, 12, 10);
+    device_.set_volume(volume.voxels.data());
+    scene_ = scene_of(volume, width, height, 30.0, 20.0);
+    scene_.coloring.colors = ramp_colors(64, 0.5);
+  }
+
+  void begin() {
+    stopDataSource(source_);
+    picture();
+    initializeVolumeRenderer(renderer_);
+    apply(scene_, renderer_);
+    start();
+  }
+
+  // The first frame with a volume, or the last one before an error.
+  Picture shown() {
+    const unsigned before = drawn();
+    Picture result;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (error_.empty() && std::chrono::steady_clock::now() < end) {
+      result = picture();
+      note_error();
+      if (drawn() != before) break;
+    }
+    return result;
+  }
+
+  void finish() {
+    stopDataSource(source_);
+    picture();
+    beginOffscreenFrame(volume_stage_.target, 1, 1);
+    uninitializeVolumeRenderer(renderer_);
+    finishOffscreenFrame(volume_stage_.target, nullptr);
+  }
+
+  std::string error() {
+    note_error();
+    return error_.empty() ? "(none)" : std::exchange(error_, {});
+  }
+
+  VolumeScene scene_;
+
+ private:
+  Picture picture() {
+    Picture result(width, height);
+    beginOffscreenFrame(volume_stage_.target, width, height);
+    renderVolume(live_);
+    finishOffscreenFrame(volume_stage_.target, result.bytes.data());
+    return result;
+  }
+
+  unsigned drawn() const {
+    unsigned count = 0;
+    getLiveVolumeCounts(live_, &count, nullptr);
+    return count;
+  }
+
+  void note_error() {
+    const auto told = client_errors().all();
+    client_errors().clear();
+    const std::string pending = pending_error();
+    if (error_.empty() && !told.empty()) error_ = told[0];
+    if (error_.empty() && pending != "(none)") error_ = pending;
+  }
+
+  std::string error_;
+};
+
+TEST_F(LiveFailureTest, EveryOpenGLCall) {
+  finish();
+  pending_error();
+  fail_every_call(
+      {[&] { begin(); }, [&] { return shown(); }, [&] { finish(); }, [&] { return error(); }, true, false});
+}
+
+}  // namespace
+}  // namespace oct::test
