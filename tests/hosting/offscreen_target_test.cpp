@@ -21,9 +21,11 @@ TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
     glClear(GL_COLOR_BUFFER_BIT);
     glPixelStorei(GL_PACK_ROW_LENGTH, 9);
     finishOffscreenFrame(targets[i], picture.bytes.data());
+    beginOffscreenFrame(targets[i], 1, 1);  // back in its context
     GLint row_length = 0;
     glGetIntegerv(GL_PACK_ROW_LENGTH, &row_length);
     EXPECT_EQ(row_length, 9) << "the client's setting is neither used nor lost";
+    finishOffscreenFrame(targets[i], nullptr);
     EXPECT_EQ(picture.bgra(2 + i, 1), (std::array<int, 4>{0, 255, i * 255, 255}));
   }
   for (const auto target : targets) clearOffscreenTarget(target);
