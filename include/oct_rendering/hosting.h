@@ -85,8 +85,9 @@ OCT_API OpenGLControlLoopHandle createOpenGLControlLoop(void);
  * @param Error Called on the render thread with the reason when an error ends it, among them "Cannot properly
  * create an OpenGLControl.", "Could not generate render target. ",
  * "Rendering could not finish within one second. ",
- * "An OpenGL error in the read-back of a frame occured: ..." and "Could not map the pixels of a frame. ". The
- * context, if there is one, is current for the last time: renderers can be uninitialised here. Null: none.
+ * "An OpenGL error in the read-back of a frame occured: ...", "Could not map the pixels of a frame. " and
+ * "The graphics device was removed. ", after which a new loop works again. The context, if there is one, is
+ * current for the last time: renderers can be uninitialised here. Null: none.
  * @return As createOpenGLControlLoop().
  * @par Errors
  * As createOpenGLControlLoop().
@@ -226,29 +227,35 @@ OCT_API void glRenderTestImage(void);
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "; "A surface must not be empty. ";
  * "The surface is too large. "; "Could not generate render target. ";
- * "An error occured creating the Direct 3D device. "
+ * "An error occured creating the Direct 3D device. ";
+ * "Ressouce sharing between OpenGL and DirectX not supported. " where the loop could not share Direct3D surfaces
+ * either.
  * @thread Any thread.
  */
 OCT_API void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width, unsigned int Height);
 
 /**
  * @brief Copies a whole surface into another, stretched without a filter where sizes differ.
- * @param Handle The loop.
- * @param Source A surface of createDXSurface() or, inside an image-ready function, the frame's.
- * @param Destination A surface of createDXSurface().
+ * @param Handle A loop with surfaces of this kind.
+ * @param Source A surface of createDXSurface() or, while an image-ready function runs, its frame's.
+ * @param Destination As Source; mostly a surface of createDXSurface().
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "; "A surface to copy must not be null. ";
- * "Could not copy the surface: ..."
+ * "The specified surface is unknown. "; "The surface is of another kind than those of the loop. ";
+ * "Could not copy the surface: ...", with Direct3D's answer, or because the two were made on different devices,
+ * one of which was removed since.
  * @thread Any thread; nobody else may write either surface meanwhile.
  */
 OCT_API void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* Destination);
 
 /**
- * @brief Frees a surface of createDXSurface().
- * @param Handle The loop.
+ * @brief Frees a surface of createDXSurface(), before its loop or after it. Waits for copies of it that other
+ * threads are making.
+ * @param Handle Any loop, also one that has been deleted; not null.
  * @param Surface The surface.
  * @par Errors
- * "Invalid OpenGLControlLoopHandle specified. "; "The specified surface is unknown. "
+ * "Invalid OpenGLControlLoopHandle specified. "; "The specified surface is unknown. "; for an unknown surface with
+ * the handle of no living loop "The handle is not valid. ".
  * @thread Any thread.
  */
 OCT_API void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface);

@@ -108,12 +108,14 @@ void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width, unsign
 }
 
 void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* Destination) {
-  guarded(__func__, [&] { oct::ClientSurfaces::copy(loop(Handle).sharing(), Source, Destination); });
+  guarded(__func__, [&] { oct::client_surfaces().copy(loop(Handle).sharing(), Source, Destination); });
 }
 
 void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface) {
   guarded(__func__, [&] {
+    // A surface is known without its loop, which may be gone.
+    if (Handle && oct::client_surfaces().destroy(Surface)) return;
     loop(Handle);
-    oct::client_surfaces().destroy(Surface);
+    throw std::invalid_argument("The specified surface is unknown. ");
   });
 }

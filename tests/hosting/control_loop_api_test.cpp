@@ -31,6 +31,7 @@ TEST(ControlLoopApiTest, NullHandles) {
 OpenGLControlLoopHandle loop = nullptr;
 SurfaceSharing sharing;
 void* copy = nullptr;  // of what is shown
+void* shown = nullptr;
 Recorded<std::uint32_t> drawn;
 Recorded<Picture> pictures;
 Recorded<std::string> errors;
@@ -42,6 +43,7 @@ void draw(unsigned id) {
 }
 void show(unsigned, unsigned, unsigned, void* surface) {
   if (copy) copyDXSurface(loop, surface, copy);
+  shown = surface;
   pictures.add(surface_picture(sharing, surface));
 }
 
@@ -138,6 +140,14 @@ TEST_P(ControlLoopApiGLTest, SurfacesOfTheClient) {
 
   copyDXSurface(loop, nullptr, copy);
   EXPECT_EQ(pending_error(), "A surface to copy must not be null. ");
+  // A frame is the client's while it is shown and no longer.
+  registerOpenGLControlLoopCallback(loop, nullptr);
+  for (void* const unknown : {shown, static_cast<void*>(&sharing)}) {
+    for (const bool is_source : {true, false}) {
+      copyDXSurface(loop, is_source ? unknown : copy, is_source ? copy : unknown);
+      EXPECT_EQ(pending_error(), "The specified surface is unknown. ");
+    }
+  }
   EXPECT_EQ(createDXSurface(loop, 0, 4), nullptr);
   EXPECT_EQ(pending_error(), "A surface must not be empty. ");
   destroyDXSurface(loop, larger);
@@ -145,11 +155,13 @@ TEST_P(ControlLoopApiGLTest, SurfacesOfTheClient) {
     destroyDXSurface(loop, unknown);
     EXPECT_EQ(pending_error(), "The specified surface is unknown. ");
   }
-  // The surface outlives the loop that it was made with.
+  // The surface outlives the loop that it was made with, whose handle still does to free it.
+  const OpenGLControlLoopHandle deleted = loop;
   deleteOpenGLControlLoop(loop);
-  loop = createOpenGLControlLoop();
   expect_kept();
-  destroyDXSurface(loop, std::exchange(copy, nullptr));
+  destroyDXSurface(deleted, std::exchange(copy, nullptr));
+  EXPECT_EQ(pending_error(), "(none)");
+  loop = createOpenGLControlLoop();
 }
 
 OCT_EVERY_SHARING(ControlLoopApiGLTest);

@@ -3,7 +3,6 @@
 
 #include "hosting/loop/opengl_control.h"
 #include "hosting/offscreen/offscreen_buffer_object.h"
-#include "hosting/surfaces/direct3d_sharing.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
 #include "support/surfaces.h"
@@ -82,7 +81,7 @@ TEST(SurfaceSharingTest, OnlyWhatThePlatformHas) {
     ::setSurfaceSharing(value);
     EXPECT_EQ(pending_error(), "Invalid surface sharing selected. ");
   }
-  if (!has_direct3d) {
+  if (!surface_kind(SurfaceSharing::direct3d).available) {
     ::setSurfaceSharing(0);
     EXPECT_EQ(pending_error(), "Ressouce sharing between OpenGL and DirectX not supported. ");
   }

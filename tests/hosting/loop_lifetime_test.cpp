@@ -1,7 +1,7 @@
 // Many loops, one after the other, leave nothing behind; several at once do not disturb each other.
 #include <thread>
 
-#include "hosting/surfaces/direct3d_sharing.h"
+#include "hosting/surfaces/surface_sharing.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
 #include "support/process_memory.h"
@@ -33,7 +33,9 @@ class LoopLifetimeGLTest : public LoopGLTest {
 };
 
 TEST_P(LoopLifetimeGLTest, ManyLoopsAreFlat) {
-  const int count = has_direct3d ? 60 : 200;  // where there is Direct3D, threads are slow to come and go
+  const int count = surface_kind(SurfaceSharing::direct3d).available
+                        ? 60
+                        : 200;  // where there is Direct3D, threads are slow to come and go
   const auto device = keep_direct3d(GetParam());
   TestContext loads_opengl;
   const GlSpy spy;

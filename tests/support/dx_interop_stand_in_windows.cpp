@@ -1,8 +1,11 @@
 #include "support/dx_interop_stand_in.h"
 
+#include <algorithm>
+#include <list>
 #include <mutex>
 #include <set>
 #include <stdexcept>
+#include <utility>
 
 #include <d3d9.h>
 
@@ -14,20 +17,30 @@
 namespace oct::test {
 namespace {
 
+// Marks a texture that has got its share handle. The mark dies with the texture.
+constexpr GUID shared_mark{0x6a1d3c52, 0x0f1b, 0x4b7e, {0x91, 0x2e, 0x5d, 0x20, 0x44, 0x8a, 0x6c, 0x01}};
+
+struct Device {
+  IDirect3DDevice9* direct3d;
+};
+
 struct Object {
+  const Device* owner;
   ComOwner<IDirect3DTexture9> texture;
   GLuint name;
+  HGLRC context = wglGetCurrentContext();  // the name is one of this context
   D3DSURFACE_DESC description{};
   ComOwner<IDirect3DDevice9> device;
   ComOwner<IDirect3DSurface9> memory;  // the way from OpenGL's texture to Direct3D's
   bool locked = false;
 
-  Object(IDirect3DTexture9* shared, GLuint opengl_name) : texture(shared), name(opengl_name) {
+  Object(const Device* interop, IDirect3DTexture9* shared, GLuint opengl_name)
+      : owner(interop), texture(shared), name(opengl_name) {
     texture->AddRef();
     texture->GetLevelDesc(0, &description);
-    IDirect3DDevice9* owner = nullptr;
-    texture->GetDevice(&owner);
-    device.reset(owner);
+    IDirect3DDevice9* direct3d = nullptr;
+    texture->GetDevice(&direct3d);
+    device.reset(direct3d);
     IDirect3DSurface9* surface = nullptr;
     device->CreateOffscreenPlainSurface(description.Width, description.Height, description.Format,
                                         D3DPOOL_SYSTEMMEM, &surface, nullptr);
@@ -38,10 +51,35 @@ struct Object {
 struct State {
   std::mutex mutex;
   std::set<std::string> failures;
-  std::set<IDirect3DDevice9*> devices;
-  std::set<Object*> objects;
+  std::vector<std::string> faults;
+  std::list<Device> devices;
+  std::list<Object> objects;
 
   bool enter(const std::string& function) { return failures.erase(function) == 0; }
+
+  // False, and the fault kept once, when the rule is broken.
+  bool hold(bool rule, const std::string& otherwise) {
+    if (!rule && std::count(faults.begin(), faults.end(), otherwise) == 0) faults.push_back(otherwise);
+    return rule;
+  }
+
+  bool is_open(HANDLE device) {
+    return hold(
+        std::any_of(devices.begin(), devices.end(), [&](const Device& any) { return &any == device; }),
+        "A device that is not open. ");
+  }
+
+  // The object, if the device is open, the object its own and the object's context current.
+  Object* usable(HANDLE device, HANDLE handle, const std::string& doing) {
+    if (!is_open(device)) return nullptr;
+    const auto object =
+        std::find_if(objects.begin(), objects.end(), [&](const Object& any) { return &any == handle; });
+    if (!hold(object != objects.end() && object->owner == device, doing + " of an unknown object. ") ||
+        !hold(object->context == wglGetCurrentContext(), doing + " without the object's context. ")) {
+      return nullptr;
+    }
+    return &*object;
+  }
 };
 
 State* state = nullptr;
@@ -65,30 +103,61 @@ void publish(const Object& object) {
 
 HANDLE WINAPI open_device(void* device) {
   const std::lock_guard lock(state->mutex);
-  if (!state->enter("Open")) return nullptr;
   auto* const direct3d = static_cast<IDirect3DDevice9*>(device);
-  state->devices.insert(direct3d);
-  return direct3d;
+  const bool is_new = std::none_of(state->devices.begin(), state->devices.end(),
+                                   [&](const Device& any) { return any.direct3d == direct3d; });
+  if (!state->hold(wglGetCurrentContext(), "A device opened without a context. ") ||
+      !state->hold(is_new, "A device opened twice. ") || !state->enter("Open")) {
+    SetLastError(ERROR_OPEN_FAILED);
+    return nullptr;
+  }
+  state->devices.push_back({direct3d});
+  return &state->devices.back();
 }
 
 BOOL WINAPI close_device(HANDLE device) {
   const std::lock_guard lock(state->mutex);
-  return state->devices.erase(static_cast<IDirect3DDevice9*>(device)) != 0;
+  if (!state->is_open(device)) return FALSE;
+  state->hold(std::none_of(state->objects.begin(), state->objects.end(),
+                           [&](const Object& object) { return object.owner == device; }),
+              "A device closed that has objects. ");
+  state->devices.remove_if([&](const Device& any) { return &any == device; });
+  return TRUE;
 }
 
-BOOL WINAPI share_handle(void*, HANDLE) {
+BOOL WINAPI share_handle(void* resource, HANDLE) {
   const std::lock_guard lock(state->mutex);
-  return state->enter("Share");
+  auto* const texture = static_cast<IDirect3DTexture9*>(resource);
+  char mark = 0;
+  DWORD size = sizeof mark;
+  const bool is_new = texture->GetPrivateData(shared_mark, &mark, &size) == D3DERR_NOTFOUND;
+  if (!state->hold(is_new, "A texture shared twice. ") || !state->enter("Share")) return FALSE;
+  texture->SetPrivateData(shared_mark, &mark, sizeof mark, 0);
+  return TRUE;
 }
 
-HANDLE WINAPI register_object(HANDLE, void* resource, GLuint name, GLenum type, GLenum access) {
+HANDLE WINAPI register_object(HANDLE device, void* resource, GLuint name, GLenum type, GLenum access) {
   const std::lock_guard lock(state->mutex);
-  if (!state->enter("Register") || type != GL_TEXTURE_2D || access != WGL_ACCESS_WRITE_DISCARD_NV) {
+  auto* const texture = static_cast<IDirect3DTexture9*>(resource);
+  char mark = 0;
+  DWORD size = sizeof mark;
+  const auto is_taken = [&](const Object& any) {
+    return any.texture.get() == texture || (any.name == name && any.context == wglGetCurrentContext());
+  };
+  const bool may =
+      state->hold(wglGetCurrentContext(), "An object registered without a context. ") &&
+      state->is_open(device) &&
+      state->hold(SUCCEEDED(texture->GetPrivateData(shared_mark, &mark, &size)),
+                  "An object registered without a share handle. ") &&
+      state->hold(std::none_of(state->objects.begin(), state->objects.end(), is_taken),
+                  "An object or name registered twice. ") &&
+      state->hold(type == GL_TEXTURE_2D && access == WGL_ACCESS_WRITE_DISCARD_NV, "Registered otherwise. ");
+  if (!may || !state->enter("Register")) {
     SetLastError(ERROR_NOT_SUPPORTED);
     return nullptr;
   }
-  auto* const object = new Object(static_cast<IDirect3DTexture9*>(resource), name);
-  const D3DSURFACE_DESC& description = object->description;
+  Object& object = state->objects.emplace_back(static_cast<const Device*>(device), texture, name);
+  const D3DSURFACE_DESC& description = object.description;
   GLint unpack = 0;  // the client's
   glGetIntegerv(GL_PIXEL_UNPACK_BUFFER_BINDING, &unpack);
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
@@ -98,32 +167,62 @@ HANDLE WINAPI register_object(HANDLE, void* resource, GLuint name, GLenum type, 
                static_cast<GLsizei>(description.Height), 0, GL_BGRA, GL_UNSIGNED_BYTE, nullptr);
   glBindTexture(GL_TEXTURE_2D, 0);
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, static_cast<GLuint>(unpack));
-  state->objects.insert(object);
-  return object;
+  return &object;
 }
 
-BOOL WINAPI unregister_object(HANDLE, HANDLE handle) {
+BOOL WINAPI unregister_object(HANDLE device, HANDLE handle) {
   const std::lock_guard lock(state->mutex);
-  auto* const object = static_cast<Object*>(handle);
-  if (!state->enter("Unregister") || state->objects.erase(object) == 0) return FALSE;
-  delete object;
+  const Object* const object = state->usable(device, handle, "Unregistering");
+  if (!object || !state->hold(!object->locked, "A locked object unregistered. ") ||
+      !state->enter("Unregister")) {
+    return FALSE;
+  }
+  state->objects.remove_if([&](const Object& any) { return &any == object; });
   return TRUE;
 }
 
-BOOL WINAPI lock_objects(HANDLE, GLint count, HANDLE* handles) {
+BOOL WINAPI lock_objects(HANDLE device, GLint count, HANDLE* handles) {
   const std::lock_guard lock(state->mutex);
-  auto* const object = static_cast<Object*>(handles[0]);
-  if (!state->enter("Lock") || count != 1 || !state->objects.contains(object) || object->locked) return FALSE;
+  Object* const object = state->usable(device, handles[0], "Locking");
+  if (!object || !state->hold(!object->locked && count == 1, "An object locked twice. ") ||
+      !state->enter("Lock")) {
+    SetLastError(ERROR_LOCK_FAILED);
+    return FALSE;
+  }
   object->locked = true;
   return TRUE;
 }
 
-BOOL WINAPI unlock_objects(HANDLE, GLint count, HANDLE* handles) {
+// Keeps the fault if the framebuffer that is bound to the target has a texture that Direct3D has now.
+void check_target(GLenum target, const std::string& doing) {
+  GLint framebuffer = 0;
+  glGetIntegerv(target == GL_READ_FRAMEBUFFER ? GL_READ_FRAMEBUFFER_BINDING : GL_DRAW_FRAMEBUFFER_BINDING,
+                &framebuffer);
+  if (framebuffer == 0) return;
+  GLint name = 0;
+  glGetFramebufferAttachmentParameteriv(target, GL_COLOR_ATTACHMENT0, GL_FRAMEBUFFER_ATTACHMENT_OBJECT_TYPE,
+                                        &name);
+  if (name != GL_TEXTURE) return;
+  glGetFramebufferAttachmentParameteriv(target, GL_COLOR_ATTACHMENT0, GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME,
+                                        &name);
+  for (const Object& object : state->objects) {
+    const bool is_this = object.name == static_cast<GLuint>(name) && object.context == wglGetCurrentContext();
+    state->hold(!is_this || object.locked, doing + " as a target while Direct3D has it. ");
+  }
+}
+
+BOOL WINAPI unlock_objects(HANDLE device, GLint count, HANDLE* handles) {
   const std::lock_guard lock(state->mutex);
-  auto* const object = static_cast<Object*>(handles[0]);
-  if (count != 1 || !state->objects.contains(object) || !object->locked) return FALSE;
-  object->locked = false;  // also when it is to report failure: nobody could unlock it again
-  if (!state->enter("Unlock")) return FALSE;
+  Object* const object = state->usable(device, handles[0], "Unlocking");
+  if (!object || !state->hold(object->locked && count == 1, "An object unlocked that is not locked. ") ||
+      !state->enter("Unlock")) {
+    SetLastError(ERROR_NOT_LOCKED);
+    return FALSE;
+  }
+  object->locked = false;
+  for (const GLenum target : {GL_DRAW_FRAMEBUFFER, GL_READ_FRAMEBUFFER}) {
+    check_target(target, "A texture stays bound");
+  }
   publish(*object);
   return TRUE;
 }
@@ -140,6 +239,21 @@ const char* WINAPI extensions(HDC device_context) {
   return list.c_str();
 }
 
+PFNGLBINDFRAMEBUFFERPROC opengl_bind_framebuffer = nullptr;
+PFNGLFRAMEBUFFERTEXTURE2DPROC opengl_framebuffer_texture = nullptr;
+
+void GLAPIENTRY bind_framebuffer(GLenum target, GLuint framebuffer) {
+  opengl_bind_framebuffer(target, framebuffer);
+  const std::lock_guard lock(state->mutex);
+  check_target(target, "A texture is bound");
+}
+
+void GLAPIENTRY framebuffer_texture(GLenum target, GLenum attachment, GLenum kind, GLuint name, GLint level) {
+  opengl_framebuffer_texture(target, attachment, kind, name, level);
+  const std::lock_guard lock(state->mutex);
+  check_target(target, "A texture is attached");
+}
+
 void install(bool present) {
   if (present) real_extensions = __wglewGetExtensionsStringARB;
   __wglewGetExtensionsStringARB = present ? extensions : real_extensions;
@@ -151,6 +265,13 @@ void install(bool present) {
   __wglewDXLockObjectsNV = present ? lock_objects : nullptr;
   __wglewDXUnlockObjectsNV = present ? unlock_objects : nullptr;
   __wglewDXObjectAccessNV = present ? object_access : nullptr;
+  if (present) {
+    opengl_bind_framebuffer = std::exchange(__glewBindFramebuffer, bind_framebuffer);
+    opengl_framebuffer_texture = std::exchange(__glewFramebufferTexture2D, framebuffer_texture);
+  } else {
+    __glewBindFramebuffer = opengl_bind_framebuffer;
+    __glewFramebufferTexture2D = opengl_framebuffer_texture;
+  }
 }
 
 }  // namespace
@@ -171,6 +292,11 @@ void DxInteropStandIn::fail_next(const std::string& function) {
   state->failures.insert(function);
 }
 
+std::vector<std::string> DxInteropStandIn::take_faults() {
+  const std::lock_guard lock(state->mutex);
+  return std::exchange(state->faults, {});
+}
+
 int DxInteropStandIn::registered_objects() const {
   const std::lock_guard lock(state->mutex);
   return static_cast<int>(state->objects.size());
@@ -178,9 +304,8 @@ int DxInteropStandIn::registered_objects() const {
 
 int DxInteropStandIn::locked_objects() const {
   const std::lock_guard lock(state->mutex);
-  int locked = 0;
-  for (const Object* const object : state->objects) locked += object->locked;
-  return locked;
+  return static_cast<int>(std::count_if(state->objects.begin(), state->objects.end(),
+                                        [](const Object& any) { return any.locked; }));
 }
 
 int DxInteropStandIn::open_devices() const {

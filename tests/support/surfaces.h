@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "hosting/surfaces/surface_sharing.h"
@@ -21,6 +22,9 @@ std::shared_ptr<void> keep_direct3d(SurfaceSharing kind);
 // What is held of Direct3D and of the interop: references to the device, registered
 // objects, open interop devices.
 int held_references(SurfaceSharing kind);
+
+// What was done against the rules of the interop since this was asked last.
+std::vector<std::string> sharing_faults();
 
 Picture surface_picture(SurfaceSharing kind, void* surface);
 Picture host_surface_picture(void* surface);

@@ -14,6 +14,9 @@ std::shared_ptr<void> keep_direct3d(SurfaceSharing) {
 int held_references(SurfaceSharing) {
   return 0;
 }
+std::vector<std::string> sharing_faults() {
+  return {};
+}
 Picture surface_picture(SurfaceSharing, void* surface) {
   return host_surface_picture(surface);
 }

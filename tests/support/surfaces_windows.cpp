@@ -11,22 +11,24 @@
 namespace oct::test {
 namespace {
 
-DxInteropStandIn& stand_in() {
-  static const auto instance = [] {
-    const TestContext loads_opengl;  // loading would put back the driver's own entry points
-    return std::make_unique<DxInteropStandIn>();
-  }();
-  return *instance;
-}
+std::unique_ptr<DxInteropStandIn> installed;
 
 }  // namespace
+
+DxInteropStandIn& installed_stand_in() {
+  if (!installed) {
+    const TestContext loads_opengl;  // loading would put back the driver's own entry points
+    installed = std::make_unique<DxInteropStandIn>();
+  }
+  return *installed;
+}
 
 std::vector<SurfaceSharing> surface_sharings() {
   return {SurfaceSharing::direct3d, SurfaceSharing::host_memory};
 }
 
 void choose_sharing(SurfaceSharing kind) {
-  if (kind == SurfaceSharing::direct3d) stand_in();
+  if (kind == SurfaceSharing::direct3d) installed_stand_in();
   set_surface_sharing(static_cast<int>(kind));
 }
 
@@ -39,8 +41,12 @@ int held_references(SurfaceSharing kind) {
   if (kind != SurfaceSharing::direct3d) return 0;
   const auto device = DX9Device::acquire();
   device->get()->AddRef();
-  return static_cast<int>(device->get()->Release()) + stand_in().registered_objects() +
-         stand_in().open_devices();
+  return static_cast<int>(device->get()->Release()) + installed_stand_in().registered_objects() +
+         installed_stand_in().open_devices();
+}
+
+std::vector<std::string> sharing_faults() {
+  return installed ? installed->take_faults() : std::vector<std::string>();
 }
 
 Picture surface_picture(SurfaceSharing kind, void* handle) {

@@ -109,6 +109,7 @@ inline Picture pattern_picture(std::uint32_t id, int width, int height) {
 class LoopGLTest : public testing::TestWithParam<SurfaceSharing> {
  protected:
   void SetUp() override { choose_sharing(GetParam()); }
+  ~LoopGLTest() override { EXPECT_EQ(sharing_faults(), std::vector<std::string>{}); }
 
   // A loop that draws patterns once each, and records what it draws and what it returns.
   std::unique_ptr<OpenGLControlLoop> make_recording_loop(std::uint32_t width, std::uint32_t height) {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "core/console.h"
 #include "core/log.h"
@@ -28,6 +29,7 @@ std::atomic<int> test_image_angle{0};  // degrees
 OpenGLControl::OpenGLControl(SurfaceSharing sharing) : host_(OpenGLHost::acquire()) {
   const TimingMark mark("OpenGLControl");
   create_context(sharing);
+  device_.emplace(*source_);
   for (std::int32_t index = 0; index < ring_size; ++index) {
     buffers_.push_back(source_->create_buffer(index));
   }
@@ -35,6 +37,7 @@ OpenGLControl::OpenGLControl(SurfaceSharing sharing) : host_(OpenGLHost::acquire
 
 void OpenGLControl::create_context(SurfaceSharing sharing) {
   const auto start = std::chrono::steady_clock::now();
+  bool is_known = false;
   for (;; std::this_thread::sleep_for(pause)) {
     if (std::chrono::steady_clock::now() - start >= patience) {
       throw std::runtime_error("Cannot properly create an OpenGLControl.");
@@ -46,10 +49,11 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
       continue;
     }
     context_->makeCurrent();
+    if (!std::exchange(is_known, true)) log_opengl_renderer();
     gl::initGlew();
     gl::printGLError("OpenGLControl");
     gl::checkOpenGLVersion(3, 3);
-    source_ = open_buffer_source(sharing);
+    source_ = surface_kind(sharing).open_source();
     if (source_) return;
     context_.reset();
   }

@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <optional>
 
 #include "gl/context/current_context.h"
 #include "gl/context/opengl_context.h"
+#include "hosting/surfaces/graphics_device.h"
 #include "hosting/surfaces/hand_off_buffer.h"
 #include "hosting/surfaces/surface_sharing.h"
 
@@ -26,6 +28,7 @@ class OpenGLControl {
   OpenGLControl(const OpenGLControl&) = delete;
   OpenGLControl& operator=(const OpenGLControl&) = delete;
 
+  DeviceWatch& device() { return *device_; }
   HandOffBuffer& current_buffer() { return *buffers_.front(); }
   void rotate_buffers();
   void render_test_image();
@@ -39,6 +42,7 @@ class OpenGLControl {
   std::shared_ptr<OpenGLHost> host_;
   std::unique_ptr<gl::OpenGLContext> context_;
   std::unique_ptr<AbstractBufferSource> source_;
+  std::optional<DeviceWatch> device_;
   std::deque<std::unique_ptr<HandOffBuffer>> buffers_;
 };
 

@@ -14,6 +14,7 @@
 #include "hosting/loop/opengl_control.h"
 #include "hosting/loop/render_trace.h"
 #include "hosting/offscreen/offscreen_buffer_object.h"
+#include "hosting/surfaces/client_surfaces.h"
 #include "hosting/surfaces/hand_off_buffer.h"
 
 namespace oct {
@@ -166,9 +167,10 @@ void OpenGLControlLoop::rendering_loop() noexcept {
       render();
       return;
     } catch (const std::exception& error) {
-      let_everybody_go(error.what());
+      const char* const reason = reason_of(error);
+      let_everybody_go(reason);
       attempt([&] { log() << "Rendering loop: " << error.what(); });
-      tell_client(error.what());
+      tell_client(reason);
     } catch (...) {
       let_everybody_go(thread_ended);
       log() << "Rendering loop, unknown error.";
@@ -187,6 +189,17 @@ void OpenGLControlLoop::rest() {
   request_queue_.wait([this](RequestQueue::Content) { return !running_; });
   if (return_thread_.joinable()) return_thread_.join();
   control_.reset();
+}
+
+// Without its device whatever is tried fails, each in a way of its own.
+const char* OpenGLControlLoop::reason_of(const std::exception& error) noexcept {
+  bool removed = false;
+  attempt([&] {
+    if (!control_) return;
+    control_->make_current();
+    removed = control_->device().removed();
+  });
+  return removed ? graphics_device_removed : error.what();
 }
 
 // The render thread ends: nobody may wait for a frame any more. The loop stays as it is until it is deleted.
@@ -294,6 +307,7 @@ void OpenGLControlLoop::render_frame(std::int32_t request) {
     buffer.prepare(request);
     draw(request);
     buffer.finish();
+    control_->device().check();
   }
   control_->rotate_buffers();
   lock.unlock();
@@ -331,14 +345,16 @@ std::optional<std::string> OpenGLControlLoop::draw_snapshot(const SnapshotDesk::
     return error.what();
   }
   draw(request);
+  std::optional<std::string> failure;
   try {
     gl::throwOnGLError("the snapshot");
     target.finish(order.data);
     gl::throwOnGLError("the snapshot");
   } catch (const std::exception& error) {
-    return error.what();
+    failure = error.what();
   }
-  return {};
+  control_->device().check();
+  return failure;
 }
 
 // With the context current afterwards, whatever the client's function has done.
@@ -398,6 +414,7 @@ void OpenGLControlLoop::give_to_client(HandOffBuffer& buffer) {
   {
     const std::lock_guard lock(image_ready_mutex_);
     if (image_ready_callback_) {
+      const ClientSurfaces::Loan loan(client_surfaces(), sharing_, mapped->surface());
       (*image_ready_callback_)(mapped->index(), mapped->width(), mapped->height(), mapped->surface());
     }
   }

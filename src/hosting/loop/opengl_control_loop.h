@@ -82,6 +82,7 @@ class OpenGLControlLoop {
   std::optional<std::string> draw_snapshot(const SnapshotDesk::Order& order, std::int32_t request);
   void draw(std::int32_t request);
   void hand_over(bool wait);
+  const char* reason_of(const std::exception& error) noexcept;
   void let_everybody_go(const char* reason) noexcept;
   void tell_client(const char* message);
   void rest();

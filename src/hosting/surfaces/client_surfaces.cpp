@@ -1,85 +1,93 @@
 #include "hosting/surfaces/client_surfaces.h"
 
-#include <cstring>
 #include <limits>
 #include <stdexcept>
-#include <vector>
+#include <utility>
 
-#include "hosting/surfaces/direct3d_sharing.h"
-#include "oct_rendering/oct_rendering.h"
+#include "core/immortal.h"
 
 namespace oct {
-namespace {
 
-class HostClientSurface : public AbstractClientSurface {
+// Keeps two surfaces where they are while one is copied to the other, without holding the table's mutex.
+class ClientSurfaces::Copy {
  public:
-  HostClientSurface(std::uint32_t width, std::uint32_t height)
-      : pixels_(static_cast<std::size_t>(width) * height * 4),
-        surface_{width, height, width * 4, pixels_.data()} {}
-  void* pointer() override { return &surface_; }
+  Copy(ClientSurfaces& surfaces, SurfaceSharing kind, void* source, void* destination) : surfaces_(surfaces) {
+    const std::lock_guard lock(surfaces_.mutex_);
+    source_ = &usable(kind, source);
+    destination_ = &usable(kind, destination);
+    ++source_->copies;
+    ++destination_->copies;
+  }
+  ~Copy() {
+    const std::lock_guard lock(surfaces_.mutex_);
+    --source_->copies;
+    --destination_->copies;
+    surfaces_.copied_.notify_all();
+  }
+  Copy(const Copy&) = delete;
+  Copy& operator=(const Copy&) = delete;
 
  private:
-  std::vector<unsigned char> pixels_;
-  OctHostSurface surface_;
-};
-
-void copy_host_surface(const OctHostSurface& source, const OctHostSurface& destination) {
-  for (std::size_t y = 0; y < destination.height; ++y) {
-    const unsigned char* const from =
-        source.pixels + y * source.height / destination.height * source.stride_bytes;
-    unsigned char* const to = destination.pixels + y * destination.stride_bytes;
-    if (source.width == destination.width) {
-      std::memcpy(to, from, static_cast<std::size_t>(source.width) * 4);
-      continue;
-    }
-    for (std::size_t x = 0; x < destination.width; ++x) {
-      std::memcpy(to + x * 4, from + x * source.width / destination.width * 4, 4);
-    }
+  Known& usable(SurfaceSharing kind, void* surface) const {
+    const auto entry = surfaces_.surfaces_.find(surface);
+    if (entry == surfaces_.surfaces_.end()) throw std::invalid_argument("The specified surface is unknown. ");
+    if (entry->second.kind == kind) return entry->second;
+    throw std::invalid_argument("The surface is of another kind than those of the loop. ");
   }
-}
 
-}  // namespace
+  ClientSurfaces& surfaces_;
+  Known* source_ = nullptr;
+  Known* destination_ = nullptr;
+};
 
 void* ClientSurfaces::create(SurfaceSharing kind, std::uint32_t width, std::uint32_t height) {
   if (width == 0 || height == 0) throw std::invalid_argument("A surface must not be empty. ");
   if (width > std::numeric_limits<std::uint32_t>::max() / 4 / height) {
     throw std::invalid_argument("The surface is too large. ");
   }
-  std::unique_ptr<AbstractClientSurface> surface;
-  if (kind == SurfaceSharing::direct3d) {
-    surface = create_direct3d_surface(width, height);
-  } else {
-    surface = std::make_unique<HostClientSurface>(width, height);
-  }
+  auto surface = surface_kind(kind).create_surface(width, height);
   void* const pointer = surface->pointer();
   const std::lock_guard lock(mutex_);
-  surfaces_[pointer] = std::move(surface);
+  surfaces_.emplace(pointer, Known{kind, std::move(surface)});
   return pointer;
 }
 
-void ClientSurfaces::destroy(void* surface) {
+bool ClientSurfaces::destroy(void* surface) {
   std::unique_ptr<AbstractClientSurface> removed;  // dies after the lock
-  const std::lock_guard lock(mutex_);
+  std::unique_lock lock(mutex_);
   const auto entry = surfaces_.find(surface);
-  if (entry == surfaces_.end()) throw std::invalid_argument("The specified surface is unknown. ");
-  removed = std::move(entry->second);
-  surfaces_.erase(entry);
+  if (entry == surfaces_.end() || !entry->second.owner) return false;
+  removed = std::move(entry->second.owner);
+  forget(entry, lock);
+  return true;
 }
 
 void ClientSurfaces::copy(SurfaceSharing kind, void* source, void* destination) {
   if (!source || !destination) throw std::invalid_argument("A surface to copy must not be null. ");
-  if (source == destination) return;
-  if (kind == SurfaceSharing::direct3d) {
-    copy_direct3d_surface(source, destination);
-  } else {
-    copy_host_surface(*static_cast<OctHostSurface*>(source), *static_cast<OctHostSurface*>(destination));
-  }
+  const Copy copy(*this, kind, source, destination);
+  if (source != destination) surface_kind(kind).copy(source, destination);
 }
 
-// Never destroyed: surfaces that a client forgot must not be released while the library is being unloaded.
+// Nobody finds the entry any more; those that use it have found it before.
+void ClientSurfaces::forget(Table::iterator entry, std::unique_lock<std::mutex>& lock) {
+  const auto forgotten = surfaces_.extract(entry);
+  copied_.wait(lock, [&] { return forgotten.mapped().copies == 0; });
+}
+
+ClientSurfaces::Loan::Loan(ClientSurfaces& surfaces, SurfaceSharing kind, void* surface)
+    : surfaces_(surfaces), surface_(surface) {
+  const std::lock_guard lock(surfaces_.mutex_);
+  surfaces_.surfaces_.emplace(surface, Known{kind, nullptr});
+}
+
+ClientSurfaces::Loan::~Loan() {
+  std::unique_lock lock(surfaces_.mutex_);
+  surfaces_.forget(surfaces_.surfaces_.find(surface_), lock);
+}
+
+// Surfaces that a client forgot are not released while the library is being unloaded.
 ClientSurfaces& client_surfaces() {
-  static ClientSurfaces& instance = *new ClientSurfaces;
-  return instance;
+  return immortal<ClientSurfaces>();
 }
 
 }  // namespace oct

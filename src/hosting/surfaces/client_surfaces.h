@@ -1,6 +1,8 @@
-// The surfaces that clients made through the library, process-wide.
+// The surfaces that clients may hand to the library, process-wide: those that they made through it, and the
+// frames that their image-ready functions are looking at.
 #pragma once
 
+#include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -13,16 +15,41 @@ class ClientSurfaces {
  public:
   void* create(SurfaceSharing kind, std::uint32_t width, std::uint32_t height);
 
-  // Throws std::invalid_argument for a pointer that create did not return or that was destroyed before.
-  void destroy(void* surface);
+  // False for a pointer that create did not return or that was destroyed before. Waits for copies of the surface
+  // that other threads are making.
+  bool destroy(void* surface);
 
-  // The whole source, stretched over the whole destination without a filter. Either may also be a surface
-  // that an image-ready callback is being given.
-  static void copy(SurfaceSharing kind, void* source, void* destination);
+  // The whole source, stretched over the whole destination without a filter. Throws std::invalid_argument for
+  // what is no surface of the kind.
+  void copy(SurfaceSharing kind, void* source, void* destination);
+
+  // Makes a frame's surface known while it lives; its end waits for copies, as destroy does.
+  class Loan {
+   public:
+    Loan(ClientSurfaces& surfaces, SurfaceSharing kind, void* surface);
+    ~Loan();
+    Loan(const Loan&) = delete;
+    Loan& operator=(const Loan&) = delete;
+
+   private:
+    ClientSurfaces& surfaces_;
+    void* const surface_;
+  };
 
  private:
+  struct Known {
+    SurfaceSharing kind;
+    std::unique_ptr<AbstractClientSurface> owner;  // null for a frame's
+    int copies = 0;                                // that are being made from or to it
+  };
+  class Copy;
+  using Table = std::map<void*, Known>;
+
+  void forget(Table::iterator entry, std::unique_lock<std::mutex>& lock);
+
   std::mutex mutex_;
-  std::map<void*, std::unique_ptr<AbstractClientSurface>> surfaces_;
+  std::condition_variable copied_;
+  Table surfaces_;
 };
 
 ClientSurfaces& client_surfaces();

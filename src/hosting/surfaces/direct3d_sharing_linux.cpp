@@ -3,10 +3,9 @@
 #include <stdexcept>
 
 namespace oct {
+namespace {
 
-constexpr bool has_direct3d = false;
-
-std::unique_ptr<AbstractBufferSource> open_direct3d_buffer_source() {
+std::unique_ptr<AbstractBufferSource> open_direct3d_source() {
   throw std::runtime_error(direct3d_not_supported);
 }
 
@@ -17,5 +16,10 @@ std::unique_ptr<AbstractClientSurface> create_direct3d_surface(std::uint32_t, st
 void copy_direct3d_surface(void*, void*) {
   throw std::runtime_error(direct3d_not_supported);
 }
+
+}  // namespace
+
+constexpr SurfaceKind direct3d9_surfaces{SurfaceSharing::direct3d, false, open_direct3d_source,
+                                         create_direct3d_surface, copy_direct3d_surface};
 
 }  // namespace oct

@@ -17,6 +17,8 @@ class DX9BufferSource : public AbstractBufferSource {
     return std::make_unique<DX9SharedBufferObject>(interop_->device(), interop_.get(), index);
   }
 
+  bool device_removed() const override { return !interop_->device().is_usable(); }
+
  private:
   const std::unique_ptr<InteropDevice> interop_;
 };
@@ -37,13 +39,10 @@ class DX9ClientSurface : public AbstractClientSurface {
   const ComOwner<IDirect3DSurface9> surface_;
 };
 
-}  // namespace
-
-constexpr bool has_direct3d = true;
-
-std::unique_ptr<AbstractBufferSource> open_direct3d_buffer_source() {
+std::unique_ptr<AbstractBufferSource> open_direct3d_source() {
   try {
-    auto interop = InteropDevice::open(DX9Device::acquire());
+    require_interop();  // without it a Direct3D device is of no use
+    auto interop = InteropDevice::open(DX9Device::acquire(opengl_adapter()));
     if (interop) return std::make_unique<DX9BufferSource>(std::move(interop));
   } catch (const std::exception& error) {
     log() << error.what();  // once per attempt; the control says that it gave up
@@ -52,15 +51,32 @@ std::unique_ptr<AbstractBufferSource> open_direct3d_buffer_source() {
 }
 
 std::unique_ptr<AbstractClientSurface> create_direct3d_surface(std::uint32_t width, std::uint32_t height) {
+  require_interop();
   return std::make_unique<DX9ClientSurface>(width, height);
 }
 
-void copy_direct3d_surface(void* source, void* destination) {
-  const HRESULT result = DX9Device::acquire()->get()->StretchRect(
-      static_cast<IDirect3DSurface9*>(source), nullptr, static_cast<IDirect3DSurface9*>(destination), nullptr,
-      D3DTEXF_NONE);
-  if (FAILED(result))
-    throw std::runtime_error(std::string("Could not copy the surface: ") + dx9_result_name(result));
+ComOwner<IDirect3DDevice9> device_of(IDirect3DSurface9& surface) {
+  IDirect3DDevice9* device = nullptr;
+  const HRESULT result = surface.GetDevice(&device);
+  if (FAILED(result)) throw std::runtime_error("Could not copy the surface: " + direct3d_answer(result));
+  return ComOwner<IDirect3DDevice9>(device);
 }
+
+// By the device that made both. A surface may be older than the device that the library uses now.
+void copy_direct3d_surface(void* from_surface, void* to_surface) {
+  auto& source = *static_cast<IDirect3DSurface9*>(from_surface);
+  auto& destination = *static_cast<IDirect3DSurface9*>(to_surface);
+  const auto device = device_of(source);
+  if (device != device_of(destination)) {
+    throw std::runtime_error("Could not copy the surface: the two belong to different Direct3D devices. ");
+  }
+  const HRESULT result = device->StretchRect(&source, nullptr, &destination, nullptr, D3DTEXF_NONE);
+  if (FAILED(result)) throw std::runtime_error("Could not copy the surface: " + direct3d_answer(result));
+}
+
+}  // namespace
+
+constexpr SurfaceKind direct3d9_surfaces{SurfaceSharing::direct3d, true, open_direct3d_source,
+                                         create_direct3d_surface, copy_direct3d_surface};
 
 }  // namespace oct

@@ -1,8 +1,11 @@
-// The Direct3D 9Ex device of the process.
+// The Direct3D 9Ex devices of the process: one for each graphics adapter that OpenGL draws with, most often one.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include <d3d9.h>
 
@@ -32,11 +35,18 @@ ComOwner<IDirect3DSurface9> surface_of(IDirect3DTexture9& texture);
 // Name of a result code of texture creation.
 const char* dx9_result_name(HRESULT result);
 
+// What a Direct3D function answered, for the log: its name if there is one, and the number.
+std::string direct3d_answer(HRESULT result);
+
+// Tells the adapters of a machine apart, in OpenGL and in Direct3D, until it restarts.
+using AdapterLuid = std::uint64_t;
+
 class DX9Device {
  public:
-  // The one device, made by the first user and freed with the last. Throws
-  // "An error occured creating the Direct 3D device. ".
-  static std::shared_ptr<DX9Device> acquire();
+  // The device of the adapter, or of any if none is named; of the first adapter if the named one is not
+  // Direct3D's. It is shared by all who hold it, and freed with the last. One that was removed is handed out no
+  // more, whoever may still hold it. Throws "An error occured creating the Direct 3D device. ".
+  static std::shared_ptr<DX9Device> acquire(std::optional<AdapterLuid> adapter = {});
 
   ~DX9Device();
   DX9Device(const DX9Device&) = delete;
@@ -44,15 +54,27 @@ class DX9Device {
 
   IDirect3DDevice9Ex* get() const { return device_.get(); }
 
+  // False for good once the device was removed, hangs or was lost.
+  bool is_usable() const;
+
+  // Hands the driver what is queued.
+  void present() const;
+
   // A texture of the format that is shared with OpenGL. Logs the result code and throws
   // "Could not generate render target. ".
   DX9Texture create_texture(std::uint32_t width, std::uint32_t height) const;
 
  private:
-  DX9Device();
+  explicit DX9Device(std::optional<AdapterLuid> adapter);
+  bool serves(std::optional<AdapterLuid> adapter) const;
+  UINT find_adapter() const;
   void open();
   void close();
 
+  const std::optional<AdapterLuid> wanted_;
+  std::optional<AdapterLuid> luid_;
+  mutable std::atomic<bool> usable_{true};
+  mutable std::atomic<HRESULT> last_present_{D3D_OK};
   const std::shared_ptr<OpenGLHost> host_;
   std::unique_ptr<gl::HiddenWindow> window_;  // on the host's thread, as what follows
   ComOwner<IDirect3D9Ex> direct3d_;

@@ -7,11 +7,18 @@
 
 namespace oct {
 
-// The interop device of the current context. Used and closed with that context current.
+// Throws "Ressouce sharing between OpenGL and DirectX not supported. " without the extension.
+void require_interop();
+
+// The adapter that the current OpenGL context draws with, where OpenGL tells it.
+std::optional<AdapterLuid> opengl_adapter();
+
+// A use of the interop with a Direct3D device. Drivers refuse to open a device twice, so all uses of a device in
+// the process share one handle: the first opens it, with its own context current, and the last closes it, with
+// whichever context that one has. Used with the context current that it was opened in.
 class InteropDevice {
  public:
-  // Null when the driver gives none. Throws "Ressouce sharing between OpenGL and DirectX not supported. "
-  // without the extension.
+  // Null when the driver gives none, whose reason is logged. Throws as require_interop().
   static std::unique_ptr<InteropDevice> open(std::shared_ptr<DX9Device> device);
 
   ~InteropDevice();
@@ -25,46 +32,36 @@ class InteropDevice {
   InteropDevice(std::shared_ptr<DX9Device> device, HANDLE handle)
       : device_(std::move(device)), handle_(handle) {}
 
-  std::shared_ptr<DX9Device> device_;
-  HANDLE handle_;
+  const std::shared_ptr<DX9Device> device_;
+  const HANDLE handle_;
 };
 
-// A Direct3D texture registered under an OpenGL name. May be empty.
+// A Direct3D texture registered under an OpenGL name, and whose turn it is with the texture. May be empty. What
+// fails leaves the object as it was, so that it can be tried again.
 class InteropObject {
  public:
   InteropObject() = default;
-  ~InteropObject();
+  ~InteropObject();  // as unregister, but writes to the error stream what that throws
   InteropObject(const InteropObject&) = delete;
   InteropObject& operator=(const InteropObject&) = delete;
 
   // Logs the system's error number on failure and stays empty.
   void register_texture(const InteropDevice& device, IDirect3DTexture9* texture, unsigned name);
 
-  // Throws "Could not unregister shared object. " and keeps the object on failure.
-  void unregister();
+  // Gives the texture to OpenGL; nothing if OpenGL has it already. Logs the system's error number and throws
+  // std::runtime_error with the given text on failure, and for an empty object.
+  void lock(const char* failure);
 
-  HANDLE device_handle() const { return device_; }
-  HANDLE handle() const { return object_; }
+  // Gives it to Direct3D. No framebuffer may be bound that has it. Failures as lock, also if Direct3D has it.
+  void unlock(const char* failure);
+
+  // Unlocks first. Throws "Could not unregister shared object. ".
+  void unregister();
 
  private:
   HANDLE device_ = nullptr;
   HANDLE object_ = nullptr;
-};
-
-// OpenGL's turn with a shared texture. However a frame ends, the texture is unlocked.
-class InteropLock {
- public:
-  // Throws std::runtime_error with the given text on failure, and for an empty object.
-  InteropLock(const InteropObject& object, const char* failure);
-  ~InteropLock();
-  InteropLock(const InteropLock&) = delete;
-  InteropLock& operator=(const InteropLock&) = delete;
-
-  void unlock(const char* failure);  // throws the text on failure
-
- private:
-  const HANDLE device_;
-  HANDLE object_;  // null once unlocked
+  bool locked_ = false;
 };
 
 }  // namespace oct

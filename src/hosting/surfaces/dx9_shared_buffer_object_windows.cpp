@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "core/console.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
 // After gl.h, which it needs.
@@ -18,22 +19,18 @@ bool framebuffer_is_complete() {
 
 DX9SharedBufferObject::~DX9SharedBufferObject() {
   const TimingMark mark("~DX9SharedBufferObject");
-  opengl_turn_.reset();  // before the object is unregistered
+  try {
+    release();
+  } catch (const std::exception& error) {
+    write_error(error.what());
+  }
 }
 
 void DX9SharedBufferObject::release() {
-  opengl_turn_.reset();
-  object_.unregister();
-}
-
-void DX9SharedBufferObject::resize(std::uint32_t width, std::uint32_t height) {
-  const TimingMark inclusive("dx_buffer_resize_incl");
-  const TimingMark exclusive("dx_buffer_resize_excl");
-  const TimingMark mark("resize shared buffer");
   width_ = 0;
   height_ = 0;
   fence_.reset();
-  opengl_turn_.reset();
+  // Deleted, they are not bound any more, as they must not be when the texture is unlocked.
   render_framebuffer_.reset();
   shared_framebuffer_.reset();
   depth_.reset();
@@ -42,6 +39,13 @@ void DX9SharedBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   fallback_texture_.reset();
   surface_.reset();
   texture_ = {};
+}
+
+void DX9SharedBufferObject::resize(std::uint32_t width, std::uint32_t height) {
+  const TimingMark inclusive("dx_buffer_resize_incl");
+  const TimingMark exclusive("dx_buffer_resize_excl");
+  const TimingMark mark("resize shared buffer");
+  release();
 
   const auto columns = static_cast<GLsizei>(width);
   const auto rows = static_cast<GLsizei>(height);
@@ -74,7 +78,7 @@ void DX9SharedBufferObject::share_texture(std::uint32_t width, std::uint32_t hei
 }
 
 void DX9SharedBufferObject::attach_shared_texture() {
-  InteropLock turn(object_, "Could not lock shared texture.");
+  object_.lock("Could not lock shared texture.");
   glBindFramebuffer(GL_FRAMEBUFFER, shared_framebuffer_.get());
   glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, shared_texture_.get(), 0);
   blit_fallback_ = false;
@@ -85,8 +89,8 @@ void DX9SharedBufferObject::attach_shared_texture() {
     complete = framebuffer_is_complete();
   }
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  object_.unlock("Could not unregister shared object. ");
   if (!complete) throw std::runtime_error("Could not get shared framebuffer. Fallback failed.");
-  turn.unlock("Could not unregister shared object. ");
 }
 
 void DX9SharedBufferObject::create_fallback_target(GLsizei width, GLsizei height) {
@@ -103,8 +107,7 @@ void DX9SharedBufferObject::create_fallback_target(GLsizei width, GLsizei height
 }
 
 void DX9SharedBufferObject::prepare(std::int32_t request) {
-  opengl_turn_.reset();  // of a frame that did not come to its end
-  opengl_turn_.emplace(object_, "shared texture could not be locked. ");
+  object_.lock("shared texture could not be locked. ");
   glBindFramebuffer(GL_FRAMEBUFFER, target().get());
   glViewport(0, 0, columns(), rows());
   begin(request);
@@ -113,12 +116,9 @@ void DX9SharedBufferObject::prepare(std::int32_t request) {
 void DX9SharedBufferObject::finish() {
   if (blit_fallback_) blit_to_shared_texture();
   wait_for_gpu();
-  if (!opengl_turn_) throw std::runtime_error("shared texture could not be unlocked. ");
-  opengl_turn_->unlock("shared texture could not be unlocked. ");
-  opengl_turn_.reset();
-  // Outside a scene both calls fail and are meant to: Present hands the driver what is queued.
-  device_.get()->EndScene();
-  device_.get()->Present(nullptr, nullptr, nullptr, nullptr);
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  object_.unlock("shared texture could not be unlocked. ");
+  device_.present();
 }
 
 void DX9SharedBufferObject::blit_to_shared_texture() {
@@ -136,6 +136,7 @@ void DX9SharedBufferObject::wait_for_gpu() {
   const TimingMark mark("DXSharedBufferObject: finish");
   glFinish();
   fence_.insert();
+  if (!fence_) return;  // as with one that cannot be waited for
   const GLenum result = fence_.wait(gl::one_second);
   // Not GL_WAIT_FAILED: a fence that cannot be waited for counts as passed, since glFinish came before it.
   if (result == GL_TIMEOUT_EXPIRED || result == 0xFFFFFFFFU) rendering_took_too_long();

@@ -1,8 +1,6 @@
 // A hand-off buffer whose frames OpenGL renders straight into a Direct3D 9Ex texture.
 #pragma once
 
-#include <optional>
-
 #include "gl/fence.h"
 #include "gl/gl_names.h"
 #include "hosting/surfaces/dx9_interop_windows.h"
@@ -10,8 +8,9 @@
 
 namespace oct {
 
-// The texture is locked for OpenGL between prepare and finish. The first resize gives the buffer its Direct3D
-// resources; one that fails leaves a buffer of no size, which the next one repairs.
+// The texture is locked for OpenGL between prepare and finish, and no framebuffer that has it is bound at any
+// other time. The first resize gives the buffer its Direct3D resources; one that fails leaves a buffer of no
+// size, which the next one repairs.
 class DX9SharedBufferObject : public HandOffBuffer {
  public:
   // Both devices must outlive the buffer. Without an interop device no resize succeeds.
@@ -48,7 +47,6 @@ class DX9SharedBufferObject : public HandOffBuffer {
   gl::Texture fallback_texture_;
   gl::Renderbuffer depth_;
   InteropObject object_;
-  std::optional<InteropLock> opengl_turn_;
   std::uint32_t width_ = 0;
   std::uint32_t height_ = 0;
   gl::Fence fence_;

@@ -1,42 +1,41 @@
 #include "hosting/surfaces/surface_sharing.h"
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <stdexcept>
 
 #include "hosting/surfaces/direct3d_sharing.h"
-#include "hosting/surfaces/host_buffer_object.h"
+#include "hosting/surfaces/host_sharing.h"
 
 namespace oct {
 namespace {
 
-std::atomic<SurfaceSharing> current_sharing{has_direct3d ? SurfaceSharing::direct3d
-                                                         : SurfaceSharing::host_memory};
+// The first one that the platform has is the setting at the start.
+constexpr std::array<const SurfaceKind*, 2> kinds{&direct3d9_surfaces, &host_surfaces};
 
-class HostBufferSource : public AbstractBufferSource {
- public:
-  std::unique_ptr<HandOffBuffer> create_buffer(std::int32_t index) override {
-    return std::make_unique<HostBufferObject>(index);
-  }
-};
+std::atomic<SurfaceSharing> current_sharing{
+    (*std::find_if(kinds.begin(), kinds.end(), [](const SurfaceKind* kind) {
+      return kind->available;
+    }))->sharing};
 
 }  // namespace
 
+const SurfaceKind& surface_kind(SurfaceSharing sharing) {
+  const auto row = std::find_if(kinds.begin(), kinds.end(),
+                                [&](const SurfaceKind* kind) { return kind->sharing == sharing; });
+  if (row == kinds.end()) throw std::invalid_argument("Invalid surface sharing selected. ");
+  return **row;
+}
+
 void set_surface_sharing(int value) {
-  const auto kind = static_cast<SurfaceSharing>(value);
-  if (kind != SurfaceSharing::direct3d && kind != SurfaceSharing::host_memory) {
-    throw std::invalid_argument("Invalid surface sharing selected. ");
-  }
-  if (kind == SurfaceSharing::direct3d && !has_direct3d) throw std::runtime_error(direct3d_not_supported);
-  current_sharing = kind;
+  const SurfaceKind& kind = surface_kind(static_cast<SurfaceSharing>(value));
+  if (!kind.available) throw std::runtime_error(direct3d_not_supported);
+  current_sharing = kind.sharing;
 }
 
 SurfaceSharing surface_sharing() {
   return current_sharing;
-}
-
-std::unique_ptr<AbstractBufferSource> open_buffer_source(SurfaceSharing kind) {
-  if (kind == SurfaceSharing::direct3d) return open_direct3d_buffer_source();
-  return std::make_unique<HostBufferSource>();
 }
 
 }  // namespace oct

@@ -1,4 +1,4 @@
-// What the hand-off buffers of a control are made of, and surfaces of the same kind for clients.
+// The kinds of surface that a control's frames can be made of, and what each of them can do.
 #pragma once
 
 #include <cstdint>
@@ -10,20 +10,15 @@ class HandOffBuffer;
 
 enum class SurfaceSharing : int { direct3d = 0, host_memory = 1 };
 
-// The setting for controls to come. Throws std::invalid_argument for an unknown value, std::runtime_error for
-// a kind that this platform does not have.
-void set_surface_sharing(int value);
-SurfaceSharing surface_sharing();
-
 // What the buffers of one control have in common.
 class AbstractBufferSource {
  public:
   virtual ~AbstractBufferSource() = default;
   virtual std::unique_ptr<HandOffBuffer> create_buffer(std::int32_t index) = 0;
-};
 
-// With the control's context current. Null when the system gives none now; it may be asked again.
-std::unique_ptr<AbstractBufferSource> open_buffer_source(SurfaceSharing kind);
+  // Whether the device that the buffers are made on is gone for good.
+  virtual bool device_removed() const { return false; }
+};
 
 // A surface that a client asked for.
 class AbstractClientSurface {
@@ -31,5 +26,27 @@ class AbstractClientSurface {
   virtual ~AbstractClientSurface() = default;
   virtual void* pointer() = 0;
 };
+
+// A row of the table of kinds. All that differs from kind to kind is behind these functions.
+struct SurfaceKind {
+  SurfaceSharing sharing;
+  bool available;  // on this platform; the functions of a row that is not throw
+
+  // With the control's context current. Null when the system gives none now; it may be asked again.
+  std::unique_ptr<AbstractBufferSource> (*open_source)();
+
+  std::unique_ptr<AbstractClientSurface> (*create_surface)(std::uint32_t width, std::uint32_t height);
+
+  // The whole source into the whole destination, stretched without a filter. Both are surfaces of the kind.
+  void (*copy)(void* source, void* destination);
+};
+
+// Throws std::invalid_argument for an unknown value.
+const SurfaceKind& surface_kind(SurfaceSharing sharing);
+
+// The setting for controls to come. Throws std::invalid_argument for an unknown value, std::runtime_error for
+// a kind that this platform does not have.
+void set_surface_sharing(int value);
+SurfaceSharing surface_sharing();
 
 }  // namespace oct
