@@ -55,8 +55,7 @@ OpenGLControlLoopHandle createOpenGLControlLoopCB(OctLoopFunction Init, OctLoopF
 void deleteOpenGLControlLoop(OpenGLControlLoopHandle Handle) {
   guarded(__func__, [&] {
     loop(Handle);
-    oct::api::delete_object<OpenGLControlLoop>(
-        Handle, [](const OpenGLControlLoop& ended) { ended.check_deletable(); });
+    oct::api::delete_object<OpenGLControlLoop>(Handle, [](OpenGLControlLoop& ended) { ended.end(); });
   });
 }
 

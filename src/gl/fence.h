@@ -21,7 +21,7 @@ class Fence {
   void insert() {
     reset();
     context_ = require_identity();
-    sync_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
+    if (context_ != no_context) sync_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
   }
 
   void reset() {
@@ -35,7 +35,7 @@ class Fence {
     return glClientWaitSync(sync_, GL_SYNC_FLUSH_COMMANDS_BIT, nanoseconds);
   }
 
-  explicit operator bool() const { return sync_ && context_ != no_context && context_ == current_identity(); }
+  explicit operator bool() const { return sync_ && context_ == current_identity(); }
 
  private:
   GLsync sync_ = nullptr;

@@ -27,12 +27,12 @@ class Name {
   }
   ~Name() { reset(); }
 
-  // Null (0) when OpenGL gives none.
+  // Empty when OpenGL gives none, or is too old to tell its contexts apart.
   template <class... Arguments>
   static Name create(Arguments... arguments) {
     Name result;
     result.context_ = require_identity();
-    result.name_ = Kind::create(arguments...);
+    if (result.context_ != no_context) result.name_ = Kind::create(arguments...);
     return result;
   }
 
@@ -44,9 +44,7 @@ class Name {
 
   // 0 and false for an empty owner, and where another context is current.
   GLuint get() const { return *this ? name_ : 0; }
-  explicit operator bool() const {
-    return name_ != 0 && context_ != no_context && context_ == current_identity();
-  }
+  explicit operator bool() const { return name_ != 0 && context_ == current_identity(); }
 
  private:
   GLuint name_ = 0;

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "oct_rendering/oct_rendering.h"
-#include "support/scarce_memory.h"
+#include "support/scarce_resources.h"
 #include "support/test_context.h"
 
 namespace oct::test {

@@ -27,6 +27,7 @@ class ControlLoopGLTest : public LoopGLTest {
 // Requests gather while the first frame, of id 9, is held up.
 TEST_P(ControlLoopGLTest, ModesDecideWhatIsDrawnNext) {
   using Mode = OpenGLControlLoop::Mode;
+  const auto device = keep_direct3d(GetParam());
   const struct {
     Mode mode;
     std::vector<int> requests;
@@ -110,6 +111,7 @@ TEST_P(ControlLoopGLTest, ModeChangesOfAnIdleLoop) {
 // Without a size, or with nothing but ids that draw nothing, there is nothing to do in any mode.
 TEST_P(ControlLoopGLTest, AnIdleLoopSleepsAndIsWokenAtOnce) {
   using Mode = OpenGLControlLoop::Mode;
+  const auto device = keep_direct3d(GetParam());
   MarkRecorder recorder;
   const auto iterations = [&] {
     std::ptrdiff_t count = 0;
@@ -253,9 +255,9 @@ TEST_P(ControlLoopGLTest, BuffersRotateAndPixelsFollowTheSize) {
 TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
   Names order;  // guarded by what is tested: uninit follows the return thread's end
   std::set<std::thread::id> threads;
-  std::promise<const OpenGLControlLoop*> made;
+  std::promise<OpenGLControlLoop*> made;
   const auto refuse_deletion = [own = made.get_future().share()] {
-    EXPECT_THROW(own.get()->check_deletable(), std::system_error);
+    EXPECT_THROW(own.get()->end(), std::system_error);
   };
   const auto note = [&](const char* what) {
     refuse_deletion();
@@ -274,7 +276,6 @@ TEST_P(ControlLoopGLTest, InitAndUninitOnTheRenderThread) {
   }));
   loop->set_mode(OpenGLControlLoop::once_each);
   made.set_value(loop.get());
-  loop->check_deletable();
   loop->resize(4, 4);
   loop->request(1);
   returned_.at_least(1);
@@ -295,7 +296,7 @@ TEST_P(ControlLoopGLTest, AFailureEndsTheRenderThreadOnly) {
     const TestContext context;
     void* const before = gl::current_context();
     errors_.clear();
-    std::promise<const OpenGLControlLoop*> made;
+    std::promise<OpenGLControlLoop*> made;
     const std::string text = log_of([&] {
       const auto init = [&] {
         if (unknown) throw 42;
@@ -303,7 +304,7 @@ TEST_P(ControlLoopGLTest, AFailureEndsTheRenderThreadOnly) {
       };
       OpenGLControlLoop loop(Callback(init), Callback([] { ADD_FAILURE() << "uninit"; }),
                              ErrorCallback([&](const char* message) {
-                               EXPECT_THROW(made.get_future().get()->check_deletable(), std::system_error);
+                               EXPECT_THROW(made.get_future().get()->end(), std::system_error);
                                // The last place to uninitialise renderers.
                                EXPECT_NE(glGetString(GL_VERSION), nullptr);
                                errors_.add(message);

@@ -7,30 +7,9 @@
 
 #include "oct_rendering/oct_rendering.h"
 #include "support/process_memory.h"
-#include "support/scarce_memory.h"
+#include "support/scarce_resources.h"
 #include "support/test_context.h"
 #include "support/test_loop.h"
-
-namespace oct::test {
-namespace {
-
-std::atomic<int> threads{-1};  // counts down to the one that is not started; below zero all are
-
-}  // namespace
-}  // namespace oct::test
-
-// What std::thread starts threads with; the linker routes it here.
-#define OCT_START_THREAD(prefix) \
-  prefix##_ZNSt6thread15_M_start_threadESt10unique_ptrINS_6_StateESt14default_deleteIS1_EEPFvvE
-extern "C" {
-void OCT_START_THREAD(__real_)(std::thread* self, void* state, void (*depend)());
-void OCT_START_THREAD(__wrap_)(std::thread* self, void* state, void (*depend)()) {
-  if (oct::test::threads >= 0 && oct::test::threads-- == 0) {
-    throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
-  }
-  OCT_START_THREAD(__real_)(self, state, depend);
-}
-}
 
 namespace oct::test {
 namespace {
@@ -60,6 +39,7 @@ class LoopFailuresGLTest : public LoopGLTest {
  protected:
   void SetUp() override {
     LoopGLTest::SetUp();
+    device_ = keep_direct3d(GetParam());
     errors.clear();
     init_fails = false;
     prepareOpenGL();
@@ -81,19 +61,22 @@ class LoopFailuresGLTest : public LoopGLTest {
     EXPECT_LE(thread_count(), most);
   }
 
+  std::shared_ptr<void> device_;
   std::size_t threads_before_ = 0;
 };
 
 TEST_P(LoopFailuresGLTest, NoThread) {
+  device_.reset();
   finishOpenGL();  // so that a loop starts three: its own, and that of the host
   const std::string reason =
       std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again)).what();
   for (int round = 0; round < 3; ++round) {
     for (int index = 0; index < 4; ++index) {
       SCOPED_TRACE(index);
-      threads = index;
-      const OpenGLControlLoopHandle loop = create();
-      threads = -1;
+      const OpenGLControlLoopHandle loop = [index] {
+        const ScarceThreads scarce(index);
+        return create();
+      }();
       EXPECT_EQ(loop != nullptr, index >= 2);
       EXPECT_EQ(pending_error(),
                 loop ? "(none)" : "The threads of the control loop could not be started: " + reason);

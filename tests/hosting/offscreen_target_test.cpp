@@ -1,5 +1,7 @@
 // The exports of the offscreen target.
+#include <array>
 #include <thread>
+#include <utility>
 
 #include "gl/context/current_context.h"
 #include "oct_rendering/oct_rendering.h"
@@ -14,16 +16,18 @@ namespace {
 
 TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
   const OffscreenTargetHandle targets[] = {createOffscreenTarget(), createOffscreenTarget()};
+  std::array<GLint, 2> row_lengths{};
   for (int i : {0, 1, 0, 1}) {
+    GLint& expected = row_lengths[static_cast<std::size_t>(i)];
     Picture picture(3 + i, 2);
     beginOffscreenFrame(targets[i], static_cast<unsigned>(picture.width), 2);
     glClearColor(static_cast<float>(i), 1.0F, 0.0F, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT);
-    glPixelStorei(GL_PACK_ROW_LENGTH, 9);
-    finishOffscreenFrame(targets[i], picture.bytes.data());
     GLint row_length = 0;
     glGetIntegerv(GL_PACK_ROW_LENGTH, &row_length);
-    EXPECT_EQ(row_length, 9) << "the client's setting is neither used nor lost";
+    EXPECT_EQ(row_length, std::exchange(expected, 9)) << "the client's setting is neither used nor lost";
+    glPixelStorei(GL_PACK_ROW_LENGTH, expected);
+    finishOffscreenFrame(targets[i], picture.bytes.data());
     EXPECT_EQ(picture.bgra(2 + i, 1), (std::array<int, 4>{0, 255, i * 255, 255}));
   }
   for (const auto target : targets) clearOffscreenTarget(target);

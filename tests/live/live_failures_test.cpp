@@ -1,9 +1,11 @@
 // Live volumes where something fails once: each OpenGL call, each allocation and each thread of a start.
 #include <chrono>
+#include <memory>
 #include <thread>
 
 #include "live/live_test.h"
 #include "support/fault_scenario.h"
+#include "support/scarce_resources.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -58,6 +60,7 @@ class LiveFailureTest : public LiveTest {
   }
 
   VolumeScene scene_;
+  std::string error_;
 
  private:
   Picture picture() {
@@ -81,8 +84,6 @@ class LiveFailureTest : public LiveTest {
     if (error_.empty() && !told.empty()) error_ = told[0];
     if (error_.empty() && pending != "(none)") error_ = pending;
   }
-
-  std::string error_;
 };
 
 TEST_F(LiveFailureTest, EveryOpenGLCall) {
@@ -90,6 +91,37 @@ TEST_F(LiveFailureTest, EveryOpenGLCall) {
   pending_error();
   fail_every_call(
       {[&] { begin(); }, [&] { return shown(); }, [&] { finish(); }, [&] { return error(); }, true, false});
+}
+
+// A start that gets no memory or no thread says so, leaves nothing behind, and the next one works.
+TEST_F(LiveFailureTest, EveryAllocationAndThreadOfAStart) {
+  initializeVolumeRenderer(renderer_);
+  apply(scene_, renderer_);
+  const auto attempt = [&](auto scarce, const std::string& expected) {
+    startDataSource(live_, source_, device_.scan_pattern());
+    const bool failed = scarce->has_failed();
+    scarce.reset();
+    const std::string error = pending_error();
+    stopDataSource(source_);
+    EXPECT_TRUE(error == "(none)" || (failed && contains(error, expected))) << error;
+    EXPECT_EQ(device_.objects(), 0);
+    pending_error();  // there was nothing to stop
+    error_.clear();
+    return failed;
+  };
+  std::size_t allocations = 0;
+  const auto one_allocation = [&] {
+    return attempt(std::make_unique<ScarceMemory>(allocations, ScarceMemory::that_one_alone),
+                   "std::bad_alloc");
+  };
+  while (one_allocation()) ASSERT_LT(++allocations, 200U);
+  EXPECT_GE(allocations, 1U);
+  EXPECT_TRUE(attempt(std::make_unique<ScarceThreads>(0), "Resource temporarily unavailable"));
+  client_errors().clear();
+  start();
+  shown();
+  EXPECT_EQ(error(), "(none)");
+  finish();
 }
 
 }  // namespace

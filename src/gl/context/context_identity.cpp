@@ -24,7 +24,7 @@ struct KnownContext {
 struct Registry {
   std::mutex mutex;
   ContextIdentity next = 0x6F63'7401'0000'0001;  // neither half is a divisor that a client would set
-  std::vector<KnownContext> contexts;            // by identity
+  std::vector<KnownContext> contexts;            // nearly in the order of their identities
 };
 
 Registry& registry() {
@@ -87,12 +87,13 @@ bool is_marked(const KnownContext& context) {
 
 // The latest of that handle among those before `identity`. Takes no memory, as destructors ask.
 std::optional<KnownContext> latest_before(ContextIdentity identity, void* handle) {
+  std::optional<KnownContext> latest;
   const std::lock_guard lock(registry().mutex);
-  const auto& contexts = registry().contexts;
-  const auto found = std::find_if(contexts.rbegin(), contexts.rend(), [&](const KnownContext& context) {
-    return context.handle == handle && context.identity < identity;
-  });
-  return found == contexts.rend() ? std::nullopt : std::optional(*found);
+  for (const KnownContext& context : registry().contexts) {
+    const bool candidate = context.handle == handle && context.identity < identity;
+    if (candidate && (!latest || latest->identity < context.identity)) latest = context;
+  }
+  return latest;
 }
 
 void erase(ContextIdentity identity) {
@@ -113,8 +114,10 @@ ContextIdentity find(void* handle) {
   return no_context;
 }
 
+// Takes the memory for it as well, so that no mark is left in a context that is not remembered.
 ContextIdentity next_identity() {
   const std::lock_guard lock(registry().mutex);
+  registry().contexts.reserve(registry().contexts.size() + 1);
   return registry().next++;
 }
 

@@ -5,6 +5,7 @@
 
 #include "core/console.h"
 #include "core/exception.h"
+#include "core/immortal.h"
 #include "core/log.h"
 #include "core/platform.h"
 #include "gl/context/own_module_windows.h"
@@ -18,8 +19,7 @@ struct ClassTable {
 };
 
 ClassTable& class_table() {
-  static ClassTable table;
-  return table;
+  return immortal<ClassTable>();
 }
 
 void register_class(const std::string& name) {

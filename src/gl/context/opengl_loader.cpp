@@ -47,7 +47,7 @@ Version current_version() {
   glGetIntegerv(GL_MINOR_VERSION, &version.minor);
   if (version.major == 0 && is_context_current()) {
     discard_gl_errors();  // below 3.0 OpenGL does not know the question
-    std::sscanf(std::string(text(GL_VERSION)).c_str(), "%d.%d", &version.major, &version.minor);
+    std::sscanf(text(GL_VERSION).data(), "%d.%d", &version.major, &version.minor);
   }
   return version;
 }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/console.h"
+#include "core/immortal.h"
 #include "core/timing_mark.h"
 
 namespace oct {
@@ -14,10 +15,9 @@ struct ProcessHost {
   std::shared_ptr<OpenGLHost> prepared;
 };
 
-// Never destroyed: a thread cannot be joined while the library is being unloaded.
+// A thread cannot be joined while the library is being unloaded.
 ProcessHost& process_host() {
-  static ProcessHost& instance = *new ProcessHost;
-  return instance;
+  return immortal<ProcessHost>();
 }
 
 }  // namespace

@@ -94,14 +94,12 @@ void OpenGLControlLoop::start_threads() {
 }
 
 OpenGLControlLoop::~OpenGLControlLoop() {
-  bool ended = false;
-  attempt([&] {
-    const TimingMark outer_mark("Destructing OpenGL Loop");
-    const TimingMark inner_mark("~OpenGLControlLoop");
-    shut_down();
-    ended = true;
-  });
-  if (!ended) shut_down();
+  if (!has_ended_) shut_down();
+}
+
+void OpenGLControlLoop::end() {
+  refuse_own_threads();
+  shut_down();
 }
 
 void OpenGLControlLoop::refuse_own_threads() const {
@@ -445,12 +443,20 @@ bool OpenGLControlLoop::end_threads() {
 }
 
 void OpenGLControlLoop::shut_down() noexcept {
-  const bool joined = end_threads();
-  attempt([&] {
-    log() << (joined ? "background thread successfully joined. " : "Something went wrong. ");
-    if (!joined) write_error("Background thread not joinable. ");
+  attempt([this] {
+    const TimingMark outer_mark("Destructing OpenGL Loop");
+    const TimingMark inner_mark("~OpenGLControlLoop");
+    tell_of_end(end_threads());
+    has_ended_ = true;
   });
-  attempt([] { write_output("OpenGL control loop finished. Callbacks can be freed now. "); });
+  if (!has_ended_) tell_of_end(end_threads());  // there was no memory for the marks
+  has_ended_ = true;
+}
+
+void OpenGLControlLoop::tell_of_end(bool joined) noexcept {
+  log() << (joined ? "background thread successfully joined. " : "Something went wrong. ");
+  if (!joined) write_error("Background thread not joinable. ");
+  write_output("OpenGL control loop finished. Callbacks can be freed now. ");
 }
 
 }  // namespace oct

@@ -43,9 +43,9 @@ class OpenGLControlLoop {
   OpenGLControlLoop(const OpenGLControlLoop&) = delete;
   OpenGLControlLoop& operator=(const OpenGLControlLoop&) = delete;
 
-  // Throws the resource-deadlock error on the loop's own threads, which cannot wait for their own end. Call
-  // it before deleting the loop.
-  void check_deletable() const { refuse_own_threads(); }
+  // Ends both threads, as the destructor does otherwise; the other operations may be called until it returns. Throws
+  // the resource-deadlock error on the loop's own threads, which cannot wait for their own end.
+  void end();
 
   void request(std::int32_t id);
   void set_mode(Mode mode);
@@ -92,7 +92,9 @@ class OpenGLControlLoop {
   void start_threads();
   bool end_threads();
   void shut_down() noexcept;
+  static void tell_of_end(bool joined) noexcept;
 
+  bool has_ended_ = false;
   std::atomic<Mode> mode_{round_robin};
   const ErrorCallback error_callback_;
   RenderingCallback rendering_callback_;                    // guarded by rendering_callback_mutex_

@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/immortal.h"
+
 namespace oct {
 
 // Keeps two surfaces where they are while one is copied to the other, without holding the table's mutex.
@@ -83,10 +85,9 @@ ClientSurfaces::Loan::~Loan() {
   surfaces_.forget(surfaces_.surfaces_.find(surface_), lock);
 }
 
-// Never destroyed: surfaces that a client forgot must not be released while the library is being unloaded.
+// Surfaces that a client forgot are not released while the library is being unloaded.
 ClientSurfaces& client_surfaces() {
-  static ClientSurfaces& instance = *new ClientSurfaces;
-  return instance;
+  return immortal<ClientSurfaces>();
 }
 
 }  // namespace oct

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "core/immortal.h"
 #include "core/log.h"
 #include "gl/context/hidden_window_windows.h"
 #include "hosting/host/opengl_host.h"
@@ -30,8 +31,7 @@ struct Devices {
 };
 
 Devices& devices() {
-  static Devices& instance = *new Devices;
-  return instance;
+  return immortal<Devices>();
 }
 
 std::string hexadecimal(std::uint64_t value) {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "core/console.h"
+#include "core/immortal.h"
 #include "core/log.h"
 #include "gl/context/wgl_extension_windows.h"
 #include "gl/gl.h"
@@ -24,22 +25,21 @@ struct OpenHandle {
 };
 
 // The mutex is held while a device is opened or closed, so that nobody opens one that is just being closed.
-// Never destroyed: threads may still close theirs when the process ends.
 struct OpenHandles {
   std::mutex mutex;
   std::map<const DX9Device*, OpenHandle> by_device;
 };
 
 OpenHandles& open_handles() {
-  static OpenHandles& instance = *new OpenHandles;
-  return instance;
+  return immortal<OpenHandles>();
 }
 
 }  // namespace
 
 void require_interop() {
-  if (!gl::has_wgl_extension("WGL_NV_DX_interop") || !wglDXOpenDeviceNV)
+  if (!gl::has_wgl_extension("WGL_NV_DX_interop") || !wglDXOpenDeviceNV) {
     throw std::runtime_error(direct3d_not_supported);
+  }
 }
 
 std::optional<AdapterLuid> opengl_adapter() {

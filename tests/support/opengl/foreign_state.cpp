@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,67 +13,6 @@ namespace oct::test {
 namespace {
 
 constexpr GLenum clip_distance = GL_CLIP_DISTANCE0;
-
-using Query = std::pair<const char*, GLenum>;
-#define OCT_QUERY(query) \
-  Query {                \
-#query, GL_##query   \
-  }
-constexpr Query single_values[] = {OCT_QUERY(UNPACK_ALIGNMENT),
-                                   OCT_QUERY(UNPACK_ROW_LENGTH),
-                                   OCT_QUERY(UNPACK_IMAGE_HEIGHT),
-                                   OCT_QUERY(UNPACK_SKIP_ROWS),
-                                   OCT_QUERY(UNPACK_SKIP_PIXELS),
-                                   OCT_QUERY(UNPACK_SKIP_IMAGES),
-                                   OCT_QUERY(UNPACK_SWAP_BYTES),
-                                   OCT_QUERY(UNPACK_LSB_FIRST),
-                                   OCT_QUERY(PACK_ALIGNMENT),
-                                   OCT_QUERY(PACK_ROW_LENGTH),
-                                   OCT_QUERY(PACK_IMAGE_HEIGHT),
-                                   OCT_QUERY(PACK_SKIP_ROWS),
-                                   OCT_QUERY(PACK_SKIP_PIXELS),
-                                   OCT_QUERY(PACK_SKIP_IMAGES),
-                                   OCT_QUERY(PACK_SWAP_BYTES),
-                                   OCT_QUERY(PACK_LSB_FIRST),
-                                   OCT_QUERY(PIXEL_UNPACK_BUFFER_BINDING),
-                                   OCT_QUERY(PIXEL_PACK_BUFFER_BINDING),
-                                   OCT_QUERY(ARRAY_BUFFER_BINDING),
-                                   OCT_QUERY(ELEMENT_ARRAY_BUFFER_BINDING),
-                                   OCT_QUERY(VERTEX_ARRAY_BINDING),
-                                   OCT_QUERY(CURRENT_PROGRAM),
-                                   OCT_QUERY(DRAW_FRAMEBUFFER_BINDING),
-                                   OCT_QUERY(READ_FRAMEBUFFER_BINDING),
-                                   OCT_QUERY(RENDERBUFFER_BINDING),
-                                   OCT_QUERY(VIEWPORT),
-                                   OCT_QUERY(SCISSOR_BOX),
-                                   OCT_QUERY(COLOR_WRITEMASK),
-                                   OCT_QUERY(COLOR_CLEAR_VALUE),
-                                   OCT_QUERY(DEPTH_CLEAR_VALUE),
-                                   OCT_QUERY(DEPTH_FUNC),
-                                   OCT_QUERY(DEPTH_WRITEMASK),
-                                   OCT_QUERY(DEPTH_RANGE),
-                                   OCT_QUERY(STENCIL_CLEAR_VALUE),
-                                   OCT_QUERY(STENCIL_FUNC),
-                                   OCT_QUERY(STENCIL_WRITEMASK),
-                                   OCT_QUERY(BLEND_EQUATION_RGB),
-                                   OCT_QUERY(BLEND_EQUATION_ALPHA),
-                                   OCT_QUERY(BLEND_SRC_RGB),
-                                   OCT_QUERY(BLEND_DST_RGB),
-                                   OCT_QUERY(BLEND_SRC_ALPHA),
-                                   OCT_QUERY(BLEND_DST_ALPHA),
-                                   OCT_QUERY(CULL_FACE_MODE),
-                                   OCT_QUERY(FRONT_FACE),
-                                   OCT_QUERY(POLYGON_MODE),
-                                   OCT_QUERY(POLYGON_OFFSET_FACTOR),
-                                   OCT_QUERY(POLYGON_OFFSET_UNITS),
-                                   OCT_QUERY(LINE_WIDTH),
-                                   OCT_QUERY(LOGIC_OP_MODE),
-                                   OCT_QUERY(PRIMITIVE_RESTART_INDEX),
-                                   OCT_QUERY(SAMPLE_COVERAGE_VALUE),
-                                   OCT_QUERY(ACTIVE_TEXTURE)};
-constexpr Query unit_values[] = {OCT_QUERY(TEXTURE_BINDING_1D), OCT_QUERY(TEXTURE_BINDING_2D),
-                                 OCT_QUERY(TEXTURE_BINDING_3D), OCT_QUERY(SAMPLER_BINDING)};
-#undef OCT_QUERY
 
 bool is_compatibility_profile() {
   GLint mask = 0;
@@ -87,36 +27,7 @@ bool has_clip_control() {
   return version >= std::array{4, 5};
 }
 
-std::vector<GLenum> capabilities() {
-  std::vector<GLenum> all{GL_BLEND,
-                          GL_COLOR_LOGIC_OP,
-                          GL_CULL_FACE,
-                          GL_DEPTH_CLAMP,
-                          GL_DEPTH_TEST,
-                          GL_DITHER,
-                          GL_FRAMEBUFFER_SRGB,
-                          GL_LINE_SMOOTH,
-                          GL_MULTISAMPLE,
-                          GL_POLYGON_OFFSET_FILL,
-                          GL_POLYGON_OFFSET_LINE,
-                          GL_POLYGON_OFFSET_POINT,
-                          GL_POLYGON_SMOOTH,
-                          GL_PRIMITIVE_RESTART,
-                          GL_PROGRAM_POINT_SIZE,
-                          GL_RASTERIZER_DISCARD,
-                          GL_SAMPLE_ALPHA_TO_COVERAGE,
-                          GL_SAMPLE_ALPHA_TO_ONE,
-                          GL_SAMPLE_COVERAGE,
-                          GL_SAMPLE_MASK,
-                          GL_SCISSOR_TEST,
-                          GL_STENCIL_TEST,
-                          GL_TEXTURE_CUBE_MAP_SEAMLESS};
-  for (GLenum i = 0; i < 8; ++i) all.push_back(clip_distance + i);
-  if (is_compatibility_profile()) all.insert(all.end(), {GL_ALPHA_TEST, GL_POLYGON_STIPPLE, GL_LINE_STIPPLE});
-  return all;
-}
-
-void set_everywhere(GLenum kind) {
+void set_pixel_store(GLenum kind) {
   constexpr std::array<GLenum, 7> settings{
       GL_UNPACK_ROW_LENGTH,  GL_UNPACK_SKIP_ROWS,  GL_UNPACK_SKIP_PIXELS, GL_UNPACK_IMAGE_HEIGHT,
       GL_UNPACK_SKIP_IMAGES, GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST};
@@ -196,8 +107,8 @@ struct ForeignState {
 // Each of them spoils a frame that does not see to it. The context keeps a few objects.
 std::vector<ForeignState> foreign_states() {
   std::vector<ForeignState> states{
-      {"unpack settings", [] { set_everywhere(GL_UNPACK_ALIGNMENT); }},
-      {"pack settings", [] { set_everywhere(GL_PACK_ALIGNMENT); }},
+      {"unpack settings", [] { set_pixel_store(GL_UNPACK_ALIGNMENT); }},
+      {"pack settings", [] { set_pixel_store(GL_PACK_ALIGNMENT); }},
       {"unpack buffer", [] { bind_buffer(GL_PIXEL_UNPACK_BUFFER); }},
       {"pack buffer", [] { bind_buffer(GL_PIXEL_PACK_BUFFER); }},
       {"textures and samplers", bind_textures_and_samplers},
@@ -309,36 +220,57 @@ Picture drawn_into(GLenum format, GLsizei samples, const Picture& size, const st
 }  // namespace
 
 StateValues state_values() {
-  StateValues values;
-  const auto add = [&](const std::string& name, GLenum query) {
-    std::array<double, 4> numbers{};
-    glGetDoublev(query, numbers.data());
-    values.emplace_back(name, numbers);
+  StateValues result;
+  GLenum unit = 0;
+  const auto add = [&](auto... queries) {
+    for (const GLenum query : {static_cast<GLenum>(queries)...}) {
+      result.push_back({query, unit, {}});
+      glGetDoublev(query, result.back().values.data());
+    }
   };
-  for (const GLenum capability : capabilities()) {
-    const std::array<double, 4> enabled{static_cast<double>(glIsEnabled(capability))};
-    values.emplace_back("capability " + std::to_string(capability), enabled);
-  }
-  for (const auto& [name, query] : single_values) add(name, query);
-  if (has_clip_control()) add("clip origin", GL_CLIP_ORIGIN), add("clip depth", GL_CLIP_DEPTH_MODE);
+  const auto add_enabled = [&](auto... capabilities) {
+    for (const GLenum capability : {static_cast<GLenum>(capabilities)...}) {
+      result.push_back({capability, 0, {static_cast<double>(glIsEnabled(capability))}});
+    }
+  };
+  add(GL_UNPACK_ALIGNMENT, GL_UNPACK_ROW_LENGTH, GL_UNPACK_IMAGE_HEIGHT, GL_UNPACK_SKIP_ROWS);
+  add(GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_IMAGES, GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST);
+  add(GL_PACK_ALIGNMENT, GL_PACK_ROW_LENGTH, GL_PACK_IMAGE_HEIGHT, GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS);
+  add(GL_PACK_SKIP_IMAGES, GL_PACK_SWAP_BYTES, GL_PACK_LSB_FIRST, GL_PIXEL_UNPACK_BUFFER_BINDING);
+  add(GL_PIXEL_PACK_BUFFER_BINDING, GL_ARRAY_BUFFER_BINDING, GL_ELEMENT_ARRAY_BUFFER_BINDING);
+  add(GL_VERTEX_ARRAY_BINDING, GL_CURRENT_PROGRAM, GL_DRAW_FRAMEBUFFER_BINDING);
+  add(GL_READ_FRAMEBUFFER_BINDING, GL_RENDERBUFFER_BINDING, GL_VIEWPORT, GL_SCISSOR_BOX);
+  add(GL_COLOR_WRITEMASK, GL_COLOR_CLEAR_VALUE, GL_DEPTH_CLEAR_VALUE, GL_DEPTH_FUNC, GL_DEPTH_WRITEMASK);
+  add(GL_DEPTH_RANGE, GL_STENCIL_CLEAR_VALUE, GL_STENCIL_FUNC, GL_STENCIL_WRITEMASK, GL_BLEND_EQUATION_RGB);
+  add(GL_BLEND_EQUATION_ALPHA, GL_BLEND_SRC_RGB, GL_BLEND_DST_RGB, GL_BLEND_SRC_ALPHA, GL_BLEND_DST_ALPHA);
+  add(GL_CULL_FACE_MODE, GL_FRONT_FACE, GL_POLYGON_MODE, GL_POLYGON_OFFSET_FACTOR, GL_POLYGON_OFFSET_UNITS);
+  add(GL_LINE_WIDTH, GL_LOGIC_OP_MODE, GL_PRIMITIVE_RESTART_INDEX, GL_SAMPLE_COVERAGE_VALUE);
+  add(GL_ACTIVE_TEXTURE);
+  add_enabled(GL_MULTISAMPLE, GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_ALPHA_TO_ONE, GL_SAMPLE_COVERAGE);
+  add_enabled(GL_SAMPLE_MASK, GL_CULL_FACE, GL_LINE_SMOOTH, GL_POLYGON_OFFSET_FILL, GL_POLYGON_OFFSET_LINE);
+  add_enabled(GL_POLYGON_OFFSET_POINT, GL_POLYGON_SMOOTH, GL_BLEND, GL_COLOR_LOGIC_OP, GL_DEPTH_CLAMP);
+  add_enabled(GL_DEPTH_TEST, GL_DITHER, GL_FRAMEBUFFER_SRGB, GL_PRIMITIVE_RESTART, GL_PROGRAM_POINT_SIZE);
+  add_enabled(GL_RASTERIZER_DISCARD, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_TEXTURE_CUBE_MAP_SEAMLESS);
+  for (GLenum i = 0; i < 8; ++i) add_enabled(clip_distance + i);
+  if (has_clip_control()) add(GL_CLIP_ORIGIN, GL_CLIP_DEPTH_MODE);
+  if (is_compatibility_profile()) add_enabled(GL_ALPHA_TEST, GL_POLYGON_STIPPLE, GL_LINE_STIPPLE);
   GLint active = 0;
   glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
-  for (GLenum unit = GL_TEXTURE0; unit < GL_TEXTURE0 + 8; ++unit) {
+  for (unit = GL_TEXTURE0; unit < GL_TEXTURE0 + 8; ++unit) {
     glActiveTexture(unit);
-    const std::string of_unit = " of unit " + std::to_string(unit - GL_TEXTURE0);
-    for (const auto& [name, query] : unit_values) add(name + of_unit, query);
+    add(GL_TEXTURE_BINDING_1D, GL_TEXTURE_BINDING_2D, GL_TEXTURE_BINDING_3D, GL_SAMPLER_BINDING);
   }
   glActiveTexture(static_cast<GLenum>(active));
-  return values;
+  return result;
 }
 
 testing::AssertionResult same_state(const StateValues& before, const StateValues& after) {
-  std::string changed;
+  std::ostringstream changed;
   for (std::size_t i = 0; i < before.size(); ++i) {
-    if (before[i] != after.at(i)) changed += (changed.empty() ? "" : ", ") + before[i].first;
+    if (before[i] != after.at(i)) changed << " 0x" << std::hex << before[i].query;
   }
-  return changed.empty() ? testing::AssertionSuccess()
-                         : testing::AssertionFailure() << "changed: " << changed;
+  if (changed.str().empty()) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << "changed, by their numbers in OpenGL:" << changed.str();
 }
 
 void expect_same_whatever_the_client_sets(OffscreenTargetHandle target, const Picture& expected,

@@ -3,17 +3,22 @@
 
 #include <array>
 #include <functional>
-#include <string>
-#include <utility>
 #include <vector>
 
+#include "gl/gl.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/pictures.h"
 
 namespace oct::test {
 
-// Everything that decides how a context uploads and draws, by name.
-using StateValues = std::vector<std::pair<std::string, std::array<double, 4>>>;
+// Everything that decides how a context uploads and draws.
+struct StateValue {
+  GLenum query;
+  GLenum unit;  // of textures; else 0
+  std::array<double, 4> values;
+  bool operator==(const StateValue&) const = default;
+};
+using StateValues = std::vector<StateValue>;
 StateValues state_values();
 testing::AssertionResult same_state(const StateValues& before, const StateValues& after);
 

@@ -1,4 +1,5 @@
-// Allocations that fail. The program that links this has an operator new of its own.
+// Allocations and starts of threads that fail. For programs that link oct_scarce_resources, which replaces operator
+// new and what std::thread starts threads with.
 #pragma once
 
 #include <cstddef>
@@ -15,6 +16,17 @@ class ScarceMemory {
   ~ScarceMemory();
   ScarceMemory(const ScarceMemory&) = delete;
   ScarceMemory& operator=(const ScarceMemory&) = delete;
+
+  bool has_failed() const;
+};
+
+// While it lives, one start of a thread fails, counted from 0 over all threads of the process.
+class ScarceThreads {
+ public:
+  explicit ScarceThreads(int index);
+  ~ScarceThreads();
+  ScarceThreads(const ScarceThreads&) = delete;
+  ScarceThreads& operator=(const ScarceThreads&) = delete;
 
   bool has_failed() const;
 };
