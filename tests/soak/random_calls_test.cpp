@@ -133,8 +133,8 @@ class Client {
 
   std::vector<Call> drawing_calls(OffscreenTargetHandle target) {
     return {
-        [=, this](Dice& dice) { beginOffscreenFrame(target, extent(dice), extent(dice)); },
-        [=, this](Dice& dice) {
+        [=](Dice& dice) { beginOffscreenFrame(target, extent(dice), extent(dice)); },
+        [=](Dice& dice) {
           beginOffscreenFrame(target, 32, 32);
           std::vector<std::uint8_t> pixels(32 * 32 * 4);
           finishOffscreenFrame(target, dice.flip() ? pixels.data() : nullptr);
