@@ -51,7 +51,7 @@ std::unique_ptr<AbstractBufferSource> open_direct3d_source() {
 }
 
 std::unique_ptr<AbstractClientSurface> create_direct3d_surface(std::uint32_t width, std::uint32_t height) {
-  require_interop();
+  require_interop_loaded();  // any thread of the client's may ask
   return std::make_unique<DX9ClientSurface>(width, height);
 }
 
