@@ -7,7 +7,8 @@
 
 namespace oct {
 
-// Throws "Ressouce sharing between OpenGL and DirectX not supported. " unless the current context has the extension.
+// Throws "Ressouce sharing between OpenGL and DirectX not supported. " unless the current context has the
+// extension.
 void require_interop();
 
 // The same for threads without a context: asks whether the driver has it that OpenGL was loaded from.
