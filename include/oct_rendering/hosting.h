@@ -226,10 +226,8 @@ OCT_API void glRenderTestImage(void);
  * destroyDXSurface(); null on failure. It may outlive the loop.
  * @par Errors
  * "Invalid OpenGLControlLoopHandle specified. "; "A surface must not be empty. ";
- * "The surface is too large. "; "Could not generate render target. ";
- * "An error occured creating the Direct 3D device. ";
- * "Ressouce sharing between OpenGL and DirectX not supported. " where the loop could not share Direct3D surfaces
- * either.
+ * "The surface is too large. "; "Could not generate render target. "; "The graphics device was removed. ";
+ * "Ressouce sharing between OpenGL and DirectX not supported. " where no loop has Direct3D surfaces.
  * @thread Any thread.
  */
 OCT_API void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width, unsigned int Height);

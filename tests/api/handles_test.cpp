@@ -176,7 +176,12 @@ TEST(ExitDeathTest, ThreadsMayRunOnWhileTheProcessEnds) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto end_amid_calls = [] {
     const VolumeRendererHandle volume = createVolumeRenderer();
-    const OpenGLControlLoopHandle loop = createOpenGLControlLoop();
+    // Without a size the loop draws nothing: drivers take their own things apart at exit.
+    static std::atomic<bool> up{false};
+    const OpenGLControlLoopHandle loop =
+        createOpenGLControlLoopCB([] { up = true; }, [] {}, [](const char*) {});
+    while (!up) std::this_thread::yield();
+    OpenGLControlLoopMode(loop, 0);
     std::atomic<int> running{0};
     for (int i = 0; i < 3; ++i) {
       std::thread([&] {

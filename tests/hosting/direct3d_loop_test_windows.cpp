@@ -62,6 +62,7 @@ TEST_P(Direct3DLoopGLTest, ADeviceIsRemoved) {
   } removals[] = {{D3DERR_DEVICEREMOVED, "D3DERR_DEVICEREMOVED (0x88760870)", ""},
                   {D3DERR_DEVICEHUNG, "D3DERR_DEVICEHUNG (0x88760874)", "Lock"},
                   {D3DERR_DEVICELOST, "D3DERR_DEVICELOST (0x88760868)", "Unlock"}};
+  const char* const gone = "The graphics device was removed. ";
   for (const auto& removal : removals) {
     SCOPED_TRACE(removal.name);
     auto loop = make_recording_loop(8, 6);
@@ -79,7 +80,8 @@ TEST_P(Direct3DLoopGLTest, ADeviceIsRemoved) {
     installed_stand_in().fail_next(removal.failing);
     const std::string text = log_of([&] {
       loop->request(2);
-      EXPECT_EQ(errors_.at_least(1), std::vector<std::string>{"The graphics device was removed. "});
+      EXPECT_EQ(errors_.at_least(1), std::vector<std::string>{gone});
+      EXPECT_EQ(failure_of([&] { client_surfaces().create(direct3d, 8, 6); }), gone);
       loop.reset();
     });
     EXPECT_TRUE(contains(text, removal.name)) << text;
@@ -105,6 +107,7 @@ INSTANTIATE_TEST_SUITE_P(Hosting, Direct3DLoopGLTest, testing::Values(direct3d),
 
 TEST(ClientSurfacesTest, OnlyKnownSurfacesOfTheKindAreCopied) {
   choose_sharing(direct3d);
+  const auto device = keep_direct3d(direct3d);
   ClientSurfaces& surfaces = client_surfaces();
   void* const host = surfaces.create(SurfaceSharing::host_memory, 4, 4);
   void* const shared = surfaces.create(direct3d, 4, 4);

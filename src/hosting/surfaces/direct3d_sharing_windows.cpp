@@ -5,6 +5,7 @@
 
 #include "core/log.h"
 #include "hosting/surfaces/dx9_shared_buffer_object_windows.h"
+#include "hosting/surfaces/graphics_device.h"
 
 namespace oct {
 namespace {
@@ -26,8 +27,8 @@ class DX9BufferSource : public AbstractBufferSource {
 // Keeps the device alive as long as the surface.
 class DX9ClientSurface : public AbstractClientSurface {
  public:
-  DX9ClientSurface(std::uint32_t width, std::uint32_t height)
-      : device_(DX9Device::acquire()),
+  DX9ClientSurface(std::shared_ptr<DX9Device> device, std::uint32_t width, std::uint32_t height)
+      : device_(std::move(device)),
         texture_(device_->create_texture(width, height)),
         surface_(surface_of(*texture_.texture)) {}
 
@@ -50,9 +51,16 @@ std::unique_ptr<AbstractBufferSource> open_direct3d_source() {
   return nullptr;
 }
 
+// No device is made here: without one there are no loops whose frames could be copied.
+std::shared_ptr<DX9Device> device_of_frames() {
+  auto device = DX9Device::newest();
+  if (!device) throw std::runtime_error(direct3d_not_supported);
+  if (!device->is_usable()) throw std::runtime_error(graphics_device_removed);
+  return device;
+}
+
 std::unique_ptr<AbstractClientSurface> create_direct3d_surface(std::uint32_t width, std::uint32_t height) {
-  require_interop_loaded();  // any thread of the client's may ask
-  return std::make_unique<DX9ClientSurface>(width, height);
+  return std::make_unique<DX9ClientSurface>(device_of_frames(), width, height);
 }
 
 ComOwner<IDirect3DDevice9> device_of(IDirect3DSurface9& surface) {

@@ -117,6 +117,14 @@ std::shared_ptr<DX9Device> DX9Device::acquire(std::optional<AdapterLuid> adapter
   return device;
 }
 
+std::shared_ptr<DX9Device> DX9Device::newest() {
+  const std::lock_guard lock(devices().mutex);
+  for (auto device = devices().made.rbegin(); device != devices().made.rend(); ++device) {
+    if (auto held = device->lock()) return held;
+  }
+  return nullptr;
+}
+
 // Direct3D wants a device to be made and released by the thread that answers its window's messages.
 DX9Device::DX9Device(std::optional<AdapterLuid> adapter) : wanted_(adapter), host_(OpenGLHost::acquire()) {
   try {

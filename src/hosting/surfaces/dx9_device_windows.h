@@ -48,6 +48,9 @@ class DX9Device {
   // more, whoever may still hold it. Throws "An error occured creating the Direct 3D device. ".
   static std::shared_ptr<DX9Device> acquire(std::optional<AdapterLuid> adapter = {});
 
+  // The one that was made last among those that are held; null if there is none. It may have been removed.
+  static std::shared_ptr<DX9Device> newest();
+
   ~DX9Device();
   DX9Device(const DX9Device&) = delete;
   DX9Device& operator=(const DX9Device&) = delete;

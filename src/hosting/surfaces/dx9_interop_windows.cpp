@@ -37,12 +37,9 @@ OpenHandles& open_handles() {
 }  // namespace
 
 void require_interop() {
-  require_interop_loaded();
-  if (!gl::has_wgl_extension("WGL_NV_DX_interop")) throw std::runtime_error(direct3d_not_supported);
-}
-
-void require_interop_loaded() {
-  if (!wglDXOpenDeviceNV) throw std::runtime_error(direct3d_not_supported);
+  if (!gl::has_wgl_extension("WGL_NV_DX_interop") || !wglDXOpenDeviceNV) {
+    throw std::runtime_error(direct3d_not_supported);
+  }
 }
 
 std::optional<AdapterLuid> opengl_adapter() {

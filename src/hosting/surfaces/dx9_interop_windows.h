@@ -7,12 +7,9 @@
 
 namespace oct {
 
-// Throws "Ressouce sharing between OpenGL and DirectX not supported. " unless the current context has the
+// Throws "Ressouce sharing between OpenGL and DirectX not supported. " if the current context does not have the
 // extension.
 void require_interop();
-
-// The same for threads without a context: asks whether the driver has it that OpenGL was loaded from.
-void require_interop_loaded();
 
 // The adapter that the current OpenGL context draws with, where OpenGL tells it.
 std::optional<AdapterLuid> opengl_adapter();
