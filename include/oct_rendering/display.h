@@ -64,7 +64,8 @@ OCT_API void initDisplayRendering(DisplayRenderingHandle Handle);
  * Does nothing when not initialised. In another context it only forgets it; see @ref contexts.
  * @param Handle The renderer.
  * @par Errors
- * "Invalid DisplayRenderingHandle specified. "; "No OpenGL context is current on the calling thread. "; "An OpenGL error in DisplayRenderer::uninit occured: ..."
+ * "Invalid DisplayRenderingHandle specified. "; "No OpenGL context is current on the calling thread. ";
+ * "An OpenGL error in DisplayRenderer::uninit occured: ..."
  * @thread Rendering thread, with the context of initDisplayRendering() current.
  */
 OCT_API void uninitDisplayRendering(DisplayRenderingHandle Handle);

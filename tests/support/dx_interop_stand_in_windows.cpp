@@ -234,8 +234,10 @@ BOOL WINAPI object_access(HANDLE, GLenum) {
 PFNWGLGETEXTENSIONSSTRINGARBPROC real_extensions = nullptr;
 
 const char* WINAPI extensions(HDC device_context) {
+  const char* const real = real_extensions(device_context);
+  if (!real) return nullptr;  // no context is current
   thread_local std::string list;
-  list = std::string(real_extensions(device_context)) + " WGL_NV_DX_interop";
+  list = std::string(real) + " WGL_NV_DX_interop";
   return list.c_str();
 }
 
