@@ -31,6 +31,13 @@ ErrorStore::ErrorStore(bool processor_has_sse42) {
   }
 }
 
+void ErrorStore::close() noexcept {
+  const std::unique_lock lock(mutex_, std::try_to_lock);
+  if (!lock) return;
+  records_.clear();
+  reserve_ = {};
+}
+
 void ErrorStore::postError(const std::exception& error, bool sticky) noexcept {
   const std::uint32_t thread = current_thread_id();
   const std::lock_guard lock(mutex_);

@@ -25,6 +25,8 @@ class ErrorStore {
   // is pending (a message may be empty). Removes the record unless it is sticky.
   std::optional<std::string> takeError();
 
+  void close() noexcept;  // gives back the memory of pending errors
+
  private:
   struct ErrorRecord {
     bool sticky = false;

@@ -47,17 +47,23 @@ class LibraryLog {
 
   void close() {
     const std::unique_lock lock(mutex_, std::try_to_lock);
-    if (lock) open("");
+    if (!lock) return;
+    file_.close();
+    open_name_ = std::string();
+    private_name_ = {};
+    opened_ = true;
+    block_.reset();
   }
 
  private:
   // Without a block of its own, where the system refuses shared memory or another user has taken the name, the
   // log still works within this process.
   void open_block() {
-    if (opened_ || block_name_.empty()) return;
+    const char* const name = block_name_ ? block_name_->c_str() : "oct_log_settings";
+    if (opened_ || !*name) return;
     opened_ = true;
     try {
-      block_.emplace(block_name_.c_str());
+      block_.emplace(name);
     } catch (const std::exception&) {
     }
   }
@@ -70,7 +76,7 @@ class LibraryLog {
   }
 
   std::mutex mutex_;
-  std::string block_name_ = "oct_log_settings";
+  std::optional<std::string> block_name_;  // instead of the one that all processes use
   std::optional<SharedBlock> block_;
   bool opened_ = false;  // or tried to
   SharedBlock::Bytes private_name_{};

@@ -25,6 +25,11 @@ struct Registry {
   std::mutex mutex;
   ContextIdentity next = 0x6F63'7401'0000'0001;  // neither half is a divisor that a client would set
   std::vector<KnownContext> contexts;            // nearly in the order of their identities
+
+  void close() {
+    const std::unique_lock lock(mutex, std::try_to_lock);
+    if (lock && contexts.empty()) contexts.shrink_to_fit();
+  }
 };
 
 Registry& registry() {

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <compare>
 #include <cstdio>
+#include <functional>
 #include <mutex>
 #include <stdexcept>
 #include <string_view>
@@ -16,16 +17,10 @@
 namespace oct::gl {
 namespace {
 
-// Never freed, as other threads may be reading it: a machine has few.
-struct Driver {
-  std::string vendor;
-  std::string renderer;
-  const Driver* before;
-};
-
 struct Loader {
-  std::mutex mutex;                            // GLEW writes its function pointers without one
-  std::atomic<const Driver*> driver{nullptr};  // whose entry points are loaded; its version was sufficient
+  std::mutex mutex;  // GLEW writes its function pointers without one
+  std::atomic<std::size_t> driver{
+      0};  // whose entry points are loaded; its version was sufficient. 0: nobody's
 };
 
 Loader loader;
@@ -39,6 +34,12 @@ struct Version {
 std::string_view text(GLenum name) {
   const auto* const value = reinterpret_cast<const char*>(glGetString(name));
   return value ? value : "";
+}
+
+// A number instead of the names, which other threads could be reading while they are replaced. Never 0.
+std::size_t current_driver() {
+  const std::hash<std::string_view> hash;
+  return (hash(text(GL_VENDOR)) * 31 + hash(text(GL_RENDERER))) | 1;
 }
 
 Version current_version() {
@@ -75,7 +76,7 @@ void initGlew(const char* load_failure) {
   if (is_context_current()) checkOpenGLVersion(3, 0);
   if (is_loaded_for_current_driver()) return;
   load(load_failure);
-  loader.driver = new Driver{std::string(text(GL_VENDOR)), std::string(text(GL_RENDERER)), loader.driver};
+  loader.driver = current_driver();
   forget_current_identity();
 }
 
@@ -100,12 +101,11 @@ bool is_version_sufficient(int required_major, int required_minor) {
 }
 
 bool glewInitialized() {
-  return loader.driver != nullptr;
+  return loader.driver != 0;
 }
 
 bool is_loaded_for_current_driver() {
-  const Driver* const driver = loader.driver;
-  return driver && driver->vendor == text(GL_VENDOR) && driver->renderer == text(GL_RENDERER);
+  return loader.driver == current_driver();
 }
 
 std::string driver_name() {

@@ -13,6 +13,11 @@ struct ProcessHost {
   std::mutex mutex;
   std::weak_ptr<OpenGLHost> current;
   std::shared_ptr<OpenGLHost> prepared;
+
+  void close() {
+    const std::unique_lock lock(mutex, std::try_to_lock);
+    if (lock && current.expired()) current.reset();
+  }
 };
 
 // A thread cannot be joined while the library is being unloaded.

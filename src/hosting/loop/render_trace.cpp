@@ -35,6 +35,7 @@ class RenderTrace {
     if (!lock) return;
     file_.reset();
     tried_ = true;
+    path_ = std::filesystem::path();
   }
 
  private:
