@@ -1,8 +1,14 @@
-// Where the camera and the clip plane stand, without OpenGL. What is cut shows in the pictures.
+// Where the camera and the clip plane stand and which triangles a surface has, without OpenGL. The rest shows in the
+// pictures.
+#include <cmath>
+#include <limits>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "volume/layout/camera.h"
 #include "volume/layout/clip_plane.h"
+#include "volume/layout/surface_mesh.h"
 
 namespace oct::test {
 namespace {
@@ -63,6 +69,22 @@ TEST(ClipPlaneTest, FixedItKeepsItsOrientationButNotItsPlace) {
   clip.set_fixed(false);
   normal_at(true, 0.5F, view_at(0, 0));
   EXPECT_EQ(clip.plane(), glm::vec4(0, 0, -1, 0)) << "it faces the viewer again";
+}
+
+TEST(SurfaceMeshTest, SamplesThatAreNoNumbersLeaveAHoleAndAPointHasNoTriangles) {
+  std::vector<float> depths(6 * 5, 20.0F);
+  depths[2 * 6 + 3] = std::numeric_limits<float>::quiet_NaN();
+  depths[0] = std::numeric_limits<float>::infinity();
+  const SurfaceMesh mesh = surface_mesh(6, 5, 80.0, depths.data());
+  EXPECT_EQ(mesh.triangles.size(), (5U * 4U - 4U - 1U) * 2U * 3U);
+  for (const std::uint32_t index : mesh.triangles) {
+    EXPECT_TRUE(std::isfinite(mesh.vertices[index].z));
+    EXPECT_NEAR(glm::length(mesh.normals[index]), 1.0F, 1e-5F);
+  }
+  const float value = 1.0F;
+  const SurfaceMesh point = surface_mesh(1, 1, 4.0, &value);
+  EXPECT_EQ(point.vertices, (std::vector<glm::vec3>{{0.0F, 0.0F, -0.5F}}));
+  EXPECT_TRUE(point.triangles.empty());
 }
 
 }  // namespace

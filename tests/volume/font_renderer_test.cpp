@@ -6,7 +6,6 @@
 #include <glm/gtc/matrix_transform.hpp>
 
 #include "hosting/offscreen/offscreen_target.h"
-#include "support/gl_spy.h"
 #include "support/reference/reference_camera.h"
 #include "support/test_context.h"
 
@@ -83,34 +82,11 @@ TEST_F(FontRendererGLTest, LabelsAreDrawnPixelByPixel) {
   TextRasteriser rasteriser(20, false);
   EXPECT_TRUE(agree(draw(font, {"9", {0.004F, 0.0F, 0.5F}, {}}, flat_view),
                     expected(rasteriser, {"", {}, {}}, flat_view)));
+  EXPECT_EQ(font.size("9").y, rasteriser.rasterise("9").height);
+  EXPECT_EQ(font.size(""), glm::ivec2(0));
+  draw(font, {"", {}, {}}, flat_view);
   glDisable(GL_DEPTH_TEST);
   glClearDepth(1.0);
-}
-
-TEST_F(FontRendererGLTest, ATextIsRasterisedOnceAndNothingIsLeftBehind) {
-  target_.begin_frame(width, height);
-  GlSpy spy;
-  spy.fail_next("glGenBuffers");
-  EXPECT_EQ(failure_of([] { FontRenderer(18, false); }), "Could not create OpenGL buffer. ");
-  EXPECT_EQ(spy.live_objects(), 0U);
-  {
-    FontRenderer font(18, false);
-    spy.fail_next("glTexImage2D");
-    EXPECT_EQ(
-        failure_of([&] { font.size("0.5"); }).find("An OpenGL error in FontRenderer::rasterise occured: "),
-        0U);
-    const int failed = spy.calls("glTexImage2D");
-    for (const float zoom : {5.0F, 10.0F}) {
-      draw(font, {"0.5", {0.1F, 0.0F, 0.0F}, {3.0F, 4.0F}}, perspective_view(zoom));
-      EXPECT_EQ(font.size("0.5").y, TextRasteriser(18, false).rasterise("0.5").height);
-      EXPECT_EQ(spy.calls("glTexImage2D"), failed + 1);
-    }
-    draw(font, {"1.0", {}, {}}, flat_view);
-    EXPECT_EQ(font.size(""), glm::ivec2(0));
-    draw(font, {"", {}, {}}, flat_view);
-    EXPECT_EQ(spy.calls("glTexImage2D"), failed + 2);
-  }
-  EXPECT_EQ(spy.live_objects(), 3U) << "the target's framebuffer and its two renderbuffers";
 }
 
 }  // namespace

@@ -151,25 +151,12 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_sectional_view",
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_elements",
                    "VolumeRenderer::render_frame"}));
-  finishOffscreenFrame(stage_.target, nullptr);
-  expect_no_error();
-}
-
-// A picture in a corner of the target leaves the rest of the target to others, the clear apart.
-TEST_F(VolumeRendererApiTest, AViewportOffTheOriginShowsTheSamePicture) {
-  stage_.draw(scene_);
-  Picture large(120, 100);
-  beginOffscreenFrame(stage_.target, 120, 100);
   setViewportSize(13, 7);
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());
   EXPECT_EQ(viewport, (std::array<GLint, 4>{0, 0, 13, 7}));
-  glViewport(31, 23, 80, 60);
-  renderOfflineVolume(offline_, 0);
-  finishOffscreenFrame(stage_.target, large.bytes.data());
-  Picture part(80, 60);
-  for (int y = 0; y < 60; ++y) std::copy_n(large.pixel(31, 23 + y), 80 * 4, part.pixel(0, y));
-  EXPECT_TRUE(agree(part, reference_picture(scene_), {1, 0.99, 255}));
+  finishOffscreenFrame(stage_.target, nullptr);
+  expect_no_error();
 }
 
 }  // namespace
