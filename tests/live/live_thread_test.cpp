@@ -123,41 +123,27 @@ TEST_F(LiveThreadTest, SettersWhileRunning) {
   start();
   // Until the first volume has been acquired the live renderer is stopped.
   while (!isLiveVolumeRunning(live_)) std::this_thread::sleep_for(microseconds(200));
-  const LiveDataSourceHandle source = source_;
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  const auto many = [&](auto setter) {
-    return [this, end, setter] {
-      for (int i = 0; i < 200 || (shown_ <= 20 && std::chrono::steady_clock::now() < end); ++i) {
-        setter(i);
-        std::this_thread::sleep_for(microseconds(200));
-      }
-    };
+  const auto call_everything = [&] {
+    for (int i = 0; i < 200 || (shown_ <= 20 && std::chrono::steady_clock::now() < end); ++i) {
+      setOnlineAveraging_PS(source_, i, i, i, i), setOnlineDOPU_PS(source_, i, i, i, i);
+      setOnlineDataThreshold_PS(source_, i, i % 2), selectOnlineDataSource_PS(source_, i % 2 ? 7 : 9);
+      setSizeZ(source_, 1 + i % 16), setOnlineRefractiveIndex(source_, 1.0 + 0.01 * i);
+      selectOnlineDataSource_Camera(source_, i % 2), setOnlineAnalogInputConfiguration(source_, false);
+      setErrorCallback(
+          source_, i % 2 ? nullptr : +[](const char* text) { client_errors().add(text); });
+      setRefIntensityCallback(
+          source_, i % 3 ? nullptr : +[](double value) { intensities().add(value); });
+      int size = 0;
+      getLiveVolumeRenderingSize(live_, &size, &size, &size);
+      EXPECT_TRUE(isLiveVolumeRunning(live_));
+      EXPECT_GE(getRenderedVolumesPerSec(live_), 0.0);
+      setLiveVolumeRenderingRenderer(live_, renderer_);
+      setRenderElements(renderer_, 1, i % 8 == 0), setAngles(renderer_, 0, 80 + i % 20);
+      std::this_thread::sleep_for(microseconds(200));
+    }
   };
-  draw_while(
-      {many([=](int i) { setOnlineAveraging_PS(source, i, i, i, i), setOnlineDOPU_PS(source, i, i, i, i); }),
-       many([=](int i) {
-         setOnlineDataThreshold_PS(source, i, i % 2), selectOnlineDataSource_PS(source, i % 2 ? 7 : 9);
-       }),
-       many([=](int i) { setSizeZ(source, 1 + i % 16), setOnlineRefractiveIndex(source, 1.0 + 0.01 * i); }),
-       many([=](int i) {
-         selectOnlineDataSource_Camera(source, i % 2), setOnlineAnalogInputConfiguration(source, false);
-       }),
-       many([=](int i) {
-         setErrorCallback(
-             source, i % 2 ? nullptr : +[](const char* text) { client_errors().add(text); });
-         setRefIntensityCallback(
-             source, i % 3 ? nullptr : +[](double value) { intensities().add(value); });
-       }),
-       many([this](int) {
-         int size = 0;
-         getLiveVolumeRenderingSize(live_, &size, &size, &size);
-         EXPECT_TRUE(isLiveVolumeRunning(live_));
-         EXPECT_GE(getRenderedVolumesPerSec(live_), 0.0);
-         setLiveVolumeRenderingRenderer(live_, renderer_);
-       }),
-       many([this](int i) {
-         setRenderElements(renderer_, 1, i % 8 == 0), setAngles(renderer_, 0, 80 + i % 20);
-       })});
+  draw_while({call_everything, call_everything, call_everything, call_everything});
   EXPECT_GT(shown_, 20);
 }
 
