@@ -1,4 +1,4 @@
-// The exports of the display: handles, misuse, the functions that are meant to do nothing, contexts.
+// The exports of the display: handles, misuse, the functions that are meant to do nothing, what errors say.
 #include <limits>
 
 #include "support/gl_spy.h"
@@ -107,10 +107,12 @@ TEST_F(DisplayApiGLTest, BeforeInitNothingIsDrawnAndAfterItWhatChangedIsUploaded
   uninitDisplayRendering(renderer_);
   apply(scene_, renderer_);
   EXPECT_EQ(log_of([&] { frame(); }), "Renderer has not yet been initialized. Aborting rendering\n");
+  GlSpy spy;
   // Gamma is set and not used, so compilers drop it; every other uniform is there.
   EXPECT_EQ(log_of([&] { initDisplayRendering(renderer_); }), "Uniform gamma was not found. \n");
+  EXPECT_EQ(spy.calls("glLinkProgram"), 0) << "programs are kept";
   frame();
-  GlSpy spy;
+  spy.forget_calls();
   frame();
   EXPECT_EQ(spy.calls("glTexImage1D") + spy.calls("glTexImage2D"), 0);
   EXPECT_EQ(spy.calls("glTexSubImage2D"), 2) << "the image and the overlay, for every frame";
@@ -122,32 +124,53 @@ TEST_F(DisplayApiGLTest, BeforeInitNothingIsDrawnAndAfterItWhatChangedIsUploaded
   EXPECT_EQ(spy.calls("R32F texture"), 1);
 }
 
-// A renderer may move to another context: what it held in the first is not
-// mistaken for objects of the second.
-TEST_F(DisplayApiGLTest, InitAgainInAnotherContext) {
-  stage_.draw(scene_);
-  const OffscreenTargetHandle other = createOffscreenTarget();
-  initDisplayRendering(renderer_);
-  Picture picture(50, 40);
-  beginOffscreenFrame(other, 50, 40);
-  renderDisplay(renderer_);
-  finishOffscreenFrame(other, picture.bytes.data());
-  expect_scene(picture);
-  uninitDisplayRendering(renderer_);
+// What becomes of such frames is tested with every call; here it is what the errors say, without OpenGL's own words.
+TEST_F(DisplayApiGLTest, AFailedOpenGLCallTellsItsPlace) {
+  scene_.first_blur = scene_.pepper = true;
+  apply(scene_, renderer_);
+  const struct {
+    const char* function;
+    std::string error;
+    bool compiles = false;  // as with a driver that holds no executable for a binary
+  } faults[] = {
+      {"glCompileShader", "Vertex shader compilation failed", true},
+      {"glCreateShader", "Vertex shader compilation failed", true},
+      {"glLinkProgram", "", true},
+      {"glCreateProgram", "An OpenGL error in BinaryShader::load_to_program"},
+      {"glProgramBinary", "An OpenGL error in BinaryShader::load_to_program"},
+      {"glGenBuffers", "Could not create OpenGL buffer. "},
+      {"glBufferData", "An OpenGL error in AbstractOpenGLFilter::init"},
+      {"glTexImage1D", "An OpenGL error in render: colormap changed"},
+      {"glTexImage2D", "An OpenGL error in SimpleDataProvider::resize"},
+      {"glTexSubImage2D", "An OpenGL error in SimpleDataProvider::LockedTexture::glTexSubImage2D"},
+      {"glFramebufferTexture2D", "An OpenGL error in AbstractOpenGLFilter::draw"},
+      {"glGenTextures", "Invalid texture for rendering...."},
+      {"glGenFramebuffers", "An OpenGL error in AbstractOpenGLFilter::draw"},
+      {"left by the client", "An OpenGL error in render: init"},
+  };
+  for (const auto& [function, error, compiles] : faults) {
+    uninitDisplayRendering(renderer_);
+    beginOffscreenFrame(stage_.target, 50, 40);
+    GlSpy spy;
+    if (compiles) spy.answer(GL_PROGRAM_BINARY_LENGTH, 0);
+    spy.fail_next(function);
+    initDisplayRendering(renderer_);
+    if (std::string(function) == "left by the client") spy.queue_error(GL_INVALID_ENUM);
+    renderDisplay(renderer_);
+    const std::string found = pending_error();
+    EXPECT_EQ(found.substr(0, found.find(" occured: ")), error) << function;
+    clear_gl_errors();
+    finishOffscreenFrame(stage_.target, nullptr);
+  }
+}
 
-  beginOffscreenFrame(stage_.target, 1, 1);  // makes the first context current again
-  initDisplayRendering(renderer_);
-  expect_scene(frame());
-  const DisplayRenderingHandle forgotten = createDisplayRendering();
-  beginOffscreenFrame(stage_.target, 1, 1);
-  initDisplayRendering(forgotten);
-  beginOffscreenFrame(other, 1, 1);
+TEST_F(DisplayApiGLTest, HalfPrecisionWhenFloatDoesNotFit) {
   GlSpy spy;
-  clearDisplayRendering(forgotten);
-  EXPECT_EQ(spy.calls("glDeleteProgram"), 0);
-  EXPECT_EQ(spy.calls("glDeleteBuffers"), 0);
-  clearOffscreenTarget(other);
-  beginOffscreenFrame(stage_.target, 1, 1);
+  spy.fail_next("R32F proxy");
+  scene_.overlays.clear();
+  // Half floats keep 11 bits of the sample, less than a level around the boundaries 0 and 1.
+  expect_scene(stage_.draw(scene_));
+  EXPECT_EQ(spy.calls("R16F texture"), 1);
 }
 
 }  // namespace

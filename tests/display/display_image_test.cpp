@@ -1,26 +1,14 @@
 // Whole pictures of the display, drawn through the exports, against the CPU reference.
-#include <cmath>
 #include <filesystem>
 
 #include "data/formats/npy_reader.h"
 #include "support/opengl/foreign_state.h"
 #include "support/reference/display_reference.h"
 #include "support/test_context.h"
+#include "support/volume_scene.h"
 
 namespace oct::test {
 namespace {
-
-std::vector<std::uint32_t> rainbow(std::size_t count) {
-  std::vector<std::uint32_t> colors;
-  for (std::size_t i = 0; i < count; ++i) {
-    const double part = static_cast<double>(i) / static_cast<double>(count - 1);
-    const auto channel = [&](double phase) {
-      return static_cast<std::uint32_t>(127.5 + 127.5 * std::sin(6.0 * part + phase));
-    };
-    colors.push_back(channel(0.0) | channel(2.0) << 8 | channel(4.0) << 16 | 0xFF000000U);
-  }
-  return colors;
-}
 
 struct Case {
   const char* name;
@@ -33,7 +21,7 @@ Scene scene_of(int depth, int a_scans, int width, int height) {
   scene.image = test_image(depth, a_scans);
   scene.width = width;
   scene.height = height;
-  scene.colormap = rainbow(256);
+  scene.colormap = opaque_colors(256);
   return scene;
 }
 
@@ -89,7 +77,7 @@ std::vector<Case> cases() {
   overlay.flip = overlay.pepper = true;
   overlay.overlay_image = test_image(40, 90, 9);
   overlay.threshold = 0.33;
-  overlay.overlays = {{rainbow(16), 0.0, 1.0}};
+  overlay.overlays = {{opaque_colors(16), 0.0, 1.0}};
   all.push_back({"OverlayOfOtherSizeFlippedOverFilteredImage", overlay});
 
   overlay = scene_of(60, 80, 80, 60);

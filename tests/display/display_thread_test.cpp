@@ -59,21 +59,6 @@ TEST(DisplayThreadGLTest, NoTornSettings) {
   EXPECT_EQ(pending_error(), "(none)");
 }
 
-// Two renderers in two contexts on two threads, built at the same time from the same program cache.
-TEST(DisplayThreadGLTest, RenderersOnSeveralThreads) {
-  on_threads(4, [](int i) {
-    Scene scene;
-    scene.image = test_image(50 + i, 60 - i, static_cast<unsigned>(i));
-    scene.width = 70;
-    scene.height = 40;
-    scene.first_blur = scene.pepper = true;
-    for (int round = 0; round < 5; ++round) {
-      EXPECT_TRUE(agree(DisplayStage().draw(scene), reference_picture(scene)));
-    }
-  });
-  EXPECT_EQ(pending_error(), "(none)");
-}
-
 // While a frame is held up in OpenGL, setters return, and the frame shows what it began with.
 TEST(DisplayThreadGLTest, SettersDoNotWaitForAFrame) {
   Scene scene;

@@ -1,6 +1,12 @@
-// The exact sequence of calls that a source makes into the device library.
+// The exact sequence of calls that a source makes into the device library, what becomes of a device's errors at every
+// call of it, and that the source starts again afterwards.
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
 #include "live/live_test.h"
 #include "support/test_context.h"
+#include "volume/volume_renderer.h"
 
 namespace oct::test {
 namespace {
@@ -32,7 +38,7 @@ TEST_F(DeviceCallsTest, StandardSource) {
                 measurement + acquired + "getError(512)\nexecuteProcessing(processing0, raw0)\n" +
                 sizes_and_ranges + copied + loop + copied + loop +
                 "stopMeasurement(device)\nclearRawData(raw0)\nclearData(data0)\n");
-  EXPECT_EQ(intensities().all(), std::vector<double>(2, 0.625));
+  EXPECT_EQ(intensities.all(), std::vector<double>(2, 0.625));
 }
 
 // Analog input, half the depth, a refractive index, the surface, the other camera, and nobody who asks for
@@ -173,6 +179,222 @@ TEST_F(DeviceCallsTest, PolarizationSettings) {
   EXPECT_EQ(properties(), "0, 0; 6, 1; 7, 1; 5, 1; 0, 1; 1, 4; 2, 0; 8, 1; ");
   setOnlineDOPU_PS(source_, 9, 8, 7, 0);
   EXPECT_EQ(properties(), "0, 0; 6, 1; 7, 1; 5, 1; 0, 3; 1, 8; 2, 3; 8, 1; ");
+}
+
+enum class End { thread, none, restart };  // restart: the error is pending when the next measurement begins
+
+struct Failure {
+  const char* function;
+  int call;
+  End end = End::thread;
+  std::vector<std::string> messages{function + std::string(" failed")};  // all that the client is to hear
+};
+
+std::string name_of(const testing::TestParamInfo<Failure>& info) {
+  return info.param.function + std::to_string(info.param.call);
+}
+
+class DeviceErrorsTest : public LiveTest, public testing::WithParamInterface<Failure> {
+ protected:
+  bool ended() {
+    return frames_until(
+        [&] { return client_errors.all().size() >= GetParam().messages.size() && device_.objects() == 0; });
+  }
+
+  // With all that a source can ask its device for.
+  void play() {
+    const Failure& failure = GetParam();
+    setRenderElements(renderer_, 1, 1);
+    setSizeZ(source_, 8);
+    device_.fail(failure.function, failure.call);
+    start();
+    EXPECT_EQ(pending_error(), "(none)");
+    if (failure.end == End::thread) {
+      EXPECT_TRUE(ended());
+    } else {
+      // The loop goes on, and draws.
+      const int before = device_.volumes();
+      EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 5 && !voxels_.empty(); }));
+      stopDataSource(source_);
+    }
+    if (failure.end == End::restart) {
+      start();
+      EXPECT_TRUE(ended());
+    }
+    EXPECT_EQ(client_errors.at_least(failure.messages.size()), failure.messages);
+
+    const int before = device_.volumes();
+    start();  // without stopDataSource, where the thread has ended by itself
+    EXPECT_EQ(pending_error(), "(none)");
+    EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 2 && !voxels_.empty(); }));
+    EXPECT_TRUE(uniform(voxels_));
+    EXPECT_EQ(client_errors.all(), failure.messages);
+  }
+};
+
+using StandardErrorsTest = DeviceErrorsTest;
+using PolarizationErrorsTest = DeviceErrorsTest;
+
+TEST_P(StandardErrorsTest, EndsAsItShall) {
+  make_source();
+  setOnlineAnalogInputConfiguration(source_, true);
+  play();
+}
+
+TEST_P(PolarizationErrorsTest, EndsAsItShall) {
+  make_polarization_source();
+  selectOnlineDataSource_PS(source_, 3);
+  play();
+}
+
+constexpr const char* insufficient = "Insufficient memory allocated.";
+
+INSTANTIATE_TEST_SUITE_P(
+    Live, StandardErrorsTest,
+    testing::Values(
+        Failure{"createRawData", 1}, Failure{"createData", 1}, Failure{"startMeasurement", 1},
+        Failure{"setProcessedDataOutput", 1}, Failure{"getRawDataEx", 1}, Failure{"getAnalogInputData", 1},
+        // Nothing was processed: there is less than what is to be drawn.
+        Failure{"executeProcessing", 1, End::thread, {insufficient, "executeProcessing failed"}},
+        Failure{"getDataPropertyInt", 3, End::thread, {insufficient, "getDataPropertyInt failed"}},
+        Failure{"getDataPropertyInt", 5, End::thread, {insufficient, "getDataPropertyInt failed"}},
+        Failure{"getDataPropertyFloat", 1, End::none},
+        Failure{"getDataPtr", 1, End::none},  // the analog input's
+        Failure{"getDataPtr", 2, End::none}, Failure{"getDataPtr", 3, End::none},
+        Failure{"createData", 3, End::none}, Failure{"determineSurface", 1, End::none},
+        Failure{"setProcessedDataOutput", 2, End::none}, Failure{"getRawDataEx", 2, End::none},
+        Failure{"executeProcessing", 2, End::none}, Failure{"getAnalogInputData", 2, End::none},
+        Failure{"setDataRange", 1, End::none}, Failure{"getRelativeReferenceIntensity", 1, End::none},
+        Failure{"stopMeasurement", 1, End::restart}),
+    name_of);
+
+INSTANTIATE_TEST_SUITE_P(
+    Live, PolarizationErrorsTest,
+    testing::Values(Failure{"createRawData", 2}, Failure{"createComplexData", 1},
+                    Failure{"createComplexData", 2}, Failure{"createData", 1}, Failure{"startMeasurement", 1},
+                    Failure{"getRawDataEx", 1}, Failure{"getRawDataEx", 2}, Failure{"getRawDataEx", 4},
+                    Failure{"setComplexDataOutput", 3}, Failure{"executeProcessing", 3},
+                    Failure{"setPolarizationOutputDOPU", 2}, Failure{"setPolarizationFlag", 2},
+                    Failure{"setPolarizationPropertyFloat", 2}, Failure{"setPolarizationPropertyInt", 8},
+                    Failure{"executePolarizationProcessing", 1}, Failure{"executePolarizationProcessing", 2},
+                    Failure{"setDataRange", 1}, Failure{"getRelativeReferenceIntensity", 1},
+                    Failure{"determineSurface", 1}, Failure{"stopMeasurement", 1, End::restart}),
+    name_of);
+
+class DeviceEndsTest : public LiveTest {};
+
+// A loop whose every volume fails reports each, and goes on; without a function nobody is told.
+TEST_F(DeviceEndsTest, AnErrorFunctionIsTakenAway) {
+  make_source();
+  start();
+  ASSERT_TRUE(frames_until_shown());
+  device_.fail("getRawDataEx", 0);
+  EXPECT_TRUE(frames_until([&] { return client_errors.all().size() > 3; }));
+  const auto draw = [&] {
+    for (int i = 0; i < 10; ++i) {
+      frame();
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return client_errors.all().size();
+  };
+  setErrorCallback(source_, nullptr);
+  const std::size_t told = draw();  // one report may have been under way
+  EXPECT_EQ(draw(), told);
+}
+
+// The device's volumes shrink and grow while it measures, or are smaller than what is to be kept.
+TEST_F(DeviceEndsTest, AnotherSizeEndsTheThread) {
+  // What is kept and the new size; 8 of 32 would be enough, if in another place.
+  for (const auto& [kept, size] : {std::pair{8, 12}, {16, 12}, {16, 32}, {17, 16}}) {
+    device_.set_size(16, 12, 10);
+    make_source();
+    setSizeZ(source_, kept);
+    start();
+    if (kept <= 16) {
+      EXPECT_TRUE(frames_until_shown());
+    }
+    device_.set_size(size, 12, 10);
+    EXPECT_TRUE(frames_until([&] { return device_.objects() == 0 && !client_errors.all().empty(); }));
+    EXPECT_EQ(client_errors.all(), std::vector<std::string>{insufficient});
+    client_errors.clear();
+    EXPECT_TRUE(isLiveVolumeRunning(live_));
+    clearDataSource(source_);
+    source_ = nullptr;
+  }
+}
+
+// Without a volume renderer a standard source goes no further and cleans nothing up: it counts as running.
+TEST_F(DeviceEndsTest, StandardSourceWithoutVolumeRenderer) {
+  const LiveVolumeRenderingHandle bare = createLiveRendering();
+  make_source();
+  device_.record();
+  startDataSource(bare, source_, device_.scan_pattern());
+  EXPECT_EQ(
+      client_errors.at_least(1),
+      std::vector<std::string>{
+          "Renderer not available for fast volume rendering. Please specify a volume rendering object."});
+  EXPECT_TRUE(isLiveVolumeRunning(bare));
+  start();
+  EXPECT_EQ(pending_error(), "BrennickDataSource already running");
+  stopDataSource(source_);
+  EXPECT_FALSE(contains(device_.calls(), "stopMeasurement"));
+  EXPECT_EQ(device_.objects(), 2);
+  clearLiveRendering(bare);
+  device_.reset();  // what was left behind
+  start();
+  EXPECT_TRUE(frames_until_shown());
+}
+
+TEST_F(DeviceEndsTest, PolarizationSourceWithoutVolumeRenderer) {
+  const LiveVolumeRenderingHandle bare = createLiveRendering();
+  make_polarization_source();
+  startDataSource(bare, source_, device_.scan_pattern());
+  EXPECT_EQ(client_errors.at_least(1),
+            std::vector<std::string>{"Volume renderer is null in BrennickDataSourcePS"});
+  start();
+  EXPECT_TRUE(frames_until_shown());
+  clearLiveRendering(bare);
+}
+
+// The quantity that a volume shows is its whole part. Modes change while the source runs.
+TEST_F(DeviceEndsTest, ModesChangeWithTheNextVolume) {
+  make_polarization_source();
+  start();
+  const int quantities[] = {PatternDevice::intensity, 1, 2, 3, 4, 5, 6, PatternDevice::sensor0,
+                            PatternDevice::sensor1};
+  for (int mode = 8; mode >= 0; --mode) {
+    selectOnlineDataSource_PS(source_, mode);
+    EXPECT_TRUE(frames_until([&] {
+      return !voxels_.empty() && static_cast<int>(voxels_[0]) == quantities[mode];
+    })) << mode;
+    EXPECT_TRUE(uniform(voxels_));
+  }
+  EXPECT_TRUE(client_errors.all().empty());
+}
+
+// A source that starts on a live renderer in use takes it over; the volumes of the other one no longer fit.
+TEST_F(DeviceEndsTest, ASourceNeverWritesIntoTheBufferOfAnother) {
+  const LiveDataSourceHandle first = createOnlineDataSource(device_.device(1), device_.processing(1));
+  make_source();
+  setSizeZ(source_, 2);
+  std::atomic<bool> go = false;
+  on_intensity([&] {
+    while (!go) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  });
+  startDataSource(live_, first, device_.scan_pattern());
+  ASSERT_TRUE(frames_until_shown());
+  start();
+  ASSERT_TRUE(frames_until([&] { return voxels_.size() == 2U * 12 * 10; }));
+  // Its second volume has to wait; all buffers are offered to the other source.
+  device_.record();
+  const int before = device_.volumes();
+  EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 5; }));
+  EXPECT_FALSE(contains(device_.calls(), "getDataPtr"));
+  EXPECT_TRUE(uniform(voxels_));
+  go = true;
+  stopDataSource(source_);
+  stopDataSource(first);
+  clearDataSource(first);
 }
 
 }  // namespace

@@ -78,8 +78,8 @@ class LiveFailureTest : public LiveTest {
   }
 
   void note_error() {
-    const auto told = client_errors().all();
-    client_errors().clear();
+    const auto told = client_errors.all();
+    client_errors.clear();
     const std::string pending = pending_error();
     if (error_.empty() && !told.empty()) error_ = told[0];
     if (error_.empty() && pending != "(none)") error_ = pending;
@@ -117,7 +117,7 @@ TEST_F(LiveFailureTest, EveryAllocationAndThreadOfAStart) {
   while (one_allocation()) ASSERT_LT(++allocations, 200U);
   EXPECT_GE(allocations, 1U);
   EXPECT_TRUE(attempt(std::make_unique<ScarceThreads>(0), "Resource temporarily unavailable"));
-  client_errors().clear();
+  client_errors.clear();
   start();
   shown();
   EXPECT_EQ(error(), "(none)");

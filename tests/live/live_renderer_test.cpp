@@ -6,7 +6,6 @@
 
 #include "live/fast_opengl_volume_renderer.h"
 #include "support/gl_spy.h"
-#include "support/mark_recorder.h"
 #include "support/opengl/foreign_state.h"
 #include "support/reference/volume_reference.h"
 #include "support/test_context.h"
@@ -283,19 +282,6 @@ TEST_F(LiveRendererTest, ARequestDuringInitialisationIsNotOverwritten) {
   live_.discard();
 }
 
-class AtMark : public MarkRecorder {
- public:
-  AtMark(std::string name, std::function<void()> action)
-      : name_(std::move(name)), action_(std::move(action)) {}
-  void begin(std::string_view name, std::uint32_t, Time) override {
-    if (name == name_) action_();
-  }
-
- private:
-  const std::string name_;
-  const std::function<void()> action_;
-};
-
 // With a volume renderer: what it is given, and a stop that comes while it draws.
 TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   VolumeStage stage;
@@ -332,7 +318,8 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   for (int i = 0; i < 3; ++i) live.render();
   EXPECT_EQ(renderer.source().revision, before + 1);
   {
-    const AtMark stop("VolumeRenderer::render", [&] { live.stop(); });
+    GlSpy spy;
+    spy.in_next("glClear", [&] { live.stop(); });
     live.render();
   }
   EXPECT_FALSE(live.is_running());
@@ -361,73 +348,52 @@ void expect_failure(const std::string& error, const std::string& line, const std
   EXPECT_TRUE(contains(text, line)) << text;
 }
 
-// While it initialises, in a frame, and when a buffer's memory is lost.
-TEST_F(LiveRendererTest, AFrameWithoutItsBufferIsFollowedByOneWithIt) {
-  spy_.fail_next("glMapBuffer");
-  run_it();
-  live_.wait_for_transition();
-  EXPECT_EQ(live_.get_data_ptr(), nullptr);
-  live_.render();
+// The next frame tries again and whoever waits gets its turn; here it is what the errors say.
+TEST_F(LiveRendererTest, WhatFailsTellsItsPlace) {
+  const auto at = [&](const std::string& place, const std::function<void()>& arrange) {
+    arrange();
+    const std::string error = failure_of([&] { live_.render(); });
+    EXPECT_TRUE(error.starts_with("An OpenGL error in FastOpenGLVolumeRenderer::" + place + " occured: "))
+        << error;
+    live_.render();
+  };
+  at("close", [&] { live_.start(), spy_.queue_error(GL_INVALID_VALUE); });
+  at("initialize", [&] { live_.invalidate(), spy_.fail_next("glTexImage3D"); });
+  at("initialize", [&] { live_.invalidate(), spy_.fail_next("glBufferData"); });
+  at("render", [&] { spy_.queue_error(GL_INVALID_OPERATION); });
   produce(1.0F);
-  live_.render();
-  spy_.fail_next("glMapBuffer");
-  failed_maps_ = 2;
-  expect_failure("This is an error.", "Invalid Ptr...\nPtr is invalid. \n", [&] { live_.render(); });
-  live_.render();
+  at("render, do_update", [&] { spy_.fail_next("glTexSubImage3D"); });
   produce(2.0F);
+  live_.render();
+  at("render, other",
+     [&] { script_.on_set = [&] { script_.on_set = nullptr, spy_.queue_error(GL_INVALID_ENUM); }; });
+
+  produce(3.0F);
   const int uploads = spy_.calls("glTexSubImage3D");
   spy_.fail_next("glUnmapBuffer");
   live_.render();
   EXPECT_EQ(spy_.calls("glTexSubImage3D"), uploads) << "a lost volume is not shown";
+  spy_.fail_next("glMapBuffer");
+  failed_maps_ = 1;
+  expect_failure("This is an error.", "Invalid Ptr...\nPtr is invalid. \n", [&] { live_.render(); });
   live_.render();
-  produce(3.0F);
+  produce(4.0F);
   live_.render();
-  EXPECT_EQ(spy_.calls("glTexSubImage3D"), uploads + 1);
-}
-
-// Wherever OpenGL fails, the next frame tries again and whoever waits gets its turn.
-TEST_F(LiveRendererTest, ErrorsAtEveryCheckpoint) {
-  const auto at = [&](const std::string& place, const std::function<void()>& arrange) {
-    arrange();
-    const std::string expected = "An OpenGL error in " + place + " occured: ";
-    const std::string error = failure_of([&] { live_.render(); });
-    EXPECT_EQ(error.substr(0, expected.size()), expected);
-    live_.render();
-  };
-  at("FastOpenGLVolumeRenderer::close", [&] { live_.start(), spy_.queue_error(GL_INVALID_VALUE); });
-  at("FastOpenGLVolumeRenderer::initialize", [&] { live_.invalidate(), spy_.fail_next("glTexImage3D"); });
-  at("FastOpenGLVolumeRenderer::initialize", [&] { live_.invalidate(), spy_.fail_next("glBufferData"); });
-  live_.wait_for_transition();
-  at("FastOpenGLVolumeRenderer::render", [&] { spy_.queue_error(GL_INVALID_OPERATION); });
-  produce(1.0F);
-  at("FastOpenGLVolumeRenderer::render, do_update", [&] { spy_.fail_next("glTexSubImage3D"); });
-  produce(2.0F);
-  live_.render();
-  at("FastOpenGLVolumeRenderer::render, other",
-     [&] { script_.on_set = [&] { script_.on_set = nullptr, spy_.queue_error(GL_INVALID_ENUM); }; });
-  produce(3.0F);
-  live_.render();
-  at("FastOpenGLVolumeRenderer::close", [&] { live_.stop(), spy_.queue_error(GL_INVALID_VALUE); });
-  EXPECT_FALSE(live_.is_running());
-}
-
-TEST_F(LiveRendererTest, RefusedEvents) {
   script_.refuse_set = true;
-  live_.start();
+  expect_failure("This is an error.", "Invalid Ptr...\nCould not set event. \n", [&] { live_.render(); });
+  live_.invalidate();
   testing::internal::CaptureStderr();
   expect_failure("Could not set event", "FastOpenGLVolumeRenderer::initialize(): SetEvent failed. \n",
                  [&] { live_.render(); });
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not set event.\n");
-  EXPECT_TRUE(live_.is_running());
   script_.refuse_set = false;
   live_.render();
   live_.wait_for_transition();
-  produce(1.0F);
-  live_.render();
-  script_.refuse_set = true;
-  expect_failure("This is an error.", "Invalid Ptr...\nCould not set event. \n", [&] { live_.render(); });
+  produce(5.0F);
   expect_failure("Could not create event.", "Could not create event.\n",
                  [] { const FastOpenGLVolumeRenderer refused(nullptr); });
+  at("close", [&] { live_.stop(), spy_.queue_error(GL_INVALID_VALUE); });
+  EXPECT_FALSE(live_.is_running());
 }
 
 TEST(LiveRendererExportTest, NothingThatTheClientSetShowsOrChanges) {

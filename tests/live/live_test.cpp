@@ -10,23 +10,14 @@
 namespace oct::test {
 namespace {
 
-Recorded<std::string> error_record;
-Recorded<double> intensity_record;
 std::function<void()> error_action;
 std::function<void()> intensity_action;
 
 }  // namespace
 
-Recorded<std::string>& client_errors() {
-  return error_record;
-}
-Recorded<double>& intensities() {
-  return intensity_record;
-}
-
 LiveTest::LiveTest() {
-  error_record.clear();
-  intensity_record.clear();
+  client_errors.clear();
+  intensities.clear();
   error_action = intensity_action = nullptr;
   device_.reset();
   setDeviceLibrary(OCT_PATTERN_DEVICE);
@@ -48,14 +39,16 @@ LiveTest::~LiveTest() {
 }
 
 void LiveTest::make_source() {
-  source_ = createOnlineDataSource(device_.device(), device_.processing(0));
-  on_error(nullptr);
-  on_intensity(nullptr);
+  listen_to(createOnlineDataSource(device_.device(), device_.processing(0)));
 }
 
 void LiveTest::make_polarization_source() {
-  source_ = createOnlineDataSource_PS(device_.device(), device_.processing(0), device_.processing(1),
-                                      device_.polarization());
+  listen_to(createOnlineDataSource_PS(device_.device(), device_.processing(0), device_.processing(1),
+                                      device_.polarization()));
+}
+
+void LiveTest::listen_to(LiveDataSourceHandle source) {
+  source_ = source;
   on_error(nullptr);
   on_intensity(nullptr);
 }
@@ -64,7 +57,7 @@ void LiveTest::on_intensity(std::function<void()> action) {
   intensity_action = std::move(action);
   setRefIntensityCallback(source_, [](double value) {
     if (intensity_action) intensity_action();
-    intensities().add(value);
+    intensities.add(value);
   });
 }
 
@@ -72,7 +65,7 @@ void LiveTest::on_error(std::function<void()> action) {
   error_action = std::move(action);
   setErrorCallback(source_, [](const char* message) {
     if (error_action) error_action();
-    client_errors().add(message);
+    client_errors.add(message);
   });
 }
 
@@ -111,7 +104,7 @@ bool LiveTest::frames_until(const std::function<bool()>& condition) {
 }
 
 void LiveTest::run(int volumes) {
-  intensities().clear();
+  intensities.clear();
   on_intensity([this, volumes, seen = 1]() mutable {
     if (++seen == volumes) return stopDataSource(source_);
     const int enough = frames_ + 4;
@@ -119,7 +112,7 @@ void LiveTest::run(int volumes) {
   });
   start();
   EXPECT_TRUE(
-      frames_until([&] { return intensities().all().size() + 1 == static_cast<std::size_t>(volumes); }));
+      frames_until([&] { return intensities.all().size() + 1 == static_cast<std::size_t>(volumes); }));
   stopDataSource(source_);
   // The callback's own stop cannot wait for the thread that it runs on.
   EXPECT_NE(pending_error(), "(none)");

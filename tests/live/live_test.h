@@ -15,8 +15,8 @@
 namespace oct::test {
 
 // What arrived at the functions of setErrorCallback and setRefIntensityCallback.
-Recorded<std::string>& client_errors();
-Recorded<double>& intensities();
+inline Recorded<std::string> client_errors;
+inline Recorded<double> intensities;
 
 // Expects at its end that nothing is left: objects of the device, errors, misuse of its handles.
 class LiveTest : public testing::Test {
@@ -51,6 +51,7 @@ class LiveTest : public testing::Test {
   std::vector<float> voxels_;  // of the texture drawn in the latest frame; empty: none
 
  private:
+  void listen_to(LiveDataSourceHandle source);
   void read_voxels();
 
   std::atomic<int> frames_ = 0;

@@ -1,17 +1,125 @@
-// The pictures must show the anatomy.
-
+// What the device promises about its spectra: noise, range, and speckle with the statistics of interference. What the
+// pictures show is the anatomy.
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 #include <tuple>
 
 #include <gtest/gtest.h>
 
+#include "optics/camera.h"
 #include "phantoms/finger_pad.h"
+#include "phantoms/mirror.h"
 #include "phantoms/retina.h"
 #include "simulator/measurement.h"
 
 namespace oct::simulator::test {
 namespace {
+
+// The readings of all A-scans, one after the other.
+std::span<const std::uint16_t> readings(const RawData& raw) {
+  return {raw.spectrum(0).data(), raw.spectrum(0).size() * raw.a_scans() * raw.b_scans()};
+}
+
+TEST(Device, SuccessiveVolumesDifferByCameraNoiseOnly) {
+  Device device(Spectrometer(512, 1300.0, 3.6), std::make_shared<FingerPad>(3), 3);
+  RawData first, second;
+  device.start(ScanPattern(37, 5, 3.0, 3.0), 0);
+  for (RawData* const volume : {&first, &second}) device.acquire(*volume, 0);
+  double ratio = 0.0, difference = 0.0;
+  const auto count = static_cast<double>(readings(first).size());
+  for (std::size_t i = 0; i < readings(first).size(); ++i) {
+    const double a = readings(first)[i];
+    const double b = readings(second)[i];
+    // 60 electrons per count, 80 counts of dark level, 1.6 counts of read noise, rounding to whole counts.
+    const double variance = (0.5 * (a + b) - 80.0) / 60.0 + 1.6 * 1.6 + 1.0 / 12.0;
+    ratio += (a - b) * (a - b) / (2.0 * variance);
+    difference += a - b;
+  }
+  EXPECT_NEAR(ratio / count, 1.0, 0.03);
+  EXPECT_NEAR(difference / count, 0.0, 0.1);
+}
+
+TEST(Device, UsesTheRangeOfTheCameraButDoesNotExceedIt) {
+  const std::shared_ptr<const Phantom> phantoms[] = {
+      std::make_shared<FingerPad>(1), std::make_shared<Retina>(1), std::make_shared<Mirror>(1.0, 0.02, 0.1F)};
+  for (const auto& phantom : phantoms) {
+    Device device(standard_spectrometer, phantom, 1);
+    const RawData raw = acquire(device, ScanPattern(200, 2, 4.0, 4.0));
+    const auto [lowest, highest] = std::ranges::minmax(readings(raw));
+    EXPECT_GT(lowest, 0);
+    EXPECT_GT(highest, Camera::largest_count / 2);
+    EXPECT_LT(highest, Camera::largest_count);
+  }
+  std::vector<std::uint16_t> mean(64), counts(64);
+  Camera::mean_reading(std::vector<float>(64, 100.0F), mean);
+  Camera(1).expose(mean, 0, counts);
+  EXPECT_EQ(counts, std::vector<std::uint16_t>(64, 4095)) << "far too much light";
+}
+
+// Correlation of power between samples a number of A-scans, B-scans and depths apart.
+double correlation(const Volume& volume, int a_scans, int b_scans, int depths) {
+  std::vector<double> here, there;
+  for (int b_scan = 0; b_scan + b_scans < volume.b_scans(); ++b_scan)
+    for (int a_scan = 0; a_scan + a_scans < volume.a_scans(); ++a_scan)
+      for (int depth = 100; depth < 500; ++depth) {
+        here.push_back(volume.power(depth, a_scan, b_scan));
+        there.push_back(volume.power(depth + depths, a_scan + a_scans, b_scan + b_scans));
+      }
+  return correlation_of(here, there);
+}
+
+TEST(Speckle, IsFullyDevelopedAndAsLargeAsTheBeam) {
+  constexpr double step_mm = 0.003;
+  Device device(standard_spectrometer, std::make_shared<UniformPhantom>(0.1F), 11);
+  const auto volume = measure(device, ScanPattern(600, 1, 600 * step_mm, step_mm));
+  double squares = 0.0;
+  int count = 0, dark = 0;
+  const double mean = volume.mean_power(100, 500);
+  for (int a_scan = 0; a_scan < volume.a_scans(); ++a_scan)
+    for (int depth = 100; depth <= 500; ++depth, ++count) {
+      const double power = volume.power(depth, a_scan) / mean;
+      squares += power * power;
+      dark += power < 0.1;
+    }
+  // Power of fully developed speckle is exponentially distributed: contrast 1, and 1 - exp(-0.1) of it dark.
+  EXPECT_NEAR(std::sqrt(squares / count - 1.0), 1.0, 0.05);
+  EXPECT_NEAR(static_cast<double>(dark) / count, 1.0 - std::exp(-0.1), 0.01);
+  // 3 micrometres: the same speckle. 30 micrometres: another. In depth the axial resolution counts.
+  EXPECT_GT(correlation(volume, 1, 0, 0), 0.8);
+  EXPECT_LT(correlation(volume, 10, 0, 0), 0.1);
+  EXPECT_GT(correlation(volume, 0, 0, 1), 0.3);
+  EXPECT_LT(correlation(volume, 0, 0, 6), 0.1);
+  const auto row = measure(device, ScanPattern(1, 600, step_mm, 600 * step_mm));
+  EXPECT_GT(correlation(row, 0, 1, 0), 0.8);
+  EXPECT_LT(correlation(row, 0, 10, 0), 0.1);
+
+  Device empty(standard_spectrometer, std::make_shared<UniformPhantom>(0.0F), 11);
+  EXPECT_GT(mean, 30.0 * measure(empty, ScanPattern(64, 1, 1.0, 1.0)).mean_power(100, 500)) << "noise";
+}
+
+TEST(Recording, NoiseHasTheGivenStrengthAndDiffersFromPlaceToPlaceAndFromVolumeToVolume) {
+  constexpr std::size_t count = 256 * 50 * 40;
+  const Recording recording(std::vector<float>(count, 30.0F).data(), {256, 50, 40}, 1, 2.0, 7);
+  std::vector<float> first(count), second(count);
+  recording.play(0, first, 0);
+  recording.play(1, second, 0);
+  // Half a million deviates out of a table of 16384, whose own mean is off by 2 / 128 at one sigma.
+  const auto mean = [](auto value) {
+    double sum = 0.0;
+    for (std::size_t n = 0; n < count; ++n) sum += value(n);
+    return sum / count;
+  };
+  EXPECT_NEAR(mean([&](auto n) { return first[n] - 30.0; }), 0.0, 0.06);
+  EXPECT_NEAR(mean([&](auto n) { return std::pow(first[n] - 30.0, 2); }), 4.0, 0.2);
+  EXPECT_NEAR(mean([&](auto n) { return (first[n] - 30.0) * (second[n] - 30.0); }), 0.0, 0.2);
+  // Neighbours must not repeat each other's noise, which an average would not remove.
+  for (const std::size_t distance : {1, 256, 256 * 50})
+    EXPECT_NEAR(mean([&](auto n) { return (first[n] - 30.0) * (first[(n + distance) % count] - 30.0); }), 0.0,
+                0.08)
+        << distance;
+}
 
 TEST(Retina, LayersHaveTheirOrderOfBrightness) {
   const auto retina = std::make_shared<Retina>(2);

@@ -109,6 +109,33 @@ TEST_F(SceneElementsTest, TheFrameLooksAsAccepted) {
   expect_no_error();
 }
 
+TEST_F(SceneElementsTest, ASurfaceIsUploadedOnceAndOutlivesItsOpenGLObjects) {
+  scene_.surface = {3, 2, 80.0, {20.0F, 21.0F, 22.0F, 24.0F, 25.0F, 27.0F}};
+  scene_.surface_coloring = {opaque_colors(48), 20.0, 30.0};
+  scene_.volume_shown = false;
+  const Picture before = stage_.draw(scene_);
+  GlSpy spy;
+  stage_.frame();
+  const int per_frame = spy.calls("glBufferData");
+  stage_.frame();
+  EXPECT_EQ(spy.calls("glBufferData"), 2 * per_frame);
+  setSurface(renderer_, 3, 2, 80.0, scene_.surface.values.data());
+  spy.fail_next("glBufferData", per_frame + 1);
+  stage_.frame();
+  EXPECT_TRUE(pending_error().starts_with("An OpenGL error in VolumeRenderer::surface changed occured: "));
+  clear_gl_errors();
+  stage_.restart();
+  const Coloring coloring = scene_.surface_coloring;
+  scene_.surface = {};
+  apply(scene_, renderer_);
+  setSurfaceColormap(renderer_, coloring.colors.data(), 48);
+  setSurfaceDepths(renderer_, 20.0, 30.0);
+  setRenderElements(renderer_, 0, 1);
+  EXPECT_TRUE(agree(stage_.frame(), before, exact));
+  setSurface(renderer_, 0, 2, 80.0, nullptr);
+  EXPECT_TRUE(shows_background());
+}
+
 TEST_F(SceneElementsTest, NothingIsLeftBehindAndNothingIsMadeTwice) {
   frame_all();
   scene_.clip = scene_.removed_segment = true;

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cmath>
-#include <optional>
 
 #include <glm/glm.hpp>
 
@@ -124,23 +123,6 @@ inline Picture background_picture(const VolumeScene& scene) {
   Picture picture(scene.viewport_width, scene.viewport_height);
   picture.for_each([&](int x, int y) { set_pixel(picture, x, y, background_color(scene, y)); });
   return picture;
-}
-
-// Where a line meets a triangle: its place on the line and the weights of the corners there.
-struct Meeting {
-  double t;
-  glm::dvec3 weights;
-};
-
-inline std::optional<Meeting> meeting(const Line& line, const glm::dvec3& a, const glm::dvec3& b,
-                                      const glm::dvec3& c) {
-  const glm::dvec3 n = glm::cross(b - a, c - a);
-  const double t = glm::dot(n, a - line.origin) / glm::dot(n, line.direction);
-  const glm::dvec3 p = line.at(t) - a;
-  const double second = glm::dot(glm::cross(p, c - a), n) / glm::dot(n, n);
-  const double third = glm::dot(glm::cross(b - a, p), n) / glm::dot(n, n);
-  if (!(second >= 0.0 && third >= 0.0 && second + third <= 1.0)) return {};
-  return Meeting{t, {1.0 - second - third, second, third}};
 }
 
 }  // namespace oct::test

@@ -1,16 +1,105 @@
-// Every variant against the plain loop, bit for bit; the plain loop against exact arithmetic.
+// Every variant against the plain loop, bit for bit; the plain loop against exact arithmetic. Copies, whole and cropped,
+// below and above the size from which they go past the caches. Which variants there are and which are used.
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <limits>
+#include <numeric>
+#include <random>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "vec/guarded_array.h"
-#include "vec/numbers.h"
+#include "vec/routines.h"
 
 namespace oct::vec::test {
 namespace {
+
+// An array between guard words, at any distance from an aligned address.
+template <class Value>
+class GuardedArray {
+ public:
+  // offset: places beyond a multiple of 64 bytes
+  GuardedArray(std::size_t size, std::size_t offset)
+      : bytes_((size + offset) * sizeof(Value) + 3 * guard), size_(size) {
+    std::memset(bytes_.data(), pattern, bytes_.size());
+    const auto address = reinterpret_cast<std::uintptr_t>(bytes_.data()) + guard;
+    const std::uintptr_t aligned = (address + 63) / 64 * 64;
+    first_ = guard + (aligned - address) + offset * sizeof(Value);
+  }
+
+  Value* data() { return reinterpret_cast<Value*>(bytes_.data() + first_); }
+  Value& operator[](std::size_t i) { return data()[i]; }
+
+  // Whether everything but the array is as it was.
+  bool is_intact_around() const {
+    const auto is_as_before = [](unsigned char byte) { return byte == pattern; };
+    const auto begin = bytes_.begin() + static_cast<std::ptrdiff_t>(first_);
+    const auto end = begin + static_cast<std::ptrdiff_t>(size_ * sizeof(Value));
+    return std::all_of(bytes_.begin(), begin, is_as_before) && std::all_of(end, bytes_.end(), is_as_before);
+  }
+
+  // Bit for bit, so that NaN equals itself.
+  bool operator==(const GuardedArray& other) const {
+    return size_ == other.size_ && std::memcmp(bytes_.data() + first_, other.bytes_.data() + other.first_,
+                                               size_ * sizeof(Value)) == 0;
+  }
+
+ private:
+  static constexpr std::size_t guard = 128;
+  static constexpr unsigned char pattern = 0xA5;
+
+  std::vector<unsigned char> bytes_;
+  std::size_t size_;
+  std::size_t first_ = 0;
+};
+
+constexpr std::array<InstructionSet, 4> vector_sets{InstructionSet::sse, InstructionSet::sse2,
+                                                    InstructionSet::sse41, InstructionSet::avx};
+
+const char* name_of(InstructionSet set) {
+  constexpr std::array<const char*, 5> names{"scalar", "sse", "sse2", "sse41", "avx"};
+  return names[static_cast<std::size_t>(set)];
+}
+
+// Ordinary numbers of all sizes, and in between the awkward ones.
+class Numbers {
+ public:
+  explicit Numbers(unsigned seed) : random_(seed) {}
+
+  // Any bits but those of a signalling NaN; an eighth are special values.
+  float any() {
+    using Limits = std::numeric_limits<float>;
+    constexpr std::array special{Limits::quiet_NaN(),
+                                 Limits::infinity(),
+                                 -Limits::infinity(),
+                                 Limits::max(),
+                                 Limits::lowest(),
+                                 Limits::min(),
+                                 Limits::denorm_min(),
+                                 -Limits::denorm_min(),
+                                 0.0F,
+                                 -0.0F,
+                                 1.0F,
+                                 0.5F,
+                                 65535.0F,
+                                 65535.5F};
+    if (random_() % 8 == 0) return special[random_() % special.size()];
+    const auto number = std::bit_cast<float>(static_cast<std::uint32_t>(random_()));
+    return std::isnan(number) ? 0.25F : number;
+  }
+
+  float between(float low, float high) { return std::uniform_real_distribution<float>(low, high)(random_); }
+
+  std::uint16_t count() { return static_cast<std::uint16_t>(random_()); }
+
+ private:
+  std::mt19937 random_;
+};
 
 constexpr float least_value = 1e-6F;
 constexpr float not_a_number = std::numeric_limits<float>::quiet_NaN();
@@ -191,6 +280,74 @@ TEST(ToUint16, RoundsHalvesUpAndClamps) {
   to_uint16(found.data(), values.data(), 3, 100.0F, 20.0F);
   found.resize(3);
   EXPECT_EQ(found, (std::vector<std::uint16_t>{20, 69, 70}));
+}
+
+// ---- Copies
+
+using Copies = Variants;
+
+// Every place holds its own number, so that no shift and no repetition goes unseen.
+GuardedArray<float> numbered(std::size_t count, std::size_t offset) {
+  GuardedArray<float> array(count, offset);
+  std::iota(array.data(), array.data() + count, 1.0F);
+  return array;
+}
+
+void expect_copied(const Routines& routines, std::size_t count, std::size_t source_offset,
+                   std::size_t offset) {
+  GuardedArray<float> source = numbered(count, source_offset);
+  GuardedArray<float> destination(count, offset);
+  routines.copy(destination.data(), source.data(), count);
+  EXPECT_TRUE(destination == source && destination.is_intact_around())
+      << count << " floats from " << source_offset << " to " << offset;
+}
+
+void expect_cropped(const Routines& routines, std::size_t a_scans, std::size_t samples, std::size_t kept,
+                    std::size_t offset) {
+  GuardedArray<float> source = numbered(a_scans * samples, 3);
+  GuardedArray<float> destination(a_scans * kept, offset);
+  routines.crop_copy(destination.data(), source.data(), a_scans, samples, kept);
+  std::size_t wrong = 0;
+  for (std::size_t i = 0; i < a_scans; ++i) {
+    const float* const a_scan = destination.data() + i * kept;
+    wrong += !std::equal(a_scan, a_scan + kept, source.data() + i * samples);
+  }
+  EXPECT_TRUE(wrong == 0 && destination.is_intact_around())
+      << wrong << " wrong, " << kept << " of " << samples << ", " << a_scans << " times, to " << offset;
+}
+
+TEST_P(Copies, SmallOnesOfAllLengthsAndAlignments) {
+  for (std::size_t offset = 0; offset < 17; ++offset) {
+    for (std::size_t count = 0; count < 40; ++count) expect_copied(variant_, count, 16 - offset, offset);
+    for (const std::size_t kept : {0, 1, 3, 4, 15, 16, 17, 40}) expect_cropped(variant_, 5, 40, kept, offset);
+  }
+  expect_cropped(variant_, 0, 40, 7, 0);
+}
+
+TEST_P(Copies, LargeOnesGoPastTheCaches) {
+  constexpr std::size_t limit = streamed_bytes / sizeof(float);
+  expect_copied(variant_, limit - 1, 0, 1);
+  for (const std::size_t offset : {0, 1, 4, 7, 8, 15}) {
+    expect_copied(variant_, limit + offset / 2, 1, offset);
+  }
+  // Rows shorter and longer than a cache line, whose ends fall anywhere into one.
+  for (const std::size_t kept : {5, 16, 17, 100})
+    expect_cropped(variant_, limit / kept + 1, kept + 1, kept, kept % 2 * 13);
+  expect_cropped(variant_, 1, limit + 50, limit + 3, 7);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sets, Copies,
+                         testing::Values(InstructionSet::scalar, InstructionSet::sse, InstructionSet::avx),
+                         [](const auto& test) { return name_of(test.param); });
+
+// A set without a variant of its own takes the one before it, and a set never takes a later one.
+TEST(InstructionSets, FallThroughToTheNearestBefore) {
+  EXPECT_EQ(routines_of(InstructionSet::sse).decibels, routines_of(InstructionSet::scalar).decibels);
+  EXPECT_NE(routines_of(InstructionSet::sse).extremes, routines_of(InstructionSet::scalar).extremes);
+  EXPECT_NE(routines_of(InstructionSet::sse2).decibels, routines_of(InstructionSet::sse).decibels);
+  EXPECT_EQ(routines_of(InstructionSet::sse2).crop_copy, routines_of(InstructionSet::scalar).crop_copy);
+  EXPECT_EQ(routines_of(InstructionSet::sse41).extremes, routines_of(InstructionSet::sse).extremes);
+  EXPECT_NE(routines_of(InstructionSet::avx).extremes, routines_of(InstructionSet::sse).extremes);
 }
 
 }  // namespace

@@ -1,14 +1,16 @@
-// Labels on the screen: every pixel is the rasteriser's, wherever the anchor lies and whatever the zoom.
-#include "volume/text/font_renderer.h"
-
+// Texts as the system's fonts draw them, and labels on the screen: every pixel is the rasteriser's, wherever the anchor
+// lies and whatever the zoom.
+#include <algorithm>
 #include <cmath>
 
 #include <glm/gtc/matrix_transform.hpp>
+#include <gtest/gtest.h>
 
 #include "hosting/offscreen/offscreen_target.h"
-#include "support/gl_spy.h"
 #include "support/reference/reference_camera.h"
 #include "support/test_context.h"
+#include "volume/text/font_renderer.h"
+#include "volume/text/text_rasteriser.h"
 
 namespace oct::test {
 namespace {
@@ -83,34 +85,82 @@ TEST_F(FontRendererGLTest, LabelsAreDrawnPixelByPixel) {
   TextRasteriser rasteriser(20, false);
   EXPECT_TRUE(agree(draw(font, {"9", {0.004F, 0.0F, 0.5F}, {}}, flat_view),
                     expected(rasteriser, {"", {}, {}}, flat_view)));
+  EXPECT_EQ(font.size("9").y, rasteriser.rasterise("9").height);
+  EXPECT_EQ(font.size(""), glm::ivec2(0));
+  draw(font, {"", {}, {}}, flat_view);
   glDisable(GL_DEPTH_TEST);
   glClearDepth(1.0);
 }
 
-TEST_F(FontRendererGLTest, ATextIsRasterisedOnceAndNothingIsLeftBehind) {
-  target_.begin_frame(width, height);
-  GlSpy spy;
-  spy.fail_next("glGenBuffers");
-  EXPECT_EQ(failure_of([] { FontRenderer(18, false); }), "Could not create OpenGL buffer. ");
-  EXPECT_EQ(spy.live_objects(), 0U);
-  {
-    FontRenderer font(18, false);
-    spy.fail_next("glTexImage2D");
-    EXPECT_EQ(
-        failure_of([&] { font.size("0.5"); }).find("An OpenGL error in FontRenderer::rasterise occured: "),
-        0U);
-    const int failed = spy.calls("glTexImage2D");
-    for (const float zoom : {5.0F, 10.0F}) {
-      draw(font, {"0.5", {0.1F, 0.0F, 0.0F}, {3.0F, 4.0F}}, perspective_view(zoom));
-      EXPECT_EQ(font.size("0.5").y, TextRasteriser(18, false).rasterise("0.5").height);
-      EXPECT_EQ(spy.calls("glTexImage2D"), failed + 1);
+struct Ink {
+  int left = 1 << 20, right = -1, bottom = 1 << 20, top = -1;
+  double amount = 0.0;  // covered pixels
+  double lean = 0.0;    // how far the middle of the upper half lies to the right of that of the lower
+};
+
+Ink ink_of(const TextPicture& picture) {
+  Ink ink;
+  double sums[2] = {};
+  double weights[2] = {};
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      const int level = picture.pixels[static_cast<std::size_t>(y * picture.width + x) * 4];
+      sums[2 * y >= picture.height] += level * x;
+      weights[2 * y >= picture.height] += level;
+      if (level < 64) continue;
+      ink.left = std::min(ink.left, x);
+      ink.right = std::max(ink.right, x);
+      ink.bottom = std::min(ink.bottom, y);
+      ink.top = std::max(ink.top, y);
     }
-    draw(font, {"1.0", {}, {}}, flat_view);
-    EXPECT_EQ(font.size(""), glm::ivec2(0));
-    draw(font, {"", {}, {}}, flat_view);
-    EXPECT_EQ(spy.calls("glTexImage2D"), failed + 2);
   }
-  EXPECT_EQ(spy.live_objects(), 0U);
+  ink.amount = (weights[0] + weights[1]) / 255.0;
+  ink.lean = sums[1] / weights[1] - sums[0] / weights[0];
+  return ink;
+}
+
+TEST(TextRasteriserTest, LinesAreAsHighAsTheFontAndAsWideAsTheText) {
+  for (const int size : {10, 18, 33}) {
+    const TextPicture picture = TextRasteriser(size, false).rasterise("depth (mm)");
+    EXPECT_NEAR(picture.height, size, 1);
+    EXPECT_EQ(picture.pixels.size(), static_cast<std::size_t>(picture.width * picture.height * 4));
+  }
+  TextRasteriser rasteriser(20, false);
+  const auto width_of = [&](const char* text) { return rasteriser.rasterise(text).width; };
+  const int one = width_of("1");
+  EXPECT_NEAR(one, 13, 6);
+  EXPECT_EQ(width_of("7"), one) << "figures are as wide as each other, so that labels do not jump";
+  EXPECT_NEAR(width_of("1111"), 4 * one, 3);
+  EXPECT_GT(width_of("mm"), 2 * one);
+  EXPECT_GT(width_of("x & y"), width_of("x  y") + 5) << "an ampersand is a character";
+}
+
+TEST(TextRasteriserTest, GlyphsAreWhereTheyBelong) {
+  TextRasteriser rasteriser(40, false);
+  const auto ink = [&](const char* text) { return ink_of(rasteriser.rasterise(text)); };
+  EXPECT_LT(ink("_").top, 20) << "the bottom row comes first";
+  EXPECT_GT(ink("'").bottom, 20);
+  const Ink seven = ink("7");
+  EXPECT_GT(seven.bottom, ink(",").bottom) << "a comma hangs below the base line on which figures stand";
+  EXPECT_GT(seven.top - seven.bottom, 20);
+
+  const TextPicture picture = rasteriser.rasterise("1 mm");
+  const Ink whole = ink_of(picture);
+  EXPECT_EQ(whole.left, ink("1").left);
+  EXPECT_LE(picture.width - 1 - whole.right, 8) << "the text ends where its last letter does";
+  EXPECT_GT(whole.amount, ink("1").amount * 2.5);
+  for (std::size_t i = 0; i < picture.pixels.size(); i += 4) {
+    ASSERT_EQ(picture.pixels[i], picture.pixels[i + 1]);
+    ASSERT_EQ(picture.pixels[i], picture.pixels[i + 2]);
+  }
+}
+
+TEST(TextRasteriserTest, EmphasisIsBolderAndLeans) {
+  TextRasteriser plain(30, false);
+  TextRasteriser emphasised(30, true);
+  EXPECT_GT(ink_of(emphasised.rasterise("lateral")).amount, 1.15 * ink_of(plain.rasterise("lateral")).amount);
+  EXPECT_NEAR(ink_of(plain.rasterise("l")).lean, 0.0, 0.5);
+  EXPECT_GT(ink_of(emphasised.rasterise("l")).lean, 1.0);
 }
 
 }  // namespace

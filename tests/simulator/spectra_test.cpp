@@ -1,14 +1,18 @@
-// The device measures itself on a mirror: place, sharpness and level of the peak; four A-scans at a time.
-
-#include "phantoms/mirror.h"
-
+// The way from spectra to depths: a mirror's peak with its place, sharpness and level, and spectra of a real
+// spectrometer with the picture made of them elsewhere.
 #include <algorithm>
 #include <cmath>
+#include <complex>
+#include <filesystem>
 #include <numbers>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
 
+#include "data/formats/npy_header.h"
+#include "data/image_reader.h"
+#include "phantoms/mirror.h"
+#include "signals/resampler.h"
 #include "simulator/measurement.h"
 
 namespace oct::simulator::test {
@@ -120,6 +124,71 @@ TEST(Processing, TheMeanOfEveryBScanIsExact) {
       raw.spectrum(index)[pixel] = static_cast<std::uint16_t>(index < many ? 65535 : 500 + pixel);
   Device device(Spectrometer(64, 1300.0, 3.6), std::make_shared<UniformPhantom>(0.0F), 5);
   EXPECT_LT(std::ranges::max(process(device.calibration(), raw).samples()), -59.96F);
+}
+
+constexpr int pixels = 1024;
+const std::filesystem::path folder = OCT_SHARED_DATA;
+
+// The elements of an array, all axes in one row. Positions and phases want all of their 64 bits, which an image has not.
+template <class Element>
+std::vector<Element> elements_of(const char* name) {
+  app::InputFile file(folder / name);
+  const auto offset = app::read_npy_header(file).data_offset;
+  std::vector<Element> elements((file.size() - offset) / sizeof(Element));
+  file.read(elements.data(), elements.size() * sizeof(Element));
+  return elements;
+}
+
+// Grey values 0 to 255 as the reference picture shows them: 31 dB black, 67 dB white, for
+// a transform that is not scaled.
+double grey(float decibels) {
+  const double unscaled = decibels + 10.0 * std::log10(pixels);
+  return std::clamp((unscaled - 31.0) / (67.0 - 31.0), 0.0, 1.0) * 255.0;
+}
+
+TEST(RecordedSpectra, GiveTheReferencePicture) {
+  if (!std::filesystem::exists(folder / "spectra_wood.npy"))
+    GTEST_SKIP() << "no recorded spectra: set OCT_SHARED_DATA to the folder that holds spectra_wood.npy";
+  const auto picture = app::load_image(folder / "spectra_wood_reference.png", {}, false).image;
+  const auto counts = elements_of<std::uint16_t>("spectra_wood.npy");
+  RawData raw;
+  raw.resize(pixels, static_cast<int>(picture.ascans), 1, 1.0, 1.0);
+  ASSERT_EQ(counts.size(), pixels * picture.ascans);
+  std::ranges::copy(counts, raw.spectrum(0).data());
+  const auto volume = process({.depth_range_mm = 1.0,
+                               .wavenumber_positions = elements_of<double>("spectra_wood_kpos.npy"),
+                               .compensation_phase = elements_of<double>("spectra_wood_dispersion.npy"),
+                               .background = std::vector<float>(pixels)},
+                              raw);
+
+  ASSERT_EQ(volume.samples().size(), picture.samples.size());
+  const std::vector<double> theirs(picture.samples.begin(), picture.samples.end());
+  std::vector<double> mine;
+  double off = 0.0;
+  for (const float decibels : volume.samples()) {
+    mine.push_back(grey(decibels));
+    off += std::abs(mine.back() - theirs[mine.size() - 1]);
+  }
+  EXPECT_GT(correlation_of(mine, theirs), 0.995);
+  EXPECT_LT(off / static_cast<double>(mine.size()), 3.0);
+}
+
+TEST(Resampler, KeepsLevels) {
+  const std::vector<std::complex<float>> level(20, {2.0F, -1.0F});
+  std::vector<std::complex<float>> read(3);
+  Resampler(20, {5.0, 8.3, 9.9}).apply(level.data(), read.data());
+  for (const auto& value : read) EXPECT_LT(std::abs(value - level[0]), 1e-5F);
+}
+
+TEST(Resampler, RefusesPositionsOutsideTheSignal) {
+  for (const double position : {-0.1, 19.1, std::nan("")})
+    EXPECT_THROW(Resampler(20, {position}), std::invalid_argument) << position;
+  EXPECT_THROW(Resampler(4, {1.0}), std::invalid_argument);
+}
+
+TEST(InvertPositions, FindsThePlacesOfWholeValues) {
+  EXPECT_EQ(invert_positions({0.0, 0.5, 2.5, 3.0}), (std::vector{0.0, 1.25, 1.75, 3.0}));
+  EXPECT_THROW(invert_positions({0.0, 0.0, 2.0, 3.0}), std::invalid_argument);
 }
 
 }  // namespace
