@@ -42,7 +42,12 @@ void draw(unsigned id) {
   drawn.add(id);
 }
 void show(unsigned, unsigned, unsigned, void* surface) {
-  if (copy) copyDXSurface(loop, surface, copy);
+  if (copy) {
+    copyDXSurface(loop, surface, copy);
+    EXPECT_EQ(pending_error(), "(none)");
+    destroyDXSurface(loop, surface);
+    EXPECT_EQ(pending_error(), "The specified surface is unknown. ") << "a frame is not the client's to free";
+  }
   shown = surface;
   pictures.add(surface_picture(sharing, surface));
 }

@@ -16,6 +16,7 @@ namespace {
 
 TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
   const OffscreenTargetHandle targets[] = {createOffscreenTarget(), createOffscreenTarget()};
+  const GlSpy spy;
   std::array<GLint, 2> row_lengths{};
   for (int i : {0, 1, 0, 1}) {
     GLint& expected = row_lengths[static_cast<std::size_t>(i)];
@@ -26,11 +27,23 @@ TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
     GLint row_length = 0;
     glGetIntegerv(GL_PACK_ROW_LENGTH, &row_length);
     EXPECT_EQ(row_length, std::exchange(expected, 9)) << "the client's setting is neither used nor lost";
+    GLint depth = 0;
+    glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT,
+                                          GL_FRAMEBUFFER_ATTACHMENT_DEPTH_SIZE, &depth);
+    EXPECT_EQ(depth, 24);
     glPixelStorei(GL_PACK_ROW_LENGTH, expected);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
     finishOffscreenFrame(targets[i], picture.bytes.data());
+    EXPECT_EQ(spy.live_objects(), 0U) << "nothing stays of what has been read";
     EXPECT_EQ(picture.bgra(2 + i, 1), (std::array<int, 4>{0, 255, i * 255, 255}));
   }
-  for (const auto target : targets) clearOffscreenTarget(target);
+  beginOffscreenFrame(targets[0], 4, 4);
+  finishOffscreenFrame(targets[0], nullptr);
+  const int deletions = spy.calls("glDeleteRenderbuffers");
+  clearOffscreenTarget(targets[0]);
+  EXPECT_EQ(spy.calls("glDeleteRenderbuffers") - deletions, 4) << "each name twice";
+  EXPECT_EQ(spy.live_objects(), 0U);
+  clearOffscreenTarget(targets[1]);
   clearOffscreenTarget(nullptr);
   EXPECT_EQ(pending_error(), "(none)");
   EXPECT_FALSE(gl::is_context_current());
