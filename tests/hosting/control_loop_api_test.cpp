@@ -1,8 +1,6 @@
 // Exports of control loops: handles, misuse, the road from request to surface, the trace.
 #include <filesystem>
-#include <fstream>
 #include <limits>
-#include <sstream>
 
 #include "hosting/loop/render_trace.h"
 #include "oct_rendering/oct_rendering.h"
@@ -101,11 +99,7 @@ TEST_P(ControlLoopApiGLTest, FromRequestToSurface) {
 }
 
 TEST_P(ControlLoopApiGLTest, SnapshotsTheirMisuseAndTheTrace) {
-  const auto trace = [] {
-    std::ostringstream text;
-    text << std::ifstream(render_trace_file()).rdbuf();
-    return text.str();
-  };
+  const auto trace = [] { return text_of(render_trace_file()); };
   renderOpenGLControlLoop(loop);
   const std::size_t before = trace().size();
   ASSERT_GT(before, 0U) << render_trace_file();
