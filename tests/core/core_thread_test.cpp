@@ -2,9 +2,7 @@
 #include <algorithm>
 #include <map>
 #include <sstream>
-#include <thread>
 
-#include "core/platform.h"
 #include "core/timing_mark.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/mark_recorder.h"
@@ -32,28 +30,6 @@ TEST(CoreThreadTest, EveryErrorIsReadByItsOwnThread) {
   for (std::string line; std::getline(lines, line);) ++counted[line];
   for (const std::string& message : messages) EXPECT_EQ(counted["An error occured: " + message], 800);
   EXPECT_EQ(counted.size(), 2U);
-}
-
-using Marks = MarkRecorder::Marks;
-
-TEST(TimingMarkTest, NestedMarksOfSeveralThreads) {
-  const TimingMark unheard("nobody listens");
-  MarkRecorder recorder;
-  std::uint32_t other = 0;
-  {
-    const TimingMark outer("outer");
-    std::thread([&] {
-      const TimingMark mark("Rendering callback (", "2)");
-      other = current_thread_id();
-    }).join();
-    const TimingMark inner("inner");
-    record_timing_mark("before_rendering");
-    set_timing_listener(nullptr);  // a mark ends at the listener that it began at
-    const TimingMark late("late");
-  }
-  EXPECT_EQ(recorder.all()[current_thread_id()],
-            (Marks{"+outer", "+inner", "!before_rendering", "-inner", "-outer"}));
-  EXPECT_EQ(recorder.all()[other], (Marks{"+Rendering callback (2)", "-Rendering callback (2)"}));
 }
 
 TEST(TimingMarkTest, ListenerComesAndGoesBetweenMarks) {

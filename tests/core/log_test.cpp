@@ -56,10 +56,8 @@ TEST_F(LogTest, NamesOfThisAndOtherProcessesAreFollowed) {
   setRendererLogFile(nullptr);
   EXPECT_EQ(settings(), "");
   log() << "closes";
-  std::ostringstream text;
-  text << std::ifstream(file).rdbuf();
+  EXPECT_EQ(text_of(file), "earlier\n1 is appended with 2.5\nhello\n");
   std::filesystem::remove(file);
-  EXPECT_EQ(text.str(), "earlier\n1 is appended with 2.5\nhello\n");
 }
 
 TEST_F(LogTest, LengthOfTheName) {

@@ -3,7 +3,6 @@
 #include <fstream>
 #include <functional>
 #include <random>
-#include <sstream>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -32,11 +31,6 @@ class OtherUsersTest : public testing::Test {
   }
 
   static void write(const fs::path& file, const std::string& text) { std::ofstream(file) << text; }
-  static std::string read(const fs::path& file) {
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-  }
 
   const std::string name_ = "oct_others_test_" + std::to_string(std::random_device{}());
   const fs::path folder_ = fs::temp_directory_path() / name_;
@@ -61,8 +55,8 @@ TEST_F(OtherUsersTest, ABlockOfAnotherUserDoesNotDirectTheLog) {
     EXPECT_FALSE(fs::exists(victim_)) << what;
     setRendererLogFile(own.c_str());
     log() << "private";
-    EXPECT_EQ(read(own), "private\n") << what;
-    EXPECT_EQ(read(block_file_), victim_.string()) << what;
+    EXPECT_EQ(text_of(own), "private\n") << what;
+    EXPECT_EQ(text_of(block_file_), victim_.string()) << what;
   }
 }
 
@@ -75,7 +69,7 @@ TEST_F(OtherUsersTest, ABlockThatIsCutIsAnEmptyName) {
   setRendererLogFile((folder_ / "log").c_str());
   log() << "after";
   EXPECT_EQ(pending_error(), "(none)");
-  EXPECT_EQ(read(folder_ / "log"), "before\nafter\n");
+  EXPECT_EQ(text_of(folder_ / "log"), "before\nafter\n");
 }
 
 TEST_F(OtherUsersTest, TheTraceEmptiesNoFileBehindALinkAndNoneOfAnotherUser) {
@@ -94,7 +88,7 @@ TEST_F(OtherUsersTest, TheTraceEmptiesNoFileBehindALinkAndNoneOfAnotherUser) {
     lay();
     set_render_trace_file(trace);
     trace_render_call(7);
-    EXPECT_EQ(read(victim_), "precious") << what;
+    EXPECT_EQ(text_of(victim_), "precious") << what;
     fs::remove(trace);
   }
   trace_render_call(8);
@@ -102,7 +96,7 @@ TEST_F(OtherUsersTest, TheTraceEmptiesNoFileBehindALinkAndNoneOfAnotherUser) {
   write(trace, "old");
   set_render_trace_file(trace);
   trace_render_call(9);
-  EXPECT_EQ(read(trace), "9\n") << "its own file is emptied";
+  EXPECT_EQ(text_of(trace), "9\n") << "its own file is emptied";
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "gl/context_handles.h"
+#include "hosting/offscreen/offscreen_buffer_object.h"
 #include "live/fast_opengl_volume_renderer.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
@@ -24,22 +25,22 @@ class ClientObjects {
  public:
   ClientObjects() {
     glGenTextures(8, textures_);
-    for (const GLuint name : textures_) glBindTexture(GL_TEXTURE_2D, name);
-    glBindTexture(GL_TEXTURE_2D, 0);
     glGenBuffers(6, buffers_);
-    for (const GLuint name : buffers_) glBindBuffer(GL_ARRAY_BUFFER, name);
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
     glGenVertexArrays(6, arrays_);
+    for (const GLuint name : textures_) glBindTexture(GL_TEXTURE_2D, name);
+    for (const GLuint name : buffers_) glBindBuffer(GL_ARRAY_BUFFER, name);
     for (const GLuint name : arrays_) glBindVertexArray(name);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
     glBindVertexArray(0);
     for (GLuint& name : programs_) name = glCreateProgram();
   }
 
   void expect_alive() const {
-    for (const GLuint name : textures_) EXPECT_TRUE(glIsTexture(name)) << name;
-    for (const GLuint name : buffers_) EXPECT_TRUE(glIsBuffer(name)) << name;
-    for (const GLuint name : arrays_) EXPECT_TRUE(glIsVertexArray(name)) << name;
-    for (const GLuint name : programs_) EXPECT_TRUE(glIsProgram(name)) << name;
+    EXPECT_EQ(std::ranges::count_if(textures_, glIsTexture), 8);
+    EXPECT_EQ(std::ranges::count_if(buffers_, [](GLuint name) { return glIsBuffer(name); }), 6);
+    EXPECT_EQ(std::ranges::count_if(arrays_, [](GLuint name) { return glIsVertexArray(name); }), 6);
+    EXPECT_EQ(std::ranges::count_if(programs_, [](GLuint name) { return glIsProgram(name); }), 6);
   }
 
  private:
@@ -51,26 +52,13 @@ class ClientObjects {
 
 // The picture that `draw` leaves in a target of the current context, which is magenta before.
 Picture picture_of(const std::function<void()>& draw) {
-  GLuint framebuffer = 0;
-  GLuint buffers[2] = {};
-  glGenFramebuffers(1, &framebuffer);
-  glGenRenderbuffers(2, buffers);
-  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-  for (const int i : {0, 1}) {
-    glBindRenderbuffer(GL_RENDERBUFFER, buffers[i]);
-    glRenderbufferStorage(GL_RENDERBUFFER, i == 0 ? GL_RGBA8 : GL_DEPTH_COMPONENT24, width, height);
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, i == 0 ? GL_COLOR_ATTACHMENT0 : GL_DEPTH_ATTACHMENT,
-                              GL_RENDERBUFFER, buffers[i]);
-  }
-  glViewport(0, 0, width, height);
+  OffscreenBufferObject target;
+  target.prepare(width, height);
   glClearColor(1.0F, 0.0F, 1.0F, 1.0F);
   glClear(GL_COLOR_BUFFER_BIT);
   draw();
   Picture picture(width, height);
-  glReadPixels(0, 0, width, height, GL_BGRA, GL_UNSIGNED_BYTE, picture.bytes.data());
-  glBindFramebuffer(GL_FRAMEBUFFER, 0);
-  glDeleteRenderbuffers(2, buffers);
-  glDeleteFramebuffers(1, &framebuffer);
+  target.finish(picture.bytes.data());
   EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
   return picture;
 }
@@ -200,45 +188,33 @@ class ContextChangeGLTest : public testing::TestWithParam<Handles> {
 
 class NextContextGLTest : public ContextChangeGLTest {};
 
-// A client forgets to uninitialise, deletes its context and makes another one.
+// A client forgets to uninitialise, deletes its context and makes another one, in which it draws, uninitialises or
+// deletes.
 TEST_P(NextContextGLTest, IsNotTheOneBefore) {
-  make_subjects();
-  for (const auto& subject : subjects_) {
-    Picture before;
+  for (const std::string next : {"draw", "uninit", "delete"}) {
+    SCOPED_TRACE(next);
+    make_subjects();
+    std::vector<Picture> before;
     {
       const ClientContext context;
       const ChangedContextHandles handles(GetParam());
-      subject->init();
-      before = subject->picture();
-      EXPECT_FALSE(agree(before, untouched(), exact));
+      for (const auto& subject : subjects_) {
+        subject->init();
+        before.push_back(subject->picture());
+        EXPECT_FALSE(agree(before.back(), untouched(), exact));
+      }
       expect_no_error();
     }
     const ClientContext context;
     const ChangedContextHandles handles(GetParam());
-    const ClientObjects objects;
-    expect_refused(*subject);
-    objects.expect_alive();
-    subject->init();
-    EXPECT_TRUE(agree(subject->picture(), before, exact)) << "whole again";
-    subject->uninit();
-    objects.expect_alive();
-    expect_no_error();
-  }
-}
-
-TEST_P(NextContextGLTest, LosesNothingWhenRenderersAreUninitialisedOrDeletedThere) {
-  for (const bool uninit : {true, false}) {
-    make_subjects();
-    {
-      const ClientContext context;
-      const ChangedContextHandles handles(GetParam());
-      for (const auto& subject : subjects_) subject->init();
-    }
-    const ClientContext context;
-    const ChangedContextHandles handles(GetParam());
     const std::vector<ClientObjects> objects(6);  // as many as the renderers had
-    for (const auto& subject : subjects_) {
-      if (uninit) subject->uninit();
+    for (std::size_t i = 0; next != "delete" && i < subjects_.size(); ++i) {
+      if (next == "draw") {
+        expect_refused(*subjects_[i]);
+        subjects_[i]->init();
+        EXPECT_TRUE(agree(subjects_[i]->picture(), before[i], exact)) << "whole again";
+      }
+      subjects_[i]->uninit();
     }
     subjects_.clear();
     for (const ClientObjects& some : objects) some.expect_alive();
@@ -271,8 +247,12 @@ TEST_P(TwoContextsGLTest, ARendererIsAtHomeInOne) {
     in(other, [&] {
       const ClientObjects objects;
       const GlSpy spy;
-      for (int i = 0; i < 3; ++i) expect_refused(*subject);
+      for (int i = 0; i < 3; ++i) {
+        subject->draw();
+        EXPECT_EQ(pending_error(), elsewhere);
+      }
       EXPECT_EQ(spy.live_objects(), 0U);
+      expect_refused(*subject);
       objects.expect_alive();
     });
     in(home, [&] { EXPECT_TRUE(agree(subject->picture(), before, exact)) << "back home"; });

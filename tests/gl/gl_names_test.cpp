@@ -36,22 +36,5 @@ TEST_F(NamesGLTest, EveryKindIsDeletedOnce) {
   EXPECT_EQ(spy.calls("glDeleteTextures"), 2);
 }
 
-TEST_F(NamesGLTest, NothingIsDeletedOutsideItsOwnContext) {
-  GlSpy spy;
-  gl::Texture texture = gl::Texture::create();
-  const GLuint name = texture.get();
-  {
-    TestContext other;
-    // Names start over in every context; this one is the other context's and must survive.
-    const gl::Texture same = gl::Texture::create();
-    EXPECT_EQ(same.get(), name);
-    EXPECT_FALSE(texture);
-    EXPECT_EQ(texture.get(), 0U);
-    texture.reset();
-    EXPECT_EQ(spy.calls("glDeleteTextures"), 0);
-  }
-  context_.makeCurrent();
-}
-
 }  // namespace
 }  // namespace oct::test

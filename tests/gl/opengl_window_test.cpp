@@ -4,7 +4,6 @@
 
 #include "gl/context/current_context.h"
 #include "gl/gl.h"
-#include "support/process_memory.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -34,25 +33,6 @@ TEST(OpenGLWindowGLTest, ContextComesAndGoes) {
   EXPECT_EQ(gl::current_context(), nullptr);
   EXPECT_FALSE(gl::is_context_current());
   window->deleteContext(context);
-}
-
-TEST(OpenGLWindowGLTest, ManyLivesOnSeveralThreadsAreFlat) {
-  const auto lives = [](int count) {
-    on_threads(6, [count](int) {
-      for (int n = 0; n < count; ++n) {
-        TestContext context;
-        glClear(GL_COLOR_BUFFER_BIT);
-        EXPECT_TRUE(gl::is_context_current());
-      }
-    });
-  };
-  lives(3);
-  const std::size_t memory = resident_memory();
-  lives(10);
-  // A leaked context of the software renderer weighs more than a megabyte.
-  if (measures_memory) {
-    EXPECT_LT(resident_memory(), memory + 30'000'000);
-  }
 }
 
 }  // namespace

@@ -33,25 +33,5 @@ TEST(ClientSurfacesTest, EndWhenTheirCopiesHave) {
   }
 }
 
-// A frame is known while it is lent, and is not the client's to free.
-TEST(ClientSurfacesTest, AFrameIsLent) {
-  ClientSurfaces& surfaces = client_surfaces();
-  void* const kept = surfaces.create(host_memory, 4, 4);
-  OctHostSurface frame{2, 2, 8, nullptr};
-  std::vector<unsigned char> pixels(16, 77);
-  frame.pixels = pixels.data();
-  const auto copy = [&] { surfaces.copy(host_memory, &frame, kept); };
-  EXPECT_EQ(failure_of(copy), unknown);
-  {
-    const ClientSurfaces::Loan loan(surfaces, host_memory, &frame);
-    EXPECT_EQ(failure_of(copy), "(none)");
-    EXPECT_EQ(static_cast<OctHostSurface*>(kept)->pixels[63], 77);
-    EXPECT_FALSE(surfaces.destroy(&frame));
-  }
-  EXPECT_EQ(failure_of(copy), unknown);
-  EXPECT_TRUE(surfaces.destroy(kept));
-  EXPECT_FALSE(surfaces.destroy(kept));
-}
-
 }  // namespace
 }  // namespace oct::test

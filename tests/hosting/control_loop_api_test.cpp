@@ -1,8 +1,6 @@
 // Exports of control loops: handles, misuse, the road from request to surface, the trace.
 #include <filesystem>
-#include <fstream>
 #include <limits>
-#include <sstream>
 
 #include "hosting/loop/render_trace.h"
 #include "oct_rendering/oct_rendering.h"
@@ -42,7 +40,12 @@ void draw(unsigned id) {
   drawn.add(id);
 }
 void show(unsigned, unsigned, unsigned, void* surface) {
-  if (copy) copyDXSurface(loop, surface, copy);
+  if (copy) {
+    copyDXSurface(loop, surface, copy);
+    EXPECT_EQ(pending_error(), "(none)");
+    destroyDXSurface(loop, surface);
+    EXPECT_EQ(pending_error(), "The specified surface is unknown. ") << "a frame is not the client's to free";
+  }
   shown = surface;
   pictures.add(surface_picture(sharing, surface));
 }
@@ -96,11 +99,7 @@ TEST_P(ControlLoopApiGLTest, FromRequestToSurface) {
 }
 
 TEST_P(ControlLoopApiGLTest, SnapshotsTheirMisuseAndTheTrace) {
-  const auto trace = [] {
-    std::ostringstream text;
-    text << std::ifstream(render_trace_file()).rdbuf();
-    return text.str();
-  };
+  const auto trace = [] { return text_of(render_trace_file()); };
   renderOpenGLControlLoop(loop);
   const std::size_t before = trace().size();
   ASSERT_GT(before, 0U) << render_trace_file();

@@ -1,6 +1,6 @@
 // What a loop tells when the graphics device behind it is gone.
 
-#include <utility>
+#include <tuple>
 
 #include "support/test_context.h"
 #include "support/test_loop.h"
@@ -14,38 +14,13 @@ GLenum GLAPIENTRY reset_status() {
   return status.exchange(GL_NO_ERROR);  // told once, as drivers do
 }
 
-// What the context has to ask with, until the end of the test.
-class ResetQuery {
- public:
-  ResetQuery(bool core, bool khr, bool arb) {
-    const TestContext loads_opengl;
-    swap();
-    __GLEW_VERSION_4_5 = core;
-    __GLEW_KHR_robustness = khr;
-    __GLEW_ARB_robustness = arb;
-    __glewGetGraphicsResetStatus = core || khr ? reset_status : nullptr;
-    __glewGetGraphicsResetStatusARB = arb ? reset_status : nullptr;
-  }
-  ~ResetQuery() {
-    swap();
-    status = GL_NO_ERROR;
-  }
-  ResetQuery(const ResetQuery&) = delete;
-  ResetQuery& operator=(const ResetQuery&) = delete;
-
- private:
-  void swap() {
-    std::swap(core_, __GLEW_VERSION_4_5);
-    std::swap(khr_, __GLEW_KHR_robustness);
-    std::swap(arb_, __GLEW_ARB_robustness);
-    std::swap(query_, __glewGetGraphicsResetStatus);
-    std::swap(arb_query_, __glewGetGraphicsResetStatusARB);
-  }
-
-  GLboolean core_{}, khr_{}, arb_{};
-  PFNGLGETGRAPHICSRESETSTATUSPROC query_{};
-  PFNGLGETGRAPHICSRESETSTATUSARBPROC arb_query_{};
-};
+// What the context has to ask with.
+auto query() {
+  return std::tie(__GLEW_VERSION_4_5, __GLEW_KHR_robustness, __GLEW_ARB_robustness,
+                  __glewGetGraphicsResetStatus, __glewGetGraphicsResetStatusARB);
+}
+using Query = std::tuple<GLboolean, GLboolean, GLboolean, PFNGLGETGRAPHICSRESETSTATUSPROC,
+                         PFNGLGETGRAPHICSRESETSTATUSARBPROC>;
 
 constexpr const char* removed = "The graphics device was removed. ";
 
@@ -63,9 +38,12 @@ TEST_P(GraphicsResetGLTest, EndsTheLoopAndNotTheNext) {
       {false, false, true, false, true, GL_UNKNOWN_CONTEXT_RESET_ARB, "for an unknown reason"},
       {false, false, false, false, false, GL_UNKNOWN_CONTEXT_RESET_ARB, nullptr},  // nobody can tell
   };
+  const TestContext loads_opengl;
+  const Query before = query();
   for (const auto& reset : resets) {
     SCOPED_TRACE(reset.reason ? reset.reason : "no query");
-    const ResetQuery query(reset.core, reset.khr, reset.arb);
+    query() = Query(reset.core, reset.khr, reset.arb, reset.core || reset.khr ? reset_status : nullptr,
+                    reset.arb ? reset_status : nullptr);
     const std::string text = log_of([&] {
       const auto loop = make_recording_loop(8, 6);
       loop->request(1);
@@ -96,7 +74,9 @@ TEST_P(GraphicsResetGLTest, EndsTheLoopAndNotTheNext) {
     next->request(3);
     EXPECT_EQ(returned_.at_least(1), std::vector<std::uint32_t>{3});
     returned_.clear();
+    status = GL_NO_ERROR;
   }
+  query() = before;
   EXPECT_EQ(errors_.all(), std::vector<std::string>{});
 }
 

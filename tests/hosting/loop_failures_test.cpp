@@ -1,7 +1,6 @@
 // Control loops where the system gives no memory or no thread: every such failure once, with a clear error,
 // and nobody is kept waiting.
 #include <atomic>
-#include <new>
 #include <system_error>
 #include <thread>
 
@@ -26,13 +25,6 @@ OpenGLControlLoopHandle create() {
         if (init_fails) throw std::runtime_error("no more");
       },
       [] { ++uninits; }, [](const char* message) { errors.add(message); });
-}
-
-// Whether the allocation of this number came, and failed.
-bool fails(std::size_t allocation, ScarceMemory::Extent extent, const std::function<void()>& action) {
-  const ScarceMemory scarce(allocation, extent);
-  action();
-  return scarce.has_failed();
 }
 
 class LoopFailuresGLTest : public LoopGLTest {
@@ -88,22 +80,6 @@ TEST_P(LoopFailuresGLTest, NoThread) {
   EXPECT_EQ(errors.all(), (std::vector<std::string>{reason, reason, reason}));
 }
 
-TEST_P(LoopFailuresGLTest, NoMemoryToCreateALoop) {
-  int failures = 0;
-  for (std::size_t i = 0;; ++i) {
-    OpenGLControlLoopHandle loop = nullptr;
-    if (!fails(i, ScarceMemory::that_one_alone, [&] { loop = create(); })) {
-      deleteOpenGLControlLoop(loop);
-      break;
-    }
-    ++failures;
-    EXPECT_EQ(loop, nullptr);
-    EXPECT_TRUE(contains(pending_error(), std::bad_alloc().what()));
-    expect_no_thread_left();
-  }
-  EXPECT_GE(failures, 3);
-}
-
 // Both threads end, and uninit is called, whatever is missing on the way; so with a loop that an error has
 // ended.
 TEST_P(LoopFailuresGLTest, NoMemoryToDeleteALoop) {
@@ -118,7 +94,11 @@ TEST_P(LoopFailuresGLTest, NoMemoryToDeleteALoop) {
         if (dead) errors.at_least(i + 1);
         resizeOpenGLControlLoop(loop, 8, 6);
         renderOpenGLControlLoop(loop);
-        came = fails(i, extent, [&] { deleteOpenGLControlLoop(loop); });
+        {
+          const ScarceMemory scarce(i, extent);
+          deleteOpenGLControlLoop(loop);
+          came = scarce.has_failed();
+        }
         expect_no_thread_left();
         EXPECT_EQ(uninits, dead ? 0 : inits.load());
         EXPECT_EQ(pending_error(), "(none)");
@@ -128,31 +108,6 @@ TEST_P(LoopFailuresGLTest, NoMemoryToDeleteALoop) {
       errors.clear();
     }
   }
-}
-
-// A client that has no memory when it asks for something gets it or an error, and the next call works.
-TEST_P(LoopFailuresGLTest, NoMemoryToAskForSomething) {
-  auto loop = make_recording_loop(8, 6);
-  Picture picture(4, 4);
-  const std::function<void()> calls[] = {
-      [&] { loop->snapshot(4, 4, picture.bytes.data()); },
-      [&] { loop->request(0); },
-      [&] { loop->set_mode(OpenGLControlLoop::once_each); },
-      [&] { loop->resize(8, 6); },
-      [&] {
-        loop->set_image_ready_callback(image_ready([this](Index index, void*) { returned_.add(index); }));
-      },
-  };
-  for (const auto& call : calls) {
-    for (std::size_t i = 0; fails(i, ScarceMemory::that_one_alone, [&] { failure_of(call); }); ++i) {
-      loop->snapshot(4, 4, picture.bytes.data());
-      EXPECT_TRUE(agree(picture, pattern_picture(0, 4, 4), exact));
-      ASSERT_LT(i, 1000U);
-    }
-  }
-  loop->request(7);
-  await_returned(7);
-  EXPECT_EQ(errors_.all(), std::vector<std::string>{});
 }
 
 OCT_EVERY_SHARING(LoopFailuresGLTest);

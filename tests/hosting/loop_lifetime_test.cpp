@@ -1,4 +1,4 @@
-// Many loops, one after the other, leave nothing behind; several at once do not disturb each other.
+// Many loops, one after the other and at once, leave nothing behind and do not disturb each other.
 #include <thread>
 
 #include "hosting/surfaces/surface_sharing.h"
@@ -18,28 +18,32 @@ class LoopLifetimeGLTest : public LoopGLTest {
     EXPECT_EQ(pending_error(), "(none)");
   }
 
+  // Two at once, of which one outlives the other.
   void lives(int count, const GlSpy& spy) {
-    for (int id = 0; id < count; ++id) {
-      auto loop = make_recording_loop(16, 12);
-      const std::size_t before = returned_.all().size();
-      for (int i = 0; i < 4; ++i) loop->request(4 * id + i);
+    for (std::uint32_t id = 0; id < static_cast<std::uint32_t>(6 * count); id += 6) {
+      std::unique_ptr<OpenGLControlLoop> loops[] = {make_recording_loop(16, 12), make_recording_loop(10, 10)};
+      for (std::uint32_t i = 0; i < 5; ++i) loops[i % 2]->request(static_cast<std::int32_t>(id + i));
+      await_returned(id + 4);
+      loops[0].reset();
       Picture picture(6, 5);
-      if (id % 4 == 0) loop->snapshot(6, 5, picture.bytes.data());
-      EXPECT_GE(returned_.at_least(before + 3).size(), before + 3);
-      loop.reset();
+      if (id % 4 == 0) loops[1]->snapshot(6, 5, picture.bytes.data());
+      loops[1]->request(static_cast<std::int32_t>(id + 5));
+      await_returned(id + 5);
+      loops[1].reset();
       ASSERT_EQ(spy.live_objects(), 0U) << "after life " << id;
+      returned_.clear();
     }
   }
 };
 
 TEST_P(LoopLifetimeGLTest, ManyLoopsAreFlat) {
   const int count = surface_kind(SurfaceSharing::direct3d).available
-                        ? 60
-                        : 200;  // where there is Direct3D, threads are slow to come and go
+                        ? 30
+                        : 100;  // where there is Direct3D, threads are slow to come and go
   const auto device = keep_direct3d(GetParam());
   TestContext loads_opengl;
   const GlSpy spy;
-  lives(20, spy);  // what drivers build once
+  lives(10, spy);  // what drivers build once
   const int references = held_references(GetParam());
   const std::size_t threads = thread_count();
   const std::size_t handles = handle_count();
@@ -53,25 +57,10 @@ TEST_P(LoopLifetimeGLTest, ManyLoopsAreFlat) {
   EXPECT_LE(handle_count(), handles + 3);
   EXPECT_GT(handles, 0U);
   EXPECT_EQ(held_references(GetParam()), references);
-  EXPECT_GE(spy.calls("glGenFramebuffers"), count * 3);
+  EXPECT_GE(spy.calls("glGenFramebuffers"), count * 6);
   if (measures_memory) {
     EXPECT_LT(resident_memory(), memory + (std::size_t{8} << 20));
   }
-}
-
-TEST_P(LoopLifetimeGLTest, SeveralLoopsAtOnce) {
-  prepareOpenGL();
-  std::vector<std::unique_ptr<OpenGLControlLoop>> loops;
-  for (int i = 0; i < 6; ++i) loops.push_back(make_recording_loop(10, 10));
-  for (int id = 0; id < 60; ++id) loops[static_cast<std::size_t>(id % 6)]->request(id / 6);
-  loops.resize(3);
-  for (const auto& loop : loops) {
-    const std::size_t before = returned_.all().size();
-    loop->request(1000);
-    EXPECT_GT(returned_.at_least(before + 1).size(), before);
-  }
-  loops.clear();
-  finishOpenGL();
 }
 
 OCT_EVERY_SHARING(LoopLifetimeGLTest);

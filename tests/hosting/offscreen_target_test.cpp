@@ -16,6 +16,7 @@ namespace {
 
 TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
   const OffscreenTargetHandle targets[] = {createOffscreenTarget(), createOffscreenTarget()};
+  const GlSpy spy;
   std::array<GLint, 2> row_lengths{};
   for (int i : {0, 1, 0, 1}) {
     GLint& expected = row_lengths[static_cast<std::size_t>(i)];
@@ -26,65 +27,52 @@ TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
     GLint row_length = 0;
     glGetIntegerv(GL_PACK_ROW_LENGTH, &row_length);
     EXPECT_EQ(row_length, std::exchange(expected, 9)) << "the client's setting is neither used nor lost";
+    GLint depth = 0;
+    glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT,
+                                          GL_FRAMEBUFFER_ATTACHMENT_DEPTH_SIZE, &depth);
+    EXPECT_EQ(depth, 24);
     glPixelStorei(GL_PACK_ROW_LENGTH, expected);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
     finishOffscreenFrame(targets[i], picture.bytes.data());
+    EXPECT_EQ(spy.live_objects(), 0U) << "nothing stays of what has been read";
     EXPECT_EQ(picture.bgra(2 + i, 1), (std::array<int, 4>{0, 255, i * 255, 255}));
   }
-  for (const auto target : targets) clearOffscreenTarget(target);
+  beginOffscreenFrame(targets[0], 4, 4);
+  finishOffscreenFrame(targets[0], nullptr);
+  const int deletions = spy.calls("glDeleteRenderbuffers");
+  clearOffscreenTarget(targets[0]);
+  EXPECT_EQ(spy.calls("glDeleteRenderbuffers") - deletions, 4) << "each name twice";
+  EXPECT_EQ(spy.live_objects(), 0U);
+  clearOffscreenTarget(targets[1]);
   clearOffscreenTarget(nullptr);
   EXPECT_EQ(pending_error(), "(none)");
   EXPECT_FALSE(gl::is_context_current());
   expect_null_refused("Invalid OffscreenTargetHandle specified. ", beginOffscreenFrame, finishOffscreenFrame);
 }
 
-TEST(OffscreenTargetGLTest, ARefusedFrameIsNotBegun) {
-  const OffscreenTargetHandle target = createOffscreenTarget();
-  const std::string where = "An OpenGL error in beginOffscreenFrame occured: ";
-  const std::string incomplete = "The offscreen framebuffer is not complete: ";
-  GlSpy spy;
-  const struct {
-    unsigned width, height;
-    const char* function;  // that fails
-    GLenum error;
-    std::string message;  // begins so
-  } rows[] = {
-      {100000, 4, nullptr, 0, where},
-      {4, 0xFFFFFFFFU, nullptr, 0, where},
-      {0, 0, nullptr, 0, incomplete + "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT"},
-      {8, 8, "glRenderbufferStorage", GL_OUT_OF_MEMORY, where + "There is not enough memory"},
-      {8, 8, "glCheckFramebufferStatus", GL_FRAMEBUFFER_UNSUPPORTED,
-       incomplete + "GL_FRAMEBUFFER_UNSUPPORTED"},
-  };
-  for (const auto& row : rows) {
-    beginOffscreenFrame(target, 4, 4);
-    EXPECT_EQ(pending_error(), "(none)");
-    if (row.function) spy.fail_next(row.function, 1, row.error);
-    beginOffscreenFrame(target, row.width, row.height);
-    EXPECT_EQ(pending_error().find(row.message), 0U) << row.message;
-    clear_gl_errors();
-    Picture picture(8, 8);
-    finishOffscreenFrame(target, picture.bytes.data());
-    EXPECT_EQ(pending_error(), "No offscreen frame has been begun. ");
-  }
-  std::thread([&] {
-    beginOffscreenFrame(target, 4, 4);
-    EXPECT_EQ(pending_error().find("An error occured. "), 0U);
-  }).join();
-  clearOffscreenTarget(target);
-}
-
-// Whatever a target is asked for, the client has its own context back afterwards; only a new target leaves its own
-// one current.
+// Whatever a target is asked for, the client has its own context back afterwards, and no frame is begun any more;
+// only a new target leaves its own one current.
 TEST(OffscreenTargetGLTest, TheContextOfTheClientComesBack) {
   auto client = std::make_unique<ClientContext>();
   const auto frame = [](OffscreenTargetHandle target, unsigned size) {
     beginOffscreenFrame(target, size, size);
     EXPECT_TRUE(gl::is_context_current());
   };
+  GlSpy spy;
+  const auto refused = [&](unsigned width, unsigned height, const char* failing = "", GLenum failure = 0) {
+    return [=, &spy](OffscreenTargetHandle target) {
+      beginOffscreenFrame(target, 4, 4);
+      spy.fail_next(failing, 1, failure);
+      beginOffscreenFrame(target, width, height);
+      clear_gl_errors();
+    };
+  };
+  const std::string where = "An OpenGL error in beginOffscreenFrame occured: ";
+  const std::string incomplete = "The offscreen framebuffer is not complete: ";
   struct Case {
     const char* name;
     std::function<void(OffscreenTargetHandle)> call;
-    std::string error = "(none)";
+    std::string error = "(none)";  // begins so
   };
   const Case cases[] = {
       {"nothing", [](auto) {}},
@@ -95,9 +83,21 @@ TEST(OffscreenTargetGLTest, TheContextOfTheClientComesBack) {
          finishOffscreenFrame(target, nullptr);
        }},
       {"no size", [&](auto target) { frame(target, 0); },
-       "The offscreen framebuffer is not complete: GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT"},
-      {"no size after a good begin", [&](auto target) { frame(target, 4), frame(target, 0); },
-       "The offscreen framebuffer is not complete: GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT"},
+       incomplete + "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT"},
+      {"no size after a good begin", refused(0, 0), incomplete + "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT"},
+      {"too wide", refused(100000, 4), where},
+      {"too high", refused(4, 0xFFFFFFFFU), where},
+      {"no memory", refused(8, 8, "glRenderbufferStorage", GL_OUT_OF_MEMORY),
+       where + "There is not enough memory"},
+      {"unsupported", refused(8, 8, "glCheckFramebufferStatus", GL_FRAMEBUFFER_UNSUPPORTED),
+       incomplete + "GL_FRAMEBUFFER_UNSUPPORTED"},
+      {"another thread",
+       [&](auto target) {
+         frame(target, 4);
+         std::thread(beginOffscreenFrame, target, 4, 4).join();
+         finishOffscreenFrame(target, nullptr);
+       },
+       "An error occured. "},
       {"begun twice",
        [&](auto target) {
          frame(target, 4), frame(target, 5);
@@ -124,7 +124,9 @@ TEST(OffscreenTargetGLTest, TheContextOfTheClientComesBack) {
     client->makeCurrent();
     call(target);
     EXPECT_EQ(gl::current_context(), client->handle());
-    EXPECT_EQ(pending_error(), error);
+    EXPECT_EQ(pending_error().find(error), 0U);
+    finishOffscreenFrame(target, nullptr);
+    EXPECT_EQ(pending_error(), "No offscreen frame has been begun. ");
     clearOffscreenTarget(target);
     EXPECT_EQ(gl::current_context(), client->handle());
   }
@@ -134,14 +136,12 @@ TEST(OffscreenTargetGLTest, TheContextOfTheClientComesBack) {
     clearOffscreenTarget(target);
     EXPECT_EQ(gl::current_context(), client->handle()) << "cleared with its own context current";
   }
-  {
-    GlSpy spy;
-    spy.answer(GL_MAJOR_VERSION, 2);
-    EXPECT_EQ(createOffscreenTarget(), nullptr);
-    EXPECT_NE(pending_error(), "(none)");
-    EXPECT_EQ(gl::current_context(), client->handle());
-  }
   const OffscreenTargetHandle survivor = createOffscreenTarget();
+  client->makeCurrent();
+  spy.answer(GL_MAJOR_VERSION, 2);
+  EXPECT_EQ(createOffscreenTarget(), nullptr);
+  EXPECT_NE(pending_error(), "(none)");
+  EXPECT_EQ(gl::current_context(), client->handle());
   client.reset();
   clearOffscreenTarget(survivor);
   EXPECT_FALSE(gl::is_context_current()) << "there is nothing to go back to";

@@ -1,7 +1,6 @@
 #include "support/test_context.h"
 
 #include <array>
-#include <filesystem>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -42,6 +41,12 @@ void clear_gl_errors() {
   gl::discard_gl_errors();
 }
 
+std::string text_of(const std::filesystem::path& file) {
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  return text.str();
+}
+
 std::string log_of(const std::function<void()>& action) {
   const auto file =
       std::filesystem::temp_directory_path() / ("oct_log_" + std::to_string(std::random_device{}()) + ".txt");
@@ -49,10 +54,9 @@ std::string log_of(const std::function<void()>& action) {
   action();
   set_log_file_name("");
   log() << "closes the file before it is read";
-  std::ostringstream text;
-  text << std::ifstream(file).rdbuf();
+  std::string text = text_of(file);
   std::filesystem::remove(file);
-  return text.str();
+  return text;
 }
 
 }  // namespace oct::test

@@ -1,6 +1,7 @@
 // An OpenGL context for tests of what lies below the exports.
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -102,6 +103,8 @@ inline bool contains(const std::string& text, const std::string& part) {
 
 // Forgets the errors that OpenGL has to report.
 void clear_gl_errors();
+
+std::string text_of(const std::filesystem::path& file);
 
 // Runs the action with the library log in a file of its own and returns what was logged.
 std::string log_of(const std::function<void()>& action);
