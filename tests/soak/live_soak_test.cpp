@@ -41,7 +41,7 @@ class LiveSoakTest : public testing::Test {
     VolumeScene scene;
     scene.coloring = {ramp_colors(256, 0.5), 0.0, 60.0};
     apply(scene, stage_.renderer);
-    setBorder(stage_.renderer, 1, 1, 1);
+    setBorder(stage_.renderer, 0, 1, 1);  // labels are made when an angle first shows them
   }
   ~LiveSoakTest() override {
     clearDataSource(source_);
