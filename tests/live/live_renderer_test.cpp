@@ -370,9 +370,12 @@ TEST_F(LiveRendererTest, WhatFailsTellsItsPlace) {
 
   produce(3.0F);
   const int uploads = spy_.calls("glTexSubImage3D");
+  const auto [drawn, dropped] = live_.get_counts();
   spy_.fail_next("glUnmapBuffer");
   live_.render();
   EXPECT_EQ(spy_.calls("glTexSubImage3D"), uploads) << "a lost volume is not shown";
+  EXPECT_EQ(live_.get_counts().drawn, drawn);
+  EXPECT_EQ(live_.get_counts().dropped, dropped + 1);
   spy_.fail_next("glMapBuffer");
   failed_maps_ = 1;
   expect_failure("This is an error.", "Invalid Ptr...\nPtr is invalid. \n", [&] { live_.render(); });
