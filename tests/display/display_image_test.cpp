@@ -1,7 +1,4 @@
 // Whole pictures of the display, drawn through the exports, against the CPU reference.
-#include <filesystem>
-
-#include "data/formats/npy_reader.h"
 #include "support/opengl/foreign_state.h"
 #include "support/reference/display_reference.h"
 #include "support/test_context.h"
@@ -89,22 +86,6 @@ TEST(DisplayImageGLTest, EqualsReference) {
     change(scene);
     EXPECT_TRUE(agree(stage.draw(scene), reference_picture(scene), tolerance)) << name;
     EXPECT_EQ(pending_error(), "(none)");
-  }
-}
-
-// A measurement of skin, reduced and enlarged at once; noise of that kind has no two equal neighbours.
-TEST(DisplayImageGLTest, SkinEqualsReference) {
-  const std::filesystem::path file = std::filesystem::path(OCT_SHARED_DATA) / "bscan_skin_thumb.npy";
-  if (!std::filesystem::exists(file)) GTEST_SKIP() << "no recorded data beside the project: " << file;
-  app::InputFile input(file);
-  Scene scene = scene_of(512, 1272, 640, 700);
-  scene.image.samples = app::to_image(app::read_npy(input, {}), false).samples;
-  scene.lower = 20.0;
-  scene.upper = 180.0;
-  const DisplayStage stage;
-  for (const bool filtered : {false, true}) {
-    scene.pepper = scene.second_blur = filtered;
-    EXPECT_TRUE(agree(stage.draw(scene), reference_picture(scene)));
   }
 }
 
