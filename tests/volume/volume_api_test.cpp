@@ -168,8 +168,7 @@ class VolumeFaultTest : public VolumeTest {
     expect_no_error();
   }
   static void expect_error_of(const std::string& place) {
-    const std::string error = pending_error();
-    EXPECT_EQ(error.find("An OpenGL error in " + place + " occured: "), 0U) << error;
+    EXPECT_TRUE(pending_error().starts_with("An OpenGL error in " + place + " occured: ")) << place;
   }
 };
 
