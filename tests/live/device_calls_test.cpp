@@ -196,39 +196,32 @@ std::string name_of(const testing::TestParamInfo<Failure>& info) {
 
 class DeviceErrorsTest : public LiveTest, public testing::WithParamInterface<Failure> {
  protected:
-  bool ended() {
-    return frames_until(
-        [&] { return client_errors.all().size() >= GetParam().messages.size() && device_.objects() == 0; });
-  }
-
   // With all that a source can ask its device for.
   void play() {
-    const Failure& failure = GetParam();
+    const auto& [function, call, end, messages] = GetParam();
     setRenderElements(renderer_, 1, 1);
     setSizeZ(source_, 8);
-    device_.fail(failure.function, failure.call);
+    device_.fail(function, call);
     start();
     EXPECT_EQ(pending_error(), "(none)");
-    if (failure.end == End::thread) {
-      EXPECT_TRUE(ended());
-    } else {
-      // The loop goes on, and draws.
-      const int before = device_.volumes();
-      EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 5 && !voxels_.empty(); }));
+    int before = device_.volumes();
+    const auto goes_on = [&] { return device_.volumes() > before + 5 && !voxels_.empty(); };
+    if (end != End::thread) {
+      EXPECT_TRUE(frames_until(goes_on));
       stopDataSource(source_);
     }
-    if (failure.end == End::restart) {
-      start();
-      EXPECT_TRUE(ended());
-    }
-    EXPECT_EQ(client_errors.at_least(failure.messages.size()), failure.messages);
+    if (end == End::restart) start();
+    EXPECT_TRUE(frames_until([&, count = messages.size()] {
+      return client_errors.all().size() >= count && device_.objects() == 0;
+    }));
+    EXPECT_EQ(client_errors.all(), messages);
 
-    const int before = device_.volumes();
+    before = device_.volumes();
     start();  // without stopDataSource, where the thread has ended by itself
     EXPECT_EQ(pending_error(), "(none)");
-    EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 2 && !voxels_.empty(); }));
+    EXPECT_TRUE(frames_until(goes_on));
     EXPECT_TRUE(uniform(voxels_));
-    EXPECT_EQ(client_errors.all(), failure.messages);
+    EXPECT_EQ(client_errors.all(), messages);
   }
 };
 

@@ -18,11 +18,6 @@ using LiveApiTest = LiveTest;
 constexpr const char* invalid_source = "The specified LiveDataSourceHandle is invalid. ";
 constexpr const char* invalid_renderer = "The specified VolumeRendererHandle is invalid. ";
 
-std::string error_of(const std::function<void()>& call) {
-  call();
-  return pending_error();
-}
-
 TEST_F(LiveApiTest, NullHandles) {
   const OCTDeviceHandle device = device_.device();
   const ProcessingHandle processing = device_.processing(0);
@@ -39,25 +34,24 @@ TEST_F(LiveApiTest, NullHandles) {
   unsigned drawn = 7;
   constexpr const char* not_valid = "The handle is not valid. ";
   const auto other = reinterpret_cast<LiveVolumeRenderingHandle>(source);
-  const std::pair<std::function<void()>, const char*> cases[] = {
-      {[] { createOnlineDataSource(nullptr, nullptr); }, "The specifided OCTDeviceHandle is invalid. "},
-      {[] { createOnlineDataSource_PS(nullptr, nullptr, nullptr, nullptr); },
-       "The specifided OCTDeviceHandle is invalid. "},
-      {[] { startDataSource(nullptr, nullptr, nullptr); }, invalid_source},
-      {[&] { startDataSource(other, source, nullptr); }, not_valid},
-      {[&] { clearDataSource(reinterpret_cast<LiveDataSourceHandle>(live_)); }, not_valid},
-      {[&] { selectOnlineDataSource_Camera(reinterpret_cast<LiveDataSourceHandle>(live_), 1); }, not_valid},
-      {[&] { setLiveVolumeRenderingRenderer(live_, nullptr); }, "Cannot lock nullptr. "},
-      {[&] { EXPECT_EQ(createOnlineDataSource(device, nullptr), nullptr); },
-       "The specifided ProcessingHandle is invalid. "},
-      {create_ps(nullptr, processing), "The specifided ProcessingHandle for camera/sensor-0 is invalid. "},
-      {create_ps(processing, nullptr), "The specifided ProcessingHandle for camera/sensor-1 is invalid. "},
-      {create_ps(processing, processing), "The specifided PolarizationProcessingHandle is invalid. "},
-      {[&] { startDataSource(nullptr, source, nullptr); }, invalid_renderer},
-      {[&] { startDataSource(live_, source, nullptr); }, "The specified ScanPatternHandle is invalid. "},
-      {[&] { getLiveVolumeCounts(nullptr, &drawn, nullptr); }, invalid_renderer}};
-  int number = 0;
-  for (const auto& [call, message] : cases) EXPECT_EQ(error_of(call), message) << "case " << number++;
+  const std::string no_device = "The specifided OCTDeviceHandle is invalid. ";
+  expect_refused({
+      {no_device, [] { createOnlineDataSource(nullptr, nullptr); }},
+      {no_device, [] { createOnlineDataSource_PS(nullptr, nullptr, nullptr, nullptr); }},
+      {invalid_source, [] { startDataSource(nullptr, nullptr, nullptr); }},
+      {not_valid, [&] { startDataSource(other, source, nullptr); }},
+      {not_valid, [&] { clearDataSource(reinterpret_cast<LiveDataSourceHandle>(live_)); }},
+      {not_valid, [&] { selectOnlineDataSource_Camera(reinterpret_cast<LiveDataSourceHandle>(live_), 1); }},
+      {"Cannot lock nullptr. ", [&] { setLiveVolumeRenderingRenderer(live_, nullptr); }},
+      {"The specifided ProcessingHandle is invalid. ",
+       [&] { EXPECT_EQ(createOnlineDataSource(device, nullptr), nullptr); }},
+      {"The specifided ProcessingHandle for camera/sensor-0 is invalid. ", create_ps(nullptr, processing)},
+      {"The specifided ProcessingHandle for camera/sensor-1 is invalid. ", create_ps(processing, nullptr)},
+      {"The specifided PolarizationProcessingHandle is invalid. ", create_ps(processing, processing)},
+      {invalid_renderer, [&] { startDataSource(nullptr, source, nullptr); }},
+      {"The specified ScanPatternHandle is invalid. ", [&] { startDataSource(live_, source, nullptr); }},
+      {invalid_renderer, [&] { getLiveVolumeCounts(nullptr, &drawn, nullptr); }},
+  });
   EXPECT_EQ(drawn, 7U);
   // These take null without a word.
   setOnlineRefractiveIndex(nullptr, 0.0);
@@ -78,17 +72,17 @@ TEST_F(LiveApiTest, Misuse) {
   make_source();
   const LiveDataSourceHandle source = source_;
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-  for (const double index : {0.0, -1.33, nan, HUGE_VAL}) {
-    EXPECT_EQ(error_of([&] { setOnlineRefractiveIndex(source, index); }),
-              "The refractive index must be above zero. ");
-  }
-  for (const int size : {0, -5}) {
-    EXPECT_EQ(error_of([&] { setSizeZ(source, size); }), "At least one depth sample must be kept. ");
-  }
-  EXPECT_EQ(error_of([&] { stopDataSource(source); }), "(none)") << "nothing runs";
-  start();
-  EXPECT_EQ(pending_error(), "(none)");
-  EXPECT_EQ(error_of([&] { start(); }), "BrennickDataSource already running");
+  const std::string index = "The refractive index must be above zero. ";
+  const std::string size = "At least one depth sample must be kept. ";
+  expect_refused({{index, [=] { setOnlineRefractiveIndex(source, 0.0); }},
+                  {index, [=] { setOnlineRefractiveIndex(source, -1.33); }},
+                  {index, [=] { setOnlineRefractiveIndex(source, nan); }},
+                  {index, [=] { setOnlineRefractiveIndex(source, HUGE_VAL); }},
+                  {size, [=] { setSizeZ(source, 0); }},
+                  {size, [=] { setSizeZ(source, -5); }},
+                  {"(none)", [=] { stopDataSource(source); }},  // nothing runs
+                  {"(none)", [&] { start(); }},
+                  {"BrennickDataSource already running", [&] { start(); }}});
   EXPECT_TRUE(frames_until_shown()) << "the source runs on";
   EXPECT_TRUE(isLiveVolumeRunning(live_));
   stopDataSource(source);
@@ -103,9 +97,9 @@ TEST_F(LiveApiTest, Misuse) {
 // A standard source takes the settings of the other kind and does nothing with them.
 TEST_F(LiveApiTest, SettingsOfTheOtherKindOfSource) {
   make_polarization_source();
-  EXPECT_EQ(error_of([&] { setOnlineAnalogInputConfiguration(source_, true); }),
-            "Analog input not supported in PS Live mode.");
-  EXPECT_EQ(error_of([&] { setOnlineAnalogInputConfiguration(source_, false); }), "(none)");
+  expect_refused({{"Analog input not supported in PS Live mode.",
+                   [&] { setOnlineAnalogInputConfiguration(source_, true); }},
+                  {"(none)", [&] { setOnlineAnalogInputConfiguration(source_, false); }}});
   clearDataSource(source_);
   make_source();
   selectOnlineDataSource_PS(source_, 42);

@@ -2,6 +2,7 @@
 // is told of what fails.
 #include <cmath>
 
+#include "support/fault_scenario.h"
 #include "support/gl_spy.h"
 #include "support/mark_recorder.h"
 #include "volume/volume_test.h"
@@ -167,8 +168,7 @@ class VolumeFaultTest : public VolumeTest {
     expect_no_error();
   }
   static void expect_error_of(const std::string& place) {
-    const std::string error = pending_error();
-    EXPECT_EQ(error.find("An OpenGL error in " + place + " occured: "), 0U) << error;
+    EXPECT_TRUE(pending_error().starts_with("An OpenGL error in " + place + " occured: ")) << place;
   }
 };
 
@@ -202,6 +202,24 @@ TEST_F(VolumeFaultTest, AFrameThatFailsTellsThePlace) {
     EXPECT_TRUE(found.starts_with(error)) << function << ": " << found;
     clear_gl_errors();
   }
+}
+
+// Rays and what is around them are failed elsewhere.
+TEST_F(VolumeFaultTest, EveryCallOfASectionalView) {
+  scene_.sectional = true;
+  uninitializeVolumeRenderer(renderer_);
+  fail_every_call({[&] {
+                     initializeVolumeRenderer(renderer_);
+                     stage_.prepare(scene_);
+                   },
+                   [&] { return stage_.frame(); },
+                   [&] {
+                     beginOffscreenFrame(stage_.target, 1, 1);
+                     uninitializeVolumeRenderer(renderer_);
+                     allocateOfflineVolume(offline_, 0, 0, 0);
+                     finishOffscreenFrame(stage_.target, nullptr);
+                   },
+                   pending_error});
 }
 
 TEST_F(VolumeFaultTest, AFailedAllocationLeavesNoVolume) {
