@@ -156,13 +156,9 @@ TEST_P(ControlLoopGLTest, TheContextIsBackAfterEveryFunctionOfTheClient) {
   bool none = false;
   const auto take_away = [&] {
     none = !none;
-    if (none) {
-      other.reset();
-      other = std::make_unique<TestContext>();
-      other.reset();
-    } else {
-      other = std::make_unique<TestContext>();
-    }
+    other.reset();
+    other = std::make_unique<TestContext>();
+    if (none) other.reset();
   };
   std::set<void*> contexts;
   const auto note = [&] {
