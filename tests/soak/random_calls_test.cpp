@@ -186,19 +186,12 @@ class Client {
         set(displays_,
             [this](auto handle, Dice& dice) {
               setDisplayData(handle, dice.size(), dice.size(), voxels_.data());
-            }),
-        set(displays_,
-            [this](auto handle, Dice& dice) {
               setDisplayOverlayData(handle, dice.size(), dice.size(), voxels_.data());
             }),
         set(displays_,
-            [this](auto handle, Dice& dice) { setDisplayColormap(handle, colors_.data(), dice.size()); }),
-        set(displays_,
             [this](auto handle, Dice& dice) {
+              setDisplayColormap(handle, colors_.data(), dice.size());
               setDisplayOverlayColormap(handle, dice.below(10), colors_.data(), dice.size());
-            }),
-        set(displays_,
-            [](auto handle, Dice& dice) {
               setDisplayBlur(handle, dice.flip(), dice.flip());
               setDisplayPepperFilter(handle, dice.flip());
               setDisplayNumberOverlays(handle, 0, dice.below(10));
@@ -209,25 +202,18 @@ class Client {
               setZoom(handle, dice.real());
               setTranslation(handle, dice.real(), dice.real(), dice.real());
               setRange(handle, dice.real(), dice.real(), dice.real());
-            }),
-        set(volumes_,
-            [](auto handle, Dice& dice) {
-              setRenderElements(handle, dice.flip(), dice.flip());
-              setRenderingMode(handle, dice.below(3));
-              setVolumeMode(handle, dice.below(5));
-              setRenderingSlices(handle, dice.of({-1, 0, 1, 64}));
-              setBorder(handle, dice.below(8) == 0, dice.flip(), dice.flip());
-            }),
-        set(volumes_,
-            [](auto handle, Dice& dice) {
               setClipPlane(handle, dice.flip(), dice.flip(), static_cast<float>(dice.real()));
               fixClipPlane(handle, dice.flip());
               setRemoveSegment(handle, dice.flip());
             }),
         set(volumes_,
-            [this](auto handle, Dice& dice) { setRendererColormap(handle, colors_.data(), dice.size()); }),
-        set(volumes_,
             [this](auto handle, Dice& dice) {
+              setRenderElements(handle, dice.flip(), dice.flip());
+              setRenderingMode(handle, dice.below(3));
+              setVolumeMode(handle, dice.below(5));
+              setRenderingSlices(handle, dice.of({-1, 0, 1, 64}));
+              setBorder(handle, dice.below(8) == 0, dice.flip(), dice.flip());
+              setRendererColormap(handle, colors_.data(), dice.size());
               setSurface(handle, dice.size(), dice.size(), dice.real(), voxels_.data());
               setSurfaceDepths(handle, dice.real(), dice.real());
             }),

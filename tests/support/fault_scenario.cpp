@@ -30,9 +30,7 @@ class FaultRun {
   void every_call() {
     for (const auto& [function, count] : calls_) {
       if (!can_fail(function)) continue;
-      std::set<int> indices{0, count - 1};
-      if (scenario_.thorough) indices.insert({std::min(1, count - 1), count / 2});
-      for (const int index : indices) {
+      for (const int index : std::set<int>{0, std::min(1, count - 1), count / 2, count - 1}) {
         SCOPED_TRACE(function + ", call " + std::to_string(index) + " of " + std::to_string(count));
         one_call(function, index);
         ++faults_;

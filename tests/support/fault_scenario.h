@@ -15,12 +15,11 @@ struct FaultScenario {
   std::function<void()> stop;          // gives the OpenGL objects back
   std::function<std::string()> error;  // the first since the last call; "(none)"
   bool dies_of_errors = false;         // after any it has to be started again
-  bool thorough = true;                // more than the first and the last call of each function
 };
 
-// Runs the scenario once for each of its calls (the first and last of each function, and the second and middle one;
-// queries and deletions cannot fail): a fault is reported or does not show, and leaves nothing: after it a frame is right again,
-// and after stop no object is left.
+// Runs the scenario once for each of its calls (the first, second, middle and last of each function; queries and deletions
+// cannot fail): a fault is reported or does not show, and leaves nothing: after it a frame is right again, and after
+// stop no object is left.
 void fail_every_call(const FaultScenario& scenario);
 
 }  // namespace oct::test

@@ -20,15 +20,6 @@
 namespace oct::test {
 namespace {
 
-Picture difference(const Picture& a, const Picture& b) {
-  Picture result(a.width, a.height);
-  for (std::size_t i = 0; i < result.bytes.size(); ++i) {
-    const int apart = std::abs(int{a.bytes[i]} - int{b.bytes[i]});
-    result.bytes[i] = static_cast<std::uint8_t>(i % 4 == 3 ? 255 : std::min(255, apart * 32));
-  }
-  return result;
-}
-
 std::string current_test_name() {
   const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
   std::string name = std::string(test->test_suite_name()) + "." + test->name();
@@ -81,7 +72,6 @@ testing::AssertionResult agree(const Picture& actual, const Picture& expected, T
   const std::string name = current_test_name() + "." + std::to_string(++failures);
   write_png(actual, name + ".actual.png");
   write_png(expected, name + ".expected.png");
-  write_png(difference(actual, expected), name + ".difference.png");
   return testing::AssertionFailure() << far_pixels << " of " << pixels << " pixels differ by more than "
                                      << tolerance.nearly << " levels, all by " << mean
                                      << " on average; the worst by " << worst << " at column "

@@ -51,8 +51,8 @@ struct Tolerance {
 
 constexpr Tolerance exact{0, 1.0, 0};
 
-// Every channel counts. A failed comparison writes both pictures and their difference as PNG files into the
-// working folder and names them; of a test with several, each has its number.
+// Every channel counts. A failed comparison writes both pictures as PNG files into the working folder
+// and names them; of a test with several, each has its number.
 testing::AssertionResult agree(const Picture& actual, const Picture& expected, Tolerance tolerance = {});
 
 void write_png(const Picture& picture, const std::string& file);
