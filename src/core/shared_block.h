@@ -19,12 +19,11 @@ class SharedBlock {
   SharedBlock(const SharedBlock&) = delete;
   SharedBlock& operator=(const SharedBlock&) = delete;
 
+  // A reader sees what one writer has written.
   Bytes read() const;
   void write(const Bytes& bytes);
 
  private:
-  Bytes read_once() const;
-
   struct Mapping;
   std::unique_ptr<Mapping> mapping_;
 };

@@ -4,12 +4,38 @@
 #include <stdexcept>
 
 #include <boost/interprocess/shared_memory_object.hpp>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace oct {
 
 namespace ipc = boost::interprocess;
+
+namespace {
+
+// A copy can be interrupted half-way: whoever copies holds the file. Where its holder hangs, the copy is made without.
+class FileTurn {
+ public:
+  FileTurn(int file, int kind) : file_(file) {
+    constexpr int attempts = 100;
+    for (int i = 0; i < attempts && !held_; ++i) {
+      if (i > 0) usleep(1000);
+      held_ = flock(file_, kind | LOCK_NB) == 0;
+    }
+  }
+  ~FileTurn() {
+    if (held_) flock(file_, LOCK_UN);
+  }
+  FileTurn(const FileTurn&) = delete;
+  FileTurn& operator=(const FileTurn&) = delete;
+
+ private:
+  const int file_;
+  bool held_ = false;
+};
+
+}  // namespace
 
 struct SharedBlock::Mapping {
   ipc::shared_memory_object memory;
@@ -29,13 +55,15 @@ SharedBlock::SharedBlock(const char* name)
 SharedBlock::~SharedBlock() = default;
 
 // Bytes beyond the block's end, where it is new or was cut, are 0.
-SharedBlock::Bytes SharedBlock::read_once() const {
+SharedBlock::Bytes SharedBlock::read() const {
   Bytes bytes{};
+  const FileTurn turn(mapping_->file(), LOCK_SH);
   if (pread(mapping_->file(), bytes.data(), size, 0) < 0) return {};
   return bytes;
 }
 
 void SharedBlock::write(const Bytes& bytes) {
+  const FileTurn turn(mapping_->file(), LOCK_EX);
   if (pwrite(mapping_->file(), bytes.data(), size, 0) != static_cast<ssize_t>(size)) {
     throw std::runtime_error("The shared block could not be written. ");
   }

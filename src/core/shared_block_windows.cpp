@@ -59,7 +59,7 @@ SharedBlock::SharedBlock(const char* name) : mapping_(std::make_unique<Mapping>(
 
 SharedBlock::~SharedBlock() = default;
 
-SharedBlock::Bytes SharedBlock::read_once() const {
+SharedBlock::Bytes SharedBlock::read() const {
   Bytes bytes;
   const std::lock_guard lock(mapping_->mutex);
   std::memcpy(bytes.data(), mapping_->region.get_address(), size);

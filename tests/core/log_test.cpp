@@ -77,7 +77,7 @@ TEST_F(LogTest, ANameIsSeenWhole) {
   setRendererLogFile(names[0].c_str());
   std::atomic<bool> done{false};
   std::thread writer([&] {
-    for (std::size_t i = 0; i < 40'000; ++i) setRendererLogFile(names[i % 2].c_str());
+    for (std::size_t i = 0; i < 10'000; ++i) setRendererLogFile(names[i % 2].c_str());
     done = true;
   });
   int cut = 0;
