@@ -90,7 +90,7 @@ TEST_F(LiveFailureTest, EveryOpenGLCall) {
   finish();
   pending_error();
   fail_every_call(
-      {[&] { begin(); }, [&] { return shown(); }, [&] { finish(); }, [&] { return error(); }, true, false});
+      {[&] { begin(); }, [&] { return shown(); }, [&] { finish(); }, [&] { return error(); }, true});
 }
 
 // A start that gets no memory or no thread says so, leaves nothing behind, and the next one works.
