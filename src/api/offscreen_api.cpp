@@ -1,4 +1,6 @@
 // Exports of the offscreen target.
+#include <exception>
+
 #include "api/guard.h"
 #include "api/handles.h"
 #include "hosting/offscreen/offscreen_target.h"
@@ -22,7 +24,16 @@ OffscreenTargetHandle createOffscreenTarget(void) {
 
 void clearOffscreenTarget(OffscreenTargetHandle Handle) {
   guarded(__func__, [&] {
-    if (Handle) oct::api::delete_object<OffscreenTarget>(Handle);
+    if (!Handle) return;
+    std::exception_ptr failure;  // which does not keep the target alive
+    oct::api::delete_object<OffscreenTarget>(Handle, [&](OffscreenTarget& ended) {
+      try {
+        ended.close();
+      } catch (...) {
+        failure = std::current_exception();
+      }
+    });
+    if (failure) std::rethrow_exception(failure);
   });
 }
 

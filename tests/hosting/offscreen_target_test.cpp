@@ -136,6 +136,10 @@ TEST(OffscreenTargetGLTest, TheContextOfTheClientComesBack) {
     clearOffscreenTarget(target);
     EXPECT_EQ(gl::current_context(), client->handle()) << "cleared with its own context current";
   }
+  const OffscreenTargetHandle elsewhere = createOffscreenTarget();
+  frame(elsewhere, 4);
+  std::thread(clearOffscreenTarget, elsewhere).join();
+  EXPECT_EQ(pending_error().find("An error occured. "), 0U);
   const OffscreenTargetHandle survivor = createOffscreenTarget();
   client->makeCurrent();
   spy.answer(GL_MAJOR_VERSION, 2);

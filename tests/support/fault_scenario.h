@@ -17,8 +17,8 @@ struct FaultScenario {
   bool dies_of_errors = false;         // after any it has to be started again
 };
 
-// Runs the scenario once for each of its calls (the first, second, middle and last of each function; queries and deletions
-// cannot fail): a fault is reported or does not show, and leaves nothing: after it a frame is right again, and after
+// Runs the scenario once for each of its calls (of each function the middle one, in the native build the first, second
+// and last as well; queries and deletions cannot fail): a fault is reported or does not show, and leaves nothing: after it a frame is right again, and after
 // stop no object is left.
 void fail_every_call(const FaultScenario& scenario);
 

@@ -20,17 +20,22 @@ OffscreenTarget::OffscreenTarget() : host_(OpenGLHost::acquire()), context_(host
 }
 
 OffscreenTarget::~OffscreenTarget() {
+  try {
+    close();
+  } catch (const std::exception& error) {
+    write_error(error.what());
+  }
+}
+
+void OffscreenTarget::close() {
+  if (std::exchange(closed_, true)) return;
   if (!context_.is_current()) {
     at_end_.replace(gl::CurrentContext());
   } else if (before_frame_ && !context_.is(*before_frame_)) {
     at_end_.replace(*before_frame_);
   }
-  try {
-    context_.makeCurrent();
-    buffer_.release();
-  } catch (const std::exception& error) {
-    write_error(error.what());
-  }
+  context_.makeCurrent();
+  buffer_.release();
 }
 
 void OffscreenTarget::begin_frame(std::uint32_t width, std::uint32_t height) {

@@ -25,6 +25,10 @@ class OffscreenTarget {
   void begin_frame(std::uint32_t width, std::uint32_t height);
   void finish_frame(void* pixels);  // null reads nothing
 
+  // Deletes the OpenGL objects, as the destructor does otherwise, and throws what goes wrong. Nothing but the
+  // destructor may follow.
+  void close();
+
  private:
   void prepare(std::uint32_t width, std::uint32_t height);
 
@@ -33,6 +37,7 @@ class OffscreenTarget {
   gl::OpenGLContext context_;
   OffscreenBufferObject buffer_;
   std::optional<gl::CurrentContext> before_frame_;  // while a frame is begun
+  bool closed_ = false;
 };
 
 }  // namespace oct
