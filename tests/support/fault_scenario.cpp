@@ -9,9 +9,10 @@
 namespace oct::test {
 namespace {
 
+// Without its vertex array an indexed draw reads from address 0 on, and drivers crash. None refuses an array that it made.
 bool can_fail(const std::string& function) {
   return function.starts_with("gl") && !function.starts_with("glGet") && !function.starts_with("glDelete") &&
-         !function.starts_with("glUnmap");
+         !function.starts_with("glUnmap") && function != "glBindVertexArray";
 }
 
 class FaultRun {
