@@ -62,7 +62,8 @@ void Texture3D::require(const VolumeExtent& extent, GLenum internal_format) {
 void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint,
                          const float* data) {
   require(extent, internal_format);
-  reset();
+  SliceRevisions revisions;
+  revisions.restart(extent.b_scans);
   Texture texture = Texture::create();
   if (!texture) {
     throw std::runtime_error(memory_text(extent, internal_format) + "which the driver could not provide. ");
@@ -93,26 +94,31 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, con
   }
   texture_ = std::move(texture);
   extent_ = extent;
+  revisions_ = std::move(revisions);
 }
 
-void Texture3D::bind() const {
+Texture3D::Binding::Binding(GLuint texture) {
   glActiveTexture(GL_TEXTURE0);
-  glBindTexture(GL_TEXTURE_3D, texture_.get());
+  glBindTexture(GL_TEXTURE_3D, texture);
 }
 
-void Texture3D::upload_b_scans(std::int64_t first, std::int64_t count, const float* data) const {
+void Texture3D::upload_b_scans(std::int64_t first, std::int64_t count, const float* data,
+                               const char* checkpoint) {
   reset_pixel_unpack();
   const std::int64_t voxels = extent_.depth * extent_.a_scans;
   for (std::int64_t k = 0; k < count; ++k) {
     glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, static_cast<GLint>(first + k),
                     static_cast<GLsizei>(extent_.depth), static_cast<GLsizei>(extent_.a_scans), 1, GL_RED,
                     GL_FLOAT, data + k * voxels);
+    throwOnGLError(checkpoint);
+    revisions_.changed(first + k, first + k + 1);
   }
 }
 
 void Texture3D::reset() {
   texture_.reset();
   extent_ = {};
+  revisions_ = {};
 }
 
 }  // namespace oct::gl

@@ -6,6 +6,7 @@
 
 #include "core/extent.h"
 #include "gl/gl_names.h"
+#include "gl/slice_revisions.h"
 
 namespace oct::gl {
 
@@ -14,16 +15,30 @@ class Texture3D {
   // Throws std::invalid_argument for negative extents and for more than the driver holds, naming both.
   static void require(const VolumeExtent& extent, GLenum internal_format);
 
-  // A new texture of undefined contents, or of the given data; the one before is deleted first. After a
-  // failure (std::runtime_error) there is no texture. Leaves it bound at unit 0.
+  // A new texture of undefined contents, or of the given data, in place of the one before. After a failure
+  // (std::runtime_error) everything is as it was. Leaves it bound at unit 0.
   void allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint,
                 const float* data = nullptr);
 
-  // Leaves the texture bound at unit 0.
-  void bind() const;
+  // Bound at unit 0 as long as it lives, and nothing after it.
+  class Binding {
+   public:
+    ~Binding() { glBindTexture(GL_TEXTURE_3D, 0); }
+    Binding(const Binding&) = delete;
+    Binding& operator=(const Binding&) = delete;
 
-  // Copies `count` B-scans from first on, one call for each. The texture must be bound at unit 0.
-  void upload_b_scans(std::int64_t first, std::int64_t count, const float* data) const;
+   private:
+    friend class Texture3D;
+    explicit Binding(GLuint texture);
+  };
+  [[nodiscard]] Binding bind() const { return Binding(texture_.get()); }
+
+  // Copies `count` B-scans from first on, one call for each. The texture must be bound at unit 0. Throws what
+  // OpenGL refuses: the B-scans before that one have changed, and no other.
+  void upload_b_scans(std::int64_t first, std::int64_t count, const float* data, const char* checkpoint);
+  // For those who copy the whole texture themselves.
+  void all_changed() { revisions_.changed(0, revisions_.count()); }
+  const SliceRevisions& revisions() const { return revisions_; }
 
   void reset();
 
@@ -34,6 +49,7 @@ class Texture3D {
  private:
   Texture texture_;
   VolumeExtent extent_;
+  SliceRevisions revisions_;
 };
 
 }  // namespace oct::gl

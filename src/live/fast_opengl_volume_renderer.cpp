@@ -6,7 +6,6 @@
 #include "core/console.h"
 #include "core/exception.h"
 #include "core/log.h"
-#include "core/object_lock.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
 #include "live/upload_rate.h"
@@ -172,39 +171,30 @@ void FastOpenGLVolumeRenderer::lend_buffer() {
 
 void FastOpenGLVolumeRenderer::draw() {
   VolumeRenderer* const renderer = volume_renderer_;
-  if (!renderer) return;
-  const ObjectLock lock(renderer);  // no setter comes between the hand-over and the frame
-  VolumeSource source = renderer->source();
+  if (renderer) renderer->render(source());
+}
+
+VolumeSource FastOpenGLVolumeRenderer::source() const {
+  VolumeSource source;
+  if (upload_.secondary() != 0) {
+    source.secondary = upload_.secondary();
+    source.secondary_slice_count = secondary_width_;
+  }
   // Until the first volume has come the texture holds what the driver left in it.
-  source.volume = uploaded_ ? upload_.volume() : 0;
+  if (!uploaded_) return source;
+  source.volume = upload_.volume();
+  source.volume_revisions = &upload_.revisions();
   source.slice_count = static_cast<int>(upload_.extent().a_scans);
-  source.filled_fraction = 1.0F;
-  if (!hand_over_.mapped()) ++source.revision;  // the texture was just replaced
-  renderer->set_source(source);
-  renderer->render();
+  return source;
 }
 
 void FastOpenGLVolumeRenderer::initialize() {
   const VolumeExtent stored = get_size();
-  if (VolumeRenderer* const renderer = volume_renderer_) {
-    const ObjectLock lock(renderer);
-    VolumeSource source = renderer->source();
-    source.filled_fraction = 1.0F;
-    renderer->set_source(source);
-  }
   upload_.allocate(stored);
   home_ = gl::current_identity();
   hand_over_.set_extent(stored);
-  if (const std::int32_t width = hand_over_.secondary_width(); width > 0) {
-    upload_.allocate_secondary();
-    if (VolumeRenderer* const renderer = volume_renderer_) {
-      const ObjectLock lock(renderer);
-      VolumeSource source = renderer->source();
-      source.secondary = upload_.secondary();
-      source.secondary_slice_count = width;
-      renderer->set_source(source);
-    }
-  }
+  secondary_width_ = hand_over_.secondary_width();
+  if (secondary_width_ > 0) upload_.allocate_secondary();
   log() << "Initializing with sizes: " << stored.depth << " x " << stored.a_scans << " x " << stored.b_scans;
   float* const data = upload_.map_fresh();
   if (!hand_over_.offer(data)) {
@@ -220,25 +210,9 @@ void FastOpenGLVolumeRenderer::close() {
   log() << "FastOpenGLVolumeRenderer::close(): ResetEvent";
   if (mapped) upload_.unmap();
   log() << "Closing renderer. ";
-  forget_textures();
   upload_.release();
   uploaded_ = false;
   gl::throwOnGLError("FastOpenGLVolumeRenderer::close");
-}
-
-// The volume renderer may draw something else next, and OpenGL may give the names to somebody else.
-void FastOpenGLVolumeRenderer::forget_textures() {
-  VolumeRenderer* const renderer = volume_renderer_;
-  if (!renderer) return;
-  const ObjectLock lock(renderer);
-  VolumeSource source = renderer->source();
-  const bool away = gl::current_identity() != home_;  // the names mean nothing here, whosever they are
-  if (away || source.volume == upload_.volume()) source.volume = 0;
-  if (away || source.secondary == upload_.secondary()) {
-    source.secondary = 0;
-    source.secondary_slice_count = 0;
-  }
-  renderer->set_source(source);
 }
 
 }  // namespace oct

@@ -14,6 +14,7 @@
 namespace oct {
 
 class VolumeRenderer;
+struct VolumeSource;
 
 // Two threads meet here: the acquisition thread fills buffers that lie in the driver's memory, and the
 // rendering thread, which owns the context, does everything else in render, once per frame.
@@ -54,6 +55,7 @@ class FastOpenGLVolumeRenderer {
     std::uint32_t dropped = 0;  // no buffer in time, or lost by the driver
   };
   VolumeCounts get_counts() { return {drawn_, dropped_}; }
+  VolumeSource source() const;  // what the next frame draws; of the rendering thread
   double get_fps() { return fps_; }  // volumes per second
 
  private:
@@ -66,13 +68,13 @@ class FastOpenGLVolumeRenderer {
   void take_volume();
   void lend_buffer();
   void draw();
-  void forget_textures();
 
   Transition transition_;
   VolumeHandOver hand_over_;
   VolumeUpload upload_;
   gl::ContextIdentity home_ = gl::no_context;  // where the textures and buffers are
   bool uploaded_ = false;                      // since the texture was allocated
+  std::int32_t secondary_width_ = 0;           // of the secondary texture
   mutable std::mutex extent_mutex_;
   VolumeExtent extent_;  // of the volumes to come
   std::atomic<double> fps_ = 0.0;

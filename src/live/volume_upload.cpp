@@ -77,13 +77,14 @@ void VolumeUpload::unmap() {
 bool VolumeUpload::upload() {
   const VolumeExtent& extent = volume_.extent();
   gl::reset_pixel_unpack();
-  volume_.bind();
+  const auto binding = volume_.bind();
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
   const bool intact = glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER) == GL_TRUE;
   if (intact) {
     glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, 0, static_cast<GLsizei>(extent.depth),
                     static_cast<GLsizei>(extent.a_scans), static_cast<GLsizei>(extent.b_scans), GL_RED,
                     GL_FLOAT, nullptr);
+    volume_.all_changed();
   }
   unbind_buffer();
   current_ = (current_ + 1) % buffers_.size();

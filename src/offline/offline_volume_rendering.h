@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "gl/texture_3d.h"
 #include "volume/volume_renderer.h"
@@ -10,6 +11,7 @@ namespace oct {
 
 // No lock of its own: everything runs on the thread that owns the context. The attached renderer's setters
 // may run on other threads. Where another context is current than that of the allocation, nothing is allocated.
+// The renderer is handed everything with each frame, so that others may draw with it in between.
 class OfflineVolumeRendering {
  public:
   OfflineVolumeRendering();
@@ -21,7 +23,9 @@ class OfflineVolumeRendering {
   void set_renderer(VolumeRenderer* renderer) { renderer_ = renderer; }
   void set_aspect_ratio(float axial, float lateral1, float lateral2);
 
-  // Keeps volume and contents when the sizes are those it has.
+  // Keeps volume and contents when the sizes are those it has. A new volume is empty, and nothing of the one
+  // before stays. After a failure the picture is as it was, but nothing can be uploaded until an allocation
+  // succeeds: the caller's data has the size that was refused.
   void allocate(const VolumeExtent& extent);
 
   void upload(const float* volume);
@@ -45,19 +49,20 @@ class OfflineVolumeRendering {
   // Throws std::invalid_argument for a content that is not listed.
   void render(Content content);
 
+  // What a frame of that content draws.
+  VolumeSource source(Content content) const;
+
  private:
-  template <class Change>
-  void change_source(Change change);
   void require_volume() const;
   void require_b_scans(std::int64_t first, std::int64_t end) const;
   void volume_filled(float fraction);
-  void free_secondary();
-  VolumeSource source_of(Content content) const;
 
   VolumeRenderer* renderer_ = nullptr;
   float axial_ = 0.0F;
   float lateral1_ = 0.0F;
   float lateral2_ = 0.0F;
+  bool refused_ = false;         // the last allocation
+  std::optional<float> filled_;  // fraction of the volume; none: nothing has been uploaded since the allocation
   gl::Texture3D volume_;
   gl::Texture3D overlay_;
   gl::Texture3D secondary_;

@@ -26,9 +26,7 @@ void offset_polygons(float factor, float units) {
 
 }  // namespace
 
-VolumeRenderer::VolumeRenderer() {
-  set_sectional_view({Section{}, Section{}, Section{}});
-}
+VolumeRenderer::VolumeRenderer() = default;
 
 VolumeRenderer::~VolumeRenderer() {
   const TimingMark mark("~VolumeRenderer");
@@ -44,7 +42,7 @@ void VolumeRenderer::init() {
     programs_.load_scene();
     raycaster_.create();
     programs_.load_raycasting();
-    colormaps_.create();
+    create_colormaps();
     gl::throwOnGLError("VolumeRenderer::init");
     home_ = gl::current_identity();
   } catch (...) {
@@ -53,16 +51,23 @@ void VolumeRenderer::init() {
   }
 }
 
+void VolumeRenderer::create_colormaps() {
+  const std::lock_guard lock(settings_mutex_);
+  if (!settings_.colormaps) settings_.colormaps.emplace();
+}
+
 void VolumeRenderer::uninit() {
   const ObjectLock lock(this);
   const TimingMark mark("VolumeRenderer::uninit");
   release();
-  colormaps_.release();
+  const std::lock_guard settings_lock(settings_mutex_);
+  settings_.colormaps.reset();
 }
 
 void VolumeRenderer::release() {
   home_ = gl::no_context;
   programs_.unload();
+  colormaps_.release();
   background_.release();
   box_.release();
   raycaster_.release();
@@ -70,16 +75,17 @@ void VolumeRenderer::release() {
   surface_.release();
 }
 
-void VolumeRenderer::render() {
+void VolumeRenderer::render(const VolumeSource& source) {
   const ObjectLock lock(this);
   const TimingMark mark("VolumeRenderer::render");
   gl::require_opengl();
   if (home_ != gl::no_context) gl::require_home(home_);
-  const VolumeFrame frame = begin_frame();
+  const VolumeSettings settings = this->settings();
+  const VolumeFrame frame = begin_frame(settings, source);
   if (frame.camera.viewport.width <= 0 || frame.camera.viewport.height <= 0) return;
-  colormaps_.upload_changed();
+  colormaps_.update(settings);
   clear_target();
-  draw_background();
+  draw_background(frame);
   begin_depth();
   draw_box(frame);
   draw_behind_volume(frame);
@@ -89,12 +95,12 @@ void VolumeRenderer::render() {
   finish_frame();
 }
 
-VolumeFrame VolumeRenderer::begin_frame() {
+VolumeFrame VolumeRenderer::begin_frame(const VolumeSettings& settings, const VolumeSource& source) {
   const TimingMark mark("render: init");
-  VolumeFrame frame{settings_, source_, colormaps_, programs_, clip_plane_, {}, 1.0F};
-  frame.camera = camera_of(settings_.view, settings_.range, current_viewport());
-  frame.filled_end = filled_end(source_.filled_fraction, source_.slice_count);
-  clip_plane_.update(settings_.view);
+  VolumeFrame frame{settings, source, colormaps_, programs_, clip_plane_, {}, 1.0F};
+  frame.camera = camera_of(settings.view, source.range.value_or(settings.range), current_viewport());
+  frame.filled_end = filled_end(source.filled_fraction, source.slice_count);
+  clip_plane_.update(settings.clip_plane, settings.view);
   gl::throwOnGLError("render: init");
   return frame;
 }
@@ -105,8 +111,8 @@ void VolumeRenderer::clear_target() {
   glClearDepth(0.0);
 }
 
-void VolumeRenderer::draw_background() {
-  background_.set_colors(settings_.background_bottom, settings_.background_top);
+void VolumeRenderer::draw_background(const VolumeFrame& frame) {
+  background_.set_colors(frame.settings.background_bottom, frame.settings.background_top);
   background_.draw(programs_.background);
 }
 
@@ -139,7 +145,7 @@ void VolumeRenderer::draw_behind_volume(const VolumeFrame& frame) {
   glDepthMask(GL_FALSE);
   elements_.draw_frame(frame, ElementPass::behind);
   if (!frame.volume_shown()) return;
-  if (settings_.rendering_mode == RenderingMode::sectional_view) {
+  if (frame.settings.rendering_mode == RenderingMode::sectional_view) {
     elements_.sectional_view.draw_outline(frame);
   } else if (clip_plane_.enabled()) {
     elements_.draw_clip_plane_border(frame, ElementPass::behind);
@@ -150,7 +156,7 @@ void VolumeRenderer::draw_volume(const VolumeFrame& frame) {
   glDepthMask(GL_TRUE);
   glDepthFunc(GL_LEQUAL);
   if (!frame.volume_shown()) return;
-  if (settings_.rendering_mode == RenderingMode::sectional_view) {
+  if (frame.settings.rendering_mode == RenderingMode::sectional_view) {
     draw_sections(frame);
     return;
   }
@@ -159,9 +165,9 @@ void VolumeRenderer::draw_volume(const VolumeFrame& frame) {
     elements_.draw_clip_plane_border(frame, ElementPass::behind);
   }
   glPolygonOffset(1.0F, 4.0F);
-  if (settings_.remove_segment) elements_.draw_removed_segment(frame, ElementPass::behind);
+  if (frame.settings.remove_segment) elements_.draw_removed_segment(frame, ElementPass::behind);
   raycaster_.draw(frame, box_);
-  if (settings_.remove_segment) elements_.draw_removed_segment(frame, ElementPass::in_front);
+  if (frame.settings.remove_segment) elements_.draw_removed_segment(frame, ElementPass::in_front);
   // The rays covered the border's part on the cut.
   if (clip_plane_.enabled()) elements_.draw_clip_plane_border(frame, ElementPass::in_front);
 }
@@ -178,8 +184,8 @@ void VolumeRenderer::draw_sections(const VolumeFrame& frame) {
 }
 
 void VolumeRenderer::draw_surface(const VolumeFrame& frame) {
-  if (!settings_.render_surface || surface_.empty()) return;
-  if (frame.volume_shown() && settings_.rendering_mode == RenderingMode::raycasting) {
+  if (!frame.settings.render_surface || !frame.settings.surface) return;
+  if (frame.volume_shown() && frame.settings.rendering_mode == RenderingMode::raycasting) {
     // Rays left the depth of the box's near side, which would hide whatever the volume holds.
     begin_depth();
     draw_far_side(frame);

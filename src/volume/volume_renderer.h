@@ -1,13 +1,14 @@
 // Draws one volume, held by its owner in a 3-D texture, and the scene around it into the current target.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <mutex>
 
 #include "gl/context/context_identity.h"
 #include "volume/frame/volume_colormap.h"
 #include "volume/frame/volume_programs.h"
 #include "volume/frame/volume_settings.h"
-#include "volume/layout/clip_plane.h"
 #include "volume/passes/background.h"
 #include "volume/passes/box.h"
 #include "volume/passes/raycaster.h"
@@ -16,9 +17,10 @@
 
 namespace oct {
 
-// Every operation takes the renderer's ObjectLock, so that a frame sees each setting whole. init, uninit,
-// render and the destructor run on the thread that owns the context. A frame starts from OpenGL's own
-// settings, which its caller sees to (gl::ClientState), and leaves what it set.
+// Setters run on any thread and wait for no frame: a frame copies all settings when it begins, and what is set
+// later shows in the next one. init, uninit, render and the destructor run on the thread that owns the context,
+// one at a time (ObjectLock). A frame starts from OpenGL's own settings, which its caller sees to
+// (gl::ClientState), and leaves what it set.
 class VolumeRenderer {
  public:
   VolumeRenderer();
@@ -28,7 +30,7 @@ class VolumeRenderer {
 
   void init();
   void uninit();
-  void render();
+  void render(const VolumeSource& source);
 
   // Camera
   void set_angles(double x, double y);
@@ -44,7 +46,7 @@ class VolumeRenderer {
   void set_render_elements(bool volume, bool surface);
 
   // Scene
-  void set_sectional_view(const std::array<Section, 3>& sections);
+  void set_sectional_view(const Sections& sections);
   void set_clip_plane(bool enable, bool open_cut, float value);
   void fix_clip_plane(bool fix);
   void set_frame(const FrameFlags& flags);
@@ -60,18 +62,19 @@ class VolumeRenderer {
   void set_surface(int width, int height, double scale, const float* values);
   void set_surface_depths(double lower, double upper);
 
-  // For the owner of the volume
-  VolumeSource source() const;
-  void set_source(const VolumeSource& source);
-  void clear();  // forgets the volume and shows neither volume nor surface
+  void clear();  // shows neither volume nor surface
 
   VolumeSettings settings() const;
 
  private:
+  void create_colormaps();
+  // Null before init. Under the mutex.
+  ColormapSettings* find_colormap(ColormapRole role);
+
   // The steps of a frame, in their order.
-  VolumeFrame begin_frame();
+  VolumeFrame begin_frame(const VolumeSettings& settings, const VolumeSource& source);
   void clear_target();
-  void draw_background();
+  void draw_background(const VolumeFrame& frame);
   void begin_depth();
   void draw_box(const VolumeFrame& frame);
   void draw_far_side(const VolumeFrame& frame);
@@ -84,9 +87,11 @@ class VolumeRenderer {
 
   void release();
 
-  gl::ContextIdentity home_ = gl::no_context;  // where it was initialised; none: it is not
+  mutable std::mutex settings_mutex_;  // held for assignments only
   VolumeSettings settings_;
-  VolumeSource source_;
+
+  // Of the thread that draws.
+  gl::ContextIdentity home_ = gl::no_context;  // where it was initialised; none: it is not
   VolumeColormaps colormaps_;
   VolumePrograms programs_;
   ClipPlane clip_plane_;

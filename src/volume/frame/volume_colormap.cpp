@@ -1,47 +1,32 @@
 #include "volume/frame/volume_colormap.h"
 
 #include <stdexcept>
-#include <utility>
 
 #include "core/timing_mark.h"
 
 namespace oct {
 
-void VolumeColormap::set_colors(Colormap colors) {
-  colors_.set(std::move(colors));
+bool VolumeColormap::update(const ColormapSettings& settings) {
+  lower_ = settings.lower;
+  upper_ = settings.upper;
+  return texture_.upload(settings.colors);
 }
 
-void VolumeColormap::set_boundaries(double lower, double upper) {
-  lower_ = static_cast<float>(lower);
-  upper_ = static_cast<float>(upper);
-}
-
-void VolumeColormaps::create() {
-  for (auto& colormap : colormaps_) {
-    if (!colormap) colormap.emplace();
-    colormap->release_texture();
+void VolumeColormaps::update(const VolumeSettings& settings) {
+  exist_ = settings.colormaps.has_value();
+  if (!exist_) return;
+  for (std::size_t role = 0; role < colormaps_.size(); ++role) {
+    if (colormaps_[role].update((*settings.colormaps)[role])) record_timing_mark("render: colormap changed");
   }
 }
 
 void VolumeColormaps::release() {
-  for (auto& colormap : colormaps_) colormap.reset();
-}
-
-VolumeColormap* VolumeColormaps::find(ColormapRole role) {
-  auto& colormap = colormaps_[static_cast<std::size_t>(role)];
-  return colormap ? &*colormap : nullptr;
+  for (VolumeColormap& colormap : colormaps_) colormap.release();
 }
 
 const VolumeColormap& VolumeColormaps::at(ColormapRole role) const {
-  const auto& colormap = colormaps_[static_cast<std::size_t>(role)];
-  if (!colormap) throw std::runtime_error("Program has not been compiled yet.");
-  return *colormap;
-}
-
-void VolumeColormaps::upload_changed() {
-  for (auto& colormap : colormaps_) {
-    if (colormap && colormap->upload_if_changed()) record_timing_mark("render: colormap changed");
-  }
+  if (!exist_) throw std::runtime_error("Program has not been compiled yet.");
+  return colormaps_[static_cast<std::size_t>(role)];
 }
 
 }  // namespace oct

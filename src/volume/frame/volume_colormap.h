@@ -1,49 +1,42 @@
-// The colour map objects of a volume renderer. They live from init to uninit.
+// The textures of a volume renderer's colour maps, as one frame draws with them.
 #pragma once
 
 #include <array>
-#include <cstddef>
-#include <optional>
 
 #include "gl/colormap.h"
+#include "volume/frame/volume_settings.h"
 
 namespace oct {
 
 class VolumeColormap {
  public:
-  void set_colors(Colormap colors);
-  void set_boundaries(double lower, double upper);
+  // Uploads the colours if they are not those of the texture; true when it did.
+  bool update(const ColormapSettings& settings);
+  void release() { texture_.release(); }
+
   float lower() const { return lower_; }
   float upper() const { return upper_; }
-
-  // Uploads the colours if they changed since the last upload; true when it did.
-  bool upload_if_changed() { return texture_.upload(colors_); }
-  void release_texture() { texture_.release(); }
   GLuint texture() const { return texture_.get(); }
 
  private:
-  RevisedColormap colors_;
   float lower_ = 0.0F;
   float upper_ = 1.0F;
   ColormapTexture texture_;
 };
 
-enum class ColormapRole : std::size_t { main, overlay, secondary, surface };
-
 class VolumeColormaps {
  public:
-  void create();   // those that do not exist; all are uploaded at the next frame
-  void release();  // deletes them
+  // At the beginning of a frame.
+  void update(const VolumeSettings& settings);
+  void release();  // deletes the textures
 
-  // Null before create.
-  VolumeColormap* find(ColormapRole role);
-  // Throws std::runtime_error "Program has not been compiled yet." before create: both are made together.
+  // Throws std::runtime_error "Program has not been compiled yet." in a frame whose settings have none: both are
+  // made together.
   const VolumeColormap& at(ColormapRole role) const;
 
-  void upload_changed();
-
  private:
-  std::array<std::optional<VolumeColormap>, 4> colormaps_;
+  std::array<VolumeColormap, 4> colormaps_;
+  bool exist_ = false;
 };
 
 }  // namespace oct

@@ -5,7 +5,6 @@
 #include "volume/frame/volume_programs.h"
 #include "volume/frame/volume_settings.h"
 #include "volume/layout/camera.h"
-#include "volume/layout/clip_plane.h"
 
 namespace oct {
 

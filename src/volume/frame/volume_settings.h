@@ -1,17 +1,25 @@
-// What clients set on a volume renderer, apart from what the scene elements keep themselves.
+// What clients set on a volume renderer, and what the owner of a volume supplies.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <memory>
+#include <optional>
 
 #include <glm/glm.hpp>
 
-#include "gl/gl_names.h"
+#include "gl/colormap.h"
+#include "gl/slice_revisions.h"
 #include "volume/layout/camera.h"
+#include "volume/layout/clip_plane.h"
+#include "volume/layout/sections.h"
+#include "volume/layout/surface_mesh.h"
 
 namespace oct {
 
 enum class RenderingMode { raycasting = 0, sectional_view = 1 };
 enum class VolumeMode { normal = 0, maximum = 1, mean = 2, dual_coloring = 3 };
+enum class ColormapRole : std::size_t { main, overlay, secondary, surface };
 
 struct FrameFlags {
   bool edges = true;  // the twelve of the box
@@ -19,6 +27,13 @@ struct FrameFlags {
   bool box = true;  // the translucent one
 };
 
+struct ColormapSettings {
+  RevisedColormap colors;
+  float lower = 0.0F;
+  float upper = 1.0F;
+};
+
+// A frame draws with a copy of its own, made at its beginning: what is large is shared and never changed.
 struct VolumeSettings {
   View view;
   Range range;
@@ -30,12 +45,18 @@ struct VolumeSettings {
   bool render_volume = false;
   bool render_surface = false;
   int secondary_slice_index = 0;
+  Sections sections{};
+  ClipPlaneSettings clip_plane;
   glm::vec4 background_top{0.0F, 0.0F, 25.0F / 255.0F, 1.0F};
   glm::vec4 background_bottom{0.0F, 0.0F, 102.0F / 255.0F, 1.0F};
   glm::vec4 foreground{1.0F};
+  // By role. They live from init to uninit.
+  std::optional<std::array<ColormapSettings, 4>> colormaps;
+  std::shared_ptr<const SurfaceMesh> surface;  // null: there is none
+  double surface_scale = 1.0;                  // of the depths of the data
 };
 
-// What the owner of the volume supplies. The textures stay the owner's.
+// What the owner of a volume supplies for one frame, all of it every time. The textures stay the owner's.
 struct VolumeSource {
   GLuint volume = 0;
   GLuint overlay = 0;
@@ -45,7 +66,10 @@ struct VolumeSource {
   bool main_colormap_is_overlay = false;  // colours the volume by the overlay's colour map and boundaries
   int slice_count = 0;                    // parts in which the volume fills
   float filled_fraction = 1.0F;
-  std::uint64_t revision = 0;  // counts up with every change of the volume's or the overlay's voxels
+  std::optional<Range> range;  // takes the place of the client's
+  // Which slices of the textures changed; null where there is no texture.
+  const gl::SliceRevisions* volume_revisions = nullptr;
+  const gl::SliceRevisions* overlay_revisions = nullptr;
 };
 
 // 0xRRGGBBAA; alpha is always 1.

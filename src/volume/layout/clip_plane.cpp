@@ -74,24 +74,19 @@ std::vector<glm::vec3> removed_faces(const glm::vec4& plane) {
   return triangles;
 }
 
-void ClipPlane::set(bool enabled, bool open_cut, float value) {
-  enabled_ = enabled;
-  open_cut_ = open_cut;
-  value_ = value;
-}
-
-void ClipPlane::update(const View& view) {
+void ClipPlane::update(const ClipPlaneSettings& settings, const View& view) {
+  settings_ = settings;
   intersections_.clear();
   border_.clear();
   cut_face_.clear();
-  if (!enabled_) return;
+  if (!settings_.enabled) return;
   orient(view);
   intersections_ = box_intersections(plane_);
   connect_intersections();
 }
 
 void ClipPlane::orient(const View& view) {
-  if (!fixed_) {
+  if (!settings_.fixed) {
     const float x = radians_of(view.angle_x);
     const float y = radians_of(view.angle_y);
     plane_ = {std::sin(y) * std::cos(x), std::sin(x), -std::cos(y) * std::cos(x), 0.0F};
@@ -99,7 +94,7 @@ void ClipPlane::orient(const View& view) {
   // The sum is the plane's reach over the box; 0.99 of it keeps the plane inside at either end.
   const double reach = std::abs(static_cast<double>(plane_.x)) + std::abs(static_cast<double>(plane_.y)) +
                        std::abs(static_cast<double>(plane_.z));
-  plane_.w = static_cast<float>((2.0 * static_cast<double>(value_) - 1.0) * 0.99 * reach);
+  plane_.w = static_cast<float>((2.0 * static_cast<double>(settings_.value) - 1.0) * 0.99 * reach);
 }
 
 // Two points on one face of the box bound the cut there. The cut is convex: triangles

@@ -17,22 +17,25 @@ std::vector<glm::vec3> box_intersections(const glm::vec4& plane);
 // 0. The cut itself stays open.
 std::vector<glm::vec3> removed_faces(const glm::vec4& plane);
 
+struct ClipPlaneSettings {
+  bool enabled = false;
+  bool open_cut = false;  // the face of the cut is not drawn
+  bool fixed = false;     // keeps its orientation while the camera turns
+  float value = 0.0F;     // 0 to 1 from the far to the near corner of the box
+};
+
 class ClipPlane {
  public:
-  // The value is 0 to 1 from the far to the near corner of the box.
-  void set(bool enabled, bool open_cut, float value);
-  void set_fixed(bool fixed) { fixed_ = fixed; }
-
   // Once per frame, after the camera. A plane that is not fixed turns to face the viewer. One that is fixed
   // before its first frame has no orientation to keep: it stays zero and cuts nothing.
-  void update(const View& view);
+  void update(const ClipPlaneSettings& settings, const View& view);
 
-  bool enabled() const { return enabled_; }
-  bool open_cut() const { return open_cut_; }  // whether the face of the cut is not drawn
+  bool enabled() const { return settings_.enabled; }
+  bool open_cut() const { return settings_.open_cut; }
 
   // A point p is kept where dot(plane, (p, 1)) >= 0. All zero, which keeps
   // everything, while the plane is off.
-  glm::vec4 plane() const { return enabled_ ? plane_ : glm::vec4(0.0F); }
+  glm::vec4 plane() const { return enabled() ? plane_ : glm::vec4(0.0F); }
 
   const std::vector<glm::vec3>& intersections() const { return intersections_; }
   const std::vector<glm::vec3>& border() const { return border_; }  // pairs: GL_LINES
@@ -45,10 +48,7 @@ class ClipPlane {
   void connect_intersections();
   bool found_before(std::size_t index) const;  // whether an earlier intersection is the same point
 
-  bool enabled_ = false;
-  bool open_cut_ = false;
-  bool fixed_ = false;
-  float value_ = 0.0F;
+  ClipPlaneSettings settings_;
   glm::vec4 plane_{0.0F};
   std::vector<glm::vec3> intersections_;
   std::vector<glm::vec3> border_;

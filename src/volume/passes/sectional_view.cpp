@@ -1,10 +1,9 @@
 #include "volume/passes/sectional_view.h"
 
-#include <stdexcept>
-
 #include "core/timing_mark.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "volume/layout/box_view.h"
 #include "volume/passes/line_drawing.h"
 
 namespace oct {
@@ -69,23 +68,9 @@ std::vector<glm::vec3> section_triangles(const Sections& sections, const glm::ve
   return list.triangles;
 }
 
-void SectionalView::set(const Sections& sections) {
-  for (const Section& section : sections) {
-    if (!(section.position >= 0.0F && section.position <= 1.0F)) {
-      throw std::invalid_argument(
-          "Slice positions of sectional view are out of range. Values must be in range from 0.0 to 1.0. ");
-    }
-  }
-  sections_ = sections;
-  for (int axis = 0; axis < 3; ++axis) {
-    const auto index = static_cast<std::size_t>(axis);
-    quads_[index] = cross_section(axis, coordinate(sections[index].position));
-  }
-}
-
 void SectionalView::draw(const VolumeFrame& frame) {
   const TimingMark mark("VolumeRenderer::render_sectional_view");
-  const std::vector<glm::vec3> triangles = section_triangles(sections_, eye_in_model(frame.camera));
+  const std::vector<glm::vec3> triangles = section_triangles(frame.settings.sections, eye_in_model(frame.camera));
   if (triangles.empty()) return;
   const bool overlay = frame.source.overlay_present;
   use_volume_program(overlay ? frame.programs.section_overlay : frame.programs.section, frame);
@@ -100,9 +85,10 @@ void SectionalView::draw(const VolumeFrame& frame) {
 void SectionalView::draw_outline(const VolumeFrame& frame) {
   const TimingMark mark("VolumeRenderer::render_sectional_view");
   std::vector<glm::vec3> lines;
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    if (!sections_[axis].shown) continue;
-    const CrossSection& quad = quads_[axis];
+  for (int axis = 0; axis < 3; ++axis) {
+    const Section& section = frame.settings.sections[static_cast<std::size_t>(axis)];
+    if (!section.shown) continue;
+    const CrossSection quad = cross_section(axis, coordinate(section.position));
     for (std::size_t i = 0; i < 4; ++i) lines.insert(lines.end(), {quad[i], quad[(i + 1) % 4]});
   }
   if (lines.empty()) return;

@@ -7,24 +7,20 @@
 
 namespace oct {
 
-void Surface::set(int width, int height, double scale, const float* values) {
-  mesh_ = surface_mesh(width, height, scale, values);
-  if (scale != 0.0) scale_ = scale;
-  changed_ = true;
-}
-
-void Surface::upload() {
-  geometry_.set_vertices(std::span<const glm::vec3>(mesh_.vertices));
-  geometry_.set_attribute(std::span<const glm::vec3>(mesh_.normals));
-  geometry_.set_indices(mesh_.triangles);
+void Surface::upload(const std::shared_ptr<const SurfaceMesh>& mesh) {
+  uploaded_.reset();
+  geometry_.set_vertices(std::span<const glm::vec3>(mesh->vertices));
+  geometry_.set_attribute(std::span<const glm::vec3>(mesh->normals));
+  geometry_.set_indices(mesh->triangles);
   gl::throwOnGLError("VolumeRenderer::surface changed");
-  changed_ = false;
+  uploaded_ = mesh;
 }
 
 void Surface::draw(const VolumeFrame& frame) {
   const TimingMark mark("VolumeRenderer::render_surface");
-  if (mesh_.triangles.empty()) return;
-  if (changed_) upload();
+  const std::shared_ptr<const SurfaceMesh>& mesh = frame.settings.surface;
+  if (!mesh || mesh->triangles.empty()) return;
+  if (uploaded_ != mesh) upload(mesh);
   const SurfaceProgram& program = frame.programs.surface;
   const VolumeColormap& colormap = frame.colormaps.at(ColormapRole::surface);
   program.use();
@@ -36,13 +32,13 @@ void Surface::draw(const VolumeFrame& frame) {
   glUniform1i(program.colorTex, volume_unit::color);
   bind_volume_texture(volume_unit::color, GL_TEXTURE_1D, colormap.texture());
   glDisable(GL_BLEND);
-  geometry_.draw_indexed(GL_TRIANGLES, 0, static_cast<GLsizei>(mesh_.triangles.size()));
+  geometry_.draw_indexed(GL_TRIANGLES, 0, static_cast<GLsizei>(mesh->triangles.size()));
   gl::throwOnGLError("VolumeRenderer::render_surface");
 }
 
 void Surface::release() {
   geometry_.release();
-  changed_ = true;
+  uploaded_.reset();
 }
 
 }  // namespace oct
