@@ -73,10 +73,9 @@ std::shared_ptr<const oct::DeviceLibrary> instant_device() {
 }
 
 // Renders until so many more volumes have reached the texture.
-void take_volumes(oct::FastOpenGLVolumeRenderer& live, const oct::VolumeRenderer& renderer,
-                  std::uint64_t count) {
-  const std::uint64_t end = renderer.source().revision + count;
-  while (renderer.source().revision < end) live.render();
+void take_volumes(oct::FastOpenGLVolumeRenderer& live, std::uint32_t count) {
+  const std::uint32_t end = live.get_counts().drawn + count;
+  while (live.get_counts().drawn < end) live.render();
 }
 
 void live_volumes(benchmark::State& state) {
@@ -110,9 +109,9 @@ void live_volumes(benchmark::State& state) {
   for (auto _ : state) {
     source.register_live_rendering(&live);
     source.start(any_handle<ScanPatternHandle>());
-    take_volumes(live, renderer, 2);
+    take_volumes(live, 2);
     auto start = Clock::now();
-    take_volumes(live, renderer, batch);
+    take_volumes(live, batch);
     hand_over.add(milliseconds(start) / batch);
     source.stop();
     live.render();

@@ -55,11 +55,12 @@ class Scene {
     const std::vector<float> data = phantom();
     volume_.allocate({voxels, voxels, voxels}, half_float ? GL_R16F : GL_R32F, "phantom", data.data());
     source_.volume = volume_.get();
-    colormaps_.create();
-    colormaps_.find(oct::ColormapRole::main)->set_colors(mode == 3 ? ramp(1.0, 1.0) : ramp(0.12, 2.0));
-    colormaps_.find(oct::ColormapRole::main)
-        ->set_boundaries(oct::benchmark_scene::lowerValue, oct::benchmark_scene::upperValue);
-    colormaps_.upload_changed();
+    oct::ColormapSettings& coloring =
+        settings_.colormaps.emplace()[static_cast<std::size_t>(oct::ColormapRole::main)];
+    coloring.colors.set(mode == 3 ? ramp(1.0, 1.0) : ramp(0.12, 2.0));
+    coloring.lower = oct::benchmark_scene::lowerValue;
+    coloring.upper = oct::benchmark_scene::upperValue;
+    colormaps_.update(settings_);
     ours_.load_raycasting();
     plain_.raycasting_back.load("raycasting_back_program", oct::shaders::raycasting_back_vert,
                                 oct::shaders::raycasting_back_frag);

@@ -61,8 +61,9 @@ class OfflineVolumeRendering {
   float axial_ = 0.0F;
   float lateral1_ = 0.0F;
   float lateral2_ = 0.0F;
-  bool refused_ = false;         // the last allocation
-  std::optional<float> filled_;  // fraction of the volume; none: nothing has been uploaded since the allocation
+  bool refused_ = false;  // the last allocation
+  std::optional<float>
+      filled_;  // fraction of the volume; none: nothing has been uploaded since the allocation
   gl::Texture3D volume_;
   gl::Texture3D overlay_;
   gl::Texture3D secondary_;

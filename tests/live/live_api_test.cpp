@@ -119,7 +119,6 @@ TEST_F(LiveApiTest, ClearedWhileRunning) {
   start();
   ASSERT_TRUE(frames_until_shown());
   stopDataSource(source_);
-  reinterpret_cast<VolumeRenderer*>(renderer_)->set_source({});
   std::thread([&] { clearLiveRendering(live_); }).join();
   live_ = createLiveRendering();
   setLiveVolumeRenderingRenderer(live_, renderer_);

@@ -294,11 +294,10 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   beginOffscreenFrame(stage.target, 20, 20);
   live.start();
   live.render();
-  EXPECT_EQ(renderer.source().secondary_slice_count, 2);
-  EXPECT_NE(renderer.source().secondary, 0U);
+  EXPECT_EQ(live.source().secondary_slice_count, 2);
+  EXPECT_NE(live.source().secondary, 0U);
   live.render();
-  EXPECT_EQ(renderer.source().volume, 0U) << "nothing has been uploaded";
-  const std::uint64_t before = renderer.source().revision;
+  EXPECT_EQ(live.source().volume, 0U) << "nothing has been uploaded";
   float* const data = live.get_data_ptr();
   ASSERT_NE(data, nullptr);
   std::fill_n(data, 4 * 3 * 2, 0.25F);
@@ -306,22 +305,22 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   const std::vector<float> of_the_volume = secondary;
   std::fill(secondary.begin(), secondary.end(), 0.75F);  // of the next one
   live.render();
-  glBindTexture(GL_TEXTURE_3D, renderer.source().secondary);
+  glBindTexture(GL_TEXTURE_3D, live.source().secondary);
   glGetTexImage(GL_TEXTURE_3D, 0, GL_RED, GL_FLOAT, secondary.data());
   EXPECT_EQ(secondary, of_the_volume);
-  EXPECT_EQ(renderer.source().revision, before + 1);
-  EXPECT_NE(renderer.source().volume, 0U);
-  EXPECT_EQ(renderer.source().slice_count, 3);
-  EXPECT_EQ(renderer.source().filled_fraction, 1.0F);
+  ASSERT_NE(live.source().volume, 0U);
+  const std::uint64_t revision = live.source().volume_revisions->newest();
+  EXPECT_EQ(live.source().slice_count, 3);
+  EXPECT_EQ(live.source().filled_fraction, 1.0F);
   for (int i = 0; i < 3; ++i) live.render();
-  EXPECT_EQ(renderer.source().revision, before + 1);
+  EXPECT_EQ(live.source().volume_revisions->newest(), revision);
   GlSpy spy;
   spy.in_next("glClear", [&] { live.stop(); });
   live.render();
   EXPECT_FALSE(live.is_running());
-  EXPECT_EQ(renderer.source().volume, 0U);
-  EXPECT_EQ(renderer.source().secondary, 0U);
-  EXPECT_EQ(renderer.source().secondary_slice_count, 0);
+  EXPECT_EQ(live.source().volume, 0U);
+  EXPECT_EQ(live.source().secondary, 0U);
+  EXPECT_EQ(live.source().secondary_slice_count, 0);
   finishOffscreenFrame(stage.target, nullptr);
   EXPECT_EQ(pending_error(), "(none)");
 }

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <thread>
 
+#include "live/fast_opengl_volume_renderer.h"
 #include "support/test_context.h"
 #include "volume/volume_renderer.h"
 
@@ -81,7 +82,7 @@ Picture LiveTest::frame(int width, int height, LiveVolumeRenderingHandle drawn) 
 
 void LiveTest::read_voxels() {
   voxels_.clear();
-  const GLuint texture = reinterpret_cast<VolumeRenderer*>(renderer_)->source().volume;
+  const GLuint texture = reinterpret_cast<FastOpenGLVolumeRenderer*>(live_)->source().volume;
   if (texture == 0) return;
   glBindTexture(GL_TEXTURE_3D, texture);
   GLint size[3] = {};

@@ -7,12 +7,12 @@
 #include <string>
 #include <thread>
 
+#include "live/fast_opengl_volume_renderer.h"
 #include "simulator/device_objects.h"
 #include "support/gl_spy.h"
 #include "support/process_memory.h"
 #include "support/test_context.h"
 #include "support/volume_scene.h"
-#include "volume/volume_renderer.h"
 
 namespace oct::test {
 namespace {
@@ -47,7 +47,7 @@ class LiveSoakTest : public testing::Test {
   }
 
   std::uint64_t volumes_shown() const {
-    return reinterpret_cast<const VolumeRenderer*>(stage_.renderer)->source().revision;
+    return reinterpret_cast<FastOpenGLVolumeRenderer*>(live_)->get_counts().drawn;
   }
 
   void frame() {

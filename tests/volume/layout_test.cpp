@@ -52,26 +52,26 @@ void expect_nothing_cut(const ClipPlane& clip) {
 
 TEST(ClipPlaneTest, FixedItKeepsItsOrientationButNotItsPlace) {
   ClipPlane clip;
-  const auto normal_at = [&clip](bool enabled, float value, const View& view) {
-    clip.set(enabled, false, value);
-    clip.update(view);
+  bool fixed = false;
+  const auto normal_at = [&](bool enabled, float value, const View& view) {
+    clip.update({enabled, false, fixed, value}, view);
     return glm::vec3(clip.plane());
   };
-  clip.update(view_at(10, 20));
+  normal_at(false, 0.5F, view_at(10, 20));
   expect_nothing_cut(clip);
-  clip.set_fixed(true);
+  fixed = true;
   normal_at(true, 0.3F, view_at(10, 20));
   expect_nothing_cut(clip);  // fixed before its first frame it has no orientation
-  clip.set_fixed(false);
+  fixed = false;
   const glm::vec3 first = normal_at(true, 0.5F, view_at(10, 20));
-  clip.set_fixed(true);
+  fixed = true;
   EXPECT_EQ(normal_at(true, 0.5F, view_at(-60, 130)), first);
   EXPECT_EQ(normal_at(true, 0.75F, view_at(0, 0)), first);
   EXPECT_GT(clip.plane().w, 0.0F);
   normal_at(false, 0.75F, view_at(33, 44));
   expect_nothing_cut(clip);
   EXPECT_EQ(normal_at(true, 0.5F, view_at(33, 44)), first) << "a pause changes nothing";
-  clip.set_fixed(false);
+  fixed = false;
   normal_at(true, 0.5F, view_at(0, 0));
   EXPECT_EQ(clip.plane(), glm::vec4(0, 0, -1, 0)) << "it faces the viewer again";
 }

@@ -1,4 +1,7 @@
 // Uploads of volumes: whole, in parts, overlays, secondary data, limits and misuse.
+#include <algorithm>
+
+#include "support/gl_spy.h"
 #include "support/opengl/foreign_state.h"
 #include "volume/volume_test.h"
 
@@ -135,34 +138,111 @@ TEST_F(OfflineTest, PartsAddUpToTheWhole) {
   expect_no_error();
 }
 
-TEST_F(OfflineTest, AnUploadShowsTheVolumeHidesTheSurfaceAndIsCounted) {
+// What changed tells which slices, and no upload that failed does.
+TEST_F(OfflineTest, AnUploadShowsTheVolumeHidesTheSurfaceAndCountsItsSlices) {
+  scene_.overlay = test_volume(14, 12, 10, 7);
   stage_.draw(scene_);
   const auto h = offline_;
+  constexpr auto content = OfflineVolumeRendering::Content::volume_and_overlay;
+  const auto changed_since = [](const gl::SliceRevisions& revisions, std::uint64_t before) {
+    std::string slices;
+    for (std::int64_t i = 0; i < revisions.count(); ++i) slices += revisions.of(i) > before ? 'x' : '.';
+    return slices;
+  };
+  GlSpy spy;
+  const auto failing = [&](std::size_t after) {
+    spy.fail_next("glTexSubImage3D", 1, GL_OUT_OF_MEMORY, after);
+    uploadOfflineSubVolume(h, 3, 8, voxels());
+    EXPECT_TRUE(contains(pending_error(), "An OpenGL error in OfflineVolumeRendering::upload occured: "));
+  };
   struct Case {
     const char* name;
     std::function<void()> change;
-    bool counts = true;
+    const char* slices;
+    const char* overlay = "..........";
     bool hides_surface = true;
   };
   const Case cases[] = {
-      {"volume", [&] { uploadOfflineVolume(h, voxels()); }},
-      {"twin", [&] { uploadOfflineVolumeOverlay(h, voxels()); }},
-      {"slice", [&] { uploadOfflineVolumeSlice(h, 2, voxels()); }},
-      {"part", [&] { uploadOfflineSubVolume(h, 2, 3, voxels()); }},
-      {"overlay", [&] { uploadOverlayOfflineVolume(h, voxels()); }, true, false},
-      {"boundaries and a frame", [&] { setRendererColoringBoundaries(renderer_, 0.0, 2.0), frame(); }, false,
-       false},
-      {"clear", [&] { clearVolumeRenderer(renderer_); }},
-      {"allocation", [=] { allocateOfflineVolume(h, 3, 3, 3); }, true, false},
+      {"volume", [&] { uploadOfflineVolume(h, voxels()); }, "xxxxxxxxxx"},
+      {"twin", [&] { uploadOfflineVolumeOverlay(h, voxels()); }, "xxxxxxxxxx"},
+      {"slice", [&] { uploadOfflineVolumeSlice(h, 2, voxels()); }, "..x......."},
+      {"part", [&] { uploadOfflineSubVolume(h, 2, 5, voxels()); }, "..xxx....."},
+      {"part that fails", [&] { failing(2); }, "...xx.....", "..........", false},
+      {"part that fails at once", [&] { failing(0); }, "..........", "..........", false},
+      {"overlay", [&] { uploadOverlayOfflineVolume(h, voxels()); }, "..........", "xxxxxxxxxx", false},
+      {"boundaries and a frame", [&] { setRendererColoringBoundaries(renderer_, 0.0, 2.0), frame(); },
+       "..........", "..........", false},
+      {"clear", [&] { clearVolumeRenderer(renderer_); }, ".........."},
+      {"refused allocation", [=] { allocateOfflineVolume(h, -1, 3, 3), pending_error(); }, "..........",
+       "..........", false},
+      {"same allocation", [=] { allocateOfflineVolume(h, 14, 12, 10); }, "..........", "..........", false},
   };
-  for (const auto& [name, change, counts, hides_surface] : cases) {
+  for (const auto& [name, change, slices, overlay, hides_surface] : cases) {
     setRenderElements(renderer_, 0, 1);
-    const std::uint64_t before = source().revision;
+    const VolumeSource before = source(content);
+    const std::uint64_t newest =
+        std::max(before.volume_revisions->newest(), before.overlay_revisions->newest());
     change();
-    EXPECT_EQ(source().revision > before, counts) << name;
+    EXPECT_EQ(changed_since(*source(content).volume_revisions, newest), slices) << name;
+    EXPECT_EQ(changed_since(*source(content).overlay_revisions, newest), overlay) << name;
     EXPECT_EQ(settings().render_surface, !hides_surface) << name;
     EXPECT_EQ(settings().render_volume, hides_surface && name != std::string("clear")) << name;
   }
+  const std::uint64_t before = source().volume_revisions->newest();
+  allocateOfflineVolume(h, 3, 3, 3);
+  EXPECT_EQ(changed_since(*source().volume_revisions, before), "xxx");
+}
+
+// Each draws with its own range, part, overlay and secondary data, and with those of nobody who drew before or is
+// gone.
+TEST_F(OfflineTest, OwnersOfOneRendererLeaveNothingToEachOther) {
+  scene_.overlay = test_volume(14, 12, 10, 7);
+  scene_.content = 2;
+  const Picture first = stage_.draw(scene_);
+  VolumeScene other = scene_;
+  other.volume = test_volume(9, 21, 10);
+  other.overlay = {};
+  other.content = 0;
+  other.slices_uploaded = 4;
+  const OfflineRenderingHandle second = createOfflineRendering();
+  setOfflineRenderingRenderer(second, renderer_);
+  setOfflineAspectRatio(second, 1.0F, 1.0F, 1.0F);
+  allocateOfflineVolume(second, 9, 21, 10);
+  uploadOfflineSubVolume(second, 0, 4, other.volume.voxels.data());
+  setRange(renderer_, 5.0, 6.0, 7.0);  // for live volumes
+  const auto drawn = [&](OfflineRenderingHandle offline, int content) {
+    Picture picture(scene_.viewport_width, scene_.viewport_height);
+    beginOffscreenFrame(stage_.target, 80, 60);
+    renderOfflineVolume(offline, content);
+    finishOffscreenFrame(stage_.target, picture.bytes.data());
+    return picture;
+  };
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_TRUE(agree(drawn(offline_, 2), first, exact)) << round;
+    EXPECT_TRUE(agree(drawn(second, 0), reference_picture(other), {1, 0.99, 255})) << round;
+    EXPECT_TRUE(agree(drawn(second, 2), reference_picture(other), {1, 0.99, 255})) << round;
+  }
+  clearOfflineRendering(second);
+  EXPECT_TRUE(agree(drawn(offline_, 2), first, exact));
+  EXPECT_EQ(settings().range.extent, range_of(5.0, 6.0, 7.0).extent);
+  expect_no_error();
+}
+
+// With the volume's overlay and secondary data it would be one made of two.
+TEST_F(OfflineTest, ANewVolumeIsEmptyAndHasNothingOfTheOneBefore) {
+  scene_.overlay = test_volume(14, 12, 10, 7);
+  scene_.secondary = test_volume(3, 12, 10, 4);
+  scene_.content = 2;
+  stage_.draw(scene_);
+  allocateOfflineVolume(offline_, 14, 12, 11);
+  for (const int content : {0, 1, 2}) EXPECT_TRUE(shows_background(content)) << content;
+  EXPECT_EQ(source().secondary, 0U);
+  scene_.volume = test_volume(14, 12, 11);
+  scene_.overlay = {};
+  scene_.content = 0;
+  uploadOfflineVolume(offline_, voxels());
+  EXPECT_TRUE(shows(scene_, 2));
+  expect_no_error();
 }
 
 TEST_F(OfflineTest, SecondaryDataComesInBlocks) {

@@ -222,7 +222,7 @@ TEST_F(VolumeFaultTest, EveryCallOfASectionalView) {
                    pending_error});
 }
 
-TEST_F(VolumeFaultTest, AFailedAllocationLeavesNoVolume) {
+TEST_F(VolumeFaultTest, AFailedAllocationKeepsThePictureAndRefusesUploads) {
   stage_.draw(scene_);
   GlSpy spy;
   const std::string needs = "20 x 20 x 20 voxels needs a texture of 1 MB";
@@ -236,9 +236,16 @@ TEST_F(VolumeFaultTest, AFailedAllocationLeavesNoVolume) {
   const std::string error = pending_error();
   EXPECT_EQ(error.find("An OpenGL error in OfflineVolumeRendering::allocate, glTexImage3D occured: "), 0U);
   EXPECT_TRUE(contains(error, needs)) << error;
-  EXPECT_EQ(source().volume, 0U);
-  uploadOfflineVolume(offline_, scene_.volume.voxels.data());
+  const std::vector<float> larger(20 * 20 * 20, 1.0F);
+  for (const auto upload : {uploadOfflineVolume, uploadOfflineVolumeOverlay, uploadOverlayOfflineVolume}) {
+    upload(offline_, larger.data());
+    EXPECT_EQ(pending_error(), "Allocate a volume before uploading one. ");
+  }
+  uploadOfflineSubVolume(offline_, 0, 1, larger.data());
   EXPECT_EQ(pending_error(), "Allocate a volume before uploading one. ");
+  uploadOfflineVolumeSlice(offline_, 0, larger.data());
+  EXPECT_EQ(pending_error(), "Allocate a volume before uploading one. ");
+  expect_scene();
   frame();
   expect_no_error();
   // The very sizes that failed, and then the scene's.

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "offline/offline_volume_rendering.h"
 #include "support/reference/reference_camera.h"
 #include "support/reference/volume_reference.h"
 #include "support/test_context.h"
@@ -22,7 +23,10 @@ class VolumeTest : public testing::Test {
   }
 
   const VolumeRenderer& object() const { return *reinterpret_cast<VolumeRenderer*>(renderer_); }
-  VolumeSource source() const { return object().source(); }
+  VolumeSource source(
+      OfflineVolumeRendering::Content content = OfflineVolumeRendering::Content::volume) const {
+    return reinterpret_cast<const OfflineVolumeRendering*>(offline_)->source(content);
+  }
   VolumeSettings settings() const { return object().settings(); }
   Picture frame(int content = 0) const {
     return stage_.frame(scene_.viewport_width, scene_.viewport_height, content);

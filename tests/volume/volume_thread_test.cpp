@@ -1,10 +1,14 @@
 // Setters on several threads while frames are drawn.
 #include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "support/gl_spy.h"
 #include "support/test_context.h"
 #include "support/volume_scene.h"
 
@@ -75,6 +79,42 @@ TEST(VolumeThreadTest, SettersNeverTearAFrame) {
     scene.sectional = sectional;
     EXPECT_TRUE(agree(pictures[sectional], fresh.draw(scene), exact)) << sectional;
   }
+  EXPECT_EQ(pending_error(), "(none)");
+}
+
+// Everything is set anew while a frame is being drawn: it returns, the frame shows nothing of it and the next one all.
+TEST(VolumeThreadTest, SettersDoNotWaitForAFrame) {
+  VolumeScene scene = scene_of(test_volume(8, 8, 8), 80, 60);
+  scene.slices = 16;
+  scene.clip = true;
+  scene.clip_value = 0.6F;
+  scene.surface = {2, 2, 1.0, {0.2F, 0.4F, 0.6F, 0.8F}};
+  scene.surface_coloring = {green, 0.2, 0.8};
+  VolumeScene next = scene;
+  next.coloring = {red, 0.0, 3.0};
+  next.angle_x = 70.0;
+  next.mode = 1;
+  next.clip_value = 0.3F;
+  next.edges = next.box = next.removed_segment = true;
+  next.background_top = next.background_bottom = 0x00FF00FFU;
+  next.surface.values = {0.9F, 0.1F, 0.2F, 0.5F};
+  const auto draw_while = [](const VolumeStage& stage, const std::function<void()>& set) {
+    GlSpy spy;
+    spy.in_next("glClear", [&] {
+      auto setters = std::async(std::launch::async, set);
+      EXPECT_EQ(setters.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    });
+    return stage.frame();
+  };
+  VolumeStage stage;
+  const Picture first = stage.draw(scene);
+  const Picture held = draw_while(stage, [&] {
+    apply(next, stage.renderer);
+    setRange(stage.renderer, 1.0, 2.0, 3.0);
+    EXPECT_EQ(pending_error(), "(none)");
+  });
+  EXPECT_TRUE(agree(held, first, exact));
+  EXPECT_TRUE(agree(stage.frame(), VolumeStage().draw(next), exact));
   EXPECT_EQ(pending_error(), "(none)");
 }
 
