@@ -1,6 +1,7 @@
 // The C functions: results by their numbers, errors, scripted failures, balance of objects.
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <numbers>
 #include <set>
@@ -121,6 +122,29 @@ TEST_F(DeviceApi, WrongOrderAndWrongArgumentsAreErrors) {
   expect_errors({{[&] { executeProcessing(single.processing, raw); }, "another spectrum length"}});
   EXPECT_EQ(sizes_of(data), Sizes{});
   for (int i = 0; i < 2; ++i) stopMeasurement(device);
+}
+
+// A volume keeps its size for the sensor that has yet to give it, and for the analog input.
+TEST_F(DeviceApi, SizeMayChangeInTheMiddleOfAMeasurement) {
+  const ScanPatternHandle smaller = createSimulatedScanPattern(scan_.device, 10, 2, 1.0, 0.5);
+  const auto change = [&] { setSimulatedScanPattern(scan_.device, smaller); };
+  const auto size_of_next = [&](int sensor) {
+    getRawDataEx(scan_.device, raws_[sensor], sensor);
+    setProcessedDataOutput(scan_.processing, data_);
+    executeProcessing(scan_.processing, raws_[sensor]);
+    const auto size = sizes_of(data_);
+    getAnalogInputData(scan_.device, data_);
+    EXPECT_EQ(sizes_of(data_), (Sizes{2, size[1], size[2]}));
+    return size;
+  };
+  expect_errors({{change, "No measurement"}});
+  startMeasurement(scan_.device, scan_.pattern, 0);
+  EXPECT_EQ(size_of_next(0), (Sizes{64, 20, 3}));
+  change();
+  EXPECT_EQ(size_of_next(1), (Sizes{64, 20, 3}));
+  for (const int sensor : {0, 1}) EXPECT_EQ(size_of_next(sensor), (Sizes{64, 10, 2}));
+  EXPECT_EQ(ranges_of(data_), (Ranges{0.0, 1.0, 0.5}));
+  clearSimulatedScanPattern(smaller);
 }
 
 TEST_F(DeviceObjectsTest, FirstErrorIsKeptAndTextIsCutToFit) {
@@ -249,14 +273,17 @@ TEST_F(DeviceObjectsTest, NullHandlesAreErrorsEverywhereAndDeviceFunctionsFailAs
       },
       clearSimulatedDevice, createSimulatedProcessing, clearSimulatedProcessing, createSimulatedScanPattern,
       clearSimulatedScanPattern, createSimulatedPolarizationProcessing, clearSimulatedPolarizationProcessing,
-      setSimulatedScanRate, setSimulatedMotion);
+      setSimulatedScanRate, setSimulatedMotion, setSimulatedScanPattern, getSimulatedLostVolumes);
 }
 
 TEST_F(DeviceObjectsTest, OnlyTheChosenCallFails) {
   for (const char* const name : {"isError", "getError", "createSimulatedDevice", "nothing"})
-    expect_errors({{[&] { failSimulatedCall(name, 1, "never"); }, name}});
+    expect_errors({{[&] { failSimulatedCall(name, 1, "never"); }, name},
+                   {[&] { delaySimulatedCall(name, 1, 1000); }, name}});
   expect_errors({{[] { failSimulatedCall(nullptr, 1, "never"); }, ""},
-                 {[] { failSimulatedCall("createData", -1, "never"); }, ""}});
+                 {[] { failSimulatedCall("createData", -1, "never"); }, ""},
+                 {[] { delaySimulatedCall(nullptr, 1, 1000); }, ""},
+                 {[] { delaySimulatedCall("createData", -1, 1000); }, ""}});
   // The chosen call fails once and does nothing.
   failSimulatedCall("createData", 2, "out of order");
   const OwnedData first;
@@ -272,6 +299,38 @@ TEST_F(DeviceObjectsTest, OnlyTheChosenCallFails) {
   clearSimulatedFailures();
   const OwnedData fourth;
   EXPECT_EQ(pending_error(), "");
+}
+
+TEST_F(DeviceApi, CallsTakeLongOrHangUntilTheyAreReleased) {
+  using Clock = std::chrono::steady_clock;
+  delaySimulatedCall("createData", 2, 20);
+  for (const bool is_late : {false, true}) {
+    const auto begin = Clock::now();
+    const OwnedData data;
+    EXPECT_TRUE(Clock::now() - begin >= std::chrono::milliseconds(20) || !is_late);
+  }
+  // Neither the end of the measurement nor other calls end the waiting; what is done, is done afterwards.
+  startMeasurement(scan_.device, scan_.pattern, 0);
+  delaySimulatedCall("getRawDataEx", 0, -1);
+  failSimulatedCall("getRawDataEx", 2, "cable");
+  std::jthread first([&] { getRawDataEx(scan_.device, raws_[0], 0); });
+  while (getSimulatedWaitingCalls() < 1) std::this_thread::yield();
+  std::jthread second([&] { getRawDataEx(scan_.device, raws_[1], 1); });
+  while (getSimulatedWaitingCalls() < 2) std::this_thread::yield();
+  clearSimulatedFailures();
+  stopMeasurement(scan_.device);
+  EXPECT_TRUE(OwnedData());
+  EXPECT_EQ(getSimulatedWaitingCalls(), 2);
+  startMeasurement(scan_.device, scan_.pattern, 0);
+  releaseSimulatedCalls();
+  first.join();
+  second.join();
+  EXPECT_EQ(getSimulatedWaitingCalls(), 0);
+  EXPECT_EQ(pending_error(), "getRawDataEx: cable");
+  setProcessedDataOutput(scan_.processing, data_);
+  executeProcessing(scan_.processing, raws_[0]);
+  EXPECT_EQ(sizes_of(data_), (Sizes{64, 20, 3}));
+  getRawDataEx(scan_.device, raws_[0], 0);
 }
 
 }  // namespace

@@ -140,6 +140,25 @@ enum {
  */
 OCT_DEVICE_API void setSimulatedScanRate(OCTDeviceHandle device, double aScansPerSecond, int pacing);
 
+/**
+ * Counts the volumes that a paced device lost because nobody fetched them in time. A volume is counted when the
+ * one after it is fetched.
+ * @param device the device
+ * @return volumes lost since startMeasurement(); the count stays after stopMeasurement()
+ */
+OCT_DEVICE_API int getSimulatedLostVolumes(OCTDeviceHandle device);
+
+/**
+ * Changes the scan pattern in the middle of a measurement, and with it the size of the volumes, as if somebody
+ * turned a knob. Holds from the next volume on: one that is being fetched, or that another sensor has yet to give,
+ * has the size before. By a paced device's clock the first new volume begins with this call. A playback device
+ * takes the setting without error and keeps the size of its recording.
+ * May be called while another thread measures.
+ * @param device the device; it is an error if it does not measure
+ * @param pattern the scan pattern
+ */
+OCT_DEVICE_API void setSimulatedScanPattern(OCTDeviceHandle device, ScanPatternHandle pattern);
+
 /** How the phantom moves. */
 enum {
   OCT_MOTION_NONE = 0,
@@ -170,6 +189,26 @@ OCT_DEVICE_API void failSimulatedCall(const char* function, int call, const char
 
 /** Takes all scripts of failSimulatedCall() back. */
 OCT_DEVICE_API void clearSimulatedFailures(void);
+
+/**
+ * Makes calls of a device function take long or hang, as with a cable that is being pulled or a driver in trouble.
+ * The function waits before it does anything, and nothing but releaseSimulatedCalls() ends that: neither
+ * stopMeasurement() nor clearing the device. Then it does its work, or fails if failSimulatedCall() says so.
+ * Other calls go on meanwhile. Several scripts may be active for the same function.
+ * @param function name of a function of oct_device.h other than isError() and getError()
+ * @param call which call from now on: 1 for the next, 0 for every call
+ * @param milliseconds how long; below 0: until releaseSimulatedCalls()
+ */
+OCT_DEVICE_API void delaySimulatedCall(const char* function, int call, int milliseconds);
+
+/** Takes all scripts of delaySimulatedCall() back; calls that wait go on. */
+OCT_DEVICE_API void releaseSimulatedCalls(void);
+
+/**
+ * Counts the calls that wait because of delaySimulatedCall(), to know that a thread has come so far.
+ * @return the count
+ */
+OCT_DEVICE_API int getSimulatedWaitingCalls(void);
 
 #ifdef __cplusplus
 }

@@ -1,12 +1,12 @@
-// What the C functions share: the handles, the pending error, the script of failures, and
-// the frame around every call.
+// What the C functions share: the handles, the pending error, the script of calls, and the frame around every
+// call.
 #pragma once
 
 #include <exception>
 #include <type_traits>
 #include <utility>
 
-#include "api/failure_script.h"
+#include "api/call_script.h"
 #include "api/pending_error.h"
 #include "base/handle_table.h"
 
@@ -16,7 +16,7 @@ namespace oct::simulator {
 struct Library {
   HandleTable handles;
   PendingError error;
-  FailureScript failures;
+  CallScript& script;  // outlives the process, in which a call may hang until its end
 
   static Library& instance();
 };
@@ -36,11 +36,11 @@ auto framed(const char* function, Body&& body) noexcept {
   return Result();
 }
 
-// Runs the body of a device function, unless a script says that this call shall fail.
+// Runs the body of a device function, when and if the script lets it.
 template <typename Body>
 auto device_call(const char* function, Body&& body) noexcept {
   return framed(function, [&](HandleTable& handles) {
-    Library::instance().failures.on_call(function);
+    Library::instance().script.on_call(function);
     return body(handles);
   });
 }

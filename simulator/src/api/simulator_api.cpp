@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <numbers>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -48,39 +50,46 @@ std::shared_ptr<Device> make_device(int phantom, int spectrumLength, std::uint64
   }
 }
 
-// The functions that a script can make fail.
-constexpr std::array failing{"getDevicePropertyInt",
-                             "getDevicePropertyFloat",
-                             "createRawData",
-                             "clearRawData",
-                             "createData",
-                             "clearData",
-                             "createComplexData",
-                             "clearComplexData",
-                             "startMeasurement",
-                             "stopMeasurement",
-                             "getRawDataEx",
-                             "getAnalogInputData",
-                             "setProcessedDataOutput",
-                             "setComplexDataOutput",
-                             "executeProcessing",
-                             "getDataPropertyInt",
-                             "getDataPropertyFloat",
-                             "setDataRange",
-                             "getDataPtr",
-                             "determineSurface",
-                             "getRelativeReferenceIntensity",
-                             "setPolarizationOutputI",
-                             "setPolarizationOutputRetardation",
-                             "setPolarizationOutputOpticAxis",
-                             "setPolarizationOutputDOPU",
-                             "setPolarizationOutputQ",
-                             "setPolarizationOutputU",
-                             "setPolarizationOutputV",
-                             "setPolarizationFlag",
-                             "setPolarizationPropertyFloat",
-                             "setPolarizationPropertyInt",
-                             "executePolarizationProcessing"};
+// The functions that a script knows.
+constexpr std::array scripted{"getDevicePropertyInt",
+                              "getDevicePropertyFloat",
+                              "createRawData",
+                              "clearRawData",
+                              "createData",
+                              "clearData",
+                              "createComplexData",
+                              "clearComplexData",
+                              "startMeasurement",
+                              "stopMeasurement",
+                              "getRawDataEx",
+                              "getAnalogInputData",
+                              "setProcessedDataOutput",
+                              "setComplexDataOutput",
+                              "executeProcessing",
+                              "getDataPropertyInt",
+                              "getDataPropertyFloat",
+                              "setDataRange",
+                              "getDataPtr",
+                              "determineSurface",
+                              "getRelativeReferenceIntensity",
+                              "setPolarizationOutputI",
+                              "setPolarizationOutputRetardation",
+                              "setPolarizationOutputOpticAxis",
+                              "setPolarizationOutputDOPU",
+                              "setPolarizationOutputQ",
+                              "setPolarizationOutputU",
+                              "setPolarizationOutputV",
+                              "setPolarizationFlag",
+                              "setPolarizationPropertyFloat",
+                              "setPolarizationPropertyInt",
+                              "executePolarizationProcessing"};
+
+// Throws std::invalid_argument unless the function is one of them.
+// what: what cannot be done to its calls
+void check_scripted(const char* function, const char* what) {
+  if (std::ranges::find(scripted, std::string_view(function)) == scripted.end())
+    throw std::invalid_argument(std::string("No call of ") + function + " can be made to " + what + ". ");
+}
 
 }  // namespace
 
@@ -173,17 +182,45 @@ void setSimulatedMotion(OCTDeviceHandle device, int motion, double amplitudeMm, 
   });
 }
 
+void setSimulatedScanPattern(OCTDeviceHandle device, ScanPatternHandle pattern) {
+  framed("setSimulatedScanPattern", [&](HandleTable& handles) {
+    handles.find<Device>(device)->change_pattern(*handles.find<ScanPattern>(pattern));
+  });
+}
+
+int getSimulatedLostVolumes(OCTDeviceHandle device) {
+  return framed("getSimulatedLostVolumes",
+                [&](HandleTable& handles) { return handles.find<Device>(device)->lost_volumes(); });
+}
+
 void failSimulatedCall(const char* function, int call, const char* message) {
   framed("failSimulatedCall", [&](HandleTable&) {
     if (!function || !message) throw std::invalid_argument("A failure needs a function and a message. ");
-    if (std::ranges::find(failing, std::string_view(function)) == failing.end())
-      throw std::invalid_argument(std::string("No call of ") + function + " can be made to fail. ");
-    Library::instance().failures.add(function, call, message);
+    check_scripted(function, "fail");
+    Library::instance().script.fail(function, call, message);
   });
 }
 
 void clearSimulatedFailures(void) {
-  Library::instance().failures.clear();
+  Library::instance().script.clear_failures();
+}
+
+void delaySimulatedCall(const char* function, int call, int milliseconds) {
+  framed("delaySimulatedCall", [&](HandleTable&) {
+    if (!function) throw std::invalid_argument("A delay needs a function. ");
+    check_scripted(function, "take long");
+    const auto time =
+        milliseconds < 0 ? std::nullopt : std::optional(std::chrono::milliseconds(milliseconds));
+    Library::instance().script.delay(function, call, time);
+  });
+}
+
+void releaseSimulatedCalls(void) {
+  Library::instance().script.release();
+}
+
+int getSimulatedWaitingCalls(void) {
+  return Library::instance().script.waiting();
 }
 
 int getSimulatedObjectCount(void) {

@@ -1,6 +1,7 @@
 #include "device/device.h"
 
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -38,11 +39,22 @@ void Device::start(const ScanPattern& pattern, int mode) {
   if (mode != 0) throw std::invalid_argument("The only acquisition mode is 0, continuous. ");
   const std::lock_guard lock(mutex_);
   if (pattern_) throw std::logic_error("A measurement is already running. ");
-  pattern_ = source_->effective_pattern(pattern);
-  const auto last = *std::ranges::max_element(last_volumes_);
-  std::ranges::fill(last_volumes_, last);
+  std::ranges::fill(last_volumes_, *std::ranges::max_element(last_volumes_));
   last_exposure_.reset();
-  measurement_.emplace(pace_, pattern_->a_scans() * pattern_->b_scans(), static_cast<std::uint64_t>(last + 1),
+  lost_ = 0;
+  begin(pattern);
+}
+
+void Device::change_pattern(const ScanPattern& pattern) {
+  const std::lock_guard lock(mutex_);
+  if (!pattern_) throw std::logic_error("No measurement is running. ");
+  begin(pattern);
+}
+
+void Device::begin(const ScanPattern& pattern) {
+  pattern_ = source_->effective_pattern(pattern);
+  const auto next = static_cast<std::uint64_t>(*std::ranges::max_element(last_volumes_) + 1);
+  measurement_.emplace(pace_, pattern_->a_scans() * pattern_->b_scans(), next,
                        PacedMeasurement::Clock::now());
 }
 
@@ -77,12 +89,15 @@ Exposure Device::next_exposure(int camera, std::uint64_t& stops) {
   auto& last = last_volumes_[camera];
   const auto newest = *std::ranges::max_element(last_volumes_);
   // All cameras are triggered together: after one has been read, the others give the same volume.
-  if (newest > last)
+  if (newest > last) {
     last = newest;
-  else
-    last = static_cast<std::int64_t>(
-        measurement_->next(static_cast<std::uint64_t>(last + 1), PacedMeasurement::Clock::now()));
-  const auto volume = static_cast<std::uint64_t>(last);
+    last_exposure_->camera = camera;
+    return *last_exposure_;
+  }
+  const auto earliest = static_cast<std::uint64_t>(last + 1);
+  const auto volume = measurement_->next(earliest, PacedMeasurement::Clock::now());
+  lost_ += volume - earliest;
+  last = static_cast<std::int64_t>(volume);
   last_exposure_.emplace(Exposure{.pattern = *pattern_,
                                   .volume = volume,
                                   .camera = camera,
@@ -96,6 +111,12 @@ void Device::wait_for(std::uint64_t volume, std::uint64_t stops) {
   std::unique_lock lock(mutex_);
   if (!measurement_->pace().is_real_time) return;
   if (stopped_.wait_until(lock, measurement_->ready(volume), [&] { return stops_ != stops; })) fail_stopped();
+}
+
+int Device::lost_volumes() const {
+  const std::lock_guard lock(mutex_);
+  constexpr std::uint64_t most = std::numeric_limits<int>::max();
+  return static_cast<int>(std::min(lost_, most));
 }
 
 void Device::read_analog_input(Data& data) {

@@ -48,6 +48,9 @@ class Device : public HandleObject {
 
   void start(const ScanPattern& pattern, int mode);
 
+  // Goes on with another pattern, from the next volume on; its first volume begins now.
+  void change_pattern(const ScanPattern& pattern);
+
   // Ends the measurement, if there is one; acquire() of another thread then gives up.
   void stop();
 
@@ -55,17 +58,21 @@ class Device : public HandleObject {
   // workers: number of threads, 0 for one per core; the volume does not depend on it
   void acquire(RawData& raw, int camera, int workers = 0);
 
+  // Counts the volumes since start() that were lost before the one that was acquired last.
+  int lost_volumes() const;
+
   // Reads the analog input of the volume that was measured last.
   void read_analog_input(Data& data);
 
  private:
   Exposure next_exposure(int camera, std::uint64_t& stops);
+  void begin(const ScanPattern& pattern);
   void wait_for(std::uint64_t volume, std::uint64_t stops);
 
   std::unique_ptr<VolumeSource> source_;
   AnalogInput analog_input_;
-  std::mutex exposing_;  // held while the source works
-  std::mutex mutex_;     // guards everything below
+  std::mutex exposing_;       // held while the source works
+  mutable std::mutex mutex_;  // guards everything below
   std::condition_variable stopped_;
   std::optional<ScanPattern> pattern_;
   Motion motion_;
@@ -73,6 +80,7 @@ class Device : public HandleObject {
   std::optional<PacedMeasurement> measurement_;
   std::vector<std::int64_t> last_volumes_;  // per camera, -1 before the first
   std::optional<Exposure> last_exposure_;
+  std::uint64_t lost_ = 0;
   std::atomic<std::uint64_t> stops_ = 0;
 };
 
