@@ -41,6 +41,7 @@ const FcChar8* chars(const char* text) {
 
 Pattern match_font(bool emphasis) {
   const Pattern wanted(FcPatternCreate());
+  if (!wanted) return nullptr;
   FcPatternAddString(wanted.get(), FC_FAMILY, chars("Segoe UI"));
   FcPatternAddString(wanted.get(), FC_FAMILY, chars("sans-serif"));
   FcPatternAddInteger(wanted.get(), FC_WEIGHT, emphasis ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
