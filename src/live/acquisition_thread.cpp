@@ -55,8 +55,8 @@ void AcquisitionThread::run() {
 
 AcquisitionThread::Run AcquisitionThread::ask_to_end(const std::function<void(Run)>& also) {
   const std::lock_guard lock(request_mutex_);
+  going_on_ = false;  // first: whatever lets the thread go on then shall not let it begin anew
   also(run_);
-  going_on_ = false;
   asked_.notify_all();
   return run_;
 }

@@ -226,14 +226,11 @@ bool LiveFeed::withdraw() {
 
 // ---- Counts
 
-void LiveFeed::count_acquired(LiveClaim claim) {
+void LiveFeed::count_acquired(LiveClaim claim, std::uint64_t lost) {
   const std::lock_guard lock(mutex_);
-  if (holds(claim)) ++statistics_.counts.acquired;
-}
-
-void LiveFeed::count_lost_by_device(LiveClaim claim, std::uint64_t volumes) {
-  const std::lock_guard lock(mutex_);
-  if (holds(claim)) statistics_.counts.dropped_by_device += volumes;
+  if (!holds(claim)) return;
+  ++statistics_.counts.acquired;
+  statistics_.counts.dropped_by_device += lost;
 }
 
 void LiveFeed::count_shown(LiveTime processed) {

@@ -57,8 +57,8 @@ class LiveFeed {
   // The secondary values are swapped for others to write to.
   void fill(std::vector<float>& secondary, LiveTime processed);
 
-  void count_acquired(LiveClaim claim);
-  void count_lost_by_device(LiveClaim claim, std::uint64_t volumes);
+  // One more, before which the device has lost some.
+  void count_acquired(LiveClaim claim, std::uint64_t lost = 0);
 
   // Does something with the volume renderer, which stays set meanwhile. False, and nothing is done, if the claim has ended
   // or no volume renderer is set.

@@ -105,7 +105,9 @@ void Measurement::show_range(LiveFeed& feed, LiveClaim claim) const {
 
 bool Measurement::hand_over(LiveFeed& feed, LiveClaim claim, LiveTime processed) {
   const TimingMark mark("BrennickDataSource::copy_data");
-  feed.count_acquired(claim);
+  const int lost = device_.lost_volumes();
+  feed.count_acquired(claim, static_cast<std::uint64_t>(std::max(lost - lost_volumes_, 0)));
+  lost_volumes_ = lost;
   if (!sequence_->has_volume(acquired_.depth)) return true;
   bool volume = false;
   bool surface = false;

@@ -21,6 +21,8 @@ class MeasuringDevice {
 
   void start(AcquisitionThread::Run run, ScanPatternHandle pattern);
   void stop(AcquisitionThread::Run run);
+  // That nobody fetched in time, since the start; 0 where the library does not tell.
+  int lost_volumes() const { return sdk_.getLostVolumes ? sdk_.getLostVolumes(device_) : 0; }
 
  private:
   const StandardDeviceFunctions& sdk_;
@@ -78,6 +80,7 @@ class Measurement {
   const float* analog_samples_ = nullptr;
   std::int32_t secondary_width_ = 0;
   std::vector<float> secondary_;
+  int lost_volumes_ = 0;       // that have been counted
   std::vector<float> depths_;  // of the surface
 };
 

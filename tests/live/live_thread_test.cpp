@@ -181,6 +181,7 @@ TEST_F(LiveThreadTest, WithoutFramesVolumesAreDroppedAndCounted) {
   const unsigned long long ended = told.shown + told.dropped_no_frame + told.dropped_withdrawn;
   EXPECT_LE(told.acquired - ended, 2U) << "each stop may have come between a volume and its way";
   EXPECT_LE(told.handed_over - told.shown, 2U);
+  EXPECT_EQ(told.dropped_by_device, told.acquired) << "this device loses one before each volume";
   EXPECT_GT(told.volumes_per_second, 0.0);
   EXPECT_GT(told.latency_median_ms, 0.0);
   EXPECT_GE(told.latency_worst_ms, told.latency_median_ms);

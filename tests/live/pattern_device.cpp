@@ -72,7 +72,10 @@ void clearData(DataHandle data) {
 
 void startMeasurement(OCTDeviceHandle device, ScanPatternHandle pattern, int mode) {
   if (!entered("startMeasurement", device, pattern, mode)) return;
-  const bool first = locked([=](PatternDevice& state) { return state.measuring.insert(device).second; });
+  const bool first = locked([=](PatternDevice& state) {
+    state.lost = 0;
+    return state.measuring.insert(device).second;
+  });
   if (!first) pattern_state().raise("startMeasurement while measuring");
 }
 

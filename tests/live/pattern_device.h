@@ -43,6 +43,7 @@ struct PatternSettings {
   std::string error;
   std::set<OCTDeviceHandle> measuring;
   int acquired = 0;
+  int lost = 0;
   std::map<ProcessingHandle, DataHandle> data_outputs;
   std::map<ProcessingHandle, ComplexDataHandle> complex_outputs;
   DataHandle polarization_output = nullptr;
