@@ -17,7 +17,8 @@ extern "C" {
  * Shows a volume that the client holds in memory. Order of calls, on the rendering thread:
  * createOfflineRendering(); setOfflineRenderingRenderer() with an initialised volume renderer;
  * setOfflineAspectRatio(); allocateOfflineVolume(); uploads; renderOfflineVolume() per frame;
- * clearOfflineRendering(). The renderer must live as long as it is attached.
+ * clearOfflineRendering(). The renderer must live as long as it is attached. Several objects, and live volumes, may
+ * share one renderer: each frame shows what its own object has, in that object's aspect ratio.
  *
  * A volume is Width * Height * Depth floats with Width (depth in the tissue, samples of an A-scan) fastest
  * and Depth (slices, B-scans) slowest in memory. It is kept with 16 bits per voxel; values keep 11 bits of
@@ -73,7 +74,9 @@ OCT_API void setOfflineAspectRatio(OfflineRenderingHandle Handle, float Axial, f
 /**
  * @brief Makes the texture of the volume in the current context. The sizes it has there already: nothing happens and
  * the contents stay.
- * Other sizes: the volume before is lost, except after an error that names a limit.
+ * Other sizes: the new volume is empty and shows nothing until something is uploaded, and the volume before is gone
+ * with its overlay and secondary data. For a moment the driver holds both. After an error the picture stays as it
+ * was, and uploads are refused until an allocation succeeds.
  * @param Handle The object, with a renderer attached.
  * @param Width Voxels along the first axis, 0 or more.
  * @param Height Voxels along the second axis.
@@ -186,7 +189,7 @@ OCT_API void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Heigh
  * "An OpenGL error in ... occured: ...". What a frame could not upload is uploaded by the next.
  * @par OpenGL state
  * Given back as it was; see docs/opengl_state.md.
- * @thread Rendering thread. Setters of the renderer on other threads wait until the frame is drawn.
+ * @thread Rendering thread.
  */
 OCT_API void renderOfflineVolume(OfflineRenderingHandle Handle, int ContentType);
 

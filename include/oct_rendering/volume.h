@@ -19,7 +19,8 @@ extern "C" {
  *
  * Order of calls: createVolumeRenderer(); with the context current initializeVolumeRenderer(); settings at
  * any time from any thread; frames through the owner; with the context current uninitializeVolumeRenderer()
- * and deleteVolumeRenderer().
+ * and deleteVolumeRenderer(). A frame draws with the settings of the moment it begins; what is set while it is
+ * drawn shows in the next one, and whoever sets it does not wait.
  *
  * The volume fills a box with corners at -1 and 1 on the model's axes: y is the axial direction (depth,
  * downwards on screen), x and z are the lateral ones. The box is scaled to the physical range, so that its
@@ -86,7 +87,7 @@ OCT_API void uninitializeVolumeRenderer(VolumeRendererHandle Handle);
  * @param Handle The renderer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void clearVolumeRenderer(VolumeRendererHandle Handle);
 
@@ -98,7 +99,7 @@ OCT_API void clearVolumeRenderer(VolumeRendererHandle Handle);
  * @param Y Angle about the y axis in degrees, likewise.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setAngles(VolumeRendererHandle Handle, double X, double Y);
 
@@ -111,7 +112,7 @@ OCT_API void setAngles(VolumeRendererHandle Handle, double X, double Y);
  * what is drawn.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setTranslation(VolumeRendererHandle Handle, double X, double Y, double Z);
 
@@ -124,7 +125,7 @@ OCT_API void setTranslation(VolumeRendererHandle Handle, double X, double Y, dou
  * @param Lateral2 Extent along the third axis (model z).
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRange(VolumeRendererHandle Handle, double Axial, double Lateral1, double Lateral2);
 
@@ -135,7 +136,7 @@ OCT_API void setRange(VolumeRendererHandle Handle, double Axial, double Lateral1
  * visible width in model units. The start is 40. Smaller is closer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setZoom(VolumeRendererHandle Handle, double Zoom);
 
@@ -156,7 +157,7 @@ OCT_API void setViewportSize(unsigned int Width, unsigned int Height);
  * @param Slices 0 or more; the start is 128. More is finer and slower.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "The number of rendering slices must not be negative. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRenderingSlices(VolumeRendererHandle Handle, int Slices);
 
@@ -166,7 +167,7 @@ OCT_API void setRenderingSlices(VolumeRendererHandle Handle, int Slices);
  * @param Perspective True (the start): perspective; false: orthographic.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setUsePerspective(VolumeRendererHandle Handle, bool Perspective);
 
@@ -176,7 +177,7 @@ OCT_API void setUsePerspective(VolumeRendererHandle Handle, bool Perspective);
  * @param Voxels Lateral voxels per pixel; the start is 1.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setLateralVoxelsPerPixel(VolumeRendererHandle Handle, double Voxels);
 
@@ -186,7 +187,7 @@ OCT_API void setLateralVoxelsPerPixel(VolumeRendererHandle Handle, double Voxels
  * @param Mode 0 (the start): ray casting; 1: sectional view.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "Invalid rendering mode selected."
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRenderingMode(VolumeRendererHandle Handle, int Mode);
 
@@ -199,7 +200,7 @@ OCT_API void setRenderingMode(VolumeRendererHandle Handle, int Mode);
  * maximum along the ray over the result.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "Invalid rendering mode selected."
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setVolumeMode(VolumeRendererHandle Handle, int Mode);
 
@@ -216,7 +217,7 @@ OCT_API void setVolumeMode(VolumeRendererHandle Handle, int Mode);
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "Slice positions of sectional view are out of range.
  * Values must be in range from 0.0 to 1.0. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setSectionalView(VolumeRendererHandle Handle, int Show1, float Position1, int Show2,
                               float Position2, int Show3, float Position3);
@@ -231,7 +232,7 @@ OCT_API void setSectionalView(VolumeRendererHandle Handle, int Show1, float Posi
  * cut away, 1 just inside the near corner.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setClipPlane(VolumeRendererHandle Handle, int Enable, int OpenCut, float Value);
 
@@ -242,7 +243,7 @@ OCT_API void setClipPlane(VolumeRendererHandle Handle, int Enable, int OpenCut, 
  * nothing; 0 (the start) follows the viewer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void fixClipPlane(VolumeRendererHandle Handle, int Fix);
 
@@ -256,7 +257,7 @@ OCT_API void fixClipPlane(VolumeRendererHandle Handle, int Fix);
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. ". Where the machine has no font, every frame with scale
  * marks is drawn without labels and reports "No font was found for text labels. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setBorder(VolumeRendererHandle Handle, int ScaleMarks, int Edges, int Box);
 
@@ -267,7 +268,7 @@ OCT_API void setBorder(VolumeRendererHandle Handle, int ScaleMarks, int Edges, i
  * @param Remove Non-zero: on; 0 (the start): off.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRemoveSegment(VolumeRendererHandle Handle, int Remove);
 
@@ -279,7 +280,7 @@ OCT_API void setRemoveSegment(VolumeRendererHandle Handle, int Remove);
  * @param Surface Non-zero shows the surface of setSurface().
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRenderElements(VolumeRendererHandle Handle, int Volume, int Surface);
 
@@ -290,7 +291,7 @@ OCT_API void setRenderElements(VolumeRendererHandle Handle, int Volume, int Surf
  * @param Top The same; the start is 0x000019FF.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRenderBackground(VolumeRendererHandle Handle, unsigned int Bottom, unsigned int Top);
 
@@ -300,7 +301,7 @@ OCT_API void setRenderBackground(VolumeRendererHandle Handle, unsigned int Botto
  * @param Color 0xRRGGBBAA, alpha ignored; the start is white.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color);
 
@@ -314,7 +315,7 @@ OCT_API void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color
  * "The specified VolumeRendererHandle is invalid. "; "The number of colours must not be negative. ";
  * "Colour map data must not be null. ". A count above the driver's limit is reported by every frame
  * until there is another map; none is drawn.
- * @thread Any thread; waits while a frame is being drawn. Takes effect at the next one.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count);
 
@@ -358,7 +359,7 @@ OCT_API void setSurfaceColormap(VolumeRendererHandle Handle, const void* Colorma
  * @param Upper Value of the last colour. Equal to @p Lower: not checked, the colours are then undefined.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRendererColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper);
 
@@ -369,7 +370,7 @@ OCT_API void setRendererColoringBoundaries(VolumeRendererHandle Handle, double L
  * @param Upper As setRendererColoringBoundaries().
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRendererSecondaryColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper);
 
@@ -380,7 +381,7 @@ OCT_API void setRendererSecondaryColoringBoundaries(VolumeRendererHandle Handle,
  * @param Upper As setRendererColoringBoundaries().
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setOverlayRendererColoringBoundaries(VolumeRendererHandle Handle, double Lower, double Upper);
 
@@ -390,7 +391,7 @@ OCT_API void setOverlayRendererColoringBoundaries(VolumeRendererHandle Handle, d
  * @param Index 0 to the number of images less one; outside of that mode 3 draws no volume. The start is 0.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index);
 
@@ -407,7 +408,7 @@ OCT_API void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Ind
  * "The specified VolumeRendererHandle is invalid. "; "The size of a surface must not be negative. ";
  * "Surface data must not be null. "; "The scale of a surface must be a number other than zero. ";
  * "The surface has too many samples. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setSurface(VolumeRendererHandle Handle, int Width, int Height, double Scale,
                         const float* Values);
@@ -420,7 +421,7 @@ OCT_API void setSurface(VolumeRendererHandle Handle, int Width, int Height, doub
  * @param Upper Second depth.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
- * @thread Any thread; waits while a frame is being drawn.
+ * @thread Any thread; waits for no frame.
  */
 OCT_API void setSurfaceDepths(VolumeRendererHandle Handle, double Lower, double Upper);
 

@@ -25,9 +25,10 @@ TEST_F(LiveApiTest, NullHandles) {
   const LiveDataSourceHandle source = source_;
   expect_null_refused("Cannot lock nullptr. ", clearLiveRendering, isLiveVolumeRunning);
   expect_null_refused("Invalid Live Rendering Handle specified. ", setLiveVolumeRenderingRenderer);
-  expect_null_refused(invalid_source, stopDataSource, getLiveVolumeRenderingSize, setSizeZ,
-                      setRefIntensityCallback, setErrorCallback);
-  expect_null_refused(invalid_renderer, renderVolume, getRenderedVolumesPerSec, getLiveVolumeCounts);
+  expect_null_refused(invalid_source, stopDataSource, cancelDataSource, isDataSourceRunning,
+                      getLiveVolumeRenderingSize, setSizeZ, setRefIntensityCallback, setErrorCallback);
+  expect_null_refused(invalid_renderer, renderVolume, getRenderedVolumesPerSec, getLiveVolumeCounts,
+                      getLiveStatistics);
   const auto create_ps = [&](ProcessingHandle first, ProcessingHandle second) {
     return [=] { EXPECT_EQ(createOnlineDataSource_PS(device, first, second, nullptr), nullptr); };
   };
@@ -73,6 +74,8 @@ TEST_F(LiveApiTest, Misuse) {
   const LiveDataSourceHandle source = source_;
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
   const std::string index = "The refractive index must be above zero. ";
+  const std::string no_size = "The size of the statistics must be set. ";
+  OctLiveStatistics unsized{};
   const std::string size = "At least one depth sample must be kept. ";
   expect_refused({{index, [=] { setOnlineRefractiveIndex(source, 0.0); }},
                   {index, [=] { setOnlineRefractiveIndex(source, -1.33); }},
@@ -80,6 +83,8 @@ TEST_F(LiveApiTest, Misuse) {
                   {index, [=] { setOnlineRefractiveIndex(source, HUGE_VAL); }},
                   {size, [=] { setSizeZ(source, 0); }},
                   {size, [=] { setSizeZ(source, -5); }},
+                  {no_size, [&] { getLiveStatistics(live_, nullptr); }},
+                  {no_size, [&] { getLiveStatistics(live_, &unsized); }},
                   {"(none)", [=] { stopDataSource(source); }},  // nothing runs
                   {"(none)", [&] { start(); }},
                   {"BrennickDataSource already running", [&] { start(); }}});
