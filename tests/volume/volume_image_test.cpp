@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "gl/gl_names.h"
+#include "offline/offline_volume_rendering.h"
 #include "support/reference/reference_camera.h"
 #include "support/reference/volume_reference.h"
 #include "support/test_context.h"
@@ -154,6 +156,71 @@ void fixed_at(VolumeScene& scene, double angle_x, double angle_y) {
   scene.clip_fixed = true;
   scene.fixed_angle_x = angle_x;
   scene.fixed_angle_y = angle_y;
+}
+
+// A target with several samples for each pixel, that gives its picture to the target before.
+class MultisampledTarget {
+ public:
+  MultisampledTarget(int width, int height) : width_(width), height_(height) {
+    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &below_);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+    attach(color_, GL_COLOR_ATTACHMENT0, GL_RGBA8);
+    attach(depth_, GL_DEPTH_ATTACHMENT, GL_DEPTH_COMPONENT24);
+    EXPECT_EQ(glCheckFramebufferStatus(GL_FRAMEBUFFER), GLenum{GL_FRAMEBUFFER_COMPLETE});
+  }
+  ~MultisampledTarget() {
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(below_));
+    glBlitFramebuffer(0, 0, width_, height_, 0, 0, width_, height_, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(below_));
+  }
+  MultisampledTarget(const MultisampledTarget&) = delete;
+  MultisampledTarget& operator=(const MultisampledTarget&) = delete;
+
+ private:
+  void attach(const gl::Renderbuffer& buffer, GLenum attachment, GLenum format) const {
+    glBindRenderbuffer(GL_RENDERBUFFER, buffer.get());
+    glRenderbufferStorageMultisample(GL_RENDERBUFFER, 4, format, width_, height_);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, attachment, GL_RENDERBUFFER, buffer.get());
+  }
+
+  int width_;
+  int height_;
+  GLint below_ = 0;
+  gl::Framebuffer framebuffer_ = gl::Framebuffer::create();
+  gl::Renderbuffer color_ = gl::Renderbuffer::create();
+  gl::Renderbuffer depth_ = gl::Renderbuffer::create();
+};
+
+// At the rim a sample may lie in the box and the pixel's middle beside it: a ray that does not know where it ends
+// must not run to the corner of the texture, where alone there is something to be seen.
+TEST(VolumeImageTest, SamplesAtTheRimStartNoRaysWithoutEnd) {
+  VolumeScene scene = base_scene();
+  for (std::size_t i = 0; i < scene.volume.voxels.size(); ++i) {
+    const bool corner =
+        i / scene.volume.slice_voxels() < 8 && i % scene.volume.slice_voxels() / 40 < 8 && i % 40 < 8;
+    scene.volume.voxels[i] = corner ? 1.0F : 0.0F;
+  }
+  scene.coloring = {{0x000000FFU, 0xFF0000FFU}, 0.4, 0.6};
+  scene.mode = 1;
+  const VolumeStage stage;
+  Picture picture(scene.viewport_width, scene.viewport_height);
+  for (const double angle : {-35.0, 20.0, 150.0}) {
+    scene.angle_y = angle;
+    apply(scene, stage.renderer);
+    upload(scene, stage.offline);
+    beginOffscreenFrame(stage.target, static_cast<unsigned>(picture.width),
+                        static_cast<unsigned>(picture.height));
+    {
+      const MultisampledTarget target(picture.width, picture.height);
+      // The export would switch the samples off.
+      const auto* const offline = reinterpret_cast<const OfflineVolumeRendering*>(stage.offline);
+      reinterpret_cast<VolumeRenderer*>(stage.renderer)
+          ->render(offline->source(OfflineVolumeRendering::Content::volume));
+    }
+    finishOffscreenFrame(stage.target, picture.bytes.data());
+    EXPECT_EQ(pending_error(), "(none)");
+    EXPECT_TRUE(agree(picture, reference_picture(scene), {1, 0.99, 255}));
+  }
 }
 
 void half_filled(VolumeScene& scene) {
