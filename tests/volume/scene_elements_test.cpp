@@ -169,8 +169,8 @@ TEST_F(SceneElementsTest, NothingIsLeftBehindAndNothingIsMadeTwice) {
       stage.frame();
       expected = built();
       for (int i = 0; i < 2; ++i) stage.frame(201, 160, 2);
-      ++expected[2];
-      EXPECT_EQ(built(), expected) << "the back faces have the viewport's size";
+      expected[2] += 2;
+      EXPECT_EQ(built(), expected) << "the back faces and their depth have the viewport's size";
       const std::string text = log_of([&] { stage.restart(); });
       EXPECT_TRUE(contains(text, "Unloading font renderer.\n"));
     }

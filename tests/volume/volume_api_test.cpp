@@ -125,6 +125,7 @@ TEST_F(VolumeRendererApiTest, WhereThereIsNothingToShowTheBackgroundIs) {
 TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
   scene_.clip = true;
   scene_.clip_value = 0.6F;
+  scene_.surface = {2, 2, 1.0, std::vector<float>(4, 0.5F)};
   stage_.draw(scene_);
   setBorder(renderer_, 0, 1, 1);
   setRendererColormap(renderer_, scene_.coloring.colors.data(), 3);
@@ -138,19 +139,19 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
     for (std::string& name : names) name.erase(0, 1);
     return names;
   };
-  EXPECT_EQ(
-      marks_of_frame(),
-      (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init", "render: colormap changed",
-             "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
-             "VolumeRenderer::render_clip_plane_border", "VolumeRenderer::render_clip_plane_border",
-             "render_raycasting::drawing", "VolumeRenderer::render_clip_plane_border",
-             "VolumeRenderer::render_clip_plane_border::draw_overlay", "VolumeRenderer::render_elements",
-             "VolumeRenderer::render_frame"}));
+  // Opaque things first; then, from behind, what is blended.
+  EXPECT_EQ(marks_of_frame(), (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
+                                     "render: colormap changed", "VolumeRenderer::render_surface",
+                                     "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
+                                     "VolumeRenderer::render_clip_plane_border", "render_raycasting::drawing",
+                                     "VolumeRenderer::render_clip_plane_border",
+                                     "VolumeRenderer::render_clip_plane_border::draw_overlay",
+                                     "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
   setRenderingMode(renderer_, 1);
   EXPECT_EQ(marks_of_frame(),
             (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
+                   "VolumeRenderer::render_surface", "VolumeRenderer::render_sectional_view",
                    "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
-                   "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_sectional_view",
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_elements",
                    "VolumeRenderer::render_frame"}));
   setViewportSize(13, 7);
