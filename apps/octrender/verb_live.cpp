@@ -224,9 +224,7 @@ void adapt(const Options& options, const std::optional<ValueRange>& range, LiveD
         volume_range("the device's first volume", first.samples, {}, range_shares(scene.view.look));
   }
   if (scene.surface) {
-    // The source gives the part that is drawn, divided by the refractive index, as the range of the whole.
-    const double drawn = source.size_z ? static_cast<double>(*source.size_z) / first.depth : 1.0;
-    const double whole_depth = device.depth_range() * drawn / source.refractive_index;
+    const double whole_depth = device.depth_range() / source.refractive_index;
     scene.surface->range = first.surface_range(whole_depth).value_or(ValueRange{});
   }
   if (wants_threshold) source.threshold = first.polarization_threshold();

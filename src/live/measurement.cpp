@@ -166,7 +166,6 @@ void Measurement::collect_secondary() {
   secondary_.assign(analog_samples_, analog_samples_ + count);
 }
 
-// The device counts depths by the data's range, which is that of the kept samples, along all of them.
 void Measurement::hand_over_surface(LiveFeed& feed, LiveClaim claim) {
   const auto clear = [this](DataHandle data) { sdk_.clearData(data); };
   const DataHandle data = sequence_->volume();
@@ -176,10 +175,24 @@ void Measurement::hand_over_surface(LiveFeed& feed, LiveClaim claim) {
   const int width = sdk_.getDataPropertyInt(surface.get(), OCT_DATA_SIZE_1);
   const int height = sdk_.getDataPropertyInt(surface.get(), OCT_DATA_SIZE_2);
   const auto scale = static_cast<float>(sdk_.getDataPropertyFloat(data, OCT_DATA_RANGE_1));
-  const float* const depths = sdk_.getDataPtr(surface.get());
+  const float* depths = sdk_.getDataPtr(surface.get());
   if (!depths) return;
+  if (kept_.depth != acquired_.depth) {
+    depths_.assign(depths, depths + std::max(width, 0) * static_cast<std::ptrdiff_t>(std::max(height, 0)));
+    crop_depths(scale);
+    depths = depths_.data();
+  }
   feed.with_renderer(claim,
                      [&](VolumeRenderer& renderer) { renderer.set_surface(width, height, scale, depths); });
+}
+
+// The device has spread the range of the kept samples over all of them. What lies below the kept ones is not there.
+void Measurement::crop_depths(float scale) {
+  const float ratio = static_cast<float>(acquired_.depth) / static_cast<float>(kept_.depth);
+  for (float& depth : depths_) {
+    depth *= ratio;
+    if (depth > scale) depth = std::numeric_limits<float>::quiet_NaN();
+  }
 }
 
 }  // namespace oct

@@ -62,6 +62,7 @@ class Measurement {
  private:
   bool hand_over_volume(LiveFeed& feed, LiveClaim claim, LiveTime processed);
   void hand_over_surface(LiveFeed& feed, LiveClaim claim);
+  void crop_depths(float scale);
   const float* volume_samples() const;
   void collect_secondary();
 
@@ -77,7 +78,7 @@ class Measurement {
   const float* analog_samples_ = nullptr;
   std::int32_t secondary_width_ = 0;
   std::vector<float> secondary_;
-  std::vector<float> depths_;
+  std::vector<float> depths_;  // of the surface
 };
 
 }  // namespace oct

@@ -38,7 +38,6 @@ struct PatternSettings {
   int channels = 2;
   int analog_lacks = 0;  // B-scans
   std::vector<float> analog;
-  std::vector<float> surface;
   std::map<std::string, std::pair<int, int>> failures;  // which call, and how many have been seen
   std::string recorded;
   std::string error;
@@ -90,8 +89,6 @@ class PatternDevice : public PatternSettings {
   }
   // The analog input has fewer B-scans than the volume.
   virtual void shorten_analog(int b_scans) { set(analog_lacks, b_scans); }
-  // At first zeros.
-  virtual void set_surface(const float* depths) { set(surface, {depths, depths + a_scans()}); }
 
   // The call of that number from now on, 0: every one, does nothing but leave "<function> failed".
   virtual void fail(const char* function, int call) {
