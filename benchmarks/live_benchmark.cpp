@@ -73,9 +73,9 @@ std::shared_ptr<const oct::DeviceLibrary> instant_device() {
 }
 
 // Renders until so many more volumes have reached the texture.
-void take_volumes(oct::FastOpenGLVolumeRenderer& live, std::uint32_t count) {
-  const std::uint32_t end = live.get_counts().drawn + count;
-  while (live.get_counts().drawn < end) live.render();
+void take_volumes(oct::FastOpenGLVolumeRenderer& live, std::uint64_t count) {
+  const auto shown = [&] { return live.feed()->statistics().counts.shown; };
+  for (const std::uint64_t end = shown() + count; shown() < end;) live.render();
 }
 
 void live_volumes(benchmark::State& state) {
@@ -107,8 +107,7 @@ void live_volumes(benchmark::State& state) {
 
   Median hand_over, copying, cropping, uploading;
   for (auto _ : state) {
-    source.register_live_rendering(&live);
-    source.start(any_handle<ScanPatternHandle>());
+    source.start(live.feed(), any_handle<ScanPatternHandle>());
     take_volumes(live, 2);
     auto start = Clock::now();
     take_volumes(live, batch);

@@ -94,7 +94,10 @@ int main(int argc, char** argv) {
   setOnlineRefractiveIndex(source, 1.34);
   startDataSource(live, source, pattern);
 
-  while (!failed && volumes_drawn() < 4) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  // A source that could not be made or started does not run.
+  while (!failed && isDataSourceRunning(source) && volumes_drawn() < 4) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
   std::vector<unsigned char> bgra(std::size_t{width} * height * 4);
   if (!failed) snapshotOpenGLControlLoop(loop, width, height, bgra.data());
 

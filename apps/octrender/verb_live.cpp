@@ -30,10 +30,9 @@ The device is the simulated one, which looks at a phantom or plays a volume back
 device library must export the simulated device's functions that make a device, a
 processing and a scan pattern (createSimulatedDevice, ...); docs/live.md lists them.
 
-The time begins with the first volume on the screen. Latency is counted from the moment at
-which the source announces a volume's reference intensity, which is after its processing
-and before it is handed over, to the moment at which the pixels of the first frame that
-shows it are in memory. A volume is dropped when no buffer is free for it within 100 ms.
+The time begins with the first volume on the screen. Latency goes from the end of a volume's
+processing to the end of the frame that shows it, over the last 1,000 volumes. A volume is
+dropped when no frame makes a buffer free for it within 100 ms.
 
 An automatic range is found from one volume that is measured beforehand, by percentiles as
 octrender volume does it; retardation, axis, DOPU and Stokes parameters have theirs.
@@ -56,6 +55,7 @@ struct Options : VolumeOptions {
   double seconds = 5;
   unsigned snapshots = 1;
   double frames_per_second = 60;
+  bool json = false;
   std::string library = "oct_device";
   int phantom = OCT_PHANTOM_FINGER_PAD;
   std::string playback;
@@ -87,6 +87,7 @@ void add_run_options(CLI::App& verb, Options& options) {
   verb.add_option("--fps", options.frames_per_second, "Frames per second at most, 0: as many as can be")
       ->check(within(0, 1e4))
       ->capture_default_str();
+  verb.add_flag("--json", options.json, "Report as one JSON object");
 }
 
 void add_device_options(CLI::App& verb, Options& options) {
@@ -225,28 +226,46 @@ void adapt(const Options& options, const std::optional<ValueRange>& range, LiveD
         volume_range("the device's first volume", first.samples, {}, range_shares(scene.view.look));
   }
   if (scene.surface) {
-    // The source gives the part that is drawn, divided by the refractive index, as the range of the whole.
-    const double drawn = source.size_z ? static_cast<double>(*source.size_z) / first.depth : 1.0;
-    const double whole_depth = device.depth_range() * drawn / source.refractive_index;
+    const double whole_depth = device.depth_range() / source.refractive_index;
     scene.surface->range = first.surface_range(whole_depth).value_or(ValueRange{});
   }
   if (wants_threshold) source.threshold = first.polarization_threshold();
 }
 
 void print(const LiveResult& result) {
-  const LiveReport& report = result.report;
-  const auto rate = [&](unsigned count) { return count / report.seconds; };
+  const OctLiveStatistics& volumes = result.volumes;
+  const auto rate = [&](auto count) { return static_cast<double>(count) / result.seconds; };
+  const auto dropped = volumes.dropped_no_frame + volumes.dropped_withdrawn + volumes.dropped_by_driver;
   std::cout << std::fixed << std::setprecision(1)                                                    //
             << "volumes:  " << result.size[0] << " x " << result.size[1] << " x " << result.size[2]  //
             << " samples (depth, A-scans, B-scans)\n"                                                //
-            << "time:     " << report.seconds << " s from the first volume on the screen\n"          //
-            << "acquired: " << report.acquired << " volumes, " << rate(report.acquired) << " per second\n"
-            << "shown:    " << report.shown << " volumes, " << rate(report.shown) << " per second\n"
-            << "dropped:  " << report.dropped << " volumes\n"
-            << "latency:  median " << report.latency_at(0.5) << " ms, 99th percentile "
-            << report.latency_at(0.99) << " ms, worst " << report.latency_at(1.0) << " ms\n"
-            << "frames:   " << report.frames << ", " << rate(report.frames) << " per second, worst "
-            << report.worst_frame << " ms\n";
+            << "time:     " << result.seconds << " s from the first volume on the screen\n"          //
+            << "acquired: " << volumes.acquired << " volumes, " << rate(volumes.acquired) << " per second\n"
+            << "shown:    " << volumes.shown << " volumes, " << rate(volumes.shown) << " per second, "
+            << volumes.volumes_per_second << " in the last\n"
+            << "dropped:  " << dropped << " volumes: " << volumes.dropped_no_frame
+            << " without a frame in time, " << volumes.dropped_withdrawn << " withdrawn, "
+            << volumes.dropped_by_driver << " lost by the driver\n"
+            << "left out: " << volumes.dropped_by_device << " volumes by the device, as far as it tells\n"
+            << "latency:  median " << volumes.latency_median_ms << " ms, 99th percentile "
+            << volumes.latency_p99_ms << " ms, worst " << volumes.latency_worst_ms << " ms\n"
+            << "frames:   " << result.frames << ", " << rate(result.frames) << " per second, worst "
+            << result.worst_frame << " ms\n";
+}
+
+void print_json(const LiveResult& result) {
+  const OctLiveStatistics& volumes = result.volumes;
+  std::cout << "{\"size\": [" << result.size[0] << ", " << result.size[1] << ", " << result.size[2]
+            << "], \"seconds\": " << result.seconds << ", \"acquired\": " << volumes.acquired
+            << ", \"handed_over\": " << volumes.handed_over << ", \"shown\": " << volumes.shown
+            << ", \"dropped\": {\"no_frame\": " << volumes.dropped_no_frame
+            << ", \"withdrawn\": " << volumes.dropped_withdrawn
+            << ", \"by_driver\": " << volumes.dropped_by_driver
+            << ", \"by_device\": " << volumes.dropped_by_device
+            << "}, \"volumes_per_second\": " << volumes.volumes_per_second
+            << ", \"latency_ms\": {\"median\": " << volumes.latency_median_ms
+            << ", \"p99\": " << volumes.latency_p99_ms << ", \"worst\": " << volumes.latency_worst_ms
+            << "}, \"frames\": " << result.frames << ", \"worst_frame_ms\": " << result.worst_frame << "}\n";
 }
 
 void run(const Options& options) {
@@ -277,7 +296,7 @@ void run(const Options& options) {
     };
     result = show_live(device, scene, settings, events);
   }
-  print(result);
+  options.json ? print_json(result) : print(result);
 }
 
 }  // namespace

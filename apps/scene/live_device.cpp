@@ -85,7 +85,6 @@ MeasuredVolume LiveDevice::measure(bool with_surface) {
   process(raw0.get(), raw1.get(), data.get());
   library_.throw_pending_error();
   MeasuredVolume volume;
-  volume.depth = library_.getDataPropertyInt(data.get(), OCT_DATA_SIZE_1);
   volume.samples = samples_of(data.get());
   if (with_surface) volume.surface = surface_of(data.get());
   library_.throw_pending_error();

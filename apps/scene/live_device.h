@@ -31,7 +31,6 @@ struct DeviceSetup {
 struct MeasuredVolume {
   std::vector<float> samples;  // decibels
   std::vector<float> surface;  // depths as parts of the whole A-scan; without those of A-scans that have none
-  int depth = 0;
 
   // Decibels, 9 above the noise. Reorders the samples.
   double polarization_threshold();

@@ -27,8 +27,7 @@ LiveSource::LiveSource(const LiveDevice& device, const SourceSettings& settings)
   }
 }
 
-void LiveSource::announce(OctIntensityFunction on_reference_intensity, OctErrorFunction on_error) {
-  checked(setRefIntensityCallback, handle_.get(), on_reference_intensity);
+void LiveSource::announce(OctErrorFunction on_error) {
   checked(setErrorCallback, handle_.get(), on_error);
 }
 

@@ -25,8 +25,8 @@ class LiveSource {
  public:
   LiveSource(const LiveDevice& device, const SourceSettings& settings);
 
-  // Called on the acquisition thread: of every volume but the first, and when acquisition fails.
-  void announce(OctIntensityFunction on_reference_intensity, OctErrorFunction on_error);
+  // Called on the acquisition thread when acquisition fails.
+  void announce(OctErrorFunction on_error);
 
   void start(LiveVolumeRenderingHandle live);
   void stop();

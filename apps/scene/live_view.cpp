@@ -1,10 +1,13 @@
 #include "scene/live_view.h"
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <exception>
 #include <future>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -56,37 +59,59 @@ class Exchange {
   std::vector<std::vector<std::uint8_t>> pictures_;
 };
 
-// What the acquisition thread's functions work with; they take no pointer of the program's.
-struct Announcements {
-  Exchange& exchange;
-  LiveStatistics& statistics;
-  LiveVolumeRenderingHandle live;
-};
-std::atomic<const Announcements*> announcements = nullptr;
-
-unsigned dropped_by(LiveVolumeRenderingHandle live) {
-  unsigned dropped = 0;
-  getLiveVolumeCounts(live, nullptr, &dropped);
-  return dropped;
-}
-
-void on_reference_intensity(double) {
-  const Announcements& to = *announcements.load();
-  to.statistics.acquired(Clock::now(), dropped_by(to.live));
-}
+// What the acquisition thread's function works with; it takes no pointer of the program's.
+std::atomic<Exchange*> exchange_of_errors = nullptr;
 
 void on_error(const char* message) {
   const DeviceError error("acquisition failed: " + std::string(message));
-  announcements.load()->exchange.fail(std::make_exception_ptr(error));
+  exchange_of_errors.load()->fail(std::make_exception_ptr(error));
 }
+
+OctLiveStatistics statistics_of(LiveVolumeRenderingHandle live) {
+  OctLiveStatistics statistics{};
+  statistics.size = sizeof statistics;
+  checked(getLiveStatistics, live, &statistics);
+  return statistics;
+}
+
+// How long frames take, from the first one that shows a volume on.
+class FrameTimes {
+ public:
+  void add(Clock::time_point start, Clock::time_point end, bool shows_volumes) {
+    const std::lock_guard lock(mutex_);
+    if (begin_) {
+      ++frames_;
+      worst_ = std::max(worst_, end - start);
+    } else if (shows_volumes) {
+      begin_ = end;
+    }
+  }
+
+  std::optional<Clock::time_point> begin() const {
+    const std::lock_guard lock(mutex_);
+    return begin_;
+  }
+
+  void report(LiveResult& result) const {
+    const std::lock_guard lock(mutex_);
+    if (begin_) result.seconds = Seconds(Clock::now() - *begin_).count();
+    result.frames = frames_;
+    result.worst_frame = std::chrono::duration<double, std::milli>(worst_).count();
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::optional<Clock::time_point> begin_;
+  unsigned frames_ = 0;
+  Clock::duration worst_{};
+};
 
 // Draws frames on a thread of its own, from construction to end().
 class RenderingThread {
  public:
   // Throws what goes wrong before the first frame.
-  RenderingThread(const LiveScene& scene, const LiveSettings& settings, Exchange& exchange,
-                  LiveStatistics& statistics)
-      : scene_(scene), settings_(settings), exchange_(exchange), statistics_(statistics) {
+  RenderingThread(const LiveScene& scene, const LiveSettings& settings, Exchange& exchange)
+      : scene_(scene), settings_(settings), exchange_(exchange) {
     std::promise<LiveVolumeRenderingHandle> ready;
     std::future<LiveVolumeRenderingHandle> live = ready.get_future();
     thread_ = std::jthread([this, promise = std::move(ready)]() mutable { run(promise); });
@@ -97,6 +122,7 @@ class RenderingThread {
   RenderingThread& operator=(const RenderingThread&) = delete;
 
   LiveVolumeRenderingHandle live() const { return live_; }
+  const FrameTimes& times() const { return times_; }
 
   // The source must have been stopped: the last frame frees the OpenGL objects.
   void end() {
@@ -135,9 +161,7 @@ class RenderingThread {
       target.render(scene_.view.size.width, scene_.view.size.height, pixels,
                     [&] { checked(::renderVolume, live); });
       const Clock::time_point end = Clock::now();
-      unsigned shown = 0;
-      getLiveVolumeCounts(live, &shown, nullptr);
-      statistics_.frame(start, end, shown);
+      times_.add(start, end, statistics_of(live).shown > 0);
       if (snapshots < settings_.snapshots && is_due(snapshots, end)) {
         ++snapshots;
         exchange_.give(pixels);
@@ -150,14 +174,14 @@ class RenderingThread {
   }
 
   bool is_due(unsigned snapshot, Clock::time_point now) const {
-    const auto begin = statistics_.begin();
+    const auto begin = times_.begin();
     return begin && now >= *begin + ticks(settings_.seconds * (snapshot + 1) / settings_.snapshots);
   }
 
   const LiveScene& scene_;
   const LiveSettings& settings_;
   Exchange& exchange_;
-  LiveStatistics& statistics_;
+  FrameTimes times_;
   std::atomic<bool> ending_ = false;
   LiveVolumeRenderingHandle live_ = nullptr;
   std::jthread thread_;
@@ -182,22 +206,21 @@ void set_scene(VolumeRendererHandle renderer, const LiveScene& scene) {
 LiveResult show_live(const LiveDevice& device, const LiveScene& scene, const LiveSettings& settings,
                      const LiveEvents& events) {
   Exchange exchange;
-  LiveStatistics statistics;
-  RenderingThread rendering(scene, settings, exchange, statistics);
-  const Announcements here{exchange, statistics, rendering.live()};
-  announcements = &here;
+  RenderingThread rendering(scene, settings, exchange);
+  exchange_of_errors = &exchange;
   LiveSource source(device, settings.source);
-  source.announce(&on_reference_intensity, &on_error);
+  source.announce(&on_error);
   source.start(rendering.live());
   for (unsigned taken = 0; taken < settings.snapshots;) {
     for (const std::vector<std::uint8_t>& pixels : exchange.wait()) {
       events.snapshot(taken++, to_picture(scene.view.size, pixels));
     }
-    const auto begin = statistics.begin();
+    const auto begin = rendering.times().begin();
     events.progress(begin ? Seconds(Clock::now() - *begin).count() : 0.0);
   }
   LiveResult result;
-  result.report = statistics.report(Clock::now(), dropped_by(rendering.live()));
+  result.volumes = statistics_of(rendering.live());
+  rendering.times().report(result);
   auto& [depth, a_scans, b_scans] = result.size;
   checked(getLiveVolumeRenderingSize, rendering.live(), &depth, &a_scans, &b_scans);
   source.stop();

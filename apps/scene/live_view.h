@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "data/colormap.h"
-#include "data/live_statistics.h"
 #include "data/picture.h"
+#include "oct_rendering/oct_rendering.h"
 #include "scene/live_device.h"
 #include "scene/live_source.h"
 #include "scene/volume_view.h"
@@ -42,7 +42,10 @@ struct LiveEvents {
 };
 
 struct LiveResult {
-  LiveReport report;
+  OctLiveStatistics volumes{};
+  double seconds = 0;         // from the end of the frame that showed the first volume on
+  unsigned frames = 0;        // since then
+  double worst_frame = 0;     // milliseconds
   std::array<int, 3> size{};  // depth samples, A-scans, B-scans as they were drawn
 };
 

@@ -203,6 +203,21 @@ OCT_DEVICE_API void determineSurface(DataHandle volume, DataHandle surface);
  */
 OCT_DEVICE_API double getRelativeReferenceIntensity(OCTDeviceHandle device, ProcessingHandle processing);
 
+/** @name Optional
+ * What a device library may leave out. Clients then do without what it tells.
+ * @{
+ */
+
+/**
+ * Counts the volumes that a device measured and left out because nobody fetched them in time. A volume is counted when the
+ * one after it is fetched.
+ * @param device the device
+ * @return volumes left out since startMeasurement(); the count stays after stopMeasurement()
+ */
+OCT_DEVICE_API int getLostVolumes(OCTDeviceHandle device);
+
+/** @} */
+
 /** @name Polarization
  * For devices with two sensors that see two polarizations of the light. Sensor 0 sees the light that a mirror
  * would send back, sensor 1 the other half. Per volume: fetch the raw data of both cameras, process each into

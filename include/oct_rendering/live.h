@@ -21,6 +21,28 @@ typedef struct OctLiveVolumeRendering* LiveVolumeRenderingHandle;
 typedef void (*OctIntensityFunction)(double intensity);
 
 /**
+ * @brief What became of the volumes of a live renderer; see getLiveStatistics().
+ */
+typedef struct OctLiveStatistics {
+  unsigned int size; /**< set by the caller to sizeof(OctLiveStatistics); fields beyond it are left alone */
+  unsigned int reserved;
+  unsigned long long acquired;          /**< volumes that the device gave without an error */
+  unsigned long long handed_over;       /**< copied to where the driver reads them */
+  unsigned long long shown;             /**< drawn by a frame */
+  unsigned long long dropped_no_frame;  /**< no frame had made a buffer free within 100 ms */
+  unsigned long long dropped_withdrawn; /**< on their way at a stop, or when another source took over */
+  unsigned long long dropped_by_driver; /**< the driver lost the buffer, or no frame could be drawn with it */
+  unsigned long long
+      dropped_by_device;     /**< left out by the device because nobody fetched them in time; 0 for a
+                                             device library that does not tell */
+  double volumes_per_second; /**< shown within the last second */
+  double
+      latency_median_ms; /**< from the end of the processing to the end of the renderVolume() that shows it, */
+  double latency_p99_ms;   /**< of the last 1,000 volumes; 99 of 100 came earlier */
+  double latency_worst_ms; /**< the worst of these 1,000 */
+} OctLiveStatistics;
+
+/**
  * @defgroup live Live volumes
  *
  * A data source acquires volumes on a thread of its own; a live renderer takes each to the graphics card and
@@ -37,11 +59,15 @@ typedef void (*OctIntensityFunction)(double intensity);
  * axes, in millimetres. A volume for which no buffer is free within 100 ms is not drawn; acquisition goes on.
  *
  * Errors of the device reach the function of setErrorCallback(), on the acquisition thread: one at the first
- * volume ends the thread, and so does any of a polarization-sensitive source. Other failures on that thread
- * arrive there as well and end it: "Insufficient memory allocated." (the device's volume is smaller than what
- * is to be drawn), "Volume sizes must not be negative. ",
- * "The volume has too many voxels for live rendering. ". After its thread has ended a source can be started
- * again, with stopDataSource() first or without.
+ * volume ends the thread, and so does any of a polarization-sensitive source. At a later volume of a standard source
+ * nothing is handed over, and the source tries again after a pause, which grows from 10 to 500 ms while errors follow
+ * each other. Other failures on that thread arrive there as well and end it: "Insufficient memory allocated." (the
+ * device's volume, or its analog input, is smaller than what is to be drawn), "Volume sizes must not be negative. ",
+ * "The volume has too many voxels for live rendering. ", what renderVolume() says when it cannot make the OpenGL objects,
+ * "The live renderer of the source was cleared. ". Without such a function they go to the standard error stream and
+ * to the log. After its thread has ended a source can be started again, with stopDataSource() first or without.
+ *
+ * A live renderer draws one source: one that is started takes it over, and the one before measures on without a picture.
  */
 /** @{ */
 
@@ -58,28 +84,29 @@ OCT_API void setDeviceLibrary(const char* NameOrPath);
 /**
  * @brief Makes a live renderer. Does no OpenGL work.
  * @return The object, to be freed with clearLiveRendering(); null on failure.
- * @par Errors
- * "Could not create event."
  * @thread Any thread.
  */
 OCT_API LiveVolumeRenderingHandle createLiveRendering(void);
 
 /**
  * @brief Frees a live renderer. Its OpenGL objects are freed by renderVolume() after stopDataSource().
- * @param Handle The live renderer; no source may be running with it.
+ * @param Handle The live renderer. A source that is running with it ends with an error, "The live renderer of the
+ * source was cleared. ".
  * @par Errors
  * "Cannot lock nullptr. "
- * @thread Any thread that does not hold up a frame: it waits for the one in progress.
+ * @thread Any thread that does not hold up a frame: it waits for the one in progress, and for a copy of the
+ * acquisition thread.
  */
 OCT_API void clearLiveRendering(LiveVolumeRenderingHandle Handle);
 
 /**
  * @brief Sets the volume renderer that draws the volumes.
  * @param Handle The live renderer.
- * @param Renderer The volume renderer, which stays the client's and must live as long as it is set.
+ * @param Renderer The volume renderer, which stays the client's and must live as long as it is set: until this
+ * function has set another one, clearLiveRendering() has returned, or, when no source is running, the last renderVolume().
  * @par Errors
  * "Invalid Live Rendering Handle specified. "; "Cannot lock nullptr. " for a null renderer
- * @thread Any thread; waits for the frame in progress.
+ * @thread Any thread; waits for the frame in progress and for what the acquisition thread is setting on the one before.
  */
 OCT_API void setLiveVolumeRenderingRenderer(LiveVolumeRenderingHandle Handle, VolumeRendererHandle Renderer);
 
@@ -104,7 +131,7 @@ OCT_API bool isLiveVolumeRunning(LiveVolumeRenderingHandle Handle);
  * "The specified VolumeRendererHandle is invalid. "; "No OpenGL context is current on the calling thread. ";
  * "A volume of ... voxels is too large: this OpenGL driver allows ... voxels along each axis. "; "A volume of
  * ... voxels needs a texture of ... MB, more than this OpenGL driver allows. "; "This is an error." (the
- * driver gave no buffer); "Could not set event"; "The renderer was initialised in another OpenGL context. " (than
+ * driver gave no buffer); "The renderer was initialised in another OpenGL context. " (than
  * that of the first frame after startDataSource());
  * "An OpenGL error in FastOpenGLVolumeRenderer::... occured: ..."; those of the volume renderer's frame
  * @thread Rendering thread.
@@ -126,8 +153,7 @@ OCT_API double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle);
  * @brief How many volumes came to the screen since createLiveRendering(), and how many did not. A volume
  * whose acquisition was stopped on its way counts as neither.
  * @param Handle The live renderer.
- * @param Drawn Receives the number of volumes that renderVolume() has taken to the graphics card; may be
- * null.
+ * @param Drawn Receives the number of volumes that renderVolume() has shown; may be null.
  * @param Dropped Receives the number of volumes for which no buffer was free within 100 ms, or whose buffer
  * the driver lost; may be null. Both begin anew after 4,294,967,295.
  * @par Errors
@@ -136,6 +162,17 @@ OCT_API double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle);
  */
 OCT_API void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn,
                                  unsigned int* Dropped);
+
+/**
+ * @brief Tells what became of every volume since createLiveRendering(), how often volumes come to the screen and how
+ * old they are then.
+ * @param Handle The live renderer.
+ * @param Statistics Receives the numbers; its size must be set.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; "The size of the statistics must be set. ", also for null
+ * @thread Any thread, callbacks of a source among them; never waits.
+ */
+OCT_API void getLiveStatistics(LiveVolumeRenderingHandle Handle, OctLiveStatistics* Statistics);
 
 /**
  * @brief Size of the live volumes in voxels; 0 before the first measurement.
@@ -216,6 +253,27 @@ OCT_API void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceH
  * @thread Any thread but the source's own.
  */
 OCT_API void stopDataSource(LiveDataSourceHandle DataSource);
+
+/**
+ * @brief Ends acquisition as stopDataSource() does, without waiting for the volume in progress: the device is told to give
+ * it up. A device that does not listen to that is waited for.
+ * @param DataSource The source; one that is not running is left as it is.
+ * @par Errors
+ * Those of stopDataSource()
+ * @thread Any thread but the source's own.
+ */
+OCT_API void cancelDataSource(LiveDataSourceHandle DataSource);
+
+/**
+ * @brief Tells whether a source acquires volumes.
+ * @param DataSource The source.
+ * @return True from startDataSource() until its thread ends: after a stop, or by itself after an error. False while it
+ * waits for its stop because no volume renderer is set.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread; never waits.
+ */
+OCT_API bool isDataSourceRunning(LiveDataSourceHandle DataSource);
 
 /**
  * @brief Sets how many depth samples of each A-scan are drawn, from the surface of the range downwards. At

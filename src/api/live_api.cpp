@@ -1,4 +1,8 @@
 // Exports of live volumes: the live renderer and its data sources.
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+
 #include "api/guard_opengl.h"
 #include "api/handles.h"
 #include "core/object_lock.h"
@@ -86,10 +90,10 @@ LiveDataSourceHandle createOnlineDataSource_PS(OCTDeviceHandle Dev, ProcessingHa
           throw std::invalid_argument("The specifided ProcessingHandle for camera/sensor-1 is invalid. ");
         }
         if (!PS_Proc) throw std::invalid_argument("The specifided PolarizationProcessingHandle is invalid. ");
-        auto library = oct::device_library();
+        const auto library = oct::device_library();
         library->require_polarization();
-        return handle_of(
-            std::make_unique<BrennickDataSource_PS>(std::move(library), Dev, Proc0, Proc1, PS_Proc));
+        return handle_of(std::make_unique<BrennickDataSource_PS>(
+            library, oct::PolarizationDevice{Dev, Proc0, Proc1, PS_Proc}));
       });
 }
 
@@ -143,8 +147,7 @@ void clearDataSource(LiveDataSourceHandle Handle) {
   guarded(__func__, [&] {
     if (!Handle) return;
     oct::api::delete_object<BrennickDataSource>(Handle, [](BrennickDataSource& source) {
-      source.stop();                 // throws on the source's own thread, which must not lose its object
-      source.deregister_renderer();  // the destructor does not stop it again
+      source.stop();  // throws on the source's own thread, which must not lose its object
     });
   });
 }
@@ -167,17 +170,21 @@ void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle Da
         if (!Pattern) throw std::invalid_argument("The specified ScanPatternHandle is invalid. ");
         source.await_end();  // not under the lock, for which a callback of the ending thread may be waiting
         const oct::ObjectLock lock(Renderer);
-        source.register_live_rendering(&rendering);
-        source.start(Pattern);
+        source.start(rendering.feed(), Pattern);
       });
 }
 
 void stopDataSource(LiveDataSourceHandle DataSource) {
-  guarded(__func__, [&] {
-    auto& source = checked<BrennickDataSource>(DataSource, invalid_source);
-    source.stop();
-    source.deregister_renderer();  // clients may clear the live renderer before the source
-  });
+  guarded(__func__, [&] { checked<BrennickDataSource>(DataSource, invalid_source).stop(); });
+}
+
+void cancelDataSource(LiveDataSourceHandle DataSource) {
+  guarded(__func__, [&] { checked<BrennickDataSource>(DataSource, invalid_source).cancel(); });
+}
+
+bool isDataSourceRunning(LiveDataSourceHandle DataSource) {
+  return guarded(__func__,
+                 [&] { return checked<BrennickDataSource>(DataSource, invalid_source).is_acquiring(); });
 }
 
 void renderVolume(LiveVolumeRenderingHandle Handle) {
@@ -199,15 +206,45 @@ double getRenderedVolumesPerSec(LiveVolumeRenderingHandle Handle) {
 void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn, unsigned int* Dropped) {
   guarded(__func__, [&] {
     // No lock: an acquisition thread that asks must not wait for a frame.
-    const auto counts = checked<FastOpenGLVolumeRenderer>(Handle, invalid_renderer).get_counts();
-    if (Drawn) *Drawn = counts.drawn;
-    if (Dropped) *Dropped = counts.dropped;
+    const oct::LiveCounts counts =
+        checked<FastOpenGLVolumeRenderer>(Handle, invalid_renderer).feed()->statistics().counts;
+    if (Drawn) *Drawn = static_cast<unsigned>(counts.shown);
+    if (Dropped) *Dropped = static_cast<unsigned>(counts.dropped_no_frame + counts.dropped_by_driver);
+  });
+}
+
+void getLiveStatistics(LiveVolumeRenderingHandle Handle, OctLiveStatistics* Statistics) {
+  guarded(__func__, [&] {
+    auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, invalid_renderer);
+    constexpr std::size_t smallest = 2 * sizeof(unsigned);
+    if (!Statistics || Statistics->size < smallest) {
+      throw std::invalid_argument("The size of the statistics must be set. ");
+    }
+    const oct::LiveStatistics now = rendering.feed()->statistics();
+    const oct::LiveStatistics::Latency latency = now.latency();
+    const oct::LiveCounts& counts = now.counts;
+    const OctLiveStatistics all{Statistics->size,
+                                0,
+                                counts.acquired,
+                                counts.handed_over,
+                                counts.shown,
+                                counts.dropped_no_frame,
+                                counts.dropped_withdrawn,
+                                counts.dropped_by_driver,
+                                counts.dropped_by_device,
+                                now.volumes_per_second(std::chrono::steady_clock::now()),
+                                latency.median_ms,
+                                latency.p99_ms,
+                                latency.worst_ms};
+    // A client of an older header has room for fewer fields.
+    std::memcpy(Statistics, &all, std::min<std::size_t>(Statistics->size, sizeof all));
   });
 }
 
 void getLiveVolumeRenderingSize(LiveVolumeRenderingHandle Handle, int* X, int* Y, int* Z) {
   guarded(__func__, [&] {
-    const oct::VolumeExtent extent = checked<FastOpenGLVolumeRenderer>(Handle, invalid_source).get_size();
+    const oct::VolumeExtent extent =
+        checked<FastOpenGLVolumeRenderer>(Handle, invalid_source).feed()->extent();
     if (X) *X = static_cast<int>(extent.depth);
     if (Y) *Y = static_cast<int>(extent.a_scans);
     if (Z) *Z = static_cast<int>(extent.b_scans);

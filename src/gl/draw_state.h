@@ -41,6 +41,59 @@ class Blending {
   Blending& operator=(const Blending&) = delete;
 };
 
+// Moves polygons away from the eye, so that lines on them are seen.
+struct PolygonOffset {
+  float factor = 0.0F;
+  float units = 0.0F;
+};
+
+// What lies beyond the near or the far plane is drawn as if it lay on it.
+class DepthClamp {
+ public:
+  DepthClamp() { glEnable(GL_DEPTH_CLAMP); }
+  ~DepthClamp() { glDisable(GL_DEPTH_CLAMP); }
+  DepthClamp(const DepthClamp&) = delete;
+  DepthClamp& operator=(const DepthClamp&) = delete;
+};
+
+// The whole depth state of a pass. Outside of passes nothing is tested; what clears the depth needs writes on.
+class DepthTest {
+ public:
+  explicit DepthTest(GLenum function, bool writes = false, PolygonOffset offset = {}) {
+    glEnable(GL_DEPTH_TEST);
+    glDepthFunc(function);
+    glDepthMask(writes ? GL_TRUE : GL_FALSE);
+    glEnable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(offset.factor, offset.units);
+  }
+  ~DepthTest() {
+    glPolygonOffset(0.0F, 0.0F);
+    glDisable(GL_POLYGON_OFFSET_FILL);
+    glDepthMask(GL_TRUE);
+    glDepthFunc(GL_LESS);
+    glDisable(GL_DEPTH_TEST);
+  }
+  DepthTest(const DepthTest&) = delete;
+  DepthTest& operator=(const DepthTest&) = delete;
+};
+
+// Leaves out one side of what is drawn. The front has its corners in the given order, GL_CCW or GL_CW.
+class FaceCulling {
+ public:
+  FaceCulling(GLenum culled, GLenum front) {
+    glFrontFace(front);
+    glCullFace(culled);
+    glEnable(GL_CULL_FACE);
+  }
+  ~FaceCulling() {
+    glDisable(GL_CULL_FACE);
+    glCullFace(GL_BACK);
+    glFrontFace(GL_CCW);
+  }
+  FaceCulling(const FaceCulling&) = delete;
+  FaceCulling& operator=(const FaceCulling&) = delete;
+};
+
 // Switches capabilities off and, at the end, those that were on, on again.
 template <std::size_t Count>
 class ScopedDisable {

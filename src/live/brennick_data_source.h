@@ -6,42 +6,42 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 
 #include "core/error_callback.h"
-#include "core/extent.h"
+#include "live/acquisition_thread.h"
 #include "live/device_library.h"
+#include "live/live_feed.h"
+#include "live/measurement.h"
 
 namespace oct {
 
-class FastOpenGLVolumeRenderer;
-class VolumeRenderer;
-
 using RefIntensityCallback = std::function<void(double intensity)>;
+
+// What sequences for one sensor are made with.
+struct StandardSettings {
+  const std::atomic<std::int32_t>& camera;
+  bool analog_input;
+};
+using MakeSequence = std::function<std::unique_ptr<DeviceSequence>(const StandardSettings&)>;
 
 class BrennickDataSource {
  public:
   // The handles are the device library's and outlive the source.
-  BrennickDataSource(std::shared_ptr<const DeviceLibrary> library, OCTDeviceHandle device,
+  BrennickDataSource(const std::shared_ptr<const DeviceLibrary>& library, OCTDeviceHandle device,
                      ProcessingHandle processing);
   virtual ~BrennickDataSource();
   BrennickDataSource(const BrennickDataSource&) = delete;
   BrennickDataSource& operator=(const BrennickDataSource&) = delete;
 
-  // Throws while the thread lives: it and stop must mean the same renderer.
-  void register_live_rendering(FastOpenGLVolumeRenderer* rendering);  // not owned
-  // Does nothing while the thread lives.
-  void deregister_renderer();
-
-  // Throws while the thread lives, instead of waiting for it: the caller may hold a lock that a client's
-  // callback on the ending thread waits for. await_end comes before such locks.
-  void start(ScanPatternHandle pattern);
+  // Throws while the thread lives, as AcquisitionThread::start does; await_end comes before the locks of its caller.
+  void start(std::shared_ptr<LiveFeed> feed, ScanPatternHandle pattern);
   // Waits for the acquisition thread. On the thread itself, where a client's callbacks run, it asks the
   // thread to end and throws std::system_error (resource_deadlock_would_occur).
   void stop();
-  // Waits for a thread that has been asked to end or ends by itself; for no
-  // other, and not on the thread itself.
-  void await_end();
+  // The same, and ends the measurement without waiting for its volume.
+  void cancel();
+  void await_end() { thread_.await_end(); }
+  bool is_acquiring() const { return acquiring_; }
 
   // An empty callback removes the one before, which may be running when this returns.
   void set_ref_intensity_callback(RefIntensityCallback callback);
@@ -55,25 +55,17 @@ class BrennickDataSource {
   void set_camera(std::int32_t camera) { camera_ = camera; }
 
  protected:
-  virtual void thread();  // the body of the acquisition thread
+  // The sequence's maker must not refer to what ends with a derived object: the thread ends later.
+  BrennickDataSource(const std::shared_ptr<const DeviceLibrary>& library, OCTDeviceHandle device,
+                     ProcessingHandle processing, MakeSequence make_sequence);
 
-  // Sizes and ranges of the volumes of one measurement, and the part of them that is drawn.
-  struct Geometry {
-    VolumeExtent acquired;
-    VolumeExtent kept;         // and drawn: less deep, maybe
-    double depth_range = 0.0;  // millimetres: of the kept samples, divided by the refractive index
-    double lateral_range1 = 0.0;
-    double lateral_range2 = 0.0;
-  };
-  Geometry read_geometry(DataHandle data) const;
-
-  // Requests initialisation of the live renderer and waits for the rendering thread. Otherwise, when the
-  // source was stopped or there is no volume renderer, it returns so at once.
-  enum class Preparation { done, stopped, no_renderer };
-  Preparation prepare_rendering(const Geometry& geometry, DataHandle analog);
-
-  void set_range(const Geometry& geometry) const;
-  void copy_data(DataHandle data, const Geometry& geometry) const;
+ private:
+  void run();
+  void acquire();
+  // Whether the live renderer has been initialised, or another source has it.
+  bool prepare(Measurement& measurement);
+  void wait_without_renderer(const DeviceSequence& sequence);
+  AcquisitionThread::Run ask_to_end(bool cancel);
 
   // Passes the device's pending error to the client. Returns whether there was one.
   bool report_device_error() const;
@@ -81,22 +73,11 @@ class BrennickDataSource {
   void report_reference_intensity() const;
 
   const StandardDeviceFunctions& sdk() const { return library_->standard; }
+
   const std::shared_ptr<const DeviceLibrary> library_;
   const OCTDeviceHandle device_;
   const ProcessingHandle processing_;
-  ScanPatternHandle scan_pattern_ = nullptr;
-  std::atomic<bool> running_ = false;  // whether the thread shall go on
-  std::atomic<FastOpenGLVolumeRenderer*> live_renderer_ = nullptr;
-
- private:
-  void run();
-  bool idle() const { return !running_ && ended_; }
-  // Lock of the thread object while there is no thread; throws otherwise.
-  std::unique_lock<std::mutex> lock_idle();
-  bool on_own_thread() const { return own_thread_ == std::this_thread::get_id(); }
-  bool copy_volume(DataHandle data, const Geometry& geometry, float* destination) const;
-  void copy_surface(DataHandle data, VolumeRenderer& renderer) const;
-
+  const MakeSequence make_sequence_;
   const std::int32_t max_size_z_;  // half a spectrum
   std::atomic<std::int32_t> size_z_;
   std::atomic<double> device_value_;  // optical depth range in millimetres
@@ -108,13 +89,15 @@ class BrennickDataSource {
   RefIntensityCallback ref_intensity_callback_;
   ErrorCallback error_callback_;
 
-  std::mutex thread_mutex_;  // held by whoever starts or joins the thread, never by the thread
-  // What the thread requests of the live renderer comes before a stop or not at all.
-  std::mutex request_mutex_;
-  std::thread thread_;
-  std::uint64_t thread_number_ = 0;  // counts starts; written under both mutexes
-  std::atomic<bool> ended_ = true;   // the thread is past its last callback
-  std::atomic<std::thread::id> own_thread_;
+  MeasuringDevice measuring_;
+  // What follows changes while there is no thread, or in AcquisitionThread's requests.
+  ScanPatternHandle scan_pattern_ = nullptr;
+  std::shared_ptr<LiveFeed> feed_;
+  LiveClaim claim_ = no_claim;
+  AcquisitionThread::Run run_ = 0;
+  std::atomic<bool> cancelled_ = false;
+  std::atomic<bool> acquiring_ = false;
+  AcquisitionThread thread_;
 };
 
 }  // namespace oct

@@ -26,6 +26,9 @@
   X(determineSurface)                    \
   X(getRelativeReferenceIntensity)
 
+// And those that any may leave out.
+#define OCT_OPTIONAL_DEVICE_FUNCTIONS(X) X(getLostVolumes)
+
 // And of one that serves devices with two sensors.
 #define OCT_POLARIZATION_DEVICE_FUNCTIONS(X) \
   X(createComplexData)                       \
@@ -49,6 +52,7 @@ namespace oct {
 
 struct StandardDeviceFunctions {
   OCT_STANDARD_DEVICE_FUNCTIONS(OCT_DEVICE_FUNCTION_POINTER)
+  OCT_OPTIONAL_DEVICE_FUNCTIONS(OCT_DEVICE_FUNCTION_POINTER)  // null where the library lacks it
 };
 
 struct PolarizationDeviceFunctions {

@@ -37,6 +37,9 @@ std::shared_ptr<const DeviceLibrary> bound_library(const std::string& name) {
   if (!find(module, #function, library->standard.function)) throw missing(name, #function);
   OCT_STANDARD_DEVICE_FUNCTIONS(OCT_BIND)
 #undef OCT_BIND
+#define OCT_BIND(function) find(module, #function, library->standard.function);
+  OCT_OPTIONAL_DEVICE_FUNCTIONS(OCT_BIND)
+#undef OCT_BIND
 #define OCT_BIND(function) \
   if (!find(module, #function, library->polarization.function) && lacking.empty()) lacking = #function;
   OCT_POLARIZATION_DEVICE_FUNCTIONS(OCT_BIND)

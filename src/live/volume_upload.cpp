@@ -1,5 +1,6 @@
 #include "live/volume_upload.h"
 
+#include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
 
 namespace oct {
@@ -18,10 +19,11 @@ void VolumeUpload::allocate(const VolumeExtent& extent) {
   for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R}) {
     glTexParameteri(GL_TEXTURE_3D, wrap, GL_CLAMP_TO_BORDER);
   }
-  for (gl::Buffer& buffer : buffers_) buffer.reset();
-  for (gl::Buffer& buffer : buffers_) {
-    buffer = gl::Buffer::create();
-    respecify(buffer);
+  for (UploadBuffer& buffer : buffers_) buffer.name.reset(), buffer.read.reset();
+  for (UploadBuffer& buffer : buffers_) {
+    buffer.name = gl::Buffer::create();
+    glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer.name.get());
+    glBufferData(GL_PIXEL_UNPACK_BUFFER, bytes(), nullptr, GL_STREAM_DRAW);
   }
   unbind_buffer();
 }
@@ -42,63 +44,70 @@ void VolumeUpload::release() {
   unbind_buffer();
   glBindTexture(GL_TEXTURE_3D, 0);
   volume_.reset();
-  for (gl::Buffer& buffer : buffers_) buffer.reset();
+  for (UploadBuffer& buffer : buffers_) buffer.name.reset(), buffer.read.reset();
   secondary_.reset();
 }
 
-void VolumeUpload::respecify(const gl::Buffer& buffer) const {
+// Empty volumes keep a byte or so: a buffer without any cannot be mapped.
+GLsizeiptr VolumeUpload::bytes() const {
   const VolumeExtent& extent = volume_.extent();
   const auto voxels = static_cast<GLsizeiptr>(extent.depth * extent.a_scans * extent.b_scans);
-  // Empty volumes keep a byte or so: a buffer without any cannot be mapped.
-  const GLsizeiptr bytes = (voxels > 0 ? voxels : 1) * static_cast<GLsizeiptr>(sizeof(float));
-  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer.get());
-  glBufferData(GL_PIXEL_UNPACK_BUFFER, bytes, nullptr, GL_STREAM_DRAW);
+  return (voxels > 0 ? voxels : 1) * static_cast<GLsizeiptr>(sizeof(float));
 }
 
+bool VolumeUpload::is_free() const {
+  const gl::Fence& read = buffers_[current_].read;
+  return !read || read.wait(0) != GL_TIMEOUT_EXPIRED;
+}
+
+// What the buffer held is not wanted, so that the driver need not keep it; and with a fence that has passed it need not
+// look whether the buffer is in use either.
 float* VolumeUpload::map() {
-  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
-  auto* const data = static_cast<float*>(glMapBuffer(GL_PIXEL_UNPACK_BUFFER, GL_WRITE_ONLY));
+  UploadBuffer& buffer = buffers_[current_];
+  GLbitfield access = GL_MAP_WRITE_BIT | GL_MAP_INVALIDATE_BUFFER_BIT;
+  if (buffer.read && buffer.read.wait(0) == GL_ALREADY_SIGNALED) access |= GL_MAP_UNSYNCHRONIZED_BIT;
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer.name.get());
+  auto* const data = static_cast<float*>(glMapBufferRange(GL_PIXEL_UNPACK_BUFFER, 0, bytes(), access));
   unbind_buffer();
   return data;
 }
 
-float* VolumeUpload::map_fresh() {
-  respecify(buffers_[current_]);
-  return map();
-}
-
 void VolumeUpload::unmap() {
-  if (!buffers_[current_]) return;  // unmapped with its context
-  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
+  if (!buffers_[current_].name) return;  // unmapped with its context
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].name.get());
   glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER);
   unbind_buffer();
 }
 
-bool VolumeUpload::upload() {
+bool VolumeUpload::upload(const char* checkpoint) {
   const VolumeExtent& extent = volume_.extent();
   gl::reset_pixel_unpack();
   const auto binding = volume_.bind();
-  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].get());
+  UploadBuffer& buffer = buffers_[current_];
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer.name.get());
   const bool intact = glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER) == GL_TRUE;
   if (intact) {
     glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, 0, static_cast<GLsizei>(extent.depth),
                     static_cast<GLsizei>(extent.a_scans), static_cast<GLsizei>(extent.b_scans), GL_RED,
                     GL_FLOAT, nullptr);
-    volume_.all_changed();
+    buffer.read.insert();
   }
   unbind_buffer();
   current_ = (current_ + 1) % buffers_.size();
-  return intact;
+  if (!intact) return false;
+  gl::throwOnGLError(checkpoint);
+  volume_.all_changed();
+  return true;
 }
 
-void VolumeUpload::upload_secondary(const VolumeHandOver::Secondary& secondary) {
-  if (secondary.values.empty() || !secondary_) return;
+void VolumeUpload::upload_secondary(const std::vector<float>& values, std::int32_t width) {
+  if (values.empty() || !secondary_) return;
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_3D, secondary_.get());
   gl::reset_pixel_unpack();
-  glTexImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(format), secondary.width,
+  glTexImage3D(GL_TEXTURE_3D, 0, static_cast<GLint>(format), width,
                static_cast<GLsizei>(volume_.extent().a_scans), static_cast<GLsizei>(volume_.extent().b_scans),
-               0, GL_RED, GL_FLOAT, secondary.values.data());
+               0, GL_RED, GL_FLOAT, values.data());
 }
 
 }  // namespace oct

@@ -2,9 +2,10 @@
 #pragma once
 
 #include <array>
+#include <vector>
 
+#include "gl/fence.h"
 #include "gl/texture_3d.h"
-#include "live/volume_hand_over.h"
 
 namespace oct {
 
@@ -16,17 +17,19 @@ class VolumeUpload {
   void allocate_secondary();
   void release();
 
-  // Writable memory of the buffer whose turn it is; null when the driver gives none. A fresh mapping gives
-  // the buffer new storage first, so that the driver never waits for what still reads the old one.
+  // Whether the driver has read the buffer whose turn it is, which is then mapped without waiting.
+  bool is_free() const;
+  // Writable memory of the buffer whose turn it is; null when the driver gives none.
   float* map();
-  float* map_fresh();
   // Gives the memory back to the driver, unused.
   void unmap();
 
   // Gives the memory back and copies it into the texture; the other buffer's turn comes. False when the
-  // driver lost what was written, which leaves the texture as it was.
-  bool upload();
-  void upload_secondary(const VolumeHandOver::Secondary& secondary);
+  // driver lost what was written, which leaves the texture as it was. Throws what OpenGL refuses, by the
+  // checkpoint's name.
+  bool upload(const char* checkpoint);
+  // `width` values for every A-scan; without any the texture stays as it was.
+  void upload_secondary(const std::vector<float>& values, std::int32_t width);
 
   GLuint volume() const { return volume_.get(); }
   GLuint secondary() const { return secondary_.get(); }
@@ -34,11 +37,15 @@ class VolumeUpload {
   const VolumeExtent& extent() const { return volume_.extent(); }
 
  private:
-  void respecify(const gl::Buffer& buffer) const;
+  struct UploadBuffer {
+    gl::Buffer name;
+    gl::Fence read;  // behind the latest copy into the texture
+  };
+  GLsizeiptr bytes() const;
 
   gl::Texture3D volume_;
   gl::Texture secondary_;
-  std::array<gl::Buffer, 2> buffers_;
+  std::array<UploadBuffer, 2> buffers_;
   std::size_t current_ = 0;
 };
 

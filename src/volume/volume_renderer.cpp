@@ -2,11 +2,10 @@
 
 #include <array>
 
-#include <glm/gtc/type_ptr.hpp>
-
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
+#include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 
 namespace oct {
@@ -16,12 +15,6 @@ Viewport current_viewport() {
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());
   return {viewport[2], viewport[3]};
-}
-
-void offset_polygons(float factor, float units) {
-  for (const GLenum kind : {GL_POLYGON_OFFSET_FILL, GL_POLYGON_OFFSET_LINE, GL_POLYGON_OFFSET_POINT})
-    glEnable(kind);
-  glPolygonOffset(factor, units);
 }
 
 }  // namespace
@@ -84,31 +77,32 @@ void VolumeRenderer::render(const VolumeSource& source) {
   const VolumeFrame frame = begin_frame(settings, source);
   if (frame.camera.viewport.width <= 0 || frame.camera.viewport.height <= 0) return;
   colormaps_.update(settings);
+  const gl::DepthClamp no_holes;  // the planes would cut them into the volume
   clear_target();
   draw_background(frame);
-  begin_depth();
-  draw_box(frame);
+  draw_opaque(frame);
   draw_behind_volume(frame);
-  draw_volume(frame);
-  draw_surface(frame);
+  draw_rays(frame);
   draw_in_front(frame);
   finish_frame();
 }
 
 VolumeFrame VolumeRenderer::begin_frame(const VolumeSettings& settings, const VolumeSource& source) {
   const TimingMark mark("render: init");
-  VolumeFrame frame{settings, source, colormaps_, programs_, clip_plane_, {}, 1.0F};
-  frame.camera = camera_of(settings.view, source.range.value_or(settings.range), current_viewport());
-  frame.filled_end = filled_end(source.filled_fraction, source.slice_count);
-  clip_plane_.update(settings.clip_plane, settings.view);
+  VolumeFrame frame{settings,    source,
+                    colormaps_,  programs_,
+                    clip_plane_, source.range.value_or(settings.range),
+                    {},          FilledBox::of(source.filled_fraction, source.slice_count)};
+  frame.camera = camera_of(settings.view, frame.range, current_viewport());
+  clip_plane_.update(settings.clip_plane, settings.view, frame.box);
   gl::throwOnGLError("render: init");
   return frame;
 }
 
 void VolumeRenderer::clear_target() {
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
-  glClear(GL_COLOR_BUFFER_BIT);
-  glClearDepth(0.0);
+  glClearDepth(1.0);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
 void VolumeRenderer::draw_background(const VolumeFrame& frame) {
@@ -116,88 +110,33 @@ void VolumeRenderer::draw_background(const VolumeFrame& frame) {
   background_.draw(programs_.background);
 }
 
-// Depth starts at the eye: what is drawn first is what lies farthest back.
-void VolumeRenderer::begin_depth() {
-  glDepthMask(GL_TRUE);
-  glClear(GL_DEPTH_BUFFER_BIT);
-  glEnable(GL_DEPTH_TEST);
-  glDepthFunc(GL_GEQUAL);
-  offset_polygons(-1.0F, -4.0F);
-}
-
-// The far side of the box, in depth alone: what lies before it is drawn after it.
-void VolumeRenderer::draw_box(const VolumeFrame& frame) {
-  draw_far_side(frame);
-  if (frame.volume_shown()) elements_.draw_translucent(frame, ElementPass::behind);
-}
-
-void VolumeRenderer::draw_far_side(const VolumeFrame& frame) {
-  const EmptyProgram& program = programs_.empty;
-  program.use();
-  glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
-  glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
-  glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
-  box_.draw(frame.box_filled() ? frame.filled_end : 1.0F);
-  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+void VolumeRenderer::draw_opaque(const VolumeFrame& frame) {
+  if (frame.surface_shown()) surface_.draw(frame);
+  if (frame.volume_shown() && frame.sectional()) elements_.sectional_view.draw(frame);
 }
 
 void VolumeRenderer::draw_behind_volume(const VolumeFrame& frame) {
-  glDepthMask(GL_FALSE);
+  if (frame.volume_shown()) elements_.draw_translucent(frame, ElementPass::behind);
   elements_.draw_frame(frame, ElementPass::behind);
   if (!frame.volume_shown()) return;
-  if (frame.settings.rendering_mode == RenderingMode::sectional_view) {
+  if (frame.sectional()) {
     elements_.sectional_view.draw_outline(frame);
   } else if (clip_plane_.enabled()) {
     elements_.draw_clip_plane_border(frame, ElementPass::behind);
   }
 }
 
-void VolumeRenderer::draw_volume(const VolumeFrame& frame) {
-  glDepthMask(GL_TRUE);
-  glDepthFunc(GL_LEQUAL);
-  if (!frame.volume_shown()) return;
-  if (frame.settings.rendering_mode == RenderingMode::sectional_view) {
-    draw_sections(frame);
-    return;
-  }
-  if (clip_plane_.enabled()) {
-    glPolygonOffset(0.0F, 0.0F);
-    elements_.draw_clip_plane_border(frame, ElementPass::behind);
-  }
-  glPolygonOffset(1.0F, 4.0F);
+void VolumeRenderer::draw_rays(const VolumeFrame& frame) {
+  if (!frame.volume_shown() || frame.sectional()) return;
   if (frame.settings.remove_segment) elements_.draw_removed_segment(frame, ElementPass::behind);
-  raycaster_.draw(frame, box_);
+  raycaster_.draw(frame, box_, surface_);
   if (frame.settings.remove_segment) elements_.draw_removed_segment(frame, ElementPass::in_front);
   // The rays covered the border's part on the cut.
   if (clip_plane_.enabled()) elements_.draw_clip_plane_border(frame, ElementPass::in_front);
 }
 
-// A far side that stands towards the eye, as it does until here, hides slices that lie on it or close by.
-void VolumeRenderer::draw_sections(const VolumeFrame& frame) {
-  begin_depth();
-  glPolygonOffset(2.0F, 8.0F);
-  draw_far_side(frame);
-  glDepthFunc(GL_LEQUAL);
-  glPolygonOffset(1.0F, 2.0F);
-  elements_.sectional_view.draw(frame);
-  elements_.sectional_view.draw_outline(frame);
-}
-
-void VolumeRenderer::draw_surface(const VolumeFrame& frame) {
-  if (!frame.settings.render_surface || !frame.settings.surface) return;
-  if (frame.volume_shown() && frame.settings.rendering_mode == RenderingMode::raycasting) {
-    // Rays left the depth of the box's near side, which would hide whatever the volume holds.
-    begin_depth();
-    draw_far_side(frame);
-    glDepthFunc(GL_LEQUAL);
-  }
-  surface_.draw(frame);
-}
-
 void VolumeRenderer::draw_in_front(const VolumeFrame& frame) {
-  glDepthMask(GL_TRUE);
   if (frame.volume_shown()) elements_.draw_translucent(frame, ElementPass::in_front);
-  glDepthFunc(GL_LEQUAL);
   elements_.draw_frame(frame, ElementPass::in_front);
 }
 

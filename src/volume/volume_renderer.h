@@ -75,13 +75,9 @@ class VolumeRenderer {
   VolumeFrame begin_frame(const VolumeSettings& settings, const VolumeSource& source);
   void clear_target();
   void draw_background(const VolumeFrame& frame);
-  void begin_depth();
-  void draw_box(const VolumeFrame& frame);
-  void draw_far_side(const VolumeFrame& frame);
+  void draw_opaque(const VolumeFrame& frame);
   void draw_behind_volume(const VolumeFrame& frame);
-  void draw_volume(const VolumeFrame& frame);
-  void draw_sections(const VolumeFrame& frame);
-  void draw_surface(const VolumeFrame& frame);
+  void draw_rays(const VolumeFrame& frame);
   void draw_in_front(const VolumeFrame& frame);
   void finish_frame();
 

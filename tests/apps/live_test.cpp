@@ -40,11 +40,17 @@ TEST_F(Live, ShowsThePhantomAndReports) {
   EXPECT_LE(reported("shown:") + reported("dropped:"), reported("acquired:"));
   EXPECT_GT(reported("median"), 0);
   EXPECT_LE(reported("median"), reported("worst"));
+  EXPECT_LE(reported("99th percentile"), reported("worst"));
   // The background has no red; the tissue has.
   EXPECT_GT(red_at(0.5, 0.55), 60);
   // 240 A-scans per volume: ten volumes per second.
   ASSERT_EQ(run_bare("live --size 40x30 --ascans 20 --bscans 12 --spectrum 64 --rate 2400 --seconds 0.5"), 0);
   EXPECT_LE(reported("acquired:"), 10 * reported("time:") + 2);
+  ASSERT_EQ(run("--json --seconds 0.3 --spectrum 64"), 0) << error_text_;
+  expect_in("{\"size\": [32, 20, 12], \"seconds\": ", out_text_);
+  EXPECT_GE(reported("\"shown\": "), 1);
+  EXPECT_EQ(reported("\"by_driver\": "), 0);
+  EXPECT_LE(reported("\"median\": "), reported("\"worst\": "));
 }
 
 // The picture of the recording is the one that octrender volume draws of the same file. Nothing is bright at

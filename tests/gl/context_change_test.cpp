@@ -144,18 +144,18 @@ class LiveSubject : public Subject {
     initializeVolumeRenderer(renderer_);
     if (!std::exchange(set_, true)) apply(volume_scene(), renderer_);
     setRenderElements(renderer_, 1, 0);
-    object_->set_size({14, 12, 10});
-    object_->start();
+    claim_ = feed_->start({{14, 12, 10}});
     draw();
-    float* const voxels = object_->get_data_ptr();
+    float* const voxels = feed_->take(claim_);
     ASSERT_NE(voxels, nullptr);
     std::ranges::copy(volume_scene().volume.voxels, voxels);
-    object_->update();
+    std::vector<float> no_secondary;
+    feed_->fill(no_secondary, {});
     picture();
   }
   void draw() override { renderVolume(live_); }
   void uninit() override {
-    object_->stop();
+    feed_->stop(claim_);
     draw();
     uninitializeVolumeRenderer(renderer_);
   }
@@ -163,7 +163,8 @@ class LiveSubject : public Subject {
  private:
   const VolumeRendererHandle renderer_ = createVolumeRenderer();
   const LiveVolumeRenderingHandle live_ = createLiveRendering();
-  FastOpenGLVolumeRenderer* const object_ = reinterpret_cast<FastOpenGLVolumeRenderer*>(live_);
+  const std::shared_ptr<LiveFeed> feed_ = reinterpret_cast<FastOpenGLVolumeRenderer*>(live_)->feed();
+  LiveClaim claim_ = no_claim;
   bool set_ = false;
 };
 

@@ -74,12 +74,13 @@ getDataPtr(data0)
                 acquired +
                 "getAnalogInputData(device, data1)\ngetError(512)\nexecuteProcessing(processing0, raw0)\n" +
                 sizes_and_ranges + "getDataPtr(data1)\ngetDataPropertyInt(data1, 1)\n" + cropped +
-                surface("data2") + acquired + R"(executeProcessing(processing0, raw0)
+                "getDataPropertyInt(data1, 5)\n" + surface("data2") + acquired +
+                R"(executeProcessing(processing0, raw0)
 getAnalogInputData(device, data1)
 setDataRange(data0, 0.8, 3, 1.5)
 getError(512)
-)" + cropped + surface("data3") +
-                acquired);
+)" + cropped + "getDataPropertyInt(data1, 5)\n" +
+                surface("data3") + acquired);
   device_.record();
   device_.release();
   stopDataSource(source_);
@@ -276,23 +277,51 @@ INSTANTIATE_TEST_SUITE_P(
 
 class DeviceEndsTest : public LiveTest {};
 
-// A loop whose every volume fails reports each, and goes on; without a function nobody is told.
-TEST_F(DeviceEndsTest, AnErrorFunctionIsTakenAway) {
+// A device that fails for ever shows no volume of before as if it were a new one, is reported with pauses, and is stopped
+// in the middle of one. Without a function the reports go to the standard error stream.
+TEST_F(DeviceEndsTest, ADeviceThatFailsForEver) {
   make_source();
   start();
   ASSERT_TRUE(frames_until_shown());
   device_.fail("getRawDataEx", 0);
-  EXPECT_TRUE(frames_until([&] { return client_errors.all().size() > 3; }));
-  const auto draw = [&] {
-    for (int i = 0; i < 10; ++i) {
-      frame();
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return client_errors.all().size();
+  ASSERT_TRUE(frames_until([&] { return !client_errors.all().empty(); }));
+  const auto shown = [&] {
+    unsigned drawn = 0;
+    getLiveVolumeCounts(live_, &drawn, nullptr);
+    return drawn;
   };
+  for (int i = 0; i < 3; ++i) frame();  // what was handed over before
+  const unsigned before = shown();
+  EXPECT_TRUE(frames_until([&] { return client_errors.all().size() >= 6; }));  // after 10, 20, 40, 80, 160 ms
+  EXPECT_LT(client_errors.all().size(), 20U);
+  EXPECT_EQ(shown(), before);
+  testing::internal::CaptureStderr();
   setErrorCallback(source_, nullptr);
-  const std::size_t told = draw();  // one report may have been under way
-  EXPECT_EQ(draw(), told);
+  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+  EXPECT_TRUE(contains(testing::internal::GetCapturedStderr(), "getRawDataEx failed"));
+  const auto begin = std::chrono::steady_clock::now();
+  stopDataSource(source_);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(300))
+      << "the pause is not over";
+}
+
+// What OpenGL has no room for ends the thread that waits for it.
+TEST_F(DeviceEndsTest, AVolumeBeyondTheDriver) {
+  device_.set_size(1'000'000, 1, 1);
+  make_source();
+  start();
+  EXPECT_TRUE(frames_until([&] { return device_.objects() == 0 && !client_errors.all().empty(); }));
+  ASSERT_EQ(client_errors.all().size(), 1U);
+  EXPECT_TRUE(contains(client_errors.all()[0], "1000000 x 1 x 1 voxels is too large"));
+  while (pending_error() != "(none)") {
+  }
+  frame();
+  EXPECT_FALSE(isLiveVolumeRunning(live_)) << "nobody is left that it could show anything of";
+  clearDataSource(source_);
+  device_.set_size(16, 12, 10);
+  make_source();
+  start();
+  EXPECT_TRUE(frames_until_shown());
 }
 
 // The device's volumes shrink and grow while it measures, or are smaller than what is to be kept.
@@ -316,24 +345,46 @@ TEST_F(DeviceEndsTest, AnotherSizeEndsTheThread) {
   }
 }
 
-// Without a volume renderer a standard source goes no further and cleans nothing up: it counts as running.
+// An analog input that is smaller than the volume is not read beyond its end.
+TEST_F(DeviceEndsTest, AnAnalogInputThatIsTooSmall) {
+  for (const bool from_the_start : {true, false}) {
+    device_.shorten_analog(from_the_start ? 1 : 0);
+    make_source();
+    setOnlineAnalogInputConfiguration(source_, true);
+    start();
+    if (!from_the_start) {
+      EXPECT_TRUE(frames_until_shown());
+    }
+    device_.shorten_analog(1);
+    EXPECT_TRUE(frames_until([&] { return device_.objects() == 0 && !client_errors.all().empty(); }));
+    EXPECT_EQ(client_errors.all(), std::vector<std::string>{insufficient});
+    client_errors.clear();
+    clearDataSource(std::exchange(source_, nullptr));
+  }
+}
+
+// Without a volume renderer a standard source goes no further and counts as running; its stop clears up.
 TEST_F(DeviceEndsTest, StandardSourceWithoutVolumeRenderer) {
   const LiveVolumeRenderingHandle bare = createLiveRendering();
   make_source();
-  device_.record();
-  startDataSource(bare, source_, device_.scan_pattern());
-  EXPECT_EQ(
-      client_errors.at_least(1),
-      std::vector<std::string>{
-          "Renderer not available for fast volume rendering. Please specify a volume rendering object."});
-  EXPECT_TRUE(isLiveVolumeRunning(bare));
-  start();
-  EXPECT_EQ(pending_error(), "BrennickDataSource already running");
-  stopDataSource(source_);
-  EXPECT_FALSE(contains(device_.calls(), "stopMeasurement"));
-  EXPECT_EQ(device_.objects(), 2);
+  for (int round = 0; round < 2; ++round) {
+    device_.record();
+    startDataSource(bare, source_, device_.scan_pattern());
+    EXPECT_EQ(
+        client_errors.at_least(1),
+        std::vector<std::string>{
+            "Renderer not available for fast volume rendering. Please specify a volume rendering object."});
+    EXPECT_TRUE(isLiveVolumeRunning(bare));
+    EXPECT_FALSE(isDataSourceRunning(source_));
+    EXPECT_FALSE(contains(device_.calls(), "stopMeasurement"));
+    start();
+    EXPECT_EQ(pending_error(), "BrennickDataSource already running");
+    stopDataSource(source_);
+    EXPECT_TRUE(contains(device_.calls(), "stopMeasurement"));
+    EXPECT_EQ(device_.objects(), 0);
+    client_errors.clear();
+  }
   clearLiveRendering(bare);
-  device_.reset();  // what was left behind
   start();
   EXPECT_TRUE(frames_until_shown());
 }
@@ -365,29 +416,79 @@ TEST_F(DeviceEndsTest, ModesChangeWithTheNextVolume) {
   EXPECT_TRUE(client_errors.all().empty());
 }
 
-// A source that starts on a live renderer in use takes it over; the volumes of the other one no longer fit.
-TEST_F(DeviceEndsTest, ASourceNeverWritesIntoTheBufferOfAnother) {
-  const LiveDataSourceHandle first = createOnlineDataSource(device_.device(1), device_.processing(1));
-  make_source();
-  setSizeZ(source_, 2);
-  std::atomic<bool> go = false;
-  on_intensity([&] {
-    while (!go) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  });
-  startDataSource(live_, first, device_.scan_pattern());
-  ASSERT_TRUE(frames_until_shown());
+// A source that starts on a live renderer in use takes it over, whatever the size of its volumes: nothing of the other
+// one's comes to the screen or to the volume renderer any more, and the end of the other one ends nothing.
+TEST_F(DeviceEndsTest, ALiveRendererHasOneSource) {
+  for (const int kept : {16, 2}) {
+    make_polarization_source();
+    const LiveDataSourceHandle first = source_;
+    selectOnlineDataSource_PS(first, 1);
+    start();
+    ASSERT_TRUE(frames_until_shown());
+    source_ = createOnlineDataSource(device_.device(1), device_.processing(1));
+    on_intensity(nullptr);
+    setSizeZ(source_, kept);
+    start();
+    const auto is_second = [&] {
+      return !voxels_.empty() && static_cast<int>(voxels_[0]) == PatternDevice::sensor0;
+    };
+    ASSERT_TRUE(frames_until(is_second));
+    for (int i = 0; i < 20; ++i) {
+      frame();
+      EXPECT_TRUE(is_second());
+      EXPECT_TRUE(uniform(voxels_));
+    }
+    if (kept == 2) {
+      device_.fail("executePolarizationProcessing", 0);
+      ASSERT_TRUE(frames_until([&] { return !client_errors.all().empty(); }));
+    }
+    stopDataSource(first);
+    clearDataSource(first);
+    frame(), frame();
+    EXPECT_TRUE(isLiveVolumeRunning(live_));
+    const auto before = intensities.all().size();
+    EXPECT_TRUE(frames_until([&] { return intensities.all().size() > before + 3; }));
+    EXPECT_TRUE(is_second());
+    clearDataSource(std::exchange(source_, nullptr));
+    client_errors.clear();
+  }
+}
+
+// Whoever is cleared first, running, ended by an error or stopped: nobody uses what is gone.
+TEST_F(DeviceEndsTest, ALiveRendererIsClearedBeforeItsSource) {
+  for (const bool fails : {true, false}) {
+    make_source();
+    start();
+    ASSERT_TRUE(frames_until_shown());
+    if (fails) {
+      device_.set_size(15, 12, 10);
+      ASSERT_TRUE(frames_until([&] { return device_.objects() == 0; }));
+    }
+    clearLiveRendering(live_);
+    EXPECT_TRUE(client_errors.at_least(1).size() == 1);
+    live_ = createLiveRendering();
+    setLiveVolumeRenderingRenderer(live_, renderer_);
+    client_errors.clear();
+    device_.set_size(16, 12, 10);
+    start();  // on the other one
+    EXPECT_TRUE(frames_until_shown());
+    clearDataSource(std::exchange(source_, nullptr));
+  }
+}
+
+// A setting that is made while the device measures holds for that volume.
+TEST_F(DeviceEndsTest, PolarizationSettingsAreReadAfterTheVolume) {
+  make_polarization_source();
+  selectOnlineDataSource_PS(source_, 1);
   start();
-  ASSERT_TRUE(frames_until([&] { return voxels_.size() == 2U * 12 * 10; }));
-  // Its second volume has to wait; all buffers are offered to the other source.
+  ASSERT_TRUE(frames_until_shown());
+  device_.hold("getRawDataEx");
+  ASSERT_TRUE(frames_until([&] { return device_.held(); }));
   device_.record();
-  const int before = device_.volumes();
-  EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 5; }));
-  EXPECT_FALSE(contains(device_.calls(), "getDataPtr"));
-  EXPECT_TRUE(uniform(voxels_));
-  go = true;
-  stopDataSource(source_);
-  stopDataSource(first);
-  clearDataSource(first);
+  selectOnlineDataSource_PS(source_, 5);
+  device_.release();
+  ASSERT_TRUE(frames_until([&] { return contains(device_.calls(), "executePolarizationProcessing"); }));
+  EXPECT_FALSE(contains(device_.calls(), "Retardation"));
 }
 
 }  // namespace

@@ -25,9 +25,10 @@ TEST_F(LiveApiTest, NullHandles) {
   const LiveDataSourceHandle source = source_;
   expect_null_refused("Cannot lock nullptr. ", clearLiveRendering, isLiveVolumeRunning);
   expect_null_refused("Invalid Live Rendering Handle specified. ", setLiveVolumeRenderingRenderer);
-  expect_null_refused(invalid_source, stopDataSource, getLiveVolumeRenderingSize, setSizeZ,
-                      setRefIntensityCallback, setErrorCallback);
-  expect_null_refused(invalid_renderer, renderVolume, getRenderedVolumesPerSec, getLiveVolumeCounts);
+  expect_null_refused(invalid_source, stopDataSource, cancelDataSource, isDataSourceRunning,
+                      getLiveVolumeRenderingSize, setSizeZ, setRefIntensityCallback, setErrorCallback);
+  expect_null_refused(invalid_renderer, renderVolume, getRenderedVolumesPerSec, getLiveVolumeCounts,
+                      getLiveStatistics);
   const auto create_ps = [&](ProcessingHandle first, ProcessingHandle second) {
     return [=] { EXPECT_EQ(createOnlineDataSource_PS(device, first, second, nullptr), nullptr); };
   };
@@ -73,6 +74,8 @@ TEST_F(LiveApiTest, Misuse) {
   const LiveDataSourceHandle source = source_;
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
   const std::string index = "The refractive index must be above zero. ";
+  const std::string no_size = "The size of the statistics must be set. ";
+  OctLiveStatistics unsized{};
   const std::string size = "At least one depth sample must be kept. ";
   expect_refused({{index, [=] { setOnlineRefractiveIndex(source, 0.0); }},
                   {index, [=] { setOnlineRefractiveIndex(source, -1.33); }},
@@ -80,6 +83,8 @@ TEST_F(LiveApiTest, Misuse) {
                   {index, [=] { setOnlineRefractiveIndex(source, HUGE_VAL); }},
                   {size, [=] { setSizeZ(source, 0); }},
                   {size, [=] { setSizeZ(source, -5); }},
+                  {no_size, [&] { getLiveStatistics(live_, nullptr); }},
+                  {no_size, [&] { getLiveStatistics(live_, &unsized); }},
                   {"(none)", [=] { stopDataSource(source); }},  // nothing runs
                   {"(none)", [&] { start(); }},
                   {"BrennickDataSource already running", [&] { start(); }}});
@@ -196,21 +201,29 @@ INSTANTIATE_TEST_SUITE_P(Live, LivePicturesTest,
                                          Case{"CroppedDualColoring", 10, 1.0, 3, true}),
                          [](const auto& entry) { return entry.param.name; });
 
-// The surface lies where setSurface would put it.
-class LiveSurfaceTest : public LiveTest {};
+// The surface lies where the tissue of the same picture begins, and ends where the tissue begins below what is kept.
+class LiveSurfaceTest : public LiveTest, public testing::WithParamInterface<int> {};
 
-TEST_F(LiveSurfaceTest, LiesWhereItShall) {
-  std::vector<float> depths;
-  for (int i = 0; i < 12 * 10; ++i) depths.push_back(0.1F + 0.005F * static_cast<float>(i % 12 + i / 12));
+TEST_P(LiveSurfaceTest, LiesOnTheTissue) {
+  const int kept = GetParam();
+  Volume whole{16, 12, 10, std::vector<float>(16 * 12 * 10)};
+  std::vector<float> depths;  // of the kept samples, in the unit of their range
+  for (int a_scan = 0; a_scan < 12 * 10; ++a_scan) {
+    const int first = 2 + a_scan % 12 / 2 + a_scan / 12 / 2;
+    std::fill_n(whole.voxels.begin() + a_scan * 16 + first, 16 - first, 1.0F);
+    depths.push_back(first < kept ? static_cast<float>(2.0 / 16 / 1.25 * (first + 0.5))
+                                  : std::numeric_limits<float>::quiet_NaN());
+  }
   const auto prepare = [](VolumeRendererHandle renderer) {
     VolumeScene scene;
     scene.angle_x = 60.0;
     apply(scene, renderer);
     setRenderElements(renderer, 0, 1);
   };
-  device_.set_surface(depths.data());
+  const double range = 2.0 * kept / 16 / 1.25;
+  device_.set_volume(whole.voxels.data());
   make_source();
-  setSizeZ(source_, 8);
+  setSizeZ(source_, kept);
   setOnlineRefractiveIndex(source_, 1.25);
   prepare(renderer_);
   start();
@@ -218,16 +231,19 @@ TEST_F(LiveSurfaceTest, LiesWhereItShall) {
   const Picture picture = frame(80, 60);
 
   VolumeStage still;
-  setOfflineAspectRatio(still.offline, 0.8F, 3.0F, 1.5F);
-  prepare(still.renderer);
-  setSurface(still.renderer, 12, 10, 0.8, depths.data());
-  still.frame(80, 60, 0);
-  prepare(still.renderer);
-  EXPECT_TRUE(agree(picture, still.frame(80, 60, 0), {0, 1.0, 0}));
-  std::fill(depths.begin(), depths.end(), 0.7F);
-  setSurface(still.renderer, 12, 10, 0.8, depths.data());
-  EXPECT_FALSE(agree(picture, still.frame(80, 60, 0), {40, 0.98, 255})) << "nothing of the surface is seen";
+  setOfflineAspectRatio(still.offline, static_cast<float>(range), 3.0F, 1.5F);
+  const auto drawn = [&] {
+    prepare(still.renderer);
+    setSurface(still.renderer, 12, 10, range, depths.data());
+    return still.frame(80, 60, 0);
+  };
+  drawn();
+  EXPECT_TRUE(agree(picture, drawn(), {1, 0.999, 80}));
+  for (float& depth : depths) depth *= 1.3F;
+  EXPECT_FALSE(agree(picture, drawn(), {40, 0.98, 255})) << "nothing of the surface is seen";
 }
+
+INSTANTIATE_TEST_SUITE_P(Live, LiveSurfaceTest, testing::Values(16, 8));
 
 }  // namespace
 }  // namespace oct::test

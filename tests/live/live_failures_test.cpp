@@ -1,7 +1,10 @@
 // Live volumes where something fails once: each OpenGL call, each allocation and each thread of a start.
+#include <atomic>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <thread>
+#include <vector>
 
 #include "live/live_test.h"
 #include "support/fault_scenario.h"
@@ -121,6 +124,40 @@ TEST_F(LiveFailureTest, EveryAllocationAndThreadOfAStart) {
   start();
   shown();
   EXPECT_EQ(error(), "(none)");
+  finish();
+}
+
+// The acquisition thread gets no memory for one thing or another on the way from one volume to the next: it says so, and
+// the rendering thread goes on.
+TEST_F(LiveFailureTest, EveryAllocationOfAVolume) {
+  setOnlineAnalogInputConfiguration(source_, true);
+  initializeVolumeRenderer(renderer_);
+  apply(scene_, renderer_);
+  std::atomic<bool> failed = true;
+  for (std::size_t index = 0; failed; ++index) {
+    ASSERT_LT(index, 200U);
+    std::optional<ScarceMemory> scarce;  // on the acquisition thread
+    std::atomic<int> volumes = 0;
+    failed = false;
+    device_.set_analog(2 + static_cast<int>(index % 2), std::vector<float>(3 * 12 * 10).data());
+    on_error([&] { scarce.reset(); });
+    on_intensity([&] {
+      if (scarce) failed = scarce->has_failed();
+      scarce.reset();
+      if (++volumes == 3) scarce.emplace(index, ScarceMemory::that_one_alone);
+    });
+    start();
+    ASSERT_TRUE(frames_until([&] { return volumes > 5 || !client_errors.all().empty(); }));
+    for (int i = 0; i < 3; ++i) frame();
+    failed = failed || !client_errors.all().empty();
+    stopDataSource(source_);
+    EXPECT_EQ(device_.objects(), 0);
+    frame();
+    EXPECT_FALSE(isLiveVolumeRunning(live_));
+    client_errors.clear();
+    on_intensity(nullptr);
+    on_error(nullptr);
+  }
   finish();
 }
 

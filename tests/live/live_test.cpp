@@ -74,15 +74,15 @@ Picture LiveTest::frame(int width, int height, LiveVolumeRenderingHandle drawn) 
   Picture picture(width, height);
   beginOffscreenFrame(volume_stage_.target, static_cast<unsigned>(width), static_cast<unsigned>(height));
   renderVolume(drawn);
-  read_voxels();
+  read_voxels(drawn);
   finishOffscreenFrame(volume_stage_.target, picture.bytes.data());
   ++frames_;
   return picture;
 }
 
-void LiveTest::read_voxels() {
+void LiveTest::read_voxels(LiveVolumeRenderingHandle drawn) {
   voxels_.clear();
-  const GLuint texture = reinterpret_cast<FastOpenGLVolumeRenderer*>(live_)->source().volume;
+  const GLuint texture = reinterpret_cast<FastOpenGLVolumeRenderer*>(drawn)->source().volume;
   if (texture == 0) return;
   glBindTexture(GL_TEXTURE_3D, texture);
   GLint size[3] = {};

@@ -52,7 +52,7 @@ class LiveTest : public testing::Test {
 
  private:
   void listen_to(LiveDataSourceHandle source);
-  void read_voxels();
+  void read_voxels(LiveVolumeRenderingHandle drawn);
 
   std::atomic<int> frames_ = 0;
 };

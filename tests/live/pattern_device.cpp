@@ -72,13 +72,19 @@ void clearData(DataHandle data) {
 
 void startMeasurement(OCTDeviceHandle device, ScanPatternHandle pattern, int mode) {
   if (!entered("startMeasurement", device, pattern, mode)) return;
-  const bool first = locked([=](PatternDevice& state) { return state.measuring.insert(device).second; });
+  const bool first = locked([=](PatternDevice& state) {
+    state.lost = 0;
+    return state.measuring.insert(device).second;
+  });
   if (!first) pattern_state().raise("startMeasurement while measuring");
 }
 
 void stopMeasurement(OCTDeviceHandle device) {
   if (!entered("stopMeasurement", device)) return;
+  // A volume that is being fetched is given up.
   locked([=](PatternDevice& state) { state.measuring.erase(device); });
+  if (locked([](PatternDevice& state) { return state.held_function == "getRawDataEx"; }))
+    pattern_state().release();
 }
 
 int isError(void) {
@@ -96,6 +102,8 @@ int getError(char* buffer, int size) {
 // Both sensors give the same volume, sensor 0 first.
 void getRawDataEx(OCTDeviceHandle device, RawDataHandle raw, int camera) {
   if (!entered("getRawDataEx", device, raw, camera)) return;
+  const bool measures = locked([=](PatternDevice& state) { return state.measuring.contains(device); });
+  if (!measures) return pattern_state().raise("No measurement is running");
   locked([=](PatternDevice& state) {
     raw->camera = camera;
     raw->volume = camera == 0 ? state.acquired++ : state.acquired - 1;
@@ -105,7 +113,7 @@ void getRawDataEx(OCTDeviceHandle device, RawDataHandle raw, int camera) {
 void getAnalogInputData(OCTDeviceHandle device, DataHandle data) {
   if (!entered("getAnalogInputData", device, data)) return;
   locked([=](PatternDevice& state) {
-    oct::test::resize(*data, state.channels, state.size[1], state.size[2]);
+    oct::test::resize(*data, state.channels, state.size[1], state.size[2] - state.analog_lacks);
     oct::test::copy_or_clear(state.analog, data->samples);
   });
 }

@@ -36,13 +36,14 @@ struct PatternSettings {
   std::array<int, 3> size = {16, 12, 10};
   std::vector<float> volume;
   int channels = 2;
+  int analog_lacks = 0;  // B-scans
   std::vector<float> analog;
-  std::vector<float> surface;
   std::map<std::string, std::pair<int, int>> failures;  // which call, and how many have been seen
   std::string recorded;
   std::string error;
   std::set<OCTDeviceHandle> measuring;
   int acquired = 0;
+  int lost = 0;
   std::map<ProcessingHandle, DataHandle> data_outputs;
   std::map<ProcessingHandle, ComplexDataHandle> complex_outputs;
   DataHandle polarization_output = nullptr;
@@ -87,8 +88,8 @@ class PatternDevice : public PatternSettings {
     set(channels, count);
     set(analog, {samples, samples + count * a_scans()});
   }
-  // At first zeros.
-  virtual void set_surface(const float* depths) { set(surface, {depths, depths + a_scans()}); }
+  // The analog input has fewer B-scans than the volume.
+  virtual void shorten_analog(int b_scans) { set(analog_lacks, b_scans); }
 
   // The call of that number from now on, 0: every one, does nothing but leave "<function> failed".
   virtual void fail(const char* function, int call) {

@@ -6,6 +6,11 @@ using oct::test::locked;
 using oct::test::pattern_state;
 using oct::test::PatternDevice;
 
+// One more with every call, and not recorded.
+int getLostVolumes(OCTDeviceHandle) {
+  return locked([](PatternDevice& state) { return ++state.lost; });
+}
+
 ComplexDataHandle createComplexData(void) {
   return entered("createComplexData") ? pattern_state().make<OctComplexData>("complex") : nullptr;
 }

@@ -272,7 +272,7 @@ TEST_F(DeviceObjectsTest, NullHandlesAreErrorsEverywhereAndDeviceFunctionsFailAs
       },
       clearSimulatedDevice, createSimulatedProcessing, clearSimulatedProcessing, createSimulatedScanPattern,
       clearSimulatedScanPattern, createSimulatedPolarizationProcessing, clearSimulatedPolarizationProcessing,
-      setSimulatedScanRate, setSimulatedMotion, setSimulatedScanPattern, getSimulatedLostVolumes);
+      setSimulatedScanRate, setSimulatedMotion, setSimulatedScanPattern, getLostVolumes);
 }
 
 TEST_F(DeviceObjectsTest, OnlyTheChosenCallFails) {

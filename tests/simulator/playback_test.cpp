@@ -76,20 +76,20 @@ TEST_F(Playback, CountsWhatPacingLostUntilTheNextStart) {
   open(numbered(volumes), volumes);
   const auto shown = [&] { return static_cast<int>(next()[0]) / samples_per_volume; };
   for (int i = 0; i < 3; ++i) EXPECT_EQ(shown(), i);
-  EXPECT_EQ(getSimulatedLostVolumes(scan_->device), 0) << "without pacing";
+  EXPECT_EQ(getLostVolumes(scan_->device), 0) << "without pacing";
   stopMeasurement(scan_->device);
   setSimulatedScanRate(scan_->device, 100.0 * 5 * 4, OCT_PACING_REAL_TIME);
   startMeasurement(scan_->device, scan_->pattern, 0);
   delaySimulatedCall("getRawDataEx", 2, 50);
   for (int fetched = 1; fetched <= 3; ++fetched) {
     const int since_start = shown() - 3;
-    EXPECT_EQ(getSimulatedLostVolumes(scan_->device), since_start + 1 - fetched);
+    EXPECT_EQ(getLostVolumes(scan_->device), since_start + 1 - fetched);
   }
-  EXPECT_GE(getSimulatedLostVolumes(scan_->device), 3) << "during the delay";
+  EXPECT_GE(getLostVolumes(scan_->device), 3) << "during the delay";
   stopMeasurement(scan_->device);
-  EXPECT_GE(getSimulatedLostVolumes(scan_->device), 3);
+  EXPECT_GE(getLostVolumes(scan_->device), 3);
   startMeasurement(scan_->device, scan_->pattern, 0);
-  EXPECT_EQ(getSimulatedLostVolumes(scan_->device), 0);
+  EXPECT_EQ(getLostVolumes(scan_->device), 0);
   setSimulatedScanPattern(scan_->device, scan_->pattern);
   next();
   EXPECT_EQ(sizes_of(data_), recorded_sizes) << "whatever the pattern says";

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <random>
 #include <set>
 #include <vector>
 
@@ -45,7 +46,6 @@ View view_at(float angle_x, float angle_y) {
 
 void expect_nothing_cut(const ClipPlane& clip) {
   EXPECT_EQ(clip.plane(), glm::vec4(0.0F));
-  EXPECT_TRUE(clip.intersections().empty());
   EXPECT_TRUE(clip.border().empty());
   EXPECT_TRUE(clip.cut_face().empty());
 }
@@ -54,17 +54,15 @@ TEST(ClipPlaneTest, FixedItKeepsItsOrientationButNotItsPlace) {
   ClipPlane clip;
   bool fixed = false;
   const auto normal_at = [&](bool enabled, float value, const View& view) {
-    clip.update({enabled, false, fixed, value}, view);
+    clip.update({enabled, false, fixed, value}, view, FilledBox());
     return glm::vec3(clip.plane());
   };
   normal_at(false, 0.5F, view_at(10, 20));
   expect_nothing_cut(clip);
   fixed = true;
-  normal_at(true, 0.3F, view_at(10, 20));
-  expect_nothing_cut(clip);  // fixed before its first frame it has no orientation
-  fixed = false;
-  const glm::vec3 first = normal_at(true, 0.5F, view_at(10, 20));
-  fixed = true;
+  const glm::vec3 first = normal_at(true, 0.3F, view_at(10, 20));
+  EXPECT_NEAR(glm::length(first), 1.0F, 1e-6F)
+      << "fixed before its first frame it takes that one's orientation";
   EXPECT_EQ(normal_at(true, 0.5F, view_at(-60, 130)), first);
   EXPECT_EQ(normal_at(true, 0.75F, view_at(0, 0)), first);
   EXPECT_GT(clip.plane().w, 0.0F);
@@ -74,6 +72,39 @@ TEST(ClipPlaneTest, FixedItKeepsItsOrientationButNotItsPlace) {
   fixed = false;
   normal_at(true, 0.5F, view_at(0, 0));
   EXPECT_EQ(clip.plane(), glm::vec4(0, 0, -1, 0)) << "it faces the viewer again";
+}
+
+// Whatever the plane meets of the box, corners and edges too, its cut is one polygon, drawn once: every corner of
+// it ends two segments.
+TEST(FilledBoxTest, ACutIsOnePolygon) {
+  std::vector<glm::vec4> planes{{0, 0, -1, 0},   {1, 1, 1, -1}, {1, 1, 1, 0},    {1, 0, -1, 0},
+                                {1, -1, 0, 0},   {1, 1, 0, 1},  {1, 1, 1, 2.9F}, {1, 1, 1, 1},
+                                {0, -1, 1, 0.5}, {2, 1, 1, 0},  {1, 0, 0, 0.99F}};
+  std::mt19937 generator(3);
+  std::uniform_real_distribution<float> any(-1.0F, 1.0F);
+  for (int i = 0; i < 500; ++i)
+    planes.emplace_back(any(generator), any(generator), any(generator), any(generator));
+  for (const float end : {1.0F, 0.37F, -0.9F}) {
+    const FilledBox box(end);
+    for (const glm::vec4& plane : planes) {
+      SCOPED_TRACE(testing::PrintToString(std::vector{plane.x, plane.y, plane.z, plane.w, end}));
+      const PlaneCut cut = box.cut(plane);
+      for (const glm::vec3& point : cut.border) {
+        EXPECT_EQ(std::count(cut.border.begin(), cut.border.end(), point), 2);
+        EXPECT_NEAR(glm::dot(plane, glm::vec4(point, 1.0F)), 0.0F, 1e-5F);
+        EXPECT_TRUE(box.contains(point));
+      }
+      const std::size_t corners = cut.border.size() / 2;
+      EXPECT_EQ(cut.face.size(), corners == 0 ? 0 : 6 * (corners - 2)) << "a fan in both windings";
+    }
+  }
+  // A box of its own planes, one that only touches it, and one that is not filled have no cut.
+  for (const auto& [plane, end] : {std::pair{glm::vec4(0, 0, 1, -0.37F), 0.37F},
+                                   {{0, 0, 1, -0.5F}, 0.37F},
+                                   {{1, 1, 1, -3}, 1.0F},
+                                   {{1, 1, 0, -2}, 1.0F},
+                                   {{0, 0, 1, 0}, -1.0F}})
+    EXPECT_TRUE(FilledBox(end).cut(plane).border.empty());
 }
 
 TEST(SurfaceMeshTest, SamplesThatAreNoNumbersLeaveAHoleAndAPointHasNoTriangles) {
@@ -148,7 +179,10 @@ glm::vec2 window(const Camera& camera, const glm::vec3& device) {
 // Whether the point lies in the picture of the box: inside the convex outline of its corners.
 bool on_box(const Camera& camera, const glm::vec2& point) {
   std::vector<glm::vec2> corners;
-  for (const glm::vec3& corner : box_edges()) corners.emplace_back(*on_screen(camera, corner));
+  for (const float side : {-1.0F, 1.0F}) {
+    for (const glm::vec3& corner : FilledBox().cross_section(0, side))
+      corners.emplace_back(*on_screen(camera, corner));
+  }
   for (double angle = 0.0; angle < 6.283; angle += 0.01) {
     const glm::vec2 direction(std::cos(angle), std::sin(angle));
     float reach = -1e9F;

@@ -125,6 +125,7 @@ TEST_F(VolumeRendererApiTest, WhereThereIsNothingToShowTheBackgroundIs) {
 TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
   scene_.clip = true;
   scene_.clip_value = 0.6F;
+  scene_.surface = {2, 2, 1.0, std::vector<float>(4, 0.5F)};
   stage_.draw(scene_);
   setBorder(renderer_, 0, 1, 1);
   setRendererColormap(renderer_, scene_.coloring.colors.data(), 3);
@@ -138,19 +139,19 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
     for (std::string& name : names) name.erase(0, 1);
     return names;
   };
-  EXPECT_EQ(
-      marks_of_frame(),
-      (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init", "render: colormap changed",
-             "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
-             "VolumeRenderer::render_clip_plane_border", "VolumeRenderer::render_clip_plane_border",
-             "render_raycasting::drawing", "VolumeRenderer::render_clip_plane_border",
-             "VolumeRenderer::render_clip_plane_border::draw_overlay", "VolumeRenderer::render_elements",
-             "VolumeRenderer::render_frame"}));
+  // Opaque things first; then, from behind, what is blended.
+  EXPECT_EQ(marks_of_frame(), (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
+                                     "render: colormap changed", "VolumeRenderer::render_surface",
+                                     "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
+                                     "VolumeRenderer::render_clip_plane_border", "render_raycasting::drawing",
+                                     "VolumeRenderer::render_clip_plane_border",
+                                     "VolumeRenderer::render_clip_plane_border::draw_overlay",
+                                     "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
   setRenderingMode(renderer_, 1);
   EXPECT_EQ(marks_of_frame(),
             (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
+                   "VolumeRenderer::render_surface", "VolumeRenderer::render_sectional_view",
                    "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
-                   "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_sectional_view",
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_elements",
                    "VolumeRenderer::render_frame"}));
   setViewportSize(13, 7);
@@ -204,22 +205,25 @@ TEST_F(VolumeFaultTest, AFrameThatFailsTellsThePlace) {
   }
 }
 
-// Rays and what is around them are failed elsewhere.
-TEST_F(VolumeFaultTest, EveryCallOfASectionalView) {
-  scene_.sectional = true;
+// What is around them is failed elsewhere.
+TEST_F(VolumeFaultTest, EveryCallOfASurfaceAmongSlicesAndRays) {
+  scene_.surface = {2, 2, 1.0, {0.4F, 0.5F, 0.6F, 0.5F}};
   uninitializeVolumeRenderer(renderer_);
-  fail_every_call({[&] {
-                     initializeVolumeRenderer(renderer_);
-                     stage_.prepare(scene_);
-                   },
-                   [&] { return stage_.frame(); },
-                   [&] {
-                     beginOffscreenFrame(stage_.target, 1, 1);
-                     uninitializeVolumeRenderer(renderer_);
-                     allocateOfflineVolume(offline_, 0, 0, 0);
-                     finishOffscreenFrame(stage_.target, nullptr);
-                   },
-                   pending_error});
+  for (const bool sectional : {true, false}) {
+    scene_.sectional = sectional;
+    fail_every_call({[&] {
+                       initializeVolumeRenderer(renderer_);
+                       stage_.prepare(scene_);
+                     },
+                     [&] { return stage_.frame(); },
+                     [&] {
+                       beginOffscreenFrame(stage_.target, 1, 1);
+                       uninitializeVolumeRenderer(renderer_);
+                       allocateOfflineVolume(offline_, 0, 0, 0);
+                       finishOffscreenFrame(stage_.target, nullptr);
+                     },
+                     pending_error});
+  }
 }
 
 TEST_F(VolumeFaultTest, AFailedAllocationKeepsThePictureAndRefusesUploads) {

@@ -1,4 +1,5 @@
 // Whole pictures of volumes and of the scene around them against the layers that a CPU computes.
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -8,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include "gl/gl_names.h"
+#include "offline/offline_volume_rendering.h"
 #include "support/reference/reference_camera.h"
 #include "support/reference/volume_reference.h"
 #include "support/test_context.h"
@@ -113,10 +116,24 @@ TEST(VolumeImageTest, Slices) {
     }
   }
   expect_pictures(cases);
+
+  VolumeScene many = base_scene();
+  many.viewport_width = 24;
+  many.viewport_height = 18;
+  many.mode = 1;
+  many.slices = 8192;
+  VolumeStage stage;
+  const Picture finest = stage.draw(many);
+  many.slices = std::numeric_limits<int>::max();
+  EXPECT_TRUE(agree(stage.draw(many), finest, exact)) << "no driver takes so many steps";
 }
 
 Change range(float axial, float lateral1, float lateral2) {
   return [=](VolumeScene& s) { s.range = {axial, lateral1, lateral2}; };
+}
+
+Change moved_along(double z, double x = 0.0) {
+  return [=](VolumeScene& s) { s.translation[0] = x, s.translation[2] = z; };
 }
 
 Change colors(std::vector<std::uint32_t> entries) {
@@ -128,6 +145,13 @@ TEST(VolumeImageTest, Views) {
       {"from behind", [](auto& s) { s.angle_x = 200.0, s.angle_y = -540.0 + 20.0; }},
       {"close", [](auto& s) { s.zoom = 15.0; }},
       {"close, orthographic", [](auto& s) { s.perspective = false, s.zoom = 14.0; }},
+      {"beyond the far plane", moved_along(-1.5)},
+      {"before the near plane", moved_along(0.5)},
+      {"before the eye", moved_along(2.6, 0.7)},
+      {"from inside", moved_along(4.3)},
+      {"from inside, cut", [](auto& s) { moved_along(4.3)(s), clip(s, 0.35F); }},
+      {"from inside what is cut off", [](auto& s) { moved_along(4.3)(s), clip(s, 0.7F); }},
+      {"orthographic, behind the viewer", [](auto& s) { moved_along(16.0)(s), s.perspective = false; }},
       {"moved", [](auto& s) { s.translation[0] = 0.5, s.translation[1] = -0.3, s.translation[2] = -0.6; }},
       {"tall", [](auto& s) { s.viewport_width = 33, s.viewport_height = 120; }},
       {"wide", [](auto& s) { s.viewport_width = 151, s.viewport_height = 21; }},
@@ -138,10 +162,91 @@ TEST(VolumeImageTest, Views) {
   });
 }
 
+void fixed_at(VolumeScene& scene, double angle_x, double angle_y) {
+  clip(scene, 0.5F);
+  scene.clip_fixed = true;
+  scene.fixed_angle_x = angle_x;
+  scene.fixed_angle_y = angle_y;
+}
+
+// A target with several samples for each pixel, that gives its picture to the target before.
+class MultisampledTarget {
+ public:
+  MultisampledTarget(int width, int height) : width_(width), height_(height) {
+    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &below_);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_.get());
+    attach(color_, GL_COLOR_ATTACHMENT0, GL_RGBA8);
+    attach(depth_, GL_DEPTH_ATTACHMENT, GL_DEPTH_COMPONENT24);
+    EXPECT_EQ(glCheckFramebufferStatus(GL_FRAMEBUFFER), GLenum{GL_FRAMEBUFFER_COMPLETE});
+  }
+  ~MultisampledTarget() {
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(below_));
+    glBlitFramebuffer(0, 0, width_, height_, 0, 0, width_, height_, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(below_));
+  }
+  MultisampledTarget(const MultisampledTarget&) = delete;
+  MultisampledTarget& operator=(const MultisampledTarget&) = delete;
+
+ private:
+  void attach(const gl::Renderbuffer& buffer, GLenum attachment, GLenum format) const {
+    glBindRenderbuffer(GL_RENDERBUFFER, buffer.get());
+    glRenderbufferStorageMultisample(GL_RENDERBUFFER, 4, format, width_, height_);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, attachment, GL_RENDERBUFFER, buffer.get());
+  }
+
+  int width_;
+  int height_;
+  GLint below_ = 0;
+  gl::Framebuffer framebuffer_ = gl::Framebuffer::create();
+  gl::Renderbuffer color_ = gl::Renderbuffer::create();
+  gl::Renderbuffer depth_ = gl::Renderbuffer::create();
+};
+
+// At the rim a sample may lie in the box and the pixel's middle beside it: a ray that does not know where it ends
+// must not run to the corner of the texture, where alone there is something to be seen.
+TEST(VolumeImageTest, SamplesAtTheRimStartNoRaysWithoutEnd) {
+  VolumeScene scene = base_scene();
+  for (std::size_t i = 0; i < scene.volume.voxels.size(); ++i) {
+    const bool corner =
+        i / scene.volume.slice_voxels() < 8 && i % scene.volume.slice_voxels() / 40 < 8 && i % 40 < 8;
+    scene.volume.voxels[i] = corner ? 1.0F : 0.0F;
+  }
+  scene.coloring = {{0x000000FFU, 0xFF0000FFU}, 0.4, 0.6};
+  scene.mode = 1;
+  const VolumeStage stage;
+  Picture picture(scene.viewport_width, scene.viewport_height);
+  for (const double angle : {-35.0, 20.0, 150.0}) {
+    scene.angle_y = angle;
+    apply(scene, stage.renderer);
+    upload(scene, stage.offline);
+    beginOffscreenFrame(stage.target, static_cast<unsigned>(picture.width),
+                        static_cast<unsigned>(picture.height));
+    {
+      const MultisampledTarget target(picture.width, picture.height);
+      // The export would switch the samples off.
+      const auto* const offline = reinterpret_cast<const OfflineVolumeRendering*>(stage.offline);
+      reinterpret_cast<VolumeRenderer*>(stage.renderer)
+          ->render(offline->source(OfflineVolumeRendering::Content::volume));
+    }
+    finishOffscreenFrame(stage.target, picture.bytes.data());
+    EXPECT_EQ(pending_error(), "(none)");
+    EXPECT_TRUE(agree(picture, reference_picture(scene), {1, 0.99, 255}));
+  }
+}
+
+void half_filled(VolumeScene& scene) {
+  scene.slices_uploaded = scene.volume.depth / 2;
+}
+
 TEST(VolumeImageTest, Data) {
   expect_pictures({
       {"half filled", [](auto& s) { s.slices_uploaded = 17; }},
       {"one slice filled", [](auto& s) { s.slices_uploaded = 1; }},
+      {"half filled, cut", [](auto& s) { half_filled(s), clip(s, 0.45F), s.removed_segment = true; }},
+      {"half filled, cut by a plane that leaves through its end",
+       [](auto& s) { half_filled(s), fixed_at(s, 10.0, 100.0), s.removed_segment = true; }},
+      {"half filled, cut beyond its end",
+       [](auto& s) { half_filled(s), fixed_at(s, 0.0, 180.0), clip(s, 0.1F); }},
       {"all but one filled", [](auto& s) { s.slices_uploaded = 33, s.angle_y = 150.0, s.mode = 1; }},
       {"one voxel", [](auto& s) { s.volume = test_volume(1, 1, 1), s.volume.voxels[0] = 0.75F; }},
       {"one slice", [](auto& s) { s.volume = test_volume(31, 17, 1); }},
@@ -159,13 +264,6 @@ TEST(VolumeImageTest, Data) {
 
 Change seen_from(double angle_x, double angle_y, bool perspective = true) {
   return [=](VolumeScene& s) { s.angle_x = angle_x, s.angle_y = angle_y, s.perspective = perspective; };
-}
-
-void fixed_at(VolumeScene& scene, double angle_x, double angle_y) {
-  clip(scene, 0.5F);
-  scene.clip_fixed = true;
-  scene.fixed_angle_x = angle_x;
-  scene.fixed_angle_y = angle_y;
 }
 
 TEST(VolumeImageTest, Clipped) {
@@ -190,25 +288,36 @@ Change slices(Slice x, Slice y, Slice z, double opacity = 1.0) {
   };
 }
 
-// Where two slices meet, one pixel may show the other one.
+// Where two slices meet, a pixel may show the other one.
+constexpr Tolerance slices_meet{1, 0.995, 255, 0.2};
+
 TEST(VolumeImageTest, SectionalView) {
   VolumeScene base = base_scene();
   base.viewport_width = 161;
   base.viewport_height = 127;
   const Change overlaid = slices({true, 0.5F}, {true, 0.4F}, {true, 0.25F});
   VolumeStage stage;
-  expect_pictures(stage, base, {1, 0.995, 255, 0.1},
-                  {{"middle", slices({}, {}, {})},
-                   {"apart", slices({true, 0.2F}, {true, 0.7F}, {true, 0.9F})},
-                   {"overlay",
-                    [&](auto& s) {
-                      overlaid(s), add_overlay(s), s.overlay_coloring.lower = 0.3,
-                                                   s.overlay_coloring.upper = 1.1;
-                    }},
-                   {"low faces", slices({true, 0.0F}, {true, 0.0F}, {true, 0.0F})},
-                   {"high faces", slices({true, 1.0F}, {true, 1.0F}, {true, 1.0F})},
-                   {"beside the faces", slices({true, 0.99F}, {true, 0.01F}, {true, 0.01F}, 0.7)},
-                   {"none", slices({false}, {false}, {false})}});
+  expect_pictures(
+      stage, base, slices_meet,
+      {{"middle", slices({}, {}, {})},
+       {"apart", slices({true, 0.2F}, {true, 0.7F}, {true, 0.9F})},
+       {"overlay",
+        [&](auto& s) {
+          overlaid(s), add_overlay(s), s.overlay_coloring.lower = 0.3, s.overlay_coloring.upper = 1.1;
+        }},
+       {"low faces", slices({true, 0.0F}, {true, 0.0F}, {true, 0.0F})},
+       {"high faces", slices({true, 1.0F}, {true, 1.0F}, {true, 1.0F})},
+       {"beside the faces", slices({true, 0.99F}, {true, 0.01F}, {true, 0.01F}, 0.7)},
+       {"half filled",
+        [](auto& s) {
+          slices({}, {}, {true, 0.3F})(s), half_filled(s);
+        }},
+       {"beyond what is filled",
+        [](auto& s) {
+          slices({}, {}, {true, 0.6F})(s), half_filled(s);
+        }},
+       {"before anything is filled", [](auto& s) { slices({}, {}, {})(s), s.slices_uploaded = 0; }},
+       {"none", slices({false}, {false}, {false})}});
 }
 
 // Any angles and places: the cut, the faces of what it cuts off and the order of the slices.
@@ -233,7 +342,7 @@ TEST(VolumeImageTest, CutsFromAllSides) {
     cases.push_back({std::to_string(i) + ", slices", [=](auto& s) { parts(s), view(s); }});
   }
   VolumeStage stage;
-  expect_pictures(stage, base_scene(), {1, 0.995, 255, 0.1}, cases);
+  expect_pictures(stage, base_scene(), slices_meet, cases);
 }
 
 HeightMap waves(int width, int height) {
@@ -248,31 +357,62 @@ HeightMap waves(int width, int height) {
 }
 
 VolumeScene surface_scene() {
-  VolumeScene scene = scene_of(test_volume(8, 8, 8), 121, 97, 30.0, -25.0);
+  VolumeScene scene = scene_of(test_volume(24, 20, 22), 121, 97, 30.0, -25.0);
   scene.range = {1.2F, 2.0F, 2.6F};
+  scene.coloring = {ramp_colors(256, 0.3), 0.2, 1.0};
   scene.surface = waves(9, 7);
   scene.surface_coloring = {opaque_colors(48), 30.0, 52.0};
-  scene.volume_shown = false;
   return scene;
 }
 
-// A silhouette pixel may fall to the other side; nothing else differs.
+Change raised(float by) {
+  return [=](VolumeScene& s) {
+    for (float& value : s.surface.values) value -= by;
+  };
+}
+
+void expect_surfaces(VolumeStage& stage, Tolerance tolerance, const std::vector<Case>& places) {
+  std::vector<Case> cases;
+  for (const Case& place : places) {
+    for (const Case& view :
+         {Case{"from above", seen_from(30, -25)}, Case{"from below", seen_from(-35, 160)},
+          Case{"steep", seen_from(70, 10, false)}, Case{"along the grid", seen_from(0, 0)}}) {
+      cases.push_back(
+          {place.name + ", " + view.name, [=](VolumeScene& s) { view.change(s), place.change(s); }});
+    }
+  }
+  expect_pictures(stage, surface_scene(), tolerance, cases);
+}
+
 TEST(VolumeImageTest, Surface) {
   VolumeStage stage;
-  expect_pictures(stage, surface_scene(), {1, 0.995, 255, 0.5},
-                  {{"from above", seen_from(30, -25)},
-                   {"from below", seen_from(-35, 160)},
-                   {"steep", seen_from(70, 10, false)},
-                   {"along the grid", seen_from(0, 0)},
-                   {"two by two", [](auto& s) {
-                      s.surface = {2, 2, 4.0, {1.0F, 3.0F, 1.0F, 3.0F}};
-                      s.surface_coloring.lower = 1.0, s.surface_coloring.upper = 3.0;
-                    }}});
+  // A silhouette pixel may fall to the other side; nothing else differs.
+  expect_surfaces(
+      stage, {1, 0.995, 255, 0.5},
+      {{"alone", [](auto& s) { s.volume_shown = false; }},
+       {"in a volume", [](auto& s) { s.box = true; }},
+       {"cut", [](auto& s) { clip(s, 0.5F), s.removed_segment = true; }},
+       {"alone, cut", [](auto& s) { fixed_at(s, 10.0, 80.0), s.volume_shown = false; }},
+       {"above the box", [](auto& s) { raised(70.0F)(s); }},
+       {"below the box", [](auto& s) { raised(-70.0F)(s); }},
+       {"beyond the far plane", [](auto& s) { moved_along(-5.0)(s), s.box = true; }},
+       {"in a volume mirrored from side to side", range(1.2F, 2.0F, -2.6F)},
+       {"upside down", [](auto& s) { range(-1.2F, 2.0F, 2.6F)(s), s.volume_shown = false; }},
+       {"with an overlay", [](auto& s) { add_overlay(s), s.overlay = test_volume(24, 20, 22, 7); }},
+       {"two by two", [](auto& s) {
+          s.surface = {2, 2, 4.0, {1.0F, 3.0F, 1.0F, 3.0F}};
+          s.surface_coloring.lower = 1.0, s.surface_coloring.upper = 3.0;
+        }}});
+  // Where it comes through a slice or a pane of glass, the border may lie a pixel beside.
+  expect_surfaces(stage, {1, 0.97, 255, 0.5},
+                  {{"among slices", [](auto& s) { slices({}, {}, {}, 0.3)(s), s.box = true; }},
+                   {"among slices that would be invisible",
+                    [](auto& s) { slices({}, {}, {})(s), colors({0x0000FF00U})(s); }},
+                   {"half above the box", [](auto& s) { raised(40.0F)(s), s.box = true; }},
+                   {"half below the box", [](auto& s) { raised(-42.0F)(s), s.box = true; }}});
+
   VolumeScene scene = surface_scene();
-  const Picture alone = stage.draw(scene);
-  scene.volume_shown = true;
-  scene.coloring.colors = {0x00000000U, 0x00000000U};
-  EXPECT_TRUE(agree(stage.draw(scene), alone)) << "the near side's depth hides what lies inside";
+  scene.volume_shown = false;
   scene.surface = {2, 2, 1.0, std::vector<float>(4, std::numeric_limits<float>::quiet_NaN())};
   EXPECT_TRUE(agree(stage.draw(scene), background_picture(scene), {1, 1.0, 1}));
 }
@@ -299,6 +439,30 @@ TEST(VolumeImageTest, Lines) {
           slices({true, 0.3F}, {false}, {false})(s), colors({0xFF000000U})(s);
         }}},
       true);
+  VolumeScene scene = empty_scene();
+  scene.edges = true;
+  scene.volume_shown = false;
+  const Picture alone = stage.draw(scene);
+  scene.volume_shown = true;
+  slices({false}, {false}, {false})(scene);
+  EXPECT_TRUE(agree(stage.draw(scene), alone, exact)) << "slices do not make the far edges heavier";
+
+  // What lines cover shows in the difference of two colours.
+  scene = empty_scene();
+  scene.edges = true;
+  scene.volume_shown = false;
+  const auto coverage = [&] {
+    scene.foreground = 0xFFFFFFFFU;
+    Picture white = stage.draw(scene);
+    scene.foreground = 0x000000FFU;
+    const Picture black = stage.draw(scene);
+    std::transform(white.bytes.begin(), white.bytes.end(), black.bytes.begin(), white.bytes.begin(),
+                   std::minus<>());
+    return white;
+  };
+  const Picture edges = coverage();
+  scene.surface = {2, 2, 1.0, {1.0F, 1.0F, 1.0F, 1.0F}};
+  EXPECT_TRUE(agree(coverage(), edges, {2, 0.9999, 20})) << "edges on a surface are as strong as others";
 }
 
 TEST(VolumeImageTest, Panes) {

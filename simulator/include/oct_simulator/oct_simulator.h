@@ -141,14 +141,6 @@ enum {
 OCT_DEVICE_API void setSimulatedScanRate(OCTDeviceHandle device, double aScansPerSecond, int pacing);
 
 /**
- * Counts the volumes that a paced device lost because nobody fetched them in time. A volume is counted when the
- * one after it is fetched.
- * @param device the device
- * @return volumes lost since startMeasurement(); the count stays after stopMeasurement()
- */
-OCT_DEVICE_API int getSimulatedLostVolumes(OCTDeviceHandle device);
-
-/**
  * Changes the scan pattern in the middle of a measurement, and with it the size of the volumes, as if somebody
  * turned a knob. Holds from the next volume on: one that is being fetched, or that another sensor has yet to give,
  * has the size before. By a paced device's clock the first new volume begins with this call. A playback device

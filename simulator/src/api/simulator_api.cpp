@@ -188,8 +188,8 @@ void setSimulatedScanPattern(OCTDeviceHandle device, ScanPatternHandle pattern) 
   });
 }
 
-int getSimulatedLostVolumes(OCTDeviceHandle device) {
-  return framed("getSimulatedLostVolumes",
+int getLostVolumes(OCTDeviceHandle device) {
+  return framed("getLostVolumes",
                 [&](HandleTable& handles) { return handles.find<Device>(device)->lost_volumes(); });
 }
 

@@ -11,6 +11,14 @@ void bind_volume_texture(GLint unit, GLenum target, GLuint texture) {
   glBindTexture(target, texture);
 }
 
+bool VolumeFrame::surface_shown() const {
+  return settings.render_surface && settings.surface && !settings.surface->triangles.empty();
+}
+
+GLenum VolumeFrame::front_winding() const {
+  return glm::determinant(glm::mat3(camera.modelview)) < 0.0F ? GL_CCW : GL_CW;
+}
+
 bool VolumeFrame::cut_faces_viewer() const {
   return glm::dot(clip_plane.plane(), eye_in_model(camera)) < 0.0F;
 }

@@ -5,6 +5,7 @@
 #include "volume/frame/volume_programs.h"
 #include "volume/frame/volume_settings.h"
 #include "volume/layout/camera.h"
+#include "volume/layout/filled_box.h"
 
 namespace oct {
 
@@ -25,12 +26,21 @@ struct VolumeFrame {
   const VolumeColormaps& colormaps;
   const VolumePrograms& programs;
   const ClipPlane& clip_plane;
+  Range range;  // the volume's own, or the client's
   Camera camera;
-  // Where the filled part of the box ends along model z; -1 or less: nothing is filled.
-  float filled_end = 1.0F;
+  FilledBox box;
 
-  bool box_filled() const { return filled_end > -1.0F; }
   bool volume_shown() const { return source.volume != 0 && settings.render_volume; }
+  bool sectional() const { return settings.rendering_mode == RenderingMode::sectional_view; }
+  bool surface_shown() const;
+
+  // What is on its negative side is not drawn; all zero where nothing is cut. The slices of the sectional view
+  // stay whole, and what is among them.
+  glm::vec4 cutting_plane() const { return sectional() ? glm::vec4(0.0F) : clip_plane.plane(); }
+
+  // The order in which corners of the box's and the surface's fronts appear, GL_CCW or GL_CW: a range mirrors
+  // depth, and negative extents mirror more.
+  GLenum front_winding() const;
 
   // Whether the viewer looks at the cut of the clip plane, and not at it through the volume.
   bool cut_faces_viewer() const;

@@ -31,6 +31,7 @@ void RaycastingProgram::load(const std::string& name, const std::string& vertexS
   locations_.slices = uniform("slices");
   locations_.stepSize = uniform("stepSize");
   locations_.clipPlane = uniform("clipPlane");
+  locations_.eye = uniform("eye");
 }
 
 }  // namespace oct

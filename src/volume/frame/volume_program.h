@@ -30,7 +30,7 @@ class VolumeRenderingProgram : public gl::Shader {
 class RaycastingProgram : public VolumeRenderingProgram {
  public:
   struct RayLocations {
-    GLint backTex = -1, slices = -1, stepSize = -1, clipPlane = -1;
+    GLint backTex = -1, slices = -1, stepSize = -1, clipPlane = -1, eye = -1;
   };
 
   void load(const std::string& name, const std::string& vertexSource,

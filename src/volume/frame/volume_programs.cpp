@@ -12,20 +12,22 @@ void SimpleProgram::load() {
   color = uniform("color");
 }
 
-void EmptyProgram::load() {
-  load_to_program("empty_program", shaders::section_vert, shaders::empty_frag);
-  modelview = uniform("modelview");
-  projection = uniform("projection");
-}
-
 void SurfaceProgram::load() {
   load_to_program("surface_program", shaders::surface_vert, shaders::surface_frag);
   modelview = uniform("modelview");
   projection = uniform("projection");
+  clipPlane = uniform("clipPlane");
   normal = uniform("normal");
   lower_depth = uniform("lower_depth");
   upper_depth = uniform("upper_depth");
   colorTex = uniform("colorTex");
+}
+
+void SurfaceBackProgram::load() {
+  load_to_program("surface_back_program", shaders::surface_back_vert, shaders::raycasting_back_frag);
+  modelview = uniform("modelview");
+  projection = uniform("projection");
+  clipPlane = uniform("clipPlane");
 }
 
 void VolumePrograms::load_scene() {
@@ -35,13 +37,13 @@ void VolumePrograms::load_scene() {
   section.load("program", shaders::section_vert, shaders::section_frag);
   section_overlay.load("overlay_rendering_program", shaders::section_vert, shaders::section_overlay_frag);
   surface.load();
-  empty.load();
 }
 
 void VolumePrograms::load_raycasting() {
   const char* const front = shaders::raycasting_vert;
   raycasting_back.load("raycasting_back_program", shaders::raycasting_back_vert,
                        shaders::raycasting_back_frag);
+  surface_back.load();
   raycasting.load("raycasting_program", front, shaders::raycasting_frag);
   raycasting_maximum.load("raycasting_program_mip", front, shaders::raycasting_mip_frag);
   raycasting_mean.load("raycasting_program_mean", front, shaders::raycasting_mean_frag);
@@ -57,8 +59,8 @@ void VolumePrograms::load_raycasting() {
 void VolumePrograms::unload() {
   background.release();
   simple.release();
-  empty.release();
   surface.release();
+  surface_back.release();
   for (VolumeRenderingProgram* const program : std::initializer_list<VolumeRenderingProgram*>{
            &section, &section_overlay, &raycasting_back, &raycasting, &raycasting_maximum, &raycasting_mean,
            &raycasting_dual_coloring, &raycasting_overlay, &raycasting_overlay_maximum,

@@ -12,15 +12,16 @@ struct SimpleProgram : gl::Shader {
   GLint modelview = -1, projection = -1, color = -1;
 };
 
-// Uniforms modelview and projection only.
-struct EmptyProgram : gl::Shader {
-  void load();
-  GLint modelview = -1, projection = -1;
-};
-
 struct SurfaceProgram : gl::Shader {
   void load();
-  GLint modelview = -1, projection = -1, normal = -1, lower_depth = -1, upper_depth = -1, colorTex = -1;
+  GLint modelview = -1, projection = -1, clipPlane = -1, normal = -1, lower_depth = -1, upper_depth = -1,
+        colorTex = -1;
+};
+
+// Where rays end on the surface.
+struct SurfaceBackProgram : gl::Shader {
+  void load();
+  GLint modelview = -1, projection = -1, clipPlane = -1;
 };
 
 class VolumePrograms {
@@ -30,7 +31,7 @@ class VolumePrograms {
   VolumeRenderingProgram section;          // "program": vec3 vertex (0); modelview, projection, flip
   VolumeRenderingProgram section_overlay;  // "overlay_rendering_program": the same with the overlay
   SurfaceProgram surface;                  // "surface_program": vec3 position (0), vec3 normal (1)
-  EmptyProgram empty;                      // "empty_program": transparent black, for depth alone
+  SurfaceBackProgram surface_back;         // "surface_back_program": vec3 position (0)
 
   RaycastingProgram raycasting_back;
   RaycastingProgram raycasting;

@@ -1,5 +1,6 @@
 #include "volume/layout/camera.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <glm/gtc/matrix_transform.hpp>
@@ -7,26 +8,47 @@
 namespace oct {
 namespace {
 
-// Near plane 3, far plane 8.
-glm::mat4 perspective_projection(double zoom, Viewport viewport) {
+// Distances before the viewer.
+struct DepthPlanes {
+  double near;
+  double far;
+};
+
+// Moves the planes apart where the box reaches beyond them, so that depths of what is in it differ everywhere.
+DepthPlanes around_box(DepthPlanes planes, const glm::mat4& modelview) {
+  for (unsigned i = 0; i < 8; ++i) {
+    const glm::vec4 corner((i & 4U) != 0 ? 1.0F : -1.0F, (i & 2U) != 0 ? 1.0F : -1.0F,
+                           (i & 1U) != 0 ? 1.0F : -1.0F, 1.0F);
+    const double distance = -static_cast<double>((modelview * corner).z);
+    planes.near = std::min(planes.near, distance);
+    planes.far = std::max(planes.far, distance);
+  }
+  return planes;
+}
+
+glm::mat4 perspective_projection(double zoom, Viewport viewport, const glm::mat4& modelview) {
   const float field_of_view = static_cast<float>(5.0 + zoom);
   const float t = std::tan(field_of_view / 2.0F * 0.017453292F);
   const float aspect = static_cast<float>(viewport.width) / static_cast<float>(viewport.height);
+  auto [near, far] = around_box({3.0, 8.0}, modelview);
+  near = std::max(near, 0.05);  // before the eye itself there is no plane
   glm::mat4 matrix(0.0F);
   matrix[0][0] = 1.0F / (aspect * t);
   matrix[1][1] = 1.0F / t;
-  matrix[2][2] = -2.2F;
+  matrix[2][2] = static_cast<float>(-(far + near) / (far - near));
   matrix[2][3] = -1.0F;
-  matrix[3][2] = -9.6F;
+  matrix[3][2] = static_cast<float>(-2.0 * far * near / (far - near));
   return matrix;
 }
 
-glm::mat4 orthographic_projection(double zoom, Viewport viewport) {
+glm::mat4 orthographic_projection(double zoom, Viewport viewport, const glm::mat4& modelview) {
   const double q = static_cast<double>(viewport.height) / static_cast<double>(viewport.width);
+  const auto [near, far] = around_box({-10.0, 10.0}, modelview);
   glm::dmat4 matrix(1.0);
   matrix[0][0] = 10.0 / zoom;
   matrix[1][1] = 10.0 / (q * zoom);
-  matrix[2][2] = -0.1;
+  matrix[2][2] = -2.0 / (far - near);
+  matrix[3][2] = -(far + near) / (far - near);
   return glm::mat4(matrix);
 }
 
@@ -49,14 +71,14 @@ double wrapped_angle(double degrees) {
 Camera camera_of(const View& view, const Range& range, Viewport viewport) {
   Camera camera;
   camera.viewport = viewport;
-  camera.projection = view.perspective ? perspective_projection(view.zoom, viewport)
-                                       : orthographic_projection(view.zoom, viewport);
   glm::mat4 modelview = glm::translate(glm::mat4(1.0F), glm::vec3(0.0F, 0.0F, -5.0F));
   modelview = glm::translate(modelview, view.translation);
   modelview = glm::rotate(modelview, radians_of(view.angle_x), glm::vec3(1.0F, 0.0F, 0.0F));
   modelview = glm::rotate(modelview, radians_of(view.angle_y), glm::vec3(0.0F, 1.0F, 0.0F));
   camera.modelview = glm::scale(modelview, range.model_scale);
   camera.element_modelview = camera.modelview;
+  camera.projection = view.perspective ? perspective_projection(view.zoom, viewport, camera.modelview)
+                                       : orthographic_projection(view.zoom, viewport, camera.modelview);
   camera.normal = glm::transpose(glm::inverse(glm::mat3(camera.modelview)));
   return camera;
 }

@@ -35,6 +35,9 @@ Range range_of(double axial, double lateral1, double lateral2);
 // Brings an angle into -180..180 by whole turns.
 double wrapped_angle(double degrees);
 
+// How far before the eye sight begins.
+constexpr float sight_begins = 0.01F;
+
 struct Camera {
   Viewport viewport;
   glm::mat4 modelview{1.0F};
@@ -43,6 +46,8 @@ struct Camera {
   glm::mat3 normal{1.0F};
 };
 
+// The near plane lies at 3 and the far one at 8 before the viewer, with the orthographic projection at -10 and
+// 10, and farther apart where the box needs it.
 Camera camera_of(const View& view, const Range& range, Viewport viewport);
 
 }  // namespace oct

@@ -20,22 +20,19 @@ namespace {
 
 }  // namespace
 
-void BackFaces::create() {
+void ScreenTexture::create() {
   if (!texture_) texture_ = gl::Texture::create();
-  if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
   rebuild_ = true;
 }
 
-void BackFaces::release() {
-  framebuffer_.reset();
+void ScreenTexture::release() {
   texture_.reset();
   rebuild_ = true;
 }
 
-void BackFaces::fit(Viewport viewport) {
-  if (!texture_ || !framebuffer_) create();
+void ScreenTexture::fit(Viewport viewport) {
+  if (!texture_) create();
   if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
-  if (!framebuffer_) incomplete(GL_FRAMEBUFFER_UNDEFINED);
   if (!rebuild_ && size_.width == viewport.width && size_.height == viewport.height) return;
   rebuild_ = true;
   bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, texture_.get());
@@ -44,30 +41,55 @@ void BackFaces::fit(Viewport viewport) {
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
   gl::reset_pixel_unpack();
-  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, viewport.width, viewport.height, 0, GL_RGBA, GL_FLOAT, nullptr);
+  const GLenum channels = format_ == GL_RGBA32F ? GL_RGBA : GL_DEPTH_COMPONENT;
+  glTexImage2D(GL_TEXTURE_2D, 0, format_, viewport.width, viewport.height, 0, channels, GL_FLOAT, nullptr);
   gl::throwOnGLError("VolumeRenderer::back texture");
   size_ = viewport;
   rebuild_ = false;
 }
 
-void BackFaces::attach() const {
-  glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture_.get(), 0);
+void BackFaces::create() {
+  positions_.create();
+  if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
+}
+
+void BackFaces::release() {
+  framebuffer_.reset();
+  positions_.release();
+  depth_.release();
+}
+
+void BackFaces::attach(bool with_depth) const {
+  glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, positions_.get(), 0);
+  glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D,
+                         with_depth ? depth_.get() : 0, 0);
   const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
   if (status != GL_FRAMEBUFFER_COMPLETE) incomplete(status);
 }
 
-void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face) {
-  fit(frame.camera.viewport);
+void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face, Surface& surface) {
+  const bool ends_on_surface = frame.surface_shown();
+  const Viewport viewport = frame.camera.viewport;
+  positions_.fit(viewport);
+  if (ends_on_surface) depth_.fit(viewport);
+  if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
+  if (!framebuffer_) incomplete(GL_FRAMEBUFFER_UNDEFINED);
   const gl::DrawTargetGuard target;
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
-  glViewport(0, 0, size_.width, size_.height);
-  attach();
-  const gl::ScopedDisable disabled(GL_DEPTH_TEST, GL_BLEND, GL_SCISSOR_TEST);
-  glEnable(GL_CULL_FACE);
+  glViewport(0, 0, viewport.width, viewport.height);
+  attach(ends_on_surface);
+  const gl::ScopedDisable disabled(GL_SCISSOR_TEST);
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-  glCullFace(GL_FRONT);
+  draw_volume(frame, box, cut_face);
+  if (!ends_on_surface) return;
+  const gl::DepthTest nearest(GL_LEQUAL, true);
+  surface.draw_back(frame);
+}
 
+void BackFaces::draw_volume(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face) {
+  const gl::DepthTest depth(GL_ALWAYS, true);
+  const gl::FaceCulling culling(GL_FRONT, frame.front_winding());
   const RaycastingProgram& program = frame.programs.raycasting_back;
   program.use();
   glUniformMatrix4fv(program.at().modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
@@ -78,7 +100,7 @@ void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face)
     cut_face.draw(GL_TRIANGLES, 0, corners);
   }
   glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clip_plane.plane()));
-  box.draw(frame.filled_end);
+  box.draw(frame.box);
 }
 
 }  // namespace oct

@@ -6,22 +6,18 @@
 
 namespace oct {
 
-float filled_end(float fraction, int parts) {
-  if (fraction >= 1.0F) return 1.0F;
-  return 2.0F * fraction - 1.0F - (parts > 0 ? 1.0F / static_cast<float>(parts) : 0.0F);
-}
-
-void Box::draw(float end) {
-  if (end != end_) upload(end);
+void Box::draw(const FilledBox& box) {
+  if (box.end() != end_) upload(box);
   for (std::size_t face = 0; face < 6; ++face) geometry_.draw_indexed(GL_TRIANGLE_STRIP, 4 * face, 4);
 }
 
-void Box::upload(float end) {
+void Box::upload(const FilledBox& box) {
   end_.reset();
   // Corners with x slowest and z fastest.
   std::array<glm::vec3, 8> corners;
   for (unsigned i = 0; i < 8; ++i) {
-    corners[i] = {(i & 4U) != 0 ? 1.0F : -1.0F, (i & 2U) != 0 ? 1.0F : -1.0F, (i & 1U) != 0 ? end : -1.0F};
+    corners[i] = {(i & 4U) != 0 ? 1.0F : -1.0F, (i & 2U) != 0 ? 1.0F : -1.0F,
+                  (i & 1U) != 0 ? box.end() : -1.0F};
   }
   constexpr std::array<std::uint32_t, 24> faces{
       0, 2, 1, 3,  // x = -1
@@ -34,7 +30,7 @@ void Box::upload(float end) {
   geometry_.set_vertices(corners);
   geometry_.set_indices(faces);
   gl::throwOnGLError("VolumeRenderer::box changed");
-  end_ = end;
+  end_ = box.end();
 }
 
 void Box::release() {

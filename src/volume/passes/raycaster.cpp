@@ -1,54 +1,43 @@
 #include "volume/passes/raycaster.h"
 
+#include <algorithm>
+
 #include <glm/gtc/type_ptr.hpp>
 
 #include "core/timing_mark.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "volume/layout/box_view.h"
 
 namespace oct {
 namespace {
+
+// More steps show nothing that these do not, along the diagonal of the largest volume; a driver would hang in
+// billions.
+constexpr int most_slices = 8192;
 
 bool secondary_slice_exists(const VolumeFrame& frame) {
   const int index = frame.settings.secondary_slice_index;
   return frame.source.secondary != 0 && index >= 0 && index < frame.source.secondary_slice_count;
 }
 
-// The box's faces look outwards where the model is mirrored along an odd number
-// of axes, as a range mirrors it.
-class FaceCulling {
- public:
-  explicit FaceCulling(const Camera& camera) {
-    const bool mirrored = glm::determinant(glm::mat3(camera.modelview)) < 0.0F;
-    glFrontFace(mirrored ? GL_CCW : GL_CW);
-    glEnable(GL_CULL_FACE);
-  }
-  ~FaceCulling() {
-    glDisable(GL_CULL_FACE);
-    glCullFace(GL_BACK);
-    glFrontFace(GL_CCW);
-  }
-  FaceCulling(const FaceCulling&) = delete;
-  FaceCulling& operator=(const FaceCulling&) = delete;
-};
-
 }  // namespace
 
 void Raycaster::release() {
   back_faces_.release();
   cut_face_.release();
+  face_before_eye_.release();
 }
 
-void Raycaster::draw(const VolumeFrame& frame, Box& box) {
+void Raycaster::draw(const VolumeFrame& frame, Box& box, Surface& surface) {
   const TimingMark mark("render_raycasting::drawing");
   const VolumeMode mode = frame.settings.volume_mode;
-  if (!frame.box_filled()) return;
+  if (frame.box.empty()) return;
   if (mode == VolumeMode::dual_coloring && !secondary_slice_exists(frame)) return;
   const RaycastingProgram& program = frame.programs.raycasting_of(mode, frame.source.overlay_present);
   if (!frame.clip_plane.cut_face().empty()) cut_face_.set_vertices(frame.clip_plane.cut_face());
 
-  const FaceCulling culling(frame.camera);
-  back_faces_.draw(frame, box, cut_face_);
+  back_faces_.draw(frame, box, cut_face_, surface);
   set_uniforms(program, frame);
   draw_front_faces(program, frame, box);
   gl::throwOnGLError("render_raycasting::drawing");
@@ -58,9 +47,12 @@ void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame
   use_volume_program(program, frame);
   bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, back_faces_.texture());
   glUniform1i(program.ray().backTex, volume_unit::back);
-  glUniform1i(program.ray().slices, frame.settings.slices);
-  glUniform1f(program.ray().stepSize, 1.7320508F / static_cast<float>(frame.settings.slices));
+  const int slices = std::min(frame.settings.slices, most_slices);
+  glUniform1i(program.ray().slices, slices);
+  glUniform1f(program.ray().stepSize, 1.7320508F / static_cast<float>(slices));
   glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clip_plane.plane()));
+  const glm::vec4 eye = eye_in_model(frame.camera);
+  glUniform4fv(program.ray().eye, 1, glm::value_ptr(glm::vec4(0.5F * (glm::vec3(eye) + eye.w), eye.w)));
   if (frame.settings.volume_mode == VolumeMode::dual_coloring) set_secondary(program, frame);
 }
 
@@ -81,12 +73,17 @@ void Raycaster::set_secondary(const RaycastingProgram& program, const VolumeFram
 
 void Raycaster::draw_front_faces(const RaycastingProgram& program, const VolumeFrame& frame, Box& box) {
   const gl::Blending blending;
-  glEnable(GL_DEPTH_TEST);
-  // Nothing that is drawn before lies in front of the volume. A test against the far side would lose the
-  // box's rim, where the two sides are closer to each other than the polygon offset.
-  glDepthFunc(GL_ALWAYS);
-  glCullFace(GL_BACK);
-  box.draw(frame.filled_end);
+  // Where something opaque lies before the volume, the program knows: a test of depths would lose the rim of
+  // the box to the polygon offset. The offset is for the lines on the box, which are tested against it.
+  const gl::DepthTest depth(GL_ALWAYS, true, {1.0F, 4.0F});
+  const gl::FaceCulling culling(GL_BACK, frame.front_winding());
+  box.draw(frame.box);
+  // To a viewer in the box all its faces are back faces.
+  const std::vector<glm::vec3> before_eye = face_before_eye(frame.box, frame.camera);
+  if (!before_eye.empty()) {
+    face_before_eye_.set_vertices(std::span(before_eye));
+    face_before_eye_.draw(GL_TRIANGLES, 0, static_cast<GLsizei>(before_eye.size()));
+  }
   const auto corners = static_cast<GLsizei>(frame.clip_plane.cut_face().size());
   if (corners > 0 && !frame.clip_plane.open_cut() && frame.cut_faces_viewer()) {
     // Points of the plane itself; rounding must not clip them. Each triangle comes in both
@@ -94,7 +91,6 @@ void Raycaster::draw_front_faces(const RaycastingProgram& program, const VolumeF
     glUniform4f(program.ray().clipPlane, 0.0F, 0.0F, 0.0F, 0.0F);
     cut_face_.draw(GL_TRIANGLES, 0, corners);
   }
-  glDepthFunc(GL_LEQUAL);
 }
 
 }  // namespace oct

@@ -12,9 +12,9 @@ class Raycaster {
   void create() { back_faces_.create(); }
   void release();
 
-  // Blends the volume over what is drawn. Nothing is drawn of a volume that is not filled yet, and of a dual
+  // Blends the volume over what is drawn, as far as the surface, if one is shown. Nothing is drawn of a volume that is not filled yet, and of a dual
   // coloured one without a slice of secondary data.
-  void draw(const VolumeFrame& frame, Box& box);
+  void draw(const VolumeFrame& frame, Box& box, Surface& surface);
 
  private:
   void set_uniforms(const RaycastingProgram& program, const VolumeFrame& frame) const;
@@ -23,6 +23,7 @@ class Raycaster {
 
   BackFaces back_faces_;
   gl::Geometry cut_face_;
+  gl::Geometry face_before_eye_;
 };
 
 }  // namespace oct

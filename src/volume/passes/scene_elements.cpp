@@ -28,20 +28,6 @@ glm::vec4 foreground(const VolumeFrame& frame, float opacity) {
   return {glm::vec3(frame.settings.foreground), opacity};
 }
 
-class DepthWritesOff {
- public:
-  DepthWritesOff() {
-    glGetBooleanv(GL_DEPTH_WRITEMASK, &were_);
-    glDepthMask(GL_FALSE);
-  }
-  ~DepthWritesOff() { glDepthMask(were_); }
-  DepthWritesOff(const DepthWritesOff&) = delete;
-  DepthWritesOff& operator=(const DepthWritesOff&) = delete;
-
- private:
-  GLboolean were_ = GL_TRUE;
-};
-
 void draw_faces(gl::Geometry& geometry, const std::vector<glm::vec3>& triangles) {
   const gl::Blending blending;
   geometry.set_vertices(std::span<const glm::vec3>(triangles));
@@ -58,8 +44,9 @@ void SceneElements::draw_translucent(const VolumeFrame& frame, ElementPass pass)
   if (triangles.empty()) return;
   use_simple_program(frame, foreground(frame, near ? near_pane : far_pane));
   {
-    // The far faces lie behind, the near ones before all that the box holds.
-    const gl::ScopedDisable untested(GL_DEPTH_TEST);
+    // What lies on the far faces is seen before them, and what lies on the near ones through them. Surfaces,
+    // which are moved farthest, have four units.
+    const gl::DepthTest depth(GL_LEQUAL, false, near ? gl::PolygonOffset{} : gl::PolygonOffset{1.0F, 5.0F});
     draw_faces(faces_, triangles);
   }
   gl::throwOnGLError("VolumeRenderer::render_elements");
@@ -67,15 +54,16 @@ void SceneElements::draw_translucent(const VolumeFrame& frame, ElementPass pass)
 
 void SceneElements::draw_frame(const VolumeFrame& frame, ElementPass pass) {
   const TimingMark mark("VolumeRenderer::render_frame");
-  if (frame.settings.frame.edges) draw_edges(frame);
-  if (frame.settings.frame.scale_marks) draw_scale_marks(frame);
+  const gl::DepthTest depth(GL_LEQUAL);
+  if (frame.settings.frame.edges) draw_edges(frame, pass);
+  if (frame.settings.frame.scale_marks && pass == ElementPass::in_front) draw_scale_marks(frame);
   gl::throwOnGLError("VolumeRenderer::render_frame");
-  if (pass == ElementPass::in_front && font_failure_)
-    std::rethrow_exception(std::exchange(font_failure_, nullptr));
+  if (font_failure_) std::rethrow_exception(std::exchange(font_failure_, nullptr));
 }
 
-void SceneElements::draw_edges(const VolumeFrame& frame) {
-  draw_model_lines(frame, edges_, box_edges(), frame.settings.foreground);
+void SceneElements::draw_edges(const VolumeFrame& frame, ElementPass pass) {
+  const std::vector<glm::vec3> lines = box_edges(eye_in_model(frame.camera), pass == ElementPass::in_front);
+  if (!lines.empty()) draw_model_lines(frame, edges_, lines, frame.settings.foreground);
 }
 
 void SceneElements::draw_scale_marks(const VolumeFrame& frame) {
@@ -108,7 +96,7 @@ void SceneElements::provide_fonts(int height) {
 
 const ScaleMarks& SceneElements::marks_of(const VolumeFrame& frame) {
   const Camera& camera = frame.camera;
-  const glm::vec3& extent = frame.settings.range.extent;
+  const glm::vec3& extent = frame.range.extent;
   const bool known = layout_ && layout_->extent == extent && layout_->camera.modelview == camera.modelview &&
                      layout_->camera.projection == camera.projection &&
                      layout_->camera.viewport.width == camera.viewport.width &&
@@ -128,15 +116,13 @@ void SceneElements::draw_clip_plane_border(const VolumeFrame& frame, ElementPass
   const TimingMark mark("VolumeRenderer::render_clip_plane_border");
   const std::vector<glm::vec3>& lines = frame.clip_plane.border();
   if (lines.empty()) return;
-  // No depth: the soft rims of a line would keep the rays out and leave a fringe of background.
-  const DepthWritesOff depth;
   if (pass == ElementPass::in_front) {
     // All of it, faintly, so that the cut can be followed where the volume hides it.
     const TimingMark overlay_mark("VolumeRenderer::render_clip_plane_border::draw_overlay");
-    const gl::ScopedDisable untested(GL_DEPTH_TEST);
     draw_model_lines(frame, border_, lines, foreground(frame, hidden_border));
     gl::throwOnGLError("VolumeRenderer::render_clip_plane_border::draw_overlay");
   }
+  const gl::DepthTest depth(GL_LEQUAL);
   draw_model_lines(frame, border_, lines, frame.settings.foreground);
   gl::throwOnGLError("VolumeRenderer::render_clip_plane_border");
 }
@@ -147,11 +133,11 @@ void SceneElements::draw_removed_segment(const VolumeFrame& frame, ElementPass p
   // The plane parts the box: one side of it lies in front of the other as a whole.
   const bool in_front = frame.cut_faces_viewer();
   if (in_front != (pass == ElementPass::in_front)) return;
-  const std::vector<glm::vec3> triangles = removed_faces(frame.clip_plane.plane());
+  const std::vector<glm::vec3> triangles = frame.box.removed_faces(frame.clip_plane.plane());
   if (triangles.empty()) return;
   use_simple_program(frame, foreground(frame, removed_pane));
   {
-    const gl::ScopedDisable untested(GL_DEPTH_TEST);
+    const gl::DepthTest depth(GL_LEQUAL);
     draw_faces(removed_, triangles);
   }
   gl::throwOnGLError("VolumeRenderer::render_removed_segment");

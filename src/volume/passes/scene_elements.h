@@ -15,8 +15,7 @@
 
 namespace oct {
 
-// Most elements are drawn twice: before the volume with what lies behind it (depth test: greater or equal),
-// and after it with what lies in front.
+// Elements are parted: before the volume comes what lies behind it, and after it what lies in front.
 enum class ElementPass { behind, in_front };
 
 class SceneElements {
@@ -25,8 +24,8 @@ class SceneElements {
 
   void draw_translucent(const VolumeFrame& frame, ElementPass pass);
 
-  // Edges and scale marks, by the frame flags. Without any font on the machine marks have no labels; that is
-  // thrown once everything else is drawn, at the end of the pass in front.
+  // Edges, and in front scale marks, which lie beside the box, by the frame flags. Without any font on the
+  // machine marks have no labels; that is thrown once everything else is drawn.
   void draw_frame(const VolumeFrame& frame, ElementPass pass);
 
   void draw_clip_plane_border(const VolumeFrame& frame, ElementPass pass);
@@ -49,7 +48,7 @@ class SceneElements {
     ScaleMarks marks;
   };
 
-  void draw_edges(const VolumeFrame& frame);
+  void draw_edges(const VolumeFrame& frame, ElementPass pass);
   void draw_scale_marks(const VolumeFrame& frame);
   void draw_labels(const VolumeFrame& frame);
   void provide_fonts(int height);

@@ -9,10 +9,6 @@
 
 namespace oct {
 
-// The shown slices as triangles, each parted where the others cut it, in such an order that what is farther
-// from the eye (model coordinates, homogeneous: w = 0 is a direction) comes first.
-std::vector<glm::vec3> section_triangles(const Sections& sections, const glm::vec4& eye);
-
 class SectionalView {
  public:
   void draw(const VolumeFrame& frame);

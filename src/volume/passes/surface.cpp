@@ -3,6 +3,7 @@
 #include <glm/gtc/type_ptr.hpp>
 
 #include "core/timing_mark.h"
+#include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 
 namespace oct {
@@ -18,22 +19,39 @@ void Surface::upload(const std::shared_ptr<const SurfaceMesh>& mesh) {
 
 void Surface::draw(const VolumeFrame& frame) {
   const TimingMark mark("VolumeRenderer::render_surface");
-  const std::shared_ptr<const SurfaceMesh>& mesh = frame.settings.surface;
-  if (!mesh || mesh->triangles.empty()) return;
-  if (uploaded_ != mesh) upload(mesh);
   const SurfaceProgram& program = frame.programs.surface;
   const VolumeColormap& colormap = frame.colormaps.at(ColormapRole::surface);
   program.use();
   glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
   glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
+  glUniform4fv(program.clipPlane, 1, glm::value_ptr(frame.cutting_plane()));
   glUniformMatrix3fv(program.normal, 1, GL_FALSE, glm::value_ptr(frame.camera.normal));
   glUniform1f(program.lower_depth, colormap.lower());
   glUniform1f(program.upper_depth, colormap.upper());
   glUniform1i(program.colorTex, volume_unit::color);
   bind_volume_texture(volume_unit::color, GL_TEXTURE_1D, colormap.texture());
-  glDisable(GL_BLEND);
-  geometry_.draw_indexed(GL_TRIANGLES, 0, static_cast<GLsizei>(mesh->triangles.size()));
+  {
+    const gl::DepthTest depth(GL_LEQUAL, true, {1.0F, 4.0F});
+    draw_mesh(frame);
+  }
   gl::throwOnGLError("VolumeRenderer::render_surface");
+}
+
+void Surface::draw_back(const VolumeFrame& frame) {
+  const SurfaceBackProgram& program = frame.programs.surface_back;
+  program.use();
+  glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
+  glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
+  glUniform4fv(program.clipPlane, 1, glm::value_ptr(frame.cutting_plane()));
+  draw_mesh(frame);
+}
+
+void Surface::draw_mesh(const VolumeFrame& frame) {
+  const std::shared_ptr<const SurfaceMesh>& mesh = frame.settings.surface;
+  if (uploaded_ != mesh) upload(mesh);
+  glFrontFace(frame.front_winding());
+  geometry_.draw_indexed(GL_TRIANGLES, 0, static_cast<GLsizei>(mesh->triangles.size()));
+  glFrontFace(GL_CCW);
 }
 
 void Surface::release() {

@@ -8,12 +8,16 @@
 
 namespace oct {
 
+// The frame must show one (VolumeFrame::surface_shown).
 class Surface {
  public:
   void draw(const VolumeFrame& frame);
+  // Where it ends rays, into a target of positions in texture space.
+  void draw_back(const VolumeFrame& frame);
   void release();
 
  private:
+  void draw_mesh(const VolumeFrame& frame);
   void upload(const std::shared_ptr<const SurfaceMesh>& mesh);
 
   gl::Geometry geometry_;

@@ -173,6 +173,7 @@ std::optional<Plane> clip_plane(const VolumeScene& scene) {
   return Plane{n, (2.0 * scene.clip_value - 1.0) * 0.99 * corner};
 }
 
+// Nothing is filled at -1 and less.
 double filled_end(const VolumeScene& scene) {
   if (scene.slices_uploaded < 0 || scene.slices_uploaded == scene.volume.depth) return 1.0;
   const double n = scene.volume.depth;
@@ -185,8 +186,14 @@ class ReferenceSurface {
   // Nothing, if the scene has no surface.
   ReferenceSurface(const VolumeScene& scene, const ReferenceCamera& camera);
 
-  // What a view line, in eye coordinates, meets first.
-  std::optional<glm::dvec3> color(const Line& line) const;
+  // Where on a view line, in eye coordinates, something is seen, and its colour.
+  struct Hit {
+    double t;
+    glm::dvec3 color;
+  };
+  // What the line meets first of the places that `kept` accepts.
+  template <class Kept>
+  std::optional<Hit> hit(const Line& line, Kept&& kept) const;
 
  private:
   struct Vertex {
@@ -243,9 +250,9 @@ ReferenceSurface::ReferenceSurface(const VolumeScene& scene, const ReferenceCame
   }
 }
 
-std::optional<glm::dvec3> ReferenceSurface::color(const Line& line) const {
-  double first = std::numeric_limits<double>::infinity();
-  std::optional<glm::dvec3> seen;
+template <class Kept>
+std::optional<ReferenceSurface::Hit> ReferenceSurface::hit(const Line& line, Kept&& kept) const {
+  std::optional<Hit> first;
   for (const Triangle& triangle : triangles_) {
     const glm::dvec3 a = vertices_[triangle[0]].eye;
     const glm::dvec3 to_b = vertices_[triangle[1]].eye - a;
@@ -255,12 +262,14 @@ std::optional<glm::dvec3> ReferenceSurface::color(const Line& line) const {
     const glm::dvec3 p = line.at(t) - a;
     const double second = glm::dot(glm::cross(p, to_c), n) / glm::dot(n, n);
     const double third = glm::dot(glm::cross(to_b, p), n) / glm::dot(n, n);
-    if (!(second >= 0.0 && third >= 0.0 && second + third <= 1.0 && t < first)) continue;
-    first = t;
+    if (!(second >= 0.0 && third >= 0.0 && second + third <= 1.0 && kept(t))) continue;
+    if (first && t >= first->t) continue;
     const glm::dvec3 weights(1.0 - second - third, second, third);
-    seen = shaded(triangle, weights, glm::dot(n, line.direction) < 0.0);
+    // Seen from smaller depth: the line runs the way of the normals, however the box is mirrored.
+    const double way = glm::dot(n, line.direction) * glm::dot(n, vertices_[triangle[0]].normal);
+    first = {t, shaded(triangle, weights, way > 0.0)};
   }
-  return seen;
+  return first;
 }
 
 // Light directions are those of the corners, as a vertex program hands them over.
@@ -287,22 +296,23 @@ class Layers {
   explicit Layers(const VolumeScene& scene)
       : scene_(scene), camera_(scene), surface_(scene, camera_), plane_(clip_plane(scene)) {}
 
-  // What is seen in a pixel, the farthest first, with its opacity.
+  // What is seen in a pixel, the farthest first, with its opacity. What is opaque hides all beyond it, glass
+  // and the ray's end alike.
   std::vector<glm::dvec4> at(int column, int row) const {
     const Line line = camera_.model_line(column, row);
+    const std::optional<Hit> opaque = first_opaque(line, camera_.line(column, row));
+    const double open_to = opaque ? opaque->t : std::numeric_limits<double>::infinity();
     std::vector<glm::dvec4> found;
-    const bool glass = scene_.box && passage(line, 1.0);
-    if (glass) add_pane(found, far_pane);
-    if (scene_.volume_shown && scene_.sectional) {
-      add_slices(found, line);
-    } else if (scene_.volume_shown) {
+    if (opaque) found.emplace_back(opaque->color, 1.0);
+    const auto glass = scene_.box ? passage(line, 1.0) : std::optional<glm::dvec2>();
+    if (glass && glass->y < open_to - touching) add_pane(found, far_pane);
+    if (scene_.volume_shown && !scene_.sectional) {
       const bool ghost_in_front = plane_ && plane_->above(line.origin) < 0.0;
-      if (!ghost_in_front) add_ghost(found, line);
-      add_ray(found, line);
-      if (ghost_in_front) add_ghost(found, line);
+      if (!ghost_in_front) add_ghost(found, line, open_to);
+      add_ray(found, line, open_to);
+      if (ghost_in_front) add_ghost(found, line, open_to);
     }
-    if (const auto color = surface_.color(camera_.line(column, row))) found.emplace_back(*color, 1.0);
-    if (glass) add_pane(found, near_pane);
+    if (glass && glass->x > in_view() && glass->x < open_to + touching) add_pane(found, near_pane);
     return found;
   }
 
@@ -315,6 +325,9 @@ class Layers {
         const int i = static_cast<int>(axis);
         if (!slice.shown || from[i] > 0.0 || to[i] > 0.0) continue;
         from[i] = to[i] = 2.0 * slice.position - 1.0;
+        if (i == 2 && from.z > end_) continue;
+        from.z = std::min(from.z, end_);
+        to.z = std::min(to.z, end_);
         segments.emplace_back(from, to);
       }
     }
@@ -328,26 +341,34 @@ class Layers {
   static constexpr double far_pane = 0.1;
   static constexpr double near_pane = 0.03;
   static constexpr double ghost_pane = 0.1;
+  static constexpr double touching = 1e-6;  // what lies on a face of the box is seen before it, not behind it
+
+  using Hit = ReferenceSurface::Hit;
 
   void add_pane(std::vector<glm::dvec4>& found, double opacity) const {
     found.emplace_back(opaque_color(scene_.foreground), opacity);
   }
 
-  // Where a line enters and leaves the box as far as it is filled.
-  static std::optional<glm::dvec2> passage(const Line& line, double end) {
+  // Where the viewer's sight begins: just before the eye.
+  double in_view() const { return scene_.perspective ? 0.01 : -std::numeric_limits<double>::infinity(); }
+
+  // Where a line enters and leaves the box up to an end along z. Nothing where all of it lies behind the eye.
+  std::optional<glm::dvec2> passage(const Line& line, double end) const {
+    if (end <= -1.0) return {};
     const glm::dvec3 low = (-1.0 - line.origin) / line.direction;
     const glm::dvec3 high = (glm::dvec3(1.0, 1.0, end) - line.origin) / line.direction;
     const glm::dvec3 in = glm::min(low, high);
     const glm::dvec3 out = glm::max(low, high);
     const glm::dvec2 passes(std::max({in.x, in.y, in.z}), std::min({out.x, out.y, out.z}));
-    if (passes.x < passes.y) return passes;
+    if (passes.x < passes.y && passes.y > in_view()) return passes;
     return {};
   }
 
-  void add_ray(std::vector<glm::dvec4>& found, const Line& line) const {
-    const auto passes = passage(line, filled_end(scene_));
+  void add_ray(std::vector<glm::dvec4>& found, const Line& line, double open_to) const {
+    const auto passes = passage(line, end_);
     if (!passes) return;
-    auto [enter, leave] = std::pair(passes->x, passes->y);
+    double enter = std::max(passes->x, in_view());
+    double leave = passes->y;
     if (plane_) {
       const bool enters_kept = plane_->above(line.at(enter)) >= 0.0;
       const bool leaves_kept = plane_->above(line.at(leave)) >= 0.0;
@@ -355,45 +376,58 @@ class Layers {
       if (!enters_kept) enter = plane_->meets(line);
       if (!leaves_kept) leave = plane_->meets(line);
     }
-    found.push_back(Ray(scene_, line.at(enter), line.at(leave)).color());
+    leave = std::min(leave, open_to);
+    if (enter < leave) found.push_back(Ray(scene_, line.at(enter), line.at(leave)).color());
   }
 
   // The faces of what the plane cuts off.
-  void add_ghost(std::vector<glm::dvec4>& found, const Line& line) const {
-    if (!plane_ || !scene_.removed_segment) return;
+  void add_ghost(std::vector<glm::dvec4>& found, const Line& line, double open_to) const {
+    if (!plane_ || !scene_.removed_segment || end_ <= -1.0) return;
     for (int axis = 0; axis < 3; ++axis) {
-      for (const double side : {-1.0, 1.0}) {
-        const glm::dvec3 point = line.at((side - line.origin[axis]) / line.direction[axis]);
-        if (reach(point, axis) < 1.0 && plane_->above(point) < 0.0) add_pane(found, ghost_pane);
+      for (const double side : {-1.0, axis == 2 ? end_ : 1.0}) {
+        const double t = (side - line.origin[axis]) / line.direction[axis];
+        const glm::dvec3 point = line.at(t);
+        if (t > in_view() && t < open_to && in_filled(point, axis) && plane_->above(point) < 0.0)
+          add_pane(found, ghost_pane);
       }
     }
   }
 
-  void add_slices(std::vector<glm::dvec4>& found, const Line& line) const {
-    std::vector<double> hits;
-    for (int axis = 0; axis < 3; ++axis) {
+  // Whether a point of a plane across an axis lies within the filled part of the box.
+  bool in_filled(const glm::dvec3& point, int axis) const {
+    return reach(point, axis) <= 1.0 && (axis == 2 || point.z <= end_);
+  }
+
+  std::optional<Hit> first_opaque(const Line& line, const Line& eye_line) const {
+    std::optional<Hit> first = surface_.hit(
+        eye_line, [&](double t) { return t > in_view() && (!plane_ || plane_->above(line.at(t)) >= 0.0); });
+    for (int axis = 0; axis < 3 && scene_.volume_shown && scene_.sectional; ++axis) {
       const Slice& slice = scene_.sections[static_cast<std::size_t>(axis)];
-      const double t = (2.0 * slice.position - 1.0 - line.origin[axis]) / line.direction[axis];
-      if (slice.shown && reach(line.at(t), axis) <= 1.0) hits.push_back(t);
+      const double place = 2.0 * slice.position - 1.0;
+      const double t = (place - line.origin[axis]) / line.direction[axis];
+      const bool there = slice.shown && (axis != 2 || place <= end_) && in_filled(line.at(t), axis);
+      if (there && t > in_view() && !(first && first->t < t)) first = Hit{t, slice_color(line.at(t))};
     }
-    std::sort(hits.begin(), hits.end(), std::greater<>());
-    for (const double t : hits) {
-      const glm::dvec3 point = line.at(t);
-      const auto color = [&, place = 0.5 * glm::dvec3(point.y, point.x, point.z) + 0.5](
-                             const Volume& volume, const Coloring& coloring) {
-        return mapped(coloring, voxel_at(volume, place, Surroundings::edge));
-      };
-      const glm::dvec4 base = color(scene_.volume, scene_.coloring);
-      const bool overlaid = scene_.content == 2;
-      const glm::dvec4 over = overlaid ? color(scene_.overlay, scene_.overlay_coloring) : glm::dvec4(0.0);
-      found.push_back(glm::mix(base, over, over.a));
-    }
+    return first;
+  }
+
+  glm::dvec3 slice_color(const glm::dvec3& point) const {
+    const auto color = [&, place = 0.5 * glm::dvec3(point.y, point.x, point.z) + 0.5](
+                           const Volume& volume, const Coloring& coloring) {
+      return mapped(coloring, voxel_at(volume, place, Surroundings::edge));
+    };
+    const glm::dvec4 base = color(scene_.volume, scene_.coloring);
+    const bool overlaid = scene_.content == 2;
+    const glm::dvec4 over = overlaid ? color(scene_.overlay, scene_.overlay_coloring) : glm::dvec4(0.0);
+    return glm::mix(base, over, over.a);
   }
 
   // The cut's polygon: points on edges of the box, joined where they lie on one face.
   void add_rim(std::vector<Segment>& segments) const {
     std::vector<glm::dvec3> points;
-    for (const auto& [from, to] : box_edges()) {
+    for (auto [from, to] : box_edges()) {
+      from.z = std::min(from.z, end_);
+      to.z = std::min(to.z, end_);
       const double a = plane_->above(from);
       const double b = plane_->above(to);
       if (a * b <= 0.0 && a != b) points.push_back(glm::mix(from, to, a / (a - b)));
@@ -401,7 +435,9 @@ class Layers {
     for (std::size_t i = 0; i < points.size(); ++i) {
       for (std::size_t j = 0; j < i; ++j) {
         const glm::dvec3 sum = glm::abs(points[i] + points[j]);
-        if (std::max({sum.x, sum.y, sum.z}) > 2.0 - 1e-9) segments.emplace_back(points[i], points[j]);
+        const bool on_side = std::max({sum.x, sum.y, sum.z}) > 2.0 - 1e-9;
+        const bool on_end = std::min(points[i].z, points[j].z) > end_ - 1e-9;
+        if (on_side || on_end) segments.emplace_back(points[i], points[j]);
       }
     }
   }
@@ -410,6 +446,7 @@ class Layers {
   const ReferenceCamera camera_;
   const ReferenceSurface surface_;
   const std::optional<Plane> plane_;
+  const double end_ = filled_end(scene_);  // of the filled part of the box, along z
 };
 
 double distance_to_segment(const glm::dvec2& point, const glm::dvec2& from, const glm::dvec2& to) {

@@ -5,6 +5,7 @@ in float clip_dist;  // to the clip plane; negative on the side that is cut away
 out vec4 frag_color;
 
 uniform sampler2D backTex;
+uniform vec4 eye;    // texture space, homogeneous: w = 0 is the direction to the viewer
 uniform int slices;  // steps along the box's diagonal
 uniform float stepSize;
 
@@ -14,9 +15,20 @@ struct Ray {
   int sure;  // steps that surely end before max_length: nobody has to measure them
 };
 
+// A surface hides the ray where it lies before the volume. One that lies on the side where the ray enters ends
+// it after one sample, wherever rounding puts the two.
+bool hidden(vec4 back) {
+  const float rounding = 1e-4;
+  vec3 view = front * eye.w - eye.xyz;
+  return back.a > 1.5 && dot(back.rgb - front, view) < -rounding * length(view);
+}
+
+// At a rim, above all of a target with several samples, a front may have no back: such a ray has no end.
 Ray cast_ray() {
   vec2 screen_pos = 0.5 * clip_pos.xy / clip_pos.w + vec2(0.5, 0.5);
-  vec3 dir = texture(backTex, screen_pos).rgb - front;
+  vec4 back = texture(backTex, screen_pos);
+  if (back.a == 0.0 || hidden(back)) discard;
+  vec3 dir = back.rgb - front;
   Ray ray;
   ray.max_length = length(dir);
   ray.step = normalize(dir) * stepSize;

@@ -6,5 +6,5 @@ out vec4 frag_color;
 #include "volume/volume.glsl"
 
 void main() {
-  frag_color = color_at(colorTex, normalised(texture(volumeTex, tex_coord).r));
+  frag_color = vec4(color_at(colorTex, normalised(texture(volumeTex, tex_coord).r)).rgb, 1.0);
 }

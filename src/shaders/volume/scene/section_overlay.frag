@@ -9,5 +9,5 @@ out vec4 frag_color;
 void main() {
   vec4 color = color_at(colorTex, normalised(texture(volumeTex, tex_coord).r));
   vec4 over = color_at(colorOverlayTex, normalised_overlay(texture(volumeOverlayTex, tex_coord).r));
-  frag_color = mix(color, over, over.a);
+  frag_color = vec4(mix(color, over, over.a).rgb, 1.0);
 }

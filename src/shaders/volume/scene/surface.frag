@@ -5,6 +5,7 @@ in vec3 to_light;
 in vec3 to_eye;
 in vec3 reflected;
 in float depth;
+in float clip_dist;
 out vec4 frag_color;
 
 uniform sampler1D colorTex;
@@ -17,6 +18,7 @@ const float specular_part = 0.9;
 const float shininess = 3.0;
 
 void main() {
+  if (clip_dist < 0.0) discard;
   vec3 base = color_at(colorTex, 1.0 - depth).rgb;
   vec3 ambient = ambient_part * base;
   // The normals point to greater depth, away from the side that is the front.
