@@ -21,20 +21,21 @@ function(oct_precompile_headers target)
   endif()
 endfunction()
 
-# oct_compile_together(target [ALWAYS])
+# oct_compile_together(target [ALWAYS|TESTS])
 # Compiles several files of a target at once, most of which is reading the same headers. The native release build does so
-# only with ALWAYS. A file for one platform stays alone: what its system's headers define is not for others.
+# only with ALWAYS or TESTS. A file for one platform stays alone: what its system's headers define is not for others.
+# Files meet whose names never do, so names may hide each other, in tests everywhere; elsewhere the native build looks.
 option(OCT_COMPILE_TOGETHER "Compile several files of a target at once where that is quicker" ON)
 function(oct_compile_together target)
   if(NOT OCT_COMPILE_TOGETHER)
     return()
   endif()
-  if(NOT (OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows" OR "${ARGN}" STREQUAL "ALWAYS"))
+  if(NOT (OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows" OR ARGN))
     return()
   endif()
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
-  if(OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows")
-    target_compile_options(${target} PRIVATE -Wno-shadow)  # files meet whose names never do; the native build looks
+  if(OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows" OR "${ARGN}" STREQUAL "TESTS")
+    target_compile_options(${target} PRIVATE -Wno-shadow)
   endif()
   get_target_property(sources ${target} SOURCES)
   list(FILTER sources INCLUDE REGEX "_(windows|linux)[.]cpp$")

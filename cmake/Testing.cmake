@@ -50,6 +50,8 @@ function(oct_add_test target)
     set_property(GLOBAL PROPERTY oct_first_${group}_test ${target})
   endif()
 
+  oct_compile_together(${target} TESTS)
+
   if(NOT test_SHARDS)
     set(test_SHARDS 1)
   endif()

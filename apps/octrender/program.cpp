@@ -14,11 +14,11 @@
 namespace oct::app {
 namespace {
 
-constexpr char description_text[] =
+constexpr char program_description[] =
     "Renders optical coherence tomography (OCT) data. No window is needed: the program makes\n"
     "its OpenGL context (3.3 or later) through the offscreen target of the oct_rendering library.";
 
-constexpr char footer_text[] =
+constexpr char program_footer[] =
     "Exit codes:\n"
     "  0  the output was written\n"
     "  1  rendering failed; the library's reason is shown\n"
@@ -35,7 +35,7 @@ constexpr char footer_text[] =
 
 void describe(CLI::App& program) {
   program.name("octrender");
-  program.footer(footer_text);
+  program.footer(program_footer);
   program.set_version_flag("--version", getRendererVersion());
   program.require_subcommand(1);
 }
@@ -48,7 +48,7 @@ int report(ExitCode code, const std::string& text) {
 }  // namespace
 
 int run_program(const std::vector<std::string>& arguments) {
-  CLI::App program(description_text);
+  CLI::App program(program_description);
   describe(program);
   add_bscan_verb(program);
   add_volume_verb(program);

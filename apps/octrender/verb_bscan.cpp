@@ -14,6 +14,7 @@
 #include "scene/bscan_scene.h"
 
 namespace oct::app {
+namespace bscan_verb {
 namespace {
 
 constexpr char description_text[] = "Draw one B-scan as a PNG picture, depth downwards, A-scans to the right";
@@ -205,8 +206,10 @@ void run(const Options& options) {
 }
 
 }  // namespace
+}  // namespace bscan_verb
 
 void add_bscan_verb(CLI::App& program) {
+  using namespace bscan_verb;
   CLI::App* verb = program.add_subcommand("bscan", description_text);
   const auto options = std::make_shared<Options>();
   add_input_options(*verb, *options);

@@ -13,6 +13,7 @@ extern "C" const unsigned char* glGetString(unsigned int name);
 extern "C" void glGetIntegerv(unsigned int name, int* value);
 
 namespace oct::app {
+namespace info_verb {
 namespace {
 
 constexpr char description_text[] =
@@ -81,8 +82,10 @@ void run(const Options& options) {
 }
 
 }  // namespace
+}  // namespace info_verb
 
 void add_info_verb(CLI::App& program) {
+  using namespace info_verb;
   CLI::App* verb = program.add_subcommand("info", description_text);
   const auto options = std::make_shared<Options>();
   verb->add_option("IN", options->input, "Volume to check, as octrender volume reads it")->type_name("");

@@ -20,6 +20,7 @@
 #include "scene/live_view.h"
 
 namespace oct::app {
+namespace live_verb {
 namespace {
 
 constexpr char description_text[] = "Draw the volumes of a device as they come, and measure how they do";
@@ -299,8 +300,10 @@ void run(const Options& options) {
 }
 
 }  // namespace
+}  // namespace live_verb
 
 void add_live_verb(CLI::App& program) {
+  using namespace live_verb;
   CLI::App* verb = program.add_subcommand("live", description_text);
   const auto options = std::make_shared<Options>();
   options->size = "640x480";

@@ -13,6 +13,7 @@
 #include "scene/volume_scene.h"
 
 namespace oct::app {
+namespace volume_verb {
 namespace {
 
 constexpr char description_text[] = "Draw a volume as a PNG picture, or as a series that turns it once round";
@@ -212,8 +213,10 @@ void run(const Options& options) {
 }
 
 }  // namespace
+}  // namespace volume_verb
 
 void add_volume_verb(CLI::App& program) {
+  using namespace volume_verb;
   CLI::App* verb = program.add_subcommand("volume", description_text);
   const auto options = std::make_shared<Options>();
   add_input_options(*verb, *options);

@@ -24,7 +24,8 @@ extern "C" {
  *
  * The volume fills a box with corners at -1 and 1 on the model's axes: y is the axial direction (depth,
  * downwards on screen), x and z are the lateral ones. The box is scaled to the physical range, so that its
- * half diagonal is 2 whatever the unit. The camera looks at it from a distance of 5.
+ * half diagonal is 2 whatever the unit. The camera looks at it from a distance of 5. setTranslation() may
+ * bring the viewer into the box: he sees what lies before him.
  *
  * A frame covers the whole viewport with an opaque picture, translucent volumes
  * included: alpha is 255 everywhere.
@@ -154,7 +155,7 @@ OCT_API void setViewportSize(unsigned int Width, unsigned int Height);
 /**
  * @brief Sets the number of steps that a ray takes along the box's diagonal.
  * @param Handle The renderer.
- * @param Slices 0 or more; the start is 128. More is finer and slower.
+ * @param Slices 0 or more; the start is 128. More is finer and slower; more than 8192 are drawn as 8192.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "The number of rendering slices must not be negative. "
  * @thread Any thread; waits for no frame.
@@ -205,8 +206,8 @@ OCT_API void setRenderingMode(VolumeRendererHandle Handle, int Mode);
 OCT_API void setVolumeMode(VolumeRendererHandle Handle, int Mode);
 
 /**
- * @brief Chooses the slices of the sectional view. At the start all are shown, through the middle. Where the
- * colour map is translucent, what lies behind a slice shines through.
+ * @brief Chooses the slices of the sectional view. At the start all are shown, through the middle. Slices are
+ * opaque, whatever the opacities of the colour map, and end where the filled part of the volume does.
  * @param Handle The renderer.
  * @param Show1 Non-zero shows the slice across model x (the volume's second axis).
  * @param Position1 Its position along that axis, 0 to 1.
@@ -223,7 +224,7 @@ OCT_API void setSectionalView(VolumeRendererHandle Handle, int Show1, float Posi
                               float Position2, int Show3, float Position3);
 
 /**
- * @brief Cuts the volume by a plane that faces the viewer.
+ * @brief Cuts the volume and the surface by a plane that faces the viewer. The sectional view is not cut.
  * @param Handle The renderer.
  * @param Enable Non-zero cuts; 0 (the start) does not.
  * @param OpenCut Non-zero leaves the cut open: only what the box's own faces show is drawn. 0 (the start)
@@ -239,8 +240,8 @@ OCT_API void setClipPlane(VolumeRendererHandle Handle, int Enable, int OpenCut, 
 /**
  * @brief Lets the clip plane turn with the volume instead of facing the viewer.
  * @param Handle The renderer.
- * @param Fix Non-zero keeps the orientation that the plane had in the last frame, without which it cuts
- * nothing; 0 (the start) follows the viewer.
+ * @param Fix Non-zero keeps the orientation that the plane had in the last frame that it cut, or takes that of
+ * the first; 0 (the start) follows the viewer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "
  * @thread Any thread; waits for no frame.
@@ -309,8 +310,9 @@ OCT_API void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color
  * @brief Sets the colour map of the volume.
  * @param Handle The renderer.
  * @param Colormap @p Count colours of four bytes each: red, green, blue, alpha (opacity of one step of a
- * ray); copied before the call returns.
- * @param Count Number of colours, up to the driver's texture limit (16384 on most); 0: nothing is visible.
+ * ray, nothing to slices); copied before the call returns.
+ * @param Count Number of colours, up to the driver's texture limit (16384 on most); 0: one that is black
+ * and transparent.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "The number of colours must not be negative. ";
  * "Colour map data must not be null. ". A count above the driver's limit is reported by every frame
@@ -396,8 +398,8 @@ OCT_API void setOverlayRendererColoringBoundaries(VolumeRendererHandle Handle, d
 OCT_API void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index);
 
 /**
- * @brief Sets the surface, a height map over the two lateral axes. It is drawn over the ray-cast volume, and
- * hides or is hidden by slices as it lies.
+ * @brief Sets the surface, a height map over the two lateral axes. It is opaque and hides what lies behind it,
+ * of the volume, of slices and of lines; the clip plane cuts it with the volume.
  * @param Handle The renderer.
  * @param Width Number of samples along the first lateral axis. 0 samples take the surface away.
  * @param Height Number of samples along the second lateral axis.

@@ -28,7 +28,8 @@ class Live : public ProgramTest {
 
 const std::string short_run = " --seconds 0.05 --spectrum 64 ";
 const std::string playback = " --seconds 0.05 --playback in.npy ";
-const std::string front = "--mode maximum --angles 0 0 --range 0 1 --colormap gray --no-edges --no-labels ";
+const std::string seen_live =
+    "--mode maximum --angles 0 0 --range 0 1 --colormap gray --no-edges --no-labels ";
 
 TEST_F(Live, ShowsThePhantomAndReports) {
   draw("--seconds 0.6 --spectrum 64");
@@ -56,10 +57,10 @@ TEST_F(Live, ShowsThePhantomAndReports) {
 // the border, beyond which the two read differently.
 TEST_F(Live, PlaysAVolumeBackAsOctrenderVolumeDrawsIt) {
   write_where([](int z, int a, int b) { return z > 3 && z < 16 && a > 1 && a < 12 && b > 1 && b < 6; });
-  const std::vector<std::uint8_t> shown = draw(front + playback + "--depth 2 --width 3 --length 4");
+  const std::vector<std::uint8_t> shown = draw(seen_live + playback + "--depth 2 --width 3 --length 4");
   expect_in("32 x 16 x 8 samples", out_text_);
   EXPECT_GT(red_at(0.5, 0.42), 200);
-  ASSERT_EQ(run_bare("volume in.npy -o out.png --size 80x60 --slices 64 --extent 2 3 4 " + front), 0)
+  ASSERT_EQ(run_bare("volume in.npy -o out.png --size 80x60 --slices 64 --extent 2 3 4 " + seen_live), 0)
       << error_text_;
   const std::vector<std::uint8_t> wanted = read_picture("out.png").pixels;
   ASSERT_EQ(shown.size(), wanted.size());
@@ -72,15 +73,15 @@ TEST_F(Live, PlaysAVolumeBackAsOctrenderVolumeDrawsIt) {
 TEST_F(Live, CropsAndFlattensTheBox) {
   // Half the depth samples with half the extent: only the bright part is left, and it fills the box.
   write_where([](int z, int, int) { return z < 16; });
-  draw(front + playback + "--depth 4 --size-z 16");
+  draw(seen_live + playback + "--depth 4 --size-z 16");
   expect_in("16 x 16 x 8 samples", out_text_);
   EXPECT_GT(red_at(0.5, 0.45), 200);
   EXPECT_GT(red_at(0.5, 0.55), 200);
   // What was bright far from the middle is background.
   write_where([](int, int, int) { return true; });
-  draw(front + playback + "--depth 4");
+  draw(seen_live + playback + "--depth 4");
   EXPECT_GT(red_at(0.5, 0.4), 200);
-  draw(front + playback + "--depth 4 --refractive-index 8");
+  draw(seen_live + playback + "--depth 4 --refractive-index 8");
   EXPECT_LT(red_at(0.5, 0.4), 50);
   EXPECT_GT(red_at(0.5, 0.5), 200);
 }

@@ -15,7 +15,6 @@ extern "C" int object_count_seen_from_c(void);
 namespace oct::simulator::test {
 namespace {
 
-constexpr double degrees_per_radian = 180.0 / std::numbers::pi;
 using SetOutput = void (*)(PolarizationProcessingHandle, DataHandle);
 
 // A small device with two sensors and everything that is needed to see with it.

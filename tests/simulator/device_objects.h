@@ -3,6 +3,7 @@
 
 #include <array>
 #include <functional>
+#include <numbers>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +14,8 @@
 #include "oct_simulator/oct_simulator.h"
 
 namespace oct::simulator::test {
+
+inline constexpr double degrees_per_radian = 180.0 / std::numbers::pi;
 
 // Fetches the pending error of the device library, empty if there is none.
 inline std::string pending_error() {

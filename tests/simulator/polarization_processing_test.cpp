@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "simulator/device_objects.h"
 #include "simulator/measurement.h"
 
 namespace oct::simulator::test {
@@ -57,7 +58,6 @@ double polarized_part(const Stokes& s) {
   return std::sqrt(s[1] * s[1] + s[2] * s[2] + s[3] * s[3]);
 }
 
-constexpr double degrees_per_radian = 180.0 / std::numbers::pi;
 const std::pair<P::Quantity, double (*)(const Stokes&)> quantities[] = {
     {P::intensity, [](const Stokes& s) { return 10.0 * std::log10(s[0]); }},
     {P::stokes_q, [](const Stokes& s) { return s[1] / s[0]; }},

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <random>
 #include <set>
 #include <vector>
 
@@ -71,6 +72,39 @@ TEST(ClipPlaneTest, FixedItKeepsItsOrientationButNotItsPlace) {
   fixed = false;
   normal_at(true, 0.5F, view_at(0, 0));
   EXPECT_EQ(clip.plane(), glm::vec4(0, 0, -1, 0)) << "it faces the viewer again";
+}
+
+// Whatever the plane meets of the box, corners and edges too, its cut is one polygon, drawn once: every corner of
+// it ends two segments.
+TEST(FilledBoxTest, ACutIsOnePolygon) {
+  std::vector<glm::vec4> planes{{0, 0, -1, 0},   {1, 1, 1, -1}, {1, 1, 1, 0},    {1, 0, -1, 0},
+                                {1, -1, 0, 0},   {1, 1, 0, 1},  {1, 1, 1, 2.9F}, {1, 1, 1, 1},
+                                {0, -1, 1, 0.5}, {2, 1, 1, 0},  {1, 0, 0, 0.99F}};
+  std::mt19937 generator(3);
+  std::uniform_real_distribution<float> any(-1.0F, 1.0F);
+  for (int i = 0; i < 500; ++i)
+    planes.emplace_back(any(generator), any(generator), any(generator), any(generator));
+  for (const float end : {1.0F, 0.37F, -0.9F}) {
+    const FilledBox box(end);
+    for (const glm::vec4& plane : planes) {
+      SCOPED_TRACE(testing::PrintToString(std::vector{plane.x, plane.y, plane.z, plane.w, end}));
+      const PlaneCut cut = box.cut(plane);
+      for (const glm::vec3& point : cut.border) {
+        EXPECT_EQ(std::count(cut.border.begin(), cut.border.end(), point), 2);
+        EXPECT_NEAR(glm::dot(plane, glm::vec4(point, 1.0F)), 0.0F, 1e-5F);
+        EXPECT_TRUE(box.contains(point));
+      }
+      const std::size_t corners = cut.border.size() / 2;
+      EXPECT_EQ(cut.face.size(), corners == 0 ? 0 : 6 * (corners - 2)) << "a fan in both windings";
+    }
+  }
+  // A box of its own planes, one that only touches it, and one that is not filled have no cut.
+  for (const auto& [plane, end] : {std::pair{glm::vec4(0, 0, 1, -0.37F), 0.37F},
+                                   {{0, 0, 1, -0.5F}, 0.37F},
+                                   {{1, 1, 1, -3}, 1.0F},
+                                   {{1, 1, 0, -2}, 1.0F},
+                                   {{0, 0, 1, 0}, -1.0F}})
+    EXPECT_TRUE(FilledBox(end).cut(plane).border.empty());
 }
 
 TEST(SurfaceMeshTest, SamplesThatAreNoNumbersLeaveAHoleAndAPointHasNoTriangles) {

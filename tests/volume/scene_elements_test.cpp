@@ -1,6 +1,7 @@
 // What is drawn around the volume, beyond the pictures that are compared with the reference: what hides it,
 // its colour, its texts, its objects, and what happens when there is no font.
 #include <algorithm>
+#include <cmath>
 
 #include "support/gl_spy.h"
 #include "volume/missing_fonts.h"
@@ -94,6 +95,24 @@ TEST_F(SceneElementsTest, LabelsKeepTheirPixelsWhileTheBoxTurns) {
   show_fonts();
   EXPECT_EQ(failure(), "(none)");
   EXPECT_NEAR(ink(), marks, 0.2 * marks);
+  expect_no_error();
+}
+
+// A range that is animated shows other numbers in every frame.
+TEST_F(SceneElementsTest, TextsThatNobodySeesAnyMoreAreForgotten) {
+  scene_.scale_marks = true;
+  scene_.volume_shown = false;
+  stage_.draw(scene_);
+  GlSpy spy;
+  std::size_t most = 0;
+  for (int i = -150; i < 150; ++i) {
+    const float extent = std::pow(1.2F, static_cast<float>(i));
+    setOfflineAspectRatio(offline_, extent, 1.7F * extent, 2.3F * extent);
+    stage_.frame();
+    most = std::max(most, spy.live_objects());
+  }
+  EXPECT_GT(spy.calls("glGenTextures"), 250);
+  EXPECT_LT(most, 150U);
   expect_no_error();
 }
 

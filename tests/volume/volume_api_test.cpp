@@ -205,22 +205,25 @@ TEST_F(VolumeFaultTest, AFrameThatFailsTellsThePlace) {
   }
 }
 
-// Rays and what is around them are failed elsewhere.
-TEST_F(VolumeFaultTest, EveryCallOfASectionalView) {
-  scene_.sectional = true;
+// What is around them is failed elsewhere.
+TEST_F(VolumeFaultTest, EveryCallOfASurfaceAmongSlicesAndRays) {
+  scene_.surface = {2, 2, 1.0, {0.4F, 0.5F, 0.6F, 0.5F}};
   uninitializeVolumeRenderer(renderer_);
-  fail_every_call({[&] {
-                     initializeVolumeRenderer(renderer_);
-                     stage_.prepare(scene_);
-                   },
-                   [&] { return stage_.frame(); },
-                   [&] {
-                     beginOffscreenFrame(stage_.target, 1, 1);
-                     uninitializeVolumeRenderer(renderer_);
-                     allocateOfflineVolume(offline_, 0, 0, 0);
-                     finishOffscreenFrame(stage_.target, nullptr);
-                   },
-                   pending_error});
+  for (const bool sectional : {true, false}) {
+    scene_.sectional = sectional;
+    fail_every_call({[&] {
+                       initializeVolumeRenderer(renderer_);
+                       stage_.prepare(scene_);
+                     },
+                     [&] { return stage_.frame(); },
+                     [&] {
+                       beginOffscreenFrame(stage_.target, 1, 1);
+                       uninitializeVolumeRenderer(renderer_);
+                       allocateOfflineVolume(offline_, 0, 0, 0);
+                       finishOffscreenFrame(stage_.target, nullptr);
+                     },
+                     pending_error});
+  }
 }
 
 TEST_F(VolumeFaultTest, AFailedAllocationKeepsThePictureAndRefusesUploads) {

@@ -1,4 +1,5 @@
 // Whole pictures of volumes and of the scene around them against the layers that a CPU computes.
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -115,6 +116,16 @@ TEST(VolumeImageTest, Slices) {
     }
   }
   expect_pictures(cases);
+
+  VolumeScene many = base_scene();
+  many.viewport_width = 24;
+  many.viewport_height = 18;
+  many.mode = 1;
+  many.slices = 8192;
+  VolumeStage stage;
+  const Picture finest = stage.draw(many);
+  many.slices = std::numeric_limits<int>::max();
+  EXPECT_TRUE(agree(stage.draw(many), finest, exact)) << "no driver takes so many steps";
 }
 
 Change range(float axial, float lateral1, float lateral2) {
@@ -428,6 +439,30 @@ TEST(VolumeImageTest, Lines) {
           slices({true, 0.3F}, {false}, {false})(s), colors({0xFF000000U})(s);
         }}},
       true);
+  VolumeScene scene = empty_scene();
+  scene.edges = true;
+  scene.volume_shown = false;
+  const Picture alone = stage.draw(scene);
+  scene.volume_shown = true;
+  slices({false}, {false}, {false})(scene);
+  EXPECT_TRUE(agree(stage.draw(scene), alone, exact)) << "slices do not make the far edges heavier";
+
+  // What lines cover shows in the difference of two colours.
+  scene = empty_scene();
+  scene.edges = true;
+  scene.volume_shown = false;
+  const auto coverage = [&] {
+    scene.foreground = 0xFFFFFFFFU;
+    Picture white = stage.draw(scene);
+    scene.foreground = 0x000000FFU;
+    const Picture black = stage.draw(scene);
+    std::transform(white.bytes.begin(), white.bytes.end(), black.bytes.begin(), white.bytes.begin(),
+                   std::minus<>());
+    return white;
+  };
+  const Picture edges = coverage();
+  scene.surface = {2, 2, 1.0, {1.0F, 1.0F, 1.0F, 1.0F}};
+  EXPECT_TRUE(agree(coverage(), edges, {2, 0.9999, 20})) << "edges on a surface are as strong as others";
 }
 
 TEST(VolumeImageTest, Panes) {

@@ -1,5 +1,7 @@
 #include "volume/passes/raycaster.h"
 
+#include <algorithm>
+
 #include <glm/gtc/type_ptr.hpp>
 
 #include "core/timing_mark.h"
@@ -9,6 +11,10 @@
 
 namespace oct {
 namespace {
+
+// More steps show nothing that these do not, along the diagonal of the largest volume; a driver would hang in
+// billions.
+constexpr int most_slices = 8192;
 
 bool secondary_slice_exists(const VolumeFrame& frame) {
   const int index = frame.settings.secondary_slice_index;
@@ -41,8 +47,9 @@ void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame
   use_volume_program(program, frame);
   bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, back_faces_.texture());
   glUniform1i(program.ray().backTex, volume_unit::back);
-  glUniform1i(program.ray().slices, frame.settings.slices);
-  glUniform1f(program.ray().stepSize, 1.7320508F / static_cast<float>(frame.settings.slices));
+  const int slices = std::min(frame.settings.slices, most_slices);
+  glUniform1i(program.ray().slices, slices);
+  glUniform1f(program.ray().stepSize, 1.7320508F / static_cast<float>(slices));
   glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clip_plane.plane()));
   const glm::vec4 eye = eye_in_model(frame.camera);
   glUniform4fv(program.ray().eye, 1, glm::value_ptr(glm::vec4(0.5F * (glm::vec3(eye) + eye.w), eye.w)));

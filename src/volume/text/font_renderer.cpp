@@ -1,5 +1,6 @@
 #include "volume/text/font_renderer.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <stdexcept>
@@ -15,6 +16,9 @@
 
 namespace oct {
 namespace {
+
+// Several times what one frame shows, so that a range that is animated to and fro finds its texts again.
+constexpr std::size_t most_texts = 128;
 
 struct LabelVertex {
   glm::vec3 anchor;
@@ -64,12 +68,17 @@ void FontRenderer::create_quad() {
 }
 
 const FontRenderer::CachedText& FontRenderer::label(const std::string& text) {
-  const auto known = texts_.find(text);
-  if (known != texts_.end()) return known->second;
+  ++uses_;
+  if (const auto known = texts_.find(text); known != texts_.end()) {
+    known->second.last_use = uses_;
+    return known->second;
+  }
+  if (texts_.size() >= most_texts) forget_oldest();
 
   const TextPicture picture = rasteriser_.rasterise(text);
   CachedText cached;
   cached.size = {picture.width, picture.height};
+  cached.last_use = uses_;
   if (!picture.pixels.empty()) {
     cached.texture = gl::Texture::create();
     if (!cached.texture) throw std::runtime_error("Invalid texture for rendering....");
@@ -85,6 +94,11 @@ const FontRenderer::CachedText& FontRenderer::label(const std::string& text) {
     gl::throwOnGLError("FontRenderer::rasterise");
   }
   return texts_.emplace(text, std::move(cached)).first->second;
+}
+
+void FontRenderer::forget_oldest() {
+  const auto older = [](const auto& a, const auto& b) { return a.second.last_use < b.second.last_use; };
+  texts_.erase(std::min_element(texts_.begin(), texts_.end(), older));
 }
 
 void FontRenderer::draw(const Label& label, const glm::vec3& color, const LabelView& view) {

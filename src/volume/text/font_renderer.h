@@ -1,6 +1,7 @@
 // Text labels of the volume scene: quads that face the screen and keep their size in pixels.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -27,7 +28,8 @@ struct Label {
   glm::vec2 offset{0.0F};  // pixels from the anchor's projection to the text's lower left corner
 };
 
-// One font; lives in the context that was current when it was made. Every distinct text is rasterised once.
+// One font; lives in the context that was current when it was made. Every distinct text is rasterised once while
+// it is in use: of those that nobody asked for lately only so many are kept.
 class FontRenderer {
  public:
   // Height of a line in pixels; emphasis: bold and italic. Throws
@@ -48,13 +50,16 @@ class FontRenderer {
   struct CachedText {
     gl::Texture texture;
     glm::ivec2 size{0};
+    std::uint64_t last_use = 0;
   };
 
   const CachedText& label(const std::string& text);
+  void forget_oldest();
   void create_quad();
 
   TextRasteriser rasteriser_;
   std::map<std::string, CachedText> texts_;
+  std::uint64_t uses_ = 0;
   gl::Shader program_;
   struct Uniforms {
     GLint projection, modelview, viewport, textureSize, offset, text_texture, text_color;
