@@ -189,8 +189,8 @@ void setSimulatedScanPattern(OCTDeviceHandle device, ScanPatternHandle pattern) 
 }
 
 int getLostVolumes(OCTDeviceHandle device) {
-  return framed("getLostVolumes",
-                [&](HandleTable& handles) { return handles.find<Device>(device)->lost_volumes(); });
+  return device_call("getLostVolumes",
+                     [&](HandleTable& handles) { return handles.find<Device>(device)->lost_volumes(); });
 }
 
 void failSimulatedCall(const char* function, int call, const char* message) {
