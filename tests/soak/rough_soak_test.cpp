@@ -139,14 +139,33 @@ class RoughClient {
     rest();
   }
 
-  // After all that the view shows what its source measures.
-  bool shows_volumes_again() {
+  // After all that the view shows what its source measures; else what is known of it.
+  testing::AssertionResult shows_volumes_again() {
+    static std::mutex mutex;
+    static std::string errors;
+    setErrorCallback(sources_[0], [](const char* message) {
+      const std::lock_guard lock(mutex);
+      errors += message;
+    });
+    for (std::array<char, 200> text{}; getError(text.data(), 200) != 0;)
+      continue;  // of this client's own calls
     startDataSource(views_[0].live, sources_[0], first_.pattern);
+    const std::string refused = pending_error();
     const auto end = Clock::now() + Seconds(20.0);
     bool shown = false;
     while (!shown && Clock::now() < end) shown = first_.shows(frame(views_[0]).bgra(width / 2, height / 2));
+    OctLiveStatistics counts{};
+    counts.size = sizeof counts;
+    getLiveStatistics(views_[0].live, &counts);
+    const bool running = isDataSourceRunning(sources_[0]);
     rest();
-    return shown;
+    setErrorCallback(sources_[0], [](const char*) {});
+    if (shown) return testing::AssertionSuccess();
+    const std::lock_guard lock(mutex);
+    return testing::AssertionFailure()
+           << "start: " << refused << ", errors: " << errors << ", running: " << running << ", acquired "
+           << counts.acquired << ", handed over " << counts.handed_over << ", shown " << counts.shown
+           << ", no frame " << counts.dropped_no_frame << ", withdrawn " << counts.dropped_withdrawn;
   }
 
   // OpenGL objects of renderers that have nothing to draw with.

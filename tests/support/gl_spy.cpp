@@ -175,59 +175,29 @@ void replace() {
 }
 
 void replace_all() {
-  replace<"glGenBuffers", &__glewGenBuffers>();
-  replace<"glDeleteBuffers", &__glewDeleteBuffers>();
-  replace<"glGenVertexArrays", &__glewGenVertexArrays>();
-  replace<"glDeleteVertexArrays", &__glewDeleteVertexArrays>();
-  replace<"glGenFramebuffers", &__glewGenFramebuffers>();
-  replace<"glDeleteFramebuffers", &__glewDeleteFramebuffers>();
-  replace<"glGenRenderbuffers", &__glewGenRenderbuffers>();
-  replace<"glDeleteRenderbuffers", &__glewDeleteRenderbuffers>();
-  replace<"glBufferData", &__glewBufferData>();
-  replace<"glMapBuffer", &__glewMapBuffer>();
+#define OCT_WATCHED(name) replace<"gl" #name, &__glew##name>()
+  OCT_WATCHED(GenBuffers), OCT_WATCHED(DeleteBuffers), OCT_WATCHED(GenVertexArrays),
+      OCT_WATCHED(DeleteVertexArrays), OCT_WATCHED(GenFramebuffers), OCT_WATCHED(DeleteFramebuffers),
+      OCT_WATCHED(GenRenderbuffers), OCT_WATCHED(DeleteRenderbuffers), OCT_WATCHED(BufferData),
+      OCT_WATCHED(MapBuffer), OCT_WATCHED(TexSubImage3D), OCT_WATCHED(RenderbufferStorage),
+      OCT_WATCHED(FramebufferTexture2D), OCT_WATCHED(CreateShader), OCT_WATCHED(DeleteShader),
+      OCT_WATCHED(CompileShader), OCT_WATCHED(CreateProgram), OCT_WATCHED(DeleteProgram),
+      OCT_WATCHED(LinkProgram), OCT_WATCHED(ProgramBinary), OCT_WATCHED(GetProgramBinary),
+      OCT_WATCHED(ActiveTexture), OCT_WATCHED(AttachShader), OCT_WATCHED(BindBuffer),
+      OCT_WATCHED(BindFramebuffer), OCT_WATCHED(BindRenderbuffer), OCT_WATCHED(BindSampler),
+      OCT_WATCHED(BindVertexArray), OCT_WATCHED(BlendEquation), OCT_WATCHED(BlendFuncSeparate),
+      OCT_WATCHED(BlitFramebuffer), OCT_WATCHED(DeleteSync), OCT_WATCHED(EnableVertexAttribArray),
+      OCT_WATCHED(FenceSync), OCT_WATCHED(FramebufferRenderbuffer), OCT_WATCHED(MapBufferRange),
+      OCT_WATCHED(ProgramParameteri), OCT_WATCHED(ShaderSource), OCT_WATCHED(Uniform1f),
+      OCT_WATCHED(Uniform1i), OCT_WATCHED(Uniform2f), OCT_WATCHED(Uniform3f), OCT_WATCHED(Uniform4f),
+      OCT_WATCHED(Uniform4fv), OCT_WATCHED(UniformMatrix3fv), OCT_WATCHED(UniformMatrix4fv),
+      OCT_WATCHED(UseProgram), OCT_WATCHED(VertexAttribPointer);
+#undef OCT_WATCHED
   replace<&__glewUnmapBuffer>(unmap_buffer);
   replace<&__glewTexImage3D>(tex_image_3d);
-  replace<"glTexSubImage3D", &__glewTexSubImage3D>();
-  replace<"glRenderbufferStorage", &__glewRenderbufferStorage>();
-  replace<"glFramebufferTexture2D", &__glewFramebufferTexture2D>();
   replace<&__glewCheckFramebufferStatus>(check_framebuffer_status);
-  replace<"glCreateShader", &__glewCreateShader>();
-  replace<"glDeleteShader", &__glewDeleteShader>();
-  replace<"glCompileShader", &__glewCompileShader>();
-  replace<"glCreateProgram", &__glewCreateProgram>();
-  replace<"glDeleteProgram", &__glewDeleteProgram>();
-  replace<"glLinkProgram", &__glewLinkProgram>();
   replace<&__glewGetProgramiv>(get_programiv);
-  replace<"glProgramBinary", &__glewProgramBinary>();
-  replace<"glGetProgramBinary", &__glewGetProgramBinary>();
-  replace<"glActiveTexture", &__glewActiveTexture>();
-  replace<"glAttachShader", &__glewAttachShader>();
-  replace<"glBindBuffer", &__glewBindBuffer>();
-  replace<"glBindFramebuffer", &__glewBindFramebuffer>();
-  replace<"glBindRenderbuffer", &__glewBindRenderbuffer>();
-  replace<"glBindSampler", &__glewBindSampler>();
-  replace<"glBindVertexArray", &__glewBindVertexArray>();
-  replace<"glBlendEquation", &__glewBlendEquation>();
-  replace<"glBlendFuncSeparate", &__glewBlendFuncSeparate>();
-  replace<"glBlitFramebuffer", &__glewBlitFramebuffer>();
   replace<&__glewClientWaitSync>(client_wait_sync);
-  replace<"glDeleteSync", &__glewDeleteSync>();
-  replace<"glEnableVertexAttribArray", &__glewEnableVertexAttribArray>();
-  replace<"glFenceSync", &__glewFenceSync>();
-  replace<"glFramebufferRenderbuffer", &__glewFramebufferRenderbuffer>();
-  replace<"glMapBufferRange", &__glewMapBufferRange>();
-  replace<"glProgramParameteri", &__glewProgramParameteri>();
-  replace<"glShaderSource", &__glewShaderSource>();
-  replace<"glUniform1f", &__glewUniform1f>();
-  replace<"glUniform1i", &__glewUniform1i>();
-  replace<"glUniform2f", &__glewUniform2f>();
-  replace<"glUniform3f", &__glewUniform3f>();
-  replace<"glUniform4f", &__glewUniform4f>();
-  replace<"glUniform4fv", &__glewUniform4fv>();
-  replace<"glUniformMatrix3fv", &__glewUniformMatrix3fv>();
-  replace<"glUniformMatrix4fv", &__glewUniformMatrix4fv>();
-  replace<"glUseProgram", &__glewUseProgram>();
-  replace<"glVertexAttribPointer", &__glewVertexAttribPointer>();
 }
 
 }  // namespace

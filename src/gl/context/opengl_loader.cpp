@@ -31,15 +31,10 @@ struct Version {
   auto operator<=>(const Version&) const = default;
 };
 
-std::string_view text(GLenum name) {
-  const auto* const value = reinterpret_cast<const char*>(glGetString(name));
-  return value ? value : "";
-}
-
 // A number instead of the names, which other threads could be reading while they are replaced. Never 0.
 std::size_t current_driver() {
   const std::hash<std::string_view> hash;
-  return (hash(text(GL_VENDOR)) * 31 + hash(text(GL_RENDERER))) | 1;
+  return (hash(opengl_text(GL_VENDOR)) * 31 + hash(opengl_text(GL_RENDERER))) | 1;
 }
 
 Version current_version() {
@@ -48,7 +43,7 @@ Version current_version() {
   glGetIntegerv(GL_MINOR_VERSION, &version.minor);
   if (version.major == 0 && is_context_current()) {
     discard_gl_errors();  // below 3.0 OpenGL does not know the question
-    std::sscanf(text(GL_VERSION).data(), "%d.%d", &version.major, &version.minor);
+    std::sscanf(opengl_text(GL_VERSION).data(), "%d.%d", &version.major, &version.minor);
   }
   return version;
 }
@@ -96,7 +91,7 @@ void checkOpenGLVersion(int required_major, int required_minor) {
 }
 
 bool is_version_sufficient(int required_major, int required_minor) {
-  if (!is_context_current() || text(GL_VERSION).starts_with("OpenGL ES")) return false;
+  if (!is_context_current() || opengl_text(GL_VERSION).starts_with("OpenGL ES")) return false;
   return current_version() >= Version{required_major, required_minor};
 }
 
@@ -108,12 +103,17 @@ bool is_loaded_for_current_driver() {
   return loader.driver == current_driver();
 }
 
+std::string_view opengl_text(unsigned int name) {
+  const auto* const text = reinterpret_cast<const char*>(glGetString(name));
+  return text ? text : "";
+}
+
 std::string driver_name() {
-  return std::string(text(GL_VENDOR))
+  return std::string(opengl_text(GL_VENDOR))
       .append("\n")
-      .append(text(GL_RENDERER))
+      .append(opengl_text(GL_RENDERER))
       .append("\n")
-      .append(text(GL_VERSION));
+      .append(opengl_text(GL_VERSION));
 }
 
 }  // namespace oct::gl

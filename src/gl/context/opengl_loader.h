@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace oct::gl {
 
@@ -24,6 +25,9 @@ bool glewInitialized();  // whether GLEW has loaded the entry points
 
 // Whether they are those of the current context's driver.
 bool is_loaded_for_current_driver();
+
+// A text of the current context, GL_VERSION or the like; empty without one.
+std::string_view opengl_text(unsigned int name);
 
 // Vendor, renderer and version of the current context.
 std::string driver_name();

@@ -4,15 +4,11 @@
 #include <stdexcept>
 
 #include "core/log.h"
+#include "gl/context/opengl_loader.h"
 #include "gl/gl.h"
 
 namespace oct {
 namespace {
-
-const char* opengl_text(GLenum name) {
-  const GLubyte* const text = glGetString(name);
-  return text ? reinterpret_cast<const char*>(text) : "unknown";
-}
 
 // A context that cannot tell was never reset as far as anybody knows. The extension is looked at first: some
 // systems have a pointer for every name.
@@ -37,8 +33,8 @@ const char* reset_name(GLenum status) {
 }  // namespace
 
 void log_opengl_renderer() {
-  log() << "OpenGL " << opengl_text(GL_VERSION) << ", renderer: " << opengl_text(GL_RENDERER)
-        << ", vendor: " << opengl_text(GL_VENDOR);
+  log() << "OpenGL " << gl::opengl_text(GL_VERSION) << ", renderer: " << gl::opengl_text(GL_RENDERER)
+        << ", vendor: " << gl::opengl_text(GL_VENDOR);
 }
 
 bool DeviceWatch::removed() {
