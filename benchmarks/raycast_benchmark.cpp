@@ -71,14 +71,17 @@ class Scene {
   }
 
   void draw(bool ours) {
-    const oct::VolumeFrame frame{
-        settings_,   source_,
-        colormaps_,  ours ? ours_ : plain_,
-        clip_plane_, oct::camera_of(settings_.view, settings_.range, {pixels, pixels}),
-        1.0F};
+    const oct::VolumeFrame frame{settings_,
+                                 source_,
+                                 colormaps_,
+                                 ours ? ours_ : plain_,
+                                 clip_plane_,
+                                 settings_.range,
+                                 oct::camera_of(settings_.view, settings_.range, {pixels, pixels}),
+                                 oct::FilledBox(1.0F)};
     glClearColor(0.0F, 0.0F, 0.2F, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    raycaster_.draw(frame, box_);
+    raycaster_.draw(frame, box_, surface_);
     glFinish();
   }
 
@@ -96,6 +99,7 @@ class Scene {
   oct::ClipPlane clip_plane_;
   oct::Raycaster raycaster_;
   oct::Box box_;
+  oct::Surface surface_;
   oct::gl::Texture3D volume_;
 };
 

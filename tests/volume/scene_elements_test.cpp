@@ -124,7 +124,10 @@ TEST_F(SceneElementsTest, TheFrameLooksAsAccepted) {
   scene_.zoom = 42.0;
   scene_.coloring.colors = {0x00000000U, 0x00000000U};
   frame_all();
-  EXPECT_TRUE(looks_like(stage_.draw(scene_), "frame_with_scale_marks", {12, 0.97, 255, 3.0}));
+  const Picture picture = stage_.draw(scene_);
+  EXPECT_TRUE(looks_like(picture, "frame_with_scale_marks", {12, 0.97, 255, 3.0}));
+  setRange(renderer_, 7.0, 8.0, 9.0);
+  EXPECT_TRUE(agree(stage_.frame(), picture, exact)) << "numbers are those of the volume, too";
   expect_no_error();
 }
 

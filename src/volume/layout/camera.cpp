@@ -10,8 +10,8 @@ namespace {
 
 // Distances before the viewer.
 struct DepthPlanes {
-  double near;
-  double far;
+  double near_plane;
+  double far_plane;
 };
 
 // Moves the planes apart where the box reaches beyond them, so that depths of what is in it differ everywhere.
@@ -20,8 +20,8 @@ DepthPlanes around_box(DepthPlanes planes, const glm::mat4& modelview) {
     const glm::vec4 corner((i & 4U) != 0 ? 1.0F : -1.0F, (i & 2U) != 0 ? 1.0F : -1.0F,
                            (i & 1U) != 0 ? 1.0F : -1.0F, 1.0F);
     const double distance = -static_cast<double>((modelview * corner).z);
-    planes.near = std::min(planes.near, distance);
-    planes.far = std::max(planes.far, distance);
+    planes.near_plane = std::min(planes.near_plane, distance);
+    planes.far_plane = std::max(planes.far_plane, distance);
   }
   return planes;
 }
@@ -30,25 +30,25 @@ glm::mat4 perspective_projection(double zoom, Viewport viewport, const glm::mat4
   const float field_of_view = static_cast<float>(5.0 + zoom);
   const float t = std::tan(field_of_view / 2.0F * 0.017453292F);
   const float aspect = static_cast<float>(viewport.width) / static_cast<float>(viewport.height);
-  auto [near, far] = around_box({3.0, 8.0}, modelview);
-  near = std::max(near, 0.05);  // before the eye itself there is no plane
+  auto [near_plane, far_plane] = around_box({3.0, 8.0}, modelview);
+  near_plane = std::max(near_plane, 0.05);  // before the eye itself there is no plane
   glm::mat4 matrix(0.0F);
   matrix[0][0] = 1.0F / (aspect * t);
   matrix[1][1] = 1.0F / t;
-  matrix[2][2] = static_cast<float>(-(far + near) / (far - near));
+  matrix[2][2] = static_cast<float>(-(far_plane + near_plane) / (far_plane - near_plane));
   matrix[2][3] = -1.0F;
-  matrix[3][2] = static_cast<float>(-2.0 * far * near / (far - near));
+  matrix[3][2] = static_cast<float>(-2.0 * far_plane * near_plane / (far_plane - near_plane));
   return matrix;
 }
 
 glm::mat4 orthographic_projection(double zoom, Viewport viewport, const glm::mat4& modelview) {
   const double q = static_cast<double>(viewport.height) / static_cast<double>(viewport.width);
-  const auto [near, far] = around_box({-10.0, 10.0}, modelview);
+  const auto [near_plane, far_plane] = around_box({-10.0, 10.0}, modelview);
   glm::dmat4 matrix(1.0);
   matrix[0][0] = 10.0 / zoom;
   matrix[1][1] = 10.0 / (q * zoom);
-  matrix[2][2] = -2.0 / (far - near);
-  matrix[3][2] = -(far + near) / (far - near);
+  matrix[2][2] = -2.0 / (far_plane - near_plane);
+  matrix[3][2] = -(far_plane + near_plane) / (far_plane - near_plane);
   return glm::mat4(matrix);
 }
 
