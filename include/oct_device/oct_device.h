@@ -209,8 +209,8 @@ OCT_DEVICE_API double getRelativeReferenceIntensity(OCTDeviceHandle device, Proc
  */
 
 /**
- * Counts the volumes that a device measured and left out because nobody fetched them in time. A volume is counted when the
- * one after it is fetched.
+ * Counts the volumes that a device measured and left out because nobody fetched them in time. A volume is
+ * counted when the one after it is fetched.
  * @param device the device
  * @return volumes left out since startMeasurement(); the count stays after stopMeasurement()
  */

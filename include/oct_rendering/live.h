@@ -59,15 +59,17 @@ typedef struct OctLiveStatistics {
  * axes, in millimetres. A volume for which no buffer is free within 100 ms is not drawn; acquisition goes on.
  *
  * Errors of the device reach the function of setErrorCallback(), on the acquisition thread: one at the first
- * volume ends the thread, and so does any of a polarization-sensitive source. At a later volume of a standard source
- * nothing is handed over, and the source tries again after a pause, which grows from 10 to 500 ms while errors follow
- * each other. Other failures on that thread arrive there as well and end it: "Insufficient memory allocated." (the
- * device's volume, or its analog input, is smaller than what is to be drawn), "Volume sizes must not be negative. ",
- * "The volume has too many voxels for live rendering. ", what renderVolume() says when it cannot make the OpenGL objects,
- * "The live renderer of the source was cleared. ". Without such a function they go to the standard error stream and
- * to the log. After its thread has ended a source can be started again, with stopDataSource() first or without.
+ * volume ends the thread, and so does any of a polarization-sensitive source. At a later volume of a
+ * standard source nothing is handed over, and the source tries again after a pause, which grows from 10 to
+ * 500 ms while errors follow each other. Other failures on that thread arrive there as well and end it:
+ * "Insufficient memory allocated." (the device's volume, or its analog input, is smaller than what is to be
+ * drawn), "Volume sizes must not be negative. ", "The volume has too many voxels for live rendering. ", what
+ * renderVolume() says when it cannot make the OpenGL objects,
+ * "The live renderer of the source was cleared. ". Without such a function they go to the standard error stream and to the log. After its thread has ended
+ * a source can be started again, with stopDataSource() first or without.
  *
- * A live renderer draws one source: one that is started takes it over, and the one before measures on without a picture.
+ * A live renderer draws one source: one that is started takes it over, and the one before measures on
+ * without a picture.
  */
 /** @{ */
 
@@ -90,8 +92,8 @@ OCT_API LiveVolumeRenderingHandle createLiveRendering(void);
 
 /**
  * @brief Frees a live renderer. Its OpenGL objects are freed by renderVolume() after stopDataSource().
- * @param Handle The live renderer. A source that is running with it ends with an error, "The live renderer of the
- * source was cleared. ".
+ * @param Handle The live renderer. A source that is running with it ends with an error,
+ * "The live renderer of the source was cleared. ".
  * @par Errors
  * "Cannot lock nullptr. "
  * @thread Any thread that does not hold up a frame: it waits for the one in progress, and for a copy of the
@@ -103,10 +105,12 @@ OCT_API void clearLiveRendering(LiveVolumeRenderingHandle Handle);
  * @brief Sets the volume renderer that draws the volumes.
  * @param Handle The live renderer.
  * @param Renderer The volume renderer, which stays the client's and must live as long as it is set: until this
- * function has set another one, clearLiveRendering() has returned, or, when no source is running, the last renderVolume().
+ * function has set another one, clearLiveRendering() has returned, or, when no source is running, the last
+ * renderVolume().
  * @par Errors
  * "Invalid Live Rendering Handle specified. "; "Cannot lock nullptr. " for a null renderer
- * @thread Any thread; waits for the frame in progress and for what the acquisition thread is setting on the one before.
+ * @thread Any thread; waits for the frame in progress and for what the acquisition thread is setting on the
+ * one before.
  */
 OCT_API void setLiveVolumeRenderingRenderer(LiveVolumeRenderingHandle Handle, VolumeRendererHandle Renderer);
 
@@ -164,12 +168,13 @@ OCT_API void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int*
                                  unsigned int* Dropped);
 
 /**
- * @brief Tells what became of every volume since createLiveRendering(), how often volumes come to the screen and how
- * old they are then.
+ * @brief Tells what became of every volume since createLiveRendering(), how often volumes come to the screen
+ * and how old they are then.
  * @param Handle The live renderer.
  * @param Statistics Receives the numbers; its size must be set.
  * @par Errors
- * "The specified VolumeRendererHandle is invalid. "; "The size of the statistics must be set. ", also for null
+ * "The specified VolumeRendererHandle is invalid. "; "The size of the statistics must be set. ", also for
+ * null
  * @thread Any thread, callbacks of a source among them; never waits.
  */
 OCT_API void getLiveStatistics(LiveVolumeRenderingHandle Handle, OctLiveStatistics* Statistics);
@@ -255,8 +260,8 @@ OCT_API void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceH
 OCT_API void stopDataSource(LiveDataSourceHandle DataSource);
 
 /**
- * @brief Ends acquisition as stopDataSource() does, without waiting for the volume in progress: the device is told to give
- * it up. A device that does not listen to that is waited for.
+ * @brief Ends acquisition as stopDataSource() does, without waiting for the volume in progress: the device
+ * is told to give it up. A device that does not listen to that is waited for.
  * @param DataSource The source; one that is not running is left as it is.
  * @par Errors
  * Those of stopDataSource()
@@ -267,8 +272,8 @@ OCT_API void cancelDataSource(LiveDataSourceHandle DataSource);
 /**
  * @brief Tells whether a source acquires volumes.
  * @param DataSource The source.
- * @return True from startDataSource() until its thread ends: after a stop, or by itself after an error. False while it
- * waits for its stop because no volume renderer is set.
+ * @return True from startDataSource() until its thread ends: after a stop, or by itself after an error.
+ * False while it waits for its stop because no volume renderer is set.
  * @par Errors
  * "The specified LiveDataSourceHandle is invalid. "
  * @thread Any thread; never waits.

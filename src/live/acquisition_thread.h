@@ -1,4 +1,5 @@
-// A thread that is started, asked to end and waited for, any number of times and from any thread, its own included.
+// A thread that is started, asked to end and waited for, any number of times and from any thread, its own
+// included.
 #pragma once
 
 #include <atomic>
@@ -21,16 +22,18 @@ class AcquisitionThread {
   using Run = std::uint64_t;  // counts starts
 
   // Throws while the thread lives, instead of waiting for it: the caller may hold a lock that a client's
-  // callback on the ending thread waits for. await_end comes before such locks. `before` is called while there is no
-  // thread.
+  // callback on the ending thread waits for. await_end comes before such locks. `before` is called while
+  // there is no thread.
   void start(const std::function<void(Run)>& before);
 
-  // Asks the thread to end. `also` is called before or after what the thread does by if_going_on, never meanwhile.
+  // Asks the thread to end. `also` is called before or after what the thread does by if_going_on, never
+  // meanwhile.
   Run ask_to_end(const std::function<void(Run)>& also);
-  // Waits for the run that was asked to end; for no later one. On the thread itself it throws std::system_error
-  // (resource_deadlock_would_occur).
+  // Waits for the run that was asked to end; for no later one. On the thread itself it throws
+  // std::system_error (resource_deadlock_would_occur).
   void join(Run asked);
-  // Waits for a thread that has been asked to end or ends by itself; for no other, and not on the thread itself.
+  // Waits for a thread that has been asked to end or ends by itself; for no other, and not on the thread
+  // itself.
   void await_end();
 
   bool is_alive() const { return !ended_; }

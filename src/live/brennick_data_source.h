@@ -33,7 +33,8 @@ class BrennickDataSource {
   BrennickDataSource(const BrennickDataSource&) = delete;
   BrennickDataSource& operator=(const BrennickDataSource&) = delete;
 
-  // Throws while the thread lives, as AcquisitionThread::start does; await_end comes before the locks of its caller.
+  // Throws while the thread lives, as AcquisitionThread::start does; await_end comes before the locks of its
+  // caller.
   void start(std::shared_ptr<LiveFeed> feed, ScanPatternHandle pattern);
   // Waits for the acquisition thread. On the thread itself, where a client's callbacks run, it asks the
   // thread to end and throws std::system_error (resource_deadlock_would_occur).

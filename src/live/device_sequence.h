@@ -1,4 +1,5 @@
-// The calls that one measurement makes into the device library, in the order that device libraries are used to.
+// The calls that one measurement makes into the device library, in the order that device libraries are used
+// to.
 #pragma once
 
 #include "live/device_library.h"
@@ -23,8 +24,8 @@ class DeviceSequence {
   // Whether there is something to draw in data of this depth.
   virtual bool has_volume(std::int64_t depth) const = 0;
 
-  // What becomes of a source whose device fails after its first volume, or that finds no volume renderer: it ends, or it
-  // goes on, and waits for its stop.
+  // What becomes of a source whose device fails after its first volume, or that finds no volume renderer: it
+  // ends, or it goes on, and waits for its stop.
   virtual bool ends_by_itself() const = 0;
   virtual const char* text_without_renderer() const = 0;
 };

@@ -14,8 +14,8 @@ namespace oct {
 class VolumeRenderer;
 struct VolumeSource;
 
-// The rendering thread's side of a LiveFeed: sources fill buffers that lie in the driver's memory, and the rendering
-// thread, which owns the context, does everything else in render, once per frame.
+// The rendering thread's side of a LiveFeed: sources fill buffers that lie in the driver's memory, and the
+// rendering thread, which owns the context, does everything else in render, once per frame.
 class FastOpenGLVolumeRenderer {
  public:
   FastOpenGLVolumeRenderer();

@@ -1,5 +1,5 @@
-// Where a live renderer and its sources meet: who feeds it, what the rendering thread shall do next, and the one buffer
-// that goes to and fro.
+// Where a live renderer and its sources meet: who feeds it, what the rendering thread shall do next, and the
+// one buffer that goes to and fro.
 #pragma once
 
 #include <condition_variable>
@@ -23,8 +23,9 @@ enum class LiveState : std::uint32_t {
   invalidated = 4
 };
 
-// A source's hold on a live renderer, from its start on. It ends with a stop, with the start of another source and with
-// the live renderer; from then on the source gets no buffer, and nothing that it calls changes anything.
+// A source's hold on a live renderer, from its start on. It ends with a stop, with the start of another
+// source and with the live renderer; from then on the source gets no buffer, and nothing that it calls
+// changes anything.
 using LiveClaim = std::uint64_t;
 inline constexpr LiveClaim no_claim = 0;
 
@@ -33,19 +34,20 @@ struct LiveFormat {
   std::int32_t secondary_width = 0;  // values for every A-scan; 0: none
 };
 
-// Any thread, unless it says otherwise. Outlives its live renderer for as long as a source holds it. The lock is held for
-// a few instructions only, never across OpenGL, calls of the device library or whatever may throw.
+// Any thread, unless it says otherwise. Outlives its live renderer for as long as a source holds it. The lock
+// is held for a few instructions only, never across OpenGL, calls of the device library or whatever may
+// throw.
 class LiveFeed {
  public:
   // ---- For a source
 
-  // Takes the live renderer over and requests initialisation. Throws std::invalid_argument for negative sizes and for more
-  // voxels than a 32-bit number counts, and an Exception once the live renderer is gone.
+  // Takes the live renderer over and requests initialisation. Throws std::invalid_argument for negative sizes
+  // and for more voxels than a 32-bit number counts, and an Exception once the live renderer is gone.
   LiveClaim start(const LiveFormat& format);
   void invalidate(LiveClaim claim);  // requests initialisation anew
 
-  // Until a frame has initialised the live renderer (true) or the claim has ended (false). Throws what the frame failed
-  // with.
+  // Until a frame has initialised the live renderer (true) or the claim has ended (false). Throws what the
+  // frame failed with.
   bool wait_for_transition(LiveClaim claim);
 
   void stop(LiveClaim claim);  // requests de-initialisation, wakes whoever waits
@@ -60,8 +62,8 @@ class LiveFeed {
   // One more, before which the device has lost some.
   void count_acquired(LiveClaim claim, std::uint64_t lost = 0);
 
-  // Does something with the volume renderer, which stays set meanwhile. False, and nothing is done, if the claim has ended
-  // or no volume renderer is set.
+  // Does something with the volume renderer, which stays set meanwhile. False, and nothing is done, if the
+  // claim has ended or no volume renderer is set.
   template <class Action>
   bool with_renderer(LiveClaim claim, Action action) {
     const std::lock_guard lock(renderer_mutex_);
@@ -86,8 +88,8 @@ class LiveFeed {
   LiveState state() const;
   VolumeExtent extent() const;  // of the latest start
 
-  // What was requested has been done, or failed. A request that came in between is not overwritten: the next frame finds
-  // it.
+  // What was requested has been done, or failed. A request that came in between is not overwritten: the next
+  // frame finds it.
   void complete_start(const Request& request);
   void fail_start(const Request& request, const std::string& error);
   void complete_stop(const Request& request);

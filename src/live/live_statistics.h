@@ -48,8 +48,8 @@ class LiveStatistics {
   std::array<Shown, kept> last_;  // a ring
 };
 
-// Volumes per second by the wall clock, from the time since the last call of any renderer of this process, in whole
-// milliseconds: infinite for less than one.
+// Volumes per second by the wall clock, from the time since the last call of any renderer of this process, in
+// whole milliseconds: infinite for less than one.
 double measure_upload_rate();
 
 }  // namespace oct

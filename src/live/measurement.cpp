@@ -188,7 +188,8 @@ void Measurement::hand_over_surface(LiveFeed& feed, LiveClaim claim) {
                      [&](VolumeRenderer& renderer) { renderer.set_surface(width, height, scale, depths); });
 }
 
-// The device has spread the range of the kept samples over all of them. What lies below the kept ones is not there.
+// The device has spread the range of the kept samples over all of them. What lies below the kept ones is not
+// there.
 void Measurement::crop_depths(float scale) {
   const float ratio = static_cast<float>(acquired_.depth) / static_cast<float>(kept_.depth);
   for (float& depth : depths_) {

@@ -13,8 +13,8 @@
 
 namespace oct {
 
-// Measures from start to stop, which happens once per run: by the thread that measures, or by whoever does not wait for
-// its volume.
+// Measures from start to stop, which happens once per run: by the thread that measures, or by whoever does
+// not wait for its volume.
 class MeasuringDevice {
  public:
   MeasuringDevice(const StandardDeviceFunctions& sdk, OCTDeviceHandle device) : sdk_(sdk), device_(device) {}
@@ -57,8 +57,8 @@ class Measurement {
   void set_data_range() const;
   void show_range(LiveFeed& feed, LiveClaim claim) const;
 
-  // Copies volume and surface to where they are wanted. False when the device gave no samples. Throws an Exception when it
-  // gave fewer than are drawn.
+  // Copies volume and surface to where they are wanted. False when the device gave no samples. Throws an
+  // Exception when it gave fewer than are drawn.
   bool hand_over(LiveFeed& feed, LiveClaim claim, LiveTime processed);
 
  private:

@@ -60,8 +60,8 @@ bool VolumeUpload::is_free() const {
   return !read || read.wait(0) != GL_TIMEOUT_EXPIRED;
 }
 
-// What the buffer held is not wanted, so that the driver need not keep it; and with a fence that has passed it need not
-// look whether the buffer is in use either.
+// What the buffer held is not wanted, so that the driver need not keep it; and with a fence that has passed
+// it need not look whether the buffer is in use either.
 float* VolumeUpload::map() {
   UploadBuffer& buffer = buffers_[current_];
   GLbitfield access = GL_MAP_WRITE_BIT | GL_MAP_INVALIDATE_BUFFER_BIT;

@@ -1,5 +1,5 @@
-// The exact sequence of calls that a source makes into the device library, what becomes of a device's errors at every
-// call of it, and that the source starts again afterwards.
+// The exact sequence of calls that a source makes into the device library, what becomes of a device's errors
+// at every call of it, and that the source starts again afterwards.
 #include <algorithm>
 #include <chrono>
 #include <thread>
@@ -277,8 +277,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 class DeviceEndsTest : public LiveTest {};
 
-// A device that fails for ever shows no volume of before as if it were a new one, is reported with pauses, and is stopped
-// in the middle of one. Without a function the reports go to the standard error stream.
+// A device that fails for ever shows no volume of before as if it were a new one, is reported with pauses,
+// and is stopped in the middle of one. Without a function the reports go to the standard error stream.
 TEST_F(DeviceEndsTest, ADeviceThatFailsForEver) {
   make_source();
   start();
@@ -416,8 +416,9 @@ TEST_F(DeviceEndsTest, ModesChangeWithTheNextVolume) {
   EXPECT_TRUE(client_errors.all().empty());
 }
 
-// A source that starts on a live renderer in use takes it over, whatever the size of its volumes: nothing of the other
-// one's comes to the screen or to the volume renderer any more, and the end of the other one ends nothing.
+// A source that starts on a live renderer in use takes it over, whatever the size of its volumes: nothing of
+// the other one's comes to the screen or to the volume renderer any more, and the end of the other one ends
+// nothing.
 TEST_F(DeviceEndsTest, ALiveRendererHasOneSource) {
   for (const int kept : {16, 2}) {
     make_polarization_source();

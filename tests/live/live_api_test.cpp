@@ -1,5 +1,5 @@
-// Exports of live volumes: what they refuse, with which words, and which of them are silent. What a device delivers is
-// what the picture shows: against a ray caster on the CPU.
+// Exports of live volumes: what they refuse, with which words, and which of them are silent. What a device
+// delivers is what the picture shows: against a ray caster on the CPU.
 #include <array>
 #include <cmath>
 #include <limits>
@@ -201,7 +201,8 @@ INSTANTIATE_TEST_SUITE_P(Live, LivePicturesTest,
                                          Case{"CroppedDualColoring", 10, 1.0, 3, true}),
                          [](const auto& entry) { return entry.param.name; });
 
-// The surface lies where the tissue of the same picture begins, and ends where the tissue begins below what is kept.
+// The surface lies where the tissue of the same picture begins, and ends where the tissue begins below what
+// is kept.
 class LiveSurfaceTest : public LiveTest, public testing::WithParamInterface<int> {};
 
 TEST_P(LiveSurfaceTest, LiesOnTheTissue) {

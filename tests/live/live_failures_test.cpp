@@ -127,8 +127,8 @@ TEST_F(LiveFailureTest, EveryAllocationAndThreadOfAStart) {
   finish();
 }
 
-// The acquisition thread gets no memory for one thing or another on the way from one volume to the next: it says so, and
-// the rendering thread goes on.
+// The acquisition thread gets no memory for one thing or another on the way from one volume to the next: it
+// says so, and the rendering thread goes on.
 TEST_F(LiveFailureTest, EveryAllocationOfAVolume) {
   setOnlineAnalogInputConfiguration(source_, true);
   initializeVolumeRenderer(renderer_);
