@@ -65,8 +65,9 @@ typedef struct OctLiveStatistics {
  * "Insufficient memory allocated." (the device's volume, or its analog input, is smaller than what is to be
  * drawn), "Volume sizes must not be negative. ", "The volume has too many voxels for live rendering. ", what
  * renderVolume() says when it cannot make the OpenGL objects,
- * "The live renderer of the source was cleared. ". Without such a function they go to the standard error stream and to the log. After its thread has ended
- * a source can be started again, with stopDataSource() first or without.
+ * "The live renderer of the source was cleared. ". Without such a function they go to the standard
+ * error stream and to the log. After its thread has ended a source can be started again, with
+ * stopDataSource() first or without.
  *
  * A live renderer draws one source: one that is started takes it over, and the one before measures on
  * without a picture.
