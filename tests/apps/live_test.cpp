@@ -43,9 +43,9 @@ TEST_F(Live, ShowsThePhantomAndReports) {
   EXPECT_LE(reported("99th percentile"), reported("worst"));
   // The background has no red; the tissue has.
   EXPECT_GT(red_at(0.5, 0.55), 60);
-  // 240 A-scans per volume: ten volumes per second.
+  // 240 A-scans per volume: ten volumes per second, those before the first frame included. Without the rate hundreds.
   ASSERT_EQ(run_bare("live --size 40x30 --ascans 20 --bscans 12 --spectrum 64 --rate 2400 --seconds 0.5"), 0);
-  EXPECT_LE(reported("acquired:"), 10 * reported("time:") + 2);
+  EXPECT_LE(reported("acquired:"), 10 * reported("time:") + 30);
   ASSERT_EQ(run("--json --seconds 0.3 --spectrum 64"), 0) << error_text_;
   expect_in("{\"size\": [32, 20, 12], \"seconds\": ", out_text_);
   EXPECT_GE(reported("\"shown\": "), 1);

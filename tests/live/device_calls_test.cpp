@@ -425,7 +425,8 @@ TEST_F(DeviceEndsTest, ALiveRendererHasOneSource) {
     selectOnlineDataSource_PS(first, 1);
     start();
     ASSERT_TRUE(frames_until_shown());
-    source_ = createOnlineDataSource(device_.device(1), device_.processing(1));
+    source_ =
+        createOnlineDataSource(device_.device(2), device_.processing(2));  // the first has two processings
     on_intensity(nullptr);
     setSizeZ(source_, kept);
     start();

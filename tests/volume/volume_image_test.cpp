@@ -1,5 +1,6 @@
 // Whole pictures of volumes and of the scene around them against the layers that a CPU computes.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -288,8 +289,8 @@ Change slices(Slice x, Slice y, Slice z, double opacity = 1.0) {
   };
 }
 
-// Where two slices meet, a pixel may show the other one.
-constexpr Tolerance slices_meet{1, 0.995, 255, 0.2};
+// Where two slices meet, a pixel may show the other one, and more do where they meet at a low angle.
+constexpr Tolerance slices_meet{1, 0.99, 255, 0.5};
 
 TEST(VolumeImageTest, SectionalView) {
   VolumeScene base = base_scene();
@@ -327,18 +328,20 @@ TEST(VolumeImageTest, CutsFromAllSides) {
   std::uniform_real_distribution<float> place(0.08F, 0.92F);
   std::vector<Case> cases;
   for (int i = 0; i < 20; ++i) {
-    const Change view = seen_from(angle(generator), angle(generator), i % 2 == 0);
-    cases.push_back(
-        {std::to_string(i) + ", clipped",
-         [=, fixed_x = angle(generator), fixed_y = angle(generator), value = place(generator)](auto& s) {
-           view(s);
-           if (i % 4 < 2) fixed_at(s, fixed_x, fixed_y);
-           clip(s, value);
-           s.removed_segment = true;
-           s.mode = i % 2;
-         }});
-    const Change parts = slices({i % 7 != 1, place(generator)}, {i % 5 != 1, place(generator)},
-                                {i % 3 != 1, place(generator)}, 0.7);
+    std::array<double, 4> angles;
+    for (double& value : angles) value = angle(generator);
+    std::array<float, 4> places;
+    for (float& value : places) value = place(generator);
+    const Change view = seen_from(angles[0], angles[1], i % 2 == 0);
+    cases.push_back({std::to_string(i) + ", clipped", [=](auto& s) {
+                       view(s);
+                       if (i % 4 < 2) fixed_at(s, angles[2], angles[3]);
+                       clip(s, places[3]);
+                       s.removed_segment = true;
+                       s.mode = i % 2;
+                     }});
+    const Change parts =
+        slices({i % 7 != 1, places[0]}, {i % 5 != 1, places[1]}, {i % 3 != 1, places[2]}, 0.7);
     cases.push_back({std::to_string(i) + ", slices", [=](auto& s) { parts(s), view(s); }});
   }
   VolumeStage stage;
@@ -374,9 +377,8 @@ Change raised(float by) {
 void expect_surfaces(VolumeStage& stage, Tolerance tolerance, const std::vector<Case>& places) {
   std::vector<Case> cases;
   for (const Case& place : places) {
-    for (const Case& view :
-         {Case{"from above", seen_from(30, -25)}, Case{"from below", seen_from(-35, 160)},
-          Case{"steep", seen_from(70, 10, false)}, Case{"along the grid", seen_from(0, 0)}}) {
+    for (const Case& view : {Case{"from above", seen_from(30, -25)}, Case{"from below", seen_from(-35, 160)},
+                             Case{"steep", seen_from(70, 10, false)}}) {
       cases.push_back(
           {place.name + ", " + view.name, [=](VolumeScene& s) { view.change(s), place.change(s); }});
     }
@@ -391,6 +393,8 @@ TEST(VolumeImageTest, Surface) {
       stage, {1, 0.995, 255, 0.5},
       {{"alone", [](auto& s) { s.volume_shown = false; }},
        {"in a volume", [](auto& s) { s.box = true; }},
+       {"in the maximum of a volume", [](auto& s) { s.mode = 1; }},
+       {"in the mean of a volume", [](auto& s) { s.mode = 2, s.coloring.upper = 0.6; }},
        {"cut", [](auto& s) { clip(s, 0.5F), s.removed_segment = true; }},
        {"alone, cut", [](auto& s) { fixed_at(s, 10.0, 80.0), s.volume_shown = false; }},
        {"above the box", [](auto& s) { raised(70.0F)(s); }},

@@ -45,18 +45,19 @@ glm::dvec4 mapped(const Coloring& coloring, double value) {
 // One ray in texture space.
 class Ray {
  public:
-  // From a place of the box to another, in model coordinates.
-  Ray(const VolumeScene& scene, const glm::dvec3& from, const glm::dvec3& to)
+  // From a place of the box to another, in model coordinates. It takes no sample beyond a surface.
+  Ray(const VolumeScene& scene, const glm::dvec3& from, const glm::dvec3& to, bool to_surface)
       : scene_(scene),
         volume_(scene.content == 1 ? scene.overlay : scene.volume),
         coloring_(scene.content == 1 ? scene.overlay_coloring : scene.coloring) {
     const glm::dvec3 way = 0.5 * (to - from);
+    const double beyond = to_surface ? 1.7320508 / scene.slices : 0.0;
     const glm::dvec3 step = way * (1.0 / glm::length(way) * 1.7320508 / scene.slices);
     const glm::dvec3 front = 0.5 * from + 0.5;
     glm::dvec3 place = front;
     for (int i = 0; i <= scene.slices && !reaches_end_; ++i) {
       places_.push_back(place);
-      reaches_end_ = glm::length(place - front) >= glm::length(way);
+      reaches_end_ = glm::length(place - front) >= glm::length(way) - beyond;
       place = place + step;
     }
   }
@@ -128,7 +129,7 @@ class Ray {
     double sum = value(volume_, places_.front());
     for (std::size_t i = 0; i < count; ++i) sum += value(volume_, places_[i]);
     const bool ended = reaches_end_ && count == places_.size();
-    return sum / static_cast<double>(ended ? count - 1 : count);
+    return sum / static_cast<double>(ended ? std::max<std::size_t>(count - 1, 1) : count);
   }
 
   const VolumeScene& scene_;
@@ -376,8 +377,9 @@ class Layers {
       if (!enters_kept) enter = plane_->meets(line);
       if (!leaves_kept) leave = plane_->meets(line);
     }
-    leave = std::min(leave, open_to);
-    if (enter < leave) found.push_back(Ray(scene_, line.at(enter), line.at(leave)).color());
+    const bool to_surface = open_to < leave;
+    if (to_surface) leave = open_to;
+    if (enter < leave) found.push_back(Ray(scene_, line.at(enter), line.at(leave), to_surface).color());
   }
 
   // The faces of what the plane cuts off.

@@ -16,6 +16,6 @@ void main() {
     current += ray.step;
     ++counter;
   }
-  mean /= float(counter);
+  mean /= float(max(counter, 1));
   frag_color = color_at(colorTex, normalised(mean));
 }

@@ -15,12 +15,16 @@ struct Ray {
   int sure;  // steps that surely end before max_length: nobody has to measure them
 };
 
+bool on_surface(vec4 back) {
+  return back.a > 1.5;
+}
+
 // A surface hides the ray where it lies before the volume. One that lies on the side where the ray enters ends
 // it after one sample, wherever rounding puts the two.
 bool hidden(vec4 back) {
   const float rounding = 1e-4;
   vec3 view = front * eye.w - eye.xyz;
-  return back.a > 1.5 && dot(back.rgb - front, view) < -rounding * length(view);
+  return on_surface(back) && dot(back.rgb - front, view) < -rounding * length(view);
 }
 
 // At a rim, above all of a target with several samples, a front may have no back: such a ray has no end.
@@ -31,6 +35,9 @@ Ray cast_ray() {
   vec3 dir = back.rgb - front;
   Ray ray;
   ray.max_length = length(dir);
+  // The last sample lies beyond the end by a part of a step. Beyond a surface there is often what it bounds, and
+  // samples of it would show as stripes.
+  if (on_surface(back)) ray.max_length = max(ray.max_length - stepSize, 0.0);
   ray.step = normalize(dir) * stepSize;
   // One less than the quotient: far more than the rounding of all additions along the ray.
   ray.sure = clamp(int(ray.max_length / stepSize) - 1, 0, max(slices, 0));
