@@ -13,33 +13,28 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:SHELL:-Xclang -fno-pch-timestamp>")
 endif()
 
-# oct_precompile_headers(target header...)
-# The native release build does without, so that a source that lacks an include is found.
-function(oct_precompile_headers target)
-  if(OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows")
-    target_precompile_headers(${target} PRIVATE ${ARGN})
-  endif()
-endfunction()
-
-# oct_compile_together(target [ALWAYS|TESTS])
-# Compiles several files of a target at once, most of which is reading the same headers. The native release build does so
-# only with ALWAYS or TESTS. A file for one platform stays alone: what its system's headers define is not for others.
-# Files meet whose names never do, so names may hide each other, in tests everywhere; elsewhere the native build looks.
-option(OCT_COMPILE_TOGETHER "Compile several files of a target at once where that is quicker" ON)
+# oct_compile_together(target)
+# Compiles several files of a target at once, most of which is reading the same headers. A file for one platform stays
+# alone: what its system's headers define is not for others. Files meet whose names never do, so names may hide each
+# other. Without the option each file is compiled alone, has to include what it names, and hides none: scripts/lint naming
+# builds so.
+option(OCT_COMPILE_TOGETHER "Compile several files of a target at once" ON)
 function(oct_compile_together target)
   if(NOT OCT_COMPILE_TOGETHER)
     return()
   endif()
-  if(NOT (OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows" OR ARGN))
-    return()
-  endif()
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
-  if(OCT_SANITIZE OR OCT_PLATFORM STREQUAL "windows" OR "${ARGN}" STREQUAL "TESTS")
-    target_compile_options(${target} PRIVATE -Wno-shadow)
-  endif()
+  target_compile_options(${target} PRIVATE -Wno-shadow)
   get_target_property(sources ${target} SOURCES)
   list(FILTER sources INCLUDE REGEX "_(windows|linux)[.]cpp$")
   set_source_files_properties(${sources} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
+
+# oct_precompile_headers(target header...)
+function(oct_precompile_headers target)
+  if(OCT_COMPILE_TOGETHER)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
 endfunction()
 
 # Header-only libraries of the machine, reached through links: with -I/usr/include itself a cross compiler would read

@@ -51,7 +51,7 @@ function(oct_add_test target)
     set_property(GLOBAL PROPERTY oct_first_${group}_test ${target})
   endif()
 
-  oct_compile_together(${target} TESTS)
+  oct_compile_together(${target})
 
   if(NOT test_SHARDS)
     set(test_SHARDS 1)

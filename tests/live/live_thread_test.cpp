@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "live/live_test.h"
+#include "support/gl_spy.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -192,6 +193,30 @@ TEST_F(LiveThreadTest, WithoutFramesVolumesAreDroppedAndCounted) {
   getLiveStatistics(live_, &older);
   EXPECT_EQ(older.acquired, told.acquired);
   EXPECT_EQ(older.handed_over, 77U);
+}
+
+// Ranges and surfaces go to the volume renderer with each volume, and none of them waits for the frame.
+TEST_F(LiveThreadTest, ALongFrameHoldsUpNoSource) {
+  make_source();
+  start();
+  ASSERT_TRUE(frames_until_shown());
+  setRenderElements(renderer_, 1, 1);
+  int measured = 0;
+  {
+    GlSpy spy;
+    spy.in_next("glClear", [&] {
+      const int before = device_.volumes();
+      const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+      while (measured < 4 && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        measured = device_.volumes() - before;
+      }
+    });
+    frame();
+  }
+  EXPECT_GE(measured, 4);
+  stopDataSource(source_);
+  frame();
 }
 
 // A volume that does not come holds up a stop, as a stop waits for it, but no cancel.
