@@ -1,5 +1,6 @@
 #include "live/fast_opengl_volume_renderer.h"
 
+#include <exception>
 #include <utility>
 
 #include "core/exception.h"
@@ -59,8 +60,16 @@ void FastOpenGLVolumeRenderer::render_stop(const LiveFeed::Request& request) {
 void FastOpenGLVolumeRenderer::render_running(const LiveFeed::Request& request) {
   gl::require_home(home_);
   log() << "Rendering: ";
-  if (feed_->collect(delivery_)) take_volume();
-  if (!feed_->is_mapped() && upload_.is_free()) lend_buffer(request.claim);
+  const bool volume = feed_->collect(delivery_) && take_back_volume();
+  // The source fills the other buffer while the driver reads this one.
+  std::exception_ptr failure;
+  try {
+    if (!feed_->is_mapped() && upload_.is_free()) lend_buffer(request.claim);
+  } catch (...) {
+    failure = std::current_exception();  // the volume is uploaded all the same
+  }
+  if (volume) upload_volume();
+  if (failure) std::rethrow_exception(failure);
   draw();
   if (unshown_) feed_->count_shown(*std::exchange(unshown_, std::nullopt));
   const LiveFeed::Request meanwhile = feed_->observe();
@@ -71,19 +80,22 @@ void FastOpenGLVolumeRenderer::render_running(const LiveFeed::Request& request) 
   gl::throwOnGLError("FastOpenGLVolumeRenderer::render");
 }
 
-void FastOpenGLVolumeRenderer::take_volume() {
+bool FastOpenGLVolumeRenderer::take_back_volume() {
   log() << "FastOpenGLVolumeRenderer::render(): Updating data...  ";
   log() << "FastOpenGLVolumeRenderer::render(): ptr invalidated. ";
   if (std::exchange(unshown_, std::nullopt)) feed_->count_lost_by_driver();  // each of its frames failed
+  if (upload_.take_back()) return true;
+  log() << "FastOpenGLVolumeRenderer::render(): the driver lost a volume. ";
+  feed_->count_lost_by_driver();
+  return false;
+}
+
+void FastOpenGLVolumeRenderer::upload_volume() {
   try {
-    if (upload_.upload("FastOpenGLVolumeRenderer::render, do_update")) {
-      upload_.upload_secondary(delivery_.secondary, secondary_width_);
-      uploaded_ = !upload_.extent().empty();
-      unshown_ = delivery_.processed;
-    } else {
-      log() << "FastOpenGLVolumeRenderer::render(): the driver lost a volume. ";
-      feed_->count_lost_by_driver();
-    }
+    upload_.upload("FastOpenGLVolumeRenderer::render, do_update");
+    upload_.upload_secondary(delivery_.secondary, secondary_width_);
+    uploaded_ = !upload_.extent().empty();
+    unshown_ = delivery_.processed;
   } catch (...) {
     feed_->count_lost_by_driver();
     throw;

@@ -39,7 +39,8 @@ class FastOpenGLVolumeRenderer {
   void render_start(const LiveFeed::Request& request);
   void render_stop(const LiveFeed::Request& request);
   void render_running(const LiveFeed::Request& request);
-  void take_volume();
+  bool take_back_volume();
+  void upload_volume();
   void lend_buffer(LiveClaim claim);
   void draw();
 

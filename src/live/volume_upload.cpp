@@ -79,25 +79,27 @@ void VolumeUpload::unmap() {
   unbind_buffer();
 }
 
-bool VolumeUpload::upload(const char* checkpoint) {
+bool VolumeUpload::take_back() {
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[current_].name.get());
+  const bool intact = glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER) == GL_TRUE;
+  unbind_buffer();
+  current_ = other();
+  return intact;
+}
+
+void VolumeUpload::upload(const char* checkpoint) {
   const VolumeExtent& extent = volume_.extent();
   gl::reset_pixel_unpack();
   const auto binding = volume_.bind();
-  UploadBuffer& buffer = buffers_[current_];
+  UploadBuffer& buffer = buffers_[other()];
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer.name.get());
-  const bool intact = glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER) == GL_TRUE;
-  if (intact) {
-    glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, 0, static_cast<GLsizei>(extent.depth),
-                    static_cast<GLsizei>(extent.a_scans), static_cast<GLsizei>(extent.b_scans), GL_RED,
-                    GL_FLOAT, nullptr);
-    buffer.read.insert();
-  }
+  glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, 0, static_cast<GLsizei>(extent.depth),
+                  static_cast<GLsizei>(extent.a_scans), static_cast<GLsizei>(extent.b_scans), GL_RED,
+                  GL_FLOAT, nullptr);
+  buffer.read.insert();
   unbind_buffer();
-  current_ = (current_ + 1) % buffers_.size();
-  if (!intact) return false;
   gl::throwOnGLError(checkpoint);
   volume_.all_changed();
-  return true;
 }
 
 void VolumeUpload::upload_secondary(const std::vector<float>& values, std::int32_t width) {

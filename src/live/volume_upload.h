@@ -24,10 +24,10 @@ class VolumeUpload {
   // Gives the memory back to the driver, unused.
   void unmap();
 
-  // Gives the memory back and copies it into the texture; the other buffer's turn comes. False when the
-  // driver lost what was written, which leaves the texture as it was. Throws what OpenGL refuses, by the
-  // checkpoint's name.
-  bool upload(const char* checkpoint);
+  // Gives the memory back, and the other buffer's turn comes. False when the driver lost what was written.
+  bool take_back();
+  // Copies what was taken back last into the texture. Throws what OpenGL refuses, by the checkpoint's name.
+  void upload(const char* checkpoint);
   // `width` values for every A-scan; without any the texture stays as it was.
   void upload_secondary(const std::vector<float>& values, std::int32_t width);
 
@@ -42,6 +42,7 @@ class VolumeUpload {
     gl::Fence read;  // behind the latest copy into the texture
   };
   GLsizeiptr bytes() const;
+  std::size_t other() const { return 1 - current_; }
 
   gl::Texture3D volume_;
   gl::Texture secondary_;
