@@ -144,8 +144,8 @@ TEST_P(ControlLoopGLTest, SlowClientsGetAllIdsInTurn) {
     std::this_thread::sleep_for(3ms);
     returned_.add(index);
   }));
-  loop->set_mode(
-      OpenGLControlLoop::round_robin);  // first: in the mode before an id that is drawn is forgotten
+  // Before the requests: in the mode before an id that is drawn is forgotten.
+  loop->set_mode(OpenGLControlLoop::round_robin);
   for (const int id : {0, 5}) loop->request(id);
   const Ids ids = returned_.at_least(30);
   for (const std::uint32_t id : {0U, 5U}) EXPECT_GE(std::count(ids.begin(), ids.end(), id), 10) << id;
