@@ -81,6 +81,7 @@ class Client {
       }
       if (thread == 2) stopDataSource(source_);
       give_back(target);
+      note(pending_error());  // an object without a renderer allocates nothing
     });
     for (const auto& [error, count] : errors_) std::cout << count << " x " << error << '\n';
   }
