@@ -126,10 +126,10 @@ void setProcessedDataOutput(ProcessingHandle processing, DataHandle data) {
 void executeProcessing(ProcessingHandle processing, RawDataHandle raw) {
   if (!entered("executeProcessing", processing, raw)) return;
   DataHandle const data = locked([=](PatternDevice& state) {
-    const ComplexDataHandle complex = state.complex_outputs[processing];
-    if (complex && state.names.contains(complex)) complex->volume = raw->volume;
-    const DataHandle output = state.data_outputs[processing];
-    return output && state.names.contains(output) ? output : nullptr;
+    const auto complex = state.complex_outputs.find(processing);
+    if (complex != state.complex_outputs.end() && complex->second) complex->second->volume = raw->volume;
+    const auto output = state.data_outputs.find(processing);
+    return output != state.data_outputs.end() ? output->second : nullptr;
   });
   using oct::test::PatternDevice;
   const int sensor = raw->camera == 0 ? PatternDevice::sensor0 : PatternDevice::sensor1;

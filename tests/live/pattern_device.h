@@ -142,10 +142,15 @@ class PatternDevice : public PatternSettings {
     return object.get();
   }
 
+  // The next object may get the address: nobody's output is to be taken for it.
   void clear(const void* object) {
     const std::lock_guard lock(mutex);
     names.erase(object);
     alive.erase(object);
+    const auto is_output = [object](const auto& output) { return output.second == object; };
+    std::erase_if(data_outputs, is_output);
+    std::erase_if(complex_outputs, is_output);
+    if (polarization_output == object) polarization_output = nullptr;
   }
 
   std::string text(const void* handle) {
