@@ -74,7 +74,7 @@ std::shared_ptr<const oct::DeviceLibrary> instant_device() {
 
 // Renders until so many more volumes have reached the texture.
 void take_volumes(oct::FastOpenGLVolumeRenderer& live, std::uint64_t count) {
-  const auto shown = [&] { return live.feed()->statistics().counts.shown; };
+  const auto shown = [&] { return live.feed()->counts().shown; };
   for (const std::uint64_t end = shown() + count; shown() < end;) live.render();
 }
 

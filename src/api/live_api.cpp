@@ -207,7 +207,7 @@ void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn, 
   guarded(__func__, [&] {
     // No lock: an acquisition thread that asks must not wait for a frame.
     const oct::LiveCounts counts =
-        checked<FastOpenGLVolumeRenderer>(Handle, invalid_renderer).feed()->statistics().counts;
+        checked<FastOpenGLVolumeRenderer>(Handle, invalid_renderer).feed()->counts();
     if (Drawn) *Drawn = static_cast<unsigned>(counts.shown);
     if (Dropped) *Dropped = static_cast<unsigned>(counts.dropped_no_frame + counts.dropped_by_driver);
   });

@@ -244,6 +244,11 @@ void LiveFeed::count_lost_by_driver() {
   ++statistics_.counts.dropped_by_driver;
 }
 
+LiveCounts LiveFeed::counts() const {
+  const std::lock_guard lock(mutex_);
+  return statistics_.counts;
+}
+
 LiveStatistics LiveFeed::statistics() const {
   const std::lock_guard lock(mutex_);
   return statistics_;

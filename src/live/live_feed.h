@@ -106,6 +106,7 @@ class LiveFeed {
 
   void count_shown(LiveTime processed);
   void count_lost_by_driver();
+  LiveCounts counts() const;
   LiveStatistics statistics() const;
 
   void close();  // the live renderer is gone

@@ -1,5 +1,6 @@
 #include "live/polarization_sequence.h"
 
+#include <array>
 #include <utility>
 
 namespace oct {
@@ -67,11 +68,7 @@ void PolarizationSequence::process_polarization(bool first) {
   sdk_.executeProcessing(device_.processing0, raw0_);
   sdk_.executeProcessing(device_.processing1, raw1_);
   set_output(settings_.output_mode);
-  if (first) {
-    set_properties_first();
-  } else {
-    set_properties();
-  }
+  set_properties(first);
   ps_.executePolarizationProcessing(device_.polarization, complex0_, complex1_);
 }
 
@@ -84,25 +81,16 @@ const char* PolarizationSequence::text_without_renderer() const {
 }
 
 void PolarizationSequence::set_output(PolarizationOutput output) {
-  switch (output) {
-    case PolarizationOutput::intensity:
-      return ps_.setPolarizationOutputI(device_.polarization, data_);
-    case PolarizationOutput::retardation:
-      return ps_.setPolarizationOutputRetardation(device_.polarization, data_);
-    case PolarizationOutput::optic_axis:
-      return ps_.setPolarizationOutputOpticAxis(device_.polarization, data_);
-    case PolarizationOutput::dopu:
-      return ps_.setPolarizationOutputDOPU(device_.polarization, data_);
-    case PolarizationOutput::stokes_q:
-      return ps_.setPolarizationOutputQ(device_.polarization, data_);
-    case PolarizationOutput::stokes_u:
-      return ps_.setPolarizationOutputU(device_.polarization, data_);
-    case PolarizationOutput::stokes_v:
-      return ps_.setPolarizationOutputV(device_.polarization, data_);
-    case PolarizationOutput::sensor0:
-    case PolarizationOutput::sensor1:
-      return;
-  }
+  // By the number of the output.
+  const std::array setters{ps_.setPolarizationOutputI,         ps_.setPolarizationOutputRetardation,
+                           ps_.setPolarizationOutputOpticAxis, ps_.setPolarizationOutputDOPU,
+                           ps_.setPolarizationOutputQ,         ps_.setPolarizationOutputU,
+                           ps_.setPolarizationOutputV};
+  setters[static_cast<std::size_t>(output)](device_.polarization, data_);
+}
+
+void PolarizationSequence::set_property(int property, int value) {
+  ps_.setPolarizationPropertyInt(device_.polarization, property, value);
 }
 
 void PolarizationSequence::set_threshold_properties() {
@@ -113,37 +101,21 @@ void PolarizationSequence::set_threshold_properties() {
 
 void PolarizationSequence::set_dopu_properties() {
   if (settings_.output_mode != PolarizationOutput::dopu) return;
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_DOPU_1, settings_.dopu_depth);
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_DOPU_2, settings_.dopu_a_scans);
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_DOPU_3, settings_.dopu_b_scans);
+  set_property(OCT_POLARIZATION_DOPU_1, settings_.dopu_depth);
+  set_property(OCT_POLARIZATION_DOPU_2, settings_.dopu_a_scans);
+  set_property(OCT_POLARIZATION_DOPU_3, settings_.dopu_b_scans);
 }
 
 // Before the first volume the threshold of the intensity stays the device's own, and the averaging over
 // volumes is set before the sizes of the DOPU filter: devices are used to this sequence.
-void PolarizationSequence::set_properties_first() {
-  if (settings_.output_mode != PolarizationOutput::intensity) set_threshold_properties();
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_AVERAGING_2,
-                                 settings_.averaging_a_scans);
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_AVERAGING_3,
-                                 settings_.averaging_b_scans);
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_AVERAGING_1,
-                                 settings_.averaging_depth);
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_AVERAGING_VOLUMES,
-                                 settings_.averaging_volumes);
-  set_dopu_properties();
-}
-
-void PolarizationSequence::set_properties() {
-  set_threshold_properties();
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_AVERAGING_2,
-                                 settings_.averaging_a_scans);
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_AVERAGING_3,
-                                 settings_.averaging_b_scans);
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_AVERAGING_1,
-                                 settings_.averaging_depth);
-  set_dopu_properties();
-  ps_.setPolarizationPropertyInt(device_.polarization, OCT_POLARIZATION_AVERAGING_VOLUMES,
-                                 settings_.averaging_volumes);
+void PolarizationSequence::set_properties(bool first) {
+  if (!first || settings_.output_mode != PolarizationOutput::intensity) set_threshold_properties();
+  set_property(OCT_POLARIZATION_AVERAGING_2, settings_.averaging_a_scans);
+  set_property(OCT_POLARIZATION_AVERAGING_3, settings_.averaging_b_scans);
+  set_property(OCT_POLARIZATION_AVERAGING_1, settings_.averaging_depth);
+  if (!first) set_dopu_properties();
+  set_property(OCT_POLARIZATION_AVERAGING_VOLUMES, settings_.averaging_volumes);
+  if (first) set_dopu_properties();
 }
 
 }  // namespace oct

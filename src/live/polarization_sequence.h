@@ -83,9 +83,9 @@ class PolarizationSequence : public DeviceSequence {
  private:
   void process(bool first);
   void process_polarization(bool first);
-  void set_output(PolarizationOutput output);
-  void set_properties_first();
-  void set_properties();
+  void set_output(PolarizationOutput output);  // one of the polarization's
+  void set_properties(bool first);
+  void set_property(int property, int value);
   void set_threshold_properties();
   void set_dopu_properties();
 

@@ -1,7 +1,6 @@
 // Draws one volume, held by its owner in a 3-D texture, and the scene around it into the current target.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <mutex>
 
@@ -68,8 +67,9 @@ class VolumeRenderer {
 
  private:
   void create_colormaps();
-  // Null before init. Under the mutex.
+  // Under the mutex. Before init there is nothing to find or to set.
   ColormapSettings* find_colormap(ColormapRole role);
+  void set_boundaries(ColormapRole role, double lower, double upper);
 
   // The steps of a frame, in their order.
   VolumeFrame begin_frame(const VolumeSettings& settings, const VolumeSource& source);

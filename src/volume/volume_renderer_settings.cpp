@@ -116,6 +116,10 @@ void VolumeRenderer::set_colormap(ColormapRole role, const void* colors, int cou
 
 void VolumeRenderer::set_coloring_boundaries(ColormapRole role, double lower, double upper) {
   const std::lock_guard lock(settings_mutex_);
+  set_boundaries(role, lower, upper);
+}
+
+void VolumeRenderer::set_boundaries(ColormapRole role, double lower, double upper) {
   if (ColormapSettings* const object = find_colormap(role)) {
     object->lower = static_cast<float>(lower);
     object->upper = static_cast<float>(upper);
@@ -129,19 +133,15 @@ void VolumeRenderer::set_secondary_slice_index(int index) {
 
 void VolumeRenderer::set_surface(int width, int height, double scale, const float* values) {
   auto mesh = std::make_shared<const SurfaceMesh>(surface_mesh(width, height, scale, values));
-  {
-    const std::lock_guard lock(settings_mutex_);
-    settings_.surface.swap(mesh);
-    if (scale != 0.0) settings_.surface_scale = scale;
-  }
+  const std::lock_guard lock(settings_mutex_);
+  settings_.surface.swap(mesh);  // the one before goes after the lock
+  if (scale != 0.0) settings_.surface_scale = scale;
 }
 
 void VolumeRenderer::set_surface_depths(double lower, double upper) {
   const std::lock_guard lock(settings_mutex_);
-  if (ColormapSettings* const object = find_colormap(ColormapRole::surface)) {
-    object->lower = static_cast<float>(on_mesh_scale(lower, settings_.surface_scale));
-    object->upper = static_cast<float>(on_mesh_scale(upper, settings_.surface_scale));
-  }
+  set_boundaries(ColormapRole::surface, on_mesh_scale(lower, settings_.surface_scale),
+                 on_mesh_scale(upper, settings_.surface_scale));
 }
 
 ColormapSettings* VolumeRenderer::find_colormap(ColormapRole role) {

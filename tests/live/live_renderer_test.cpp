@@ -43,7 +43,7 @@ class LiveRendererTest : public GLTest {
     fill();
   }
   void fill() { feed_.fill(secondary_, std::chrono::steady_clock::now()); }
-  LiveCounts counts() const { return feed_.statistics().counts; }
+  LiveCounts counts() const { return feed_.counts(); }
 
   GlSpy spy_;
   int failed_maps_ = 0;
@@ -274,7 +274,7 @@ TEST_F(LiveRendererTest, ACopyIsWaitedFor) {
       end(live);
       EXPECT_TRUE(finished) << "the buffer was taken away";
       source.get();
-      EXPECT_EQ(feed->statistics().counts.handed_over, 0U);
+      EXPECT_EQ(feed->counts().handed_over, 0U);
       EXPECT_EQ(feed->take(claim), nullptr);
       EXPECT_EQ(feed->is_gone(), live == nullptr);
       if (!live) {

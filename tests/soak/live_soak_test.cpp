@@ -47,7 +47,7 @@ class LiveSoakTest : public testing::Test {
   }
 
   std::uint64_t volumes_shown() const {
-    return reinterpret_cast<FastOpenGLVolumeRenderer*>(live_)->feed()->statistics().counts.shown;
+    return reinterpret_cast<FastOpenGLVolumeRenderer*>(live_)->feed()->counts().shown;
   }
 
   void frame() {

@@ -7,12 +7,12 @@
 #include <iostream>
 #include <map>
 #include <mutex>
-#include <random>
 #include <shared_mutex>
 #include <string>
 #include <thread>
 
 #include "simulator/device_objects.h"
+#include "soak/dice.h"
 #include "support/gl_spy.h"
 #include "support/reference/display_reference.h"
 #include "support/test_context.h"
@@ -25,19 +25,6 @@ int asked_calls() {
   const char* const asked = std::getenv("OCT_RANDOM_CALLS");
   return asked ? std::atoi(asked) : 10'000;
 }
-
-class Dice {
- public:
-  explicit Dice(unsigned seed) : engine_(seed) {}
-  int below(int count) { return std::uniform_int_distribution<int>(0, count - 1)(engine_); }
-  bool flip() { return below(2) == 1; }
-  int of(std::initializer_list<int> values) { return values.begin()[below(static_cast<int>(values.size()))]; }
-  int size() { return of({-1, 0, 1, 2, 9, 33}); }
-  double real() { return std::uniform_real_distribution<double>(-2.0, 2.0)(engine_); }
-
- private:
-  std::mt19937 engine_;
-};
 
 // A handle with the client's own order around it: one thread at a time draws with it, and it is freed while nobody
 // else has it.

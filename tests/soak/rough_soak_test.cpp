@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "simulator/device_objects.h"
+#include "soak/dice.h"
 #include "support/gl_spy.h"
 #include "support/process_memory.h"
 #include "support/test_context.h"
@@ -25,15 +26,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-class Dice {
- public:
-  explicit Dice(unsigned seed) : engine_(seed) {}
-  int below(int count) { return std::uniform_int_distribution<int>(0, count - 1)(engine_); }
-
- private:
-  std::mt19937 engine_;
-};
-
 // A decibel value for every entry, which nothing mixes with its neighbours.
 constexpr int entries = 51;
 const std::vector<std::uint32_t> palette = [] {
@@ -44,28 +36,12 @@ const std::vector<std::uint32_t> palette = [] {
 }();
 
 // Plays volumes that are of one value each.
-class ConstantVolumes {
+class ConstantVolumes : public simulator::test::Scan {
  public:
-  ConstantVolumes(int size1, int size2, int size3, const std::array<float, 4>& values) : values_(values) {
-    const auto voxels = static_cast<std::size_t>(size1 * size2 * size3);
-    std::vector<float> samples;
-    for (const float value : values) samples.insert(samples.end(), voxels, value);
-    device = createSimulatedPlayback(samples.data(), size1, size2, size3, 4, 1.0, 1.0, 1.0, 0.0, 1);
-    processing = createSimulatedProcessing(device);
-    pattern = createSimulatedScanPattern(device, size2, size3, 1.0, 1.0);
+  ConstantVolumes(int size1, int size2, int size3, const std::array<float, 4>& values)
+      : Scan(playback(size1, size2, size3, values), size2, size3, 1.0, 1.0), values_(values) {
     setSimulatedScanRate(device, 60.0 * size2 * size3, OCT_PACING_REAL_TIME);
   }
-  ~ConstantVolumes() {
-    clearSimulatedScanPattern(pattern);
-    clearSimulatedProcessing(processing);
-    clearSimulatedDevice(device);
-  }
-  ConstantVolumes(const ConstantVolumes&) = delete;
-  ConstantVolumes& operator=(const ConstantVolumes&) = delete;
-
-  OCTDeviceHandle device;
-  ProcessingHandle processing;
-  ScanPatternHandle pattern;
 
   bool shows(const std::array<int, 4>& bgra) const {
     return std::any_of(values_.begin(), values_.end(), [&](float value) {
@@ -78,6 +54,13 @@ class ConstantVolumes {
   }
 
  private:
+  static OCTDeviceHandle playback(int size1, int size2, int size3, const std::array<float, 4>& values) {
+    const auto voxels = static_cast<std::size_t>(size1 * size2 * size3);
+    std::vector<float> samples;
+    for (const float value : values) samples.insert(samples.end(), voxels, value);
+    return createSimulatedPlayback(samples.data(), size1, size2, size3, 4, 1.0, 1.0, 1.0, 0.0, 1);
+  }
+
   const std::array<float, 4> values_;
 };
 

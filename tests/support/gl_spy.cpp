@@ -179,19 +179,18 @@ void replace_all() {
   OCT_WATCHED(GenBuffers), OCT_WATCHED(DeleteBuffers), OCT_WATCHED(GenVertexArrays),
       OCT_WATCHED(DeleteVertexArrays), OCT_WATCHED(GenFramebuffers), OCT_WATCHED(DeleteFramebuffers),
       OCT_WATCHED(GenRenderbuffers), OCT_WATCHED(DeleteRenderbuffers), OCT_WATCHED(BufferData),
-      OCT_WATCHED(MapBuffer), OCT_WATCHED(TexSubImage3D), OCT_WATCHED(RenderbufferStorage),
-      OCT_WATCHED(FramebufferTexture2D), OCT_WATCHED(CreateShader), OCT_WATCHED(DeleteShader),
-      OCT_WATCHED(CompileShader), OCT_WATCHED(CreateProgram), OCT_WATCHED(DeleteProgram),
-      OCT_WATCHED(LinkProgram), OCT_WATCHED(ProgramBinary), OCT_WATCHED(GetProgramBinary),
-      OCT_WATCHED(ActiveTexture), OCT_WATCHED(AttachShader), OCT_WATCHED(BindBuffer),
-      OCT_WATCHED(BindFramebuffer), OCT_WATCHED(BindRenderbuffer), OCT_WATCHED(BindSampler),
-      OCT_WATCHED(BindVertexArray), OCT_WATCHED(BlendEquation), OCT_WATCHED(BlendFuncSeparate),
-      OCT_WATCHED(BlitFramebuffer), OCT_WATCHED(DeleteSync), OCT_WATCHED(EnableVertexAttribArray),
-      OCT_WATCHED(FenceSync), OCT_WATCHED(FramebufferRenderbuffer), OCT_WATCHED(MapBufferRange),
-      OCT_WATCHED(ProgramParameteri), OCT_WATCHED(ShaderSource), OCT_WATCHED(Uniform1f),
-      OCT_WATCHED(Uniform1i), OCT_WATCHED(Uniform2f), OCT_WATCHED(Uniform3f), OCT_WATCHED(Uniform4f),
-      OCT_WATCHED(Uniform4fv), OCT_WATCHED(UniformMatrix3fv), OCT_WATCHED(UniformMatrix4fv),
-      OCT_WATCHED(UseProgram), OCT_WATCHED(VertexAttribPointer);
+      OCT_WATCHED(TexSubImage3D), OCT_WATCHED(RenderbufferStorage), OCT_WATCHED(FramebufferTexture2D),
+      OCT_WATCHED(CreateShader), OCT_WATCHED(DeleteShader), OCT_WATCHED(CompileShader),
+      OCT_WATCHED(CreateProgram), OCT_WATCHED(DeleteProgram), OCT_WATCHED(LinkProgram),
+      OCT_WATCHED(ProgramBinary), OCT_WATCHED(GetProgramBinary), OCT_WATCHED(ActiveTexture),
+      OCT_WATCHED(AttachShader), OCT_WATCHED(BindBuffer), OCT_WATCHED(BindFramebuffer),
+      OCT_WATCHED(BindRenderbuffer), OCT_WATCHED(BindSampler), OCT_WATCHED(BindVertexArray),
+      OCT_WATCHED(BlendEquation), OCT_WATCHED(BlendFuncSeparate), OCT_WATCHED(BlitFramebuffer),
+      OCT_WATCHED(DeleteSync), OCT_WATCHED(EnableVertexAttribArray), OCT_WATCHED(FenceSync),
+      OCT_WATCHED(FramebufferRenderbuffer), OCT_WATCHED(MapBufferRange), OCT_WATCHED(ProgramParameteri),
+      OCT_WATCHED(ShaderSource), OCT_WATCHED(Uniform1f), OCT_WATCHED(Uniform1i), OCT_WATCHED(Uniform2f),
+      OCT_WATCHED(Uniform3f), OCT_WATCHED(Uniform4f), OCT_WATCHED(Uniform4fv), OCT_WATCHED(UniformMatrix3fv),
+      OCT_WATCHED(UniformMatrix4fv), OCT_WATCHED(UseProgram), OCT_WATCHED(VertexAttribPointer);
 #undef OCT_WATCHED
   replace<&__glewUnmapBuffer>(unmap_buffer);
   replace<&__glewTexImage3D>(tex_image_3d);

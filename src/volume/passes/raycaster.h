@@ -12,8 +12,8 @@ class Raycaster {
   void create() { back_faces_.create(); }
   void release();
 
-  // Blends the volume over what is drawn, as far as the surface, if one is shown. Nothing is drawn of a volume that is not filled yet, and of a dual
-  // coloured one without a slice of secondary data.
+  // Blends the volume over what is drawn, as far as the surface, if one is shown. Nothing is drawn of a volume
+  // that is not filled yet, and of a dual coloured one without a slice of secondary data.
   void draw(const VolumeFrame& frame, Box& box, Surface& surface);
 
  private:
