@@ -31,6 +31,12 @@ void RaycastingProgram::load(const std::string& name, const std::string& vertexS
   locations_.slices = uniform("slices");
   locations_.stepSize = uniform("stepSize");
   locations_.clipPlane = uniform("clipPlane");
+  locations_.emptyTex = uniform("emptyTex");
+  locations_.grid = uniform("grid");
+  locations_.brickScale = uniform("brickScale");
+  locations_.brickOffset = uniform("brickOffset");
+  locations_.limitCount = uniform("limitCount");
+  locations_.limits = uniform("limits");
 }
 
 }  // namespace oct

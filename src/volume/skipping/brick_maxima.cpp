@@ -1,6 +1,7 @@
 #include "volume/skipping/brick_maxima.h"
 
 #include <algorithm>
+#include <atomic>
 #include <limits>
 
 namespace oct {
@@ -17,12 +18,18 @@ std::int64_t bricks(std::int64_t voxels, std::int64_t side) {
   return voxels <= 0 ? 0 : std::max<std::int64_t>(1, (voxels - 1 + side - 1) / side);
 }
 
+std::uint64_t next_revision() {
+  static std::atomic<std::uint64_t> last = 0;
+  return ++last;
+}
+
 }  // namespace
 
 BrickMaxima::BrickMaxima(const VolumeExtent& extent, int side)
     : extent_(extent),
       side_(side),
       grid_{bricks(extent.depth, side), bricks(extent.a_scans, side), bricks(extent.b_scans, side)},
+      revision_(next_revision()),
       b_scans_(layer_size() * static_cast<std::size_t>(extent.b_scans), nothing),
       values_(grid_.count(), nothing),
       outdated_(static_cast<std::size_t>(grid_.b_scans)),
@@ -40,6 +47,7 @@ void BrickMaxima::take_b_scan(std::int64_t index, const float* values) {
       *maxima++ = *std::max_element(first, first + std::min<std::int64_t>(side_ + 1, extent_.depth - brick * side_));
     }
   }
+  revision_ = next_revision();
   // The last slice of a layer is the first of the next one as well.
   const std::int64_t layer = std::min(index / side_, grid_.b_scans - 1);
   outdated_[static_cast<std::size_t>(layer)] = true;

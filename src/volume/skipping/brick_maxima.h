@@ -32,6 +32,10 @@ class BrickMaxima {
   // Everything that came in, by brick, depth fastest; -infinity where nothing has come or no number is.
   const std::vector<float>& values();
 
+  // Counts with every change, over the whole process.
+  std::uint64_t revision() const { return revision_; }
+
+  const VolumeExtent& extent() const { return extent_; }
   const BrickGrid& grid() const { return grid_; }
   int side() const { return side_; }
 
@@ -42,6 +46,7 @@ class BrickMaxima {
   const VolumeExtent extent_;
   const int side_;
   const BrickGrid grid_;
+  std::uint64_t revision_;
   std::vector<float> b_scans_;   // layer_size() for each
   std::vector<float> values_;
   std::vector<bool> outdated_;   // by layer of bricks

@@ -7,30 +7,9 @@
 
 #include "gl/gl_names.h"
 #include "volume/skipping/brick_maxima.h"
+#include "volume/skipping/visibility.h"
 
 namespace oct {
-
-// What a frame can see of a volume.
-struct Visibility {
-  static constexpr int most_limits = 4;
-
-  // A sample is nothing to be seen where it is not above the limit. A ray that looks for a maximum goes by the
-  // greatest of several limits that it has reached: they ascend.
-  std::array<float, most_limits> limits{};
-  int count = 0;  // 0: everything is visible, nothing is skipped
-
-  // With an overlay, whose maximum a ray looks for, the limits are those of the overlay; and this is the one of the
-  // volume.
-  float volume_limit = 0.0F;
-
-  // By octant, 1 for depth + 2 for A-scans + 4 for B-scans where rays go towards greater indices: whether the
-  // frame has rays of it.
-  std::array<bool, 8> octants{};
-
-  bool same_limits(const Visibility& other) const {
-    return limits == other.limits && count == other.count && volume_limit == other.volume_limit;
-  }
-};
 
 // Tables in a texture: for each limit and octant the side, in bricks, of the largest empty cube that begins at a
 // brick. They are made when a frame needs them and what they are made of has changed: values, limits, or a turn of

@@ -10,23 +10,24 @@ uniform float stepSize;
 
 struct Ray {
   vec3 step;
-  float max_length;
-  int sure;  // steps that surely end before max_length: nobody has to measure them
+  int last;  // index of the sample that ends the ray: the first at its end or beyond, or that of the last step
 };
+
+// The place of a sample. A sum of steps would carry their rounding along the ray.
+vec3 place(Ray ray, int i) {
+  return front + float(i) * ray.step;
+}
 
 Ray cast_ray() {
   vec2 screen_pos = 0.5 * clip_pos.xy / clip_pos.w + vec2(0.5, 0.5);
   vec3 dir = texture(backTex, screen_pos).rgb - front;
+  float max_length = length(dir);
   Ray ray;
-  ray.max_length = length(dir);
-  ray.step = normalize(dir) * stepSize;
-  // One less than the quotient: far more than the rounding of all additions along the ray.
-  ray.sure = clamp(int(ray.max_length / stepSize) - 1, 0, max(slices, 0));
+  ray.step = max_length > 0.0 && slices > 0 ? normalize(dir) * stepSize : vec3(0.0);
+  // Up to one less than the quotient nobody has to measure.
+  ray.last = clamp(int(max_length / stepSize) - 1, 0, slices);
+  while (ray.last < slices && !(length(place(ray, ray.last) - front) >= max_length)) ++ray.last;
   return ray;
-}
-
-bool at_end(Ray ray, vec3 current) {
-  return length(current - front) >= ray.max_length;
 }
 
 float sample_at(vec3 current) {
