@@ -3,12 +3,14 @@
 #include <stdexcept>
 
 #include "core/timing_mark.h"
+#include "volume/skipping/visibility.h"
 
 namespace oct {
 
 bool VolumeColormap::update(const ColormapSettings& settings) {
   lower_ = settings.lower;
   upper_ = settings.upper;
+  visible_from_ = composite_limit(settings.colors.colors(), lower_, upper_);
   return texture_.upload(settings.colors);
 }
 

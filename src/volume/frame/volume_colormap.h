@@ -16,11 +16,13 @@ class VolumeColormap {
 
   float lower() const { return lower_; }
   float upper() const { return upper_; }
+  float visible_from() const { return visible_from_; }  // up to here a composite shows nothing
   GLuint texture() const { return texture_.get(); }
 
  private:
   float lower_ = 0.0F;
   float upper_ = 1.0F;
+  float visible_from_ = 0.0F;
   ColormapTexture texture_;
 };
 
