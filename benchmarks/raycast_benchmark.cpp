@@ -57,8 +57,9 @@ class Scene {
     const std::vector<float> data = phantom();
     volume_.allocate({voxels, voxels, voxels}, half_float ? GL_R16F : GL_R32F, "phantom", data.data());
     source_.volume = volume_.get();
-    maxima_.emplace(oct::VolumeExtent{voxels, voxels, voxels}, 4);
-    for (int k = 0; k < voxels; ++k) maxima_->take_b_scan(k, data.data() + std::size_t(k) * voxels * voxels);
+    maxima_.emplace(oct::VolumeExtent{voxels, voxels, voxels}, 4,
+                    half_float ? oct::BrickTexture::edges_in_half_float : oct::BrickTexture::edges);
+    for (int k = 0; k < voxels; ++k) maxima_->take_b_scan(k, {data.data() + std::size_t{voxels} * voxels * std::size_t(k), voxels});
     source_.volume_maxima = &*maxima_;
     source_.empty_space = &empty_;
     oct::ColormapSettings& coloring =

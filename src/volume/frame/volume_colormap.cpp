@@ -14,11 +14,21 @@ bool VolumeColormap::update(const ColormapSettings& settings) {
   return texture_.upload(settings.colors);
 }
 
+void VolumeColormap::release() {
+  texture_.release();
+  samples_.release();
+}
+
 void VolumeColormaps::update(const VolumeSettings& settings) {
   exist_ = settings.colormaps.has_value();
   if (!exist_) return;
   for (std::size_t role = 0; role < colormaps_.size(); ++role) {
     if (colormaps_[role].update((*settings.colormaps)[role])) record_timing_mark("render: colormap changed");
+  }
+  // Those that rays look up with every sample.
+  for (const ColormapRole role : {ColormapRole::main, ColormapRole::overlay}) {
+    const auto i = static_cast<std::size_t>(role);
+    colormaps_[i].update_samples((*settings.colormaps)[i]);
   }
 }
 

@@ -38,6 +38,7 @@ void RaycastingProgram::load(const std::string& name, const std::string& vertexS
   locations_.brickOffset = uniform("brickOffset");
   locations_.limitCount = uniform("limitCount");
   locations_.limits = uniform("limits");
+  locations_.sampleColorTex = uniform("sampleColorTex");
 }
 
 }  // namespace oct

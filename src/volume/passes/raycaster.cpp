@@ -1,7 +1,6 @@
 #include "volume/passes/raycaster.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include <glm/gtc/type_ptr.hpp>
 
@@ -9,7 +8,7 @@
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "volume/layout/box_view.h"
-#include "volume/skipping/empty_space.h"
+#include "volume/passes/ray_skipping.h"
 
 namespace oct {
 namespace {
@@ -25,31 +24,6 @@ bool secondary_slice_exists(const VolumeFrame& frame) {
 
 }  // namespace
 
-// Sample positions and colours are what the literal loop has; only boundaries that ascend, and are numbers, tell
-// what shows.
-Visibility visibility_of(const VolumeFrame& frame) {
-  Visibility visibility;
-  const VolumeColormap& main = frame.main_colormap();
-  const VolumeMode mode = frame.settings.volume_mode;
-  const bool overlay = frame.source.overlay_present;
-  const bool sound = std::isfinite(main.lower()) && std::isfinite(main.upper()) && main.lower() < main.upper();
-  if (!sound || frame.settings.slices <= 0 || !frame.source.empty_space || !frame.source.volume_maxima ||
-      mode == VolumeMode::mean)
-    return visibility;
-  visibility.octants = octants_of(eye_in_model(frame.camera));
-  if (mode == VolumeMode::maximum) {
-    visibility.count = Visibility::most_limits;
-    for (int i = 0; i < visibility.count; ++i) {
-      visibility.limits[static_cast<std::size_t>(i)] =
-          main.lower() + static_cast<float>(i) / static_cast<float>(visibility.count) * (main.upper() - main.lower());
-    }
-  } else if (!overlay || mode == VolumeMode::dual_coloring) {
-    visibility.count = 1;
-    visibility.limits[0] = main.visible_from();
-  }
-  return visibility;
-}
-
 void Raycaster::release() {
   back_faces_.release();
   cut_face_.release();
@@ -64,8 +38,10 @@ void Raycaster::draw(const VolumeFrame& frame, Box& box, Surface& surface) {
   const RaycastingProgram& program = frame.programs.raycasting_of(mode, frame.source.overlay_present);
   if (!frame.clip_plane.cut_face().empty()) cut_face_.set_vertices(frame.clip_plane.cut_face());
 
+  const Visibility visibility = prepare_empty_space(frame);
   back_faces_.draw(frame, box, cut_face_, surface);
   set_uniforms(program, frame);
+  set_empty_space(program.ray(), frame, visibility);
   draw_front_faces(program, frame, box);
   gl::throwOnGLError("render_raycasting::drawing");
 }
@@ -80,28 +56,9 @@ void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame
   glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clip_plane.plane()));
   const glm::vec4 eye = eye_in_model(frame.camera);
   glUniform4fv(program.ray().eye, 1, glm::value_ptr(glm::vec4(0.5F * (glm::vec3(eye) + eye.w), eye.w)));
-  set_empty_space(program, frame);
+  bind_volume_texture(volume_unit::sample_color, GL_TEXTURE_2D, frame.main_colormap().sample_texture());
+  glUniform1i(program.ray().sampleColorTex, volume_unit::sample_color);
   if (frame.settings.volume_mode == VolumeMode::dual_coloring) set_secondary(program, frame);
-}
-
-void Raycaster::set_empty_space(const RaycastingProgram& program, const VolumeFrame& frame) const {
-  const Visibility visibility = visibility_of(frame);
-  const auto& at = program.ray();
-  glUniform1i(at.limitCount, visibility.count);
-  glUniform1i(at.emptyTex, volume_unit::empty);
-  if (visibility.count == 0) return bind_volume_texture(volume_unit::empty, GL_TEXTURE_3D, 0);
-  BrickMaxima& maxima = *frame.source.volume_maxima;
-  frame.source.empty_space->update(maxima, nullptr, visibility);
-  bind_volume_texture(volume_unit::empty, GL_TEXTURE_3D, frame.source.empty_space->texture());
-  const BrickGrid& grid = maxima.grid();
-  const VolumeExtent& extent = maxima.extent();
-  const auto side = static_cast<float>(maxima.side());
-  glUniform3i(at.grid, static_cast<GLint>(grid.depth), static_cast<GLint>(grid.a_scans),
-              static_cast<GLint>(grid.b_scans));
-  glUniform3f(at.brickScale, static_cast<float>(extent.depth) / side, static_cast<float>(extent.a_scans) / side,
-              static_cast<float>(extent.b_scans) / side);
-  glUniform3f(at.brickOffset, 0.5F / side, 0.5F / side, 0.5F / side);
-  glUniform1fv(at.limits, Visibility::most_limits, visibility.limits.data());
 }
 
 void Raycaster::set_secondary(const RaycastingProgram& program, const VolumeFrame& frame) const {

@@ -18,7 +18,6 @@ class Raycaster {
 
  private:
   void set_uniforms(const RaycastingProgram& program, const VolumeFrame& frame) const;
-  void set_empty_space(const RaycastingProgram& program, const VolumeFrame& frame) const;
   void set_secondary(const RaycastingProgram& program, const VolumeFrame& frame) const;
   void draw_front_faces(const RaycastingProgram& program, const VolumeFrame& frame, Box& box);
 

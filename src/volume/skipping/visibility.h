@@ -19,6 +19,7 @@ struct Visibility {
 
   // With an overlay, whose maximum a ray looks for, the limits are those of the overlay; and this is the one of the
   // volume.
+  bool overlay = false;
   float volume_limit = 0.0F;
 
   // By octant, 1 for depth + 2 for A-scans + 4 for B-scans where rays go towards greater indices: whether the
@@ -26,7 +27,8 @@ struct Visibility {
   std::array<bool, 8> octants{};
 
   bool same_limits(const Visibility& other) const {
-    return limits == other.limits && count == other.count && volume_limit == other.volume_limit;
+    return limits == other.limits && count == other.count && overlay == other.overlay &&
+           volume_limit == other.volume_limit;
   }
 };
 

@@ -13,5 +13,6 @@ void main() {
     i += 2;
     i += empty_samples(walk, i, 0);
   }
-  frag_color = final.a > opaque ? vec4(final.rgb, 1.0) : final;
+  vec4 color = composite_color();
+  frag_color = final.a > opaque ? vec4(color.rgb, 1.0) : color;
 }

@@ -14,7 +14,7 @@ float overlay_value = -1e38;  // as it is stored
 void composite(vec3 current) {
   if (!(final.a > opaque)) {
     float intensity = sample_at(current);
-    if (intensity > lowerValue) blend(color_at(colorTex, normalised(intensity)));
+    if (intensity > lowerValue) blend(sample_color(intensity));
   }
   float value = textureLod(volumeOverlayTex, current.yxz, 0.0).r;
   overlay_value = max(value, overlay_value);
@@ -38,5 +38,5 @@ void main() {
     if (limit > 0) i += empty_samples(walk, i, limit - 1);
   }
   vec4 over = vec4(color_at(colorOverlayTex, overlay).rgb, overlay);
-  frag_color = mix(final, over, over.a);
+  frag_color = mix(composite_color(), over, over.a);
 }
