@@ -28,10 +28,10 @@ std::vector<std::uint32_t> colors_of(const scene::Mode& mode) {
   return colors;
 }
 
-double measure(const scene::Volume& volume, const scene::Mode& mode, int pixels, const std::string& picture) {
-  const auto side = static_cast<unsigned>(pixels);
+double measure(const scene::Volume& volume, const scene::Mode& mode, int side, const std::string& picture) {
+  const auto width = static_cast<unsigned>(side);
   OffscreenTargetHandle const target = createOffscreenTarget();
-  beginOffscreenFrame(target, side, side);
+  beginOffscreenFrame(target, width, width);
   VolumeRendererHandle const renderer = createVolumeRenderer();
   initializeVolumeRenderer(renderer);
   OfflineRenderingHandle const offline = createOfflineRendering();
@@ -55,15 +55,15 @@ double measure(const scene::Volume& volume, const scene::Mode& mode, int pixels,
     glFinish();
   });
   check();
-  std::vector<unsigned char> bgra(std::size_t{side} * side * 4);
+  std::vector<unsigned char> bgra(std::size_t{width} * width * 4);
   finishOffscreenFrame(target, bgra.data());
   if (!picture.empty()) {
     std::vector<unsigned char> rgb;
     for (std::size_t i = 0; i < bgra.size(); i += 4)
       rgb.insert(rgb.end(), {bgra[i + 2], bgra[i + 1], bgra[i]});
-    scene::write_picture(picture, pixels, rgb);
+    scene::write_picture(picture, side, rgb);
   }
-  beginOffscreenFrame(target, side, side);
+  beginOffscreenFrame(target, width, width);
   clearOfflineRendering(offline);
   uninitializeVolumeRenderer(renderer);
   deleteVolumeRenderer(renderer);

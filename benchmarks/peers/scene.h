@@ -101,15 +101,15 @@ double time_frames(Draw draw) {
 }
 
 // Rows bottom row first, three bytes red, green, blue each.
-inline void write_picture(const std::string& file, int pixels, const std::vector<unsigned char>& rgb) {
+inline void write_picture(const std::string& file, int side, const std::vector<unsigned char>& rgb) {
   std::ofstream out(file, std::ios::binary);
-  out << "P6 " << pixels << ' ' << pixels << " 255\n";
-  const auto row = static_cast<std::size_t>(pixels) * 3;
-  for (std::size_t y = static_cast<std::size_t>(pixels); y-- > 0;)
+  out << "P6 " << side << ' ' << side << " 255\n";
+  const auto row = static_cast<std::size_t>(side) * 3;
+  for (std::size_t y = static_cast<std::size_t>(side); y-- > 0;)
     out.write(reinterpret_cast<const char*>(&rgb[y * row]), static_cast<std::streamsize>(row));
 }
 
-// PROGRAM VOLUME PIXELS [PICTURES]: measure(volume, mode, pixels, file) for each mode, one line of its name and
+// PROGRAM VOLUME PIXELS [PICTURES]: measure(volume, mode, side, file) for each mode, one line of its name and
 // milliseconds. PICTURES is what the names of the last frames' pictures begin with.
 template <class Measure>
 int run(int argc, char** argv, Measure measure) {

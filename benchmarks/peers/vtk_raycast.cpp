@@ -62,7 +62,7 @@ void color(vtkVolumeProperty* property, const scene::Volume& volume, const scene
   property->ShadeOff();
 }
 
-double measure(const scene::Volume& data, const scene::Mode& mode, int pixels, const std::string& picture) {
+double measure(const scene::Volume& data, const scene::Mode& mode, int side, const std::string& picture) {
   vtkNew<vtkImageData> image;
   image->SetDimensions(data.depth, data.a_scans, data.b_scans);
   image->SetSpacing(1.0 / (data.depth - 1), 1.0 / (data.a_scans - 1), 1.0 / (data.b_scans - 1));
@@ -96,7 +96,7 @@ double measure(const scene::Volume& data, const scene::Mode& mode, int pixels, c
   vtkNew<vtkRenderWindow> window;
   window->SetOffScreenRendering(1);
   window->SetMultiSamples(0);
-  window->SetSize(pixels, pixels);
+  window->SetSize(side, side);
   window->AddRenderer(renderer);
 
   const double time = scene::time_frames([&](int frame) {
@@ -106,9 +106,8 @@ double measure(const scene::Volume& data, const scene::Mode& mode, int pixels, c
   });
   if (!picture.empty()) {
     vtkNew<vtkUnsignedCharArray> rgb;
-    window->GetPixelData(0, 0, pixels - 1, pixels - 1, 0, rgb);
-    scene::write_picture(picture, pixels,
-                         {rgb->GetPointer(0), rgb->GetPointer(0) + rgb->GetNumberOfValues()});
+    window->GetPixelData(0, 0, side - 1, side - 1, 0, rgb);
+    scene::write_picture(picture, side, {rgb->GetPointer(0), rgb->GetPointer(0) + rgb->GetNumberOfValues()});
   }
   return time;
 }
