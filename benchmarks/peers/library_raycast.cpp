@@ -1,9 +1,11 @@
-// The scene of the comparison, drawn by a client of the library.
+// The scene of the comparison, drawn by a client of the library. Uploaded volumes have half floats as a rule; here
+// they get floats, as live volumes and those of the peer have.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
-#include <GL/gl.h>
+#include <GL/glew.h>
 
 #include "oct_rendering/oct_rendering.h"
 #include "scene.h"
@@ -11,6 +13,15 @@
 namespace scene = oct::benchmark_scene;
 
 namespace {
+
+PFNGLTEXIMAGE3DPROC define_texture = nullptr;
+
+void GLAPIENTRY define_in_floats(GLenum target, GLint level, GLint format, GLsizei width, GLsizei height,
+                                 GLsizei depth, GLint border, GLenum components, GLenum type,
+                                 const void* data) {
+  define_texture(target, level, format == GL_R16F ? GL_R32F : format, width, height, depth, border,
+                 components, type, data);
+}
 
 void check() {
   std::array<char, 512> message{};
@@ -34,6 +45,7 @@ double measure(const scene::Volume& volume, const scene::Mode& mode, int side, c
   beginOffscreenFrame(target, width, width);
   VolumeRendererHandle const renderer = createVolumeRenderer();
   initializeVolumeRenderer(renderer);
+  if (!define_texture) define_texture = std::exchange(glTexImage3D, define_in_floats);
   OfflineRenderingHandle const offline = createOfflineRendering();
   setOfflineRenderingRenderer(offline, renderer);
   setOfflineAspectRatio(offline, 1.0F, 1.0F, 1.0F);

@@ -18,8 +18,8 @@
 namespace oct::benchmark_scene {
 
 constexpr int slices = 128;
-constexpr int first_frames = 3;  // they compile, upload and fill caches; not counted
-constexpr int frames = 12;
+constexpr int first_frames = 2;  // they compile, upload and fill caches; not counted
+constexpr int frames = 5;
 
 struct Mode {
   const char* name;
@@ -31,7 +31,7 @@ constexpr std::array<Mode, 4> modes = {
 
 // Only this changes from frame to frame.
 inline double angle_y_of(int frame) {
-  return angle_y + 2.0 * frame - frames;
+  return angle_y + 4.0 * frame;
 }
 
 struct Volume {
