@@ -90,7 +90,7 @@ void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face,
 void BackFaces::draw_volume(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face) {
   const gl::DepthTest depth(GL_ALWAYS, true);
   const gl::FaceCulling culling(GL_FRONT, frame.front_winding());
-  const RaycastingProgram& program = frame.programs.raycasting_back;
+  const RaycastingProgram& program = frame.programs.raycasting_back();
   program.use();
   glUniformMatrix4fv(program.at().modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
   glUniformMatrix4fv(program.at().projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
