@@ -13,7 +13,7 @@ namespace oct {
 namespace volume_unit {
 constexpr GLint volume = 0;
 constexpr GLint color = 1;
-constexpr GLint back = 2;
+constexpr GLint surface = 2;
 constexpr GLint overlay = 3;
 constexpr GLint overlay_color = 4;
 constexpr GLint color2 = 5;

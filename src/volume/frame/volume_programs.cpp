@@ -53,7 +53,7 @@ void SurfaceProgram::load() {
 }
 
 void SurfaceBackProgram::load() {
-  load_to_program("surface_back_program", shaders::surface_back_vert, shaders::raycasting_back_frag);
+  load_to_program("surface_back_program", shaders::surface_back_vert, shaders::surface_back_frag);
   modelview = uniform("modelview");
   projection = uniform("projection");
   clipPlane = uniform("clipPlane");
@@ -80,7 +80,6 @@ void VolumePrograms::load(const VolumeSettings& settings) {
   if (settings.rendering_mode == RenderingMode::sectional_view) {
     section(false);
   } else {
-    raycasting_back();
     raycasting_of(settings.volume_mode, false);
   }
 }
@@ -92,7 +91,6 @@ void VolumePrograms::unload() {
   for (VolumeRenderingProgram& program : sections_) program.release();
   surface_.release();
   surface_back_.release();
-  raycasting_back_.release();
   for (auto& programs : raycasting_)
     for (RaycastingProgram& program : programs) program.release();
 }
@@ -124,13 +122,6 @@ const SurfaceProgram& VolumePrograms::surface() {
 
 const SurfaceBackProgram& VolumePrograms::surface_back() {
   return built(surface_back_, [&] { surface_back_.load(); });
-}
-
-const RaycastingProgram& VolumePrograms::raycasting_back() {
-  return built(raycasting_back_, [&] {
-    raycasting_back_.load("raycasting_back_program", shaders::raycasting_back_vert,
-                          shaders::raycasting_back_frag);
-  });
 }
 
 RaycastingProgram& VolumePrograms::raycasting_slot(VolumeMode mode, bool overlay) {

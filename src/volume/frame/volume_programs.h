@@ -38,7 +38,6 @@ class VolumePrograms {
   const VolumeRenderingProgram& section(bool overlay);  // vec3 vertex (0); modelview, projection, flip
   const SurfaceProgram& surface();                      // vec3 position (0), vec3 normal (1)
   const SurfaceBackProgram& surface_back();             // vec3 position (0)
-  const RaycastingProgram& raycasting_back();
 
   // Of a mode; dual colouring knows no overlay.
   const RaycastingProgram& raycasting_of(VolumeMode mode, bool overlay);
@@ -55,7 +54,6 @@ class VolumePrograms {
   std::array<VolumeRenderingProgram, 2> sections_;  // without and with an overlay
   SurfaceProgram surface_;
   SurfaceBackProgram surface_back_;
-  RaycastingProgram raycasting_back_;
   std::array<std::array<RaycastingProgram, 4>, 2> raycasting_;  // without and with an overlay, by mode
 };
 
