@@ -37,8 +37,6 @@ void Geometry::set(Buffer& buffer, GLuint attribute, GLint components, const voi
   glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(bytes), data, GL_DYNAMIC_DRAW);
   glVertexAttribPointer(attribute, components, GL_FLOAT, GL_FALSE, 0, nullptr);
   glEnableVertexAttribArray(attribute);
-  glBindVertexArray(0);
-  glBindBuffer(GL_ARRAY_BUFFER, 0);
 }
 
 void Geometry::set_indices(std::span<const std::uint32_t> indices) {
@@ -48,7 +46,6 @@ void Geometry::set_indices(std::span<const std::uint32_t> indices) {
   glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_.get());  // belongs to the vertex array
   glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size_bytes()), indices.data(),
                GL_DYNAMIC_DRAW);
-  glBindVertexArray(0);
 }
 
 void Geometry::release() {
@@ -58,17 +55,19 @@ void Geometry::release() {
   indices_.reset();
 }
 
-void Geometry::draw(GLenum mode, GLint first, GLsizei count) const {
+void Geometry::bind() const {
   glBindVertexArray(vertex_array_.get());
+}
+
+void Geometry::draw(GLenum mode, GLint first, GLsizei count) const {
+  bind();
   glDrawArrays(mode, first, count);
-  glBindVertexArray(0);
 }
 
 void Geometry::draw_indexed(GLenum mode, std::size_t first_index, GLsizei count) const {
-  glBindVertexArray(vertex_array_.get());
+  bind();
   glDrawElements(mode, count, GL_UNSIGNED_INT,
                  reinterpret_cast<const void*>(first_index * sizeof(std::uint32_t)));
-  glBindVertexArray(0);
 }
 
 }  // namespace oct::gl

@@ -27,6 +27,10 @@ class Geometry {
 
   void release();
 
+  // Binds the vertices, for several draws one after the other.
+  void bind() const;
+
+  // Binds and draws. The vertices stay bound.
   void draw(GLenum mode, GLint first, GLsizei count) const;
   void draw_indexed(GLenum mode, std::size_t first_index, GLsizei count) const;
 

@@ -1,12 +1,14 @@
 #include "volume/passes/scene_elements.h"
 
 #include <algorithm>
+#include <utility>
+
+#include <glm/gtc/type_ptr.hpp>
 
 #include "core/timing_mark.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "volume/layout/box_view.h"
-#include "volume/passes/line_drawing.h"
 
 namespace oct {
 namespace {
@@ -24,134 +26,189 @@ int font_height(const Viewport& viewport) {
   return std::clamp((viewport.height + lines_per_picture / 2) / lines_per_picture, 14, 64);
 }
 
-glm::vec4 foreground(const VolumeFrame& frame, float opacity) {
-  return {glm::vec3(frame.settings.foreground), opacity};
+void set_color(const VolumeFrame& frame, float opacity) {
+  const glm::vec4 color(glm::vec3(frame.settings.foreground), opacity);
+  glUniform4fv(frame.programs.simple.color, 1, glm::value_ptr(color));
 }
 
-void draw_faces(gl::Geometry& geometry, const std::vector<glm::vec3>& triangles) {
-  const gl::Blending blending;
-  geometry.set_vertices(std::span<const glm::vec3>(triangles));
-  geometry.draw(GL_TRIANGLES, 0, static_cast<GLsizei>(triangles.size()));
+// Where there is a clip plane to be seen.
+bool cuts_volume(const VolumeFrame& frame) {
+  return frame.volume_shown() && !frame.sectional() && frame.clip_plane.enabled();
+}
+
+bool shows_removed_segment(const VolumeFrame& frame) {
+  return cuts_volume(frame) && frame.settings.remove_segment;
 }
 
 }  // namespace
 
-void SceneElements::draw_translucent(const VolumeFrame& frame, ElementPass pass) {
-  const TimingMark mark("VolumeRenderer::render_elements");
-  if (!frame.settings.frame.box) return;
-  const bool near = pass == ElementPass::in_front;
-  const std::vector<glm::vec3> triangles = box_faces(eye_in_model(frame.camera), near);
-  if (triangles.empty()) return;
-  use_simple_program(frame, foreground(frame, near ? near_pane : far_pane));
-  {
-    // What lies on the far faces is seen before them, and what lies on the near ones through them. Surfaces,
-    // which are moved farthest, have four units.
-    const gl::DepthTest depth(GL_LEQUAL, false, near ? gl::PolygonOffset{} : gl::PolygonOffset{1.0F, 5.0F});
-    draw_faces(faces_, triangles);
+SceneElements::Part SceneElements::Layout::add(const std::vector<glm::vec3>& part) {
+  const auto first = static_cast<GLint>(vertices.size());
+  vertices.insert(vertices.end(), part.begin(), part.end());
+  return {first, static_cast<GLsizei>(part.size())};
+}
+
+void SceneElements::arrange(const VolumeFrame& frame) {
+  layout_ = {};
+  const FrameFlags& flags = frame.settings.frame;
+  const glm::vec4 eye = eye_in_model(frame.camera);
+  if (flags.box && frame.volume_shown()) {
+    layout_.far_panes = layout_.add(box_faces(eye, false));
+    layout_.near_panes = layout_.add(box_faces(eye, true));
   }
-  gl::throwOnGLError("VolumeRenderer::render_elements");
+  if (flags.edges) {
+    layout_.far_edges = layout_.add(box_edges(eye, false));
+    layout_.near_edges = layout_.add(box_edges(eye, true));
+  }
+  if (cuts_volume(frame)) layout_.border = layout_.add(frame.clip_plane.border());
+  if (shows_removed_segment(frame))
+    layout_.removed_panes = layout_.add(frame.box.removed_faces(frame.clip_plane.plane()));
+  if (flags.scale_marks) arrange_marks(frame);
+  upload();
 }
 
-void SceneElements::draw_frame(const VolumeFrame& frame, ElementPass pass) {
-  const TimingMark mark("VolumeRenderer::render_frame");
-  const gl::DepthTest depth(GL_LEQUAL);
-  if (frame.settings.frame.edges) draw_edges(frame, pass);
-  if (frame.settings.frame.scale_marks && pass == ElementPass::in_front) draw_scale_marks(frame);
-  gl::throwOnGLError("VolumeRenderer::render_frame");
-  if (font_failure_) std::rethrow_exception(std::exchange(font_failure_, nullptr));
-}
-
-void SceneElements::draw_edges(const VolumeFrame& frame, ElementPass pass) {
-  const std::vector<glm::vec3> lines = box_edges(eye_in_model(frame.camera), pass == ElementPass::in_front);
-  if (!lines.empty()) draw_model_lines(frame, edges_, lines, frame.settings.foreground);
-}
-
-void SceneElements::draw_scale_marks(const VolumeFrame& frame) {
+void SceneElements::arrange_marks(const VolumeFrame& frame) {
+  font_failure_ = nullptr;
   try {
     provide_fonts(font_height(frame.camera.viewport));
   } catch (...) {
     font_failure_ = std::current_exception();
   }
-  const std::vector<glm::vec3>& ticks = marks_of(frame).ticks;
-  if (!ticks.empty()) draw_screen_lines(frame, ticks_, ticks, frame.settings.foreground);
-  if (fonts_) draw_labels(frame);
+  const Marks& marks = marks_of(frame);
+  layout_.ticks = layout_.add(marks.marks.ticks);
+  if (fonts_) fonts_->show(marks.labels);
 }
 
-void SceneElements::draw_labels(const VolumeFrame& frame) {
-  const Viewport& viewport = frame.camera.viewport;
-  const LabelView view{frame.camera.projection, frame.camera.modelview, {viewport.width, viewport.height}};
-  const glm::vec3 color(frame.settings.foreground);
-  for (const MarkLabel& label : marks_of(frame).labels) {
-    FontRenderer& font = label.caption ? fonts_->captions : fonts_->numbers;
-    font.draw({label.text, label.anchor, label.offset}, color, view);
-  }
+void SceneElements::upload() {
+  if (layout_.vertices.empty() || uploaded_ == layout_.vertices) return;
+  uploaded_.reset();
+  geometry_.set_vertices(std::span<const glm::vec3>(layout_.vertices));
+  gl::throwOnGLError("VolumeRenderer::elements changed");
+  uploaded_ = layout_.vertices;
 }
 
 void SceneElements::provide_fonts(int height) {
-  if (fonts_ && fonts_->height == height) return;
+  if (fonts_ && fonts_->height() == height) return;
   fonts_.reset();
-  layout_.reset();
-  fonts_ = std::make_unique<Fonts>(height);
+  marks_.reset();
+  fonts_ = std::make_unique<FontRenderer>(height);
 }
 
-const ScaleMarks& SceneElements::marks_of(const VolumeFrame& frame) {
+const SceneElements::Marks& SceneElements::marks_of(const VolumeFrame& frame) {
   const Camera& camera = frame.camera;
   const glm::vec3& extent = frame.range.extent;
-  const bool known = layout_ && layout_->extent == extent && layout_->camera.modelview == camera.modelview &&
-                     layout_->camera.projection == camera.projection &&
-                     layout_->camera.viewport.width == camera.viewport.width &&
-                     layout_->camera.viewport.height == camera.viewport.height;
-  if (!known) {
-    const MeasureText measure = [this](const std::string& text, bool caption) {
-      if (!fonts_) return glm::ivec2(0);
-      return (caption ? fonts_->captions : fonts_->numbers).size(text);
-    };
-    const MarkStyle style = MarkStyle::for_font(font_height(camera.viewport));
-    layout_ = Layout{camera, extent, scale_marks(camera, extent, style, measure)};
-  }
-  return layout_->marks;
+  const bool known = marks_ && marks_->extent == extent && marks_->camera.modelview == camera.modelview &&
+                     marks_->camera.projection == camera.projection &&
+                     marks_->camera.viewport.width == camera.viewport.width &&
+                     marks_->camera.viewport.height == camera.viewport.height;
+  if (known) return *marks_;
+  const MeasureText measure = [this](const std::string& text, bool caption) {
+    return fonts_ ? fonts_->size({text, caption}) : glm::ivec2(0);
+  };
+  const MarkStyle style = MarkStyle::for_font(font_height(camera.viewport));
+  marks_ = Marks{camera, extent, scale_marks(camera, extent, style, measure), {}};
+  for (const MarkLabel& label : marks_->marks.labels)
+    marks_->labels.push_back({{label.text, label.caption}, label.anchor, label.offset});
+  return *marks_;
 }
 
-void SceneElements::draw_clip_plane_border(const VolumeFrame& frame, ElementPass pass) {
+void SceneElements::draw_behind(const VolumeFrame& frame) {
+  arrange(frame);
+  {
+    use_simple_program(frame, frame.settings.foreground);
+    geometry_.bind();
+    const gl::Blending blending;
+    const gl::SmoothLines smooth;
+    if (frame.volume_shown()) {
+      const TimingMark mark("VolumeRenderer::render_elements");
+      // What lies on the far faces is seen before them, and what lies on the near ones through them. Surfaces,
+      // which are moved farthest, have four units.
+      const gl::DepthTest depth(GL_LEQUAL, false, {1.0F, 5.0F});
+      draw_panes(frame, layout_.far_panes, far_pane);
+    }
+    const gl::DepthTest depth(GL_LEQUAL);
+    {
+      const TimingMark mark("VolumeRenderer::render_frame");
+      draw_lines(frame, layout_.far_edges, 1.0F);
+    }
+    if (cuts_volume(frame)) draw_border(frame, false);
+    if (shows_removed_segment(frame) && !frame.cut_faces_viewer()) draw_removed_segment(frame);
+  }
+  gl::throwOnGLError("VolumeRenderer::render_elements");
+}
+
+void SceneElements::draw_in_front(const VolumeFrame& frame) {
+  {
+    use_simple_program(frame, frame.settings.foreground);
+    geometry_.bind();
+    const gl::Blending blending;
+    const gl::SmoothLines smooth;
+    const gl::DepthTest depth(GL_LEQUAL);
+    // The plane parts the box: one side of it lies in front of the other as a whole.
+    if (shows_removed_segment(frame) && frame.cut_faces_viewer()) draw_removed_segment(frame);
+    // The rays covered the border's part on the cut.
+    if (cuts_volume(frame)) draw_border(frame, true);
+    if (frame.volume_shown()) {
+      const TimingMark mark("VolumeRenderer::render_elements");
+      draw_panes(frame, layout_.near_panes, near_pane);
+    }
+    const TimingMark mark("VolumeRenderer::render_frame");
+    draw_lines(frame, layout_.near_edges, 1.0F);
+    if (frame.settings.frame.scale_marks) draw_scale_marks(frame);
+  }
+  gl::throwOnGLError("VolumeRenderer::render_frame");
+  if (font_failure_) std::rethrow_exception(std::exchange(font_failure_, nullptr));
+}
+
+void SceneElements::draw_panes(const VolumeFrame& frame, const Part& panes, float opacity) const {
+  if (panes.count == 0) return;
+  set_color(frame, opacity);
+  glDrawArrays(GL_TRIANGLES, panes.first, panes.count);
+}
+
+void SceneElements::draw_lines(const VolumeFrame& frame, const Part& lines, float opacity) const {
+  if (lines.count == 0) return;
+  set_color(frame, opacity);
+  glDrawArrays(GL_LINES, lines.first, lines.count);
+}
+
+void SceneElements::draw_border(const VolumeFrame& frame, bool in_front) const {
   const TimingMark mark("VolumeRenderer::render_clip_plane_border");
-  const std::vector<glm::vec3>& lines = frame.clip_plane.border();
-  if (lines.empty()) return;
-  if (pass == ElementPass::in_front) {
+  if (layout_.border.count == 0) return;
+  if (in_front) {
     // All of it, faintly, so that the cut can be followed where the volume hides it.
     const TimingMark overlay_mark("VolumeRenderer::render_clip_plane_border::draw_overlay");
-    draw_model_lines(frame, border_, lines, foreground(frame, hidden_border));
-    gl::throwOnGLError("VolumeRenderer::render_clip_plane_border::draw_overlay");
+    glDepthFunc(GL_ALWAYS);
+    draw_lines(frame, layout_.border, hidden_border);
+    glDepthFunc(GL_LEQUAL);
   }
-  const gl::DepthTest depth(GL_LEQUAL);
-  draw_model_lines(frame, border_, lines, frame.settings.foreground);
-  gl::throwOnGLError("VolumeRenderer::render_clip_plane_border");
+  draw_lines(frame, layout_.border, 1.0F);
 }
 
-void SceneElements::draw_removed_segment(const VolumeFrame& frame, ElementPass pass) {
+void SceneElements::draw_removed_segment(const VolumeFrame& frame) const {
   const TimingMark mark("VolumeRenderer::render_removed_segment");
-  if (!frame.clip_plane.enabled()) return;
-  // The plane parts the box: one side of it lies in front of the other as a whole.
-  const bool in_front = frame.cut_faces_viewer();
-  if (in_front != (pass == ElementPass::in_front)) return;
-  const std::vector<glm::vec3> triangles = frame.box.removed_faces(frame.clip_plane.plane());
-  if (triangles.empty()) return;
-  use_simple_program(frame, foreground(frame, removed_pane));
-  {
-    const gl::DepthTest depth(GL_LEQUAL);
-    draw_faces(removed_, triangles);
+  draw_panes(frame, layout_.removed_panes, removed_pane);
+}
+
+void SceneElements::draw_scale_marks(const VolumeFrame& frame) const {
+  if (layout_.ticks.count > 0) {
+    constexpr glm::mat4 identity(1.0F);
+    glUniformMatrix4fv(frame.programs.simple.modelview, 1, GL_FALSE, glm::value_ptr(identity));
+    glUniformMatrix4fv(frame.programs.simple.projection, 1, GL_FALSE, glm::value_ptr(identity));
+    draw_lines(frame, layout_.ticks, 1.0F);
   }
-  gl::throwOnGLError("VolumeRenderer::render_removed_segment");
+  const Viewport& viewport = frame.camera.viewport;
+  const LabelView view{frame.camera.projection, frame.camera.modelview, {viewport.width, viewport.height}};
+  if (fonts_) fonts_->draw(glm::vec3(frame.settings.foreground), view);
 }
 
 void SceneElements::release() {
   sectional_view.release();
-  faces_.release();
-  edges_.release();
-  ticks_.release();
-  border_.release();
-  removed_.release();
+  layout_ = {};
+  geometry_.release();
+  uploaded_.reset();
   fonts_.reset();
-  layout_.reset();
+  marks_.reset();
 }
 
 }  // namespace oct
