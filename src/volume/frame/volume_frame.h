@@ -18,6 +18,8 @@ constexpr GLint overlay = 3;
 constexpr GLint overlay_color = 4;
 constexpr GLint color2 = 5;
 constexpr GLint secondary = 6;
+constexpr GLint empty = 7;
+constexpr GLint sample_color = 8;
 }  // namespace volume_unit
 
 struct VolumeFrame {

@@ -8,6 +8,7 @@
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "volume/layout/box_view.h"
+#include "volume/passes/ray_skipping.h"
 
 namespace oct {
 namespace {
@@ -37,8 +38,10 @@ void Raycaster::draw(const VolumeFrame& frame, Box& box, Surface& surface) {
   const RaycastingProgram& program = frame.programs.raycasting_of(mode, frame.source.overlay_present);
   if (!frame.clip_plane.cut_face().empty()) cut_face_.set_vertices(frame.clip_plane.cut_face());
 
+  const Visibility visibility = prepare_empty_space(frame);
   back_faces_.draw(frame, box, cut_face_, surface);
   set_uniforms(program, frame);
+  set_empty_space(program.ray(), frame, visibility);
   draw_front_faces(program, frame, box);
   gl::throwOnGLError("render_raycasting::drawing");
 }
@@ -53,6 +56,8 @@ void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame
   glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clip_plane.plane()));
   const glm::vec4 eye = eye_in_model(frame.camera);
   glUniform4fv(program.ray().eye, 1, glm::value_ptr(glm::vec4(0.5F * (glm::vec3(eye) + eye.w), eye.w)));
+  bind_volume_texture(volume_unit::sample_color, GL_TEXTURE_2D, frame.main_colormap().sample_texture());
+  glUniform1i(program.ray().sampleColorTex, volume_unit::sample_color);
   if (frame.settings.volume_mode == VolumeMode::dual_coloring) set_secondary(program, frame);
 }
 

@@ -11,8 +11,7 @@ uniform float stepSize;
 
 struct Ray {
   vec3 step;
-  float max_length;
-  int sure;  // steps that surely end before max_length: nobody has to measure them
+  int last;  // index of the sample that ends the ray: the first at its end or beyond, or that of the last step
 };
 
 bool on_surface(vec4 back) {
@@ -27,25 +26,27 @@ bool hidden(vec4 back) {
   return on_surface(back) && dot(back.rgb - front, view) < -rounding * length(view);
 }
 
+// The place of a sample. A sum of steps would carry their rounding along the ray.
+vec3 place(Ray ray, int i) {
+  return front + float(i) * ray.step;
+}
+
 // At a rim, above all of a target with several samples, a front may have no back: such a ray has no end.
 Ray cast_ray() {
   vec2 screen_pos = 0.5 * clip_pos.xy / clip_pos.w + vec2(0.5, 0.5);
   vec4 back = texture(backTex, screen_pos);
   if (back.a == 0.0 || hidden(back)) discard;
   vec3 dir = back.rgb - front;
+  float max_length = length(dir);
   Ray ray;
-  ray.max_length = length(dir);
+  ray.step = max_length > 0.0 && slices > 0 ? normalize(dir) * stepSize : vec3(0.0);
   // The last sample lies beyond the end by a part of a step. Beyond a surface there is often what it bounds, and
   // samples of it would show as stripes.
-  if (on_surface(back)) ray.max_length = max(ray.max_length - stepSize, 0.0);
-  ray.step = normalize(dir) * stepSize;
-  // One less than the quotient: far more than the rounding of all additions along the ray.
-  ray.sure = clamp(int(ray.max_length / stepSize) - 1, 0, max(slices, 0));
+  if (on_surface(back)) max_length = max(max_length - stepSize, 0.0);
+  // Up to one less than the quotient nobody has to measure.
+  ray.last = clamp(int(max_length / stepSize) - 1, 0, slices);
+  while (ray.last < slices && !(length(place(ray, ray.last) - front) >= max_length)) ++ray.last;
   return ray;
-}
-
-bool at_end(Ray ray, vec3 current) {
-  return length(current - front) >= ray.max_length;
 }
 
 float sample_at(vec3 current) {
