@@ -9,20 +9,6 @@
 namespace oct::gl {
 namespace {
 
-struct PixelSetting {
-  GLenum unpack;
-  GLenum pack;
-  GLint initial = 0;
-};
-constexpr std::array<PixelSetting, 8> pixel_settings{{{GL_UNPACK_SWAP_BYTES, GL_PACK_SWAP_BYTES},
-                                                      {GL_UNPACK_LSB_FIRST, GL_PACK_LSB_FIRST},
-                                                      {GL_UNPACK_ROW_LENGTH, GL_PACK_ROW_LENGTH},
-                                                      {GL_UNPACK_IMAGE_HEIGHT, GL_PACK_IMAGE_HEIGHT},
-                                                      {GL_UNPACK_SKIP_ROWS, GL_PACK_SKIP_ROWS},
-                                                      {GL_UNPACK_SKIP_PIXELS, GL_PACK_SKIP_PIXELS},
-                                                      {GL_UNPACK_SKIP_IMAGES, GL_PACK_SKIP_IMAGES},
-                                                      {GL_UNPACK_ALIGNMENT, GL_PACK_ALIGNMENT, 4}}};
-
 struct TextureTarget {
   GLenum name;
   GLenum binding;
@@ -33,8 +19,11 @@ constexpr TextureTarget block{GL_TEXTURE_3D, GL_TEXTURE_BINDING_3D};
 
 // What the programs of the renderers sample. The first unit serves uploads of every kind as well.
 constexpr std::array<TextureTarget, 3> first_unit{line, plane, block};
-constexpr std::array<TextureTarget, 9> further_units{line,  plane, block, line, line,
-                                                     block, block, plane, plane};
+struct UnitTarget {
+  GLuint unit;
+  TextureTarget target;
+};
+constexpr std::array<UnitTarget, 6> further_units{{{1, line}, {1, plane}, {2, plane}, {3, block}, {4, line}, {5, block}}};
 
 // All off while the library draws. So is multisampling: beyond a silhouette, where a sample may lie that its
 // pixel's centre misses, a ray has no beginning and no end. Without it coverage, masks and alpha of samples do
@@ -79,8 +68,17 @@ void set_enabled(GLenum capability, bool enabled) {
   enabled ? glEnable(capability) : glDisable(capability);
 }
 
-GLenum unit_after_first(std::size_t index) {
-  return GL_TEXTURE1 + static_cast<GLenum>(index);
+// Calls use(row, first) with the unit of each row active; first: of its unit.
+template <class Use>
+void for_each_further_unit(Use&& use) {
+  GLuint active = 0;
+  for (std::size_t i = 0; i < further_units.size(); ++i) {
+    const bool first = further_units[i].unit != active;
+    active = further_units[i].unit;
+    if (first) glActiveTexture(GL_TEXTURE0 + active);
+    use(i, first);
+  }
+  glActiveTexture(GL_TEXTURE0);
 }
 
 // Nothing where there is no context that can be worked in: the call finds out as well, and says so.
@@ -96,31 +94,7 @@ std::optional<DrawingState::Version> usable_version() {
   return version;
 }
 
-GLenum name_of(const PixelSetting& setting, PixelTransfer::Direction direction) {
-  return direction == PixelTransfer::Direction::unpack ? setting.unpack : setting.pack;
-}
-
 }  // namespace
-
-PixelTransfer::PixelTransfer(Direction direction) : direction_(direction) {
-  const bool unpack = direction_ == Direction::unpack;
-  buffer_ = integer(unpack ? GL_PIXEL_UNPACK_BUFFER_BINDING : GL_PIXEL_PACK_BUFFER_BINDING);
-  if (buffer_ != 0) glBindBuffer(unpack ? GL_PIXEL_UNPACK_BUFFER : GL_PIXEL_PACK_BUFFER, 0);
-  for (std::size_t i = 0; i < settings_.size(); ++i) {
-    const GLenum name = name_of(pixel_settings[i], direction_);
-    settings_[i] = integer(name);
-    if (settings_[i] != pixel_settings[i].initial) glPixelStorei(name, pixel_settings[i].initial);
-  }
-}
-
-PixelTransfer::~PixelTransfer() {
-  const bool unpack = direction_ == Direction::unpack;
-  glBindBuffer(unpack ? GL_PIXEL_UNPACK_BUFFER : GL_PIXEL_PACK_BUFFER, name_of(buffer_));
-  for (std::size_t i = 0; i < settings_.size(); ++i) {
-    if (settings_[i] != pixel_settings[i].initial)
-      glPixelStorei(name_of(pixel_settings[i], direction_), settings_[i]);
-  }
-}
 
 FirstTextureUnit::FirstTextureUnit() : active_unit_(integer(GL_ACTIVE_TEXTURE)) {
   if (active_unit_ != GL_TEXTURE0) glActiveTexture(GL_TEXTURE0);
@@ -128,7 +102,7 @@ FirstTextureUnit::FirstTextureUnit() : active_unit_(integer(GL_ACTIVE_TEXTURE)) 
 }
 
 FirstTextureUnit::~FirstTextureUnit() {
-  glActiveTexture(GL_TEXTURE0);
+  glActiveTexture(GL_TEXTURE0);  // what failed may have left another
   for (std::size_t i = 0; i < first_unit.size(); ++i)
     glBindTexture(first_unit[i].name, name_of(textures_[i]));
   if (active_unit_ != GL_TEXTURE0) glActiveTexture(static_cast<GLenum>(active_unit_));
@@ -151,12 +125,10 @@ void DrawingState::save() {
   vertex_array_ = integer(GL_VERTEX_ARRAY_BINDING);
   array_buffer_ = integer(GL_ARRAY_BUFFER_BINDING);
   samplers_[0] = integer(GL_SAMPLER_BINDING);
-  for (std::size_t i = 0; i < further_units.size(); ++i) {
-    glActiveTexture(unit_after_first(i));
-    textures_[i] = integer(further_units[i].binding);
-    samplers_[i + 1] = integer(GL_SAMPLER_BINDING);
-  }
-  glActiveTexture(GL_TEXTURE0);
+  for_each_further_unit([this](std::size_t row, bool first) {
+    textures_[row] = integer(further_units[row].target.binding);
+    if (first) samplers_[further_units[row].unit] = integer(GL_SAMPLER_BINDING);
+  });
 
   glGetBooleanv(GL_COLOR_WRITEMASK, color_mask_.data());
   glGetFloatv(GL_COLOR_CLEAR_VALUE, clear_color_.data());
@@ -231,10 +203,9 @@ DrawingState::~DrawingState() {
   glUseProgram(program_ != 0 && glIsProgram(name_of(program_)) == GL_TRUE ? name_of(program_) : 0);
   glBindVertexArray(name_of(vertex_array_));
   glBindBuffer(GL_ARRAY_BUFFER, name_of(array_buffer_));
-  for (std::size_t i = 0; i < further_units.size(); ++i) {
-    glActiveTexture(unit_after_first(i));
-    glBindTexture(further_units[i].name, name_of(textures_[i]));
-  }
+  for_each_further_unit([this](std::size_t row, bool) {
+    glBindTexture(further_units[row].target.name, name_of(textures_[row]));
+  });
   for (GLuint unit = 0; unit < samplers_.size(); ++unit) {
     if (samplers_[unit] != 0) glBindSampler(unit, name_of(samplers_[unit]));
   }
@@ -261,7 +232,7 @@ DrawingState::~DrawingState() {
 ClientState::ClientState(Use use) {
   const auto version = usable_version();
   if (!version) return;
-  unpack_.emplace(PixelTransfer::Direction::unpack);
+  unpack_.emplace();
   textures_.emplace();
   if (use == Use::drawing) drawing_.emplace(*version);
 }

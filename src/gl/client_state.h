@@ -6,24 +6,9 @@
 #include <optional>
 
 #include "gl/gl.h"
+#include "gl/pixel_store.h"
 
 namespace oct::gl {
-
-// Whether pixels come from memory or go there. While it lives memory is tightly packed and no pixel buffer is bound.
-class PixelTransfer {
- public:
-  enum class Direction { unpack, pack };
-
-  explicit PixelTransfer(Direction direction);
-  ~PixelTransfer();
-  PixelTransfer(const PixelTransfer&) = delete;
-  PixelTransfer& operator=(const PixelTransfer&) = delete;
-
- private:
-  Direction direction_;
-  std::array<GLint, 8> settings_{};
-  GLint buffer_ = 0;
-};
 
 // What is bound to the first texture unit, which is the active one while it lives.
 class FirstTextureUnit {
@@ -36,14 +21,6 @@ class FirstTextureUnit {
  private:
   GLint active_unit_ = 0;
   std::array<GLint, 3> textures_{};
-};
-
-// What uploads and read-backs need.
-class TransferState {
- private:
-  PixelTransfer unpack_{PixelTransfer::Direction::unpack};
-  PixelTransfer pack_{PixelTransfer::Direction::pack};
-  FirstTextureUnit textures_;
 };
 
 // What decides how something is drawn. While it lives this is as OpenGL starts, but for the target: framebuffers,
@@ -82,8 +59,8 @@ class DrawingState {
   GLint program_ = 0;
   GLint vertex_array_ = 0;
   GLint array_buffer_ = 0;
-  std::array<GLint, 9> textures_{};  // of the units after the first
-  std::array<GLint, 10> samplers_{};
+  std::array<GLint, 6> textures_{};  // of the units after the first
+  std::array<GLint, 6> samplers_{};
 
   std::array<GLboolean, 4> color_mask_{};
   std::array<GLfloat, 4> clear_color_{};
@@ -110,7 +87,7 @@ class ClientState {
   explicit ClientState(Use use);
 
  private:
-  std::optional<PixelTransfer> unpack_;
+  std::optional<ClientUnpack> unpack_;
   std::optional<FirstTextureUnit> textures_;
   std::optional<DrawingState> drawing_;
 };

@@ -61,25 +61,26 @@ class DepthClamp {
 };
 
 // Moves polygons away from the eye, so that lines on them are seen.
-struct PolygonOffset {
-  float factor = 0.0F;
-  float units = 0.0F;
+class PolygonOffset {
+ public:
+  PolygonOffset(float factor, float units) {
+    glEnable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(factor, units);
+  }
+  ~PolygonOffset() { glDisable(GL_POLYGON_OFFSET_FILL); }
+  PolygonOffset(const PolygonOffset&) = delete;
+  PolygonOffset& operator=(const PolygonOffset&) = delete;
 };
 
-// The whole depth state of a pass. Outside of passes nothing is tested; what clears the depth needs writes on.
+// The depth state of a pass. Outside of passes nothing is tested; what clears the depth needs writes on.
 class DepthTest {
  public:
-  explicit DepthTest(GLenum function, bool writes = false, PolygonOffset offset = {})
-      : writes_(writes), offset_(offset.factor != 0.0F || offset.units != 0.0F) {
+  explicit DepthTest(GLenum function, bool writes = false) : writes_(writes) {
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(function);
     if (!writes_) glDepthMask(GL_FALSE);
-    if (!offset_) return;
-    glEnable(GL_POLYGON_OFFSET_FILL);
-    glPolygonOffset(offset.factor, offset.units);
   }
   ~DepthTest() {
-    if (offset_) glDisable(GL_POLYGON_OFFSET_FILL);
     if (!writes_) glDepthMask(GL_TRUE);
     glDisable(GL_DEPTH_TEST);
   }
@@ -88,7 +89,6 @@ class DepthTest {
 
  private:
   bool writes_;
-  bool offset_;
 };
 
 // Leaves out one side of what is drawn. The front has its corners in the given order, GL_CCW or GL_CW.

@@ -1,6 +1,9 @@
 #include "gl/geometry.h"
 
 #include <stdexcept>
+#include <utility>
+
+#include "gl/opengl_error.h"
 
 namespace oct::gl {
 namespace {
@@ -30,13 +33,23 @@ void Geometry::set_attribute(std::span<const glm::vec4> values) {
 }
 
 void Geometry::set(Buffer& buffer, GLuint attribute, GLint components, const void* data, std::size_t bytes) {
-  provide(vertex_array_);
-  provide(buffer);
-  glBindVertexArray(vertex_array_.get());
+  if (!buffer || !vertex_array_) describe(buffer, attribute, components);
   glBindBuffer(GL_ARRAY_BUFFER, buffer.get());
   glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(bytes), data, GL_DYNAMIC_DRAW);
+  glBindBuffer(GL_ARRAY_BUFFER, 0);
+}
+
+// Kept only when OpenGL has accepted it: it is not said again.
+void Geometry::describe(Buffer& buffer, GLuint attribute, GLint components) {
+  provide(vertex_array_);
+  Buffer described;
+  provide(described);
+  glBindVertexArray(vertex_array_.get());
+  glBindBuffer(GL_ARRAY_BUFFER, described.get());
   glVertexAttribPointer(attribute, components, GL_FLOAT, GL_FALSE, 0, nullptr);
   glEnableVertexAttribArray(attribute);
+  throwOnGLError("Geometry::describe");
+  buffer = std::move(described);
 }
 
 void Geometry::set_indices(std::span<const std::uint32_t> indices) {

@@ -12,9 +12,9 @@ namespace oct::gl {
 
 class Geometry {
  public:
-  // Attribute 0. Makes the buffers at the first call; throws std::runtime_error "Could not create OpenGL
-  // buffer. " when OpenGL gives none. Later calls replace the contents. What OpenGL says to the contents is
-  // the caller's to ask.
+  // Attribute 0. The first call makes the buffer and says what is in it; throws std::runtime_error, "Could not create
+  // OpenGL buffer. " when OpenGL gives none. Later calls replace the contents. What OpenGL says to them is the
+  // caller's to ask.
   void set_vertices(std::span<const glm::vec2> vertices);
   void set_vertices(std::span<const glm::vec3> vertices);
 
@@ -36,6 +36,7 @@ class Geometry {
 
  private:
   void set(Buffer& buffer, GLuint attribute, GLint components, const void* data, std::size_t bytes);
+  void describe(Buffer& buffer, GLuint attribute, GLint components);
 
   Buffer vertices_;
   Buffer attribute_;

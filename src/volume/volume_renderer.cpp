@@ -101,7 +101,6 @@ VolumeFrame VolumeRenderer::begin_frame(const VolumeSettings& settings, const Vo
 
 void VolumeRenderer::clear_target() {
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
-  glClearDepth(1.0);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
@@ -129,7 +128,6 @@ void VolumeRenderer::draw_in_front(const VolumeFrame& frame) {
 }
 
 void VolumeRenderer::finish_frame() {
-  bind_volume_texture(volume_unit::volume, GL_TEXTURE_3D, 0);
   gl::throwOnGLError("OfflineRendering::render");
 }
 

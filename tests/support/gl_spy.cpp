@@ -201,8 +201,8 @@ void replace_all() {
       OCT_WATCHED(BlendEquation), OCT_WATCHED(BlendFuncSeparate), OCT_WATCHED(BlitFramebuffer),
       OCT_WATCHED(DeleteSync), OCT_WATCHED(EnableVertexAttribArray), OCT_WATCHED(FenceSync),
       OCT_WATCHED(FramebufferRenderbuffer), OCT_WATCHED(MapBufferRange), OCT_WATCHED(ProgramParameteri),
-      OCT_WATCHED(ShaderSource), OCT_WATCHED(Uniform1f), OCT_WATCHED(Uniform1i), OCT_WATCHED(Uniform2f),
-      OCT_WATCHED(Uniform3f), OCT_WATCHED(Uniform4f), OCT_WATCHED(Uniform4fv), OCT_WATCHED(UniformMatrix3fv),
+      OCT_WATCHED(ShaderSource), OCT_WATCHED(Uniform1f), OCT_WATCHED(Uniform1fv), OCT_WATCHED(Uniform1i), OCT_WATCHED(Uniform2f),
+      OCT_WATCHED(Uniform3f), OCT_WATCHED(Uniform3i), OCT_WATCHED(Uniform4f), OCT_WATCHED(Uniform4fv), OCT_WATCHED(UniformMatrix3fv),
       OCT_WATCHED(UniformMatrix4fv), OCT_WATCHED(UseProgram), OCT_WATCHED(VertexAttribPointer);
 #undef OCT_WATCHED
 #define OCT_COUNTED(name) replace<&__glew##name>(counted_pointer<&__glew##name>)

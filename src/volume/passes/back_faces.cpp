@@ -30,10 +30,10 @@ void ScreenTexture::release() {
   rebuild_ = true;
 }
 
-void ScreenTexture::fit(Viewport viewport) {
+bool ScreenTexture::fit(Viewport viewport) {
   if (!texture_) create();
   if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
-  if (!rebuild_ && size_.width == viewport.width && size_.height == viewport.height) return;
+  if (!rebuild_ && size_.width == viewport.width && size_.height == viewport.height) return false;
   rebuild_ = true;
   bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, texture_.get());
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
@@ -46,6 +46,7 @@ void ScreenTexture::fit(Viewport viewport) {
   gl::throwOnGLError("VolumeRenderer::back texture");
   size_ = viewport;
   rebuild_ = false;
+  return true;
 }
 
 void BackFaces::create() {
@@ -55,24 +56,29 @@ void BackFaces::create() {
 
 void BackFaces::release() {
   framebuffer_.reset();
+  attached_.reset();
   positions_.release();
   depth_.release();
 }
 
-void BackFaces::attach(bool with_depth) const {
+void BackFaces::attach(bool with_depth) {
+  if (attached_ == with_depth) return;
+  attached_.reset();
   glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, positions_.get(), 0);
   glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D,
                          with_depth ? depth_.get() : 0, 0);
   const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
   if (status != GL_FRAMEBUFFER_COMPLETE) incomplete(status);
+  gl::throwOnGLError("VolumeRenderer::back framebuffer");
+  attached_ = with_depth;
 }
 
 void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face, Surface& surface) {
   const bool ends_on_surface = frame.surface_shown();
   const Viewport viewport = frame.camera.viewport;
-  positions_.fit(viewport);
-  if (ends_on_surface) depth_.fit(viewport);
-  if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
+  if (positions_.fit(viewport)) attached_.reset();
+  if (ends_on_surface && depth_.fit(viewport)) attached_.reset();
+  if (!framebuffer_) framebuffer_ = gl::Framebuffer::create(), attached_.reset();
   if (!framebuffer_) incomplete(GL_FRAMEBUFFER_UNDEFINED);
   const gl::DrawTargetGuard target;
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());

@@ -1,6 +1,8 @@
 // Where each view ray leaves the volume: a texture of the viewport's size with positions in texture space.
 #pragma once
 
+#include <optional>
+
 #include "gl/gl_names.h"
 #include "volume/frame/volume_frame.h"
 #include "volume/passes/box.h"
@@ -15,7 +17,8 @@ class ScreenTexture {
 
   void create();
   void release();
-  void fit(Viewport viewport);
+  // True when it was allocated anew.
+  bool fit(Viewport viewport);
 
   GLuint get() const { return texture_.get(); }
 
@@ -38,12 +41,13 @@ class BackFaces {
   GLuint texture() const { return positions_.get(); }
 
  private:
-  void attach(bool with_depth) const;
+  void attach(bool with_depth);
   void draw_volume(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face);
 
   ScreenTexture positions_{GL_RGBA32F};
   ScreenTexture depth_{GL_DEPTH_COMPONENT32F};  // made for the first surface
   gl::Framebuffer framebuffer_;
+  std::optional<bool> attached_;  // with depth or without; none: not what the framebuffer needs
 };
 
 }  // namespace oct

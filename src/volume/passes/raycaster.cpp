@@ -49,7 +49,6 @@ void Raycaster::draw(const VolumeFrame& frame, Box& box, Surface& surface) {
 void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame& frame) const {
   use_volume_program(program, frame);
   bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, back_faces_.texture());
-  glUniform1i(program.ray().backTex, volume_unit::back);
   const int slices = std::min(frame.settings.slices, most_slices);
   glUniform1i(program.ray().slices, slices);
   glUniform1f(program.ray().stepSize, 1.7320508F / static_cast<float>(slices));
@@ -57,7 +56,6 @@ void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame
   const glm::vec4 eye = eye_in_model(frame.camera);
   glUniform4fv(program.ray().eye, 1, glm::value_ptr(glm::vec4(0.5F * (glm::vec3(eye) + eye.w), eye.w)));
   bind_volume_texture(volume_unit::sample_color, GL_TEXTURE_2D, frame.main_colormap().sample_texture());
-  glUniform1i(program.ray().sampleColorTex, volume_unit::sample_color);
   if (frame.settings.volume_mode == VolumeMode::dual_coloring) set_secondary(program, frame);
 }
 
@@ -67,8 +65,6 @@ void Raycaster::set_secondary(const RaycastingProgram& program, const VolumeFram
   bind_volume_texture(volume_unit::color2, GL_TEXTURE_1D, colormap.texture());
   bind_volume_texture(volume_unit::secondary, GL_TEXTURE_3D, frame.source.secondary);
   const auto& at = program.at();
-  glUniform1i(at.colorTex2, volume_unit::color2);
-  glUniform1i(at.secondaryTex, volume_unit::secondary);
   glUniform1f(at.lowerValue2, colormap.lower());
   glUniform1f(at.upperValue2, colormap.upper());
   glUniform1f(at.secondarySlice, (static_cast<float>(frame.settings.secondary_slice_index) + 0.5F) /
@@ -80,7 +76,8 @@ void Raycaster::draw_front_faces(const RaycastingProgram& program, const VolumeF
   const gl::Blending blending;
   // Where something opaque lies before the volume, the program knows: a test of depths would lose the rim of
   // the box to the polygon offset. The offset is for the lines on the box, which are tested against it.
-  const gl::DepthTest depth(GL_ALWAYS, true, {1.0F, 4.0F});
+  const gl::DepthTest depth(GL_ALWAYS, true);
+  const gl::PolygonOffset offset(1.0F, 4.0F);
   const gl::FaceCulling culling(GL_BACK, frame.front_winding());
   box.draw(frame.box);
   // To a viewer in the box all its faces are back faces.

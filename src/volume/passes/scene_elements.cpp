@@ -26,9 +26,9 @@ int font_height(const Viewport& viewport) {
   return std::clamp((viewport.height + lines_per_picture / 2) / lines_per_picture, 14, 64);
 }
 
-void set_color(const VolumeFrame& frame, float opacity) {
-  const glm::vec4 color(glm::vec3(frame.settings.foreground), opacity);
-  glUniform4fv(frame.programs.simple.color, 1, glm::value_ptr(color));
+void set_matrices(const SimpleProgram& program, const glm::mat4& projection, const glm::mat4& modelview) {
+  glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(projection));
+  glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(modelview));
 }
 
 // Where there is a clip plane to be seen.
@@ -41,6 +41,31 @@ bool shows_removed_segment(const VolumeFrame& frame) {
 }
 
 }  // namespace
+
+// Draws parts of one buffer one after the other, blended, in the foreground's colour.
+class SceneElements::Brush {
+ public:
+  Brush(const VolumeFrame& frame, const gl::Geometry& geometry)
+      : program_(frame.programs.simple), color_(frame.settings.foreground), opacity_(-1.0F) {
+    program_.use();
+    set_matrices(program_, frame.camera.projection, frame.camera.element_modelview);
+    geometry.bind();
+  }
+
+  void draw(GLenum mode, const Part& part, float opacity) {
+    if (part.count == 0) return;
+    if (opacity != opacity_) glUniform4f(program_.color, color_.r, color_.g, color_.b, opacity);
+    opacity_ = opacity;
+    glDrawArrays(mode, part.first, part.count);
+  }
+
+ private:
+  const SimpleProgram& program_;
+  const glm::vec3 color_;
+  float opacity_;  // that the program has
+  const gl::Blending blending_;
+  const gl::SmoothLines smooth_;
+};
 
 SceneElements::Part SceneElements::Layout::add(const std::vector<glm::vec3>& part) {
   const auto first = static_cast<GLint>(vertices.size());
@@ -115,87 +140,67 @@ const SceneElements::Marks& SceneElements::marks_of(const VolumeFrame& frame) {
 void SceneElements::draw_behind(const VolumeFrame& frame) {
   arrange(frame);
   {
-    use_simple_program(frame, frame.settings.foreground);
-    geometry_.bind();
-    const gl::Blending blending;
-    const gl::SmoothLines smooth;
+    Brush brush(frame, geometry_);
+    const gl::DepthTest depth(GL_LEQUAL);
     if (frame.volume_shown()) {
       const TimingMark mark("VolumeRenderer::render_elements");
       // What lies on the far faces is seen before them, and what lies on the near ones through them. Surfaces,
       // which are moved farthest, have four units.
-      const gl::DepthTest depth(GL_LEQUAL, false, {1.0F, 5.0F});
-      draw_panes(frame, layout_.far_panes, far_pane);
+      const gl::PolygonOffset offset(1.0F, 5.0F);
+      brush.draw(GL_TRIANGLES, layout_.far_panes, far_pane);
     }
-    const gl::DepthTest depth(GL_LEQUAL);
     {
       const TimingMark mark("VolumeRenderer::render_frame");
-      draw_lines(frame, layout_.far_edges, 1.0F);
+      brush.draw(GL_LINES, layout_.far_edges, 1.0F);
     }
-    if (cuts_volume(frame)) draw_border(frame, false);
-    if (shows_removed_segment(frame) && !frame.cut_faces_viewer()) draw_removed_segment(frame);
+    if (cuts_volume(frame)) draw_border(brush, false);
+    if (shows_removed_segment(frame) && !frame.cut_faces_viewer()) draw_removed_segment(brush);
   }
   gl::throwOnGLError("VolumeRenderer::render_elements");
 }
 
 void SceneElements::draw_in_front(const VolumeFrame& frame) {
   {
-    use_simple_program(frame, frame.settings.foreground);
-    geometry_.bind();
-    const gl::Blending blending;
-    const gl::SmoothLines smooth;
+    Brush brush(frame, geometry_);
     const gl::DepthTest depth(GL_LEQUAL);
     // The plane parts the box: one side of it lies in front of the other as a whole.
-    if (shows_removed_segment(frame) && frame.cut_faces_viewer()) draw_removed_segment(frame);
+    if (shows_removed_segment(frame) && frame.cut_faces_viewer()) draw_removed_segment(brush);
     // The rays covered the border's part on the cut.
-    if (cuts_volume(frame)) draw_border(frame, true);
+    if (cuts_volume(frame)) draw_border(brush, true);
     if (frame.volume_shown()) {
       const TimingMark mark("VolumeRenderer::render_elements");
-      draw_panes(frame, layout_.near_panes, near_pane);
+      brush.draw(GL_TRIANGLES, layout_.near_panes, near_pane);
     }
     const TimingMark mark("VolumeRenderer::render_frame");
-    draw_lines(frame, layout_.near_edges, 1.0F);
-    if (frame.settings.frame.scale_marks) draw_scale_marks(frame);
+    brush.draw(GL_LINES, layout_.near_edges, 1.0F);
+    if (frame.settings.frame.scale_marks) draw_scale_marks(frame, brush);
   }
   gl::throwOnGLError("VolumeRenderer::render_frame");
   if (font_failure_) std::rethrow_exception(std::exchange(font_failure_, nullptr));
 }
 
-void SceneElements::draw_panes(const VolumeFrame& frame, const Part& panes, float opacity) const {
-  if (panes.count == 0) return;
-  set_color(frame, opacity);
-  glDrawArrays(GL_TRIANGLES, panes.first, panes.count);
-}
-
-void SceneElements::draw_lines(const VolumeFrame& frame, const Part& lines, float opacity) const {
-  if (lines.count == 0) return;
-  set_color(frame, opacity);
-  glDrawArrays(GL_LINES, lines.first, lines.count);
-}
-
-void SceneElements::draw_border(const VolumeFrame& frame, bool in_front) const {
+void SceneElements::draw_border(Brush& brush, bool in_front) const {
   const TimingMark mark("VolumeRenderer::render_clip_plane_border");
   if (layout_.border.count == 0) return;
   if (in_front) {
     // All of it, faintly, so that the cut can be followed where the volume hides it.
     const TimingMark overlay_mark("VolumeRenderer::render_clip_plane_border::draw_overlay");
     glDepthFunc(GL_ALWAYS);
-    draw_lines(frame, layout_.border, hidden_border);
+    brush.draw(GL_LINES, layout_.border, hidden_border);
     glDepthFunc(GL_LEQUAL);
   }
-  draw_lines(frame, layout_.border, 1.0F);
+  brush.draw(GL_LINES, layout_.border, 1.0F);
 }
 
-void SceneElements::draw_removed_segment(const VolumeFrame& frame) const {
+void SceneElements::draw_removed_segment(Brush& brush) const {
   const TimingMark mark("VolumeRenderer::render_removed_segment");
-  draw_panes(frame, layout_.removed_panes, removed_pane);
+  brush.draw(GL_TRIANGLES, layout_.removed_panes, removed_pane);
 }
 
-void SceneElements::draw_scale_marks(const VolumeFrame& frame) const {
+void SceneElements::draw_scale_marks(const VolumeFrame& frame, Brush& brush) const {
   if (layout_.ticks.count > 0) {
-    constexpr glm::mat4 identity(1.0F);
-    glUniformMatrix4fv(frame.programs.simple.modelview, 1, GL_FALSE, glm::value_ptr(identity));
-    glUniformMatrix4fv(frame.programs.simple.projection, 1, GL_FALSE, glm::value_ptr(identity));
-    draw_lines(frame, layout_.ticks, 1.0F);
+    set_matrices(frame.programs.simple, glm::mat4(1.0F), glm::mat4(1.0F));
+    brush.draw(GL_LINES, layout_.ticks, 1.0F);
   }
   const Viewport& viewport = frame.camera.viewport;
   const LabelView view{frame.camera.projection, frame.camera.modelview, {viewport.width, viewport.height}};

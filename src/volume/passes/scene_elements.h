@@ -31,6 +31,8 @@ class SceneElements {
   void release();  // deletes the OpenGL objects and the text renderers
 
  private:
+  class Brush;
+
   // Of the buffer.
   struct Part {
     GLint first = 0;
@@ -58,11 +60,9 @@ class SceneElements {
   void provide_fonts(int height);
   const Marks& marks_of(const VolumeFrame& frame);
 
-  void draw_panes(const VolumeFrame& frame, const Part& panes, float opacity) const;
-  void draw_lines(const VolumeFrame& frame, const Part& lines, float opacity) const;
-  void draw_border(const VolumeFrame& frame, bool in_front) const;
-  void draw_removed_segment(const VolumeFrame& frame) const;
-  void draw_scale_marks(const VolumeFrame& frame) const;
+  void draw_border(Brush& brush, bool in_front) const;
+  void draw_removed_segment(Brush& brush) const;
+  void draw_scale_marks(const VolumeFrame& frame, Brush& brush) const;
 
   Layout layout_;
   gl::Geometry geometry_;
