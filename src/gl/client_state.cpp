@@ -23,7 +23,8 @@ struct UnitTarget {
   GLuint unit;
   TextureTarget target;
 };
-constexpr std::array<UnitTarget, 6> further_units{{{1, line}, {1, plane}, {2, plane}, {3, block}, {4, line}, {5, block}}};
+constexpr std::array<UnitTarget, 6> further_units{
+    {{1, line}, {1, plane}, {2, plane}, {3, block}, {4, line}, {5, block}}};
 
 // All off while the library draws. So is multisampling: beyond a silhouette, where a sample may lie that its
 // pixel's centre misses, a ray has no beginning and no end. Without it coverage, masks and alpha of samples do
@@ -213,7 +214,8 @@ DrawingState::~DrawingState() {
   if (masks_colors()) glColorMask(color_mask_[0], color_mask_[1], color_mask_[2], color_mask_[3]);
   glClearColor(clear_color_[0], clear_color_[1], clear_color_[2], clear_color_[3]);
   if (blend_equations_ != std::array<GLint, 2>{GL_FUNC_ADD, GL_FUNC_ADD})
-    glBlendEquationSeparate(static_cast<GLenum>(blend_equations_[0]), static_cast<GLenum>(blend_equations_[1]));
+    glBlendEquationSeparate(static_cast<GLenum>(blend_equations_[0]),
+                            static_cast<GLenum>(blend_equations_[1]));
   glBlendFuncSeparate(static_cast<GLenum>(blend_factors_[0]), static_cast<GLenum>(blend_factors_[1]),
                       static_cast<GLenum>(blend_factors_[2]), static_cast<GLenum>(blend_factors_[3]));
   if (depth_mask_ != GL_TRUE) glDepthMask(depth_mask_);

@@ -1,5 +1,6 @@
 #include "gl/geometry.h"
 
+#include <array>
 #include <stdexcept>
 #include <utility>
 
@@ -16,40 +17,45 @@ void provide(Name& name) {
 
 }  // namespace
 
-void Geometry::set_vertices(std::span<const glm::vec2> vertices) {
-  set(vertices_, 0, 2, vertices.data(), vertices.size_bytes());
-}
-void Geometry::set_vertices(std::span<const glm::vec3> vertices) {
-  set(vertices_, 0, 3, vertices.data(), vertices.size_bytes());
-}
-void Geometry::set_attribute(std::span<const glm::vec2> values) {
-  set(attribute_, 1, 2, values.data(), values.size_bytes());
-}
-void Geometry::set_attribute(std::span<const glm::vec3> values) {
-  set(attribute_, 1, 3, values.data(), values.size_bytes());
-}
-void Geometry::set_attribute(std::span<const glm::vec4> values) {
-  set(attribute_, 1, 4, values.data(), values.size_bytes());
-}
-
-void Geometry::set(Buffer& buffer, GLuint attribute, GLint components, const void* data, std::size_t bytes) {
-  if (!buffer || !vertex_array_) describe(buffer, attribute, components);
+template <class Vertex>
+void Geometry::set(Buffer& buffer, Fields fields, std::span<const Vertex> vertices) {
+  if (!buffer || !vertex_array_) describe(buffer, fields, sizeof(Vertex));
   glBindBuffer(GL_ARRAY_BUFFER, buffer.get());
-  glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(bytes), data, GL_DYNAMIC_DRAW);
+  glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size_bytes()), vertices.data(),
+               GL_DYNAMIC_DRAW);
   glBindBuffer(GL_ARRAY_BUFFER, 0);
 }
 
 // Kept only when OpenGL has accepted it: it is not said again.
-void Geometry::describe(Buffer& buffer, GLuint attribute, GLint components) {
+void Geometry::describe(Buffer& buffer, Fields fields, GLsizei stride) {
   provide(vertex_array_);
   Buffer described;
   provide(described);
   glBindVertexArray(vertex_array_.get());
   glBindBuffer(GL_ARRAY_BUFFER, described.get());
-  glVertexAttribPointer(attribute, components, GL_FLOAT, GL_FALSE, 0, nullptr);
-  glEnableVertexAttribArray(attribute);
+  for (const Field& field : fields) {
+    glVertexAttribPointer(field.attribute, field.components, GL_FLOAT, GL_FALSE, stride,
+                          reinterpret_cast<const void*>(field.offset * sizeof(float)));
+    glEnableVertexAttribArray(field.attribute);
+  }
   throwOnGLError("Geometry::describe");
   buffer = std::move(described);
+}
+
+void Geometry::set_vertices(std::span<const glm::vec2> vertices) {
+  set(vertices_, std::array{Field{0, 2}}, vertices);
+}
+void Geometry::set_vertices(std::span<const glm::vec3> vertices) {
+  set(vertices_, std::array{Field{0, 3}}, vertices);
+}
+void Geometry::set_vertices(std::span<const PlacedVertex> vertices) {
+  set(vertices_, std::array{Field{0, 3}, Field{1, 4, 3}}, vertices);
+}
+void Geometry::set_attribute(std::span<const glm::vec3> values) {
+  set(attribute_, std::array{Field{1, 3}}, values);
+}
+void Geometry::set_attribute(std::span<const glm::vec4> values) {
+  set(attribute_, std::array{Field{1, 4}}, values);
 }
 
 void Geometry::set_indices(std::span<const std::uint32_t> indices) {

@@ -7,8 +7,9 @@ namespace {
 
 using Names = std::array<GLenum, 8>;
 
-constexpr Names unpack_names{GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST,   GL_UNPACK_ROW_LENGTH,  GL_UNPACK_IMAGE_HEIGHT,
-                             GL_UNPACK_SKIP_ROWS,  GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_IMAGES, GL_UNPACK_ALIGNMENT};
+constexpr Names unpack_names{GL_UNPACK_SWAP_BYTES,   GL_UNPACK_LSB_FIRST, GL_UNPACK_ROW_LENGTH,
+                             GL_UNPACK_IMAGE_HEIGHT, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS,
+                             GL_UNPACK_SKIP_IMAGES,  GL_UNPACK_ALIGNMENT};
 constexpr Names pack_names{GL_PACK_SWAP_BYTES, GL_PACK_LSB_FIRST,   GL_PACK_ROW_LENGTH,  GL_PACK_IMAGE_HEIGHT,
                            GL_PACK_SKIP_ROWS,  GL_PACK_SKIP_PIXELS, GL_PACK_SKIP_IMAGES, GL_PACK_ALIGNMENT};
 constexpr PixelSettings initial{0, 0, 0, 0, 0, 0, 0, 4};

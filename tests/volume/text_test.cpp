@@ -119,7 +119,7 @@ TEST_F(FontRendererGLTest, ManyLabelsAreOneDrawAndUploadedOnce) {
   };
   const struct {
     int first, offset, textures, buffers;
-  } frames[] = {{0, 0, 1, 2}, {0, 0, 0, 0}, {0, 1, 0, 2}, {15, 1, 1, 2}, {0, 0, 1, 2}};
+  } frames[] = {{0, 0, 1, 1}, {0, 0, 0, 0}, {0, 1, 0, 1}, {15, 1, 1, 1}, {0, 0, 1, 1}};
   for (const auto& [first, offset, textures, buffers] : frames) {
     spy.forget_calls();
     draw_texts(first, offset);

@@ -26,11 +26,6 @@ int font_height(const Viewport& viewport) {
   return std::clamp((viewport.height + lines_per_picture / 2) / lines_per_picture, 14, 64);
 }
 
-void set_matrices(const SimpleProgram& program, const glm::mat4& projection, const glm::mat4& modelview) {
-  glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(projection));
-  glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(modelview));
-}
-
 // Where there is a clip plane to be seen.
 bool cuts_volume(const VolumeFrame& frame) {
   return frame.volume_shown() && !frame.sectional() && frame.clip_plane.enabled();
@@ -46,10 +41,14 @@ bool shows_removed_segment(const VolumeFrame& frame) {
 class SceneElements::Brush {
  public:
   Brush(const VolumeFrame& frame, const gl::Geometry& geometry)
-      : program_(frame.programs.simple), color_(frame.settings.foreground), opacity_(-1.0F) {
+      : program_(frame.programs.simple), color_(frame.settings.foreground) {
     program_.use();
-    set_matrices(program_, frame.camera.projection, frame.camera.element_modelview);
     geometry.bind();
+  }
+
+  void set_matrices(const glm::mat4& projection, const glm::mat4& modelview) const {
+    glUniformMatrix4fv(program_.projection, 1, GL_FALSE, glm::value_ptr(projection));
+    glUniformMatrix4fv(program_.modelview, 1, GL_FALSE, glm::value_ptr(modelview));
   }
 
   void draw(GLenum mode, const Part& part, float opacity) {
@@ -62,7 +61,7 @@ class SceneElements::Brush {
  private:
   const SimpleProgram& program_;
   const glm::vec3 color_;
-  float opacity_;  // that the program has
+  float opacity_ = -1.0F;  // that the program has
   const gl::Blending blending_;
   const gl::SmoothLines smooth_;
 };
@@ -141,6 +140,7 @@ void SceneElements::draw_behind(const VolumeFrame& frame) {
   arrange(frame);
   {
     Brush brush(frame, geometry_);
+    brush.set_matrices(frame.camera.projection, frame.camera.element_modelview);
     const gl::DepthTest depth(GL_LEQUAL);
     if (frame.volume_shown()) {
       const TimingMark mark("VolumeRenderer::render_elements");
@@ -161,7 +161,7 @@ void SceneElements::draw_behind(const VolumeFrame& frame) {
 
 void SceneElements::draw_in_front(const VolumeFrame& frame) {
   {
-    Brush brush(frame, geometry_);
+    Brush brush(frame, geometry_);  // its matrices are still those of the first half
     const gl::DepthTest depth(GL_LEQUAL);
     // The plane parts the box: one side of it lies in front of the other as a whole.
     if (shows_removed_segment(frame) && frame.cut_faces_viewer()) draw_removed_segment(brush);
@@ -199,7 +199,7 @@ void SceneElements::draw_removed_segment(Brush& brush) const {
 
 void SceneElements::draw_scale_marks(const VolumeFrame& frame, Brush& brush) const {
   if (layout_.ticks.count > 0) {
-    set_matrices(frame.programs.simple, glm::mat4(1.0F), glm::mat4(1.0F));
+    brush.set_matrices(glm::mat4(1.0F), glm::mat4(1.0F));
     brush.draw(GL_LINES, layout_.ticks, 1.0F);
   }
   const Viewport& viewport = frame.camera.viewport;

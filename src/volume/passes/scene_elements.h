@@ -40,7 +40,7 @@ class SceneElements {
   };
   struct Layout {
     std::vector<glm::vec3> vertices;
-    Part far_panes, near_panes, removed_panes;   // triangles
+    Part far_panes, near_panes, removed_panes;  // triangles
     Part far_edges, near_edges, border, ticks;  // lines; the ticks in normalised device coordinates
 
     Part add(const std::vector<glm::vec3>& part);

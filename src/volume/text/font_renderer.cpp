@@ -6,7 +6,6 @@
 #include <utility>
 
 #include <glm/gtc/type_ptr.hpp>
-#include <glm/vec4.hpp>
 
 #include "core/log.h"
 #include "core/timing_mark.h"
@@ -76,20 +75,16 @@ void FontRenderer::upload_atlas(const std::vector<Label>& labels) {
 }
 
 void FontRenderer::upload_quads(const std::vector<Label>& labels) {
-  std::vector<glm::vec3> anchors;
-  std::vector<glm::vec4> places;
+  std::vector<gl::PlacedVertex> vertices;
   for (const Label& label : labels) {
     const glm::vec2 size(this->size(label.text));
     const glm::vec2 origin(*atlas_->find(label.text));
-    for (const glm::vec2& corner : corners) {
-      anchors.push_back(label.anchor);
-      places.emplace_back(corner * size + label.offset, corner * size + origin);
-    }
+    for (const glm::vec2& corner : corners)
+      vertices.push_back({label.anchor, {corner * size + label.offset, corner * size + origin}});
   }
-  quads_.set_vertices(std::span<const glm::vec3>(anchors));
-  quads_.set_attribute(std::span<const glm::vec4>(places));
+  quads_.set_vertices(std::span<const gl::PlacedVertex>(vertices));
   gl::throwOnGLError("FontRenderer::show");
-  vertex_count_ = static_cast<GLsizei>(anchors.size());
+  vertex_count_ = static_cast<GLsizei>(vertices.size());
 }
 
 void FontRenderer::draw(const glm::vec3& color, const LabelView& view) const {
