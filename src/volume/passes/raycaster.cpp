@@ -25,7 +25,7 @@ bool secondary_slice_exists(const VolumeFrame& frame) {
 }  // namespace
 
 void Raycaster::release() {
-  back_faces_.release();
+  surface_positions_.release();
   cut_face_.release();
   face_before_eye_.release();
 }
@@ -39,7 +39,7 @@ void Raycaster::draw(const VolumeFrame& frame, Box& box, Surface& surface) {
   if (!frame.clip_plane.cut_face().empty()) cut_face_.set_vertices(frame.clip_plane.cut_face());
 
   const Visibility visibility = prepare_empty_space(frame);
-  back_faces_.draw(frame, box, cut_face_, surface);
+  if (frame.surface_shown()) surface_positions_.draw(frame, surface);
   set_uniforms(program, frame);
   set_empty_space(program.ray(), frame, visibility);
   draw_front_faces(program, frame, box);
@@ -48,7 +48,10 @@ void Raycaster::draw(const VolumeFrame& frame, Box& box, Surface& surface) {
 
 void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame& frame) const {
   use_volume_program(program, frame);
-  bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, back_faces_.texture());
+  const bool surface = frame.surface_shown();
+  bind_volume_texture(volume_unit::surface, GL_TEXTURE_2D, surface ? surface_positions_.texture() : 0);
+  glUniform1i(program.ray().endsOnSurface, surface ? 1 : 0);
+  glUniform1f(program.ray().boxEnd, 0.5F * frame.box.end() + 0.5F);
   const int slices = std::min(frame.settings.slices, most_slices);
   glUniform1i(program.ray().slices, slices);
   glUniform1f(program.ray().stepSize, 1.7320508F / static_cast<float>(slices));
