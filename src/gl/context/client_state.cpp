@@ -1,4 +1,4 @@
-#include "gl/client_state.h"
+#include "gl/context/client_state.h"
 
 #include <cstddef>
 #include <exception>
