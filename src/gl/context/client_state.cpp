@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <exception>
 
-#include "gl/context/current_context.h"
+#include "gl/context/context_identity.h"
 #include "gl/context/opengl_loader.h"
 
 namespace oct::gl {
@@ -82,17 +82,15 @@ void for_each_further_unit(Use&& use) {
   glActiveTexture(GL_TEXTURE0);
 }
 
-// Nothing where there is no context that can be worked in: the call finds out as well, and says so.
-std::optional<DrawingState::Version> usable_version() {
-  if (!is_context_current()) return std::nullopt;
+// Where there is no context that can be worked in, the call finds out as well, and says so.
+bool usable() {
+  if (current_driver().card == 0) return false;
   try {
     require_opengl();
   } catch (const std::exception&) {
-    return std::nullopt;
+    return false;
   }
-  const DrawingState::Version version{integer(GL_MAJOR_VERSION), integer(GL_MINOR_VERSION)};
-  if (version < DrawingState::Version{3, 3} || !glBindSampler) return std::nullopt;
-  return version;
+  return current_driver().version >= Version{3, 3} && glBindSampler;
 }
 
 }  // namespace
@@ -109,9 +107,9 @@ FirstTextureUnit::~FirstTextureUnit() {
   if (active_unit_ != GL_TEXTURE0) glActiveTexture(static_cast<GLenum>(active_unit_));
 }
 
-DrawingState::DrawingState(Version version)
+DrawingState::DrawingState()
     : compatibility_profile_((integer(GL_CONTEXT_PROFILE_MASK) & GL_CONTEXT_COMPATIBILITY_PROFILE_BIT) != 0),
-      has_clip_control_(version >= Version{4, 5} && glClipControl) {
+      has_clip_control_(current_driver().version >= Version{4, 5} && glClipControl) {
   save();
   reset();
 }
@@ -232,11 +230,10 @@ DrawingState::~DrawingState() {
 }
 
 ClientState::ClientState(Use use) {
-  const auto version = usable_version();
-  if (!version) return;
+  if (!usable()) return;
   unpack_.emplace();
   textures_.emplace();
-  if (use == Use::drawing) drawing_.emplace(*version);
+  if (use == Use::drawing) drawing_.emplace();
 }
 
 }  // namespace oct::gl

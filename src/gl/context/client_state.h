@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <compare>
 #include <optional>
 
 #include "gl/gl.h"
@@ -31,13 +30,7 @@ class FirstTextureUnit {
 // where the library itself leaves another: a client's context mostly is as OpenGL starts.
 class DrawingState {
  public:
-  struct Version {
-    GLint major = 0;
-    GLint minor = 0;
-    auto operator<=>(const Version&) const = default;
-  };
-
-  explicit DrawingState(Version version);
+  DrawingState();
   ~DrawingState();
   DrawingState(const DrawingState&) = delete;
   DrawingState& operator=(const DrawingState&) = delete;

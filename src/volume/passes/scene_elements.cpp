@@ -40,10 +40,10 @@ bool shows_removed_segment(const VolumeFrame& frame) {
 // Draws parts of one buffer one after the other, blended, in the foreground's colour.
 class SceneElements::Brush {
  public:
-  Brush(const VolumeFrame& frame, const gl::Geometry& geometry)
-      : program_(frame.programs.simple), color_(frame.settings.foreground) {
+  Brush(const VolumeFrame& frame, const KeptVertices& vertices)
+      : program_(frame.programs.simple()), color_(frame.settings.foreground) {
     program_.use();
-    geometry.bind();
+    vertices.bind();
   }
 
   void set_matrices(const glm::mat4& projection, const glm::mat4& modelview) const {
@@ -66,6 +66,19 @@ class SceneElements::Brush {
   const gl::SmoothLines smooth_;
 };
 
+void SceneElements::KeptVertices::upload(const std::vector<glm::vec3>& vertices) {
+  if (vertices.empty() || accepted_ == vertices) return;
+  accepted_.reset();
+  geometry_.set_vertices(std::span<const glm::vec3>(vertices));
+  gl::throwOnGLError("VolumeRenderer::elements changed");
+  accepted_ = vertices;
+}
+
+void SceneElements::KeptVertices::release() {
+  geometry_.release();
+  accepted_.reset();
+}
+
 SceneElements::Part SceneElements::Layout::add(const std::vector<glm::vec3>& part) {
   const auto first = static_cast<GLint>(vertices.size());
   vertices.insert(vertices.end(), part.begin(), part.end());
@@ -87,28 +100,19 @@ void SceneElements::arrange(const VolumeFrame& frame) {
   if (cuts_volume(frame)) layout_.border = layout_.add(frame.clip_plane.border());
   if (shows_removed_segment(frame))
     layout_.removed_panes = layout_.add(frame.box.removed_faces(frame.clip_plane.plane()));
-  if (flags.scale_marks) arrange_marks(frame);
-  upload();
+  box_.upload(layout_.vertices);
 }
 
-void SceneElements::arrange_marks(const VolumeFrame& frame) {
+void SceneElements::provide_marks(const VolumeFrame& frame) {
   font_failure_ = nullptr;
   try {
     provide_fonts(font_height(frame.camera.viewport));
   } catch (...) {
     font_failure_ = std::current_exception();
   }
-  const Marks& marks = marks_of(frame);
-  layout_.ticks = layout_.add(marks.marks.ticks);
-  if (fonts_) fonts_->show(marks.labels);
-}
-
-void SceneElements::upload() {
-  if (layout_.vertices.empty() || uploaded_ == layout_.vertices) return;
-  uploaded_.reset();
-  geometry_.set_vertices(std::span<const glm::vec3>(layout_.vertices));
-  gl::throwOnGLError("VolumeRenderer::elements changed");
-  uploaded_ = layout_.vertices;
+  update_marks(frame);
+  ticks_.upload(marks_->marks.ticks);
+  if (fonts_) fonts_->show(marks_->labels);
 }
 
 void SceneElements::provide_fonts(int height) {
@@ -118,14 +122,14 @@ void SceneElements::provide_fonts(int height) {
   fonts_ = std::make_unique<FontRenderer>(height);
 }
 
-const SceneElements::Marks& SceneElements::marks_of(const VolumeFrame& frame) {
+void SceneElements::update_marks(const VolumeFrame& frame) {
   const Camera& camera = frame.camera;
   const glm::vec3& extent = frame.range.extent;
   const bool known = marks_ && marks_->extent == extent && marks_->camera.modelview == camera.modelview &&
                      marks_->camera.projection == camera.projection &&
                      marks_->camera.viewport.width == camera.viewport.width &&
                      marks_->camera.viewport.height == camera.viewport.height;
-  if (known) return *marks_;
+  if (known) return;
   const MeasureText measure = [this](const std::string& text, bool caption) {
     return fonts_ ? fonts_->size({text, caption}) : glm::ivec2(0);
   };
@@ -133,13 +137,12 @@ const SceneElements::Marks& SceneElements::marks_of(const VolumeFrame& frame) {
   marks_ = Marks{camera, extent, scale_marks(camera, extent, style, measure), {}};
   for (const MarkLabel& label : marks_->marks.labels)
     marks_->labels.push_back({{label.text, label.caption}, label.anchor, label.offset});
-  return *marks_;
 }
 
 void SceneElements::draw_behind(const VolumeFrame& frame) {
   arrange(frame);
   {
-    Brush brush(frame, geometry_);
+    Brush brush(frame, box_);
     brush.set_matrices(frame.camera.projection, frame.camera.element_modelview);
     const gl::DepthTest depth(GL_LEQUAL);
     if (frame.volume_shown()) {
@@ -160,8 +163,9 @@ void SceneElements::draw_behind(const VolumeFrame& frame) {
 }
 
 void SceneElements::draw_in_front(const VolumeFrame& frame) {
+  if (frame.settings.frame.scale_marks) provide_marks(frame);
   {
-    Brush brush(frame, geometry_);  // its matrices are still those of the first half
+    Brush brush(frame, box_);  // its matrices are still those of the first half
     const gl::DepthTest depth(GL_LEQUAL);
     // The plane parts the box: one side of it lies in front of the other as a whole.
     if (shows_removed_segment(frame) && frame.cut_faces_viewer()) draw_removed_segment(brush);
@@ -198,10 +202,9 @@ void SceneElements::draw_removed_segment(Brush& brush) const {
 }
 
 void SceneElements::draw_scale_marks(const VolumeFrame& frame, Brush& brush) const {
-  if (layout_.ticks.count > 0) {
-    brush.set_matrices(glm::mat4(1.0F), glm::mat4(1.0F));
-    brush.draw(GL_LINES, layout_.ticks, 1.0F);
-  }
+  ticks_.bind();
+  brush.set_matrices(glm::mat4(1.0F), glm::mat4(1.0F));
+  brush.draw(GL_LINES, {0, static_cast<GLsizei>(marks_->marks.ticks.size())}, 1.0F);
   const Viewport& viewport = frame.camera.viewport;
   const LabelView view{frame.camera.projection, frame.camera.modelview, {viewport.width, viewport.height}};
   if (fonts_) fonts_->draw(glm::vec3(frame.settings.foreground), view);
@@ -210,8 +213,8 @@ void SceneElements::draw_scale_marks(const VolumeFrame& frame, Brush& brush) con
 void SceneElements::release() {
   sectional_view.release();
   layout_ = {};
-  geometry_.release();
-  uploaded_.reset();
+  box_.release();
+  ticks_.release();
   fonts_.reset();
   marks_.reset();
 }

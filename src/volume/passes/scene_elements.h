@@ -15,17 +15,17 @@
 
 namespace oct {
 
-// Elements are parted: before the volume comes what lies behind it, and after it what lies in front. All of a frame's
-// lines and panes are one buffer and all its labels another, which are uploaded when they change.
+// Elements are parted: before the volume comes what lies behind it, and after it what lies in front. The box's lines
+// and panes are one buffer, all ticks another and all labels a third, which are uploaded when they change.
 class SceneElements {
  public:
   SectionalView sectional_view;
 
-  // The first half of a frame. Says where everything is that the frame shows.
+  // The first half of a frame.
   void draw_behind(const VolumeFrame& frame);
 
-  // Of the same frame. Scale marks, which lie beside the box, come last. Without any font on the machine they have
-  // no labels; that is thrown once everything else is drawn.
+  // Of the same frame. Scale marks, which lie beside the box, are made here and come last. Without any font on the
+  // machine they have no labels; that is thrown once everything else is drawn.
   void draw_in_front(const VolumeFrame& frame);
 
   void release();  // deletes the OpenGL objects and the text renderers
@@ -33,7 +33,19 @@ class SceneElements {
  private:
   class Brush;
 
-  // Of the buffer.
+  // Vertices, uploaded when they are not those that OpenGL has accepted last.
+  class KeptVertices {
+   public:
+    void upload(const std::vector<glm::vec3>& vertices);
+    void bind() const { geometry_.bind(); }
+    void release();
+
+   private:
+    gl::Geometry geometry_;
+    std::optional<std::vector<glm::vec3>> accepted_;
+  };
+
+  // Of a buffer.
   struct Part {
     GLint first = 0;
     GLsizei count = 0;
@@ -41,7 +53,7 @@ class SceneElements {
   struct Layout {
     std::vector<glm::vec3> vertices;
     Part far_panes, near_panes, removed_panes;  // triangles
-    Part far_edges, near_edges, border, ticks;  // lines; the ticks in normalised device coordinates
+    Part far_edges, near_edges, border;         // lines
 
     Part add(const std::vector<glm::vec3>& part);
   };
@@ -55,18 +67,17 @@ class SceneElements {
   };
 
   void arrange(const VolumeFrame& frame);
-  void arrange_marks(const VolumeFrame& frame);
-  void upload();
+  void provide_marks(const VolumeFrame& frame);
   void provide_fonts(int height);
-  const Marks& marks_of(const VolumeFrame& frame);
+  void update_marks(const VolumeFrame& frame);
 
   void draw_border(Brush& brush, bool in_front) const;
   void draw_removed_segment(Brush& brush) const;
   void draw_scale_marks(const VolumeFrame& frame, Brush& brush) const;
 
   Layout layout_;
-  gl::Geometry geometry_;
-  std::optional<std::vector<glm::vec3>> uploaded_;  // what OpenGL has accepted
+  KeptVertices box_;
+  KeptVertices ticks_;  // normalised device coordinates
   std::unique_ptr<FontRenderer> fonts_;
   std::exception_ptr font_failure_;
   std::optional<Marks> marks_;
