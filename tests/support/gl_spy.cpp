@@ -297,7 +297,10 @@ OCT_WATCH(glClear, (GLbitfield buffers), buffers)
 OCT_WATCH(glDrawArrays, (GLenum mode, GLint first, GLsizei count), mode, first, count)
 OCT_WATCH(glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices), mode, count, type,
           indices)
+OCT_WATCH(glDrawBuffer, (GLenum buffer), buffer)
 OCT_WATCH(glReadBuffer, (GLenum buffer), buffer)
+OCT_WATCH(glGetTexLevelParameteriv, (GLenum target, GLint level, GLenum name, GLint* value), target, level,
+          name, value)
 OCT_WATCH(glReadPixels,
           (GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels), x, y,
           width, height, format, type, pixels)
