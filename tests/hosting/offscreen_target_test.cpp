@@ -52,8 +52,8 @@ TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
   const int deletions = spy.calls("glDeleteRenderbuffers");
   clearOffscreenTarget(targets[0]);
   EXPECT_EQ(spy.calls("glDeleteRenderbuffers") - deletions, 4) << "each name twice";
-  EXPECT_EQ(spy.live_objects(), 0U);
   clearOffscreenTarget(targets[1]);
+  EXPECT_EQ(spy.live_objects(), 0U);
   clearOffscreenTarget(nullptr);
   EXPECT_EQ(pending_error(), "(none)");
   EXPECT_FALSE(gl::is_context_current());
