@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "gl/pixel_store.h"
+
 namespace oct::gl {
 namespace {
 
@@ -13,7 +15,8 @@ GLint asked(GLenum query) {
   return value;
 }
 
-// Of the draw framebuffer's first buffer; 0 for those that nobody draws a picture to.
+// Of the draw framebuffer's first buffer; 0 for those that nobody draws a picture to, and for a window's that is not
+// there. No error is pending.
 GLint bits_of_red() {
   auto buffer = static_cast<GLenum>(asked(GL_DRAW_BUFFER0));
   if (buffer == GL_BACK) buffer = GL_BACK_LEFT;
@@ -23,7 +26,7 @@ GLint bits_of_red() {
   GLint bits = 0;
   glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, buffer, GL_FRAMEBUFFER_ATTACHMENT_RED_SIZE,
                                         &bits);
-  return bits;
+  return glGetError() == GL_NO_ERROR ? bits : 0;
 }
 
 }  // namespace
@@ -38,14 +41,15 @@ void KeptPicture::begin(GLsizei width, GLsizei height) {
   if (!framebuffer_ || !color_ || width != width_ || height != height_) {
     release();
     framebuffer_ = Framebuffer::create();
-    color_ = Renderbuffer::create();
-    if (!framebuffer_ || !color_)
-      throw std::runtime_error("Could not create a framebuffer for the picture. ");
-    glBindRenderbuffer(GL_RENDERBUFFER, color_.get());
-    glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, width, height);
-    glBindRenderbuffer(GL_RENDERBUFFER, 0);
+    color_ = Texture::create();
+    if (!framebuffer_ || !color_) throw std::runtime_error("Invalid texture for rendering....");
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_2D, color_.get());
+    reset_pixel_unpack();
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    glBindTexture(GL_TEXTURE_2D, 0);
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
-    glFramebufferRenderbuffer(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color_.get());
+    glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, color_.get(), 0);
     width_ = width;
     height_ = height;
   }

@@ -12,7 +12,7 @@ class KeptPicture {
  public:
   // Whether a copy shows in the current draw target what drawing there shows: the target has one sample a pixel and
   // eight bits a channel. Pictures above 4096 pixels a side do not pay: a viewport may be far larger than what
-  // it shows of itself.
+  // it shows of itself. To be asked where no OpenGL error is pending.
   static bool suits_target(GLsizei width, GLsizei height);
 
   // Calls draw with the picture as target, in place of what is bound now. What OpenGL says to it is the caller's to
@@ -39,7 +39,7 @@ class KeptPicture {
   void begin(GLsizei width, GLsizei height);
 
   Framebuffer framebuffer_;
-  Renderbuffer color_;
+  Texture color_;
   GLsizei width_ = 0;
   GLsizei height_ = 0;
   bool kept_ = false;

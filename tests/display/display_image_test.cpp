@@ -119,14 +119,16 @@ Scene scene_of_everything() {
 
 TEST(DisplayImageGLTest, NothingThatTheClientSetShowsOrChanges) {
   const Scene scene = scene_of_everything();
-  const DisplayStage stage;
-  const Picture good = stage.draw(scene);
-  EXPECT_TRUE(agree(good, reference_picture(scene)));
-  expect_same_whatever_the_client_sets(stage.target, good, [&] {
-    uninitDisplayRendering(stage.renderer);
-    initDisplayRendering(stage.renderer);  // so that everything is uploaded again
-    renderDisplay(stage.renderer);
-  });
+  for (const int frames : {1, 3}) {  // drawn, and shown again
+    const DisplayStage stage;
+    const Picture good = stage.draw(scene);
+    EXPECT_TRUE(agree(good, reference_picture(scene)));
+    expect_same_whatever_the_client_sets(stage.target, good, [&] {
+      uninitDisplayRendering(stage.renderer);
+      initDisplayRendering(stage.renderer);  // so that everything is uploaded again
+      for (int i = 0; i < frames; ++i) renderDisplay(stage.renderer);
+    });
+  }
   EXPECT_EQ(pending_error(), "(none)");
 }
 

@@ -309,7 +309,10 @@ decltype(glTexImage2D) __real_glTexImage2D;
 void GLAPIENTRY __wrap_glTexImage2D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
                                     GLint border, GLenum format, GLenum type, const void* pixels) {
   const bool proxy = target == GL_PROXY_TEXTURE_2D;
-  const std::string kind = internal == GL_R32F ? "R32F" : internal == GL_R16F ? "R16F" : "other";
+  const std::string kind = internal == GL_R32F      ? "R32F"
+                           : internal == GL_R16F    ? "R16F"
+                           : internal == GL_RGBA32F ? "RGBA32F"
+                                                    : "other";
   // A refused proxy has no extent; so has one that is asked for without.
   if (spy && spy->enter(kind + (proxy ? " proxy" : " texture"))) width = 0;
   watched(proxy ? "" : "glTexImage2D", __real_glTexImage2D, target, level, internal, width, height, border,
