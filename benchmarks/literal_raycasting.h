@@ -43,7 +43,7 @@ inline const char* const compositing = R"(
       }
     }
     if (length(current - front) >= max_length) break;
-    current += step;
+    current = front + float(i + 1) * step;
   }
   frag_color = final;
 }
@@ -55,7 +55,7 @@ inline const char* const maximum = R"(
     maximum = max(maximum, texture(volumeTex, current.yxz).r);
     if (maximum > upperValue) break;
     if (length(current - front) >= max_length) break;
-    current += step;
+    current = front + float(i) * step;
   }
   frag_color = texture(colorTex, (maximum - lowerValue) / diffInt);
 }
@@ -67,7 +67,7 @@ inline const char* const mean = R"(
   for (int i = 1; i <= slices; ++i) {
     mean += texture(volumeTex, current.yxz).r;
     if (length(current - front) >= max_length) break;
-    current += step;
+    current = front + float(i) * step;
     ++counter;
   }
   mean /= float(counter);

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <ctime>
 #include <string>
+#include <optional>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -20,6 +21,7 @@
 #include "raycast_phantom.h"
 #include "shaders.h"
 #include "volume/passes/raycaster.h"
+#include "volume/skipping/empty_space.h"
 
 using oct::benchmark_scene::Median;
 
@@ -55,6 +57,11 @@ class Scene {
     const std::vector<float> data = phantom();
     volume_.allocate({voxels, voxels, voxels}, half_float ? GL_R16F : GL_R32F, "phantom", data.data());
     source_.volume = volume_.get();
+    maxima_.emplace(oct::VolumeExtent{voxels, voxels, voxels}, 4,
+                    half_float ? oct::BrickTexture::edges_in_half_float : oct::BrickTexture::edges);
+    for (int k = 0; k < voxels; ++k) maxima_->take_b_scan(k, {data.data() + std::size_t{voxels} * voxels * std::size_t(k), voxels});
+    source_.volume_maxima = &*maxima_;
+    source_.empty_space = &empty_;
     oct::ColormapSettings& coloring =
         settings_.colormaps.emplace()[static_cast<std::size_t>(oct::ColormapRole::main)];
     coloring.colors.set(mode == 3 ? ramp(1.0, 1.0) : ramp(0.12, 2.0));
@@ -101,6 +108,8 @@ class Scene {
   oct::Box box_;
   oct::Surface surface_;
   oct::gl::Texture3D volume_;
+  std::optional<oct::BrickMaxima> maxima_;
+  oct::EmptySpace empty_;
 };
 
 void raycasting(benchmark::State& state) {

@@ -30,8 +30,8 @@ void stream_row(float* destination, const float* source, std::size_t count, cons
 
 // Line::finish() makes all that was stored visible to other threads.
 template <class Line>
-void copy_block(float* destination, const float* source, std::size_t count, std::size_t streamed_bytes) {
-  if (count * sizeof(float) >= streamed_bytes) {
+void copy_block(float* destination, const float* source, std::size_t count, bool streamed) {
+  if (streamed) {
     stream_row<Line>(destination, source, count, source);
     Line::finish();
   } else if (count > 0) {

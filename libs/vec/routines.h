@@ -9,9 +9,10 @@ namespace oct::vec {
 enum class InstructionSet { scalar, sse, sse2, sse41, avx };
 
 struct Routines {
-  void (*copy)(float*, const float*, std::size_t);
+  void (*copy)(float*, const float*, std::size_t, std::size_t);
   void (*crop_copy)(float*, const float*, std::size_t, std::size_t, std::size_t);
   Extremes (*extremes)(const float*, std::size_t);
+  void (*raise)(float*, const float*, std::size_t);
   std::size_t (*count_not_above)(const float*, std::size_t, float);
   void (*subtract)(float*, const std::uint16_t*, const float*, std::size_t);
   void (*powers)(float*, const float*, std::size_t);

@@ -48,8 +48,8 @@ Routines routines_of(InstructionSet set) {
   return routines;
 }
 
-void copy(float* destination, const float* source, std::size_t count) {
-  best().copy(destination, source, count);
+void copy(float* destination, const float* source, std::size_t count, std::size_t whole) {
+  best().copy(destination, source, count, whole > count ? whole : count);
 }
 
 void crop_copy(float* destination, const float* source, std::size_t a_scans, std::size_t source_samples,
@@ -59,6 +59,10 @@ void crop_copy(float* destination, const float* source, std::size_t a_scans, std
 
 Extremes extremes(const float* values, std::size_t count) {
   return best().extremes(values, count);
+}
+
+void raise(float* maxima, const float* values, std::size_t count) {
+  best().raise(maxima, values, count);
 }
 
 std::size_t count_not_above(const float* values, std::size_t count, float limit) {

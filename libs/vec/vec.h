@@ -11,7 +11,8 @@ namespace oct::vec {
 
 // Copies count floats. Large blocks go past the caches, whose content they would displace: right for buffers
 // of the graphics driver, which may be write-combined, and for whatever is not read again at once.
-void copy(float* destination, const float* source, std::size_t count);
+// A part of a larger copy says how many floats the whole has.
+void copy(float* destination, const float* source, std::size_t count, std::size_t whole = 0);
 
 // Of each of a_scans rows of source_samples floats, copies the first kept_samples; the destination is packed.
 // Stores as copy() does.
@@ -25,6 +26,9 @@ struct Extremes {
 
 // The lowest and the highest value; NaN is ignored. Which zero stands for a zero of either sign is open.
 Extremes extremes(const float* values, std::size_t count);
+
+// maxima[i] = the greater of maxima[i] and values[i]; NaN is ignored.
+void raise(float* maxima, const float* values, std::size_t count);
 
 // How many values are at most limit; NaN is not.
 std::size_t count_not_above(const float* values, std::size_t count, float limit);

@@ -75,8 +75,8 @@ struct Line {
   static void finish() { _mm_sfence(); }
 };
 
-void copy_avx(float* destination, const float* source, std::size_t count) {
-  copy_block<Line>(destination, source, count, streamed_bytes);
+void copy_avx(float* destination, const float* source, std::size_t count, std::size_t whole) {
+  copy_block<Line>(destination, source, count, whole * sizeof(float) >= streamed_bytes);
 }
 
 void crop_copy_avx(float* destination, const float* source, std::size_t a_scans, std::size_t source_samples,
@@ -104,6 +104,7 @@ void set_avx(Routines& routines) {
   routines.copy = copy_avx;
   routines.crop_copy = crop_copy_avx;
   routines.extremes = extremes_wide<Eight>;
+  routines.raise = raise_wide<Eight>;
   routines.count_not_above = count_not_above_wide<Eight>;
   routines.powers = powers_wide<Eight>;
   routines.decibels = decibels_wide<Eight>;

@@ -10,14 +10,14 @@ namespace {
 
 constexpr float infinity = __builtin_inff();
 
-void copy_scalar(float* destination, const float* source, std::size_t count) {
+void copy_scalar(float* destination, const float* source, std::size_t count, std::size_t) {
   if (count > 0) std::memcpy(destination, source, count * sizeof(float));
 }
 
 void crop_copy_scalar(float* destination, const float* source, std::size_t a_scans,
                       std::size_t source_samples, std::size_t kept_samples) {
   for (std::size_t a_scan = 0; a_scan < a_scans; ++a_scan) {
-    copy_scalar(destination + a_scan * kept_samples, source + a_scan * source_samples, kept_samples);
+    copy_scalar(destination + a_scan * kept_samples, source + a_scan * source_samples, kept_samples, 0);
   }
 }
 
@@ -28,6 +28,10 @@ Extremes extremes_scalar(const float* values, std::size_t count) {
     if (values[i] > result.highest) result.highest = values[i];
   }
   return result;
+}
+
+void raise_scalar(float* maxima, const float* values, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) maxima[i] = values[i] > maxima[i] ? values[i] : maxima[i];
 }
 
 std::size_t count_not_above_scalar(const float* values, std::size_t count, float limit) {
@@ -79,7 +83,7 @@ void to_uint16_scalar(std::uint16_t* destination, const float* values, std::size
 }  // namespace
 
 void set_scalar(Routines& routines) {
-  routines = {copy_scalar,     crop_copy_scalar, extremes_scalar, count_not_above_scalar,
+  routines = {copy_scalar,     crop_copy_scalar, extremes_scalar, raise_scalar, count_not_above_scalar,
               subtract_scalar, powers_scalar,    decibels_scalar, to_uint16_scalar};
 }
 

@@ -17,8 +17,8 @@ struct Line {
   static void finish() { _mm_sfence(); }
 };
 
-void copy_sse(float* destination, const float* source, std::size_t count) {
-  copy_block<Line>(destination, source, count, streamed_bytes);
+void copy_sse(float* destination, const float* source, std::size_t count, std::size_t whole) {
+  copy_block<Line>(destination, source, count, whole * sizeof(float) >= streamed_bytes);
 }
 
 }  // namespace
@@ -26,6 +26,7 @@ void copy_sse(float* destination, const float* source, std::size_t count) {
 void set_sse(Routines& routines) {
   routines.copy = copy_sse;
   routines.extremes = extremes_wide<Four>;
+  routines.raise = raise_wide<Four>;
   routines.count_not_above = count_not_above_wide<Four>;
   routines.powers = powers_wide<Four>;
 }

@@ -46,6 +46,19 @@ Extremes extremes_wide(const float* values, std::size_t count) {
   return result;
 }
 
+template <class Register>
+void raise_wide(float* maxima, const float* values, std::size_t count) {
+  constexpr std::size_t width = Register::width;
+  std::size_t i = 0;
+  for (; i + 2 * width <= count; i += 2 * width) {
+    const auto first = Register::maximum(Register::load(values + i), Register::load(maxima + i));
+    const auto second = Register::maximum(Register::load(values + i + width), Register::load(maxima + i + width));
+    Register::store(maxima + i, first);
+    Register::store(maxima + i + width, second);
+  }
+  for (; i < count; ++i) maxima[i] = values[i] > maxima[i] ? values[i] : maxima[i];
+}
+
 // Counts as floats, which are exact up to 2^24 in every lane; so many rounds stay far below.
 constexpr std::size_t countable = std::size_t{1} << 16U;
 

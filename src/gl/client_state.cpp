@@ -25,7 +25,8 @@ constexpr TextureTarget block{GL_TEXTURE_3D, GL_TEXTURE_BINDING_3D};
 
 // What the programs of the renderers sample. The first unit serves uploads of every kind as well.
 constexpr std::array<TextureTarget, 3> first_unit{line, plane, block};
-constexpr std::array<TextureTarget, 6> further_units{line, plane, block, line, line, block};
+constexpr std::array<TextureTarget, 9> further_units{line,  plane, block, line, line,
+                                                     block, block, plane, plane};
 
 // All off while the library draws. So is multisampling: beyond a silhouette, where a sample may lie that
 // its pixel's centre misses, a ray has no beginning and no end.

@@ -51,8 +51,8 @@ class DrawingState {
   GLint program_ = 0;
   GLint vertex_array_ = 0;
   GLint array_buffer_ = 0;
-  std::array<GLint, 6> textures_{};  // of the units after the first
-  std::array<GLint, 7> samplers_{};
+  std::array<GLint, 9> textures_{};  // of the units after the first
+  std::array<GLint, 10> samplers_{};
 
   std::array<GLboolean, 4> color_mask_{};
   std::array<GLfloat, 4> clear_color_{};

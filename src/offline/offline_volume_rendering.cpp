@@ -23,6 +23,7 @@ OfflineVolumeRendering::~OfflineVolumeRendering() {
   const TimingMark mark("~OfflineVolumeRendering");
   volume_.reset();
   overlay_.reset();
+  empty_space_.release();
   secondary_.reset();
 }
 
@@ -155,7 +156,7 @@ void OfflineVolumeRendering::render(Content content) {
   renderer_->render(source(content));
 }
 
-VolumeSource OfflineVolumeRendering::source(Content content) const {
+VolumeSource OfflineVolumeRendering::source(Content content) {
   VolumeSource source;
   source.range = range_of(axial_, lateral1_, lateral2_);
   if (secondary_) {
@@ -165,11 +166,13 @@ VolumeSource OfflineVolumeRendering::source(Content content) const {
   if (!volume_ || volume_.extent().empty()) return source;
   source.slice_count = static_cast<int>(volume_.extent().b_scans);
   const bool overlay_alone = content == Content::overlay;
-  const gl::Texture3D& shown = overlay_alone ? overlay_ : volume_;
+  VolumeTexture& shown = overlay_alone ? overlay_ : volume_;
   source.main_colormap_is_overlay = overlay_alone;
   if (shown) {
     source.volume = shown.get();
     source.volume_revisions = &shown.revisions();
+    source.volume_maxima = shown.maxima();
+    source.empty_space = &empty_space_;
   }
   // An overlay comes whole, and can be looked at before there is a volume.
   source.filled_fraction = filled_.value_or(overlay_alone ? 1.0F : 0.0F);
@@ -177,6 +180,7 @@ VolumeSource OfflineVolumeRendering::source(Content content) const {
     source.overlay = overlay_.get();
     source.overlay_present = true;
     source.overlay_revisions = &overlay_.revisions();
+    source.overlay_maxima = overlay_.maxima();
   }
   return source;
 }

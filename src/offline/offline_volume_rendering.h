@@ -5,6 +5,8 @@
 #include <optional>
 
 #include "gl/texture_3d.h"
+#include "volume/skipping/empty_space.h"
+#include "volume/skipping/volume_texture.h"
 #include "volume/volume_renderer.h"
 
 namespace oct {
@@ -50,7 +52,7 @@ class OfflineVolumeRendering {
   void render(Content content);
 
   // What a frame of that content draws.
-  VolumeSource source(Content content) const;
+  VolumeSource source(Content content);
 
  private:
   void require_volume() const;
@@ -64,8 +66,9 @@ class OfflineVolumeRendering {
   bool refused_ = false;  // the last allocation
   std::optional<float>
       filled_;  // fraction of the volume; none: nothing has been uploaded since the allocation
-  gl::Texture3D volume_;
-  gl::Texture3D overlay_;
+  VolumeTexture volume_;
+  VolumeTexture overlay_;
+  EmptySpace empty_space_;  // of what was drawn last
   gl::Texture3D secondary_;
 };
 

@@ -33,7 +33,6 @@ void VolumeRenderer::init() {
   release();
   try {
     programs_.load_scene();
-    raycaster_.create();
     programs_.load_raycasting();
     create_colormaps();
     gl::throwOnGLError("VolumeRenderer::init");

@@ -159,6 +159,10 @@ TEST_P(Variants, EqualThePlainLoops) {
       to[0] = found.lowest + 0.0F;  // which of two zeros is open
       to[1] = found.highest + 0.0F;
     });
+    expect_same<float>("raise", count, offset, [&](const Routines& routines, auto& to) {
+      std::copy_n(background.data(), count, to.data());
+      routines.raise(to.data(), values.data(), count);
+    });
     for (const float limit : {-infinity, -1.0F, -0.0F, 0.0F, 0.5F, 65535.0F, infinity, not_a_number}) {
       EXPECT_EQ(variant_.count_not_above(values.data(), count, limit),
                 scalar_.count_not_above(values.data(), count, limit))
@@ -297,7 +301,7 @@ void expect_copied(const Routines& routines, std::size_t count, std::size_t sour
                    std::size_t offset) {
   GuardedArray<float> source = numbered(count, source_offset);
   GuardedArray<float> destination(count, offset);
-  routines.copy(destination.data(), source.data(), count);
+  routines.copy(destination.data(), source.data(), count, count);
   EXPECT_TRUE(destination == source && destination.is_intact_around())
       << count << " floats from " << source_offset << " to " << offset;
 }

@@ -177,6 +177,7 @@ class VolumeFaultTest : public VolumeTest {
 TEST_F(VolumeFaultTest, AFrameThatFailsTellsThePlace) {
   scene_.scale_marks = scene_.edges = scene_.box = scene_.clip = true;
   scene_.clip_value = 0.6F;
+  scene_.surface = {4, 4, 1.0, std::vector<float>(16, 0.5F)};
   stage_.draw(scene_);
   const struct {
     const char* function;
@@ -184,7 +185,7 @@ TEST_F(VolumeFaultTest, AFrameThatFailsTellsThePlace) {
     int after = 0;
   } faults[] = {
       {"glTexImage1D", "An OpenGL error in render: colormap changed occured: "},
-      {"glTexImage2D", "An OpenGL error in FontRenderer::rasterise occured: ", 1},
+      {"glTexImage2D", "An OpenGL error in FontRenderer::rasterise occured: ", 4},
       {"glGenTextures", "Invalid texture for rendering...."},
       {"glGenBuffers", "Could not create OpenGL buffer. "},
       {"glGenVertexArrays", "Could not create OpenGL buffer. "},

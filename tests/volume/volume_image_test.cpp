@@ -225,7 +225,7 @@ TEST(VolumeImageTest, SamplesAtTheRimStartNoRaysWithoutEnd) {
     {
       const MultisampledTarget target(picture.width, picture.height);
       // The export would switch the samples off.
-      const auto* const offline = reinterpret_cast<const OfflineVolumeRendering*>(stage.offline);
+      auto* const offline = reinterpret_cast<OfflineVolumeRendering*>(stage.offline);
       reinterpret_cast<VolumeRenderer*>(stage.renderer)
           ->render(offline->source(OfflineVolumeRendering::Content::volume));
     }

@@ -25,7 +25,7 @@ class VolumeTest : public testing::Test {
   const VolumeRenderer& object() const { return *reinterpret_cast<VolumeRenderer*>(renderer_); }
   VolumeSource source(
       OfflineVolumeRendering::Content content = OfflineVolumeRendering::Content::volume) const {
-    return reinterpret_cast<const OfflineVolumeRendering*>(offline_)->source(content);
+    return reinterpret_cast<OfflineVolumeRendering*>(offline_)->source(content);
   }
   VolumeSettings settings() const { return object().settings(); }
   Picture frame(int content = 0) const {

@@ -3,13 +3,20 @@
 #include <stdexcept>
 
 #include "core/timing_mark.h"
+#include "volume/skipping/visibility.h"
 
 namespace oct {
 
 bool VolumeColormap::update(const ColormapSettings& settings) {
   lower_ = settings.lower;
   upper_ = settings.upper;
+  visible_from_ = composite_limit(settings.colors.colors(), lower_, upper_);
   return texture_.upload(settings.colors);
+}
+
+void VolumeColormap::release() {
+  texture_.release();
+  samples_.release();
 }
 
 void VolumeColormaps::update(const VolumeSettings& settings) {
@@ -17,6 +24,11 @@ void VolumeColormaps::update(const VolumeSettings& settings) {
   if (!exist_) return;
   for (std::size_t role = 0; role < colormaps_.size(); ++role) {
     if (colormaps_[role].update((*settings.colormaps)[role])) record_timing_mark("render: colormap changed");
+  }
+  // Those that rays look up with every sample.
+  for (const ColormapRole role : {ColormapRole::main, ColormapRole::overlay}) {
+    const auto i = static_cast<std::size_t>(role);
+    colormaps_[i].update_samples((*settings.colormaps)[i]);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "gl/colormap.h"
+#include "volume/frame/sample_colors.h"
 #include "volume/frame/volume_settings.h"
 
 namespace oct {
@@ -12,16 +13,21 @@ class VolumeColormap {
  public:
   // Uploads the colours if they are not those of the texture; true when it did.
   bool update(const ColormapSettings& settings);
-  void release() { texture_.release(); }
+  void update_samples(const ColormapSettings& settings) { samples_.upload(settings.colors); }
+  void release();
 
   float lower() const { return lower_; }
   float upper() const { return upper_; }
+  float visible_from() const { return visible_from_; }  // up to here a composite shows nothing
   GLuint texture() const { return texture_.get(); }
+  GLuint sample_texture() const { return samples_.get(); }
 
  private:
   float lower_ = 0.0F;
   float upper_ = 1.0F;
+  float visible_from_ = 0.0F;
   ColormapTexture texture_;
+  SampleColorsTexture samples_;
 };
 
 class VolumeColormaps {

@@ -32,6 +32,15 @@ void RaycastingProgram::load(const std::string& name, const std::string& vertexS
   locations_.stepSize = uniform("stepSize");
   locations_.clipPlane = uniform("clipPlane");
   locations_.eye = uniform("eye");
+  locations_.endsOnSurface = uniform("endsOnSurface");
+  locations_.boxEnd = uniform("boxEnd");
+  locations_.emptyTex = uniform("emptyTex");
+  locations_.grid = uniform("grid");
+  locations_.brickScale = uniform("brickScale");
+  locations_.brickOffset = uniform("brickOffset");
+  locations_.limitCount = uniform("limitCount");
+  locations_.limits = uniform("limits");
+  locations_.sampleColorTex = uniform("sampleColorTex");
 }
 
 }  // namespace oct

@@ -24,7 +24,7 @@ void SurfaceProgram::load() {
 }
 
 void SurfaceBackProgram::load() {
-  load_to_program("surface_back_program", shaders::surface_back_vert, shaders::raycasting_back_frag);
+  load_to_program("surface_back_program", shaders::surface_back_vert, shaders::surface_back_frag);
   modelview = uniform("modelview");
   projection = uniform("projection");
   clipPlane = uniform("clipPlane");
@@ -41,8 +41,6 @@ void VolumePrograms::load_scene() {
 
 void VolumePrograms::load_raycasting() {
   const char* const front = shaders::raycasting_vert;
-  raycasting_back.load("raycasting_back_program", shaders::raycasting_back_vert,
-                       shaders::raycasting_back_frag);
   surface_back.load();
   raycasting.load("raycasting_program", front, shaders::raycasting_frag);
   raycasting_maximum.load("raycasting_program_mip", front, shaders::raycasting_mip_frag);
@@ -62,7 +60,7 @@ void VolumePrograms::unload() {
   surface.release();
   surface_back.release();
   for (VolumeRenderingProgram* const program : std::initializer_list<VolumeRenderingProgram*>{
-           &section, &section_overlay, &raycasting_back, &raycasting, &raycasting_maximum, &raycasting_mean,
+           &section, &section_overlay, &raycasting, &raycasting_maximum, &raycasting_mean,
            &raycasting_dual_coloring, &raycasting_overlay, &raycasting_overlay_maximum,
            &raycasting_overlay_mean}) {
     program->release();

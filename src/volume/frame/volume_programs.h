@@ -33,7 +33,6 @@ class VolumePrograms {
   SurfaceProgram surface;                  // "surface_program": vec3 position (0), vec3 normal (1)
   SurfaceBackProgram surface_back;         // "surface_back_program": vec3 position (0)
 
-  RaycastingProgram raycasting_back;
   RaycastingProgram raycasting;
   RaycastingProgram raycasting_maximum;
   RaycastingProgram raycasting_mean;

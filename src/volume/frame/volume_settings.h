@@ -17,6 +17,9 @@
 
 namespace oct {
 
+class BrickMaxima;
+class EmptySpace;
+
 enum class RenderingMode { raycasting = 0, sectional_view = 1 };
 enum class VolumeMode { normal = 0, maximum = 1, mean = 2, dual_coloring = 3 };
 enum class ColormapRole : std::size_t { main, overlay, secondary, surface };
@@ -70,6 +73,10 @@ struct VolumeSource {
   // Which slices of the textures changed; null where there is no texture.
   const gl::SliceRevisions* volume_revisions = nullptr;
   const gl::SliceRevisions* overlay_revisions = nullptr;
+  // What rays may jump over: all of it the owner's, made ready by the frame. Null: nothing is known.
+  BrickMaxima* volume_maxima = nullptr;
+  BrickMaxima* overlay_maxima = nullptr;
+  EmptySpace* empty_space = nullptr;
 };
 
 // 0xRRGGBBAA; alpha is always 1.

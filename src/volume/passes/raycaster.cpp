@@ -8,6 +8,7 @@
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "volume/layout/box_view.h"
+#include "volume/passes/ray_skipping.h"
 
 namespace oct {
 namespace {
@@ -24,7 +25,7 @@ bool secondary_slice_exists(const VolumeFrame& frame) {
 }  // namespace
 
 void Raycaster::release() {
-  back_faces_.release();
+  surface_positions_.release();
   cut_face_.release();
   face_before_eye_.release();
 }
@@ -37,22 +38,29 @@ void Raycaster::draw(const VolumeFrame& frame, Box& box, Surface& surface) {
   const RaycastingProgram& program = frame.programs.raycasting_of(mode, frame.source.overlay_present);
   if (!frame.clip_plane.cut_face().empty()) cut_face_.set_vertices(frame.clip_plane.cut_face());
 
-  back_faces_.draw(frame, box, cut_face_, surface);
+  const Visibility visibility = prepare_empty_space(frame);
+  if (frame.surface_shown()) surface_positions_.draw(frame, surface);
   set_uniforms(program, frame);
+  set_empty_space(program.ray(), frame, visibility);
   draw_front_faces(program, frame, box);
   gl::throwOnGLError("render_raycasting::drawing");
 }
 
 void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame& frame) const {
   use_volume_program(program, frame);
-  bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, back_faces_.texture());
-  glUniform1i(program.ray().backTex, volume_unit::back);
+  const bool surface = frame.surface_shown();
+  bind_volume_texture(volume_unit::surface, GL_TEXTURE_2D, surface ? surface_positions_.texture() : 0);
+  glUniform1i(program.ray().backTex, volume_unit::surface);
+  glUniform1i(program.ray().endsOnSurface, surface ? 1 : 0);
+  glUniform1f(program.ray().boxEnd, 0.5F * frame.box.end() + 0.5F);
   const int slices = std::min(frame.settings.slices, most_slices);
   glUniform1i(program.ray().slices, slices);
   glUniform1f(program.ray().stepSize, 1.7320508F / static_cast<float>(slices));
   glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clip_plane.plane()));
   const glm::vec4 eye = eye_in_model(frame.camera);
   glUniform4fv(program.ray().eye, 1, glm::value_ptr(glm::vec4(0.5F * (glm::vec3(eye) + eye.w), eye.w)));
+  bind_volume_texture(volume_unit::sample_color, GL_TEXTURE_2D, frame.main_colormap().sample_texture());
+  glUniform1i(program.ray().sampleColorTex, volume_unit::sample_color);
   if (frame.settings.volume_mode == VolumeMode::dual_coloring) set_secondary(program, frame);
 }
 

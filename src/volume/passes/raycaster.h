@@ -2,14 +2,13 @@
 #pragma once
 
 #include "volume/frame/volume_frame.h"
-#include "volume/passes/back_faces.h"
 #include "volume/passes/box.h"
+#include "volume/passes/surface_positions.h"
 
 namespace oct {
 
 class Raycaster {
  public:
-  void create() { back_faces_.create(); }
   void release();
 
   // Blends the volume over what is drawn, as far as the surface, if one is shown. Nothing is drawn of a volume
@@ -21,7 +20,7 @@ class Raycaster {
   void set_secondary(const RaycastingProgram& program, const VolumeFrame& frame) const;
   void draw_front_faces(const RaycastingProgram& program, const VolumeFrame& frame, Box& box);
 
-  BackFaces back_faces_;
+  SurfacePositions surface_positions_;
   gl::Geometry cut_face_;
   gl::Geometry face_before_eye_;
 };

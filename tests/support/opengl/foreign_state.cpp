@@ -49,7 +49,7 @@ void bind_buffer(GLenum target) {
 }
 
 void bind_textures_and_samplers() {
-  for (GLuint unit = 0; unit < 8; ++unit) {
+  for (GLuint unit = 0; unit < 11; ++unit) {
     glActiveTexture(GL_TEXTURE0 + unit);
     std::array<GLuint, 3> textures{};
     glGenTextures(3, textures.data());
@@ -246,7 +246,7 @@ StateValues state_values() {
   if (is_compatibility_profile()) add(GL_ALPHA_TEST, GL_POLYGON_STIPPLE, GL_LINE_STIPPLE);
   GLint active = 0;
   glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
-  for (unit = GL_TEXTURE0; unit < GL_TEXTURE0 + 8; ++unit) {
+  for (unit = GL_TEXTURE0; unit < GL_TEXTURE0 + 11; ++unit) {
     glActiveTexture(unit);
     add(GL_TEXTURE_BINDING_1D, GL_TEXTURE_BINDING_2D, GL_TEXTURE_BINDING_3D, GL_SAMPLER_BINDING);
   }

@@ -2,20 +2,7 @@
 void main() {
   if (clip_dist < 0.0) discard;
   Ray ray = cast_ray();
-  vec3 current = front;
-  float mean = sample_at(current);
-  int i = 1;
-  for (; i <= ray.sure; ++i) {
-    mean += sample_at(current);
-    current += ray.step;
-  }
-  int counter = ray.sure;
-  for (; i <= slices; ++i) {
-    mean += sample_at(current);
-    if (at_end(ray, current)) break;
-    current += ray.step;
-    ++counter;
-  }
-  mean /= float(max(counter, 1));
-  frag_color = color_at(colorTex, normalised(mean));
+  float sum = sample_at(front);
+  for (int i = 0; i <= min(ray.last, slices - 1); ++i) sum += sample_at(place(ray, i));
+  frag_color = color_at(colorTex, normalised(sum / float(max(ray.last, 1))));
 }

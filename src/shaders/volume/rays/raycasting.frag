@@ -8,7 +8,7 @@ const float opaque = 0.9;  // enough for the eye; what lies behind is not sample
 
 void composite(vec3 current) {
   float value = sample_at(current);
-  if (value > lowerValue) blend(color_at(colorTex, normalised(value)));
+  if (value > lowerValue) blend(sample_color(value));
 }
 
 #include "volume/rays/composite_main.glsl"

@@ -7,7 +7,7 @@ uniform vec4 clipPlane;
 out vec4 clip_pos;
 out vec3 front;
 out float clip_dist;
-invariant gl_Position;  // fronts and backs meet in the same pixels
+invariant gl_Position;  // fronts and ends meet in the same pixels
 
 void main() {
   clip_pos = projection * modelview * vertex;

@@ -15,7 +15,7 @@ const float opaque = 0.9;
 void composite(vec3 current) {
   float value = sample_at(current);
   if (!(value > lowerValue)) return;
-  vec4 color = color_at(colorTex, normalised(value));
+  vec4 color = sample_color(value);
   float secondary = textureLod(secondaryTex, vec3(secondarySlice, current.x, current.z), 0.0).r;
   float surface = clamp((secondary - lowerValue2) / (upperValue2 - lowerValue2), 0.0, 1.0);
   color.rgb *= (1.0 + surface) * color_at(colorTex2, surface).rgb;

@@ -9,29 +9,34 @@ const float opaque = 0.99;  // more than without an overlay; its rays go on to t
 
 // The overlay's maximum along the ray, normalised, is the weight it is blended with.
 float overlay = -1e6;
+float overlay_value = -1e38;  // as it is stored
 
 void composite(vec3 current) {
   if (!(final.a > opaque)) {
-    float value = sample_at(current);
-    if (value > lowerValue) blend(color_at(colorTex, normalised(value)));
+    float intensity = sample_at(current);
+    if (intensity > lowerValue) blend(sample_color(intensity));
   }
-  overlay = max(normalised_overlay(textureLod(volumeOverlayTex, current.yxz, 0.0).r), overlay);
+  float value = textureLod(volumeOverlayTex, current.yxz, 0.0).r;
+  overlay_value = max(value, overlay_value);
+  overlay = max(normalised_overlay(value), overlay);
 }
 
+#include "volume/rays/limits.glsl"
+
+// The loop of the plain composites, but to the end of the ray: the overlay's maximum needs all of it. Before the
+// maximum has reached a limit everything counts.
 void main() {
   if (clip_dist < 0.0) discard;
   Ray ray = cast_ray();
-  vec3 current = front;
+  Walk walk = walk_of(ray);
   int i = 0;
-  for (; i < ray.sure; ++i) {
-    composite(current);
-    current += ray.step;
-  }
-  for (; i <= slices; ++i) {
-    composite(current);
-    if (at_end(ray, current)) break;
-    current += ray.step;
+  while (i <= ray.last) {
+    composite(place(ray, i));
+    if (i < ray.last) composite(place(ray, i + 1));
+    i += 2;
+    int limit = limits_reached(overlay_value);
+    if (limit > 0) i += empty_samples(walk, i, limit - 1);
   }
   vec4 over = vec4(color_at(colorOverlayTex, overlay).rgb, overlay);
-  frag_color = mix(final, over, over.a);
+  frag_color = mix(composite_color(), over, over.a);
 }

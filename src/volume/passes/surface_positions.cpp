@@ -1,9 +1,7 @@
-#include "volume/passes/back_faces.h"
+#include "volume/passes/surface_positions.h"
 
 #include <stdexcept>
 #include <string>
-
-#include <glm/gtc/type_ptr.hpp>
 
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
@@ -20,22 +18,17 @@ namespace {
 
 }  // namespace
 
-void ScreenTexture::create() {
-  if (!texture_) texture_ = gl::Texture::create();
-  rebuild_ = true;
-}
-
 void ScreenTexture::release() {
   texture_.reset();
   rebuild_ = true;
 }
 
 void ScreenTexture::fit(Viewport viewport) {
-  if (!texture_) create();
+  if (!texture_) texture_ = gl::Texture::create(), rebuild_ = true;
   if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
   if (!rebuild_ && size_.width == viewport.width && size_.height == viewport.height) return;
   rebuild_ = true;
-  bind_volume_texture(volume_unit::back, GL_TEXTURE_2D, texture_.get());
+  bind_volume_texture(volume_unit::surface, GL_TEXTURE_2D, texture_.get());
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
@@ -48,59 +41,34 @@ void ScreenTexture::fit(Viewport viewport) {
   rebuild_ = false;
 }
 
-void BackFaces::create() {
-  positions_.create();
-  if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
-}
-
-void BackFaces::release() {
+void SurfacePositions::release() {
   framebuffer_.reset();
   positions_.release();
   depth_.release();
 }
 
-void BackFaces::attach(bool with_depth) const {
+void SurfacePositions::attach() const {
   glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, positions_.get(), 0);
-  glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D,
-                         with_depth ? depth_.get() : 0, 0);
+  glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, depth_.get(), 0);
   const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
   if (status != GL_FRAMEBUFFER_COMPLETE) incomplete(status);
 }
 
-void BackFaces::draw(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face, Surface& surface) {
-  const bool ends_on_surface = frame.surface_shown();
+void SurfacePositions::draw(const VolumeFrame& frame, Surface& surface) {
   const Viewport viewport = frame.camera.viewport;
   positions_.fit(viewport);
-  if (ends_on_surface) depth_.fit(viewport);
+  depth_.fit(viewport);
   if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
   if (!framebuffer_) incomplete(GL_FRAMEBUFFER_UNDEFINED);
   const gl::DrawTargetGuard target;
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
   glViewport(0, 0, viewport.width, viewport.height);
-  attach(ends_on_surface);
+  attach();
   const gl::ScopedDisable disabled(GL_SCISSOR_TEST);
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-  draw_volume(frame, box, cut_face);
-  if (!ends_on_surface) return;
   const gl::DepthTest nearest(GL_LEQUAL, true);
   surface.draw_back(frame);
-}
-
-void BackFaces::draw_volume(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face) {
-  const gl::DepthTest depth(GL_ALWAYS, true);
-  const gl::FaceCulling culling(GL_FRONT, frame.front_winding());
-  const RaycastingProgram& program = frame.programs.raycasting_back;
-  program.use();
-  glUniformMatrix4fv(program.at().modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
-  glUniformMatrix4fv(program.at().projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
-  const auto corners = static_cast<GLsizei>(frame.clip_plane.cut_face().size());
-  if (corners > 0 && !frame.cut_faces_viewer()) {
-    glUniform4f(program.ray().clipPlane, 0.0F, 0.0F, 0.0F, 0.0F);
-    cut_face.draw(GL_TRIANGLES, 0, corners);
-  }
-  glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clip_plane.plane()));
-  box.draw(frame.box);
 }
 
 }  // namespace oct

@@ -1,9 +1,8 @@
-// Where each view ray leaves the volume: a texture of the viewport's size with positions in texture space.
+// Where view rays meet the surface: a texture of the viewport's size with positions in texture space.
 #pragma once
 
 #include "gl/gl_names.h"
 #include "volume/frame/volume_frame.h"
-#include "volume/passes/box.h"
 #include "volume/passes/surface.h"
 
 namespace oct {
@@ -13,7 +12,6 @@ class ScreenTexture {
  public:
   explicit ScreenTexture(GLint format) : format_(format) {}
 
-  void create();
   void release();
   void fit(Viewport viewport);
 
@@ -26,23 +24,21 @@ class ScreenTexture {
   bool rebuild_ = true;
 };
 
-class BackFaces {
+class SurfacePositions {
  public:
-  void create();
   void release();
 
-  // On the far faces of the box, on the cut where it is seen from behind, or on the surface, whichever comes
-  // first. Leaves the draw framebuffer and the viewport as they were.
-  void draw(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face, Surface& surface);
+  // Those that are nearest to the viewer, with 1 as fourth component, and 0 where there is no surface. Leaves the draw
+  // framebuffer and the viewport as they were.
+  void draw(const VolumeFrame& frame, Surface& surface);
 
   GLuint texture() const { return positions_.get(); }
 
  private:
-  void attach(bool with_depth) const;
-  void draw_volume(const VolumeFrame& frame, Box& box, gl::Geometry& cut_face);
+  void attach() const;
 
   ScreenTexture positions_{GL_RGBA32F};
-  ScreenTexture depth_{GL_DEPTH_COMPONENT32F};  // made for the first surface
+  ScreenTexture depth_{GL_DEPTH_COMPONENT32F};
   gl::Framebuffer framebuffer_;
 };
 

@@ -1,0 +1,85 @@
+#include "volume/frame/sample_colors.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstdlib>
+#include <stdexcept>
+
+#include "gl/opengl_error.h"
+#include "gl/pixel_store.h"
+
+namespace oct {
+namespace {
+
+using Color = std::array<float, 4>;
+
+constexpr std::size_t fewest = 8192;
+constexpr std::size_t most = 65536;
+
+Color color_of(std::uint32_t bytes) {
+  Color color;
+  for (std::size_t i = 0; i < color.size(); ++i)
+    color[i] = static_cast<float>(bytes >> (8 * i) & 0xFFU) / 255.0F;
+  return color;
+}
+
+// The largest difference of two neighbours in one channel, from 0 to 255.
+int steepest(const Colormap& colors) {
+  int largest = 0;
+  for (std::size_t i = 1; i < colors.size(); ++i) {
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+      const auto one = static_cast<int>(colors[i - 1] >> shift & 0xFFU);
+      const auto other = static_cast<int>(colors[i] >> shift & 0xFFU);
+      largest = std::max(largest, std::abs(one - other));
+    }
+  }
+  return largest;
+}
+
+}  // namespace
+
+SampleColors::SampleColors(const Colormap& colors) {
+  const std::size_t needed = colors.size() * static_cast<std::size_t>(steepest(colors));
+  const std::size_t count = std::bit_ceil(std::clamp(needed, fewest, most));
+  const auto last = static_cast<double>(colors.size() - 1);
+  values.reserve(4 * count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const double share = (static_cast<double>(i) + 0.5) / static_cast<double>(count);
+    const double position = std::clamp(share * static_cast<double>(colors.size()) - 0.5, 0.0, last);
+    const double below = std::floor(position);
+    const Color one = color_of(colors[static_cast<std::size_t>(below)]);
+    const Color other = color_of(colors[static_cast<std::size_t>(std::min(below + 1.0, last))]);
+    const auto weight = static_cast<float>(position - below);
+    const auto mixed = [&](std::size_t c) { return one[c] + weight * (other[c] - one[c]); };
+    for (std::size_t c = 0; c < 3; ++c) values.push_back(mixed(c) * mixed(3));
+    values.push_back(mixed(3));
+  }
+}
+
+void SampleColorsTexture::upload(const RevisedColormap& colormap) {
+  if (texture_ && uploaded_ == colormap.revision()) return;
+  uploaded_ = 0;  // the texture is about to be spoilt
+  if (!texture_) texture_ = gl::Texture::create();
+  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  const SampleColors colors(colormap.colors());
+  glActiveTexture(GL_TEXTURE0);
+  glBindTexture(GL_TEXTURE_2D, texture_.get());
+  for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
+    glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0);
+  gl::reset_pixel_unpack();
+  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, static_cast<GLsizei>(SampleColors::row),
+               static_cast<GLsizei>(colors.rows()), 0, GL_RGBA, GL_FLOAT, colors.values.data());
+  glBindTexture(GL_TEXTURE_2D, 0);
+  gl::throwOnGLError("render: colormap changed");
+  uploaded_ = colormap.revision();
+}
+
+void SampleColorsTexture::release() {
+  texture_.reset();
+  uploaded_ = 0;
+}
+
+}  // namespace oct
