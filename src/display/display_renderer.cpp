@@ -40,10 +40,8 @@ void DisplayRenderer::init() {
   gl::throwOnGLError("Before DisplayRenderer::init");
   release();
   try {
-    build(display_[0], "display_program", shaders::display_frag);
-    build(display_[1], "display_program_in_fours", shaders::display_in_fours_frag);
-    build(overlay_[0], "overlay_program", shaders::overlay_frag);
-    build(overlay_[1], "overlay_program_in_fours", shaders::overlay_in_fours_frag);
+    built(display_, TexelLayout::single);
+    built(overlay_, TexelLayout::single);
     filters_.init();
     quad_.create("Could not create OpenGL buffer. ");
     gl::throwOnGLError("DisplayRenderer::init");
@@ -55,34 +53,48 @@ void DisplayRenderer::init() {
   initialized_ = true;
 }
 
-void DisplayRenderer::build(DisplayProgram& program, const char* name, const char* fragment_source) {
-  gl::Shader& shader = program.shader;
-  shader.load_to_program(name, shaders::display_vert, fragment_source);
-  program.lowerValue = shader.uniform("lowerValue");
-  program.upperValue = shader.uniform("upperValue");
-  program.displayTex = shader.uniform("displayTex");
-  program.colorTex = shader.uniform("colorTex");
-  program.textureSize = shader.uniform("textureSize");
-  program.texelCount = shader.uniform("texelCount");
-  program.displaySize = shader.uniform("displaySize");
-  program.dpp = shader.uniform("DPP");
-  program.gamma = shader.uniform("gamma");
-  program.flip = shader.uniform("flip");
+void DisplayRenderer::DisplayProgram::build(TexelLayout layout) {
+  if (layout == TexelLayout::single) {
+    shader.load_to_program("display_program", shaders::display_vert, shaders::display_frag);
+  } else {
+    shader.load_to_program("display_program_in_fours", shaders::display_vert, shaders::display_in_fours_frag);
+  }
+  lowerValue = shader.uniform("lowerValue");
+  upperValue = shader.uniform("upperValue");
+  displayTex = shader.uniform("displayTex");
+  colorTex = shader.uniform("colorTex");
+  textureSize = shader.uniform("textureSize");
+  texelCount = shader.uniform("texelCount");
+  displaySize = shader.uniform("displaySize");
+  dpp = shader.uniform("DPP");
+  gamma = shader.uniform("gamma");
+  flip = shader.uniform("flip");
 }
 
-void DisplayRenderer::build(OverlayProgram& program, const char* name, const char* fragment_source) {
-  gl::Shader& shader = program.shader;
-  shader.load_to_program(name, shaders::display_vert, fragment_source);
-  program.lowerValue = shader.uniform("lowerValue");
-  program.upperValue = shader.uniform("upperValue");
-  program.displayTex = shader.uniform("displayTex");
-  program.overlayTex = shader.uniform("overlayTex");
-  program.colorTex = shader.uniform("colorTex");
-  program.textureSize = shader.uniform("textureSize");
-  program.texelCount = shader.uniform("texelCount");
-  program.displaySize = shader.uniform("displaySize");
-  program.threshold = shader.uniform("threshold");
-  program.flip = shader.uniform("flip");
+void DisplayRenderer::OverlayProgram::build(TexelLayout layout) {
+  if (layout == TexelLayout::single) {
+    shader.load_to_program("overlay_program", shaders::display_vert, shaders::overlay_frag);
+  } else {
+    shader.load_to_program("overlay_program_in_fours", shaders::display_vert, shaders::overlay_in_fours_frag);
+  }
+  lowerValue = shader.uniform("lowerValue");
+  upperValue = shader.uniform("upperValue");
+  displayTex = shader.uniform("displayTex");
+  overlayTex = shader.uniform("overlayTex");
+  colorTex = shader.uniform("colorTex");
+  textureSize = shader.uniform("textureSize");
+  texelCount = shader.uniform("texelCount");
+  displaySize = shader.uniform("displaySize");
+  threshold = shader.uniform("threshold");
+  flip = shader.uniform("flip");
+}
+
+// The program for a layout, built when it is first asked for.
+template <class Program>
+const Program& DisplayRenderer::built(std::array<Program, layout_count>& programs, TexelLayout layout) {
+  Program& program = programs[static_cast<std::size_t>(layout)];
+  if (program.shader.program() == 0) program.build(layout);
+  return program;
 }
 
 void DisplayRenderer::release() {
@@ -201,7 +213,7 @@ void DisplayRenderer::draw_base(const Frame& frame, const TextureView& image) {
   const Content& content = frame.content;
   const LayerSettings& layer = content.layers[0].settings;
   const ImageExtent& extent = image.extent;
-  const DisplayProgram& program = display_[static_cast<std::size_t>(image.layout)];
+  const DisplayProgram& program = built(display_, image.layout);
 
   program.shader.use();
   bind_texture(display_unit, GL_TEXTURE_2D, image.texture);
@@ -225,7 +237,7 @@ void DisplayRenderer::draw_overlays(const Frame& frame, const TextureView& image
   if (std::none_of(layers.begin() + 1, layers.end(), shown)) return;
 
   const TextureView overlay = overlay_data_.upload(*frame.overlay_image, TexelLayout::single);
-  const OverlayProgram& program = overlay_[static_cast<std::size_t>(image.layout)];
+  const OverlayProgram& program = built(overlay_, image.layout);
   const gl::Blending blending;
   program.shader.use();
   bind_texture(display_unit, GL_TEXTURE_2D, image.texture);

@@ -111,20 +111,24 @@ class DisplayRenderer {
     gl::Shader shader;
     GLint lowerValue, upperValue, displayTex, colorTex, textureSize, texelCount, displaySize, dpp, gamma,
         flip;
+
+    void build(TexelLayout layout);
   };
 
   struct OverlayProgram {
     gl::Shader shader;
     GLint lowerValue, upperValue, displayTex, overlayTex, colorTex, textureSize, texelCount, displaySize,
         threshold, flip;
+
+    void build(TexelLayout layout);
   };
 
   static std::size_t overlay_layer(int overlay);
   void set_layer_colormap(std::size_t layer, const void* colors, int count);
   void set_layer_boundaries(std::size_t layer, double lower, double upper);
 
-  static void build(DisplayProgram& program, const char* name, const char* fragment_source);
-  static void build(OverlayProgram& program, const char* name, const char* fragment_source);
+  template <class Program>
+  static const Program& built(std::array<Program, layout_count>& programs, TexelLayout layout);
   void release();
   void release_textures();
   Frame take_frame(GLsizei width, GLsizei height);
