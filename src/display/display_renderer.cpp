@@ -93,7 +93,13 @@ void DisplayRenderer::OverlayProgram::build(TexelLayout layout) {
 template <class Program>
 const Program& DisplayRenderer::built(std::array<Program, layout_count>& programs, TexelLayout layout) {
   Program& program = programs[static_cast<std::size_t>(layout)];
-  if (program.shader.program() == 0) program.build(layout);
+  if (program.shader.program() != 0) return program;
+  try {
+    program.build(layout);
+  } catch (...) {
+    program.shader.release();  // it may have linked before a checkpoint found an older error
+    throw;
+  }
   return program;
 }
 

@@ -194,6 +194,34 @@ TEST_F(DisplayApiGLTest, WhatHasNotChangedIsNotDoneAgain) {
   }
 }
 
+// Of four frames, the first of another image: one is drawn, one keeps its picture, two copy it. Whichever call fails, the
+// error is told, and the frames that tell none are right.
+TEST_F(DisplayApiGLTest, AFailedCallSpoilsNoLaterFrame) {
+  scene_.pepper = true;
+  apply(scene_, renderer_);
+  const Picture expected = reference_picture(scene_);
+  for (const char* const function : {"glBindFramebuffer", "glBindTexture", "glBlitFramebuffer", "glClear",
+                                     "glDrawArrays", "glUseProgram", "glTexSubImage2D", "glViewport"}) {
+    bool failed = true;
+    for (int call = 0; failed; ++call) {
+      SCOPED_TRACE(function + (" " + std::to_string(call)));
+      setDisplayData(renderer_, 40, 50, scene_.image.samples.data());
+      GlSpy spy;
+      spy.fail_next(function, 1, GL_OUT_OF_MEMORY, call);
+      int errors = 0;
+      for (int i = 0; i < 4; ++i) {
+        const Picture picture = frame();
+        const bool told = pending_error() != "(none)";
+        errors += told;
+        clear_gl_errors();
+        EXPECT_TRUE(told || agree(picture, expected));
+      }
+      failed = spy.calls(function) > call;
+      EXPECT_LE(errors, failed ? 1 : 0);
+    }
+  }
+}
+
 // What becomes of such frames is tested with every call; here it is what the errors say, without OpenGL's own words.
 TEST_F(DisplayApiGLTest, AFailedOpenGLCallTellsItsPlace) {
   scene_.first_blur = scene_.pepper = true;
