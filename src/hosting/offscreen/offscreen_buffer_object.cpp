@@ -45,10 +45,11 @@ void OffscreenBufferObject::prepare(std::uint32_t width, std::uint32_t height) {
     target_.create(columns, rows);
     width_ = columns;
     height_ = rows;
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
   }
+  glBindRenderbuffer(GL_RENDERBUFFER, 0);
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, target_.framebuffer.get());
-  glDrawBuffer(GL_COLOR_ATTACHMENT0);  // the client may have chosen another one in the frame before
+  glDrawBuffer(GL_COLOR_ATTACHMENT0);  // in the frame before the client may have chosen another one
   glViewport(0, 0, width_, height_);
   record_timing_mark("before_rendering");
 }
