@@ -1,6 +1,7 @@
 #include "volume/volume_renderer.h"
 
 #include <array>
+#include <utility>
 
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
@@ -32,11 +33,11 @@ void VolumeRenderer::init() {
   gl::require_opengl("Failed to initialize OpenGL.");
   release();
   try {
-    programs_.load_scene();
-    programs_.load_raycasting();
+    programs_.load(settings());
     create_colormaps();
     gl::throwOnGLError("VolumeRenderer::init");
     home_ = gl::current_identity();
+    first_frame_ = true;
   } catch (...) {
     release();
     throw;
@@ -82,6 +83,8 @@ void VolumeRenderer::render(const VolumeSource& source) {
   draw_opaque(frame);
   draw_behind_volume(frame);
   draw_rays(frame);
+  // The driver works on the rays while the first labels are made, fonts are looked for and programs translated.
+  if (std::exchange(first_frame_, false)) glFlush();
   draw_in_front(frame);
   finish_frame();
 }
@@ -106,7 +109,7 @@ void VolumeRenderer::clear_target() {
 
 void VolumeRenderer::draw_background(const VolumeFrame& frame) {
   background_.set_colors(frame.settings.background_bottom, frame.settings.background_top);
-  background_.draw(programs_.background);
+  background_.draw(programs_.background());
 }
 
 void VolumeRenderer::draw_opaque(const VolumeFrame& frame) {

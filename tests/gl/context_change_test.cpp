@@ -149,8 +149,8 @@ class LiveSubject : public Subject {
     float* const voxels = feed_->take(claim_);
     ASSERT_NE(voxels, nullptr);
     std::ranges::copy(volume_scene().volume.voxels, voxels);
-    std::vector<float> no_secondary;
-    feed_->fill(no_secondary, {});
+    LiveDelivery delivery;
+    feed_->fill(delivery);
     picture();
   }
   void draw() override { renderVolume(live_); }
@@ -227,6 +227,26 @@ INSTANTIATE_TEST_SUITE_P(Handles, NextContextGLTest,
                          testing::ValuesIn(can_change_context_handles
                                                ? std::vector{Handles::same, Handles::hidden}
                                                : std::vector{Handles::known}));
+
+TEST_F(ContextChangeGLTest, ADriverTellsItsNameOnceInAContextOfOursAndOncePerExportInAClients) {
+  make_subjects();
+  TestContext ours;
+  ClientContext clients;
+  for (const auto& subject : subjects_) {
+    for (const bool in_ours : {true, false}) {
+      in_ours ? ours.makeCurrent() : clients.makeCurrent();
+      subject->init();
+      subject->picture();
+      picture_of([&] {
+        const GlSpy spy;
+        subject->draw();
+        EXPECT_EQ(spy.calls("glGetString"), in_ours ? 0 : 3) << "vendor, renderer and version";
+      });
+      subject->uninit();
+    }
+  }
+  expect_no_error();
+}
 
 class TwoContextsGLTest : public ContextChangeGLTest {};
 
