@@ -320,7 +320,10 @@ OCT_WATCH(glClear, (GLbitfield buffers), buffers)
 OCT_WATCH(glDrawArrays, (GLenum mode, GLint first, GLsizei count), mode, first, count)
 OCT_WATCH(glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices), mode, count, type,
           indices)
+OCT_WATCH(glDrawBuffer, (GLenum buffer), buffer)
 OCT_WATCH(glReadBuffer, (GLenum buffer), buffer)
+OCT_WATCH(glGetTexLevelParameteriv, (GLenum target, GLint level, GLenum name, GLint* value), target, level,
+          name, value)
 OCT_WATCH(glReadPixels,
           (GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels), x, y,
           width, height, format, type, pixels)
@@ -346,7 +349,10 @@ decltype(glTexImage2D) __real_glTexImage2D;
 void GLAPIENTRY __wrap_glTexImage2D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
                                     GLint border, GLenum format, GLenum type, const void* pixels) {
   const bool proxy = target == GL_PROXY_TEXTURE_2D;
-  const std::string kind = internal == GL_R32F ? "R32F" : internal == GL_R16F ? "R16F" : "other";
+  const std::string kind = internal == GL_R32F      ? "R32F"
+                           : internal == GL_R16F    ? "R16F"
+                           : internal == GL_RGBA32F ? "RGBA32F"
+                                                    : "other";
   // A refused proxy has no extent; so has one that is asked for without.
   if (spy && spy->enter(kind + (proxy ? " proxy" : " texture"))) width = 0;
   watched(proxy ? "" : "glTexImage2D", __real_glTexImage2D, target, level, internal, width, height, border,

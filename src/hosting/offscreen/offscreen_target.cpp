@@ -51,12 +51,17 @@ void OffscreenTarget::begin_frame(std::uint32_t width, std::uint32_t height) {
 }
 
 void OffscreenTarget::prepare(std::uint32_t width, std::uint32_t height) {
-  buffer_.prepare(width, height);
-  gl::throwOnGLError("beginOffscreenFrame");
-  const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
-  if (status != GL_FRAMEBUFFER_COMPLETE) {
-    throw std::runtime_error(std::string("The offscreen framebuffer is not complete: ") +
-                             gl::framebufferStatusName(status));
+  try {
+    buffer_.prepare(width, height);
+    gl::throwOnGLError("beginOffscreenFrame");
+    const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
+    if (status != GL_FRAMEBUFFER_COMPLETE) {
+      throw std::runtime_error(std::string("The offscreen framebuffer is not complete: ") +
+                               gl::framebufferStatusName(status));
+    }
+  } catch (...) {
+    buffer_.discard();
+    throw;
   }
 }
 
@@ -65,8 +70,13 @@ void OffscreenTarget::finish_frame(void* pixels) {
   context_.makeCurrent();
   const gl::RestoreCurrent restore(*std::exchange(before_frame_, std::nullopt));
   const gl::ClientPack pack;
-  buffer_.finish(pixels);
-  gl::throwOnGLError("finishOffscreenFrame");
+  try {
+    buffer_.finish(pixels);
+    gl::throwOnGLError("finishOffscreenFrame");
+  } catch (...) {
+    buffer_.discard();
+    throw;
+  }
 }
 
 }  // namespace oct

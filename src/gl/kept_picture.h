@@ -1,0 +1,48 @@
+// A picture that is shown again while nothing changes: then a frame costs a copy.
+#pragma once
+
+#include <array>
+
+#include "gl/draw_state.h"
+#include "gl/gl_names.h"
+
+namespace oct::gl {
+
+class KeptPicture {
+ public:
+  // Whether a copy shows in the current draw target what drawing there shows: the target has one sample a pixel and
+  // eight bits a channel. Pictures above 4096 pixels a side do not pay: a viewport may be far larger than what
+  // it shows of itself. To be asked where no OpenGL error is pending.
+  static bool suits_target(GLsizei width, GLsizei height);
+
+  // Calls draw with the picture as target, in place of what is bound now. What OpenGL says to it is the caller's to
+  // ask; after an error release.
+  template <class Draw>
+  void keep(GLsizei width, GLsizei height, Draw&& draw) {
+    const DrawTargetGuard target;
+    const ScopedDisable whole{GL_SCISSOR_TEST};  // the client's counts in the client's target
+    begin(width, height);
+    draw();
+    kept_ = true;
+  }
+
+  // False for a picture that was kept in another context.
+  explicit operator bool() const { return kept_ && framebuffer_; }
+
+  // Into the draw target, pixel by pixel. The read framebuffer is another one afterwards.
+  void copy_to(const std::array<GLint, 4>& viewport) const;
+
+  void forget() { kept_ = false; }  // what it shows; the memory serves the next
+  void release();
+
+ private:
+  void begin(GLsizei width, GLsizei height);
+
+  Framebuffer framebuffer_;
+  Texture color_;
+  GLsizei width_ = 0;
+  GLsizei height_ = 0;
+  bool kept_ = false;
+};
+
+}  // namespace oct::gl
