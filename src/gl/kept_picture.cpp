@@ -60,8 +60,10 @@ void KeptPicture::begin(GLsizei width, GLsizei height) {
 void KeptPicture::copy_to(const std::array<GLint, 4>& viewport) const {
   const GLint x = viewport[0];
   const GLint y = viewport[1];
+  const auto before = static_cast<GLuint>(asked(GL_READ_FRAMEBUFFER_BINDING));
   glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_.get());
   glBlitFramebuffer(0, 0, width_, height_, x, y, x + width_, y + height_, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, before);
 }
 
 void KeptPicture::release() {

@@ -29,7 +29,7 @@ class KeptPicture {
   // False for a picture that was kept in another context.
   explicit operator bool() const { return kept_ && framebuffer_; }
 
-  // Into the draw target, pixel by pixel. The read framebuffer is another one afterwards.
+  // Into the draw target, pixel by pixel.
   void copy_to(const std::array<GLint, 4>& viewport) const;
 
   void forget() { kept_ = false; }  // what it shows; the memory serves the next

@@ -103,7 +103,6 @@ VolumeFrame VolumeRenderer::begin_frame(const VolumeSettings& settings, const Vo
 
 void VolumeRenderer::clear_target() {
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
-  glClearDepth(1.0);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
@@ -118,32 +117,19 @@ void VolumeRenderer::draw_opaque(const VolumeFrame& frame) {
 }
 
 void VolumeRenderer::draw_behind_volume(const VolumeFrame& frame) {
-  if (frame.volume_shown()) elements_.draw_translucent(frame, ElementPass::behind);
-  elements_.draw_frame(frame, ElementPass::behind);
-  if (!frame.volume_shown()) return;
-  if (frame.sectional()) {
-    elements_.sectional_view.draw_outline(frame);
-  } else if (clip_plane_.enabled()) {
-    elements_.draw_clip_plane_border(frame, ElementPass::behind);
-  }
+  elements_.draw_behind(frame);
+  if (frame.volume_shown() && frame.sectional()) elements_.sectional_view.draw_outline(frame);
 }
 
 void VolumeRenderer::draw_rays(const VolumeFrame& frame) {
-  if (!frame.volume_shown() || frame.sectional()) return;
-  if (frame.settings.remove_segment) elements_.draw_removed_segment(frame, ElementPass::behind);
-  raycaster_.draw(frame, box_, surface_);
-  if (frame.settings.remove_segment) elements_.draw_removed_segment(frame, ElementPass::in_front);
-  // The rays covered the border's part on the cut.
-  if (clip_plane_.enabled()) elements_.draw_clip_plane_border(frame, ElementPass::in_front);
+  if (frame.volume_shown() && !frame.sectional()) raycaster_.draw(frame, box_, surface_);
 }
 
 void VolumeRenderer::draw_in_front(const VolumeFrame& frame) {
-  if (frame.volume_shown()) elements_.draw_translucent(frame, ElementPass::in_front);
-  elements_.draw_frame(frame, ElementPass::in_front);
+  elements_.draw_in_front(frame);
 }
 
 void VolumeRenderer::finish_frame() {
-  bind_volume_texture(volume_unit::volume, GL_TEXTURE_3D, 0);
   gl::throwOnGLError("OfflineRendering::render");
 }
 

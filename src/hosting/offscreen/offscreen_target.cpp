@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "core/console.h"
-#include "gl/client_state.h"
+#include "gl/pixel_store.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
 #include "hosting/host/opengl_host.h"
@@ -69,7 +69,7 @@ void OffscreenTarget::finish_frame(void* pixels) {
   if (!before_frame_) throw std::runtime_error("No offscreen frame has been begun. ");
   context_.makeCurrent();
   const gl::RestoreCurrent restore(*std::exchange(before_frame_, std::nullopt));
-  const gl::TransferState transfer;
+  const gl::ClientPack pack;
   try {
     buffer_.finish(pixels);
     gl::throwOnGLError("finishOffscreenFrame");
