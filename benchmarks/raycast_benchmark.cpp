@@ -54,13 +54,11 @@ class Scene {
     settings_.view.angle_x = static_cast<float>(oct::benchmark_scene::angle_x);
     settings_.view.angle_y = static_cast<float>(oct::benchmark_scene::angle_y);
     settings_.render_volume = true;
-    const std::vector<float> data = phantom();
-    volume_.allocate({voxels, voxels, voxels}, half_float ? GL_R16F : GL_R32F, "phantom", data.data());
+    volume_.allocate({voxels, voxels, voxels}, half_float ? GL_R16F : GL_R32F, "phantom", data_.data());
     source_.volume = volume_.get();
     maxima_.emplace(oct::VolumeExtent{voxels, voxels, voxels}, 4,
                     half_float ? oct::BrickTexture::edges_in_half_float : oct::BrickTexture::edges);
-    for (int k = 0; k < voxels; ++k)
-      maxima_->take_b_scan(k, {data.data() + std::size_t{voxels} * voxels * std::size_t(k), voxels});
+    take_maxima();
     source_.volume_maxima = &*maxima_;
     source_.empty_space = &empty_;
     oct::ColormapSettings& coloring =
@@ -73,6 +71,18 @@ class Scene {
     const char* const texts[] = {oct::literal::compositing, oct::literal::maximum, oct::literal::mean,
                                  oct::literal::compositing};
     plain_.emplace(texts[mode], oct::Viewport{pixels, pixels});
+  }
+
+  void set_slices(int slices) { settings_.slices = slices; }
+  // The view turns, boundaries are dragged in every third frame, and in every fifth another volume has come.
+  void move(int frame) {
+    settings_.view.angle_y = static_cast<float>(6 * frame % 360);
+    if (frame % 3 == 0) {
+      (*settings_.colormaps)[static_cast<std::size_t>(oct::ColormapRole::main)].lower =
+          static_cast<float>(oct::benchmark_scene::lowerValue) + 0.001F * static_cast<float>(frame);
+      colormaps_.update(settings_);
+    }
+    if (frame % 5 == 0) take_maxima();
   }
 
   void draw(bool ours) {
@@ -91,6 +101,12 @@ class Scene {
   }
 
  private:
+  void take_maxima() {
+    for (int k = 0; k < voxels; ++k)
+      maxima_->take_b_scan(k, {data_.data() + std::size_t{voxels} * voxels * std::size_t(k), voxels});
+  }
+
+  const std::vector<float> data_ = phantom();
   oct::VolumeSettings settings_;
   oct::VolumeSource source_;
   oct::VolumeColormaps colormaps_;
@@ -147,6 +163,61 @@ BENCHMARK(raycasting)
     ->ArgNames({"mode", "half"})
     ->Iterations(15)
     ->Unit(benchmark::kMillisecond);
+
+// 512 slices against 128.
+void many_slices(benchmark::State& state) {
+  const OffscreenTargetHandle target = createOffscreenTarget();
+  beginOffscreenFrame(target, pixels, pixels);
+  {
+    Scene scene(static_cast<int>(state.range(0)), true);
+    std::array<Median, 2> cpu;
+    for (auto _ : state) {
+      for (const bool many : {false, true}) {
+        scene.set_slices(many ? 512 : 128);
+        const double start = cpu_milliseconds();
+        scene.draw(true);
+        cpu[many ? 1 : 0].add(cpu_milliseconds() - start);
+      }
+    }
+    state.counters["ratio"] = cpu[1].value() / cpu[0].value();
+  }
+  finishOffscreenFrame(target, nullptr);
+  clearOffscreenTarget(target);
+}
+BENCHMARK(many_slices)
+    ->Arg(0)
+    ->Arg(3)
+    ->Arg(1)
+    ->Arg(2)
+    ->ArgName("mode")
+    ->Iterations(15)
+    ->Unit(benchmark::kMillisecond);
+
+// The worst of 120 frames against their median, while everything moves.
+void moving(benchmark::State& state) {
+  const OffscreenTargetHandle target = createOffscreenTarget();
+  beginOffscreenFrame(target, pixels, pixels);
+  {
+    Scene scene(static_cast<int>(state.range(0)), true);
+    scene.draw(true);
+    for (auto _ : state) {
+      Median cpu;
+      double worst = 0.0;
+      for (int frame = 0; frame < 120; ++frame) {
+        scene.move(frame);
+        const double start = cpu_milliseconds();
+        scene.draw(true);
+        const double time = cpu_milliseconds() - start;
+        cpu.add(time);
+        worst = std::max(worst, time);
+      }
+      state.counters["worst_of_median"] = worst / cpu.value();
+    }
+  }
+  finishOffscreenFrame(target, nullptr);
+  clearOffscreenTarget(target);
+}
+BENCHMARK(moving)->Arg(0)->Arg(3)->Arg(1)->ArgName("mode")->Iterations(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
