@@ -68,13 +68,11 @@ class Scene {
     coloring.lower = oct::benchmark_scene::lowerValue;
     coloring.upper = oct::benchmark_scene::upperValue;
     colormaps_.update(settings_);
-    ours_.load_raycasting();
-    plain_.raycasting_back.load("raycasting_back_program", oct::shaders::raycasting_back_vert,
-                                oct::shaders::raycasting_back_frag);
-    load_plain(plain_.raycasting, "literal", oct::literal::compositing);
-    load_plain(plain_.raycasting_maximum, "literal_mip", oct::literal::maximum);
-    load_plain(plain_.raycasting_mean, "literal_mean", oct::literal::mean);
-    raycaster_.create();
+    load_plain(oct::VolumeMode::normal, "literal", oct::literal::compositing);
+    load_plain(oct::VolumeMode::maximum, "literal_mip", oct::literal::maximum);
+    load_plain(oct::VolumeMode::mean, "literal_mean", oct::literal::mean);
+    ours_.load(settings_);
+    plain_.load(settings_);
   }
 
   void draw(bool ours) {
@@ -93,8 +91,9 @@ class Scene {
   }
 
  private:
-  static void load_plain(oct::RaycastingProgram& program, const char* name, const char* text) {
-    program.load(name, oct::shaders::raycasting_vert, std::string(oct::literal::start) + text);
+  void load_plain(oct::VolumeMode mode, const char* name, const char* text) {
+    plain_.raycasting_slot(mode, false)
+        .load(name, oct::shaders::raycasting_vert, std::string(oct::literal::start) + text);
   }
 
   int mode_;

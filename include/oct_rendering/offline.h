@@ -185,7 +185,9 @@ OCT_API void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Heigh
  * "The specified OfflineRenderingHandle is invalid. "; "Content type is not supported for rendering. ";
  * "Program has not been compiled yet." (the renderer is not initialised); "The renderer was initialised in another
  * OpenGL context. "; "Could not create OpenGL buffer. ";
- * "Invalid texture for rendering...."; "An OpenGL error occured. Framebuffer is not complete: ...";
+ * "Invalid texture for rendering...."; those of a program that the frame is the first to need: "Vertex shader
+ * compilation failed"; "Fragment shader compilation failed"; "" (it did not link, see the log), and the next frame tries
+ * again; "An OpenGL error occured. Framebuffer is not complete: ...";
  * "An OpenGL error in ... occured: ...". What a frame could not upload is uploaded by the next.
  * @par OpenGL state
  * Given back as it was; see docs/opengl_state.md.

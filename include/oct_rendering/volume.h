@@ -60,8 +60,9 @@ OCT_API VolumeRendererHandle createVolumeRenderer(void);
 OCT_API void deleteVolumeRenderer(VolumeRendererHandle Handle);
 
 /**
- * @brief Builds programs and textures in the current context, and the colour maps. Loads OpenGL on the first
- * call of the process. Calling it again rebuilds them, also in another context, and keeps the colours.
+ * @brief Builds textures and colour maps in the current context, and the programs of the modes that are set. Those of
+ * other modes, of an overlay and of a surface are built by the first frame that needs them. Loads OpenGL on the first
+ * call of the process. Calling it again rebuilds everything, also in another context, and keeps the colours.
  * @param Handle The renderer.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "Could not load OpenGL. ";

@@ -7,15 +7,9 @@
 #include "core/log.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
-#include "gl/program_cache.h"
 
 namespace oct::gl {
 namespace {
-
-ProgramKey key_of(const std::string& name, const std::string& vertexSource,
-                  const std::string& fragmentSource) {
-  return {{fragmentSource.size(), vertexSource.size()}, name, driver_name()};
-}
 
 ShaderObject compile(GLenum stage, const std::string& source) {
   ShaderObject shader = ShaderObject::create(stage);
@@ -74,14 +68,14 @@ void keep_binary(const Program& program, const ProgramKey& key) {
 void Shader::load_to_program(const std::string& name, const std::string& vertexSource,
                              const std::string& fragmentSource) {
   release();
-  if (load_binary(name, vertexSource, fragmentSource)) return;
+  const ProgramKey key{{fragmentSource.size(), vertexSource.size()}, name, driver_name()};
+  if (load_binary(key)) return;
   compile_and_link(vertexSource, fragmentSource);
-  keep_binary(program_, key_of(name, vertexSource, fragmentSource));
+  keep_binary(program_, key);
 }
 
-bool Shader::load_binary(const std::string& name, const std::string& vertexSource,
-                         const std::string& fragmentSource) {
-  const auto binary = find_program_binary(key_of(name, vertexSource, fragmentSource));
+bool Shader::load_binary(const ProgramKey& key) {
+  const auto binary = find_program_binary(key);
   if (!binary || !has_program_binaries()) return false;
   program_ = Program::create();
   glProgramBinary(program_.get(), binary->format, binary->bytes.data(),

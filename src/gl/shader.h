@@ -5,6 +5,7 @@
 #include <string>
 
 #include "gl/gl_names.h"
+#include "gl/program_cache.h"
 
 namespace oct::gl {
 
@@ -33,8 +34,7 @@ class Shader {
   GLint uniform(const char* name) const;
 
  private:
-  bool load_binary(const std::string& name, const std::string& vertexSource,
-                   const std::string& fragmentSource);
+  bool load_binary(const ProgramKey& key);
   void compile_and_link(const std::string& vertexSource, const std::string& fragmentSource);
 
   Program program_;

@@ -32,8 +32,7 @@ void VolumeRenderer::init() {
   gl::require_opengl("Failed to initialize OpenGL.");
   release();
   try {
-    programs_.load_scene();
-    programs_.load_raycasting();
+    programs_.load(settings());
     create_colormaps();
     gl::throwOnGLError("VolumeRenderer::init");
     home_ = gl::current_identity();
@@ -106,7 +105,7 @@ void VolumeRenderer::clear_target() {
 
 void VolumeRenderer::draw_background(const VolumeFrame& frame) {
   background_.set_colors(frame.settings.background_bottom, frame.settings.background_top);
-  background_.draw(programs_.background);
+  background_.draw(programs_.background());
 }
 
 void VolumeRenderer::draw_opaque(const VolumeFrame& frame) {

@@ -228,6 +228,26 @@ INSTANTIATE_TEST_SUITE_P(Handles, NextContextGLTest,
                                                ? std::vector{Handles::same, Handles::hidden}
                                                : std::vector{Handles::known}));
 
+TEST_F(ContextChangeGLTest, ADriverTellsItsNameOnceInAContextOfOursAndOncePerExportInAClients) {
+  make_subjects();
+  TestContext ours;
+  ClientContext clients;
+  for (const auto& subject : subjects_) {
+    for (const bool in_ours : {true, false}) {
+      in_ours ? ours.makeCurrent() : clients.makeCurrent();
+      subject->init();
+      subject->picture();
+      picture_of([&] {
+        const GlSpy spy;
+        subject->draw();
+        EXPECT_EQ(spy.calls("glGetString"), in_ours ? 0 : 3) << "vendor, renderer and version";
+      });
+      subject->uninit();
+    }
+  }
+  expect_no_error();
+}
+
 class TwoContextsGLTest : public ContextChangeGLTest {};
 
 TEST_P(TwoContextsGLTest, ARendererIsAtHomeInOne) {

@@ -148,6 +148,7 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
                                      "VolumeRenderer::render_clip_plane_border::draw_overlay",
                                      "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
   setRenderingMode(renderer_, 1);
+  renderOfflineVolume(offline_, 0);  // builds what slices need
   EXPECT_EQ(marks_of_frame(),
             (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
                    "VolumeRenderer::render_surface", "VolumeRenderer::render_sectional_view",
@@ -302,6 +303,51 @@ TEST_F(VolumeFaultTest, ProgramsAndColorsLiveFromInitToUninit) {
   initializeVolumeRenderer(renderer_);
   scene_.coloring = {};
   expect_scene();
+}
+
+// The others are none of the start's business.
+TEST_F(VolumeFaultTest, AProgramIsBuiltWhenAFrameFirstNeedsIt) {
+  scene_.surface = {2, 2, 1.0, {0.4F, 0.5F, 0.6F, 0.5F}};
+  stage_.prepare(scene_);
+  setRenderElements(renderer_, 1, 0);
+  beginOffscreenFrame(stage_.target, 80, 60);
+  uninitializeVolumeRenderer(renderer_);
+  GlSpy spy;
+  int programs = 4;
+  initializeVolumeRenderer(renderer_);
+  EXPECT_EQ(spy.calls("glCreateProgram"), programs) << "background, lines, back faces and rays of the mode";
+  const struct {
+    std::function<void()> change;
+    int programs;
+  } rows[] = {
+      {[] {}, 0},
+      {[&] { setVolumeMode(renderer_, 0); }, 1},
+      {[&] { setVolumeMode(renderer_, 3); }, 0},  // without secondary data there are no rays
+      {[&] { setRenderingMode(renderer_, 1); }, 1},
+      {[&] { setRenderElements(renderer_, 1, 1); }, 1},                           // the surface
+      {[&] { setRenderingMode(renderer_, 0), setVolumeMode(renderer_, 1); }, 1},  // rays that end on it
+      {[&] { setVolumeMode(renderer_, 0); }, 0},
+  };
+  for (const auto& [change, built] : rows) {
+    change();
+    programs += built;
+    for (int i = 0; i < 2; ++i) renderOfflineVolume(offline_, 0);
+    EXPECT_EQ(spy.calls("glCreateProgram"), programs) << &built - &rows[0].programs;
+  }
+  const std::size_t objects = spy.live_objects();
+  setVolumeMode(renderer_, 2);
+  expect_no_error();
+  for (int i = 0; i < 2; ++i) {
+    spy.fail_next("glProgramBinary");
+    spy.fail_next("glGetProgramBinary");  // where the cache does not hold it yet
+    renderOfflineVolume(offline_, 0);
+    EXPECT_TRUE(pending_error().starts_with("An OpenGL error in BinaryShader"));
+    EXPECT_EQ(spy.live_objects(), objects) << "and the next frame tries again";
+  }
+  finishOffscreenFrame(stage_.target, nullptr);
+  scene_.mode = 2;
+  EXPECT_TRUE(agree(stage_.draw(scene_), reference_picture(scene_), {1, 0.99, 255}));
+  expect_no_error();
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 #include "gl/context/context_identity.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
+#include <string_view>
 #include <vector>
 
 #include "core/immortal.h"
@@ -19,6 +21,7 @@ struct KnownContext {
   void* handle = nullptr;
   ContextIdentity identity = no_context;
   GLuint marker = 0;  // vertex array object of that context; 0: a context of the library's own
+  Driver driver{};    // of a context of the library's own, once it was asked
 };
 
 struct Registry {
@@ -39,6 +42,8 @@ Registry& registry() {
 struct Answer {
   bool valid = false;
   ContextIdentity identity = no_context;
+  bool driver_valid = false;
+  Driver driver{};
 };
 thread_local Answer answer;
 
@@ -65,7 +70,7 @@ constexpr GLuint low_attribute = 1;
 constexpr GLuint high_attribute = 2;
 
 bool can_mark() {
-  return is_loaded_for_current_driver() && is_version_sufficient(3, 3) && glVertexAttribDivisor;
+  return is_loaded_for_current_driver() && current_driver().version >= Version{3, 3} && glVertexAttribDivisor;
 }
 
 GLuint make_marker(ContextIdentity identity) {
@@ -135,21 +140,56 @@ void remember(const KnownContext& context) {
     contexts.erase(std::ranges::find_if(contexts, without_handle));
 }
 
+// The context of the library's own that has this handle. Takes no memory.
+std::optional<KnownContext> latest_own(void* handle) {
+  const auto latest = latest_before(std::numeric_limits<ContextIdentity>::max(), handle);
+  return latest && latest->marker == 0 ? latest : std::nullopt;
+}
+
+void remember_driver(ContextIdentity identity, const Driver& driver) {
+  const std::lock_guard lock(registry().mutex);
+  for (KnownContext& context : registry().contexts)
+    if (context.identity == identity) context.driver = driver;
+}
+
+// A number instead of the names, which takes no memory.
+Driver ask_driver() {
+  if (!is_context_current()) return {};
+  const std::string_view version = opengl_text(GL_VERSION);
+  const std::hash<std::string_view> hash;
+  const std::size_t card = (hash(opengl_text(GL_VENDOR)) * 31 + hash(opengl_text(GL_RENDERER))) | 1U;
+  return {card, version.starts_with("OpenGL ES") ? Version{} : current_version()};
+}
+
 }  // namespace
 
 ContextIdentity current_identity() {
-  if (!answer.valid) answer = {true, is_context_current() ? find(current_context()) : no_context};
+  if (!answer.valid) {
+    answer.identity = current_driver().card != 0 ? find(current_context()) : no_context;
+    answer.valid = true;
+  }
   return answer.identity;
 }
 
 ContextIdentity require_identity() {
-  if (current_identity() != no_context || !is_context_current() || !can_mark()) return answer.identity;
+  if (current_identity() != no_context || !can_mark()) return answer.identity;
   const ContextIdentity identity = next_identity();
   const GLuint marker = make_marker(identity);
   if (marker == 0) return no_context;
   remember({current_context(), identity, marker});
   answer.identity = identity;
   return identity;
+}
+
+Driver current_driver() {
+  if (answer.driver_valid) return answer.driver;
+  void* const handle = current_context();
+  const std::optional<KnownContext> own = handle ? latest_own(handle) : std::nullopt;
+  const bool known = own && own->driver.card != 0;
+  answer.driver = known ? own->driver : ask_driver();
+  answer.driver_valid = true;
+  if (own && !known) remember_driver(own->identity, answer.driver);
+  return answer.driver;
 }
 
 void forget_current_identity() {

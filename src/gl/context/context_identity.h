@@ -1,7 +1,9 @@
-// Which OpenGL context is current, by a number that never comes back. Handles do come back: a new context often
-// gets that of one that is gone, and contexts of other window systems have none at all.
+// Which OpenGL context is current, by a number that never comes back, and whose it is. Handles do come back: a new
+// context often gets that of one that is gone, and contexts of other window systems have none at all.
 #pragma once
 
+#include <compare>
+#include <cstddef>
 #include <cstdint>
 
 namespace oct::gl {
@@ -16,6 +18,21 @@ ContextIdentity current_identity();
 // The same, and gives the context an identity if it has none: a client's context gets a vertex array object that
 // holds it, and dies with it. Still no_context below OpenGL 3.3 and where OpenGL is not loaded.
 ContextIdentity require_identity();
+
+struct Version {
+  int major = 0;
+  int minor = 0;
+  auto operator<=>(const Version&) const = default;
+};
+
+struct Driver {
+  std::size_t card = 0;  // a number for vendor and renderer; 0: no context is current
+  Version version;       // 0.0 for OpenGL ES
+};
+
+// Of the context that is current on the calling thread. A context of the library's own is asked once in its life, a
+// client's one until its identity is forgotten.
+Driver current_driver();
 
 // Call where the thread's context may have been changed by others.
 void forget_current_identity();

@@ -11,9 +11,9 @@ void* current_context() {
   return eglGetCurrentContext();
 }
 
-// Asks OpenGL and not EGL, so that a client may bring a context of any window system.
+// Where EGL knows of none OpenGL is asked, so that a client may bring a context of any window system.
 bool is_context_current() {
-  return glGetString(GL_VERSION) != nullptr;
+  return current_context() != nullptr || glGetString(GL_VERSION) != nullptr;
 }
 
 CurrentContext::CurrentContext()

@@ -1,9 +1,7 @@
 #include "gl/context/opengl_loader.h"
 
 #include <atomic>
-#include <compare>
 #include <cstdio>
-#include <functional>
 #include <mutex>
 #include <stdexcept>
 #include <string_view>
@@ -24,29 +22,6 @@ struct Loader {
 };
 
 Loader loader;
-
-struct Version {
-  GLint major = 0;
-  GLint minor = 0;
-  auto operator<=>(const Version&) const = default;
-};
-
-// A number instead of the names, which other threads could be reading while they are replaced. Never 0.
-std::size_t current_driver() {
-  const std::hash<std::string_view> hash;
-  return (hash(opengl_text(GL_VENDOR)) * 31 + hash(opengl_text(GL_RENDERER))) | 1;
-}
-
-Version current_version() {
-  Version version;
-  glGetIntegerv(GL_MAJOR_VERSION, &version.major);
-  glGetIntegerv(GL_MINOR_VERSION, &version.minor);
-  if (version.major == 0 && is_context_current()) {
-    discard_gl_errors();  // below 3.0 OpenGL does not know the question
-    std::sscanf(opengl_text(GL_VERSION).data(), "%d.%d", &version.major, &version.minor);
-  }
-  return version;
-}
 
 void load(const char* failure) {
   glewExperimental = GL_TRUE;  // core contexts do not list extensions the way GLEW asks for them
@@ -71,12 +46,12 @@ void initGlew(const char* load_failure) {
   if (is_context_current()) checkOpenGLVersion(3, 0);
   if (is_loaded_for_current_driver()) return;
   load(load_failure);
-  loader.driver = current_driver();
+  loader.driver = current_driver().card;
   forget_current_identity();
 }
 
 void require_opengl(const char* load_failure) {
-  const bool current = is_context_current();
+  const bool current = current_driver().card != 0;
   if (!glewInitialized() || (current && !is_loaded_for_current_driver())) initGlew(load_failure);
   if (!current) throw std::runtime_error("No OpenGL context is current on the calling thread. ");
 }
@@ -90,9 +65,15 @@ void checkOpenGLVersion(int required_major, int required_minor) {
                            " required. Version is currently " + found);
 }
 
-bool is_version_sufficient(int required_major, int required_minor) {
-  if (!is_context_current() || opengl_text(GL_VERSION).starts_with("OpenGL ES")) return false;
-  return current_version() >= Version{required_major, required_minor};
+Version current_version() {
+  Version version;
+  glGetIntegerv(GL_MAJOR_VERSION, &version.major);
+  glGetIntegerv(GL_MINOR_VERSION, &version.minor);
+  if (version.major == 0 && is_context_current()) {
+    discard_gl_errors();  // below 3.0 OpenGL does not know the question
+    std::sscanf(opengl_text(GL_VERSION).data(), "%d.%d", &version.major, &version.minor);
+  }
+  return version;
 }
 
 bool glewInitialized() {
@@ -100,7 +81,7 @@ bool glewInitialized() {
 }
 
 bool is_loaded_for_current_driver() {
-  return loader.driver == current_driver();
+  return loader.driver != 0 && loader.driver == current_driver().card;
 }
 
 std::string_view opengl_text(unsigned int name) {

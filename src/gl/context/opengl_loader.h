@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "gl/context/context_identity.h"
+
 namespace oct::gl {
 
 // Loads the entry points, under a lock, unless they are those of the current context's driver: the process has one
@@ -18,13 +20,13 @@ void require_opengl(const char* load_failure = "Could not load OpenGL. ");
 // Throws std::runtime_error unless the current context's version is at least the required one.
 void checkOpenGLVersion(int required_major, int required_minor);
 
-// The same without a word. False without a context, and for OpenGL ES.
-bool is_version_sufficient(int required_major, int required_minor);
-
 bool glewInitialized();  // whether GLEW has loaded the entry points
 
-// Whether they are those of the current context's driver.
+// Whether they are those of the current context's driver. False without a context.
 bool is_loaded_for_current_driver();
+
+// The current context's, asked anew. Of one below 3.0, errors that it had to report are lost.
+Version current_version();
 
 // A text of the current context, GL_VERSION or the like; empty without one.
 std::string_view opengl_text(unsigned int name);

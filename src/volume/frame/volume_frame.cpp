@@ -46,7 +46,7 @@ void use_volume_program(const VolumeRenderingProgram& program, const VolumeFrame
 }
 
 void use_simple_program(const VolumeFrame& frame, const glm::vec4& color) {
-  const SimpleProgram& program = frame.programs.simple;
+  const SimpleProgram& program = frame.programs.simple();
   program.use();
   glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.element_modelview));
   glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));

@@ -26,7 +26,7 @@ struct VolumeFrame {
   const VolumeSettings& settings;
   const VolumeSource& source;
   const VolumeColormaps& colormaps;
-  const VolumePrograms& programs;
+  VolumePrograms& programs;
   const ClipPlane& clip_plane;
   Range range;  // the volume's own, or the client's
   Camera camera;

@@ -1,9 +1,38 @@
 #include "volume/frame/volume_programs.h"
 
+#include <stdexcept>
+
 #include "core/timing_mark.h"
 #include "shaders.h"
 
 namespace oct {
+namespace {
+
+struct RaycastingSource {
+  const char* name;
+  const char* fragment;
+};
+
+RaycastingSource raycasting_source(VolumeMode mode, bool overlay) {
+  switch (mode) {
+    case VolumeMode::maximum:
+      return overlay
+                 ? RaycastingSource{"raycasting_overlay_program_mip", shaders::raycasting_overlay_mip_frag}
+                 : RaycastingSource{"raycasting_program_mip", shaders::raycasting_mip_frag};
+    case VolumeMode::mean:
+      return overlay
+                 ? RaycastingSource{"raycasting_overlay_program_mean", shaders::raycasting_overlay_mean_frag}
+                 : RaycastingSource{"raycasting_program_mean", shaders::raycasting_mean_frag};
+    case VolumeMode::dual_coloring:
+      return {"raycasting_program_dual_coloring", shaders::raycasting_dual_coloring_frag};
+    case VolumeMode::normal:
+      break;
+  }
+  return overlay ? RaycastingSource{"raycasting_overlay_program", shaders::raycasting_overlay_frag}
+                 : RaycastingSource{"raycasting_program", shaders::raycasting_frag};
+}
+
+}  // namespace
 
 void SimpleProgram::load() {
   load_to_program("simple_program", shaders::simple_vert, shaders::simple_frag);
@@ -30,55 +59,82 @@ void SurfaceBackProgram::load() {
   clipPlane = uniform("clipPlane");
 }
 
-void VolumePrograms::load_scene() {
+template <class Program, class Build>
+const Program& VolumePrograms::built(Program& program, Build build) {
+  if (!loaded_) throw std::runtime_error("Program has not been compiled yet.");
+  if (program.program() != 0) return program;
   const TimingMark mark("shader_compile_volume");
-  background.load_to_program("background_program", shaders::background_vert, shaders::background_frag);
-  simple.load();
-  section.load("program", shaders::section_vert, shaders::section_frag);
-  section_overlay.load("overlay_rendering_program", shaders::section_vert, shaders::section_overlay_frag);
-  surface.load();
+  try {
+    build();
+  } catch (...) {
+    program.release();
+    throw;
+  }
+  return program;
 }
 
-void VolumePrograms::load_raycasting() {
-  const char* const front = shaders::raycasting_vert;
-  surface_back.load();
-  raycasting.load("raycasting_program", front, shaders::raycasting_frag);
-  raycasting_maximum.load("raycasting_program_mip", front, shaders::raycasting_mip_frag);
-  raycasting_mean.load("raycasting_program_mean", front, shaders::raycasting_mean_frag);
-  raycasting_dual_coloring.load("raycasting_program_dual_coloring", front,
-                                shaders::raycasting_dual_coloring_frag);
-  raycasting_overlay.load("raycasting_overlay_program", front, shaders::raycasting_overlay_frag);
-  raycasting_overlay_maximum.load("raycasting_overlay_program_mip", front,
-                                  shaders::raycasting_overlay_mip_frag);
-  raycasting_overlay_mean.load("raycasting_overlay_program_mean", front,
-                               shaders::raycasting_overlay_mean_frag);
+void VolumePrograms::load(const VolumeSettings& settings) {
+  loaded_ = true;
+  background();
+  simple();
+  if (settings.rendering_mode == RenderingMode::sectional_view) {
+    section(false);
+  } else {
+    raycasting_of(settings.volume_mode, false);
+  }
 }
 
 void VolumePrograms::unload() {
-  background.release();
-  simple.release();
-  surface.release();
-  surface_back.release();
-  for (VolumeRenderingProgram* const program : std::initializer_list<VolumeRenderingProgram*>{
-           &section, &section_overlay, &raycasting, &raycasting_maximum, &raycasting_mean,
-           &raycasting_dual_coloring, &raycasting_overlay, &raycasting_overlay_maximum,
-           &raycasting_overlay_mean}) {
-    program->release();
-  }
+  loaded_ = false;
+  background_.release();
+  simple_.release();
+  for (VolumeRenderingProgram& program : sections_) program.release();
+  surface_.release();
+  surface_back_.release();
+  for (auto& programs : raycasting_)
+    for (RaycastingProgram& program : programs) program.release();
 }
 
-const RaycastingProgram& VolumePrograms::raycasting_of(VolumeMode mode, bool overlay) const {
-  switch (mode) {
-    case VolumeMode::maximum:
-      return overlay ? raycasting_overlay_maximum : raycasting_maximum;
-    case VolumeMode::mean:
-      return overlay ? raycasting_overlay_mean : raycasting_mean;
-    case VolumeMode::dual_coloring:
-      return raycasting_dual_coloring;
-    case VolumeMode::normal:
-      break;
-  }
-  return overlay ? raycasting_overlay : raycasting;
+const gl::Shader& VolumePrograms::background() {
+  return built(background_, [&] {
+    background_.load_to_program("background_program", shaders::background_vert, shaders::background_frag);
+  });
+}
+
+const SimpleProgram& VolumePrograms::simple() {
+  return built(simple_, [&] { simple_.load(); });
+}
+
+const VolumeRenderingProgram& VolumePrograms::section(bool overlay) {
+  VolumeRenderingProgram& program = sections_[overlay ? 1 : 0];
+  return built(program, [&] {
+    if (overlay) {
+      program.load("overlay_rendering_program", shaders::section_vert, shaders::section_overlay_frag);
+    } else {
+      program.load("program", shaders::section_vert, shaders::section_frag);
+    }
+  });
+}
+
+const SurfaceProgram& VolumePrograms::surface() {
+  return built(surface_, [&] { surface_.load(); });
+}
+
+const SurfaceBackProgram& VolumePrograms::surface_back() {
+  return built(surface_back_, [&] { surface_back_.load(); });
+}
+
+RaycastingProgram& VolumePrograms::raycasting_slot(VolumeMode mode, bool overlay) {
+  const bool with_overlay = overlay && mode != VolumeMode::dual_coloring;
+  return raycasting_[with_overlay ? 1 : 0][static_cast<std::size_t>(mode)];
+}
+
+const RaycastingProgram& VolumePrograms::raycasting_of(VolumeMode mode, bool overlay) {
+  RaycastingProgram& program = raycasting_slot(mode, overlay);
+  return built(program, [&] {
+    const RaycastingSource source = raycasting_source(mode, overlay);
+    program.load(source.name, shaders::raycasting_vert, source.fragment);
+  });
 }
 
 }  // namespace oct

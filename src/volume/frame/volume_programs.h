@@ -1,6 +1,8 @@
 // The fixed set of programs of a volume renderer.
 #pragma once
 
+#include <array>
+
 #include "gl/shader.h"
 #include "volume/frame/volume_program.h"
 #include "volume/frame/volume_settings.h"
@@ -24,29 +26,35 @@ struct SurfaceBackProgram : gl::Shader {
   GLint modelview = -1, projection = -1, clipPlane = -1;
 };
 
+// Each is built when it is first asked for, and stays. One that does not build is tried again the next time. Before
+// load() and after unload() asking throws std::runtime_error "Program has not been compiled yet.".
 class VolumePrograms {
  public:
-  gl::Shader background;                   // "background_program": vec2 vertex (0), vec4 colour (1)
-  SimpleProgram simple;                    // "simple_program": vec3 vertex (0); modelview, projection, color
-  VolumeRenderingProgram section;          // "program": vec3 vertex (0); modelview, projection, flip
-  VolumeRenderingProgram section_overlay;  // "overlay_rendering_program": the same with the overlay
-  SurfaceProgram surface;                  // "surface_program": vec3 position (0), vec3 normal (1)
-  SurfaceBackProgram surface_back;         // "surface_back_program": vec3 position (0)
-
-  RaycastingProgram raycasting;
-  RaycastingProgram raycasting_maximum;
-  RaycastingProgram raycasting_mean;
-  RaycastingProgram raycasting_dual_coloring;
-  RaycastingProgram raycasting_overlay;
-  RaycastingProgram raycasting_overlay_maximum;
-  RaycastingProgram raycasting_overlay_mean;
-
-  void load_scene();
-  void load_raycasting();
+  void load(const VolumeSettings& settings);  // those that a frame with these settings needs
   void unload();
 
-  // The ray casting program of a mode; dual colouring knows no overlay.
-  const RaycastingProgram& raycasting_of(VolumeMode mode, bool overlay) const;
+  const gl::Shader& background();                       // vec2 vertex (0), vec4 colour (1)
+  const SimpleProgram& simple();                        // vec3 vertex (0); modelview, projection, color
+  const VolumeRenderingProgram& section(bool overlay);  // vec3 vertex (0); modelview, projection, flip
+  const SurfaceProgram& surface();                      // vec3 position (0), vec3 normal (1)
+  const SurfaceBackProgram& surface_back();             // vec3 position (0)
+
+  // Of a mode; dual colouring knows no overlay.
+  const RaycastingProgram& raycasting_of(VolumeMode mode, bool overlay);
+  // The same, built or not.
+  RaycastingProgram& raycasting_slot(VolumeMode mode, bool overlay);
+
+ private:
+  template <class Program, class Build>
+  const Program& built(Program& program, Build build);
+
+  bool loaded_ = false;
+  gl::Shader background_;
+  SimpleProgram simple_;
+  std::array<VolumeRenderingProgram, 2> sections_;  // without and with an overlay
+  SurfaceProgram surface_;
+  SurfaceBackProgram surface_back_;
+  std::array<std::array<RaycastingProgram, 4>, 2> raycasting_;  // without and with an overlay, by mode
 };
 
 }  // namespace oct

@@ -27,8 +27,8 @@ void draw_screen_lines(const VolumeFrame& frame, gl::Geometry& geometry, std::sp
                        const glm::vec4& color) {
   use_simple_program(frame, color);
   constexpr glm::mat4 identity(1.0F);
-  glUniformMatrix4fv(frame.programs.simple.modelview, 1, GL_FALSE, glm::value_ptr(identity));
-  glUniformMatrix4fv(frame.programs.simple.projection, 1, GL_FALSE, glm::value_ptr(identity));
+  glUniformMatrix4fv(frame.programs.simple().modelview, 1, GL_FALSE, glm::value_ptr(identity));
+  glUniformMatrix4fv(frame.programs.simple().projection, 1, GL_FALSE, glm::value_ptr(identity));
   draw_lines(geometry, lines);
 }
 

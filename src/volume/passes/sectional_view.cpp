@@ -32,7 +32,7 @@ void SectionalView::draw(const VolumeFrame& frame) {
   });
   if (triangles.empty()) return;
   const bool overlay = frame.source.overlay_present;
-  use_volume_program(overlay ? frame.programs.section_overlay : frame.programs.section, frame);
+  use_volume_program(frame.programs.section(overlay), frame);
   slices_.set_vertices(std::span<const glm::vec3>(triangles));
   {
     const gl::DepthTest depth(GL_LEQUAL, true, {1.0F, 2.0F});

@@ -19,7 +19,7 @@ void Surface::upload(const std::shared_ptr<const SurfaceMesh>& mesh) {
 
 void Surface::draw(const VolumeFrame& frame) {
   const TimingMark mark("VolumeRenderer::render_surface");
-  const SurfaceProgram& program = frame.programs.surface;
+  const SurfaceProgram& program = frame.programs.surface();
   const VolumeColormap& colormap = frame.colormaps.at(ColormapRole::surface);
   program.use();
   glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
@@ -38,7 +38,7 @@ void Surface::draw(const VolumeFrame& frame) {
 }
 
 void Surface::draw_back(const VolumeFrame& frame) {
-  const SurfaceBackProgram& program = frame.programs.surface_back;
+  const SurfaceBackProgram& program = frame.programs.surface_back();
   program.use();
   glUniformMatrix4fv(program.modelview, 1, GL_FALSE, glm::value_ptr(frame.camera.modelview));
   glUniformMatrix4fv(program.projection, 1, GL_FALSE, glm::value_ptr(frame.camera.projection));
