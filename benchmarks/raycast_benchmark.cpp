@@ -8,8 +8,8 @@
 #include <array>
 #include <cmath>
 #include <ctime>
-#include <string>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -59,7 +59,8 @@ class Scene {
     source_.volume = volume_.get();
     maxima_.emplace(oct::VolumeExtent{voxels, voxels, voxels}, 4,
                     half_float ? oct::BrickTexture::edges_in_half_float : oct::BrickTexture::edges);
-    for (int k = 0; k < voxels; ++k) maxima_->take_b_scan(k, {data.data() + std::size_t{voxels} * voxels * std::size_t(k), voxels});
+    for (int k = 0; k < voxels; ++k)
+      maxima_->take_b_scan(k, {data.data() + std::size_t{voxels} * voxels * std::size_t(k), voxels});
     source_.volume_maxima = &*maxima_;
     source_.empty_space = &empty_;
     oct::ColormapSettings& coloring =
@@ -92,8 +93,8 @@ class Scene {
 
  private:
   void load_plain(oct::VolumeMode mode, const char* name, const char* text) {
-    plain_.raycasting_slot(mode, false)
-        .load(name, oct::shaders::raycasting_vert, std::string(oct::literal::start) + text);
+    plain_.raycasting_slot({mode}).load(name, oct::shaders::raycasting_vert,
+                                        std::string(oct::literal::start) + text);
   }
 
   int mode_;

@@ -17,7 +17,9 @@ class Choice {
   explicit Choice(unsigned seed) : random_(seed) {}
   int below(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
   bool one_of(int count) { return below(count) == 0; }
-  double between(double low, double high) { return std::uniform_real_distribution<double>(low, high)(random_); }
+  double between(double low, double high) {
+    return std::uniform_real_distribution<double>(low, high)(random_);
+  }
   template <class Value>
   Value of(std::initializer_list<Value> values) {
     return *(values.begin() + below(static_cast<int>(values.size())));
@@ -62,9 +64,11 @@ Volume sparse_volume(int width, int height, int depth, Choice& choice) {
 
 Coloring random_coloring(Choice& choice) {
   Coloring coloring;
-  coloring.colors = choice.of({opaque_colors(64), ramp_colors(256, 0.12), ramp_colors(300, 1.0), opaque_colors(1)});
+  coloring.colors =
+      choice.of({opaque_colors(64), ramp_colors(256, 0.12), ramp_colors(300, 1.0), opaque_colors(1)});
   const std::size_t count = coloring.colors.size();
-  const std::size_t clear = choice.of({std::size_t{0}, std::size_t{1}, count / 3, count});  // entries without opacity
+  const std::size_t clear =
+      choice.of({std::size_t{0}, std::size_t{1}, count / 3, count});  // entries without opacity
   for (std::size_t i = 0; i < clear && choice.one_of(2); ++i) coloring.colors[i] &= 0x00FFFFFFU;
   coloring.lower = choice.of({0.15, 0.3, 0.0, -1.0});
   coloring.upper = coloring.lower + choice.between(0.05, 1.0);
@@ -86,12 +90,16 @@ VolumeScene random_scene(Choice& choice) {
   if (scene.mode == 3) scene.secondary = test_volume(2, height, depth);
   if (choice.one_of(3)) scene.overlay = sparse_volume(width, height, depth, choice), scene.content = 2;
   scene.slices = choice.of({1, 3, 17, 64, 128, 300});
+  if (choice.one_of(3)) scene.lighting = {0.3, 0.7, 0.4};
+  if (choice.one_of(3)) scene.opacity_length = 0.05;
+  scene.jitter = choice.one_of(3);
   scene.coloring = random_coloring(choice);
   scene.overlay_coloring = random_coloring(choice);
   scene.perspective = choice.one_of(2);
   scene.zoom = choice.of({40.0, 40.0, 90.0});
   if (choice.one_of(6)) scene.translation = {0.0, 0.0, 1.4};  // the viewer is in the box, or nearly
-  scene.range = {static_cast<float>(choice.between(0.3, 1.0)), 1.0F, static_cast<float>(choice.between(0.3, 1.0))};
+  scene.range = {static_cast<float>(choice.between(0.3, 1.0)), 1.0F,
+                 static_cast<float>(choice.between(0.3, 1.0))};
   if (choice.one_of(3)) scene.clip = true, scene.clip_value = static_cast<float>(choice.between(0.2, 0.8));
   scene.clip_open = choice.one_of(2);
   if (choice.one_of(4)) scene.slices_uploaded = 1 + choice.below(depth);
@@ -109,7 +117,8 @@ struct LiveFormat {
       glTexParameteri(GL_TEXTURE_3D, wrap, GL_CLAMP_TO_BORDER);
     texture.upload_b_scans(0, volume.depth, volume.voxels.data(), "test");
     for (int w = 0; w < volume.depth; ++w)
-      maxima.take_b_scan(w, {volume.voxels.data() + static_cast<std::size_t>(w) * volume.slice_voxels(), volume.width});
+      maxima.take_b_scan(
+          w, {volume.voxels.data() + static_cast<std::size_t>(w) * volume.slice_voxels(), volume.width});
   }
 
   gl::Texture3D texture;
@@ -121,7 +130,8 @@ class SkippingTest : public VolumeTest {
  protected:
   Picture picture_of(const VolumeSource& source) {
     Picture picture(scene_.viewport_width, scene_.viewport_height);
-    beginOffscreenFrame(stage_.target, static_cast<unsigned>(picture.width), static_cast<unsigned>(picture.height));
+    beginOffscreenFrame(stage_.target, static_cast<unsigned>(picture.width),
+                        static_cast<unsigned>(picture.height));
     {
       const gl::ClientState state(gl::ClientState::Use::drawing);
       reinterpret_cast<VolumeRenderer*>(renderer_)->render(source);
@@ -178,7 +188,9 @@ TEST_F(SkippingTest, FollowsEveryUpload) {
     stage_.prepare(scene_);
     for (int step = 0; step < 25; ++step) {
       const Volume other = sparse_volume(33, 14, 21, choice);
-      const auto from = [&](int b_scan) { return other.voxels.data() + static_cast<std::size_t>(b_scan) * other.slice_voxels(); };
+      const auto from = [&](int b_scan) {
+        return other.voxels.data() + static_cast<std::size_t>(b_scan) * other.slice_voxels();
+      };
       const int first = choice.below(21);
       beginOffscreenFrame(stage_.target, 8, 8);
       if (choice.one_of(2)) {

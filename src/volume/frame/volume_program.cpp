@@ -41,6 +41,9 @@ void RaycastingProgram::load(const std::string& name, const std::string& vertexS
   locations_.limitCount = uniform("limitCount");
   locations_.limits = uniform("limits");
   locations_.sampleColorTex = uniform("sampleColorTex");
+  locations_.lengthScale = uniform("lengthScale");
+  locations_.lighting = uniform("lighting");
+  locations_.extent = uniform("extent");
 }
 
 }  // namespace oct
