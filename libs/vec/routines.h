@@ -6,7 +6,7 @@
 namespace oct::vec {
 
 // In the order in which processors got them: each has all before it.
-enum class InstructionSet { scalar, sse, sse2, sse41, avx };
+enum class InstructionSet { scalar, sse, sse2, sse41, avx, f16c };
 
 struct Routines {
   void (*copy)(float*, const float*, std::size_t, std::size_t);
@@ -18,6 +18,7 @@ struct Routines {
   void (*powers)(float*, const float*, std::size_t);
   void (*decibels)(float*, const float*, std::size_t, float);
   void (*to_uint16)(std::uint16_t*, const float*, std::size_t, float, float);
+  void (*to_half)(std::uint16_t*, const float*, std::size_t);
 };
 
 bool is_supported(InstructionSet set);
@@ -31,6 +32,7 @@ void set_sse(Routines& routines);
 void set_sse2(Routines& routines);
 void set_sse41(Routines& routines);
 void set_avx(Routines& routines);
+void set_f16c(Routines& routines);
 
 // Smaller copies stay in the caches, where whoever reads them next finds them.
 inline constexpr std::size_t streamed_bytes = std::size_t{16} << 20U;

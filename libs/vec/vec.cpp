@@ -1,14 +1,25 @@
 #include "vec/vec.h"
 
+#include <cpuid.h>
+
 #include "vec/routines.h"
 
 namespace oct::vec {
 namespace {
 
 constexpr InstructionSet all_sets[] = {InstructionSet::scalar, InstructionSet::sse, InstructionSet::sse2,
-                                       InstructionSet::sse41, InstructionSet::avx};
+                                       InstructionSet::sse41,  InstructionSet::avx, InstructionSet::f16c};
 
-constexpr void (*setters[])(Routines&) = {set_scalar, set_sse, set_sse2, set_sse41, set_avx};
+constexpr void (*setters[])(Routines&) = {set_scalar, set_sse, set_sse2, set_sse41, set_avx, set_f16c};
+
+// Compilers know no name for it.
+bool has_half_floats() {
+  unsigned int eax = 0;
+  unsigned int ebx = 0;
+  unsigned int ecx = 0;
+  unsigned int edx = 0;
+  return __get_cpuid(1, &eax, &ebx, &ecx, &edx) != 0 && (ecx & bit_F16C) != 0;
+}
 
 // What the processor can do is asked once.
 const Routines& best() {
@@ -35,6 +46,8 @@ bool is_supported(InstructionSet set) {
       return __builtin_cpu_supports("sse4.1") != 0;
     case InstructionSet::avx:
       return __builtin_cpu_supports("avx") != 0;
+    case InstructionSet::f16c:
+      return __builtin_cpu_supports("avx") != 0 && has_half_floats();
     default:
       return true;
   }
@@ -84,6 +97,10 @@ void decibels(float* destination, const float* powers, std::size_t count, float 
 void to_uint16(std::uint16_t* destination, const float* values, std::size_t count, float factor,
                float offset) {
   best().to_uint16(destination, values, count, factor, offset);
+}
+
+void to_half(std::uint16_t* destination, const float* values, std::size_t count) {
+  best().to_half(destination, values, count);
 }
 
 }  // namespace oct::vec

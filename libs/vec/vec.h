@@ -53,4 +53,7 @@ void decibels(float* destination, const float* powers, std::size_t count, float 
 void to_uint16(std::uint16_t* destination, const float* values, std::size_t count, float factor,
                float offset);
 
+// destination[i] = values[i] as a float of 16 bits, the nearest one, of two the even one; infinity from 65520 on.
+void to_half(std::uint16_t* destination, const float* values, std::size_t count);
+
 }  // namespace oct::vec

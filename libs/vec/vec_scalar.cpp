@@ -80,11 +80,38 @@ void to_uint16_scalar(std::uint16_t* destination, const float* values, std::size
   }
 }
 
+std::uint16_t half_of(float value) {
+  constexpr std::uint32_t infinite = 0x7F800000U;
+  constexpr std::uint32_t above_largest = 0x477FF000U;    // 65520
+  constexpr std::uint32_t least_normal = 0x38800000U;     // 2^-14
+  constexpr std::uint32_t exponents_apart = 0x38000000U;  // 127 - 15
+  const auto bits = std::bit_cast<std::uint32_t>(value);
+  const std::uint32_t sign = bits >> 16U & 0x8000U;
+  const std::uint32_t size = bits & 0x7FFFFFFFU;
+  std::uint32_t half = 0;
+  if (size > infinite) {
+    half = 0x7E00U | (size >> 13U & 0x3FFU);
+  } else if (size >= above_largest) {
+    half = 0x7C00U;
+  } else if (size >= least_normal) {
+    half = (size - exponents_apart + 0xFFFU + (size >> 13U & 1U)) >> 13U;
+  } else {
+    // Beside 0.5 a float has the steps of the smallest numbers of 16 bits, and the addition rounds.
+    const float sum = std::bit_cast<float>(size) + 0.5F;
+    half = std::bit_cast<std::uint32_t>(sum) - std::bit_cast<std::uint32_t>(0.5F);
+  }
+  return static_cast<std::uint16_t>(sign | half);
+}
+
+void to_half_scalar(std::uint16_t* destination, const float* values, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) destination[i] = half_of(values[i]);
+}
+
 }  // namespace
 
 void set_scalar(Routines& routines) {
-  routines = {copy_scalar,     crop_copy_scalar, extremes_scalar, raise_scalar, count_not_above_scalar,
-              subtract_scalar, powers_scalar,    decibels_scalar, to_uint16_scalar};
+  routines = {copy_scalar,     crop_copy_scalar, extremes_scalar, raise_scalar,     count_not_above_scalar,
+              subtract_scalar, powers_scalar,    decibels_scalar, to_uint16_scalar, to_half_scalar};
 }
 
 }  // namespace oct::vec

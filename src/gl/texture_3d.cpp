@@ -6,6 +6,7 @@
 
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "vec/vec.h"
 
 namespace oct::gl {
 namespace {
@@ -64,6 +65,8 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, con
   require(extent, internal_format);
   SliceRevisions revisions;
   revisions.restart(extent.b_scans);
+  std::vector<std::uint16_t> halves;
+  if (internal_format == GL_R16F) halves.resize(static_cast<std::size_t>(extent.depth * extent.a_scans));
   Texture texture = Texture::create();
   if (!texture) {
     throw std::runtime_error(memory_text(extent, internal_format) + "which the driver could not provide. ");
@@ -95,6 +98,7 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, con
   texture_ = std::move(texture);
   extent_ = extent;
   revisions_ = std::move(revisions);
+  halves_ = std::move(halves);
 }
 
 Texture3D::Binding::Binding(GLuint texture) {
@@ -105,11 +109,17 @@ Texture3D::Binding::Binding(GLuint texture) {
 void Texture3D::upload_b_scans(std::int64_t first, std::int64_t count, const float* data,
                                const char* checkpoint) {
   reset_pixel_unpack();
+  if (!halves_.empty()) glPixelStorei(GL_UNPACK_ALIGNMENT, sizeof(std::uint16_t));
   const std::int64_t voxels = extent_.depth * extent_.a_scans;
   for (std::int64_t k = 0; k < count; ++k) {
+    const void* b_scan = data + k * voxels;
+    if (!halves_.empty()) {  // drivers take several times as long to round
+      vec::to_half(halves_.data(), data + k * voxels, halves_.size());
+      b_scan = halves_.data();
+    }
     glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, static_cast<GLint>(first + k),
                     static_cast<GLsizei>(extent_.depth), static_cast<GLsizei>(extent_.a_scans), 1, GL_RED,
-                    GL_FLOAT, data + k * voxels);
+                    halves_.empty() ? GL_FLOAT : GL_HALF_FLOAT, b_scan);
     throwOnGLError(checkpoint);
     revisions_.changed(first + k, first + k + 1);
   }
@@ -119,6 +129,7 @@ void Texture3D::reset() {
   texture_.reset();
   extent_ = {};
   revisions_ = {};
+  halves_ = {};
 }
 
 }  // namespace oct::gl

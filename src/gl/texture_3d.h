@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "core/extent.h"
 #include "gl/gl_names.h"
@@ -50,6 +51,7 @@ class Texture3D {
   Texture texture_;
   VolumeExtent extent_;
   SliceRevisions revisions_;
+  std::vector<std::uint16_t> halves_;  // one B-scan on its way into a texture of half floats
 };
 
 }  // namespace oct::gl

@@ -91,12 +91,14 @@ bool FastOpenGLVolumeRenderer::take_back_volume() {
 }
 
 void FastOpenGLVolumeRenderer::upload_volume() {
+  std::swap(maxima_, delivery_.maxima);
   try {
     upload_.upload("FastOpenGLVolumeRenderer::render, do_update");
     upload_.upload_secondary(delivery_.secondary, secondary_width_);
     uploaded_ = !upload_.extent().empty();
     unshown_ = delivery_.processed;
   } catch (...) {
+    maxima_.reset();  // of what may be in the texture or not
     feed_->count_lost_by_driver();
     throw;
   }
@@ -121,7 +123,7 @@ void FastOpenGLVolumeRenderer::draw() {
   if (renderer) renderer->render(source());
 }
 
-VolumeSource FastOpenGLVolumeRenderer::source() const {
+VolumeSource FastOpenGLVolumeRenderer::source() {
   VolumeSource source;
   if (upload_.secondary() != 0) {
     source.secondary = upload_.secondary();
@@ -131,6 +133,8 @@ VolumeSource FastOpenGLVolumeRenderer::source() const {
   if (!uploaded_) return source;
   source.volume = upload_.volume();
   source.volume_revisions = &upload_.revisions();
+  source.volume_maxima = maxima_.get();
+  source.empty_space = &empty_space_;
   source.slice_count = static_cast<int>(upload_.extent().a_scans);
   return source;
 }
@@ -153,6 +157,8 @@ void FastOpenGLVolumeRenderer::close() {
   if (mapped) upload_.unmap();
   log() << "Closing renderer. ";
   upload_.release();
+  maxima_.reset();
+  empty_space_.release();
   uploaded_ = false;
   if (std::exchange(unshown_, std::nullopt)) feed_->count_lost_by_driver();
   gl::throwOnGLError("FastOpenGLVolumeRenderer::close");

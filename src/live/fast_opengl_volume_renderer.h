@@ -8,6 +8,7 @@
 #include "gl/context/context_identity.h"
 #include "live/live_feed.h"
 #include "live/volume_upload.h"
+#include "volume/skipping/empty_space.h"
 
 namespace oct {
 
@@ -29,7 +30,7 @@ class FastOpenGLVolumeRenderer {
   void set_renderer(VolumeRenderer* renderer) { feed_->set_renderer(renderer); }  // not owned; null: none
   bool is_running() const { return feed_->state() != LiveState::stopped; }
   void render();
-  VolumeSource source() const;             // what the next frame draws; of the rendering thread
+  VolumeSource source();                   // what the next frame draws; of the rendering thread
   double get_fps() const { return fps_; }  // volumes per second
 
  private:
@@ -49,7 +50,9 @@ class FastOpenGLVolumeRenderer {
   gl::ContextIdentity home_ = gl::no_context;  // where the textures and buffers are
   std::int32_t secondary_width_ = 0;
   bool uploaded_ = false;            // since the texture was allocated
-  LiveFeed::Delivery delivery_;      // of the volume that is being uploaded
+  LiveDelivery delivery_;            // of the volume that is being uploaded
+  std::unique_ptr<BrickMaxima> maxima_;  // of the volume in the texture; null: unknown
+  EmptySpace empty_space_;
   std::optional<LiveTime> unshown_;  // when the volume was processed that no frame has shown yet
   std::atomic<double> fps_ = 0.0;
 };

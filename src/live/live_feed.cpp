@@ -174,13 +174,12 @@ void LiveFeed::give_back() {
   changed_.notify_all();
 }
 
-void LiveFeed::fill(std::vector<float>& secondary, LiveTime processed) {
+void LiveFeed::fill(LiveDelivery& delivery) {
   {
     const std::lock_guard lock(mutex_);
     if (buffer_ == BufferState::lent) {
       buffer_ = BufferState::filled;
-      delivery_.secondary.swap(secondary);
-      delivery_.processed = processed;
+      std::swap(delivery_, delivery);
       ++statistics_.counts.handed_over;
     } else if (buffer_ == BufferState::recalled) {
       buffer_ = BufferState::unmapped;
@@ -204,12 +203,11 @@ bool LiveFeed::is_mapped() const {
   return buffer_ != BufferState::unmapped;
 }
 
-bool LiveFeed::collect(Delivery& delivery) {
+bool LiveFeed::collect(LiveDelivery& delivery) {
   const std::lock_guard lock(mutex_);
   if (buffer_ != BufferState::filled) return false;
   buffer_ = BufferState::unmapped;
-  delivery.secondary.swap(delivery_.secondary);
-  delivery.processed = delivery_.processed;
+  std::swap(delivery, delivery_);
   return true;
 }
 

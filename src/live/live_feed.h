@@ -4,12 +4,14 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
 #include "core/extent.h"
 #include "live/live_statistics.h"
+#include "volume/skipping/brick_maxima.h"
 
 namespace oct {
 
@@ -34,6 +36,13 @@ struct LiveFormat {
   std::int32_t secondary_width = 0;  // values for every A-scan; 0: none
 };
 
+// What comes with the samples of a volume.
+struct LiveDelivery {
+  std::vector<float> secondary;         // none: the volume came without
+  std::unique_ptr<BrickMaxima> maxima;  // null: unknown
+  LiveTime processed;
+};
+
 // Any thread, unless it says otherwise. Outlives its live renderer for as long as a source holds it. The lock
 // is held for a few instructions only, never across OpenGL, calls of the device library or whatever may
 // throw.
@@ -56,8 +65,8 @@ class LiveFeed {
   // The buffer for the next volume: lent until fill or give_back. Null if none is free within 100 ms.
   float* take(LiveClaim claim);
   void give_back();  // without a volume
-  // The secondary values are swapped for others to write to.
-  void fill(std::vector<float>& secondary, LiveTime processed);
+  // What came with the volume is swapped for others to write to.
+  void fill(LiveDelivery& delivery);
 
   // One more, before which the device has lost some.
   void count_acquired(LiveClaim claim, std::uint64_t lost = 0);
@@ -96,11 +105,8 @@ class LiveFeed {
 
   void offer(LiveClaim claim, float* data);  // a mapped buffer becomes free
   bool is_mapped() const;
-  struct Delivery {
-    std::vector<float> secondary;  // none: the volume came without
-    LiveTime processed;
-  };
-  bool collect(Delivery& delivery);  // the filled buffer, to be unmapped; false: there is none
+  // The filled buffer, to be unmapped, and what came with it; false: there is none.
+  bool collect(LiveDelivery& delivery);
   // Takes the buffer back, after the source has finished with it. Returns whether it was mapped.
   bool withdraw();
 
@@ -135,7 +141,7 @@ class LiveFeed {
   BufferState buffer_ = BufferState::unmapped;
   LiveClaim buffer_claim_ = no_claim;  // who may take it
   float* data_ = nullptr;
-  Delivery delivery_;
+  LiveDelivery delivery_;
   LiveStatistics statistics_;
 };
 

@@ -7,7 +7,6 @@
 
 #include "core/exception.h"
 #include "core/timing_mark.h"
-#include "vec/vec.h"
 #include "volume/volume_renderer.h"
 
 namespace oct {
@@ -29,15 +28,18 @@ class Loan {
   Loan& operator=(const Loan&) = delete;
 
   float* data() const { return data_; }
-  void filled(std::vector<float>& secondary, LiveTime processed) {
+  void filled(LiveDelivery& delivery) {
     data_ = nullptr;
-    feed_.fill(secondary, processed);
+    feed_.fill(delivery);
   }
 
  private:
   LiveFeed& feed_;
   float* data_;
 };
+
+// Of a cube. Smaller bricks take longer than the copy that they are made with allows.
+constexpr int live_brick_side = 8;
 
 std::size_t samples(std::int64_t depth, const VolumeExtent& extent) {
   return static_cast<std::size_t>(depth) * static_cast<std::size_t>(extent.a_scans) *
@@ -126,16 +128,16 @@ bool Measurement::hand_over_volume(LiveFeed& feed, LiveClaim claim, LiveTime pro
   const float* const source = volume_samples();
   if (!source) return false;
   collect_secondary();
+  if (!delivery_.maxima || delivery_.maxima->extent() != kept_)
+    delivery_.maxima = std::make_unique<BrickMaxima>(kept_, live_brick_side, BrickTexture::border);
+  delivery_.processed = processed;
   Loan loan(feed, claim);
   if (!loan.data()) return true;
-  const std::size_t a_scans = samples(1, kept_);
-  const auto kept = static_cast<std::size_t>(kept_.depth);
-  if (kept_ == acquired_) {
-    vec::copy(loan.data(), source, a_scans * kept);
-  } else {
-    vec::crop_copy(loan.data(), source, a_scans, static_cast<std::size_t>(acquired_.depth), kept);
+  for (std::int64_t k = 0; k < kept_.b_scans; ++k) {
+    delivery_.maxima->take_b_scan(k, {source + k * acquired_.a_scans * acquired_.depth, acquired_.depth,
+                                      loan.data() + k * kept_.a_scans * kept_.depth});
   }
-  loan.filled(secondary_, processed);
+  loan.filled(delivery_);
   return true;
 }
 
@@ -165,7 +167,7 @@ void Measurement::collect_secondary() {
   const std::size_t count = samples(secondary_width_, kept_);
   const int bytes = sdk_.getDataPropertyInt(sequence_->analog(), OCT_DATA_BYTE_COUNT);
   if (bytes < 0 || static_cast<std::size_t>(bytes) < count * sizeof(float)) throw insufficient();
-  secondary_.assign(analog_samples_, analog_samples_ + count);
+  delivery_.secondary.assign(analog_samples_, analog_samples_ + count);
 }
 
 void Measurement::hand_over_surface(LiveFeed& feed, LiveClaim claim) {

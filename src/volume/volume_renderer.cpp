@@ -1,6 +1,7 @@
 #include "volume/volume_renderer.h"
 
 #include <array>
+#include <utility>
 
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
@@ -36,6 +37,7 @@ void VolumeRenderer::init() {
     create_colormaps();
     gl::throwOnGLError("VolumeRenderer::init");
     home_ = gl::current_identity();
+    first_frame_ = true;
   } catch (...) {
     release();
     throw;
@@ -81,6 +83,8 @@ void VolumeRenderer::render(const VolumeSource& source) {
   draw_opaque(frame);
   draw_behind_volume(frame);
   draw_rays(frame);
+  // The driver works on the rays while the first labels are made, fonts are looked for and programs translated.
+  if (std::exchange(first_frame_, false)) glFlush();
   draw_in_front(frame);
   finish_frame();
 }

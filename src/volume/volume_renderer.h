@@ -93,6 +93,7 @@ class VolumeRenderer {
 
   // Of the thread that draws.
   gl::ContextIdentity home_ = gl::no_context;  // where it was initialised; none: it is not
+  bool first_frame_ = false;                   // since then
   VolumeColormaps colormaps_;
   VolumePrograms programs_;
   ClipPlane clip_plane_;

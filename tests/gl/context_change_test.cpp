@@ -149,8 +149,8 @@ class LiveSubject : public Subject {
     float* const voxels = feed_->take(claim_);
     ASSERT_NE(voxels, nullptr);
     std::ranges::copy(volume_scene().volume.voxels, voxels);
-    std::vector<float> no_secondary;
-    feed_->fill(no_secondary, {});
+    LiveDelivery delivery;
+    feed_->fill(delivery);
     picture();
   }
   void draw() override { renderVolume(live_); }

@@ -16,8 +16,9 @@ namespace oct::test {
 namespace {
 
 void fill_of(LiveFeed& feed) {
-  std::vector<float> no_secondary;
-  feed.fill(no_secondary, std::chrono::steady_clock::now());
+  LiveDelivery delivery;
+  delivery.processed = std::chrono::steady_clock::now();
+  feed.fill(delivery);
 }
 
 class LiveRendererTest : public GLTest {
@@ -42,7 +43,7 @@ class LiveRendererTest : public GLTest {
     std::fill_n(data, 4 * 3 * 2, value);
     fill();
   }
-  void fill() { feed_.fill(secondary_, std::chrono::steady_clock::now()); }
+  void fill() { fill_of(feed_); }
   LiveCounts counts() const { return feed_.counts(); }
 
   GlSpy spy_;
@@ -50,7 +51,6 @@ class LiveRendererTest : public GLTest {
   FastOpenGLVolumeRenderer live_;
   LiveFeed& feed_ = *live_.feed();
   LiveClaim claim_ = no_claim;
-  std::vector<float> secondary_;
 };
 
 constexpr std::size_t objects_of_a_running_renderer = 3;  // texture and two buffers
@@ -404,7 +404,9 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   auto& renderer = *reinterpret_cast<VolumeRenderer*>(stage.renderer);
   FastOpenGLVolumeRenderer live;
   live.set_renderer(&renderer);
-  std::vector<float> secondary(2 * 3 * 2, 0.5F);
+  LiveDelivery delivery;
+  std::vector<float>& secondary = delivery.secondary;
+  secondary.assign(2 * 3 * 2, 0.5F);
   LiveFeed& feed = *live.feed();
   beginOffscreenFrame(stage.target, 20, 20);
   const LiveClaim claim = feed.start({{4, 3, 2}, 2});
@@ -417,7 +419,7 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   ASSERT_NE(data, nullptr);
   std::fill_n(data, 4 * 3 * 2, 0.25F);
   const std::vector<float> of_the_volume = secondary;
-  feed.fill(secondary, {});
+  feed.fill(delivery);
   secondary.assign(of_the_volume.size(), 0.75F);  // of the next one
   live.render();
   glBindTexture(GL_TEXTURE_3D, live.source().secondary);

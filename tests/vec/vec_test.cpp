@@ -58,11 +58,12 @@ class GuardedArray {
   std::size_t first_ = 0;
 };
 
-constexpr std::array<InstructionSet, 4> vector_sets{InstructionSet::sse, InstructionSet::sse2,
-                                                    InstructionSet::sse41, InstructionSet::avx};
+constexpr std::array<InstructionSet, 5> vector_sets{InstructionSet::sse, InstructionSet::sse2,
+                                                    InstructionSet::sse41, InstructionSet::avx,
+                                                    InstructionSet::f16c};
 
 const char* name_of(InstructionSet set) {
-  constexpr std::array<const char*, 5> names{"scalar", "sse", "sse2", "sse41", "avx"};
+  constexpr std::array<const char*, 6> names{"scalar", "sse", "sse2", "sse41", "avx", "f16c"};
   return names[static_cast<std::size_t>(set)];
 }
 
@@ -187,6 +188,9 @@ TEST_P(Variants, EqualThePlainLoops) {
                                  routines.to_uint16(to.data(), readings.data(), count,
                                                     plain ? 1.0F : 38400.0F, plain ? 0.0F : 1280.0F);
                                });
+    expect_same<std::uint16_t>("to_half", count, offset, [&](const Routines& routines, auto& to) {
+      routines.to_half(to.data(), readings.data(), count);
+    });
   }
 }
 
@@ -284,6 +288,37 @@ TEST(ToUint16, RoundsHalvesUpAndClamps) {
   to_uint16(found.data(), values.data(), 3, 100.0F, 20.0F);
   found.resize(3);
   EXPECT_EQ(found, (std::vector<std::uint16_t>{20, 69, 70}));
+}
+
+// Each number of 16 bits, the middle between it and the next one, and what lies on either side of that.
+TEST(ToHalf, RoundsToTheNearestAndOfTwoToTheEven) {
+  const auto value_of = [](int half) {
+    const int exponent = half >> 10;
+    return static_cast<float>(exponent == 0 ? std::ldexp(half, -24)
+                                            : std::ldexp(1024 + half % 1024, exponent - 25));
+  };
+  std::vector<float> values;
+  std::vector<std::uint16_t> expected;
+  const auto expect = [&](float value, int half) {
+    for (const int sign : {0, 0x8000}) {
+      values.push_back(sign == 0 ? value : -value);
+      expected.push_back(static_cast<std::uint16_t>(sign | half));
+    }
+  };
+  constexpr int infinite = 0x7C00;
+  for (int half = 0; half < infinite; ++half) {
+    const float middle = (value_of(half) + value_of(half + 1)) / 2.0F;
+    expect(value_of(half), half);
+    expect(std::nextafter(middle, 0.0F), half);
+    expect(middle, half + half % 2);
+    expect(std::nextafter(middle, infinity), half + 1);
+  }
+  for (const float value : {infinity, 1e30F}) expect(value, infinite);
+  std::vector<std::uint16_t> found(values.size());
+  to_half(found.data(), values.data(), values.size());
+  EXPECT_EQ(found, expected);
+  to_half(found.data(), &not_a_number, 1);
+  EXPECT_GT(found[0] & 0x7FFF, infinite);
 }
 
 // ---- Copies

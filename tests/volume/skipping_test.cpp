@@ -29,7 +29,7 @@ class Choice {
   std::mt19937 random_;
 };
 
-// A few balls of noise in a void.
+// A few balls of noise and single voxels in a void, or in what 16 bits round to above a boundary of 0.3.
 Volume sparse_volume(int width, int height, int depth, Choice& choice) {
   Volume volume = test_volume(width, height, depth, static_cast<unsigned>(choice.below(1000)));
   struct Ball {
@@ -40,7 +40,9 @@ Volume sparse_volume(int width, int height, int depth, Choice& choice) {
     balls.push_back({choice.between(0, width), choice.between(0, height), choice.between(0, depth),
                      choice.between(0.5, 9.0)});
   }
-  const float background = choice.of({0.0F, 0.1F, -2.0F});
+  const float background = choice.of({0.0F, 0.1F, -2.0F, 0.29999F});
+  const float noise = background < 0.2F ? 0.05F : 0.0F;
+  const int specks = choice.of({0, 0, 40, 400});
   std::size_t i = 0;
   for (int w = 0; w < depth; ++w) {
     for (int v = 0; v < height; ++v) {
@@ -48,7 +50,8 @@ Volume sparse_volume(int width, int height, int depth, Choice& choice) {
         const bool inside = std::ranges::any_of(balls, [&](const Ball& ball) {
           return std::hypot(u - ball.u, v - ball.v, w - ball.w) < ball.radius;
         });
-        if (!inside) volume.voxels[i] = background + 0.05F * volume.voxels[i];
+        if (!inside) volume.voxels[i] = background + noise * volume.voxels[i];
+        if (specks > 0 && choice.one_of(specks)) volume.voxels[i] = 1.0F;
       }
     }
   }
@@ -83,7 +86,7 @@ VolumeScene random_scene(Choice& choice) {
   const int width = size();
   const int height = size();
   const int depth = size();
-  VolumeScene scene = scene_of(sparse_volume(width, height, depth, choice), 56, 42, choice.between(-90, 90),
+  VolumeScene scene = scene_of(sparse_volume(width, height, depth, choice), 72, 56, choice.between(-90, 90),
                                choice.between(-180, 180));
   if (choice.one_of(6)) scene.angle_x = 90.0 * choice.below(3), scene.angle_y = 90.0 * choice.below(4);
   scene.mode = choice.of({0, 0, 1, 1, 3});
@@ -151,10 +154,15 @@ class SkippingTest : public VolumeTest {
 
 TEST_F(SkippingTest, ChangesNoPixel) {
   int seen = 0;
-  for (unsigned seed = 0; seed < 120; ++seed) {
+  for (unsigned seed = 0; seed < 66; ++seed) {
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     Choice choice(seed);
     scene_ = random_scene(choice);
+    if (seed % 6 == 1) scene_.coloring = {opaque_colors(64), 0.3, 0.9};
+    if (seed % 6 == 0) {  // the zeros beyond a rim show, and nothing else
+      for (float& voxel : scene_.volume.voxels) voxel -= 4.0F;
+      scene_.coloring = {opaque_colors(64), -1.0, 0.9};
+    }
     stage_.prepare(scene_);
     beginOffscreenFrame(stage_.target, 8, 8);
     VolumeSource shown = source(static_cast<OfflineVolumeRendering::Content>(scene_.content));
@@ -173,7 +181,7 @@ TEST_F(SkippingTest, ChangesNoPixel) {
       seen += expect_same(shown);
     }
   }
-  EXPECT_GT(seen, 60) << "of the volumes";
+  EXPECT_GT(seen, 30) << "of the volumes";
 }
 
 // Blocks and slices in any order, some twice, one of which OpenGL refuses, and a volume of the same size after it.
@@ -186,7 +194,7 @@ TEST_F(SkippingTest, FollowsEveryUpload) {
     scene_.coloring = {ramp_colors(256, 0.5), 0.2, 0.9};
     scene_.clip = false;
     stage_.prepare(scene_);
-    for (int step = 0; step < 25; ++step) {
+    for (int step = 0; step < 12; ++step) {
       const Volume other = sparse_volume(33, 14, 21, choice);
       const auto from = [&](int b_scan) {
         return other.voxels.data() + static_cast<std::size_t>(b_scan) * other.slice_voxels();
