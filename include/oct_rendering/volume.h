@@ -209,8 +209,8 @@ OCT_API void setVolumeMode(VolumeRendererHandle Handle, int Mode);
 /**
  * @brief Lights the composites (volume modes 0 and 3): a light at the eye, on both sides of what it shines on, in
  * the volume's real proportions (see setRange()). What is lit is where the volume changes; a sample whose
- * neighbours, a voxel away, differ from voxel to voxel by less than 5 % of the distance of the coloring boundaries
- * keeps its colour, from 20 % on it is lit in full. A lit colour is colour * (Ambient + Diffuse * c) + Specular *
+ * neighbours, a voxel away, differ from voxel to voxel by less than 10 % of the distance of the coloring boundaries
+ * keeps its colour, from 30 % on it is lit in full. A lit colour is colour * (Ambient + Diffuse * c) + Specular *
  * c^32, c being the cosine between the line of sight and the direction in which the volume changes most. The
  * overlay that mode 0 lays over the result is not lit.
  *

@@ -109,13 +109,13 @@ class Ray {
       change[axis] = (value(volume_, place + way) - value(volume_, place - way)) / 2.0;
     }
     const double steepness = glm::length(change) / std::abs(coloring_.upper - coloring_.lower);
-    if (!(steepness > 0.05 && std::isfinite(steepness))) return;
+    if (!(steepness > 0.1 && std::isfinite(steepness))) return;
     const glm::dvec3 normal = glm::normalize(change / (voxel * extent_));
     const double cosine = std::abs(glm::dot(normal, glm::normalize(sight_)));
     const auto& [ambient, diffuse, specular] = scene_.lighting;
     const glm::dvec3 lit =
         glm::dvec3(color) * (ambient + diffuse * cosine) + specular * std::pow(cosine, 32.0);
-    color = glm::dvec4(glm::mix(glm::dvec3(color), lit, glm::smoothstep(0.05, 0.2, steepness)), color.a);
+    color = glm::dvec4(glm::mix(glm::dvec3(color), lit, glm::smoothstep(0.1, 0.3, steepness)), color.a);
   }
 
   glm::dvec4 composite() const {

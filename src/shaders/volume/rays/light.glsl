@@ -4,7 +4,7 @@
 uniform vec3 lighting;  // ambient, diffuse, specular
 uniform vec3 extent;    // of the box, in millimetres
 
-const vec2 steepness_lit = vec2(0.05, 0.2);  // share of the coloring boundaries' distance: none of the light, all of it
+const vec2 steepness_lit = vec2(0.1, 0.3);  // share of the coloring boundaries' distance: none of the light, all of it
 
 vec3 to_viewer;  // in the volume's real proportions, as normals are
 vec3 voxel;      // one voxel of the box
@@ -19,17 +19,13 @@ float change_along(vec3 current, vec3 way) {
 }
 
 vec4 shaded(vec4 color, vec3 current) {
-  // A loop, because pixels that go on together skip it where none of them shows anything, and a condition not.
-  for (bool shows = color.a > 0.0; shows; shows = false) {
-    vec3 change = vec3(change_along(current, vec3(voxel.x, 0.0, 0.0)), change_along(current, vec3(0.0, voxel.y, 0.0)),
-                       change_along(current, vec3(0.0, 0.0, voxel.z)));
-    float steepness = length(change);
-    if (!(steepness > steepness_lit.x && steepness < 1e6)) break;  // or not a number
-    float facing = abs(dot(normalize(change / (voxel * extent)), to_viewer));
-    float shine = pow(facing, 32.0);
-    vec3 lit = color.rgb * (lighting.x + lighting.y * facing) + color.a * lighting.z * shine;
-    color.rgb = mix(color.rgb, lit, smoothstep(steepness_lit.x, steepness_lit.y, steepness));
-  }
+  vec3 change = vec3(change_along(current, vec3(voxel.x, 0.0, 0.0)), change_along(current, vec3(0.0, voxel.y, 0.0)),
+                     change_along(current, vec3(0.0, 0.0, voxel.z)));
+  float steepness = length(change);
+  if (!(steepness > steepness_lit.x && steepness < 1e6)) return color;  // or not a number
+  float facing = abs(dot(normalize(change / (voxel * extent)), to_viewer));
+  vec3 lit = color.rgb * (lighting.x + lighting.y * facing) + color.a * lighting.z * pow(facing, 32.0);
+  color.rgb = mix(color.rgb, lit, smoothstep(steepness_lit.x, steepness_lit.y, steepness));
   return color;
 }
 #else
