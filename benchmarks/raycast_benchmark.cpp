@@ -49,7 +49,7 @@ double cpu_milliseconds() {
 // One scene, drawn by either set of programs.
 class Scene {
  public:
-  Scene(int mode, bool half_float) : mode_(mode) {
+  Scene(int mode, bool half_float) {
     settings_.volume_mode = mode == 3 ? oct::VolumeMode::normal : static_cast<oct::VolumeMode>(mode);
     settings_.view.angle_x = static_cast<float>(oct::benchmark_scene::angle_x);
     settings_.view.angle_y = static_cast<float>(oct::benchmark_scene::angle_y);
@@ -69,40 +69,33 @@ class Scene {
     coloring.lower = oct::benchmark_scene::lowerValue;
     coloring.upper = oct::benchmark_scene::upperValue;
     colormaps_.update(settings_);
-    load_plain(oct::VolumeMode::normal, "literal", oct::literal::compositing);
-    load_plain(oct::VolumeMode::maximum, "literal_mip", oct::literal::maximum);
-    load_plain(oct::VolumeMode::mean, "literal_mean", oct::literal::mean);
     ours_.load(settings_);
-    plain_.load(settings_);
+    const char* const texts[] = {oct::literal::compositing, oct::literal::maximum, oct::literal::mean,
+                                 oct::literal::compositing};
+    plain_.emplace(texts[mode], oct::Viewport{pixels, pixels});
   }
 
   void draw(bool ours) {
     const oct::VolumeFrame frame{settings_,
                                  source_,
                                  colormaps_,
-                                 ours ? ours_ : plain_,
+                                 ours_,
                                  clip_plane_,
                                  settings_.range,
                                  oct::camera_of(settings_.view, settings_.range, {pixels, pixels}),
                                  oct::FilledBox(1.0F)};
     glClearColor(0.0F, 0.0F, 0.2F, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    raycaster_.draw(frame, box_, surface_);
+    ours ? raycaster_.draw(frame, box_, surface_) : plain_->draw(frame, box_);
     glFinish();
   }
 
  private:
-  void load_plain(oct::VolumeMode mode, const char* name, const char* text) {
-    plain_.raycasting_slot({mode}).load(name, oct::shaders::raycasting_vert,
-                                        std::string(oct::literal::start) + text);
-  }
-
-  int mode_;
   oct::VolumeSettings settings_;
   oct::VolumeSource source_;
   oct::VolumeColormaps colormaps_;
   oct::VolumePrograms ours_;
-  oct::VolumePrograms plain_;
+  std::optional<oct::literal::Raycaster> plain_;
   oct::ClipPlane clip_plane_;
   oct::Raycaster raycaster_;
   oct::Box box_;

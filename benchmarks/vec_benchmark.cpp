@@ -63,6 +63,10 @@ void to_uint16(const Routines& routines, Arrays& arrays) {
   routines.to_uint16(arrays.counts.data(), arrays.from.data(), array_length, 38400.0F, 1280.0F);
 }
 
+void to_half(const Routines& routines, Arrays& arrays) {
+  routines.to_half(arrays.counts.data(), arrays.from.data(), array_length);
+}
+
 void against_plain_loop(benchmark::State& state, ArrayWork work, InstructionSet set) {
   if (!is_supported(set)) return state.SkipWithError("not supported by this processor");
   Arrays arrays;
@@ -128,6 +132,7 @@ void register_all() {
   const Named sse2{"sse2", InstructionSet::sse2};
   const Named sse41{"sse41", InstructionSet::sse41};
   const Named avx{"avx", InstructionSet::avx};
+  const Named f16c{"f16c", InstructionSet::f16c};
   const auto arrays = [](const char* name, ArrayWork work, const std::vector<Named>& sets) {
     for (const Named& set : sets) {
       const std::string title = std::string(name) + "/" + set.name;
@@ -142,6 +147,7 @@ void register_all() {
   arrays("powers", powers, {sse, avx});
   arrays("decibels", decibels, {sse2, avx});
   arrays("to_uint16", to_uint16, {sse2, sse41, avx});
+  arrays("to_half", to_half, {f16c});
   const auto copies = [](const char* name, std::size_t kept, const std::vector<Named>& sets) {
     for (const Named& set : sets) {
       const std::string title = std::string(name) + "/" + set.name;

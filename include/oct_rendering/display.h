@@ -73,6 +73,9 @@ OCT_API void uninitDisplayRendering(DisplayRenderingHandle Handle);
 /**
  * @brief Draws one frame into the current framebuffer and viewport. Clears the framebuffer with the
  * background colour first. Before initDisplayRendering() it draws nothing and writes to the library log.
+ * What has not changed since the frame before is not done again: images are uploaded and filtered when they have been
+ * set, and a frame with the same images, settings and viewport size copies the picture (up to 4096 pixels a side, into
+ * targets of eight bits a channel without multisampling).
  * @param Handle The renderer.
  * @par Errors
  * "Invalid DisplayRenderingHandle specified. "; "No OpenGL context is current on the calling thread. ";

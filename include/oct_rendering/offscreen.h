@@ -58,8 +58,8 @@ OCT_API void clearOffscreenTarget(OffscreenTargetHandle Handle);
 
 /**
  * @brief Makes the context current, makes the framebuffer the one that is drawn to and sets the viewport to
- * its whole size. The contents are undefined until something clears them. After an error no frame is begun and what
- * was current before is current again.
+ * its whole size. The contents are undefined until something clears them. The framebuffer, eight bytes a pixel, is kept
+ * until a frame of another size begins. After an error no frame is begun and what was current before is current again.
  * @param Handle The target.
  * @param Width Width in pixels, 1 to the driver's renderbuffer limit (16384 on most).
  * @param Height Height in pixels, likewise.

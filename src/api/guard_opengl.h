@@ -2,7 +2,7 @@
 #pragma once
 
 #include "api/guard.h"
-#include "gl/client_state.h"
+#include "gl/context/client_state.h"
 
 namespace oct::api {
 

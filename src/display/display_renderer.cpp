@@ -1,6 +1,7 @@
 #include "display/display_renderer.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/log.h"
 #include "core/timing_mark.h"
@@ -22,14 +23,11 @@ void bind_texture(GLint unit, GLenum target, GLuint texture) {
   glBindTexture(target, texture);
 }
 
-}  // namespace
+void set_extent(GLint uniform, const ImageExtent& extent) {
+  glUniform2f(uniform, static_cast<float>(extent.depth), static_cast<float>(extent.a_scans));
+}
 
-struct DisplayRenderer::Frame {
-  const FrameSettings& settings;
-  TextureView image;  // the base image after its filters
-  GLsizei width;      // of the viewport
-  GLsizei height;
-};
+}  // namespace
 
 DisplayRenderer::~DisplayRenderer() {
   const TimingMark destruction("Display renderer destruction");
@@ -42,7 +40,8 @@ void DisplayRenderer::init() {
   gl::throwOnGLError("Before DisplayRenderer::init");
   release();
   try {
-    build_programs();
+    built(display_, TexelLayout::single);
+    built(overlay_, TexelLayout::single);
     filters_.init();
     quad_.create("Could not create OpenGL buffer. ");
     gl::throwOnGLError("DisplayRenderer::init");
@@ -54,40 +53,72 @@ void DisplayRenderer::init() {
   initialized_ = true;
 }
 
-void DisplayRenderer::build_programs() {
-  gl::Shader& display = display_.shader;
-  display.load_to_program("display_program", shaders::display_vert, shaders::display_frag);
-  display_.lowerValue = display.uniform("lowerValue");
-  display_.upperValue = display.uniform("upperValue");
-  display_.displayTex = display.uniform("displayTex");
-  display_.colorTex = display.uniform("colorTex");
-  display_.textureSize = display.uniform("textureSize");
-  display_.displaySize = display.uniform("displaySize");
-  display_.dpp = display.uniform("DPP");
-  display_.gamma = display.uniform("gamma");
-  display_.flip = display.uniform("flip");
+void DisplayRenderer::DisplayProgram::build(TexelLayout layout) {
+  if (layout == TexelLayout::single) {
+    shader.load_to_program("display_program", shaders::display_vert, shaders::display_frag);
+  } else {
+    shader.load_to_program("display_program_in_fours", shaders::display_vert, shaders::display_in_fours_frag);
+  }
+  lowerValue = shader.uniform("lowerValue");
+  upperValue = shader.uniform("upperValue");
+  displayTex = shader.uniform("displayTex");
+  colorTex = shader.uniform("colorTex");
+  textureSize = shader.uniform("textureSize");
+  texelCount = shader.uniform("texelCount");
+  displaySize = shader.uniform("displaySize");
+  dpp = shader.uniform("DPP");
+  gamma = shader.uniform("gamma");
+  flip = shader.uniform("flip");
+}
 
-  gl::Shader& overlay = overlay_.shader;
-  overlay.load_to_program("overlay_program", shaders::display_vert, shaders::overlay_frag);
-  overlay_.lowerValue = overlay.uniform("lowerValue");
-  overlay_.upperValue = overlay.uniform("upperValue");
-  overlay_.displayTex = overlay.uniform("displayTex");
-  overlay_.overlayTex = overlay.uniform("overlayTex");
-  overlay_.colorTex = overlay.uniform("colorTex");
-  overlay_.displaySize = overlay.uniform("displaySize");
-  overlay_.threshold = overlay.uniform("threshold");
-  overlay_.flip = overlay.uniform("flip");
+void DisplayRenderer::OverlayProgram::build(TexelLayout layout) {
+  if (layout == TexelLayout::single) {
+    shader.load_to_program("overlay_program", shaders::display_vert, shaders::overlay_frag);
+  } else {
+    shader.load_to_program("overlay_program_in_fours", shaders::display_vert, shaders::overlay_in_fours_frag);
+  }
+  lowerValue = shader.uniform("lowerValue");
+  upperValue = shader.uniform("upperValue");
+  displayTex = shader.uniform("displayTex");
+  overlayTex = shader.uniform("overlayTex");
+  colorTex = shader.uniform("colorTex");
+  textureSize = shader.uniform("textureSize");
+  texelCount = shader.uniform("texelCount");
+  displaySize = shader.uniform("displaySize");
+  threshold = shader.uniform("threshold");
+  flip = shader.uniform("flip");
+}
+
+// The program for a layout, built when it is first asked for.
+template <class Program>
+const Program& DisplayRenderer::built(std::array<Program, layout_count>& programs, TexelLayout layout) {
+  Program& program = programs[static_cast<std::size_t>(layout)];
+  if (program.shader.program() != 0) return program;
+  try {
+    program.build(layout);
+  } catch (...) {
+    program.shader.release();  // it may have linked before a checkpoint found an older error
+    throw;
+  }
+  return program;
 }
 
 void DisplayRenderer::release() {
   initialized_ = false;
-  display_.shader.release();
-  overlay_.shader.release();
+  for (DisplayProgram& program : display_) program.shader.release();
+  for (OverlayProgram& program : overlay_) program.shader.release();
   filters_.release();
   quad_.release();
+  release_textures();
+}
+
+void DisplayRenderer::release_textures() {
   for (ColormapTexture& texture : colormap_textures_) texture.release();
   display_data_.release();
   overlay_data_.release();
+  filters_.release_textures();
+  picture_.release();
+  shown_.reset();
 }
 
 void DisplayRenderer::uninit() {
@@ -106,91 +137,136 @@ void DisplayRenderer::render() {
   }
   gl::require_opengl();
   gl::require_home(home_);
+  // After an error nobody knows what any texture holds.
+  try {
+    draw_frame();
+  } catch (...) {
+    release_textures();
+    throw;
+  }
+}
+
+void DisplayRenderer::draw_frame() {
   gl::throwOnGLError("render: init");
-  const FrameSettings settings = take_settings();
-  upload_colormaps(settings);
-
-  const TextureView image = filters_.run(display_data_.upload(*settings.image));
   quad_.create("Could not create OpenGL buffer.");
-
-  const auto& background = settings.common.backgroundColor;
-  glClearColor(background[0], background[1], background[2], background[3]);
-  glClear(GL_COLOR_BUFFER_BIT);
-
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());
-  const Frame frame{settings, image, viewport[2], viewport[3]};
-  if (frame.width > 0 && frame.height > 0) {
-    draw_base(frame);
-    draw_overlays(frame);
+  const Frame frame = take_frame(viewport[2], viewport[3]);
+  const Content& content = frame.content;
+  if (shown_ == content && gl::KeptPicture::suits_target(content.width, content.height)) {
+    if (!picture_) {
+      const TextureView image = upload(frame);
+      picture_.keep(content.width, content.height, [&] { draw(frame, image); });
+    }
+    clear(frame);
+    picture_.copy_to(viewport);
+  } else {
+    shown_.reset();
+    picture_.forget();
+    const TextureView image = upload(frame);
+    clear(frame);
+    draw(frame, image);
   }
   gl::throwOnGLError("DisplayRenderer::render");
+  if (content.width > 0 && content.height > 0) shown_ = content;
 }
 
-DisplayRenderer::FrameSettings DisplayRenderer::take_settings() {
-  FrameSettings result;
+DisplayRenderer::Frame DisplayRenderer::take_frame(GLsizei width, GLsizei height) {
+  Frame frame;
+  Content& content = frame.content;
   {
     const std::lock_guard lock(settings_mutex_);
-    result.common = settings_;
-    result.layers = layers_;
+    content.common = settings_;
+    content.layers = layers_;
   }
-  result.image = display_data_.image();
-  result.overlay_image = overlay_data_.image();
-  return result;
+  frame.image = display_data_.image();
+  frame.overlay_image = overlay_data_.image();
+  content.image = frame.image->revision;
+  content.overlay_image = frame.overlay_image->revision;
+  content.width = width;
+  content.height = height;
+  return frame;
 }
 
-void DisplayRenderer::upload_colormaps(const FrameSettings& settings) {
-  for (std::size_t i = 0; i < layer_count; ++i) colormap_textures_[i].upload(settings.layers[i].colormap);
+// Colour maps and the image, filtered.
+TextureView DisplayRenderer::upload(const Frame& frame) {
+  for (std::size_t i = 0; i < layer_count; ++i) {
+    colormap_textures_[i].upload(frame.content.layers[i].colormap);
+  }
+  const FilterSwitches& filters = frame.content.common.filters;
+  if (!filters.any()) return display_data_.upload(*frame.image, TexelLayout::single);
+  const TextureView image = display_data_.upload(*frame.image, TexelLayout::fours);
+  return filters_.run(image, frame.image->revision, filters, quad_);
 }
 
-void DisplayRenderer::draw_base(const Frame& frame) {
+void DisplayRenderer::clear(const Frame& frame) const {
+  const auto& background = frame.content.common.backgroundColor;
+  glClearColor(background[0], background[1], background[2], background[3]);
+  glClear(GL_COLOR_BUFFER_BIT);
+}
+
+void DisplayRenderer::draw(const Frame& frame, const TextureView& image) {
+  if (frame.content.width <= 0 || frame.content.height <= 0) return;
+  draw_base(frame, image);
+  draw_overlays(frame, image);
+}
+
+void DisplayRenderer::draw_base(const Frame& frame, const TextureView& image) {
+  // Whole samples: a driver that draws with the processor compiles anew for each number of them.
   const auto samples = [](std::int64_t texels, GLsizei pixels) {
-    return std::max(static_cast<float>(texels) / static_cast<float>(pixels), 1.0F);
+    return std::max(std::floor(static_cast<float>(texels) / static_cast<float>(pixels)), 1.0F);
   };
-  const LayerSettings& layer = frame.settings.layers[0].settings;
-  const ImageExtent& extent = frame.image.extent;
+  const Content& content = frame.content;
+  const LayerSettings& layer = content.layers[0].settings;
+  const ImageExtent& extent = image.extent;
+  const DisplayProgram& program = built(display_, image.layout);
 
-  display_.shader.use();
-  bind_texture(display_unit, GL_TEXTURE_2D, frame.image.texture);
+  program.shader.use();
+  bind_texture(display_unit, GL_TEXTURE_2D, image.texture);
   bind_texture(color_unit, GL_TEXTURE_1D, colormap_textures_[0].get());
-  glUniform1i(display_.displayTex, display_unit);
-  glUniform1i(display_.colorTex, color_unit);
-  glUniform1f(display_.lowerValue, layer.lowerValue);
-  glUniform1f(display_.upperValue, layer.upperValue);
-  glUniform2f(display_.textureSize, static_cast<float>(extent.depth), static_cast<float>(extent.a_scans));
-  glUniform2f(display_.displaySize, static_cast<float>(frame.width), static_cast<float>(frame.height));
-  glUniform2f(display_.dpp, samples(extent.depth, frame.height), samples(extent.a_scans, frame.width));
-  glUniform1f(display_.gamma, 1.0F);
-  glUniform1i(display_.flip, frame.settings.common.flip);
+  glUniform1i(program.displayTex, display_unit);
+  glUniform1i(program.colorTex, color_unit);
+  glUniform1f(program.lowerValue, layer.lowerValue);
+  glUniform1f(program.upperValue, layer.upperValue);
+  set_extent(program.textureSize, extent);
+  set_extent(program.texelCount, texels_of(extent, image.layout));
+  glUniform2f(program.displaySize, static_cast<float>(content.width), static_cast<float>(content.height));
+  glUniform2f(program.dpp, samples(extent.depth, content.height), samples(extent.a_scans, content.width));
+  glUniform1f(program.gamma, 1.0F);
+  glUniform1i(program.flip, content.common.flip);
   quad_.draw();
 }
 
-void DisplayRenderer::draw_overlays(const Frame& frame) {
-  const auto& layers = frame.settings.layers;
+void DisplayRenderer::draw_overlays(const Frame& frame, const TextureView& image) {
+  const auto& layers = frame.content.layers;
   const auto shown = [](const Layer& layer) { return layer.settings.enabled; };
   if (std::none_of(layers.begin() + 1, layers.end(), shown)) return;
 
-  const TextureView overlay = overlay_data_.upload(*frame.settings.overlay_image);
+  const TextureView overlay = overlay_data_.upload(*frame.overlay_image, TexelLayout::single);
+  const OverlayProgram& program = built(overlay_, image.layout);
   const gl::Blending blending;
-  overlay_.shader.use();
-  bind_texture(display_unit, GL_TEXTURE_2D, frame.image.texture);
+  program.shader.use();
+  bind_texture(display_unit, GL_TEXTURE_2D, image.texture);
   bind_texture(overlay_unit, GL_TEXTURE_2D, overlay.texture);
+  set_extent(program.textureSize, image.extent);
+  set_extent(program.texelCount, texels_of(image.extent, image.layout));
   for (std::size_t i = 1; i < layer_count; ++i) {
-    if (shown(layers[i])) draw_overlay(frame, i);
+    if (shown(layers[i])) draw_overlay(frame, program, i);
   }
 }
 
-void DisplayRenderer::draw_overlay(const Frame& frame, std::size_t index) {
-  const LayerSettings& layer = frame.settings.layers[index].settings;
+void DisplayRenderer::draw_overlay(const Frame& frame, const OverlayProgram& program, std::size_t index) {
+  const Content& content = frame.content;
+  const LayerSettings& layer = content.layers[index].settings;
   bind_texture(color_unit, GL_TEXTURE_1D, colormap_textures_[index].get());
-  glUniform1i(overlay_.displayTex, display_unit);
-  glUniform1i(overlay_.overlayTex, overlay_unit);
-  glUniform1i(overlay_.colorTex, color_unit);
-  glUniform1f(overlay_.lowerValue, layer.lowerValue);
-  glUniform1f(overlay_.upperValue, layer.upperValue);
-  glUniform1f(overlay_.threshold, frame.settings.common.threshold);
-  glUniform2f(overlay_.displaySize, static_cast<float>(frame.width), static_cast<float>(frame.height));
-  glUniform1i(overlay_.flip, frame.settings.common.flip);
+  glUniform1i(program.displayTex, display_unit);
+  glUniform1i(program.overlayTex, overlay_unit);
+  glUniform1i(program.colorTex, color_unit);
+  glUniform1f(program.lowerValue, layer.lowerValue);
+  glUniform1f(program.upperValue, layer.upperValue);
+  glUniform1f(program.threshold, content.common.threshold);
+  glUniform2f(program.displaySize, static_cast<float>(content.width), static_cast<float>(content.height));
+  glUniform1i(program.flip, content.common.flip);
   quad_.draw();
 }
 

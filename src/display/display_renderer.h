@@ -4,13 +4,16 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include "display/filters.h"
 #include "display/simple_data_provider.h"
 #include "gl/colormap.h"
 #include "gl/context/context_identity.h"
+#include "gl/kept_picture.h"
 #include "gl/quad.h"
 #include "gl/shader.h"
 
@@ -18,7 +21,10 @@ namespace oct {
 
 // A frame takes all settings and images as they are at its start, each of them whole; setters never wait for
 // a frame. init, uninit and render run on the thread that owns the context. A frame starts from OpenGL's own
-// settings, which its caller sees to (gl::ClientState), and leaves what it set.
+// settings, which its caller sees to (gl::ClientState), and leaves what it set. It does only what the frame before
+// has not done: image, overlay and colour maps are uploaded when they change, filters run over another image only,
+// and the second of two equal frames keeps its picture, which those after it copy. A frame that fails leaves nothing
+// of all that to the next.
 class DisplayRenderer {
  public:
   // Enough for the layers of a retina segmentation; a layer costs bytes.
@@ -34,8 +40,8 @@ class DisplayRenderer {
   void render();
 
   void set_data(const ImageExtent& extent, const float* data) { display_data_.set_data(extent, data); }
-  void set_blur(bool first, bool second) { filters_.set_blur(first, second); }
-  void set_pepper_filter(bool enabled) { filters_.set_pepper(enabled); }
+  void set_blur(bool first, bool second);
+  void set_pepper_filter(bool enabled);
   void set_median_filter(int median_filter) const;
   void set_flip(bool flip);
   void set_background_color(int color);
@@ -56,53 +62,83 @@ class DisplayRenderer {
     bool enabled = false;
     float lowerValue = 0.0F;
     float upperValue = 1.0F;
+
+    bool operator==(const LayerSettings&) const = default;
   };
 
   // Layer 0 is the base image, the others are overlays.
   struct Layer {
     LayerSettings settings;
     RevisedColormap colormap;
+
+    bool operator==(const Layer&) const = default;
   };
 
   struct Settings {
     bool flip = false;
     std::array<float, 4> backgroundColor{0.0F, 0.0F, 0.0F, 1.0F};
     float threshold = 0.0F;
+    FilterSwitches filters;
+
+    bool operator==(const Settings&) const = default;
   };
 
   using Image = std::shared_ptr<const SimpleDataProvider::Image>;
 
-  // What one frame is drawn with.
-  struct FrameSettings {
+  // All that a picture depends on. Boundaries that are no numbers equal nothing.
+  struct Content {
     Settings common;
     std::array<Layer, layer_count> layers;
+    std::uint64_t image = 0;  // revision
+    std::uint64_t overlay_image = 0;
+    GLsizei width = 0;  // of the viewport
+    GLsizei height = 0;
+
+    bool operator==(const Content&) const = default;
+  };
+
+  // What one frame is drawn with.
+  struct Frame {
+    Content content;
     Image image;
     Image overlay_image;
   };
 
+  // Programs come in one version for each layout of the image's texels.
+  static constexpr std::size_t layout_count = 2;
+
   struct DisplayProgram {
     gl::Shader shader;
-    GLint lowerValue, upperValue, displayTex, colorTex, textureSize, displaySize, dpp, gamma, flip;
+    GLint lowerValue, upperValue, displayTex, colorTex, textureSize, texelCount, displaySize, dpp, gamma,
+        flip;
+
+    void build(TexelLayout layout);
   };
 
   struct OverlayProgram {
     gl::Shader shader;
-    GLint lowerValue, upperValue, displayTex, overlayTex, colorTex, displaySize, threshold, flip;
-  };
+    GLint lowerValue, upperValue, displayTex, overlayTex, colorTex, textureSize, texelCount, displaySize,
+        threshold, flip;
 
-  struct Frame;
+    void build(TexelLayout layout);
+  };
 
   static std::size_t overlay_layer(int overlay);
   void set_layer_colormap(std::size_t layer, const void* colors, int count);
   void set_layer_boundaries(std::size_t layer, double lower, double upper);
 
-  void build_programs();
+  template <class Program>
+  static const Program& built(std::array<Program, layout_count>& programs, TexelLayout layout);
   void release();
-  FrameSettings take_settings();
-  void upload_colormaps(const FrameSettings& settings);
-  void draw_base(const Frame& frame);
-  void draw_overlays(const Frame& frame);
-  void draw_overlay(const Frame& frame, std::size_t index);
+  void release_textures();
+  Frame take_frame(GLsizei width, GLsizei height);
+  void draw_frame();
+  TextureView upload(const Frame& frame);
+  void clear(const Frame& frame) const;
+  void draw(const Frame& frame, const TextureView& image);
+  void draw_base(const Frame& frame, const TextureView& image);
+  void draw_overlays(const Frame& frame, const TextureView& image);
+  void draw_overlay(const Frame& frame, const OverlayProgram& program, std::size_t index);
 
   SimpleDataProvider display_data_;
   SimpleDataProvider overlay_data_;
@@ -112,10 +148,12 @@ class DisplayRenderer {
   Settings settings_;
   std::array<Layer, layer_count> layers_;
 
-  DisplayProgram display_;
-  OverlayProgram overlay_;
+  std::array<DisplayProgram, layout_count> display_;
+  std::array<OverlayProgram, layout_count> overlay_;
   gl::Quad quad_;
   std::array<ColormapTexture, layer_count> colormap_textures_;
+  std::optional<Content> shown_;  // by the last frame
+  gl::KeptPicture picture_;       // of that
   std::atomic<bool> initialized_{false};
   gl::ContextIdentity home_ = gl::no_context;  // where it was initialised
 };

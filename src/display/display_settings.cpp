@@ -12,6 +12,17 @@ void DisplayRenderer::set_median_filter(int median_filter) const {
   }
 }
 
+void DisplayRenderer::set_blur(bool first, bool second) {
+  const std::lock_guard lock(settings_mutex_);
+  settings_.filters.first_blur = first;
+  settings_.filters.second_blur = second;
+}
+
+void DisplayRenderer::set_pepper_filter(bool enabled) {
+  const std::lock_guard lock(settings_mutex_);
+  settings_.filters.pepper = enabled;
+}
+
 void DisplayRenderer::set_flip(bool flip) {
   const std::lock_guard lock(settings_mutex_);
   settings_.flip = flip;

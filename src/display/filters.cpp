@@ -1,6 +1,7 @@
 #include "display/filters.h"
 
-#include <vector>
+#include <stdexcept>
+#include <string>
 
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
@@ -9,121 +10,92 @@
 
 namespace oct {
 
-void AbstractOpenGLFilter::init() {
-  program_.load_to_program("filter_program_" + name(), shaders::filter_vert, fragment_source());
-  input_texture_uniform_ = program_.uniform("inputTexture");
-  input_texture_size_uniform_ = program_.uniform("inputTextureSize");
-  quad_.create("Could not create OpenGL buffer. ");
+void FilterChain::Pass::init(const char* name, const char* fragment_source) {
+  program.load_to_program(std::string("filter_program_") + name, shaders::filter_vert, fragment_source);
+  inputTexture = program.uniform("inputTexture");
+  inputTextureSize = program.uniform("inputTextureSize");
   gl::throwOnGLError("AbstractOpenGLFilter::init");
 }
 
-void AbstractOpenGLFilter::release() {
-  program_.release();
-  quad_.release();
-  framebuffer_.reset();
-  output_.reset();
-  extent_ = {};
-}
-
-void AbstractOpenGLFilter::bind_input(const TextureView& input) {
-  const auto depth = static_cast<GLsizei>(input.extent.depth);
-  const auto a_scans = static_cast<GLsizei>(input.extent.a_scans);
-  glActiveTexture(GL_TEXTURE0);
-  if (!output_ || input.extent != extent_) {
-    // Forgotten first: if OpenGL refuses the allocation below, the next pass tries again.
-    extent_ = {};
-    if (!output_) output_ = gl::Texture::create();
-    glBindTexture(GL_TEXTURE_2D, output_.get());
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    gl::reset_pixel_unpack();
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_R32F, depth, a_scans, 0, GL_RED, GL_FLOAT, nullptr);
-    gl::throwOnGLError("AbstractOpenGLFilter::resize");
-    extent_ = input.extent;
-  }
-  if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();
-  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
-  glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, output_.get(), 0);
-  glViewport(0, 0, depth, a_scans);
-  glBindTexture(GL_TEXTURE_2D, input.texture);
-}
-
-void AbstractOpenGLFilter::set_uniforms(const TextureView& input) {
-  program_.use();
-  glUniform1i(input_texture_uniform_, 0);
-  glUniform2f(input_texture_size_uniform_, static_cast<GLfloat>(input.extent.depth),
-              static_cast<GLfloat>(input.extent.a_scans));
-}
-
-void AbstractOpenGLFilter::draw() {
-  quad_.draw();
-  gl::throwOnGLError("AbstractOpenGLFilter::draw");
-}
-
-std::string GaussianFilterX::name() const {
-  return "gaussian_x";
-}
-const char* GaussianFilterX::fragment_source() const {
-  return shaders::gaussian_x_frag;
-}
-
-std::string GaussianFilterY::name() const {
-  return "gaussian_y";
-}
-const char* GaussianFilterY::fragment_source() const {
-  return shaders::gaussian_y_frag;
-}
-
-std::string PepperFilter::name() const {
-  return "pepper";
-}
-const char* PepperFilter::fragment_source() const {
-  return shaders::pepper_frag;
-}
-
-FilterChain::FilterChain()
-    : slots_{std::make_unique<GaussianFilterX>(), std::make_unique<GaussianFilterY>(),
-             std::make_unique<PepperFilter>(), std::make_unique<GaussianFilterX>(),
-             std::make_unique<GaussianFilterY>()} {}
-
-void FilterChain::set_blur(bool first, bool second) {
-  slots_[0]->enabled = first;
-  slots_[1]->enabled = first;
-  slots_[3]->enabled = second;
-  slots_[4]->enabled = second;
-}
-
-void FilterChain::set_pepper(bool enabled) {
-  slots_[2]->enabled = enabled;
+void FilterChain::Output::create(const ImageExtent& texels) {
+  if (!texture) texture = gl::Texture::create();
+  if (!framebuffer) framebuffer = gl::Framebuffer::create();
+  if (!texture || !framebuffer) throw std::runtime_error("Invalid texture for rendering....");
+  glBindTexture(GL_TEXTURE_2D, texture.get());
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, static_cast<GLsizei>(texels.depth),
+               static_cast<GLsizei>(texels.a_scans), 0, GL_RGBA, GL_FLOAT, nullptr);
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer.get());
+  glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.get(), 0);
 }
 
 void FilterChain::init() {
-  for (const auto& filter : slots_) filter->init();
+  gaussian_x_.init("gaussian_x", shaders::gaussian_x_frag);
+  gaussian_y_.init("gaussian_y", shaders::gaussian_y_frag);
+  pepper_.init("pepper", shaders::pepper_frag);
 }
 
 void FilterChain::release() {
-  for (const auto& filter : slots_) filter->release();
+  for (Pass* const pass : {&gaussian_x_, &gaussian_y_, &pepper_}) pass->program.release();
+  release_textures();
 }
 
-TextureView FilterChain::run(const TextureView& input) {
-  std::vector<AbstractOpenGLFilter*> enabled;
-  for (const auto& filter : slots_) {
-    if (filter->enabled) enabled.push_back(filter.get());
-  }
-  if (enabled.empty()) return input;
+void FilterChain::release_textures() {
+  source_.reset();
+  extent_ = {};
+  for (Output& output : outputs_) output = {};
+}
+
+void FilterChain::resize(const ImageExtent& extent) {
+  if (outputs_[0].texture && outputs_[1].texture && extent == extent_) return;
+  // Forgotten first: if OpenGL refuses, the next frame tries again.
+  extent_ = {};
+  gl::reset_pixel_unpack();
+  for (Output& output : outputs_) output.create(texels_of(extent, TexelLayout::fours));
+  gl::throwOnGLError("AbstractOpenGLFilter::resize");
+  extent_ = extent;
+}
+
+TextureView FilterChain::run(const TextureView& input, std::uint64_t revision, const FilterSwitches& switches,
+                             const gl::Quad& quad) {
+  const Source source{revision, switches};
+  const auto view = [&] {
+    return TextureView{outputs_[last_].texture.get(), input.extent, TexelLayout::fours};
+  };
+  if (source_ == source && outputs_[last_].texture) return view();
+  source_.reset();
 
   const gl::DrawTargetGuard target;
   const gl::ScopedDisable whole{GL_SCISSOR_TEST};  // the client's counts in the client's target
+  glActiveTexture(GL_TEXTURE0);
+  resize(input.extent);
+  const ImageExtent texels = texels_of(input.extent, TexelLayout::fours);
+  glViewport(0, 0, static_cast<GLsizei>(texels.depth), static_cast<GLsizei>(texels.a_scans));
   TextureView current = input;
-  for (AbstractOpenGLFilter* const filter : enabled) {
-    filter->bind_input(current);
-    filter->set_uniforms(current);
-    filter->draw();
-    current = filter->output();
-  }
+  const auto draw = [&](Pass& pass) {
+    last_ = 1 - last_;
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, outputs_[last_].framebuffer.get());
+    glBindTexture(GL_TEXTURE_2D, current.texture);
+    pass.program.use();
+    glUniform1i(pass.inputTexture, 0);
+    glUniform2f(pass.inputTextureSize, static_cast<GLfloat>(input.extent.depth),
+                static_cast<GLfloat>(input.extent.a_scans));
+    quad.draw();
+    gl::throwOnGLError("AbstractOpenGLFilter::draw");
+    current = view();
+  };
+  const auto blur = [&] {
+    draw(gaussian_x_);
+    draw(gaussian_y_);
+  };
+  if (switches.first_blur) blur();
+  if (switches.pepper) draw(pepper_);
+  if (switches.second_blur) blur();
   glBindTexture(GL_TEXTURE_2D, 0);
+  source_ = source;
   return current;
 }
 

@@ -1,11 +1,10 @@
-// Full-screen passes over a single-channel float texture that run before the image is coloured.
+// Full-screen passes over a float image that run before it is coloured.
 #pragma once
 
 #include <array>
-#include <atomic>
+#include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <string>
+#include <optional>
 
 #include "display/simple_data_provider.h"
 #include "gl/quad.h"
@@ -13,69 +12,61 @@
 
 namespace oct {
 
-class AbstractOpenGLFilter {
- public:
-  virtual ~AbstractOpenGLFilter() = default;
-  virtual std::string name() const = 0;
-  virtual const char* fragment_source() const = 0;
+struct FilterSwitches {
+  bool first_blur = false;
+  bool pepper = false;
+  bool second_blur = false;
 
-  virtual void init();  // builds the program and the quad
-  virtual void release();
-
-  // The three steps of a pass, in this order.
-  virtual void bind_input(const TextureView& input);
-  virtual void set_uniforms(const TextureView& input);
-  virtual void draw();
-
-  TextureView output() const { return {output_.get(), extent_}; }
-
-  std::atomic<bool> enabled{false};  // written by any thread, read once per frame
-
- private:
-  gl::Shader program_;
-  GLint input_texture_uniform_ = -1;
-  GLint input_texture_size_uniform_ = -1;
-  gl::Texture output_;
-  gl::Framebuffer framebuffer_;
-  gl::Quad quad_;
-  ImageExtent extent_;  // of the output
+  bool any() const { return first_blur || pepper || second_blur; }
+  bool operator==(const FilterSwitches&) const = default;
 };
 
-class GaussianFilterX : public AbstractOpenGLFilter {
- public:
-  std::string name() const override;
-  const char* fragment_source() const override;
-};
-
-class GaussianFilterY : public AbstractOpenGLFilter {
- public:
-  std::string name() const override;
-  const char* fragment_source() const override;
-};
-
-class PepperFilter : public AbstractOpenGLFilter {
- public:
-  std::string name() const override;
-  const char* fragment_source() const override;
-};
-
-// The five slots: a Gaussian pair, pepper, and a second Gaussian pair.
+// A Gaussian pair, pepper, and a second Gaussian pair. Passes read one of two textures and write the other, and what
+// the last one wrote is kept until another image or other switches come.
 class FilterChain {
  public:
-  FilterChain();
-
-  void set_blur(bool first, bool second);
-  void set_pepper(bool enabled);
-
   void init();
   void release();
+  void release_textures();
 
-  // Runs the enabled filters in slot order and returns the last output, or the input when none is enabled.
-  // Leaves the draw framebuffer and the viewport as they were.
-  TextureView run(const TextureView& input);
+  // Runs the enabled filters, of which there is one at least, over an image in fours. Leaves the draw framebuffer and
+  // the viewport as they were.
+  TextureView run(const TextureView& input, std::uint64_t revision, const FilterSwitches& switches,
+                  const gl::Quad& quad);
 
  private:
-  std::array<std::unique_ptr<AbstractOpenGLFilter>, 5> slots_;
+  struct Pass {
+    gl::Shader program;
+    GLint inputTexture = -1;
+    GLint inputTextureSize = -1;
+
+    void init(const char* name, const char* fragment_source);
+  };
+
+  struct Output {
+    gl::Texture texture;
+    gl::Framebuffer framebuffer;
+
+    void create(const ImageExtent& texels);
+  };
+
+  // What an output was made of.
+  struct Source {
+    std::uint64_t revision;
+    FilterSwitches switches;
+
+    bool operator==(const Source&) const = default;
+  };
+
+  void resize(const ImageExtent& extent);
+
+  Pass gaussian_x_;
+  Pass gaussian_y_;
+  Pass pepper_;
+  std::array<Output, 2> outputs_;
+  ImageExtent extent_;            // of the outputs, in samples
+  std::size_t last_ = 0;          // output of the last pass
+  std::optional<Source> source_;  // of that
 };
 
 }  // namespace oct

@@ -12,16 +12,36 @@
 namespace oct {
 namespace {
 
+std::int64_t depth_in_memory(const ImageExtent& extent) {
+  return 4 * texels_of(extent, TexelLayout::fours).depth;
+}
+
+// In memory.
 std::size_t sample_count(const ImageExtent& extent) {
   if (extent.depth < 0 || extent.a_scans < 0) {
     throw std::invalid_argument("Image sizes must not be negative. ");
   }
-  const auto count = static_cast<std::uint64_t>(extent.depth) * static_cast<std::uint64_t>(extent.a_scans);
+  const auto count =
+      static_cast<std::uint64_t>(depth_in_memory(extent)) * static_cast<std::uint64_t>(extent.a_scans);
   // The largest array that pointer differences can span.
   constexpr auto most =
       static_cast<std::uint64_t>(std::numeric_limits<std::ptrdiff_t>::max()) / sizeof(float);
   if (count > most) throw std::invalid_argument("The image is too large. ");
   return static_cast<std::size_t>(count);
+}
+
+void copy_a_scans(const ImageExtent& extent, const float* from, std::vector<float>& to) {
+  const std::int64_t pitch = depth_in_memory(extent);
+  if (pitch == extent.depth) {
+    to.assign(from, from + pitch * extent.a_scans);
+    return;
+  }
+  to.resize(static_cast<std::size_t>(pitch * extent.a_scans));
+  float* row = to.data();
+  for (std::int64_t i = 0; i < extent.a_scans; ++i, from += extent.depth, row += pitch) {
+    std::copy_n(from, extent.depth, row);
+    std::fill(row + extent.depth, row + pitch, from[extent.depth - 1]);
+  }
 }
 
 // Asks the driver whether it could hold such a texture. Extents above the limit are as good as the next one
@@ -54,12 +74,12 @@ void SimpleDataProvider::set_data(const ImageExtent& extent, const float* sample
   // The memory of a larger image would never be given back.
   if (!fresh || fresh->samples.size() != count) fresh = std::make_unique<Image>();
   fresh->extent = extent;
-  fresh->samples.assign(samples, samples + count);
+  fresh->revision = call;
+  copy_a_scans(extent, samples, fresh->samples);
   std::shared_ptr<const Image> image(
       std::shared_ptr<Image>(fresh.release(), [this](Image* old) { recycle(OwnedImage(old)); }));
   const std::lock_guard lock(mutex_);
-  if (call < call_) return;
-  call_ = call;
+  if (call < image_->revision) return;
   image_.swap(image);
 }
 
@@ -74,65 +94,70 @@ std::shared_ptr<const SimpleDataProvider::Image> SimpleDataProvider::image() con
 }
 
 void SimpleDataProvider::release() {
+  uploaded_ = 0;
+  extent_ = {};
   if (!texture_) return;
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, 0);
   texture_.reset();
 }
 
-void SimpleDataProvider::resize(const ImageExtent& extent) {
+void SimpleDataProvider::resize(const ImageExtent& extent, TexelLayout layout) {
   GLint limit = 0;
   glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
   if (extent.depth > limit || extent.a_scans > limit)
     write_error("Warning max texture size is likely exceeded. ");
 
-  glActiveTexture(GL_TEXTURE0);
-  glBindTexture(GL_TEXTURE_2D, 0);
-  texture_.reset();
+  release();
   gl::reset_pixel_unpack();
-  GLint internal_format = GL_R32F;
+  // What fits as single samples fits in fours, so that no image goes with one layout only.
+  bool whole = true;
   if (!proxy_accepts(GL_R32F, GL_FLOAT, extent, limit)) {
     if (!proxy_accepts(GL_R16F, GL_HALF_FLOAT, extent, limit)) {
       glGetError();  // some drivers raise an error for an impossible proxy; this exception says it all
       throw std::invalid_argument("Cannot generate a texture of the required size. ");
     }
-    internal_format = GL_R16F;
+    whole = false;
   }
+  const bool single = layout == TexelLayout::single;
+  const GLint internal_format = single ? (whole ? GL_R32F : GL_R16F) : (whole ? GL_RGBA32F : GL_RGBA16F);
+  const ImageExtent texels = texels_of(extent, layout);
   texture_ = gl::Texture::create();
   if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-  glTexImage2D(GL_TEXTURE_2D, 0, internal_format, static_cast<GLsizei>(extent.depth),
-               static_cast<GLsizei>(extent.a_scans), 0, GL_RED, GL_FLOAT, nullptr);
+  glTexImage2D(GL_TEXTURE_2D, 0, internal_format, static_cast<GLsizei>(texels.depth),
+               static_cast<GLsizei>(texels.a_scans), 0, single ? GL_RED : GL_RGBA, GL_FLOAT, nullptr);
   glBindTexture(GL_TEXTURE_2D, 0);
   gl::throwOnGLError("SimpleDataProvider::resize");
+  extent_ = extent;
+  layout_ = layout;
 }
 
-TextureView SimpleDataProvider::upload(const Image& image) {
+TextureView SimpleDataProvider::upload(const Image& image, TexelLayout layout) {
   const ImageExtent& extent = image.extent;
-  if (!texture_fits(extent)) resize(extent);
+  if (!texture_ || extent != extent_ || layout != layout_) resize(extent, layout);
+  const TextureView view{texture_.get(), extent, layout};
+  if (uploaded_ == image.revision) return view;
+  uploaded_ = 0;  // the texture is about to be spoilt
+  const ImageExtent texels = texels_of(extent, layout);
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
   gl::reset_pixel_unpack();
-  glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, static_cast<GLsizei>(extent.depth),
-                  static_cast<GLsizei>(extent.a_scans), GL_RED, GL_FLOAT, image.samples.data());
+  glPixelStorei(GL_UNPACK_ROW_LENGTH,
+                static_cast<GLint>(depth_in_memory(extent) / samples_per_texel(layout)));
+  glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, static_cast<GLsizei>(texels.depth),
+                  static_cast<GLsizei>(texels.a_scans), layout == TexelLayout::fours ? GL_RGBA : GL_RED,
+                  GL_FLOAT, image.samples.data());
+  glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
   glBindTexture(GL_TEXTURE_2D, 0);
   gl::throwOnGLError("SimpleDataProvider::LockedTexture::glTexSubImage2D");
-  return {texture_.get(), extent};
-}
-
-bool SimpleDataProvider::texture_fits(const ImageExtent& extent) const {
-  if (!texture_) return false;
-  GLint first_axis = 0;
-  GLint second_axis = 0;
-  glActiveTexture(GL_TEXTURE0);
-  glBindTexture(GL_TEXTURE_2D, texture_.get());
-  glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &first_axis);
-  glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &second_axis);
-  return extent == ImageExtent{first_axis, second_axis};
+  uploaded_ = image.revision;
+  return view;
 }
 
 }  // namespace oct

@@ -30,6 +30,9 @@ class RevisedColormap {
   const Colormap& colors() const { return *colors_; }
   std::uint64_t revision() const { return revision_; }
 
+  // Of two states of one map.
+  bool operator==(const RevisedColormap& other) const { return revision_ == other.revision_; }
+
  private:
   // Shared, so that a frame's copy costs no more than a pointer.
   std::shared_ptr<const Colormap> colors_ = std::make_shared<const Colormap>(default_colormap());

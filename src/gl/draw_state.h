@@ -27,13 +27,15 @@ class DrawTargetGuard {
   std::array<GLint, 4> viewport_{};
 };
 
+// The guards below switch things on and off again. What is behind a switch (functions, offsets, the order of
+// corners) stays as the last of them named it: each names its own, and the client's come back at the end of the call.
+
 // Blends by alpha and leaves an opaque target opaque, so that whoever composites the frame sees no hole where
-// something translucent was drawn. At the end blending is off.
+// something translucent was drawn.
 class Blending {
  public:
   Blending() {
     glEnable(GL_BLEND);
-    glBlendEquation(GL_FUNC_ADD);
     glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
   }
   ~Blending() { glDisable(GL_BLEND); }
@@ -41,10 +43,12 @@ class Blending {
   Blending& operator=(const Blending&) = delete;
 };
 
-// Moves polygons away from the eye, so that lines on them are seen.
-struct PolygonOffset {
-  float factor = 0.0F;
-  float units = 0.0F;
+class SmoothLines {
+ public:
+  SmoothLines() { glEnable(GL_LINE_SMOOTH); }
+  ~SmoothLines() { glDisable(GL_LINE_SMOOTH); }
+  SmoothLines(const SmoothLines&) = delete;
+  SmoothLines& operator=(const SmoothLines&) = delete;
 };
 
 // What lies beyond the near or the far plane is drawn as if it lay on it.
@@ -56,25 +60,35 @@ class DepthClamp {
   DepthClamp& operator=(const DepthClamp&) = delete;
 };
 
-// The whole depth state of a pass. Outside of passes nothing is tested; what clears the depth needs writes on.
+// Moves polygons away from the eye, so that lines on them are seen.
+class PolygonOffset {
+ public:
+  PolygonOffset(float factor, float units) {
+    glEnable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(factor, units);
+  }
+  ~PolygonOffset() { glDisable(GL_POLYGON_OFFSET_FILL); }
+  PolygonOffset(const PolygonOffset&) = delete;
+  PolygonOffset& operator=(const PolygonOffset&) = delete;
+};
+
+// The depth state of a pass. Outside of passes nothing is tested; what clears the depth needs writes on.
 class DepthTest {
  public:
-  explicit DepthTest(GLenum function, bool writes = false, PolygonOffset offset = {}) {
+  explicit DepthTest(GLenum function, bool writes = false) : writes_(writes) {
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(function);
-    glDepthMask(writes ? GL_TRUE : GL_FALSE);
-    glEnable(GL_POLYGON_OFFSET_FILL);
-    glPolygonOffset(offset.factor, offset.units);
+    if (!writes_) glDepthMask(GL_FALSE);
   }
   ~DepthTest() {
-    glPolygonOffset(0.0F, 0.0F);
-    glDisable(GL_POLYGON_OFFSET_FILL);
-    glDepthMask(GL_TRUE);
-    glDepthFunc(GL_LESS);
+    if (!writes_) glDepthMask(GL_TRUE);
     glDisable(GL_DEPTH_TEST);
   }
   DepthTest(const DepthTest&) = delete;
   DepthTest& operator=(const DepthTest&) = delete;
+
+ private:
+  bool writes_;
 };
 
 // Leaves out one side of what is drawn. The front has its corners in the given order, GL_CCW or GL_CW.
@@ -85,11 +99,7 @@ class FaceCulling {
     glCullFace(culled);
     glEnable(GL_CULL_FACE);
   }
-  ~FaceCulling() {
-    glDisable(GL_CULL_FACE);
-    glCullFace(GL_BACK);
-    glFrontFace(GL_CCW);
-  }
+  ~FaceCulling() { glDisable(GL_CULL_FACE); }
   FaceCulling(const FaceCulling&) = delete;
   FaceCulling& operator=(const FaceCulling&) = delete;
 };

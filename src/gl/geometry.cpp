@@ -1,6 +1,10 @@
 #include "gl/geometry.h"
 
+#include <array>
 #include <stdexcept>
+#include <utility>
+
+#include "gl/opengl_error.h"
 
 namespace oct::gl {
 namespace {
@@ -13,32 +17,45 @@ void provide(Name& name) {
 
 }  // namespace
 
-void Geometry::set_vertices(std::span<const glm::vec2> vertices) {
-  set(vertices_, 0, 2, vertices.data(), vertices.size_bytes());
-}
-void Geometry::set_vertices(std::span<const glm::vec3> vertices) {
-  set(vertices_, 0, 3, vertices.data(), vertices.size_bytes());
-}
-void Geometry::set_attribute(std::span<const glm::vec2> values) {
-  set(attribute_, 1, 2, values.data(), values.size_bytes());
-}
-void Geometry::set_attribute(std::span<const glm::vec3> values) {
-  set(attribute_, 1, 3, values.data(), values.size_bytes());
-}
-void Geometry::set_attribute(std::span<const glm::vec4> values) {
-  set(attribute_, 1, 4, values.data(), values.size_bytes());
+template <class Vertex>
+void Geometry::set(Buffer& buffer, Fields fields, std::span<const Vertex> vertices) {
+  if (!buffer || !vertex_array_) describe(buffer, fields, sizeof(Vertex));
+  glBindBuffer(GL_ARRAY_BUFFER, buffer.get());
+  glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size_bytes()), vertices.data(),
+               GL_DYNAMIC_DRAW);
+  glBindBuffer(GL_ARRAY_BUFFER, 0);
 }
 
-void Geometry::set(Buffer& buffer, GLuint attribute, GLint components, const void* data, std::size_t bytes) {
+// Kept only when OpenGL has accepted it: it is not said again.
+void Geometry::describe(Buffer& buffer, Fields fields, GLsizei stride) {
   provide(vertex_array_);
-  provide(buffer);
+  Buffer described;
+  provide(described);
   glBindVertexArray(vertex_array_.get());
-  glBindBuffer(GL_ARRAY_BUFFER, buffer.get());
-  glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(bytes), data, GL_DYNAMIC_DRAW);
-  glVertexAttribPointer(attribute, components, GL_FLOAT, GL_FALSE, 0, nullptr);
-  glEnableVertexAttribArray(attribute);
-  glBindVertexArray(0);
-  glBindBuffer(GL_ARRAY_BUFFER, 0);
+  glBindBuffer(GL_ARRAY_BUFFER, described.get());
+  for (const Field& field : fields) {
+    glVertexAttribPointer(field.attribute, field.components, GL_FLOAT, GL_FALSE, stride,
+                          reinterpret_cast<const void*>(field.offset * sizeof(float)));
+    glEnableVertexAttribArray(field.attribute);
+  }
+  throwOnGLError("Geometry::describe");
+  buffer = std::move(described);
+}
+
+void Geometry::set_vertices(std::span<const glm::vec2> vertices) {
+  set(vertices_, std::array{Field{0, 2}}, vertices);
+}
+void Geometry::set_vertices(std::span<const glm::vec3> vertices) {
+  set(vertices_, std::array{Field{0, 3}}, vertices);
+}
+void Geometry::set_vertices(std::span<const PlacedVertex> vertices) {
+  set(vertices_, std::array{Field{0, 3}, Field{1, 4, 3}}, vertices);
+}
+void Geometry::set_attribute(std::span<const glm::vec3> values) {
+  set(attribute_, std::array{Field{1, 3}}, values);
+}
+void Geometry::set_attribute(std::span<const glm::vec4> values) {
+  set(attribute_, std::array{Field{1, 4}}, values);
 }
 
 void Geometry::set_indices(std::span<const std::uint32_t> indices) {
@@ -48,7 +65,6 @@ void Geometry::set_indices(std::span<const std::uint32_t> indices) {
   glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_.get());  // belongs to the vertex array
   glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size_bytes()), indices.data(),
                GL_DYNAMIC_DRAW);
-  glBindVertexArray(0);
 }
 
 void Geometry::release() {
@@ -58,17 +74,19 @@ void Geometry::release() {
   indices_.reset();
 }
 
-void Geometry::draw(GLenum mode, GLint first, GLsizei count) const {
+void Geometry::bind() const {
   glBindVertexArray(vertex_array_.get());
+}
+
+void Geometry::draw(GLenum mode, GLint first, GLsizei count) const {
+  bind();
   glDrawArrays(mode, first, count);
-  glBindVertexArray(0);
 }
 
 void Geometry::draw_indexed(GLenum mode, std::size_t first_index, GLsizei count) const {
-  glBindVertexArray(vertex_array_.get());
+  bind();
   glDrawElements(mode, count, GL_UNSIGNED_INT,
                  reinterpret_cast<const void*>(first_index * sizeof(std::uint32_t)));
-  glBindVertexArray(0);
 }
 
 }  // namespace oct::gl

@@ -10,16 +10,22 @@
 
 namespace oct::gl {
 
+// Positions with something else of each in one buffer.
+struct PlacedVertex {
+  glm::vec3 position;  // attribute 0
+  glm::vec4 value;     // attribute 1
+};
+
 class Geometry {
  public:
-  // Attribute 0. Makes the buffers at the first call; throws std::runtime_error "Could not create OpenGL
-  // buffer. " when OpenGL gives none. Later calls replace the contents. What OpenGL says to the contents is
-  // the caller's to ask.
+  // Attribute 0. The first call makes the buffer and says what is in it, which later calls replace by more of the same
+  // kind. Throws std::runtime_error, "Could not create OpenGL buffer. " when OpenGL gives none. What OpenGL says to the
+  // contents is the caller's to ask.
   void set_vertices(std::span<const glm::vec2> vertices);
   void set_vertices(std::span<const glm::vec3> vertices);
+  void set_vertices(std::span<const PlacedVertex> vertices);
 
   // Attribute 1, one per vertex.
-  void set_attribute(std::span<const glm::vec2> values);
   void set_attribute(std::span<const glm::vec3> values);
   void set_attribute(std::span<const glm::vec4> values);
 
@@ -27,11 +33,25 @@ class Geometry {
 
   void release();
 
+  // Binds the vertices, for several draws one after the other.
+  void bind() const;
+
+  // Binds and draws. The vertices stay bound.
   void draw(GLenum mode, GLint first, GLsizei count) const;
   void draw_indexed(GLenum mode, std::size_t first_index, GLsizei count) const;
 
  private:
-  void set(Buffer& buffer, GLuint attribute, GLint components, const void* data, std::size_t bytes);
+  // Of a vertex in a buffer, in floats.
+  struct Field {
+    GLuint attribute;
+    GLint components;
+    std::size_t offset = 0;
+  };
+  using Fields = std::span<const Field>;
+
+  template <class Vertex>
+  void set(Buffer& buffer, Fields fields, std::span<const Vertex> vertices);
+  void describe(Buffer& buffer, Fields fields, GLsizei stride);
 
   Buffer vertices_;
   Buffer attribute_;

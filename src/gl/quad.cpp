@@ -17,8 +17,6 @@ void Quad::create(const char* failure) {
   glBufferData(GL_ARRAY_BUFFER, sizeof corners, corners.data(), GL_STATIC_DRAW);
   glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
   glEnableVertexAttribArray(0);
-  glBindVertexArray(0);
-  glBindBuffer(GL_ARRAY_BUFFER, 0);
   buffer_ = std::move(buffer);
   vertex_array_ = std::move(vertex_array);
 }
@@ -31,7 +29,6 @@ void Quad::release() {
 void Quad::draw() const {
   glBindVertexArray(vertex_array_.get());
   glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
-  glBindVertexArray(0);
 }
 
 }  // namespace oct::gl

@@ -128,6 +128,7 @@ VolumeSource FastOpenGLVolumeRenderer::source() {
   if (upload_.secondary() != 0) {
     source.secondary = upload_.secondary();
     source.secondary_slice_count = secondary_width_;
+    source.secondary_revision = upload_.revisions().newest();  // they come together
   }
   // Until the first volume has come the texture holds what the driver left in it.
   if (!uploaded_) return source;

@@ -162,6 +162,7 @@ VolumeSource OfflineVolumeRendering::source(Content content) {
   if (secondary_) {
     source.secondary = secondary_.get();
     source.secondary_slice_count = static_cast<int>(secondary_.extent().depth);
+    source.secondary_revision = secondary_.revisions().newest();
   }
   if (!volume_ || volume_.extent().empty()) return source;
   source.slice_count = static_cast<int>(volume_.extent().b_scans);

@@ -1,5 +1,12 @@
 #version 330 core
 
-#include "gaussian.glsl"
+#include "filter.glsl"
 
-void main() { result = smoothed(vec2(0.0, 1.0 / inputTextureSize.y)); }
+// Gaussian smoothing over five A-scans.
+void main() {
+  result = 0.1 * texel(0, -2);
+  result += 0.2 * texel(0, -1);
+  result += 0.4 * texel(0, 0);
+  result += 0.2 * texel(0, 1);
+  result += 0.1 * texel(0, 2);
+}

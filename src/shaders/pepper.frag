@@ -1,21 +1,15 @@
 #version 330 core
 
-// Lifts texels below the mean of their 3 by 3 neighbourhood to that mean; bright structure stays as it is.
-in vec2 tex_coord;
-out float result;
+#include "filter.glsl"
 
-uniform sampler2D inputTexture;
-uniform vec2 inputTextureSize;
+vec4 three_a_scans(int depth) { return texel(depth, -1) + texel(depth, 0) + texel(depth, 1); }
 
+// Lifts samples below the mean of their 3 by 3 neighbourhood to that mean; bright structure stays as it is.
 void main() {
-  vec2 step = 1.0 / inputTextureSize;
-  float sum = 0.0;
-  for (int x = -1; x <= 1; ++x) {
-    for (int y = -1; y <= 1; ++y) {
-      sum += texture(inputTexture, tex_coord + vec2(float(x), float(y)) * step).r;
-    }
-  }
-  float mean = sum / 9.0;
-  float centre = texture(inputTexture, tex_coord).r;
-  result = centre < mean ? mean : centre;
+  vec4 here = three_a_scans(0);
+  vec4 before = four_before(here, three_a_scans(-1));
+  vec4 after = four_after(here, three_a_scans(1));
+  vec4 mean = (vec4(before.w, here.xyz) + here + vec4(here.yzw, after.x)) / 9.0;
+  vec4 centre = texel(0, 0);
+  result = with_last_repeated(mix(centre, mean, lessThan(centre, mean)));
 }

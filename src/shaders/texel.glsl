@@ -1,12 +1,15 @@
-// The texel floor(tex_coord * image_size) below a pixel centre, exactly. At every even reduction that product is a
-// whole number, where the rounding of an interpolated coordinate would decide between two texels, differently on
-// every driver. Here rounding only has to find the pixel, half a pixel away from the next; the float quotient, taken a
-// little too small, is then the texel or the one before, and is put right in integers. (An integer division would cost
-// several times as much.)
-ivec2 texel_at(vec2 tex_coord, vec2 displaySize, ivec2 image_size) {
-  vec2 pixels = displaySize.yx;  // along the texture's axes
-  ivec2 unit = 2 * ivec2(pixels);
-  ivec2 position = (2 * ivec2(tex_coord * pixels) + 1) * image_size;  // in parts of a texel, unit to one
-  ivec2 texel = ivec2(vec2(position) * ((1.0 - 1e-6) / vec2(unit)));
-  return texel + ivec2(greaterThanEqual(position - texel * unit, unit));
+noperspective in vec2 position;  // pixels along the image's axes
+flat in ivec2 pixels;
+flat in ivec2 samples;  // of the displayed image
+
+// The sample of an image below the pixel's centre: floor((pixel + 0.5) / pixels * image_size), exactly. At every even
+// reduction that is the border between two samples, where the rounding of an interpolated coordinate would decide,
+// differently on every driver. Here rounding only has to find the pixel, half a pixel away from the next; the float
+// quotient, taken a little too small, is then the sample or the one before, and is put right in integers. (An integer
+// division would cost several times as much.)
+ivec2 sample_below(ivec2 image_size) {
+  ivec2 unit = 2 * pixels;
+  ivec2 parts = (2 * ivec2(position) + 1) * image_size;  // of a sample, unit to one
+  ivec2 found = ivec2(vec2(parts) * ((1.0 - 1e-6) / vec2(unit)));
+  return found + ivec2(greaterThanEqual(parts - found * unit, unit));
 }

@@ -12,10 +12,10 @@
 namespace oct {
 namespace {
 
-Viewport current_viewport() {
+std::array<GLint, 4> current_viewport() {
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());
-  return {viewport[2], viewport[3]};
+  return viewport;
 }
 
 }  // namespace
@@ -66,6 +66,8 @@ void VolumeRenderer::release() {
   raycaster_.release();
   elements_.release();
   surface_.release();
+  drawn_.reset();
+  picture_.release();
 }
 
 void VolumeRenderer::render(const VolumeSource& source) {
@@ -74,9 +76,43 @@ void VolumeRenderer::render(const VolumeSource& source) {
   gl::require_opengl();
   if (home_ != gl::no_context) gl::require_home(home_);
   const VolumeSettings settings = this->settings();
-  const VolumeFrame frame = begin_frame(settings, source);
-  if (frame.camera.viewport.width <= 0 || frame.camera.viewport.height <= 0) return;
-  colormaps_.update(settings);
+  const std::array<GLint, 4> area = current_viewport();
+  const Viewport viewport{area[2], area[3]};
+  const VolumeFrame frame = begin_frame(settings, source, viewport);
+  if (viewport.width <= 0 || viewport.height <= 0) return;
+  DrawnFrame wanted(settings, source, viewport);
+  const bool again = drawn_ == wanted;
+  drawn_.reset();  // until this frame shows it
+  if (!again || !show_again(frame, area)) {
+    picture_.forget();
+    draw(frame);
+  }
+  finish_frame();
+  drawn_.emplace(std::move(wanted));
+}
+
+// Kept the first time that a frame equals the one before, so that a view that turns does no more than draw. False where
+// it is to be drawn into the target itself.
+bool VolumeRenderer::show_again(const VolumeFrame& frame, const std::array<GLint, 4>& viewport) {
+  if (!gl::KeptPicture::suits_target(viewport[2], viewport[3])) return false;
+  const std::optional<GLenum> depth = gl::KeptPicture::depth_of_target();
+  if (!depth) return false;
+  try {
+    if (!picture_) picture_.keep(viewport[2], viewport[3], [&] { draw(frame); }, *depth);
+    gl::throwOnGLError("OfflineRendering::render");
+  } catch (...) {
+    picture_.release();
+    throw;
+  }
+  clear_target();
+  picture_.copy_to(viewport);
+  if (glGetError() == GL_NO_ERROR) return true;
+  picture_.release();  // a driver that knows another format for the target's depth
+  return false;
+}
+
+void VolumeRenderer::draw(const VolumeFrame& frame) {
+  colormaps_.update(frame.settings);
   const gl::DepthClamp no_holes;  // the planes would cut them into the volume
   clear_target();
   draw_background(frame);
@@ -86,16 +122,16 @@ void VolumeRenderer::render(const VolumeSource& source) {
   // The driver works on the rays while the first labels are made, fonts are looked for and programs translated.
   if (std::exchange(first_frame_, false)) glFlush();
   draw_in_front(frame);
-  finish_frame();
 }
 
-VolumeFrame VolumeRenderer::begin_frame(const VolumeSettings& settings, const VolumeSource& source) {
+VolumeFrame VolumeRenderer::begin_frame(const VolumeSettings& settings, const VolumeSource& source,
+                                        Viewport viewport) {
   const TimingMark mark("render: init");
   VolumeFrame frame{settings,    source,
                     colormaps_,  programs_,
                     clip_plane_, source.range.value_or(settings.range),
                     {},          FilledBox::of(source.filled_fraction, source.slice_count)};
-  frame.camera = camera_of(settings.view, frame.range, current_viewport());
+  frame.camera = camera_of(settings.view, frame.range, viewport);
   clip_plane_.update(settings.clip_plane, settings.view, frame.box);
   gl::throwOnGLError("render: init");
   return frame;
@@ -103,7 +139,6 @@ VolumeFrame VolumeRenderer::begin_frame(const VolumeSettings& settings, const Vo
 
 void VolumeRenderer::clear_target() {
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
-  glClearDepth(1.0);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
@@ -118,32 +153,19 @@ void VolumeRenderer::draw_opaque(const VolumeFrame& frame) {
 }
 
 void VolumeRenderer::draw_behind_volume(const VolumeFrame& frame) {
-  if (frame.volume_shown()) elements_.draw_translucent(frame, ElementPass::behind);
-  elements_.draw_frame(frame, ElementPass::behind);
-  if (!frame.volume_shown()) return;
-  if (frame.sectional()) {
-    elements_.sectional_view.draw_outline(frame);
-  } else if (clip_plane_.enabled()) {
-    elements_.draw_clip_plane_border(frame, ElementPass::behind);
-  }
+  elements_.draw_behind(frame);
+  if (frame.volume_shown() && frame.sectional()) elements_.sectional_view.draw_outline(frame);
 }
 
 void VolumeRenderer::draw_rays(const VolumeFrame& frame) {
-  if (!frame.volume_shown() || frame.sectional()) return;
-  if (frame.settings.remove_segment) elements_.draw_removed_segment(frame, ElementPass::behind);
-  raycaster_.draw(frame, box_, surface_);
-  if (frame.settings.remove_segment) elements_.draw_removed_segment(frame, ElementPass::in_front);
-  // The rays covered the border's part on the cut.
-  if (clip_plane_.enabled()) elements_.draw_clip_plane_border(frame, ElementPass::in_front);
+  if (frame.volume_shown() && !frame.sectional()) raycaster_.draw(frame, box_, surface_);
 }
 
 void VolumeRenderer::draw_in_front(const VolumeFrame& frame) {
-  if (frame.volume_shown()) elements_.draw_translucent(frame, ElementPass::in_front);
-  elements_.draw_frame(frame, ElementPass::in_front);
+  elements_.draw_in_front(frame);
 }
 
 void VolumeRenderer::finish_frame() {
-  bind_volume_texture(volume_unit::volume, GL_TEXTURE_3D, 0);
   gl::throwOnGLError("OfflineRendering::render");
 }
 

@@ -1,10 +1,14 @@
 // Draws one volume, held by its owner in a 3-D texture, and the scene around it into the current target.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 
 #include "gl/context/context_identity.h"
+#include "gl/kept_picture.h"
+#include "volume/frame/drawn_frame.h"
 #include "volume/frame/volume_colormap.h"
 #include "volume/frame/volume_programs.h"
 #include "volume/frame/volume_settings.h"
@@ -77,7 +81,7 @@ class VolumeRenderer {
   void set_boundaries(ColormapRole role, double lower, double upper);
 
   // The steps of a frame, in their order.
-  VolumeFrame begin_frame(const VolumeSettings& settings, const VolumeSource& source);
+  VolumeFrame begin_frame(const VolumeSettings& settings, const VolumeSource& source, Viewport viewport);
   void clear_target();
   void draw_background(const VolumeFrame& frame);
   void draw_opaque(const VolumeFrame& frame);
@@ -85,6 +89,8 @@ class VolumeRenderer {
   void draw_rays(const VolumeFrame& frame);
   void draw_in_front(const VolumeFrame& frame);
   void finish_frame();
+  void draw(const VolumeFrame& frame);
+  bool show_again(const VolumeFrame& frame, const std::array<GLint, 4>& viewport);
 
   void release();
 
@@ -102,6 +108,8 @@ class VolumeRenderer {
   Raycaster raycaster_;
   SceneElements elements_;
   Surface surface_;
+  std::optional<DrawnFrame> drawn_;  // what the latest frame showed
+  gl::KeptPicture picture_;          // of that, once it was asked for a second time
 };
 
 }  // namespace oct

@@ -23,7 +23,6 @@ TEST(GlFaultTest, BScan) {
   scene.overlay_image = test_image(64, 48, 2);
   scene.overlays = {{{0x8000FF00U, 0x80FF0000U}, 0.0, 1.0}};
   apply(scene, stage.renderer);
-  stage.frame(scene.width, scene.height);
   fail_every_call({[&] { initDisplayRendering(stage.renderer); },
                    [&] { return stage.frame(scene.width, scene.height); },
                    [&] { uninitDisplayRendering(stage.renderer); }, pending_error});

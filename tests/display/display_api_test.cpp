@@ -111,17 +111,115 @@ TEST_F(DisplayApiGLTest, BeforeInitNothingIsDrawnAndAfterItWhatChangedIsUploaded
   // Gamma is set and not used, so compilers drop it; every other uniform is there.
   EXPECT_EQ(log_of([&] { initDisplayRendering(renderer_); }), "Uniform gamma was not found. \n");
   EXPECT_EQ(spy.calls("glLinkProgram"), 0) << "programs are kept";
-  frame();
-  spy.forget_calls();
-  frame();
-  EXPECT_EQ(spy.calls("glTexImage1D") + spy.calls("glTexImage2D"), 0);
-  EXPECT_EQ(spy.calls("glTexSubImage2D"), 2) << "the image and the overlay, for every frame";
-  std::swap(scene_.image.depth, scene_.image.a_scans);  // as many samples
-  setDisplayData(renderer_, 50, 40, scene_.image.samples.data());
-  setDisplayColormap(renderer_, scene_.colormap.data(), static_cast<int>(scene_.colormap.size()));
-  for (int i = 0; i < 2; ++i) expect_scene(frame());
-  EXPECT_EQ(spy.calls("glTexImage1D"), 1);
-  EXPECT_EQ(spy.calls("R32F texture"), 1);
+  expect_scene(frame());
+}
+
+// Each change, then three frames: the first does what the change asks for and no more, the second keeps its picture,
+// the third shows that.
+TEST_F(DisplayApiGLTest, WhatHasNotChangedIsNotDoneAgain) {
+  scene_.pepper = true;
+  apply(scene_, renderer_);
+  const auto give_image = [&] {
+    setDisplayData(renderer_, scene_.image.depth, scene_.image.a_scans, scene_.image.samples.data());
+  };
+  const struct {
+    const char* name;
+    std::function<void()> change;
+    int uploads = 0;    // of images
+    int textures = 0;   // specified anew
+    int maps = 0;       // of colours
+    int filters = 0;    // passes
+    bool drawn = true;  // the image and the overlay
+  } steps[] = {
+      {"first", [] {}, 2, 4, 9, 1},
+      {"nothing", [] {}, 0, 0, 0, 0, false},
+      {"the same image again", give_image, 1, 0, 0, 1},
+      {"as many samples",
+       [&] {
+         std::swap(scene_.image.depth, scene_.image.a_scans);
+         give_image();
+       },
+       1, 3, 0, 1},
+      {"overlay",
+       [&] {
+         scene_.overlay_image = test_image(40, 50, 9);
+         setDisplayOverlayData(renderer_, 40, 50, scene_.overlay_image.samples.data());
+       },
+       1},
+      {"boundaries",
+       [&] { setDisplayColoringBoundaries(renderer_, scene_.lower = 0.1, scene_.upper = 0.8); }},
+      {"threshold", [&] { setDisplayOveralyThreshold(renderer_, scene_.threshold = 0.4); }},
+      {"flip", [&] { setDisplayFlip(renderer_, scene_.flip = true); }},
+      {"colours",
+       [&] {
+         scene_.overlays[0].colormap = {0x40FFFFFFU, 0xA00000FFU};
+         setDisplayOverlayColormap(renderer_, 0, scene_.overlays[0].colormap.data(), 2);
+       },
+       0, 0, 1},
+      {"blur", [&] { setDisplayBlur(renderer_, scene_.first_blur = true, 0); }, 0, 0, 0, 3},
+      {"viewport", [&] { scene_.width = 30; }},
+      {"no filter",
+       [&] {
+         setDisplayBlur(renderer_, scene_.first_blur = false, 0);
+         setDisplayPepperFilter(renderer_, scene_.pepper = false);
+       },
+       1, 1},
+      {"a frame that failed",
+       [&] {
+         GlSpy failing;
+         failing.fail_next("glClear");
+         frame();
+         EXPECT_NE(pending_error(), "(none)");
+       },
+       2, 2, 9},
+      {"context",
+       [&] {
+         uninitDisplayRendering(renderer_);
+         initDisplayRendering(renderer_);
+       },
+       2, 2, 9},
+  };
+  for (const auto& [name, change, uploads, textures, maps, filters, drawn] : steps) {
+    SCOPED_TRACE(name);
+    change();
+    const GlSpy spy;
+    for (const int done : {drawn ? 1 : 0, drawn ? 2 : 0, drawn ? 2 : 0}) {
+      EXPECT_TRUE(agree(stage_.frame(scene_.width, 40), reference_picture(scene_)));
+      EXPECT_EQ(spy.calls("glTexSubImage2D"), uploads);
+      EXPECT_EQ(spy.calls("R32F texture") + spy.calls("RGBA32F texture"), textures);
+      EXPECT_EQ(spy.calls("glTexImage1D"), maps);
+      EXPECT_EQ(spy.calls("glDrawArrays"), filters + 2 * done);
+    }
+    EXPECT_TRUE(textures > 0 || spy.calls("glGetTexLevelParameteriv") == 0);
+  }
+}
+
+// Of four frames, the first of another image: one is drawn, one keeps its picture, two copy it. Whichever call fails, the
+// error is told, and the frames that tell none are right.
+TEST_F(DisplayApiGLTest, AFailedCallSpoilsNoLaterFrame) {
+  scene_.pepper = true;
+  apply(scene_, renderer_);
+  const Picture expected = reference_picture(scene_);
+  for (const char* const function : {"glBindFramebuffer", "glBindTexture", "glBlitFramebuffer", "glClear",
+                                     "glDrawArrays", "glUseProgram", "glTexSubImage2D", "glViewport"}) {
+    bool failed = true;
+    for (int call = 0; failed; ++call) {
+      SCOPED_TRACE(function + (" " + std::to_string(call)));
+      setDisplayData(renderer_, 40, 50, scene_.image.samples.data());
+      GlSpy spy;
+      spy.fail_next(function, 1, GL_OUT_OF_MEMORY, call);
+      int errors = 0;
+      for (int i = 0; i < 4; ++i) {
+        const Picture picture = frame();
+        const bool told = pending_error() != "(none)";
+        errors += told;
+        clear_gl_errors();
+        EXPECT_TRUE(told || agree(picture, expected));
+      }
+      failed = spy.calls(function) > call;
+      EXPECT_LE(errors, failed ? 1 : 0);
+    }
+  }
 }
 
 // What becomes of such frames is tested with every call; here it is what the errors say, without OpenGL's own words.
@@ -139,13 +237,13 @@ TEST_F(DisplayApiGLTest, AFailedOpenGLCallTellsItsPlace) {
       {"glCreateProgram", "An OpenGL error in BinaryShader::load_to_program"},
       {"glProgramBinary", "An OpenGL error in BinaryShader::load_to_program"},
       {"glGenBuffers", "Could not create OpenGL buffer. "},
-      {"glBufferData", "An OpenGL error in AbstractOpenGLFilter::init"},
+      {"glBufferData", "An OpenGL error in DisplayRenderer::init"},
       {"glTexImage1D", "An OpenGL error in render: colormap changed"},
       {"glTexImage2D", "An OpenGL error in SimpleDataProvider::resize"},
       {"glTexSubImage2D", "An OpenGL error in SimpleDataProvider::LockedTexture::glTexSubImage2D"},
-      {"glFramebufferTexture2D", "An OpenGL error in AbstractOpenGLFilter::draw"},
+      {"glFramebufferTexture2D", "An OpenGL error in AbstractOpenGLFilter::resize"},
       {"glGenTextures", "Invalid texture for rendering...."},
-      {"glGenFramebuffers", "An OpenGL error in AbstractOpenGLFilter::draw"},
+      {"glGenFramebuffers", "Invalid texture for rendering...."},
       {"left by the client", "An OpenGL error in render: init"},
   };
   for (const auto& [function, error, compiles] : faults) {

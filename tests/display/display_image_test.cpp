@@ -1,4 +1,7 @@
 // Whole pictures of the display, drawn through the exports, against the CPU reference.
+#include <algorithm>
+
+#include "gl/gl_names.h"
 #include "support/opengl/foreign_state.h"
 #include "support/reference/display_reference.h"
 #include "support/test_context.h"
@@ -89,6 +92,23 @@ TEST(DisplayImageGLTest, EqualsReference) {
   }
 }
 
+// Filters take four samples at once: their rims, with one to four samples in the last texel.
+TEST(DisplayImageGLTest, FiltersOfSmallImages) {
+  const DisplayStage stage;
+  for (int depth = 1; depth <= 9; ++depth) {
+    for (const int a_scans : {1, 2, 7}) {
+      Scene scene = scene_of(depth, a_scans, a_scans, depth);
+      for (const int filters : {1, 2, 3, 7}) {
+        scene.first_blur = (filters & 1) != 0;
+        scene.pepper = (filters & 2) != 0;
+        scene.second_blur = (filters & 4) != 0;
+        EXPECT_TRUE(agree(stage.draw(scene), reference_picture(scene))) << depth << " x " << a_scans;
+      }
+    }
+  }
+  EXPECT_EQ(pending_error(), "(none)");
+}
+
 Scene scene_of_everything() {
   Scene scene = scene_of(64, 96, 48, 32);
   scene.first_blur = scene.pepper = true;
@@ -99,14 +119,16 @@ Scene scene_of_everything() {
 
 TEST(DisplayImageGLTest, NothingThatTheClientSetShowsOrChanges) {
   const Scene scene = scene_of_everything();
-  const DisplayStage stage;
-  const Picture good = stage.draw(scene);
-  EXPECT_TRUE(agree(good, reference_picture(scene)));
-  expect_same_whatever_the_client_sets(stage.target, good, [&] {
-    uninitDisplayRendering(stage.renderer);
-    initDisplayRendering(stage.renderer);  // so that everything is uploaded again
-    renderDisplay(stage.renderer);
-  });
+  for (const int frames : {1, 3}) {  // drawn, and shown again
+    const DisplayStage stage;
+    const Picture good = stage.draw(scene);
+    EXPECT_TRUE(agree(good, reference_picture(scene)));
+    expect_same_whatever_the_client_sets(stage.target, good, [&] {
+      uninitDisplayRendering(stage.renderer);
+      initDisplayRendering(stage.renderer);  // so that everything is uploaded again
+      for (int i = 0; i < frames; ++i) renderDisplay(stage.renderer);
+    });
+  }
   EXPECT_EQ(pending_error(), "(none)");
 }
 
@@ -118,7 +140,7 @@ TEST(DisplayImageGLTest, ViewportAndScissorOfTheClient) {
   apply(scene, stage.renderer);
   setBackgroundColor(stage.renderer, 0x00FF8000);
   const std::array<int, 4> background{0, 128, 255, 255};
-  for (const bool scissor : {false, true}) {
+  for (const bool scissor : {false, false, false, true, true}) {  // the kept picture as well
     Picture whole(80, 60);
     beginOffscreenFrame(stage.target, 80, 60);
     glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
@@ -129,6 +151,9 @@ TEST(DisplayImageGLTest, ViewportAndScissorOfTheClient) {
     renderDisplay(stage.renderer);
     glDisable(GL_SCISSOR_TEST);
     finishOffscreenFrame(stage.target, whole.bytes.data());
+    Picture shown(scene.width, scene.height);
+    shown.for_each([&](int x, int y) { std::copy_n(whole.pixel(20 + x, 10 + y), 4, shown.pixel(x, y)); });
+    EXPECT_TRUE(agree(shown, reference_picture(scene)));
     for (const auto& [x, y] : {std::pair{0, 0}, {19, 20}, {68, 20}, {40, 9}, {40, 42}, {79, 59}}) {
       EXPECT_EQ(whole.bgra(x, y), scissor ? (std::array<int, 4>{0, 0, 0, 0}) : background);
     }
@@ -139,6 +164,29 @@ TEST(DisplayImageGLTest, ViewportAndScissorOfTheClient) {
   renderDisplay(stage.renderer);
   finishOffscreenFrame(stage.target, empty.bytes.data());
   empty.for_each([&](int x, int y) { EXPECT_EQ(empty.bgra(x, y), background); });
+  EXPECT_EQ(pending_error(), "(none)");
+}
+
+// A kept picture has eight bits a channel: where the target has more, each frame is drawn.
+TEST(DisplayImageGLTest, ATargetOfFloatsKeepsItsPrecision) {
+  const DisplayStage stage;
+  apply(scene_of_everything(), stage.renderer);
+  beginOffscreenFrame(stage.target, 48, 32);
+  const gl::Renderbuffer color = gl::Renderbuffer::create();
+  glBindRenderbuffer(GL_RENDERBUFFER, color.get());
+  glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA32F, 48, 32);
+  glFramebufferRenderbuffer(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color.get());
+  GLint target = 0;
+  glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &target);
+  std::vector<float> frames[3];
+  for (auto& pixels : frames) {
+    pixels.resize(48 * 32);
+    renderDisplay(stage.renderer);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(target));
+    glReadPixels(0, 0, 48, 32, GL_RED, GL_FLOAT, pixels.data());
+    EXPECT_EQ(pixels, frames[0]);
+  }
+  finishOffscreenFrame(stage.target, nullptr);
   EXPECT_EQ(pending_error(), "(none)");
 }
 

@@ -67,7 +67,7 @@ TEST(DisplayThreadGLTest, SettersDoNotWaitForAFrame) {
   scene.height = 40;
   scene.overlays = {{{0x80FF0000U, 0x8000FF00U}, 0.0, 1.0}};
   const DisplayStage stage;
-  stage.draw(scene);
+  apply(scene, stage.renderer);
   Scene next = scene;
   next.image = test_image(70, 20, 2);
   next.overlay_image = test_image(30, 30, 3);

@@ -282,6 +282,7 @@ TEST_P(TwoContextsGLTest, ARendererIsAtHomeInOne) {
       const GlSpy spy;
       subject->init();
       EXPECT_TRUE(agree(subject->picture(), before, exact)) << "moved";
+      subject->picture();  // the second of two equal frames may keep its picture
       const std::size_t objects = spy.live_objects();
       for (int i = 0; i < 3; ++i) subject->picture();
       EXPECT_EQ(spy.live_objects(), objects);

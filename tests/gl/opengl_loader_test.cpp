@@ -66,6 +66,7 @@ TEST_F(LoaderGLTest, ADriverThatIsTooOldSpoilsNothingForTheNextOne) {
     EXPECT_NE(__glewGenVertexArrays, nullptr) << text;
     EXPECT_TRUE(gl::is_loaded_for_current_driver());
   }
+  context_.makeCurrent();
 }
 
 }  // namespace

@@ -34,16 +34,26 @@ TEST(OffscreenTargetGLTest, TwoTargetsInTurn) {
     glPixelStorei(GL_PACK_ROW_LENGTH, expected);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     finishOffscreenFrame(targets[i], picture.bytes.data());
-    EXPECT_EQ(spy.live_objects(), 0U) << "nothing stays of what has been read";
     EXPECT_EQ(picture.bgra(2 + i, 1), (std::array<int, 4>{0, 255, i * 255, 255}));
   }
+  EXPECT_EQ(spy.calls("glRenderbufferStorage"), 4) << "the second frames are of the first ones' size";
+  EXPECT_EQ(spy.live_objects(), 6U);
   beginOffscreenFrame(targets[0], 4, 4);
+  glDrawBuffer(GL_NONE);
   finishOffscreenFrame(targets[0], nullptr);
+  Picture picture(4, 4);
+  beginOffscreenFrame(targets[0], 4, 4);
+  glClear(GL_COLOR_BUFFER_BIT);
+  finishOffscreenFrame(targets[0], picture.bytes.data());
+  EXPECT_EQ(picture.bgra(3, 3), (std::array<int, 4>{0, 255, 0, 255}))
+      << "drawn to, whatever was chosen before";
+  EXPECT_EQ(spy.calls("glRenderbufferStorage"), 6) << "another size";
+  EXPECT_EQ(spy.live_objects(), 6U);
   const int deletions = spy.calls("glDeleteRenderbuffers");
   clearOffscreenTarget(targets[0]);
   EXPECT_EQ(spy.calls("glDeleteRenderbuffers") - deletions, 4) << "each name twice";
-  EXPECT_EQ(spy.live_objects(), 0U);
   clearOffscreenTarget(targets[1]);
+  EXPECT_EQ(spy.live_objects(), 0U);
   clearOffscreenTarget(nullptr);
   EXPECT_EQ(pending_error(), "(none)");
   EXPECT_FALSE(gl::is_context_current());

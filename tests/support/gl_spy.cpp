@@ -14,6 +14,7 @@ namespace oct::test {
 
 struct GlSpy::State {
   std::map<std::string, int> calls;
+  int total = 0;
   struct Failure {
     int after;
     int times;
@@ -31,6 +32,7 @@ struct GlSpy::State {
   bool enter(const std::string& function) {
     std::unique_lock lock(mutex);
     ++calls[function];
+    total += function.starts_with("gl");
     if (const auto action = actions.extract(function)) {
       lock.unlock();
       action.mapped()();
@@ -41,6 +43,11 @@ struct GlSpy::State {
     if (failure->second.after > 0) return --failure->second.after, false;
     --failure->second.times;
     return true;
+  }
+
+  void count() {
+    const std::lock_guard lock(mutex);
+    ++total;
   }
 
   GLenum error_of(const std::string& function) {
@@ -158,6 +165,12 @@ struct Name {
   consteval Name(const char (&name)[size]) { std::copy_n(name, size, text); }
 };
 
+template <auto* pointer, class Result, class... Args>
+Result GLAPIENTRY counted_pointer(Args... args) {
+  spy->count();
+  return original<pointer>(args...);
+}
+
 template <Name function, auto* pointer, class Result, class... Args>
 Result GLAPIENTRY watched_pointer(Args... args) {
   return watched(function.text, original<pointer>, args...);
@@ -188,10 +201,14 @@ void replace_all() {
       OCT_WATCHED(BlendEquation), OCT_WATCHED(BlendFuncSeparate), OCT_WATCHED(BlitFramebuffer),
       OCT_WATCHED(DeleteSync), OCT_WATCHED(EnableVertexAttribArray), OCT_WATCHED(FenceSync),
       OCT_WATCHED(FramebufferRenderbuffer), OCT_WATCHED(MapBufferRange), OCT_WATCHED(ProgramParameteri),
-      OCT_WATCHED(ShaderSource), OCT_WATCHED(Uniform1f), OCT_WATCHED(Uniform1i), OCT_WATCHED(Uniform2f),
-      OCT_WATCHED(Uniform3f), OCT_WATCHED(Uniform4f), OCT_WATCHED(Uniform4fv), OCT_WATCHED(UniformMatrix3fv),
+      OCT_WATCHED(ShaderSource), OCT_WATCHED(Uniform1f), OCT_WATCHED(Uniform1fv), OCT_WATCHED(Uniform1i), OCT_WATCHED(Uniform2f),
+      OCT_WATCHED(Uniform3f), OCT_WATCHED(Uniform3i), OCT_WATCHED(Uniform4f), OCT_WATCHED(Uniform4fv), OCT_WATCHED(UniformMatrix3fv),
       OCT_WATCHED(UniformMatrix4fv), OCT_WATCHED(UseProgram), OCT_WATCHED(VertexAttribPointer);
 #undef OCT_WATCHED
+#define OCT_COUNTED(name) replace<&__glew##name>(counted_pointer<&__glew##name>)
+  OCT_COUNTED(BlendEquationSeparate), OCT_COUNTED(ClipControl), OCT_COUNTED(GetUniformLocation),
+      OCT_COUNTED(GetVertexAttribiv), OCT_COUNTED(IsProgram), OCT_COUNTED(IsVertexArray);
+#undef OCT_COUNTED
   replace<&__glewUnmapBuffer>(unmap_buffer);
   replace<&__glewTexImage3D>(tex_image_3d);
   replace<&__glewCheckFramebufferStatus>(check_framebuffer_status);
@@ -217,6 +234,11 @@ int GlSpy::calls(const std::string& function) const {
   return state_->calls[function];
 }
 
+int GlSpy::total() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->total;
+}
+
 void GlSpy::fail_next(const std::string& function, int times, GLenum error, int after) {
   const std::lock_guard lock(state_->mutex);
   state_->failures[function] = {after, times, error};
@@ -235,6 +257,7 @@ std::map<std::string, int> GlSpy::all_calls() const {
 void GlSpy::forget_calls() {
   const std::lock_guard lock(state_->mutex);
   state_->calls.clear();
+  state_->total = 0;
   state_->failures.clear();
 }
 
@@ -297,16 +320,39 @@ OCT_WATCH(glClear, (GLbitfield buffers), buffers)
 OCT_WATCH(glDrawArrays, (GLenum mode, GLint first, GLsizei count), mode, first, count)
 OCT_WATCH(glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices), mode, count, type,
           indices)
+OCT_WATCH(glDrawBuffer, (GLenum buffer), buffer)
 OCT_WATCH(glReadBuffer, (GLenum buffer), buffer)
+OCT_WATCH(glGetTexLevelParameteriv, (GLenum target, GLint level, GLenum name, GLint* value), target, level,
+          name, value)
 OCT_WATCH(glReadPixels,
           (GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels), x, y,
           width, height, format, type, pixels)
+
+#define OCT_COUNT(result, function, parameters, ...) \
+  decltype(function) __real_##function;               \
+  result GLAPIENTRY __wrap_##function parameters {    \
+    if (spy) spy->count();                            \
+    return __real_##function(__VA_ARGS__);            \
+  }
+
+OCT_COUNT(GLboolean, glIsEnabled, (GLenum capability), capability)
+OCT_COUNT(void, glGetBooleanv, (GLenum query, GLboolean* value), query, value)
+OCT_COUNT(void, glGetFloatv, (GLenum query, GLfloat* value), query, value)
+OCT_COUNT(void, glGetDoublev, (GLenum query, GLdouble* value), query, value)
+OCT_COUNT(void, glDepthRange, (GLclampd low, GLclampd high), low, high)
+OCT_COUNT(void, glLineWidth, (GLfloat width), width)
+OCT_COUNT(void, glPolygonMode, (GLenum face, GLenum mode), face, mode)
+OCT_COUNT(void, glFlush, (void))
+OCT_COUNT(void, glFinish, (void))
 
 decltype(glTexImage2D) __real_glTexImage2D;
 void GLAPIENTRY __wrap_glTexImage2D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height,
                                     GLint border, GLenum format, GLenum type, const void* pixels) {
   const bool proxy = target == GL_PROXY_TEXTURE_2D;
-  const std::string kind = internal == GL_R32F ? "R32F" : internal == GL_R16F ? "R16F" : "other";
+  const std::string kind = internal == GL_R32F      ? "R32F"
+                           : internal == GL_R16F    ? "R16F"
+                           : internal == GL_RGBA32F ? "RGBA32F"
+                                                    : "other";
   // A refused proxy has no extent; so has one that is asked for without.
   if (spy && spy->enter(kind + (proxy ? " proxy" : " texture"))) width = 0;
   watched(proxy ? "" : "glTexImage2D", __real_glTexImage2D, target, level, internal, width, height, border,
@@ -315,12 +361,14 @@ void GLAPIENTRY __wrap_glTexImage2D(GLenum target, GLint level, GLint internal, 
 
 decltype(glGetError) __real_glGetError;
 GLenum GLAPIENTRY __wrap_glGetError(void) {
+  if (spy) spy->count();
   const GLenum error = spy ? spy->next_error() : GL_NO_ERROR;
   return error != GL_NO_ERROR ? error : __real_glGetError();
 }
 
 decltype(glGetString) __real_glGetString;
 const GLubyte* GLAPIENTRY __wrap_glGetString(GLenum query) {
+  if (spy) spy->count();
   const GLubyte* const text = __real_glGetString(query);
   if (spy) spy->enter("glGetString");
   const char* const answer = spy && text ? spy->text(query) : nullptr;
@@ -330,7 +378,9 @@ const GLubyte* GLAPIENTRY __wrap_glGetString(GLenum query) {
 decltype(glGetIntegerv) __real_glGetIntegerv;
 void GLAPIENTRY __wrap_glGetIntegerv(GLenum query, GLint* value) {
   __real_glGetIntegerv(query, value);
-  if (spy) spy->answer(query, value);
+  if (!spy) return;
+  spy->count();
+  spy->answer(query, value);
 }
 
 }  // extern "C"

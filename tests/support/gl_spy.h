@@ -22,6 +22,9 @@ class GlSpy {
   // Calls of a function, by its OpenGL name.
   int calls(const std::string& function) const;
 
+  // Calls of all functions that a frame calls, queries too.
+  int total() const;
+
   // Makes the next calls of a function fail: functions that create or map give 0, compile and link report
   // failure, unmapping says that what was written is lost, the others do nothing and leave the given error
   // for glGetError. The first calls may be let through.

@@ -4,7 +4,7 @@
 #include <numeric>
 #include <random>
 
-#include "gl/client_state.h"
+#include "gl/context/client_state.h"
 #include "gl/texture_3d.h"
 #include "volume/skipping/empty_space.h"
 #include "volume_test.h"

@@ -6,10 +6,13 @@
 #include <glm/gtc/matrix_transform.hpp>
 #include <gtest/gtest.h>
 
+#include "gl/draw_state.h"
 #include "hosting/offscreen/offscreen_target.h"
+#include "support/gl_spy.h"
 #include "support/reference/reference_camera.h"
 #include "support/test_context.h"
 #include "volume/text/font_renderer.h"
+#include "volume/text/text_cache.h"
 #include "volume/text/text_rasteriser.h"
 
 namespace oct::test {
@@ -24,13 +27,14 @@ const LabelView flat_view{glm::mat4(1.0F), glm::mat4(1.0F), glm::vec2(width, hei
 
 class FontRendererGLTest : public testing::Test {
  protected:
-  Picture draw(FontRenderer& font, const Label& label, const LabelView& view) {
+  Picture draw(FontRenderer& font, const std::vector<Label>& labels, const LabelView& view) {
     Picture picture(width, height);
     target_.begin_frame(width, height);
     glClearColor(background.r, background.g, background.b, 1.0F);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    font.draw(label, color, view);
-    EXPECT_FALSE(glIsEnabled(GL_BLEND));
+    font.show(labels);
+    const gl::Blending blending;
+    font.draw(color, view);
     target_.finish_frame(picture.bytes.data());
     return picture;
   }
@@ -46,50 +50,75 @@ LabelView perspective_view(float zoom) {
       glm::vec2(width, height)};
 }
 
-// The text's pixels from the lower left corner on, which is the anchor's projection plus the offset.
-Picture expected(TextRasteriser& rasteriser, const Label& label, const LabelView& view) {
-  const TextPicture text = rasteriser.rasterise(label.text);
-  const glm::vec4 clip = view.projection * view.modelview * glm::vec4(label.anchor, 1.0F);
-  const glm::vec2 corner = (glm::vec2(clip) / clip.w + 1.0F) * 0.5F * view.viewport + label.offset;
+// Each text's pixels from the lower left corner on, which is the anchor's projection plus the offset.
+Picture expected(int size, const std::vector<Label>& labels, const LabelView& view) {
+  TextRasteriser upright(size, false);
+  TextRasteriser emphasised(size, true);
   Picture picture(width, height);
-  picture.for_each([&](int x, int y) {
-    const int column = static_cast<int>(std::floor(static_cast<float>(x) + 0.5F - corner.x));
-    const int row = static_cast<int>(std::floor(static_cast<float>(y) + 0.5F - corner.y));
-    const bool inside = column >= 0 && column < text.width && row >= 0 && row < text.height;
-    const int mask = inside ? text.pixels[static_cast<std::size_t>(row * text.width + column) * 4] : 0;
-    set_pixel(picture, x, y, glm::dvec3(background) + glm::dvec3(color - background) * (mask / 255.0));
-  });
+  picture.for_each([&](int x, int y) { set_pixel(picture, x, y, glm::dvec3(background)); });
+  for (const Label& label : labels) {
+    const TextPicture text = (label.text.emphasis ? emphasised : upright).rasterise(label.text.text);
+    const glm::vec4 clip = view.projection * view.modelview * glm::vec4(label.anchor, 1.0F);
+    const glm::vec2 corner = (glm::vec2(clip) / clip.w + 1.0F) * 0.5F * view.viewport + label.offset;
+    picture.for_each([&](int x, int y) {
+      const int column = static_cast<int>(std::floor(static_cast<float>(x) + 0.5F - corner.x));
+      const int row = static_cast<int>(std::floor(static_cast<float>(y) + 0.5F - corner.y));
+      if (column < 0 || column >= text.width || row < 0 || row >= text.height) return;
+      const int mask = text.pixels[static_cast<std::size_t>(row * text.width + column) * 4];
+      set_pixel(picture, x, y, glm::dvec3(background) + glm::dvec3(color - background) * (mask / 255.0));
+    });
+  }
   return picture;
 }
 
 TEST_F(FontRendererGLTest, LabelsAreDrawnPixelByPixel) {
-  const auto expect_drawn = [this](int size, bool emphasis, const Label& label, const LabelView& view) {
-    FontRenderer font(size, emphasis);
-    TextRasteriser rasteriser(size, emphasis);
-    EXPECT_TRUE(agree(draw(font, label, view), expected(rasteriser, label, view))) << label.text;
+  const auto expect_drawn = [this](int size, const Label& label, const LabelView& view) {
+    FontRenderer font(size);
+    EXPECT_TRUE(agree(draw(font, {label}, view), expected(size, {label}, view))) << label.text.text;
   };
   for (const float zoom : {20.0F, 40.0F, 75.0F}) {
     for (const glm::vec2 offset : {glm::vec2(0.0F), glm::vec2(-31.0F, 7.0F)})
-      expect_drawn(18, false, {"0.25 mm", {0.31F, -0.12F, 0.43F}, offset}, perspective_view(zoom));
+      expect_drawn(18, {{"0.25 mm"}, {0.31F, -0.12F, 0.43F}, offset}, perspective_view(zoom));
   }
   // Cut by the viewport.
   for (const glm::vec3 anchor : {glm::vec3(-1.0F, -1.0F, 0.0F), glm::vec3(0.707F, 0.871F, 0.0F)})
-    expect_drawn(31, true, {"depth (mm)", anchor, {-7.25F, -5.0F}}, flat_view);
+    expect_drawn(31, {{"depth (mm)", true}, anchor, {-7.25F, -5.0F}}, flat_view);
 
   // The depth of the anchor counts.
   glClearDepth(0.5);
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LEQUAL);
-  expect_drawn(20, false, {"9", {0.004F, 0.0F, -0.5F}, {}}, flat_view);
-  FontRenderer font(20, false);
-  TextRasteriser rasteriser(20, false);
-  EXPECT_TRUE(agree(draw(font, {"9", {0.004F, 0.0F, 0.5F}, {}}, flat_view),
-                    expected(rasteriser, {"", {}, {}}, flat_view)));
-  EXPECT_EQ(font.size("9").y, rasteriser.rasterise("9").height);
-  EXPECT_EQ(font.size(""), glm::ivec2(0));
-  draw(font, {"", {}, {}}, flat_view);
+  expect_drawn(20, {{"9"}, {0.004F, 0.0F, -0.5F}, {}}, flat_view);
+  FontRenderer font(20);
+  const Picture nothing = expected(20, {}, flat_view);
+  EXPECT_TRUE(agree(draw(font, {{{"9"}, {0.004F, 0.0F, 0.5F}, {}}}, flat_view), nothing));
+  EXPECT_EQ(font.size({"9"}).y, TextRasteriser(20, false).rasterise("9").height);
+  EXPECT_EQ(font.size({""}), glm::ivec2(0));
+  EXPECT_TRUE(agree(draw(font, {{{""}, {}, {}}}, flat_view), nothing));
   glDisable(GL_DEPTH_TEST);
   glClearDepth(1.0);
+}
+
+// More texts than one row of the atlas holds, and other ones in the next frame.
+TEST_F(FontRendererGLTest, ManyLabelsAreOneDrawAndUploadedOnce) {
+  FontRenderer font(12);
+  GlSpy spy;
+  const struct {
+    int first, offset, textures, buffers;
+  } frames[] = {{0, 0, 1, 1}, {0, 0, 0, 0}, {0, 1, 0, 1}, {15, 1, 1, 1}, {0, 0, 1, 1}};
+  for (const auto& [first, offset, textures, buffers] : frames) {
+    std::vector<Label> labels;
+    for (int i = 0; i < 30; ++i) {
+      const std::string text = std::to_string((first + i) * 1234567);
+      labels.push_back(
+          {{text, i % 2 == 1}, {-1.0F, -1.0F, 0.0F}, glm::vec2(i % 3 * 66 + offset, i / 3 * 12)});
+    }
+    spy.forget_calls();
+    EXPECT_TRUE(agree(draw(font, labels, flat_view), expected(12, labels, flat_view)));
+    EXPECT_EQ(spy.calls("glDrawArrays"), 1);
+    EXPECT_EQ(spy.calls("glTexImage2D"), textures);
+    EXPECT_EQ(spy.calls("glBufferData"), buffers);
+  }
 }
 
 struct Ink {
@@ -117,6 +146,17 @@ Ink ink_of(const TextPicture& picture) {
   ink.amount = (weights[0] + weights[1]) / 255.0;
   ink.lean = sums[1] / weights[1] - sums[0] / weights[0];
   return ink;
+}
+
+// A range that is animated shows other numbers in every frame.
+TEST(TextCacheTest, TextsThatNobodyAsksForAnyMoreAreForgotten) {
+  TextCache cache(14, false);
+  const TextPicture* const lasting = &cache.picture("0");
+  for (int i = 1; i < 300; ++i) {
+    cache.picture(std::to_string(i));
+    EXPECT_EQ(&cache.picture("0"), lasting) << "rasterised once while it is in use";
+    EXPECT_EQ(cache.count(), std::min<std::size_t>(static_cast<std::size_t>(i) + 1, TextCache::most_texts));
+  }
 }
 
 TEST(TextRasteriserTest, LinesAreAsHighAsTheFontAndAsWideAsTheText) {

@@ -203,7 +203,7 @@ TEST_F(VolumeFaultTest, AFrameThatFailsTellsThePlace) {
       {"glGenTextures", "Invalid texture for rendering...."},
       {"glGenBuffers", "Could not create OpenGL buffer. "},
       {"glGenVertexArrays", "Could not create OpenGL buffer. "},
-      {"glBufferData", "An OpenGL error in VolumeRenderer::background changed occured: "},
+      {"glBufferData", "An OpenGL error in VolumeRenderer::background changed occured: ", 1},
       {"glCheckFramebufferStatus",
        "An OpenGL error occured. Framebuffer is not complete: GL_FRAMEBUFFER_UNSUPPORTED"},
   };

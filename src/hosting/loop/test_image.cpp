@@ -1,6 +1,6 @@
 #include "hosting/loop/test_image.h"
 
-#include "gl/client_state.h"
+#include "gl/context/client_state.h"
 
 namespace oct {
 

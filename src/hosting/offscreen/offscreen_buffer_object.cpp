@@ -25,10 +25,7 @@ void OffscreenBufferObject::detach() {
   glBindRenderbuffer(GL_RENDERBUFFER, 0);
 }
 
-// The target is made anew for every frame, so that the size is always the current one and no frame depends on
-// what an earlier one left.
-void OffscreenBufferObject::prepare(std::uint32_t width, std::uint32_t height) {
-  const TimingMark mark("OffscreenBuffer::prepare");
+void OffscreenBufferObject::discard() {
   if (target_.framebuffer && target_.color && target_.depth) {
     detach();
   } else {
@@ -36,13 +33,23 @@ void OffscreenBufferObject::prepare(std::uint32_t width, std::uint32_t height) {
     glBindRenderbuffer(GL_RENDERBUFFER, 0);
   }
   target_.reset();
+}
 
-  width_ = static_cast<GLsizei>(width);
-  height_ = static_cast<GLsizei>(height);
-  target_.create(width_, height_);
-  glBindFramebuffer(GL_FRAMEBUFFER, 0);
-
+void OffscreenBufferObject::prepare(std::uint32_t width, std::uint32_t height) {
+  const TimingMark mark("OffscreenBuffer::prepare");
+  const auto columns = static_cast<GLsizei>(width);
+  const auto rows = static_cast<GLsizei>(height);
+  const bool whole = target_.framebuffer && target_.color && target_.depth;
+  if (!whole || columns != width_ || rows != height_) {
+    discard();
+    target_.create(columns, rows);
+    width_ = columns;
+    height_ = rows;
+  }
+  glBindRenderbuffer(GL_RENDERBUFFER, 0);
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, target_.framebuffer.get());
+  glDrawBuffer(GL_COLOR_ATTACHMENT0);  // in the frame before the client may have chosen another one
   glViewport(0, 0, width_, height_);
   record_timing_mark("before_rendering");
 }
@@ -52,7 +59,6 @@ void OffscreenBufferObject::finish(void* data) {
   if (!data) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   gl::read_color(target_.framebuffer, width_, height_, data);
-  target_.reset();
 }
 
 }  // namespace oct

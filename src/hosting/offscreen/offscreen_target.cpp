@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "core/console.h"
-#include "gl/client_state.h"
+#include "gl/pixel_store.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
 #include "hosting/host/opengl_host.h"
@@ -51,12 +51,17 @@ void OffscreenTarget::begin_frame(std::uint32_t width, std::uint32_t height) {
 }
 
 void OffscreenTarget::prepare(std::uint32_t width, std::uint32_t height) {
-  buffer_.prepare(width, height);
-  gl::throwOnGLError("beginOffscreenFrame");
-  const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
-  if (status != GL_FRAMEBUFFER_COMPLETE) {
-    throw std::runtime_error(std::string("The offscreen framebuffer is not complete: ") +
-                             gl::framebufferStatusName(status));
+  try {
+    buffer_.prepare(width, height);
+    gl::throwOnGLError("beginOffscreenFrame");
+    const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
+    if (status != GL_FRAMEBUFFER_COMPLETE) {
+      throw std::runtime_error(std::string("The offscreen framebuffer is not complete: ") +
+                               gl::framebufferStatusName(status));
+    }
+  } catch (...) {
+    buffer_.discard();
+    throw;
   }
 }
 
@@ -64,9 +69,14 @@ void OffscreenTarget::finish_frame(void* pixels) {
   if (!before_frame_) throw std::runtime_error("No offscreen frame has been begun. ");
   context_.makeCurrent();
   const gl::RestoreCurrent restore(*std::exchange(before_frame_, std::nullopt));
-  const gl::TransferState transfer;
-  buffer_.finish(pixels);
-  gl::throwOnGLError("finishOffscreenFrame");
+  const gl::ClientPack pack;
+  try {
+    buffer_.finish(pixels);
+    gl::throwOnGLError("finishOffscreenFrame");
+  } catch (...) {
+    buffer_.discard();
+    throw;
+  }
 }
 
 }  // namespace oct

@@ -36,10 +36,6 @@ void use_volume_program(const VolumeRenderingProgram& program, const VolumeFrame
   bind_volume_texture(volume_unit::overlay_color, GL_TEXTURE_1D, overlay.texture());
   bind_volume_texture(volume_unit::color, GL_TEXTURE_1D, main.texture());
   bind_volume_texture(volume_unit::volume, GL_TEXTURE_3D, frame.source.volume);
-  glUniform1i(at.volumeTex, volume_unit::volume);
-  glUniform1i(at.colorTex, volume_unit::color);
-  glUniform1i(at.volumeOverlayTex, volume_unit::overlay);
-  glUniform1i(at.colorOverlayTex, volume_unit::overlay_color);
   glUniform1f(at.lowerValue, main.lower());
   glUniform1f(at.upperValue, main.upper());
   glUniform2f(at.overlayValues, overlay.lower(), overlay.upper());

@@ -9,19 +9,6 @@
 
 namespace oct {
 
-// Texture units of the volume programs.
-namespace volume_unit {
-constexpr GLint volume = 0;
-constexpr GLint color = 1;
-constexpr GLint surface = 2;
-constexpr GLint overlay = 3;
-constexpr GLint overlay_color = 4;
-constexpr GLint color2 = 5;
-constexpr GLint secondary = 6;
-constexpr GLint empty = 7;
-constexpr GLint sample_color = 8;
-}  // namespace volume_unit
-
 struct VolumeFrame {
   const VolumeSettings& settings;
   const VolumeSource& source;

@@ -1,6 +1,7 @@
 #include "volume/frame/volume_program.h"
 
 #include "core/timing_mark.h"
+#include "gl/opengl_error.h"
 
 namespace oct {
 
@@ -22,6 +23,14 @@ void VolumeRenderingProgram::load(const std::string& name, const std::string& ve
   locations_.secondarySlice = uniform("secondarySlice");
   locations_.modelview = uniform("modelview");
   locations_.projection = uniform("projection");
+  use();
+  glUniform1i(locations_.volumeTex, volume_unit::volume);
+  glUniform1i(locations_.colorTex, volume_unit::color);
+  glUniform1i(locations_.volumeOverlayTex, volume_unit::overlay);
+  glUniform1i(locations_.colorOverlayTex, volume_unit::overlay_color);
+  glUniform1i(locations_.colorTex2, volume_unit::color2);
+  glUniform1i(locations_.secondaryTex, volume_unit::secondary);
+  gl::throwOnGLError("VolumeRenderingProgram::load");
 }
 
 void RaycastingProgram::load(const std::string& name, const std::string& vertexSource,
@@ -44,6 +53,10 @@ void RaycastingProgram::load(const std::string& name, const std::string& vertexS
   locations_.lengthScale = uniform("lengthScale");
   locations_.lighting = uniform("lighting");
   locations_.extent = uniform("extent");
+  glUniform1i(locations_.backTex, volume_unit::surface);
+  glUniform1i(locations_.emptyTex, volume_unit::empty);
+  glUniform1i(locations_.sampleColorTex, volume_unit::sample_color);
+  gl::throwOnGLError("RaycastingProgram::load");
 }
 
 }  // namespace oct

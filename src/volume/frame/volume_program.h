@@ -7,6 +7,20 @@
 
 namespace oct {
 
+// Texture units of the volume programs. Samplers that no program has both of share one: a unit has a texture of each
+// target, and every unit is asked for and given back in every frame (gl::DrawingState).
+namespace volume_unit {
+constexpr GLint volume = 0;
+constexpr GLint color = 1;
+constexpr GLint sample_color = 1;
+constexpr GLint surface = 2;
+constexpr GLint overlay = 3;
+constexpr GLint secondary = 3;
+constexpr GLint overlay_color = 4;
+constexpr GLint color2 = 4;
+constexpr GLint empty = 5;
+}  // namespace volume_unit
+
 // A program declares only the uniforms it uses. The others have location -1, which OpenGL ignores when they
 // are set, so that a pass sets all of them regardless of the variant.
 class VolumeRenderingProgram : public gl::Shader {

@@ -143,7 +143,7 @@ const SurfaceBackProgram& VolumePrograms::surface_back() {
 }
 
 const RaycastingProgram& VolumePrograms::raycasting_of(const RaycastingVariant& variant) {
-  RaycastingProgram& program = raycasting_slot(variant);
+  RaycastingProgram& program = raycasting_[variant];
   return built(program, [&] { load_variant(program, variant); });
 }
 

@@ -55,8 +55,6 @@ class VolumePrograms {
   const SurfaceBackProgram& surface_back();             // vec3 position (0)
 
   const RaycastingProgram& raycasting_of(const RaycastingVariant& variant);
-  // The same, built or not.
-  RaycastingProgram& raycasting_slot(const RaycastingVariant& variant) { return raycasting_[variant]; }
 
  private:
   template <class Program, class Build>

@@ -28,6 +28,8 @@ struct FrameFlags {
   bool edges = true;  // the twelve of the box
   bool scale_marks = true;
   bool box = true;  // the translucent one
+
+  bool operator==(const FrameFlags&) const = default;
 };
 
 // Of the samples of a composite; all zero: none.
@@ -47,6 +49,8 @@ struct ColormapSettings {
   RevisedColormap colors;
   float lower = 0.0F;
   float upper = 1.0F;
+
+  bool operator==(const ColormapSettings&) const = default;
 };
 
 // A frame draws with a copy of its own, made at its beginning: what is large is shared and never changed.
@@ -74,6 +78,8 @@ struct VolumeSettings {
   std::optional<std::array<ColormapSettings, 4>> colormaps;
   std::shared_ptr<const SurfaceMesh> surface;  // null: there is none
   double surface_scale = 1.0;                  // of the depths of the data
+
+  bool operator==(const VolumeSettings&) const = default;
 };
 
 // What the owner of a volume supplies for one frame, all of it every time. The textures stay the owner's.
@@ -83,6 +89,7 @@ struct VolumeSource {
   bool overlay_present = false;
   GLuint secondary = 0;
   int secondary_slice_count = 0;
+  std::uint64_t secondary_revision = 0;   // another one when the texture changed
   bool main_colormap_is_overlay = false;  // colours the volume by the overlay's colour map and boundaries
   int slice_count = 0;                    // parts in which the volume fills
   float filled_fraction = 1.0F;
@@ -94,6 +101,8 @@ struct VolumeSource {
   BrickMaxima* volume_maxima = nullptr;
   BrickMaxima* overlay_maxima = nullptr;
   EmptySpace* empty_space = nullptr;
+
+  bool operator==(const VolumeSource&) const = default;
 };
 
 // 0xRRGGBBAA; alpha is always 1.

@@ -12,6 +12,8 @@ inline float radians_of(float degrees) {
 struct Viewport {
   int width = 0;
   int height = 0;
+
+  bool operator==(const Viewport&) const = default;
 };
 
 // What a client sets. Angles in degrees.
@@ -21,6 +23,8 @@ struct View {
   glm::vec3 translation{0.0F};
   double zoom = 40.0;
   bool perspective = true;
+
+  bool operator==(const View&) const = default;
 };
 
 // Physical extent of the volume, in any unit: x is axial, y and z are lateral. The model is scaled so that
@@ -28,6 +32,8 @@ struct View {
 struct Range {
   glm::vec3 extent{1.0F};
   glm::vec3 model_scale{1.0F, -1.0F, 1.0F};
+
+  bool operator==(const Range&) const = default;
 };
 
 Range range_of(double axial, double lateral1, double lateral2);

@@ -15,6 +15,8 @@ struct ClipPlaneSettings {
   bool open_cut = false;  // the face of the cut is not drawn
   bool fixed = false;     // keeps its orientation while the camera turns
   float value = 0.0F;     // 0 to 1 from the far to the near corner of the box
+
+  bool operator==(const ClipPlaneSettings&) const = default;
 };
 
 class ClipPlane {

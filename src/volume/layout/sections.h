@@ -8,6 +8,8 @@ namespace oct {
 struct Section {
   bool shown = true;
   float position = 0.5F;  // 0 to 1
+
+  bool operator==(const Section&) const = default;
 };
 
 using Sections = std::array<Section, 3>;

@@ -8,7 +8,7 @@ namespace oct {
 
 void Box::draw(const FilledBox& box) {
   if (box.end() != end_) upload(box);
-  for (std::size_t face = 0; face < 6; ++face) geometry_.draw_indexed(GL_TRIANGLE_STRIP, 4 * face, 4);
+  geometry_.draw_indexed(GL_TRIANGLES, 0, 36);
 }
 
 void Box::upload(const FilledBox& box) {
@@ -19,13 +19,13 @@ void Box::upload(const FilledBox& box) {
     corners[i] = {(i & 4U) != 0 ? 1.0F : -1.0F, (i & 2U) != 0 ? 1.0F : -1.0F,
                   (i & 1U) != 0 ? box.end() : -1.0F};
   }
-  constexpr std::array<std::uint32_t, 24> faces{
-      0, 2, 1, 3,  // x = -1
-      4, 5, 6, 7,  // x = 1
-      0, 1, 4, 5,  // y = -1
-      2, 6, 3, 7,  // y = 1
-      0, 4, 2, 6,  // z = -1
-      1, 3, 5, 7,  // z = end
+  constexpr std::array<std::uint32_t, 36> faces{
+      0, 2, 1, 1, 2, 3,  // x = -1
+      4, 5, 6, 6, 5, 7,  // x = 1
+      0, 1, 4, 4, 1, 5,  // y = -1
+      2, 6, 3, 3, 6, 7,  // y = 1
+      0, 4, 2, 2, 4, 6,  // z = -1
+      1, 3, 5, 5, 3, 7,  // z = end
   };
   geometry_.set_vertices(corners);
   geometry_.set_indices(faces);

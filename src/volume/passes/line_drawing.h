@@ -12,8 +12,4 @@ namespace oct {
 void draw_model_lines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
                       const glm::vec4& color);
 
-// The same with points in normalised device coordinates.
-void draw_screen_lines(const VolumeFrame& frame, gl::Geometry& geometry, std::span<const glm::vec3> lines,
-                       const glm::vec4& color);
-
 }  // namespace oct

@@ -58,7 +58,6 @@ Visibility prepare_empty_space(const VolumeFrame& frame) {
 void set_empty_space(const RaycastingProgram::RayLocations& at, const VolumeFrame& frame,
                      const Visibility& visibility) {
   glUniform1i(at.limitCount, visibility.count);
-  glUniform1i(at.emptyTex, volume_unit::empty);
   if (visibility.count == 0) return bind_volume_texture(volume_unit::empty, GL_TEXTURE_3D, 0);
   const BrickMaxima& maxima = *frame.source.volume_maxima;
   bind_volume_texture(volume_unit::empty, GL_TEXTURE_3D, frame.source.empty_space->texture());

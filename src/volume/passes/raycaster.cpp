@@ -62,7 +62,6 @@ void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame
   use_volume_program(program, frame);
   const bool surface = frame.surface_shown();
   bind_volume_texture(volume_unit::surface, GL_TEXTURE_2D, surface ? surface_positions_.texture() : 0);
-  glUniform1i(program.ray().backTex, volume_unit::surface);
   glUniform1i(program.ray().endsOnSurface, surface ? 1 : 0);
   glUniform1f(program.ray().boxEnd, 0.5F * frame.box.end() + 0.5F);
   const int slices = std::min(frame.settings.slices, most_slices);
@@ -72,7 +71,6 @@ void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame
   const glm::vec4 eye = eye_in_model(frame.camera);
   glUniform4fv(program.ray().eye, 1, glm::value_ptr(glm::vec4(0.5F * (glm::vec3(eye) + eye.w), eye.w)));
   bind_volume_texture(volume_unit::sample_color, GL_TEXTURE_2D, frame.main_colormap().sample_texture());
-  glUniform1i(program.ray().sampleColorTex, volume_unit::sample_color);
   set_looks(program.ray(), frame);
   if (frame.settings.volume_mode == VolumeMode::dual_coloring) set_secondary(program, frame);
 }
@@ -83,8 +81,6 @@ void Raycaster::set_secondary(const RaycastingProgram& program, const VolumeFram
   bind_volume_texture(volume_unit::color2, GL_TEXTURE_1D, colormap.texture());
   bind_volume_texture(volume_unit::secondary, GL_TEXTURE_3D, frame.source.secondary);
   const auto& at = program.at();
-  glUniform1i(at.colorTex2, volume_unit::color2);
-  glUniform1i(at.secondaryTex, volume_unit::secondary);
   glUniform1f(at.lowerValue2, colormap.lower());
   glUniform1f(at.upperValue2, colormap.upper());
   glUniform1f(at.secondarySlice, (static_cast<float>(frame.settings.secondary_slice_index) + 0.5F) /
@@ -96,7 +92,8 @@ void Raycaster::draw_front_faces(const RaycastingProgram& program, const VolumeF
   const gl::Blending blending;
   // Where something opaque lies before the volume, the program knows: a test of depths would lose the rim of
   // the box to the polygon offset. The offset is for the lines on the box, which are tested against it.
-  const gl::DepthTest depth(GL_ALWAYS, true, {1.0F, 4.0F});
+  const gl::DepthTest depth(GL_ALWAYS, true);
+  const gl::PolygonOffset offset(1.0F, 4.0F);
   const gl::FaceCulling culling(GL_BACK, frame.front_winding());
   box.draw(frame.box);
   // To a viewer in the box all its faces are back faces.

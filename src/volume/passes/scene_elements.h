@@ -5,7 +5,7 @@
 #include <exception>
 #include <memory>
 #include <optional>
-#include <utility>
+#include <vector>
 
 #include "gl/geometry.h"
 #include "volume/frame/volume_frame.h"
@@ -15,53 +15,72 @@
 
 namespace oct {
 
-// Elements are parted: before the volume comes what lies behind it, and after it what lies in front.
-enum class ElementPass { behind, in_front };
-
+// Elements are parted: before the volume comes what lies behind it, and after it what lies in front. The box's lines
+// and panes are one buffer, all ticks another and all labels a third, which are uploaded when they change.
 class SceneElements {
  public:
   SectionalView sectional_view;
 
-  void draw_translucent(const VolumeFrame& frame, ElementPass pass);
+  // The first half of a frame.
+  void draw_behind(const VolumeFrame& frame);
 
-  // Edges, and in front scale marks, which lie beside the box, by the frame flags. Without any font on the
-  // machine marks have no labels; that is thrown once everything else is drawn.
-  void draw_frame(const VolumeFrame& frame, ElementPass pass);
+  // Of the same frame. Scale marks, which lie beside the box, are made here and come last. Without any font on the
+  // machine they have no labels; that is thrown once everything else is drawn.
+  void draw_in_front(const VolumeFrame& frame);
 
-  void draw_clip_plane_border(const VolumeFrame& frame, ElementPass pass);
-  void draw_removed_segment(const VolumeFrame& frame, ElementPass pass);  // before and after the rays
   void release();  // deletes the OpenGL objects and the text renderers
 
  private:
-  struct Fonts {
-    explicit Fonts(int line_height)
-        : height(line_height), numbers(line_height, false), captions(line_height, true) {}
-    int height;
-    FontRenderer numbers;
-    FontRenderer captions;
+  class Brush;
+
+  // Vertices, uploaded when they are not those that OpenGL has accepted last.
+  class KeptVertices {
+   public:
+    void upload(const std::vector<glm::vec3>& vertices);
+    void bind() const { geometry_.bind(); }
+    void release();
+
+   private:
+    gl::Geometry geometry_;
+    std::optional<std::vector<glm::vec3>> accepted_;
+  };
+
+  // Of a buffer.
+  struct Part {
+    GLint first = 0;
+    GLsizei count = 0;
+  };
+  struct Layout {
+    std::vector<glm::vec3> vertices;
+    Part far_panes, near_panes, removed_panes;  // triangles
+    Part far_edges, near_edges, border;         // lines
+
+    Part add(const std::vector<glm::vec3>& part);
   };
 
   // The marks of the last frame, which the next one often needs again.
-  struct Layout {
+  struct Marks {
     Camera camera;
     glm::vec3 extent;
     ScaleMarks marks;
+    std::vector<Label> labels;
   };
 
-  void draw_edges(const VolumeFrame& frame, ElementPass pass);
-  void draw_scale_marks(const VolumeFrame& frame);
-  void draw_labels(const VolumeFrame& frame);
+  void arrange(const VolumeFrame& frame);
+  void provide_marks(const VolumeFrame& frame);
   void provide_fonts(int height);
-  const ScaleMarks& marks_of(const VolumeFrame& frame);
+  void update_marks(const VolumeFrame& frame);
 
-  gl::Geometry faces_;
-  gl::Geometry edges_;
-  gl::Geometry ticks_;
-  gl::Geometry border_;
-  gl::Geometry removed_;
-  std::unique_ptr<Fonts> fonts_;
+  void draw_border(Brush& brush, bool in_front) const;
+  void draw_removed_segment(Brush& brush) const;
+  void draw_scale_marks(const VolumeFrame& frame, Brush& brush) const;
+
+  Layout layout_;
+  KeptVertices box_;
+  KeptVertices ticks_;  // normalised device coordinates
+  std::unique_ptr<FontRenderer> fonts_;
   std::exception_ptr font_failure_;
-  std::optional<Layout> layout_;
+  std::optional<Marks> marks_;
 };
 
 }  // namespace oct

@@ -35,7 +35,8 @@ void SectionalView::draw(const VolumeFrame& frame) {
   use_volume_program(frame.programs.section(overlay), frame);
   slices_.set_vertices(std::span<const glm::vec3>(triangles));
   {
-    const gl::DepthTest depth(GL_LEQUAL, true, {1.0F, 2.0F});
+    const gl::DepthTest depth(GL_LEQUAL, true);
+    const gl::PolygonOffset offset(1.0F, 2.0F);
     slices_.draw(GL_TRIANGLES, 0, static_cast<GLsizei>(triangles.size()));
   }
   gl::throwOnGLError("VolumeRenderer::render_sectional_view");

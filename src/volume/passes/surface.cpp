@@ -31,7 +31,8 @@ void Surface::draw(const VolumeFrame& frame) {
   glUniform1i(program.colorTex, volume_unit::color);
   bind_volume_texture(volume_unit::color, GL_TEXTURE_1D, colormap.texture());
   {
-    const gl::DepthTest depth(GL_LEQUAL, true, {1.0F, 4.0F});
+    const gl::DepthTest depth(GL_LEQUAL, true);
+    const gl::PolygonOffset offset(1.0F, 4.0F);
     draw_mesh(frame);
   }
   gl::throwOnGLError("VolumeRenderer::render_surface");
@@ -51,7 +52,6 @@ void Surface::draw_mesh(const VolumeFrame& frame) {
   if (uploaded_ != mesh) upload(mesh);
   glFrontFace(frame.front_winding());
   geometry_.draw_indexed(GL_TRIANGLES, 0, static_cast<GLsizei>(mesh->triangles.size()));
-  glFrontFace(GL_CCW);
 }
 
 void Surface::release() {

@@ -1,17 +1,19 @@
 // Text labels of the volume scene: quads that face the screen and keep their size in pixels.
 #pragma once
 
-#include <cstdint>
-#include <map>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include <glm/mat4x4.hpp>
 #include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
 
+#include "gl/geometry.h"
 #include "gl/gl_names.h"
 #include "gl/shader.h"
-#include "volume/text/text_rasteriser.h"
+#include "volume/text/label_atlas.h"
+#include "volume/text/text_cache.h"
 
 namespace oct {
 
@@ -23,49 +25,52 @@ struct LabelView {
 };
 
 struct Label {
-  std::string text;
+  StyledText text;
   glm::vec3 anchor{0.0F};  // model coordinates
   glm::vec2 offset{0.0F};  // pixels from the anchor's projection to the text's lower left corner
+  bool operator==(const Label&) const = default;
 };
 
-// One font; lives in the context that was current when it was made. Every distinct text is rasterised once while
-// it is in use: of those that nobody asked for lately only so many are kept.
+// An upright font, and a bold and italic one, of the same height. All labels of a frame are one texture, one buffer
+// and one draw; what is shown again is not uploaded again. Lives in the context that was current when it was made.
 class FontRenderer {
  public:
-  // Height of a line in pixels; emphasis: bold and italic. Throws
-  // std::runtime_error, also when there is no font.
-  FontRenderer(int height, bool emphasis);
+  // Height of a line in pixels. Throws std::runtime_error, also when there is no font.
+  explicit FontRenderer(int height);
   ~FontRenderer();
   FontRenderer(const FontRenderer&) = delete;
   FontRenderer& operator=(const FontRenderer&) = delete;
 
-  // Size of a text on the screen in pixels.
-  glm::ivec2 size(const std::string& text) { return label(text).size; }
+  int height() const { return height_; }
 
-  // Draws over the current target, blended; the depth test stays as the caller has set it. Blending and
-  // texture unit 0 are left off and without a texture.
-  void draw(const Label& label, const glm::vec3& color, const LabelView& view);
+  // Of a text on the screen, in pixels.
+  glm::ivec2 size(const StyledText& text);
+
+  // What draw draws from now on. Throws std::runtime_error; then nothing is shown.
+  void show(const std::vector<Label>& labels);
+
+  // Over the current target; blending and the depth test are as the caller has set them. The caller asks for
+  // OpenGL's errors.
+  void draw(const glm::vec3& color, const LabelView& view) const;
 
  private:
-  struct CachedText {
-    gl::Texture texture;
-    glm::ivec2 size{0};
-    std::uint64_t last_use = 0;
-  };
+  const TextPicture& picture(const StyledText& text);
+  void upload_atlas(const std::vector<Label>& labels);
+  void upload_quads(const std::vector<Label>& labels);
 
-  const CachedText& label(const std::string& text);
-  void forget_oldest();
-  void create_quad();
-
-  TextRasteriser rasteriser_;
-  std::map<std::string, CachedText> texts_;
-  std::uint64_t uses_ = 0;
+  int height_;
+  TextCache upright_;
+  TextCache emphasised_;
   gl::Shader program_;
   struct Uniforms {
-    GLint projection, modelview, viewport, textureSize, offset, text_texture, text_color;
+    GLint projection, modelview, viewport, text_color;
   } uniforms_{};
-  gl::Buffer quad_;
-  gl::VertexArray vertex_array_;
+  gl::Texture texture_;
+  gl::Geometry quads_;
+  // What OpenGL has accepted.
+  std::optional<LabelAtlas> atlas_;
+  std::vector<Label> shown_;
+  GLsizei vertex_count_ = 0;
 };
 
 }  // namespace oct

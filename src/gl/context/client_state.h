@@ -5,28 +5,29 @@
 #include <optional>
 
 #include "gl/gl.h"
+#include "gl/pixel_store.h"
 
 namespace oct::gl {
 
-// How pixels go to and from memory, and what is bound to the first texture unit: what an upload needs.
-// While it lives memory is tightly packed, no pixel buffer is bound and the first unit is the active one.
-class TransferState {
+// What is bound to the first texture unit, which is the active one while it lives.
+class FirstTextureUnit {
  public:
-  TransferState();
-  ~TransferState();
-  TransferState(const TransferState&) = delete;
-  TransferState& operator=(const TransferState&) = delete;
+  FirstTextureUnit();
+  ~FirstTextureUnit();
+  FirstTextureUnit(const FirstTextureUnit&) = delete;
+  FirstTextureUnit& operator=(const FirstTextureUnit&) = delete;
 
  private:
-  std::array<GLint, 16> pixel_settings_{};
-  GLint unpack_buffer_ = 0;
-  GLint pack_buffer_ = 0;
   GLint active_unit_ = 0;
   std::array<GLint, 3> textures_{};
 };
 
-// What decides how something is drawn. While it lives this is as OpenGL starts, but for the target:
-// framebuffers, viewport and scissor are the client's to choose, and are given back as well.
+// What decides how something is drawn. While it lives this is as OpenGL starts, but for the target: framebuffers,
+// viewport and scissor are the client's to choose, and whoever draws elsewhere gives them back himself
+// (DrawTargetGuard).
+//
+// Every setting is asked for. Then it is set only where the client's is another, and given back only there and
+// where the library itself leaves another: a client's context mostly is as OpenGL starts.
 class DrawingState {
  public:
   DrawingState();
@@ -37,22 +38,22 @@ class DrawingState {
  private:
   void save();
   void reset() const;
+  void set_capabilities(bool enabled) const;  // those that the client has on
+  void set_polygon_modes() const;
+  bool has_other_polygon_mode() const;
+  bool masks_colors() const;
 
   bool compatibility_profile_ = false;
   bool has_clip_control_ = false;
 
-  std::array<bool, 27> enabled_{};
+  std::array<bool, 21> enabled_{};
   std::array<bool, 3> compatibility_enabled_{};
-
-  GLint draw_framebuffer_ = 0;
-  GLint read_framebuffer_ = 0;
-  std::array<GLint, 4> viewport_{};
 
   GLint program_ = 0;
   GLint vertex_array_ = 0;
   GLint array_buffer_ = 0;
-  std::array<GLint, 9> textures_{};  // of the units after the first
-  std::array<GLint, 10> samplers_{};
+  std::array<GLint, 6> textures_{};  // of the units after the first
+  std::array<GLint, 6> samplers_{};
 
   std::array<GLboolean, 4> color_mask_{};
   std::array<GLfloat, 4> clear_color_{};
@@ -71,7 +72,7 @@ class DrawingState {
 };
 
 // What an export holds while it works in a client's context. Without a context that is current and usable
-// it does nothing, and the call fails with its own text.
+// it does nothing, and the call fails with its own text. Exports upload and draw; none reads pixels back.
 class ClientState {
  public:
   enum class Use { transfer, drawing };
@@ -79,7 +80,8 @@ class ClientState {
   explicit ClientState(Use use);
 
  private:
-  std::optional<TransferState> transfer_;
+  std::optional<ClientUnpack> unpack_;
+  std::optional<FirstTextureUnit> textures_;
   std::optional<DrawingState> drawing_;
 };
 

@@ -1,19 +1,13 @@
-#include "gl/client_state.h"
+#include "gl/context/client_state.h"
 
+#include <cstddef>
 #include <exception>
 
-#include "gl/context/current_context.h"
+#include "gl/context/context_identity.h"
 #include "gl/context/opengl_loader.h"
-#include "gl/pixel_store.h"
 
 namespace oct::gl {
 namespace {
-
-constexpr std::array<GLenum, 16> pixel_settings{
-    GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST,   GL_UNPACK_ROW_LENGTH,  GL_UNPACK_IMAGE_HEIGHT,
-    GL_UNPACK_SKIP_ROWS,  GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_IMAGES, GL_UNPACK_ALIGNMENT,
-    GL_PACK_SWAP_BYTES,   GL_PACK_LSB_FIRST,     GL_PACK_ROW_LENGTH,    GL_PACK_IMAGE_HEIGHT,
-    GL_PACK_SKIP_ROWS,    GL_PACK_SKIP_PIXELS,   GL_PACK_SKIP_IMAGES,   GL_PACK_ALIGNMENT};
 
 struct TextureTarget {
   GLenum name;
@@ -25,28 +19,27 @@ constexpr TextureTarget block{GL_TEXTURE_3D, GL_TEXTURE_BINDING_3D};
 
 // What the programs of the renderers sample. The first unit serves uploads of every kind as well.
 constexpr std::array<TextureTarget, 3> first_unit{line, plane, block};
-constexpr std::array<TextureTarget, 9> further_units{line,  plane, block, line, line,
-                                                     block, block, plane, plane};
+struct UnitTarget {
+  GLuint unit;
+  TextureTarget target;
+};
+constexpr std::array<UnitTarget, 6> further_units{
+    {{1, line}, {1, plane}, {2, plane}, {3, block}, {4, line}, {5, block}}};
 
-// All off while the library draws. So is multisampling: beyond a silhouette, where a sample may lie that
-// its pixel's centre misses, a ray has no beginning and no end.
-constexpr std::array<GLenum, 27> capabilities{GL_BLEND,
+// All off while the library draws. So is multisampling: beyond a silhouette, where a sample may lie that its
+// pixel's centre misses, a ray has no beginning and no end. Without it coverage, masks and alpha of samples do
+// nothing, nor do the offsets of lines and points where polygons are filled.
+constexpr std::array<GLenum, 21> capabilities{GL_BLEND,
                                               GL_DEPTH_TEST,
                                               GL_CULL_FACE,
                                               GL_STENCIL_TEST,
                                               GL_COLOR_LOGIC_OP,
                                               GL_POLYGON_OFFSET_FILL,
-                                              GL_POLYGON_OFFSET_LINE,
-                                              GL_POLYGON_OFFSET_POINT,
                                               GL_LINE_SMOOTH,
                                               GL_POLYGON_SMOOTH,
                                               GL_FRAMEBUFFER_SRGB,
                                               GL_RASTERIZER_DISCARD,
                                               GL_PRIMITIVE_RESTART,
-                                              GL_SAMPLE_ALPHA_TO_COVERAGE,
-                                              GL_SAMPLE_ALPHA_TO_ONE,
-                                              GL_SAMPLE_COVERAGE,
-                                              GL_SAMPLE_MASK,
                                               GL_DEPTH_CLAMP,
                                               GL_MULTISAMPLE,
                                               GL_CLIP_DISTANCE0,
@@ -76,53 +69,47 @@ void set_enabled(GLenum capability, bool enabled) {
   enabled ? glEnable(capability) : glDisable(capability);
 }
 
-GLenum unit_after_first(std::size_t index) {
-  return GL_TEXTURE1 + static_cast<GLenum>(index);
+// Calls use(row, first) with the unit of each row active; first: of its unit.
+template <class Use>
+void for_each_further_unit(Use&& use) {
+  GLuint active = 0;
+  for (std::size_t i = 0; i < further_units.size(); ++i) {
+    const bool first = further_units[i].unit != active;
+    active = further_units[i].unit;
+    if (first) glActiveTexture(GL_TEXTURE0 + active);
+    use(i, first);
+  }
+  glActiveTexture(GL_TEXTURE0);
 }
 
-bool at_least(GLint major, GLint minor) {
-  const GLint found = integer(GL_MAJOR_VERSION);
-  return found > major || (found == major && integer(GL_MINOR_VERSION) >= minor);
-}
-
+// Where there is no context that can be worked in, the call finds out as well, and says so.
 bool usable() {
-  if (!is_context_current()) return false;
+  if (current_driver().card == 0) return false;
   try {
     require_opengl();
   } catch (const std::exception&) {
-    return false;  // the call finds out as well, and says so
+    return false;
   }
-  return at_least(3, 3) && glBindSampler;
+  return current_driver().version >= Version{3, 3} && glBindSampler;
 }
 
 }  // namespace
 
-TransferState::TransferState() {
-  for (std::size_t i = 0; i < pixel_settings.size(); ++i) pixel_settings_[i] = integer(pixel_settings[i]);
-  unpack_buffer_ = integer(GL_PIXEL_UNPACK_BUFFER_BINDING);
-  pack_buffer_ = integer(GL_PIXEL_PACK_BUFFER_BINDING);
-  active_unit_ = integer(GL_ACTIVE_TEXTURE);
-  glActiveTexture(GL_TEXTURE0);
+FirstTextureUnit::FirstTextureUnit() : active_unit_(integer(GL_ACTIVE_TEXTURE)) {
+  if (active_unit_ != GL_TEXTURE0) glActiveTexture(GL_TEXTURE0);
   for (std::size_t i = 0; i < first_unit.size(); ++i) textures_[i] = integer(first_unit[i].binding);
-  reset_pixel_unpack();
-  reset_pixel_pack();
-  glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
 }
 
-TransferState::~TransferState() {
-  glActiveTexture(GL_TEXTURE0);
+FirstTextureUnit::~FirstTextureUnit() {
+  glActiveTexture(GL_TEXTURE0);  // what failed may have left another
   for (std::size_t i = 0; i < first_unit.size(); ++i)
     glBindTexture(first_unit[i].name, name_of(textures_[i]));
-  glActiveTexture(static_cast<GLenum>(active_unit_));
-  glBindBuffer(GL_PIXEL_PACK_BUFFER, name_of(pack_buffer_));
-  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, name_of(unpack_buffer_));
-  for (std::size_t i = 0; i < pixel_settings.size(); ++i)
-    glPixelStorei(pixel_settings[i], pixel_settings_[i]);
+  if (active_unit_ != GL_TEXTURE0) glActiveTexture(static_cast<GLenum>(active_unit_));
 }
 
 DrawingState::DrawingState()
     : compatibility_profile_((integer(GL_CONTEXT_PROFILE_MASK) & GL_CONTEXT_COMPATIBILITY_PROFILE_BIT) != 0),
-      has_clip_control_(at_least(4, 5) && glClipControl) {
+      has_clip_control_(current_driver().version >= Version{4, 5} && glClipControl) {
   save();
   reset();
 }
@@ -132,19 +119,15 @@ void DrawingState::save() {
   for (std::size_t i = 0; compatibility_profile_ && i < compatibility_capabilities.size(); ++i) {
     compatibility_enabled_[i] = glIsEnabled(compatibility_capabilities[i]) == GL_TRUE;
   }
-  draw_framebuffer_ = integer(GL_DRAW_FRAMEBUFFER_BINDING);
-  read_framebuffer_ = integer(GL_READ_FRAMEBUFFER_BINDING);
-  glGetIntegerv(GL_VIEWPORT, viewport_.data());
 
   program_ = integer(GL_CURRENT_PROGRAM);
   vertex_array_ = integer(GL_VERTEX_ARRAY_BINDING);
   array_buffer_ = integer(GL_ARRAY_BUFFER_BINDING);
   samplers_[0] = integer(GL_SAMPLER_BINDING);
-  for (std::size_t i = 0; i < further_units.size(); ++i) {
-    glActiveTexture(unit_after_first(i));
-    textures_[i] = integer(further_units[i].binding);
-    samplers_[i + 1] = integer(GL_SAMPLER_BINDING);
-  }
+  for_each_further_unit([this](std::size_t row, bool first) {
+    textures_[row] = integer(further_units[row].target.binding);
+    if (first) samplers_[further_units[row].unit] = integer(GL_SAMPLER_BINDING);
+  });
 
   glGetBooleanv(GL_COLOR_WRITEMASK, color_mask_.data());
   glGetFloatv(GL_COLOR_CLEAR_VALUE, clear_color_.data());
@@ -164,75 +147,92 @@ void DrawingState::save() {
   if (has_clip_control_) clip_space_ = {integer(GL_CLIP_ORIGIN), integer(GL_CLIP_DEPTH_MODE)};
 }
 
-void DrawingState::reset() const {
-  for (const GLenum capability : capabilities) glDisable(capability);
-  for (std::size_t i = 0; compatibility_profile_ && i < compatibility_capabilities.size(); ++i) {
-    glDisable(compatibility_capabilities[i]);
+void DrawingState::set_capabilities(bool enabled) const {
+  for (std::size_t i = 0; i < capabilities.size(); ++i) {
+    if (enabled_[i]) set_enabled(capabilities[i], enabled);
   }
-  glUseProgram(0);
-  glBindVertexArray(0);
-  for (GLuint unit = 0; unit < samplers_.size(); ++unit) glBindSampler(unit, 0);
-  glActiveTexture(GL_TEXTURE0);
-  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-  glDepthMask(GL_TRUE);
-  glDepthFunc(GL_LESS);
-  glClearDepth(1.0);
-  glDepthRange(0.0, 1.0);
-  glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-  glPolygonOffset(0.0F, 0.0F);
-  glCullFace(GL_BACK);
-  glFrontFace(GL_CCW);
-  glLineWidth(1.0F);
-  if (has_clip_control_) glClipControl(GL_LOWER_LEFT, GL_NEGATIVE_ONE_TO_ONE);
+  for (std::size_t i = 0; i < compatibility_capabilities.size(); ++i) {
+    if (compatibility_enabled_[i]) set_enabled(compatibility_capabilities[i], enabled);
+  }
 }
 
-DrawingState::~DrawingState() {
-  for (std::size_t i = 0; i < capabilities.size(); ++i) set_enabled(capabilities[i], enabled_[i]);
-  for (std::size_t i = 0; compatibility_profile_ && i < compatibility_capabilities.size(); ++i) {
-    set_enabled(compatibility_capabilities[i], compatibility_enabled_[i]);
-  }
-  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, name_of(draw_framebuffer_));
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, name_of(read_framebuffer_));
-  glViewport(viewport_[0], viewport_[1], viewport_[2], viewport_[3]);
+bool DrawingState::masks_colors() const {
+  return color_mask_ != std::array<GLboolean, 4>{GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE};
+}
 
-  // One that was deleted while it was in use is gone as soon as another is used.
-  glUseProgram(glIsProgram(name_of(program_)) == GL_TRUE ? name_of(program_) : 0);
-  glBindVertexArray(name_of(vertex_array_));
-  glBindBuffer(GL_ARRAY_BUFFER, name_of(array_buffer_));
-  for (std::size_t i = 0; i < further_units.size(); ++i) {
-    glActiveTexture(unit_after_first(i));
-    glBindTexture(further_units[i].name, name_of(textures_[i]));
-  }
-  for (GLuint unit = 0; unit < samplers_.size(); ++unit) glBindSampler(unit, name_of(samplers_[unit]));
+// A core profile has one mode for both faces, and may leave the second without an answer.
+bool DrawingState::has_other_polygon_mode() const {
+  return polygon_modes_[0] != GL_FILL || (compatibility_profile_ && polygon_modes_[1] != GL_FILL);
+}
 
-  glColorMask(color_mask_[0], color_mask_[1], color_mask_[2], color_mask_[3]);
-  glClearColor(clear_color_[0], clear_color_[1], clear_color_[2], clear_color_[3]);
-  glBlendEquationSeparate(static_cast<GLenum>(blend_equations_[0]), static_cast<GLenum>(blend_equations_[1]));
-  glBlendFuncSeparate(static_cast<GLenum>(blend_factors_[0]), static_cast<GLenum>(blend_factors_[1]),
-                      static_cast<GLenum>(blend_factors_[2]), static_cast<GLenum>(blend_factors_[3]));
-  glDepthMask(depth_mask_);
-  glDepthFunc(static_cast<GLenum>(depth_function_));
-  glClearDepth(clear_depth_);
-  glDepthRange(depth_range_[0], depth_range_[1]);
-  // A core profile has one mode for both faces.
-  if (compatibility_profile_ && polygon_modes_[0] != polygon_modes_[1]) {
+void DrawingState::set_polygon_modes() const {
+  if (compatibility_profile_) {
     glPolygonMode(GL_FRONT, static_cast<GLenum>(polygon_modes_[0]));
     glPolygonMode(GL_BACK, static_cast<GLenum>(polygon_modes_[1]));
   } else {
     glPolygonMode(GL_FRONT_AND_BACK, static_cast<GLenum>(polygon_modes_[0]));
   }
+}
+
+void DrawingState::reset() const {
+  set_capabilities(false);
+  if (program_ != 0) glUseProgram(0);
+  if (vertex_array_ != 0) glBindVertexArray(0);
+  for (GLuint unit = 0; unit < samplers_.size(); ++unit) {
+    if (samplers_[unit] != 0) glBindSampler(unit, 0);
+  }
+  if (masks_colors()) glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+  if (blend_equations_ != std::array<GLint, 2>{GL_FUNC_ADD, GL_FUNC_ADD}) glBlendEquation(GL_FUNC_ADD);
+  if (depth_mask_ != GL_TRUE) glDepthMask(GL_TRUE);
+  if (depth_function_ != GL_LESS) glDepthFunc(GL_LESS);
+  if (clear_depth_ != 1.0) glClearDepth(1.0);
+  if (depth_range_ != std::array{0.0, 1.0}) glDepthRange(0.0, 1.0);
+  if (has_other_polygon_mode()) glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+  if (culled_face_ != GL_BACK) glCullFace(GL_BACK);
+  if (front_face_ != GL_CCW) glFrontFace(GL_CCW);
+  if (line_width_ != 1.0F) glLineWidth(1.0F);
+  if (has_clip_control_ && clip_space_ != std::array<GLint, 2>{GL_LOWER_LEFT, GL_NEGATIVE_ONE_TO_ONE})
+    glClipControl(GL_LOWER_LEFT, GL_NEGATIVE_ONE_TO_ONE);
+}
+
+DrawingState::~DrawingState() {
+  set_capabilities(true);
+
+  // One that was deleted while it was in use is gone as soon as another is used.
+  glUseProgram(program_ != 0 && glIsProgram(name_of(program_)) == GL_TRUE ? name_of(program_) : 0);
+  glBindVertexArray(name_of(vertex_array_));
+  glBindBuffer(GL_ARRAY_BUFFER, name_of(array_buffer_));
+  for_each_further_unit([this](std::size_t row, bool) {
+    glBindTexture(further_units[row].target.name, name_of(textures_[row]));
+  });
+  for (GLuint unit = 0; unit < samplers_.size(); ++unit) {
+    if (samplers_[unit] != 0) glBindSampler(unit, name_of(samplers_[unit]));
+  }
+
+  if (masks_colors()) glColorMask(color_mask_[0], color_mask_[1], color_mask_[2], color_mask_[3]);
+  glClearColor(clear_color_[0], clear_color_[1], clear_color_[2], clear_color_[3]);
+  if (blend_equations_ != std::array<GLint, 2>{GL_FUNC_ADD, GL_FUNC_ADD})
+    glBlendEquationSeparate(static_cast<GLenum>(blend_equations_[0]),
+                            static_cast<GLenum>(blend_equations_[1]));
+  glBlendFuncSeparate(static_cast<GLenum>(blend_factors_[0]), static_cast<GLenum>(blend_factors_[1]),
+                      static_cast<GLenum>(blend_factors_[2]), static_cast<GLenum>(blend_factors_[3]));
+  if (depth_mask_ != GL_TRUE) glDepthMask(depth_mask_);
+  glDepthFunc(static_cast<GLenum>(depth_function_));
+  if (clear_depth_ != 1.0) glClearDepth(clear_depth_);
+  if (depth_range_ != std::array{0.0, 1.0}) glDepthRange(depth_range_[0], depth_range_[1]);
+  if (has_other_polygon_mode()) set_polygon_modes();
   glPolygonOffset(polygon_offset_[0], polygon_offset_[1]);
   glCullFace(static_cast<GLenum>(culled_face_));
   glFrontFace(static_cast<GLenum>(front_face_));
-  glLineWidth(line_width_);
-  if (has_clip_control_) {
+  if (line_width_ != 1.0F) glLineWidth(line_width_);
+  if (has_clip_control_ && clip_space_ != std::array<GLint, 2>{GL_LOWER_LEFT, GL_NEGATIVE_ONE_TO_ONE})
     glClipControl(static_cast<GLenum>(clip_space_[0]), static_cast<GLenum>(clip_space_[1]));
-  }
 }
 
 ClientState::ClientState(Use use) {
   if (!usable()) return;
-  transfer_.emplace();
+  unpack_.emplace();
+  textures_.emplace();
   if (use == Use::drawing) drawing_.emplace();
 }
 

@@ -1,0 +1,6 @@
+#version 330 core
+
+#include "texel.glsl"
+#include "colormap.glsl"
+#include "image_in_fours.glsl"
+#include "overlay_main.glsl"
