@@ -64,7 +64,7 @@ void DisplayRenderer::DisplayProgram::build(TexelLayout layout) {
   displayTex = shader.uniform("displayTex");
   colorTex = shader.uniform("colorTex");
   textureSize = shader.uniform("textureSize");
-  texelCount = shader.uniform("texelCount");
+  texel_count = shader.uniform("texelCount");
   displaySize = shader.uniform("displaySize");
   dpp = shader.uniform("DPP");
   gamma = shader.uniform("gamma");
@@ -83,7 +83,7 @@ void DisplayRenderer::OverlayProgram::build(TexelLayout layout) {
   overlayTex = shader.uniform("overlayTex");
   colorTex = shader.uniform("colorTex");
   textureSize = shader.uniform("textureSize");
-  texelCount = shader.uniform("texelCount");
+  texel_count = shader.uniform("texelCount");
   displaySize = shader.uniform("displaySize");
   threshold = shader.uniform("threshold");
   flip = shader.uniform("flip");
@@ -229,7 +229,7 @@ void DisplayRenderer::draw_base(const Frame& frame, const TextureView& image) {
   glUniform1f(program.lowerValue, layer.lowerValue);
   glUniform1f(program.upperValue, layer.upperValue);
   set_extent(program.textureSize, extent);
-  set_extent(program.texelCount, texels_of(extent, image.layout));
+  set_extent(program.texel_count, texels_of(extent, image.layout));
   glUniform2f(program.displaySize, static_cast<float>(content.width), static_cast<float>(content.height));
   glUniform2f(program.dpp, samples(extent.depth, content.height), samples(extent.a_scans, content.width));
   glUniform1f(program.gamma, 1.0F);
@@ -249,7 +249,7 @@ void DisplayRenderer::draw_overlays(const Frame& frame, const TextureView& image
   bind_texture(display_unit, GL_TEXTURE_2D, image.texture);
   bind_texture(overlay_unit, GL_TEXTURE_2D, overlay.texture);
   set_extent(program.textureSize, image.extent);
-  set_extent(program.texelCount, texels_of(image.extent, image.layout));
+  set_extent(program.texel_count, texels_of(image.extent, image.layout));
   for (std::size_t i = 1; i < layer_count; ++i) {
     if (shown(layers[i])) draw_overlay(frame, program, i);
   }

@@ -109,7 +109,7 @@ class DisplayRenderer {
 
   struct DisplayProgram {
     gl::Shader shader;
-    GLint lowerValue, upperValue, displayTex, colorTex, textureSize, texelCount, displaySize, dpp, gamma,
+    GLint lowerValue, upperValue, displayTex, colorTex, textureSize, texel_count, displaySize, dpp, gamma,
         flip;
 
     void build(TexelLayout layout);
@@ -117,7 +117,7 @@ class DisplayRenderer {
 
   struct OverlayProgram {
     gl::Shader shader;
-    GLint lowerValue, upperValue, displayTex, overlayTex, colorTex, textureSize, texelCount, displaySize,
+    GLint lowerValue, upperValue, displayTex, overlayTex, colorTex, textureSize, texel_count, displaySize,
         threshold, flip;
 
     void build(TexelLayout layout);

@@ -12,8 +12,8 @@ namespace oct {
 
 void FilterChain::Pass::init(const char* name, const char* fragment_source) {
   program.load_to_program(std::string("filter_program_") + name, shaders::filter_vert, fragment_source);
-  inputTexture = program.uniform("inputTexture");
-  inputTextureSize = program.uniform("inputTextureSize");
+  input_texture = program.uniform("inputTexture");
+  input_texture_size = program.uniform("inputTextureSize");
   gl::throwOnGLError("AbstractOpenGLFilter::init");
 }
 
@@ -80,8 +80,8 @@ TextureView FilterChain::run(const TextureView& input, std::uint64_t revision, c
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, outputs_[last_].framebuffer.get());
     glBindTexture(GL_TEXTURE_2D, current.texture);
     pass.program.use();
-    glUniform1i(pass.inputTexture, 0);
-    glUniform2f(pass.inputTextureSize, static_cast<GLfloat>(input.extent.depth),
+    glUniform1i(pass.input_texture, 0);
+    glUniform2f(pass.input_texture_size, static_cast<GLfloat>(input.extent.depth),
                 static_cast<GLfloat>(input.extent.a_scans));
     quad.draw();
     gl::throwOnGLError("AbstractOpenGLFilter::draw");

@@ -37,8 +37,8 @@ class FilterChain {
  private:
   struct Pass {
     gl::Shader program;
-    GLint inputTexture = -1;
-    GLint inputTextureSize = -1;
+    GLint input_texture = -1;
+    GLint input_texture_size = -1;
 
     void init(const char* name, const char* fragment_source);
   };

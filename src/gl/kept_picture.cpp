@@ -101,11 +101,11 @@ void KeptPicture::make(GLsizei width, GLsizei height, GLenum depth) {
 void KeptPicture::copy_to(const std::array<GLint, 4>& viewport) const {
   const GLint x = viewport[0];
   const GLint y = viewport[1];
-  const GLint before = asked(GL_READ_FRAMEBUFFER_BINDING);
+  const auto before = static_cast<GLuint>(asked(GL_READ_FRAMEBUFFER_BINDING));
   glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_.get());
   glBlitFramebuffer(0, 0, width_, height_, x, y, x + width_, y + height_,
                     GL_COLOR_BUFFER_BIT | (depth_ ? GL_DEPTH_BUFFER_BIT : 0U), GL_NEAREST);
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(before));
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, before);
 }
 
 void KeptPicture::release() {

@@ -368,7 +368,6 @@ GLenum GLAPIENTRY __wrap_glGetError(void) {
 
 decltype(glGetString) __real_glGetString;
 const GLubyte* GLAPIENTRY __wrap_glGetString(GLenum query) {
-  if (spy) spy->count();
   const GLubyte* const text = __real_glGetString(query);
   if (spy) spy->enter("glGetString");
   const char* const answer = spy && text ? spy->text(query) : nullptr;
