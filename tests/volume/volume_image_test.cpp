@@ -107,7 +107,7 @@ TEST(VolumeImageTest, EveryCombination) {
 TEST(VolumeImageTest, Looks) {
   const Case looks[] = {{"lit",
                          [](auto& s) {
-                           s.lighting = {0.3, 0.8, 0.5};
+                           s.lighting = {0.3, 0.8, 2.0};
                          }},
                         {"opacity of a length", [](auto& s) { s.opacity_length = 0.05; }},
                         {"jittered", [](auto& s) { s.jitter = true, s.slices = 40; }},
@@ -124,6 +124,8 @@ TEST(VolumeImageTest, Looks) {
                          if (i % 5 == 4) s.coloring.upper = 0.6;
                          s.perspective = i % 2 == 0;
                          s.range = i < 5 ? std::array{1.5F, 2.0F, 2.5F} : std::array{0.7F, 3.0F, -1.2F};
+                         for (std::size_t v = 50; v < s.volume.voxels.size() && i > 4 && i < 8; v += 997)
+                           s.volume.voxels[v] = std::numeric_limits<float>::quiet_NaN();
                          look.change(s);
                        }});
     }
