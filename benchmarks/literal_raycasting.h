@@ -113,7 +113,8 @@ class Raycaster {
     glBindTexture(GL_TEXTURE_2D, texture_.get());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, viewport.width, viewport.height, 0, GL_RGBA, GL_FLOAT, nullptr);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, viewport.width, viewport.height, 0, GL_RGBA, GL_FLOAT,
+                 nullptr);
     const gl::DrawTargetGuard target;
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
     glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture_.get(), 0);

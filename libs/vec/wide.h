@@ -52,7 +52,8 @@ void raise_wide(float* maxima, const float* values, std::size_t count) {
   std::size_t i = 0;
   for (; i + 2 * width <= count; i += 2 * width) {
     const auto first = Register::maximum(Register::load(values + i), Register::load(maxima + i));
-    const auto second = Register::maximum(Register::load(values + i + width), Register::load(maxima + i + width));
+    const auto second =
+        Register::maximum(Register::load(values + i + width), Register::load(maxima + i + width));
     Register::store(maxima + i, first);
     Register::store(maxima + i + width, second);
   }

@@ -49,8 +49,8 @@ class FastOpenGLVolumeRenderer {
   VolumeUpload upload_;
   gl::ContextIdentity home_ = gl::no_context;  // where the textures and buffers are
   std::int32_t secondary_width_ = 0;
-  bool uploaded_ = false;            // since the texture was allocated
-  LiveDelivery delivery_;            // of the volume that is being uploaded
+  bool uploaded_ = false;                // since the texture was allocated
+  LiveDelivery delivery_;                // of the volume that is being uploaded
   std::unique_ptr<BrickMaxima> maxima_;  // of the volume in the texture; null: unknown
   EmptySpace empty_space_;
   std::optional<LiveTime> unshown_;  // when the volume was processed that no frame has shown yet

@@ -79,7 +79,7 @@ class Measurement {
   double lateral_range2_ = 0.0;
   const float* analog_samples_ = nullptr;
   std::int32_t secondary_width_ = 0;
-  LiveDelivery delivery_;  // of the next volume
+  LiveDelivery delivery_;      // of the next volume
   int lost_volumes_ = 0;       // that have been counted
   std::vector<float> depths_;  // of the surface
 };

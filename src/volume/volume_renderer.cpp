@@ -98,7 +98,9 @@ bool VolumeRenderer::show_again(const VolumeFrame& frame, const std::array<GLint
   const std::optional<GLenum> depth = gl::KeptPicture::depth_of_target();
   if (!depth) return false;
   try {
-    if (!picture_) picture_.keep(viewport[2], viewport[3], [&] { draw(frame); }, *depth);
+    if (!picture_)
+      picture_.keep(
+          viewport[2], viewport[3], [&] { draw(frame); }, *depth);
     gl::throwOnGLError("OfflineRendering::render");
   } catch (...) {
     picture_.release();

@@ -201,9 +201,10 @@ void replace_all() {
       OCT_WATCHED(BlendEquation), OCT_WATCHED(BlendFuncSeparate), OCT_WATCHED(BlitFramebuffer),
       OCT_WATCHED(DeleteSync), OCT_WATCHED(EnableVertexAttribArray), OCT_WATCHED(FenceSync),
       OCT_WATCHED(FramebufferRenderbuffer), OCT_WATCHED(MapBufferRange), OCT_WATCHED(ProgramParameteri),
-      OCT_WATCHED(ShaderSource), OCT_WATCHED(Uniform1f), OCT_WATCHED(Uniform1fv), OCT_WATCHED(Uniform1i), OCT_WATCHED(Uniform2f),
-      OCT_WATCHED(Uniform3f), OCT_WATCHED(Uniform3i), OCT_WATCHED(Uniform4f), OCT_WATCHED(Uniform4fv), OCT_WATCHED(UniformMatrix3fv),
-      OCT_WATCHED(UniformMatrix4fv), OCT_WATCHED(UseProgram), OCT_WATCHED(VertexAttribPointer);
+      OCT_WATCHED(ShaderSource), OCT_WATCHED(Uniform1f), OCT_WATCHED(Uniform1fv), OCT_WATCHED(Uniform1i),
+      OCT_WATCHED(Uniform2f), OCT_WATCHED(Uniform3f), OCT_WATCHED(Uniform3i), OCT_WATCHED(Uniform4f),
+      OCT_WATCHED(Uniform4fv), OCT_WATCHED(UniformMatrix3fv), OCT_WATCHED(UniformMatrix4fv),
+      OCT_WATCHED(UseProgram), OCT_WATCHED(VertexAttribPointer);
 #undef OCT_WATCHED
 #define OCT_COUNTED(name) replace<&__glew##name>(counted_pointer<&__glew##name>)
   OCT_COUNTED(BlendEquationSeparate), OCT_COUNTED(ClipControl), OCT_COUNTED(GetUniformLocation),
@@ -329,10 +330,10 @@ OCT_WATCH(glReadPixels,
           width, height, format, type, pixels)
 
 #define OCT_COUNT(result, function, parameters, ...) \
-  decltype(function) __real_##function;               \
-  result GLAPIENTRY __wrap_##function parameters {    \
-    if (spy) spy->count();                            \
-    return __real_##function(__VA_ARGS__);            \
+  decltype(function) __real_##function;              \
+  result GLAPIENTRY __wrap_##function parameters {   \
+    if (spy) spy->count();                           \
+    return __real_##function(__VA_ARGS__);           \
   }
 
 OCT_COUNT(GLboolean, glIsEnabled, (GLenum capability), capability)

@@ -209,7 +209,8 @@ TEST_F(SceneElementsTest, NothingIsLeftBehindAndNothingIsMadeTwice) {
       for (int i = 0; i < 2; ++i) stage.frame(201, 160, 2);
       expected[0] += 2;
       expected[2] += 4;
-      EXPECT_EQ(built(), expected) << "the surface's positions and depths and the kept picture have the viewport's size";
+      EXPECT_EQ(built(), expected)
+          << "the surface's positions and depths and the kept picture have the viewport's size";
       const std::string text = log_of([&] { stage.restart(); });
       EXPECT_TRUE(contains(text, "Unloading font renderer.\n"));
     }

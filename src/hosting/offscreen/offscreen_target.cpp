@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "core/console.h"
-#include "gl/pixel_store.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
+#include "gl/pixel_store.h"
 #include "hosting/host/opengl_host.h"
 
 namespace oct {

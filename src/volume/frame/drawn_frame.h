@@ -26,7 +26,9 @@ struct DrawnFrame {
   Viewport viewport;
 
  private:
-  static std::uint64_t newest(const gl::SliceRevisions* revisions) { return revisions ? revisions->newest() : 0; }
+  static std::uint64_t newest(const gl::SliceRevisions* revisions) {
+    return revisions ? revisions->newest() : 0;
+  }
 };
 
 }  // namespace oct

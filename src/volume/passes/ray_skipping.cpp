@@ -26,7 +26,8 @@ Visibility visibility_of(const VolumeFrame& frame) {
   const VolumeSource& source = frame.source;
   const VolumeColormap& main = frame.main_colormap();
   const VolumeMode mode = frame.settings.volume_mode;
-  if (!source.empty_space || !source.volume_maxima || frame.settings.slices <= 0 || !ascend(main)) return visibility;
+  if (!source.empty_space || !source.volume_maxima || frame.settings.slices <= 0 || !ascend(main))
+    return visibility;
   visibility.octants = octants_of(eye_in_model(frame.camera));
   if (mode == VolumeMode::mean) return visibility;  // every sample counts
   if (mode == VolumeMode::maximum) {
@@ -66,8 +67,8 @@ void set_empty_space(const RaycastingProgram::RayLocations& at, const VolumeFram
   const auto side = static_cast<float>(maxima.side());
   glUniform3i(at.grid, static_cast<GLint>(grid.depth), static_cast<GLint>(grid.a_scans),
               static_cast<GLint>(grid.b_scans));
-  glUniform3f(at.brickScale, static_cast<float>(extent.depth) / side, static_cast<float>(extent.a_scans) / side,
-              static_cast<float>(extent.b_scans) / side);
+  glUniform3f(at.brickScale, static_cast<float>(extent.depth) / side,
+              static_cast<float>(extent.a_scans) / side, static_cast<float>(extent.b_scans) / side);
   glUniform3f(at.brickOffset, 0.5F / side, 0.5F / side, 0.5F / side);
   glUniform1fv(at.limits, Visibility::most_limits, visibility.limits.data());
 }

@@ -11,6 +11,7 @@ namespace oct {
 Visibility prepare_empty_space(const VolumeFrame& frame);
 
 // Gives the tables to the program that is in use.
-void set_empty_space(const RaycastingProgram::RayLocations& at, const VolumeFrame& frame, const Visibility& visibility);
+void set_empty_space(const RaycastingProgram::RayLocations& at, const VolumeFrame& frame,
+                     const Visibility& visibility);
 
 }  // namespace oct

@@ -59,7 +59,8 @@ void BrickMaxima::take_b_scan(std::int64_t index, const BScan& b_scan) {
       vec::raise(columns_.data(), b_scan.values + a_scan * b_scan.stride, length);
     for (std::int64_t brick = 0; brick < grid_.depth; ++brick) {
       const float* const from = columns_.data() + brick * side_;
-      *maxima++ = *std::max_element(from, from + std::min<std::int64_t>(side_ + 1, extent_.depth - brick * side_));
+      *maxima++ =
+          *std::max_element(from, from + std::min<std::int64_t>(side_ + 1, extent_.depth - brick * side_));
     }
   }
   changed(index);

@@ -21,9 +21,9 @@ struct BrickGrid {
 
 // What a texture makes of the values.
 enum class BrickTexture {
-  edges,               // as they are, the outermost ones beyond the rim
+  edges,                // as they are, the outermost ones beyond the rim
   edges_in_half_float,  // rounded to 16 bits
-  border               // as they are, zeros beyond the rim
+  border                // as they are, zeros beyond the rim
 };
 
 // A brick is as many steps between voxel centres as `side`, so that it touches one voxel more; neighbours share
@@ -35,9 +35,9 @@ class BrickMaxima {
   BrickMaxima(const VolumeExtent& extent, int side, BrickTexture texture);
 
   struct BScan {
-    const float* values;     // depth fastest
-    std::int64_t stride;     // values from an A-scan to the next, of which the first `depth` are taken
-    float* copy = nullptr;   // where they go on their way, packed, past the caches; null: nowhere
+    const float* values;    // depth fastest
+    std::int64_t stride;    // values from an A-scan to the next, of which the first `depth` are taken
+    float* copy = nullptr;  // where they go on their way, packed, past the caches; null: nowhere
   };
   void take_b_scan(std::int64_t index, const BScan& b_scan);
   // The texture has lost them.
@@ -62,7 +62,9 @@ class BrickMaxima {
 
  private:
   std::size_t layer_size() const { return static_cast<std::size_t>(grid_.depth * grid_.a_scans); }
-  float* slice(std::int64_t index) { return b_scans_.data() + static_cast<std::size_t>(index) * layer_size(); }
+  float* slice(std::int64_t index) {
+    return b_scans_.data() + static_cast<std::size_t>(index) * layer_size();
+  }
   void changed(std::int64_t index);
   void merge(std::int64_t layer);
 

@@ -17,8 +17,8 @@ void upload(const BrickGrid& grid, std::size_t octant, int limit, const std::uin
   const auto a_scans = static_cast<GLsizei>(grid.a_scans);
   const auto b_scans = static_cast<GLsizei>(grid.b_scans);
   glTexSubImage3D(GL_TEXTURE_3D, 0, (octant & 1U) != 0 ? depth : 0, (octant & 2U) != 0 ? a_scans : 0,
-                  (2 * limit + ((octant & 4U) != 0 ? 1 : 0)) * b_scans, depth, a_scans, b_scans, GL_RED_INTEGER,
-                  GL_UNSIGNED_BYTE, sides);
+                  (2 * limit + ((octant & 4U) != 0 ? 1 : 0)) * b_scans, depth, a_scans, b_scans,
+                  GL_RED_INTEGER, GL_UNSIGNED_BYTE, sides);
 }
 
 }  // namespace
@@ -27,7 +27,8 @@ void EmptySpace::update(BrickMaxima& volume, BrickMaxima* overlay, const Visibil
   const Basis basis{volume.revision(), overlay ? overlay->revision() : 0, volume.grid(), visibility};
   const bool same = texture_ && basis.volume == basis_.volume && basis.overlay == basis_.overlay &&
                     basis.grid == basis_.grid && basis.visibility.same_limits(basis_.visibility);
-  if (same && std::ranges::equal(visibility.octants, made_, [](bool needed, bool made) { return made || !needed; }))
+  if (same &&
+      std::ranges::equal(visibility.octants, made_, [](bool needed, bool made) { return made || !needed; }))
     return;
   const TimingMark mark("render_raycasting::empty space");
   if (!same) begin_tables(basis, volume, overlay);
@@ -60,8 +61,9 @@ void EmptySpace::begin_tables(const Basis& basis, BrickMaxima& volume, BrickMaxi
     glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAX_LEVEL, 0);
     gl::reset_pixel_unpack();
     glTexImage3D(GL_TEXTURE_3D, 0, GL_R8UI, static_cast<GLsizei>(2 * basis.grid.depth),
-                 static_cast<GLsizei>(2 * basis.grid.a_scans), static_cast<GLsizei>(2 * basis.grid.b_scans * limits),
-                 0, GL_RED_INTEGER, GL_UNSIGNED_BYTE, nullptr);
+                 static_cast<GLsizei>(2 * basis.grid.a_scans),
+                 static_cast<GLsizei>(2 * basis.grid.b_scans * limits), 0, GL_RED_INTEGER, GL_UNSIGNED_BYTE,
+                 nullptr);
     gl::throwOnGLError("render_raycasting::empty space");
     allocated_ = basis.grid;
     allocated_limits_ = limits;
@@ -70,7 +72,8 @@ void EmptySpace::begin_tables(const Basis& basis, BrickMaxima& volume, BrickMaxi
   if (overlay) {
     const std::vector<float>& over = overlay->values();
     for (std::size_t i = 0; i < maxima_.size(); ++i)
-      maxima_[i] = maxima_[i] > basis.visibility.volume_limit ? std::numeric_limits<float>::infinity() : over[i];
+      maxima_[i] =
+          maxima_[i] > basis.visibility.volume_limit ? std::numeric_limits<float>::infinity() : over[i];
   }
   sides_.resize(maxima_.size());
   basis_ = basis;

@@ -17,7 +17,7 @@ Ways ways_of(float eye, float w) {
   constexpr float margin = 1e-3F;
   const float reach = w == 0.0F ? margin : std::abs(w) * (1.0F + margin);
   const float from = w < 0.0F ? -eye : eye;
-  return {from < reach, from > -reach};
+  return {from<reach, from> - reach};
 }
 
 }  // namespace

@@ -56,7 +56,8 @@ class Ray {
     const glm::dvec3 step = way * (1.0 / glm::length(way) * 1.7320508 / scene.slices);
     const glm::dvec3 front = 0.5 * from + 0.5;
     const double end = glm::length(way) - beyond;
-    glm::dvec3 place = front + std::min(offset, std::max(end, 0.0) / glm::length(step)) * step;
+    glm::dvec3 place = front;
+    if (offset > 0.0) place += std::min(offset, std::max(end, 0.0) / glm::length(step)) * step;
     sight_ = step * extent_;
     for (int i = 0; i <= scene.slices && !reaches_end_; ++i) {
       places_.push_back(place);
