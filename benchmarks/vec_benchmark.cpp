@@ -97,9 +97,9 @@ void against_memcpy(benchmark::State& state, InstructionSet set, std::size_t kep
   const Routines routines = routines_of(set);
   const auto variant = [&] {
     if (kept == samples) {
-      routines.copy(destination, from.data(), a_scans * samples, a_scans * samples);
+      routines.copy(destination, from.data(), a_scans * samples);
     } else {
-      routines.crop_copy(destination, from.data(), a_scans, samples, kept);
+      routines.crop_copy(destination, from.data(), a_scans, samples, kept, a_scans * kept);
     }
   };
   const auto plain = [&] {

@@ -42,10 +42,9 @@ void copy_block(float* destination, const float* source, std::size_t count, bool
 // Where rows are cropped, the processor's own prefetching runs on into what is left out.
 template <class Line>
 void copy_cropped(float* destination, const float* source, std::size_t a_scans, std::size_t source_samples,
-                  std::size_t kept_samples, std::size_t streamed_bytes) {
+                  std::size_t kept_samples, bool streamed) {
   if (kept_samples == 0) return;
   constexpr std::size_t rows_ahead = 2;
-  const bool streamed = a_scans * kept_samples * sizeof(float) >= streamed_bytes;
   for (std::size_t a_scan = 0; a_scan < a_scans; ++a_scan) {
     float* const to = destination + a_scan * kept_samples;
     const float* const from = source + a_scan * source_samples;

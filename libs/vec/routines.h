@@ -9,8 +9,8 @@ namespace oct::vec {
 enum class InstructionSet { scalar, sse, sse2, sse41, avx, f16c };
 
 struct Routines {
-  void (*copy)(float*, const float*, std::size_t, std::size_t);
-  void (*crop_copy)(float*, const float*, std::size_t, std::size_t, std::size_t);
+  void (*copy)(float*, const float*, std::size_t);
+  void (*crop_copy)(float*, const float*, std::size_t, std::size_t, std::size_t, std::size_t);
   Extremes (*extremes)(const float*, std::size_t);
   void (*raise)(float*, const float*, std::size_t);
   std::size_t (*count_not_above)(const float*, std::size_t, float);

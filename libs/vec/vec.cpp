@@ -61,13 +61,14 @@ Routines routines_of(InstructionSet set) {
   return routines;
 }
 
-void copy(float* destination, const float* source, std::size_t count, std::size_t whole) {
-  best().copy(destination, source, count, whole > count ? whole : count);
+void copy(float* destination, const float* source, std::size_t count) {
+  best().copy(destination, source, count);
 }
 
 void crop_copy(float* destination, const float* source, std::size_t a_scans, std::size_t source_samples,
-               std::size_t kept_samples) {
-  best().crop_copy(destination, source, a_scans, source_samples, kept_samples);
+               std::size_t kept_samples, std::size_t whole) {
+  const std::size_t count = a_scans * kept_samples;
+  best().crop_copy(destination, source, a_scans, source_samples, kept_samples, whole > count ? whole : count);
 }
 
 Extremes extremes(const float* values, std::size_t count) {

@@ -11,13 +11,12 @@ namespace oct::vec {
 
 // Copies count floats. Large blocks go past the caches, whose content they would displace: right for buffers
 // of the graphics driver, which may be write-combined, and for whatever is not read again at once.
-// A part of a larger copy says how many floats the whole has.
-void copy(float* destination, const float* source, std::size_t count, std::size_t whole = 0);
+void copy(float* destination, const float* source, std::size_t count);
 
 // Of each of a_scans rows of source_samples floats, copies the first kept_samples; the destination is packed.
-// Stores as copy() does.
+// Stores as copy() does; a part of a larger block says how many floats of it are copied altogether.
 void crop_copy(float* destination, const float* source, std::size_t a_scans, std::size_t source_samples,
-               std::size_t kept_samples);
+               std::size_t kept_samples, std::size_t whole = 0);
 
 struct Extremes {
   float lowest;   // infinity where there is no number

@@ -75,13 +75,14 @@ struct Line {
   static void finish() { _mm_sfence(); }
 };
 
-void copy_avx(float* destination, const float* source, std::size_t count, std::size_t whole) {
-  copy_block<Line>(destination, source, count, whole * sizeof(float) >= streamed_bytes);
+void copy_avx(float* destination, const float* source, std::size_t count) {
+  copy_block<Line>(destination, source, count, count * sizeof(float) >= streamed_bytes);
 }
 
 void crop_copy_avx(float* destination, const float* source, std::size_t a_scans, std::size_t source_samples,
-                   std::size_t kept_samples) {
-  copy_cropped<Line>(destination, source, a_scans, source_samples, kept_samples, streamed_bytes);
+                   std::size_t kept_samples, std::size_t whole) {
+  copy_cropped<Line>(destination, source, a_scans, source_samples, kept_samples,
+                     whole * sizeof(float) >= streamed_bytes);
 }
 
 void to_uint16_avx(std::uint16_t* destination, const float* values, std::size_t count, float factor,

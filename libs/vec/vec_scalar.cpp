@@ -10,14 +10,14 @@ namespace {
 
 constexpr float infinity = __builtin_inff();
 
-void copy_scalar(float* destination, const float* source, std::size_t count, std::size_t) {
+void copy_scalar(float* destination, const float* source, std::size_t count) {
   if (count > 0) std::memcpy(destination, source, count * sizeof(float));
 }
 
 void crop_copy_scalar(float* destination, const float* source, std::size_t a_scans,
-                      std::size_t source_samples, std::size_t kept_samples) {
+                      std::size_t source_samples, std::size_t kept_samples, std::size_t) {
   for (std::size_t a_scan = 0; a_scan < a_scans; ++a_scan) {
-    copy_scalar(destination + a_scan * kept_samples, source + a_scan * source_samples, kept_samples, 0);
+    copy_scalar(destination + a_scan * kept_samples, source + a_scan * source_samples, kept_samples);
   }
 }
 

@@ -17,8 +17,8 @@ struct Line {
   static void finish() { _mm_sfence(); }
 };
 
-void copy_sse(float* destination, const float* source, std::size_t count, std::size_t whole) {
-  copy_block<Line>(destination, source, count, whole * sizeof(float) >= streamed_bytes);
+void copy_sse(float* destination, const float* source, std::size_t count) {
+  copy_block<Line>(destination, source, count, count * sizeof(float) >= streamed_bytes);
 }
 
 }  // namespace

@@ -336,7 +336,7 @@ void expect_copied(const Routines& routines, std::size_t count, std::size_t sour
                    std::size_t offset) {
   GuardedArray<float> source = numbered(count, source_offset);
   GuardedArray<float> destination(count, offset);
-  routines.copy(destination.data(), source.data(), count, count);
+  routines.copy(destination.data(), source.data(), count);
   EXPECT_TRUE(destination == source && destination.is_intact_around())
       << count << " floats from " << source_offset << " to " << offset;
 }
@@ -345,7 +345,7 @@ void expect_cropped(const Routines& routines, std::size_t a_scans, std::size_t s
                     std::size_t offset) {
   GuardedArray<float> source = numbered(a_scans * samples, 3);
   GuardedArray<float> destination(a_scans * kept, offset);
-  routines.crop_copy(destination.data(), source.data(), a_scans, samples, kept);
+  routines.crop_copy(destination.data(), source.data(), a_scans, samples, kept, a_scans * kept);
   std::size_t wrong = 0;
   for (std::size_t i = 0; i < a_scans; ++i) {
     const float* const a_scan = destination.data() + i * kept;

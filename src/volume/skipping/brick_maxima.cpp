@@ -52,8 +52,11 @@ void BrickMaxima::take_b_scan(std::int64_t index, const BScan& b_scan) {
     const std::int64_t first = row * side_;
     const std::int64_t end = std::min(first + side_ + 1, extent_.a_scans);
     const std::int64_t next = row + 1 < grid_.a_scans ? first + side_ : end;
-    for (std::int64_t a_scan = first; b_scan.copy && a_scan < next; ++a_scan)
-      vec::copy(b_scan.copy + a_scan * extent_.depth, b_scan.values + a_scan * b_scan.stride, length, whole);
+    if (b_scan.copy) {
+      vec::crop_copy(b_scan.copy + first * extent_.depth, b_scan.values + first * b_scan.stride,
+                     static_cast<std::size_t>(next - first), static_cast<std::size_t>(b_scan.stride), length,
+                     whole);
+    }
     std::fill(columns_.begin(), columns_.end(), nothing);
     for (std::int64_t a_scan = first; a_scan < end; ++a_scan)
       vec::raise(columns_.data(), b_scan.values + a_scan * b_scan.stride, length);
