@@ -215,8 +215,8 @@ OCT_API void setVolumeMode(VolumeRendererHandle Handle, int Mode);
  * overlay that mode 0 lays over the result is not lit.
  *
  * 0, 0, 0 (the start) means no light, as 1, 0, 0 does: pictures are those of a renderer that knows none, to the byte
- * and in the same time. A good start is 0.3, 0.7, 0.2. With light a ray takes seven samples where it took one, and
- * the first frame builds a program.
+ * and in the same time. A good start is 0.3, 0.7, 0.2. With light a ray takes seven samples where it took one,
+ * and a frame about three and a half times the time; the first one builds a program.
  * @param Handle The renderer.
  * @param Ambient Share of the colour that is there without light, 0 to 1000000.
  * @param Diffuse Share of the colour that faces the viewer, 0 to 1000000.
