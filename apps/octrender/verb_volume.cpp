@@ -25,7 +25,8 @@ depth fastest and B-scans slowest. Samples keep their values.
 
 Modes: composite shows voxels with the opacity of the ramp, maximum and mean what a ray
 meets on its way, sections three slices. The opacity of a composite rises with the square
-of the value, up to --opacity per step of a ray.
+of the value, up to --opacity per step of a ray, or per --opacity-length, whatever the
+number of --slices. --light shows its shapes: it shades where values change.
 
 An automatic range starts where most voxels are noise or air: at the 60th percentile for
 a composite, at the 1st otherwise; it ends at the 99.8th, of a mean at the 98th.
@@ -38,6 +39,7 @@ understood, 4 output cannot be written.
 Examples:
   octrender volume skin.npy -o skin.png --extent 2.5 6 6
   octrender volume skin.npy -o skin.png --extent 2.5 6 6 --clip 0.4 --colormap inferno
+  octrender volume skin.npy -o skin.png --extent 2.5 6 6 --light 0.3 0.7 0.2 --opacity-length 0.05
   octrender volume skin.npy -o skin.png --mode sections --sections 0.5 off 0.5
   octrender volume scan.raw -o scan.png --raw 512x400x300:u2 --mode maximum
   octrender volume skin.npy -o turn.png --turntable 72

@@ -57,6 +57,14 @@ void add_view_options(CLI::App& verb, VolumeOptions& options) {
   verb.add_option("--slices", options.slices, "Steps of a ray along the diagonal")
       ->check(CLI::Range(1, 4096).description(""))
       ->capture_default_str();
+  verb.add_option(
+          "--light", options.light,
+          "Light composites from the eye, in three shares: light\nfrom everywhere, from the front, and "
+          "white highlights;\n0.3 0.7 0.2 is a good start")
+      ->type_name("A D S")
+      ->expected(3)
+      ->check(CLI::Range(0.0, 1e6).description(""));
+  verb.add_flag("--jitter", options.jitter, "Grain in place of the rings that few slices draw");
 }
 
 void add_color_options(CLI::App& verb, VolumeOptions& options, const std::string& default_colors) {
@@ -70,6 +78,11 @@ void add_color_options(CLI::App& verb, VolumeOptions& options, const std::string
   verb.add_option("--opacity", options.opacity, "Highest opacity of one step of a ray, 0 to 1")
       ->check(CLI::Range(0.0, 1.0).description(""))
       ->capture_default_str();
+  verb.add_option(
+          "--opacity-length", options.opacity_length,
+          "Make it the opacity of so many millimetres of tissue\n(of voxels, where they count as cubes)")
+      ->type_name("MM")
+      ->check(CLI::Range(0.0, 1e6).description(""));
   verb.add_option("--background", options.background, "Colours at the bottom and at the top")
       ->type_name("RRGGBB RRGGBB")
       ->expected(2)
@@ -106,6 +119,9 @@ VolumeView view_of(const VolumeOptions& options) {
   view.zoom = options.zoom.value_or(options.orthographic ? orthographic_zoom : perspective_zoom);
   view.perspective = !options.orthographic;
   view.slices = options.slices;
+  for (std::size_t i = 0; i < options.light.size(); ++i) view.lighting[i] = options.light[i];
+  view.jitter = options.jitter;
+  view.opacity_length = options.opacity_length;
   if (options.clip) view.clip = ClipSetting{*options.clip, options.clip_open, options.clip_ghost};
   view.sections = parse_sections(options.sections);
   view.edges = !options.no_edges;

@@ -20,6 +20,9 @@ struct VolumeOptions {
   std::optional<double> zoom;
   bool orthographic = false;
   int slices = 256;
+  std::vector<double> light;
+  bool jitter = false;
+  double opacity_length = 0;
   std::optional<NumberPair> range;
   std::string colormap;
   bool reverse = false;

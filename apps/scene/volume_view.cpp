@@ -46,6 +46,9 @@ void set_view(VolumeRendererHandle renderer, const VolumeView& view) {
   checked(setZoom, renderer, view.zoom);
   checked(setUsePerspective, renderer, view.perspective);
   checked(setRenderingSlices, renderer, view.slices);
+  checked(setVolumeLighting, renderer, view.lighting[0], view.lighting[1], view.lighting[2]);
+  checked(setRayJitter, renderer, int{view.jitter});
+  checked(setOpacityLength, renderer, view.opacity_length);
   checked(setRenderingMode, renderer, int{view.look == VolumeLook::sections});
   checked(setVolumeMode, renderer, volume_mode(view));
   const auto& [first, second, third] = view.sections;

@@ -28,6 +28,9 @@ struct VolumeView {
   double zoom = 40;
   bool perspective = true;
   int slices = 256;
+  std::array<double, 3> lighting{};  // ambient, diffuse, specular; all 0: none
+  bool jitter = false;               // of the rays' first samples
+  double opacity_length = 0;         // in millimetres; 0: opacities are those of a step
   std::optional<ClipSetting> clip;
   std::array<std::optional<float>, 3> sections{0.5F, 0.5F,
                                                0.5F};  // across A-scans, depth, B-scans; none: hidden

@@ -90,6 +90,18 @@ void setVolumeMode(VolumeRendererHandle Handle, int Mode) {
   guarded(__func__, [&] { renderer(Handle).set_volume_mode(Mode); });
 }
 
+void setVolumeLighting(VolumeRendererHandle Handle, double Ambient, double Diffuse, double Specular) {
+  guarded(__func__, [&] { renderer(Handle).set_lighting(Ambient, Diffuse, Specular); });
+}
+
+void setRayJitter(VolumeRendererHandle Handle, int Enable) {
+  guarded(__func__, [&] { renderer(Handle).set_ray_jitter(Enable != 0); });
+}
+
+void setOpacityLength(VolumeRendererHandle Handle, double Millimetres) {
+  guarded(__func__, [&] { renderer(Handle).set_opacity_length(Millimetres); });
+}
+
 void setSectionalView(VolumeRendererHandle Handle, int Show1, float Position1, int Show2, float Position2,
                       int Show3, float Position3) {
   guarded(__func__, [&] {

@@ -48,6 +48,11 @@ class VolumeRenderer {
   void set_volume_mode(int mode);
   void set_render_elements(bool volume, bool surface);
 
+  // Looks
+  void set_lighting(double ambient, double diffuse, double specular);
+  void set_ray_jitter(bool jitter);
+  void set_opacity_length(double millimetres);
+
   // Scene
   void set_sectional_view(const Sections& sections);
   void set_clip_plane(bool enable, bool open_cut, float value);

@@ -1,4 +1,5 @@
 // The setters of the volume renderer.
+#include <cmath>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -62,6 +63,29 @@ void VolumeRenderer::set_render_elements(bool volume, bool surface) {
   const std::lock_guard lock(settings_mutex_);
   settings_.render_volume = volume;
   settings_.render_surface = surface;
+}
+
+void VolumeRenderer::set_lighting(double ambient, double diffuse, double specular) {
+  for (const double factor : {ambient, diffuse, specular}) {
+    if (!(factor >= 0.0 && factor <= 1e6)) {
+      throw std::invalid_argument("The factors of the lighting must be numbers from 0 to 1000000. ");
+    }
+  }
+  const std::lock_guard lock(settings_mutex_);
+  settings_.lighting = {static_cast<float>(ambient), static_cast<float>(diffuse),
+                        static_cast<float>(specular)};
+}
+
+void VolumeRenderer::set_ray_jitter(bool jitter) {
+  const std::lock_guard lock(settings_mutex_);
+  settings_.ray_jitter = jitter;
+}
+
+void VolumeRenderer::set_opacity_length(double millimetres) {
+  if (!(millimetres >= 0.0 && std::isfinite(millimetres)))
+    throw std::invalid_argument("The opacity length must be a finite number of millimetres, 0 or more. ");
+  const std::lock_guard lock(settings_mutex_);
+  settings_.opacity_length = millimetres;
 }
 
 void VolumeRenderer::set_sectional_view(const Sections& sections) {

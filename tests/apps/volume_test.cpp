@@ -52,11 +52,26 @@ TEST_F(Volume, RawSamplesGiveTheSamePicture) {
 TEST_F(Volume, EveryOptionDrawsAnotherPicture) {
   write(volume_where(6, 4, 5, [](int z, int a, int) { return z < 3 && a < 2; }));
   write_npy("heights.npy", "5, 4", std::vector<float>(20, 2.0F));
-  expect_other_pictures(
-      "", {"--mode mean", "--mode sections --sections 0.2 off 1", "--clip 0.5", "--clip 0.5 --clip-open",
-           "--clip 0.5 --clip-ghost", "--orthographic", "--zoom 20", "--extent 1 2 3", "--opacity 0.9",
-           "--reverse", "--surface heights.npy --surface-only", "--overlay in.npy", "--box", "--no-edges",
-           "--background FFFFFF FFFFFF", "--foreground 00FF00", "--transpose"});
+  expect_other_pictures("", {"--mode mean",
+                             "--mode sections --sections 0.2 off 1",
+                             "--clip 0.5",
+                             "--clip 0.5 --clip-open",
+                             "--clip 0.5 --clip-ghost",
+                             "--orthographic",
+                             "--zoom 20",
+                             "--extent 1 2 3",
+                             "--opacity 0.9",
+                             "--reverse",
+                             "--light 0.3 0.7 0.2",
+                             "--jitter",
+                             "--opacity-length 2",
+                             "--surface heights.npy --surface-only",
+                             "--overlay in.npy",
+                             "--box",
+                             "--no-edges",
+                             "--background FFFFFF FFFFFF",
+                             "--foreground 00FF00",
+                             "--transpose"});
   std::filesystem::remove("out.png");
   ASSERT_EQ(run("--turntable 4 --mode maximum"), 0) << error_text_;
   EXPECT_FALSE(std::filesystem::exists("out.png"));
@@ -82,6 +97,8 @@ TEST_F(Volume, RefusesWhatMakesNoSense) {
   expect_wrong("--sections", {"0.5 1.5 0.5"});
   expect_wrong("--extent", {"1 0 1"});
   expect_wrong("--clip", {"1.5"});
+  expect_wrong("--light", {"0.3 0.7", "0.3 -1 0"});
+  expect_wrong("--opacity-length", {"-1"});
   expect_wrong("--turntable", {"1"});
   expect_wrong("--secondary", {"in.npy --mode mean", "in.npy --overlay in.npy"});
   expect_error(2, "--clip-open", "--clip");

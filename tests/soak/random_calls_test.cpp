@@ -199,6 +199,9 @@ class Client {
               setRenderElements(handle, dice.flip(), dice.flip());
               setRenderingMode(handle, dice.below(3));
               setVolumeMode(handle, dice.below(5));
+              setVolumeLighting(handle, dice.real(), dice.real(), dice.real());
+              setRayJitter(handle, dice.flip());
+              setOpacityLength(handle, dice.real());
               setRenderingSlices(handle, dice.of({-1, 0, 1, 64}));
               setBorder(handle, dice.below(8) == 0, dice.flip(), dice.flip());
               setRendererColormap(handle, colors_.data(), dice.size());

@@ -76,6 +76,9 @@ void apply(const VolumeScene& scene, VolumeRendererHandle renderer) {
   setZoom(renderer, scene.zoom);
   setUsePerspective(renderer, scene.perspective);
   setRenderingSlices(renderer, scene.slices);
+  setVolumeLighting(renderer, scene.lighting[0], scene.lighting[1], scene.lighting[2]);
+  setRayJitter(renderer, scene.jitter);
+  setOpacityLength(renderer, scene.opacity_length);
   setRenderingMode(renderer, scene.sectional);
   setSectionalView(renderer, x.shown, x.position, y.shown, y.position, z.shown, z.position);
   setVolumeMode(renderer, scene.mode);

@@ -68,6 +68,9 @@ struct VolumeScene {
   bool perspective = true;
 
   int slices = 128;
+  std::array<double, 3> lighting{};  // ambient, diffuse, specular
+  bool jitter = false;
+  double opacity_length = 0.0;
   int mode = 0;
   Coloring coloring;
   Coloring overlay_coloring;

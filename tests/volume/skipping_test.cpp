@@ -93,6 +93,9 @@ VolumeScene random_scene(Choice& choice) {
   if (scene.mode == 3) scene.secondary = test_volume(2, height, depth);
   if (choice.one_of(3)) scene.overlay = sparse_volume(width, height, depth, choice), scene.content = 2;
   scene.slices = choice.of({1, 3, 17, 64, 128, 300});
+  if (choice.one_of(3)) scene.lighting = {0.3, 0.7, 0.4};
+  if (choice.one_of(3)) scene.opacity_length = 0.05;
+  scene.jitter = choice.one_of(3);
   scene.coloring = random_coloring(choice);
   scene.overlay_coloring = random_coloring(choice);
   scene.perspective = choice.one_of(2);

@@ -29,11 +29,11 @@ TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
       "The specified VolumeRendererHandle is invalid. ", deleteVolumeRenderer, initializeVolumeRenderer,
       uninitializeVolumeRenderer, clearVolumeRenderer, setAngles, setTranslation, setRange, setZoom,
       setRenderingSlices, setUsePerspective, setLateralVoxelsPerPixel, setRenderingMode, setVolumeMode,
-      setSectionalView, setClipPlane, fixClipPlane, setBorder, setRemoveSegment, setRenderElements,
-      setRenderBackground, setRenderForeground, setRendererColormap, setRendererSecondaryColormap,
-      setOverlayRendererColormap, setSurfaceColormap, setRendererColoringBoundaries,
-      setRendererSecondaryColoringBoundaries, setOverlayRendererColoringBoundaries,
-      setRendererSecondarySliceIndex, setSurface, setSurfaceDepths);
+      setVolumeLighting, setRayJitter, setOpacityLength, setSectionalView, setClipPlane, fixClipPlane,
+      setBorder, setRemoveSegment, setRenderElements, setRenderBackground, setRenderForeground,
+      setRendererColormap, setRendererSecondaryColormap, setOverlayRendererColormap, setSurfaceColormap,
+      setRendererColoringBoundaries, setRendererSecondaryColoringBoundaries,
+      setOverlayRendererColoringBoundaries, setRendererSecondarySliceIndex, setSurface, setSurfaceDepths);
   setVolumeMode(renderer_, 2);
   setRenderingMode(renderer_, 1);
   setSectionalView(renderer_, 1, 1.0F, 1, 0.0F, 1, 0.5F);
@@ -43,9 +43,19 @@ TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
   const std::string mode = "Invalid rendering mode selected.";
   const std::string position =
       "Slice positions of sectional view are out of range. Values must be in range from 0.0 to 1.0. ";
+  const std::string factor = "The factors of the lighting must be numbers from 0 to 1000000. ";
+  const std::string length = "The opacity length must be a finite number of millimetres, 0 or more. ";
   const float value = 1.0F;
   const auto h = renderer_;
+  setVolumeLighting(h, 1e6, 0.0, 0.5), setOpacityLength(h, 0.25), setRayJitter(h, -1);
+  expect_no_error();
   expect_refused({
+      {factor, [h] { setVolumeLighting(h, -0.1, 0.0, 0.0); }},
+      {factor, [h] { setVolumeLighting(h, 0.0, std::nan(""), 0.0); }},
+      {factor, [h] { setVolumeLighting(h, 0.0, 0.0, 1.1e6); }},
+      {length, [h] { setOpacityLength(h, -0.1); }},
+      {length, [h] { setOpacityLength(h, std::nan("")); }},
+      {length, [h] { setOpacityLength(h, HUGE_VAL); }},
       {mode, [h] { setVolumeMode(h, -1); }},
       {mode, [h] { setVolumeMode(h, 4); }},
       {mode, [h] { setRenderingMode(h, -1); }},
@@ -67,6 +77,9 @@ TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
   EXPECT_EQ(settings.volume_mode, VolumeMode::mean);
   EXPECT_EQ(settings.rendering_mode, RenderingMode::sectional_view);
   EXPECT_EQ(settings.slices, 128);
+  EXPECT_EQ(settings.lighting, (Lighting{1e6F, 0.0F, 0.5F}));
+  EXPECT_EQ(settings.opacity_length, 0.25);
+  EXPECT_TRUE(settings.ray_jitter);
   EXPECT_EQ(settings.view.angle_x, -170.0F) << "angles are wrapped";
   EXPECT_EQ(settings.view.angle_y, 170.0F);
   EXPECT_EQ(settings.foreground, glm::vec4(0.2F, 0.4F, 0.6F, 1.0F)) << "colours are opaque";
@@ -327,6 +340,11 @@ TEST_F(VolumeFaultTest, AProgramIsBuiltWhenAFrameFirstNeedsIt) {
       {[&] { setRenderElements(renderer_, 1, 1); }, 1},                           // the surface
       {[&] { setRenderingMode(renderer_, 0), setVolumeMode(renderer_, 1); }, 1},  // rays that end on it
       {[&] { setVolumeMode(renderer_, 0); }, 0},
+      {[&] { setVolumeLighting(renderer_, 0.5, 0.5, 0.0); }, 1},
+      {[&] { setRayJitter(renderer_, 1), setOpacityLength(renderer_, 0.1); }, 1},
+      {[&] { setVolumeMode(renderer_, 1), setRayJitter(renderer_, 0); }, 0},  // no light and no opacity there
+      {[&] { setVolumeMode(renderer_, 0), setVolumeLighting(renderer_, 1.0, 0.0, 0.0); }, 1},
+      {[&] { setOpacityLength(renderer_, 0.0); }, 0},  // where all is off, the program that was built first
   };
   for (const auto& [change, built] : rows) {
     change();

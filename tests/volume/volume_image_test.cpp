@@ -103,6 +103,114 @@ TEST(VolumeImageTest, EveryCombination) {
   expect_pictures(cases);
 }
 
+// Light, opacity of a length and rays that begin at different places, of every mode and together.
+TEST(VolumeImageTest, Looks) {
+  const Case looks[] = {{"lit",
+                         [](auto& s) {
+                           s.lighting = {0.3, 0.8, 2.0};
+                         }},
+                        {"opacity of a length", [](auto& s) { s.opacity_length = 0.05; }},
+                        {"jittered", [](auto& s) { s.jitter = true, s.slices = 40; }},
+                        {"everything", [](auto& s) {
+                           s.lighting = {0.0, 1.0, 0.3}, s.opacity_length = 0.02, s.jitter = true;
+                         }}};
+  std::vector<Case> cases;
+  for (const Case& look : looks) {
+    for (int i = 0; i < 10; ++i) {
+      cases.push_back({look.name + ", case " + std::to_string(i), [&look, i](VolumeScene& s) {
+                         if (i % 5 == 1) add_overlay(s);
+                         if (i % 5 == 2) add_secondary(s);
+                         if (i % 5 > 2) s.mode = i % 5 - 2;
+                         if (i % 5 == 4) s.coloring.upper = 0.6;
+                         s.perspective = i % 2 == 0;
+                         s.range = i < 5 ? std::array{1.5F, 2.0F, 2.5F} : std::array{0.7F, 3.0F, -1.2F};
+                         for (std::size_t v = 50; v < s.volume.voxels.size() && i > 4 && i < 8; v += 997)
+                           s.volume.voxels[v] = std::numeric_limits<float>::quiet_NaN();
+                         look.change(s);
+                       }});
+    }
+  }
+  expect_pictures(cases);
+}
+
+// A ball in fog.
+VolumeScene smooth_scene() {
+  VolumeScene scene = scene_of({32, 32, 32, {}}, 97, 71, 25.0, -35.0);
+  for (int i = 0; i < 32 * 32 * 32; ++i) {
+    const double apart = std::hypot(i % 32 - 15.5, i / 32 % 32 - 15.5, i / 1024 - 15.5);
+    scene.volume.voxels.push_back(static_cast<float>(1.2 - apart / 20.0));
+  }
+  scene.coloring = {ramp_colors(256, 0.5), 0.0, 1.0};
+  scene.opacity_length = 0.1;
+  return scene;
+}
+
+// How two pictures differ in the means of 4 by 4 pixels, in levels: on average, and from one to the next.
+struct Difference {
+  double mean = 0.0;
+  double ripple = 0.0;
+};
+
+Difference difference(const Picture& one, const Picture& other) {
+  constexpr int side = 4;
+  Difference result;
+  int count = 0;
+  for (int y = 0; y + side <= one.height; y += side) {
+    double before = 0.0;
+    for (int x = 0; x + side <= one.width; x += side, ++count) {
+      double sum = 0.0;
+      for (int i = 0; i < 3 * side * side; ++i) {
+        const auto bgra = [&](const Picture& p) { return p.bgra(x + i / 3 % side, y + i / 3 / side); };
+        sum += (bgra(one)[static_cast<std::size_t>(i % 3)] - bgra(other)[static_cast<std::size_t>(i % 3)]) /
+               (3.0 * side * side);
+      }
+      result.mean += std::abs(sum);
+      if (x > 0) result.ripple += std::abs(sum - before);
+      before = sum;
+    }
+  }
+  return {result.mean / count, result.ripple / count};
+}
+
+TEST(VolumeImageTest, OpacityOfALengthKeepsThePictureWhateverTheSlicesAndTheExtent) {
+  VolumeStage stage;
+  VolumeScene scene = smooth_scene();
+  const auto with = [&](int slices, float scale, double length) {
+    scene.slices = slices, scene.opacity_length = length;
+    scene.range = {scale, 1.5F * scale, 0.8F * scale};
+    return stage.draw(scene);
+  };
+  const Tolerance few_levels{6, 0.99, 40, 2.0};
+  const Picture fine = with(512, 1.0F, 0.1);
+  EXPECT_TRUE(agree(with(64, 1.0F, 0.1), fine, few_levels));
+  EXPECT_TRUE(agree(with(512, 7.0F, 0.7), fine, {1, 0.999, 3})) << "tissue of another scale";
+  EXPECT_GT(difference(with(64, 1.0F, 0.0), with(512, 1.0F, 0.0)).mean, 5.0) << "without it";
+  EXPECT_GT(difference(with(512, 7.0F, 0.1), fine).mean, 5.0) << "more tissue of the same kind";
+  with(128, 1.0F, 1e-300), with(128, 1.0F, 1e300), with(0, 1.0F, 0.1), with(128, 0.0F, 0.1);
+  EXPECT_EQ(pending_error(), "(none)");
+}
+
+TEST(VolumeImageTest, JitterTurnsRingsIntoEvenGrain) {
+  VolumeStage stage;
+  VolumeScene scene = smooth_scene();
+  scene.zoom = 12.0;
+  scene.coloring.lower = 0.6;  // the ball alone
+  scene.coloring.upper = 0.8;
+  scene.opacity_length = 0.02;
+  const auto with = [&](int slices, bool jitter) {
+    scene.slices = slices, scene.jitter = jitter;
+    return stage.draw(scene);
+  };
+  const Picture fine = with(8 * 24, false);
+  const Difference rings = difference(with(24, false), fine);
+  const Picture once = with(24, true);
+  const Difference grain = difference(once, fine);
+  EXPECT_LT(grain.ripple, 0.5 * rings.ripple);
+  EXPECT_LT(grain.mean, 1.1 * rings.mean) << "no brighter and no darker";
+  with(24, false);
+  EXPECT_TRUE(agree(with(24, true), once, exact)) << "it does not flicker";
+}
+
 // A mean along no steps divides by zero; what that looks like is the driver's choice.
 TEST(VolumeImageTest, Slices) {
   std::vector<Case> cases;

@@ -26,6 +26,7 @@ void set_everything(VolumeRendererHandle h, int i) {
   setRendererColoringBoundaries(h, 0.0, 0.1 + i % 5), setOverlayRendererColoringBoundaries(h, i, 2 * i);
   setRendererSecondaryColoringBoundaries(h, i, 2 * i), setRendererSecondarySliceIndex(h, i);
   setRenderingSlices(h, 4 + i % 20), setUsePerspective(h, i % 3 == 0), setLateralVoxelsPerPixel(h, i);
+  setVolumeLighting(h, 0.5, i % 2, 0.1), setRayJitter(h, i % 3), setOpacityLength(h, 0.1 * (i % 2));
   setClipPlane(h, i % 4 == 0, i % 8 == 0, 0.95F), fixClipPlane(h, i % 3), setRemoveSegment(h, i % 2);
   setVolumeMode(h, 1 + i % 2), setSectionalView(h, 1, 0.1F, 1, 0.2F, i % 2, 0.3F);
   const std::vector<float> heights(9, static_cast<float>(i % 3) / 2.0F);

@@ -18,6 +18,9 @@ using Color = std::array<float, 4>;
 constexpr std::size_t fewest = 8192;
 constexpr std::size_t most = 65536;
 
+// What is opaque stays so in any step that can be told from none.
+constexpr float opaque_logarithm = -1e9F;
+
 Color color_of(std::uint32_t bytes) {
   Color color;
   for (std::size_t i = 0; i < color.size(); ++i)
@@ -40,7 +43,7 @@ int steepest(const Colormap& colors) {
 
 }  // namespace
 
-SampleColors::SampleColors(const Colormap& colors) {
+SampleColors::SampleColors(const Colormap& colors, SampleOpacity opacity) {
   const std::size_t needed = colors.size() * static_cast<std::size_t>(steepest(colors));
   const std::size_t count = std::bit_ceil(std::clamp(needed, fewest, most));
   const auto last = static_cast<double>(colors.size() - 1);
@@ -53,17 +56,18 @@ SampleColors::SampleColors(const Colormap& colors) {
     const Color other = color_of(colors[static_cast<std::size_t>(std::min(below + 1.0, last))]);
     const auto weight = static_cast<float>(position - below);
     const auto mixed = [&](std::size_t c) { return one[c] + weight * (other[c] - one[c]); };
-    for (std::size_t c = 0; c < 3; ++c) values.push_back(mixed(c) * mixed(3));
-    values.push_back(mixed(3));
+    const bool of_a_step = opacity == SampleOpacity::of_a_step;
+    for (std::size_t c = 0; c < 3; ++c) values.push_back(of_a_step ? mixed(c) * mixed(3) : mixed(c));
+    values.push_back(of_a_step ? mixed(3) : std::max(std::log2(1.0F - mixed(3)), opaque_logarithm));
   }
 }
 
-void SampleColorsTexture::upload(const RevisedColormap& colormap) {
-  if (texture_ && uploaded_ == colormap.revision()) return;
+void SampleColorsTexture::upload(const RevisedColormap& colormap, SampleOpacity opacity) {
+  if (texture_ && uploaded_ == colormap.revision() && opacity_ == opacity) return;
   uploaded_ = 0;  // the texture is about to be spoilt
   if (!texture_) texture_ = gl::Texture::create();
   if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
-  const SampleColors colors(colormap.colors());
+  const SampleColors colors(colormap.colors(), opacity);
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
   for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
@@ -75,6 +79,7 @@ void SampleColorsTexture::upload(const RevisedColormap& colormap) {
   glBindTexture(GL_TEXTURE_2D, 0);
   gl::throwOnGLError("render: colormap changed");
   uploaded_ = colormap.revision();
+  opacity_ = opacity;
 }
 
 void SampleColorsTexture::release() {

@@ -25,10 +25,12 @@ void VolumeColormaps::update(const VolumeSettings& settings) {
   for (std::size_t role = 0; role < colormaps_.size(); ++role) {
     if (colormaps_[role].update((*settings.colormaps)[role])) record_timing_mark("render: colormap changed");
   }
+  const SampleOpacity opacity =
+      settings.opacity_length > 0.0 ? SampleOpacity::of_a_length : SampleOpacity::of_a_step;
   // Those that rays look up with every sample.
   for (const ColormapRole role : {ColormapRole::main, ColormapRole::overlay}) {
     const auto i = static_cast<std::size_t>(role);
-    colormaps_[i].update_samples((*settings.colormaps)[i]);
+    colormaps_[i].update_samples((*settings.colormaps)[i], opacity);
   }
 }
 

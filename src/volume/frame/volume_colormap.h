@@ -13,7 +13,9 @@ class VolumeColormap {
  public:
   // Uploads the colours if they are not those of the texture; true when it did.
   bool update(const ColormapSettings& settings);
-  void update_samples(const ColormapSettings& settings) { samples_.upload(settings.colors); }
+  void update_samples(const ColormapSettings& settings, SampleOpacity opacity) {
+    samples_.upload(settings.colors, opacity);
+  }
   void release();
 
   float lower() const { return lower_; }

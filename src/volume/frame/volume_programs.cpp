@@ -1,6 +1,7 @@
 #include "volume/frame/volume_programs.h"
 
 #include <stdexcept>
+#include <string>
 
 #include "core/timing_mark.h"
 #include "shaders.h"
@@ -30,6 +31,24 @@ RaycastingSource raycasting_source(VolumeMode mode, bool overlay) {
   }
   return overlay ? RaycastingSource{"raycasting_overlay_program", shaders::raycasting_overlay_frag}
                  : RaycastingSource{"raycasting_program", shaders::raycasting_frag};
+}
+
+// The source with what makes it a variant defined behind its first line, which tells the version.
+void load_variant(RaycastingProgram& program, const RaycastingVariant& variant) {
+  const RaycastingSource source = raycasting_source(variant.mode, variant.overlay);
+  std::string name = source.name;
+  std::string defines;
+  const auto add = [&](const char* definition, bool is_so) {
+    if (!is_so) return;
+    name += std::string("_") + definition;
+    defines += std::string("#define ") + definition + "\n";
+  };
+  add("LIT", variant.lit);
+  add("OPACITY_LENGTH", variant.opacity_length);
+  add("JITTERED", variant.jittered);
+  std::string fragment = source.fragment;
+  fragment.insert(fragment.find('\n') + 1, defines);
+  program.load(name, shaders::raycasting_vert, fragment);
 }
 
 }  // namespace
@@ -80,7 +99,7 @@ void VolumePrograms::load(const VolumeSettings& settings) {
   if (settings.rendering_mode == RenderingMode::sectional_view) {
     section(false);
   } else {
-    raycasting_of(settings.volume_mode, false);
+    raycasting_of(RaycastingVariant::of(settings, false));
   }
 }
 
@@ -91,8 +110,7 @@ void VolumePrograms::unload() {
   for (VolumeRenderingProgram& program : sections_) program.release();
   surface_.release();
   surface_back_.release();
-  for (auto& programs : raycasting_)
-    for (RaycastingProgram& program : programs) program.release();
+  raycasting_.clear();
 }
 
 const gl::Shader& VolumePrograms::background() {
@@ -124,17 +142,16 @@ const SurfaceBackProgram& VolumePrograms::surface_back() {
   return built(surface_back_, [&] { surface_back_.load(); });
 }
 
-RaycastingProgram& VolumePrograms::raycasting_slot(VolumeMode mode, bool overlay) {
-  const bool with_overlay = overlay && mode != VolumeMode::dual_coloring;
-  return raycasting_[with_overlay ? 1 : 0][static_cast<std::size_t>(mode)];
+const RaycastingProgram& VolumePrograms::raycasting_of(const RaycastingVariant& variant) {
+  RaycastingProgram& program = raycasting_[variant];
+  return built(program, [&] { load_variant(program, variant); });
 }
 
-const RaycastingProgram& VolumePrograms::raycasting_of(VolumeMode mode, bool overlay) {
-  RaycastingProgram& program = raycasting_slot(mode, overlay);
-  return built(program, [&] {
-    const RaycastingSource source = raycasting_source(mode, overlay);
-    program.load(source.name, shaders::raycasting_vert, source.fragment);
-  });
+RaycastingVariant RaycastingVariant::of(const VolumeSettings& settings, bool overlay) {
+  const VolumeMode mode = settings.volume_mode;
+  const bool composite = mode == VolumeMode::normal || mode == VolumeMode::dual_coloring;
+  return {mode, overlay && mode != VolumeMode::dual_coloring, composite && settings.lighting.changes_colors(),
+          composite && settings.opacity_length > 0.0, settings.ray_jitter};
 }
 
 }  // namespace oct

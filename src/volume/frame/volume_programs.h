@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <compare>
+#include <map>
 
 #include "gl/shader.h"
 #include "volume/frame/volume_program.h"
@@ -26,6 +28,19 @@ struct SurfaceBackProgram : gl::Shader {
   GLint modelview = -1, projection = -1, clipPlane = -1;
 };
 
+// A ray casting program: that of a mode, in the way that samples are taken and coloured.
+struct RaycastingVariant {
+  VolumeMode mode = VolumeMode::normal;
+  bool overlay = false;
+  bool lit = false;
+  bool opacity_length = false;
+  bool jittered = false;
+
+  // Dual colouring knows no overlay, and what is no composite neither light nor opacity.
+  static RaycastingVariant of(const VolumeSettings& settings, bool overlay);
+  auto operator<=>(const RaycastingVariant&) const = default;
+};
+
 // Each is built when it is first asked for, and stays. One that does not build is tried again the next time. Before
 // load() and after unload() asking throws std::runtime_error "Program has not been compiled yet.".
 class VolumePrograms {
@@ -39,10 +54,7 @@ class VolumePrograms {
   const SurfaceProgram& surface();                      // vec3 position (0), vec3 normal (1)
   const SurfaceBackProgram& surface_back();             // vec3 position (0)
 
-  // Of a mode; dual colouring knows no overlay.
-  const RaycastingProgram& raycasting_of(VolumeMode mode, bool overlay);
-  // The same, built or not.
-  RaycastingProgram& raycasting_slot(VolumeMode mode, bool overlay);
+  const RaycastingProgram& raycasting_of(const RaycastingVariant& variant);
 
  private:
   template <class Program, class Build>
@@ -54,7 +66,7 @@ class VolumePrograms {
   std::array<VolumeRenderingProgram, 2> sections_;  // without and with an overlay
   SurfaceProgram surface_;
   SurfaceBackProgram surface_back_;
-  std::array<std::array<RaycastingProgram, 4>, 2> raycasting_;  // without and with an overlay, by mode
+  std::map<RaycastingVariant, RaycastingProgram> raycasting_;
 };
 
 }  // namespace oct

@@ -32,6 +32,19 @@ struct FrameFlags {
   bool operator==(const FrameFlags&) const = default;
 };
 
+// Of the samples of a composite; all zero: none.
+struct Lighting {
+  float ambient = 0.0F;
+  float diffuse = 0.0F;
+  float specular = 0.0F;
+
+  // Ambient light alone, of 1, leaves all colours as they are.
+  bool changes_colors() const {
+    return diffuse != 0.0F || specular != 0.0F || (ambient != 0.0F && ambient != 1.0F);
+  }
+  bool operator==(const Lighting&) const = default;
+};
+
 struct ColormapSettings {
   RevisedColormap colors;
   float lower = 0.0F;
@@ -47,6 +60,10 @@ struct VolumeSettings {
   int slices = 128;
   RenderingMode rendering_mode = RenderingMode::raycasting;
   VolumeMode volume_mode = VolumeMode::normal;
+  Lighting lighting;
+  bool ray_jitter = false;
+  double opacity_length =
+      0.0;  // of tissue, in millimetres, that has the colour map's opacity; 0: it is a step's
   bool remove_segment = false;
   FrameFlags frame;
   bool render_volume = false;

@@ -17,6 +17,17 @@ namespace {
 // billions.
 constexpr int most_slices = 8192;
 
+// Where the volume's own proportions count.
+void set_looks(const RaycastingProgram::RayLocations& at, const VolumeFrame& frame) {
+  const glm::vec3& range = frame.range.extent;
+  const glm::vec3 extent(range.y, range.x, range.z);  // along the axes of the box
+  const Lighting& lighting = frame.settings.lighting;
+  const glm::vec3 lengths(glm::min(glm::abs(glm::dvec3(extent)) / frame.settings.opacity_length, 1e30));
+  glUniform3fv(at.extent, 1, glm::value_ptr(extent));
+  glUniform3f(at.lighting, lighting.ambient, lighting.diffuse, lighting.specular);
+  glUniform3fv(at.lengthScale, 1, glm::value_ptr(lengths));
+}
+
 bool secondary_slice_exists(const VolumeFrame& frame) {
   const int index = frame.settings.secondary_slice_index;
   return frame.source.secondary != 0 && index >= 0 && index < frame.source.secondary_slice_count;
@@ -35,7 +46,8 @@ void Raycaster::draw(const VolumeFrame& frame, Box& box, Surface& surface) {
   const VolumeMode mode = frame.settings.volume_mode;
   if (frame.box.empty()) return;
   if (mode == VolumeMode::dual_coloring && !secondary_slice_exists(frame)) return;
-  const RaycastingProgram& program = frame.programs.raycasting_of(mode, frame.source.overlay_present);
+  const RaycastingProgram& program =
+      frame.programs.raycasting_of(RaycastingVariant::of(frame.settings, frame.source.overlay_present));
   if (!frame.clip_plane.cut_face().empty()) cut_face_.set_vertices(frame.clip_plane.cut_face());
 
   const Visibility visibility = prepare_empty_space(frame);
@@ -59,6 +71,7 @@ void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame
   const glm::vec4 eye = eye_in_model(frame.camera);
   glUniform4fv(program.ray().eye, 1, glm::value_ptr(glm::vec4(0.5F * (glm::vec3(eye) + eye.w), eye.w)));
   bind_volume_texture(volume_unit::sample_color, GL_TEXTURE_2D, frame.main_colormap().sample_texture());
+  set_looks(program.ray(), frame);
   if (frame.settings.volume_mode == VolumeMode::dual_coloring) set_secondary(program, frame);
 }
 

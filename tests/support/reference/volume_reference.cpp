@@ -45,8 +45,9 @@ glm::dvec4 mapped(const Coloring& coloring, double value) {
 // One ray in texture space.
 class Ray {
  public:
-  // From a place of the box to another, in model coordinates. It takes no sample beyond a surface.
-  Ray(const VolumeScene& scene, const glm::dvec3& from, const glm::dvec3& to, bool to_surface)
+  // From a place of the box to another, in model coordinates. It takes no sample beyond a surface, and its first one
+  // a part of a step behind the start.
+  Ray(const VolumeScene& scene, const glm::dvec3& from, const glm::dvec3& to, bool to_surface, double offset)
       : scene_(scene),
         volume_(scene.content == 1 ? scene.overlay : scene.volume),
         coloring_(scene.content == 1 ? scene.overlay_coloring : scene.coloring) {
@@ -54,10 +55,13 @@ class Ray {
     const double beyond = to_surface ? 1.7320508 / scene.slices : 0.0;
     const glm::dvec3 step = way * (1.0 / glm::length(way) * 1.7320508 / scene.slices);
     const glm::dvec3 front = 0.5 * from + 0.5;
+    const double end = glm::length(way) - beyond;
     glm::dvec3 place = front;
+    if (offset > 0.0) place += std::min(offset, std::max(end, 0.0) / glm::length(step)) * step;
+    sight_ = step * extent_;
     for (int i = 0; i <= scene.slices && !reaches_end_; ++i) {
       places_.push_back(place);
-      reaches_end_ = glm::length(place - front) >= glm::length(way) - beyond;
+      reaches_end_ = glm::length(place - front) >= end;
       place = place + step;
     }
   }
@@ -78,7 +82,10 @@ class Ray {
     const double value = this->value(volume_, place);
     if (!(value > coloring_.lower)) return;
     glm::dvec4 color = mapped(coloring_, value);
+    if (scene_.opacity_length > 0.0)
+      color.a = 1.0 - std::pow(1.0 - color.a, glm::length(sight_) / scene_.opacity_length);
     if (scene_.mode == 3) modulate(color, place);
+    if (scene_.lighting != std::array<double, 3>{}) light(color, place);
     if (!(color.a > 0.0)) return;
     const double alpha = color.a * (1.0 - total.a) + total.a;
     const glm::dvec3 sum = glm::dvec3(color) * color.a * (1.0 - total.a) + glm::dvec3(total) * total.a;
@@ -92,6 +99,24 @@ class Ray {
         voxel_at(scene_.secondary, {slice, place.x, place.z}, Surroundings::first_axis_repeats);
     const double surface = std::clamp(normalised(coloring, secondary), 0.0, 1.0);
     color *= glm::dvec4((1.0 + surface) * glm::dvec3(mapped_color(coloring.colors, surface)), 1.0);
+  }
+
+  void light(glm::dvec4& color, const glm::dvec3& place) const {
+    const glm::dvec3 voxel = 1.0 / glm::dvec3(volume_.height, volume_.width, volume_.depth);
+    glm::dvec3 change;
+    for (int axis = 0; axis < 3; ++axis) {
+      glm::dvec3 way(0.0);
+      way[axis] = voxel[axis];
+      change[axis] = (value(volume_, place + way) - value(volume_, place - way)) / 2.0;
+    }
+    const double steepness = glm::length(change) / std::abs(coloring_.upper - coloring_.lower);
+    if (!(steepness > 0.1 && std::isfinite(steepness))) return;
+    const glm::dvec3 normal = glm::normalize(change / (voxel * extent_));
+    const double cosine = std::abs(glm::dot(normal, glm::normalize(sight_)));
+    const auto& [ambient, diffuse, specular] = scene_.lighting;
+    const glm::dvec3 lit =
+        glm::dvec3(color) * (ambient + diffuse * cosine) + specular * std::pow(cosine, 32.0);
+    color = glm::dvec4(glm::mix(glm::dvec3(color), lit, glm::smoothstep(0.1, 0.3, steepness)), color.a);
   }
 
   glm::dvec4 composite() const {
@@ -135,7 +160,9 @@ class Ray {
   const VolumeScene& scene_;
   const Volume& volume_;
   const Coloring& coloring_;
+  const glm::dvec3 extent_{scene_.range[1], scene_.range[0], scene_.range[2]};
   std::vector<glm::dvec3> places_;  // where it takes samples
+  glm::dvec3 sight_{0.0};           // a step, in millimetres
   bool reaches_end_ = false;
 };
 
@@ -310,7 +337,7 @@ class Layers {
     if (scene_.volume_shown && !scene_.sectional) {
       const bool ghost_in_front = plane_ && plane_->above(line.origin) < 0.0;
       if (!ghost_in_front) add_ghost(found, line, open_to);
-      add_ray(found, line, open_to);
+      add_ray(found, line, open_to, start_offset(column, row));
       if (ghost_in_front) add_ghost(found, line, open_to);
     }
     if (glass && glass->x > in_view() && glass->x < open_to + touching) add_pane(found, near_pane);
@@ -365,7 +392,13 @@ class Layers {
     return {};
   }
 
-  void add_ray(std::vector<glm::dvec4>& found, const Line& line, double open_to) const {
+  // Of a step: the additive sequence of the plastic number, in two dimensions.
+  double start_offset(int column, int row) const {
+    constexpr double plastic = 1.3247179572447460260;
+    return scene_.jitter ? glm::fract(column / plastic + row / (plastic * plastic)) : 0.0;
+  }
+
+  void add_ray(std::vector<glm::dvec4>& found, const Line& line, double open_to, double offset) const {
     const auto passes = passage(line, end_);
     if (!passes) return;
     double enter = std::max(passes->x, in_view());
@@ -379,7 +412,8 @@ class Layers {
     }
     const bool to_surface = open_to < leave;
     if (to_surface) leave = open_to;
-    if (enter < leave) found.push_back(Ray(scene_, line.at(enter), line.at(leave), to_surface).color());
+    if (enter < leave)
+      found.push_back(Ray(scene_, line.at(enter), line.at(leave), to_surface, offset).color());
   }
 
   // The faces of what the plane cuts off.

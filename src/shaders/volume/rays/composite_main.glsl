@@ -5,6 +5,7 @@
 void main() {
   if (clip_dist < 0.0) discard;
   Ray ray = cast_ray();
+  prepare_samples(ray);
   Walk walk = walk_of(ray);
   int i = empty_samples(walk, 0, 0);
   while (i <= ray.last && !(final.a > opaque)) {

@@ -7,7 +7,7 @@ void main() {
   if (clip_dist < 0.0) discard;
   Ray ray = cast_ray();
   Walk walk = walk_of(ray);
-  float maximum = sample_at(front);
+  float maximum = sample_at(ray.start);
   int last = min(ray.last, slices - 1);
   int i = 1;
   while (i <= last && !(maximum > upperValue)) {

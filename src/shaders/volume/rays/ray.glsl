@@ -14,6 +14,7 @@ uniform int slices;         // steps along the box's diagonal
 uniform float stepSize;
 
 struct Ray {
+  vec3 start;  // the first sample
   vec3 step;
   int last;  // index of the sample that ends the ray: the first at its end or beyond, or that of the last step
 };
@@ -29,7 +30,7 @@ float way_out(vec3 direction) {
 
 // The place of a sample. A sum of steps would carry their rounding along the ray.
 vec3 place(Ray ray, int i) {
-  return front + float(i) * ray.step;
+  return ray.start + float(i) * ray.step;
 }
 
 bool is_before(vec3 current, float end) {
@@ -48,6 +49,17 @@ float way_to_surface(vec3 direction, float otherwise) {
   return min(otherwise, max(length(way) - stepSize, 0.0));
 }
 
+// From 0 to 1, of a step, and always the same for a pixel. The multiples of two irrational numbers, whole ones modulo
+// 2^32, so that every driver has the same: neighbours differ much, and any few pixels spread evenly.
+float start_offset() {
+#ifdef JITTERED
+  uvec2 pixel = uvec2(gl_FragCoord.xy);
+  return float((pixel.x * 3242174889u + pixel.y * 2447445414u) >> 8u) / 16777216.0;
+#else
+  return 0.0;
+#endif
+}
+
 Ray cast_ray() {
   vec3 direction = normalize(front * eye.w - eye.xyz);
   float way = way_out(direction);
@@ -55,6 +67,7 @@ Ray cast_ray() {
   if (endsOnSurface) way = way_to_surface(direction, way);
   Ray ray;
   ray.step = slices > 0 ? direction * stepSize : vec3(0.0);
+  ray.start = front + min(start_offset(), way / stepSize) * ray.step;
   // The quotient may be off by its rounding.
   ray.last = clamp(int(way / stepSize), 0, slices);
   ray.last += is_before(place(ray, ray.last), way) ? 1 : 0;

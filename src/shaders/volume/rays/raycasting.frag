@@ -8,7 +8,7 @@ const float opaque = 0.9;  // enough for the eye; what lies behind is not sample
 
 void composite(vec3 current) {
   float value = sample_at(current);
-  if (value > lowerValue) blend(sample_color(value));
+  if (value > lowerValue) blend(shaded(sample_color(value), current));
 }
 
 #include "volume/rays/composite_main.glsl"

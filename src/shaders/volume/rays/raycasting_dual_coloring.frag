@@ -19,7 +19,7 @@ void composite(vec3 current) {
   float secondary = textureLod(secondaryTex, vec3(secondarySlice, current.x, current.z), 0.0).r;
   float surface = clamp((secondary - lowerValue2) / (upperValue2 - lowerValue2), 0.0, 1.0);
   color.rgb *= (1.0 + surface) * color_at(colorTex2, surface).rgb;
-  blend(color);
+  blend(shaded(color, current));
 }
 
 #include "volume/rays/composite_main.glsl"

@@ -14,7 +14,7 @@ float overlay_value = -1e38;  // as it is stored
 void composite(vec3 current) {
   if (!(final.a > opaque)) {
     float intensity = sample_at(current);
-    if (intensity > lowerValue) blend(sample_color(intensity));
+    if (intensity > lowerValue) blend(shaded(sample_color(intensity), current));
   }
   float value = textureLod(volumeOverlayTex, current.yxz, 0.0).r;
   overlay_value = max(value, overlay_value);
@@ -28,6 +28,7 @@ void composite(vec3 current) {
 void main() {
   if (clip_dist < 0.0) discard;
   Ray ray = cast_ray();
+  prepare_samples(ray);
   Walk walk = walk_of(ray);
   int i = 0;
   while (i <= ray.last) {

@@ -16,7 +16,7 @@ struct Walk {
 
 Walk walk_of(Ray ray) {
   Walk walk;
-  walk.start = front.yxz * brickScale - brickOffset;
+  walk.start = ray.start.yxz * brickScale - brickOffset;
   walk.step = ray.step.yxz * brickScale;
   walk.inverse = 1.0 / walk.step;
   walk.forward = ivec3(greaterThanEqual(walk.step, vec3(0.0)));
