@@ -40,7 +40,8 @@ TEST_F(VolumeTest, WhateverChangesShowsAfterFramesThatWereCopied) {
     return [=](const VolumeStage& stage) { function(stage.renderer, values...); };
   };
   const auto secondary = [&](const float* data) {
-    return [=](const VolumeStage& stage) { uploadOfflineSecondaryData(stage.offline, 12, 10, 14, 0, 10, data); };
+    return
+        [=](const VolumeStage& stage) { uploadOfflineSecondaryData(stage.offline, 12, 10, 14, 0, 10, data); };
   };
   const Change changes[] = {
       {"angles", of_renderer(setAngles, 25.0, 30.0)},
@@ -48,10 +49,15 @@ TEST_F(VolumeTest, WhateverChangesShowsAfterFramesThatWereCopied) {
       {"range", [](const VolumeStage& stage) { setOfflineAspectRatio(stage.offline, 1.0F, 2.0F, 1.5F); }},
       {"zoom", of_renderer(setZoom, 35.0)},
       {"projection", of_renderer(setUsePerspective, false)},
-      {"slice", [&](const VolumeStage& stage) { uploadOfflineVolumeSlice(stage.offline, 9, other.voxels.data()); }},
+      {"slice",
+       [&](const VolumeStage& stage) { uploadOfflineVolumeSlice(stage.offline, 9, other.voxels.data()); }},
       {"volume", [&](const VolumeStage& stage) { uploadOfflineVolume(stage.offline, other.voxels.data()); }},
-      {"block", [&](const VolumeStage& stage) { uploadOfflineSubVolume(stage.offline, 0, 7, other.voxels.data() + 30); }},
-      {"rest", [&](const VolumeStage& stage) { uploadOfflineSubVolume(stage.offline, 7, 10, other.voxels.data()); }},
+      {"block",
+       [&](const VolumeStage& stage) {
+         uploadOfflineSubVolume(stage.offline, 0, 7, other.voxels.data() + 30);
+       }},
+      {"rest",
+       [&](const VolumeStage& stage) { uploadOfflineSubVolume(stage.offline, 7, 10, other.voxels.data()); }},
       {"colours", of_renderer(setRendererColormap, static_cast<const void*>(clear.data()), 16)},
       {"mode", of_renderer(setVolumeMode, 0)},
       {"slices", of_renderer(setRenderingSlices, 40)},
@@ -59,9 +65,13 @@ TEST_F(VolumeTest, WhateverChangesShowsAfterFramesThatWereCopied) {
       {"clip plane", of_renderer(setClipPlane, 1, 0, 0.5F)},
       {"cut", of_renderer(setClipPlane, 1, 1, 0.6F)},
       {"ghost", of_renderer(setRemoveSegment, 1)},
-      {"overlay", [&](const VolumeStage& stage) { uploadOverlayOfflineVolume(stage.offline, other.voxels.data() + 7), content = 2; }},
+      {"overlay",
+       [&](const VolumeStage& stage) {
+         uploadOverlayOfflineVolume(stage.offline, other.voxels.data() + 7), content = 2;
+       }},
       {"overlay's boundaries", of_renderer(setOverlayRendererColoringBoundaries, 0.2, 0.7)},
-      {"overlay's colours", of_renderer(setOverlayRendererColormap, static_cast<const void*>(opaque.data()), 16)},
+      {"overlay's colours",
+       of_renderer(setOverlayRendererColormap, static_cast<const void*>(opaque.data()), 16)},
       {"surface",
        [&](const VolumeStage& stage) {
          setSurface(stage.renderer, 4, 4, 1.0, heights.data());
