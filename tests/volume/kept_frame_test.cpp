@@ -1,4 +1,5 @@
 // A frame that equals the last one is copied: whatever changes after it shows, colours and depths alike.
+#include <algorithm>
 #include <functional>
 
 #include "volume_test.h"
@@ -25,8 +26,27 @@ Shown frame_of(const VolumeStage& stage, int content) {
   return shown;
 }
 
+// Extents of 0 come from devices that fail, and from clients.
+TEST_F(VolumeTest, AFlatVolumeShowsWhatAThinOneShows) {
+  for (const bool perspective : {true, false}) {
+    for (const int axis : {0, 2}) {
+      scene_.perspective = perspective;
+      scene_.angle_x = axis == 0 ? 90.0 : 10.0;
+      scene_.angle_y = 15.0;
+      scene_.range = {1.0F, 1.0F, 1.0F};
+      scene_.range[static_cast<std::size_t>(axis)] = 1e-4F;
+      const Picture thin = stage_.draw(scene_);
+      scene_.range[static_cast<std::size_t>(axis)] = 0.0F;
+      EXPECT_TRUE(agree(stage_.draw(scene_), thin, {2, 0.98, 255})) << axis;
+      EXPECT_FALSE(shows_background());
+    }
+  }
+}
+
 TEST_F(VolumeTest, WhateverChangesShowsAfterFramesThatWereCopied) {
   const Volume other = test_volume(14, 12, 10, 99);
+  Volume mirrored = other;
+  std::ranges::reverse(mirrored.voxels);
   const std::vector<float> heights(16, 0.4F);
   const std::vector<float> other_heights(16, 0.7F);
   const auto opaque = opaque_colors(16);
@@ -67,7 +87,7 @@ TEST_F(VolumeTest, WhateverChangesShowsAfterFramesThatWereCopied) {
       {"ghost", of_renderer(setRemoveSegment, 1)},
       {"overlay",
        [&](const VolumeStage& stage) {
-         uploadOverlayOfflineVolume(stage.offline, other.voxels.data() + 7), content = 2;
+         uploadOverlayOfflineVolume(stage.offline, mirrored.voxels.data()), content = 2;
        }},
       {"overlay's boundaries", of_renderer(setOverlayRendererColoringBoundaries, 0.2, 0.7)},
       {"overlay's colours",

@@ -52,6 +52,16 @@ glm::mat4 orthographic_projection(double zoom, Viewport viewport, const glm::mat
   return glm::mat4(matrix);
 }
 
+// A device or a client may give an extent of 0. The viewer of a flat box would have no place in it, and rays no
+// direction.
+glm::vec3 not_flat(glm::vec3 scale) {
+  constexpr float least = 1e-5F;
+  for (int axis = 0; axis < 3; ++axis) {
+    if (std::abs(scale[axis]) < least) scale[axis] = std::copysign(least, scale[axis]);
+  }
+  return scale;
+}
+
 }  // namespace
 
 Range range_of(double axial, double lateral1, double lateral2) {
@@ -75,7 +85,7 @@ Camera camera_of(const View& view, const Range& range, Viewport viewport) {
   modelview = glm::translate(modelview, view.translation);
   modelview = glm::rotate(modelview, radians_of(view.angle_x), glm::vec3(1.0F, 0.0F, 0.0F));
   modelview = glm::rotate(modelview, radians_of(view.angle_y), glm::vec3(0.0F, 1.0F, 0.0F));
-  camera.modelview = glm::scale(modelview, range.model_scale);
+  camera.modelview = glm::scale(modelview, not_flat(range.model_scale));
   camera.element_modelview = camera.modelview;
   camera.projection = view.perspective ? perspective_projection(view.zoom, viewport, camera.modelview)
                                        : orthographic_projection(view.zoom, viewport, camera.modelview);
