@@ -213,5 +213,27 @@ TEST_F(SkippingTest, FollowsEveryUpload) {
   }
 }
 
+// As many B-scans as the driver takes, with as many tables as there are.
+TEST_F(SkippingTest, TakesAsManyBScansAsTheDriver) {
+  beginOffscreenFrame(stage_.target, 8, 8);
+  GLint most = 0;
+  glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &most);
+  Choice choice(3);
+  for (const int b_scans : {most / 2 - 1, most / 2, most / 2 + 1, most}) {
+    scene_.volume = sparse_volume(5, 3, b_scans, choice);
+    stage_.prepare(scene_);
+    beginOffscreenFrame(stage_.target, 8, 8);
+    expect_same(source());
+    LiveFormat live(scene_.volume);
+    VolumeSource shown = source();
+    shown.volume = live.texture.get();
+    shown.volume_revisions = &live.texture.revisions();
+    shown.volume_maxima = &live.maxima;
+    shown.empty_space = &live.empty_space;
+    expect_same(shown);
+  }
+  expect_no_error();
+}
+
 }  // namespace
 }  // namespace oct::test

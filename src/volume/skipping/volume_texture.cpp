@@ -1,17 +1,26 @@
 #include "volume/skipping/volume_texture.h"
 
+#include "volume/skipping/visibility.h"
+
 namespace oct {
 namespace {
 
-// Of a cube. Smaller bricks find more that is empty, and their tables cost more.
-constexpr int brick_side = 4;
+// Of a cube. Smaller bricks find more that is empty, and their tables cost more. Of very many B-scans the tables of
+// all limits, one behind the other, would be deeper than the driver allows a texture to be.
+int brick_side(const VolumeExtent& extent) {
+  constexpr int side = 4;
+  GLint deepest = 0;
+  glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &deepest);
+  const std::int64_t tables = 2 * Visibility::most_limits * (extent.b_scans / side + 1);
+  return tables > deepest ? 2 * side : side;
+}
 
 }  // namespace
 
 void VolumeTexture::allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint) {
   gl::Texture3D::require(extent, internal_format);
   auto maxima = std::make_unique<BrickMaxima>(
-      extent, brick_side,
+      extent, brick_side(extent),
       internal_format == GL_R16F ? BrickTexture::edges_in_half_float : BrickTexture::edges);
   texture_.allocate(extent, internal_format, checkpoint);
   maxima_ = std::move(maxima);
