@@ -48,6 +48,7 @@
 #include "offline.h"
 #include "offscreen.h"
 #include "types.h"
+#include "values.h"
 #include "volume.h"
 
 #endif /* OCT_RENDERING_H */

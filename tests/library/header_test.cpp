@@ -5,15 +5,22 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
-#include "oct_rendering/oct_rendering.h"
+#include "oct_rendering/interface_list.h"
 
 extern "C" int oct_header_error_code(void);
 
 namespace oct::test {
 namespace {
+
+// The list has the types of the declarations.
+#define OCT_SAME_TYPE(since, family, result, name, parameters) \
+  static_assert(std::is_same_v<decltype(name), result parameters>, #name);
+OCT_API_LIST(OCT_SAME_TYPE)
+#undef OCT_SAME_TYPE
 
 std::string all_headers() {
   std::string text;
@@ -48,10 +55,11 @@ TEST(HeaderTest, EveryExportIsDocumented) {
       EXPECT_NE(comment.find("@param " + std::string((*p)[1])), std::string::npos) << name << ": " << (*p)[1];
     }
   }
-  std::set<std::string> exported;
-  std::ifstream list(OCT_SOURCE_DIR "/src/api/exports.txt");
-  for (std::string name; std::getline(list, name);) exported.insert(name);
-  EXPECT_EQ(declared, exported);
+  std::set<std::string> listed;
+#define OCT_NAME(since, family, result, name, parameters) EXPECT_TRUE(listed.insert(#name).second) << #name;
+  OCT_API_LIST(OCT_NAME)
+#undef OCT_NAME
+  EXPECT_EQ(declared, listed);
 }
 
 }  // namespace
