@@ -11,8 +11,36 @@
 extern "C" {
 #endif
 
-/** @defgroup library Library */
+/**
+ * @defgroup library Library
+ *
+ * The library tells on the standard output when it is loaded and unloaded, which OpenGL it found and when a loop has
+ * ended. A program whose output is read by others keeps these lines away by the environment variable
+ * OCT_RENDERING_QUIET, set to anything but "0" or nothing before the library is loaded, or for good by OCT_QUIET_PROGRAM
+ * in one of its source files. Errors go to the standard error stream all the same.
+ */
 /** @{ */
+
+/**
+ * @brief Marks the program that it stands in, at namespace scope in one file: the library writes nothing to its standard
+ * output. A program on Linux that loads the library by name exports the mark to it
+ * (-Wl,--export-dynamic-symbol=oct_rendering_quiet); one that is linked with it does so by itself.
+ * @since 0.2
+ */
+#if defined(_WIN32)
+#define OCT_QUIET_PROGRAM_EXPORT __declspec(dllexport)
+#else
+#define OCT_QUIET_PROGRAM_EXPORT __attribute__((visibility("default")))
+#endif
+#ifdef __cplusplus
+#define OCT_QUIET_PROGRAM                                            \
+  extern "C" OCT_QUIET_PROGRAM_EXPORT const int oct_rendering_quiet; \
+  const int oct_rendering_quiet = 1
+#else
+#define OCT_QUIET_PROGRAM                                        \
+  extern OCT_QUIET_PROGRAM_EXPORT const int oct_rendering_quiet; \
+  const int oct_rendering_quiet = 1
+#endif
 
 /**
  * @brief Version of the library.
