@@ -61,6 +61,21 @@ OCT_API void setRendererLogFile(const char* FileName);
  */
 OCT_API void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback);
 
+/**
+ * @brief setErrorCallback() with a pointer for the callback. A source has one such function: the one
+ * that was set last, whichever way.
+ * @param DataSource The source.
+ * @param Callback As there, with @p user.
+ * @param user Handed to the callback; it must last until no call with it is running any more, which is certain once the
+ * source has been stopped or cleared.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void setErrorCallbackWithUser(LiveDataSourceHandle DataSource, OctErrorFunctionWithUser Callback,
+                                      void* user);
+
 /** @} */
 
 #ifdef __cplusplus
