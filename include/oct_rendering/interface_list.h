@@ -145,6 +145,8 @@
   FUNCTION(0.1, live, void, stopDataSource, (LiveDataSourceHandle DataSource)) \
   FUNCTION(0.1, live, void, cancelDataSource, (LiveDataSourceHandle DataSource)) \
   FUNCTION(0.1, live, bool, isDataSourceRunning, (LiveDataSourceHandle DataSource)) \
+  FUNCTION(0.2, live, int, getDataSourceError, (LiveDataSourceHandle DataSource, char* Message, int Size)) \
+  FUNCTION(0.2, live, double, getRefIntensity, (LiveDataSourceHandle DataSource)) \
   FUNCTION(0.1, live, void, setSizeZ, (LiveDataSourceHandle DataSource, int Size)) \
   FUNCTION(0.1, live, void, setOnlineRefractiveIndex, (LiveDataSourceHandle DataSource, double Index)) \
   FUNCTION(0.1, live, void, setOnlineAnalogInputConfiguration, (LiveDataSourceHandle DataSource, bool Enable)) \
