@@ -201,7 +201,10 @@
   FUNCTION(0.1, live, void, setOnlineDataThreshold_PS,                                                       \
            (LiveDataSourceHandle DataSource, double Threshold, bool Enable))                                 \
   FUNCTION(0.1, live, void, setRefIntensityCallback,                                                         \
-           (LiveDataSourceHandle DataSource, OctIntensityFunction Callback))
+           (LiveDataSourceHandle DataSource, OctIntensityFunction Callback)) \
+  FUNCTION(0.2, library, void, setRendererTraceFile, (const char* FileName))                                 \
+  FUNCTION(0.2, library, void, setRendererTimingCallback,                                                    \
+           (OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant, void* User))
 
 /* clang-format on */
 

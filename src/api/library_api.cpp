@@ -6,6 +6,8 @@
 #include "api/handles.h"
 #include "core/error_store.h"
 #include "core/log.h"
+#include "core/trace/timing_callback.h"
+#include "core/trace/trace_file.h"
 #include "live/brennick_data_source.h"
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
@@ -50,4 +52,13 @@ void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback
     const oct::ErrorCallback callback(Callback);
     source.set_error_callback(callback);
   });
+}
+
+void setRendererTraceFile(const char* FileName) {
+  guarded(__func__, [&] { oct::set_trace_file(FileName ? FileName : ""); });
+}
+
+void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant,
+                               void* User) {
+  guarded(__func__, [&] { oct::set_timing_functions({Begin, End, Instant, User}); });
 }

@@ -8,6 +8,10 @@ namespace oct {
 
 // Identifier of the calling thread as the operating system gives it.
 std::uint32_t current_thread_id();
+std::uint32_t current_process_id();
+
+// The name that the system knows the calling thread by; empty for none.
+std::string system_thread_name();
 
 // Text of the calling thread's last system error,
 // "Error text could not be obtained." if there is none for it.

@@ -3,12 +3,22 @@
 #include <cerrno>
 #include <cstring>
 
+#include <pthread.h>
 #include <unistd.h>
 
 namespace oct {
 
 std::uint32_t current_thread_id() {
   return static_cast<std::uint32_t>(gettid());
+}
+
+std::uint32_t current_process_id() {
+  return static_cast<std::uint32_t>(getpid());
+}
+
+std::string system_thread_name() {
+  char name[16] = "";
+  return pthread_getname_np(pthread_self(), name, sizeof name) == 0 ? name : "";
 }
 
 std::string system_error_text() {
