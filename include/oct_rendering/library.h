@@ -61,6 +61,21 @@ OCT_API void setRendererLogFile(const char* FileName);
  */
 OCT_API void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback);
 
+/**
+ * @brief setErrorCallback() with a pointer for the callback. A source has one such function: the one
+ * that was set last, whichever way.
+ * @param DataSource The source.
+ * @param Callback As there, with @p user.
+ * @param user Handed to the callback; it must last until no call with it is running any more, which is certain once the
+ * source has been stopped or cleared.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void setErrorCallbackWithUser(LiveDataSourceHandle DataSource, OctErrorFunctionWithUser Callback,
+                                      void* user);
+
 /** @} */
 
 /** @defgroup traces Traces */
@@ -89,7 +104,7 @@ OCT_API void setRendererTraceFile(const char* FileName);
  * @param Begin Called when a phase begins, on the thread that it is of; null: not told.
  * @param End Called when it ends, with the same name, on the same thread; null: not told.
  * @param Instant Called at points in time; null: not told.
- * @param User Handed back to the functions.
+ * @param user Handed back to the functions.
  *
  * Replaces the functions that were set before, which hear the end of each phase that they have heard begin: of those that
  * are still open before this returns, on the calling thread, with the number of the phase's thread. No call of them
@@ -105,7 +120,7 @@ OCT_API void setRendererTraceFile(const char* FileName);
  * @since 0.2
  */
 OCT_API void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant,
-                                       void* User);
+                                       void* user);
 
 /** @} */
 

@@ -20,6 +20,9 @@ typedef struct OctLiveVolumeRendering* LiveVolumeRenderingHandle;
 /** @brief Receives the reference intensity of the volume acquired last, 0 to 1. */
 typedef void (*OctIntensityFunction)(double intensity);
 
+/** @brief OctIntensityFunction with a pointer of the client's, which it gets back. */
+typedef void (*OctIntensityFunctionWithUser)(double intensity, void* user);
+
 /**
  * @brief What became of the volumes of a live renderer; see getLiveStatistics().
  */
@@ -326,7 +329,7 @@ OCT_API void selectOnlineDataSource_Camera(LiveDataSourceHandle DataSource, int 
 /**
  * @brief Selects what a polarization-sensitive source draws, from the next volume on.
  * @param DataSource The source; null, and a source of another kind, are ignored.
- * @param Output 0 intensity (at first), 1 retardation, 2 optic axis, 3 degree of polarization uniformity
+ * @param Output An OctPolarizationOutput. 0 intensity (at first), 1 retardation, 2 optic axis, 3 degree of polarization uniformity
  * (DOPU), 4, 5, 6 Stokes Q, U, V; 7, 8 intensity of sensor 0, 1 without polarization processing; any other:
  * volumes are acquired and the picture stays; a source that was started so draws nothing before it is started
  * again, because sizes are read at the start.
@@ -378,6 +381,21 @@ OCT_API void setOnlineDataThreshold_PS(LiveDataSourceHandle DataSource, double T
  * @thread Any thread.
  */
 OCT_API void setRefIntensityCallback(LiveDataSourceHandle DataSource, OctIntensityFunction Callback);
+
+/**
+ * @brief setRefIntensityCallback() with a pointer for the callback. A source has one such function: the one
+ * that was set last, whichever way.
+ * @param DataSource The source.
+ * @param Callback As there, with @p user.
+ * @param user Handed to the callback; it must last until no call with it is running any more, which is certain once the
+ * source has been stopped or cleared.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void setRefIntensityCallbackWithUser(LiveDataSourceHandle DataSource,
+                                             OctIntensityFunctionWithUser Callback, void* user);
 
 /** @} */
 

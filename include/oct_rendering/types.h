@@ -59,6 +59,16 @@ typedef void (*OctImageReadyFunction)(unsigned int index, unsigned int width, un
                                       void* surface);
 
 /**
+ * @brief The same callbacks with a pointer of the client's, which they get back as it was given to the function that set
+ * them. Its lifetime is the client's affair: it must last as long as the callback may be called.
+ */
+typedef void (*OctErrorFunctionWithUser)(const char* message, void* user);
+typedef void (*OctLoopFunctionWithUser)(void* user);                    /**< see OctLoopFunction */
+typedef void (*OctRenderFunctionWithUser)(unsigned int id, void* user); /**< see OctRenderFunction */
+typedef void (*OctImageReadyFunctionWithUser)(unsigned int index, unsigned int width, unsigned int height,
+                                              void* surface, void* user); /**< see OctImageReadyFunction */
+
+/**
  * @brief A surface in host memory. Pixels have 8 bits each of blue, green, red and alpha, in this order; the
  * first row is the bottom one.
  */

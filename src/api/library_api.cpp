@@ -1,6 +1,7 @@
 // Exports of the library itself: version, errors, log.
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "api/guard.h"
 #include "api/handles.h"
@@ -14,6 +15,16 @@
 
 using oct::api::guarded;
 using oct::api::guarded_unposted;
+
+namespace {
+
+void set_error_callback(LiveDataSourceHandle handle, oct::ErrorCallback::Function function) {
+  auto& source =
+      oct::api::checked<oct::BrennickDataSource>(handle, "The specified LiveDataSourceHandle is invalid. ");
+  source.set_error_callback(oct::ErrorCallback(std::move(function)));
+}
+
+}  // namespace
 
 const char* getRendererVersion(void) {
   return OCT_RENDERING_VERSION;
@@ -46,11 +57,13 @@ void setDeviceLibrary(const char* NameOrPath) {
 }
 
 void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback) {
+  guarded(__func__, [&] { set_error_callback(DataSource, Callback); });
+}
+
+void setErrorCallbackWithUser(LiveDataSourceHandle DataSource, OctErrorFunctionWithUser Callback,
+                              void* user) {
   guarded(__func__, [&] {
-    auto& source = oct::api::checked<oct::BrennickDataSource>(
-        DataSource, "The specified LiveDataSourceHandle is invalid. ");
-    const oct::ErrorCallback callback(Callback);
-    source.set_error_callback(callback);
+    set_error_callback(DataSource, oct::api::with_user<oct::ErrorCallback::Function>(Callback, user));
   });
 }
 
@@ -59,6 +72,6 @@ void setRendererTraceFile(const char* FileName) {
 }
 
 void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant,
-                               void* User) {
-  guarded(__func__, [&] { oct::set_timing_functions({Begin, End, Instant, User}); });
+                               void* user) {
+  guarded(__func__, [&] { oct::set_timing_functions({Begin, End, Instant, user}); });
 }

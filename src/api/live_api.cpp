@@ -5,6 +5,7 @@
 
 #include "api/guard_opengl.h"
 #include "api/handles.h"
+#include "api/with_user.h"
 #include "core/object_lock.h"
 #include "live/brennick_data_source_ps.h"
 #include "live/fast_opengl_volume_renderer.h"
@@ -156,6 +157,14 @@ void setRefIntensityCallback(LiveDataSourceHandle Handle, OctIntensityFunction C
   guarded(__func__, [&] {
     auto& source = checked<BrennickDataSource>(Handle, invalid_source);
     source.set_ref_intensity_callback(Callback);
+  });
+}
+
+void setRefIntensityCallbackWithUser(LiveDataSourceHandle Handle, OctIntensityFunctionWithUser Callback,
+                                     void* user) {
+  guarded(__func__, [&] {
+    auto& source = checked<BrennickDataSource>(Handle, invalid_source);
+    source.set_ref_intensity_callback(oct::api::with_user<oct::RefIntensityCallback>(Callback, user));
   });
 }
 
