@@ -1,12 +1,13 @@
 // Exports of the library itself: version, errors, log.
-#include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "api/guard.h"
 #include "api/handles.h"
+#include "api/texts.h"
 #include "core/error_store.h"
 #include "core/log.h"
+#include "core/trace/timing_callback.h"
+#include "core/trace/trace_file.h"
 #include "live/brennick_data_source.h"
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
@@ -46,12 +47,7 @@ int getRendererError(char* Message, int Size) {
   return guarded_unposted([&] {
     const auto error = oct::error_store().takeError();
     if (!error) return 0;
-    if (Message && Size > 0) {
-      // Up to the first NUL, as any C string.
-      const std::size_t length = std::min(std::strlen(error->c_str()), static_cast<std::size_t>(Size) - 1);
-      std::memcpy(Message, error->c_str(), length);
-      Message[length] = '\0';
-    }
+    oct::api::give_text(*error, Message, Size);
     return OCT_RENDERER_ERROR;
   });
 }
@@ -77,4 +73,13 @@ void setErrorCallbackWithUser(LiveDataSourceHandle DataSource, OctErrorFunctionW
   guarded(__func__, [&] {
     set_error_callback(DataSource, oct::api::with_user<oct::ErrorCallback::Function>(Callback, user));
   });
+}
+
+void setRendererTraceFile(const char* FileName) {
+  guarded(__func__, [&] { oct::set_trace_file(FileName ? FileName : ""); });
+}
+
+void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant,
+                               void* user) {
+  guarded(__func__, [&] { oct::set_timing_functions({Begin, End, Instant, user}); });
 }

@@ -8,6 +8,10 @@ namespace oct {
 
 // Identifier of the calling thread as the operating system gives it.
 std::uint32_t current_thread_id();
+std::uint32_t current_process_id();
+
+// The name that the system knows the calling thread by; empty for none.
+std::string system_thread_name();
 
 // Whether the program wants nothing on its standard output but what it writes itself: the environment says so, or the
 // program by a mark of its own, OCT_QUIET_PROGRAM. Asked while the library is being loaded, before anything of the
