@@ -12,6 +12,8 @@
 #include "core/platform.h"
 #include "gl/context/context_identity.h"
 #include "gl/context/hidden_window_windows.h"
+#include "gl/context/wgl_extension_windows.h"
+#include "gl/trace/debugging.h"
 
 namespace oct::gl {
 
@@ -69,7 +71,8 @@ OpenGLWindow::~OpenGLWindow() = default;
 
 ContextHandle OpenGLWindow::createContext() {
   const std::lock_guard lock(native_->mutex);
-  const HGLRC context = wglCreateContext(native_->device_context);
+  const HGLRC context = debugging() ? create_debug_context(native_->device_context)
+                                    : wglCreateContext(native_->device_context);
   if (!context)
     throw Exception("An error occured. OpenGL context could not be created: " + system_error_text());
   return context;
