@@ -40,7 +40,7 @@ extern "C" {
 /**
  * @brief Chooses what the hand-off buffers of the controls and loops created from now on are made of. There
  * is no falling back from one to the other.
- * @param Sharing 0: Direct3D 9Ex surfaces, shared with OpenGL by WGL_NV_DX_interop (Windows only, the start
+ * @param Sharing An OctSurfaceSharing. 0: Direct3D 9Ex surfaces, shared with OpenGL by WGL_NV_DX_interop (Windows only, the start
  * there); an image-ready function gets an IDirect3DSurface9*. 1: host memory (the start elsewhere); it gets
  * an OctHostSurface*.
  * @par Errors
@@ -97,6 +97,22 @@ OCT_API OpenGLControlLoopHandle createOpenGLControlLoopCB(OctLoopFunction Init, 
                                                           OctErrorFunction Error);
 
 /**
+ * @brief createOpenGLControlLoopCB() with a pointer for the callbacks.
+ * @param Init As there, with @p user.
+ * @param Uninit As there, with @p user.
+ * @param Error As there, with @p user.
+ * @param user Handed to each of the three; it must last until the loop is deleted.
+ * @return As createOpenGLControlLoop().
+ * @par Errors
+ * As createOpenGLControlLoop().
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API OpenGLControlLoopHandle createOpenGLControlLoopCBWithUser(OctLoopFunctionWithUser Init,
+                                                                  OctLoopFunctionWithUser Uninit,
+                                                                  OctErrorFunctionWithUser Error, void* user);
+
+/**
  * @brief Ends both threads of a loop and frees it. A running snapshot is finished first, later ones are
  * refused; frames that wait are dropped. From the line
  * "OpenGL control loop finished. Callbacks can be freed now. " on the standard output on, no function of the
@@ -123,6 +139,20 @@ OCT_API void registerOpenGLControlLoopRenderCallback(OpenGLControlLoopHandle Han
                                                      OctRenderFunction Render);
 
 /**
+ * @brief registerOpenGLControlLoopRenderCallback() with a pointer for the callback. A loop has one function that
+ * draws the frames: the one that was set last, whichever way.
+ * @param Handle The loop.
+ * @param Render As there, with @p user.
+ * @param user Handed to the callback; it must last until another one is set or the loop is deleted.
+ * @par Errors
+ * As registerOpenGLControlLoopRenderCallback().
+ * @thread As registerOpenGLControlLoopRenderCallback().
+ * @since 0.2
+ */
+OCT_API void registerOpenGLControlLoopRenderCallbackWithUser(OpenGLControlLoopHandle Handle,
+                                                             OctRenderFunctionWithUser Render, void* user);
+
+/**
  * @brief Sets the function that receives the frames.
  * @param Handle The loop.
  * @param ImageReady Called on the return thread, for waiting keys in turn: the smallest above the last one,
@@ -134,6 +164,20 @@ OCT_API void registerOpenGLControlLoopRenderCallback(OpenGLControlLoopHandle Han
  */
 OCT_API void registerOpenGLControlLoopCallback(OpenGLControlLoopHandle Handle,
                                                OctImageReadyFunction ImageReady);
+
+/**
+ * @brief registerOpenGLControlLoopCallback() with a pointer for the callback. A loop has one function that
+ * receives the frames: the one that was set last, whichever way.
+ * @param Handle The loop.
+ * @param ImageReady As there, with @p user.
+ * @param user Handed to the callback; it must last until another one is set or the loop is deleted.
+ * @par Errors
+ * As registerOpenGLControlLoopCallback().
+ * @thread As registerOpenGLControlLoopCallback().
+ * @since 0.2
+ */
+OCT_API void registerOpenGLControlLoopCallbackWithUser(OpenGLControlLoopHandle Handle,
+                                                       OctImageReadyFunctionWithUser ImageReady, void* user);
 
 /**
  * @brief Asks for a frame with id 0 and returns at once. An id that is waiting already is not added again.
@@ -189,7 +233,7 @@ OCT_API void resizeOpenGLControlLoop(OpenGLControlLoopHandle Handle, unsigned in
 /**
  * @brief Sets how requests are served.
  * @param Handle The loop.
- * @param Mode 0: every request is drawn once. 1 (the start): all requests are drawn in turn, for ever, as
+ * @param Mode An OctLoopMode. 0: every request is drawn once. 1 (the start): all requests are drawn in turn, for ever, as
  * fast as the client takes the frames. 2: the first request is drawn again and again; in force during
  * snapshots and not meant for clients. A mode that is set during a snapshot holds when the snapshot ends.
  * With nothing to draw a loop sleeps in every mode.

@@ -20,12 +20,15 @@ typedef struct OctLiveVolumeRendering* LiveVolumeRenderingHandle;
 /** @brief Receives the reference intensity of the volume acquired last, 0 to 1. */
 typedef void (*OctIntensityFunction)(double intensity);
 
+/** @brief OctIntensityFunction with a pointer of the client's, which it gets back. */
+typedef void (*OctIntensityFunctionWithUser)(double intensity, void* user);
+
 /**
  * @brief What became of the volumes of a live renderer; see getLiveStatistics().
  */
 typedef struct OctLiveStatistics {
   unsigned int size; /**< set by the caller to sizeof(OctLiveStatistics); fields beyond it are left alone */
-  unsigned int reserved;
+  unsigned int reserved; /**< 0 */
   unsigned long long acquired;          /**< volumes that the device gave without an error */
   unsigned long long handed_over;       /**< copied to where the driver reads them */
   unsigned long long shown;             /**< drawn by a frame */
@@ -282,6 +285,35 @@ OCT_API void cancelDataSource(LiveDataSourceHandle DataSource);
 OCT_API bool isDataSourceRunning(LiveDataSourceHandle DataSource);
 
 /**
+ * @brief Reads and clears the earliest error of a source that nobody has read: for programs that cannot be called
+ * back. It is what setErrorCallback() is about; with such a function errors arrive there and here.
+ * @param DataSource The source.
+ * @param Message Receives the text with its terminating NUL, at most @p Size bytes in all; a longer text is
+ *        cut, and so are more than 511 bytes. Null discards the text. Untouched when there is no error.
+ * @param Size Size of @p Message in bytes; with 0 or less nothing is written.
+ * @return OCT_RENDERER_ERROR when there was an error, else 0. It stays over stops and starts until it is read; later
+ * ones are not kept meanwhile.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread; never waits.
+ * @since 0.2
+ */
+OCT_API int getDataSourceError(LiveDataSourceHandle DataSource, char* Message, int Size);
+
+/**
+ * @brief The reference intensity of the volume acquired last, for programs that cannot be called back. The source
+ * asks the device for it after every volume but the first, from the first call of this function on, as it does for
+ * setRefIntensityCallback().
+ * @param DataSource The source.
+ * @return 0 to 1; -1 before a volume for which the device was asked.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread; never waits.
+ * @since 0.2
+ */
+OCT_API double getRefIntensity(LiveDataSourceHandle DataSource);
+
+/**
  * @brief Sets how many depth samples of each A-scan are drawn, from the surface of the range downwards. At
  * first all of them: half the length of a spectrum. Holds from the next startDataSource() on.
  * @param DataSource The source.
@@ -326,7 +358,7 @@ OCT_API void selectOnlineDataSource_Camera(LiveDataSourceHandle DataSource, int 
 /**
  * @brief Selects what a polarization-sensitive source draws, from the next volume on.
  * @param DataSource The source; null, and a source of another kind, are ignored.
- * @param Output 0 intensity (at first), 1 retardation, 2 optic axis, 3 degree of polarization uniformity
+ * @param Output An OctPolarizationOutput. 0 intensity (at first), 1 retardation, 2 optic axis, 3 degree of polarization uniformity
  * (DOPU), 4, 5, 6 Stokes Q, U, V; 7, 8 intensity of sensor 0, 1 without polarization processing; any other:
  * volumes are acquired and the picture stays; a source that was started so draws nothing before it is started
  * again, because sizes are read at the start.
@@ -378,6 +410,21 @@ OCT_API void setOnlineDataThreshold_PS(LiveDataSourceHandle DataSource, double T
  * @thread Any thread.
  */
 OCT_API void setRefIntensityCallback(LiveDataSourceHandle DataSource, OctIntensityFunction Callback);
+
+/**
+ * @brief setRefIntensityCallback() with a pointer for the callback. A source has one such function: the one
+ * that was set last, whichever way.
+ * @param DataSource The source.
+ * @param Callback As there, with @p user.
+ * @param user Handed to the callback; it must last until no call with it is running any more, which is certain once the
+ * source has been stopped or cleared.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void setRefIntensityCallbackWithUser(LiveDataSourceHandle DataSource,
+                                             OctIntensityFunctionWithUser Callback, void* user);
 
 /** @} */
 

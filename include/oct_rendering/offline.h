@@ -179,7 +179,7 @@ OCT_API void uploadOfflineSecondaryData(OfflineRenderingHandle Handle, int Heigh
  * @brief Draws one frame into the current framebuffer and viewport. Does nothing while no renderer is
  * attached; without a volume the frame shows the rest of the scene.
  * @param Handle The object.
- * @param ContentType 0: the volume; 1: the overlay volume alone, in its own colours; 2: the volume with the
+ * @param ContentType An OctContentType. 0: the volume; 1: the overlay volume alone, in its own colours; 2: the volume with the
  * overlay.
  * @par Errors
  * "The specified OfflineRenderingHandle is invalid. "; "Content type is not supported for rendering. ";

@@ -59,6 +59,16 @@ typedef void (*OctImageReadyFunction)(unsigned int index, unsigned int width, un
                                       void* surface);
 
 /**
+ * @brief The same callbacks with a pointer of the client's, which they get back as it was given to the function that set
+ * them. Its lifetime is the client's affair: it must last as long as the callback may be called.
+ */
+typedef void (*OctErrorFunctionWithUser)(const char* message, void* user);
+typedef void (*OctLoopFunctionWithUser)(void* user);                    /**< see OctLoopFunction */
+typedef void (*OctRenderFunctionWithUser)(unsigned int id, void* user); /**< see OctRenderFunction */
+typedef void (*OctImageReadyFunctionWithUser)(unsigned int index, unsigned int width, unsigned int height,
+                                              void* surface, void* user); /**< see OctImageReadyFunction */
+
+/**
  * @brief A surface in host memory. Pixels have 8 bits each of blue, green, red and alpha, in this order; the
  * first row is the bottom one.
  */
@@ -68,6 +78,13 @@ typedef struct OctHostSurface {
   unsigned int stride_bytes; /**< from one row to the next */
   unsigned char* pixels;     /**< stride_bytes for each row, the bottom row first */
 } OctHostSurface;
+
+/**
+ * @brief Receives a timing mark: its name, which is valid until the function returns, the system's number of the thread
+ * that set it, and the time in nanoseconds of the system's monotonic clock (CLOCK_MONOTONIC, QueryPerformanceCounter).
+ */
+typedef void (*OctTimingFunction)(const char* name, unsigned int thread, unsigned long long nanoseconds,
+                                  void* user);
 
 /** @brief Result of the error functions while an error is pending: 0xE0000000 as a signed 32-bit number. */
 #define OCT_RENDERER_ERROR (-536870912)

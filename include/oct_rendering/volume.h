@@ -186,7 +186,7 @@ OCT_API void setLateralVoxelsPerPixel(VolumeRendererHandle Handle, double Voxels
 /**
  * @brief Chooses between the whole volume and slices through it.
  * @param Handle The renderer.
- * @param Mode 0 (the start): ray casting; 1: sectional view.
+ * @param Mode An OctRenderingMode. 0 (the start): ray casting; 1: sectional view.
  * @par Errors
  * "The specified VolumeRendererHandle is invalid. "; "Invalid rendering mode selected."
  * @thread Any thread; waits for no frame.
@@ -196,7 +196,7 @@ OCT_API void setRenderingMode(VolumeRendererHandle Handle, int Mode);
 /**
  * @brief Chooses what a ray makes of the voxels it meets.
  * @param Handle The renderer.
- * @param Mode 0 (the start): composites them by the opacity of the colour map, voxels at the lower boundary
+ * @param Mode An OctVolumeMode. 0 (the start): composites them by the opacity of the colour map, voxels at the lower boundary
  * and below being invisible; 1: their maximum; 2: their mean; 3: as 0, with colours modulated by the
  * secondary data (nothing is drawn without a valid slice of them). With an overlay, mode 0 lays the overlay's
  * maximum along the ray over the result.

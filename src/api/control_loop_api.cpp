@@ -6,6 +6,7 @@
 
 #include "api/guard.h"
 #include "api/handles.h"
+#include "api/with_user.h"
 #include "hosting/loop/opengl_control_loop.h"
 #include "hosting/loop/render_trace.h"
 #include "hosting/surfaces/client_surfaces.h"
@@ -14,6 +15,7 @@
 using oct::OpenGLControlLoop;
 using oct::api::guarded;
 using oct::api::guarded_unposted;
+using oct::api::with_user;
 
 namespace {
 
@@ -25,6 +27,18 @@ void render(OpenGLControlLoopHandle handle, int id) {
   OpenGLControlLoop& target = loop(handle);
   oct::trace_render_call(id);
   target.request(id);
+}
+
+// A loop keeps its function where none is given.
+void set_rendering_callback(OpenGLControlLoopHandle handle, oct::RenderingCallback callback) {
+  OpenGLControlLoop& target = loop(handle);
+  if (callback) target.set_rendering_callback(std::move(callback));
+}
+
+void set_image_ready_callback(OpenGLControlLoopHandle handle, oct::ImageReadyCallback::Function function) {
+  std::optional<oct::ImageReadyCallback> callback;
+  if (function) callback.emplace(std::move(function));
+  loop(handle).set_image_ready_callback(std::move(callback));
 }
 
 void check_snapshot(int width, int height, const void* data) {
@@ -52,6 +66,16 @@ OpenGLControlLoopHandle createOpenGLControlLoopCB(OctLoopFunction Init, OctLoopF
   });
 }
 
+OpenGLControlLoopHandle createOpenGLControlLoopCBWithUser(OctLoopFunctionWithUser Init,
+                                                          OctLoopFunctionWithUser Uninit,
+                                                          OctErrorFunctionWithUser Error, void* user) {
+  return guarded(__func__, [&] {
+    return oct::api::handle_of<OctOpenGLControlLoop>(std::make_unique<OpenGLControlLoop>(
+        with_user<oct::Callback>(Init, user), with_user<oct::Callback>(Uninit, user),
+        oct::ErrorCallback(with_user<oct::ErrorCallback::Function>(Error, user))));
+  });
+}
+
 void deleteOpenGLControlLoop(OpenGLControlLoopHandle Handle) {
   guarded(__func__, [&] {
     loop(Handle);
@@ -60,17 +84,22 @@ void deleteOpenGLControlLoop(OpenGLControlLoopHandle Handle) {
 }
 
 void registerOpenGLControlLoopRenderCallback(OpenGLControlLoopHandle Handle, OctRenderFunction Render) {
-  guarded(__func__, [&] {
-    OpenGLControlLoop& target = loop(Handle);
-    if (Render) target.set_rendering_callback(Render);
-  });
+  guarded(__func__, [&] { set_rendering_callback(Handle, Render); });
+}
+
+void registerOpenGLControlLoopRenderCallbackWithUser(OpenGLControlLoopHandle Handle,
+                                                     OctRenderFunctionWithUser Render, void* user) {
+  guarded(__func__, [&] { set_rendering_callback(Handle, with_user<oct::RenderingCallback>(Render, user)); });
 }
 
 void registerOpenGLControlLoopCallback(OpenGLControlLoopHandle Handle, OctImageReadyFunction ImageReady) {
+  guarded(__func__, [&] { set_image_ready_callback(Handle, ImageReady); });
+}
+
+void registerOpenGLControlLoopCallbackWithUser(OpenGLControlLoopHandle Handle,
+                                               OctImageReadyFunctionWithUser ImageReady, void* user) {
   guarded(__func__, [&] {
-    std::optional<oct::ImageReadyCallback> callback;
-    if (ImageReady) callback.emplace(ImageReady);
-    loop(Handle).set_image_ready_callback(std::move(callback));
+    set_image_ready_callback(Handle, with_user<oct::ImageReadyCallback::Function>(ImageReady, user));
   });
 }
 

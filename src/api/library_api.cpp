@@ -1,17 +1,29 @@
 // Exports of the library itself: version, errors, log.
-#include <algorithm>
-#include <cstring>
+#include <utility>
 
 #include "api/guard.h"
 #include "api/handles.h"
+#include "api/texts.h"
 #include "core/error_store.h"
 #include "core/log.h"
+#include "core/trace/timing_callback.h"
+#include "core/trace/trace_file.h"
 #include "live/brennick_data_source.h"
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
 
 using oct::api::guarded;
 using oct::api::guarded_unposted;
+
+namespace {
+
+void set_error_callback(LiveDataSourceHandle handle, oct::ErrorCallback::Function function) {
+  auto& source =
+      oct::api::checked<oct::BrennickDataSource>(handle, "The specified LiveDataSourceHandle is invalid. ");
+  source.set_error_callback(oct::ErrorCallback(std::move(function)));
+}
+
+}  // namespace
 
 const char* getRendererVersion(void) {
   return OCT_RENDERING_VERSION;
@@ -25,12 +37,7 @@ int getRendererError(char* Message, int Size) {
   return guarded_unposted([&] {
     const auto error = oct::error_store().takeError();
     if (!error) return 0;
-    if (Message && Size > 0) {
-      // Up to the first NUL, as any C string.
-      const std::size_t length = std::min(std::strlen(error->c_str()), static_cast<std::size_t>(Size) - 1);
-      std::memcpy(Message, error->c_str(), length);
-      Message[length] = '\0';
-    }
+    oct::api::give_text(*error, Message, Size);
     return OCT_RENDERER_ERROR;
   });
 }
@@ -44,10 +51,21 @@ void setDeviceLibrary(const char* NameOrPath) {
 }
 
 void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction Callback) {
+  guarded(__func__, [&] { set_error_callback(DataSource, Callback); });
+}
+
+void setErrorCallbackWithUser(LiveDataSourceHandle DataSource, OctErrorFunctionWithUser Callback,
+                              void* user) {
   guarded(__func__, [&] {
-    auto& source = oct::api::checked<oct::BrennickDataSource>(
-        DataSource, "The specified LiveDataSourceHandle is invalid. ");
-    const oct::ErrorCallback callback(Callback);
-    source.set_error_callback(callback);
+    set_error_callback(DataSource, oct::api::with_user<oct::ErrorCallback::Function>(Callback, user));
   });
+}
+
+void setRendererTraceFile(const char* FileName) {
+  guarded(__func__, [&] { oct::set_trace_file(FileName ? FileName : ""); });
+}
+
+void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant,
+                               void* user) {
+  guarded(__func__, [&] { oct::set_timing_functions({Begin, End, Instant, user}); });
 }

@@ -98,6 +98,39 @@ TEST_P(ControlLoopApiGLTest, FromRequestToSurface) {
   EXPECT_EQ(pictures.all().size(), 2U);
 }
 
+// Each object of a client hears of its own loop; null keeps the render function and removes the other.
+TEST_P(ControlLoopApiGLTest, CallbacksGetTheirPointerBack) {
+  const struct User {
+    std::unique_ptr<Recorded<std::uint32_t>> drawn = std::make_unique<Recorded<std::uint32_t>>();
+    std::unique_ptr<Recorded<std::uint32_t>> shown = std::make_unique<Recorded<std::uint32_t>>();
+  } one, other;
+  const OpenGLControlLoopHandle second = createOpenGLControlLoop();
+  for (const auto& [handle, user] : {std::pair{loop, &one}, std::pair{second, &other}}) {
+    void* const pointer = const_cast<User*>(user);
+    registerOpenGLControlLoopRenderCallbackWithUser(
+        handle, [](unsigned id, void* user) { static_cast<User*>(user)->drawn->add(id); }, pointer);
+    registerOpenGLControlLoopRenderCallbackWithUser(handle, nullptr, pointer);
+    registerOpenGLControlLoopCallbackWithUser(
+        handle,
+        [](unsigned index, unsigned, unsigned, void*, void* user) {
+          static_cast<User*>(user)->shown->add(index);
+        },
+        pointer);
+    resizeOpenGLControlLoop(handle, 4, 4);
+    OpenGLControlLoopMode(handle, 0);
+  }
+  renderMultOpenGLControlLoop(loop, 7);
+  renderMultOpenGLControlLoop(second, 9);
+  EXPECT_EQ(one.shown->at_least(1), std::vector<std::uint32_t>{7});
+  EXPECT_EQ(other.shown->at_least(1), std::vector<std::uint32_t>{9});
+  registerOpenGLControlLoopCallbackWithUser(second, nullptr, nullptr);
+  renderMultOpenGLControlLoop(second, 10);
+  EXPECT_EQ(other.drawn->at_least(2), (std::vector<std::uint32_t>{9, 10}));
+  deleteOpenGLControlLoop(second);
+  EXPECT_EQ(one.drawn->all(), std::vector<std::uint32_t>{7});
+  EXPECT_EQ(other.shown->all(), std::vector<std::uint32_t>{9});
+}
+
 TEST_P(ControlLoopApiGLTest, SnapshotsTheirMisuseAndTheTrace) {
   const auto trace = [] { return text_of(render_trace_file()); };
   renderOpenGLControlLoop(loop);

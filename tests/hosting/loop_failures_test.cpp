@@ -15,16 +15,16 @@ namespace {
 
 Recorded<std::string> errors;
 std::atomic<int> inits{0};
-std::atomic<int> uninits{0};
 bool init_fails = false;
 
-OpenGLControlLoopHandle create() {
-  return createOpenGLControlLoopCB(
-      [] {
+OpenGLControlLoopHandle create(std::atomic<int>& uninits) {
+  return createOpenGLControlLoopCBWithUser(
+      [](void*) {
         ++inits;
         if (init_fails) throw std::runtime_error("no more");
       },
-      [] { ++uninits; }, [](const char* message) { errors.add(message); });
+      [](void* count) { ++*static_cast<std::atomic<int>*>(count); },
+      [](const char* message, void*) { errors.add(message); }, &uninits);
 }
 
 class LoopFailuresGLTest : public LoopGLTest {
@@ -40,7 +40,7 @@ class LoopFailuresGLTest : public LoopGLTest {
     loop->request(1);
     await_returned(1);
     loop.reset();
-    inits = uninits = 0;
+    inits = 0;
     threads_before_ = thread_count();
   }
   void TearDown() override { finishOpenGL(); }
@@ -55,6 +55,7 @@ class LoopFailuresGLTest : public LoopGLTest {
 
   std::shared_ptr<void> device_;
   std::size_t threads_before_ = 0;
+  std::atomic<int> uninits_{0};
 };
 
 TEST_P(LoopFailuresGLTest, NoThread) {
@@ -67,7 +68,7 @@ TEST_P(LoopFailuresGLTest, NoThread) {
       SCOPED_TRACE(index);
       const OpenGLControlLoopHandle loop = [index] {
         const ScarceThreads scarce(index);
-        return create();
+        return create(uninits_);
       }();
       EXPECT_EQ(loop != nullptr, index >= 2);
       EXPECT_EQ(pending_error(),
@@ -89,7 +90,7 @@ TEST_P(LoopFailuresGLTest, NoMemoryToDeleteALoop) {
       bool came = true;
       for (std::size_t i = 0; came; ++i) {
         SCOPED_TRACE(i);
-        const OpenGLControlLoopHandle loop = create();
+        const OpenGLControlLoopHandle loop = create(uninits_);
         ASSERT_NE(loop, nullptr);
         if (dead) errors.at_least(i + 1);
         resizeOpenGLControlLoop(loop, 8, 6);
@@ -100,11 +101,11 @@ TEST_P(LoopFailuresGLTest, NoMemoryToDeleteALoop) {
           came = scarce.has_failed();
         }
         expect_no_thread_left();
-        EXPECT_EQ(uninits, dead ? 0 : inits.load());
+        EXPECT_EQ(uninits_, dead ? 0 : inits.load());
         EXPECT_EQ(pending_error(), "(none)");
         ASSERT_LT(i, 1000U);
       }
-      inits = uninits = 0;
+      inits = 0;
       errors.clear();
     }
   }

@@ -1,6 +1,7 @@
 #include "live/live_test.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <thread>
 
@@ -56,18 +57,24 @@ void LiveTest::listen_to(LiveDataSourceHandle source) {
 
 void LiveTest::on_intensity(std::function<void()> action) {
   intensity_action = std::move(action);
-  setRefIntensityCallback(source_, [](double value) {
-    if (intensity_action) intensity_action();
-    intensities.add(value);
-  });
+  setRefIntensityCallbackWithUser(
+      source_,
+      [](double value, void* values) {
+        if (intensity_action) intensity_action();
+        static_cast<Recorded<double>*>(values)->add(value);
+      },
+      &intensities);
 }
 
 void LiveTest::on_error(std::function<void()> action) {
   error_action = std::move(action);
-  setErrorCallback(source_, [](const char* message) {
-    if (error_action) error_action();
-    client_errors.add(message);
-  });
+  setErrorCallbackWithUser(
+      source_,
+      [](const char* message, void* messages) {
+        if (error_action) error_action();
+        static_cast<Recorded<std::string>*>(messages)->add(message);
+      },
+      &client_errors);
 }
 
 Picture LiveTest::frame(int width, int height, LiveVolumeRenderingHandle drawn) {
@@ -102,6 +109,15 @@ bool LiveTest::frames_until(const std::function<bool()>& condition) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return false;
+}
+
+std::vector<std::string> LiveTest::unread_errors() {
+  std::vector<std::string> errors;
+  std::array<char, 600> text{};
+  while (getDataSourceError(source_, text.data(), static_cast<int>(text.size())) != 0) {
+    errors.emplace_back(text.data());
+  }
+  return errors;
 }
 
 void LiveTest::run(int volumes) {
