@@ -18,23 +18,35 @@ _ORTHOGRAPHIC_ZOOM = 30.0
 _MODES = ("composite", "maximum", "mean", "sections")
 
 
-def free_renderer(home: Home, before: Callable[[], None], value: int) -> None:
-    """Frees a renderer where its OpenGL objects are, and before it what refers to it."""
-    def free() -> None:
-        before()
+class Owner:
+    """What refers to the renderer of a scene and is freed before it: `uninit` with OpenGL, `free` without."""
+
+    def uninit(self) -> None:
+        pass
+
+    def free(self) -> None:
+        pass
+
+
+def free_renderer(home: Home, owner: Owner, value: int) -> None:
+    def uninit() -> None:
+        owner.uninit()
         raw.uninitializeVolumeRenderer(value)
+
+    def free() -> None:
+        owner.free()
         raw.deleteVolumeRenderer(value)
-    home.discard(free)
+    home.discard(uninit, free)
 
 
 class Scene:
     """A view of a volume. Settings may be made from any thread and show in the next frame; frames are drawn on one thread, that
     of the first one. Close it, or use it in a `with` statement; it is also closed when nobody refers to it any more."""
 
-    def __init__(self, before_free: Callable[[], None]) -> None:
+    def __init__(self, owner: Owner) -> None:
         self._home = Home()
         self._settings = threading.Lock()
-        free = functools.partial(free_renderer, self._home, before_free)
+        free = functools.partial(free_renderer, self._home, owner)
         self._renderer = Handle(checked(raw.createVolumeRenderer), free, type(self).__name__)
         self._mode = "composite"
         self._secondary = False
