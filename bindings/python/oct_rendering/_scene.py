@@ -1,7 +1,7 @@
 """What volumes and live volumes share: a renderer of volumes, its view and its colours."""
 import functools
 import threading
-from typing import Any, Callable, Dict, Optional, Sequence, Tuple
+from typing import Any, Callable, Dict, Optional, Sequence, Tuple, TypeVar
 
 from . import raw
 from ._calls import Handle, checked, is_forked
@@ -12,6 +12,7 @@ from .errors import ArgumentError
 from .pictures import Picture
 
 Size = Tuple[int, int]
+_Scene = TypeVar("_Scene", bound="Scene")
 
 _PERSPECTIVE_ZOOM = 52.0  # the box with its labels, whatever the angles
 _ORTHOGRAPHIC_ZOOM = 30.0
@@ -58,7 +59,7 @@ class Scene:
         self.set_look()
         self.set_box()
 
-    def __enter__(self) -> Any:
+    def __enter__(self: _Scene) -> _Scene:
         return self
 
     def __exit__(self, *_: object) -> None:

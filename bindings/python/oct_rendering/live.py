@@ -50,7 +50,7 @@ class Live(Scene):
         if isinstance(device, tuple):
             if range is None:
                 raise ArgumentError("Live needs a range for the values of this device.")
-            handles = device
+            handles = (device[0], device[1], device[2])
         else:
             handles = device.handles()
             library = library or device.library
@@ -129,7 +129,7 @@ class Live(Scene):
         super().close()
         open_lives.discard(self)
 
-    def __exit__(self, kind: object, *_: object) -> None:
+    def __exit__(self, kind: object = None, *_: object) -> None:
         self.close()
         if kind is None:
             self._reports.raise_first()

@@ -65,7 +65,7 @@ class Loop:
     def __enter__(self) -> "Loop":
         return self
 
-    def __exit__(self, kind: object, *_: object) -> None:
+    def __exit__(self, kind: object = None, *_: object) -> None:
         self.close()
         if kind is None:
             self._reports.raise_first()
