@@ -27,6 +27,8 @@
   FUNCTION(0.1, library, void, setRendererLogFile, (const char* FileName)) \
   FUNCTION(0.1, library, void, setErrorCallback, (LiveDataSourceHandle DataSource, OctErrorFunction Callback)) \
   FUNCTION(0.2, library, void, setErrorCallbackWithUser, (LiveDataSourceHandle DataSource, OctErrorFunctionWithUser Callback, void* user)) \
+  FUNCTION(0.2, library, void, setRendererTraceFile, (const char* FileName)) \
+  FUNCTION(0.2, library, void, setRendererTimingCallback, (OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant, void* user)) \
   FUNCTION(0.1, display, DisplayRenderingHandle, createDisplayRendering, (void)) \
   FUNCTION(0.1, display, void, clearDisplayRendering, (DisplayRenderingHandle Handle)) \
   FUNCTION(0.1, display, void, initDisplayRendering, (DisplayRenderingHandle Handle)) \

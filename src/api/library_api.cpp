@@ -6,6 +6,8 @@
 #include "api/texts.h"
 #include "core/error_store.h"
 #include "core/log.h"
+#include "core/trace/timing_callback.h"
+#include "core/trace/trace_file.h"
 #include "live/brennick_data_source.h"
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
@@ -57,4 +59,13 @@ void setErrorCallbackWithUser(LiveDataSourceHandle DataSource, OctErrorFunctionW
   guarded(__func__, [&] {
     set_error_callback(DataSource, oct::api::with_user<oct::ErrorCallback::Function>(Callback, user));
   });
+}
+
+void setRendererTraceFile(const char* FileName) {
+  guarded(__func__, [&] { oct::set_trace_file(FileName ? FileName : ""); });
+}
+
+void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant,
+                               void* user) {
+  guarded(__func__, [&] { oct::set_timing_functions({Begin, End, Instant, user}); });
 }

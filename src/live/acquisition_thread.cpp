@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "core/exception.h"
+#include "core/trace/thread_name.h"
 
 namespace oct {
 namespace {
@@ -46,6 +47,7 @@ void AcquisitionThread::start(const std::function<void(Run)>& before) {
 }
 
 void AcquisitionThread::run() {
+  name_thread("OCT acquisition");
   own_thread_ = std::this_thread::get_id();
   body_();
   end();

@@ -5,6 +5,7 @@
 #include "core/console.h"
 #include "core/immortal.h"
 #include "core/timing_mark.h"
+#include "core/trace/thread_name.h"
 
 namespace oct {
 namespace {
@@ -47,6 +48,7 @@ OpenGLHost::~OpenGLHost() {
 }
 
 void OpenGLHost::run_thread() {
+  name_thread("OCT windows");
   try {
     window_ = std::make_unique<gl::OpenGLWindow>();
   } catch (...) {

@@ -10,6 +10,7 @@
 #include "core/console.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
+#include "core/trace/thread_name.h"
 #include "gl/opengl_error.h"
 #include "hosting/loop/opengl_control.h"
 #include "hosting/loop/render_trace.h"
@@ -161,6 +162,7 @@ void OpenGLControlLoop::snapshot(std::uint32_t width, std::uint32_t height, void
 }
 
 void OpenGLControlLoop::rendering_loop() noexcept {
+  name_thread("OCT render");
   render_thread_id_ = std::this_thread::get_id();
   try {
     try {
@@ -380,6 +382,7 @@ void OpenGLControlLoop::hand_over(bool wait) {
 }
 
 void OpenGLControlLoop::return_loop() {
+  name_thread("OCT return");
   return_thread_id_ = std::this_thread::get_id();
   try {
     return_frames();
