@@ -255,9 +255,12 @@ def _structs(text):
 
 
 def _callbacks(text):
-    pattern = _COMMENT + r"typedef ([\w ]+?\**) ?\(\*(\w+)\)\(([^()]*)\);"
-    return tuple(Callback(name, _type(result), _parameters(parameters), parse_doc(comment))
-                 for comment, result, name, parameters in re.findall(pattern, text))
+    pattern = (r"(?:" + _COMMENT + r")?typedef ([\w ]+?\**) ?\(\*(\w+)\)\(([^()]*)\);(?:[ \t]*" + _COMMENT + ")?")
+    found = tuple(Callback(name, _type(result), _parameters(parameters), parse_doc(before or after))
+                  for before, result, name, parameters, after in re.findall(pattern, text))
+    if len(found) != len(re.findall(r"^typedef [^;]*\(\*", text, re.MULTILINE)):
+        raise InterfaceError("a type of a callback was not understood")
+    return found
 
 
 def _handles(text):

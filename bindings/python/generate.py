@@ -44,11 +44,11 @@ class Types:
         raise headers.InterfaceError("no type of Python for " + c_type)
 
 
-def docstring(doc, indent):
+def docstring(doc, indent, since=""):
     parts = [doc.brief]
     if doc.parameters:
         parts.append("\n".join(["Parameters:"] + [f"  {name}: {text}" for name, text in doc.parameters]))
-    named = (("Returns", doc.returns), ("Errors", doc.errors), ("Thread", doc.thread), ("Since", doc.since)) + doc.notes
+    named = (("Returns", doc.returns), ("Errors", doc.errors), ("Thread", doc.thread), ("Since", "" if since == "0.1" else since)) + doc.notes
     parts += [f"{title}: {text}" for title, text in named if text]
     lines = []
     for line in "\n\n".join(parts).split("\n"):
@@ -106,14 +106,14 @@ def write_module(target, interface, about, version, table):
     rows = []
     for function in interface.functions:
         names = ", ".join(parameter.name for parameter in function.parameters)
-        code.append(f"\n\ndef {function.name}({names}):\n    {docstring(function.doc, 4)}\n"
+        code.append(f"\n\ndef {function.name}({names}):\n    {docstring(function.doc, 4, function.since)}\n"
                     f'    return {table}["{function.name}"]({names})\n')
         arguments = ", ".join(f"{parameter.name}: {types.of(parameter.type)[1]}" for parameter in function.parameters)
         result = types.of(function.result)[1].replace("Address", "Handle")
         stub.append(f"def {function.name}({arguments}) -> {result}: ...\n")
         passed = "".join(types.of(parameter.type)[0] + ", " for parameter in function.parameters)
         rows.append(f'    "{function.name}": ("{function.since}", {types.of(function.result)[0]}, ({passed})),\n')
-    code.append(f"\n\n{table}.declare({{\n{''.join(rows)}}})\n")
+    code.append(f"\n\n{table}.declare(VERSION, {{\n{''.join(rows)}}})\n")
     target.with_suffix(".py").write_text("".join(code), encoding="utf-8")
     target.with_suffix(".pyi").write_text("".join(stub), encoding="utf-8")
 

@@ -24,11 +24,14 @@ class Library(Dict[str, Callable[..., Any]]):
         self._name = name
         self._variable = variable
         self._prototypes: Dict[str, Prototype] = {}
+        self._version = ""
         self._lock = threading.Lock()
         self._loaded: Optional[ctypes.CDLL] = None
         self.path = ""  # of the library that is loaded
 
-    def declare(self, prototypes: Mapping[str, Prototype]) -> None:
+    def declare(self, version: str, prototypes: Mapping[str, Prototype]) -> None:
+        """Tells which functions the library has in the version that the package was made from."""
+        self._version = version
         self._prototypes.update(prototypes)
 
     def has(self, name: str) -> bool:
@@ -61,7 +64,9 @@ class Library(Dict[str, Callable[..., Any]]):
         inside = Path(__file__).parent / "lib" / file
         if inside.exists():
             return [str(inside)]
-        return [file] if _WINDOWS else [f"{file}.0.2", f"{file}.0", file]
+        major, minor = self._version.split(".")[:2]
+        abi = f"0.{minor}" if major == "0" else major
+        return [file] if _WINDOWS else [f"{file}.{abi}", file]
 
     def _find(self) -> ctypes.CDLL:
         reasons = []
