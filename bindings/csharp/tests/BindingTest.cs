@@ -457,7 +457,7 @@ internal static class BindingTest {
 
         string failed = null;
         source.Failed += message => failed = message;
-        Native.setSizeZ(source.Handle, 100000);
+        Native.setSizeZ(source.Handle, 1000);
         source.Start(volume, pattern);
         for (int i = 0; i < 1000 && failed == null; ++i) target.Draw(40, 30, volume.Render);
         Expect(failed == "Insufficient memory allocated.", "an error of the source: " + failed);
