@@ -55,7 +55,7 @@ BrennickDataSource::~BrennickDataSource() {
 }
 
 void BrennickDataSource::start(std::shared_ptr<LiveFeed> feed, ScanPatternHandle pattern) {
-  if (!feed) throw Exception("Wrong order of execution");
+  if (!feed) throw StateError("Wrong order of execution");
   thread_.start([&](AcquisitionThread::Run run) {
     // A live renderer that a measurement left running when it ended by itself.
     if (feed_ && feed_ != feed) feed_->stop(std::exchange(claim_, no_claim));
@@ -199,7 +199,7 @@ void BrennickDataSource::acquire() {
     } else {
       thread_.pause(pause.next());
     }
-    if (feed_->is_gone()) throw Exception("The live renderer of the source was cleared. ");
+    if (feed_->is_gone()) throw StateError("The live renderer of the source was cleared. ");
   }
   if (cancelled_) report_device_error();
 }
