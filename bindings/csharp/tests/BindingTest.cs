@@ -9,7 +9,9 @@ using System.Runtime.CompilerServices;
 using System.Runtime.InteropServices;
 using System.Text;
 using System.Threading;
+using System.Windows.Media.Imaging;
 using OctRendering;
+using OctRendering.Wpf;
 
 internal static class BindingTest {
   private static string octrender, deviceLibrary, folder;
@@ -21,7 +23,7 @@ internal static class BindingTest {
     deviceLibrary = arguments[1];
     folder = arguments[2];
     foreach (Action test in new Action[] { Bscans, Volumes, Errors, Threads, ForgottenObjects, Loops,
-                                           ExceptionsOfCallbacks, LiveVolumes, EndOfTheProgram }) {
+                                           ExceptionsOfCallbacks, LiveVolumes, ControlOfWpf, EndOfTheProgram }) {
       int before = failures;
       var watch = Stopwatch.StartNew();
       try {
@@ -262,12 +264,12 @@ internal static class BindingTest {
 
   private static void ForgottenObjects() {
     using (var target = new OffscreenTarget()) {
-      for (int i = 0; i < 1000; ++i) new Display().Dispose();
+      for (int i = 0; i < 50; ++i) new Volume().Dispose();
       var displays = new List<IntPtr>();
       var renderers = new List<IntPtr>();
       Forget(50, () => {
-        for (int i = 0; i < 1000; ++i) displays.Add(new Display().Handle.DangerousGetHandle());
-        for (int i = 0; i < 100; ++i) renderers.Add(new Volume().Renderer.Handle.DangerousGetHandle());
+        for (int i = 0; i < 1000; ++i) displays.Add(Native.createDisplayRendering().DangerousGetHandle());
+        for (int i = 0; i < 50; ++i) renderers.Add(new Volume().Renderer.Handle.DangerousGetHandle());
       });
       Collect();
       int left = Living(displays, handle => setDisplayFlip(handle, 1));
@@ -278,7 +280,7 @@ internal static class BindingTest {
       left = Living(displays, handle => setDisplayFlip(handle, 1));
       Expect(left < 50, "the next frame frees what was forgotten: " + left + " of 1000 displays are left");
       left = Living(renderers, handle => setZoom(handle, 40));
-      Expect(left < 20, "after the volumes: " + left + " of 100 renderers are left");
+      Expect(left < 10, "after the volumes: " + left + " of 50 renderers are left");
     }
   }
 
@@ -381,6 +383,40 @@ internal static class BindingTest {
       loop.Request();
     }
     Expect(told.Count > 0 && told.All(text => text == "told"), "who asked is told");
+  }
+
+  // With stand-ins for WPF: by host memory, where Direct3D does not work without being told.
+  private static void ControlOfWpf() {
+    byte[] drawn = null;
+    var control = new OctImage();
+    Display display = null;
+    control.Open(new LoopFunctions {
+      Started = () => Apply(display = new Display()),
+      Draw = id => display.Render(),
+      Stopped = () => display.Dispose()
+    });
+    Expect(control.Way == OctImageWay.HostMemory, "the way that works");
+    foreach (double width in new[] { 40.0, 60.0 }) {
+      control.Arrange(width, 20);
+      int columns = (int)(width * 1.5);
+      Expect(Until(() => {
+        control.Dispatcher.Empty();
+        var bitmap = control.Source as WriteableBitmap;
+        drawn = bitmap == null ? null : bitmap.Written;
+        return bitmap != null && bitmap.PixelWidth == columns && bitmap.PixelHeight == 30;
+      }), "a picture in pixels of the screen");
+      byte[] snapshot = control.Loop.Snapshot(columns, 30);
+      byte[] turned = Enumerable.Range(0, 30).Reverse().SelectMany(
+          y => drawn.Skip(y * columns * 4).Take(columns * 4)).ToArray();
+      ExpectSame(snapshot, turned, "the control's picture");
+    }
+    control.Close();
+    control.RequestFrame();
+    Expect(control.Source == null && control.Loop == null, "closed");
+    ExpectThrown<OctException>(() => control.Open(new LoopFunctions { Draw = id => { } }, OctImageWay.Direct3D),
+                               "Direct3D where there is none");
+    Expect(control.Loop == null, "nothing is left");
+    control.Dispose();
   }
 
   private static int ExitWithALoop() {
