@@ -21,26 +21,28 @@ extern "C" {
  */
 /** @{ */
 
-/**
- * @brief Marks the program that it stands in, at namespace scope in one file: the library writes nothing to its standard
- * output. A program on Linux that loads the library by name exports the mark to it
- * (-Wl,--export-dynamic-symbol=oct_rendering_quiet); one that is linked with it does so by itself.
- * @since 0.2
- */
+/** @cond */
 #if defined(_WIN32)
 #define OCT_QUIET_PROGRAM_EXPORT __declspec(dllexport)
 #else
 #define OCT_QUIET_PROGRAM_EXPORT __attribute__((visibility("default")))
 #endif
 #ifdef __cplusplus
-#define OCT_QUIET_PROGRAM                                            \
-  extern "C" OCT_QUIET_PROGRAM_EXPORT const int oct_rendering_quiet; \
-  const int oct_rendering_quiet = 1
+#define OCT_QUIET_PROGRAM_LINKAGE extern "C"
 #else
-#define OCT_QUIET_PROGRAM                                        \
-  extern OCT_QUIET_PROGRAM_EXPORT const int oct_rendering_quiet; \
-  const int oct_rendering_quiet = 1
+#define OCT_QUIET_PROGRAM_LINKAGE extern
 #endif
+/** @endcond */
+
+/**
+ * @brief Marks the program that it stands in, at namespace scope in one file: the library writes nothing to its standard
+ * output. A program on Linux that loads the library by name exports the mark to it
+ * (-Wl,--export-dynamic-symbol=oct_rendering_quiet); one that is linked with it does so by itself.
+ * @since 0.2
+ */
+#define OCT_QUIET_PROGRAM                                                           \
+  OCT_QUIET_PROGRAM_LINKAGE OCT_QUIET_PROGRAM_EXPORT const int oct_rendering_quiet; \
+  const int oct_rendering_quiet = 1
 
 /**
  * @brief Version of the library.
@@ -157,8 +159,8 @@ OCT_API void setRendererTraceFile(const char* FileName);
  * @thread Any thread.
  * @since 0.2
  */
-OCT_API void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant,
-                                       void* user);
+OCT_API void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End,
+                                       OctTimingFunction Instant, void* user);
 
 /** @} */
 
