@@ -1,10 +1,9 @@
 // Exports of the library itself: version, errors, log.
-#include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "api/guard.h"
 #include "api/handles.h"
+#include "api/texts.h"
 #include "core/error_store.h"
 #include "core/log.h"
 #include "live/brennick_data_source.h"
@@ -36,12 +35,7 @@ int getRendererError(char* Message, int Size) {
   return guarded_unposted([&] {
     const auto error = oct::error_store().takeError();
     if (!error) return 0;
-    if (Message && Size > 0) {
-      // Up to the first NUL, as any C string.
-      const std::size_t length = std::min(std::strlen(error->c_str()), static_cast<std::size_t>(Size) - 1);
-      std::memcpy(Message, error->c_str(), length);
-      Message[length] = '\0';
-    }
+    oct::api::copy_text(*error, Message, Size);
     return OCT_RENDERER_ERROR;
   });
 }
