@@ -11,8 +11,38 @@
 extern "C" {
 #endif
 
-/** @defgroup library Library */
+/**
+ * @defgroup library Library
+ *
+ * The library tells on the standard output when it is loaded and unloaded, which OpenGL it found and when a loop has
+ * ended. A program whose output is read by others keeps these lines away by the environment variable
+ * OCT_RENDERING_QUIET, set to anything but "0" or nothing before the library is loaded, or for good by OCT_QUIET_PROGRAM
+ * in one of its source files. Errors go to the standard error stream all the same.
+ */
 /** @{ */
+
+/** @cond */
+#if defined(_WIN32)
+#define OCT_QUIET_PROGRAM_EXPORT __declspec(dllexport)
+#else
+#define OCT_QUIET_PROGRAM_EXPORT __attribute__((visibility("default")))
+#endif
+#ifdef __cplusplus
+#define OCT_QUIET_PROGRAM_LINKAGE extern "C"
+#else
+#define OCT_QUIET_PROGRAM_LINKAGE extern
+#endif
+/** @endcond */
+
+/**
+ * @brief Marks the program that it stands in, at namespace scope in one file: the library writes nothing to its standard
+ * output. A program on Linux that loads the library by name exports the mark to it
+ * (-Wl,--export-dynamic-symbol=oct_rendering_quiet); one that is linked with it does so by itself.
+ * @since 0.2
+ */
+#define OCT_QUIET_PROGRAM                                                           \
+  OCT_QUIET_PROGRAM_LINKAGE OCT_QUIET_PROGRAM_EXPORT const int oct_rendering_quiet; \
+  const int oct_rendering_quiet = 1
 
 /**
  * @brief Version of the library.
@@ -40,6 +70,16 @@ OCT_API int isRendererError(void);
  * @thread Any thread.
  */
 OCT_API int getRendererError(char* Message, int Size);
+
+/**
+ * @brief Tells the kind of the calling thread's pending error, or of the error that it read last when it has none
+ * pending: also after getRendererError() has taken the text, also where that was another thread's. Consumes nothing.
+ * Kinds stay the same from version to version, as the texts do; docs/errors.md has both.
+ * @return A value of OctErrorKind; OCT_ERROR_NONE on a thread without an error of its own that has read none.
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API int getRendererErrorKind(void);
 
 /**
  * @brief Sets the file that the library log is appended to, for every process that has the library loaded.
@@ -75,6 +115,52 @@ OCT_API void setErrorCallback(LiveDataSourceHandle DataSource, OctErrorFunction 
  */
 OCT_API void setErrorCallbackWithUser(LiveDataSourceHandle DataSource, OctErrorFunctionWithUser Callback,
                                       void* user);
+
+/** @} */
+
+/** @defgroup traces Traces */
+/** @{ */
+
+/**
+ * @brief Writes what the library does, and when, to a file in Chrome's trace format, as docs/tracing.md describes.
+ *
+ * The environment variable OCT_RENDERING_TRACE does the same from the loading of the library on.
+ * @param FileName Path of the file, which is overwritten; "%p" in it stands for the number of the process. A trace that
+ *        is being written ends. Null or empty: it ends, and no other one begins. The file is valid JSON at any time;
+ *        up to 0.2 seconds of events are in memory until the trace or the process ends.
+ * @par Errors
+ * "The trace file could not be opened: " and "The trace file could not be written: ", each followed by the reason of the
+ * system; the trace that was being written goes on. A trace that can no longer be written, for example because
+ * the disk is full, ends with such a line on the standard error stream and in the log.
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void setRendererTraceFile(const char* FileName);
+
+/**
+ * @brief Hands timing marks to the profiler of a host.
+ *
+ * Phases of one thread nest. Of a phase that had begun before the functions were set they hear nothing.
+ * @param Begin Called when a phase begins, on the thread that it is of; null: not told.
+ * @param End Called when it ends, with the same name, on the same thread; null: not told.
+ * @param Instant Called at points in time; null: not told.
+ * @param user Handed back to the functions.
+ *
+ * Replaces the functions that were set before, which hear the end of each phase that they have heard begin: of those that
+ * are still open before this returns, on the calling thread, with the number of the phase's thread. No call of them
+ * is running or comes after this has returned. Three null functions: nobody is called any more. Do not hold a lock
+ * that the functions take.
+ *
+ * What the functions do costs the library's threads time. Marks that the library would set within them are not told. From
+ * within one of the functions this replaces them at once: they get no further ends, but other threads may still be
+ * within a call.
+ * @par Errors
+ * "Too many listen to the timing marks. "
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End,
+                                       OctTimingFunction Instant, void* user);
 
 /** @} */
 

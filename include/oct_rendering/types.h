@@ -79,6 +79,13 @@ typedef struct OctHostSurface {
   unsigned char* pixels;     /**< stride_bytes for each row, the bottom row first */
 } OctHostSurface;
 
+/**
+ * @brief Receives a timing mark: its name, which is valid until the function returns, the system's number of the thread
+ * that set it, and the time in nanoseconds of the system's monotonic clock (CLOCK_MONOTONIC, QueryPerformanceCounter).
+ */
+typedef void (*OctTimingFunction)(const char* name, unsigned int thread, unsigned long long nanoseconds,
+                                  void* user);
+
 /** @brief Result of the error functions while an error is pending: 0xE0000000 as a signed 32-bit number. */
 #define OCT_RENDERER_ERROR (-536870912)
 

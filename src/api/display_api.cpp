@@ -113,9 +113,9 @@ void setDisplayOveralyThreshold(DisplayRenderingHandle Handle, double Threshold)
 
 int explainDisplay(DisplayRenderingHandle Handle, char* Text, int Size) {
   return guarded(__func__, [&] {
-    oct::api::copy_text("", Text, Size);
+    oct::api::give_text("", Text, Size);
     const std::string explanation = renderer(Handle).explain();
-    oct::api::copy_text(explanation, Text, Size);
+    oct::api::give_text(explanation, Text, Size);
     return explanation.empty() ? 0 : 1;
   });
 }

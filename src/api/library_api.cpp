@@ -6,10 +6,13 @@
 #include "api/texts.h"
 #include "core/error_store.h"
 #include "core/log.h"
+#include "core/trace/timing_callback.h"
+#include "core/trace/trace_file.h"
 #include "live/brennick_data_source.h"
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
 
+using oct::ErrorKind;
 using oct::api::guarded;
 using oct::api::guarded_unposted;
 
@@ -23,6 +26,15 @@ void set_error_callback(LiveDataSourceHandle handle, oct::ErrorCallback::Functio
 
 }  // namespace
 
+// What the store calls a kind is what clients call it.
+static_assert(static_cast<int>(ErrorKind::none) == OCT_ERROR_NONE &&
+              static_cast<int>(ErrorKind::argument) == OCT_ERROR_ARGUMENT &&
+              static_cast<int>(ErrorKind::state) == OCT_ERROR_STATE &&
+              static_cast<int>(ErrorKind::opengl) == OCT_ERROR_OPENGL &&
+              static_cast<int>(ErrorKind::memory) == OCT_ERROR_MEMORY &&
+              static_cast<int>(ErrorKind::device) == OCT_ERROR_DEVICE &&
+              static_cast<int>(ErrorKind::system) == OCT_ERROR_SYSTEM);
+
 const char* getRendererVersion(void) {
   return OCT_RENDERING_VERSION;
 }
@@ -35,9 +47,13 @@ int getRendererError(char* Message, int Size) {
   return guarded_unposted([&] {
     const auto error = oct::error_store().takeError();
     if (!error) return 0;
-    oct::api::copy_text(*error, Message, Size);
+    oct::api::give_text(*error, Message, Size);
     return OCT_RENDERER_ERROR;
   });
+}
+
+int getRendererErrorKind(void) {
+  return guarded_unposted([] { return static_cast<int>(oct::error_store().kind()); });
 }
 
 void setRendererLogFile(const char* FileName) {
@@ -57,4 +73,13 @@ void setErrorCallbackWithUser(LiveDataSourceHandle DataSource, OctErrorFunctionW
   guarded(__func__, [&] {
     set_error_callback(DataSource, oct::api::with_user<oct::ErrorCallback::Function>(Callback, user));
   });
+}
+
+void setRendererTraceFile(const char* FileName) {
+  guarded(__func__, [&] { oct::set_trace_file(FileName ? FileName : ""); });
+}
+
+void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant,
+                               void* user) {
+  guarded(__func__, [&] { oct::set_timing_functions({Begin, End, Instant, user}); });
 }

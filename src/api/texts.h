@@ -1,4 +1,4 @@
-// Texts for clients.
+// Texts that go into a client's buffer.
 #pragma once
 
 #include <algorithm>
@@ -7,8 +7,9 @@
 
 namespace oct::api {
 
-// Up to the first NUL, as any C string, cut to what the buffer holds with its end. Null takes nothing.
-inline void copy_text(const std::string& text, char* buffer, int size) {
+// Writes the text up to its first NUL, as any C string, cut to `size` bytes with its end. Writes nothing into null or
+// into no bytes.
+inline void give_text(const std::string& text, char* buffer, int size) {
   if (!buffer || size <= 0) return;
   const std::size_t length = std::min(std::strlen(text.c_str()), static_cast<std::size_t>(size) - 1);
   std::memcpy(buffer, text.c_str(), length);

@@ -174,9 +174,9 @@ void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index) {
 
 int explainFrame(VolumeRendererHandle Handle, char* Text, int Size) {
   return guarded_drawing(__func__, [&] {
-    oct::api::copy_text("", Text, Size);
+    oct::api::give_text("", Text, Size);
     const std::string explanation = renderer(Handle).explain_frame();
-    oct::api::copy_text(explanation, Text, Size);
+    oct::api::give_text(explanation, Text, Size);
     return explanation.empty() ? 0 : 1;
   });
 }

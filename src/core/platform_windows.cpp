@@ -10,6 +10,33 @@ std::uint32_t current_thread_id() {
   return GetCurrentThreadId();
 }
 
+bool is_quiet_program() {
+  char wish[2] = "";
+  // What does not fit has a length above 1 and leaves the buffer undefined.
+  const DWORD length = GetEnvironmentVariableA("OCT_RENDERING_QUIET", wish, sizeof wish);
+  if (length > 1 || (length == 1 && wish[0] != '0')) return true;
+  const auto mark =
+      reinterpret_cast<const int*>(GetProcAddress(GetModuleHandleA(nullptr), "oct_rendering_quiet"));
+  return mark && *mark != 0;
+}
+
+std::uint32_t current_process_id() {
+  return GetCurrentProcessId();
+}
+
+// Windows has names of threads since 10, version 1607.
+std::string system_thread_name() {
+  using GetDescription = HRESULT(WINAPI*)(HANDLE, PWSTR*);
+  const HMODULE kernel = GetModuleHandleA("kernel32.dll");
+  const auto get = reinterpret_cast<GetDescription>(
+      reinterpret_cast<void*>(GetProcAddress(kernel, "GetThreadDescription")));
+  PWSTR text = nullptr;
+  if (!get || FAILED(get(GetCurrentThread(), &text))) return {};
+  const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(text, &LocalFree);
+  char name[256] = "";
+  return WideCharToMultiByte(CP_UTF8, 0, text, -1, name, sizeof name, nullptr, nullptr) > 0 ? name : "";
+}
+
 std::string system_error_text() {
   char* text = nullptr;
   const DWORD length = FormatMessageA(

@@ -8,6 +8,7 @@
 #include "gl/context/opengl_loader.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 #include "shaders.h"
 
 namespace oct {
@@ -139,6 +140,7 @@ void DisplayRenderer::render() {
   try {
     gl::require_opengl();
     gl::require_home(home_);
+    const gl::PassMark mark("DisplayRenderer::render");
     draw_or_forget();
   } catch (const std::exception& error) {
     note_failure(error.what());
@@ -190,6 +192,7 @@ void DisplayRenderer::draw_frame() {
   }
   gl::throwOnGLError("DisplayRenderer::render");
   if (content.width > 0 && content.height > 0) shown_ = content;
+  record_timing_mark("frame end");
 }
 
 void DisplayRenderer::remember(std::shared_ptr<const Frame> frame) {
@@ -243,6 +246,7 @@ void DisplayRenderer::draw_base(const Frame& frame, const TextureView& image) {
   const auto samples = [](std::int64_t texels, GLsizei pixels) {
     return std::max(std::floor(static_cast<float>(texels) / static_cast<float>(pixels)), 1.0F);
   };
+  const gl::PassMark mark("draw image");
   const Content& content = frame.content;
   const LayerSettings& layer = content.layers[0].settings;
   const ImageExtent& extent = image.extent;
@@ -269,6 +273,7 @@ void DisplayRenderer::draw_overlays(const Frame& frame, const TextureView& image
   const auto shown = [](const Layer& layer) { return layer.settings.enabled; };
   if (std::none_of(layers.begin() + 1, layers.end(), shown)) return;
 
+  const gl::PassMark mark("draw overlays");
   const TextureView overlay = overlay_data_.upload(*frame.overlay_image, TexelLayout::single);
   const OverlayProgram& program = built(overlay_, image.layout);
   const gl::Blending blending;

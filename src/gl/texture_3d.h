@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "core/extent.h"
@@ -18,7 +19,7 @@ class Texture3D {
   static void require(const VolumeExtent& extent, GLenum internal_format);
 
   // A new texture of undefined contents, or of the given data, in place of the one before. After a failure
-  // (std::runtime_error) everything is as it was. Leaves it bound at unit 0.
+  // (MemoryError, OpenGLError) everything is as it was. Leaves it bound at unit 0.
   void allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint,
                 const float* data = nullptr);
 
@@ -43,6 +44,7 @@ class Texture3D {
   // Of the texture that there is, which alone owns them: they end with it. Null without one.
   std::shared_ptr<const SliceRevisions> revisions() const { return revisions_; }
 
+  void label(std::string_view text) const;  // for debuggers
   void reset();
 
   GLuint get() const { return texture_.get(); }

@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "core/exception.h"
+#include "core/trace/thread_name.h"
 
 namespace oct {
 namespace {
@@ -11,8 +12,8 @@ std::system_error deadlock() {
   return std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
 }
 
-Exception already_running() {
-  return Exception("BrennickDataSource already running");
+StateError already_running() {
+  return StateError("BrennickDataSource already running");
 }
 
 }  // namespace
@@ -46,6 +47,7 @@ void AcquisitionThread::start(const std::function<void(Run)>& before) {
 }
 
 void AcquisitionThread::run() {
+  name_thread("OCT acquisition");
   own_thread_ = std::this_thread::get_id();
   body_();
   end();

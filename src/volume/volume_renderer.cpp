@@ -9,6 +9,7 @@
 #include "gl/context/opengl_loader.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 namespace {
@@ -81,7 +82,7 @@ void VolumeRenderer::release() {
 
 void VolumeRenderer::render(const VolumeSource& source) {
   const ObjectLock lock(this);
-  const TimingMark mark("VolumeRenderer::render");
+  const gl::PassMark mark("VolumeRenderer::render");
   try {
     draw_frame(source);
   } catch (const std::exception& error) {
@@ -108,8 +109,13 @@ void VolumeRenderer::draw_frame(const VolumeSource& source) {
     finish_frame();
     if (source.volume_maxima) wanted->values = source.volume_maxima->greatest(filled_b_scans(source));
   }
+  remember(wanted);
+  if (wanted->has_area()) record_timing_mark("frame end");
+}
+
+void VolumeRenderer::remember(std::shared_ptr<const FrameRecord> record) {
   const std::lock_guard lock(record_mutex_);
-  record_ = wanted;
+  record_.swap(record);
   failure_.reset();
 }
 
@@ -178,6 +184,7 @@ void VolumeRenderer::clear_target() {
 }
 
 void VolumeRenderer::draw_background(const VolumeFrame& frame) {
+  const gl::PassMark mark("VolumeRenderer::render_background");
   background_.set_colors(frame.settings.background_bottom, frame.settings.background_top);
   background_.draw(programs_.background());
 }

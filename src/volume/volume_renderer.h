@@ -88,6 +88,7 @@ class VolumeRenderer {
   void set_boundaries(ColormapRole role, double lower, double upper);
 
   void draw_frame(const VolumeSource& source);
+  void remember(std::shared_ptr<const FrameRecord> record);
   void note_failure(const char* text) noexcept;
   std::shared_ptr<const FrameRecord> record() const;
   bool can_be_drawn_again(const FrameRecord& record) const;

@@ -1,5 +1,6 @@
 #include "library/dynamic_library.h"
 
+#include <cstdlib>
 #include <stdexcept>
 
 #include <dlfcn.h>
@@ -29,6 +30,10 @@ DynamicLibrary::~DynamicLibrary() {
 
 void* DynamicLibrary::symbol(const char* name) const {
   return dlsym(handle_, name);
+}
+
+void set_environment(const char* name, const char* value) {
+  value ? setenv(name, value, 1) : unsetenv(name);
 }
 
 }  // namespace oct::test

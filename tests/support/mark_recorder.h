@@ -18,8 +18,11 @@ class MarkRecorder : public TimingListener {
  public:
   using Marks = std::vector<std::string>;
 
-  MarkRecorder() { set_timing_listener(this); }
-  ~MarkRecorder() override { set_timing_listener(nullptr); }
+  MarkRecorder() { add_timing_listener(*this); }
+  ~MarkRecorder() override {
+    remove_timing_listener(*this);
+    await_timing_calls(*this);
+  }
   void begin(std::string_view name, std::uint32_t thread, Time time) override {
     add('+', name, thread, time);
   }

@@ -5,6 +5,7 @@
 #include "core/console.h"
 #include "core/immortal.h"
 #include "core/timing_mark.h"
+#include "core/trace/thread_name.h"
 
 namespace oct {
 namespace {
@@ -47,6 +48,7 @@ OpenGLHost::~OpenGLHost() {
 }
 
 void OpenGLHost::run_thread() {
+  name_thread("OCT windows");
   try {
     window_ = std::make_unique<gl::OpenGLWindow>();
   } catch (...) {
@@ -74,7 +76,10 @@ void OpenGLHost::run_tasks() {
       auto task = std::move(tasks_.front());
       tasks_.pop_front();
       lock.unlock();
-      task();
+      {
+        const TimingMark mark("task of the host thread");
+        task();
+      }
       lock.lock();
     }
     if (ending_) return;
@@ -91,6 +96,7 @@ void OpenGLHost::run(std::function<void()> task) {
     tasks_.push_back(std::move(packaged));
     sleeper_.wake();
   }
+  const TimingMark mark("wait for the host thread");
   done.get();
 }
 
