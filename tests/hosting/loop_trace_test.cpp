@@ -76,7 +76,7 @@ TEST_P(LoopTraceGLTest, ShowsThreadsTheGpuAndWaits) {
   const Trace trace = read_trace(file_);
 
   for (const char* const name : {"Rendering Loop", "upload offline volume", "render_raycasting::drawing",
-                                 "draw scale marks", "hand over", "wait for requests"}) {
+                                 "draw scale marks", "hand over"}) {
     EXPECT_TRUE(trace.find("OCT render", name)) << name;
   }
   EXPECT_TRUE(trace.find("OCT return", "Image ready callback"));
@@ -87,21 +87,24 @@ TEST_P(LoopTraceGLTest, ShowsThreadsTheGpuAndWaits) {
   const auto& instants = trace.instants.at("OCT render");
   EXPECT_GE(std::ranges::count(instants, "frame end"), 10);  // of the volume and of the loop
 
-  // The snapshot is read back before its phase ends.
+  // The volume of a snapshot is drawn, and read back, before its phase ends.
   const TracePhase* const drawn = trace.find("OCT render", "Rendering callback (-1)");
   const TracePhase* const worked = trace.find("GPU, OCT render", "Rendering callback (-1)");
   ASSERT_TRUE(drawn && worked);
   EXPECT_GE(worked->begin, drawn->begin - tolerance);
-  EXPECT_LE(worked->end, drawn->end + tolerance);
-  EXPECT_GT(worked->end, worked->begin);
   int rays = 0;
+  int of_snapshot = 0;
   for (const TracePhase& phase : trace.tracks.at("GPU, OCT render")) {
-    if (phase.name == "render_raycasting::drawing") {
-      ++rays;
-      EXPECT_EQ(phase.depth, 3U);
-    }
+    if (phase.name != "render_raycasting::drawing") continue;
+    ++rays;
+    EXPECT_EQ(phase.depth, 3U);
+    EXPECT_GT(phase.end, phase.begin);
+    if (phase.begin < worked->begin || phase.end > worked->end) continue;
+    ++of_snapshot;
+    EXPECT_LE(phase.end, drawn->end + tolerance);
   }
   EXPECT_GE(rays, 5);
+  EXPECT_EQ(of_snapshot, 1);
 }
 
 TEST_P(LoopTraceGLTest, TracesAndFunctionsComeAndGoWhileItDraws) {
