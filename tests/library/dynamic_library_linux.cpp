@@ -1,5 +1,6 @@
 #include "library/dynamic_library.h"
 
+#include <cstdlib>
 #include <stdexcept>
 
 #include <dlfcn.h>
@@ -16,6 +17,10 @@ void keep_egl() {
 }
 
 }  // namespace
+
+void set_environment(const char* name, const char* value) {
+  setenv(name, value, 1);
+}
 
 DynamicLibrary::DynamicLibrary(const std::string& file)
     : handle_(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {

@@ -154,7 +154,8 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
   };
   // Opaque things first; then, from behind, what is blended.
   EXPECT_EQ(marks_of_frame(), (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
-                                     "render: colormap changed", "VolumeRenderer::render_surface",
+                                     "render: colormap changed", "VolumeRenderer::render_background",
+                                     "VolumeRenderer::render_surface",
                                      "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
                                      "VolumeRenderer::render_clip_plane_border", "render_raycasting::drawing",
                                      "VolumeRenderer::render_clip_plane_border",
@@ -164,7 +165,8 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
   renderOfflineVolume(offline_, 0);  // builds what slices need
   EXPECT_EQ(marks_of_frame(),
             (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
-                   "VolumeRenderer::render_surface", "VolumeRenderer::render_sectional_view",
+                   "VolumeRenderer::render_background", "VolumeRenderer::render_surface",
+                   "VolumeRenderer::render_sectional_view",
                    "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_elements",
                    "VolumeRenderer::render_frame"}));
