@@ -15,8 +15,13 @@ set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/oct_rendering")
 install(EXPORT oct_rendering-targets NAMESPACE oct_rendering:: DESTINATION "${package_dir}")
 configure_package_config_file("${CMAKE_SOURCE_DIR}/cmake/oct_rendering-config.cmake.in"
   "${CMAKE_BINARY_DIR}/oct_rendering-config.cmake" INSTALL_DESTINATION "${package_dir}")
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  set(compatibility SameMinorVersion)
+else()
+  set(compatibility SameMajorVersion)
+endif()
 write_basic_package_version_file("${CMAKE_BINARY_DIR}/oct_rendering-config-version.cmake"
-  COMPATIBILITY SameMajorVersion)
+  COMPATIBILITY ${compatibility})
 install(FILES "${CMAKE_BINARY_DIR}/oct_rendering-config.cmake"
   "${CMAKE_BINARY_DIR}/oct_rendering-config-version.cmake" DESTINATION "${package_dir}")
 

@@ -24,6 +24,7 @@
   FUNCTION(0.1, library, const char*, getRendererVersion, (void)) \
   FUNCTION(0.1, library, int, isRendererError, (void)) \
   FUNCTION(0.1, library, int, getRendererError, (char* Message, int Size)) \
+  FUNCTION(0.2, library, int, getRendererErrorKind, (void)) \
   FUNCTION(0.1, library, void, setRendererLogFile, (const char* FileName)) \
   FUNCTION(0.1, library, void, setErrorCallback, (LiveDataSourceHandle DataSource, OctErrorFunction Callback)) \
   FUNCTION(0.2, library, void, setErrorCallbackWithUser, (LiveDataSourceHandle DataSource, OctErrorFunctionWithUser Callback, void* user)) \
@@ -147,6 +148,8 @@
   FUNCTION(0.1, live, void, stopDataSource, (LiveDataSourceHandle DataSource)) \
   FUNCTION(0.1, live, void, cancelDataSource, (LiveDataSourceHandle DataSource)) \
   FUNCTION(0.1, live, bool, isDataSourceRunning, (LiveDataSourceHandle DataSource)) \
+  FUNCTION(0.2, live, int, getDataSourceError, (LiveDataSourceHandle DataSource, char* Message, int Size)) \
+  FUNCTION(0.2, live, double, getRefIntensity, (LiveDataSourceHandle DataSource)) \
   FUNCTION(0.1, live, void, setSizeZ, (LiveDataSourceHandle DataSource, int Size)) \
   FUNCTION(0.1, live, void, setOnlineRefractiveIndex, (LiveDataSourceHandle DataSource, double Index)) \
   FUNCTION(0.1, live, void, setOnlineAnalogInputConfiguration, (LiveDataSourceHandle DataSource, bool Enable)) \

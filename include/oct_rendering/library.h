@@ -11,8 +11,38 @@
 extern "C" {
 #endif
 
-/** @defgroup library Library */
+/**
+ * @defgroup library Library
+ *
+ * The library tells on the standard output when it is loaded and unloaded, which OpenGL it found and when a loop has
+ * ended. A program whose output is read by others keeps these lines away by the environment variable
+ * OCT_RENDERING_QUIET, set to anything but "0" or nothing before the library is loaded, or for good by OCT_QUIET_PROGRAM
+ * in one of its source files. Errors go to the standard error stream all the same.
+ */
 /** @{ */
+
+/** @cond */
+#if defined(_WIN32)
+#define OCT_QUIET_PROGRAM_EXPORT __declspec(dllexport)
+#else
+#define OCT_QUIET_PROGRAM_EXPORT __attribute__((visibility("default")))
+#endif
+#ifdef __cplusplus
+#define OCT_QUIET_PROGRAM_LINKAGE extern "C"
+#else
+#define OCT_QUIET_PROGRAM_LINKAGE extern
+#endif
+/** @endcond */
+
+/**
+ * @brief Marks the program that it stands in, at namespace scope in one file: the library writes nothing to its standard
+ * output. A program on Linux that loads the library by name exports the mark to it
+ * (-Wl,--export-dynamic-symbol=oct_rendering_quiet); one that is linked with it does so by itself.
+ * @since 0.2
+ */
+#define OCT_QUIET_PROGRAM                                                           \
+  OCT_QUIET_PROGRAM_LINKAGE OCT_QUIET_PROGRAM_EXPORT const int oct_rendering_quiet; \
+  const int oct_rendering_quiet = 1
 
 /**
  * @brief Version of the library.
@@ -40,6 +70,16 @@ OCT_API int isRendererError(void);
  * @thread Any thread.
  */
 OCT_API int getRendererError(char* Message, int Size);
+
+/**
+ * @brief Tells the kind of the calling thread's pending error, or of the error that it read last when it has none
+ * pending: also after getRendererError() has taken the text, also where that was another thread's. Consumes nothing.
+ * Kinds stay the same from version to version, as the texts do; docs/errors.md has both.
+ * @return A value of OctErrorKind; OCT_ERROR_NONE on a thread without an error of its own that has read none.
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API int getRendererErrorKind(void);
 
 /**
  * @brief Sets the file that the library log is appended to, for every process that has the library loaded.
@@ -119,8 +159,8 @@ OCT_API void setRendererTraceFile(const char* FileName);
  * @thread Any thread.
  * @since 0.2
  */
-OCT_API void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant,
-                                       void* user);
+OCT_API void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End,
+                                       OctTimingFunction Instant, void* user);
 
 /** @} */
 

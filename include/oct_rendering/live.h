@@ -28,7 +28,7 @@ typedef void (*OctIntensityFunctionWithUser)(double intensity, void* user);
  */
 typedef struct OctLiveStatistics {
   unsigned int size; /**< set by the caller to sizeof(OctLiveStatistics); fields beyond it are left alone */
-  unsigned int reserved;
+  unsigned int reserved; /**< 0 */
   unsigned long long acquired;          /**< volumes that the device gave without an error */
   unsigned long long handed_over;       /**< copied to where the driver reads them */
   unsigned long long shown;             /**< drawn by a frame */
@@ -283,6 +283,35 @@ OCT_API void cancelDataSource(LiveDataSourceHandle DataSource);
  * @thread Any thread; never waits.
  */
 OCT_API bool isDataSourceRunning(LiveDataSourceHandle DataSource);
+
+/**
+ * @brief Reads and clears the earliest error of a source that nobody has read: for programs that cannot be called
+ * back. It is what setErrorCallback() is about; with such a function errors arrive there and here.
+ * @param DataSource The source.
+ * @param Message Receives the text with its terminating NUL, at most @p Size bytes in all; a longer text is
+ *        cut, and so are more than 511 bytes. Null discards the text. Untouched when there is no error.
+ * @param Size Size of @p Message in bytes; with 0 or less nothing is written.
+ * @return OCT_RENDERER_ERROR when there was an error, else 0. It stays over stops and starts until it is read; later
+ * ones are not kept meanwhile.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread; never waits.
+ * @since 0.2
+ */
+OCT_API int getDataSourceError(LiveDataSourceHandle DataSource, char* Message, int Size);
+
+/**
+ * @brief The reference intensity of the volume acquired last, for programs that cannot be called back. The source
+ * asks the device for it after every volume but the first, from the first call of this function on, as it does for
+ * setRefIntensityCallback().
+ * @param DataSource The source.
+ * @return 0 to 1; -1 before a volume for which the device was asked.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread; never waits.
+ * @since 0.2
+ */
+OCT_API double getRefIntensity(LiveDataSourceHandle DataSource);
 
 /**
  * @brief Sets how many depth samples of each A-scan are drawn, from the surface of the range downwards. At

@@ -49,6 +49,7 @@
 #include "offscreen.h"
 #include "types.h"
 #include "values.h"
+#include "version.h"
 #include "volume.h"
 
 #endif /* OCT_RENDERING_H */

@@ -1,10 +1,9 @@
 // Exports of the library itself: version, errors, log.
-#include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "api/guard.h"
 #include "api/handles.h"
+#include "api/texts.h"
 #include "core/error_store.h"
 #include "core/log.h"
 #include "core/trace/timing_callback.h"
@@ -13,6 +12,7 @@
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
 
+using oct::ErrorKind;
 using oct::api::guarded;
 using oct::api::guarded_unposted;
 
@@ -26,6 +26,15 @@ void set_error_callback(LiveDataSourceHandle handle, oct::ErrorCallback::Functio
 
 }  // namespace
 
+// What the store calls a kind is what clients call it.
+static_assert(static_cast<int>(ErrorKind::none) == OCT_ERROR_NONE &&
+              static_cast<int>(ErrorKind::argument) == OCT_ERROR_ARGUMENT &&
+              static_cast<int>(ErrorKind::state) == OCT_ERROR_STATE &&
+              static_cast<int>(ErrorKind::opengl) == OCT_ERROR_OPENGL &&
+              static_cast<int>(ErrorKind::memory) == OCT_ERROR_MEMORY &&
+              static_cast<int>(ErrorKind::device) == OCT_ERROR_DEVICE &&
+              static_cast<int>(ErrorKind::system) == OCT_ERROR_SYSTEM);
+
 const char* getRendererVersion(void) {
   return OCT_RENDERING_VERSION;
 }
@@ -38,14 +47,13 @@ int getRendererError(char* Message, int Size) {
   return guarded_unposted([&] {
     const auto error = oct::error_store().takeError();
     if (!error) return 0;
-    if (Message && Size > 0) {
-      // Up to the first NUL, as any C string.
-      const std::size_t length = std::min(std::strlen(error->c_str()), static_cast<std::size_t>(Size) - 1);
-      std::memcpy(Message, error->c_str(), length);
-      Message[length] = '\0';
-    }
+    oct::api::give_text(*error, Message, Size);
     return OCT_RENDERER_ERROR;
   });
+}
+
+int getRendererErrorKind(void) {
+  return guarded_unposted([] { return static_cast<int>(oct::error_store().kind()); });
 }
 
 void setRendererLogFile(const char* FileName) {

@@ -5,6 +5,7 @@
 
 #include "api/guard_opengl.h"
 #include "api/handles.h"
+#include "api/texts.h"
 #include "api/with_user.h"
 #include "core/object_lock.h"
 #include "live/brennick_data_source_ps.h"
@@ -194,6 +195,20 @@ void cancelDataSource(LiveDataSourceHandle DataSource) {
 bool isDataSourceRunning(LiveDataSourceHandle DataSource) {
   return guarded(__func__,
                  [&] { return checked<BrennickDataSource>(DataSource, invalid_source).is_acquiring(); });
+}
+
+int getDataSourceError(LiveDataSourceHandle DataSource, char* Message, int Size) {
+  return guarded(__func__, [&] {
+    const auto error = checked<BrennickDataSource>(DataSource, invalid_source).take_error();
+    if (!error) return 0;
+    oct::api::give_text(*error, Message, Size);
+    return OCT_RENDERER_ERROR;
+  });
+}
+
+double getRefIntensity(LiveDataSourceHandle DataSource) {
+  return guarded(__func__,
+                 [&] { return checked<BrennickDataSource>(DataSource, invalid_source).ref_intensity(); });
 }
 
 void renderVolume(LiveVolumeRenderingHandle Handle) {

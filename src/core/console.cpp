@@ -6,6 +6,8 @@
 #include <new>
 #include <string>
 
+#include "core/platform.h"
+
 namespace oct {
 namespace {
 
@@ -33,8 +35,13 @@ void write_line(std::FILE* stream, std::string_view begin, std::string_view end 
 
 }  // namespace
 
+bool is_quiet() noexcept {
+  static const bool quiet = is_quiet_program();
+  return quiet;
+}
+
 void write_output(std::string_view line) noexcept {
-  write_line(stdout, line);
+  if (!is_quiet()) write_line(stdout, line);
 }
 void write_error(std::string_view line) noexcept {
   write_line(stderr, line);

@@ -1,11 +1,14 @@
 // Notices of the library being loaded into and unloaded from a process.
 #include <windows.h>
 
+#include "core/console.h"
+
 namespace {
 
 // Written past the C runtime's streams: when a process ends, its other threads have been stopped wherever
 // they were, perhaps holding the lock of a stream.
 void notice(const char* line, DWORD length) {
+  if (oct::is_quiet()) return;
   const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
   DWORD written = 0;
   if (output && output != INVALID_HANDLE_VALUE) WriteFile(output, line, length, &written, nullptr);

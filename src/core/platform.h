@@ -13,6 +13,11 @@ std::uint32_t current_process_id();
 // The name that the system knows the calling thread by; empty for none.
 std::string system_thread_name();
 
+// Whether the program wants nothing on its standard output but what it writes itself: the environment says so, or the
+// program by a mark of its own, OCT_QUIET_PROGRAM. Asked while the library is being loaded, before anything of the
+// program has run.
+bool is_quiet_program();
+
 // Text of the calling thread's last system error,
 // "Error text could not be obtained." if there is none for it.
 std::string system_error_text();

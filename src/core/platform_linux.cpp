@@ -1,15 +1,25 @@
 #include "core/platform.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 #include <pthread.h>
 #include <unistd.h>
 
+// Of the program, if it has one. The linker lets a program export what the libraries that it is linked with look for.
+extern "C" [[gnu::weak, gnu::visibility("default")]] const int oct_rendering_quiet;
+
 namespace oct {
 
 std::uint32_t current_thread_id() {
   return static_cast<std::uint32_t>(gettid());
+}
+
+bool is_quiet_program() {
+  const char* const wish = std::getenv("OCT_RENDERING_QUIET");
+  if (wish && *wish && std::strcmp(wish, "0") != 0) return true;
+  return &oct_rendering_quiet && oct_rendering_quiet != 0;
 }
 
 std::uint32_t current_process_id() {

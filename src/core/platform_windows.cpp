@@ -10,6 +10,16 @@ std::uint32_t current_thread_id() {
   return GetCurrentThreadId();
 }
 
+bool is_quiet_program() {
+  char wish[2] = "";
+  // What does not fit has a length above 1 and leaves the buffer undefined.
+  const DWORD length = GetEnvironmentVariableA("OCT_RENDERING_QUIET", wish, sizeof wish);
+  if (length > 1 || (length == 1 && wish[0] != '0')) return true;
+  const auto mark =
+      reinterpret_cast<const int*>(GetProcAddress(GetModuleHandleA(nullptr), "oct_rendering_quiet"));
+  return mark && *mark != 0;
+}
+
 std::uint32_t current_process_id() {
   return GetCurrentProcessId();
 }

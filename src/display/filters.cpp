@@ -1,8 +1,8 @@
 #include "display/filters.h"
 
-#include <stdexcept>
 #include <string>
 
+#include "core/exception.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
@@ -22,7 +22,7 @@ void FilterChain::Pass::init(const char* name, const char* fragment_source) {
 void FilterChain::Output::create(const ImageExtent& texels) {
   if (!texture) texture = gl::Texture::create();
   if (!framebuffer) framebuffer = gl::Framebuffer::create();
-  if (!texture || !framebuffer) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture || !framebuffer) throw OpenGLError("Invalid texture for rendering....");
   glBindTexture(GL_TEXTURE_2D, texture.get());
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
 #include "gl/trace/debugging.h"
@@ -125,7 +126,7 @@ void SimpleDataProvider::resize(const ImageExtent& extent, TexelLayout layout) {
   const GLint internal_format = single ? (whole ? GL_R32F : GL_R16F) : (whole ? GL_RGBA32F : GL_RGBA16F);
   const ImageExtent texels = texels_of(extent, layout);
   texture_ = gl::Texture::create();
-  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
   gl::label(texture_, "image");

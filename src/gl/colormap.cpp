@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
 #include "gl/trace/debugging.h"
@@ -48,7 +49,7 @@ bool ColormapTexture::upload(const RevisedColormap& colormap) {
   if (texture_ && uploaded_ == colormap.revision()) return false;
   uploaded_ = 0;  // the texture is about to be spoilt
   if (!texture_) texture_ = gl::Texture::create();
-  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   upload_colormap(texture_, colormap.colors());
   gl::throwOnGLError("render: colormap changed");
   uploaded_ = colormap.revision();

@@ -1,9 +1,9 @@
 #include "gl/geometry.h"
 
 #include <array>
-#include <stdexcept>
 #include <utility>
 
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/trace/debugging.h"
 
@@ -13,7 +13,7 @@ namespace {
 template <class Name>
 void provide(Name& name) {
   if (!name) name = Name::create();
-  if (!name) throw std::runtime_error("Could not create OpenGL buffer. ");
+  if (!name) throw OpenGLError("Could not create OpenGL buffer. ");
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "gl/kept_picture.h"
 
-#include <stdexcept>
-
+#include "core/exception.h"
 #include "gl/pixel_store.h"
 #include "gl/trace/debugging.h"
 #include "gl/trace/pass_mark.h"
@@ -76,7 +75,7 @@ void KeptPicture::make(GLsizei width, GLsizei height, GLenum depth) {
   color_ = Texture::create();
   if (depth != GL_NONE) depth_ = Texture::create();
   if (!framebuffer_ || !color_ || (depth != GL_NONE && !depth_))
-    throw std::runtime_error("Invalid texture for rendering....");
+    throw OpenGLError("Invalid texture for rendering....");
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, color_.get());
   reset_pixel_unpack();

@@ -1,7 +1,8 @@
 #include "gl/quad.h"
 
 #include <array>
-#include <stdexcept>
+
+#include "core/exception.h"
 
 #include "gl/trace/debugging.h"
 
@@ -10,9 +11,9 @@ namespace oct::gl {
 void Quad::create(const char* failure) {
   if (buffer_) return;
   Buffer buffer = Buffer::create();
-  if (!buffer) throw std::runtime_error(failure);
+  if (!buffer) throw OpenGLError(failure);
   VertexArray vertex_array = VertexArray::create();
-  if (!vertex_array) throw std::runtime_error(failure);
+  if (!vertex_array) throw OpenGLError(failure);
   constexpr std::array<GLfloat, 8> corners{-1, -1, 1, -1, -1, 1, 1, 1};
   glBindVertexArray(vertex_array.get());
   glBindBuffer(GL_ARRAY_BUFFER, buffer.get());

@@ -1,6 +1,5 @@
 #include "gl/shader.h"
 
-#include <stdexcept>
 #include <vector>
 
 #include "core/exception.h"
@@ -29,7 +28,7 @@ void check_compiled(const ShaderObject& shader, const char* failure) {
   std::vector<GLchar> text(static_cast<std::size_t>(length) + 1, '\0');
   glGetShaderInfoLog(shader.get(), length, nullptr, text.data());
   log() << "Shader compilation failed: " << text.data();
-  throw Exception(failure);
+  throw OpenGLError(failure);
 }
 
 std::string link_log(const Program& program) {
@@ -106,7 +105,7 @@ void Shader::compile_and_link(const std::string& vertexSource, const std::string
   if (status != GL_TRUE) {
     log() << "Linking failed. ";
     log() << link_log(program_);
-    throw Exception("");
+    throw OpenGLError("");
   }
   vertex_shader_.reset();
   fragment_shader_.reset();
@@ -119,7 +118,7 @@ void Shader::release() {
 }
 
 void Shader::use() const {
-  if (!program_) throw std::runtime_error("Program has not been compiled yet.");
+  if (!program_) throw StateError("Program has not been compiled yet.");
   glUseProgram(program_.get());
 }
 

@@ -18,7 +18,7 @@ class Texture3D {
   static void require(const VolumeExtent& extent, GLenum internal_format);
 
   // A new texture of undefined contents, or of the given data, in place of the one before. After a failure
-  // (std::runtime_error) everything is as it was. Leaves it bound at unit 0.
+  // (MemoryError, OpenGLError) everything is as it was. Leaves it bound at unit 0.
   void allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint,
                 const float* data = nullptr);
 

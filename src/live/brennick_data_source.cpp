@@ -55,7 +55,7 @@ BrennickDataSource::~BrennickDataSource() {
 }
 
 void BrennickDataSource::start(std::shared_ptr<LiveFeed> feed, ScanPatternHandle pattern) {
-  if (!feed) throw Exception("Wrong order of execution");
+  if (!feed) throw StateError("Wrong order of execution");
   thread_.start([&](AcquisitionThread::Run run) {
     // A live renderer that a measurement left running when it ended by itself.
     if (feed_ && feed_ != feed) feed_->stop(std::exchange(claim_, no_claim));
@@ -94,6 +94,19 @@ void BrennickDataSource::set_error_callback(const ErrorCallback& callback) {
   error_callback_ = callback;
 }
 
+std::optional<std::string> BrennickDataSource::take_error() {
+  const std::lock_guard lock(callback_mutex_);
+  if (!has_unread_error_) return std::nullopt;
+  std::string message(unread_error_.data());
+  has_unread_error_ = false;
+  return message;
+}
+
+double BrennickDataSource::ref_intensity() {
+  ref_intensity_wanted_ = true;
+  return ref_intensity_;
+}
+
 void BrennickDataSource::set_size_z(std::int32_t size) {
   if (size < 1) throw std::invalid_argument("At least one depth sample must be kept. ");
   size_z_ = size;
@@ -108,17 +121,18 @@ void BrennickDataSource::set_refractive_index(double index) {
 }
 
 // That a measurement was cancelled is no error of the device's.
-bool BrennickDataSource::report_device_error() const {
+bool BrennickDataSource::report_device_error() {
   std::array<char, 512> text{};
   if (sdk().getError(text.data(), static_cast<int>(text.size())) == 0) return false;
   if (!cancelled_) report_error(text.data());
   return true;
 }
 
-void BrennickDataSource::report_error(const std::string& message) const {
+void BrennickDataSource::report_error(const std::string& message) {
   ErrorCallback callback;
   {
     const std::lock_guard lock(callback_mutex_);
+    keep_error(message);
     callback = error_callback_;
   }
   if (callback) return callback(message);
@@ -126,13 +140,23 @@ void BrennickDataSource::report_error(const std::string& message) const {
   log() << "BrennickDataSource::thread: " << message;
 }
 
-void BrennickDataSource::report_reference_intensity() const {
+void BrennickDataSource::keep_error(const std::string& message) {
+  if (has_unread_error_) return;
+  const std::size_t length = message.copy(unread_error_.data(), unread_error_.size() - 1);
+  unread_error_[length] = '\0';
+  has_unread_error_ = true;
+}
+
+void BrennickDataSource::report_reference_intensity() {
   RefIntensityCallback callback;
   {
     const std::lock_guard lock(callback_mutex_);
     callback = ref_intensity_callback_;
   }
-  if (callback) callback(sdk().getRelativeReferenceIntensity(device_, processing_));
+  if (!callback && !ref_intensity_wanted_) return;
+  const double intensity = sdk().getRelativeReferenceIntensity(device_, processing_);
+  ref_intensity_ = intensity;
+  if (callback) callback(intensity);
 }
 
 void BrennickDataSource::run() {
@@ -181,7 +205,7 @@ void BrennickDataSource::acquire() {
     } else {
       thread_.pause(pause.next());
     }
-    if (feed_->is_gone()) throw Exception("The live renderer of the source was cleared. ");
+    if (feed_->is_gone()) throw StateError("The live renderer of the source was cleared. ");
   }
   if (cancelled_) report_device_error();
 }

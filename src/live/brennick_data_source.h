@@ -1,10 +1,12 @@
 // Acquires volumes from one device and feeds them into a live renderer.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "core/error_callback.h"
@@ -47,6 +49,10 @@ class BrennickDataSource {
   // An empty callback removes the one before, which may be running when this returns.
   void set_ref_intensity_callback(RefIntensityCallback callback);
   void set_error_callback(const ErrorCallback& callback);
+  // For clients that cannot be called back: the earliest error that nobody has read, and the reference intensity of
+  // the latest volume since somebody asked for it, -1 before.
+  std::optional<std::string> take_error();
+  double ref_intensity();
 
   // Hold from the next start on. Throw std::invalid_argument and change nothing on misuse.
   void set_size_z(std::int32_t size);  // depth samples per A-scan that are kept
@@ -69,9 +75,10 @@ class BrennickDataSource {
   AcquisitionThread::Run ask_to_end(bool cancel);
 
   // Passes the device's pending error to the client. Returns whether there was one.
-  bool report_device_error() const;
-  void report_error(const std::string& message) const;
-  void report_reference_intensity() const;
+  bool report_device_error();
+  void report_error(const std::string& message);
+  void keep_error(const std::string& message);
+  void report_reference_intensity();
 
   const StandardDeviceFunctions& sdk() const { return library_->standard; }
 
@@ -89,7 +96,11 @@ class BrennickDataSource {
   mutable std::mutex callback_mutex_;  // not held during a callback
   RefIntensityCallback ref_intensity_callback_;
   ErrorCallback error_callback_;
+  std::array<char, 512> unread_error_{};  // of fixed size: a shortage of memory is an error, too
+  bool has_unread_error_ = false;
 
+  std::atomic<bool> ref_intensity_wanted_ = false;
+  std::atomic<double> ref_intensity_ = -1.0;
   MeasuringDevice measuring_;
   // What follows changes while there is no thread, or in AcquisitionThread's requests.
   ScanPatternHandle scan_pattern_ = nullptr;

@@ -114,7 +114,7 @@ void FastOpenGLVolumeRenderer::lend_buffer(LiveClaim claim) {
   float* const data = upload_.map();
   if (!data) {
     log() << "Ptr is invalid. ";
-    throw Exception("This is an error.");
+    throw OpenGLError("This is an error.");
   }
   feed_->offer(claim, data);
   log() << "Set event succeeded. (render function) ";

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "core/exception.h"
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
@@ -37,7 +38,7 @@ void OfflineVolumeRendering::set_aspect_ratio(float axial, float lateral1, float
 void OfflineVolumeRendering::allocate(const VolumeExtent& extent) {
   const gl::PassMark mark("allocating volume on GPU");
   refused_ = true;
-  if (!renderer_) throw std::invalid_argument("Attach a volume renderer before allocating a volume. ");
+  if (!renderer_) throw StateError("Attach a volume renderer before allocating a volume. ");
   gl::require_opengl();
   if (!volume_ || extent != volume_.extent()) {
     const bool replaced = static_cast<bool>(volume_);
@@ -55,7 +56,7 @@ void OfflineVolumeRendering::allocate(const VolumeExtent& extent) {
 }
 
 void OfflineVolumeRendering::require_volume() const {
-  if (!volume_ || refused_) throw std::invalid_argument("Allocate a volume before uploading one. ");
+  if (!volume_ || refused_) throw StateError("Allocate a volume before uploading one. ");
 }
 
 void OfflineVolumeRendering::require_b_scans(std::int64_t first, std::int64_t end) const {

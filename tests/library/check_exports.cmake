@@ -17,7 +17,7 @@ if(PLATFORM STREQUAL "windows")
 else()
   execute_process(COMMAND "${NM}" -D --defined-only --format=posix "${LIBRARY}" OUTPUT_VARIABLE dump
                   COMMAND_ERROR_IS_FATAL ANY)
-  string(REGEX MATCHALL "[^ \n]+ [A-Za-z] [^\n]*" rows "${dump}")
+  string(REGEX MATCHALL "[^ \n]+ [B-Zb-z] [^\n]*" rows "${dump}")  # A: the name of a version
 endif()
 
 set(actual "")

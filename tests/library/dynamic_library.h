@@ -26,4 +26,7 @@ class DynamicLibrary {
   void* handle_;
 };
 
+// Sets a variable of the environment, for libraries that are loaded afterwards. Null: takes it away.
+void set_environment(const char* name, const char* value);
+
 }  // namespace oct::test

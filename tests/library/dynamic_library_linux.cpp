@@ -36,4 +36,8 @@ void* DynamicLibrary::symbol(const char* name) const {
   return dlsym(handle_, name);
 }
 
+void set_environment(const char* name, const char* value) {
+  value ? setenv(name, value, 1) : unsetenv(name);
+}
+
 }  // namespace oct::test

@@ -23,4 +23,8 @@ void* DynamicLibrary::symbol(const char* name) const {
   return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
 }
 
+void set_environment(const char* name, const char* value) {
+  SetEnvironmentVariableA(name, value);
+}
+
 }  // namespace oct::test

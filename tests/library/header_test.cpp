@@ -2,8 +2,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <regex>
-#include <set>
 #include <string>
 #include <type_traits>
 
@@ -36,17 +36,20 @@ TEST(HeaderTest, CompilesAsC) {
   EXPECT_EQ(static_cast<unsigned>(OCT_RENDERER_ERROR), 0xE0000000U);
 }
 
-// Every export is declared once, right behind a comment that says what it does, documents each parameter and
-// names the thread rule; functions that can fail say how.
+// Every export is declared once, right behind a comment that says what it does, documents each parameter,
+// names the thread rule and, if it is younger than the first version, says since when it exists, as the list does.
 TEST(HeaderTest, EveryExportIsDocumented) {
   const std::string header = all_headers();
   const std::regex declaration(R"(/\*\*((?:[^*]|\*(?!/))*)\*/\s*OCT_API\s+[^(]*?(\w+)\(([^)]*)\);)");
-  std::set<std::string> declared;
+  const std::regex since(R"(@since (\S+))");
+  std::map<std::string, std::string> declared;
   for (std::sregex_iterator found(header.begin(), header.end(), declaration), end; found != end; ++found) {
     const std::string comment = (*found)[1];
     const std::string name = (*found)[2];
     const std::string parameters = (*found)[3];
-    EXPECT_TRUE(declared.insert(name).second) << name;
+    std::smatch version;
+    const bool young = std::regex_search(comment, version, since);
+    EXPECT_TRUE(declared.emplace(name, young ? version[1].str() : "0.1").second) << name;
     EXPECT_NE(comment.find("@brief"), std::string::npos) << name;
     EXPECT_NE(comment.find("@thread"), std::string::npos) << name;
     const std::regex parameter(R"((\w+)\s*(?:,|$))");
@@ -55,10 +58,11 @@ TEST(HeaderTest, EveryExportIsDocumented) {
       EXPECT_NE(comment.find("@param " + std::string((*p)[1])), std::string::npos) << name << ": " << (*p)[1];
     }
   }
-  std::set<std::string> listed;
-#define OCT_NAME(since, family, result, name, parameters) EXPECT_TRUE(listed.insert(#name).second) << #name;
-  OCT_API_LIST(OCT_NAME)
-#undef OCT_NAME
+  std::map<std::string, std::string> listed;
+#define OCT_SINCE(since, family, result, name, parameters) \
+  EXPECT_TRUE(listed.emplace(#name, #since).second) << #name;
+  OCT_API_LIST(OCT_SINCE)
+#undef OCT_SINCE
   EXPECT_EQ(declared, listed);
 }
 

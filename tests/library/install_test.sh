@@ -15,7 +15,7 @@ sed -n '/^## A client in C$/,$p' "$source/docs/live.md" | sed -n '/^```c$/,/^```
 cat >"$work/client/CMakeLists.txt" <<'EOF'
 cmake_minimum_required(VERSION 3.25)
 project(client C)
-find_package(oct_rendering 0.1 REQUIRED)
+find_package(oct_rendering 0.2 REQUIRED)
 add_executable(client draw_bscan.c)
 target_link_libraries(client PRIVATE oct_rendering::oct_rendering m)
 add_executable(live live.c)

@@ -216,6 +216,8 @@ class DeviceErrorsTest : public LiveTest, public testing::WithParamInterface<Fai
       return client_errors.all().size() >= count && device_.objects() == 0;
     }));
     EXPECT_EQ(client_errors.all(), messages);
+    // Whoever is not called back reads the first one, later than its thread's end.
+    EXPECT_EQ(unread_errors(), messages.empty() ? messages : std::vector{messages.front()});
 
     before = device_.volumes();
     start();  // without stopDataSource, where the thread has ended by itself
@@ -276,6 +278,35 @@ INSTANTIATE_TEST_SUITE_P(
     name_of);
 
 class DeviceEndsTest : public LiveTest {};
+
+// A client without functions: the device is asked for the reference intensity once somebody wants to know it, and
+// the earliest error waits for its reader over a stop, cut to the reader's room.
+TEST_F(DeviceEndsTest, PollingInsteadOfCallbacks) {
+  make_source();
+  setRefIntensityCallback(source_, nullptr);
+  setErrorCallback(source_, nullptr);
+  device_.record();
+  start();
+  ASSERT_TRUE(frames_until([&] { return device_.volumes() > 3; }));
+  EXPECT_EQ(device_.calls().find("getRelativeReferenceIntensity"), std::string::npos);
+  EXPECT_EQ(getRefIntensity(source_), -1.0);
+  EXPECT_TRUE(frames_until([&] { return getRefIntensity(source_) == 0.625; }));
+
+  EXPECT_EQ(unread_errors(), std::vector<std::string>());
+  testing::internal::CaptureStderr();
+  const int before = device_.volumes();
+  device_.fail("executeProcessing", 1);
+  EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 2; }));
+  device_.fail("setDataRange", 1);
+  EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 5; }));
+  stopDataSource(source_);
+  testing::internal::GetCapturedStderr();
+  std::array<char, 8> text{"_______"};
+  EXPECT_EQ(getDataSourceError(source_, text.data(), 8), OCT_RENDERER_ERROR);
+  EXPECT_STREQ(text.data(), "execute");
+  EXPECT_EQ(getDataSourceError(source_, text.data(), 8), 0)
+      << "the second one came before the first was read";
+}
 
 // A device that fails for ever shows no volume of before as if it were a new one, is reported with pauses,
 // and is stopped in the middle of one. Without a function the reports go to the standard error stream.

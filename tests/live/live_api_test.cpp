@@ -26,7 +26,8 @@ TEST_F(LiveApiTest, NullHandles) {
   expect_null_refused("Cannot lock nullptr. ", clearLiveRendering, isLiveVolumeRunning);
   expect_null_refused("Invalid Live Rendering Handle specified. ", setLiveVolumeRenderingRenderer);
   expect_null_refused(invalid_source, stopDataSource, cancelDataSource, isDataSourceRunning,
-                      getLiveVolumeRenderingSize, setSizeZ, setRefIntensityCallback, setErrorCallback);
+                      getLiveVolumeRenderingSize, getDataSourceError, getRefIntensity, setSizeZ,
+                      setRefIntensityCallback, setErrorCallback);
   expect_null_refused(invalid_renderer, renderVolume, getRenderedVolumesPerSec, getLiveVolumeCounts,
                       getLiveStatistics);
   const auto create_ps = [&](ProcessingHandle first, ProcessingHandle second) {

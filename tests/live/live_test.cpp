@@ -1,6 +1,7 @@
 #include "live/live_test.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <thread>
 
@@ -108,6 +109,15 @@ bool LiveTest::frames_until(const std::function<bool()>& condition) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return false;
+}
+
+std::vector<std::string> LiveTest::unread_errors() {
+  std::vector<std::string> errors;
+  std::array<char, 600> text{};
+  while (getDataSourceError(source_, text.data(), static_cast<int>(text.size())) != 0) {
+    errors.emplace_back(text.data());
+  }
+  return errors;
 }
 
 void LiveTest::run(int volumes) {

@@ -39,6 +39,8 @@ class LiveTest : public testing::Test {
   bool frames_until_shown() {
     return frames_until([&] { return !voxels_.empty(); });
   }
+  // What getDataSourceError tells until it tells nothing.
+  std::vector<std::string> unread_errors();
   // Renders, and stops after so many volumes, from the reference intensity function. No volume is dropped:
   // each waits until a buffer is free.
   void run(int volumes);

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <stdexcept>
 #include <thread>
 #include <utility>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
@@ -41,7 +41,7 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
   bool is_known = false;
   for (;; std::this_thread::sleep_for(pause)) {
     if (std::chrono::steady_clock::now() - start >= patience) {
-      throw std::runtime_error("Cannot properly create an OpenGLControl.");
+      throw OpenGLError("Cannot properly create an OpenGLControl.");
     }
     try {
       context_ = std::make_unique<gl::OpenGLContext>(host_->window());

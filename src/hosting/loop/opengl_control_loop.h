@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "core/error_callback.h"
+#include "core/exception.h"
 #include "core/timing_mark.h"
 #include "hosting/host/signal_event.h"
 #include "hosting/loop/functors.h"
@@ -81,11 +82,16 @@ class OpenGLControlLoop {
   void render_frame(std::int32_t request);
   bool await_buffer(const HandOffBuffer& buffer, std::int32_t request);
   bool serve_snapshot(std::int32_t request);
-  std::optional<std::string> draw_snapshot(const SnapshotDesk::Order& order, std::int32_t request);
+  std::optional<Exception> draw_snapshot(const SnapshotDesk::Order& order, std::int32_t request);
   void draw(std::int32_t request);
   void hand_over(bool wait);
-  const char* reason_of(const std::exception& error) noexcept;
-  void let_everybody_go(const char* reason) noexcept;
+  struct Reason {
+    ErrorKind kind;
+    const char* text;
+  };
+
+  Reason reason_of(const std::exception& error) noexcept;
+  void let_everybody_go(const Reason& reason) noexcept;
   void tell_client(const char* message);
   void rest();
   void return_loop();

@@ -1,11 +1,11 @@
 #include "hosting/offscreen/offscreen_target.h"
 
 #include <exception>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
@@ -59,8 +59,8 @@ void OffscreenTarget::prepare(std::uint32_t width, std::uint32_t height) {
     gl::throwOnGLError("beginOffscreenFrame");
     const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
     if (status != GL_FRAMEBUFFER_COMPLETE) {
-      throw std::runtime_error(std::string("The offscreen framebuffer is not complete: ") +
-                               gl::framebufferStatusName(status));
+      throw OpenGLError(std::string("The offscreen framebuffer is not complete: ") +
+                        gl::framebufferStatusName(status));
     }
   } catch (...) {
     buffer_.discard();
@@ -69,7 +69,7 @@ void OffscreenTarget::prepare(std::uint32_t width, std::uint32_t height) {
 }
 
 void OffscreenTarget::finish_frame(void* pixels) {
-  if (!before_frame_) throw std::runtime_error("No offscreen frame has been begun. ");
+  if (!before_frame_) throw StateError("No offscreen frame has been begun. ");
   context_.makeCurrent();
   const gl::RestoreCurrent restore(*std::exchange(before_frame_, std::nullopt));
   const gl::ClientPack pack;

@@ -1,7 +1,6 @@
 #include "hosting/surfaces/host_buffer_object.h"
 
-#include <stdexcept>
-
+#include "core/exception.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
@@ -41,7 +40,7 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   gl::label(pixels_, "frame on its way");
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   const GLenum error = glGetError();
-  if (error != GL_NO_ERROR) render_target_failed(gl::error_text(error));
+  if (error != GL_NO_ERROR) render_target_failed(gl::error_text(error), gl::kind_of(error));
   surface_ = {width, height, width * 4, nullptr};
 }
 
@@ -91,7 +90,7 @@ bool HostBufferObject::complete(bool wait) {
   surface_.pixels =
       static_cast<unsigned char*>(glMapBufferRange(GL_PIXEL_PACK_BUFFER, 0, size, GL_MAP_READ_BIT));
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  if (!surface_.pixels) throw std::runtime_error("Could not map the pixels of a frame. ");
+  if (!surface_.pixels) throw OpenGLError("Could not map the pixels of a frame. ");
   return true;
 }
 

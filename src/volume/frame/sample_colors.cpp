@@ -5,8 +5,8 @@
 #include <bit>
 #include <cmath>
 #include <cstdlib>
-#include <stdexcept>
 
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
 #include "gl/trace/debugging.h"
@@ -67,7 +67,7 @@ void SampleColorsTexture::upload(const RevisedColormap& colormap, SampleOpacity 
   if (texture_ && uploaded_ == colormap.revision() && opacity_ == opacity) return;
   uploaded_ = 0;  // the texture is about to be spoilt
   if (!texture_) texture_ = gl::Texture::create();
-  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   const SampleColors colors(colormap.colors(), opacity);
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());

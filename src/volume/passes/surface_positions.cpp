@@ -1,8 +1,8 @@
 #include "volume/passes/surface_positions.h"
 
-#include <stdexcept>
 #include <string>
 
+#include "core/exception.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
@@ -14,8 +14,8 @@ namespace oct {
 namespace {
 
 [[noreturn]] void incomplete(GLenum status) {
-  throw std::runtime_error(std::string("An OpenGL error occured. Framebuffer is not complete: ") +
-                           gl::framebufferStatusName(status));
+  throw OpenGLError(std::string("An OpenGL error occured. Framebuffer is not complete: ") +
+                    gl::framebufferStatusName(status));
 }
 
 }  // namespace
@@ -27,7 +27,7 @@ void ScreenTexture::release() {
 
 void ScreenTexture::fit(Viewport viewport) {
   if (!texture_) texture_ = gl::Texture::create(), rebuild_ = true;
-  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   if (!rebuild_ && size_.width == viewport.width && size_.height == viewport.height) return;
   rebuild_ = true;
   bind_volume_texture(volume_unit::surface, GL_TEXTURE_2D, texture_.get());

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <limits>
-#include <stdexcept>
 
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
 #include "gl/trace/debugging.h"
@@ -54,7 +54,7 @@ void EmptySpace::begin_tables(const Basis& basis, BrickMaxima& volume, BrickMaxi
   if (!texture_ || allocated_ != basis.grid || allocated_limits_ != limits) {
     allocated_ = {};
     if (!texture_) texture_ = gl::Texture::create();
-    if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+    if (!texture_) throw OpenGLError("Invalid texture for rendering....");
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_3D, texture_.get());
     gl::label(texture_, "empty space");

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <stdexcept>
 #include <utility>
 
 #include <glm/gtc/type_ptr.hpp>
 
+#include "core/exception.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
@@ -63,7 +63,7 @@ void FontRenderer::upload_atlas(const std::vector<Label>& labels) {
     if (!atlas.find(label.text)) atlas.add(label.text, picture(label.text));
   }
   if (!texture_) texture_ = gl::Texture::create();
-  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
   gl::label(texture_, "labels");
