@@ -82,7 +82,9 @@ void marks_of_a_frame(benchmark::State& state) {
   Frames frames;
   for (int i = 0; i < 10; ++i) frames.draw(volume);
   int marks = 0;
-  const auto count = [](const char*, unsigned, unsigned long long, void* user) { ++*static_cast<int*>(user); };
+  const auto count = [](const char*, unsigned, unsigned long long, void* user) {
+    ++*static_cast<int*>(user);
+  };
   setRendererTimingCallback(count, nullptr, count, &marks);
   frames.draw(volume);
   setRendererTimingCallback(nullptr, nullptr, nullptr, nullptr);

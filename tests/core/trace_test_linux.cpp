@@ -82,7 +82,12 @@ TEST(EndOfProcessTest, LeavesTheTraceWhole) {
 
   setRendererTraceFile(file.c_str());
   { const TimingMark mark("before"); }
-  EXPECT_EXIT({ const TimingMark mark("of the child"); std::exit(0); }, testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(
+      {
+        const TimingMark mark("of the child");
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "");
   { const TimingMark mark("after"); }
   setRendererTraceFile(nullptr);
   const auto phases = read_trace(file).tracks.begin()->second;

@@ -1,9 +1,10 @@
 // What OpenGL debuggers see of the library, in contexts that are made for them.
+#include "gl/trace/debugging.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
 
-#include "gl/trace/debugging.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/test_context.h"
 #include "support/volume_scene.h"
@@ -22,7 +23,8 @@ class GroupRecorder {
     glDebugMessageCallback(
         [](GLenum, GLenum type, GLuint, GLenum, GLsizei length, const GLchar* text, const void* names) {
           auto& all = *const_cast<Names*>(static_cast<const Names*>(names));
-          if (type == GL_DEBUG_TYPE_PUSH_GROUP) all.push_back("+" + std::string(text, static_cast<std::size_t>(length)));
+          if (type == GL_DEBUG_TYPE_PUSH_GROUP)
+            all.push_back("+" + std::string(text, static_cast<std::size_t>(length)));
           if (type == GL_DEBUG_TYPE_POP_GROUP) all.push_back("-");
           if (type == GL_DEBUG_TYPE_ERROR) all.push_back("error: " + std::string(text));
         },

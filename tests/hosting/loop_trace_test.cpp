@@ -54,8 +54,8 @@ class LoopTraceGLTest : public LoopGLTest {
     return loop;
   }
 
-  const std::filesystem::path file_ = std::filesystem::path(testing::TempDir()) /
-                                      ("oct_loop_trace_" + std::to_string(current_process_id()));
+  const std::filesystem::path file_ =
+      std::filesystem::path(testing::TempDir()) / ("oct_loop_trace_" + std::to_string(current_process_id()));
   VolumeRendererHandle renderer_ = nullptr;
   OfflineRenderingHandle offline_ = nullptr;
 };

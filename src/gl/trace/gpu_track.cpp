@@ -97,7 +97,8 @@ void GpuTrack::add(std::string name, bool counted) {
   }
   if (!stamp.query) stamp.query = Query::create();
   if (stamp.query) glQueryCounter(stamp.query.get(), GL_TIMESTAMP);
-  if (stamp.query && glIsQuery(stamp.query.get()) == GL_FALSE) stamp.query.reset();  // refused for the first time
+  if (stamp.query && glIsQuery(stamp.query.get()) == GL_FALSE)
+    stamp.query.reset();  // refused for the first time
 }
 
 // In their order. A time that lies before the one before, as where a driver works on several commands at once, would
