@@ -2,7 +2,7 @@
 import ctypes
 import os
 import threading
-from typing import Any, Callable, Optional
+from typing import Any, Callable, Optional, Set, Tuple
 
 from . import raw
 from ._library import library
@@ -140,11 +140,12 @@ class Handle:
 
 class Reports:
     """Exceptions of callbacks, which must not get into the library: the first waits for the next call of the object that
-    owns the callbacks, the others go to sys.unraisablehook."""
+    owns the callbacks, others go to sys.unraisablehook, and what is said already is not said with every frame."""
 
     def __init__(self) -> None:
         self._lock = threading.Lock()
         self._first: Optional[BaseException] = None
+        self._told: Set[Tuple[type, str]] = set()
 
     def guard(self, function: Callable[..., Any]) -> Callable[..., None]:
         def guarded(*arguments: Any) -> None:
@@ -155,7 +156,11 @@ class Reports:
         return guarded
 
     def add(self, error: BaseException) -> None:
+        words = type(error), str(error)
         with self._lock:
+            if words in self._told:
+                return
+            self._told.add(words)
             if self._first is None:
                 self._first = error
                 return
@@ -164,6 +169,7 @@ class Reports:
     def _take(self) -> Optional[BaseException]:
         with self._lock:
             first, self._first = self._first, None
+            self._told.clear()
         return first
 
     def raise_first(self) -> None:
