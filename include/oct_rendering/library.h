@@ -72,6 +72,16 @@ OCT_API int isRendererError(void);
 OCT_API int getRendererError(char* Message, int Size);
 
 /**
+ * @brief Tells the kind of the calling thread's pending error, or of the error that it read last when it has none
+ * pending: also after getRendererError() has taken the text, also where that was another thread's. Consumes nothing.
+ * Kinds stay the same from version to version, as the texts do; docs/errors.md has both.
+ * @return A value of OctErrorKind; OCT_ERROR_NONE on a thread without an error of its own that has read none.
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API int getRendererErrorKind(void);
+
+/**
  * @brief Sets the file that the library log is appended to, for every process that has the library loaded.
  * @param FileName Path of the file as a NUL-terminated string of at most 1024 bytes; null or empty: no file.
  * The text is copied. A file that cannot be opened loses the log, nothing else.

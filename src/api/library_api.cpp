@@ -12,6 +12,7 @@
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
 
+using oct::ErrorKind;
 using oct::api::guarded;
 using oct::api::guarded_unposted;
 
@@ -24,6 +25,15 @@ void set_error_callback(LiveDataSourceHandle handle, oct::ErrorCallback::Functio
 }
 
 }  // namespace
+
+// What the store calls a kind is what clients call it.
+static_assert(static_cast<int>(ErrorKind::none) == OCT_ERROR_NONE &&
+              static_cast<int>(ErrorKind::argument) == OCT_ERROR_ARGUMENT &&
+              static_cast<int>(ErrorKind::state) == OCT_ERROR_STATE &&
+              static_cast<int>(ErrorKind::opengl) == OCT_ERROR_OPENGL &&
+              static_cast<int>(ErrorKind::memory) == OCT_ERROR_MEMORY &&
+              static_cast<int>(ErrorKind::device) == OCT_ERROR_DEVICE &&
+              static_cast<int>(ErrorKind::system) == OCT_ERROR_SYSTEM);
 
 const char* getRendererVersion(void) {
   return OCT_RENDERING_VERSION;
@@ -40,6 +50,10 @@ int getRendererError(char* Message, int Size) {
     oct::api::give_text(*error, Message, Size);
     return OCT_RENDERER_ERROR;
   });
+}
+
+int getRendererErrorKind(void) {
+  return guarded_unposted([] { return static_cast<int>(oct::error_store().kind()); });
 }
 
 void setRendererLogFile(const char* FileName) {

@@ -8,6 +8,8 @@
 #include <optional>
 #include <string>
 
+#include "core/exception.h"
+
 namespace oct {
 
 class ErrorStore {
@@ -15,11 +17,14 @@ class ErrorStore {
   // Posts a sticky error at once when the processor lacks SSE 4.2.
   explicit ErrorStore(bool processor_has_sse42);
 
-  // Records the exception's text for the calling thread, unless that thread has a record already. When there is
+  // Records the exception's text and kind for the calling thread, unless that thread has a record already. When there is
   // no memory, a record kept in reserve takes the error, cut to its length.
   void postError(const std::exception& error, bool sticky) noexcept;
 
   bool hasError() const;
+
+  // Of the calling thread's record, else of what the thread took last.
+  ErrorKind kind() const;
 
   // The calling thread's message, else that of the thread with the lowest identifier; nothing when no error
   // is pending (a message may be empty). Removes the record unless it is sticky.
@@ -30,12 +35,13 @@ class ErrorStore {
  private:
   struct ErrorRecord {
     bool sticky = false;
+    ErrorKind kind = ErrorKind::none;
     std::string message;
   };
   using Records = std::map<std::uint32_t, ErrorRecord>;
 
   void keep_in_reserve(Records::node_type record) noexcept;
-  void post_in_reserve(std::uint32_t thread, const char* message) noexcept;
+  void post_in_reserve(std::uint32_t thread, const std::exception& error) noexcept;
 
   mutable std::mutex mutex_;
   Records records_;

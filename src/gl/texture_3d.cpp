@@ -4,8 +4,10 @@
 #include <stdexcept>
 #include <string>
 
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
 #include "vec/vec.h"
 
 namespace oct::gl {
@@ -69,7 +71,7 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, con
   if (internal_format == GL_R16F) halves.resize(static_cast<std::size_t>(extent.depth * extent.a_scans));
   Texture texture = Texture::create();
   if (!texture) {
-    throw std::runtime_error(memory_text(extent, internal_format) + "which the driver could not provide. ");
+    throw MemoryError(memory_text(extent, internal_format) + "which the driver could not provide. ");
   }
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_3D, texture.get());
@@ -89,11 +91,11 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, con
   }
   try {
     throwOnGLError(checkpoint);
-  } catch (const std::runtime_error& error) {
+  } catch (const Exception& error) {
     discard_gl_errors();
     glBindTexture(GL_TEXTURE_3D, 0);
-    throw std::runtime_error(std::string(error.what()) + " " + memory_text(extent, internal_format) +
-                             "which the driver could not provide. ");
+    throw Exception(error.kind(), std::string(error.what()) + " " + memory_text(extent, internal_format) +
+                                      "which the driver could not provide. ");
   }
   texture_ = std::move(texture);
   extent_ = extent;
@@ -123,6 +125,10 @@ void Texture3D::upload_b_scans(std::int64_t first, std::int64_t count, const flo
     throwOnGLError(checkpoint);
     revisions_.changed(first + k, first + k + 1);
   }
+}
+
+void Texture3D::label(std::string_view text) const {
+  gl::label(texture_, text);
 }
 
 void Texture3D::reset() {

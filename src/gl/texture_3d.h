@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "core/extent.h"
@@ -17,7 +18,7 @@ class Texture3D {
   static void require(const VolumeExtent& extent, GLenum internal_format);
 
   // A new texture of undefined contents, or of the given data, in place of the one before. After a failure
-  // (std::runtime_error) everything is as it was. Leaves it bound at unit 0.
+  // (MemoryError, OpenGLError) everything is as it was. Leaves it bound at unit 0.
   void allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint,
                 const float* data = nullptr);
 
@@ -41,6 +42,7 @@ class Texture3D {
   void all_changed() { revisions_.changed(0, revisions_.count()); }
   const SliceRevisions& revisions() const { return revisions_; }
 
+  void label(std::string_view text) const;  // for debuggers
   void reset();
 
   GLuint get() const { return texture_.get(); }
