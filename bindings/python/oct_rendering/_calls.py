@@ -5,8 +5,7 @@ import threading
 from typing import Any, Callable, Optional, Set, Tuple
 
 from . import raw
-from ._library import library
-from .errors import StateError, error_of
+from .errors import ErrorKind, StateError, error_of
 
 
 class _Process:
@@ -64,18 +63,21 @@ def checked(function: Callable[..., Any], *arguments: Any) -> Any:
 
 
 def _raise_pending() -> None:
-    text = ctypes.create_string_buffer(4096)
-    if raw.getRendererError(text, len(text)) == 0:
+    if raw.isRendererError() == 0:
         return
-    kind = library["getRendererErrorKind"]() if library.has("getRendererErrorKind") else 0
-    raise error_of(kind, text.value.decode("utf-8", "replace"))
+    kind = raw.getRendererErrorKind()
+    if kind == ErrorKind.NONE:
+        return  # another thread's, which looks for it itself
+    text = ctypes.create_string_buffer(4096)
+    if raw.getRendererError(text, len(text)):
+        raise error_of(kind, text.value.decode("utf-8", "replace"))
 
 
 def discard_pending() -> None:
     """For clean-up, which has nobody to report to: what stays pending would be taken for an error of the next call."""
-    for _ in range(16):
-        if raw.getRendererError(None, 0) == 0:
-            return
+    while raw.isRendererError() and raw.getRendererErrorKind() and raw.getRendererError(None, 0):
+        if raw.getRendererErrorKind() == ErrorKind.SYSTEM:
+            return  # one text of this kind never goes away
 
 
 class Handle:
