@@ -210,7 +210,9 @@ def test_live_volumes_come_and_errors_of_the_device_are_raised():
                     live.wait_for_volumes(10**6, size=(8, 8))
             finally:
                 oct._device.clearSimulatedFailures()
-    with oct.SimulatedDevice(recording=VOLUME) as device, oct.Live(device, range=(20, 60)) as live:
+    device = oct.SimulatedDevice(recording=VOLUME)
+    with oct.Live(device, range=(20, 60)) as live:
+        device.close()  # what is measuring stays until that ends
         live.start()
         live.wait_for_volumes(1, size=(60, 40))
     assert oct._device.getSimulatedObjectCount() == 0
