@@ -237,6 +237,10 @@ internal static class BindingTest {
   private static extern void setDisplayFlip(IntPtr handle, int flip);
   [DllImport("oct_rendering", CallingConvention = CallingConvention.Cdecl)]
   private static extern void setZoom(IntPtr handle, double zoom);
+  [DllImport("oct_rendering", CallingConvention = CallingConvention.Cdecl)]
+  private static extern void setSizeZ(IntPtr handle, int size);
+  [DllImport("oct_rendering", CallingConvention = CallingConvention.Cdecl)]
+  private static extern void clearDataSource(IntPtr handle);
 
   private static int Living(IEnumerable<IntPtr> handles, Action<IntPtr> use) {
     int living = 0;
@@ -281,6 +285,14 @@ internal static class BindingTest {
       Expect(left < 50, "the next frame frees what was forgotten: " + left + " of 1000 displays are left");
       left = Living(renderers, handle => setZoom(handle, 40));
       Expect(left < 10, "after the volumes: " + left + " of 50 renderers are left");
+
+      var renderer = new VolumeRenderer();
+      var one = new[] { renderer.Handle.DangerousGetHandle() };
+      using (new Volume(renderer)) {
+        renderer.Dispose();
+        Expect(Living(one, handle => setZoom(handle, 40)) == 1, "a volume keeps its renderer");
+      }
+      Expect(Living(one, handle => setZoom(handle, 40)) == 0, "no longer than it lives");
     }
   }
 
@@ -502,6 +514,15 @@ internal static class BindingTest {
                "the same for whoever polls");
       }
     }
+    var forgotten = new List<IntPtr>();
+    Forget(50, () => {
+      for (int i = 0; i < 20; ++i) {
+        forgotten.Add(Native.createOnlineDataSource(device, processing).DangerousGetHandle());
+      }
+    });
+    Collect();
+    Expect(Living(forgotten, handle => setSizeZ(handle, 8)) == 20, "no finalizer waits for threads that call back");
+    forgotten.ForEach(clearDataSource);
     clearSimulatedScanPattern(pattern);
     clearSimulatedProcessing(processing);
     clearSimulatedDevice(device);
