@@ -109,7 +109,7 @@ def write_module(target, interface, about, version, table):
         code.append(f"\n\ndef {function.name}({names}):\n    {docstring(function.doc, 4, function.since)}\n"
                     f'    return {table}["{function.name}"]({names})\n')
         arguments = ", ".join(f"{parameter.name}: {types.of(parameter.type)[1]}" for parameter in function.parameters)
-        result = types.of(function.result)[1].replace("Address", "Handle")
+        result = types.of(function.result)[1].replace("Address", "Handle").replace("Optional[bytes]", "bytes")
         stub.append(f"def {function.name}({arguments}) -> {result}: ...\n")
         passed = "".join(types.of(parameter.type)[0] + ", " for parameter in function.parameters)
         rows.append(f'    "{function.name}": ("{function.since}", {types.of(function.result)[0]}, ({passed})),\n')

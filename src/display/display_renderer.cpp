@@ -8,6 +8,7 @@
 #include "gl/context/opengl_loader.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 #include "shaders.h"
 
 namespace oct {
@@ -137,6 +138,7 @@ void DisplayRenderer::render() {
   }
   gl::require_opengl();
   gl::require_home(home_);
+  const gl::PassMark mark("DisplayRenderer::render");
   // After an error nobody knows what any texture holds.
   try {
     draw_frame();
@@ -169,6 +171,7 @@ void DisplayRenderer::draw_frame() {
   }
   gl::throwOnGLError("DisplayRenderer::render");
   if (content.width > 0 && content.height > 0) shown_ = content;
+  record_timing_mark("frame end");
 }
 
 DisplayRenderer::Frame DisplayRenderer::take_frame(GLsizei width, GLsizei height) {
@@ -216,6 +219,7 @@ void DisplayRenderer::draw_base(const Frame& frame, const TextureView& image) {
   const auto samples = [](std::int64_t texels, GLsizei pixels) {
     return std::max(std::floor(static_cast<float>(texels) / static_cast<float>(pixels)), 1.0F);
   };
+  const gl::PassMark mark("draw image");
   const Content& content = frame.content;
   const LayerSettings& layer = content.layers[0].settings;
   const ImageExtent& extent = image.extent;
@@ -242,6 +246,7 @@ void DisplayRenderer::draw_overlays(const Frame& frame, const TextureView& image
   const auto shown = [](const Layer& layer) { return layer.settings.enabled; };
   if (std::none_of(layers.begin() + 1, layers.end(), shown)) return;
 
+  const gl::PassMark mark("draw overlays");
   const TextureView overlay = overlay_data_.upload(*frame.overlay_image, TexelLayout::single);
   const OverlayProgram& program = built(overlay_, image.layout);
   const gl::Blending blending;

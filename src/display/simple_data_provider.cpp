@@ -9,6 +9,8 @@
 #include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 namespace {
@@ -127,6 +129,7 @@ void SimpleDataProvider::resize(const ImageExtent& extent, TexelLayout layout) {
   if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
+  gl::label(texture_, "image");
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
@@ -144,6 +147,7 @@ TextureView SimpleDataProvider::upload(const Image& image, TexelLayout layout) {
   if (!texture_ || extent != extent_ || layout != layout_) resize(extent, layout);
   const TextureView view{texture_.get(), extent, layout};
   if (uploaded_ == image.revision) return view;
+  const gl::PassMark mark("upload image");
   uploaded_ = 0;  // the texture is about to be spoilt
   const ImageExtent texels = texels_of(extent, layout);
   glActiveTexture(GL_TEXTURE0);

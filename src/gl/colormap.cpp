@@ -7,6 +7,7 @@
 #include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
 
 namespace oct {
 
@@ -28,6 +29,7 @@ void upload_colormap(gl::Texture& texture, const Colormap& colormap) {
   glActiveTexture(GL_TEXTURE0);
   if (!texture) texture = gl::Texture::create();
   glBindTexture(GL_TEXTURE_1D, texture.get());
+  gl::label(texture, "colour map");
   glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
   glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
   glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);

@@ -2,6 +2,8 @@
 
 #include "core/exception.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct::gl {
 namespace {
@@ -92,12 +94,16 @@ void KeptPicture::make(GLsizei width, GLsizei height, GLenum depth) {
                            GL_TEXTURE_2D, depth_.get(), 0);
   }
   glBindTexture(GL_TEXTURE_2D, 0);
+  label(framebuffer_, "kept picture");
+  label(color_, "kept picture");
+  label(depth_, "depths of the kept picture");
   width_ = width;
   height_ = height;
   depth_format_ = depth;
 }
 
 void KeptPicture::copy_to(const std::array<GLint, 4>& viewport) const {
+  const PassMark mark("copy the kept picture");
   const GLint x = viewport[0];
   const GLint y = viewport[1];
   const auto before = static_cast<GLuint>(asked(GL_READ_FRAMEBUFFER_BINDING));

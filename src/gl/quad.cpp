@@ -4,6 +4,8 @@
 
 #include "core/exception.h"
 
+#include "gl/trace/debugging.h"
+
 namespace oct::gl {
 
 void Quad::create(const char* failure) {
@@ -18,6 +20,8 @@ void Quad::create(const char* failure) {
   glBufferData(GL_ARRAY_BUFFER, sizeof corners, corners.data(), GL_STATIC_DRAW);
   glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
   glEnableVertexAttribArray(0);
+  label(buffer, "quad");
+  label(vertex_array, "quad");
   buffer_ = std::move(buffer);
   vertex_array_ = std::move(vertex_array);
 }

@@ -6,6 +6,7 @@
 #include "core/log.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/debugging.h"
 
 namespace oct::gl {
 namespace {
@@ -70,6 +71,7 @@ void Shader::load_to_program(const std::string& name, const std::string& vertexS
   const ProgramKey key{{fragmentSource.size(), vertexSource.size()}, name, driver_name()};
   if (load_binary(key)) return;
   compile_and_link(vertexSource, fragmentSource);
+  label(program_, name);
   keep_binary(program_, key);
 }
 
@@ -79,6 +81,7 @@ bool Shader::load_binary(const ProgramKey& key) {
   program_ = Program::create();
   glProgramBinary(program_.get(), binary->format, binary->bytes.data(),
                   static_cast<GLsizei>(binary->bytes.size()));
+  label(program_, key.name);
   throwOnGLError("BinaryShader::load_to_program");
   // A driver may refuse a binary without raising an error, as when one of the same name was updated meanwhile. It
   // then holds no executable for the program, and the sources are compiled again.

@@ -7,6 +7,7 @@
 #include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
 #include "vec/vec.h"
 
 namespace oct::gl {
@@ -124,6 +125,10 @@ void Texture3D::upload_b_scans(std::int64_t first, std::int64_t count, const flo
     throwOnGLError(checkpoint);
     revisions_.changed(first + k, first + k + 1);
   }
+}
+
+void Texture3D::label(std::string_view text) const {
+  gl::label(texture_, text);
 }
 
 void Texture3D::reset() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "core/extent.h"
@@ -41,6 +42,7 @@ class Texture3D {
   void all_changed() { revisions_.changed(0, revisions_.count()); }
   const SliceRevisions& revisions() const { return revisions_; }
 
+  void label(std::string_view text) const;  // for debuggers
   void reset();
 
   GLuint get() const { return texture_.get(); }

@@ -184,9 +184,15 @@ void BrennickDataSource::acquire() {
 
   ErrorPause pause;
   while (thread_.going_on()) {
-    sequence.fetch();
+    {
+      const TimingMark mark("fetch volume");
+      sequence.fetch();
+    }
     if (cancelled_) break;
-    sequence.process();
+    {
+      const TimingMark mark("process volume");
+      sequence.process();
+    }
     processed = std::chrono::steady_clock::now();
     measurement.set_data_range();
     measurement.show_range(*feed_, claim_);

@@ -7,6 +7,7 @@
 #include "core/log.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 #include "volume/volume_renderer.h"
 
 namespace oct {
@@ -59,8 +60,10 @@ void FastOpenGLVolumeRenderer::render_stop(const LiveFeed::Request& request) {
 
 void FastOpenGLVolumeRenderer::render_running(const LiveFeed::Request& request) {
   gl::require_home(home_);
+  const gl::PassMark mark("render live volume");
   log() << "Rendering: ";
   const bool volume = feed_->collect(delivery_) && take_back_volume();
+  if (volume) record_timing_wait("volume waits for a frame", delivery_.processed);
   // The source fills the other buffer while the driver reads this one.
   std::exception_ptr failure;
   try {

@@ -8,6 +8,7 @@
 #include "gl/context/opengl_loader.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 namespace {
@@ -72,7 +73,7 @@ void VolumeRenderer::release() {
 
 void VolumeRenderer::render(const VolumeSource& source) {
   const ObjectLock lock(this);
-  const TimingMark mark("VolumeRenderer::render");
+  const gl::PassMark mark("VolumeRenderer::render");
   gl::require_opengl();
   if (home_ != gl::no_context) gl::require_home(home_);
   const VolumeSettings settings = this->settings();
@@ -89,6 +90,7 @@ void VolumeRenderer::render(const VolumeSource& source) {
   }
   finish_frame();
   drawn_.emplace(std::move(wanted));
+  record_timing_mark("frame end");
 }
 
 // Kept the first time that a frame equals the one before, so that a view that turns does no more than draw. False where
@@ -145,6 +147,7 @@ void VolumeRenderer::clear_target() {
 }
 
 void VolumeRenderer::draw_background(const VolumeFrame& frame) {
+  const gl::PassMark mark("VolumeRenderer::render_background");
   background_.set_colors(frame.settings.background_bottom, frame.settings.background_top);
   background_.draw(programs_.background());
 }

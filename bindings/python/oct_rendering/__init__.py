@@ -43,5 +43,7 @@ def _end() -> None:
     _leave_the_rest()
     if _is_forked():
         return
-    for item in (*_open_loops, *_open_lives):
-        item.finish()
+    for loop in tuple(_open_loops):
+        loop.finish()
+    for live in tuple(_open_lives):
+        live.finish()

@@ -1,7 +1,6 @@
 """Calls of the library that raise its errors, handles that are freed, and processes that were forked."""
 import ctypes
 import os
-import sys
 import threading
 from typing import Any, Callable, Optional
 
@@ -38,16 +37,33 @@ def use_process() -> None:
     _Process.used = True
 
 
+class _Calls(threading.local):
+    depth = 0
+
+
+_calls = _Calls()
+
+
+def is_calling() -> bool:
+    """Whether this thread is between a call and the look at its error: what Python's garbage collector does meanwhile must
+    not take that error away."""
+    return _calls.depth > 0
+
+
 def checked(function: Callable[..., Any], *arguments: Any) -> Any:
     """Calls a function of `raw` and raises its error."""
     if _Process.forked:
         use_process()
-    result = function(*arguments)
-    raise_pending()
+    _calls.depth += 1
+    try:
+        result = function(*arguments)
+        _raise_pending()
+    finally:
+        _calls.depth -= 1
     return result
 
 
-def raise_pending() -> None:
+def _raise_pending() -> None:
     text = ctypes.create_string_buffer(4096)
     if raw.getRendererError(text, len(text)) == 0:
         return
@@ -134,39 +150,36 @@ class Reports:
         def guarded(*arguments: Any) -> None:
             try:
                 function(*arguments)
-            except BaseException as error:  # noqa: B902 whatever it is, C has no use for it
-                self.add(error, function)
+            except BaseException as error:  # whatever it is, C has no use for it
+                self.add(error)
         return guarded
 
-    def add(self, error: BaseException, source: object = None) -> None:
+    def add(self, error: BaseException) -> None:
         with self._lock:
             if self._first is None:
                 self._first = error
                 return
-        report(error, source)
+        _report(error)
 
-    def raise_first(self) -> None:
+    def _take(self) -> Optional[BaseException]:
         with self._lock:
             first, self._first = self._first, None
+        return first
+
+    def raise_first(self) -> None:
+        first = self._take()
         if first is not None:
             raise first
 
-    def report_rest(self) -> None:
+    def report_first(self) -> None:
         """For an end that must not raise."""
-        with self._lock:
-            first, self._first = self._first, None
+        first = self._take()
         if first is not None:
-            report(first, None)
+            _report(first)
 
 
-class _Unraisable:
-    def __init__(self, error: BaseException, source: object) -> None:
-        self.exc_type = type(error)
-        self.exc_value = error
-        self.exc_traceback = error.__traceback__
-        self.err_msg = "Exception in a callback of oct_rendering"
-        self.object = source
-
-
-def report(error: BaseException, source: object) -> None:
-    sys.unraisablehook(_Unraisable(error, source))  # type: ignore[arg-type]
+def _report(error: BaseException) -> None:
+    """To sys.unraisablehook, whose argument only Python itself can make: it does so for the callbacks of ctypes."""
+    def callback_of_oct_rendering() -> None:
+        raise error
+    ctypes.CFUNCTYPE(None)(callback_of_oct_rendering)()

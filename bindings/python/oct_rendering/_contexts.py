@@ -5,12 +5,26 @@ from collections import deque
 from typing import Any, Callable, Deque, Iterator, Optional
 
 from . import raw
-from ._calls import checked, discard_pending, is_forked, use_process
+from ._calls import checked, discard_pending, is_calling, is_forked, use_process
 from .arrays import address
 from .errors import ArgumentError, StateError
 from .pictures import Picture, from_bottom_up_bgra
 
 import numpy as np
+
+
+class Discarded:
+    """What is to be freed: `uninit` deletes OpenGL objects in their context, `free` the rest with or without it."""
+
+    def __init__(self, uninit: Callable[[], None], free: Callable[[], None]) -> None:
+        self._uninit = uninit
+        self.free = free
+
+    def release(self) -> None:
+        """With the context current. Errors concern nobody any more."""
+        self._uninit()
+        self.free()
+        discard_pending()
 
 
 class Context:
@@ -19,27 +33,26 @@ class Context:
     def __init__(self, owner: str) -> None:
         self.owner = owner  # for messages
         self.alive = True
-        self._garbage: Deque[Callable[[], None]] = deque()
+        self._garbage: Deque["Discarded"] = deque()
 
-    def discard(self, free: Callable[[], None]) -> None:
+    def discard(self, item: "Discarded") -> None:
         """Frees something of this context: now on its own thread, from another one before its next frame."""
-        if self.alive and _here.current is self:
-            free()
-        elif self.alive:
-            self._garbage.append(free)
+        if not self.alive:
+            item.free()
+        elif _here.current is self and not is_calling():
+            item.release()
         else:
-            free()  # the library forgets what died with the context
-            discard_pending()
+            self._garbage.append(item)
 
     def sweep(self) -> None:
         """With the context current."""
         while self._garbage:
-            self._garbage.popleft()()
-            discard_pending()
+            self._garbage.popleft().release()
 
     def end(self) -> None:
         self.alive = False
-        self.sweep()
+        while self._garbage:
+            self._garbage.popleft().free()
 
     @contextlib.contextmanager
     def current(self) -> Iterator[None]:
@@ -59,6 +72,7 @@ class OwnContext(Context):
         use_process()
         self._target = checked(raw.createOffscreenTarget)
         self._size = (1, 1)
+        self._framing = False  # also while a frame begins and ends
 
     def picture(self, width: int, height: int, draw: Callable[[], None]) -> Picture:
         if not (1 <= width <= 65536 and 1 <= height <= 65536):
@@ -72,25 +86,28 @@ class OwnContext(Context):
         """A frame; without a size one that nobody reads, to have the context current."""
         size = (width, height) if width else self._size
         pixels = np.empty((height, width, 4), np.uint8) if width else None
-        checked(raw.beginOffscreenFrame, self._target, *size)
-        self._size = size
+        self._framing = True
         try:
-            with self.current():
-                self.sweep()
-                yield pixels
-        except BaseException:
-            raw.finishOffscreenFrame(self._target, None)
-            discard_pending()
-            raise
-        checked(raw.finishOffscreenFrame, self._target, None if pixels is None else address(pixels))
-
-    def discard(self, free: Callable[[], None]) -> None:
-        if self.alive and _here.own is self and _here.current is None:
-            with self.frame():
-                free()
+            checked(raw.beginOffscreenFrame, self._target, *size)
+            self._size = size
+            try:
+                with self.current():
+                    self.sweep()
+                    yield pixels
+            except BaseException:
+                raw.finishOffscreenFrame(self._target, None)
                 discard_pending()
+                raise
+            checked(raw.finishOffscreenFrame, self._target, None if pixels is None else address(pixels))
+        finally:
+            self._framing = False
+
+    def discard(self, item: Discarded) -> None:
+        if self.alive and _here.own is self and not (self._framing or is_calling()):
+            with self.frame():
+                item.release()
         else:
-            super().discard(free)
+            super().discard(item)
 
     def end(self) -> None:
         with contextlib.suppress(Exception):
@@ -168,9 +185,8 @@ class Home:
     def settle(self) -> None:
         self._context = _here.current
 
-    def discard(self, free: Callable[[], None]) -> None:
+    def discard(self, uninit: Callable[[], None], free: Callable[[], None]) -> None:
         if self._context is None:
-            free()
-            discard_pending()
+            free()  # may be in the midst of a call, whose error must stay
         else:
-            self._context.discard(free)
+            self._context.discard(Discarded(uninit, free))

@@ -1,7 +1,7 @@
 """What volumes and live volumes share: a renderer of volumes, its view and its colours."""
 import functools
 import threading
-from typing import Any, Callable, Dict, Optional, Sequence, Tuple
+from typing import Any, Callable, Dict, Optional, Sequence, Tuple, TypeVar
 
 from . import raw
 from ._calls import Handle, checked, is_forked
@@ -12,29 +12,42 @@ from .errors import ArgumentError
 from .pictures import Picture
 
 Size = Tuple[int, int]
+_Scene = TypeVar("_Scene", bound="Scene")
 
 _PERSPECTIVE_ZOOM = 52.0  # the box with its labels, whatever the angles
 _ORTHOGRAPHIC_ZOOM = 30.0
 _MODES = ("composite", "maximum", "mean", "sections")
 
 
-def free_renderer(home: Home, before: Callable[[], None], value: int) -> None:
-    """Frees a renderer where its OpenGL objects are, and before it what refers to it."""
-    def free() -> None:
-        before()
+class Owner:
+    """What refers to the renderer of a scene and is freed before it: `uninit` with OpenGL, `free` without."""
+
+    def uninit(self) -> None:
+        pass
+
+    def free(self) -> None:
+        pass
+
+
+def free_renderer(home: Home, owner: Owner, value: int) -> None:
+    def uninit() -> None:
+        owner.uninit()
         raw.uninitializeVolumeRenderer(value)
+
+    def free() -> None:
+        owner.free()
         raw.deleteVolumeRenderer(value)
-    home.discard(free)
+    home.discard(uninit, free)
 
 
 class Scene:
     """A view of a volume. Settings may be made from any thread and show in the next frame; frames are drawn on one thread, that
     of the first one. Close it, or use it in a `with` statement; it is also closed when nobody refers to it any more."""
 
-    def __init__(self, before_free: Callable[[], None]) -> None:
+    def __init__(self, owner: Owner) -> None:
         self._home = Home()
         self._settings = threading.Lock()
-        free = functools.partial(free_renderer, self._home, before_free)
+        free = functools.partial(free_renderer, self._home, owner)
         self._renderer = Handle(checked(raw.createVolumeRenderer), free, type(self).__name__)
         self._mode = "composite"
         self._secondary = False
@@ -46,7 +59,7 @@ class Scene:
         self.set_look()
         self.set_box()
 
-    def __enter__(self) -> Any:
+    def __enter__(self: _Scene) -> _Scene:
         return self
 
     def __exit__(self, *_: object) -> None:

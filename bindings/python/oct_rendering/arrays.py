@@ -51,12 +51,12 @@ def automatic_range(samples: Any, shares: Tuple[float, float], quick: bool = Fal
 
 
 def _quantile(values: Any, share: float) -> float:
-    rank = share * (values.size - 1)
+    rank: float = share * (values.size - 1)
     below = int(rank)
     above = min(below + 1, values.size - 1)
     parted = np.partition(values, (below, above))
-    lower = float(parted[below])
-    return lower + (float(parted[above]) - lower) * (rank - below)
+    lower, upper = float(parted[below]), float(parted[above])
+    return lower + (upper - lower) * (rank - below)
 
 
 def chosen_range(given: Optional[Range], samples: Any, shares: Tuple[float, float], quick: bool = False) -> Range:

@@ -28,10 +28,7 @@ def natural_size(shape: Tuple[int, int], spacing: Tuple[float, float] = (1, 1)) 
 
 
 def _free_display(home: Home, value: int) -> None:
-    def free() -> None:
-        raw.uninitDisplayRendering(value)
-        raw.clearDisplayRendering(value)
-    home.discard(free)
+    home.discard(lambda: raw.uninitDisplayRendering(value), lambda: raw.clearDisplayRendering(value))
 
 
 class Display:

@@ -5,8 +5,8 @@ import time
 from typing import Any, Callable, Dict, Optional, Set, Tuple
 
 from . import raw
-from ._calls import Handle, Reports, checked, discard_pending, is_forked, use_process
-from ._scene import Scene, Size
+from ._calls import Handle, Reports, checked, is_forked, use_process
+from ._scene import Owner, Scene, Size
 from .arrays import COMPOSITE_SHARES, MEAN_SHARES, VOLUME_SHARES, Range, automatic_range
 from .colors import Colormap
 from .errors import ArgumentError, DeviceError, StateError
@@ -14,6 +14,17 @@ from .errors import ArgumentError, DeviceError, StateError
 _SHARES = {"composite": COMPOSITE_SHARES, "mean": MEAN_SHARES}
 
 open_lives: Set["Live"] = set()
+
+
+class _LiveRendering(Owner):
+    def __init__(self, value: int) -> None:
+        self._value = value
+
+    def uninit(self) -> None:
+        raw.renderVolume(self._value)  # the source has stopped: frees its OpenGL objects and draws nothing
+
+    def free(self) -> None:
+        raw.clearLiveRendering(self._value)
 
 
 class Live(Scene):
@@ -39,7 +50,7 @@ class Live(Scene):
         if isinstance(device, tuple):
             if range is None:
                 raise ArgumentError("Live needs a range for the values of this device.")
-            handles = device
+            handles = (device[0], device[1], device[2])
         else:
             handles = device.handles()
             library = library or device.library
@@ -56,9 +67,9 @@ class Live(Scene):
             checked(raw.setDeviceLibrary, library.encode())
         source = checked(raw.createOnlineDataSource, handles[0], handles[1])
         self._source = Handle(source, raw.clearDataSource, "Live")
-        self._live_value = checked(raw.createLiveRendering)
-        self._live = Handle(self._live_value, lambda value: None, "Live")
-        super().__init__(_free_live(self._live_value))
+        value = checked(raw.createLiveRendering)
+        self._live = Handle(value, lambda _: None, "Live")  # freed with the renderer
+        super().__init__(_LiveRendering(value))
         with self._renderer as renderer:
             self._live.call(raw.setLiveVolumeRenderingRenderer, renderer)
         self._source.call(raw.setErrorCallback, self._errors)
@@ -118,18 +129,18 @@ class Live(Scene):
         super().close()
         open_lives.discard(self)
 
-    def __exit__(self, kind: object, *_: object) -> None:
+    def __exit__(self, kind: object = None, *_: object) -> None:
         self.close()
         if kind is None:
             self._reports.raise_first()
         else:
-            self._reports.report_rest()
+            self._reports.report_first()
 
     def finish(self) -> None:
         """At the end of the program: closes, and lets no exception out."""
         with contextlib.suppress(Exception):
             self.close()
-        self._reports.report_rest()
+        self._reports.report_first()
 
     def _show(self) -> None:
         self._renderer.call(raw.setRenderElements, 1, 0)
@@ -147,13 +158,3 @@ class Live(Scene):
 
     def _on_error(self, message: bytes) -> None:
         self._reports.add(DeviceError("The acquisition failed: " + message.decode("utf-8", "replace").strip()))
-
-
-def _free_live(live: int) -> Callable[[], None]:
-    def free() -> None:
-        raw.renderVolume(live)  # after the source has stopped: frees its OpenGL objects and draws nothing
-        discard_pending()
-        raw.clearLiveRendering(live)
-        discard_pending()
-    return free
-

@@ -65,12 +65,12 @@ class Loop:
     def __enter__(self) -> "Loop":
         return self
 
-    def __exit__(self, kind: object, *_: object) -> None:
+    def __exit__(self, kind: object = None, *_: object) -> None:
         self.close()
         if kind is None:
             self._reports.raise_first()
         else:
-            self._reports.report_rest()
+            self._reports.report_first()
 
     def request(self, id: int = 0) -> None:
         """Asks for a frame and returns at once. An id that waits already is not added again."""
@@ -111,7 +111,7 @@ class Loop:
         """At the end of the program: closes, and lets no exception out."""
         with contextlib.suppress(StateError):
             self.close()
-        self._reports.report_rest()
+        self._reports.report_first()
 
     def _inside(self) -> bool:
         return getattr(_inside, "loop", None) is self

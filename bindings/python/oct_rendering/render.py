@@ -47,9 +47,12 @@ def render_volume(samples: Any, size: Size = (1024, 768), *, extent: Optional[Ex
         volume.set_sections(*sections)
         volume.set_box(edges, extent is not None if scale_marks is None else scale_marks)
         volume.set_background(*background, foreground)
-        for data, setter in ((overlay, volume.set_overlay), (secondary, volume.set_secondary), (surface, volume.set_surface)):
-            if data is not None:
-                setter(data)
+        if overlay is not None:
+            volume.set_overlay(overlay)
+        if secondary is not None:
+            volume.set_secondary(secondary)
+        if surface is not None:
+            volume.set_surface(surface)
         return volume.render(size)
 
 

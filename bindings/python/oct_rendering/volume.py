@@ -3,7 +3,7 @@ from typing import Any, Optional, Tuple
 
 from . import raw
 from ._calls import Handle, checked
-from ._scene import Scene
+from ._scene import Owner, Scene
 from .arrays import (COMPOSITE_SHARES, MAP_SHARES, MEAN_SHARES, VOLUME_SHARES, Range, address, as_samples, chosen_range,
                      without_gaps)
 from .colors import Colormap, colormap, with_opacity_ramp
@@ -15,14 +15,23 @@ _AXES = "B-scan, A-scan, depth"
 _SHARES = {"composite": COMPOSITE_SHARES, "mean": MEAN_SHARES}
 
 
+class _Offline(Owner):
+    def __init__(self, value: int) -> None:
+        self._value = value
+
+    def free(self) -> None:
+        raw.clearOfflineRendering(self._value)
+
+
 class Volume(Scene):
     """A volume of samples of the shape (B-scans, A-scans, depth). Contiguous 32-bit floats are uploaded from where they lie, by
     the next frame; anything else is copied once. The array is kept, and must not change before that frame."""
 
     def __init__(self, samples: Any = None, extent: Optional[Extent] = None, colormap: Colormap = None,
                  range: Optional[Range] = None, opacity: float = 0.25) -> None:
-        self._offline_value = 0
-        super().__init__(self._free_offline())
+        value = checked(raw.createOfflineRendering)
+        self._offline = Handle(value, lambda _: None, "Volume")  # freed with the renderer
+        super().__init__(_Offline(value))
         self._samples: Any = None
         self._extent: Extent = (1, 1, 1)
         self._overlay: Any = None
@@ -32,11 +41,6 @@ class Volume(Scene):
         self.set_colors(colormap, range, opacity)
         if samples is not None:
             self.set_samples(samples, extent)
-
-    def _free_offline(self) -> Any:
-        offline = checked(raw.createOfflineRendering)
-        self._offline = Handle(offline, lambda value: None, "Volume")
-        return lambda: raw.clearOfflineRendering(offline)
 
     def close(self) -> None:
         super().close()

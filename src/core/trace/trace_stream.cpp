@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <stdexcept>
 #include <system_error>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "core/platform.h"
 
 namespace oct {
@@ -40,7 +40,7 @@ std::size_t character_length(std::string_view text) {
 
 TraceStream::TraceStream(const std::string& path)
     : path_(path), process_(current_process_id()), file_(std::fopen(path.c_str(), "wb")) {
-  if (!file_) throw std::runtime_error("The trace file could not be opened: " + system_error_text());
+  if (!file_) throw SystemError("The trace file could not be opened: " + system_error_text());
   std::setvbuf(file_.get(), nullptr, _IONBF, 0);
   events_ = "[\n{\"ph\":\"M\",\"name\":\"process_name\",\"pid\":" + std::to_string(process_) +
             ",\"args\":{\"name\":\"OCT rendering\"}}";
@@ -163,7 +163,7 @@ void TraceStream::fail() {
   std::error_code ignored;
   if (whole_ > 0) std::filesystem::resize_file(path_, static_cast<std::uintmax_t>(whole_) + closing.size(), ignored);
   open_.clear();
-  throw std::runtime_error("The trace file could not be written: " + reason);
+  throw SystemError("The trace file could not be written: " + reason);
 }
 
 }  // namespace oct

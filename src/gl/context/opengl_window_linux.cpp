@@ -17,6 +17,7 @@
 #include "core/log.h"
 #include "gl/context/context_identity.h"
 #include "gl/context/egl_api_linux.h"
+#include "gl/trace/debugging.h"
 
 namespace oct::gl {
 namespace {
@@ -180,7 +181,18 @@ OpenGLWindow::~OpenGLWindow() = default;
 ContextHandle OpenGLWindow::createContext() {
   const std::lock_guard lock(native_->mutex);
   const OpenGLApi api;
-  const EGLContext context = eglCreateContext(native_->display, native_->config, EGL_NO_CONTEXT, nullptr);
+  // Debuggers replay core contexts that were made with attributes.
+  constexpr std::array<EGLint, 9> to_debug{EGL_CONTEXT_MAJOR_VERSION,
+                                           3,
+                                           EGL_CONTEXT_MINOR_VERSION,
+                                           3,
+                                           EGL_CONTEXT_OPENGL_PROFILE_MASK,
+                                           EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
+                                           EGL_CONTEXT_OPENGL_DEBUG,
+                                           EGL_TRUE,
+                                           EGL_NONE};
+  const EGLContext context = eglCreateContext(native_->display, native_->config, EGL_NO_CONTEXT,
+                                              debugging() ? to_debug.data() : nullptr);
   if (context == EGL_NO_CONTEXT) {
     throw failure("An error occured. OpenGL context could not be created: ");
   }

@@ -11,6 +11,8 @@
 #include "core/platform.h"
 #include "gl/context/context_identity.h"
 #include "gl/context/hidden_window_windows.h"
+#include "gl/context/wgl_extension_windows.h"
+#include "gl/trace/debugging.h"
 
 namespace oct::gl {
 namespace {
@@ -85,7 +87,8 @@ OpenGLWindow::~OpenGLWindow() = default;
 
 ContextHandle OpenGLWindow::createContext() {
   const std::lock_guard lock(native_->mutex);
-  const HGLRC context = wglCreateContext(native_->device_context);
+  const HGLRC context = debugging() ? create_debug_context(native_->device_context)
+                                    : wglCreateContext(native_->device_context);
   if (!context) throw failure("An error occured. OpenGL context could not be created: ");
   return context;
 }

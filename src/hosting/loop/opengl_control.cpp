@@ -12,6 +12,7 @@
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/debugging.h"
 #include "hosting/host/opengl_host.h"
 #include "hosting/loop/test_image.h"
 
@@ -53,6 +54,7 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
     gl::initGlew();
     gl::printGLError("OpenGLControl");
     gl::checkOpenGLVersion(3, 3);
+    gl::log_opengl_messages();
     source_ = surface_kind(sharing).open_source();
     if (source_) return;
     context_.reset();

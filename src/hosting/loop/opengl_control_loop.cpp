@@ -12,6 +12,7 @@
 #include "core/timing_mark.h"
 #include "core/trace/thread_name.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 #include "hosting/loop/opengl_control.h"
 #include "hosting/loop/render_trace.h"
 #include "hosting/offscreen/offscreen_buffer_object.h"
@@ -267,6 +268,7 @@ void OpenGLControlLoop::await_work() {
       std::this_thread::yield();
     }
   }
+  const TimingMark mark("wait for requests");
   request_queue_.wait([this](RequestQueue::Content queued) { return has_work(queued); });
 }
 
@@ -294,10 +296,7 @@ void OpenGLControlLoop::render_frame(std::int32_t request) {
   // A frame that the client has not got yet is not drawn over: its buffer would arrive twice with the later
   // frame. A snapshot does not wait for the client, who may be asking for it in the very callback.
   if (&buffer == unfinished_) hand_over(true);
-  while (!return_map_.wait_until_returned(&buffer, [this] { return !running_ || desk_.has_order(); })) {
-    if (!running_) return;
-    serve_snapshot(request);
-  }
+  if (!await_buffer(buffer, request)) return;
 
   const Size wanted = size();
   if (wanted.empty()) return;  // since the client was waited for
@@ -306,18 +305,33 @@ void OpenGLControlLoop::render_frame(std::int32_t request) {
     buffer.resize(wanted.width, wanted.height);
   }
   {
-    const TimingMark callback_mark("Rendering callback (", std::to_string(buffer.buffer_id()) + ")");
+    const gl::PassMark callback_mark("Rendering callback (", std::to_string(buffer.buffer_id()) + ")");
     buffer.prepare(request);
     draw(request);
     buffer.finish();
     control_->device().check();
   }
+  record_timing_mark("frame end");
   control_->rotate_buffers();
   lock.unlock();
   // The frame before had the time of this one to be read back.
   hand_over(true);
   unfinished_ = &buffer;
+  unfinished_since_ = begin_timing_wait();
   hand_over(false);
+}
+
+// Until the client has given the buffer back; snapshots are drawn meanwhile. False when the loop ends.
+bool OpenGLControlLoop::await_buffer(const HandOffBuffer& buffer, std::int32_t request) {
+  const auto interrupted = [this] { return !running_ || desk_.has_order(); };
+  for (;;) {
+    {
+      const TimingMark mark("wait for the client");
+      if (return_map_.wait_until_returned(&buffer, interrupted)) return true;
+    }
+    if (!running_) return false;
+    serve_snapshot(request);
+  }
 }
 
 // Draws the snapshot that a client has ordered, if any, with this id.
@@ -336,7 +350,7 @@ std::optional<Exception> OpenGLControlLoop::draw_snapshot(const SnapshotDesk::Or
                                                           std::int32_t request) {
   OffscreenBufferObject target;
   const bool empty = order.width == 0 || order.height == 0;
-  const TimingMark callback_mark("Rendering callback (-1)");
+  const gl::PassMark callback_mark("Rendering callback (-1)");
   try {
     request_queue_.add(0);
     if (empty) return {};
@@ -353,6 +367,7 @@ std::optional<Exception> OpenGLControlLoop::draw_snapshot(const SnapshotDesk::Or
     gl::throwOnGLError("the snapshot");
     target.finish(order.data);
     gl::throwOnGLError("the snapshot");
+    record_timing_mark("frame end");
   } catch (const std::exception& error) {
     failure.emplace(kind_of(error), error.what());
   }
@@ -368,7 +383,7 @@ void OpenGLControlLoop::draw(std::int32_t request) {
     rendering_callback_(static_cast<std::uint32_t>(request));
     control_->make_current();
   } else {
-    const TimingMark mark("Test image callback");
+    const gl::PassMark mark("Test image callback");
     control_->render_test_image();
   }
 }
@@ -376,8 +391,10 @@ void OpenGLControlLoop::draw(std::int32_t request) {
 // Gives the last frame to the return thread once the GPU is done with it.
 void OpenGLControlLoop::hand_over(bool wait) {
   if (!unfinished_) return;
+  const TimingMark mark(wait ? "hand over" : "hand over what is ready");
   const auto lock = unfinished_->lock();
   if (!unfinished_->complete(wait)) return;
+  record_timing_wait("frame is read back", unfinished_since_);
   HandOffBuffer* const finished = std::exchange(unfinished_, nullptr);
   return_map_.insert(finished->order_key(), finished);
 }

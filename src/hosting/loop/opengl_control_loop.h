@@ -11,6 +11,7 @@
 
 #include "core/error_callback.h"
 #include "core/exception.h"
+#include "core/timing_mark.h"
 #include "hosting/host/signal_event.h"
 #include "hosting/loop/functors.h"
 #include "hosting/loop/request_queue.h"
@@ -79,6 +80,7 @@ class OpenGLControlLoop {
   bool has_work(RequestQueue::Content queued) const;
   RequestQueue::Request next_request();
   void render_frame(std::int32_t request);
+  bool await_buffer(const HandOffBuffer& buffer, std::int32_t request);
   bool serve_snapshot(std::int32_t request);
   std::optional<Exception> draw_snapshot(const SnapshotDesk::Order& order, std::int32_t request);
   void draw(std::int32_t request);
@@ -117,6 +119,7 @@ class OpenGLControlLoop {
   std::atomic<std::uint64_t> size_{0};  // width in the upper half, so that both change together
   const SurfaceSharing sharing_;
   HandOffBuffer* unfinished_ = nullptr;  // of the render thread: its frame still waits for the GPU
+  TimingListener::Time unfinished_since_;
   SnapshotDesk desk_;
   std::mutex mode_mutex_;
   std::atomic<std::thread::id> render_thread_id_{};

@@ -9,6 +9,8 @@
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/gpu_track.h"
 #include "hosting/host/opengl_host.h"
 
 namespace oct {
@@ -17,6 +19,7 @@ OffscreenTarget::OffscreenTarget() : host_(OpenGLHost::acquire()), context_(host
   context_.makeCurrent();
   gl::initGlew();
   gl::checkOpenGLVersion(3, 3);
+  gl::log_opengl_messages();
 }
 
 OffscreenTarget::~OffscreenTarget() {
@@ -73,6 +76,7 @@ void OffscreenTarget::finish_frame(void* pixels) {
   try {
     buffer_.finish(pixels);
     gl::throwOnGLError("finishOffscreenFrame");
+    if (pixels) gl::collect_gpu_times();
   } catch (...) {
     buffer_.discard();
     throw;

@@ -4,6 +4,7 @@
 #include "core/exception.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
+#include "gl/trace/pass_mark.h"
 // After gl.h, which it needs.
 #include <GL/wglew.h>
 
@@ -43,7 +44,7 @@ void DX9SharedBufferObject::release() {
 void DX9SharedBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   const TimingMark inclusive("dx_buffer_resize_incl");
   const TimingMark exclusive("dx_buffer_resize_excl");
-  const TimingMark mark("resize shared buffer");
+  const gl::PassMark mark("resize shared buffer");
   release();
 
   const auto columns = static_cast<GLsizei>(width);
@@ -121,7 +122,7 @@ void DX9SharedBufferObject::finish() {
 }
 
 void DX9SharedBufferObject::blit_to_shared_texture() {
-  const TimingMark mark("DXSharedBufferObject: blitFrameBuffer");
+  const gl::PassMark mark("DXSharedBufferObject: blitFrameBuffer");
   const GLboolean scissor = glIsEnabled(GL_SCISSOR_TEST);  // the client's; it would cut the blit
   glDisable(GL_SCISSOR_TEST);
   glBindFramebuffer(GL_READ_FRAMEBUFFER, render_framebuffer_.get());

@@ -9,6 +9,7 @@
 #include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
 
 namespace oct {
 namespace {
@@ -70,6 +71,7 @@ void SampleColorsTexture::upload(const RevisedColormap& colormap, SampleOpacity 
   const SampleColors colors(colormap.colors(), opacity);
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
+  gl::label(texture_, "colours of samples");
   for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
     glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0);

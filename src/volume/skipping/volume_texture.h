@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "gl/texture_3d.h"
 #include "volume/skipping/brick_maxima.h"
@@ -14,6 +15,7 @@ class VolumeTexture {
   void allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint);
   [[nodiscard]] gl::Texture3D::Binding bind() const { return texture_.bind(); }
   void upload_b_scans(std::int64_t first, std::int64_t count, const float* data, const char* checkpoint);
+  void label(std::string_view text) const { texture_.label(text); }
   void reset();
 
   GLuint get() const { return texture_.get(); }

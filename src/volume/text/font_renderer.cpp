@@ -11,6 +11,7 @@
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
 #include "shaders.h"
 
 namespace oct {
@@ -65,6 +66,7 @@ void FontRenderer::upload_atlas(const std::vector<Label>& labels) {
   if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
+  gl::label(texture_, "labels");
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
   gl::reset_pixel_unpack();

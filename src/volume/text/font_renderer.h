@@ -66,7 +66,7 @@ class FontRenderer {
     GLint projection, modelview, viewport, text_color;
   } uniforms_{};
   gl::Texture texture_;
-  gl::Geometry quads_;
+  gl::Geometry quads_{"labels"};
   // What OpenGL has accepted.
   std::optional<LabelAtlas> atlas_;
   std::vector<Label> shown_;
