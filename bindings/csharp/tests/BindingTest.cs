@@ -227,6 +227,26 @@ internal static class BindingTest {
       Expect(!before.SequenceEqual(target.Draw(26, 34, display.Render)), "a setting of another thread");
       display.Dispose();
       display.Dispose();
+      // Each thread gets its own errors, all of them and no others.
+      int wrong = 0;
+      var threads = Enumerable.Range(0, 3).Select(number => new Thread(() => {
+        using (var own = Native.createDisplayRendering()) {
+          for (int i = 0; i < 300; ++i) {
+            bool fails = i % 3 == number;
+            Native.setDisplayMedianFilter(own, fails ? 7 : 0);
+            Thread.Sleep(0);  // others fail meanwhile
+            try {
+              Library.Check();
+              if (fails) Interlocked.Increment(ref wrong);
+            } catch (OctException) {
+              if (!fails) Interlocked.Increment(ref wrong);
+            }
+          }
+        }
+      })).ToList();
+      threads.ForEach(thread => thread.Start());
+      threads.ForEach(thread => thread.Join());
+      Expect(wrong == 0, "a thread's own errors, and " + wrong + " were another one's");
       ExpectThrown<ObjectDisposedException>(display.Render, "a display that was disposed of");
     }
   }
