@@ -93,6 +93,32 @@ OCT_API int getOwnRendererError(char* Message, int Size);
 OCT_API int getRendererErrorKind(void);
 
 /**
+ * @brief What an OpenGL context has to offer; see getRendererInfo().
+ */
+typedef struct OctRendererInfo {
+  unsigned int size; /**< set by the caller to sizeof(OctRendererInfo); fields beyond it are left alone */
+  unsigned int
+      sharings; /**< bit n: surface sharing n works (OctSurfaceSharing); 0 where the library cannot draw */
+  char vendor[128];                     /**< of the driver; texts of more than 127 bytes are cut */
+  char renderer[128];                   /**< the graphics card, or what draws in its place */
+  char version[128];                    /**< of OpenGL, and of the driver after it */
+  unsigned int max_texture_size;        /**< samples along each axis of an image */
+  unsigned int max_3d_texture_size;     /**< voxels along each axis of a volume; memory may end before */
+  unsigned long long free_video_memory; /**< bytes; 0 where the driver does not tell */
+} OctRendererInfo;
+
+/**
+ * @brief Tells about the OpenGL context that is current on the calling thread, whatever its version; where none is, about
+ * one of the library's own, which is made for the question. What is current stays current.
+ * @param Info Receives it; size must be set. Size itself is never changed.
+ * @par Errors
+ * "The size of the information must be set. " for null as well. Without a context those of createOffscreenTarget().
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void getRendererInfo(OctRendererInfo* Info);
+
+/**
  * @brief Sets the file that the library log is appended to, for every process that has the library loaded.
  * @param FileName Path of the file as a NUL-terminated string of at most 1024 bytes; null or empty: no file.
  * The text is copied. A file that cannot be opened loses the log, nothing else.

@@ -5,11 +5,13 @@
 
 #include "api/guard.h"
 #include "api/handles.h"
+#include "api/sized.h"
 #include "api/texts.h"
 #include "core/error_store.h"
 #include "core/log.h"
 #include "core/trace/timing_callback.h"
 #include "core/trace/trace_file.h"
+#include "hosting/surfaces/renderer_info.h"
 #include "live/brennick_data_source.h"
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
@@ -61,6 +63,22 @@ int getOwnRendererError(char* Message, int Size) {
 
 int getRendererErrorKind(void) {
   return guarded_unposted([] { return static_cast<int>(oct::error_store().kind()); });
+}
+
+void getRendererInfo(OctRendererInfo* Info) {
+  guarded(__func__, [&] {
+    OctRendererInfo all{};
+    all.size = oct::api::size_of(Info, "The size of the information must be set. ");
+    const oct::RendererInfo info = oct::renderer_info();
+    all.sharings = info.sharings;
+    oct::api::give_text(info.vendor, all.vendor, sizeof all.vendor);
+    oct::api::give_text(info.renderer, all.renderer, sizeof all.renderer);
+    oct::api::give_text(info.version, all.version, sizeof all.version);
+    all.max_texture_size = info.max_texture_size;
+    all.max_3d_texture_size = info.max_3d_texture_size;
+    all.free_video_memory = info.free_video_memory;
+    oct::api::give(all, *Info);
+  });
 }
 
 void setRendererLogFile(const char* FileName) {
