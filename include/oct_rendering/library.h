@@ -72,6 +72,17 @@ OCT_API int isRendererError(void);
 OCT_API int getRendererError(char* Message, int Size);
 
 /**
+ * @brief Reads and clears the pending error of the calling thread, and of no other: what a program asks after a call
+ * that has threads which fail at the same time. getRendererErrorKind() then tells its kind.
+ * @param Message As getRendererError().
+ * @param Size As getRendererError().
+ * @return OCT_RENDERER_ERROR when the thread had an error pending, else 0.
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API int getOwnRendererError(char* Message, int Size);
+
+/**
  * @brief Tells the kind of the calling thread's pending error, or of the error that it read last when it has none
  * pending: also after getRendererError() has taken the text, also where that was another thread's. Consumes nothing.
  * Kinds stay the same from version to version, as the texts do; docs/errors.md has both.

@@ -1,4 +1,6 @@
 // Exports of the library itself: version, errors, log.
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "api/guard.h"
@@ -19,6 +21,12 @@ using oct::api::guarded;
 using oct::api::guarded_unposted;
 
 namespace {
+
+int give_error(const std::optional<std::string>& error, char* message, int size) {
+  if (!error) return 0;
+  oct::api::give_text(*error, message, size);
+  return OCT_RENDERER_ERROR;
+}
 
 void set_error_callback(LiveDataSourceHandle handle, oct::ErrorCallback::Function function) {
   auto& source =
@@ -46,12 +54,11 @@ int isRendererError(void) {
 }
 
 int getRendererError(char* Message, int Size) {
-  return guarded_unposted([&] {
-    const auto error = oct::error_store().takeError();
-    if (!error) return 0;
-    oct::api::give_text(*error, Message, Size);
-    return OCT_RENDERER_ERROR;
-  });
+  return guarded_unposted([&] { return give_error(oct::error_store().takeError(), Message, Size); });
+}
+
+int getOwnRendererError(char* Message, int Size) {
+  return guarded_unposted([&] { return give_error(oct::error_store().take_own_error(), Message, Size); });
 }
 
 int getRendererErrorKind(void) {
