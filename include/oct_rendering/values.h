@@ -55,6 +55,14 @@ typedef enum OctSurfaceSharing {
   OCT_SHARING_HOST_MEMORY = 1 /**< host memory, OctHostSurface* */
 } OctSurfaceSharing;
 
+/** @brief The order of pixels in memory, 8 bits a channel; see finishOffscreenFrameAs(). */
+typedef enum OctPixelFormat {
+  OCT_PIXELS_BGRA = 0,          /**< blue, green, red, alpha; the bottom row first */
+  OCT_PIXELS_RGBA = 1,          /**< red, green, blue, alpha; the bottom row first */
+  OCT_PIXELS_BGRA_TOP_DOWN = 2, /**< blue, green, red, alpha; the top row first */
+  OCT_PIXELS_RGBA_TOP_DOWN = 3  /**< red, green, blue, alpha; the top row first */
+} OctPixelFormat;
+
 /** @brief What a polarization-sensitive source draws; see selectOnlineDataSource_PS(). */
 typedef enum OctPolarizationOutput {
   OCT_POLARIZATION_INTENSITY = 0,
