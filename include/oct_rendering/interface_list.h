@@ -24,7 +24,9 @@
   FUNCTION(0.1, library, const char*, getRendererVersion, (void)) \
   FUNCTION(0.1, library, int, isRendererError, (void)) \
   FUNCTION(0.1, library, int, getRendererError, (char* Message, int Size)) \
+  FUNCTION(0.2, library, int, getOwnRendererError, (char* Message, int Size)) \
   FUNCTION(0.2, library, int, getRendererErrorKind, (void)) \
+  FUNCTION(0.2, library, void, getRendererInfo, (OctRendererInfo* Info)) \
   FUNCTION(0.1, library, void, setRendererLogFile, (const char* FileName)) \
   FUNCTION(0.1, library, void, setErrorCallback, (LiveDataSourceHandle DataSource, OctErrorFunction Callback)) \
   FUNCTION(0.2, library, void, setErrorCallbackWithUser, (LiveDataSourceHandle DataSource, OctErrorFunctionWithUser Callback, void* user)) \

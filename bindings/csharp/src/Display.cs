@@ -6,6 +6,7 @@ namespace OctRendering {
 public sealed class Display : IDisposable {
   /// <summary>Makes a renderer and what it needs in the current context.</summary>
   public Display() {
+    OwnThread.FreeWhatWasLeft();
     Handle = Library.Checked(Native.createDisplayRendering());
     try {
       Native.initDisplayRendering(Handle);

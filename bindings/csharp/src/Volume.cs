@@ -6,6 +6,7 @@ namespace OctRendering {
 public sealed class VolumeRenderer : IDisposable {
   /// <summary>Makes a renderer and what it needs in the current context.</summary>
   public VolumeRenderer() {
+    OwnThread.FreeWhatWasLeft();
     Handle = Library.Checked(Native.createVolumeRenderer());
     try {
       Native.initializeVolumeRenderer(Handle);

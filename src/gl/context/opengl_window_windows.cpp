@@ -87,8 +87,8 @@ OpenGLWindow::~OpenGLWindow() = default;
 
 ContextHandle OpenGLWindow::createContext() {
   const std::lock_guard lock(native_->mutex);
-  const HGLRC context = debugging() ? create_debug_context(native_->device_context)
-                                    : wglCreateContext(native_->device_context);
+  const HGLRC context =
+      debugging() ? create_debug_context(native_->device_context) : wglCreateContext(native_->device_context);
   if (!context) throw failure("An error occured. OpenGL context could not be created: ");
   return context;
 }
