@@ -17,7 +17,7 @@ OctPick picked(VolumeRendererHandle renderer, int x, int y) {
   return pick;
 }
 
-// Where samples are equally bright any of them is right; rounding may find the next one.
+// Where samples are equally bright any of them is right.
 bool same(const VolumeScene& scene, const OctPick& found, const ReferencePick& expected) {
   const glm::dvec3 voxel(found.voxel[0], found.voxel[1], found.voxel[2]);
   if (found.kind != expected.kind) return expected.doubtful;
@@ -25,8 +25,8 @@ bool same(const VolumeScene& scene, const OctPick& found, const ReferencePick& e
   const double apart = glm::length(voxel - expected.voxel);
   const double value = static_cast<double>(found.value);
   const bool brightest = found.kind == OCT_PICK_VOLUME && (scene.mode == 1 || scene.mode == 2);
-  const bool near = apart <= 0.05 + 1.2 * expected.step;
-  return (near && std::abs(value - expected.value) < (found.kind == OCT_PICK_VOLUME ? 0.3 : 0.02)) ||
+  const bool near = apart <= 0.05;
+  return (near && std::abs(value - expected.value) < 0.02) ||
          (brightest && std::abs(value - expected.value) < 0.004);
 }
 
