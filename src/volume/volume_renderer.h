@@ -137,7 +137,7 @@ class VolumeRenderer {
 
   mutable std::mutex record_mutex_;            // held for assignments only
   std::shared_ptr<const FrameRecord> record_;  // of the last frame; null: there was none, or it failed
-  std::optional<std::string> failure_;         // of the last frame
+  std::optional<std::string> last_error_;      // of the last frame
 };
 
 }  // namespace oct

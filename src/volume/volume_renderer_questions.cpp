@@ -61,7 +61,7 @@ std::string VolumeRenderer::explain_frame() {
   std::shared_ptr<const FrameRecord> last;
   {
     const std::lock_guard lock(record_mutex_);
-    if (failure_) return "The last frame failed: " + *failure_;
+    if (last_error_) return "The last frame failed: " + *last_error_;
     last = record_;
   }
   if (!last) return "No frame has been drawn yet. ";
