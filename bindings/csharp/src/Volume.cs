@@ -116,6 +116,14 @@ public sealed class VolumeRenderer : IDisposable {
     Library.Check();
   }
 
+  /// <summary>Why the last frame shows nothing or almost nothing, in plain words.</summary>
+  /// <returns>Null when it shows something.</returns>
+  public string Explain() {
+    Handle.RequireThread();
+    var text = new byte[1024];
+    return Library.Checked(Native.explainFrame(Handle, text, text.Length)) == 0 ? null : Utf8.Text(text);
+  }
+
   /// <summary>Frees it, on the thread that made it, after the volumes that it draws.</summary>
   public void Dispose() {
     if (Handle.IsClosed) return;

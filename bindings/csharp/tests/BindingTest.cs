@@ -165,7 +165,15 @@ internal static class BindingTest {
         string sections = mode == "sections" ? " --sections 0.25 off 0.75" : "";
         ExpectSame(ByOctrender("volume", "--mode " + mode + sections + view, Samples()),
                    target.Draw(120, 90, volume.Render), "a volume by " + mode);
+        Expect(renderer.Explain() == null, "nothing to explain: " + renderer.Explain());
       }
+      renderer.ShowWhole();
+      renderer.Show(false, false);
+      target.Draw(120, 90, volume.Render);
+      Expect(!string.IsNullOrEmpty(renderer.Explain()), "why the volume is not seen");
+      RendererInfo info = Library.Info;
+      Expect(Utf8.Text(info.Version)[0] >= '3' && info.MaxTextureSize >= 1024 && info.Max3dTextureSize >= 256
+             && (info.Sharings & 1u << (int)SurfaceSharing.HostMemory) != 0, "what the context has to offer");
     }
   }
 
