@@ -169,16 +169,17 @@ TEST_F(TraceTest, EachEndGoesToWhoHeardItsBeginWhileAllIsExchanged) {
 }
 
 TEST_F(TraceTest, AFunctionMayExchangeItselfAndUseTheLibrary) {
-  static Profiler after;
   struct Client {
     std::atomic<int> calls{0};
+    Profiler after;
   } client;
   setRendererTimingCallback(
       [](const char*, unsigned, unsigned long long, void* user) {
-        if (++static_cast<Client*>(user)->calls != 2) return;
+        auto& self = *static_cast<Client*>(user);
+        if (++self.calls != 2) return;
         const TimingMark unheard("within a call");
         setRendererTraceFile(nullptr);
-        after.set();
+        self.after.set();
       },
       nullptr, nullptr, &client);
   const TimingMark first("first");
@@ -187,9 +188,9 @@ TEST_F(TraceTest, AFunctionMayExchangeItselfAndUseTheLibrary) {
     const TimingMark third("third");
   }
   EXPECT_EQ(client.calls, 2);
-  EXPECT_EQ(after.calls, 2);  // the third's
+  EXPECT_EQ(client.after.calls, 2);  // the third's
   setRendererTimingCallback(nullptr, nullptr, nullptr, nullptr);
-  after.expect_gone();
+  client.after.expect_gone();
 }
 
 }  // namespace

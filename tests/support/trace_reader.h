@@ -94,9 +94,9 @@ struct TracePhase {
 struct Trace {
   using Phases = std::vector<TracePhase>;
 
-  std::map<std::string, Phases> tracks;                  // by name, in the order of their ends
+  std::map<std::string, Phases> tracks;                      // by name, in the order of their ends
   std::map<std::string, std::vector<std::string>> instants;  // by the track's name
-  std::map<std::string, int> waits;                      // how often each was over
+  std::map<std::string, int> waits;                          // how often each was over
 
   const TracePhase* find(const std::string& track, const std::string& name) const {
     const auto phases = tracks.find(track);

@@ -154,21 +154,22 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
     return names;
   };
   // Opaque things first; then, from behind, what is blended.
-  EXPECT_EQ(marks_of_frame(), (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
-                                     "render: colormap changed", "VolumeRenderer::render_surface",
-                                     "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
-                                     "VolumeRenderer::render_clip_plane_border", "render_raycasting::drawing",
-                                     "VolumeRenderer::render_clip_plane_border",
-                                     "VolumeRenderer::render_clip_plane_border::draw_overlay",
-                                     "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
+  EXPECT_EQ(marks_of_frame(),
+            (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
+                   "render: colormap changed", "VolumeRenderer::render_background",
+                   "VolumeRenderer::render_surface", "VolumeRenderer::render_elements",
+                   "VolumeRenderer::render_frame", "VolumeRenderer::render_clip_plane_border",
+                   "render_raycasting::drawing", "VolumeRenderer::render_clip_plane_border",
+                   "VolumeRenderer::render_clip_plane_border::draw_overlay",
+                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
   setRenderingMode(renderer_, 1);
   renderOfflineVolume(offline_, 0);  // builds what slices need
   EXPECT_EQ(marks_of_frame(),
             (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
-                   "VolumeRenderer::render_surface", "VolumeRenderer::render_sectional_view",
-                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
+                   "VolumeRenderer::render_background", "VolumeRenderer::render_surface",
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_elements",
-                   "VolumeRenderer::render_frame"}));
+                   "VolumeRenderer::render_frame", "VolumeRenderer::render_sectional_view",
+                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
   setViewportSize(13, 7);
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());

@@ -18,9 +18,7 @@ constexpr std::string_view closing = "\n]\n";
 
 // How many bytes of UTF-8 make the character that the text begins with; 0 where they make none.
 std::size_t character_length(std::string_view text) {
-  const auto byte = [&](std::size_t i) {
-    return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
-  };
+  const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
   const std::size_t length = byte(0) < 0x80   ? 1
                              : byte(0) < 0xC2 ? 0
                              : byte(0) < 0xE0 ? 2
@@ -161,7 +159,8 @@ void TraceStream::fail() {
     std::fwrite(closing.data(), 1, closing.size(), file_.get());
   file_.reset();
   std::error_code ignored;
-  if (whole_ > 0) std::filesystem::resize_file(path_, static_cast<std::uintmax_t>(whole_) + closing.size(), ignored);
+  if (whole_ > 0)
+    std::filesystem::resize_file(path_, static_cast<std::uintmax_t>(whole_) + closing.size(), ignored);
   open_.clear();
   throw SystemError("The trace file could not be written: " + reason);
 }

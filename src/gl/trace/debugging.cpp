@@ -28,7 +28,8 @@ std::atomic<bool>& debugging_flag() {
 }
 
 bool has_debug_functions() {
-  const bool loaded = is_loaded_for_current_driver() && glPushDebugGroup && glObjectLabel && glDebugMessageCallback;
+  const bool loaded =
+      is_loaded_for_current_driver() && glPushDebugGroup && glObjectLabel && glDebugMessageCallback;
   return loaded && (current_driver().version >= Version{4, 3} || GLEW_KHR_debug);
 }
 
@@ -56,12 +57,14 @@ const char* text_of_type(GLenum type) {
 }
 
 // Calls nothing of OpenGL's, which would call back.
-void GLAPIENTRY log_message(GLenum, GLenum type, GLuint, GLenum, GLsizei length, const GLchar* text, const void*) {
+void GLAPIENTRY log_message(GLenum, GLenum type, GLuint, GLenum, GLsizei length, const GLchar* text,
+                            const void*) {
   static std::atomic<unsigned> count{0};
   const unsigned number = ++count;
   if (number > most_messages) return;
   try {
-    std::string_view line(text, length < 0 ? std::char_traits<char>::length(text) : static_cast<std::size_t>(length));
+    std::string_view line(
+        text, length < 0 ? std::char_traits<char>::length(text) : static_cast<std::size_t>(length));
     while (!line.empty() && line.back() == '\n') line.remove_suffix(1);
     log() << "OpenGL " << text_of_type(type) << ": " << line;
     if (number == most_messages) log() << "OpenGL: further messages are not logged. ";

@@ -82,7 +82,8 @@ bool GpuTrack::begin(std::uint64_t trace, std::string_view name) {
 void GpuTrack::end(std::uint64_t trace, bool in_context) {
   if (trace != trace_) return;
   add({}, in_context);
-  --open_;
+  // A stamp that stays with the driver would tell when the next frame's commands came.
+  if (--open_ == 0 && in_context) glFlush();
 }
 
 void GpuTrack::add(std::string name, bool counted) {
@@ -96,6 +97,8 @@ void GpuTrack::add(std::string name, bool counted) {
   }
   if (!stamp.query) stamp.query = Query::create();
   if (stamp.query) glQueryCounter(stamp.query.get(), GL_TIMESTAMP);
+  if (stamp.query && glIsQuery(stamp.query.get()) == GL_FALSE)
+    stamp.query.reset();  // refused for the first time
 }
 
 // In their order. A time that lies before the one before, as where a driver works on several commands at once, would

@@ -391,7 +391,7 @@ void OpenGLControlLoop::draw(std::int32_t request) {
 // Gives the last frame to the return thread once the GPU is done with it.
 void OpenGLControlLoop::hand_over(bool wait) {
   if (!unfinished_) return;
-  const TimingMark mark(wait ? "hand over" : "hand over what is ready");
+  const TimingMark mark("hand over");
   const auto lock = unfinished_->lock();
   if (!unfinished_->complete(wait)) return;
   record_timing_wait("frame is read back", unfinished_since_);

@@ -43,8 +43,9 @@ class RequestQueue {
   template <class Condition>
   void wait(Condition&& condition) {
     std::unique_lock lock(mutex_);
-    condition_.wait(
-        lock, [&] { return condition(Content{!requests_.empty(), first_drawable() != requests_.end()}); });
+    condition_.wait(lock, [&] {
+      return condition(Content{!requests_.empty(), first_drawable() != requests_.end()});
+    });
   }
 
   void wake() {
