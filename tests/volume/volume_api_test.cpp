@@ -154,14 +154,15 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
     return names;
   };
   // Opaque things first; then, from behind, what is blended.
-  EXPECT_EQ(marks_of_frame(),
-            (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
-                   "render: colormap changed", "VolumeRenderer::render_background",
-                   "VolumeRenderer::render_surface", "VolumeRenderer::render_elements",
-                   "VolumeRenderer::render_frame", "VolumeRenderer::render_clip_plane_border",
-                   "render_raycasting::drawing", "VolumeRenderer::render_clip_plane_border",
-                   "VolumeRenderer::render_clip_plane_border::draw_overlay",
-                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
+  EXPECT_EQ(
+      marks_of_frame(),
+      (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init", "render: colormap changed",
+             "VolumeRenderer::render_background", "VolumeRenderer::render_surface",
+             "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
+             "VolumeRenderer::render_clip_plane_border", "render_raycasting::drawing",
+             "positions of the surface", "VolumeRenderer::render_clip_plane_border",
+             "VolumeRenderer::render_clip_plane_border::draw_overlay", "VolumeRenderer::render_elements",
+             "VolumeRenderer::render_frame", "frame end"}));
   setRenderingMode(renderer_, 1);
   renderOfflineVolume(offline_, 0);  // builds what slices need
   EXPECT_EQ(marks_of_frame(),
@@ -169,7 +170,8 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
                    "VolumeRenderer::render_background", "VolumeRenderer::render_surface",
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_elements",
                    "VolumeRenderer::render_frame", "VolumeRenderer::render_sectional_view",
-                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
+                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame", "copy the kept picture",
+                   "frame end"}));
   setViewportSize(13, 7);
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());
