@@ -74,6 +74,7 @@ void VolumeRenderer::release() {
   raycaster_.release();
   elements_.release();
   surface_.release();
+  picker_.release();
   picture_.release();
   const std::lock_guard lock(record_mutex_);
   record_.reset();
