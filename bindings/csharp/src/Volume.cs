@@ -116,6 +116,18 @@ public sealed class VolumeRenderer : IDisposable {
     Library.Check();
   }
 
+  /// <summary>What lies under a pixel of the last frame.</summary>
+  /// <param name="x">From the left.</param>
+  /// <param name="y">From the bottom: the height of the picture less one less the row of a picture.</param>
+  /// <returns>Its place and value; its Kind is 0 where nothing is.</returns>
+  public Pick Pick(int x, int y) {
+    Handle.RequireThread();
+    Pick pick = OctRendering.Pick.Sized();
+    Native.pickVolume(Handle, x, y, ref pick);
+    Library.Check();
+    return pick;
+  }
+
   /// <summary>Why the last frame shows nothing or almost nothing, in plain words.</summary>
   /// <returns>Null when it shows something.</returns>
   public string Explain() {
