@@ -24,12 +24,12 @@ struct Place {
   std::atomic<TimingListener*> listener{nullptr};
   std::atomic<const TimingListener*> latest{nullptr};  // the same, still there after it was removed
   std::atomic<std::uint64_t> number{0};                // of the listener; they only grow
-  std::atomic<unsigned> calls{0};                      // that are running, or about to find out that there is none
+  std::atomic<unsigned> calls{0};  // that are running, or about to find out that there is none
 };
 
 constinit std::array<Place, 4> places;
 constinit std::atomic<std::uint64_t> latest_number{1};
-constinit std::mutex places_mutex;
+std::mutex places_mutex;  // not constant with mingw-w64
 constinit thread_local bool in_call = false;
 
 constexpr auto pause = std::chrono::microseconds(50);
@@ -92,7 +92,8 @@ void remove_timing_listener(const TimingListener& listener) noexcept {
 void await_timing_calls(const TimingListener& listener) noexcept {
   if (in_call) return;
   for (const Place& place : places) {
-    while (place.latest == &listener && !place.listener && place.calls != 0) std::this_thread::sleep_for(pause);
+    while (place.latest == &listener && !place.listener && place.calls != 0)
+      std::this_thread::sleep_for(pause);
   }
 }
 
@@ -116,9 +117,8 @@ void TimingMark::begin(std::string_view name, std::string_view detail) noexcept 
     return;
   }
   begun_ = latest_number;
-  tell(begun_, [&](TimingListener& listener) {
-    listener.begin(name_, current_thread_id(), steady_clock::now());
-  });
+  tell(begun_,
+       [&](TimingListener& listener) { listener.begin(name_, current_thread_id(), steady_clock::now()); });
 }
 
 void TimingMark::end() noexcept {
@@ -128,9 +128,8 @@ void TimingMark::end() noexcept {
 
 void record_timing_mark(std::string_view name) noexcept {
   if (!has_timing_listener() || in_call) return;
-  tell(std::numeric_limits<std::uint64_t>::max(), [&](TimingListener& listener) {
-    listener.instant(name, current_thread_id(), steady_clock::now());
-  });
+  tell(std::numeric_limits<std::uint64_t>::max(),
+       [&](TimingListener& listener) { listener.instant(name, current_thread_id(), steady_clock::now()); });
 }
 
 TimingListener::Time begin_timing_wait() {
