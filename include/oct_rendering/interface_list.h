@@ -90,6 +90,7 @@
   FUNCTION(0.1, volume, void, setOverlayRendererColoringBoundaries, (VolumeRendererHandle Handle, double Lower, double Upper)) \
   FUNCTION(0.1, volume, void, setRendererSecondarySliceIndex, (VolumeRendererHandle Handle, int Index)) \
   FUNCTION(0.2, volume, int, explainFrame, (VolumeRendererHandle Handle, char* Text, int Size)) \
+  FUNCTION(0.2, volume, int, pickVolume, (VolumeRendererHandle Handle, int X, int Y, OctPick* Pick)) \
   FUNCTION(0.1, volume, void, setSurface, (VolumeRendererHandle Handle, int Width, int Height, double Scale, const float* Values)) \
   FUNCTION(0.1, volume, void, setSurfaceDepths, (VolumeRendererHandle Handle, double Lower, double Upper)) \
   FUNCTION(0.1, offline, OfflineRenderingHandle, createOfflineRendering, (void)) \

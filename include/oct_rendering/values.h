@@ -76,6 +76,14 @@ typedef enum OctPolarizationOutput {
   OCT_POLARIZATION_SENSOR_1 = 8  /**< intensity of sensor 1, without polarization processing */
 } OctPolarizationOutput;
 
+/** @brief What lies under a pixel; see pickVolume(). */
+typedef enum OctPickKind {
+  OCT_PICK_NOTHING = 0, /**< the background, or what is too transparent to be seen */
+  OCT_PICK_VOLUME = 1,  /**< the volume that is cast */
+  OCT_PICK_SLICE = 2,   /**< a slice of the sectional view */
+  OCT_PICK_SURFACE = 3  /**< the surface of setSurface() */
+} OctPickKind;
+
 /** @brief Axes of a volume, the fastest in memory first: indices of the positions in OctPick. */
 typedef enum OctAxis {
   OCT_AXIS_DEPTH = 0,  /**< axial: samples of an A-scan; model y */
