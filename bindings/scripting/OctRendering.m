@@ -102,7 +102,7 @@ classdef OctRendering < handle
             [varargout{1:max(nargout, 0)}] = calllib(self.Alias, name, varargin{:});
             if calllib(self.Alias, 'isRendererError') == 0, return; end
             kind = calllib(self.Alias, 'getRendererErrorKind');
-            [pending, text] = calllib(self.Alias, 'getRendererError', blanks(1024), 1024);
+            [pending, text] = calllib(self.Alias, 'getOwnRendererError', blanks(1024), 1024);
             if pending ~= 0
                 error(['OctRendering:' self.Kinds{kind + 1}], '%s', text);
             end

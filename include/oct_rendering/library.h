@@ -72,6 +72,17 @@ OCT_API int isRendererError(void);
 OCT_API int getRendererError(char* Message, int Size);
 
 /**
+ * @brief Reads and clears the pending error of the calling thread, and of no other: what a program asks after a call
+ * that has threads which fail at the same time. getRendererErrorKind() then tells its kind.
+ * @param Message As getRendererError().
+ * @param Size As getRendererError().
+ * @return OCT_RENDERER_ERROR when the thread had an error pending, else 0.
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API int getOwnRendererError(char* Message, int Size);
+
+/**
  * @brief Tells the kind of the calling thread's pending error, or of the error that it read last when it has none
  * pending: also after getRendererError() has taken the text, also where that was another thread's. Consumes nothing.
  * Kinds stay the same from version to version, as the texts do; docs/errors.md has both.
@@ -80,6 +91,32 @@ OCT_API int getRendererError(char* Message, int Size);
  * @since 0.2
  */
 OCT_API int getRendererErrorKind(void);
+
+/**
+ * @brief What an OpenGL context has to offer; see getRendererInfo().
+ */
+typedef struct OctRendererInfo {
+  unsigned int size; /**< set by the caller to sizeof(OctRendererInfo); fields beyond it are left alone */
+  unsigned int
+      sharings; /**< bit n: surface sharing n works (OctSurfaceSharing); 0 where the library cannot draw */
+  char vendor[128];                     /**< of the driver; texts of more than 127 bytes are cut */
+  char renderer[128];                   /**< the graphics card, or what draws in its place */
+  char version[128];                    /**< of OpenGL, and of the driver after it */
+  unsigned int max_texture_size;        /**< samples along each axis of an image */
+  unsigned int max_3d_texture_size;     /**< voxels along each axis of a volume; memory may end before */
+  unsigned long long free_video_memory; /**< bytes; 0 where the driver does not tell */
+} OctRendererInfo;
+
+/**
+ * @brief Tells about the OpenGL context that is current on the calling thread, whatever its version; where none is, about
+ * one of the library's own, which is made for the question. What is current stays current.
+ * @param Info Receives it; size must be set. Size itself is never changed.
+ * @par Errors
+ * "The size of the information must be set. " for null as well. Without a context those of createOffscreenTarget().
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void getRendererInfo(OctRendererInfo* Info);
 
 /**
  * @brief Sets the file that the library log is appended to, for every process that has the library loaded.

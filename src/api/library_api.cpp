@@ -1,13 +1,17 @@
 // Exports of the library itself: version, errors, log.
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "api/guard.h"
 #include "api/handles.h"
+#include "api/sized.h"
 #include "api/texts.h"
 #include "core/error_store.h"
 #include "core/log.h"
 #include "core/trace/timing_callback.h"
 #include "core/trace/trace_file.h"
+#include "hosting/surfaces/renderer_info.h"
 #include "live/brennick_data_source.h"
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
@@ -17,6 +21,12 @@ using oct::api::guarded;
 using oct::api::guarded_unposted;
 
 namespace {
+
+int give_error(const std::optional<std::string>& error, char* message, int size) {
+  if (!error) return 0;
+  oct::api::give_text(*error, message, size);
+  return OCT_RENDERER_ERROR;
+}
 
 void set_error_callback(LiveDataSourceHandle handle, oct::ErrorCallback::Function function) {
   auto& source =
@@ -44,16 +54,31 @@ int isRendererError(void) {
 }
 
 int getRendererError(char* Message, int Size) {
-  return guarded_unposted([&] {
-    const auto error = oct::error_store().takeError();
-    if (!error) return 0;
-    oct::api::give_text(*error, Message, Size);
-    return OCT_RENDERER_ERROR;
-  });
+  return guarded_unposted([&] { return give_error(oct::error_store().takeError(), Message, Size); });
+}
+
+int getOwnRendererError(char* Message, int Size) {
+  return guarded_unposted([&] { return give_error(oct::error_store().take_own_error(), Message, Size); });
 }
 
 int getRendererErrorKind(void) {
   return guarded_unposted([] { return static_cast<int>(oct::error_store().kind()); });
+}
+
+void getRendererInfo(OctRendererInfo* Info) {
+  guarded(__func__, [&] {
+    OctRendererInfo all{};
+    all.size = oct::api::size_of(Info, "The size of the information must be set. ");
+    const oct::RendererInfo info = oct::renderer_info();
+    all.sharings = info.sharings;
+    oct::api::give_text(info.vendor, all.vendor, sizeof all.vendor);
+    oct::api::give_text(info.renderer, all.renderer, sizeof all.renderer);
+    oct::api::give_text(info.version, all.version, sizeof all.version);
+    all.max_texture_size = info.max_texture_size;
+    all.max_3d_texture_size = info.max_3d_texture_size;
+    all.free_video_memory = info.free_video_memory;
+    oct::api::give(all, *Info);
+  });
 }
 
 void setRendererLogFile(const char* FileName) {

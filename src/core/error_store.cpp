@@ -84,6 +84,17 @@ std::optional<std::string> ErrorStore::takeError() {
     if (records_.empty()) return std::nullopt;
     record = records_.begin();
   }
+  return take(record);
+}
+
+std::optional<std::string> ErrorStore::take_own_error() {
+  const std::lock_guard lock(mutex_);
+  const auto record = records_.find(current_thread_id());
+  if (record == records_.end()) return std::nullopt;
+  return take(record);
+}
+
+std::string ErrorStore::take(Records::iterator record) {
   kind_taken_last = record->second.kind;
   if (record->second.sticky) return record->second.message;
   // The record in reserve comes back with its room for the next text.

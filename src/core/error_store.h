@@ -29,6 +29,8 @@ class ErrorStore {
   // The calling thread's message, else that of the thread with the lowest identifier; nothing when no error
   // is pending (a message may be empty). Removes the record unless it is sticky.
   std::optional<std::string> takeError();
+  // The calling thread's message alone.
+  std::optional<std::string> take_own_error();
 
   void close() noexcept;  // gives back the memory of pending errors
 
@@ -40,6 +42,7 @@ class ErrorStore {
   };
   using Records = std::map<std::uint32_t, ErrorRecord>;
 
+  std::string take(Records::iterator record);
   void keep_in_reserve(Records::node_type record) noexcept;
   void post_in_reserve(std::uint32_t thread, const std::exception& error) noexcept;
 

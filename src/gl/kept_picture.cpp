@@ -113,6 +113,18 @@ void KeptPicture::copy_to(const std::array<GLint, 4>& viewport) const {
   glBindFramebuffer(GL_READ_FRAMEBUFFER, before);
 }
 
+std::vector<std::uint8_t> KeptPicture::pixels() const {
+  std::vector<std::uint8_t> bytes(std::size_t{4} * static_cast<std::size_t>(width_) *
+                                  static_cast<std::size_t>(height_));
+  const ClientPack pack;
+  reset_pixel_pack();
+  const auto before = static_cast<GLuint>(asked(GL_READ_FRAMEBUFFER_BINDING));
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_.get());
+  glReadPixels(0, 0, width_, height_, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, before);
+  return bytes;
+}
+
 void KeptPicture::release() {
   kept_ = false;
   framebuffer_.reset();

@@ -65,8 +65,8 @@ void Texture3D::require(const VolumeExtent& extent, GLenum internal_format) {
 void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint,
                          const float* data) {
   require(extent, internal_format);
-  SliceRevisions revisions;
-  revisions.restart(extent.b_scans);
+  auto revisions = std::make_shared<SliceRevisions>();
+  revisions->restart(extent.b_scans);
   std::vector<std::uint16_t> halves;
   if (internal_format == GL_R16F) halves.resize(static_cast<std::size_t>(extent.depth * extent.a_scans));
   Texture texture = Texture::create();
@@ -123,7 +123,7 @@ void Texture3D::upload_b_scans(std::int64_t first, std::int64_t count, const flo
                     static_cast<GLsizei>(extent_.depth), static_cast<GLsizei>(extent_.a_scans), 1, GL_RED,
                     halves_.empty() ? GL_FLOAT : GL_HALF_FLOAT, b_scan);
     throwOnGLError(checkpoint);
-    revisions_.changed(first + k, first + k + 1);
+    revisions_->changed(first + k, first + k + 1);
   }
 }
 
@@ -134,7 +134,7 @@ void Texture3D::label(std::string_view text) const {
 void Texture3D::reset() {
   texture_.reset();
   extent_ = {};
-  revisions_ = {};
+  revisions_.reset();
   halves_ = {};
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -39,8 +40,9 @@ class Texture3D {
   // OpenGL refuses: the B-scans before that one have changed, and no other.
   void upload_b_scans(std::int64_t first, std::int64_t count, const float* data, const char* checkpoint);
   // For those who copy the whole texture themselves.
-  void all_changed() { revisions_.changed(0, revisions_.count()); }
-  const SliceRevisions& revisions() const { return revisions_; }
+  void all_changed() { revisions_->changed(0, revisions_->count()); }
+  // Of the texture that there is, which alone owns them: they end with it. Null without one.
+  std::shared_ptr<const SliceRevisions> revisions() const { return revisions_; }
 
   void label(std::string_view text) const;  // for debuggers
   void reset();
@@ -52,7 +54,7 @@ class Texture3D {
  private:
   Texture texture_;
   VolumeExtent extent_;
-  SliceRevisions revisions_;
+  std::shared_ptr<SliceRevisions> revisions_;
   std::vector<std::uint16_t> halves_;  // one B-scan on its way into a texture of half floats
 };
 

@@ -131,12 +131,16 @@ VolumeSource FastOpenGLVolumeRenderer::source() {
   if (upload_.secondary() != 0) {
     source.secondary = upload_.secondary();
     source.secondary_slice_count = secondary_width_;
-    source.secondary_revision = upload_.revisions().newest();  // they come together
+    source.secondary_revisions = upload_.revisions();  // they come together
   }
   // Until the first volume has come the texture holds what the driver left in it.
-  if (!uploaded_) return source;
+  if (!uploaded_) {
+    source.lack = VolumeLack::no_live_volume;
+    return source;
+  }
   source.volume = upload_.volume();
-  source.volume_revisions = &upload_.revisions();
+  source.extent = upload_.extent();
+  source.volume_revisions = upload_.revisions();
   source.volume_maxima = maxima_.get();
   source.empty_space = &empty_space_;
   source.slice_count = static_cast<int>(upload_.extent().a_scans);

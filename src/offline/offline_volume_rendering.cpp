@@ -38,6 +38,16 @@ void OfflineVolumeRendering::set_aspect_ratio(float axial, float lateral1, float
 void OfflineVolumeRendering::allocate(const VolumeExtent& extent) {
   const gl::PassMark mark("allocating volume on GPU");
   refused_ = true;
+  refusal_.reset();
+  try {
+    allocate_texture(extent);
+  } catch (const std::exception& error) {
+    refusal_ = std::make_shared<const std::string>(error.what());
+    throw;
+  }
+}
+
+void OfflineVolumeRendering::allocate_texture(const VolumeExtent& extent) {
   if (!renderer_) throw StateError("Attach a volume renderer before allocating a volume. ");
   gl::require_opengl();
   if (!volume_ || extent != volume_.extent()) {
@@ -167,16 +177,23 @@ VolumeSource OfflineVolumeRendering::source(Content content) {
   if (secondary_) {
     source.secondary = secondary_.get();
     source.secondary_slice_count = static_cast<int>(secondary_.extent().depth);
-    source.secondary_revision = secondary_.revisions().newest();
+    source.secondary_revisions = secondary_.revisions();
   }
-  if (!volume_ || volume_.extent().empty()) return source;
+  if (!volume_ || volume_.extent().empty()) {
+    source.lack = volume_ ? VolumeLack::no_voxels : VolumeLack::not_allocated;
+    source.refusal = refusal_;
+    return source;
+  }
+  source.extent = volume_.extent();
   source.slice_count = static_cast<int>(volume_.extent().b_scans);
   const bool overlay_alone = content == Content::overlay;
   VolumeTexture& shown = overlay_alone ? overlay_ : volume_;
   source.main_colormap_is_overlay = overlay_alone;
+  if (overlay_alone && !overlay_) source.lack = VolumeLack::no_overlay;
+  if (!overlay_alone && !filled_) source.lack = VolumeLack::not_uploaded;
   if (shown) {
     source.volume = shown.get();
-    source.volume_revisions = &shown.revisions();
+    source.volume_revisions = shown.revisions();
     source.volume_maxima = shown.maxima();
     source.empty_space = &empty_space_;
   }
@@ -185,7 +202,7 @@ VolumeSource OfflineVolumeRendering::source(Content content) {
   if (content == Content::volume_and_overlay && overlay_) {
     source.overlay = overlay_.get();
     source.overlay_present = true;
-    source.overlay_revisions = &overlay_.revisions();
+    source.overlay_revisions = overlay_.revisions();
     source.overlay_maxima = overlay_.maxima();
   }
   return source;

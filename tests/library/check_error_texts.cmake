@@ -22,7 +22,7 @@ read_plain("${SOURCE_DIR}/docs/errors.md" documented)
 string(REGEX REPLACE "device library \"\\.\\.\\.\"" "device library '...'" documented "${documented}")
 string(REPLACE "function \"...\"" "function '...'" documented "${documented}")
 
-set(throws "throw |Error[({]|Exception[({]|_failed[({]|_throw[({]|checked<|failure|invalid|refuse|thread_ended|not_supported|_removed|error_texts|fail[({]")
+set(throws "throw |Error[({]|Exception[({]|_failed[({]|_throw[({]|checked<|size_of[({]|failure|invalid|refuse|thread_ended|not_supported|_removed|error_texts|fail[({]")
 set(missing "")
 set(count 0)
 file(GLOB_RECURSE files "${SOURCE_DIR}/src/*.cpp" "${SOURCE_DIR}/src/*.h")

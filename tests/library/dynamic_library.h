@@ -5,9 +5,6 @@
 
 namespace oct::test {
 
-// What the libraries that are loaded from now on find in the environment; an empty value is as good as none.
-void set_environment(const char* name, const char* value);
-
 class DynamicLibrary {
  public:
   explicit DynamicLibrary(const std::string& file);  // ends the test with the system's reason on failure

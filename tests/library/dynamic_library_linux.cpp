@@ -18,10 +18,6 @@ void keep_egl() {
 
 }  // namespace
 
-void set_environment(const char* name, const char* value) {
-  setenv(name, value, 1);
-}
-
 DynamicLibrary::DynamicLibrary(const std::string& file)
     : handle_(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
   if (!handle_) throw std::runtime_error(dlerror());

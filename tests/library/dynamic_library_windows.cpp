@@ -1,15 +1,10 @@
 #include "library/dynamic_library.h"
 
-#include <cstdlib>
 #include <stdexcept>
 
 #include <windows.h>
 
 namespace oct::test {
-
-void set_environment(const char* name, const char* value) {
-  _putenv_s(name, value);
-}
 
 DynamicLibrary::DynamicLibrary(const std::string& file) : handle_(LoadLibraryA(file.c_str())) {
   if (!handle_) throw std::runtime_error("LoadLibrary failed: " + std::to_string(GetLastError()));

@@ -25,15 +25,16 @@ TEST_F(VolumeRendererApiTest, DefaultsAreThoseOfANewObject) {
 }
 
 TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
-  expect_null_refused(
-      "The specified VolumeRendererHandle is invalid. ", deleteVolumeRenderer, initializeVolumeRenderer,
-      uninitializeVolumeRenderer, clearVolumeRenderer, setAngles, setTranslation, setRange, setZoom,
-      setRenderingSlices, setUsePerspective, setLateralVoxelsPerPixel, setRenderingMode, setVolumeMode,
-      setVolumeLighting, setRayJitter, setOpacityLength, setSectionalView, setClipPlane, fixClipPlane,
-      setBorder, setRemoveSegment, setRenderElements, setRenderBackground, setRenderForeground,
-      setRendererColormap, setRendererSecondaryColormap, setOverlayRendererColormap, setSurfaceColormap,
-      setRendererColoringBoundaries, setRendererSecondaryColoringBoundaries,
-      setOverlayRendererColoringBoundaries, setRendererSecondarySliceIndex, setSurface, setSurfaceDepths);
+  expect_null_refused("The specified VolumeRendererHandle is invalid. ", deleteVolumeRenderer,
+                      initializeVolumeRenderer, uninitializeVolumeRenderer, clearVolumeRenderer, setAngles,
+                      setTranslation, setRange, setZoom, setRenderingSlices, setUsePerspective,
+                      setLateralVoxelsPerPixel, setRenderingMode, setVolumeMode, setVolumeLighting,
+                      setRayJitter, setOpacityLength, setSectionalView, setClipPlane, fixClipPlane, setBorder,
+                      setRemoveSegment, setRenderElements, setRenderBackground, setRenderForeground,
+                      setRendererColormap, setRendererSecondaryColormap, setOverlayRendererColormap,
+                      setSurfaceColormap, setRendererColoringBoundaries,
+                      setRendererSecondaryColoringBoundaries, setOverlayRendererColoringBoundaries,
+                      setRendererSecondarySliceIndex, explainFrame, pickVolume, setSurface, setSurfaceDepths);
   setVolumeMode(renderer_, 2);
   setRenderingMode(renderer_, 1);
   setSectionalView(renderer_, 1, 1.0F, 1, 0.0F, 1, 0.5F);

@@ -5,8 +5,6 @@
 
 The assembly's documentation lies beside it. A native library that is not there is left out, which is said.
 """
-import hashlib
-import struct
 import sys
 import zipfile
 from pathlib import Path
@@ -18,33 +16,11 @@ DECLARATION = '<?xml version="1.0" encoding="utf-8"?>\n'
 EPOCH = (1980, 1, 1, 0, 0, 0)  # the first day that a zip knows
 
 
-def without_chance(assembly):
-    """An assembly whose time and module identifier, which the compiler draws by lot, follow from the rest."""
-    data = bytearray(assembly)
-    header = struct.unpack_from("<I", data, 0x3C)[0]
-    data[header + 8:header + 12] = bytes(4)
-    root = data.index(b"BSJB")
-    stream = root + 16 + struct.unpack_from("<I", data, root + 12)[0]
-    count = struct.unpack_from("<H", data, stream + 2)[0]
-    stream += 4
-    for _ in range(count):
-        offset, _ = struct.unpack_from("<II", data, stream)
-        end = data.index(0, stream + 8)
-        name = bytes(data[stream + 8:end])
-        if name == b"#GUID":
-            identifier = slice(root + offset, root + offset + 16)
-            data[identifier] = bytes(16)
-            data[identifier] = hashlib.sha256(data).digest()[:16]
-            return bytes(data)
-        stream += 8 + (len(name) + 4) // 4 * 4
-    raise ValueError("the assembly has no module identifier")
-
-
 def contents(version, source, assembly, libraries):
     nuget = source / "bindings/csharp/nuget"
     files = {
         "OctRendering.nuspec": (nuget / "OctRendering.nuspec").read_text().replace("@VERSION@", version).encode(),
-        "lib/net45/OctRendering.dll": without_chance(assembly.read_bytes()),
+        "lib/net45/OctRendering.dll": assembly.read_bytes(),
         "lib/net45/OctRendering.xml": assembly.with_suffix(".xml").read_bytes(),
         "build/net45/OctRendering.targets": (nuget / "OctRendering.targets").read_bytes(),
         "wpf/OctImage.cs": (source / "bindings/csharp/wpf/OctImage.cs").read_bytes(),

@@ -6,6 +6,7 @@ namespace OctRendering {
 public sealed class Display : IDisposable {
   /// <summary>Makes a renderer and what it needs in the current context.</summary>
   public Display() {
+    OwnThread.FreeWhatWasLeft();
     Handle = Library.Checked(Native.createDisplayRendering());
     try {
       Native.initDisplayRendering(Handle);
@@ -100,6 +101,14 @@ public sealed class Display : IDisposable {
     Handle.RequireThread();
     Native.renderDisplay(Handle);
     Library.Check();
+  }
+
+  /// <summary>Why the last frame shows nothing or almost nothing, in plain words.</summary>
+  /// <returns>Null when it shows something.</returns>
+  public string Explain() {
+    Handle.RequireThread();
+    var text = new byte[1024];
+    return Library.Checked(Native.explainDisplay(Handle, text, text.Length)) == 0 ? null : Utf8.Text(text);
   }
 
   /// <summary>Frees it, on the thread that made it.</summary>

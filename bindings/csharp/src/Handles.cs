@@ -49,12 +49,12 @@ public abstract class AnyThreadHandle : OctHandle {
 
 /// <summary>
 /// One that is freed on the thread that made it. Elsewhere, as in a finalizer, it is left for that thread, which
-/// frees it at its next frame or when it makes its next object. Where the thread has ended the object stays.
+/// frees it at its next frame, or when it makes its next display or renderer. Where the thread has ended the object stays.
 /// </summary>
 public abstract class OwnThreadHandle : OctHandle {
   private readonly OwnThread owner = OwnThread.Current;
 
-  internal OwnThreadHandle(Action<IntPtr> free) : base(free) { OwnThread.FreeWhatWasLeft(); }
+  internal OwnThreadHandle(Action<IntPtr> free) : base(free) { }
 
   /// <summary>Frees it, or leaves it for its thread.</summary>
   protected override bool ReleaseHandle() {

@@ -23,6 +23,16 @@ public static class Library {
     get { return Utf8.Text(Native.getRendererVersion()); }
   }
 
+  /// <summary>What the current OpenGL context has to offer, or one made for the question; texts by Utf8.Text.</summary>
+  public static RendererInfo Info {
+    get {
+      RendererInfo info = RendererInfo.Sized();
+      Native.getRendererInfo(ref info);
+      Check();
+      return info;
+    }
+  }
+
   /// <summary>Sets the file that the library's log is appended to.</summary>
   /// <param name="fileName">Null or empty: none.</param>
   public static void SetLogFile(string fileName) {
@@ -37,14 +47,12 @@ public static class Library {
     Check();
   }
 
-  /// <summary>Throws the error that the calls before have left, if there is one.</summary>
+  /// <summary>Throws the error that calls of this thread have left, if there is one.</summary>
   public static void Check() {
     if (Native.isRendererError() == 0) return;
-    var kind = (ErrorKind)Native.getRendererErrorKind();
-    if (kind == ErrorKind.None) return;  // another thread's, which reads it itself
     var text = new byte[4096];
-    if (Native.getRendererError(text, text.Length) == 0) return;
-    throw new OctException(kind, Utf8.Text(text));
+    if (Native.getOwnRendererError(text, text.Length) == 0) return;
+    throw new OctException((ErrorKind)Native.getRendererErrorKind(), Utf8.Text(text));
   }
 
   /// <summary>The result of a call, unless that failed: Library.Checked(Native.createVolumeRenderer()).</summary>
@@ -55,9 +63,7 @@ public static class Library {
     return result;
   }
 
-  // One text of the library never goes away, so a loop until none is pending might not end.
-  internal static void DiscardErrors() {
-    for (int i = 0; i < 16 && Native.isRendererError() != 0; ++i) Native.getRendererError(null, 0);
-  }
+  // After what has nobody to report to. A thread has one error at most.
+  internal static void DiscardErrors() { Native.getOwnRendererError(null, 0); }
 }
 }

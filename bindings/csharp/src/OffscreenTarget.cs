@@ -8,7 +8,10 @@ namespace OctRendering {
 /// </summary>
 public sealed class OffscreenTarget : IDisposable {
   /// <summary>Makes the context and leaves it current on this thread.</summary>
-  public OffscreenTarget() { Handle = Library.Checked(Native.createOffscreenTarget()); }
+  public OffscreenTarget() {
+    OwnThread.FreeWhatWasLeft();
+    Handle = Library.Checked(Native.createOffscreenTarget());
+  }
 
   /// <summary>For the functions of Native.</summary>
   public OffscreenTargetHandle Handle { get; private set; }

@@ -6,6 +6,7 @@ namespace OctRendering {
 public sealed class VolumeRenderer : IDisposable {
   /// <summary>Makes a renderer and what it needs in the current context.</summary>
   public VolumeRenderer() {
+    OwnThread.FreeWhatWasLeft();
     Handle = Library.Checked(Native.createVolumeRenderer());
     try {
       Native.initializeVolumeRenderer(Handle);
@@ -113,6 +114,26 @@ public sealed class VolumeRenderer : IDisposable {
   public void Show(bool volume, bool surface) {
     Native.setRenderElements(Handle, volume ? 1 : 0, surface ? 1 : 0);
     Library.Check();
+  }
+
+  /// <summary>What lies under a pixel of the last frame.</summary>
+  /// <param name="x">From the left.</param>
+  /// <param name="y">From the bottom: the height of the picture less one less the row of a picture.</param>
+  /// <returns>Its place and value; its Kind is 0 where nothing is.</returns>
+  public Pick Pick(int x, int y) {
+    Handle.RequireThread();
+    Pick pick = OctRendering.Pick.Sized();
+    Native.pickVolume(Handle, x, y, ref pick);
+    Library.Check();
+    return pick;
+  }
+
+  /// <summary>Why the last frame shows nothing or almost nothing, in plain words.</summary>
+  /// <returns>Null when it shows something.</returns>
+  public string Explain() {
+    Handle.RequireThread();
+    var text = new byte[1024];
+    return Library.Checked(Native.explainFrame(Handle, text, text.Length)) == 0 ? null : Utf8.Text(text);
   }
 
   /// <summary>Frees it, on the thread that made it, after the volumes that it draws.</summary>

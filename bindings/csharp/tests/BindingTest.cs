@@ -165,7 +165,25 @@ internal static class BindingTest {
         string sections = mode == "sections" ? " --sections 0.25 off 0.75" : "";
         ExpectSame(ByOctrender("volume", "--mode " + mode + sections + view, Samples()),
                    target.Draw(120, 90, volume.Render), "a volume by " + mode);
+        Expect(renderer.Explain() == null, "nothing to explain: " + renderer.Explain());
       }
+      Expect(renderer.Pick(60, 45).Kind == (int)PickKind.Slice, "a slice in the middle");
+      renderer.ShowWhole();
+      target.Draw(120, 90, volume.Render);
+      Pick pick = renderer.Pick(60, 45);
+      Expect(pick.Kind == (int)PickKind.Volume && pick.Value > 0 && pick.Value <= 1, "the volume in the middle");
+      var lengths = new[] { 34, 26, 18 };
+      for (int axis = 0; axis < 3; ++axis) {
+        double expected = (pick.Voxel[axis] + 0.5) / lengths[axis] * (axis + 1);
+        Expect(Math.Abs(pick.Millimetres[axis] - expected) < 1e-6, "millimetres of axis " + axis);
+      }
+      Expect(renderer.Pick(0, 0).Kind == (int)PickKind.Nothing, "the background");
+      renderer.Show(false, false);
+      target.Draw(120, 90, volume.Render);
+      Expect(!string.IsNullOrEmpty(renderer.Explain()), "why the volume is not seen");
+      RendererInfo info = Library.Info;
+      Expect(Utf8.Text(info.Version)[0] >= '3' && info.MaxTextureSize >= 1024 && info.Max3dTextureSize >= 256
+             && (info.Sharings & 1u << (int)SurfaceSharing.HostMemory) != 0, "what the context has to offer");
     }
   }
 
@@ -227,6 +245,26 @@ internal static class BindingTest {
       Expect(!before.SequenceEqual(target.Draw(26, 34, display.Render)), "a setting of another thread");
       display.Dispose();
       display.Dispose();
+      // Each thread gets its own errors, all of them and no others.
+      int wrong = 0;
+      var threads = Enumerable.Range(0, 3).Select(number => new Thread(() => {
+        using (var own = Native.createDisplayRendering()) {
+          for (int i = 0; i < 300; ++i) {
+            bool fails = i % 3 == number;
+            Native.setDisplayMedianFilter(own, fails ? 7 : 0);
+            Thread.Sleep(0);  // others fail meanwhile
+            try {
+              Library.Check();
+              if (fails) Interlocked.Increment(ref wrong);
+            } catch (OctException) {
+              if (!fails) Interlocked.Increment(ref wrong);
+            }
+          }
+        }
+      })).ToList();
+      threads.ForEach(thread => thread.Start());
+      threads.ForEach(thread => thread.Join());
+      Expect(wrong == 0, "a thread's own errors, and " + wrong + " were another one's");
       ExpectThrown<ObjectDisposedException>(display.Render, "a display that was disposed of");
     }
   }
@@ -237,6 +275,10 @@ internal static class BindingTest {
   private static extern void setDisplayFlip(IntPtr handle, int flip);
   [DllImport("oct_rendering", CallingConvention = CallingConvention.Cdecl)]
   private static extern void setZoom(IntPtr handle, double zoom);
+  [DllImport("oct_rendering", CallingConvention = CallingConvention.Cdecl)]
+  private static extern void setSizeZ(IntPtr handle, int size);
+  [DllImport("oct_rendering", CallingConvention = CallingConvention.Cdecl)]
+  private static extern void clearDataSource(IntPtr handle);
 
   private static int Living(IEnumerable<IntPtr> handles, Action<IntPtr> use) {
     int living = 0;
@@ -281,14 +323,24 @@ internal static class BindingTest {
       Expect(left < 50, "the next frame frees what was forgotten: " + left + " of 1000 displays are left");
       left = Living(renderers, handle => setZoom(handle, 40));
       Expect(left < 10, "after the volumes: " + left + " of 50 renderers are left");
+
+      var renderer = new VolumeRenderer();
+      var one = new[] { renderer.Handle.DangerousGetHandle() };
+      using (new Volume(renderer)) {
+        renderer.Dispose();
+        Expect(Living(one, handle => setZoom(handle, 40)) == 1, "a volume keeps its renderer");
+      }
+      Expect(Living(one, handle => setZoom(handle, 40)) == 0, "no longer than it lives");
     }
   }
 
   // ---- Loops
 
   private static bool Until(Func<bool> condition) {
-    for (int i = 0; i < 1000 && !condition(); ++i) Thread.Sleep(10);
-    return condition();
+    for (var watch = Stopwatch.StartNew(); watch.ElapsedMilliseconds < 20000; Thread.Sleep(1)) {
+      if (condition()) return true;
+    }
+    return false;
   }
 
   private static void Loops() {
@@ -355,17 +407,20 @@ internal static class BindingTest {
     }, SurfaceSharing.HostMemory)) {
       loop.Resize(8, 8);
       for (int i = 1; i <= 4; ++i) {
+        loop.Request(i);
+        int expected = i;
+        Expect(Until(() => frames >= expected), "the loop goes on: " + frames);
+        if (i > 2) continue;
         Exception thrown = null;
-        try {
-          loop.Request(i);
-        } catch (InvalidOperationException exception) {
-          thrown = exception.InnerException;
-          loop.Request(i);
-        }
-        int before = i;
-        Expect(Until(() => frames >= before), "the loop goes on: " + frames);
-        string expected = i == 2 ? "of Draw" : i == 3 ? "of Show" : null;
-        Expect((thrown == null ? null : thrown.Message) == expected, expected + " at request " + i);
+        Until(() => {
+          try {
+            loop.Resize(8, 8);
+          } catch (InvalidOperationException exception) {
+            thrown = exception.InnerException;
+          }
+          return thrown != null;
+        });
+        Expect(thrown != null && thrown.Message == (i == 1 ? "of Draw" : "of Show"), "what was thrown: " + thrown);
       }
     }
     Expect(failed == null, "no exception reaches the library: " + failed);
@@ -477,9 +532,10 @@ internal static class BindingTest {
         source.MeasureReference(true);
         source.Start(volume, pattern);
         byte[] picture = null;
-        for (int i = 0; i < 1000 && (volume.Statistics.Shown < 3 || thrown.Count < 2); ++i) {
+        Until(() => {
           picture = target.Draw(40, 30, volume.Render);
-        }
+          return volume.Statistics.Shown >= 3 && thrown.Count >= 2;
+        });
         LiveStatistics told = volume.Statistics;
         Expect(told.Shown >= 3 && told.Acquired >= told.Shown && told.LatencyMedianMs > 0, "volumes: " + told.Shown);
         Expect(picture.Distinct().Count() > 16, "they show something");
@@ -495,13 +551,25 @@ internal static class BindingTest {
         source.Failed += message => failed = message;
         Native.setSizeZ(source.Handle, 1000);
         source.Start(volume, pattern);
-        for (int i = 0; i < 1000 && failed == null; ++i) target.Draw(40, 30, volume.Render);
+        Until(() => {
+          target.Draw(40, 30, volume.Render);
+          return failed != null;
+        });
         Expect(failed == "Insufficient memory allocated.", "an error of the source: " + failed);
         var text2 = new byte[64];
         Expect(Native.getDataSourceError(source.Handle, text2, text2.Length) != 0 && Utf8.Text(text2) == failed,
                "the same for whoever polls");
       }
     }
+    var forgotten = new List<IntPtr>();
+    Forget(50, () => {
+      for (int i = 0; i < 20; ++i) {
+        forgotten.Add(Native.createOnlineDataSource(device, processing).DangerousGetHandle());
+      }
+    });
+    Collect();
+    Expect(Living(forgotten, handle => setSizeZ(handle, 8)) == 20, "no finalizer waits for threads that call back");
+    forgotten.ForEach(clearDataSource);
     clearSimulatedScanPattern(pattern);
     clearSimulatedProcessing(processing);
     clearSimulatedDevice(device);

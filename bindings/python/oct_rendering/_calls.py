@@ -2,11 +2,12 @@
 import ctypes
 import os
 import threading
-from typing import Any, Callable, Optional
+from typing import Any, Callable, Optional, Set, Tuple
 
 from . import raw
-from ._library import library
 from .errors import StateError, error_of
+
+_TEXT_BYTES = 4096
 
 
 class _Process:
@@ -64,18 +65,20 @@ def checked(function: Callable[..., Any], *arguments: Any) -> Any:
 
 
 def _raise_pending() -> None:
-    text = ctypes.create_string_buffer(4096)
-    if raw.getRendererError(text, len(text)) == 0:
-        return
-    kind = library["getRendererErrorKind"]() if library.has("getRendererErrorKind") else 0
-    raise error_of(kind, text.value.decode("utf-8", "replace"))
+    text = ctypes.create_string_buffer(_TEXT_BYTES)
+    if raw.getOwnRendererError(text, len(text)):
+        raise error_of(raw.getRendererErrorKind(), text.value.decode("utf-8", "replace"))
 
 
 def discard_pending() -> None:
     """For clean-up, which has nobody to report to: what stays pending would be taken for an error of the next call."""
-    for _ in range(16):
-        if raw.getRendererError(None, 0) == 0:
-            return
+    raw.getOwnRendererError(None, 0)
+
+
+def explanation(handle: "Handle", function: Callable[..., int]) -> str:
+    """What an explaining function of `raw` says of the last frame; "" when it shows something."""
+    text = ctypes.create_string_buffer(_TEXT_BYTES)
+    return text.value.decode("utf-8", "replace").strip() if handle.call(function, text, len(text)) else ""
 
 
 class Handle:
@@ -140,11 +143,12 @@ class Handle:
 
 class Reports:
     """Exceptions of callbacks, which must not get into the library: the first waits for the next call of the object that
-    owns the callbacks, the others go to sys.unraisablehook."""
+    owns the callbacks, others go to sys.unraisablehook, and what is said already is not said with every frame."""
 
     def __init__(self) -> None:
         self._lock = threading.Lock()
         self._first: Optional[BaseException] = None
+        self._told: Set[Tuple[type, str]] = set()
 
     def guard(self, function: Callable[..., Any]) -> Callable[..., None]:
         def guarded(*arguments: Any) -> None:
@@ -155,7 +159,11 @@ class Reports:
         return guarded
 
     def add(self, error: BaseException) -> None:
+        words = type(error), str(error)
         with self._lock:
+            if words in self._told:
+                return
+            self._told.add(words)
             if self._first is None:
                 self._first = error
                 return
@@ -164,6 +172,7 @@ class Reports:
     def _take(self) -> Optional[BaseException]:
         with self._lock:
             first, self._first = self._first, None
+            self._told.clear()
         return first
 
     def raise_first(self) -> None:

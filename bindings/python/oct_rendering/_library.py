@@ -34,9 +34,6 @@ class Library(Dict[str, Callable[..., Any]]):
         self._version = version
         self._prototypes.update(prototypes)
 
-    def has(self, name: str) -> bool:
-        return name in self._prototypes and hasattr(self.load(), name)
-
     def load(self) -> ctypes.CDLL:
         with self._lock:
             if self._loaded is None:

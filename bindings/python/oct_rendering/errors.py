@@ -6,7 +6,7 @@ from typing import Dict, Type
 class ErrorKind(IntEnum):
     """What went wrong, by the numbers of OctErrorKind."""
 
-    UNKNOWN = 0  # the library does not tell kinds
+    NONE = 0
     ARGUMENT = 1
     STATE = 2
     OPENGL = 3
@@ -18,7 +18,7 @@ class ErrorKind(IntEnum):
 class OctError(RuntimeError):
     """An error of the library: `kind`, and its words in `text`."""
 
-    kind = ErrorKind.UNKNOWN
+    kind = ErrorKind.NONE
 
     def __init__(self, text: str) -> None:
         super().__init__(text)
@@ -59,6 +59,10 @@ class SystemFailure(OctError):
     """The operating system: files, threads, windows, fonts."""
 
     kind = ErrorKind.SYSTEM
+
+
+class EmptyPicture(UserWarning):
+    """A picture shows nothing or almost nothing; the warning says why, and what to do about it."""
 
 
 class LibraryNotFound(OctError, ImportError):

@@ -47,18 +47,18 @@ class Live(Scene):
         use_process()
         self._ranges: Dict[str, Range] = {}
         handles: Tuple[int, int, int]
+        self._borrowed = contextlib.ExitStack()
         if isinstance(device, tuple):
             if range is None:
                 raise ArgumentError("Live needs a range for the values of this device.")
             handles = (device[0], device[1], device[2])
         else:
-            handles = device.handles()
+            handles = self._borrowed.enter_context(device.borrowed())
             library = library or device.library
             if range is None:
                 samples = device.measure()
                 self._ranges = {mode: automatic_range(samples, _SHARES.get(mode, VOLUME_SHARES))
                                 for mode in ("composite", "maximum", "mean", "sections")}
-        self._device = device  # it must outlive the source
         self._pattern = handles[2]
         self._reports = Reports()
         self._errors = raw.OctErrorFunction(self._reports.guard(self._on_error))
@@ -125,6 +125,7 @@ class Live(Scene):
                 self._source.call(raw.cancelDataSource)
         self._source.close()
         self._source.wait_until_freed()
+        self._borrowed.close()
         self._live.close()
         super().close()
         open_lives.discard(self)

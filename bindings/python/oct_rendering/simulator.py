@@ -1,9 +1,7 @@
 """The simulated device: volumes of phantoms, or of recordings, as an instrument would deliver them."""
+import contextlib
 import ctypes
-import os
-import sys
-from pathlib import Path
-from typing import Any, Callable, Optional, Tuple
+from typing import Any, Callable, Iterator, Optional, Tuple
 
 import numpy as np
 
@@ -26,7 +24,7 @@ def _checked(function: Callable[..., Any], *arguments: Any) -> Any:
 
 
 class SimulatedDevice:
-    """A device for Live, with one processing and one scan pattern. It must outlive the Live that it is given to.
+    """A device for Live, with one processing and one scan pattern.
 
     `phantom`: "finger pad", "retina" or "mirror". A spectrum of n pixels gives n / 2 depth samples. `extent`: millimetres
     along A-scans and B-scans. `rate`: A-scans per second in real time; None: as fast as they can be computed. `recording`:
@@ -65,10 +63,16 @@ class SimulatedDevice:
         for handle in (self._pattern, self._processing, self._device):
             handle.close()
 
-    def handles(self) -> Tuple[int, int, int]:
-        """Device, processing and scan pattern, as the library takes them."""
+    def __del__(self) -> None:
+        if hasattr(self, "_pattern"):
+            self.close()
+
+    @contextlib.contextmanager
+    def borrowed(self) -> Iterator[Tuple[int, int, int]]:
+        """Device, processing and scan pattern, as the library takes them; they live until the end of the `with` statement,
+        whoever closes this object."""
         with self._device as device, self._processing as processing, self._pattern as pattern:
-            return device, processing, pattern
+            yield device, processing, pattern
 
     @property
     def library(self) -> str:
@@ -78,7 +82,7 @@ class SimulatedDevice:
 
     def measure(self) -> Any:
         """One volume in decibels, of the shape (B-scans, A-scans, depth). Not while a Live is running."""
-        with self._device as device, self._processing as processing, self._pattern as pattern:
+        with self.borrowed() as (device, processing, pattern):
             spectra, data = _checked(_device.createRawData), _checked(_device.createData)
             try:
                 _checked(_device.startMeasurement, device, pattern, 0)

@@ -3,6 +3,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <time.h>
 
 #include "oct_rendering_scripting.h"
 
@@ -61,7 +62,7 @@ static void draw_live(OffscreenTargetHandle target, VolumeRendererHandle rendere
   LiveVolumeRenderingHandle live = createLiveRendering();
   LiveDataSourceHandle source;
   OctLiveStatistics told;
-  int frames;
+  const time_t end = time(NULL) + 30;
   setDeviceLibrary(library);
   source = createOnlineDataSource(device, processing);
   setLiveVolumeRenderingRenderer(live, renderer);
@@ -71,7 +72,7 @@ static void draw_live(OffscreenTargetHandle target, VolumeRendererHandle rendere
   memset(&told, 0, sizeof told);
   told.size = sizeof told;
   memset(pixels, 0, sizeof pixels);
-  for (frames = 0; frames < 2000 && (told.shown[0] < 3 || getRefIntensity(source) < 0.0); ++frames) {
+  while (time(NULL) < end && (told.shown[0] < 3 || getRefIntensity(source) < 0.0)) {
     beginOffscreenFrame(target, WIDTH, HEIGHT);
     renderVolume(live);
     finishOffscreenFrame(target, pixels);
@@ -85,7 +86,7 @@ static void draw_live(OffscreenTargetHandle target, VolumeRendererHandle rendere
   cancelDataSource(source);
   setSizeZ(source, 1000);
   startDataSource(live, source, pattern);
-  for (frames = 0; frames < 2000 && isDataSourceRunning(source); ++frames) {
+  while (time(NULL) < end && isDataSourceRunning(source)) {
     beginOffscreenFrame(target, WIDTH, HEIGHT);
     renderVolume(live);
     finishOffscreenFrame(target, NULL);

@@ -20,7 +20,7 @@ class VolumeTexture {
 
   GLuint get() const { return texture_.get(); }
   const VolumeExtent& extent() const { return texture_.extent(); }
-  const gl::SliceRevisions& revisions() const { return texture_.revisions(); }
+  std::shared_ptr<const gl::SliceRevisions> revisions() const { return texture_.revisions(); }
   BrickMaxima* maxima() { return maxima_.get(); }
   explicit operator bool() const { return static_cast<bool>(texture_); }
 
