@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "command_line/progress.h"
+#include "command_line/warning.h"
 #include "data/formats/png_writer.h"
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
@@ -181,15 +182,24 @@ void load_secondary(const Options& options, const std::optional<ValueRange>& ran
 
 void draw(const VolumeScene& scene, const std::filesystem::path& output, unsigned turntable) {
   if (turntable == 0) {
-    render_volume(scene, 1, [&](unsigned, const Picture& picture) { write_png(output, picture); });
+    render_volume(scene, 1, [&](unsigned, const Picture& picture, const std::string& explanation) {
+      write_png(output, picture);
+      warn("octrender", explanation);
+    });
     return;
   }
   const std::size_t samples = std::size_t{turntable} * scene.size.width * scene.size.height;
-  Progress progress("drawing " + std::to_string(turntable) + " pictures", samples);
-  render_volume(scene, turntable, [&](unsigned number, const Picture& picture) {
-    progress.update(number, turntable);
-    write_png(numbered(output, number), picture);
-  });
+  std::string last_explanation;
+  {
+    Progress progress("drawing " + std::to_string(turntable) + " pictures", samples);
+    render_volume(scene, turntable,
+                  [&](unsigned number, const Picture& picture, const std::string& explanation) {
+                    progress.update(number, turntable);
+                    write_png(numbered(output, number), picture);
+                    last_explanation = explanation;
+                  });
+  }
+  warn("octrender", last_explanation);
 }
 
 void run(const Options& options) {

@@ -24,6 +24,9 @@
   FUNCTION(0.1, library, const char*, getRendererVersion, (void)) \
   FUNCTION(0.1, library, int, isRendererError, (void)) \
   FUNCTION(0.1, library, int, getRendererError, (char* Message, int Size)) \
+  FUNCTION(0.2, library, int, getOwnRendererError, (char* Message, int Size)) \
+  FUNCTION(0.2, library, int, getRendererErrorKind, (void)) \
+  FUNCTION(0.2, library, void, getRendererInfo, (OctRendererInfo* Info)) \
   FUNCTION(0.1, library, void, setRendererLogFile, (const char* FileName)) \
   FUNCTION(0.1, library, void, setErrorCallback, (LiveDataSourceHandle DataSource, OctErrorFunction Callback)) \
   FUNCTION(0.2, library, void, setErrorCallbackWithUser, (LiveDataSourceHandle DataSource, OctErrorFunctionWithUser Callback, void* user)) \
@@ -51,6 +54,7 @@
   FUNCTION(0.1, display, void, setDisplayOverlayColormap, (DisplayRenderingHandle Handle, int Overlay, const void* Colormap, int Count)) \
   FUNCTION(0.1, display, void, setDisplayOveralyColoringBoundaries, (DisplayRenderingHandle Handle, int Overlay, double Lower, double Upper)) \
   FUNCTION(0.1, display, void, setDisplayOveralyThreshold, (DisplayRenderingHandle Handle, double Threshold)) \
+  FUNCTION(0.2, display, int, explainDisplay, (DisplayRenderingHandle Handle, char* Text, int Size)) \
   FUNCTION(0.1, volume, VolumeRendererHandle, createVolumeRenderer, (void)) \
   FUNCTION(0.1, volume, void, deleteVolumeRenderer, (VolumeRendererHandle Handle)) \
   FUNCTION(0.1, volume, void, initializeVolumeRenderer, (VolumeRendererHandle Handle)) \
@@ -85,6 +89,8 @@
   FUNCTION(0.1, volume, void, setRendererSecondaryColoringBoundaries, (VolumeRendererHandle Handle, double Lower, double Upper)) \
   FUNCTION(0.1, volume, void, setOverlayRendererColoringBoundaries, (VolumeRendererHandle Handle, double Lower, double Upper)) \
   FUNCTION(0.1, volume, void, setRendererSecondarySliceIndex, (VolumeRendererHandle Handle, int Index)) \
+  FUNCTION(0.2, volume, int, explainFrame, (VolumeRendererHandle Handle, char* Text, int Size)) \
+  FUNCTION(0.2, volume, int, pickVolume, (VolumeRendererHandle Handle, int X, int Y, OctPick* Pick)) \
   FUNCTION(0.1, volume, void, setSurface, (VolumeRendererHandle Handle, int Width, int Height, double Scale, const float* Values)) \
   FUNCTION(0.1, volume, void, setSurfaceDepths, (VolumeRendererHandle Handle, double Lower, double Upper)) \
   FUNCTION(0.1, offline, OfflineRenderingHandle, createOfflineRendering, (void)) \
@@ -103,7 +109,9 @@
   FUNCTION(0.1, offscreen, void, clearOffscreenTarget, (OffscreenTargetHandle Handle)) \
   FUNCTION(0.1, offscreen, void, beginOffscreenFrame, (OffscreenTargetHandle Handle, unsigned int Width, unsigned int Height)) \
   FUNCTION(0.1, offscreen, void, finishOffscreenFrame, (OffscreenTargetHandle Handle, void* Pixels)) \
+  FUNCTION(0.2, offscreen, void, finishOffscreenFrameAs, (OffscreenTargetHandle Handle, int Format, void* Pixels)) \
   FUNCTION(0.1, hosting, void, setSurfaceSharing, (int Sharing)) \
+  FUNCTION(0.2, hosting, void, setHostPixelFormat, (int Format)) \
   FUNCTION(0.1, hosting, OpenGLControlHandle, createUniversalOpenGLControl, (void)) \
   FUNCTION(0.1, hosting, void, deleteUniversalOpenGLControl, (OpenGLControlHandle Handle)) \
   FUNCTION(0.1, hosting, void, beforeRender, (OpenGLControlHandle Handle)) \
@@ -123,6 +131,7 @@
   FUNCTION(0.1, hosting, void, renderOpenGLControlLoop, (OpenGLControlLoopHandle Handle)) \
   FUNCTION(0.1, hosting, void, renderMultOpenGLControlLoop, (OpenGLControlLoopHandle Handle, int Id)) \
   FUNCTION(0.1, hosting, void, snapshotOpenGLControlLoop, (OpenGLControlLoopHandle Handle, int Width, int Height, void* Data)) \
+  FUNCTION(0.2, hosting, void, snapshotOpenGLControlLoopAs, (OpenGLControlLoopHandle Handle, int Width, int Height, int Format, void* Data)) \
   FUNCTION(0.1, hosting, void, resizeOpenGLControlLoop, (OpenGLControlLoopHandle Handle, unsigned int Width, unsigned int Height)) \
   FUNCTION(0.1, hosting, void, OpenGLControlLoopMode, (OpenGLControlLoopHandle Handle, unsigned int Mode)) \
   FUNCTION(0.1, hosting, void, unlockBuffer, (OpenGLControlLoopHandle Handle)) \

@@ -4,9 +4,10 @@
 #include <limits>
 #include <mutex>
 #include <new>
-#include <stdexcept>
 #include <thread>
 
+#include "core/exception.h"
+#include "core/immortal.h"
 #include "core/platform.h"
 
 namespace oct {
@@ -29,10 +30,13 @@ struct Place {
 
 constinit std::array<Place, 4> places;
 constinit std::atomic<std::uint64_t> latest_number{1};
-std::mutex places_mutex;  // not constant with mingw-w64
 constinit thread_local bool in_call = false;
 
 constexpr auto pause = std::chrono::microseconds(50);
+
+std::mutex& places_mutex() {
+  return immortal<std::mutex>();
+}
 
 class RunningCall {
  public:
@@ -66,7 +70,7 @@ void tell(std::uint64_t up_to, Call&& call) noexcept {
 }  // namespace
 
 void add_timing_listener(TimingListener& listener) {
-  const std::lock_guard lock(places_mutex);
+  const std::lock_guard lock(places_mutex());
   for (Place& place : places) {
     if (place.listener || place.calls != 0) continue;
     // The number is given out last: a mark that has it hears its begin and its end.
@@ -77,11 +81,11 @@ void add_timing_listener(TimingListener& listener) {
     ++detail::timing_listeners;
     return;
   }
-  throw std::runtime_error("Too many listen to the timing marks. ");
+  throw StateError("Too many listen to the timing marks. ");
 }
 
 void remove_timing_listener(const TimingListener& listener) noexcept {
-  const std::lock_guard lock(places_mutex);
+  const std::lock_guard lock(places_mutex());
   for (Place& place : places) {
     if (place.listener != &listener) continue;
     place.listener = nullptr;

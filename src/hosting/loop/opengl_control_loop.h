@@ -10,6 +10,8 @@
 #include <thread>
 
 #include "core/error_callback.h"
+#include "core/exception.h"
+#include "core/timing_mark.h"
 #include "hosting/host/signal_event.h"
 #include "hosting/loop/functors.h"
 #include "hosting/loop/request_queue.h"
@@ -55,12 +57,12 @@ class OpenGLControlLoop {
   void set_rendering_callback(RenderingCallback callback);
   void set_image_ready_callback(std::optional<ImageReadyCallback> callback);
 
-  // Draws a frame of the given size into client memory and returns when it is there: BGRA, bottom row first.
-  // The frame begins after the call. Does nothing while another snapshot is running. Throws when the picture
+  // Draws a frame of the given size into client memory and returns when it is there. The frame begins after the call. Does nothing while another snapshot is running. Throws when the picture
   // cannot be drawn.
-  void snapshot(std::uint32_t width, std::uint32_t height, void* data);
+  void snapshot(std::uint32_t width, std::uint32_t height, void* data,
+                gl::PixelFormat format = gl::PixelFormat::bgra);
 
-  SurfaceSharing sharing() const { return sharing_; }
+  const SurfaceType& surfaces() const { return surfaces_; }
 
  private:
   struct Size {
@@ -78,12 +80,18 @@ class OpenGLControlLoop {
   bool has_work(RequestQueue::Content queued) const;
   RequestQueue::Request next_request();
   void render_frame(std::int32_t request);
+  bool await_buffer(const HandOffBuffer& buffer, std::int32_t request);
   bool serve_snapshot(std::int32_t request);
-  std::optional<std::string> draw_snapshot(const SnapshotDesk::Order& order, std::int32_t request);
+  std::optional<Exception> draw_snapshot(const SnapshotDesk::Order& order, std::int32_t request);
   void draw(std::int32_t request);
   void hand_over(bool wait);
-  const char* reason_of(const std::exception& error) noexcept;
-  void let_everybody_go(const char* reason) noexcept;
+  struct Reason {
+    ErrorKind kind;
+    const char* text;
+  };
+
+  Reason reason_of(const std::exception& error) noexcept;
+  void let_everybody_go(const Reason& reason) noexcept;
   void tell_client(const char* message);
   void rest();
   void return_loop();
@@ -109,8 +117,9 @@ class OpenGLControlLoop {
   SignalEvent start_gate_;
   std::unique_ptr<OpenGLControl> control_;
   std::atomic<std::uint64_t> size_{0};  // width in the upper half, so that both change together
-  const SurfaceSharing sharing_;
+  const SurfaceType surfaces_;
   HandOffBuffer* unfinished_ = nullptr;  // of the render thread: its frame still waits for the GPU
+  TimingListener::Time unfinished_since_;
   SnapshotDesk desk_;
   std::mutex mode_mutex_;
   std::atomic<std::thread::id> render_thread_id_{};

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <stdexcept>
 
+#include "core/exception.h"
 #include "hosting/surfaces/direct3d_sharing.h"
 #include "hosting/surfaces/host_sharing.h"
 
@@ -19,6 +20,8 @@ std::atomic<SurfaceSharing> current_sharing{
       return kind->available;
     }))->sharing};
 
+std::atomic<gl::PixelFormat> host_format{gl::PixelFormat::bgra};
+
 }  // namespace
 
 const SurfaceKind& surface_kind(SurfaceSharing sharing) {
@@ -30,12 +33,20 @@ const SurfaceKind& surface_kind(SurfaceSharing sharing) {
 
 void set_surface_sharing(int value) {
   const SurfaceKind& kind = surface_kind(static_cast<SurfaceSharing>(value));
-  if (!kind.available) throw std::runtime_error(direct3d_not_supported);
+  if (!kind.available) throw OpenGLError(direct3d_not_supported);
   current_sharing = kind.sharing;
 }
 
 SurfaceSharing surface_sharing() {
   return current_sharing;
+}
+
+void set_host_pixel_format(int value) {
+  host_format = gl::pixel_format_of(value);
+}
+
+SurfaceType surfaces_to_come() {
+  return {current_sharing, host_format};
 }
 
 }  // namespace oct

@@ -12,12 +12,16 @@ namespace oct {
 class SectionalView {
  public:
   void draw(const VolumeFrame& frame);
+  // In place of the picture, where a pixel shows a slice (Raycaster::pick).
+  void pick(const VolumeFrame& frame);
   void draw_outline(const VolumeFrame& frame);
   void release();
 
  private:
-  gl::Geometry slices_;
-  gl::Geometry outlines_;
+  void draw_slices(const VolumeFrame& frame, bool picking);
+
+  gl::Geometry slices_{"slices"};
+  gl::Geometry outlines_{"outlines of slices"};
 };
 
 }  // namespace oct
