@@ -4,6 +4,12 @@
 set(OCT_PACKAGE_CONTACT "OCT rendering authors <oct-rendering@users.noreply.invalid>" CACHE STRING
   "Who answers for the packages")
 
+# All that has to be built before.
+add_custom_target(shipped DEPENDS oct_rendering oct_device octrender octsimulate)
+if(TARGET scripting_header)
+  add_dependencies(shipped scripting_header)
+endif()
+
 set(CPACK_PACKAGE_NAME oct_rendering)
 set(CPACK_PACKAGE_VENDOR "The OCT rendering authors")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each has its own

@@ -305,7 +305,7 @@ OCT_API void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width
 
 /**
  * @brief Copies a whole surface into another, stretched without a filter where sizes differ.
- * @param Handle A loop with surfaces of this kind.
+ * @param Handle A loop with surfaces of this kind; in host memory of the same pixel format, too (setHostPixelFormat()).
  * @param Source A surface of createDXSurface() or, while an image-ready function runs, its frame's.
  * @param Destination As Source; mostly a surface of createDXSurface().
  * @par Errors

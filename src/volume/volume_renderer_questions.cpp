@@ -105,14 +105,14 @@ bool VolumeRenderer::shows_something(const FrameRecord& record) {
   const ObjectLock lock(this);
   const TimingMark mark("VolumeRenderer::shows_something");
   gl::throwOnGLError("explainFrame");
-  const auto [width, height] = record.drawn.viewport;
+  const Viewport viewport = record.drawn.viewport;
   const VolumeSource source = record.source_again();
   const VolumeFrame frame = begin_frame(record.drawn.settings, source, record.drawn.viewport);
   colormaps_.update(frame.settings);
   gl::KeptPicture picture;
   const auto pixels_with = [&](const Area& area, bool contents) {
     picture.keep(
-        width, height,
+        viewport.width, viewport.height,
         [&] {
           clear_target();
           draw_background(frame);
@@ -126,7 +126,7 @@ bool VolumeRenderer::shows_something(const FrameRecord& record) {
     gl::throwOnGLError("explainFrame");
     return picture.pixels();
   };
-  const Area whole{0, 0, width, height};
+  const Area whole{0, 0, viewport.width, viewport.height};
   const std::vector<std::uint8_t> background = pixels_with(whole, false);
   return differ(pixels_with(middle_of(record), true), background) ||
          differ(pixels_with(whole, true), background);

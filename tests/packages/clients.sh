@@ -2,7 +2,11 @@
 # example. Sourced by the tests of packages, which say what builds and runs them: $source, $work.
 mkdir "$work/client"
 c_program() { # FILE [HEADING]: the first C program of a page, or that below a heading
-  sed -n "/${2-^}/,\$p" "$source/$1" | sed -n '/^```c$/,/^```$/{/^```$/q;/^```/d;p}'
+  awk -v heading="${2-}" '
+    $0 ~ heading { below = 1 }
+    code && /^```$/ { exit }
+    code
+    below && /^```c$/ { code = 1 }' "$source/$1"
 }
 c_program README.md >"$work/client/readme.c"
 c_program docs/live.md '^## A client in C$' >"$work/client/live.c"

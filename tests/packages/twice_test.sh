@@ -26,7 +26,7 @@ launcher=$(realpath "$(dirname "$0")/reuse_object")
 {
   cmake --preset "$preset" -S "$again" -DOCT_BUILD_TESTS=OFF -DOCT_BUILD_BENCHMARKS=OFF \
     "-DCMAKE_C_COMPILER_LAUNCHER=$launcher" "-DCMAKE_CXX_COMPILER_LAUNCHER=$launcher" &&
-    cmake --build "$again/build/$preset" --target oct_rendering oct_device octrender octsimulate &&
+    cmake --build "$again/build/$preset" --target shipped &&
     cpack --config "$again/build/$preset/CPackConfig.cmake" -B "$work/packages"
 } >"$work/log" 2>&1 || { tail -n 30 "$work/log" >&2; exit 1; }
 echo "$(wc -l <"$OCT_COMPILED") objects compiled anew"
