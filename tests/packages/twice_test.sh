@@ -20,7 +20,7 @@ commit=$(git -C "$source" rev-parse HEAD)
 export OCT_FIRST_BUILD=$build OCT_COMPILED=$work/compiled OCT_SHARE=${OCT_COMPILE_TWICE:-$((16#${commit:0:4} % 8))}
 SOURCE_DATE_EPOCH=$(git -C "$source" log -1 --format=%ct)
 export SOURCE_DATE_EPOCH CCACHE_DISABLE=1 TZ=Asia/Kathmandu LC_ALL=C.UTF-8 USER=somebody
-umask 0027
+umask 0022  # cpack writes it into packages for Debian
 unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
 launcher=$(realpath "$(dirname "$0")/reuse_object")
 {
