@@ -4,6 +4,7 @@
 # through pkg-config. Arguments: build folder, source folder. The packages stay in BUILD/packages.
 set -euo pipefail
 build=$1 source=$2
+umask 0022
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 rm -rf "$build/packages"
