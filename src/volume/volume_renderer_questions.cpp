@@ -1,5 +1,6 @@
 // What the volume renderer is asked about its last frame.
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 #include "core/exception.h"
@@ -8,6 +9,7 @@
 #include "gl/context/opengl_loader.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/target/lowest_value.h"
 #include "volume/frame/frame_explanation.h"
 #include "volume/layout/box_view.h"
 #include "volume/volume_renderer.h"
@@ -44,6 +46,14 @@ bool differ(const std::vector<std::uint8_t>& one, const std::vector<std::uint8_t
          }).first != one.end();
 }
 
+std::optional<float> lowest_value_of(const FrameRecord& record) {
+  const VolumeSource& source = record.drawn.source;
+  const double filled = std::min(static_cast<double>(source.filled_fraction), 1.0);
+  return gl::lowest_value(source.volume, static_cast<GLsizei>(source.extent.depth),
+                          static_cast<GLsizei>(source.extent.a_scans),
+                          static_cast<GLint>(std::lround(filled * source.slice_count)));
+}
+
 }  // namespace
 
 std::shared_ptr<const FrameRecord> VolumeRenderer::record() const {
@@ -65,11 +75,13 @@ std::string VolumeRenderer::explain_frame() {
     last = record_;
   }
   if (!last) return "No frame has been drawn yet. ";
-  std::string cause = certain_cause(*last);
-  if (!cause.empty() || !can_be_drawn_again(*last)) return cause;
+  const bool at_home = can_be_drawn_again(*last);
+  const LowestValue lowest = [&] { return at_home ? lowest_value_of(*last) : std::nullopt; };
+  std::string cause = certain_cause(*last, lowest);
+  if (!cause.empty() || !at_home) return cause;
   const auto [width, height] = last->drawn.viewport;
   if (std::max(width, height) > most_pixels_a_side || shows_something(*last)) return {};
-  return likely_cause(*last);
+  return likely_cause(*last, lowest);
 }
 
 VolumeRenderer::Pick VolumeRenderer::pick(int x, int y) {

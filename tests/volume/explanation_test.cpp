@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <functional>
 #include <limits>
+#include <regex>
+#include <string>
 #include <thread>
 
 #include "random_scene.h"
@@ -23,6 +25,12 @@ std::string on_another_thread(VolumeRendererHandle renderer) {
   std::string text;
   std::thread([&] { text = explanation_of(renderer); }).join();
   return text;
+}
+
+// An explanation as other threads have it: only the context knows the lowest value.
+std::string without_lowest(const std::string& text) {
+  return std::regex_replace(text, std::regex("values from \\S+ to (?=[^,]*, (boundaries|opacity))"),
+                            "values up to ");
 }
 
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
@@ -108,17 +116,17 @@ TEST_F(VolumeTest, EveryCauseHasItsWords) {
       {"no opacity", with([](VolumeScene& s) { s.coloring.colors = ramp_colors(7, 0.0); }),
        "each of its 7 colours is 0"},
       {"below the boundaries", with([&](VolumeScene& s) { boundaries(s, 5.0, 6.0); }),
-       "at or below the lower colouring boundary: values up to 1.02"},
+       "at or below the lower colouring boundary: values from 0 to 1.02"},
       {"the same of a part", with([&](VolumeScene& s) {
          boundaries(s, 1.0, 2.0), s.slices_uploaded = 1;
          std::ranges::fill(s.volume.voxels, 0.5F), s.volume.voxels.back() = 7.0F;
        }),
-       "values up to 0.5, boundaries 1 to 2. Lower the boundaries (setRendererColoringBoundaries)."},
+       "values from 0.5 to 0.5, boundaries 1 to 2. Lower the boundaries (setRendererColoringBoundaries)."},
       {"below the opacity", with([&](VolumeScene& s) {
          boundaries(s, 0.0, 10.0);
          for (std::size_t i = 0; i < 32; ++i) s.coloring.colors[i] &= 0xFFFFFFU;
        }),
-       "where the colour map is transparent: values up to 1.02"},
+       "where the colour map is transparent: values from 0 to 1.02"},
       {"wrong way round", with([&](VolumeScene& s) { boundaries(s, 1.0, 0.0); }),
        "boundaries are the wrong way round"},
       {"maximum below the boundaries",
@@ -127,7 +135,7 @@ TEST_F(VolumeTest, EveryCauseHasItsWords) {
       {"no numbers", with([](VolumeScene& s) { std::ranges::fill(s.volume.voxels, nan); }),
        "holds no number"},
       {"nearly transparent", with([&](VolumeScene& s) { boundaries(s, 0.0, 2.0), s.opacity_length = 1e7; }),
-       "at an opacity length of 1e+07 millimetres it is too transparent (values up to 1.02", false},
+       "at an opacity length of 1e+07 millimetres it is too transparent (values from 0 to 1.02", false},
       {"colour of the background", with([](VolumeScene& s) {
          s.background_bottom = s.background_top = 0x000000FFU;
          s.coloring.colors = {0xFF000000U, 0xFF000000U};
@@ -153,7 +161,7 @@ TEST_F(VolumeTest, EveryCauseHasItsWords) {
     stage.frame();
     const std::string text = explanation_of(stage.renderer);
     EXPECT_TRUE(contains(text, cause.words)) << text;
-    EXPECT_EQ(on_another_thread(stage.renderer), cause.from_settings ? text : "");
+    EXPECT_EQ(on_another_thread(stage.renderer), cause.from_settings ? without_lowest(text) : "");
   }
   scene_.content = 1;
   stage_.draw(scene_);
@@ -256,7 +264,7 @@ TEST_F(VolumeTest, WhatShowsIsNeverExplainedAway) {
     EXPECT_TRUE(agrees(found) ||
                 agrees(difference(reference_picture(scene_).picture, background_picture(scene_))))
         << text;
-    EXPECT_TRUE(from_settings.empty() || from_settings == text) << from_settings;
+    EXPECT_TRUE(from_settings.empty() || from_settings == without_lowest(text)) << from_settings;
     empty += found.nothing;
     known_everywhere += found.nothing && !from_settings.empty();
   }

@@ -1,4 +1,4 @@
-// A pixel that was drawn as floats, as it is.
+// What was drawn as floats, read as it is.
 #pragma once
 
 #include <glm/glm.hpp>
@@ -9,22 +9,37 @@
 
 namespace oct::gl {
 
-// One pixel of an attachment of floats, as it is. What the client has bound and set stays.
+// Reads from the framebuffer, without rounding and tightly packed, as long as it lives. What the client has bound and set
+// comes back.
+class FloatReading {
+ public:
+  explicit FloatReading(const Framebuffer& framebuffer, GLenum attachment = GL_COLOR_ATTACHMENT0) {
+    reset_pixel_pack();
+    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &bound_);
+    glGetIntegerv(GL_CLAMP_READ_COLOR, &clamps_);
+    if (clamps_ == GL_TRUE) glClampColor(GL_CLAMP_READ_COLOR, GL_FIXED_ONLY);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer.get());
+    glReadBuffer(attachment);
+  }
+  ~FloatReading() {
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(bound_));
+    if (clamps_ == GL_TRUE) glClampColor(GL_CLAMP_READ_COLOR, GL_TRUE);
+  }
+  FloatReading(const FloatReading&) = delete;
+  FloatReading& operator=(const FloatReading&) = delete;
+
+ private:
+  const ClientPack pack_;
+  GLint bound_ = 0;
+  GLint clamps_ = 0;
+};
+
+// One pixel of an attachment.
 inline glm::vec4 read_floats(const Framebuffer& framebuffer, GLenum attachment, const glm::uvec2& pixel) {
-  const ClientPack pack;
-  reset_pixel_pack();
-  GLint bound = 0;
-  GLint clamps = 0;
-  glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &bound);
-  glGetIntegerv(GL_CLAMP_READ_COLOR, &clamps);
-  if (clamps == GL_TRUE) glClampColor(GL_CLAMP_READ_COLOR, GL_FIXED_ONLY);
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer.get());
-  glReadBuffer(attachment);
+  const FloatReading reading(framebuffer, attachment);
   glm::vec4 value(0.0F);
   glReadPixels(static_cast<GLint>(pixel.x), static_cast<GLint>(pixel.y), 1, 1, GL_RGBA, GL_FLOAT,
                glm::value_ptr(value));
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(bound));
-  if (clamps == GL_TRUE) glClampColor(GL_CLAMP_READ_COLOR, GL_TRUE);
   return value;
 }
 

@@ -21,7 +21,7 @@ std::string text_of(const glm::dvec3& numbers) {
 // One frame, as it is asked about.
 class Question {
  public:
-  explicit Question(const FrameRecord& record) : record_(record) {}
+  Question(const FrameRecord& record, const LowestValue& lowest) : record_(record), lowest_(lowest) {}
 
   std::string certain_cause() const {
     if (!record_.has_area()) return no_area();
@@ -107,10 +107,15 @@ class Question {
   std::string boundaries_text() const {
     return "boundaries " + oct::text_of(colors().lower) + " to " + oct::text_of(colors().upper);
   }
+  // Of values that are known.
+  std::string range_text() const {
+    const std::optional<float> lowest = lowest_ ? lowest_() : std::nullopt;
+    const std::string greatest = oct::text_of(record_.values->value);
+    return lowest ? "values from " + oct::text_of(*lowest) + " to " + greatest : "values up to " + greatest;
+  }
   std::string values_text() const {
     const bool known = record_.values && std::isfinite(record_.values->value);
-    return " (" + (known ? "values up to " + oct::text_of(record_.values->value) + ", " : std::string()) +
-           boundaries_text() + ")";
+    return " (" + (known ? range_text() + ", " : std::string()) + boundaries_text() + ")";
   }
 
   std::string no_area() const {
@@ -289,17 +294,16 @@ class Question {
     if (!record_.values) return {};
     if (record_.values->value == -unknown) return no_numbers();
     if (record_.values->bound <= lower) {
-      return "All values of the volume lie at or below the lower colouring boundary: values up to " +
-             oct::text_of(record_.values->value) + ", " + boundaries_text() + ". Lower the boundaries" +
-             by_boundaries();
+      return "All values of the volume lie at or below the lower colouring boundary: " + range_text() + ", " +
+             boundaries_text() + ". Lower the boundaries" + by_boundaries();
     }
     const bool ascend = std::isfinite(lower) && std::isfinite(upper) && lower < upper;
     const float visible_from = ascend ? composite_limit(map, lower, upper) : unknown;
     if (ascend && record_.values->bound <= visible_from) {
-      return "All values of the volume lie where the colour map is transparent: values up to " +
-             oct::text_of(record_.values->value) + ", opacity from " + oct::text_of(visible_from) + " on (" +
-             boundaries_text() + "). Lower the boundaries" + by_boundaries() +
-             "Or give the first colours opacity (" + colormap_setter() + "). ";
+      return "All values of the volume lie where the colour map is transparent: " + range_text() +
+             ", opacity from " + oct::text_of(visible_from) + " on (" + boundaries_text() +
+             "). Lower the boundaries" + by_boundaries() + "Or give the first colours opacity (" +
+             colormap_setter() + "). ";
     }
     return {};
   }
@@ -320,12 +324,12 @@ class Question {
     if (!(bound <= colors().lower && colors().lower < colors().upper)) return {};
     return std::string(each) +
            " has the first colour of the map, because all values of the volume lie at or below "
-           "the lower colouring boundary: values up to " +
-           oct::text_of(record_.values->value) + ", " + boundaries_text() + ". Lower the boundaries" +
-           by_boundaries();
+           "the lower colouring boundary: " +
+           range_text() + ", " + boundaries_text() + ". Lower the boundaries" + by_boundaries();
   }
 
   const FrameRecord& record_;
+  const LowestValue& lowest_;
   const VolumeSettings& settings_ = record_.drawn.settings;
   const VolumeSource& source_ = record_.drawn.source;
   const FilledBox box_ = record_.box();
@@ -333,12 +337,12 @@ class Question {
 
 }  // namespace
 
-std::string certain_cause(const FrameRecord& record) {
-  return Question(record).certain_cause();
+std::string certain_cause(const FrameRecord& record, const LowestValue& lowest) {
+  return Question(record, lowest).certain_cause();
 }
 
-std::string likely_cause(const FrameRecord& record) {
-  return Question(record).likely_cause();
+std::string likely_cause(const FrameRecord& record, const LowestValue& lowest) {
+  return Question(record, lowest).likely_cause();
 }
 
 }  // namespace oct
