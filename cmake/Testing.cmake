@@ -12,12 +12,17 @@ set(OCT_SHARED_DATA "${CMAKE_SOURCE_DIR}/../shared/data" CACHE PATH "Folder of r
 # ThreadSanitizer runs what threads do; the rest would cost time and find nothing.
 option(OCT_THREAD_TESTS_ONLY "Build and register only tests about threads" OFF)
 
-# oct_add_test(target [THREADS] [SHARDS n])
-#   THREADS: the test is about threads. SHARDS: it takes long, and runs as so many processes.
+# The same system runs the other tests with a sanitizer, and another one as they are released: ./check does without a third
+# build of them.
+option(OCT_NATIVE_TESTS_ONLY "Build and register only tests that no sanitizer build runs as well" OFF)
+
+# oct_add_test(target [THREADS] [NATIVE] [SHARDS n])
+#   THREADS: the test is about threads. NATIVE: it is about what is released, or not for sanitizers. SHARDS: it takes long,
+#   and runs as so many processes.
 # An entry of ctest is a process, not a case: starting one costs more than most cases do. Entries are named after the
 # preset, so that several builds can be run as one. Each leaves a list of its cases, NAME.cases.xml.
 function(oct_add_test target)
-  cmake_parse_arguments(test "THREADS" "SHARDS" "" ${ARGN})
+  cmake_parse_arguments(test "THREADS;NATIVE" "SHARDS" "" ${ARGN})
   oct_warnings(${target})
   target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_compile_definitions(${target} PRIVATE OCT_SHARED_DATA="${OCT_SHARED_DATA}")
@@ -33,7 +38,7 @@ function(oct_add_test target)
   else()
     target_compile_options(${target} PRIVATE -O1)
   endif()
-  if(OCT_THREAD_TESTS_ONLY AND NOT test_THREADS)
+  if((OCT_THREAD_TESTS_ONLY AND NOT test_THREADS) OR (OCT_NATIVE_TESTS_ONLY AND NOT test_NATIVE))
     set_target_properties(${target} PROPERTIES EXCLUDE_FROM_ALL ON)
     return()
   endif()

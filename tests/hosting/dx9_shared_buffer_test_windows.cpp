@@ -248,7 +248,7 @@ TEST(DX9BufferSourceGLTest, OpensAndClosesTheInterop) {
     testing::internal::CaptureStderr();
     {
       const auto source = open();
-      const auto buffer = source->create_buffer(1);
+      const auto buffer = source->create_buffer(1, gl::PixelFormat::bgra);
       EXPECT_EQ(buffer->buffer_id(), 1);
       buffer->resize(4, 4);
       EXPECT_EQ(stand_in.registered_objects(), 1);

@@ -58,11 +58,11 @@ TEST(HeaderTest, EveryExportIsDocumented) {
       EXPECT_NE(comment.find("@param " + std::string((*p)[1])), std::string::npos) << name << ": " << (*p)[1];
     }
   }
-  std::map<std::string, std::string> listed;
-#define OCT_SINCE(since, family, result, name, parameters) \
-  EXPECT_TRUE(listed.emplace(#name, #since).second) << #name;
-  OCT_API_LIST(OCT_SINCE)
+#define OCT_SINCE(since, family, result, name, parameters) {#name, #since},
+  constexpr std::pair<const char*, const char*> functions[] = {OCT_API_LIST(OCT_SINCE)};
 #undef OCT_SINCE
+  std::map<std::string, std::string> listed;
+  for (const auto& [name, since] : functions) EXPECT_TRUE(listed.emplace(name, since).second) << name;
   EXPECT_EQ(declared, listed);
 }
 
