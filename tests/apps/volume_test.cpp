@@ -94,9 +94,8 @@ TEST_F(Volume, ASecondaryMapColoursTheVolume) {
 TEST_F(Volume, SaysWhyAPictureIsEmpty) {
   draw("--range 2 3");
   expect_in(
-      "octrender: warning: All values of the volume lie at or below the lower colouring boundary: values up "
-      "to 1, "
-      "boundaries 2 to 3. ",
+      "octrender: warning: All values of the volume lie at or below the lower colouring boundary: values "
+      "from 0 to 1, boundaries 2 to 3. ",
       error_text_);
   EXPECT_EQ(run("--turntable 2 --sections off off off --mode sections --range 0 1"), 0);
   expect_in("octrender: warning: All three slices", error_text_);

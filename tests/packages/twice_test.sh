@@ -45,7 +45,7 @@ for package in *deb *.zip; do
   [ -e "$package" ] || continue
   unpack "$PWD/$package" "$work/first"
   unpack "$work/packages/$package" "$work/second"
-  diff -rq "$work/first" "$work/second" || failed=yes
+  diff -rq --no-dereference "$work/first" "$work/second" || failed=yes
   # CPack's list of sums in packages of symbols names the folder that they were packed in.
   [[ $package == *-symbols.zip || $package == *.ddeb ]] || cmp "$package" "$work/packages/$package" || failed=yes
   if grep -rlaF -e "$(realpath "$source")" "$work/first"; then

@@ -71,5 +71,5 @@ status=0
 for name in oct_rendering.dll oct_device.dll octrender.exe octsimulate.exe; do
   says '\.debug_line' x86_64-w64-mingw32-objdump -h "$work"/symbols/*/bin/$name.debug
   says "format RSDS" x86_64-w64-mingw32-objdump -p "$prefix/bin/$name"
-  [ -s "$(echo "$work"/symbols/*/bin/"${name%.*}").pdb" ]
+  [ -s "$(echo "$work"/symbols/*/bin/"${name%.*}.pdb")" ]
 done

@@ -106,7 +106,7 @@ def test_each_object_draws_on_the_thread_of_its_first_frame():
             "the thread 'other'" in error.text
         with pytest.raises(oct.StateError, match="draws into the frame of a loop"):
             item.draw()
-        with oct.Loop(item, (60, 40)) as loop, pytest.raises(oct.StateError, match="drawing thread of a loop"):
+        with pytest.raises(oct.StateError, match="drawing thread of a loop"), oct.Loop(item, (60, 40)) as loop:
             loop.snapshot(60, 40)
         assert np.array_equal(item.render((60, 40)), expected)  # and none of that did harm
         on_a_thread(item.close)  # anybody may close it; freed by the next frame here
