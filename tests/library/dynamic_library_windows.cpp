@@ -1,5 +1,6 @@
 #include "library/dynamic_library.h"
 
+#include <cstdlib>
 #include <stdexcept>
 
 #include <windows.h>
@@ -19,7 +20,7 @@ void* DynamicLibrary::symbol(const char* name) const {
 }
 
 void set_environment(const char* name, const char* value) {
-  SetEnvironmentVariableA(name, value);
+  _putenv_s(name, value ? value : "");  // of the C runtime, which tells the system
 }
 
 }  // namespace oct::test
