@@ -149,7 +149,7 @@ double grey(float decibels) {
 TEST(RecordedSpectra, GiveTheReferencePicture) {
   if (!std::filesystem::exists(folder / "spectra_wood.npy"))
     GTEST_SKIP() << "no recorded spectra: set OCT_SHARED_DATA to the folder that holds spectra_wood.npy";
-  const auto picture = app::load_image(folder / "spectra_wood_reference.png", {}, false).image;
+  const auto picture = app::load_image({folder / "spectra_wood_reference.png", {}, {}}, {}).image;
   const auto counts = elements_of<std::uint16_t>("spectra_wood.npy");
   RawData raw;
   raw.resize(pixels, static_cast<int>(picture.ascans), 1, 1.0, 1.0);
