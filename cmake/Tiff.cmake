@@ -59,10 +59,13 @@ file(CONFIGURE OUTPUT "${configuration}/tif_config.h" CONTENT [[
 
 set(sources "")
 foreach(part aux close codec compress dir dirinfo dirread dirwrite dumpmode error extension flush hash_set lzw open
-    packbits predict print read strip swab tile version warning win32 write zip)
+    packbits predict read strip swab tile version warning win32 write zip)
   list(APPEND sources "${OCT_TIFF_SOURCE_DIR}/libtiff/tif_${part}.c")
 endforeach()
 add_library(oct_tiff STATIC ${sources})
 target_include_directories(oct_tiff SYSTEM PUBLIC "${OCT_TIFF_SOURCE_DIR}/libtiff" "${configuration}")
 target_compile_options(oct_tiff PRIVATE -w -O1)
+# All files at once but one, which has functions of the same names as another.
+set_target_properties(oct_tiff PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
+set_source_files_properties("${OCT_TIFF_SOURCE_DIR}/libtiff/tif_win32.c" PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 target_link_libraries(oct_tiff PUBLIC oct_zlib)

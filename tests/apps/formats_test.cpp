@@ -175,6 +175,7 @@ TEST_F(Formats, RefuseWhatTheyCannotRead) {
       {nrrd + "raw\n\n", "truncated: 0 data bytes are too few"},
       {nrrd + "raw\n", "the NRRD header has no end"},
       {nrrd + "ascii\n\n1", "the encoding 'ascii' are not supported; save raw or gzip"},
+      {nrrd + "raw\nkinds: RGB-color domain domain\n\n1", "the kinds RGB-color"},
       {nrrd + "gzip\n\n1", "truncated"},
       {nrrd + "gzip\n\nno gzip at all", "the compressed data are damaged"},
       {nrrd + "raw\ndata file: none.raw\n", "none.raw: no such file"},

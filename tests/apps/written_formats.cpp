@@ -16,7 +16,7 @@ class Bytes {
 
   Bytes& put(std::uint64_t value, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
-      bytes_ += static_cast<char>(value >> 8 * (big_endian_ ? count - 1 - i : i) & 0xFF);
+      bytes_ += static_cast<char>(i < 8 ? value >> 8 * (big_endian_ ? count - 1 - i : i) & 0xFF : 0);
     return *this;
   }
   Bytes& put_float(float value) {

@@ -8,7 +8,7 @@
 namespace oct::app {
 namespace {
 
-const std::map<std::string_view, SampleType>& sample_types() {
+const std::map<std::string_view, SampleType>& meta_image_types() {
   using enum SampleType;
   static const std::map<std::string_view, SampleType> types{
       {"MET_CHAR", int8},       {"MET_UCHAR", uint8},       {"MET_SHORT", int16},   {"MET_USHORT", uint16},
@@ -56,8 +56,8 @@ class MetaImageHeader {
 
   void read_type() {
     const std::string& name = header_.needed("ElementType");
-    const auto type = sample_types().find(name);
-    if (type == sample_types().end()) header_.fail("samples of type '" + name + "' are not supported");
+    const auto type = meta_image_types().find(name);
+    if (type == meta_image_types().end()) header_.fail("samples of type '" + name + "' are not supported");
     if (const std::string* const channels = header_.field("ElementNumberOfChannels");
         channels && *channels != "1") {
       header_.fail("only one channel is supported, there are " + *channels);

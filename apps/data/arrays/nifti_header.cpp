@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::uint32_t header_sizes[] = {nifti_header_bytes, 540};  // of the formats 1 and 2
 
-std::optional<SampleType> sample_type(int code) {
+std::optional<SampleType> nifti_type(int code) {
   using enum SampleType;
   constexpr std::pair<int, SampleType> types[] = {{2, uint8},    {4, int16},    {8, int32},    {16, float32},
                                                   {64, float64}, {256, int8},   {512, uint16}, {768, uint32},
@@ -45,7 +45,7 @@ class NiftiHeader {
     }
     read_sizes();
     const int code = number<std::int16_t>(70);
-    const std::optional<SampleType> type = sample_type(code);
+    const std::optional<SampleType> type = nifti_type(code);
     if (!type) fail("NIfTI samples of the type " + std::to_string(code) + " are not supported");
     description_.format = {*type, big_endian_};
     read_scale();

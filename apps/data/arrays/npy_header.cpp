@@ -9,7 +9,7 @@
 namespace oct::app {
 namespace {
 
-constexpr std::uint32_t max_header_bytes = 1 << 20;
+constexpr std::uint32_t max_npy_header_bytes = 1 << 20;
 
 // Reads the one dictionary form that the format allows.
 class DictionaryParser {
@@ -137,7 +137,7 @@ NpyHeader read_npy_header(ByteStream& file) {
   const std::size_t length_bytes = version == 1 ? 2 : 4;
   const std::uint32_t length = read_little_endian(file, length_bytes);
   const std::uint64_t data_offset = start.size() + length_bytes + length;
-  if (data_offset > file.most_bytes() || length > max_header_bytes) {
+  if (data_offset > file.most_bytes() || length > max_npy_header_bytes) {
     throw ReadError(file.path(), "the .npy header is truncated or its length is wrong");
   }
   std::string text(length, '\0');

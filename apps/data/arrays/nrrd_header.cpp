@@ -11,7 +11,7 @@
 namespace oct::app {
 namespace {
 
-const std::map<std::string_view, SampleType>& sample_types() {
+const std::map<std::string_view, SampleType>& nrrd_types() {
   using enum SampleType;
   static const std::map<std::string_view, SampleType> types{{"signed char", int8},
                                                             {"int8", int8},
@@ -68,6 +68,11 @@ class NrrdHeader {
         words_of(header_.needed("sizes")).size()) {
       header_.fail("the NRRD header's sizes are not as many as its dimension");
     }
+    const std::string* const kinds = header_.field("kinds");
+    for (const char* const kind : {"color", "vector", "matrix", "complex"}) {
+      if (kinds && kinds->find(kind) != std::string::npos)
+        header_.fail("NRRD samples of the kinds " + *kinds + " are not supported");
+    }
     read_type();
     read_place();
     read_spacing();
@@ -94,8 +99,8 @@ class NrrdHeader {
   }
 
   void read_type() {
-    const auto type = sample_types().find(header_.needed("type"));
-    if (type == sample_types().end())
+    const auto type = nrrd_types().find(header_.needed("type"));
+    if (type == nrrd_types().end())
       header_.fail("samples of type '" + header_.needed("type") + "' are not supported");
     description_.format.type = type->second;
     const std::string* const endian = header_.field("endian");
@@ -164,14 +169,18 @@ class NrrdHeader {
     return lengths;
   }
 
-  // The first quoted one: nobody measures the axes of one array in several units.
+  // The first quoted one that is a length: nobody measures the axes of one array in several units.
   std::optional<double> unit(bool of_space) const {
     const std::string* const units = header_.field(of_space ? "space units" : "units");
-    if (!units) return std::nullopt;
-    const std::size_t begin = units->find('"');
-    const std::size_t end = begin == std::string::npos ? begin : units->find('"', begin + 1);
-    if (end == std::string::npos) return std::nullopt;
-    return millimetres_of(std::string_view(*units).substr(begin + 1, end - begin - 1));
+    for (std::size_t begin = 0; units && (begin = units->find('"', begin)) != std::string::npos;) {
+      const std::size_t end = units->find('"', begin + 1);
+      if (end == std::string::npos) break;
+      const std::optional<double> mm =
+          millimetres_of(std::string_view(*units).substr(begin + 1, end - begin - 1));
+      if (mm) return mm;
+      begin = end + 1;
+    }
+    return std::nullopt;
   }
 
   TextHeader header_;

@@ -71,7 +71,7 @@ int leave_open(thandle_t) {
   return 0;
 }
 
-std::optional<SampleType> sample_type(int format, int bits) {
+std::optional<SampleType> tiff_type(int format, int bits) {
   const char kind = format == SAMPLEFORMAT_UINT     ? 'u'
                     : format == SAMPLEFORMAT_INT    ? 'i'
                     : format == SAMPLEFORMAT_IEEEFP ? 'f'
@@ -177,7 +177,7 @@ class TiffReader : public FrameReader {
     if (photometric() == PHOTOMETRIC_PALETTE) {
       throw ReadError(path(), "TIFF images with a palette are not supported; save gray");
     }
-    const std::optional<SampleType> type = sample_type(format(), bits());
+    const std::optional<SampleType> type = tiff_type(format(), bits());
     if (type) return *type;
     throw ReadError(path(), "TIFF samples of this kind (" + std::to_string(bits()) +
                                 " bits) are not supported; save integers of 8, 16 or 32 bits or floats");
