@@ -26,6 +26,7 @@ class Doc:
     errors: str = ""
     thread: str = ""
     since: str = ""
+    notes: tuple = ()  # of (title, text), as under "@par OpenGL state"
 
 
 @dataclass(frozen=True)
@@ -133,21 +134,24 @@ def parse_doc(comment):
     """Takes a comment apart, in either style: @brief and @param, or plain text with them."""
     lines = re.sub(r"^/\*\*<?|\*/$", "", comment.strip()).split("\n")
     text = "\n".join(re.sub(r"^\s*\*? ?", "", line).rstrip() for line in lines).strip()
-    parts = re.split(r"@(brief|param|return|thread|since|par Errors|file|defgroup|section|addtogroup|name)\b", text)
-    kept = {"brief": [parts[0]], "return": [], "thread": [], "since": [], "par Errors": []}
-    parameters = []
+    parts = re.split(r"@(brief|param|return|thread|since|par|file|defgroup|section|addtogroup|name)\b", text)
+    kept = {"brief": [parts[0]], "return": [], "thread": [], "since": []}
+    parameters, paragraphs = [], {}
     for command, body in zip(parts[1::2], parts[2::2]):
         if command == "param":
             match = re.match(r"\s*(?:\[\w+\]\s*)?(\w+)\s*([\s\S]*)", body)
             if not match:
                 raise InterfaceError("a parameter without a name in: " + comment)
             parameters.append((match[1], _one_line(match[2])))
+        elif command == "par":
+            title, _, rest = body.partition("\n")
+            paragraphs[title.strip()] = _one_line(rest)
         elif command in kept:
             kept[command].append(body)
-    paragraphs = re.split(r"\n\s*\n", "\n\n".join(kept["brief"]))
-    brief = "\n\n".join(filter(None, map(_one_line, paragraphs)))
-    return Doc(brief, tuple(parameters), *(_one_line(" ".join(kept[key])) for key in
-                                           ("return", "par Errors", "thread", "since")))
+    brief = "\n\n".join(filter(None, map(_one_line, re.split(r"\n\s*\n", "\n\n".join(kept["brief"])))))
+    errors = paragraphs.pop("Errors", "")
+    returns, thread, since = (_one_line(" ".join(kept[key])) for key in ("return", "thread", "since"))
+    return Doc(brief, tuple(parameters), returns, errors, thread, since, tuple(paragraphs.items()))
 
 
 def _one_line(text):
@@ -251,9 +255,12 @@ def _structs(text):
 
 
 def _callbacks(text):
-    pattern = _COMMENT + r"typedef ([\w ]+?\**) ?\(\*(\w+)\)\(([^()]*)\);"
-    return tuple(Callback(name, _type(result), _parameters(parameters), parse_doc(comment))
-                 for comment, result, name, parameters in re.findall(pattern, text))
+    pattern = (r"(?:" + _COMMENT + r")?typedef ([\w ]+?\**) ?\(\*(\w+)\)\(([^()]*)\);(?:[ \t]*" + _COMMENT + ")?")
+    found = tuple(Callback(name, _type(result), _parameters(parameters), parse_doc(before or after))
+                  for before, result, name, parameters, after in re.findall(pattern, text))
+    if len(found) != len(re.findall(r"^typedef [^;]*\(\*", text, re.MULTILINE)):
+        raise InterfaceError("a type of a callback was not understood")
+    return found
 
 
 def _handles(text):

@@ -2,14 +2,12 @@
 
 #include <array>
 
-#include "oct_rendering/oct_rendering.h"
-
 namespace oct::app {
 
 void throw_pending_error() {
   std::array<char, 4096> text{};
   if (getRendererError(text.data(), static_cast<int>(text.size())) == 0) return;
-  throw RenderingError(text.data());
+  throw RenderingError(static_cast<OctErrorKind>(getRendererErrorKind()), text.data());
 }
 
 void discard_pending_errors() {

@@ -4,11 +4,18 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include "oct_rendering/oct_rendering.h"
+
 namespace oct::app {
 
 // What the library says about a call that failed.
 class RenderingError : public std::runtime_error {
-  using runtime_error::runtime_error;
+ public:
+  RenderingError(OctErrorKind kind, const char* text) : std::runtime_error(text), kind_(kind) {}
+  OctErrorKind kind() const { return kind_; }
+
+ private:
+  OctErrorKind kind_;
 };
 
 // Throws the pending error, if there is one.

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "command_line/progress.h"
+#include "command_line/warning.h"
 #include "data/formats/png_writer.h"
 #include "data/image_reader.h"
 #include "octrender/data_options.h"
@@ -208,7 +209,9 @@ void run(const Options& options) {
   scene.second_blur = options.blur == "second" || options.blur == "both";
   scene.pepper_filter = options.pepper;
   scene.flip = options.flip;
-  write_png(output, render_bscan(scene));
+  const BscanPicture drawn = render_bscan(scene);
+  write_png(output, drawn.picture);
+  warn("octrender", drawn.explanation);
 }
 
 }  // namespace

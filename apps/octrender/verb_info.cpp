@@ -25,12 +25,7 @@ Examples:
   octrender info skin.npy
 )";
 
-constexpr unsigned int vendor = 0x1F00;
-constexpr unsigned int renderer = 0x1F01;
-constexpr unsigned int version = 0x1F02;
 constexpr unsigned int shading_language = 0x8B8C;
-constexpr unsigned int max_texture_size = 0x0D33;
-constexpr unsigned int max_3d_texture_size = 0x8073;
 constexpr unsigned int max_renderbuffer_size = 0x84E8;
 
 struct Options {
@@ -49,20 +44,40 @@ int number(unsigned int name) {
   return value;
 }
 
+std::string sharings_of(const OctRendererInfo& info) {
+  std::string names;
+  const auto add = [&](OctSurfaceSharing sharing, const char* name) {
+    if ((info.sharings >> sharing & 1U) != 0) names += (names.empty() ? "" : ", ") + std::string(name);
+  };
+  add(OCT_SHARING_HOST_MEMORY, "host memory");
+  add(OCT_SHARING_DIRECT3D, "Direct3D");
+  return names.empty() ? "(nothing)" : names;
+}
+
+std::string free_memory_of(const OctRendererInfo& info) {
+  if (info.free_video_memory == 0) return "(the driver does not tell)";
+  return std::to_string(info.free_video_memory / 1'000'000) + " MB";
+}
+
 void show_driver() {
+  OctRendererInfo info{};
+  info.size = sizeof info;
+  checked(getRendererInfo, &info);
   std::cout << "octrender            " << getRendererVersion() << "\n"
-            << "OpenGL               " << text(version) << "\n"
-            << "driver               " << text(renderer) << "\n"
-            << "vendor               " << text(vendor) << "\n"
+            << "OpenGL               " << info.version << "\n"
+            << "driver               " << info.renderer << "\n"
+            << "vendor               " << info.vendor << "\n"
             << "shading language     " << text(shading_language) << "\n"
+            << "frames handed over   " << sharings_of(info) << "\n"
+            << "free video memory    " << free_memory_of(info) << "\n"
             << "largest picture      " << number(max_renderbuffer_size) << " pixels a side\n"
-            << "largest B-scan       " << number(max_texture_size) << " samples a side\n"
-            << "largest volume       " << number(max_3d_texture_size) << " voxels a side\n";
+            << "largest B-scan       " << info.max_texture_size << " samples a side\n"
+            << "largest volume       " << info.max_3d_texture_size << " voxels a side\n";
 }
 
 // Asks the library itself: the driver's word on an extent is not yet a texture.
 void show_volume(const Options& options) {
-  const VolumeData volume = read_volume(data_file(options.input, options.data), drawable);
+  const VolumeData volume = read_volume(data_file(options.input, options.data), drawable_limits());
   std::cout << options.input << ": depth " << volume.depth << ", A-scans " << volume.ascans << ", B-scans "
             << volume.bscans << "; " << (volume.voxels.size() * 2 + 999'999) / 1'000'000
             << " MB on the graphics device\n";

@@ -10,6 +10,7 @@
 #include "client/checked.h"
 #include "command_line/progress.h"
 #include "command_line/scan_options.h"
+#include "command_line/warning.h"
 #include "data/formats/png_writer.h"
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
@@ -297,6 +298,7 @@ void run(const Options& options) {
     result = show_live(device, scene, settings, events);
   }
   options.json ? print_json(result) : print(result);
+  warn("octrender", result.explanation);
 }
 
 }  // namespace

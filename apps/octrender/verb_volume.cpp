@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "command_line/progress.h"
+#include "command_line/warning.h"
 #include "data/formats/png_writer.h"
 #include "octrender/data_options.h"
 #include "octrender/layer_options.h"
@@ -21,8 +22,8 @@ constexpr char description_text[] = "Draw a volume as a PNG picture, or as a ser
 
 constexpr char footer_text[] = R"(
 The volume keeps the proportions that --extent gives, else those of the spacing in its
-file, which is shown; else its voxels are cubes. A volume past 2048 voxels along an axis or
-8 GiB of floats is reduced by whole numbers, and the factors are shown.
+file, which is shown; else its voxels are cubes. A volume past what the driver draws
+is reduced by whole numbers, and the factors are shown.
 
 Modes: composite shows voxels with the opacity of the ramp, maximum and mean what a ray
 meets on its way, sections three slices. The opacity of a composite rises with the square
@@ -143,7 +144,7 @@ VolumeScene scene_of(const Options& options) {
 void load_base(const Options& options, const DataFile& file, const std::optional<ValueRange>& range,
                VolumeScene& scene) {
   VolumeLayer& base = scene.base;
-  base.data = read_volume(file, drawable);
+  base.data = read_volume(file, drawable_limits());
   if (options.decibels) to_decibels(base.data.voxels);
   base.range = volume_range(options.input, base.data.voxels, range, range_shares(scene.look));
   replace_non_finite(base.data.voxels, base.range);
@@ -154,7 +155,7 @@ void load_base(const Options& options, const DataFile& file, const std::optional
 void load_overlay(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                   VolumeScene& scene) {
   VolumeLayer overlay;
-  overlay.data = read_volume(data_file(options.overlay, options.data), drawable);
+  overlay.data = read_volume(data_file(options.overlay, options.data), drawable_limits());
   const VolumeData& base = scene.base.data;
   if (overlay.data.file_size != base.file_size) {
     throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
@@ -186,15 +187,24 @@ void load_secondary(const Options& options, const std::optional<ValueRange>& ran
 
 void draw(const VolumeScene& scene, const std::filesystem::path& output, unsigned turntable) {
   if (turntable == 0) {
-    render_volume(scene, 1, [&](unsigned, const Picture& picture) { write_png(output, picture); });
+    render_volume(scene, 1, [&](unsigned, const Picture& picture, const std::string& explanation) {
+      write_png(output, picture);
+      warn("octrender", explanation);
+    });
     return;
   }
   const std::size_t samples = std::size_t{turntable} * scene.size.width * scene.size.height;
-  Progress progress("drawing " + std::to_string(turntable) + " pictures", samples);
-  render_volume(scene, turntable, [&](unsigned number, const Picture& picture) {
-    progress.update(number, turntable);
-    write_png(numbered(output, number), picture);
-  });
+  std::string last_explanation;
+  {
+    Progress progress("drawing " + std::to_string(turntable) + " pictures", samples);
+    render_volume(scene, turntable,
+                  [&](unsigned number, const Picture& picture, const std::string& explanation) {
+                    progress.update(number, turntable);
+                    write_png(numbered(output, number), picture);
+                    last_explanation = explanation;
+                  });
+  }
+  warn("octrender", last_explanation);
 }
 
 void run(const Options& options) {

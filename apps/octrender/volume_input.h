@@ -12,8 +12,8 @@
 
 namespace oct::app {
 
-// Voxels along an axis that the OpenGL drivers in use allow, and a volume that most graphics devices hold.
-constexpr VolumeLimits drawable{2048, std::uint64_t{1} << 33};
+// What the OpenGL driver in use can draw.
+VolumeLimits drawable_limits();
 
 // What exceeds the limits comes reduced, with a note on the error stream.
 VolumeData read_volume(const DataFile& file, const VolumeLimits& limits = {});

@@ -1,7 +1,9 @@
 #include "scene/bscan_scene.h"
 
 #include <limits>
+#include <utility>
 
+#include "client/explanation.h"
 #include "client/renderers.h"
 #include "scene/offscreen_picture.h"
 
@@ -43,11 +45,12 @@ void set_scene(DisplayRenderingHandle renderer, const BscanScene& scene) {
   checked(setDisplayFlip, renderer, int{scene.flip});
 }
 
-Picture render_bscan(const BscanScene& scene) {
+BscanPicture render_bscan(const BscanScene& scene) {
   OffscreenTarget target;
   const DisplayRenderer renderer;
   set_scene(renderer.handle(), scene);
-  return draw_picture(target, scene.size, [&] { checked(renderDisplay, renderer.handle()); });
+  Picture picture = draw_picture(target, scene.size, [&] { checked(renderDisplay, renderer.handle()); });
+  return {std::move(picture), explanation_of(explainDisplay, renderer.handle())};
 }
 
 }  // namespace oct::app

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "data/colormap.h"
 #include "data/image.h"
@@ -37,6 +38,10 @@ struct BscanScene {
 
 void set_scene(DisplayRenderingHandle renderer, const BscanScene& scene);
 
-Picture render_bscan(const BscanScene& scene);
+struct BscanPicture {
+  Picture picture;
+  std::string explanation;  // why it shows nothing; empty when it shows something
+};
+BscanPicture render_bscan(const BscanScene& scene);
 
 }  // namespace oct::app

@@ -8,10 +8,12 @@
 #include <future>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "client/explanation.h"
 #include "client/offscreen_target.h"
 #include "client/renderers.h"
 #include "scene/device_error.h"
@@ -38,9 +40,10 @@ class Exchange {
     changed_.notify_all();
   }
 
-  void give(std::vector<std::uint8_t> pixels) {
+  void give(std::vector<std::uint8_t> pixels, std::string explanation) {
     const std::lock_guard lock(mutex_);
     pictures_.push_back(std::move(pixels));
+    explanation_ = std::move(explanation);
     changed_.notify_all();
   }
 
@@ -52,10 +55,16 @@ class Exchange {
     return std::exchange(pictures_, {});
   }
 
+  std::string last_explanation() {
+    const std::lock_guard lock(mutex_);
+    return explanation_;
+  }
+
  private:
   std::mutex mutex_;
   std::condition_variable changed_;
   std::exception_ptr error_;
+  std::string explanation_;  // of the last picture
   std::vector<std::vector<std::uint8_t>> pictures_;
 };
 
@@ -140,7 +149,7 @@ class RenderingThread {
       started = true;
       ready.set_value(rendering.live());
       try {
-        draw(target, rendering.live());
+        draw(target, rendering);
       } catch (...) {
         exchange_.fail(std::current_exception());
       }
@@ -152,7 +161,8 @@ class RenderingThread {
     }
   }
 
-  void draw(OffscreenTarget& target, LiveVolumeRenderingHandle live) {
+  void draw(OffscreenTarget& target, const LiveRendering& rendering) {
+    const LiveVolumeRenderingHandle live = rendering.live();
     std::vector<std::uint8_t> pixels;
     unsigned snapshots = 0;
     Clock::time_point next = Clock::now();
@@ -164,7 +174,7 @@ class RenderingThread {
       times_.add(start, end, statistics_of(live).shown > 0);
       if (snapshots < settings_.snapshots && is_due(snapshots, end)) {
         ++snapshots;
-        exchange_.give(pixels);
+        exchange_.give(pixels, explanation_of(explainFrame, rendering.renderer()));
       }
       if (settings_.frames_per_second > 0) {
         next = std::max(next + ticks(1 / settings_.frames_per_second), end);
@@ -219,6 +229,7 @@ LiveResult show_live(const LiveDevice& device, const LiveScene& scene, const Liv
     events.progress(begin ? Seconds(Clock::now() - *begin).count() : 0.0);
   }
   LiveResult result;
+  result.explanation = exchange.last_explanation();
   result.volumes = statistics_of(rendering.live());
   rendering.times().report(result);
   auto& [depth, a_scans, b_scans] = result.size;

@@ -4,6 +4,7 @@
 #include <array>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "data/colormap.h"
 #include "data/picture.h"
@@ -47,6 +48,7 @@ struct LiveResult {
   unsigned frames = 0;        // since then
   double worst_frame = 0;     // milliseconds
   std::array<int, 3> size{};  // depth samples, A-scans, B-scans as they were drawn
+  std::string explanation;    // why the last snapshot shows nothing; empty when it shows something
 };
 
 // Runs until the time is over. Throws a failure when acquisition or rendering fails. One call at a time.

@@ -1,5 +1,6 @@
 #include "scene/volume_scene.h"
 
+#include "client/explanation.h"
 #include "client/renderers.h"
 #include "scene/offscreen_picture.h"
 
@@ -34,15 +35,16 @@ void set_scene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, co
 }
 
 void render_volume(const VolumeScene& scene, unsigned count,
-                   const std::function<void(unsigned, const Picture&)>& take) {
+                   const std::function<void(unsigned, const Picture&, const std::string&)>& take) {
   OffscreenTarget target;
   const OfflineRendering rendering;
   set_scene(rendering.offline(), rendering.renderer(), scene);
   const int content = scene.overlay ? 2 : 0;
   for (unsigned i = 0; i < count; ++i) {
     checked(setAngles, rendering.renderer(), scene.angles[0], scene.angles[1] + 360.0 * i / count);
-    take(i, draw_picture(target, scene.size,
-                         [&] { checked(renderOfflineVolume, rendering.offline(), content); }));
+    const Picture picture =
+        draw_picture(target, scene.size, [&] { checked(renderOfflineVolume, rendering.offline(), content); });
+    take(i, picture, explanation_of(explainFrame, rendering.renderer()));
   }
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "data/colormap.h"
@@ -47,8 +48,9 @@ struct VolumeScene : VolumeView {
 void set_scene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, const VolumeScene& scene);
 
 // Draws the scene once, or as often as `count` says, turned further about the depth axis each time so that
-// the last picture is followed by the first. Each picture is handed over as it is finished.
+// the last picture is followed by the first. Each picture is handed over as it is finished, with why it shows nothing;
+// empty when it shows something.
 void render_volume(const VolumeScene& scene, unsigned count,
-                   const std::function<void(unsigned, const Picture&)>& take);
+                   const std::function<void(unsigned, const Picture&, const std::string& explanation)>& take);
 
 }  // namespace oct::app

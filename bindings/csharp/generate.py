@@ -27,6 +27,8 @@ OWNED = {
 # Objects of the device library, which their makers free.
 FOREIGN = {"OCTDeviceHandle", "ProcessingHandle", "PolarizationProcessingHandle", "ScanPatternHandle", "DataHandle",
            "RawDataHandle", "ComplexDataHandle"}
+# Words that are not written as English ones.
+WORDS = {"OPENGL": "OpenGL", "DIRECT3D": "Direct3D", "DOPU": "Dopu"}
 PLAIN = {"int": "int", "unsigned int": "uint", "unsigned": "uint", "long long": "long", "unsigned long long": "ulong",
          "float": "float", "double": "double", "unsigned char": "byte", "char": "byte"}
 KEYWORDS = {"in", "out", "ref", "params", "object", "string", "event", "lock", "base", "fixed", "checked", "default"}
@@ -34,7 +36,8 @@ KEYWORDS = {"in", "out", "ref", "params", "object", "string", "event", "lock", "
 
 def pascal(words):
     """OCT_VOLUME_MAXIMUM without its prefix, latency_p99_ms: VolumeMaximum, LatencyP99Ms."""
-    return "".join(word[:1].upper() + (word[1:].lower() if word.isupper() else word[1:]) for word in words.split("_"))
+    return "".join(WORDS.get(word) or word[:1].upper() + (word[1:].lower() if word.isupper() else word[1:])
+                   for word in words.split("_"))
 
 
 def plain_name(name):
@@ -144,11 +147,11 @@ class Generator:
         self.lines += [
             f"public sealed class {name} : {base} {{",
             f'  [DllImport(Native.LibraryName, EntryPoint = "{free}", CallingConvention = CallingConvention.Cdecl)]',
-            "  private static extern void Free(IntPtr handle);",
-            "  private static readonly Action<IntPtr> free = Free;",
+            "  private static extern void Delete(IntPtr handle);",
+            "  private static readonly Action<IntPtr> delete = Delete;",
             "  /// <summary>No object.</summary>",
             f"  public static readonly {name} Null = new {name}();",
-            f"  private {name}() : base(free) {{ }}",
+            f"  private {name}() : base(delete) {{ }}",
             "}"]
 
     def name(self, name):

@@ -286,6 +286,22 @@ OCT_API void setDisplayOveralyColoringBoundaries(DisplayRenderingHandle Handle, 
  */
 OCT_API void setDisplayOveralyThreshold(DisplayRenderingHandle Handle, double Threshold);
 
+/**
+ * @brief Explains a picture that is empty: says in plain words why the last frame shows nothing or one colour only, and
+ * what to do about it, with the numbers that count. Of several causes it names the first that suffices by itself.
+ * What counts is what the frame was drawn with, not what was set since. The page "Empty pictures" lists the causes.
+ * @param Handle The renderer.
+ * @param Text Receives the explanation, cut to @p Size bytes with its end; "" when the frame shows something. Null:
+ * nothing is stored.
+ * @param Size Size of @p Text in bytes.
+ * @return 0: the last frame shows something; 1: @p Text says why not; 0 on failure.
+ * @par Errors
+ * "Invalid DisplayRenderingHandle specified. "
+ * @thread Any thread; waits for no frame.
+ * @since 0.2
+ */
+OCT_API int explainDisplay(DisplayRenderingHandle Handle, char* Text, int Size);
+
 /** @} */
 
 #ifdef __cplusplus

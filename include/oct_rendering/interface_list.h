@@ -24,6 +24,9 @@
   FUNCTION(0.1, library, const char*, getRendererVersion, (void)) \
   FUNCTION(0.1, library, int, isRendererError, (void)) \
   FUNCTION(0.1, library, int, getRendererError, (char* Message, int Size)) \
+  FUNCTION(0.2, library, int, getOwnRendererError, (char* Message, int Size)) \
+  FUNCTION(0.2, library, int, getRendererErrorKind, (void)) \
+  FUNCTION(0.2, library, void, getRendererInfo, (OctRendererInfo* Info)) \
   FUNCTION(0.1, library, void, setRendererLogFile, (const char* FileName)) \
   FUNCTION(0.1, library, void, setErrorCallback, (LiveDataSourceHandle DataSource, OctErrorFunction Callback)) \
   FUNCTION(0.2, library, void, setErrorCallbackWithUser, (LiveDataSourceHandle DataSource, OctErrorFunctionWithUser Callback, void* user)) \
@@ -51,6 +54,7 @@
   FUNCTION(0.1, display, void, setDisplayOverlayColormap, (DisplayRenderingHandle Handle, int Overlay, const void* Colormap, int Count)) \
   FUNCTION(0.1, display, void, setDisplayOveralyColoringBoundaries, (DisplayRenderingHandle Handle, int Overlay, double Lower, double Upper)) \
   FUNCTION(0.1, display, void, setDisplayOveralyThreshold, (DisplayRenderingHandle Handle, double Threshold)) \
+  FUNCTION(0.2, display, int, explainDisplay, (DisplayRenderingHandle Handle, char* Text, int Size)) \
   FUNCTION(0.1, volume, VolumeRendererHandle, createVolumeRenderer, (void)) \
   FUNCTION(0.1, volume, void, deleteVolumeRenderer, (VolumeRendererHandle Handle)) \
   FUNCTION(0.1, volume, void, initializeVolumeRenderer, (VolumeRendererHandle Handle)) \
@@ -85,6 +89,7 @@
   FUNCTION(0.1, volume, void, setRendererSecondaryColoringBoundaries, (VolumeRendererHandle Handle, double Lower, double Upper)) \
   FUNCTION(0.1, volume, void, setOverlayRendererColoringBoundaries, (VolumeRendererHandle Handle, double Lower, double Upper)) \
   FUNCTION(0.1, volume, void, setRendererSecondarySliceIndex, (VolumeRendererHandle Handle, int Index)) \
+  FUNCTION(0.2, volume, int, explainFrame, (VolumeRendererHandle Handle, char* Text, int Size)) \
   FUNCTION(0.1, volume, void, setSurface, (VolumeRendererHandle Handle, int Width, int Height, double Scale, const float* Values)) \
   FUNCTION(0.1, volume, void, setSurfaceDepths, (VolumeRendererHandle Handle, double Lower, double Upper)) \
   FUNCTION(0.1, offline, OfflineRenderingHandle, createOfflineRendering, (void)) \

@@ -21,26 +21,28 @@ extern "C" {
  */
 /** @{ */
 
-/**
- * @brief Marks the program that it stands in, at namespace scope in one file: the library writes nothing to its standard
- * output. A program on Linux that loads the library by name exports the mark to it
- * (-Wl,--export-dynamic-symbol=oct_rendering_quiet); one that is linked with it does so by itself.
- * @since 0.2
- */
+/** @cond */
 #if defined(_WIN32)
 #define OCT_QUIET_PROGRAM_EXPORT __declspec(dllexport)
 #else
 #define OCT_QUIET_PROGRAM_EXPORT __attribute__((visibility("default")))
 #endif
 #ifdef __cplusplus
-#define OCT_QUIET_PROGRAM                                            \
-  extern "C" OCT_QUIET_PROGRAM_EXPORT const int oct_rendering_quiet; \
-  const int oct_rendering_quiet = 1
+#define OCT_QUIET_PROGRAM_LINKAGE extern "C"
 #else
-#define OCT_QUIET_PROGRAM                                        \
-  extern OCT_QUIET_PROGRAM_EXPORT const int oct_rendering_quiet; \
-  const int oct_rendering_quiet = 1
+#define OCT_QUIET_PROGRAM_LINKAGE extern
 #endif
+/** @endcond */
+
+/**
+ * @brief Marks the program that it stands in, at namespace scope in one file: the library writes nothing to its standard
+ * output. A program on Linux that loads the library by name exports the mark to it
+ * (-Wl,--export-dynamic-symbol=oct_rendering_quiet); one that is linked with it does so by itself.
+ * @since 0.2
+ */
+#define OCT_QUIET_PROGRAM                                                           \
+  OCT_QUIET_PROGRAM_LINKAGE OCT_QUIET_PROGRAM_EXPORT const int oct_rendering_quiet; \
+  const int oct_rendering_quiet = 1
 
 /**
  * @brief Version of the library.
@@ -68,6 +70,53 @@ OCT_API int isRendererError(void);
  * @thread Any thread.
  */
 OCT_API int getRendererError(char* Message, int Size);
+
+/**
+ * @brief Reads and clears the pending error of the calling thread, and of no other: what a program asks after a call
+ * that has threads which fail at the same time. getRendererErrorKind() then tells its kind.
+ * @param Message As getRendererError().
+ * @param Size As getRendererError().
+ * @return OCT_RENDERER_ERROR when the thread had an error pending, else 0.
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API int getOwnRendererError(char* Message, int Size);
+
+/**
+ * @brief Tells the kind of the calling thread's pending error, or of the error that it read last when it has none
+ * pending: also after getRendererError() has taken the text, also where that was another thread's. Consumes nothing.
+ * Kinds stay the same from version to version, as the texts do; docs/errors.md has both.
+ * @return A value of OctErrorKind; OCT_ERROR_NONE on a thread without an error of its own that has read none.
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API int getRendererErrorKind(void);
+
+/**
+ * @brief What an OpenGL context has to offer; see getRendererInfo().
+ */
+typedef struct OctRendererInfo {
+  unsigned int size; /**< set by the caller to sizeof(OctRendererInfo); fields beyond it are left alone */
+  unsigned int
+      sharings; /**< bit n: surface sharing n works (OctSurfaceSharing); 0 where the library cannot draw */
+  char vendor[128];                     /**< of the driver; texts of more than 127 bytes are cut */
+  char renderer[128];                   /**< the graphics card, or what draws in its place */
+  char version[128];                    /**< of OpenGL, and of the driver after it */
+  unsigned int max_texture_size;        /**< samples along each axis of an image */
+  unsigned int max_3d_texture_size;     /**< voxels along each axis of a volume; memory may end before */
+  unsigned long long free_video_memory; /**< bytes; 0 where the driver does not tell */
+} OctRendererInfo;
+
+/**
+ * @brief Tells about the OpenGL context that is current on the calling thread, whatever its version; where none is, about
+ * one of the library's own, which is made for the question. What is current stays current.
+ * @param Info Receives it; size must be set. Size itself is never changed.
+ * @par Errors
+ * "The size of the information must be set. " for null as well. Without a context those of createOffscreenTarget().
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void getRendererInfo(OctRendererInfo* Info);
 
 /**
  * @brief Sets the file that the library log is appended to, for every process that has the library loaded.
@@ -147,8 +196,8 @@ OCT_API void setRendererTraceFile(const char* FileName);
  * @thread Any thread.
  * @since 0.2
  */
-OCT_API void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End, OctTimingFunction Instant,
-                                       void* user);
+OCT_API void setRendererTimingCallback(OctTimingFunction Begin, OctTimingFunction End,
+                                       OctTimingFunction Instant, void* user);
 
 /** @} */
 

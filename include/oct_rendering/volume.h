@@ -448,6 +448,32 @@ OCT_API void setOverlayRendererColoringBoundaries(VolumeRendererHandle Handle, d
 OCT_API void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index);
 
 /**
+ * @brief Explains a picture that is empty: says in plain words why the last frame with this renderer shows nothing or
+ * almost nothing, and what to do about it, with the numbers that count. Of several causes it names the first that
+ * suffices by itself. What counts is what the frame was drawn with, not what was set since.
+ *
+ * From any thread it tells what is known without OpenGL: whether there is a volume, whether it is shown, where it
+ * stands, what the clip plane leaves, and how the greatest value compares with the boundaries. On the rendering
+ * thread, with the renderer's context current, it draws the volume once more into a picture of its own and looks at
+ * it, if nothing has been uploaded since; there it also finds what only the pixels tell. A picture of one even colour,
+ * as all values below the boundaries give with the maximum or slices, counts as showing almost nothing; so does one in
+ * which no pixel differs from the background by more than 2 of 255 levels. The page "Empty pictures" lists the causes.
+ * @param Handle The renderer.
+ * @param Text Receives the explanation, cut to @p Size bytes with its end; "" when the frame shows something. Null:
+ * nothing is stored.
+ * @param Size Size of @p Text in bytes.
+ * @return 0: the last frame shows something, or no reason is known why it should not; 1: @p Text says why not; 0 on
+ * failure.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; on the rendering thread "An OpenGL error in explainFrame
+ * occured: ..."
+ * @thread Any thread; waits for no frame of another thread. The frames, and what the client has set in OpenGL, stay as
+ * they are.
+ * @since 0.2
+ */
+OCT_API int explainFrame(VolumeRendererHandle Handle, char* Text, int Size);
+
+/**
  * @brief Sets the surface, a height map over the two lateral axes. It is opaque and hides what lies behind it,
  * of the volume, of slices and of lines; the clip plane cuts it with the volume.
  * @param Handle The renderer.

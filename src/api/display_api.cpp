@@ -1,6 +1,7 @@
 // Exports of the display of B-scans.
 #include "api/guard_opengl.h"
 #include "api/handles.h"
+#include "api/texts.h"
 #include "display/display_renderer.h"
 #include "oct_rendering/oct_rendering.h"
 
@@ -108,4 +109,13 @@ void setDisplayOveralyColoringBoundaries(DisplayRenderingHandle Handle, int Over
 
 void setDisplayOveralyThreshold(DisplayRenderingHandle Handle, double Threshold) {
   guarded(__func__, [&] { renderer(Handle).set_overlay_threshold(Threshold); });
+}
+
+int explainDisplay(DisplayRenderingHandle Handle, char* Text, int Size) {
+  return guarded(__func__, [&] {
+    oct::api::give_text("", Text, Size);
+    const std::string explanation = renderer(Handle).explain();
+    oct::api::give_text(explanation, Text, Size);
+    return explanation.empty() ? 0 : 1;
+  });
 }

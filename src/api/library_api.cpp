@@ -1,21 +1,32 @@
 // Exports of the library itself: version, errors, log.
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "api/guard.h"
 #include "api/handles.h"
+#include "api/sized.h"
 #include "api/texts.h"
 #include "core/error_store.h"
 #include "core/log.h"
 #include "core/trace/timing_callback.h"
 #include "core/trace/trace_file.h"
+#include "hosting/surfaces/renderer_info.h"
 #include "live/brennick_data_source.h"
 #include "live/device_library.h"
 #include "oct_rendering/oct_rendering.h"
 
+using oct::ErrorKind;
 using oct::api::guarded;
 using oct::api::guarded_unposted;
 
 namespace {
+
+int give_error(const std::optional<std::string>& error, char* message, int size) {
+  if (!error) return 0;
+  oct::api::give_text(*error, message, size);
+  return OCT_RENDERER_ERROR;
+}
 
 void set_error_callback(LiveDataSourceHandle handle, oct::ErrorCallback::Function function) {
   auto& source =
@@ -24,6 +35,15 @@ void set_error_callback(LiveDataSourceHandle handle, oct::ErrorCallback::Functio
 }
 
 }  // namespace
+
+// What the store calls a kind is what clients call it.
+static_assert(static_cast<int>(ErrorKind::none) == OCT_ERROR_NONE &&
+              static_cast<int>(ErrorKind::argument) == OCT_ERROR_ARGUMENT &&
+              static_cast<int>(ErrorKind::state) == OCT_ERROR_STATE &&
+              static_cast<int>(ErrorKind::opengl) == OCT_ERROR_OPENGL &&
+              static_cast<int>(ErrorKind::memory) == OCT_ERROR_MEMORY &&
+              static_cast<int>(ErrorKind::device) == OCT_ERROR_DEVICE &&
+              static_cast<int>(ErrorKind::system) == OCT_ERROR_SYSTEM);
 
 const char* getRendererVersion(void) {
   return OCT_RENDERING_VERSION;
@@ -34,11 +54,30 @@ int isRendererError(void) {
 }
 
 int getRendererError(char* Message, int Size) {
-  return guarded_unposted([&] {
-    const auto error = oct::error_store().takeError();
-    if (!error) return 0;
-    oct::api::give_text(*error, Message, Size);
-    return OCT_RENDERER_ERROR;
+  return guarded_unposted([&] { return give_error(oct::error_store().takeError(), Message, Size); });
+}
+
+int getOwnRendererError(char* Message, int Size) {
+  return guarded_unposted([&] { return give_error(oct::error_store().take_own_error(), Message, Size); });
+}
+
+int getRendererErrorKind(void) {
+  return guarded_unposted([] { return static_cast<int>(oct::error_store().kind()); });
+}
+
+void getRendererInfo(OctRendererInfo* Info) {
+  guarded(__func__, [&] {
+    OctRendererInfo all{};
+    all.size = oct::api::size_of(Info, "The size of the information must be set. ");
+    const oct::RendererInfo info = oct::renderer_info();
+    all.sharings = info.sharings;
+    oct::api::give_text(info.vendor, all.vendor, sizeof all.vendor);
+    oct::api::give_text(info.renderer, all.renderer, sizeof all.renderer);
+    oct::api::give_text(info.version, all.version, sizeof all.version);
+    all.max_texture_size = info.max_texture_size;
+    all.max_3d_texture_size = info.max_3d_texture_size;
+    all.free_video_memory = info.free_video_memory;
+    oct::api::give(all, *Info);
   });
 }
 

@@ -1,10 +1,9 @@
 // Exports of live volumes: the live renderer and its data sources.
-#include <algorithm>
 #include <chrono>
-#include <cstring>
 
 #include "api/guard_opengl.h"
 #include "api/handles.h"
+#include "api/sized.h"
 #include "api/texts.h"
 #include "api/with_user.h"
 #include "core/object_lock.h"
@@ -240,14 +239,11 @@ void getLiveVolumeCounts(LiveVolumeRenderingHandle Handle, unsigned int* Drawn, 
 void getLiveStatistics(LiveVolumeRenderingHandle Handle, OctLiveStatistics* Statistics) {
   guarded(__func__, [&] {
     auto& rendering = checked<FastOpenGLVolumeRenderer>(Handle, invalid_renderer);
-    constexpr std::size_t smallest = 2 * sizeof(unsigned);
-    if (!Statistics || Statistics->size < smallest) {
-      throw std::invalid_argument("The size of the statistics must be set. ");
-    }
+    const unsigned size = oct::api::size_of(Statistics, "The size of the statistics must be set. ");
     const oct::LiveStatistics now = rendering.feed()->statistics();
     const oct::LiveStatistics::Latency latency = now.latency();
     const oct::LiveCounts& counts = now.counts;
-    const OctLiveStatistics all{Statistics->size,
+    const OctLiveStatistics all{size,
                                 0,
                                 counts.acquired,
                                 counts.handed_over,
@@ -260,8 +256,7 @@ void getLiveStatistics(LiveVolumeRenderingHandle Handle, OctLiveStatistics* Stat
                                 latency.median_ms,
                                 latency.p99_ms,
                                 latency.worst_ms};
-    // A client of an older header has room for fewer fields.
-    std::memcpy(Statistics, &all, std::min<std::size_t>(Statistics->size, sizeof all));
+    oct::api::give(all, *Statistics);
   });
 }
 

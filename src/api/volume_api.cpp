@@ -1,6 +1,7 @@
 // Exports of the volume renderer.
 #include "api/guard_opengl.h"
 #include "api/handles.h"
+#include "api/texts.h"
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
@@ -169,6 +170,15 @@ void setOverlayRendererColoringBoundaries(VolumeRendererHandle Handle, double Lo
 
 void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index) {
   guarded(__func__, [&] { renderer(Handle).set_secondary_slice_index(Index); });
+}
+
+int explainFrame(VolumeRendererHandle Handle, char* Text, int Size) {
+  return guarded_drawing(__func__, [&] {
+    oct::api::give_text("", Text, Size);
+    const std::string explanation = renderer(Handle).explain_frame();
+    oct::api::give_text(explanation, Text, Size);
+    return explanation.empty() ? 0 : 1;
+  });
 }
 
 void setSurface(VolumeRendererHandle Handle, int Width, int Height, double Scale, const float* Values) {

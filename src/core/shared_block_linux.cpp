@@ -1,12 +1,12 @@
 // Read and written as a file: a mapping would end the process when somebody cuts the block.
 #include "core/shared_block.h"
 
-#include <stdexcept>
-
 #include <boost/interprocess/shared_memory_object.hpp>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "core/exception.h"
 
 namespace oct {
 
@@ -49,7 +49,7 @@ SharedBlock::SharedBlock(const char* name)
   struct stat status {};
   const bool ours = fstat(mapping_->file(), &status) == 0 && S_ISREG(status.st_mode) &&
                     status.st_uid == geteuid() && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
-  if (!ours) throw std::runtime_error("The shared block belongs to somebody else. ");
+  if (!ours) throw SystemError("The shared block belongs to somebody else. ");
 }
 
 SharedBlock::~SharedBlock() = default;
@@ -65,7 +65,7 @@ SharedBlock::Bytes SharedBlock::read() const {
 void SharedBlock::write(const Bytes& bytes) {
   const FileTurn turn(mapping_->file(), LOCK_EX);
   if (pwrite(mapping_->file(), bytes.data(), size, 0) != static_cast<ssize_t>(size)) {
-    throw std::runtime_error("The shared block could not be written. ");
+    throw SystemError("The shared block could not be written. ");
   }
 }
 

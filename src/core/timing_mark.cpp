@@ -4,9 +4,9 @@
 #include <limits>
 #include <mutex>
 #include <new>
-#include <stdexcept>
 #include <thread>
 
+#include "core/exception.h"
 #include "core/platform.h"
 
 namespace oct {
@@ -77,7 +77,7 @@ void add_timing_listener(TimingListener& listener) {
     ++detail::timing_listeners;
     return;
   }
-  throw std::runtime_error("Too many listen to the timing marks. ");
+  throw StateError("Too many listen to the timing marks. ");
 }
 
 void remove_timing_listener(const TimingListener& listener) noexcept {

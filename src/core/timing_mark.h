@@ -24,7 +24,7 @@ class TimingListener {
   virtual void wait(std::string_view, Time /*begin*/, Time /*end*/) {}
 };
 
-// Hears what begins from now on. Throws std::runtime_error when there are too many listeners.
+// Hears what begins from now on. Throws a StateError when there are too many listeners.
 void add_timing_listener(TimingListener& listener);
 
 // Begins no further call of the listener, not for the ends of open marks either.

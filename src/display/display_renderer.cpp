@@ -8,6 +8,7 @@
 #include "gl/context/opengl_loader.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 #include "shaders.h"
 
 namespace oct {
@@ -133,11 +134,22 @@ void DisplayRenderer::uninit() {
 void DisplayRenderer::render() {
   if (!initialized_) {
     log() << "Renderer has not yet been initialized. Aborting rendering";
+    note_failure("it was drawn before initDisplayRendering() or after uninitDisplayRendering(). ");
     return;
   }
-  gl::require_opengl();
-  gl::require_home(home_);
-  // After an error nobody knows what any texture holds.
+  try {
+    gl::require_opengl();
+    gl::require_home(home_);
+    const gl::PassMark mark("DisplayRenderer::render");
+    draw_or_forget();
+  } catch (const std::exception& error) {
+    note_failure(error.what());
+    throw;
+  }
+}
+
+// After an error nobody knows what any texture holds.
+void DisplayRenderer::draw_or_forget() {
   try {
     draw_frame();
   } catch (...) {
@@ -146,12 +158,23 @@ void DisplayRenderer::render() {
   }
 }
 
+void DisplayRenderer::note_failure(const char* text) noexcept {
+  const std::lock_guard lock(settings_mutex_);
+  try {
+    failure_ = text;
+  } catch (const std::bad_alloc&) {
+    failure_.emplace();
+  }
+}
+
 void DisplayRenderer::draw_frame() {
   gl::throwOnGLError("render: init");
   quad_.create("Could not create OpenGL buffer.");
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());
-  const Frame frame = take_frame(viewport[2], viewport[3]);
+  const auto taken = std::make_shared<const Frame>(take_frame(viewport[2], viewport[3]));
+  const Frame& frame = *taken;
+  remember(taken);
   const Content& content = frame.content;
   if (shown_ == content && gl::KeptPicture::suits_target(content.width, content.height)) {
     if (!picture_) {
@@ -169,6 +192,13 @@ void DisplayRenderer::draw_frame() {
   }
   gl::throwOnGLError("DisplayRenderer::render");
   if (content.width > 0 && content.height > 0) shown_ = content;
+  record_timing_mark("frame end");
+}
+
+void DisplayRenderer::remember(std::shared_ptr<const Frame> frame) {
+  const std::lock_guard lock(settings_mutex_);
+  last_.swap(frame);  // the image of the one before goes after the lock
+  failure_.reset();
 }
 
 DisplayRenderer::Frame DisplayRenderer::take_frame(GLsizei width, GLsizei height) {
@@ -216,6 +246,7 @@ void DisplayRenderer::draw_base(const Frame& frame, const TextureView& image) {
   const auto samples = [](std::int64_t texels, GLsizei pixels) {
     return std::max(std::floor(static_cast<float>(texels) / static_cast<float>(pixels)), 1.0F);
   };
+  const gl::PassMark mark("draw image");
   const Content& content = frame.content;
   const LayerSettings& layer = content.layers[0].settings;
   const ImageExtent& extent = image.extent;
@@ -242,6 +273,7 @@ void DisplayRenderer::draw_overlays(const Frame& frame, const TextureView& image
   const auto shown = [](const Layer& layer) { return layer.settings.enabled; };
   if (std::none_of(layers.begin() + 1, layers.end(), shown)) return;
 
+  const gl::PassMark mark("draw overlays");
   const TextureView overlay = overlay_data_.upload(*frame.overlay_image, TexelLayout::single);
   const OverlayProgram& program = built(overlay_, image.layout);
   const gl::Blending blending;

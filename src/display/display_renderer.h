@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 
 #include "display/filters.h"
 #include "display/simple_data_provider.h"
@@ -38,6 +39,9 @@ class DisplayRenderer {
   void init();
   void uninit();
   void render();
+
+  // In plain words why the last frame shows nothing or one colour only; empty when it shows something. Any thread.
+  std::string explain() const;
 
   void set_data(const ImageExtent& extent, const float* data) { display_data_.set_data(extent, data); }
   void set_blur(bool first, bool second);
@@ -97,7 +101,7 @@ class DisplayRenderer {
     bool operator==(const Content&) const = default;
   };
 
-  // What one frame is drawn with.
+  // What one frame is drawn with. Never changes after it.
   struct Frame {
     Content content;
     Image image;
@@ -132,7 +136,12 @@ class DisplayRenderer {
   void release();
   void release_textures();
   Frame take_frame(GLsizei width, GLsizei height);
+  static std::string cause(const Frame& frame);
+  static bool overlay_shows(const Frame& frame);
   void draw_frame();
+  void draw_or_forget();
+  void remember(std::shared_ptr<const Frame> frame);
+  void note_failure(const char* text) noexcept;
   TextureView upload(const Frame& frame);
   void clear(const Frame& frame) const;
   void draw(const Frame& frame, const TextureView& image);
@@ -144,7 +153,7 @@ class DisplayRenderer {
   SimpleDataProvider overlay_data_;
   FilterChain filters_;
 
-  std::mutex settings_mutex_;  // never held across OpenGL
+  mutable std::mutex settings_mutex_;  // never held across OpenGL
   Settings settings_;
   std::array<Layer, layer_count> layers_;
 
@@ -154,6 +163,9 @@ class DisplayRenderer {
   std::array<ColormapTexture, layer_count> colormap_textures_;
   std::optional<Content> shown_;  // by the last frame
   gl::KeptPicture picture_;       // of that
+  // Of the last frame, under the mutex of the settings.
+  std::shared_ptr<const Frame> last_;   // null: there was none
+  std::optional<std::string> failure_;  // none: it did not fail
   std::atomic<bool> initialized_{false};
   gl::ContextIdentity home_ = gl::no_context;  // where it was initialised
 };

@@ -1,11 +1,13 @@
 #include "display/filters.h"
 
-#include <stdexcept>
 #include <string>
 
+#include "core/exception.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/pass_mark.h"
 #include "shaders.h"
 
 namespace oct {
@@ -20,7 +22,7 @@ void FilterChain::Pass::init(const char* name, const char* fragment_source) {
 void FilterChain::Output::create(const ImageExtent& texels) {
   if (!texture) texture = gl::Texture::create();
   if (!framebuffer) framebuffer = gl::Framebuffer::create();
-  if (!texture || !framebuffer) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture || !framebuffer) throw OpenGLError("Invalid texture for rendering....");
   glBindTexture(GL_TEXTURE_2D, texture.get());
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
@@ -29,6 +31,8 @@ void FilterChain::Output::create(const ImageExtent& texels) {
   glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, static_cast<GLsizei>(texels.depth),
                static_cast<GLsizei>(texels.a_scans), 0, GL_RGBA, GL_FLOAT, nullptr);
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer.get());
+  gl::label(texture, "filtered image");
+  gl::label(framebuffer, "filtered image");
   glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.get(), 0);
 }
 
@@ -68,6 +72,7 @@ TextureView FilterChain::run(const TextureView& input, std::uint64_t revision, c
   if (source_ == source && outputs_[last_].texture) return view();
   source_.reset();
 
+  const gl::PassMark mark("filter image");
   const gl::DrawTargetGuard target;
   const gl::ScopedDisable whole{GL_SCISSOR_TEST};  // the client's counts in the client's target
   glActiveTexture(GL_TEXTURE0);

@@ -6,8 +6,11 @@
 #include <stdexcept>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 namespace {
@@ -123,9 +126,10 @@ void SimpleDataProvider::resize(const ImageExtent& extent, TexelLayout layout) {
   const GLint internal_format = single ? (whole ? GL_R32F : GL_R16F) : (whole ? GL_RGBA32F : GL_RGBA16F);
   const ImageExtent texels = texels_of(extent, layout);
   texture_ = gl::Texture::create();
-  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
+  gl::label(texture_, "image");
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
@@ -143,6 +147,7 @@ TextureView SimpleDataProvider::upload(const Image& image, TexelLayout layout) {
   if (!texture_ || extent != extent_ || layout != layout_) resize(extent, layout);
   const TextureView view{texture_.get(), extent, layout};
   if (uploaded_ == image.revision) return view;
+  const gl::PassMark mark("upload image");
   uploaded_ = 0;  // the texture is about to be spoilt
   const ImageExtent texels = texels_of(extent, layout);
   glActiveTexture(GL_TEXTURE0);

@@ -4,8 +4,10 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
 
 namespace oct {
 
@@ -27,6 +29,7 @@ void upload_colormap(gl::Texture& texture, const Colormap& colormap) {
   glActiveTexture(GL_TEXTURE0);
   if (!texture) texture = gl::Texture::create();
   glBindTexture(GL_TEXTURE_1D, texture.get());
+  gl::label(texture, "colour map");
   glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
   glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
   glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
@@ -46,7 +49,7 @@ bool ColormapTexture::upload(const RevisedColormap& colormap) {
   if (texture_ && uploaded_ == colormap.revision()) return false;
   uploaded_ = 0;  // the texture is about to be spoilt
   if (!texture_) texture_ = gl::Texture::create();
-  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   upload_colormap(texture_, colormap.colors());
   gl::throwOnGLError("render: colormap changed");
   uploaded_ = colormap.revision();

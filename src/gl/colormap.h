@@ -42,7 +42,7 @@ class RevisedColormap {
 // The texture of a map that changes.
 class ColormapTexture {
  public:
-  // Uploads the map unless it is there; true when it did. When OpenGL refuses, std::runtime_error is thrown
+  // Uploads the map unless it is there; true when it did. When OpenGL refuses, an OpenGLError is thrown
   // and the next call tries again.
   bool upload(const RevisedColormap& colormap);
   void release();

@@ -60,6 +60,25 @@ class DepthClamp {
   DepthClamp& operator=(const DepthClamp&) = delete;
 };
 
+// Draws into a part of the target only.
+class Scissor {
+ public:
+  Scissor(GLint x, GLint y, GLsizei width, GLsizei height) {
+    glGetIntegerv(GL_SCISSOR_BOX, before_.data());
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(x, y, width, height);
+  }
+  ~Scissor() {
+    glScissor(before_[0], before_[1], before_[2], before_[3]);
+    glDisable(GL_SCISSOR_TEST);
+  }
+  Scissor(const Scissor&) = delete;
+  Scissor& operator=(const Scissor&) = delete;
+
+ private:
+  std::array<GLint, 4> before_{};
+};
+
 // Moves polygons away from the eye, so that lines on them are seen.
 class PolygonOffset {
  public:

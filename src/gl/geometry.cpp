@@ -1,10 +1,11 @@
 #include "gl/geometry.h"
 
 #include <array>
-#include <stdexcept>
 #include <utility>
 
+#include "core/exception.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/debugging.h"
 
 namespace oct::gl {
 namespace {
@@ -12,7 +13,7 @@ namespace {
 template <class Name>
 void provide(Name& name) {
   if (!name) name = Name::create();
-  if (!name) throw std::runtime_error("Could not create OpenGL buffer. ");
+  if (!name) throw OpenGLError("Could not create OpenGL buffer. ");
 }
 
 }  // namespace
@@ -38,6 +39,8 @@ void Geometry::describe(Buffer& buffer, Fields fields, GLsizei stride) {
                           reinterpret_cast<const void*>(field.offset * sizeof(float)));
     glEnableVertexAttribArray(field.attribute);
   }
+  label(vertex_array_, what_);
+  label(described, what_);
   throwOnGLError("Geometry::describe");
   buffer = std::move(described);
 }
@@ -63,6 +66,7 @@ void Geometry::set_indices(std::span<const std::uint32_t> indices) {
   provide(indices_);
   glBindVertexArray(vertex_array_.get());
   glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_.get());  // belongs to the vertex array
+  label(indices_, what_);
   glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size_bytes()), indices.data(),
                GL_DYNAMIC_DRAW);
 }

@@ -18,8 +18,10 @@ struct PlacedVertex {
 
 class Geometry {
  public:
+  explicit Geometry(const char* what) : what_(what) {}  // for debuggers
+
   // Attribute 0. The first call makes the buffer and says what is in it, which later calls replace by more of the same
-  // kind. Throws std::runtime_error, "Could not create OpenGL buffer. " when OpenGL gives none. What OpenGL says to the
+  // kind. Throws OpenGLError "Could not create OpenGL buffer. " when OpenGL gives none. What OpenGL says to the
   // contents is the caller's to ask.
   void set_vertices(std::span<const glm::vec2> vertices);
   void set_vertices(std::span<const glm::vec3> vertices);
@@ -53,6 +55,7 @@ class Geometry {
   void set(Buffer& buffer, Fields fields, std::span<const Vertex> vertices);
   void describe(Buffer& buffer, Fields fields, GLsizei stride);
 
+  const char* const what_;
   Buffer vertices_;
   Buffer attribute_;
   Buffer indices_;

@@ -52,6 +52,7 @@ class Name {
 };
 
 struct TextureKind {
+  static constexpr GLenum identifier = GL_TEXTURE;
   static GLuint create() {
     GLuint name = 0;
     glGenTextures(1, &name);
@@ -61,6 +62,7 @@ struct TextureKind {
 };
 
 struct BufferKind {
+  static constexpr GLenum identifier = GL_BUFFER;
   static GLuint create() {
     GLuint name = 0;
     glGenBuffers(1, &name);
@@ -70,6 +72,7 @@ struct BufferKind {
 };
 
 struct VertexArrayKind {
+  static constexpr GLenum identifier = GL_VERTEX_ARRAY;
   static GLuint create() {
     GLuint name = 0;
     glGenVertexArrays(1, &name);
@@ -79,6 +82,7 @@ struct VertexArrayKind {
 };
 
 struct FramebufferKind {
+  static constexpr GLenum identifier = GL_FRAMEBUFFER;
   static GLuint create() {
     GLuint name = 0;
     glGenFramebuffers(1, &name);
@@ -88,6 +92,7 @@ struct FramebufferKind {
 };
 
 struct RenderbufferKind {
+  static constexpr GLenum identifier = GL_RENDERBUFFER;
   static GLuint create() {
     GLuint name = 0;
     glGenRenderbuffers(1, &name);
@@ -97,13 +102,25 @@ struct RenderbufferKind {
 };
 
 struct ShaderObjectKind {
+  static constexpr GLenum identifier = GL_SHADER;
   static GLuint create(GLenum stage) { return glCreateShader(stage); }
   static void destroy(GLuint name) { glDeleteShader(name); }
 };
 
 struct ProgramKind {
+  static constexpr GLenum identifier = GL_PROGRAM;
   static GLuint create() { return glCreateProgram(); }
   static void destroy(GLuint name) { glDeleteProgram(name); }
+};
+
+struct QueryKind {
+  static constexpr GLenum identifier = GL_QUERY;
+  static GLuint create() {
+    GLuint name = 0;
+    glGenQueries(1, &name);
+    return name;
+  }
+  static void destroy(GLuint name) { glDeleteQueries(1, &name); }
 };
 
 using Texture = Name<TextureKind>;
@@ -113,5 +130,6 @@ using Framebuffer = Name<FramebufferKind>;
 using Renderbuffer = Name<RenderbufferKind>;
 using ShaderObject = Name<ShaderObjectKind>;
 using Program = Name<ProgramKind>;
+using Query = Name<QueryKind>;
 
 }  // namespace oct::gl

@@ -1,8 +1,9 @@
 #include "gl/kept_picture.h"
 
-#include <stdexcept>
-
+#include "core/exception.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct::gl {
 namespace {
@@ -74,7 +75,7 @@ void KeptPicture::make(GLsizei width, GLsizei height, GLenum depth) {
   color_ = Texture::create();
   if (depth != GL_NONE) depth_ = Texture::create();
   if (!framebuffer_ || !color_ || (depth != GL_NONE && !depth_))
-    throw std::runtime_error("Invalid texture for rendering....");
+    throw OpenGLError("Invalid texture for rendering....");
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, color_.get());
   reset_pixel_unpack();
@@ -93,12 +94,16 @@ void KeptPicture::make(GLsizei width, GLsizei height, GLenum depth) {
                            GL_TEXTURE_2D, depth_.get(), 0);
   }
   glBindTexture(GL_TEXTURE_2D, 0);
+  label(framebuffer_, "kept picture");
+  label(color_, "kept picture");
+  label(depth_, "depths of the kept picture");
   width_ = width;
   height_ = height;
   depth_format_ = depth;
 }
 
 void KeptPicture::copy_to(const std::array<GLint, 4>& viewport) const {
+  const PassMark mark("copy the kept picture");
   const GLint x = viewport[0];
   const GLint y = viewport[1];
   const auto before = static_cast<GLuint>(asked(GL_READ_FRAMEBUFFER_BINDING));
@@ -106,6 +111,18 @@ void KeptPicture::copy_to(const std::array<GLint, 4>& viewport) const {
   glBlitFramebuffer(0, 0, width_, height_, x, y, x + width_, y + height_,
                     GL_COLOR_BUFFER_BIT | (depth_ ? GL_DEPTH_BUFFER_BIT : 0U), GL_NEAREST);
   glBindFramebuffer(GL_READ_FRAMEBUFFER, before);
+}
+
+std::vector<std::uint8_t> KeptPicture::pixels() const {
+  std::vector<std::uint8_t> bytes(std::size_t{4} * static_cast<std::size_t>(width_) *
+                                  static_cast<std::size_t>(height_));
+  const ClientPack pack;
+  reset_pixel_pack();
+  const auto before = static_cast<GLuint>(asked(GL_READ_FRAMEBUFFER_BINDING));
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_.get());
+  glReadPixels(0, 0, width_, height_, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, before);
+  return bytes;
 }
 
 void KeptPicture::release() {

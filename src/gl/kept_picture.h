@@ -2,7 +2,9 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "gl/draw_state.h"
 #include "gl/gl_names.h"
@@ -36,6 +38,9 @@ class KeptPicture {
 
   // Colours and depth into the draw target, pixel by pixel.
   void copy_to(const std::array<GLint, 4>& viewport) const;
+
+  // Four bytes a pixel, the bottom row first.
+  std::vector<std::uint8_t> pixels() const;
 
   void forget() { kept_ = false; }  // what it shows; the memory serves the next
   void release();

@@ -1,10 +1,10 @@
 #include "gl/opengl_error.h"
 
 #include <array>
-#include <stdexcept>
 #include <string>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "gl/context/current_context.h"
 
 namespace oct::gl {
@@ -40,9 +40,13 @@ const char* error_text(GLenum code) {
   return index < error_texts.size() ? error_texts[index] : "Unknown OpenGL Error";
 }
 
+ErrorKind kind_of(GLenum code) {
+  return code == GL_OUT_OF_MEMORY ? ErrorKind::memory : ErrorKind::opengl;
+}
+
 void throwOnGLError(std::string where) {
   const GLenum code = glGetError();
-  if (code != GL_NO_ERROR) throw std::runtime_error(message(where, code) + '\n');
+  if (code != GL_NO_ERROR) throw Exception(kind_of(code), message(where, code) + '\n');
 }
 
 void printGLError(std::string where) {

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "core/exception.h"
 #include "gl/gl.h"
 
 namespace oct::gl {
@@ -10,7 +11,9 @@ namespace oct::gl {
 // Text of an error code with OpenGL's name for it in parentheses.
 const char* error_text(GLenum code);
 
-// Reads the error flag once and throws std::runtime_error when it is set. Further queued errors stay for the
+ErrorKind kind_of(GLenum code);
+
+// Reads the error flag once and throws an Exception of the code's kind when it is set. Further queued errors stay for the
 // next checkpoint.
 void throwOnGLError(std::string where);
 

@@ -7,7 +7,7 @@ namespace oct::gl {
 
 class Quad {
  public:
-  // Throws std::runtime_error with the given text when OpenGL gives no buffer.
+  // Throws an OpenGLError with the given text when OpenGL gives no buffer.
   // Does nothing when already made.
   void create(const char* failure);
   void release();

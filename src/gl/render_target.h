@@ -2,6 +2,7 @@
 #pragma once
 
 #include "gl/gl_names.h"
+#include "gl/trace/debugging.h"
 
 namespace oct::gl {
 
@@ -23,6 +24,9 @@ struct RenderTarget {
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer.get());
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color.get());
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, depth.get());
+    label(framebuffer, "render target");
+    label(color, "render target");
+    label(depth, "render target");
   }
 
   void reset() {

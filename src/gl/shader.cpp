@@ -1,12 +1,12 @@
 #include "gl/shader.h"
 
-#include <stdexcept>
 #include <vector>
 
 #include "core/exception.h"
 #include "core/log.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/debugging.h"
 
 namespace oct::gl {
 namespace {
@@ -28,7 +28,7 @@ void check_compiled(const ShaderObject& shader, const char* failure) {
   std::vector<GLchar> text(static_cast<std::size_t>(length) + 1, '\0');
   glGetShaderInfoLog(shader.get(), length, nullptr, text.data());
   log() << "Shader compilation failed: " << text.data();
-  throw Exception(failure);
+  throw OpenGLError(failure);
 }
 
 std::string link_log(const Program& program) {
@@ -71,6 +71,7 @@ void Shader::load_to_program(const std::string& name, const std::string& vertexS
   const ProgramKey key{{fragmentSource.size(), vertexSource.size()}, name, driver_name()};
   if (load_binary(key)) return;
   compile_and_link(vertexSource, fragmentSource);
+  label(program_, name);
   keep_binary(program_, key);
 }
 
@@ -80,6 +81,7 @@ bool Shader::load_binary(const ProgramKey& key) {
   program_ = Program::create();
   glProgramBinary(program_.get(), binary->format, binary->bytes.data(),
                   static_cast<GLsizei>(binary->bytes.size()));
+  label(program_, key.name);
   throwOnGLError("BinaryShader::load_to_program");
   // A driver may refuse a binary without raising an error, as when one of the same name was updated meanwhile. It
   // then holds no executable for the program, and the sources are compiled again.
@@ -103,7 +105,7 @@ void Shader::compile_and_link(const std::string& vertexSource, const std::string
   if (status != GL_TRUE) {
     log() << "Linking failed. ";
     log() << link_log(program_);
-    throw Exception("");
+    throw OpenGLError("");
   }
   vertex_shader_.reset();
   fragment_shader_.reset();
@@ -116,7 +118,7 @@ void Shader::release() {
 }
 
 void Shader::use() const {
-  if (!program_) throw std::runtime_error("Program has not been compiled yet.");
+  if (!program_) throw StateError("Program has not been compiled yet.");
   glUseProgram(program_.get());
 }
 

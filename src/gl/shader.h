@@ -26,7 +26,7 @@ class Shader {
 
   GLuint program() const { return program_.get(); }
 
-  // Makes the program the current one; throws std::runtime_error "Program has not been compiled yet.".
+  // Makes the program the current one; throws StateError "Program has not been compiled yet.".
   void use() const;
 
   // Location of a uniform. A missing one (-1, which OpenGL ignores when it is

@@ -4,8 +4,10 @@
 #include <stdexcept>
 #include <string>
 
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
 #include "vec/vec.h"
 
 namespace oct::gl {
@@ -63,13 +65,13 @@ void Texture3D::require(const VolumeExtent& extent, GLenum internal_format) {
 void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint,
                          const float* data) {
   require(extent, internal_format);
-  SliceRevisions revisions;
-  revisions.restart(extent.b_scans);
+  auto revisions = std::make_shared<SliceRevisions>();
+  revisions->restart(extent.b_scans);
   std::vector<std::uint16_t> halves;
   if (internal_format == GL_R16F) halves.resize(static_cast<std::size_t>(extent.depth * extent.a_scans));
   Texture texture = Texture::create();
   if (!texture) {
-    throw std::runtime_error(memory_text(extent, internal_format) + "which the driver could not provide. ");
+    throw MemoryError(memory_text(extent, internal_format) + "which the driver could not provide. ");
   }
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_3D, texture.get());
@@ -89,11 +91,11 @@ void Texture3D::allocate(const VolumeExtent& extent, GLenum internal_format, con
   }
   try {
     throwOnGLError(checkpoint);
-  } catch (const std::runtime_error& error) {
+  } catch (const Exception& error) {
     discard_gl_errors();
     glBindTexture(GL_TEXTURE_3D, 0);
-    throw std::runtime_error(std::string(error.what()) + " " + memory_text(extent, internal_format) +
-                             "which the driver could not provide. ");
+    throw Exception(error.kind(), std::string(error.what()) + " " + memory_text(extent, internal_format) +
+                                      "which the driver could not provide. ");
   }
   texture_ = std::move(texture);
   extent_ = extent;
@@ -121,14 +123,18 @@ void Texture3D::upload_b_scans(std::int64_t first, std::int64_t count, const flo
                     static_cast<GLsizei>(extent_.depth), static_cast<GLsizei>(extent_.a_scans), 1, GL_RED,
                     halves_.empty() ? GL_FLOAT : GL_HALF_FLOAT, b_scan);
     throwOnGLError(checkpoint);
-    revisions_.changed(first + k, first + k + 1);
+    revisions_->changed(first + k, first + k + 1);
   }
+}
+
+void Texture3D::label(std::string_view text) const {
+  gl::label(texture_, text);
 }
 
 void Texture3D::reset() {
   texture_.reset();
   extent_ = {};
-  revisions_ = {};
+  revisions_.reset();
   halves_ = {};
 }
 

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 #include "core/extent.h"
@@ -17,7 +19,7 @@ class Texture3D {
   static void require(const VolumeExtent& extent, GLenum internal_format);
 
   // A new texture of undefined contents, or of the given data, in place of the one before. After a failure
-  // (std::runtime_error) everything is as it was. Leaves it bound at unit 0.
+  // (MemoryError, OpenGLError) everything is as it was. Leaves it bound at unit 0.
   void allocate(const VolumeExtent& extent, GLenum internal_format, const char* checkpoint,
                 const float* data = nullptr);
 
@@ -38,9 +40,11 @@ class Texture3D {
   // OpenGL refuses: the B-scans before that one have changed, and no other.
   void upload_b_scans(std::int64_t first, std::int64_t count, const float* data, const char* checkpoint);
   // For those who copy the whole texture themselves.
-  void all_changed() { revisions_.changed(0, revisions_.count()); }
-  const SliceRevisions& revisions() const { return revisions_; }
+  void all_changed() { revisions_->changed(0, revisions_->count()); }
+  // Of the texture that there is, which alone owns them: they end with it. Null without one.
+  std::shared_ptr<const SliceRevisions> revisions() const { return revisions_; }
 
+  void label(std::string_view text) const;  // for debuggers
   void reset();
 
   GLuint get() const { return texture_.get(); }
@@ -50,7 +54,7 @@ class Texture3D {
  private:
   Texture texture_;
   VolumeExtent extent_;
-  SliceRevisions revisions_;
+  std::shared_ptr<SliceRevisions> revisions_;
   std::vector<std::uint16_t> halves_;  // one B-scan on its way into a texture of half floats
 };
 

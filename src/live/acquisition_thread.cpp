@@ -12,8 +12,8 @@ std::system_error deadlock() {
   return std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
 }
 
-Exception already_running() {
-  return Exception("BrennickDataSource already running");
+StateError already_running() {
+  return StateError("BrennickDataSource already running");
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ BrennickDataSource::~BrennickDataSource() {
 }
 
 void BrennickDataSource::start(std::shared_ptr<LiveFeed> feed, ScanPatternHandle pattern) {
-  if (!feed) throw Exception("Wrong order of execution");
+  if (!feed) throw StateError("Wrong order of execution");
   thread_.start([&](AcquisitionThread::Run run) {
     // A live renderer that a measurement left running when it ended by itself.
     if (feed_ && feed_ != feed) feed_->stop(std::exchange(claim_, no_claim));
@@ -184,9 +184,15 @@ void BrennickDataSource::acquire() {
 
   ErrorPause pause;
   while (thread_.going_on()) {
-    sequence.fetch();
+    {
+      const TimingMark mark("fetch volume");
+      sequence.fetch();
+    }
     if (cancelled_) break;
-    sequence.process();
+    {
+      const TimingMark mark("process volume");
+      sequence.process();
+    }
     processed = std::chrono::steady_clock::now();
     measurement.set_data_range();
     measurement.show_range(*feed_, claim_);
@@ -199,7 +205,7 @@ void BrennickDataSource::acquire() {
     } else {
       thread_.pause(pause.next());
     }
-    if (feed_->is_gone()) throw Exception("The live renderer of the source was cleared. ");
+    if (feed_->is_gone()) throw StateError("The live renderer of the source was cleared. ");
   }
   if (cancelled_) report_device_error();
 }

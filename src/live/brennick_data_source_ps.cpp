@@ -1,8 +1,7 @@
 #include "live/brennick_data_source_ps.h"
 
 #include <algorithm>
-
-#include "core/exception.h"
+#include <stdexcept>
 
 namespace oct {
 
@@ -19,7 +18,7 @@ BrennickDataSource_PS::BrennickDataSource_PS(const std::shared_ptr<const DeviceL
       settings_(settings) {}
 
 void BrennickDataSource_PS::set_analog_input(bool enabled) {
-  if (enabled) throw Exception("Analog input not supported in PS Live mode.");
+  if (enabled) throw std::invalid_argument("Analog input not supported in PS Live mode.");
 }
 
 void BrennickDataSource_PS::set_output_mode(std::int32_t mode) {

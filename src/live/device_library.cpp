@@ -3,14 +3,15 @@
 #include <mutex>
 #include <stdexcept>
 
+#include "core/exception.h"
 #include "core/immortal.h"
 #include "module/shared_library.h"
 
 namespace oct {
 namespace {
 
-std::runtime_error missing(const std::string& library, const std::string& function) {
-  return std::runtime_error("The device library \"" + library + "\" has no function \"" + function + "\". ");
+DeviceError missing(const std::string& library, const std::string& function) {
+  return DeviceError("The device library \"" + library + "\" has no function \"" + function + "\". ");
 }
 
 template <class Function>
@@ -23,8 +24,7 @@ SharedLibrary load(const std::string& name) {
   try {
     return SharedLibrary(name);
   } catch (const std::runtime_error& error) {
-    throw std::runtime_error("The device library \"" + name + "\" could not be loaded: " + error.what() +
-                             " ");
+    throw DeviceError("The device library \"" + name + "\" could not be loaded: " + error.what() + " ");
   }
 }
 

@@ -14,7 +14,7 @@ struct DeviceLibrary {
   std::string name;
   std::string missing_polarization_function;  // the first one that the library lacks; empty: none
 
-  // Throws std::runtime_error unless the library serves devices with two sensors.
+  // Throws a DeviceError unless the library serves devices with two sensors.
   void require_polarization() const;
 };
 
@@ -22,7 +22,7 @@ struct DeviceLibrary {
 // keep the one they were made with.
 void set_device_library_name(const char* name_or_path);
 
-// Binds the library at the first call. Throws std::runtime_error that names the library and, if that is what
+// Binds the library at the first call. Throws a DeviceError that names the library and, if that is what
 // it lacks, the function; the next call then tries again.
 std::shared_ptr<const DeviceLibrary> device_library();
 

@@ -7,6 +7,7 @@
 #include "core/log.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 #include "volume/volume_renderer.h"
 
 namespace oct {
@@ -59,8 +60,10 @@ void FastOpenGLVolumeRenderer::render_stop(const LiveFeed::Request& request) {
 
 void FastOpenGLVolumeRenderer::render_running(const LiveFeed::Request& request) {
   gl::require_home(home_);
+  const gl::PassMark mark("render live volume");
   log() << "Rendering: ";
   const bool volume = feed_->collect(delivery_) && take_back_volume();
+  if (volume) record_timing_wait("volume waits for a frame", delivery_.processed);
   // The source fills the other buffer while the driver reads this one.
   std::exception_ptr failure;
   try {
@@ -111,7 +114,7 @@ void FastOpenGLVolumeRenderer::lend_buffer(LiveClaim claim) {
   float* const data = upload_.map();
   if (!data) {
     log() << "Ptr is invalid. ";
-    throw Exception("This is an error.");
+    throw OpenGLError("This is an error.");
   }
   feed_->offer(claim, data);
   log() << "Set event succeeded. (render function) ";
@@ -128,12 +131,16 @@ VolumeSource FastOpenGLVolumeRenderer::source() {
   if (upload_.secondary() != 0) {
     source.secondary = upload_.secondary();
     source.secondary_slice_count = secondary_width_;
-    source.secondary_revision = upload_.revisions().newest();  // they come together
+    source.secondary_revisions = upload_.revisions();  // they come together
   }
   // Until the first volume has come the texture holds what the driver left in it.
-  if (!uploaded_) return source;
+  if (!uploaded_) {
+    source.lack = VolumeLack::no_live_volume;
+    return source;
+  }
   source.volume = upload_.volume();
-  source.volume_revisions = &upload_.revisions();
+  source.extent = upload_.extent();
+  source.volume_revisions = upload_.revisions();
   source.volume_maxima = maxima_.get();
   source.empty_space = &empty_space_;
   source.slice_count = static_cast<int>(upload_.extent().a_scans);

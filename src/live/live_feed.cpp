@@ -36,7 +36,7 @@ LiveClaim LiveFeed::start(const LiveFormat& format) {
   log() << "Start called";
   const std::lock_guard in_use(renderer_mutex_);  // the source before has finished with the volume renderer
   const std::lock_guard lock(mutex_);
-  if (gone_) throw Exception("The live renderer of the source was cleared. ");
+  if (gone_) throw StateError("The live renderer of the source was cleared. ");
   claim_ = ++last_claim_;
   format_ = format;
   request(LiveState::initialize);
@@ -62,7 +62,7 @@ bool LiveFeed::wait_for_transition(LiveClaim claim) {
   std::unique_lock lock(mutex_);
   changed_.wait(lock, [&] { return !holds(claim) || completed_ || !failure_.empty(); });
   if (!holds(claim)) return false;
-  if (!completed_) throw Exception(failure_);
+  if (!completed_) throw StateError(failure_);
   return true;
 }
 

@@ -13,8 +13,8 @@ namespace oct {
 namespace {
 
 // The device has changed its mind about a size.
-Exception insufficient() {
-  return Exception("Insufficient memory allocated.");
+DeviceError insufficient() {
+  return DeviceError("Insufficient memory allocated.");
 }
 
 // A lent buffer: goes back without a volume unless it was filled.

@@ -2,6 +2,8 @@
 
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 namespace {
@@ -16,6 +18,7 @@ void unbind_buffer() {
 
 void VolumeUpload::allocate(const VolumeExtent& extent) {
   volume_.allocate(extent, format, "FastOpenGLVolumeRenderer::initialize");
+  volume_.label("live volume");
   for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R}) {
     glTexParameteri(GL_TEXTURE_3D, wrap, GL_CLAMP_TO_BORDER);
   }
@@ -24,6 +27,7 @@ void VolumeUpload::allocate(const VolumeExtent& extent) {
     buffer.name = gl::Buffer::create();
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer.name.get());
     glBufferData(GL_PIXEL_UNPACK_BUFFER, bytes(), nullptr, GL_STREAM_DRAW);
+    gl::label(buffer.name, "live volume on its way");
   }
   unbind_buffer();
 }
@@ -31,6 +35,7 @@ void VolumeUpload::allocate(const VolumeExtent& extent) {
 void VolumeUpload::allocate_secondary() {
   if (!secondary_) secondary_ = gl::Texture::create();
   glBindTexture(GL_TEXTURE_3D, secondary_.get());
+  gl::label(secondary_, "analog input");
   for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER}) {
     glTexParameteri(GL_TEXTURE_3D, filter, GL_LINEAR);
   }
@@ -88,6 +93,7 @@ bool VolumeUpload::take_back() {
 }
 
 void VolumeUpload::upload(const char* checkpoint) {
+  const gl::PassMark mark("upload live volume");
   const VolumeExtent& extent = volume_.extent();
   gl::reset_pixel_unpack();
   const auto binding = volume_.bind();

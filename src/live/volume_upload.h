@@ -33,7 +33,7 @@ class VolumeUpload {
 
   GLuint volume() const { return volume_.get(); }
   GLuint secondary() const { return secondary_.get(); }
-  const gl::SliceRevisions& revisions() const { return volume_.revisions(); }
+  std::shared_ptr<const gl::SliceRevisions> revisions() const { return volume_.revisions(); }
   const VolumeExtent& extent() const { return volume_.extent(); }
 
  private:

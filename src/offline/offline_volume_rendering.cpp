@@ -2,9 +2,11 @@
 
 #include <stdexcept>
 
+#include "core/exception.h"
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 namespace {
@@ -34,15 +36,26 @@ void OfflineVolumeRendering::set_aspect_ratio(float axial, float lateral1, float
 }
 
 void OfflineVolumeRendering::allocate(const VolumeExtent& extent) {
-  const TimingMark mark("allocating volume on GPU");
+  const gl::PassMark mark("allocating volume on GPU");
   refused_ = true;
-  if (!renderer_) throw std::invalid_argument("Attach a volume renderer before allocating a volume. ");
+  refusal_.reset();
+  try {
+    allocate_texture(extent);
+  } catch (const std::exception& error) {
+    refusal_ = std::make_shared<const std::string>(error.what());
+    throw;
+  }
+}
+
+void OfflineVolumeRendering::allocate_texture(const VolumeExtent& extent) {
+  if (!renderer_) throw StateError("Attach a volume renderer before allocating a volume. ");
   gl::require_opengl();
   if (!volume_ || extent != volume_.extent()) {
     const bool replaced = static_cast<bool>(volume_);
     glEnable(GL_DEPTH_TEST);
     glDisable(GL_CULL_FACE);
     volume_.allocate(extent, volume_format, "OfflineVolumeRendering::allocate, glTexImage3D");
+    volume_.label("volume");
     glBindTexture(GL_TEXTURE_3D, 0);
     filled_.reset();
     overlay_.reset();
@@ -53,7 +66,7 @@ void OfflineVolumeRendering::allocate(const VolumeExtent& extent) {
 }
 
 void OfflineVolumeRendering::require_volume() const {
-  if (!volume_ || refused_) throw std::invalid_argument("Allocate a volume before uploading one. ");
+  if (!volume_ || refused_) throw StateError("Allocate a volume before uploading one. ");
 }
 
 void OfflineVolumeRendering::require_b_scans(std::int64_t first, std::int64_t end) const {
@@ -69,7 +82,7 @@ void OfflineVolumeRendering::volume_filled(float fraction) {
 }
 
 void OfflineVolumeRendering::upload(const float* volume) {
-  const TimingMark mark("upload offline volume");
+  const gl::PassMark mark("upload offline volume");
   if (!volume) throw std::invalid_argument("Volume data must not be null. ");
   gl::require_opengl();
   require_volume();
@@ -79,7 +92,7 @@ void OfflineVolumeRendering::upload(const float* volume) {
 }
 
 void OfflineVolumeRendering::upload_sub_volume(int first, int end, const float* block) {
-  const TimingMark mark("partial upload offline volume");
+  const gl::PassMark mark("partial upload offline volume");
   if (!block) {
     filled_ = 0.0F;
     return;
@@ -94,7 +107,7 @@ void OfflineVolumeRendering::upload_sub_volume(int first, int end, const float* 
 }
 
 void OfflineVolumeRendering::upload_slice(int index, const float* slice) {
-  const TimingMark mark("single slice upload offline volume");
+  const gl::PassMark mark("single slice upload offline volume");
   if (!slice) throw std::invalid_argument("Slice data must not be null. ");
   gl::require_opengl();
   require_b_scans(index, std::int64_t{index} + 1);
@@ -112,16 +125,17 @@ void OfflineVolumeRendering::upload_overlay(const float* volume) {
   }
   require_volume();
   if (!overlay_ || overlay_.extent() != volume_.extent()) {
-    const TimingMark mark("OfflineVolumeRendering::allocate_overlay");
+    const gl::PassMark mark("OfflineVolumeRendering::allocate_overlay");
     overlay_.allocate(volume_.extent(), volume_format, "OfflineVolumeRendering::allocate_overlay");
+    overlay_.label("overlay of the volume");
   }
-  const TimingMark mark("OfflineVolumeRendering::upload_overlay");
+  const gl::PassMark mark("OfflineVolumeRendering::upload_overlay");
   const auto binding = overlay_.bind();
   overlay_.upload_b_scans(0, overlay_.extent().b_scans, volume, "OfflineVolumeRendering::upload_overlay");
 }
 
 void OfflineVolumeRendering::upload_secondary_data(const SecondaryBlock& block) {
-  const TimingMark mark("OfflineVolumeRendering::upload_secondary_data");
+  const gl::PassMark mark("OfflineVolumeRendering::upload_secondary_data");
   constexpr const char* checkpoint = "OfflineVolumeRendering::upload_secondary_data";
   if (!renderer_) throw std::invalid_argument("The specified VolumeRendererHandle is invalid. ");
   gl::require_opengl();
@@ -142,13 +156,14 @@ void OfflineVolumeRendering::upload_secondary_data(const SecondaryBlock& block) 
   if (block.first == 0)
     secondary_.allocate(extent, secondary_format, checkpoint, whole ? block.data : nullptr);
   const auto binding = secondary_.bind();
+  secondary_.label("secondary data");
   glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_WRAP_S, GL_REPEAT);
   if (!whole) secondary_.upload_b_scans(block.first, block.count, block.data, checkpoint);
   gl::throwOnGLError(checkpoint);
 }
 
 void OfflineVolumeRendering::render(Content content) {
-  const TimingMark mark("OfflineRendering::render");
+  const gl::PassMark mark("OfflineRendering::render");
   if (content < Content::volume || content > Content::volume_and_overlay) {
     throw std::invalid_argument("Content type is not supported for rendering. ");
   }
@@ -162,16 +177,23 @@ VolumeSource OfflineVolumeRendering::source(Content content) {
   if (secondary_) {
     source.secondary = secondary_.get();
     source.secondary_slice_count = static_cast<int>(secondary_.extent().depth);
-    source.secondary_revision = secondary_.revisions().newest();
+    source.secondary_revisions = secondary_.revisions();
   }
-  if (!volume_ || volume_.extent().empty()) return source;
+  if (!volume_ || volume_.extent().empty()) {
+    source.lack = volume_ ? VolumeLack::no_voxels : VolumeLack::not_allocated;
+    source.refusal = refusal_;
+    return source;
+  }
+  source.extent = volume_.extent();
   source.slice_count = static_cast<int>(volume_.extent().b_scans);
   const bool overlay_alone = content == Content::overlay;
   VolumeTexture& shown = overlay_alone ? overlay_ : volume_;
   source.main_colormap_is_overlay = overlay_alone;
+  if (overlay_alone && !overlay_) source.lack = VolumeLack::no_overlay;
+  if (!overlay_alone && !filled_) source.lack = VolumeLack::not_uploaded;
   if (shown) {
     source.volume = shown.get();
-    source.volume_revisions = &shown.revisions();
+    source.volume_revisions = shown.revisions();
     source.volume_maxima = shown.maxima();
     source.empty_space = &empty_space_;
   }
@@ -180,7 +202,7 @@ VolumeSource OfflineVolumeRendering::source(Content content) {
   if (content == Content::volume_and_overlay && overlay_) {
     source.overlay = overlay_.get();
     source.overlay_present = true;
-    source.overlay_revisions = &overlay_.revisions();
+    source.overlay_revisions = overlay_.revisions();
     source.overlay_maxima = overlay_.maxima();
   }
   return source;

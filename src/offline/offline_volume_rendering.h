@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
+#include <string>
 
 #include "gl/texture_3d.h"
 #include "volume/skipping/empty_space.h"
@@ -55,6 +57,7 @@ class OfflineVolumeRendering {
   VolumeSource source(Content content);
 
  private:
+  void allocate_texture(const VolumeExtent& extent);
   void require_volume() const;
   void require_b_scans(std::int64_t first, std::int64_t end) const;
   void volume_filled(float fraction);
@@ -63,7 +66,8 @@ class OfflineVolumeRendering {
   float axial_ = 0.0F;
   float lateral1_ = 0.0F;
   float lateral2_ = 0.0F;
-  bool refused_ = false;  // the last allocation
+  bool refused_ = false;                        // the last allocation
+  std::shared_ptr<const std::string> refusal_;  // and what it said
   std::optional<float>
       filled_;  // fraction of the volume; none: nothing has been uploaded since the allocation
   VolumeTexture volume_;

@@ -1,6 +1,7 @@
 #include "volume/volume_renderer.h"
 
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include "core/object_lock.h"
@@ -8,6 +9,7 @@
 #include "gl/context/opengl_loader.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 namespace {
@@ -16,6 +18,12 @@ std::array<GLint, 4> current_viewport() {
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());
   return viewport;
+}
+
+std::int64_t filled_b_scans(const VolumeSource& source) {
+  const auto fraction = static_cast<double>(source.filled_fraction);
+  if (fraction >= 1.0) return source.extent.b_scans;
+  return static_cast<std::int64_t>(std::ceil(fraction * source.slice_count));
 }
 
 }  // namespace
@@ -66,29 +74,60 @@ void VolumeRenderer::release() {
   raycaster_.release();
   elements_.release();
   surface_.release();
-  drawn_.reset();
   picture_.release();
+  const std::lock_guard lock(record_mutex_);
+  record_.reset();
+  failure_.reset();
 }
 
 void VolumeRenderer::render(const VolumeSource& source) {
   const ObjectLock lock(this);
-  const TimingMark mark("VolumeRenderer::render");
+  const gl::PassMark mark("VolumeRenderer::render");
+  try {
+    draw_frame(source);
+  } catch (const std::exception& error) {
+    note_failure(error.what());
+    throw;
+  }
+}
+
+void VolumeRenderer::draw_frame(const VolumeSource& source) {
   gl::require_opengl();
   if (home_ != gl::no_context) gl::require_home(home_);
   const VolumeSettings settings = this->settings();
   const std::array<GLint, 4> area = current_viewport();
   const Viewport viewport{area[2], area[3]};
   const VolumeFrame frame = begin_frame(settings, source, viewport);
-  if (viewport.width <= 0 || viewport.height <= 0) return;
-  DrawnFrame wanted(settings, source, viewport);
-  const bool again = drawn_ == wanted;
-  drawn_.reset();  // until this frame shows it
-  if (!again || !show_again(frame, area)) {
-    picture_.forget();
-    draw(frame);
+  const auto wanted = std::make_shared<FrameRecord>(settings, source, viewport, home_);
+  wanted->plane = frame.cutting_plane();
+  if (wanted->has_area()) {
+    const bool again = record_ && record_->drawn == wanted->drawn;
+    if (!again || !show_again(frame, area)) {
+      picture_.forget();
+      draw(frame);
+    }
+    finish_frame();
+    if (source.volume_maxima) wanted->values = source.volume_maxima->greatest(filled_b_scans(source));
   }
-  finish_frame();
-  drawn_.emplace(std::move(wanted));
+  remember(wanted);
+  if (wanted->has_area()) record_timing_mark("frame end");
+}
+
+void VolumeRenderer::remember(std::shared_ptr<const FrameRecord> record) {
+  const std::lock_guard lock(record_mutex_);
+  record_.swap(record);
+  failure_.reset();
+}
+
+// Nothing is known of what the target shows now.
+void VolumeRenderer::note_failure(const char* text) noexcept {
+  const std::lock_guard lock(record_mutex_);
+  record_.reset();
+  try {
+    failure_ = text;
+  } catch (const std::bad_alloc&) {
+    failure_.emplace();
+  }
 }
 
 // Kept the first time that a frame equals the one before, so that a view that turns does no more than draw. False where
@@ -145,6 +184,7 @@ void VolumeRenderer::clear_target() {
 }
 
 void VolumeRenderer::draw_background(const VolumeFrame& frame) {
+  const gl::PassMark mark("VolumeRenderer::render_background");
   background_.set_colors(frame.settings.background_bottom, frame.settings.background_top);
   background_.draw(programs_.background());
 }

@@ -3,12 +3,14 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 
 #include "gl/context/context_identity.h"
 #include "gl/kept_picture.h"
-#include "volume/frame/drawn_frame.h"
+#include "volume/frame/frame_record.h"
 #include "volume/frame/volume_colormap.h"
 #include "volume/frame/volume_programs.h"
 #include "volume/frame/volume_settings.h"
@@ -34,6 +36,11 @@ class VolumeRenderer {
   void init();
   void uninit();
   void render(const VolumeSource& source);
+
+  // In plain words why the last frame shows nothing or almost nothing; empty when it shows something. On any thread,
+  // from what is known without OpenGL. Where the frame's context is current, and no frame is being drawn, it looks at
+  // the picture as well.
+  std::string explain_frame();
 
   // Camera
   void set_angles(double x, double y);
@@ -80,6 +87,13 @@ class VolumeRenderer {
   ColormapSettings* find_colormap(ColormapRole role);
   void set_boundaries(ColormapRole role, double lower, double upper);
 
+  void draw_frame(const VolumeSource& source);
+  void remember(std::shared_ptr<const FrameRecord> record);
+  void note_failure(const char* text) noexcept;
+  std::shared_ptr<const FrameRecord> record() const;
+  bool can_be_drawn_again(const FrameRecord& record) const;
+  bool shows_something(const FrameRecord& record);
+
   // The steps of a frame, in their order.
   VolumeFrame begin_frame(const VolumeSettings& settings, const VolumeSource& source, Viewport viewport);
   void clear_target();
@@ -108,8 +122,11 @@ class VolumeRenderer {
   Raycaster raycaster_;
   SceneElements elements_;
   Surface surface_;
-  std::optional<DrawnFrame> drawn_;  // what the latest frame showed
-  gl::KeptPicture picture_;          // of that, once it was asked for a second time
+  gl::KeptPicture picture_;  // of the last frame, once it was asked for a second time
+
+  mutable std::mutex record_mutex_;            // held for assignments only
+  std::shared_ptr<const FrameRecord> record_;  // of the last frame; null: there was none, or it failed
+  std::optional<std::string> failure_;         // of the last frame
 };
 
 }  // namespace oct

@@ -1,12 +1,16 @@
 // Every OpenGL call of a B-scan, a volume frame and a loop with a snapshot, failed once.
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
+#include "core/platform.h"
+#include "gl/trace/debugging.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/fault_scenario.h"
 #include "support/reference/display_reference.h"
 #include "support/test_context.h"
 #include "support/test_loop.h"
+#include "support/trace_reader.h"
 #include "support/volume_scene.h"
 
 namespace oct::test {
@@ -26,6 +30,38 @@ TEST(GlFaultTest, BScan) {
   fail_every_call({[&] { initDisplayRendering(stage.renderer); },
                    [&] { return stage.frame(scene.width, scene.height); },
                    [&] { uninitDisplayRendering(stage.renderer); }, pending_error});
+}
+
+// With groups, labels and times of the GPU: whatever fails, each group that was begun ends, and the trace stays whole.
+TEST(GlFaultTest, WatchedBScan) {
+  const std::filesystem::path file =
+      std::filesystem::path(testing::TempDir()) / ("oct_watched_" + std::to_string(current_process_id()));
+  setRendererTraceFile(file.string().c_str());
+  {
+    const DisplayStage stage;  // in a context of the compatibility profile, where one fault leaves one error
+    gl::set_debugging(true);
+    uninitDisplayRendering(stage.renderer);
+    Scene scene;
+    scene.image = test_image(32, 24);
+    scene.width = 24;
+    scene.height = 32;
+    scene.pepper = true;
+    apply(scene, stage.renderer);
+    const auto stop = [&] {
+      uninitDisplayRendering(stage.renderer);
+      beginOffscreenFrame(stage.target, 4, 4);
+      GLint depth = 0;
+      glGetIntegerv(GL_DEBUG_GROUP_STACK_DEPTH, &depth);
+      EXPECT_EQ(depth, 1);
+      finishOffscreenFrame(stage.target, nullptr);
+    };
+    fail_every_call({[&] { initDisplayRendering(stage.renderer); },
+                     [&] { return stage.frame(scene.width, scene.height); }, stop, pending_error});
+  }
+  setRendererTraceFile(nullptr);
+  gl::set_debugging(false);
+  read_trace(file);
+  std::filesystem::remove(file);
 }
 
 TEST(GlFaultTest, Volume) {

@@ -105,6 +105,14 @@ TEST_F(Bscan, DrawsConstantImagesInfinitiesAndDecibels) {
   EXPECT_EQ(error_text_, "");
 }
 
+TEST_F(Bscan, SaysWhyAPictureIsEmpty) {
+  draw("--range 300 400");
+  expect_in("octrender: warning: All samples of the image lie at or below the lower colouring boundary",
+            error_text_);
+  draw("--range 0 200");
+  EXPECT_EQ(error_text_, "");
+}
+
 TEST_F(Bscan, PicksFrames) {
   write_npy("in.npy", "3, 1, 2", {10, 11, 20, 21, 30, 31});
   expect_picture("--range 0 255", 2, 1, {20, 21});

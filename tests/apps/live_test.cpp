@@ -41,6 +41,7 @@ TEST_F(Live, ShowsThePhantomAndReports) {
   EXPECT_GT(reported("median"), 0);
   EXPECT_LE(reported("median"), reported("worst"));
   EXPECT_LE(reported("99th percentile"), reported("worst"));
+  EXPECT_EQ(error_text_, "");
   // The background has no red; the tissue has.
   EXPECT_GT(red_at(0.5, 0.55), 60);
   // 240 A-scans per volume: ten volumes per second, those before the first frame included. Without the rate hundreds.

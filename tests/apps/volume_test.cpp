@@ -131,6 +131,19 @@ TEST_F(Volume, ASecondaryMapColoursTheVolume) {
   EXPECT_LT(red_at(0.58, 0.5), 50);
 }
 
+TEST_F(Volume, SaysWhyAPictureIsEmpty) {
+  draw("--range 2 3");
+  expect_in(
+      "octrender: warning: All values of the volume lie at or below the lower colouring boundary: values up "
+      "to 1, "
+      "boundaries 2 to 3. ",
+      error_text_);
+  EXPECT_EQ(run("--turntable 2 --sections off off off --mode sections --range 0 1"), 0);
+  expect_in("octrender: warning: All three slices", error_text_);
+  draw("--range 0 1");
+  EXPECT_EQ(error_text_, "");
+}
+
 TEST_F(Volume, RefusesWhatMakesNoSense) {
   expect_wrong("--mode", {"dual"});
   expect_wrong("--raw", {"6:f4", "0x4x5:f4", "65537x4x5:f4", "6x4x5:f3", "6x4x5", "6x4x5:u2xe", "6x4x5:u2+",

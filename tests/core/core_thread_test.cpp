@@ -1,11 +1,9 @@
-// The library frame and its timing marks, used by many threads at once.
+// The library frame, used by many threads at once.
 #include <algorithm>
 #include <map>
 #include <sstream>
 
-#include "core/timing_mark.h"
 #include "oct_rendering/oct_rendering.h"
-#include "support/mark_recorder.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -30,20 +28,6 @@ TEST(CoreThreadTest, EveryErrorIsReadByItsOwnThread) {
   for (std::string line; std::getline(lines, line);) ++counted[line];
   for (const std::string& message : messages) EXPECT_EQ(counted["An error occured: " + message], 800);
   EXPECT_EQ(counted.size(), 2U);
-}
-
-TEST(TimingMarkTest, ListenerComesAndGoes) {
-  MarkRecorder recorder;
-  on_threads(4, [&](int i) {
-    for (int n = 0; n < 1000; ++n) {
-      if (i == 0) set_timing_listener(&recorder);
-      const TimingMark mark("mark");
-      if (i == 0) set_timing_listener(nullptr);  // a mark ends at the listener that it began at
-    }
-  });
-  for (const auto& [thread, marks] : recorder.all()) {
-    EXPECT_EQ(std::ranges::count(marks, "+mark"), std::ranges::count(marks, "-mark"));
-  }
 }
 
 }  // namespace

@@ -54,9 +54,12 @@ TEST(ErrorStoreTest, OthersErrorsComeAfterItsOwnInOrderOfTheThreadsIdentifiers) 
     post(store, i == 0 ? "a" : "b");
     for (++alive; alive < 2;) std::this_thread::yield();
   });
-  post(store, "own");
-  EXPECT_TRUE(store.hasError());
-  EXPECT_EQ(store.takeError(), "own");
+  for (int taken = 0; taken < 2; ++taken) {
+    post(store, "own");
+    EXPECT_TRUE(store.hasError());
+    EXPECT_EQ(taken == 0 ? store.take_own_error() : store.takeError(), "own");
+    EXPECT_EQ(store.take_own_error(), std::nullopt);
+  }
   EXPECT_EQ(store.takeError(), ids[0] < ids[1] ? "a" : "b");
   EXPECT_EQ(store.takeError(), ids[0] < ids[1] ? "b" : "a");
   EXPECT_FALSE(store.hasError());

@@ -1,5 +1,8 @@
 // The exports of the display: handles, misuse, the functions that are meant to do nothing, what errors say.
+#include <algorithm>
+#include <functional>
 #include <limits>
+#include <thread>
 
 #include "support/gl_spy.h"
 #include "support/reference/display_reference.h"
@@ -15,7 +18,7 @@ TEST(DisplayApiTest, EveryFunctionRefusesNull) {
                       setDisplayDynamicReduction, setDisplayPepperFilter, setDisplayMedianFilter,
                       setBackgroundColor, setDisplayColormap, setDisplayColoringBoundaries,
                       setDisplayNumberOverlays, setDisplayOverlayData, setDisplayOverlayColormap,
-                      setDisplayOveralyColoringBoundaries, setDisplayOveralyThreshold);
+                      setDisplayOveralyColoringBoundaries, setDisplayOveralyThreshold, explainDisplay);
   clearDisplayRendering(nullptr);
   EXPECT_EQ(pending_error(), "(none)");
 }
@@ -37,6 +40,78 @@ class DisplayApiGLTest : public testing::Test {
   const DisplayStage stage_;
   const DisplayRenderingHandle renderer_ = stage_.renderer;
 };
+
+// What is explained has one colour, or no opacity, and what is not shows something. Another thread asks.
+TEST_F(DisplayApiGLTest, AnEmptyPictureIsExplained) {
+  const auto explanation = [&](DisplayRenderingHandle renderer) {
+    std::string text(1000, '?');
+    int result = -1;
+    std::thread([&] {
+      result = explainDisplay(renderer, text.data(), static_cast<int>(text.size()));
+    }).join();
+    EXPECT_EQ(result, text[0] != '\0' ? 1 : 0);
+    return text.substr(0, text.find('\0'));
+  };
+  EXPECT_EQ(explanation(renderer_), "No frame has been drawn yet. ");
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  struct Cause {
+    const char* words;
+    std::function<void(Scene&)> make;
+  };
+  const auto even = [](Scene& s, float value) { std::ranges::fill(s.image.samples, value); };
+  const Cause causes[] = {
+      {"There is no image. Set one", [](Scene& s) { s.image = {}; }},
+      {"fourth byte of each of its 2 colours is 0",
+       [](Scene& s) {
+         s.colormap = {0x00FF00U, 0xFFU};
+       }},
+      {"has one colour only",
+       [](Scene& s) {
+         s.colormap = {0xFF00FF00U, 0xFF00FF00U};
+       }},
+      {"holds no numbers, only NaN", [&](Scene& s) { even(s, nan); }},
+      {"All samples of the image are 0.25", [&](Scene& s) { even(s, 0.25F); }},
+      {"below the lower colouring boundary", [](Scene& s) { s.lower = 7.0, s.upper = 9.0; }},
+      {"above the upper colouring boundary", [](Scene& s) { s.lower = -9.0, s.upper = -7.0; }},
+      {"above the lower colouring boundary", [](Scene& s) { s.lower = -7.0, s.upper = -9.0; }},
+      {"below the upper colouring boundary", [](Scene& s) { s.lower = 9.0, s.upper = 7.0; }},
+      {"below the lower colouring boundary", [](Scene& s) { s.lower = s.upper = 9.0; }},
+      {"above the upper colouring boundary", [](Scene& s) { s.lower = s.upper = -9.0; }},
+      {"below 2.5, and the picture has the first colour", [](Scene& s) { s.lower = 0.0, s.upper = 10.0; }},
+      {"above -2.5, and the picture has the last colour", [](Scene& s) { s.lower = -10.0, s.upper = 0.0; }},
+      {"", [](Scene& s) { s.lower = 0.5, s.upper = 2.0; }},
+      {"", [](Scene& s) { s.lower = s.upper = 0.5; }},
+      {"", [](Scene& s) { s.image.samples[7] = std::numeric_limits<float>::infinity(); }},
+      {"", [](Scene& s) { s.lower = 7.0, s.upper = 9.0, s.overlays = {Overlay{}}; }}};
+  scene_.overlays.clear();
+  for (const Cause& cause : causes) {
+    Scene scene = scene_;
+    cause.make(scene);
+    scene.threshold = -1e9;
+    apply(scene, renderer_);
+    const Picture picture = frame();
+    EXPECT_EQ(pending_error(),
+              scene.image.samples.empty() ? "Cannot generate a texture of the required size. " : "(none)");
+    const std::string text = explanation(renderer_);
+    EXPECT_TRUE(contains(text, cause.words)) << text;
+    EXPECT_EQ(text.empty(), *cause.words == '\0') << text;
+    int colours = 0;  // other than the first pixel's
+    picture.for_each([&](int x, int y) {
+      colours += !std::equal(picture.pixel(x, y), picture.pixel(x, y) + 3, picture.pixel(0, 0));
+    });
+    EXPECT_EQ(colours > 0, text.empty() || contains(text, "fourth byte")) << &cause - causes;
+    setDisplayColoringBoundaries(renderer_, 0.0, 1.0);
+    EXPECT_EQ(explanation(renderer_), text) << "counts from the next frame on";
+  }
+  beginOffscreenFrame(stage_.target, 8, 8);
+  setViewportSize(3, 0);
+  renderDisplay(renderer_);
+  EXPECT_TRUE(contains(explanation(renderer_), "has no area: 3 x 0 pixels"));
+  uninitDisplayRendering(renderer_);
+  renderDisplay(renderer_);
+  EXPECT_TRUE(contains(explanation(renderer_), "drawn before initDisplayRendering()"));
+  finishOffscreenFrame(stage_.target, nullptr);
+}
 
 TEST_F(DisplayApiGLTest, WhatIsRefusedOrIgnoredLeavesThePicture) {
   apply(scene_, renderer_);

@@ -66,7 +66,7 @@ TEST_P(LoopFailuresGLTest, NoThread) {
   for (int round = 0; round < 3; ++round) {
     for (int index = 0; index < 4; ++index) {
       SCOPED_TRACE(index);
-      const OpenGLControlLoopHandle loop = [index] {
+      const OpenGLControlLoopHandle loop = [&] {
         const ScarceThreads scarce(index);
         return create(uninits_);
       }();

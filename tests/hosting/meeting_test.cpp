@@ -26,7 +26,7 @@ TEST(SnapshotDeskTest, AnOrderIsTakenAndFinishedOrFails) {
     return std::async(std::launch::async, [&] { return failure_of([&] { desk.wait(); }); });
   };
   EXPECT_FALSE(desk.take());
-  desk.fail("Nobody is waiting. ");
+  desk.fail(ErrorKind::opengl, "Nobody is waiting. ");
   for (const std::string reason : {"(none)", "No paint. ", "(none)"}) {
     auto client = order();
     EXPECT_TRUE(desk.has_order());
@@ -38,7 +38,7 @@ TEST(SnapshotDeskTest, AnOrderIsTakenAndFinishedOrFails) {
     EXPECT_FALSE(desk.has_order() || desk.take());
     EXPECT_TRUE(blocks(client));
     EXPECT_TRUE(desk.busy());
-    reason == "(none)" ? desk.finish() : desk.fail(reason.c_str());
+    reason == "(none)" ? desk.finish() : desk.fail(ErrorKind::opengl, reason.c_str());
     EXPECT_FALSE(desk.busy());
     EXPECT_EQ(client.get(), reason);
   }
@@ -46,7 +46,7 @@ TEST(SnapshotDeskTest, AnOrderIsTakenAndFinishedOrFails) {
   desk.close("Closed. ");
   auto drained = std::async(std::launch::async, [&] { desk.drain(); });
   EXPECT_TRUE(blocks(drained));
-  desk.fail("Too late. ");  // not even taken
+  desk.fail(ErrorKind::opengl, "Too late. ");  // not even taken
   EXPECT_EQ(last.get(), "Too late. ");
   drained.get();
   EXPECT_EQ(failure_of([&] { desk.place({1, 1, &pixel}); }), "Closed. ");

@@ -1,6 +1,9 @@
 // The library loaded, used and unloaded by name, as a measurement application does it.
 #include <array>
+#include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -65,6 +68,31 @@ TEST(LifetimeGLTest, LoadedUsedAndUnloadedManyTimes) {
     EXPECT_NE(output.find("\nProcess detach... "), std::string::npos) << output;
   }
   set_environment("OCT_RENDERING_QUIET", nullptr);
+}
+
+// Loaded where the environment asks for a trace: it is whole when the library is gone, and a path that cannot be opened
+// costs a line.
+TEST(LifetimeGLTest, TracesWhatTheEnvironmentAsksFor) {
+  const std::string file = testing::TempDir() + "oct_environment.json";
+  for (const std::string& path : {file, file + "/no folder"}) {
+    set_environment("OCT_RENDERING_TRACE", path.c_str());
+    testing::internal::CaptureStderr();
+    {
+      const DynamicLibrary library(OCT_LIBRARY_FILE);
+      EXPECT_EQ(draw(library), (std::array<int, 2>{255, 0}));
+      EXPECT_EQ(library.function<decltype(isRendererError)>("isRendererError")(), 0);
+    }
+    const std::string errors = testing::internal::GetCapturedStderr();
+    const std::string line = "OCT_RENDERING_TRACE: The trace file could not be opened: ";
+    EXPECT_EQ(errors.find(line) == 0, path != file) << errors;
+  }
+  set_environment("OCT_RENDERING_TRACE", "");
+  std::ifstream stream(file);
+  const std::string trace((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+  EXPECT_NE(trace.find("\"name\":\"GPU, "), std::string::npos);
+  EXPECT_EQ(trace.find("\n]\n"), trace.size() - 3);
+  stream.close();
+  std::remove(file.c_str());
 }
 
 // A client that unloads the library without finishOpenGL does not take the code from under the host thread.

@@ -204,7 +204,8 @@ void replace_all() {
       OCT_WATCHED(ShaderSource), OCT_WATCHED(Uniform1f), OCT_WATCHED(Uniform1fv), OCT_WATCHED(Uniform1i),
       OCT_WATCHED(Uniform2f), OCT_WATCHED(Uniform3f), OCT_WATCHED(Uniform3i), OCT_WATCHED(Uniform4f),
       OCT_WATCHED(Uniform4fv), OCT_WATCHED(UniformMatrix3fv), OCT_WATCHED(UniformMatrix4fv),
-      OCT_WATCHED(UseProgram), OCT_WATCHED(VertexAttribPointer);
+      OCT_WATCHED(UseProgram), OCT_WATCHED(VertexAttribPointer), OCT_WATCHED(PushDebugGroup),
+      OCT_WATCHED(ObjectLabel), OCT_WATCHED(QueryCounter);
 #undef OCT_WATCHED
 #define OCT_COUNTED(name) replace<&__glew##name>(counted_pointer<&__glew##name>)
   OCT_COUNTED(BlendEquationSeparate), OCT_COUNTED(ClipControl), OCT_COUNTED(GetUniformLocation),

@@ -25,15 +25,16 @@ TEST_F(VolumeRendererApiTest, DefaultsAreThoseOfANewObject) {
 }
 
 TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
-  expect_null_refused(
-      "The specified VolumeRendererHandle is invalid. ", deleteVolumeRenderer, initializeVolumeRenderer,
-      uninitializeVolumeRenderer, clearVolumeRenderer, setAngles, setTranslation, setRange, setZoom,
-      setRenderingSlices, setUsePerspective, setLateralVoxelsPerPixel, setRenderingMode, setVolumeMode,
-      setVolumeLighting, setRayJitter, setOpacityLength, setSectionalView, setClipPlane, fixClipPlane,
-      setBorder, setRemoveSegment, setRenderElements, setRenderBackground, setRenderForeground,
-      setRendererColormap, setRendererSecondaryColormap, setOverlayRendererColormap, setSurfaceColormap,
-      setRendererColoringBoundaries, setRendererSecondaryColoringBoundaries,
-      setOverlayRendererColoringBoundaries, setRendererSecondarySliceIndex, setSurface, setSurfaceDepths);
+  expect_null_refused("The specified VolumeRendererHandle is invalid. ", deleteVolumeRenderer,
+                      initializeVolumeRenderer, uninitializeVolumeRenderer, clearVolumeRenderer, setAngles,
+                      setTranslation, setRange, setZoom, setRenderingSlices, setUsePerspective,
+                      setLateralVoxelsPerPixel, setRenderingMode, setVolumeMode, setVolumeLighting,
+                      setRayJitter, setOpacityLength, setSectionalView, setClipPlane, fixClipPlane, setBorder,
+                      setRemoveSegment, setRenderElements, setRenderBackground, setRenderForeground,
+                      setRendererColormap, setRendererSecondaryColormap, setOverlayRendererColormap,
+                      setSurfaceColormap, setRendererColoringBoundaries,
+                      setRendererSecondaryColoringBoundaries, setOverlayRendererColoringBoundaries,
+                      setRendererSecondarySliceIndex, explainFrame, setSurface, setSurfaceDepths);
   setVolumeMode(renderer_, 2);
   setRenderingMode(renderer_, 1);
   setSectionalView(renderer_, 1, 1.0F, 1, 0.0F, 1, 0.5F);
@@ -153,21 +154,24 @@ TEST_F(VolumeRendererApiTest, AFrameMarksItsPassesInTheirOrder) {
     return names;
   };
   // Opaque things first; then, from behind, what is blended.
-  EXPECT_EQ(marks_of_frame(), (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
-                                     "render: colormap changed", "VolumeRenderer::render_surface",
-                                     "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
-                                     "VolumeRenderer::render_clip_plane_border", "render_raycasting::drawing",
-                                     "VolumeRenderer::render_clip_plane_border",
-                                     "VolumeRenderer::render_clip_plane_border::draw_overlay",
-                                     "VolumeRenderer::render_elements", "VolumeRenderer::render_frame"}));
+  EXPECT_EQ(
+      marks_of_frame(),
+      (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init", "render: colormap changed",
+             "VolumeRenderer::render_background", "VolumeRenderer::render_surface",
+             "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
+             "VolumeRenderer::render_clip_plane_border", "render_raycasting::drawing",
+             "positions of the surface", "VolumeRenderer::render_clip_plane_border",
+             "VolumeRenderer::render_clip_plane_border::draw_overlay", "VolumeRenderer::render_elements",
+             "VolumeRenderer::render_frame", "frame end"}));
   setRenderingMode(renderer_, 1);
   renderOfflineVolume(offline_, 0);  // builds what slices need
   EXPECT_EQ(marks_of_frame(),
             (Names{"OfflineRendering::render", "VolumeRenderer::render", "render: init",
-                   "VolumeRenderer::render_surface", "VolumeRenderer::render_sectional_view",
-                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame",
+                   "VolumeRenderer::render_background", "VolumeRenderer::render_surface",
                    "VolumeRenderer::render_sectional_view", "VolumeRenderer::render_elements",
-                   "VolumeRenderer::render_frame"}));
+                   "VolumeRenderer::render_frame", "VolumeRenderer::render_sectional_view",
+                   "VolumeRenderer::render_elements", "VolumeRenderer::render_frame", "copy the kept picture",
+                   "frame end"}));
   setViewportSize(13, 7);
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());

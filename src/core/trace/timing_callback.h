@@ -7,7 +7,8 @@ namespace oct {
 
 // A host's functions; each may be null.
 struct TimingFunctions {
-  using Function = void (*)(const char* name, unsigned int thread, unsigned long long nanoseconds, void* user);
+  using Function = void (*)(const char* name, unsigned int thread, unsigned long long nanoseconds,
+                            void* user);
 
   Function begin = nullptr;
   Function end = nullptr;

@@ -1,10 +1,12 @@
 #include "core/trace/trace_file.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 #include "core/console.h"
@@ -83,6 +85,7 @@ class TraceWriter : public TimingListener {
   // Nothing where the stream has ended, and when that of the number has.
   template <class Action>
   void write(Action&& action, std::uint64_t number = 0) {
+    if (closing_) return;
     const std::lock_guard lock(mutex_);
     if (!stream_ || (number != 0 && number != trace_number)) return;
     try {
@@ -94,8 +97,14 @@ class TraceWriter : public TimingListener {
     }
   }
 
+  // A thread that has been stopped within a mark never lets go; the file is whole all the same, as it was written last.
   void close() {
-    const std::unique_lock lock(mutex_, std::try_to_lock);
+    closing_ = true;
+    std::unique_lock lock(mutex_, std::try_to_lock);
+    for (int attempt = 0; !lock && attempt < 20; ++attempt) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      lock.try_lock();
+    }
     if (lock) end();
   }
 
@@ -115,6 +124,7 @@ class TraceWriter : public TimingListener {
   std::mutex mutex_;
   std::unique_ptr<TraceStream> stream_;
   std::uint64_t count_ = 0;
+  std::atomic<bool> closing_{false};  // the library goes
 };
 
 TraceWriter& trace_writer() {

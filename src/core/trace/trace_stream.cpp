@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <stdexcept>
 #include <system_error>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "core/platform.h"
 
 namespace oct {
@@ -18,9 +18,7 @@ constexpr std::string_view closing = "\n]\n";
 
 // How many bytes of UTF-8 make the character that the text begins with; 0 where they make none.
 std::size_t character_length(std::string_view text) {
-  const auto byte = [&](std::size_t i) {
-    return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
-  };
+  const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
   const std::size_t length = byte(0) < 0x80   ? 1
                              : byte(0) < 0xC2 ? 0
                              : byte(0) < 0xE0 ? 2
@@ -40,7 +38,7 @@ std::size_t character_length(std::string_view text) {
 
 TraceStream::TraceStream(const std::string& path)
     : path_(path), process_(current_process_id()), file_(std::fopen(path.c_str(), "wb")) {
-  if (!file_) throw std::runtime_error("The trace file could not be opened: " + system_error_text());
+  if (!file_) throw SystemError("The trace file could not be opened: " + system_error_text());
   std::setvbuf(file_.get(), nullptr, _IONBF, 0);
   events_ = "[\n{\"ph\":\"M\",\"name\":\"process_name\",\"pid\":" + std::to_string(process_) +
             ",\"args\":{\"name\":\"OCT rendering\"}}";
@@ -161,9 +159,10 @@ void TraceStream::fail() {
     std::fwrite(closing.data(), 1, closing.size(), file_.get());
   file_.reset();
   std::error_code ignored;
-  if (whole_ > 0) std::filesystem::resize_file(path_, static_cast<std::uintmax_t>(whole_) + closing.size(), ignored);
+  if (whole_ > 0)
+    std::filesystem::resize_file(path_, static_cast<std::uintmax_t>(whole_) + closing.size(), ignored);
   open_.clear();
-  throw std::runtime_error("The trace file could not be written: " + reason);
+  throw SystemError("The trace file could not be written: " + reason);
 }
 
 }  // namespace oct

@@ -5,10 +5,10 @@
 #include <limits>
 #include <mutex>
 #include <optional>
-#include <stdexcept>
 #include <string_view>
 #include <vector>
 
+#include "core/exception.h"
 #include "core/immortal.h"
 #include "gl/context/current_context.h"
 #include "gl/context/opengl_loader.h"
@@ -215,7 +215,7 @@ bool is_known(ContextIdentity identity) {
 
 void require_home(ContextIdentity home) {
   if (current_identity() != home)
-    throw std::runtime_error("The renderer was initialised in another OpenGL context. ");
+    throw StateError("The renderer was initialised in another OpenGL context. ");
 }
 
 }  // namespace oct::gl

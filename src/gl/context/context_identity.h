@@ -53,7 +53,7 @@ void unregister_context(ContextIdentity identity);
 // False once an own context has ended, or a client's one was found to be gone.
 bool is_known(ContextIdentity identity);
 
-// Throws std::runtime_error "The renderer was initialised in another OpenGL context. " unless the given context
+// Throws StateError "The renderer was initialised in another OpenGL context. " unless the given context
 // is the current one.
 void require_home(ContextIdentity home);
 

@@ -31,8 +31,8 @@ void register_class(const std::string& name) {
   record.hInstance = own_module(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT);
   // One that is still there is ours: a window of it could not be destroyed.
   if (!RegisterClassExA(&record) && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) {
-    write_error_and_throw("An error occured. Could not register window class (" + name +
-                          ") for graphics output: " + std::to_string(GetLastError()));
+    write_error_and_throw(SystemError("An error occured. Could not register window class (" + name +
+                                      ") for graphics output: " + std::to_string(GetLastError())));
   }
 }
 
@@ -41,8 +41,8 @@ HWND create_window(const std::string& class_name) {
       CreateWindowExA(0, class_name.c_str(), "", WS_OVERLAPPEDWINDOW, 0, 0, 300, 300, nullptr, nullptr,
                       own_module(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT), nullptr);
   if (!window)
-    write_error_and_throw("An error occured. Could not create hidden window for OpenGL output: " +
-                          system_error_text());
+    write_error_and_throw(SystemError("An error occured. Could not create hidden window for OpenGL output: " +
+                                      system_error_text()));
   return window;
 }
 

@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "core/console.h"
+#include "gl/trace/gpu_track.h"
 
 namespace oct::gl {
 
@@ -17,7 +18,13 @@ OpenGLContext::OpenGLContext(OpenGLWindow& window) : window_(window), handle_(wi
 
 OpenGLContext::~OpenGLContext() {
   try {
-    if (is_current()) window_.makeUncurrent();
+    if (is_current()) {
+      forget_current_identity();
+      collect_gpu_times();
+      forget_gpu_track(identity_);
+      window_.makeUncurrent();
+    }
+    forget_gpu_track(identity_);
     unregister_context(identity_);
     window_.deleteContext(handle_);
   } catch (const std::exception& error) {

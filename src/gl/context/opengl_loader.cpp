@@ -3,10 +3,10 @@
 #include <atomic>
 #include <cstdio>
 #include <mutex>
-#include <stdexcept>
 #include <string_view>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "gl/context/context_identity.h"
 #include "gl/context/current_context.h"
 #include "gl/gl.h"
@@ -32,7 +32,7 @@ void load(const char* failure) {
   if (!loaded) {
     write_output("Glew error: " + std::to_string(result));
     write_output("glewInit failed.");
-    throw std::runtime_error(failure);
+    throw OpenGLError(failure);
   }
   discard_gl_errors();  // GLEW's probing leaves some behind in core contexts
 }
@@ -53,7 +53,7 @@ void initGlew(const char* load_failure) {
 void require_opengl(const char* load_failure) {
   const bool current = current_driver().card != 0;
   if (!glewInitialized() || (current && !is_loaded_for_current_driver())) initGlew(load_failure);
-  if (!current) throw std::runtime_error("No OpenGL context is current on the calling thread. ");
+  if (!current) throw StateError("No OpenGL context is current on the calling thread. ");
 }
 
 void checkOpenGLVersion(int required_major, int required_minor) {
@@ -61,8 +61,8 @@ void checkOpenGLVersion(int required_major, int required_minor) {
   const std::string found = std::to_string(version.major) + "." + std::to_string(version.minor);
   write_output("Found OpenGL " + found);
   if (version >= Version{required_major, required_minor}) return;
-  throw std::runtime_error("OpenGL " + std::to_string(required_major) + "." + std::to_string(required_minor) +
-                           " required. Version is currently " + found);
+  throw OpenGLError("OpenGL " + std::to_string(required_major) + "." + std::to_string(required_minor) +
+                    " required. Version is currently " + found);
 }
 
 Version current_version() {

@@ -9,7 +9,7 @@
 namespace oct::gl {
 
 // Loads the entry points, under a lock, unless they are those of the current context's driver: the process has one
-// set of them. Checks the current context's version before. Throws std::runtime_error, with the given text when
+// set of them. Checks the current context's version before. Throws an OpenGLError, with the given text when
 // loading fails. Call with a context current, before any other OpenGL call.
 void initGlew(const char* load_failure = "Could not load OpenGL. ");
 
@@ -17,7 +17,7 @@ void initGlew(const char* load_failure = "Could not load OpenGL. ");
 // then throws when no context is current.
 void require_opengl(const char* load_failure = "Could not load OpenGL. ");
 
-// Throws std::runtime_error unless the current context's version is at least the required one.
+// Throws an OpenGLError unless the current context's version is at least the required one.
 void checkOpenGLVersion(int required_major, int required_minor);
 
 bool glewInitialized();  // whether GLEW has loaded the entry points

@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstring>
 #include <mutex>
-#include <stdexcept>
 #include <string>
 
 #include <EGL/egl.h>
@@ -18,6 +17,7 @@
 #include "core/log.h"
 #include "gl/context/context_identity.h"
 #include "gl/context/egl_api_linux.h"
+#include "gl/trace/debugging.h"
 
 namespace oct::gl {
 namespace {
@@ -55,8 +55,17 @@ std::string text_of(EGLint code) {
   }
 }
 
-std::string eglErrorText() {
-  return text_of(eglGetError());
+// A context that another thread has, or that of another window system, stands in the way.
+Exception failure(const char* what, EGLint code = eglGetError()) {
+  const std::string text = what + text_of(code);
+  switch (code) {
+    case EGL_BAD_ACCESS:
+      return StateError(text);
+    case EGL_BAD_ALLOC:
+      return MemoryError(text);
+    default:
+      return OpenGLError(text);
+  }
 }
 
 template <class Function>
@@ -78,8 +87,8 @@ class Display {
     if (opened_ == EGL_NO_DISPLAY) opened_ = open_gpu();
     if (opened_ == EGL_NO_DISPLAY) opened_ = open_surfaceless();
     if (opened_ == EGL_NO_DISPLAY) {
-      write_error_and_throw("An error occured. Could not create hidden window for OpenGL output: " +
-                            text_of(failure_));
+      write_error_and_throw(
+          failure("An error occured. Could not create hidden window for OpenGL output: ", failure_));
     }
     return opened_;
   }
@@ -160,8 +169,8 @@ struct OpenGLWindow::Native {
                                                 EGL_NONE};
     EGLint count = 0;
     if (!eglChooseConfig(display, attributes.data(), &config, 1, &count) || count == 0) {
-      write_error_and_throw("An error occured. Pixel format for OpenGL window could not be chosen. " +
-                            eglErrorText());
+      write_error_and_throw(
+          failure("An error occured. Pixel format for OpenGL window could not be chosen. "));
     }
   }
 };
@@ -172,9 +181,20 @@ OpenGLWindow::~OpenGLWindow() = default;
 ContextHandle OpenGLWindow::createContext() {
   const std::lock_guard lock(native_->mutex);
   const OpenGLApi api;
-  const EGLContext context = eglCreateContext(native_->display, native_->config, EGL_NO_CONTEXT, nullptr);
+  // Debuggers replay core contexts that were made with attributes.
+  constexpr std::array<EGLint, 9> to_debug{EGL_CONTEXT_MAJOR_VERSION,
+                                           3,
+                                           EGL_CONTEXT_MINOR_VERSION,
+                                           3,
+                                           EGL_CONTEXT_OPENGL_PROFILE_MASK,
+                                           EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
+                                           EGL_CONTEXT_OPENGL_DEBUG,
+                                           EGL_TRUE,
+                                           EGL_NONE};
+  const EGLContext context = eglCreateContext(native_->display, native_->config, EGL_NO_CONTEXT,
+                                              debugging() ? to_debug.data() : nullptr);
   if (context == EGL_NO_CONTEXT) {
-    throw Exception("An error occured. OpenGL context could not be created: " + eglErrorText());
+    throw failure("An error occured. OpenGL context could not be created: ");
   }
   return context;
 }
@@ -184,7 +204,7 @@ void OpenGLWindow::makeCurrent(ContextHandle context) {
   forget_current_identity();
   if (eglGetCurrentContext() == context) return;
   if (!eglMakeCurrent(native_->display, EGL_NO_SURFACE, EGL_NO_SURFACE, context)) {
-    write_error_and_throw("An error occured. " + eglErrorText());
+    write_error_and_throw(failure("An error occured. "));
   }
 }
 
@@ -202,7 +222,7 @@ void OpenGLWindow::makeUncurrent() {
 void OpenGLWindow::deleteContext(ContextHandle context) {
   const std::lock_guard lock(native_->mutex);
   if (!eglDestroyContext(native_->display, context)) {
-    throw Exception("An error occured. OpenGL context could not be deleted: " + eglErrorText());
+    throw failure("An error occured. OpenGL context could not be deleted: ");
   }
 }
 

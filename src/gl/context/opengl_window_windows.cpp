@@ -2,7 +2,6 @@
 
 #include <mutex>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 #include <windows.h>
@@ -12,8 +11,28 @@
 #include "core/platform.h"
 #include "gl/context/context_identity.h"
 #include "gl/context/hidden_window_windows.h"
+#include "gl/context/wgl_extension_windows.h"
+#include "gl/trace/debugging.h"
 
 namespace oct::gl {
+namespace {
+
+// With Windows' own reason. A context that another thread has is in use.
+Exception failure(const char* what) {
+  const DWORD code = GetLastError();
+  const std::string text = what + system_error_text();
+  switch (code) {
+    case ERROR_BUSY:
+      return StateError(text);
+    case ERROR_NOT_ENOUGH_MEMORY:
+    case ERROR_OUTOFMEMORY:
+      return MemoryError(text);
+    default:
+      return OpenGLError(text);
+  }
+}
+
+}  // namespace
 
 struct OpenGLWindow::Native {
   std::mutex mutex;
@@ -37,7 +56,7 @@ struct OpenGLWindow::Native {
 
   void set_up_device_context() {
     device_context = GetDC(window->handle());
-    if (!device_context) throw std::runtime_error("Could not get window device context. ");
+    if (!device_context) throw SystemError("Could not get window device context. ");
     PIXELFORMATDESCRIPTOR descriptor{};
     descriptor.nSize = sizeof descriptor;
     descriptor.nVersion = 1;
@@ -48,12 +67,11 @@ struct OpenGLWindow::Native {
     descriptor.iLayerType = PFD_MAIN_PLANE;
     const int format = ChoosePixelFormat(device_context, &descriptor);
     if (format == 0) {
-      write_error_and_throw("An error occured. Pixel format for OpenGL window could not be chosen. " +
-                            system_error_text());
+      write_error_and_throw(
+          failure("An error occured. Pixel format for OpenGL window could not be chosen. "));
     }
     if (!SetPixelFormat(device_context, format, &descriptor)) {
-      write_error_and_throw("An error occured. Pixel format for OpenGL window could not be set. " +
-                            system_error_text());
+      write_error_and_throw(failure("An error occured. Pixel format for OpenGL window could not be set. "));
     }
   }
 
@@ -69,9 +87,9 @@ OpenGLWindow::~OpenGLWindow() = default;
 
 ContextHandle OpenGLWindow::createContext() {
   const std::lock_guard lock(native_->mutex);
-  const HGLRC context = wglCreateContext(native_->device_context);
-  if (!context)
-    throw Exception("An error occured. OpenGL context could not be created: " + system_error_text());
+  const HGLRC context =
+      debugging() ? create_debug_context(native_->device_context) : wglCreateContext(native_->device_context);
+  if (!context) throw failure("An error occured. OpenGL context could not be created: ");
   return context;
 }
 
@@ -80,7 +98,7 @@ void OpenGLWindow::makeCurrent(ContextHandle context) {
   forget_current_identity();
   if (wglGetCurrentContext() == context) return;
   if (!wglMakeCurrent(native_->device_context, static_cast<HGLRC>(context))) {
-    write_error_and_throw("An error occured. " + system_error_text());
+    write_error_and_throw(failure("An error occured. "));
   }
 }
 
@@ -97,7 +115,7 @@ void OpenGLWindow::makeUncurrent() {
 void OpenGLWindow::deleteContext(ContextHandle context) {
   const std::lock_guard lock(native_->mutex);
   if (!wglDeleteContext(static_cast<HGLRC>(context))) {
-    throw Exception("An error occured. OpenGL context could not be deleted: " + system_error_text());
+    throw failure("An error occured. OpenGL context could not be deleted: ");
   }
 }
 

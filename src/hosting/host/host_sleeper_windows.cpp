@@ -1,9 +1,8 @@
 #include "hosting/host/host_sleeper.h"
 
-#include <stdexcept>
-
 #include <windows.h>
 
+#include "core/exception.h"
 #include "core/platform.h"
 
 namespace oct {
@@ -12,7 +11,7 @@ struct HostSleeper::State {
   HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
 
   State() {
-    if (!event) throw std::runtime_error("Could not create an event. " + system_error_text());
+    if (!event) throw SystemError("Could not create an event. " + system_error_text());
   }
   ~State() { CloseHandle(event); }
 };
@@ -24,8 +23,7 @@ void HostSleeper::sleep() {
   for (;;) {
     const DWORD result = MsgWaitForMultipleObjects(1, &state_->event, FALSE, INFINITE, QS_ALLINPUT);
     if (result == WAIT_OBJECT_0) return;
-    if (result != WAIT_OBJECT_0 + 1)
-      throw std::runtime_error("Could not wait for messages. " + system_error_text());
+    if (result != WAIT_OBJECT_0 + 1) throw SystemError("Could not wait for messages. " + system_error_text());
     MSG message;
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
       TranslateMessage(&message);

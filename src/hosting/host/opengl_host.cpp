@@ -76,7 +76,10 @@ void OpenGLHost::run_tasks() {
       auto task = std::move(tasks_.front());
       tasks_.pop_front();
       lock.unlock();
-      task();
+      {
+        const TimingMark mark("task of the host thread");
+        task();
+      }
       lock.lock();
     }
     if (ending_) return;
@@ -93,6 +96,7 @@ void OpenGLHost::run(std::function<void()> task) {
     tasks_.push_back(std::move(packaged));
     sleeper_.wake();
   }
+  const TimingMark mark("wait for the host thread");
   done.get();
 }
 

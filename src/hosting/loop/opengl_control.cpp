@@ -3,15 +3,16 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <stdexcept>
 #include <thread>
 #include <utility>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/debugging.h"
 #include "hosting/host/opengl_host.h"
 #include "hosting/loop/test_image.h"
 
@@ -40,7 +41,7 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
   bool is_known = false;
   for (;; std::this_thread::sleep_for(pause)) {
     if (std::chrono::steady_clock::now() - start >= patience) {
-      throw std::runtime_error("Cannot properly create an OpenGLControl.");
+      throw OpenGLError("Cannot properly create an OpenGLControl.");
     }
     try {
       context_ = std::make_unique<gl::OpenGLContext>(host_->window());
@@ -53,6 +54,7 @@ void OpenGLControl::create_context(SurfaceSharing sharing) {
     gl::initGlew();
     gl::printGLError("OpenGLControl");
     gl::checkOpenGLVersion(3, 3);
+    gl::log_opengl_messages();
     source_ = surface_kind(sharing).open_source();
     if (source_) return;
     context_.reset();

@@ -19,7 +19,7 @@ class OpenGLHost;
 // A ring of three hand-off buffers that frames rotate through. Lives on one thread, that of its context.
 class OpenGLControl {
  public:
-  // Throws std::runtime_error "Cannot properly create an OpenGLControl." when the system gives no context or
+  // Throws OpenGLError "Cannot properly create an OpenGLControl." when the system gives no context or
   // no buffers within one second.
   // The control's context is current afterwards; after a failure, what was current before.
   explicit OpenGLControl(SurfaceSharing sharing);

@@ -2,16 +2,17 @@
 
 #include <array>
 #include <chrono>
-#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "core/trace/thread_name.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 #include "hosting/loop/opengl_control.h"
 #include "hosting/loop/render_trace.h"
 #include "hosting/offscreen/offscreen_buffer_object.h"
@@ -83,8 +84,8 @@ OpenGLControlLoop::OpenGLControlLoop(Callback initCallback, Callback uninitCallb
     start_threads();
   } catch (const std::exception& error) {
     end_threads();
-    throw std::runtime_error(std::string("The threads of the control loop could not be started: ") +
-                             error.what());
+    throw Exception(kind_of(error),
+                    std::string("The threads of the control loop could not be started: ") + error.what());
   }
   start_gate_.wait();
 }
@@ -153,7 +154,7 @@ void OpenGLControlLoop::snapshot(std::uint32_t width, std::uint32_t height, void
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
   }
   if (mode_ == snapshot_mode) return;
-  if (size().empty()) throw std::runtime_error("A control loop without a size takes no snapshots. ");
+  if (size().empty()) throw StateError("A control loop without a size takes no snapshots. ");
   if (!desk_.place({width, height, data})) return;
   request_queue_.wake();
   return_map_.wake();  // a render thread that waits for the client draws the snapshot first
@@ -169,12 +170,12 @@ void OpenGLControlLoop::rendering_loop() noexcept {
       render();
       return;
     } catch (const std::exception& error) {
-      const char* const reason = reason_of(error);
+      const Reason reason = reason_of(error);
       let_everybody_go(reason);
       attempt([&] { log() << "Rendering loop: " << error.what(); });
-      tell_client(reason);
+      tell_client(reason.text);
     } catch (...) {
-      let_everybody_go(thread_ended);
+      let_everybody_go({ErrorKind::state, thread_ended});
       log() << "Rendering loop, unknown error.";
     }
   } catch (...) {
@@ -194,20 +195,21 @@ void OpenGLControlLoop::rest() {
 }
 
 // Without its device whatever is tried fails, each in a way of its own.
-const char* OpenGLControlLoop::reason_of(const std::exception& error) noexcept {
+OpenGLControlLoop::Reason OpenGLControlLoop::reason_of(const std::exception& error) noexcept {
   bool removed = false;
   attempt([&] {
     if (!control_) return;
     control_->make_current();
     removed = control_->device().removed();
   });
-  return removed ? graphics_device_removed : error.what();
+  if (removed) return {ErrorKind::opengl, graphics_device_removed};
+  return {kind_of(error), error.what()};
 }
 
 // The render thread ends: nobody may wait for a frame any more. The loop stays as it is until it is deleted.
-void OpenGLControlLoop::let_everybody_go(const char* reason) noexcept {
+void OpenGLControlLoop::let_everybody_go(const Reason& reason) noexcept {
   desk_.close(thread_ended);
-  desk_.fail(reason);
+  desk_.fail(reason.kind, reason.text);
   start_gate_.signal();
 }
 
@@ -266,6 +268,7 @@ void OpenGLControlLoop::await_work() {
       std::this_thread::yield();
     }
   }
+  const TimingMark mark("wait for requests");
   request_queue_.wait([this](RequestQueue::Content queued) { return has_work(queued); });
 }
 
@@ -293,10 +296,7 @@ void OpenGLControlLoop::render_frame(std::int32_t request) {
   // A frame that the client has not got yet is not drawn over: its buffer would arrive twice with the later
   // frame. A snapshot does not wait for the client, who may be asking for it in the very callback.
   if (&buffer == unfinished_) hand_over(true);
-  while (!return_map_.wait_until_returned(&buffer, [this] { return !running_ || desk_.has_order(); })) {
-    if (!running_) return;
-    serve_snapshot(request);
-  }
+  if (!await_buffer(buffer, request)) return;
 
   const Size wanted = size();
   if (wanted.empty()) return;  // since the client was waited for
@@ -305,18 +305,33 @@ void OpenGLControlLoop::render_frame(std::int32_t request) {
     buffer.resize(wanted.width, wanted.height);
   }
   {
-    const TimingMark callback_mark("Rendering callback (", std::to_string(buffer.buffer_id()) + ")");
+    const gl::PassMark callback_mark("Rendering callback (", std::to_string(buffer.buffer_id()) + ")");
     buffer.prepare(request);
     draw(request);
     buffer.finish();
     control_->device().check();
   }
+  record_timing_mark("frame end");
   control_->rotate_buffers();
   lock.unlock();
   // The frame before had the time of this one to be read back.
   hand_over(true);
   unfinished_ = &buffer;
+  unfinished_since_ = begin_timing_wait();
   hand_over(false);
+}
+
+// Until the client has given the buffer back; snapshots are drawn meanwhile. False when the loop ends.
+bool OpenGLControlLoop::await_buffer(const HandOffBuffer& buffer, std::int32_t request) {
+  const auto interrupted = [this] { return !running_ || desk_.has_order(); };
+  for (;;) {
+    {
+      const TimingMark mark("wait for the client");
+      if (return_map_.wait_until_returned(&buffer, interrupted)) return true;
+    }
+    if (!running_) return false;
+    serve_snapshot(request);
+  }
 }
 
 // Draws the snapshot that a client has ordered, if any, with this id.
@@ -324,18 +339,18 @@ bool OpenGLControlLoop::serve_snapshot(std::int32_t request) {
   const auto order = desk_.take();
   if (!order) return false;
   const auto failure = draw_snapshot(*order, request);
-  failure ? desk_.fail(failure->c_str()) : desk_.finish();
+  failure ? desk_.fail(failure->kind(), failure->what()) : desk_.finish();
   return true;
 }
 
 // The reason when it could not be drawn, which concerns nobody but who ordered it. What the client's function
 // throws ends the thread as it does in any frame. The target is gone afterwards: snapshots are rare and may
 // be large.
-std::optional<std::string> OpenGLControlLoop::draw_snapshot(const SnapshotDesk::Order& order,
-                                                            std::int32_t request) {
+std::optional<Exception> OpenGLControlLoop::draw_snapshot(const SnapshotDesk::Order& order,
+                                                          std::int32_t request) {
   OffscreenBufferObject target;
   const bool empty = order.width == 0 || order.height == 0;
-  const TimingMark callback_mark("Rendering callback (-1)");
+  const gl::PassMark callback_mark("Rendering callback (-1)");
   try {
     request_queue_.add(0);
     if (empty) return {};
@@ -344,16 +359,17 @@ std::optional<std::string> OpenGLControlLoop::draw_snapshot(const SnapshotDesk::
     check_render_target();
     check_viewport(order.width, order.height);
   } catch (const std::exception& error) {
-    return error.what();
+    return Exception(kind_of(error), error.what());
   }
   draw(request);
-  std::optional<std::string> failure;
+  std::optional<Exception> failure;
   try {
     gl::throwOnGLError("the snapshot");
     target.finish(order.data);
     gl::throwOnGLError("the snapshot");
+    record_timing_mark("frame end");
   } catch (const std::exception& error) {
-    failure = error.what();
+    failure.emplace(kind_of(error), error.what());
   }
   control_->device().check();
   return failure;
@@ -367,7 +383,7 @@ void OpenGLControlLoop::draw(std::int32_t request) {
     rendering_callback_(static_cast<std::uint32_t>(request));
     control_->make_current();
   } else {
-    const TimingMark mark("Test image callback");
+    const gl::PassMark mark("Test image callback");
     control_->render_test_image();
   }
 }
@@ -375,8 +391,10 @@ void OpenGLControlLoop::draw(std::int32_t request) {
 // Gives the last frame to the return thread once the GPU is done with it.
 void OpenGLControlLoop::hand_over(bool wait) {
   if (!unfinished_) return;
+  const TimingMark mark("hand over");
   const auto lock = unfinished_->lock();
   if (!unfinished_->complete(wait)) return;
+  record_timing_wait("frame is read back", unfinished_since_);
   HandOffBuffer* const finished = std::exchange(unfinished_, nullptr);
   return_map_.insert(finished->order_key(), finished);
 }

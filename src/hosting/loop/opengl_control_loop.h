@@ -10,6 +10,8 @@
 #include <thread>
 
 #include "core/error_callback.h"
+#include "core/exception.h"
+#include "core/timing_mark.h"
 #include "hosting/host/signal_event.h"
 #include "hosting/loop/functors.h"
 #include "hosting/loop/request_queue.h"
@@ -78,12 +80,18 @@ class OpenGLControlLoop {
   bool has_work(RequestQueue::Content queued) const;
   RequestQueue::Request next_request();
   void render_frame(std::int32_t request);
+  bool await_buffer(const HandOffBuffer& buffer, std::int32_t request);
   bool serve_snapshot(std::int32_t request);
-  std::optional<std::string> draw_snapshot(const SnapshotDesk::Order& order, std::int32_t request);
+  std::optional<Exception> draw_snapshot(const SnapshotDesk::Order& order, std::int32_t request);
   void draw(std::int32_t request);
   void hand_over(bool wait);
-  const char* reason_of(const std::exception& error) noexcept;
-  void let_everybody_go(const char* reason) noexcept;
+  struct Reason {
+    ErrorKind kind;
+    const char* text;
+  };
+
+  Reason reason_of(const std::exception& error) noexcept;
+  void let_everybody_go(const Reason& reason) noexcept;
   void tell_client(const char* message);
   void rest();
   void return_loop();
@@ -111,6 +119,7 @@ class OpenGLControlLoop {
   std::atomic<std::uint64_t> size_{0};  // width in the upper half, so that both change together
   const SurfaceSharing sharing_;
   HandOffBuffer* unfinished_ = nullptr;  // of the render thread: its frame still waits for the GPU
+  TimingListener::Time unfinished_since_;
   SnapshotDesk desk_;
   std::mutex mode_mutex_;
   std::atomic<std::thread::id> render_thread_id_{};

@@ -8,6 +8,8 @@
 #include <mutex>
 #include <optional>
 
+#include "core/timing_mark.h"
+
 namespace oct {
 
 inline constexpr std::int32_t no_request = -1;  // an id that draws nothing
@@ -25,14 +27,15 @@ class RequestQueue {
   void add(std::int32_t id) {
     {
       const std::lock_guard lock(mutex_);
-      if (std::find(ids_.begin(), ids_.end(), id) == ids_.end()) ids_.push_back(id);
+      if (std::ranges::find(requests_, id, &Queued::id) == requests_.end())
+        requests_.push_back({id, begin_timing_wait()});
     }
     condition_.notify_all();
   }
 
   Content content() const {
     const std::lock_guard lock(mutex_);
-    return {!ids_.empty(), first_drawable() != ids_.end()};
+    return {!requests_.empty(), first_drawable() != requests_.end()};
   }
 
   // Blocks until the condition, which is given the content, holds; who changes what else it looks at calls
@@ -40,7 +43,9 @@ class RequestQueue {
   template <class Condition>
   void wait(Condition&& condition) {
     std::unique_lock lock(mutex_);
-    condition_.wait(lock, [&] { return condition(Content{!ids_.empty(), first_drawable() != ids_.end()}); });
+    condition_.wait(lock, [&] {
+      return condition(Content{!requests_.empty(), first_drawable() != requests_.end()});
+    });
   }
 
   void wake() {
@@ -51,34 +56,43 @@ class RequestQueue {
   // Passes over ids that draw nothing: whatever is queued behind one would never come.
   Request front() const {
     const std::lock_guard lock(mutex_);
-    const auto id = first_drawable();
-    return id == ids_.end() ? Request() : Request(*id);
+    const auto request = first_drawable();
+    return request == requests_.end() ? Request() : Request(request->id);
   }
 
   Request take() {
-    const std::lock_guard lock(mutex_);
-    if (ids_.empty()) return {};
-    const std::int32_t id = ids_.front();
-    ids_.pop_front();
-    return id;
+    Queued request;
+    {
+      const std::lock_guard lock(mutex_);
+      if (requests_.empty()) return {};
+      request = requests_.front();
+      requests_.pop_front();
+    }
+    record_timing_wait("request waits", request.since);
+    return request.id;
   }
 
   // Takes the front id and puts it at the back again.
   Request rotate() {
     const std::lock_guard lock(mutex_);
-    if (ids_.empty()) return {};
-    std::rotate(ids_.begin(), ids_.begin() + 1, ids_.end());
-    return ids_.back();
+    if (requests_.empty()) return {};
+    std::rotate(requests_.begin(), requests_.begin() + 1, requests_.end());
+    return requests_.back().id;
   }
 
  private:
-  std::deque<std::int32_t>::const_iterator first_drawable() const {
-    return std::find_if(ids_.begin(), ids_.end(), [](std::int32_t id) { return id != no_request; });
+  struct Queued {
+    std::int32_t id = no_request;
+    TimingListener::Time since;
+  };
+
+  std::deque<Queued>::const_iterator first_drawable() const {
+    return std::ranges::find_if(requests_, [](const Queued& request) { return request.id != no_request; });
   }
 
   mutable std::mutex mutex_;
   std::condition_variable condition_;
-  std::deque<std::int32_t> ids_;
+  std::deque<Queued> requests_;
 };
 
 }  // namespace oct

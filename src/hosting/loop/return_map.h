@@ -8,6 +8,8 @@
 #include <map>
 #include <mutex>
 
+#include "core/timing_mark.h"
+
 namespace oct {
 
 class HandOffBuffer;
@@ -19,7 +21,7 @@ class ReturnMap {
   void insert(std::int32_t key, HandOffBuffer* buffer) {
     {
       const std::lock_guard lock(mutex_);
-      buffers_[key] = buffer;
+      frames_[key] = {buffer, begin_timing_wait()};
     }
     condition_.notify_all();
   }
@@ -37,15 +39,20 @@ class ReturnMap {
   // or else the smallest of all, and returns its buffer. The buffer counts as waiting until returned() is
   // called. Null once closed.
   HandOffBuffer* take() {
-    std::unique_lock lock(mutex_);
-    condition_.wait(lock, [this] { return closed_ || !buffers_.empty(); });
-    if (closed_) return nullptr;
-    auto entry = buffers_.upper_bound(last_key_);
-    if (entry == buffers_.end()) entry = buffers_.begin();
-    last_key_ = entry->first;
-    taken_ = entry->second;
-    buffers_.erase(entry);
-    return taken_;
+    Finished frame;
+    {
+      std::unique_lock lock(mutex_);
+      condition_.wait(lock, [this] { return closed_ || !frames_.empty(); });
+      if (closed_) return nullptr;
+      auto entry = frames_.upper_bound(last_key_);
+      if (entry == frames_.end()) entry = frames_.begin();
+      last_key_ = entry->first;
+      frame = entry->second;
+      taken_ = frame.buffer;
+      frames_.erase(entry);
+    }
+    record_timing_wait("frame waits for the client", frame.since);
+    return frame.buffer;
   }
 
   // The client has seen the taken buffer, or nobody wants it.
@@ -72,14 +79,19 @@ class ReturnMap {
   }
 
  private:
+  struct Finished {
+    HandOffBuffer* buffer = nullptr;
+    TimingListener::Time since;
+  };
+
   bool holds(const HandOffBuffer* buffer) const {
-    return taken_ == buffer || std::any_of(buffers_.begin(), buffers_.end(),
-                                           [&](const auto& entry) { return entry.second == buffer; });
+    return taken_ == buffer || std::any_of(frames_.begin(), frames_.end(),
+                                           [&](const auto& entry) { return entry.second.buffer == buffer; });
   }
 
   std::mutex mutex_;
   std::condition_variable condition_;
-  std::map<std::int32_t, HandOffBuffer*> buffers_;
+  std::map<std::int32_t, Finished> frames_;
   std::int32_t last_key_ = std::numeric_limits<std::int32_t>::max();
   HandOffBuffer* taken_ = nullptr;
   bool closed_ = false;

@@ -1,7 +1,6 @@
 #include "hosting/loop/snapshot_desk.h"
 
 #include <exception>
-#include <stdexcept>
 #include <utility>
 
 #include "core/timing_mark.h"
@@ -12,7 +11,7 @@ bool SnapshotDesk::place(const Order& order) {
   const TimingMark outer_mark("OpenGLControl::snapshot");
   const TimingMark inner_mark("OffscreenBuffer::set_output_data");
   const std::lock_guard lock(mutex_);
-  if (closed_) throw std::runtime_error(closed_);
+  if (closed_) throw StateError(closed_);
   if (state_ != State::free) return false;
   order_ = order;
   state_ = State::placed;
@@ -35,9 +34,9 @@ void SnapshotDesk::wait() {
   const TimingMark inner_mark("OffscreenBuffer::wait");
   std::unique_lock lock(mutex_);
   changed_.wait(lock, [this] { return state_ == State::done; });
-  if (!failed_) return;
+  if (failed_ == ErrorKind::none) return;
   const std::string reason = std::exchange(failure_, {});
-  throw std::runtime_error(reason.empty() ? "The snapshot could not be drawn. " : reason);
+  throw Exception(failed_, reason.empty() ? "The snapshot could not be drawn. " : reason);
 }
 
 bool SnapshotDesk::has_order() const {
@@ -58,17 +57,17 @@ std::optional<SnapshotDesk::Order> SnapshotDesk::take() {
 }
 
 void SnapshotDesk::finish() noexcept {
-  set_done(false, "");
+  set_done(ErrorKind::none, "");
 }
 
-void SnapshotDesk::fail(const char* reason) noexcept {
-  set_done(true, reason);
+void SnapshotDesk::fail(ErrorKind kind, const char* reason) noexcept {
+  set_done(kind, reason);
 }
 
-void SnapshotDesk::set_done(bool failed, const char* reason) noexcept {
+void SnapshotDesk::set_done(ErrorKind kind, const char* reason) noexcept {
   const std::lock_guard lock(mutex_);
   if (state_ != State::placed && state_ != State::taken) return;
-  failed_ = failed;
+  failed_ = kind;
   try {
     failure_ = reason;
   } catch (const std::exception&) {

@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "core/exception.h"
+
 namespace oct {
 
 // Holds one order at a time. Only what has been taken may be written to, and an order is taken before its
@@ -19,18 +21,19 @@ class SnapshotDesk {
     void* data;  // of the client, who waits as long as somebody may write to it
   };
 
-  // Of a client's thread: false, and nothing is done, while another order is here. Throws std::runtime_error
-  // with the reason once the desk is closed. Whoever has placed an order calls wait.
+  // Of a client's thread: false, and nothing is done, while another order is here. Throws a StateError with the
+  // reason once the desk is closed. Whoever has placed an order calls wait.
   bool place(const Order& order);
 
-  // Blocks until the order is drawn; throws std::runtime_error with the reason when it was not.
+  // Blocks until the order is drawn; throws the reason, of its own kind, when it was not.
   void wait();
 
   // Of the render thread: it finishes or fails each order that it takes.
   bool has_order() const;
   std::optional<Order> take();
   void finish() noexcept;
-  void fail(const char* reason) noexcept;  // whether it was taken yet or not; does nothing without an order
+  void fail(ErrorKind kind,
+            const char* reason) noexcept;  // whether it was taken yet or not; does nothing without an order
 
   bool busy() const;  // from the placing of an order until it is finished or has failed
 
@@ -40,13 +43,13 @@ class SnapshotDesk {
  private:
   enum class State { free, placed, taken, done };
 
-  void set_done(bool failed, const char* reason) noexcept;
+  void set_done(ErrorKind kind, const char* reason) noexcept;
 
   mutable std::mutex mutex_;
   std::condition_variable changed_;
   State state_ = State::free;
   Order order_{};
-  bool failed_ = false;
+  ErrorKind failed_ = ErrorKind::none;
   std::string failure_;  // empty when there was no memory for the reason
   const char* closed_ = nullptr;
 };

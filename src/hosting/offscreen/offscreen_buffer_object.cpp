@@ -2,6 +2,7 @@
 
 #include "core/timing_mark.h"
 #include "gl/read_back.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 
@@ -36,7 +37,7 @@ void OffscreenBufferObject::discard() {
 }
 
 void OffscreenBufferObject::prepare(std::uint32_t width, std::uint32_t height) {
-  const TimingMark mark("OffscreenBuffer::prepare");
+  const gl::PassMark mark("OffscreenBuffer::prepare");
   const auto columns = static_cast<GLsizei>(width);
   const auto rows = static_cast<GLsizei>(height);
   const bool whole = target_.framebuffer && target_.color && target_.depth;
@@ -55,7 +56,7 @@ void OffscreenBufferObject::prepare(std::uint32_t width, std::uint32_t height) {
 }
 
 void OffscreenBufferObject::finish(void* data) {
-  const TimingMark mark("OffscreenBuffer::finish");
+  const gl::PassMark mark("OffscreenBuffer::finish");
   if (!data) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   gl::read_color(target_.framebuffer, width_, height_, data);

@@ -1,14 +1,16 @@
 #include "hosting/offscreen/offscreen_target.h"
 
 #include <exception>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/gpu_track.h"
 #include "hosting/host/opengl_host.h"
 
 namespace oct {
@@ -17,6 +19,7 @@ OffscreenTarget::OffscreenTarget() : host_(OpenGLHost::acquire()), context_(host
   context_.makeCurrent();
   gl::initGlew();
   gl::checkOpenGLVersion(3, 3);
+  gl::log_opengl_messages();
 }
 
 OffscreenTarget::~OffscreenTarget() {
@@ -56,8 +59,8 @@ void OffscreenTarget::prepare(std::uint32_t width, std::uint32_t height) {
     gl::throwOnGLError("beginOffscreenFrame");
     const GLenum status = glCheckFramebufferStatus(GL_DRAW_FRAMEBUFFER);
     if (status != GL_FRAMEBUFFER_COMPLETE) {
-      throw std::runtime_error(std::string("The offscreen framebuffer is not complete: ") +
-                               gl::framebufferStatusName(status));
+      throw OpenGLError(std::string("The offscreen framebuffer is not complete: ") +
+                        gl::framebufferStatusName(status));
     }
   } catch (...) {
     buffer_.discard();
@@ -66,13 +69,14 @@ void OffscreenTarget::prepare(std::uint32_t width, std::uint32_t height) {
 }
 
 void OffscreenTarget::finish_frame(void* pixels) {
-  if (!before_frame_) throw std::runtime_error("No offscreen frame has been begun. ");
+  if (!before_frame_) throw StateError("No offscreen frame has been begun. ");
   context_.makeCurrent();
   const gl::RestoreCurrent restore(*std::exchange(before_frame_, std::nullopt));
   const gl::ClientPack pack;
   try {
     buffer_.finish(pixels);
     gl::throwOnGLError("finishOffscreenFrame");
+    if (pixels) gl::collect_gpu_times();
   } catch (...) {
     buffer_.discard();
     throw;

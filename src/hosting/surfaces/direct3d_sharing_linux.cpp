@@ -1,20 +1,20 @@
 #include "hosting/surfaces/direct3d_sharing.h"
 
-#include <stdexcept>
+#include "core/exception.h"
 
 namespace oct {
 namespace {
 
 std::unique_ptr<AbstractBufferSource> open_direct3d_source() {
-  throw std::runtime_error(direct3d_not_supported);
+  throw OpenGLError(direct3d_not_supported);
 }
 
 std::unique_ptr<AbstractClientSurface> create_direct3d_surface(std::uint32_t, std::uint32_t) {
-  throw std::runtime_error(direct3d_not_supported);
+  throw OpenGLError(direct3d_not_supported);
 }
 
 void copy_direct3d_surface(void*, void*) {
-  throw std::runtime_error(direct3d_not_supported);
+  throw OpenGLError(direct3d_not_supported);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "core/exception.h"
 #include "core/log.h"
 #include "hosting/surfaces/dx9_shared_buffer_object_windows.h"
 #include "hosting/surfaces/graphics_device.h"
@@ -54,8 +55,8 @@ std::unique_ptr<AbstractBufferSource> open_direct3d_source() {
 // No device is made here: without one there are no loops whose frames could be copied.
 std::shared_ptr<DX9Device> device_of_frames() {
   auto device = DX9Device::newest();
-  if (!device) throw std::runtime_error(direct3d_not_supported);
-  if (!device->is_usable()) throw std::runtime_error(graphics_device_removed);
+  if (!device) throw OpenGLError(direct3d_not_supported);
+  if (!device->is_usable()) throw OpenGLError(graphics_device_removed);
   return device;
 }
 
@@ -63,10 +64,16 @@ std::unique_ptr<AbstractClientSurface> create_direct3d_surface(std::uint32_t wid
   return std::make_unique<DX9ClientSurface>(device_of_frames(), width, height);
 }
 
+[[noreturn]] void copy_failed(HRESULT result) {
+  const bool memory = result == E_OUTOFMEMORY || result == D3DERR_OUTOFVIDEOMEMORY;
+  throw Exception(memory ? ErrorKind::memory : ErrorKind::opengl,
+                  "Could not copy the surface: " + direct3d_answer(result));
+}
+
 ComOwner<IDirect3DDevice9> device_of(IDirect3DSurface9& surface) {
   IDirect3DDevice9* device = nullptr;
   const HRESULT result = surface.GetDevice(&device);
-  if (FAILED(result)) throw std::runtime_error("Could not copy the surface: " + direct3d_answer(result));
+  if (FAILED(result)) copy_failed(result);
   return ComOwner<IDirect3DDevice9>(device);
 }
 
@@ -76,10 +83,10 @@ void copy_direct3d_surface(void* from_surface, void* to_surface) {
   auto& destination = *static_cast<IDirect3DSurface9*>(to_surface);
   const auto device = device_of(source);
   if (device != device_of(destination)) {
-    throw std::runtime_error("Could not copy the surface: the two belong to different Direct3D devices. ");
+    throw std::invalid_argument("Could not copy the surface: the two belong to different Direct3D devices. ");
   }
   const HRESULT result = device->StretchRect(&source, nullptr, &destination, nullptr, D3DTEXF_NONE);
-  if (FAILED(result)) throw std::runtime_error("Could not copy the surface: " + direct3d_answer(result));
+  if (FAILED(result)) copy_failed(result);
 }
 
 }  // namespace

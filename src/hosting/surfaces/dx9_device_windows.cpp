@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <cstring>
 #include <mutex>
-#include <stdexcept>
 #include <vector>
 
+#include "core/exception.h"
 #include "core/immortal.h"
 #include "core/log.h"
 #include "gl/context/hidden_window_windows.h"
@@ -20,7 +20,7 @@ template <class Interface, class Create>
 ComOwner<Interface> created(Create&& create) {
   Interface* object = nullptr;
   if (FAILED(create(&object)) || !object)
-    throw std::runtime_error("An error occured creating the Direct 3D device. ");
+    throw OpenGLError("An error occured creating the Direct 3D device. ");
   return ComOwner<Interface>(object);
 }
 
@@ -98,7 +98,7 @@ std::string direct3d_answer(HRESULT result) {
 ComOwner<IDirect3DSurface9> surface_of(IDirect3DTexture9& texture) {
   IDirect3DSurface9* surface = nullptr;
   if (FAILED(texture.GetSurfaceLevel(0, &surface))) {
-    throw std::runtime_error("Could not get surface level of shared texture. ");
+    throw OpenGLError("Could not get surface level of shared texture. ");
   }
   return ComOwner<IDirect3DSurface9>(surface);
 }

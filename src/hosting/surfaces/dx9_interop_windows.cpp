@@ -4,10 +4,10 @@
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <stdexcept>
 #include <utility>
 
 #include "core/console.h"
+#include "core/exception.h"
 #include "core/immortal.h"
 #include "core/log.h"
 #include "gl/context/wgl_extension_windows.h"
@@ -38,7 +38,7 @@ OpenHandles& open_handles() {
 
 void require_interop() {
   if (!gl::has_wgl_extension("WGL_NV_DX_interop") || !wglDXOpenDeviceNV) {
-    throw std::runtime_error(direct3d_not_supported);
+    throw OpenGLError(direct3d_not_supported);
   }
 }
 
@@ -93,19 +93,19 @@ void InteropObject::register_texture(const InteropDevice& device, IDirect3DTextu
 
 void InteropObject::lock(const char* failure) {
   if (locked_) return;
-  if (!object_) throw std::runtime_error(failure);
+  if (!object_) throw OpenGLError(failure);
   if (!wglDXLockObjectsNV(device_, 1, &object_)) {
     log() << "The shared texture could not be locked: " << GetLastError();
-    throw std::runtime_error(failure);
+    throw OpenGLError(failure);
   }
   locked_ = true;
 }
 
 void InteropObject::unlock(const char* failure) {
-  if (!locked_) throw std::runtime_error(failure);
+  if (!locked_) throw OpenGLError(failure);
   if (!wglDXUnlockObjectsNV(device_, 1, &object_)) {
     log() << "The shared texture could not be unlocked: " << GetLastError();
-    throw std::runtime_error(failure);
+    throw OpenGLError(failure);
   }
   locked_ = false;
 }
@@ -114,7 +114,7 @@ void InteropObject::unregister() {
   constexpr const char* failure = "Could not unregister shared object. ";
   if (!object_ || !wglDXUnregisterObjectNV) return;
   if (locked_) unlock(failure);
-  if (!wglDXUnregisterObjectNV(device_, object_)) throw std::runtime_error(failure);
+  if (!wglDXUnregisterObjectNV(device_, object_)) throw OpenGLError(failure);
   object_ = nullptr;
 }
 

@@ -50,7 +50,7 @@ class InteropObject {
   void register_texture(const InteropDevice& device, IDirect3DTexture9* texture, unsigned name);
 
   // Gives the texture to OpenGL; nothing if OpenGL has it already. Logs the system's error number and throws
-  // std::runtime_error with the given text on failure, and for an empty object.
+  // an OpenGLError with the given text on failure, and for an empty object.
   void lock(const char* failure);
 
   // Gives it to Direct3D. No framebuffer may be bound that has it. Failures as lock, also if Direct3D has it.

@@ -1,10 +1,10 @@
 #include "hosting/surfaces/dx9_shared_buffer_object_windows.h"
 
-#include <stdexcept>
-
 #include "core/console.h"
+#include "core/exception.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
+#include "gl/trace/pass_mark.h"
 // After gl.h, which it needs.
 #include <GL/wglew.h>
 
@@ -44,7 +44,7 @@ void DX9SharedBufferObject::release() {
 void DX9SharedBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   const TimingMark inclusive("dx_buffer_resize_incl");
   const TimingMark exclusive("dx_buffer_resize_excl");
-  const TimingMark mark("resize shared buffer");
+  const gl::PassMark mark("resize shared buffer");
   release();
 
   const auto columns = static_cast<GLsizei>(width);
@@ -67,10 +67,10 @@ void DX9SharedBufferObject::resize(std::uint32_t width, std::uint32_t height) {
 
 void DX9SharedBufferObject::share_texture(std::uint32_t width, std::uint32_t height) {
   texture_ = device_.create_texture(width, height);
-  if (!interop_) throw std::runtime_error("Cannot create a texture for a null device.");
+  if (!interop_) throw OpenGLError("Cannot create a texture for a null device.");
   if (!wglDXSetResourceShareHandleNV(texture_.texture.get(), texture_.share_handle)) {
     log() << "Resource could not be shared. ";
-    throw std::runtime_error("Could not share resources. ");
+    throw OpenGLError("Could not share resources. ");
   }
   shared_texture_ = gl::Texture::create();
   object_.register_texture(*interop_, texture_.texture.get(), shared_texture_.get());
@@ -90,7 +90,7 @@ void DX9SharedBufferObject::attach_shared_texture() {
   }
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
   object_.unlock("Could not unregister shared object. ");
-  if (!complete) throw std::runtime_error("Could not get shared framebuffer. Fallback failed.");
+  if (!complete) throw OpenGLError("Could not get shared framebuffer. Fallback failed.");
 }
 
 void DX9SharedBufferObject::create_fallback_target(GLsizei width, GLsizei height) {
@@ -122,7 +122,7 @@ void DX9SharedBufferObject::finish() {
 }
 
 void DX9SharedBufferObject::blit_to_shared_texture() {
-  const TimingMark mark("DXSharedBufferObject: blitFrameBuffer");
+  const gl::PassMark mark("DXSharedBufferObject: blitFrameBuffer");
   const GLboolean scissor = glIsEnabled(GL_SCISSOR_TEST);  // the client's; it would cut the blit
   glDisable(GL_SCISSOR_TEST);
   glBindFramebuffer(GL_READ_FRAMEBUFFER, render_framebuffer_.get());

@@ -1,8 +1,8 @@
 #include "hosting/surfaces/graphics_device.h"
 
 #include <cstdint>
-#include <stdexcept>
 
+#include "core/exception.h"
 #include "core/log.h"
 #include "gl/context/opengl_loader.h"
 #include "gl/gl.h"
@@ -46,7 +46,7 @@ bool DeviceWatch::removed() {
 }
 
 void DeviceWatch::check() {
-  if (removed()) throw std::runtime_error(graphics_device_removed);
+  if (removed()) throw OpenGLError(graphics_device_removed);
 }
 
 }  // namespace oct

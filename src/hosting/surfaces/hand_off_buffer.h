@@ -6,6 +6,8 @@
 #include <mutex>
 #include <utility>
 
+#include "core/exception.h"
+
 namespace oct {
 
 // A client's view of a finished frame. Holds the buffer's lock for its whole life.
@@ -71,7 +73,7 @@ class HandOffBuffer {
 };
 
 // Logs the reason and throws "Could not generate render target. ".
-[[noreturn]] void render_target_failed(const char* reason);
+[[noreturn]] void render_target_failed(const char* reason, ErrorKind kind = ErrorKind::opengl);
 
 // Fails so when OpenGL has reported an error, or when the target that is bound for drawing is not complete.
 void check_render_target();

@@ -1,11 +1,12 @@
 #include "hosting/surfaces/host_buffer_object.h"
 
-#include <stdexcept>
-
+#include "core/exception.h"
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
 #include "gl/read_back.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 
@@ -23,7 +24,7 @@ void HostBufferObject::release() {
 }
 
 void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
-  const TimingMark mark("host_buffer_resize");
+  const gl::PassMark mark("host_buffer_resize");
   release();
   // Whatever fails below, the buffer has no size, so that the next frame repairs it.
   surface_ = {};
@@ -36,9 +37,10 @@ void HostBufferObject::resize(std::uint32_t width, std::uint32_t height) {
   const auto size = static_cast<GLsizeiptr>(width) * static_cast<GLsizeiptr>(height) * 4;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
   glBufferData(GL_PIXEL_PACK_BUFFER, size, nullptr, GL_STREAM_READ);
+  gl::label(pixels_, "frame on its way");
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   const GLenum error = glGetError();
-  if (error != GL_NO_ERROR) render_target_failed(gl::error_text(error));
+  if (error != GL_NO_ERROR) render_target_failed(gl::error_text(error), gl::kind_of(error));
   surface_ = {width, height, width * 4, nullptr};
 }
 
@@ -52,7 +54,7 @@ void HostBufferObject::prepare(std::int32_t request) {
 }
 
 void HostBufferObject::finish() {
-  const TimingMark mark("HostBufferObject: finish");
+  const gl::PassMark mark("HostBufferObject: finish");
   gl::discard_gl_errors();
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
   gl::read_color(target_.framebuffer, columns(), rows(), nullptr);
@@ -73,7 +75,7 @@ void HostBufferObject::finish() {
 bool HostBufferObject::complete(bool wait) {
   if (!finished_) return true;
   if (fence_) {
-    const GLenum result = fence_.wait(wait ? gl::one_second : 0);
+    const GLenum result = await_gpu(wait);
     if (result == GL_TIMEOUT_EXPIRED && !wait) return false;
     fence_.reset();
     if (result != GL_ALREADY_SIGNALED && result != GL_CONDITION_SATISFIED) {
@@ -82,14 +84,20 @@ bool HostBufferObject::complete(bool wait) {
     }
   }
   finished_ = false;
-  const TimingMark mark("HostBufferObject: map");
+  const gl::PassMark mark("HostBufferObject: map");
   const auto size = static_cast<GLsizeiptr>(surface_.stride_bytes) * static_cast<GLsizeiptr>(surface_.height);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
   surface_.pixels =
       static_cast<unsigned char*>(glMapBufferRange(GL_PIXEL_PACK_BUFFER, 0, size, GL_MAP_READ_BIT));
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  if (!surface_.pixels) throw std::runtime_error("Could not map the pixels of a frame. ");
+  if (!surface_.pixels) throw OpenGLError("Could not map the pixels of a frame. ");
   return true;
+}
+
+GLenum HostBufferObject::await_gpu(bool wait) const {
+  if (!wait) return fence_.wait(0);
+  const TimingMark mark("wait for the GPU");
+  return fence_.wait(gl::one_second);
 }
 
 // A buffer that is given up because its context is not current is unmapped by its end.

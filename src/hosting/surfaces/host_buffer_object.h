@@ -25,6 +25,7 @@ class HostBufferObject : public HandOffBuffer {
   bool complete(bool wait) override;
 
  private:
+  GLenum await_gpu(bool wait) const;
   GLsizei columns() const { return static_cast<GLsizei>(surface_.width); }
   GLsizei rows() const { return static_cast<GLsizei>(surface_.height); }
   void unmap();

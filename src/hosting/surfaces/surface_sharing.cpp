@@ -5,6 +5,7 @@
 #include <atomic>
 #include <stdexcept>
 
+#include "core/exception.h"
 #include "hosting/surfaces/direct3d_sharing.h"
 #include "hosting/surfaces/host_sharing.h"
 
@@ -30,7 +31,7 @@ const SurfaceKind& surface_kind(SurfaceSharing sharing) {
 
 void set_surface_sharing(int value) {
   const SurfaceKind& kind = surface_kind(static_cast<SurfaceSharing>(value));
-  if (!kind.available) throw std::runtime_error(direct3d_not_supported);
+  if (!kind.available) throw OpenGLError(direct3d_not_supported);
   current_sharing = kind.sharing;
 }
 

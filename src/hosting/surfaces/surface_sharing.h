@@ -44,7 +44,7 @@ struct SurfaceKind {
 // Throws std::invalid_argument for an unknown value.
 const SurfaceKind& surface_kind(SurfaceSharing sharing);
 
-// The setting for controls to come. Throws std::invalid_argument for an unknown value, std::runtime_error for
+// The setting for controls to come. Throws std::invalid_argument for an unknown value, an OpenGLError for
 // a kind that this platform does not have.
 void set_surface_sharing(int value);
 SurfaceSharing surface_sharing();

@@ -5,10 +5,11 @@
 #include <bit>
 #include <cmath>
 #include <cstdlib>
-#include <stdexcept>
 
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
 
 namespace oct {
 namespace {
@@ -66,10 +67,11 @@ void SampleColorsTexture::upload(const RevisedColormap& colormap, SampleOpacity 
   if (texture_ && uploaded_ == colormap.revision() && opacity_ == opacity) return;
   uploaded_ = 0;  // the texture is about to be spoilt
   if (!texture_) texture_ = gl::Texture::create();
-  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   const SampleColors colors(colormap.colors(), opacity);
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture_.get());
+  gl::label(texture_, "colours of samples");
   for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
     glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0);

@@ -29,7 +29,7 @@ struct SampleColors {
 // Their texture.
 class SampleColorsTexture {
  public:
-  // Uploads them unless they are there. When OpenGL refuses, std::runtime_error is thrown and the next call tries
+  // Uploads them unless they are there. When OpenGL refuses, an OpenGLError is thrown and the next call tries
   // again.
   void upload(const RevisedColormap& colormap, SampleOpacity opacity);
   void release();

@@ -1,7 +1,6 @@
 #include "volume/frame/volume_colormap.h"
 
-#include <stdexcept>
-
+#include "core/exception.h"
 #include "core/timing_mark.h"
 #include "volume/skipping/visibility.h"
 
@@ -39,7 +38,7 @@ void VolumeColormaps::release() {
 }
 
 const VolumeColormap& VolumeColormaps::at(ColormapRole role) const {
-  if (!exist_) throw std::runtime_error("Program has not been compiled yet.");
+  if (!exist_) throw StateError("Program has not been compiled yet.");
   return colormaps_[static_cast<std::size_t>(role)];
 }
 

@@ -38,7 +38,7 @@ class VolumeColormaps {
   void update(const VolumeSettings& settings);
   void release();  // deletes the textures
 
-  // Throws std::runtime_error "Program has not been compiled yet." in a frame whose settings have none: both are
+  // Throws StateError "Program has not been compiled yet." in a frame whose settings have none: both are
   // made together.
   const VolumeColormap& at(ColormapRole role) const;
 

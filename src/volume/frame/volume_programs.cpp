@@ -1,8 +1,8 @@
 #include "volume/frame/volume_programs.h"
 
-#include <stdexcept>
 #include <string>
 
+#include "core/exception.h"
 #include "core/timing_mark.h"
 #include "shaders.h"
 
@@ -80,7 +80,7 @@ void SurfaceBackProgram::load() {
 
 template <class Program, class Build>
 const Program& VolumePrograms::built(Program& program, Build build) {
-  if (!loaded_) throw std::runtime_error("Program has not been compiled yet.");
+  if (!loaded_) throw StateError("Program has not been compiled yet.");
   if (program.program() != 0) return program;
   const TimingMark mark("shader_compile_volume");
   try {

@@ -42,7 +42,7 @@ struct RaycastingVariant {
 };
 
 // Each is built when it is first asked for, and stays. One that does not build is tried again the next time. Before
-// load() and after unload() asking throws std::runtime_error "Program has not been compiled yet.".
+// load() and after unload() asking throws StateError "Program has not been compiled yet.".
 class VolumePrograms {
  public:
   void load(const VolumeSettings& settings);  // those that a frame with these settings needs

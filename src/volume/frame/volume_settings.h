@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include <glm/glm.hpp>
 
+#include "core/extent.h"
 #include "gl/colormap.h"
 #include "gl/slice_revisions.h"
 #include "volume/layout/camera.h"
@@ -82,6 +84,9 @@ struct VolumeSettings {
   bool operator==(const VolumeSettings&) const = default;
 };
 
+// Why a source has no volume to show, or an empty one.
+enum class VolumeLack { none, not_allocated, no_voxels, not_uploaded, no_overlay, no_live_volume };
+
 // What the owner of a volume supplies for one frame, all of it every time. The textures stay the owner's.
 struct VolumeSource {
   GLuint volume = 0;
@@ -89,18 +94,22 @@ struct VolumeSource {
   bool overlay_present = false;
   GLuint secondary = 0;
   int secondary_slice_count = 0;
-  std::uint64_t secondary_revision = 0;   // another one when the texture changed
   bool main_colormap_is_overlay = false;  // colours the volume by the overlay's colour map and boundaries
   int slice_count = 0;                    // parts in which the volume fills
   float filled_fraction = 1.0F;
   std::optional<Range> range;  // takes the place of the client's
   // Which slices of the textures changed; null where there is no texture.
-  const gl::SliceRevisions* volume_revisions = nullptr;
-  const gl::SliceRevisions* overlay_revisions = nullptr;
+  std::shared_ptr<const gl::SliceRevisions> volume_revisions;
+  std::shared_ptr<const gl::SliceRevisions> overlay_revisions;
+  std::shared_ptr<const gl::SliceRevisions> secondary_revisions;
   // What rays may jump over: all of it the owner's, made ready by the frame. Null: nothing is known.
   BrickMaxima* volume_maxima = nullptr;
   BrickMaxima* overlay_maxima = nullptr;
   EmptySpace* empty_space = nullptr;
+  // For those who ask about the frame.
+  VolumeExtent extent;  // of the volume, or of the overlay that takes its place
+  VolumeLack lack = VolumeLack::none;
+  std::shared_ptr<const std::string> refusal;  // what the last allocation failed with; null: it did not
 
   bool operator==(const VolumeSource&) const = default;
 };

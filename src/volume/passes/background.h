@@ -15,7 +15,7 @@ class Background {
  private:
   void upload();
 
-  gl::Geometry quad_;
+  gl::Geometry quad_{"background"};
   glm::vec4 bottom_{0.0F};
   glm::vec4 top_{0.0F};
   bool changed_ = true;

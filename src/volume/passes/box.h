@@ -17,7 +17,7 @@ class Box {
  private:
   void upload(const FilledBox& box);
 
-  gl::Geometry geometry_;
+  gl::Geometry geometry_{"box"};
   std::optional<float> end_;  // of the geometry; none until it is uploaded
 };
 

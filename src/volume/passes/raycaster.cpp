@@ -7,6 +7,7 @@
 #include "core/timing_mark.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 #include "volume/layout/box_view.h"
 #include "volume/passes/ray_skipping.h"
 
@@ -42,7 +43,7 @@ void Raycaster::release() {
 }
 
 void Raycaster::draw(const VolumeFrame& frame, Box& box, Surface& surface) {
-  const TimingMark mark("render_raycasting::drawing");
+  const gl::PassMark mark("render_raycasting::drawing");
   const VolumeMode mode = frame.settings.volume_mode;
   if (frame.box.empty()) return;
   if (mode == VolumeMode::dual_coloring && !secondary_slice_exists(frame)) return;

@@ -21,8 +21,8 @@ class Raycaster {
   void draw_front_faces(const RaycastingProgram& program, const VolumeFrame& frame, Box& box);
 
   SurfacePositions surface_positions_;
-  gl::Geometry cut_face_;
-  gl::Geometry face_before_eye_;
+  gl::Geometry cut_face_{"cut face"};
+  gl::Geometry face_before_eye_{"face before the eye"};
 };
 
 }  // namespace oct

@@ -5,9 +5,9 @@
 
 #include <glm/gtc/type_ptr.hpp>
 
-#include "core/timing_mark.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 #include "volume/layout/box_view.h"
 
 namespace oct {
@@ -104,6 +104,7 @@ void SceneElements::arrange(const VolumeFrame& frame) {
 }
 
 void SceneElements::provide_marks(const VolumeFrame& frame) {
+  const gl::PassMark mark("prepare labels");
   font_failure_ = nullptr;
   try {
     provide_fonts(font_height(frame.camera.viewport));
@@ -146,14 +147,14 @@ void SceneElements::draw_behind(const VolumeFrame& frame) {
     brush.set_matrices(frame.camera.projection, frame.camera.element_modelview);
     const gl::DepthTest depth(GL_LEQUAL);
     if (frame.volume_shown()) {
-      const TimingMark mark("VolumeRenderer::render_elements");
+      const gl::PassMark mark("VolumeRenderer::render_elements");
       // What lies on the far faces is seen before them, and what lies on the near ones through them. Surfaces,
       // which are moved farthest, have four units.
       const gl::PolygonOffset offset(1.0F, 5.0F);
       brush.draw(GL_TRIANGLES, layout_.far_panes, far_pane);
     }
     {
-      const TimingMark mark("VolumeRenderer::render_frame");
+      const gl::PassMark mark("VolumeRenderer::render_frame");
       brush.draw(GL_LINES, layout_.far_edges, 1.0F);
     }
     if (cuts_volume(frame)) draw_border(brush, false);
@@ -172,10 +173,10 @@ void SceneElements::draw_in_front(const VolumeFrame& frame) {
     // The rays covered the border's part on the cut.
     if (cuts_volume(frame)) draw_border(brush, true);
     if (frame.volume_shown()) {
-      const TimingMark mark("VolumeRenderer::render_elements");
+      const gl::PassMark mark("VolumeRenderer::render_elements");
       brush.draw(GL_TRIANGLES, layout_.near_panes, near_pane);
     }
-    const TimingMark mark("VolumeRenderer::render_frame");
+    const gl::PassMark mark("VolumeRenderer::render_frame");
     brush.draw(GL_LINES, layout_.near_edges, 1.0F);
     if (frame.settings.frame.scale_marks) draw_scale_marks(frame, brush);
   }
@@ -184,11 +185,11 @@ void SceneElements::draw_in_front(const VolumeFrame& frame) {
 }
 
 void SceneElements::draw_border(Brush& brush, bool in_front) const {
-  const TimingMark mark("VolumeRenderer::render_clip_plane_border");
+  const gl::PassMark mark("VolumeRenderer::render_clip_plane_border");
   if (layout_.border.count == 0) return;
   if (in_front) {
     // All of it, faintly, so that the cut can be followed where the volume hides it.
-    const TimingMark overlay_mark("VolumeRenderer::render_clip_plane_border::draw_overlay");
+    const gl::PassMark overlay_mark("VolumeRenderer::render_clip_plane_border::draw_overlay");
     glDepthFunc(GL_ALWAYS);
     brush.draw(GL_LINES, layout_.border, hidden_border);
     glDepthFunc(GL_LEQUAL);
@@ -197,11 +198,12 @@ void SceneElements::draw_border(Brush& brush, bool in_front) const {
 }
 
 void SceneElements::draw_removed_segment(Brush& brush) const {
-  const TimingMark mark("VolumeRenderer::render_removed_segment");
+  const gl::PassMark mark("VolumeRenderer::render_removed_segment");
   brush.draw(GL_TRIANGLES, layout_.removed_panes, removed_pane);
 }
 
 void SceneElements::draw_scale_marks(const VolumeFrame& frame, Brush& brush) const {
+  const gl::PassMark mark("draw scale marks");
   ticks_.bind();
   brush.set_matrices(glm::mat4(1.0F), glm::mat4(1.0F));
   brush.draw(GL_LINES, {0, static_cast<GLsizei>(marks_->marks.ticks.size())}, 1.0F);

@@ -41,7 +41,7 @@ class SceneElements {
     void release();
 
    private:
-    gl::Geometry geometry_;
+    gl::Geometry geometry_{"scene elements"};
     std::optional<std::vector<glm::vec3>> accepted_;
   };
 

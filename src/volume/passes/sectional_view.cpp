@@ -1,8 +1,8 @@
 #include "volume/passes/sectional_view.h"
 
-#include "core/timing_mark.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 #include "volume/passes/line_drawing.h"
 
 namespace oct {
@@ -25,7 +25,7 @@ void for_each_section(const VolumeFrame& frame, Use&& use) {
 }  // namespace
 
 void SectionalView::draw(const VolumeFrame& frame) {
-  const TimingMark mark("VolumeRenderer::render_sectional_view");
+  const gl::PassMark mark("VolumeRenderer::render_sectional_view");
   std::vector<glm::vec3> triangles;
   for_each_section(frame, [&](const CrossSection& corners) {
     for (const std::size_t i : {0, 1, 2, 0, 2, 3}) triangles.push_back(corners[i]);
@@ -43,7 +43,7 @@ void SectionalView::draw(const VolumeFrame& frame) {
 }
 
 void SectionalView::draw_outline(const VolumeFrame& frame) {
-  const TimingMark mark("VolumeRenderer::render_sectional_view");
+  const gl::PassMark mark("VolumeRenderer::render_sectional_view");
   std::vector<glm::vec3> lines;
   for_each_section(frame, [&](const CrossSection& corners) {
     for (std::size_t i = 0; i < 4; ++i) lines.insert(lines.end(), {corners[i], corners[(i + 1) % 4]});

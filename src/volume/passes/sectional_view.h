@@ -16,8 +16,8 @@ class SectionalView {
   void release();
 
  private:
-  gl::Geometry slices_;
-  gl::Geometry outlines_;
+  gl::Geometry slices_{"slices"};
+  gl::Geometry outlines_{"outlines of slices"};
 };
 
 }  // namespace oct

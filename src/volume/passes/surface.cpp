@@ -2,9 +2,9 @@
 
 #include <glm/gtc/type_ptr.hpp>
 
-#include "core/timing_mark.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 
@@ -18,7 +18,7 @@ void Surface::upload(const std::shared_ptr<const SurfaceMesh>& mesh) {
 }
 
 void Surface::draw(const VolumeFrame& frame) {
-  const TimingMark mark("VolumeRenderer::render_surface");
+  const gl::PassMark mark("VolumeRenderer::render_surface");
   const SurfaceProgram& program = frame.programs.surface();
   const VolumeColormap& colormap = frame.colormaps.at(ColormapRole::surface);
   program.use();

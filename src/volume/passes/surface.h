@@ -20,7 +20,7 @@ class Surface {
   void draw_mesh(const VolumeFrame& frame);
   void upload(const std::shared_ptr<const SurfaceMesh>& mesh);
 
-  gl::Geometry geometry_;
+  gl::Geometry geometry_{"surface"};
   std::shared_ptr<const SurfaceMesh> uploaded_;  // null: nothing that can be drawn
 };
 

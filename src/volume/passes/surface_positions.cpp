@@ -1,19 +1,21 @@
 #include "volume/passes/surface_positions.h"
 
-#include <stdexcept>
 #include <string>
 
+#include "core/exception.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/pass_mark.h"
 
 namespace oct {
 
 namespace {
 
 [[noreturn]] void incomplete(GLenum status) {
-  throw std::runtime_error(std::string("An OpenGL error occured. Framebuffer is not complete: ") +
-                           gl::framebufferStatusName(status));
+  throw OpenGLError(std::string("An OpenGL error occured. Framebuffer is not complete: ") +
+                    gl::framebufferStatusName(status));
 }
 
 }  // namespace
@@ -25,7 +27,7 @@ void ScreenTexture::release() {
 
 void ScreenTexture::fit(Viewport viewport) {
   if (!texture_) texture_ = gl::Texture::create(), rebuild_ = true;
-  if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+  if (!texture_) throw OpenGLError("Invalid texture for rendering....");
   if (!rebuild_ && size_.width == viewport.width && size_.height == viewport.height) return;
   rebuild_ = true;
   bind_volume_texture(volume_unit::surface, GL_TEXTURE_2D, texture_.get());
@@ -36,6 +38,7 @@ void ScreenTexture::fit(Viewport viewport) {
   gl::reset_pixel_unpack();
   const GLenum channels = format_ == GL_RGBA32F ? GL_RGBA : GL_DEPTH_COMPONENT;
   glTexImage2D(GL_TEXTURE_2D, 0, format_, viewport.width, viewport.height, 0, channels, GL_FLOAT, nullptr);
+  gl::label(texture_, format_ == GL_RGBA32F ? "positions of the surface" : "depths of the surface");
   gl::throwOnGLError("VolumeRenderer::back texture");
   size_ = viewport;
   rebuild_ = false;
@@ -55,6 +58,7 @@ void SurfacePositions::attach() const {
 }
 
 void SurfacePositions::draw(const VolumeFrame& frame, Surface& surface) {
+  const gl::PassMark mark("positions of the surface");
   const Viewport viewport = frame.camera.viewport;
   positions_.fit(viewport);
   depth_.fit(viewport);
@@ -62,6 +66,7 @@ void SurfacePositions::draw(const VolumeFrame& frame, Surface& surface) {
   if (!framebuffer_) incomplete(GL_FRAMEBUFFER_UNDEFINED);
   const gl::DrawTargetGuard target;
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_.get());
+  gl::label(framebuffer_, "positions of the surface");
   glViewport(0, 0, viewport.width, viewport.height);
   attach();
   const gl::ScopedDisable disabled(GL_SCISSOR_TEST);

@@ -39,6 +39,7 @@ BrickMaxima::BrickMaxima(const VolumeExtent& extent, int side, BrickTexture text
       grid_{bricks(extent.depth, side), bricks(extent.a_scans, side), bricks(extent.b_scans, side)},
       revision_(next_revision()),
       b_scans_(layer_size() * static_cast<std::size_t>(extent.b_scans), unknown),
+      greatest_(static_cast<std::size_t>(extent.b_scans), unknown),
       values_(grid_.count(), unknown),
       outdated_(static_cast<std::size_t>(grid_.b_scans)),
       columns_(static_cast<std::size_t>(extent.depth)) {}
@@ -66,12 +67,14 @@ void BrickMaxima::take_b_scan(std::int64_t index, const BScan& b_scan) {
           *std::max_element(from, from + std::min<std::int64_t>(side_ + 1, extent_.depth - brick * side_));
     }
   }
+  greatest_[static_cast<std::size_t>(index)] = vec::extremes(slice(index), layer_size()).highest;
   changed(index);
 }
 
 void BrickMaxima::forget(std::int64_t first, std::int64_t end) {
   for (std::int64_t index = first; index < end; ++index) {
     std::fill_n(slice(index), layer_size(), unknown);
+    greatest_[static_cast<std::size_t>(index)] = unknown;
     changed(index);
   }
 }
@@ -100,6 +103,21 @@ const std::vector<float>& BrickMaxima::values() {
 BrickMaxima::Range BrickMaxima::range() {
   values();
   return range_;
+}
+
+BrickMaxima::Greatest BrickMaxima::greatest(std::int64_t end) const {
+  float value = nothing;
+  for (std::int64_t i = 0; i < std::min(end, extent_.b_scans); ++i)
+    value = std::max(value, greatest_[static_cast<std::size_t>(i)]);
+  switch (texture_) {
+    case BrickTexture::edges_in_half_float:
+      return {value, rounded_up(value)};
+    case BrickTexture::border:
+      return {value, std::max(value, 0.0F)};
+    case BrickTexture::edges:
+      break;
+  }
+  return {value, value};
 }
 
 void BrickMaxima::merge(std::int64_t layer) {

@@ -53,6 +53,14 @@ class BrickMaxima {
   };
   Range range();
 
+  // The greatest of all values of the slices before `end`; infinity where one has not come, minus infinity where no
+  // number is. And what no sample of the texture exceeds.
+  struct Greatest {
+    float value;
+    float bound;
+  };
+  Greatest greatest(std::int64_t end) const;
+
   // Counts with every change, over the whole process.
   std::uint64_t revision() const { return revision_; }
 
@@ -73,7 +81,8 @@ class BrickMaxima {
   const BrickTexture texture_;
   const BrickGrid grid_;
   std::uint64_t revision_;
-  std::vector<float> b_scans_;  // layer_size() for each
+  std::vector<float> b_scans_;   // layer_size() for each
+  std::vector<float> greatest_;  // by slice
   std::vector<float> values_;
   Range range_;
   std::vector<bool> outdated_;  // by layer of bricks

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <limits>
-#include <stdexcept>
 
-#include "core/timing_mark.h"
+#include "core/exception.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/trace/debugging.h"
+#include "gl/trace/pass_mark.h"
 #include "volume/skipping/empty_cubes.h"
 
 namespace oct {
@@ -30,7 +31,7 @@ void EmptySpace::update(BrickMaxima& volume, BrickMaxima* overlay, const Visibil
   if (same &&
       std::ranges::equal(visibility.octants, made_, [](bool needed, bool made) { return made || !needed; }))
     return;
-  const TimingMark mark("render_raycasting::empty space");
+  const gl::PassMark mark("render_raycasting::empty space");
   if (!same) begin_tables(basis, volume, overlay);
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_3D, texture_.get());
@@ -53,9 +54,10 @@ void EmptySpace::begin_tables(const Basis& basis, BrickMaxima& volume, BrickMaxi
   if (!texture_ || allocated_ != basis.grid || allocated_limits_ != limits) {
     allocated_ = {};
     if (!texture_) texture_ = gl::Texture::create();
-    if (!texture_) throw std::runtime_error("Invalid texture for rendering....");
+    if (!texture_) throw OpenGLError("Invalid texture for rendering....");
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_3D, texture_.get());
+    gl::label(texture_, "empty space");
     for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
       glTexParameteri(GL_TEXTURE_3D, filter, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAX_LEVEL, 0);

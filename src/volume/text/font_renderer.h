@@ -35,7 +35,7 @@ struct Label {
 // and one draw; what is shown again is not uploaded again. Lives in the context that was current when it was made.
 class FontRenderer {
  public:
-  // Height of a line in pixels. Throws std::runtime_error, also when there is no font.
+  // Height of a line in pixels. Throws, also when there is no font.
   explicit FontRenderer(int height);
   ~FontRenderer();
   FontRenderer(const FontRenderer&) = delete;
@@ -46,7 +46,7 @@ class FontRenderer {
   // Of a text on the screen, in pixels.
   glm::ivec2 size(const StyledText& text);
 
-  // What draw draws from now on. Throws std::runtime_error; then nothing is shown.
+  // What draw draws from now on. After an error nothing is shown.
   void show(const std::vector<Label>& labels);
 
   // Over the current target; blending and the depth test are as the caller has set them. The caller asks for
@@ -66,7 +66,7 @@ class FontRenderer {
     GLint projection, modelview, viewport, text_color;
   } uniforms_{};
   gl::Texture texture_;
-  gl::Geometry quads_;
+  gl::Geometry quads_{"labels"};
   // What OpenGL has accepted.
   std::optional<LabelAtlas> atlas_;
   std::vector<Label> shown_;

@@ -18,14 +18,14 @@ struct TextPicture {
 // One font: sans-serif, of the given cell height in pixels, upright or, emphasised, bold and italic.
 class TextRasteriser {
  public:
-  // Throws std::runtime_error when the system has no font to give.
+  // Throws a SystemError when the system has no font to give.
   TextRasteriser(int height, bool emphasis);
   ~TextRasteriser();
   TextRasteriser(const TextRasteriser&) = delete;
   TextRasteriser& operator=(const TextRasteriser&) = delete;
 
   // One line of text, a byte per character: what lies beyond ASCII depends on the machine's code page. No
-  // pixels for an empty text. Throws std::runtime_error.
+  // pixels for an empty text. Throws a SystemError.
   TextPicture rasterise(const std::string& text);
 
  private:

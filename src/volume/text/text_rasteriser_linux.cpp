@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <stdexcept>
 #include <type_traits>
 #include <utility>
 
@@ -9,6 +8,7 @@
 #include FT_FREETYPE_H
 #include FT_SYNTHESIS_H
 
+#include "core/exception.h"
 #include "volume/text/text_rasteriser.h"
 
 namespace oct {
@@ -69,7 +69,7 @@ struct TextRasteriser::Native {
 
   Native(int height, bool emphasis) {
     FT_Library new_library = nullptr;
-    if (FT_Init_FreeType(&new_library) != 0) throw std::runtime_error("FreeType could not be initialized. ");
+    if (FT_Init_FreeType(&new_library) != 0) throw SystemError("FreeType could not be initialized. ");
     library.reset(new_library);
     open_face(match_font(emphasis).get());
     set_height(height);
@@ -78,14 +78,14 @@ struct TextRasteriser::Native {
   void open_face(const FcPattern* font) {
     FcChar8* file = nullptr;
     if (!font || FcPatternGetString(font, FC_FILE, 0, &file) != FcResultMatch) {
-      throw std::runtime_error("No font was found for text labels. ");
+      throw SystemError("No font was found for text labels. ");
     }
     const std::string name(reinterpret_cast<const char*>(file));
     int index = 0;
     FcPatternGetInteger(font, FC_INDEX, 0, &index);
     FT_Face new_face = nullptr;
     if (FT_New_Face(library.get(), name.c_str(), index, &new_face) != 0) {
-      throw std::runtime_error("The font file could not be opened: " + name);
+      throw SystemError("The font file could not be opened: " + name);
     }
     face.reset(new_face);
 
@@ -103,7 +103,7 @@ struct TextRasteriser::Native {
   // The cell, from the deepest descender to the highest ascender, is as high as asked for.
   void set_height(int height) {
     FT_Size_RequestRec request{FT_SIZE_REQUEST_TYPE_REAL_DIM, 0, height * fixed_pixel, 0, 0};
-    if (FT_Request_Size(face.get(), &request) != 0) throw std::runtime_error("The font has no such size. ");
+    if (FT_Request_Size(face.get(), &request) != 0) throw SystemError("The font has no such size. ");
     ascent = pixels_up(face->size->metrics.ascender);
     ascent = std::min(ascent, height);
     descent = height - ascent;
@@ -113,12 +113,12 @@ struct TextRasteriser::Native {
   FT_GlyphSlot load(char character) const {
     const auto code = static_cast<FT_ULong>(static_cast<unsigned char>(character));
     if (FT_Load_Char(face.get(), code, FT_LOAD_TARGET_LIGHT) != 0) {
-      throw std::runtime_error("A character could not be loaded from the font. ");
+      throw SystemError("A character could not be loaded from the font. ");
     }
     const FT_GlyphSlot slot = face->glyph;
     if (embolden) FT_GlyphSlot_Embolden(slot);
     if (FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL) != 0) {
-      throw std::runtime_error("A character could not be drawn. ");
+      throw SystemError("A character could not be drawn. ");
     }
     return slot;
   }

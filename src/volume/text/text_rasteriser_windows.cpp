@@ -1,10 +1,10 @@
 #include "volume/text/text_rasteriser.h"
 
 #include <cstring>
-#include <stdexcept>
 
 #include <windows.h>
 
+#include "core/exception.h"
 #include "core/platform.h"
 
 namespace oct {
@@ -16,7 +16,7 @@ constexpr COLORREF glyph_color = 0x00FFFFFF;
 constexpr COLORREF background_color = 0x00000000;
 
 [[noreturn]] void fail(const std::string& what) {
-  throw std::runtime_error(what + system_error_text());
+  throw SystemError(what + system_error_text());
 }
 
 // The device context of the active window, or of the screen when the thread has none.
@@ -112,7 +112,7 @@ struct TextRasteriser::Native {
   static RECT measure(const MemoryDeviceContext& memory, const std::string& text) {
     RECT area{};
     DrawTextA(memory.get(), text.c_str(), static_cast<int>(text.size()), &area, format | DT_CALCRECT);
-    if (area.right <= 0 || area.bottom <= 0) throw std::runtime_error("No font was found for text labels. ");
+    if (area.right <= 0 || area.bottom <= 0) throw SystemError("No font was found for text labels. ");
     return area;
   }
 

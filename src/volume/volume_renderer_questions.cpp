@@ -1,0 +1,105 @@
+// What the volume renderer is asked about its last frame.
+#include <algorithm>
+#include <cstdlib>
+
+#include "core/object_lock.h"
+#include "core/timing_mark.h"
+#include "gl/draw_state.h"
+#include "gl/opengl_error.h"
+#include "volume/frame/frame_explanation.h"
+#include "volume/layout/box_view.h"
+#include "volume/volume_renderer.h"
+
+namespace oct {
+namespace {
+
+constexpr int most_pixels_a_side = 4096;  // of a picture that is drawn to be looked at
+constexpr int least_difference = 3;       // of 255 that an eye might see
+
+struct Area {
+  GLint x, y;
+  GLsizei width, height;
+};
+
+// A few thousand pixels in the middle of the box: of most pictures they show something, and what is drawn elsewhere
+// need not be drawn for that.
+Area middle_of(const FrameRecord& record) {
+  constexpr int side = 48;
+  const Viewport& viewport = record.drawn.viewport;
+  const float end = std::max(record.box().end(), -1.0F);
+  glm::vec3 middle(0.5F * static_cast<float>(viewport.width), 0.5F * static_cast<float>(viewport.height),
+                   0.0F);
+  middle = on_screen(record.camera(), {0.0F, 0.0F, 0.5F * (end - 1.0F)}).value_or(middle);
+  const auto first = [](float at, int pixels) {
+    return static_cast<int>(std::clamp(at, 0.0F, static_cast<float>(pixels))) - side / 2;
+  };
+  return {first(middle.x, viewport.width), first(middle.y, viewport.height), side, side};
+}
+
+bool differ(const std::vector<std::uint8_t>& one, const std::vector<std::uint8_t>& other) {
+  return std::mismatch(one.begin(), one.end(), other.begin(), [](std::uint8_t a, std::uint8_t b) {
+           return std::abs(int{a} - int{b}) < least_difference;
+         }).first != one.end();
+}
+
+}  // namespace
+
+std::shared_ptr<const FrameRecord> VolumeRenderer::record() const {
+  const std::lock_guard lock(record_mutex_);
+  return record_;
+}
+
+// Where its context is current, no other thread draws.
+bool VolumeRenderer::can_be_drawn_again(const FrameRecord& record) const {
+  return record.home != gl::no_context && gl::current_identity() == record.home &&
+         record.textures_are_unchanged();
+}
+
+std::string VolumeRenderer::explain_frame() {
+  std::shared_ptr<const FrameRecord> last;
+  {
+    const std::lock_guard lock(record_mutex_);
+    if (failure_) return "The last frame failed: " + *failure_;
+    last = record_;
+  }
+  if (!last) return "No frame has been drawn yet. ";
+  std::string cause = certain_cause(*last);
+  if (!cause.empty() || !can_be_drawn_again(*last)) return cause;
+  const auto [width, height] = last->drawn.viewport;
+  if (std::max(width, height) > most_pixels_a_side || shows_something(*last)) return {};
+  return likely_cause(*last);
+}
+
+// Draws volume and surface of the frame once more, without lines and labels, and compares with the background alone.
+bool VolumeRenderer::shows_something(const FrameRecord& record) {
+  const ObjectLock lock(this);
+  const TimingMark mark("VolumeRenderer::shows_something");
+  gl::throwOnGLError("explainFrame");
+  const auto [width, height] = record.drawn.viewport;
+  const VolumeSource source = record.source_again();
+  const VolumeFrame frame = begin_frame(record.drawn.settings, source, record.drawn.viewport);
+  colormaps_.update(frame.settings);
+  gl::KeptPicture picture;
+  const auto pixels_with = [&](const Area& area, bool contents) {
+    picture.keep(
+        width, height,
+        [&] {
+          clear_target();
+          draw_background(frame);
+          if (!contents) return;
+          const gl::Scissor part(area.x, area.y, area.width, area.height);
+          const gl::DepthClamp no_holes;
+          draw_opaque(frame);
+          draw_rays(frame);
+        },
+        GL_DEPTH_COMPONENT24);
+    gl::throwOnGLError("explainFrame");
+    return picture.pixels();
+  };
+  const Area whole{0, 0, width, height};
+  const std::vector<std::uint8_t> background = pixels_with(whole, false);
+  return differ(pixels_with(middle_of(record), true), background) ||
+         differ(pixels_with(whole, true), background);
+}
+
+}  // namespace oct
