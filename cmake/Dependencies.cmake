@@ -63,6 +63,7 @@ endif()
 add_library(oct_glew STATIC "${OCT_GLEW_SOURCE_DIR}/src/glew.c")
 target_include_directories(oct_glew SYSTEM PUBLIC "${OCT_GLEW_SOURCE_DIR}/include")
 target_compile_definitions(oct_glew PUBLIC GLEW_STATIC GLEW_NO_GLU)
+target_compile_options(oct_glew PRIVATE ${OCT_SYMBOLS})
 # It fills a table of pointers once, which takes long to optimise and to instrument.
 if(OCT_SANITIZE)
   target_compile_options(oct_glew PRIVATE -w -O0 -fno-sanitize=all)

@@ -21,7 +21,7 @@ int main(int argc, char** argv) {
   setDisplayColoringBoundaries(display, 0.0, 45.0);
   beginOffscreenFrame(target, width, height);
   renderDisplay(display);
-  finishOffscreenFrame(target, pixels); /* BGRA, bottom row first */
+  finishOffscreenFrameAs(target, OCT_PIXELS_RGBA_TOP_DOWN, pixels);
   uninitDisplayRendering(display);
   clearDisplayRendering(display);
   clearOffscreenTarget(target);
@@ -31,8 +31,7 @@ int main(int argc, char** argv) {
   FILE* file = fopen(argc > 1 ? argv[1] : "bscan.ppm", "wb");
   if (!file) return perror("cannot write"), 1;
   fprintf(file, "P6 %d %d 255\n", width, height);
-  for (int y = height - 1; y >= 0; --y)
-    for (int x = 0; x < width; ++x)
-      fwrite((unsigned char[]){pixels[y][x][2], pixels[y][x][1], pixels[y][x][0]}, 1, 3, file);
+  for (int y = 0; y < height; ++y)
+    for (int x = 0; x < width; ++x) fwrite(pixels[y][x], 1, 3, file); /* a pixmap has no alpha */
   return fclose(file) != 0;
 }

@@ -39,9 +39,9 @@ void show(unsigned, unsigned width, unsigned height, void* surface) {
   const auto& image = *static_cast<const OctHostSurface*>(surface);
   const std::lock_guard lock(mutex);
   image_width = width;
-  for (unsigned y = height; y-- > 0;) {
+  for (unsigned y = 0; y < height; ++y) {
     const unsigned char* pixel = image.pixels + static_cast<std::size_t>(y) * image.stride_bytes;
-    for (unsigned x = 0; x < width; ++x, pixel += 4) rgb.insert(rgb.end(), {pixel[2], pixel[1], pixel[0]});
+    for (unsigned x = 0; x < width; ++x, pixel += 4) rgb.insert(rgb.end(), pixel, pixel + 3);
   }
   changed.notify_one();
 }
@@ -70,6 +70,7 @@ int main(int argc, char** argv) {
   setDisplayColoringBoundaries(display, 0.0, 45.0);
 
   setSurfaceSharing(1);  // host memory, on every platform
+  setHostPixelFormat(OCT_PIXELS_RGBA_TOP_DOWN);
   prepareOpenGL();
   OpenGLControlLoopHandle loop = createOpenGLControlLoopCB(init, uninit, error);
   registerOpenGLControlLoopRenderCallback(loop, draw);

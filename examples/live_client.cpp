@@ -98,8 +98,8 @@ int main(int argc, char** argv) {
   while (!failed && isDataSourceRunning(source) && volumes_drawn() < 4) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
-  std::vector<unsigned char> bgra(std::size_t{width} * height * 4);
-  if (!failed) snapshotOpenGLControlLoop(loop, width, height, bgra.data());
+  std::vector<unsigned char> rgba(std::size_t{width} * height * 4);
+  if (!failed) snapshotOpenGLControlLoopAs(loop, width, height, OCT_PIXELS_RGBA_TOP_DOWN, rgba.data());
 
   // Down again: first the source, then the loop, whose last frame lets go of OpenGL, then the rest.
   stopDataSource(source);
@@ -118,11 +118,8 @@ int main(int argc, char** argv) {
   if (failed) return 1;
   std::printf("%u frames\n", frames.load());
 
-  std::vector<unsigned char> rgb;  // top row first
-  for (int y = height; y-- > 0;) {
-    const unsigned char* pixel = &bgra[static_cast<std::size_t>(y) * width * 4];
-    for (int x = 0; x < width; ++x, pixel += 4) rgb.insert(rgb.end(), {pixel[2], pixel[1], pixel[0]});
-  }
+  std::vector<unsigned char> rgb;
+  for (std::size_t i = 0; i < rgba.size(); i += 4) rgb.insert(rgb.end(), {rgba[i], rgba[i + 1], rgba[i + 2]});
   const char* const file = argc > 1 ? argv[1] : "live_client.png";
   return stbi_write_png(file, width, height, 3, rgb.data(), width * 3) ? 0 : 1;
 }

@@ -23,15 +23,10 @@ PictureSize natural_picture_size(std::size_t depth, std::size_t ascans, const Sp
   return {side(width), side(height)};
 }
 
-Picture to_picture(PictureSize size, std::span<const std::uint8_t> bgra_bottom_up) {
+Picture to_picture(PictureSize size, std::span<const std::uint8_t> rgba) {
   Picture picture{size, {}};
-  picture.pixels.reserve(std::size_t{size.width} * size.height * 3);
-  for (std::size_t row = size.height; row-- > 0;) {
-    for (std::size_t column = 0; column < size.width; ++column) {
-      const std::uint8_t* pixel = &bgra_bottom_up[(row * size.width + column) * 4];
-      picture.pixels.insert(picture.pixels.end(), {pixel[2], pixel[1], pixel[0]});
-    }
-  }
+  picture.pixels.resize(rgba.size() / 4 * 3);
+  for (std::size_t i = 0; i < rgba.size() / 4; ++i) std::copy_n(&rgba[i * 4], 3, &picture.pixels[i * 3]);
   return picture;
 }
 

@@ -29,7 +29,7 @@ struct Picture {
 // the other as the aspect asks for; scaled down where a side would be longer than 4096 pixels.
 PictureSize natural_picture_size(std::size_t depth, std::size_t ascans, const Spacing& spacing);
 
-// Turns what an offscreen frame delivers, blue, green, red, alpha and the bottom row first, into a picture.
-Picture to_picture(PictureSize size, std::span<const std::uint8_t> bgra_bottom_up);
+// Turns what an offscreen frame delivers, red, green, blue, alpha and the top row first, into a picture.
+Picture to_picture(PictureSize size, std::span<const std::uint8_t> rgba);
 
 }  // namespace oct::app

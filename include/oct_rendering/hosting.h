@@ -51,6 +51,18 @@ extern "C" {
 OCT_API void setSurfaceSharing(int Sharing);
 
 /**
+ * @brief Chooses the order of the pixels in the host-memory surfaces of the controls and loops created from now on: of
+ * their frames and of what createDXSurface() makes for them. No order costs a copy. Direct3D surfaces have their own.
+ * @param Format An OctPixelFormat. 0, the start: blue, green, red, alpha; 1: red, green, blue, alpha; both with the bottom
+ * row first. 2 and 3: likewise with the top row first.
+ * @par Errors
+ * "Invalid pixel format selected. "
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void setHostPixelFormat(int Format);
+
+/**
  * @brief Starts the thread that owns the hidden windows of all controls. Without it every first control
  * starts that thread and every last one ends it. Does nothing when called again.
  * @par Errors
@@ -219,6 +231,21 @@ OCT_API void renderMultOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Id)
 OCT_API void snapshotOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Width, int Height, void* Data);
 
 /**
+ * @brief snapshotOpenGLControlLoop() with pixels in the order that a program wants them in. No order costs a copy.
+ * @param Handle The loop.
+ * @param Width Pixels; 0 draws nothing.
+ * @param Height Pixels; 0 draws nothing.
+ * @param Format An OctPixelFormat, as for finishOffscreenFrameAs().
+ * @param Data Receives Width * Height * 4 bytes, without gaps between the rows.
+ * @par Errors
+ * "Invalid pixel format selected. "; otherwise as snapshotOpenGLControlLoop().
+ * @thread Any thread but the loop's render thread.
+ * @since 0.2
+ */
+OCT_API void snapshotOpenGLControlLoopAs(OpenGLControlLoopHandle Handle, int Width, int Height, int Format,
+                                         void* Data);
+
+/**
  * @brief Sets the size of the frames. A loop starts without one: it draws nothing, and in mode 0 drops
  * requests.
  * @param Handle The loop.
@@ -278,7 +305,7 @@ OCT_API void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width
 
 /**
  * @brief Copies a whole surface into another, stretched without a filter where sizes differ.
- * @param Handle A loop with surfaces of this kind.
+ * @param Handle A loop with surfaces of this kind; in host memory of the same pixel format, too (setHostPixelFormat()).
  * @param Source A surface of createDXSurface() or, while an image-ready function runs, its frame's.
  * @param Destination As Source; mostly a surface of createDXSurface().
  * @par Errors

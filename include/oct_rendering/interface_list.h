@@ -90,6 +90,7 @@
   FUNCTION(0.1, volume, void, setOverlayRendererColoringBoundaries, (VolumeRendererHandle Handle, double Lower, double Upper)) \
   FUNCTION(0.1, volume, void, setRendererSecondarySliceIndex, (VolumeRendererHandle Handle, int Index)) \
   FUNCTION(0.2, volume, int, explainFrame, (VolumeRendererHandle Handle, char* Text, int Size)) \
+  FUNCTION(0.2, volume, int, pickVolume, (VolumeRendererHandle Handle, int X, int Y, OctPick* Pick)) \
   FUNCTION(0.1, volume, void, setSurface, (VolumeRendererHandle Handle, int Width, int Height, double Scale, const float* Values)) \
   FUNCTION(0.1, volume, void, setSurfaceDepths, (VolumeRendererHandle Handle, double Lower, double Upper)) \
   FUNCTION(0.1, offline, OfflineRenderingHandle, createOfflineRendering, (void)) \
@@ -108,7 +109,9 @@
   FUNCTION(0.1, offscreen, void, clearOffscreenTarget, (OffscreenTargetHandle Handle)) \
   FUNCTION(0.1, offscreen, void, beginOffscreenFrame, (OffscreenTargetHandle Handle, unsigned int Width, unsigned int Height)) \
   FUNCTION(0.1, offscreen, void, finishOffscreenFrame, (OffscreenTargetHandle Handle, void* Pixels)) \
+  FUNCTION(0.2, offscreen, void, finishOffscreenFrameAs, (OffscreenTargetHandle Handle, int Format, void* Pixels)) \
   FUNCTION(0.1, hosting, void, setSurfaceSharing, (int Sharing)) \
+  FUNCTION(0.2, hosting, void, setHostPixelFormat, (int Format)) \
   FUNCTION(0.1, hosting, OpenGLControlHandle, createUniversalOpenGLControl, (void)) \
   FUNCTION(0.1, hosting, void, deleteUniversalOpenGLControl, (OpenGLControlHandle Handle)) \
   FUNCTION(0.1, hosting, void, beforeRender, (OpenGLControlHandle Handle)) \
@@ -128,6 +131,7 @@
   FUNCTION(0.1, hosting, void, renderOpenGLControlLoop, (OpenGLControlLoopHandle Handle)) \
   FUNCTION(0.1, hosting, void, renderMultOpenGLControlLoop, (OpenGLControlLoopHandle Handle, int Id)) \
   FUNCTION(0.1, hosting, void, snapshotOpenGLControlLoop, (OpenGLControlLoopHandle Handle, int Width, int Height, void* Data)) \
+  FUNCTION(0.2, hosting, void, snapshotOpenGLControlLoopAs, (OpenGLControlLoopHandle Handle, int Width, int Height, int Format, void* Data)) \
   FUNCTION(0.1, hosting, void, resizeOpenGLControlLoop, (OpenGLControlLoopHandle Handle, unsigned int Width, unsigned int Height)) \
   FUNCTION(0.1, hosting, void, OpenGLControlLoopMode, (OpenGLControlLoopHandle Handle, unsigned int Mode)) \
   FUNCTION(0.1, hosting, void, unlockBuffer, (OpenGLControlLoopHandle Handle)) \

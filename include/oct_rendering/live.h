@@ -28,7 +28,7 @@ typedef void (*OctIntensityFunctionWithUser)(double intensity, void* user);
  */
 typedef struct OctLiveStatistics {
   unsigned int size; /**< set by the caller to sizeof(OctLiveStatistics); fields beyond it are left alone */
-  unsigned int reserved; /**< 0 */
+  unsigned int reserved;                /**< 0 */
   unsigned long long acquired;          /**< volumes that the device gave without an error */
   unsigned long long handed_over;       /**< copied to where the driver reads them */
   unsigned long long shown;             /**< drawn by a frame */

@@ -83,6 +83,19 @@ OCT_API void beginOffscreenFrame(OffscreenTargetHandle Handle, unsigned int Widt
  */
 OCT_API void finishOffscreenFrame(OffscreenTargetHandle Handle, void* Pixels);
 
+/**
+ * @brief finishOffscreenFrame() with pixels in the order that a program wants them in. No order costs a copy.
+ * @param Handle The target.
+ * @param Format An OctPixelFormat: 0 blue first, 1 red first, both with the bottom row first; 2 and 3 likewise with the
+ * top row first. After an error of it the frame goes on.
+ * @param Pixels Receives Width * Height * 4 bytes, without gaps between the rows. Null: nothing is read.
+ * @par Errors
+ * "Invalid pixel format selected. "; otherwise as finishOffscreenFrame(). An OpenGL error names that function.
+ * @thread The thread that created the target.
+ * @since 0.2
+ */
+OCT_API void finishOffscreenFrameAs(OffscreenTargetHandle Handle, int Format, void* Pixels);
+
 /** @} */
 
 #ifdef __cplusplus

@@ -69,14 +69,14 @@ typedef void (*OctImageReadyFunctionWithUser)(unsigned int index, unsigned int w
                                               void* surface, void* user); /**< see OctImageReadyFunction */
 
 /**
- * @brief A surface in host memory. Pixels have 8 bits each of blue, green, red and alpha, in this order; the
- * first row is the bottom one.
+ * @brief A surface in host memory. Pixels have 8 bits each of blue, green, red and alpha, in this order, and the
+ * first row is the bottom one, unless setHostPixelFormat() chose otherwise before the loop was made.
  */
 typedef struct OctHostSurface {
   unsigned int width;        /**< pixels */
   unsigned int height;       /**< pixels */
   unsigned int stride_bytes; /**< from one row to the next */
-  unsigned char* pixels;     /**< stride_bytes for each row, the bottom row first */
+  unsigned char* pixels;     /**< stride_bytes for each row */
 } OctHostSurface;
 
 /**

@@ -55,6 +55,14 @@ typedef enum OctSurfaceSharing {
   OCT_SHARING_HOST_MEMORY = 1 /**< host memory, OctHostSurface* */
 } OctSurfaceSharing;
 
+/** @brief The order of pixels in memory, 8 bits a channel; see finishOffscreenFrameAs(). */
+typedef enum OctPixelFormat {
+  OCT_PIXELS_BGRA = 0,          /**< blue, green, red, alpha; the bottom row first */
+  OCT_PIXELS_RGBA = 1,          /**< red, green, blue, alpha; the bottom row first */
+  OCT_PIXELS_BGRA_TOP_DOWN = 2, /**< blue, green, red, alpha; the top row first */
+  OCT_PIXELS_RGBA_TOP_DOWN = 3  /**< red, green, blue, alpha; the top row first */
+} OctPixelFormat;
+
 /** @brief What a polarization-sensitive source draws; see selectOnlineDataSource_PS(). */
 typedef enum OctPolarizationOutput {
   OCT_POLARIZATION_INTENSITY = 0,
@@ -67,6 +75,14 @@ typedef enum OctPolarizationOutput {
   OCT_POLARIZATION_SENSOR_0 = 7, /**< intensity of sensor 0, without polarization processing */
   OCT_POLARIZATION_SENSOR_1 = 8  /**< intensity of sensor 1, without polarization processing */
 } OctPolarizationOutput;
+
+/** @brief What lies under a pixel; see pickVolume(). */
+typedef enum OctPickKind {
+  OCT_PICK_NOTHING = 0, /**< the background, or what is too transparent to be seen */
+  OCT_PICK_VOLUME = 1,  /**< the volume that is cast */
+  OCT_PICK_SLICE = 2,   /**< a slice of the sectional view */
+  OCT_PICK_SURFACE = 3  /**< the surface of setSurface() */
+} OctPickKind;
 
 /** @brief Axes of a volume, the fastest in memory first: indices of the positions in OctPick. */
 typedef enum OctAxis {

@@ -11,6 +11,16 @@
 extern "C" {
 #endif
 
+/** @brief What lies under a pixel; see pickVolume(). */
+typedef struct OctPick {
+  unsigned int size;     /**< set by the caller to sizeof(OctPick); fields beyond it are left alone */
+  int kind;              /**< an OctPickKind; where it is OCT_PICK_NOTHING the rest is 0 */
+  double voxel[3];       /**< depth, A-scan, B-scan (OctAxis); the centres of voxels lie at whole numbers */
+  double millimetres[3]; /**< the same from the corner of the box on, by the extents of setRange() */
+  float value;           /**< of the volume there, between voxels interpolated; of a surface its depth, in the unit of
+                              its values */
+} OctPick;
+
 /**
  * @defgroup volume Volume renderer
  *
@@ -472,6 +482,42 @@ OCT_API void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Ind
  * @since 0.2
  */
 OCT_API int explainFrame(VolumeRendererHandle Handle, char* Text, int Size);
+
+/**
+ * @brief Tells what lies under a pixel of the last frame with this renderer: position, value and kind. It follows the
+ * ray that the picture was drawn with, sample by sample: clip plane, filled part, slices, jitter and opacity length
+ * count as they did there.
+ *
+ * - Volume modes 0 and 3: where the ray has half of the opacity that it ends with.
+ * - Volume modes 1 and 2: the brightest sample of the ray, the first of several that are equal; in mode 1 of all
+ *   samples, those behind one that exceeds the upper boundary included.
+ * - Slices: the one that is seen.
+ * - A surface: where it hides what is behind, and where what lies before it covers less than half of it.
+ * - An overlay over a composite (content type 2): where its weight exceeds one half, or nothing else shows, the place
+ *   of its maximum along the ray, and its value there. On slices its value where its opacity exceeds one half. Alone
+ *   (content type 1) it is the volume.
+ *
+ * Pixels that show none of these, or with an opacity of less than half of 1/255, give OCT_PICK_NOTHING; so do pixels
+ * outside of the frame. Lines, labels and glass are nothing. Voxels are those of the volume that the frame showed; with a
+ * surface alone, without any volume, they are -0.5.
+ *
+ * The frame is not drawn again, only this pixel of it. The first call in a mode builds a program.
+ * @param Handle The renderer.
+ * @param X Column of the pixel, 0 at the left of the viewport that the frame was drawn in.
+ * @param Y Row, 0 at the bottom.
+ * @param Pick Receives the answer; its size must be set.
+ * @return The kind, an OctPickKind; OCT_PICK_NOTHING as well on failure, with @p Pick as it was.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; "The size of the pick must be set. ", also for null; "Draw a frame
+ * before picking. ", also after a frame that failed; "The volume has changed since the last frame. Draw a frame before
+ * picking. " (something was uploaded, allocated or cleared); "No OpenGL context is current on the calling thread. ";
+ * "The renderer was initialised in another OpenGL context. "; "OpenGL gave no target to pick with. "; "An OpenGL error in
+ * pickVolume occured: ..."
+ * @thread Rendering thread, with the context of the frame current. The next frame, and what the client has set in OpenGL,
+ * stay as they are.
+ * @since 0.2
+ */
+OCT_API int pickVolume(VolumeRendererHandle Handle, int X, int Y, OctPick* Pick);
 
 /**
  * @brief Sets the surface, a height map over the two lateral axes. It is opaque and hides what lies behind it,

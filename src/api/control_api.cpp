@@ -27,9 +27,13 @@ void setSurfaceSharing(int Sharing) {
   guarded(__func__, [&] { oct::set_surface_sharing(Sharing); });
 }
 
+void setHostPixelFormat(int Format) {
+  guarded(__func__, [&] { oct::set_host_pixel_format(Format); });
+}
+
 OpenGLControlHandle createUniversalOpenGLControl(void) {
   return guarded(__func__, [] {
-    return oct::api::handle_of<OctOpenGLControl>(std::make_unique<OpenGLControl>(oct::surface_sharing()));
+    return oct::api::handle_of<OctOpenGLControl>(std::make_unique<OpenGLControl>(oct::surfaces_to_come()));
   });
 }
 

@@ -16,6 +16,7 @@ using oct::OpenGLControlLoop;
 using oct::api::guarded;
 using oct::api::guarded_unposted;
 using oct::api::with_user;
+using oct::gl::PixelFormat;
 
 namespace {
 
@@ -48,6 +49,12 @@ void check_snapshot(int width, int height, const void* data) {
   if (height > 0 && static_cast<std::size_t>(width) > most / 4 / static_cast<std::size_t>(height)) {
     throw std::invalid_argument("The snapshot is too large. ");
   }
+}
+
+void take_snapshot(OpenGLControlLoopHandle handle, int width, int height, PixelFormat format, void* data) {
+  OpenGLControlLoop& target = loop(handle);
+  check_snapshot(width, height, data);
+  target.snapshot(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), data, format);
 }
 
 }  // namespace
@@ -112,11 +119,12 @@ void renderMultOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Id) {
 }
 
 void snapshotOpenGLControlLoop(OpenGLControlLoopHandle Handle, int Width, int Height, void* Data) {
-  guarded(__func__, [&] {
-    OpenGLControlLoop& target = loop(Handle);
-    check_snapshot(Width, Height, Data);
-    target.snapshot(static_cast<std::uint32_t>(Width), static_cast<std::uint32_t>(Height), Data);
-  });
+  guarded(__func__, [&] { take_snapshot(Handle, Width, Height, PixelFormat::bgra, Data); });
+}
+
+void snapshotOpenGLControlLoopAs(OpenGLControlLoopHandle Handle, int Width, int Height, int Format,
+                                 void* Data) {
+  guarded(__func__, [&] { take_snapshot(Handle, Width, Height, oct::gl::pixel_format_of(Format), Data); });
 }
 
 void resizeOpenGLControlLoop(OpenGLControlLoopHandle Handle, unsigned int Width, unsigned int Height) {
@@ -133,11 +141,11 @@ void unlockBuffer(OpenGLControlLoopHandle Handle) {
 
 void* createDXSurface(OpenGLControlLoopHandle Handle, unsigned int Width, unsigned int Height) {
   return guarded(__func__,
-                 [&] { return oct::client_surfaces().create(loop(Handle).sharing(), Width, Height); });
+                 [&] { return oct::client_surfaces().create(loop(Handle).surfaces(), Width, Height); });
 }
 
 void copyDXSurface(OpenGLControlLoopHandle Handle, void* Source, void* Destination) {
-  guarded(__func__, [&] { oct::client_surfaces().copy(loop(Handle).sharing(), Source, Destination); });
+  guarded(__func__, [&] { oct::client_surfaces().copy(loop(Handle).surfaces(), Source, Destination); });
 }
 
 void destroyDXSurface(OpenGLControlLoopHandle Handle, void* Surface) {

@@ -44,3 +44,7 @@ void beginOffscreenFrame(OffscreenTargetHandle Handle, unsigned int Width, unsig
 void finishOffscreenFrame(OffscreenTargetHandle Handle, void* Pixels) {
   guarded(__func__, [&] { target(Handle).finish_frame(Pixels); });
 }
+
+void finishOffscreenFrameAs(OffscreenTargetHandle Handle, int Format, void* Pixels) {
+  guarded(__func__, [&] { target(Handle).finish_frame(Pixels, oct::gl::pixel_format_of(Format)); });
+}

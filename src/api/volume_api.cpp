@@ -1,4 +1,7 @@
 // Exports of the volume renderer.
+#include <algorithm>
+#include <cstring>
+
 #include "api/guard_opengl.h"
 #include "api/handles.h"
 #include "api/texts.h"
@@ -178,6 +181,28 @@ int explainFrame(VolumeRendererHandle Handle, char* Text, int Size) {
     const std::string explanation = renderer(Handle).explain_frame();
     oct::api::give_text(explanation, Text, Size);
     return explanation.empty() ? 0 : 1;
+  });
+}
+
+static_assert(static_cast<int>(oct::PickedKind::nothing) == OCT_PICK_NOTHING &&
+              static_cast<int>(oct::PickedKind::volume) == OCT_PICK_VOLUME &&
+              static_cast<int>(oct::PickedKind::slice) == OCT_PICK_SLICE &&
+              static_cast<int>(oct::PickedKind::surface) == OCT_PICK_SURFACE);
+
+int pickVolume(VolumeRendererHandle Handle, int X, int Y, OctPick* Pick) {
+  return guarded_drawing(__func__, [&] {
+    VolumeRenderer& object = renderer(Handle);
+    constexpr std::size_t smallest = 2 * sizeof(unsigned);
+    if (!Pick || Pick->size < smallest) throw std::invalid_argument("The size of the pick must be set. ");
+    const VolumeRenderer::Pick found = object.pick(X, Y);
+    const OctPick all{Pick->size,
+                      static_cast<int>(found.kind),
+                      {found.voxel.x, found.voxel.y, found.voxel.z},
+                      {found.millimetres.x, found.millimetres.y, found.millimetres.z},
+                      found.value};
+    // A client of an older header has room for fewer fields.
+    std::memcpy(Pick, &all, std::min<std::size_t>(Pick->size, sizeof all));
+    return all.kind;
   });
 }
 

@@ -1,16 +1,18 @@
 // Numbers in texts for people.
 #pragma once
 
-#include <cstdio>
+#include <array>
+#include <charconv>
 #include <string>
 
 namespace oct {
 
-// In as few digits as tell it, six at most.
+// In as few digits as tell it, six at most, and with a point whatever the client's language is.
 inline std::string text_of(double number) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%g", number);
-  return text;
+  std::array<char, 32> text{};
+  const auto end =
+      std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::general, 6).ptr;
+  return {text.data(), end};
 }
 
 }  // namespace oct

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "core/exception.h"
+#include "core/immortal.h"
 #include "core/platform.h"
 
 namespace oct {
@@ -24,15 +25,18 @@ struct Place {
   std::atomic<TimingListener*> listener{nullptr};
   std::atomic<const TimingListener*> latest{nullptr};  // the same, still there after it was removed
   std::atomic<std::uint64_t> number{0};                // of the listener; they only grow
-  std::atomic<unsigned> calls{0};                      // that are running, or about to find out that there is none
+  std::atomic<unsigned> calls{0};  // that are running, or about to find out that there is none
 };
 
 constinit std::array<Place, 4> places;
 constinit std::atomic<std::uint64_t> latest_number{1};
-constinit std::mutex places_mutex;
 constinit thread_local bool in_call = false;
 
 constexpr auto pause = std::chrono::microseconds(50);
+
+std::mutex& places_mutex() {
+  return immortal<std::mutex>();
+}
 
 class RunningCall {
  public:
@@ -66,7 +70,7 @@ void tell(std::uint64_t up_to, Call&& call) noexcept {
 }  // namespace
 
 void add_timing_listener(TimingListener& listener) {
-  const std::lock_guard lock(places_mutex);
+  const std::lock_guard lock(places_mutex());
   for (Place& place : places) {
     if (place.listener || place.calls != 0) continue;
     // The number is given out last: a mark that has it hears its begin and its end.
@@ -81,7 +85,7 @@ void add_timing_listener(TimingListener& listener) {
 }
 
 void remove_timing_listener(const TimingListener& listener) noexcept {
-  const std::lock_guard lock(places_mutex);
+  const std::lock_guard lock(places_mutex());
   for (Place& place : places) {
     if (place.listener != &listener) continue;
     place.listener = nullptr;
@@ -92,7 +96,8 @@ void remove_timing_listener(const TimingListener& listener) noexcept {
 void await_timing_calls(const TimingListener& listener) noexcept {
   if (in_call) return;
   for (const Place& place : places) {
-    while (place.latest == &listener && !place.listener && place.calls != 0) std::this_thread::sleep_for(pause);
+    while (place.latest == &listener && !place.listener && place.calls != 0)
+      std::this_thread::sleep_for(pause);
   }
 }
 
@@ -116,9 +121,8 @@ void TimingMark::begin(std::string_view name, std::string_view detail) noexcept 
     return;
   }
   begun_ = latest_number;
-  tell(begun_, [&](TimingListener& listener) {
-    listener.begin(name_, current_thread_id(), steady_clock::now());
-  });
+  tell(begun_,
+       [&](TimingListener& listener) { listener.begin(name_, current_thread_id(), steady_clock::now()); });
 }
 
 void TimingMark::end() noexcept {
@@ -128,9 +132,8 @@ void TimingMark::end() noexcept {
 
 void record_timing_mark(std::string_view name) noexcept {
   if (!has_timing_listener() || in_call) return;
-  tell(std::numeric_limits<std::uint64_t>::max(), [&](TimingListener& listener) {
-    listener.instant(name, current_thread_id(), steady_clock::now());
-  });
+  tell(std::numeric_limits<std::uint64_t>::max(),
+       [&](TimingListener& listener) { listener.instant(name, current_thread_id(), steady_clock::now()); });
 }
 
 TimingListener::Time begin_timing_wait() {

@@ -25,7 +25,7 @@ std::string DisplayRenderer::explain() const {
   {
     const std::lock_guard lock(settings_mutex_);
     const bool no_image = last_ && last_->image->samples.empty();  // no frame takes that
-    if (failure_ && !no_image) return "The last frame failed: " + *failure_;
+    if (last_error_ && !no_image) return "The last frame failed: " + *last_error_;
     frame = last_;
   }
   return frame ? cause(*frame) : "No frame has been drawn yet. ";

@@ -161,9 +161,9 @@ void DisplayRenderer::draw_or_forget() {
 void DisplayRenderer::note_failure(const char* text) noexcept {
   const std::lock_guard lock(settings_mutex_);
   try {
-    failure_ = text;
+    last_error_ = text;
   } catch (const std::bad_alloc&) {
-    failure_.emplace();
+    last_error_.emplace();
   }
 }
 
@@ -198,7 +198,7 @@ void DisplayRenderer::draw_frame() {
 void DisplayRenderer::remember(std::shared_ptr<const Frame> frame) {
   const std::lock_guard lock(settings_mutex_);
   last_.swap(frame);  // the image of the one before goes after the lock
-  failure_.reset();
+  last_error_.reset();
 }
 
 DisplayRenderer::Frame DisplayRenderer::take_frame(GLsizei width, GLsizei height) {

@@ -164,8 +164,8 @@ class DisplayRenderer {
   std::optional<Content> shown_;  // by the last frame
   gl::KeptPicture picture_;       // of that
   // Of the last frame, under the mutex of the settings.
-  std::shared_ptr<const Frame> last_;   // null: there was none
-  std::optional<std::string> failure_;  // none: it did not fail
+  std::shared_ptr<const Frame> last_;      // null: there was none
+  std::optional<std::string> last_error_;  // none: it did not fail
   std::atomic<bool> initialized_{false};
   gl::ContextIdentity home_ = gl::no_context;  // where it was initialised
 };

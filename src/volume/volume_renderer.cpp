@@ -74,10 +74,11 @@ void VolumeRenderer::release() {
   raycaster_.release();
   elements_.release();
   surface_.release();
+  picker_.release();
   picture_.release();
   const std::lock_guard lock(record_mutex_);
   record_.reset();
-  failure_.reset();
+  last_error_.reset();
 }
 
 void VolumeRenderer::render(const VolumeSource& source) {
@@ -116,7 +117,7 @@ void VolumeRenderer::draw_frame(const VolumeSource& source) {
 void VolumeRenderer::remember(std::shared_ptr<const FrameRecord> record) {
   const std::lock_guard lock(record_mutex_);
   record_.swap(record);
-  failure_.reset();
+  last_error_.reset();
 }
 
 // Nothing is known of what the target shows now.
@@ -124,9 +125,9 @@ void VolumeRenderer::note_failure(const char* text) noexcept {
   const std::lock_guard lock(record_mutex_);
   record_.reset();
   try {
-    failure_ = text;
+    last_error_ = text;
   } catch (const std::bad_alloc&) {
-    failure_.emplace();
+    last_error_.emplace();
   }
 }
 

@@ -16,6 +16,7 @@
 #include "volume/frame/volume_settings.h"
 #include "volume/passes/background.h"
 #include "volume/passes/box.h"
+#include "volume/passes/picker.h"
 #include "volume/passes/raycaster.h"
 #include "volume/passes/scene_elements.h"
 #include "volume/passes/surface.h"
@@ -41,6 +42,15 @@ class VolumeRenderer {
   // from what is known without OpenGL. Where the frame's context is current, and no frame is being drawn, it looks at
   // the picture as well.
   std::string explain_frame();
+
+  // What lies under a pixel of the last frame, from the viewport's lower left corner. In the context of the frame.
+  struct Pick {
+    PickedKind kind = PickedKind::nothing;
+    glm::dvec3 voxel{0.0};  // depth, A-scan, B-scan
+    glm::dvec3 millimetres{0.0};
+    float value = 0.0F;
+  };
+  Pick pick(int x, int y);
 
   // Camera
   void set_angles(double x, double y);
@@ -122,11 +132,12 @@ class VolumeRenderer {
   Raycaster raycaster_;
   SceneElements elements_;
   Surface surface_;
+  Picker picker_;
   gl::KeptPicture picture_;  // of the last frame, once it was asked for a second time
 
   mutable std::mutex record_mutex_;            // held for assignments only
   std::shared_ptr<const FrameRecord> record_;  // of the last frame; null: there was none, or it failed
-  std::optional<std::string> failure_;         // of the last frame
+  std::optional<std::string> last_error_;      // of the last frame
 };
 
 }  // namespace oct

@@ -2,8 +2,10 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "core/exception.h"
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
+#include "gl/context/opengl_loader.h"
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "volume/frame/frame_explanation.h"
@@ -59,7 +61,7 @@ std::string VolumeRenderer::explain_frame() {
   std::shared_ptr<const FrameRecord> last;
   {
     const std::lock_guard lock(record_mutex_);
-    if (failure_) return "The last frame failed: " + *failure_;
+    if (last_error_) return "The last frame failed: " + *last_error_;
     last = record_;
   }
   if (!last) return "No frame has been drawn yet. ";
@@ -70,19 +72,47 @@ std::string VolumeRenderer::explain_frame() {
   return likely_cause(*last);
 }
 
+VolumeRenderer::Pick VolumeRenderer::pick(int x, int y) {
+  const ObjectLock lock(this);
+  const TimingMark mark("VolumeRenderer::pick");
+  gl::require_opengl();
+  gl::throwOnGLError("pickVolume");
+  const std::shared_ptr<const FrameRecord> last = record();
+  if (!last) throw StateError("Draw a frame before picking. ");
+  gl::require_home(last->home);
+  if (!last->textures_are_unchanged())
+    throw StateError("The volume has changed since the last frame. Draw a frame before picking. ");
+  const Viewport& viewport = last->drawn.viewport;
+  if (x < 0 || y < 0 || x >= viewport.width || y >= viewport.height) return {};
+  const VolumeSource source = last->source_again();
+  const VolumeFrame frame = begin_frame(last->drawn.settings, source, viewport);
+  colormaps_.update(frame.settings);
+  const VolumePick found =
+      picker_.pick(frame, {box_, raycaster_, elements_.sectional_view, surface_}, glm::uvec2(x, y));
+  if (found.kind == PickedKind::nothing) return {};
+  // The axes of the box are A-scans, depth and B-scans; voxels lie at the middle of their share of it.
+  const glm::dvec3 place(found.place.y, found.place.x, found.place.z);
+  const glm::dvec3 voxels(static_cast<double>(source.extent.depth),
+                          static_cast<double>(source.extent.a_scans),
+                          static_cast<double>(source.extent.b_scans));
+  const bool surface = found.kind == PickedKind::surface;
+  return {found.kind, place * voxels - 0.5, place * glm::dvec3(frame.range.extent),
+          surface ? static_cast<float>(place.x * frame.settings.surface_scale) : found.value};
+}
+
 // Draws volume and surface of the frame once more, without lines and labels, and compares with the background alone.
 bool VolumeRenderer::shows_something(const FrameRecord& record) {
   const ObjectLock lock(this);
   const TimingMark mark("VolumeRenderer::shows_something");
   gl::throwOnGLError("explainFrame");
-  const auto [width, height] = record.drawn.viewport;
+  const Viewport viewport = record.drawn.viewport;
   const VolumeSource source = record.source_again();
   const VolumeFrame frame = begin_frame(record.drawn.settings, source, record.drawn.viewport);
   colormaps_.update(frame.settings);
   gl::KeptPicture picture;
   const auto pixels_with = [&](const Area& area, bool contents) {
     picture.keep(
-        width, height,
+        viewport.width, viewport.height,
         [&] {
           clear_target();
           draw_background(frame);
@@ -96,7 +126,7 @@ bool VolumeRenderer::shows_something(const FrameRecord& record) {
     gl::throwOnGLError("explainFrame");
     return picture.pixels();
   };
-  const Area whole{0, 0, width, height};
+  const Area whole{0, 0, viewport.width, viewport.height};
   const std::vector<std::uint8_t> background = pixels_with(whole, false);
   return differ(pixels_with(middle_of(record), true), background) ||
          differ(pixels_with(whole, true), background);

@@ -42,6 +42,16 @@ void expect_spacing(const VoxelSpacing& spacing, const std::array<double, 3>& mm
   EXPECT_EQ(spacing.source, source);
 }
 
+// From memory; the folder is that of files which headers name.
+void read_frames(const std::string& bytes, const std::filesystem::path& folder = {}) {
+  const auto frames = open_frames(std::make_shared<InputFile>(folder / "x", bytes), "scan");
+  for (std::size_t i = 0; i < frames->frame_count(); ++i) {
+    const Raster raster = frames->read(i, no_progress);
+    ASSERT_EQ(raster.samples.size(), raster.rows * raster.columns);
+  }
+  for (const double mm : frames->spacing().mm) ASSERT_TRUE(mm >= 0 && mm <= 15);
+}
+
 TEST_F(Formats, GiveTheSameVoxelsAndSpacing) {
   for (const WrittenFile& written : every_format(sampled)) {
     SCOPED_TRACE(written.name);
@@ -60,13 +70,17 @@ TEST_F(Formats, GiveTheSameVoxelsAndSpacing) {
     // Cut anywhere, a file is refused: it neither crashes the program nor passes as a smaller volume.
     if (written.files.size() > 1) continue;
     const std::string whole = written.files.begin()->second;
-    // Behind the samples: nothing, what an offset lets be ignored, or the end of the block and its sum.
+    if (written.raw) {
+      write_file(file.path, whole.substr(0, whole.size() - 5));
+      expect_in("too few for the 4 x 101 x 67 samples of type i4 that --raw",
+                error_of<ReadError>([&] { load_volume(file); }));
+      continue;
+    }
+    // At the end of compressed data are the end of the block and a sum.
     const bool has_sum = written.name == "nii.gz" || written.name == "mha compressed";
-    const std::size_t behind = written.raw ? 4 : has_sum ? 12 : 0;
-    for (std::size_t i = 0; i <= 40; ++i) {
-      write_file(folder_ / written.files.begin()->first,
-                 whole.substr(0, (whole.size() - behind - 1) * i / 40));
-      EXPECT_NE(error_of<ReadError>([&] { load_volume(file); }), "no error") << i;
+    for (std::size_t i = 1; i <= 40; ++i) {
+      const std::string cut = whole.substr(0, (whole.size() - (has_sum ? 13 : 1)) * i / 40);
+      EXPECT_NE(error_of<ReadError>([&] { read_frames(cut); }), "no error") << i;
     }
   }
 }
@@ -299,23 +313,18 @@ TEST_F(Formats, MutatedFilesAreReadOrRefused) {
   contents.push_back(png({1, 3, 4}, 0));
   const std::uint64_t first = number_from("OCT_FUZZ_FIRST", 0), rounds = number_from("OCT_FUZZ_ROUNDS", 4000);
   std::size_t read = 0, refused = 0;
-  for (std::uint64_t round = first; round < first + rounds; ++round) {
+  for (std::uint64_t round = first; round < first + rounds && !HasFatalFailure(); ++round) {
+    SCOPED_TRACE("round " + std::to_string(round));
     Mutation mutation(round);
     std::string bytes = contents[mutation.below(contents.size())];
     for (std::size_t i = mutation.below(4) + 1; i > 0; --i) mutation.change(bytes);
     try {
-      const auto frames = open_frames(std::make_shared<InputFile>(folder_ / "x", bytes), "scan");
-      const std::size_t count = frames->frame_count();
-      for (const std::size_t frame : {std::size_t{0}, count / 2, count - 1}) {
-        const Raster raster = frames->read(frame, no_progress);
-        ASSERT_EQ(raster.samples.size(), raster.rows * raster.columns) << "round " << round;
-      }
-      for (const double mm : frames->spacing().mm) ASSERT_TRUE(mm >= 0 && mm <= 15) << "round " << round;
+      read_frames(bytes, folder_ / "");
       ++read;
     } catch (const ReadError&) {
       ++refused;
     } catch (const std::exception& error) {
-      FAIL() << "round " << round << ": " << error.what();
+      FAIL() << error.what();
     }
   }
   EXPECT_GT(read, rounds / 20);  // mutations are not so strong that nothing gets past the first check

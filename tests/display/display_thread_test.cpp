@@ -35,6 +35,7 @@ TEST(DisplayThreadGLTest, NoTornSettings) {
         setDisplayColoringBoundaries(renderer, -0.1 * i, 1.0 + 0.1 * i);
         setDisplayBlur(renderer, i % 2, i % 3 == 0);
         setDisplayPepperFilter(renderer, i % 5 == 0);
+        explainDisplay(renderer, nullptr, 0);
         setDisplayFlip(renderer, i % 2);
         setBackgroundColor(renderer, i);
         setDisplayBounds(renderer, 0, size);

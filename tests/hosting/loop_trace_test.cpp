@@ -80,7 +80,7 @@ TEST_P(LoopTraceGLTest, ShowsThreadsTheGpuAndWaits) {
     EXPECT_TRUE(trace.find("OCT render", name)) << name;
   }
   EXPECT_TRUE(trace.find("OCT return", "Image ready callback"));
-  EXPECT_TRUE(trace.find(thread_name(), "OpenGLControlLoop::snap"));
+  EXPECT_TRUE(trace.find(own_track(), "OpenGLControlLoop::snap"));
   for (const char* const name : {"request waits", "frame is read back", "frame waits for the client"}) {
     EXPECT_TRUE(trace.waits.contains(name)) << name;
   }

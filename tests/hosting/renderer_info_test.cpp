@@ -4,8 +4,8 @@
 
 #include "oct_rendering/oct_rendering.h"
 #include "support/gl_spy.h"
-#include "support/surfaces.h"
 #include "support/test_context.h"
+#include "support/test_loop.h"
 
 namespace oct::test {
 namespace {

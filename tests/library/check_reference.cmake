@@ -1,7 +1,6 @@
 # The reference of the interface, with the guides, is made without a warning: a function, a parameter or a link that
-# leads nowhere fails. Arguments: SOURCE_DIR, OUTPUT_DIR.
+# leads nowhere fails. Arguments: DOXYGEN, SOURCE_DIR, OUTPUT_DIR.
 cmake_minimum_required(VERSION 3.25)
-find_program(DOXYGEN doxygen REQUIRED)
 file(READ "${SOURCE_DIR}/docs/Doxyfile" settings)
 file(MAKE_DIRECTORY "${OUTPUT_DIR}")
 file(WRITE "${OUTPUT_DIR}/Doxyfile" "${settings}\nOUTPUT_DIRECTORY = \"${OUTPUT_DIR}\"\n")

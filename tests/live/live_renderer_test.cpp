@@ -415,6 +415,9 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   EXPECT_NE(live.source().secondary, 0U);
   live.render();
   EXPECT_EQ(live.source().volume, 0U) << "nothing has been uploaded";
+  char why[200];
+  EXPECT_EQ(explainFrame(stage.renderer, why, sizeof why), 1);
+  EXPECT_TRUE(contains(why, "No live volume has come yet. ")) << why;
   float* const data = feed.take(claim);
   ASSERT_NE(data, nullptr);
   std::fill_n(data, 4 * 3 * 2, 0.25F);
@@ -431,6 +434,14 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   EXPECT_EQ(live.source().filled_fraction, 1.0F);
   for (int i = 0; i < 3; ++i) live.render();
   EXPECT_EQ(live.source().volume_revisions->newest(), revision);
+  setRenderElements(stage.renderer, 1, 0);
+  setVolumeMode(stage.renderer, 1);
+  live.render();
+  EXPECT_EQ(explainFrame(stage.renderer, why, sizeof why), 0) << why;
+  OctPick pick{};
+  pick.size = sizeof pick;
+  EXPECT_EQ(pickVolume(stage.renderer, 10, 10, &pick), OCT_PICK_VOLUME);
+  EXPECT_EQ(pick.value, 0.25F);
   GlSpy spy;
   spy.in_next("glClear", [&] { feed.stop(claim); });
   live.render();
@@ -438,6 +449,8 @@ TEST(LiveRendererDrawTest, GivesTheVolumeRendererItsTextures) {
   EXPECT_EQ(live.source().volume, 0U);
   EXPECT_EQ(live.source().secondary, 0U);
   EXPECT_EQ(live.source().secondary_slice_count, 0);
+  EXPECT_EQ(pickVolume(stage.renderer, 10, 10, &pick), OCT_PICK_NOTHING);
+  EXPECT_EQ(pending_error(), "The volume has changed since the last frame. Draw a frame before picking. ");
   finishOffscreenFrame(stage.target, nullptr);
   EXPECT_EQ(pending_error(), "(none)");
 }

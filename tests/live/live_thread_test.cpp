@@ -127,6 +127,8 @@ TEST_F(LiveThreadTest, SettersWhileRunning) {
           source_, i % 2 ? nullptr : +[](const char* text) { client_errors.add(text); });
       setRefIntensityCallback(
           source_, i % 3 ? nullptr : +[](double value) { intensities.add(value); });
+      EXPECT_GE(getRefIntensity(source_), -1.0);
+      EXPECT_EQ(getDataSourceError(source_, nullptr, 0), 0);
       int size = 0;
       getLiveVolumeRenderingSize(live_, &size, &size, &size);
       EXPECT_TRUE(isLiveVolumeRunning(live_));

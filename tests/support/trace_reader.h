@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "core/platform.h"
+#include "core/trace/thread_name.h"
 #include "support/test_context.h"
 
 namespace oct::test {
@@ -105,6 +107,12 @@ struct Trace {
     return found == phases->second.end() ? nullptr : &*found;
   }
 };
+
+// The name of the calling thread's track.
+inline std::string own_track() {
+  const std::string name = thread_name();
+  return name.empty() ? "thread " + std::to_string(current_thread_id()) : name;
+}
 
 // Expects that each track's phases nest and follow each other, and that all are closed.
 inline Trace read_trace(const std::filesystem::path& file) {

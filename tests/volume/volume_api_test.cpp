@@ -34,7 +34,7 @@ TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
                       setRendererColormap, setRendererSecondaryColormap, setOverlayRendererColormap,
                       setSurfaceColormap, setRendererColoringBoundaries,
                       setRendererSecondaryColoringBoundaries, setOverlayRendererColoringBoundaries,
-                      setRendererSecondarySliceIndex, explainFrame, setSurface, setSurfaceDepths);
+                      setRendererSecondarySliceIndex, explainFrame, pickVolume, setSurface, setSurfaceDepths);
   setVolumeMode(renderer_, 2);
   setRenderingMode(renderer_, 1);
   setSectionalView(renderer_, 1, 1.0F, 1, 0.0F, 1, 0.5F);

@@ -35,6 +35,7 @@ void set_everything(VolumeRendererHandle h, int i) {
   setRendererSecondaryColormap(h, red.data(), 2), setRenderForeground(h, 0x80FF00FFU + 256U * (i % 4));
   setBorder(h, i % 4 != 0, i % 3, i % 2), setRenderElements(h, i % 5 != 0, i % 2);
   setRenderingMode(h, i % 7 == 0);
+  explainFrame(h, nullptr, 0);
 }
 
 // The two background colours are set together, and so are seen: a frame of two colours would be a torn state.

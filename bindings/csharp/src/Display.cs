@@ -103,6 +103,14 @@ public sealed class Display : IDisposable {
     Library.Check();
   }
 
+  /// <summary>Why the last frame shows nothing or almost nothing, in plain words.</summary>
+  /// <returns>Null when it shows something.</returns>
+  public string Explain() {
+    Handle.RequireThread();
+    var text = new byte[1024];
+    return Library.Checked(Native.explainDisplay(Handle, text, text.Length)) == 0 ? null : Utf8.Text(text);
+  }
+
   /// <summary>Frees it, on the thread that made it.</summary>
   public void Dispose() {
     if (Handle.IsClosed) return;

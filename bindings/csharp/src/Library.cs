@@ -23,6 +23,16 @@ public static class Library {
     get { return Utf8.Text(Native.getRendererVersion()); }
   }
 
+  /// <summary>What the current OpenGL context has to offer, or one made for the question; texts by Utf8.Text.</summary>
+  public static RendererInfo Info {
+    get {
+      RendererInfo info = RendererInfo.Sized();
+      Native.getRendererInfo(ref info);
+      Check();
+      return info;
+    }
+  }
+
   /// <summary>Sets the file that the library's log is appended to.</summary>
   /// <param name="fileName">Null or empty: none.</param>
   public static void SetLogFile(string fileName) {

@@ -116,6 +116,26 @@ public sealed class VolumeRenderer : IDisposable {
     Library.Check();
   }
 
+  /// <summary>What lies under a pixel of the last frame.</summary>
+  /// <param name="x">From the left.</param>
+  /// <param name="y">From the bottom: the height of the picture less one less the row of a picture.</param>
+  /// <returns>Its place and value; its Kind is 0 where nothing is.</returns>
+  public Pick Pick(int x, int y) {
+    Handle.RequireThread();
+    Pick pick = OctRendering.Pick.Sized();
+    Native.pickVolume(Handle, x, y, ref pick);
+    Library.Check();
+    return pick;
+  }
+
+  /// <summary>Why the last frame shows nothing or almost nothing, in plain words.</summary>
+  /// <returns>Null when it shows something.</returns>
+  public string Explain() {
+    Handle.RequireThread();
+    var text = new byte[1024];
+    return Library.Checked(Native.explainFrame(Handle, text, text.Length)) == 0 ? null : Utf8.Text(text);
+  }
+
   /// <summary>Frees it, on the thread that made it, after the volumes that it draws.</summary>
   public void Dispose() {
     if (Handle.IsClosed) return;

@@ -165,7 +165,25 @@ internal static class BindingTest {
         string sections = mode == "sections" ? " --sections 0.25 off 0.75" : "";
         ExpectSame(ByOctrender("volume", "--mode " + mode + sections + view, Samples()),
                    target.Draw(120, 90, volume.Render), "a volume by " + mode);
+        Expect(renderer.Explain() == null, "nothing to explain: " + renderer.Explain());
       }
+      Expect(renderer.Pick(60, 45).Kind == (int)PickKind.Slice, "a slice in the middle");
+      renderer.ShowWhole();
+      target.Draw(120, 90, volume.Render);
+      Pick pick = renderer.Pick(60, 45);
+      Expect(pick.Kind == (int)PickKind.Volume && pick.Value > 0 && pick.Value <= 1, "the volume in the middle");
+      var lengths = new[] { 34, 26, 18 };
+      for (int axis = 0; axis < 3; ++axis) {
+        double expected = (pick.Voxel[axis] + 0.5) / lengths[axis] * (axis + 1);
+        Expect(Math.Abs(pick.Millimetres[axis] - expected) < 1e-6, "millimetres of axis " + axis);
+      }
+      Expect(renderer.Pick(0, 0).Kind == (int)PickKind.Nothing, "the background");
+      renderer.Show(false, false);
+      target.Draw(120, 90, volume.Render);
+      Expect(!string.IsNullOrEmpty(renderer.Explain()), "why the volume is not seen");
+      RendererInfo info = Library.Info;
+      Expect(Utf8.Text(info.Version)[0] >= '3' && info.MaxTextureSize >= 1024 && info.Max3dTextureSize >= 256
+             && (info.Sharings & 1u << (int)SurfaceSharing.HostMemory) != 0, "what the context has to offer");
     }
   }
 

@@ -40,6 +40,13 @@ def main():
     expect(files["lib/net45/OctRendering.dll"][:2] == b"MZ", "an assembly")
     expect(files["runtimes/linux-x64/native/liboct_rendering.so"][:4] == b"\x7fELF", "a library")
 
+    with tempfile.NamedTemporaryFile() as library:
+        library.write(files["runtimes/linux-x64/native/liboct_rendering.so"])
+        library.flush()
+        dynamic = subprocess.run(["readelf", "-d", library.name], check=True, capture_output=True, text=True).stdout
+    paths = [line.partition("[")[2] for line in dynamic.splitlines() if "PATH" in line]
+    expect(all(path.startswith("$ORIGIN]") for path in paths), f"a library that searches its own folder only: {paths}")
+
     types = parsed["[Content_Types].xml"]
     known = {item.get("Extension") for item in types} | {item.get("PartName") for item in types}
     for name in files:

@@ -16,7 +16,7 @@ from ._contexts import leave_the_rest as _leave_the_rest
 from ._library import library as _library
 from .colors import colormap_names
 from .display import Display
-from .errors import (ArgumentError, DeviceError, ErrorKind, LibraryNotFound, OctError, OpenGLError, OutOfMemory, StateError,
+from .errors import (ArgumentError, DeviceError, EmptyPicture, ErrorKind, LibraryNotFound, OctError, OpenGLError, OutOfMemory, StateError,
                      SystemFailure)
 from .live import Live, open_lives as _open_lives
 from .loop import Loop, open_loops as _open_loops
@@ -26,7 +26,7 @@ from .simulator import SimulatedDevice
 from .volume import Volume
 
 __version__ = raw.VERSION
-__all__ = ["ArgumentError", "DeviceError", "Display", "ErrorKind", "LibraryNotFound", "Live", "Loop", "OctError",
+__all__ = ["ArgumentError", "DeviceError", "Display", "EmptyPicture", "ErrorKind", "LibraryNotFound", "Live", "Loop", "OctError",
            "OpenGLError", "OutOfMemory", "Picture", "SimulatedDevice", "StateError", "SystemFailure", "Volume",
            "colormap_names", "library_path", "raw", "render_bscan", "render_turntable", "render_volume"]
 

@@ -5,7 +5,9 @@ import threading
 from typing import Any, Callable, Optional, Set, Tuple
 
 from . import raw
-from .errors import ErrorKind, StateError, error_of
+from .errors import StateError, error_of
+
+_TEXT_BYTES = 4096
 
 
 class _Process:
@@ -63,21 +65,20 @@ def checked(function: Callable[..., Any], *arguments: Any) -> Any:
 
 
 def _raise_pending() -> None:
-    if raw.isRendererError() == 0:
-        return
-    kind = raw.getRendererErrorKind()
-    if kind == ErrorKind.NONE:
-        return  # another thread's, which looks for it itself
-    text = ctypes.create_string_buffer(4096)
-    if raw.getRendererError(text, len(text)):
-        raise error_of(kind, text.value.decode("utf-8", "replace"))
+    text = ctypes.create_string_buffer(_TEXT_BYTES)
+    if raw.getOwnRendererError(text, len(text)):
+        raise error_of(raw.getRendererErrorKind(), text.value.decode("utf-8", "replace"))
 
 
 def discard_pending() -> None:
     """For clean-up, which has nobody to report to: what stays pending would be taken for an error of the next call."""
-    while raw.isRendererError() and raw.getRendererErrorKind() and raw.getRendererError(None, 0):
-        if raw.getRendererErrorKind() == ErrorKind.SYSTEM:
-            return  # one text of this kind never goes away
+    raw.getOwnRendererError(None, 0)
+
+
+def explanation(handle: "Handle", function: Callable[..., int]) -> str:
+    """What an explaining function of `raw` says of the last frame; "" when it shows something."""
+    text = ctypes.create_string_buffer(_TEXT_BYTES)
+    return text.value.decode("utf-8", "replace").strip() if handle.call(function, text, len(text)) else ""
 
 
 class Handle:

@@ -2,15 +2,13 @@
 import contextlib
 import threading
 from collections import deque
-from typing import Any, Callable, Deque, Iterator, Optional
+from typing import Callable, Deque, Iterator, Optional
 
 from . import raw
 from ._calls import checked, discard_pending, is_calling, is_forked, use_process
 from .arrays import address
 from .errors import ArgumentError, StateError
-from .pictures import Picture, from_bottom_up_bgra
-
-import numpy as np
+from .pictures import Picture, new_picture
 
 
 class Discarded:
@@ -77,15 +75,15 @@ class OwnContext(Context):
     def picture(self, width: int, height: int, draw: Callable[[], None]) -> Picture:
         if not (1 <= width <= 65536 and 1 <= height <= 65536):
             raise ArgumentError(f"A picture cannot have {width} x {height} pixels.")
-        with self.frame(width, height) as pixels:
+        picture = new_picture(width, height)
+        with self.frame(picture):
             draw()
-        return from_bottom_up_bgra(pixels)
+        return picture
 
     @contextlib.contextmanager
-    def frame(self, width: int = 0, height: int = 0) -> Iterator[Any]:
-        """A frame; without a size one that nobody reads, to have the context current."""
-        size = (width, height) if width else self._size
-        pixels = np.empty((height, width, 4), np.uint8) if width else None
+    def frame(self, picture: Optional[Picture] = None) -> Iterator[None]:
+        """A frame of the picture; without one a frame that nobody reads, to have the context current."""
+        size = self._size if picture is None else (picture.shape[1], picture.shape[0])
         self._framing = True
         try:
             checked(raw.beginOffscreenFrame, self._target, *size)
@@ -93,12 +91,13 @@ class OwnContext(Context):
             try:
                 with self.current():
                     self.sweep()
-                    yield pixels
+                    yield
             except BaseException:
                 raw.finishOffscreenFrame(self._target, None)
                 discard_pending()
                 raise
-            checked(raw.finishOffscreenFrame, self._target, None if pixels is None else address(pixels))
+            pixels = None if picture is None else address(picture)
+            checked(raw.finishOffscreenFrameAs, self._target, raw.OctPixelFormat.OCT_PIXELS_RGBA_TOP_DOWN, pixels)
         finally:
             self._framing = False
 

@@ -4,7 +4,7 @@ import threading
 from typing import Any, Callable, Dict, Optional, Sequence, Tuple, TypeVar
 
 from . import raw
-from ._calls import Handle, checked, is_forked
+from ._calls import Handle, checked, explanation, is_forked
 from ._contexts import Home, own_context
 from .arrays import Range
 from .colors import Color, Colormap, colormap, packed, with_opacity_ramp
@@ -142,6 +142,11 @@ class Scene:
                 self._settled()
             self._apply_changes()
             self._draw_frame()
+
+    def explain(self) -> str:
+        """Why the last frame shows nothing or almost nothing, and what to do about it; "" when it shows something. On the thread
+        of the frames it draws the volume once more."""
+        return explanation(self._renderer, raw.explainFrame)
 
     def render(self, size: Size = (1024, 768)) -> Picture:
         """A picture of so many pixels, width and height."""

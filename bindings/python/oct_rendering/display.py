@@ -3,7 +3,7 @@ import functools
 from typing import Any, Optional, Tuple
 
 from . import raw
-from ._calls import Handle, checked, is_forked
+from ._calls import Handle, checked, explanation, is_forked
 from ._contexts import Home, own_context
 from ._scene import Size
 from .arrays import IMAGE_SHARES, Range, address, as_samples, chosen_range, without_gaps
@@ -108,6 +108,10 @@ class Display:
                 checked(raw.initDisplayRendering, display)
                 self._home.settle()
             checked(raw.renderDisplay, display)
+
+    def explain(self) -> str:
+        """Why the last frame shows nothing or almost nothing, and what to do about it; "" when it shows something."""
+        return explanation(self._display, raw.explainDisplay)
 
     def render(self, size: Optional[Size] = None) -> Picture:
         """A picture of so many pixels, width and height; None: one pixel per sample, at most 4096 a side."""

@@ -61,6 +61,10 @@ class SystemFailure(OctError):
     kind = ErrorKind.SYSTEM
 
 
+class EmptyPicture(UserWarning):
+    """A picture shows nothing or almost nothing; the warning says why, and what to do about it."""
+
+
 class LibraryNotFound(OctError, ImportError):
     """The shared library, or a function of it, was not found."""
 

@@ -10,10 +10,10 @@ from . import raw
 from ._calls import Handle, Reports, checked, is_forked, use_process
 from ._contexts import Context
 from .errors import ArgumentError, ErrorKind, OctError, StateError, error_of
-from .pictures import Picture, from_bottom_up_bgra
+from .pictures import Picture, new_picture
 
 _MODES = {"once": 0, "cycle": 1}
-_HOST_MEMORY = 1
+_PIXELS = raw.OctPixelFormat.OCT_PIXELS_RGBA_TOP_DOWN
 
 Draw = Union[Callable[[int], Any], Any]  # a function of the request's id, or what has a draw(id)
 
@@ -49,7 +49,8 @@ class Loop:
                            raw.OctErrorFunction(guard(self._on_error)), raw.OctRenderFunction(guard(self._on_draw)),
                            raw.OctImageReadyFunction(guard(self._on_frame)))
         init, uninit, error, render, image_ready = self._callbacks
-        checked(raw.setSurfaceSharing, _HOST_MEMORY)
+        checked(raw.setSurfaceSharing, raw.OctSurfaceSharing.OCT_SHARING_HOST_MEMORY)
+        checked(raw.setHostPixelFormat, _PIXELS)
         value = checked(raw.createOpenGLControlLoopCB, init, uninit, error)
         self._handle = Handle(value, raw.deleteOpenGLControlLoop, "Loop")
         open_loops.add(self)
@@ -91,10 +92,10 @@ class Loop:
             raise StateError("A snapshot would wait for the function that takes it.")
         if not (1 <= width <= 65536 and 1 <= height <= 65536):
             raise ArgumentError(f"A picture cannot have {width} x {height} pixels.")
-        pixels = np.empty((height, width, 4), np.uint8)
-        self._handle.call(raw.snapshotOpenGLControlLoop, width, height, pixels.ctypes.data)
+        picture = new_picture(width, height)
+        self._handle.call(raw.snapshotOpenGLControlLoopAs, width, height, _PIXELS, picture.ctypes.data)
         self._reports.raise_first()
-        return from_bottom_up_bgra(pixels)
+        return picture
 
     def close(self) -> None:
         """Ends both threads; no function is called any more when it returns. Again: nothing."""
@@ -139,8 +140,10 @@ class Loop:
             return
         host = ctypes.cast(surface, ctypes.POINTER(raw.OctHostSurface)).contents
         rows = np.ctypeslib.as_array(ctypes.cast(host.pixels, ctypes.POINTER(ctypes.c_ubyte)), (height, host.stride_bytes))
+        picture = new_picture(width, height)
+        picture.reshape(height, -1)[:] = rows[:, :width * 4]
         with self._within():
-            self._frame(from_bottom_up_bgra(rows[:, :width * 4].reshape(height, width, 4)), id)
+            self._frame(picture, id)
 
     def _on_end(self) -> None:
         with self._within(), self._context.current():

@@ -51,13 +51,3 @@ def _chunk(name: bytes, data: bytes) -> bytes:
 def new_picture(width: int, height: int) -> Picture:
     picture: Picture = np.empty((height, width, 4), np.uint8).view(Picture)
     return picture
-
-
-def from_bottom_up_bgra(pixels: Any) -> Picture:
-    """A copy of what the library hands over: an array (height, width, 4) of blue, green, red, alpha."""
-    picture = new_picture(pixels.shape[1], pixels.shape[0])
-    picture[:, :, 0] = pixels[::-1, :, 2]
-    picture[:, :, 1] = pixels[::-1, :, 1]
-    picture[:, :, 2] = pixels[::-1, :, 0]
-    picture[:, :, 3] = pixels[::-1, :, 3]
-    return picture

@@ -1,11 +1,12 @@
 """Pictures by one call."""
+import warnings
 from typing import Any, List, Optional, Tuple
 
 from ._scene import Size
 from .arrays import Range, as_samples
 from .colors import Color, Colormap
 from .display import Display, natural_size
-from .errors import ArgumentError
+from .errors import ArgumentError, EmptyPicture
 from .pictures import Picture
 from .volume import Extent, Volume
 
@@ -18,7 +19,8 @@ def render_bscan(image: Any, size: Optional[Size] = None, *, spacing: Optional[T
     """A picture of a B-scan of the shape (A-scans, depth): depth downwards, A-scans to the right.
 
     `size`: width and height in pixels; None: one pixel per sample, at most 4096 a side. `spacing`: the distance between samples
-    along depth and between A-scans, for the true aspect. The others are those of Display.set_image, set_filters, set_flip and
+    along depth and between A-scans, for the true aspect. A picture that shows nothing comes with a warning, EmptyPicture, that
+    says why. The others are those of Display.set_image, set_filters, set_flip and
     set_overlay."""
     if size is not None and spacing is not None:
         raise ArgumentError("A picture has either a size or a spacing.")
@@ -28,7 +30,9 @@ def render_bscan(image: Any, size: Optional[Size] = None, *, spacing: Optional[T
             display.set_overlay(overlay, overlay_range, overlay_colormap, overlay_opacity, overlay_threshold)
         display.set_filters(blur, pepper)
         display.set_flip(flip)
-        return display.render(size or natural_size(samples.shape, spacing or (1, 1)))
+        picture = display.render(size or natural_size(samples.shape, spacing or (1, 1)))
+        _warn(display.explain())
+        return picture
 
 
 def render_volume(samples: Any, size: Size = (1024, 768), *, extent: Optional[Extent] = None, mode: str = "composite",
@@ -40,8 +44,9 @@ def render_volume(samples: Any, size: Size = (1024, 768), *, extent: Optional[Ex
                   background: Tuple[Color, Color] = (0x000066, 0x000019), foreground: Color = 0xFFFFFF) -> Picture:
     """A picture of a volume of the shape (B-scans, A-scans, depth).
 
-    `extent`: millimetres along depth, A-scans and B-scans; without it voxels count as cubes and there are no scale marks. The
-    others are those of the functions of Volume; for more of them, make one."""
+    `extent`: millimetres along depth, A-scans and B-scans; without it voxels count as cubes and there are no scale marks. A
+    picture that shows nothing comes with a warning, EmptyPicture, that says why. The others are those of the functions of
+    Volume; for more of them, make one."""
     with _volume(samples, extent, mode, perspective, zoom, angles, slices, light, jitter, opacity_length, colormap, range, opacity) as volume:
         volume.set_clip(clip)
         volume.set_sections(*sections)
@@ -53,7 +58,9 @@ def render_volume(samples: Any, size: Size = (1024, 768), *, extent: Optional[Ex
             volume.set_secondary(secondary)
         if surface is not None:
             volume.set_surface(surface)
-        return volume.render(size)
+        picture = volume.render(size)
+        _warn(volume.explain())
+        return picture
 
 
 def render_turntable(samples: Any, count: int, size: Size = (512, 384), *, extent: Optional[Extent] = None,
@@ -66,10 +73,16 @@ def render_turntable(samples: Any, count: int, size: Size = (512, 384), *, exten
         for step in _steps(count):
             volume.turn(angle, first + 360.0 * step / count)
             pictures.append(volume.render(size))
+        _warn(volume.explain())
         return pictures
 
 
 _steps = range
+
+
+def _warn(explanation: str) -> None:
+    if explanation:
+        warnings.warn(explanation, EmptyPicture, stacklevel=3)
 
 
 def _volume(samples: Any, extent: Optional[Extent], mode: str, perspective: bool, zoom: Optional[float],

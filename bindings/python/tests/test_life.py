@@ -70,7 +70,7 @@ def test_a_thousand_objects_leave_nothing_behind():
         status = open("/proc/self/status").read()
         return int(re.search(r"VmRSS:\s*(\d+)", status)[1]), len(os.listdir("/proc/self/fd")), len(os.listdir("/proc/self/task"))
 
-    image, volume = np.zeros((256, 200), np.float32), np.zeros((64, 64, 64), np.float32)
+    image, volume = np.eye(256, 200, dtype=np.float32), np.zeros((64, 64, 64), np.float32)
 
     def make(count):
         for i in range(count):

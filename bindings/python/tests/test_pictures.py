@@ -9,6 +9,7 @@ import oct_rendering as oct
 from oct_rendering.arrays import address, as_samples
 from conftest import blob_volume, read_png
 
+pytestmark = pytest.mark.filterwarnings("error")
 VOLUME = blob_volume()
 IMAGE = VOLUME[10]
 GAPS = VOLUME.copy()
@@ -87,6 +88,13 @@ def test_contiguous_floats_go_in_from_where_they_lie():
                           (VOLUME.transpose(0, 2, 1), True), (VOLUME.astype(">f4"), True)):
         samples = as_samples(array, "B-scan, A-scan, depth")
         assert (address(samples) != address(array)) == copied and np.array_equal(samples, array)
+
+
+def test_an_empty_picture_comes_with_its_reason():
+    with pytest.warns(oct.EmptyPicture, match="values from .*boundaries 500 to 600. Lower the boundaries"):
+        oct.render_bscan(IMAGE, range=(500, 600))
+    with pytest.warns(oct.EmptyPicture, match="lower colouring boundary"):
+        oct.render_volume(VOLUME, (60, 40), range=(500, 600))
 
 
 @pytest.mark.parametrize("call, words", [

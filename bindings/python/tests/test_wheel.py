@@ -33,7 +33,7 @@ def test_the_wheel_alone_draws_what_its_readme_shows(tmp_path):
     assert len(np.unique(read_png(tmp_path / "bscan.png"))) > 50
     assert len(np.unique(read_png(tmp_path / "volume.png").reshape(-1, 3), axis=0)) > 500
     done = subprocess.run([python, "-m", "oct_rendering"], cwd=tmp_path, env=own, capture_output=True, text=True, timeout=60)
-    assert done.returncode == 0 and f"{site}/oct_rendering/lib" in done.stdout, done.stderr
+    assert done.returncode == 0 and f"{site}/oct_rendering/lib" in done.stdout and "OpenGL: " in done.stdout, done.stderr
 
 
 def test_the_wheel_is_whole_and_made_the_same_again(tmp_path):

@@ -12,7 +12,7 @@
 namespace oct::gl {
 namespace {
 
-constexpr std::uint64_t frames_late = 2;
+constexpr std::uint64_t passes_late = 4;   // outermost ones, of which a loop has two in a frame
 constexpr std::size_t most_stamps = 4096;  // of a GPU that does not get there
 constexpr auto clock_interval = std::chrono::seconds(1);
 
@@ -70,9 +70,9 @@ bool GpuTrack::begin(std::uint64_t trace, std::string_view name) {
   if (trace != trace_) restart(trace);
   if (bits_ == 0 || stamps_.size() >= most_stamps) return false;
   if (open_ == 0) {
-    ++frame_;
+    ++pass_;
     if (std::chrono::steady_clock::now() - clocks_.cpu >= clock_interval) read_clocks();
-    if (frame_ > frames_late) collect_until(frame_ - frames_late);
+    if (pass_ > passes_late) collect_until(pass_ - passes_late);
   }
   add(std::string(name), true);
   ++open_;
@@ -89,7 +89,7 @@ void GpuTrack::end(std::uint64_t trace, bool in_context) {
 void GpuTrack::add(std::string name, bool counted) {
   Stamp& stamp = stamps_.emplace_back();
   stamp.name = std::move(name);
-  stamp.frame = frame_;
+  stamp.pass = pass_;
   if (!counted) return;
   if (!unused_.empty()) {
     stamp.query = std::move(unused_.back());
@@ -103,8 +103,8 @@ void GpuTrack::add(std::string name, bool counted) {
 
 // In their order. A time that lies before the one before, as where a driver works on several commands at once, would
 // part what belongs together.
-void GpuTrack::collect_until(std::uint64_t frame) {
-  while (!stamps_.empty() && stamps_.front().frame <= frame) {
+void GpuTrack::collect_until(std::uint64_t pass) {
+  while (!stamps_.empty() && stamps_.front().pass <= pass) {
     Stamp& stamp = stamps_.front();
     if (stamp.query) {
       GLint available = GL_FALSE;

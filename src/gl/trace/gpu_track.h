@@ -26,7 +26,7 @@ class GpuTrack {
   void end(std::uint64_t trace, bool in_context);
 
   // Reads what is there.
-  void collect() { collect_until(frame_); }
+  void collect() { collect_until(pass_); }
 
  private:
   using Time = TimingListener::Time;
@@ -34,7 +34,7 @@ class GpuTrack {
   struct Stamp {
     Query query;       // without one: at the same time as the stamp before
     std::string name;  // of a pass that begins; empty: one ends
-    std::uint64_t frame = 0;
+    std::uint64_t pass = 0;
   };
 
   // The GPU's clock and the processor's at one time.
@@ -47,14 +47,14 @@ class GpuTrack {
   void read_clocks();
   Time time_of(GLuint64 gpu) const;
   void add(std::string name, bool counted);
-  void collect_until(std::uint64_t frame);
+  void collect_until(std::uint64_t pass);
 
   const TraceTrack track_;
   std::uint64_t trace_ = 0;
   int bits_ = 0;  // of the GPU's clock
   Clocks clocks_;
-  Time latest_;              // that was told
-  std::uint64_t frame_ = 0;  // counts passes that are in no other one
+  Time latest_;             // that was told
+  std::uint64_t pass_ = 0;  // counts the outermost ones
   unsigned open_ = 0;
   std::deque<Stamp> stamps_;
   std::vector<Query> unused_;

@@ -27,12 +27,12 @@ std::atomic<int> test_image_angle{0};  // degrees
 
 }  // namespace
 
-OpenGLControl::OpenGLControl(SurfaceSharing sharing) : host_(OpenGLHost::acquire()) {
+OpenGLControl::OpenGLControl(const SurfaceType& surfaces) : host_(OpenGLHost::acquire()) {
   const TimingMark mark("OpenGLControl");
-  create_context(sharing);
+  create_context(surfaces.sharing);
   device_.emplace(*source_);
   for (std::int32_t index = 0; index < ring_size; ++index) {
-    buffers_.push_back(source_->create_buffer(index));
+    buffers_.push_back(source_->create_buffer(index, surfaces.format));
   }
 }
 

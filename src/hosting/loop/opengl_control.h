@@ -22,7 +22,7 @@ class OpenGLControl {
   // Throws OpenGLError "Cannot properly create an OpenGLControl." when the system gives no context or
   // no buffers within one second.
   // The control's context is current afterwards; after a failure, what was current before.
-  explicit OpenGLControl(SurfaceSharing sharing);
+  explicit OpenGLControl(const SurfaceType& surfaces);
   // Leaves current what is current; in place of the control's own context, what was before the construction.
   ~OpenGLControl();
   OpenGLControl(const OpenGLControl&) = delete;

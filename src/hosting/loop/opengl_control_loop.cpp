@@ -78,7 +78,7 @@ OpenGLControlLoop::OpenGLControlLoop(Callback initCallback, Callback uninitCallb
     : error_callback_(std::move(errorCallback)),
       init_callback_(std::move(initCallback)),
       uninit_callback_(std::move(uninitCallback)),
-      sharing_(surface_sharing()) {
+      surfaces_(surfaces_to_come()) {
   const TimingMark mark("OpenGLControlLoop");
   try {
     start_threads();
@@ -148,14 +148,15 @@ void OpenGLControlLoop::set_image_ready_callback(std::optional<ImageReadyCallbac
   image_ready_callback_.swap(callback);
 }
 
-void OpenGLControlLoop::snapshot(std::uint32_t width, std::uint32_t height, void* data) {
+void OpenGLControlLoop::snapshot(std::uint32_t width, std::uint32_t height, void* data,
+                                 gl::PixelFormat format) {
   const TimingMark mark("OpenGLControlLoop::snap");
   if (std::this_thread::get_id() == render_thread_id_.load()) {
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
   }
   if (mode_ == snapshot_mode) return;
   if (size().empty()) throw StateError("A control loop without a size takes no snapshots. ");
-  if (!desk_.place({width, height, data})) return;
+  if (!desk_.place({width, height, format, data})) return;
   request_queue_.wake();
   return_map_.wake();  // a render thread that waits for the client draws the snapshot first
   trace_render_call(0);
@@ -224,7 +225,7 @@ void OpenGLControlLoop::tell_client(const char* message) {
 
 void OpenGLControlLoop::render() {
   const TimingMark mark("Rendering Loop");
-  control_ = std::make_unique<OpenGLControl>(sharing_);
+  control_ = std::make_unique<OpenGLControl>(surfaces_);
   start_gate_.signal();
   if (init_callback_) init_callback_();
   control_->make_current();
@@ -365,7 +366,7 @@ std::optional<Exception> OpenGLControlLoop::draw_snapshot(const SnapshotDesk::Or
   std::optional<Exception> failure;
   try {
     gl::throwOnGLError("the snapshot");
-    target.finish(order.data);
+    target.finish(order.data, order.format);
     gl::throwOnGLError("the snapshot");
     record_timing_mark("frame end");
   } catch (const std::exception& error) {
@@ -435,7 +436,7 @@ void OpenGLControlLoop::give_to_client(HandOffBuffer& buffer) {
   {
     const std::lock_guard lock(image_ready_mutex_);
     if (image_ready_callback_) {
-      const ClientSurfaces::Loan loan(client_surfaces(), sharing_, mapped->surface());
+      const ClientSurfaces::Loan loan(client_surfaces(), surfaces_, mapped->surface());
       (*image_ready_callback_)(mapped->index(), mapped->width(), mapped->height(), mapped->surface());
     }
   }

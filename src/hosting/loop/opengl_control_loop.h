@@ -57,12 +57,12 @@ class OpenGLControlLoop {
   void set_rendering_callback(RenderingCallback callback);
   void set_image_ready_callback(std::optional<ImageReadyCallback> callback);
 
-  // Draws a frame of the given size into client memory and returns when it is there: BGRA, bottom row first.
-  // The frame begins after the call. Does nothing while another snapshot is running. Throws when the picture
+  // Draws a frame of the given size into client memory and returns when it is there. The frame begins after the call. Does nothing while another snapshot is running. Throws when the picture
   // cannot be drawn.
-  void snapshot(std::uint32_t width, std::uint32_t height, void* data);
+  void snapshot(std::uint32_t width, std::uint32_t height, void* data,
+                gl::PixelFormat format = gl::PixelFormat::bgra);
 
-  SurfaceSharing sharing() const { return sharing_; }
+  const SurfaceType& surfaces() const { return surfaces_; }
 
  private:
   struct Size {
@@ -117,7 +117,7 @@ class OpenGLControlLoop {
   SignalEvent start_gate_;
   std::unique_ptr<OpenGLControl> control_;
   std::atomic<std::uint64_t> size_{0};  // width in the upper half, so that both change together
-  const SurfaceSharing sharing_;
+  const SurfaceType surfaces_;
   HandOffBuffer* unfinished_ = nullptr;  // of the render thread: its frame still waits for the GPU
   TimingListener::Time unfinished_since_;
   SnapshotDesk desk_;

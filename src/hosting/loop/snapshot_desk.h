@@ -8,6 +8,7 @@
 #include <string>
 
 #include "core/exception.h"
+#include "gl/target/read_back.h"
 
 namespace oct {
 
@@ -18,6 +19,7 @@ class SnapshotDesk {
   struct Order {
     std::uint32_t width;
     std::uint32_t height;
+    gl::PixelFormat format;
     void* data;  // of the client, who waits as long as somebody may write to it
   };
 

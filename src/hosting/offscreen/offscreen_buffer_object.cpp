@@ -1,7 +1,6 @@
 #include "hosting/offscreen/offscreen_buffer_object.h"
 
 #include "core/timing_mark.h"
-#include "gl/read_back.h"
 #include "gl/trace/pass_mark.h"
 
 namespace oct {
@@ -10,6 +9,7 @@ void OffscreenBufferObject::release() {
   detach();
   const GLuint names[] = {target_.framebuffer.get(), target_.color.get(), target_.depth.get()};
   target_.reset();
+  read_back_.release();
   // A second time, with names that no longer exist: OpenGL ignores them.
   gl::FramebufferKind::destroy(names[0]);
   gl::RenderbufferKind::destroy(names[1]);
@@ -34,6 +34,7 @@ void OffscreenBufferObject::discard() {
     glBindRenderbuffer(GL_RENDERBUFFER, 0);
   }
   target_.reset();
+  read_back_.release();
 }
 
 void OffscreenBufferObject::prepare(std::uint32_t width, std::uint32_t height) {
@@ -55,11 +56,11 @@ void OffscreenBufferObject::prepare(std::uint32_t width, std::uint32_t height) {
   record_timing_mark("before_rendering");
 }
 
-void OffscreenBufferObject::finish(void* data) {
+void OffscreenBufferObject::finish(void* data, gl::PixelFormat format) {
   const gl::PassMark mark("OffscreenBuffer::finish");
   if (!data) return;
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-  gl::read_color(target_.framebuffer, width_, height_, data);
+  read_back_.read(target_.framebuffer, width_, height_, format, data);
 }
 
 }  // namespace oct

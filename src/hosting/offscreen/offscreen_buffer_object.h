@@ -3,7 +3,8 @@
 
 #include <cstdint>
 
-#include "gl/render_target.h"
+#include "gl/target/read_back.h"
+#include "gl/target/render_target.h"
 
 namespace oct {
 
@@ -13,8 +14,8 @@ class OffscreenBufferObject {
   // Begins a frame of this size: makes the target, whatever OpenGL says to it, unless the frame before had the same
   // size, and binds it. What is drawn on is undefined.
   void prepare(std::uint32_t width, std::uint32_t height);
-  // Ends it and reads it back (BGRA, bottom row first). Null reads nothing.
-  void finish(void* data);
+  // Ends it and reads it back. Null reads nothing.
+  void finish(void* data, gl::PixelFormat format = gl::PixelFormat::bgra);
   void discard();  // the target; the next frame makes another one. To be called after an error.
   void release();  // deletes the OpenGL objects
 
@@ -22,6 +23,7 @@ class OffscreenBufferObject {
   void detach();
 
   gl::RenderTarget target_;
+  gl::ReadBack read_back_;
   GLsizei width_ = 0;
   GLsizei height_ = 0;
 };

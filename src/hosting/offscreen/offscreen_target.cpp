@@ -68,13 +68,13 @@ void OffscreenTarget::prepare(std::uint32_t width, std::uint32_t height) {
   }
 }
 
-void OffscreenTarget::finish_frame(void* pixels) {
+void OffscreenTarget::finish_frame(void* pixels, gl::PixelFormat format) {
   if (!before_frame_) throw StateError("No offscreen frame has been begun. ");
   context_.makeCurrent();
   const gl::RestoreCurrent restore(*std::exchange(before_frame_, std::nullopt));
   const gl::ClientPack pack;
   try {
-    buffer_.finish(pixels);
+    buffer_.finish(pixels, format);
     gl::throwOnGLError("finishOffscreenFrame");
     if (pixels) gl::collect_gpu_times();
   } catch (...) {

@@ -23,7 +23,7 @@ class OffscreenTarget {
   OffscreenTarget& operator=(const OffscreenTarget&) = delete;
 
   void begin_frame(std::uint32_t width, std::uint32_t height);
-  void finish_frame(void* pixels);  // null reads nothing
+  void finish_frame(void* pixels, gl::PixelFormat format = gl::PixelFormat::bgra);  // null reads nothing
 
   // Deletes the OpenGL objects, as the destructor does otherwise, and throws what goes wrong. Nothing but the
   // destructor may follow.

@@ -11,10 +11,11 @@ namespace oct {
 // Keeps two surfaces where they are while one is copied to the other, without holding the table's mutex.
 class ClientSurfaces::Copy {
  public:
-  Copy(ClientSurfaces& surfaces, SurfaceSharing kind, void* source, void* destination) : surfaces_(surfaces) {
+  Copy(ClientSurfaces& surfaces, const SurfaceType& type, void* source, void* destination)
+      : surfaces_(surfaces) {
     const std::lock_guard lock(surfaces_.mutex_);
-    source_ = &usable(kind, source);
-    destination_ = &usable(kind, destination);
+    source_ = &usable(type, source);
+    destination_ = &usable(type, destination);
     ++source_->copies;
     ++destination_->copies;
   }
@@ -28,10 +29,10 @@ class ClientSurfaces::Copy {
   Copy& operator=(const Copy&) = delete;
 
  private:
-  Known& usable(SurfaceSharing kind, void* surface) const {
+  Known& usable(const SurfaceType& type, void* surface) const {
     const auto entry = surfaces_.surfaces_.find(surface);
     if (entry == surfaces_.surfaces_.end()) throw std::invalid_argument("The specified surface is unknown. ");
-    if (entry->second.kind == kind) return entry->second;
+    if (entry->second.type == type) return entry->second;
     throw std::invalid_argument("The surface is of another kind than those of the loop. ");
   }
 
@@ -40,15 +41,15 @@ class ClientSurfaces::Copy {
   Known* destination_ = nullptr;
 };
 
-void* ClientSurfaces::create(SurfaceSharing kind, std::uint32_t width, std::uint32_t height) {
+void* ClientSurfaces::create(const SurfaceType& type, std::uint32_t width, std::uint32_t height) {
   if (width == 0 || height == 0) throw std::invalid_argument("A surface must not be empty. ");
   if (width > std::numeric_limits<std::uint32_t>::max() / 4 / height) {
     throw std::invalid_argument("The surface is too large. ");
   }
-  auto surface = surface_kind(kind).create_surface(width, height);
+  auto surface = surface_kind(type.sharing).create_surface(width, height);
   void* const pointer = surface->pointer();
   const std::lock_guard lock(mutex_);
-  surfaces_.emplace(pointer, Known{kind, std::move(surface)});
+  surfaces_.emplace(pointer, Known{type, std::move(surface)});
   return pointer;
 }
 
@@ -62,10 +63,10 @@ bool ClientSurfaces::destroy(void* surface) {
   return true;
 }
 
-void ClientSurfaces::copy(SurfaceSharing kind, void* source, void* destination) {
+void ClientSurfaces::copy(const SurfaceType& type, void* source, void* destination) {
   if (!source || !destination) throw std::invalid_argument("A surface to copy must not be null. ");
-  const Copy copy(*this, kind, source, destination);
-  if (source != destination) surface_kind(kind).copy(source, destination);
+  const Copy copy(*this, type, source, destination);
+  if (source != destination) surface_kind(type.sharing).copy(source, destination);
 }
 
 // Nobody finds the entry any more; those that use it have found it before.
@@ -74,10 +75,10 @@ void ClientSurfaces::forget(Table::iterator entry, std::unique_lock<std::mutex>&
   copied_.wait(lock, [&] { return forgotten.mapped().copies == 0; });
 }
 
-ClientSurfaces::Loan::Loan(ClientSurfaces& surfaces, SurfaceSharing kind, void* surface)
+ClientSurfaces::Loan::Loan(ClientSurfaces& surfaces, const SurfaceType& type, void* surface)
     : surfaces_(surfaces), surface_(surface) {
   const std::lock_guard lock(surfaces_.mutex_);
-  surfaces_.surfaces_.emplace(surface, Known{kind, nullptr});
+  surfaces_.surfaces_.emplace(surface, Known{type, nullptr});
 }
 
 ClientSurfaces::Loan::~Loan() {

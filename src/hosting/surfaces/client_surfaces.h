@@ -13,7 +13,7 @@ namespace oct {
 
 class ClientSurfaces {
  public:
-  void* create(SurfaceSharing kind, std::uint32_t width, std::uint32_t height);
+  void* create(const SurfaceType& type, std::uint32_t width, std::uint32_t height);
 
   // False for a pointer that create did not return or that was destroyed before. Waits for copies of the surface
   // that other threads are making.
@@ -21,12 +21,12 @@ class ClientSurfaces {
 
   // The whole source, stretched over the whole destination without a filter. Throws std::invalid_argument for
   // what is no surface of the kind.
-  void copy(SurfaceSharing kind, void* source, void* destination);
+  void copy(const SurfaceType& type, void* source, void* destination);
 
   // Makes a frame's surface known while it lives; its end waits for copies, as destroy does.
   class Loan {
    public:
-    Loan(ClientSurfaces& surfaces, SurfaceSharing kind, void* surface);
+    Loan(ClientSurfaces& surfaces, const SurfaceType& type, void* surface);
     ~Loan();
     Loan(const Loan&) = delete;
     Loan& operator=(const Loan&) = delete;
@@ -38,7 +38,7 @@ class ClientSurfaces {
 
  private:
   struct Known {
-    SurfaceSharing kind;
+    SurfaceType type;
     std::unique_ptr<AbstractClientSurface> owner;  // null for a frame's
     int copies = 0;                                // that are being made from or to it
   };

@@ -15,7 +15,7 @@ class DX9BufferSource : public AbstractBufferSource {
  public:
   explicit DX9BufferSource(std::unique_ptr<InteropDevice> interop) : interop_(std::move(interop)) {}
 
-  std::unique_ptr<HandOffBuffer> create_buffer(std::int32_t index) override {
+  std::unique_ptr<HandOffBuffer> create_buffer(std::int32_t index, gl::PixelFormat /*format*/) override {
     return std::make_unique<DX9SharedBufferObject>(interop_->device(), interop_.get(), index);
   }
 

@@ -4,7 +4,6 @@
 #include "core/log.h"
 #include "core/timing_mark.h"
 #include "gl/opengl_error.h"
-#include "gl/read_back.h"
 #include "gl/trace/debugging.h"
 #include "gl/trace/pass_mark.h"
 
@@ -20,6 +19,7 @@ void HostBufferObject::release() {
   fence_.reset();
   finished_ = false;
   target_.reset();
+  read_back_.release();
   pixels_.reset();
 }
 
@@ -57,7 +57,7 @@ void HostBufferObject::finish() {
   const gl::PassMark mark("HostBufferObject: finish");
   gl::discard_gl_errors();
   glBindBuffer(GL_PIXEL_PACK_BUFFER, pixels_.get());
-  gl::read_color(target_.framebuffer, columns(), rows(), nullptr);
+  read_back_.read(target_.framebuffer, columns(), rows(), format_, nullptr);
   glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
   gl::throwOnGLError("the read-back of a frame");
   fence_.insert();

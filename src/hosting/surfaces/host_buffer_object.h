@@ -2,7 +2,8 @@
 #pragma once
 
 #include "gl/fence.h"
-#include "gl/render_target.h"
+#include "gl/target/read_back.h"
+#include "gl/target/render_target.h"
 #include "hosting/surfaces/hand_off_buffer.h"
 #include "oct_rendering/oct_rendering.h"
 
@@ -12,7 +13,8 @@ namespace oct {
 // done, and the client reads the mapped memory itself. Nothing is copied by the processor.
 class HostBufferObject : public HandOffBuffer {
  public:
-  using HandOffBuffer::HandOffBuffer;
+  explicit HostBufferObject(std::int32_t id, gl::PixelFormat format = gl::PixelFormat::bgra)
+      : HandOffBuffer(id), format_(format) {}
   ~HostBufferObject() override;
 
   void release() override;
@@ -30,8 +32,10 @@ class HostBufferObject : public HandOffBuffer {
   GLsizei rows() const { return static_cast<GLsizei>(surface_.height); }
   void unmap();
 
+  const gl::PixelFormat format_;
   OctHostSurface surface_{};  // pixels is the mapped memory, null while nothing is mapped
   gl::RenderTarget target_;
+  gl::ReadBack read_back_;
   gl::Buffer pixels_;
   gl::Fence fence_;
   bool finished_ = false;  // a frame has been read back and is not mapped yet

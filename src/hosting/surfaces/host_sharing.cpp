@@ -11,8 +11,8 @@ namespace {
 
 class HostBufferSource : public AbstractBufferSource {
  public:
-  std::unique_ptr<HandOffBuffer> create_buffer(std::int32_t index) override {
-    return std::make_unique<HostBufferObject>(index);
+  std::unique_ptr<HandOffBuffer> create_buffer(std::int32_t index, gl::PixelFormat format) override {
+    return std::make_unique<HostBufferObject>(index, format);
   }
 };
 

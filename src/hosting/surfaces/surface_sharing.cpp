@@ -20,6 +20,8 @@ std::atomic<SurfaceSharing> current_sharing{
       return kind->available;
     }))->sharing};
 
+std::atomic<gl::PixelFormat> host_format{gl::PixelFormat::bgra};
+
 }  // namespace
 
 const SurfaceKind& surface_kind(SurfaceSharing sharing) {
@@ -37,6 +39,14 @@ void set_surface_sharing(int value) {
 
 SurfaceSharing surface_sharing() {
   return current_sharing;
+}
+
+void set_host_pixel_format(int value) {
+  host_format = gl::pixel_format_of(value);
+}
+
+SurfaceType surfaces_to_come() {
+  return {current_sharing, host_format};
 }
 
 }  // namespace oct

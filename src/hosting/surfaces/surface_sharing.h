@@ -4,17 +4,30 @@
 #include <cstdint>
 #include <memory>
 
+#include "gl/target/read_back.h"
+
 namespace oct {
 
 class HandOffBuffer;
 
 enum class SurfaceSharing : int { direct3d = 0, host_memory = 1 };
 
+// What tells the surfaces of one control from those of another. Those of Direct3D have a format of its own; for them it
+// is always the first.
+struct SurfaceType {
+  SurfaceType(SurfaceSharing kind, gl::PixelFormat pixels = gl::PixelFormat::bgra)
+      : sharing(kind), format(kind == SurfaceSharing::host_memory ? pixels : gl::PixelFormat::bgra) {}
+  bool operator==(const SurfaceType&) const = default;
+
+  SurfaceSharing sharing;
+  gl::PixelFormat format;
+};
+
 // What the buffers of one control have in common.
 class AbstractBufferSource {
  public:
   virtual ~AbstractBufferSource() = default;
-  virtual std::unique_ptr<HandOffBuffer> create_buffer(std::int32_t index) = 0;
+  virtual std::unique_ptr<HandOffBuffer> create_buffer(std::int32_t index, gl::PixelFormat format) = 0;
 
   // Whether the device that the buffers are made on is gone for good.
   virtual bool device_removed() const { return false; }
@@ -48,5 +61,10 @@ const SurfaceKind& surface_kind(SurfaceSharing sharing);
 // a kind that this platform does not have.
 void set_surface_sharing(int value);
 SurfaceSharing surface_sharing();
+
+// Likewise, for those whose surfaces are host memory.
+void set_host_pixel_format(int value);
+
+SurfaceType surfaces_to_come();
 
 }  // namespace oct

@@ -33,7 +33,12 @@ RaycastingSource raycasting_source(VolumeMode mode, bool overlay) {
                  : RaycastingSource{"raycasting_program", shaders::raycasting_frag};
 }
 
-// The source with what makes it a variant defined behind its first line, which tells the version.
+// Behind the first line, which tells the version.
+std::string with_definitions(std::string source, const std::string& definitions) {
+  return source.insert(source.find('\n') + 1, definitions);
+}
+
+// The source with what makes it a variant defined.
 void load_variant(RaycastingProgram& program, const RaycastingVariant& variant) {
   const RaycastingSource source = raycasting_source(variant.mode, variant.overlay);
   std::string name = source.name;
@@ -46,9 +51,8 @@ void load_variant(RaycastingProgram& program, const RaycastingVariant& variant) 
   add("LIT", variant.lit);
   add("OPACITY_LENGTH", variant.opacity_length);
   add("JITTERED", variant.jittered);
-  std::string fragment = source.fragment;
-  fragment.insert(fragment.find('\n') + 1, defines);
-  program.load(name, shaders::raycasting_vert, fragment);
+  add("PICKING", variant.picking);
+  program.load(name, shaders::raycasting_vert, with_definitions(source.fragment, defines));
 }
 
 }  // namespace
@@ -123,14 +127,13 @@ const SimpleProgram& VolumePrograms::simple() {
   return built(simple_, [&] { simple_.load(); });
 }
 
-const VolumeRenderingProgram& VolumePrograms::section(bool overlay) {
-  VolumeRenderingProgram& program = sections_[overlay ? 1 : 0];
+const VolumeRenderingProgram& VolumePrograms::section(bool overlay, bool picking) {
+  VolumeRenderingProgram& program = sections_[(overlay ? 1U : 0U) + (picking ? 2U : 0U)];
   return built(program, [&] {
-    if (overlay) {
-      program.load("overlay_rendering_program", shaders::section_vert, shaders::section_overlay_frag);
-    } else {
-      program.load("program", shaders::section_vert, shaders::section_frag);
-    }
+    const std::string name = overlay ? "overlay_rendering_program" : "program";
+    program.load(picking ? name + "_PICKING" : name, shaders::section_vert,
+                 with_definitions(overlay ? shaders::section_overlay_frag : shaders::section_frag,
+                                  picking ? "#define PICKING\n" : ""));
   });
 }
 
@@ -152,6 +155,13 @@ RaycastingVariant RaycastingVariant::of(const VolumeSettings& settings, bool ove
   const bool composite = mode == VolumeMode::normal || mode == VolumeMode::dual_coloring;
   return {mode, overlay && mode != VolumeMode::dual_coloring, composite && settings.lighting.changes_colors(),
           composite && settings.opacity_length > 0.0, settings.ray_jitter};
+}
+
+RaycastingVariant RaycastingVariant::for_picking() const {
+  RaycastingVariant variant = *this;
+  variant.lit = false;  // light moves nothing
+  variant.picking = true;
+  return variant;
 }
 
 }  // namespace oct

@@ -35,9 +35,11 @@ struct RaycastingVariant {
   bool lit = false;
   bool opacity_length = false;
   bool jittered = false;
+  bool picking = false;  // tells what lies under a pixel, in place of its colour
 
   // Dual colouring knows no overlay, and what is no composite neither light nor opacity.
   static RaycastingVariant of(const VolumeSettings& settings, bool overlay);
+  RaycastingVariant for_picking() const;
   auto operator<=>(const RaycastingVariant&) const = default;
 };
 
@@ -48,11 +50,12 @@ class VolumePrograms {
   void load(const VolumeSettings& settings);  // those that a frame with these settings needs
   void unload();
 
-  const gl::Shader& background();                       // vec2 vertex (0), vec4 colour (1)
-  const SimpleProgram& simple();                        // vec3 vertex (0); modelview, projection, color
-  const VolumeRenderingProgram& section(bool overlay);  // vec3 vertex (0); modelview, projection, flip
-  const SurfaceProgram& surface();                      // vec3 position (0), vec3 normal (1)
-  const SurfaceBackProgram& surface_back();             // vec3 position (0)
+  const gl::Shader& background();  // vec2 vertex (0), vec4 colour (1)
+  const SimpleProgram& simple();   // vec3 vertex (0); modelview, projection, color
+  // vec3 vertex (0); modelview, projection, flip
+  const VolumeRenderingProgram& section(bool overlay, bool picking = false);
+  const SurfaceProgram& surface();           // vec3 position (0), vec3 normal (1)
+  const SurfaceBackProgram& surface_back();  // vec3 position (0)
 
   const RaycastingProgram& raycasting_of(const RaycastingVariant& variant);
 
@@ -63,7 +66,7 @@ class VolumePrograms {
   bool loaded_ = false;
   gl::Shader background_;
   SimpleProgram simple_;
-  std::array<VolumeRenderingProgram, 2> sections_;  // without and with an overlay
+  std::array<VolumeRenderingProgram, 4> sections_;  // + 1 with an overlay, + 2 for picking
   SurfaceProgram surface_;
   SurfaceBackProgram surface_back_;
   std::map<RaycastingVariant, RaycastingProgram> raycasting_;

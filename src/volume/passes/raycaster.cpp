@@ -42,21 +42,39 @@ void Raycaster::release() {
   face_before_eye_.release();
 }
 
+bool Raycaster::has_rays(const VolumeFrame& frame) {
+  if (frame.box.empty()) return false;
+  return frame.settings.volume_mode != VolumeMode::dual_coloring || secondary_slice_exists(frame);
+}
+
 void Raycaster::draw(const VolumeFrame& frame, Box& box, Surface& surface) {
   const gl::PassMark mark("render_raycasting::drawing");
-  const VolumeMode mode = frame.settings.volume_mode;
-  if (frame.box.empty()) return;
-  if (mode == VolumeMode::dual_coloring && !secondary_slice_exists(frame)) return;
+  if (!has_rays(frame)) return;
   const RaycastingProgram& program =
       frame.programs.raycasting_of(RaycastingVariant::of(frame.settings, frame.source.overlay_present));
-  if (!frame.clip_plane.cut_face().empty()) cut_face_.set_vertices(frame.clip_plane.cut_face());
-
-  const Visibility visibility = prepare_empty_space(frame);
   if (frame.surface_shown()) surface_positions_.draw(frame, surface);
+  prepare(program, frame);
+  {
+    const gl::Blending blending;
+    draw_front_faces(program, frame, box);
+  }
+  gl::throwOnGLError("render_raycasting::drawing");
+}
+
+void Raycaster::pick(const VolumeFrame& frame, Box& box, const glm::uvec2& pixel) {
+  if (!has_rays(frame)) return;
+  const auto drawn = RaycastingVariant::of(frame.settings, frame.source.overlay_present);
+  const RaycastingProgram& program = frame.programs.raycasting_of(drawn.for_picking());
+  prepare(program, frame);
+  glUniform2ui(program.ray().pickedPixel, pixel.x, pixel.y);
+  draw_front_faces(program, frame, box);
+}
+
+void Raycaster::prepare(const RaycastingProgram& program, const VolumeFrame& frame) {
+  if (!frame.clip_plane.cut_face().empty()) cut_face_.set_vertices(frame.clip_plane.cut_face());
+  const Visibility visibility = prepare_empty_space(frame);
   set_uniforms(program, frame);
   set_empty_space(program.ray(), frame, visibility);
-  draw_front_faces(program, frame, box);
-  gl::throwOnGLError("render_raycasting::drawing");
 }
 
 void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame& frame) const {
@@ -90,7 +108,6 @@ void Raycaster::set_secondary(const RaycastingProgram& program, const VolumeFram
 }
 
 void Raycaster::draw_front_faces(const RaycastingProgram& program, const VolumeFrame& frame, Box& box) {
-  const gl::Blending blending;
   // Where something opaque lies before the volume, the program knows: a test of depths would lose the rim of
   // the box to the polygon offset. The offset is for the lines on the box, which are tested against it.
   const gl::DepthTest depth(GL_ALWAYS, true);

@@ -26,20 +26,26 @@ void for_each_section(const VolumeFrame& frame, Use&& use) {
 
 void SectionalView::draw(const VolumeFrame& frame) {
   const gl::PassMark mark("VolumeRenderer::render_sectional_view");
+  draw_slices(frame, false);
+  gl::throwOnGLError("VolumeRenderer::render_sectional_view");
+}
+
+void SectionalView::pick(const VolumeFrame& frame) {
+  draw_slices(frame, true);
+}
+
+void SectionalView::draw_slices(const VolumeFrame& frame, bool picking) {
   std::vector<glm::vec3> triangles;
   for_each_section(frame, [&](const CrossSection& corners) {
     for (const std::size_t i : {0, 1, 2, 0, 2, 3}) triangles.push_back(corners[i]);
   });
   if (triangles.empty()) return;
   const bool overlay = frame.source.overlay_present;
-  use_volume_program(frame.programs.section(overlay), frame);
+  use_volume_program(frame.programs.section(overlay, picking), frame);
   slices_.set_vertices(std::span<const glm::vec3>(triangles));
-  {
-    const gl::DepthTest depth(GL_LEQUAL, true);
-    const gl::PolygonOffset offset(1.0F, 2.0F);
-    slices_.draw(GL_TRIANGLES, 0, static_cast<GLsizei>(triangles.size()));
-  }
-  gl::throwOnGLError("VolumeRenderer::render_sectional_view");
+  const gl::DepthTest depth(GL_LEQUAL, true);
+  const gl::PolygonOffset offset(1.0F, 2.0F);
+  slices_.draw(GL_TRIANGLES, 0, static_cast<GLsizei>(triangles.size()));
 }
 
 void SectionalView::draw_outline(const VolumeFrame& frame) {

@@ -6,6 +6,7 @@
 #include "gl/draw_state.h"
 #include "gl/opengl_error.h"
 #include "gl/pixel_store.h"
+#include "gl/target/float_pixel.h"
 #include "gl/trace/debugging.h"
 #include "gl/trace/pass_mark.h"
 
@@ -74,6 +75,12 @@ void SurfacePositions::draw(const VolumeFrame& frame, Surface& surface) {
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   const gl::DepthTest nearest(GL_LEQUAL, true);
   surface.draw_back(frame);
+}
+
+std::optional<glm::vec3> SurfacePositions::at(const glm::uvec2& pixel) const {
+  const glm::vec4 found = gl::read_floats(framebuffer_, GL_COLOR_ATTACHMENT0, pixel);
+  if (found.a == 0.0F) return std::nullopt;
+  return glm::vec3(found);
 }
 
 }  // namespace oct

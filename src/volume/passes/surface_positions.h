@@ -1,6 +1,8 @@
 // Where view rays meet the surface: a texture of the viewport's size with positions in texture space.
 #pragma once
 
+#include <optional>
+
 #include "gl/gl_names.h"
 #include "volume/frame/volume_frame.h"
 #include "volume/passes/surface.h"
@@ -31,6 +33,9 @@ class SurfacePositions {
   // Those that are nearest to the viewer, with 1 as fourth component, and 0 where there is no surface. Leaves the draw
   // framebuffer and the viewport as they were.
   void draw(const VolumeFrame& frame, Surface& surface);
+
+  // One of those that were drawn last; none where there is no surface.
+  std::optional<glm::vec3> at(const glm::uvec2& pixel) const;
 
   GLuint texture() const { return positions_.get(); }
 

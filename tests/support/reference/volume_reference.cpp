@@ -66,6 +66,40 @@ class Ray {
     }
   }
 
+  // The sample that a pixel shows.
+  struct Shown {
+    glm::dvec3 place;  // in the box, from 0 to 1
+    double value;
+    double opacity;  // of the ray
+  };
+  Shown shown() const {
+    const double opacity = glm::clamp(color().a, 0.0, 1.0);
+    if (scene_.mode == 1 || scene_.mode == 2) {
+      const auto count = std::min(places_.size(), static_cast<std::size_t>(scene_.slices));
+      return {places_[brightest(volume_, count)], value(volume_, places_[brightest(volume_, count)]),
+              opacity};
+    }
+    const bool overlaid = scene_.content == 2 && scene_.mode == 0;
+    glm::dvec4 total(0.0);
+    for (const glm::dvec3& place : places_) {
+      if (!(total.a > (overlaid ? 0.99 : 0.9))) add(total, place);
+    }
+    if (overlaid) {
+      const glm::dvec3 place = places_[brightest(scene_.overlay, places_.size())];
+      const double overlay = value(scene_.overlay, place);
+      if (total.a == 0.0 || normalised(scene_.overlay_coloring, overlay) > 0.5)
+        return {place, overlay, opacity};
+    }
+    const double all = overlaid || total.a <= 0.9 ? total.a : 1.0;
+    total = glm::dvec4(0.0);
+    for (const glm::dvec3& place : places_) {
+      add(total, place);
+      if (total.a >= 0.5 * all) return {place, value(volume_, place), opacity};
+    }
+    return {places_.back(), value(volume_, places_.back()), opacity};
+  }
+  double step() const { return glm::length(sight_ / extent_); }
+
   glm::dvec4 color() const {
     if (scene_.mode == 1) return mapped(coloring_, maximum());
     if (scene_.mode == 2) return mapped(coloring_, mean());
@@ -73,6 +107,14 @@ class Ray {
   }
 
  private:
+  std::size_t brightest(const Volume& volume, std::size_t count) const {
+    std::size_t found = 0;
+    for (std::size_t i = 1; i < count; ++i) {
+      if (value(volume, places_[i]) > value(volume, places_[found])) found = i;
+    }
+    return found;
+  }
+
   double value(const Volume& volume, const glm::dvec3& place) const {
     return voxel_at(volume, {place.y, place.x, place.z},
                     scene_.border ? Surroundings::zeros : Surroundings::edge);
@@ -218,6 +260,7 @@ class ReferenceSurface {
   struct Hit {
     double t;
     glm::dvec3 color;
+    bool of_slice = false;
   };
   // What the line meets first of the places that `kept` accepts.
   template <class Kept>
@@ -295,7 +338,7 @@ std::optional<ReferenceSurface::Hit> ReferenceSurface::hit(const Line& line, Kep
     const glm::dvec3 weights(1.0 - second - third, second, third);
     // Seen from smaller depth: the line runs the way of the normals, however the box is mirrored.
     const double way = glm::dot(n, line.direction) * glm::dot(n, vertices_[triangle[0]].normal);
-    first = {t, shaded(triangle, weights, way > 0.0)};
+    first = Hit{t, shaded(triangle, weights, way > 0.0)};
   }
   return first;
 }
@@ -342,6 +385,39 @@ class Layers {
     }
     if (glass && glass->x > in_view() && glass->x < open_to + touching) add_pane(found, near_pane);
     return found;
+  }
+
+  ReferencePick pick(int column, int row) const {
+    const Line line = camera_.model_line(column, row);
+    const std::optional<Hit> opaque = first_opaque(line, camera_.line(column, row));
+    const double open_to = opaque ? opaque->t : std::numeric_limits<double>::infinity();
+    const bool rays = scene_.volume_shown && !scene_.sectional;
+    const auto ray = rays ? ray_of(line, open_to, start_offset(column, row)) : std::optional<Ray>();
+    ReferencePick result;
+    const glm::dvec3 size(scene_.volume.height, scene_.volume.width, scene_.volume.depth);
+    const auto found = [&](int kind, const glm::dvec3& place, double value) {
+      const glm::dvec3 voxel = place * size - 0.5;
+      result.kind = kind;
+      result.voxel = {voxel.y, voxel.x, voxel.z};
+      result.value = value;
+      return result;
+    };
+    if (ray) {
+      const Ray::Shown shown = ray->shown();
+      const double needed = opaque ? 0.5 : 0.5 / 255.0;
+      result.step = ray->step() * std::max({size.x, size.y, size.z});
+      result.doubtful = std::abs(shown.opacity - needed) < 0.02 * needed;
+      if (shown.opacity >= needed) return found(1, shown.place, shown.value);
+    }
+    if (!opaque) return result;
+    const glm::dvec3 place = 0.5 * line.at(opaque->t) + 0.5;
+    if (!opaque->of_slice) return found(3, place, place.y * scene_.surface.scale);
+    found(2, place, 0.0);
+    result.value = reference_value(scene_.volume, result.voxel);
+    if (scene_.content != 2) return result;
+    const double overlay = reference_value(scene_.overlay, result.voxel);
+    if (mapped(scene_.overlay_coloring, overlay).a > 0.5) result.value = overlay;
+    return result;
   }
 
   std::vector<std::pair<glm::dvec2, glm::dvec2>> lines() const {
@@ -399,21 +475,25 @@ class Layers {
   }
 
   void add_ray(std::vector<glm::dvec4>& found, const Line& line, double open_to, double offset) const {
+    if (const auto ray = ray_of(line, open_to, offset)) found.push_back(ray->color());
+  }
+
+  std::optional<Ray> ray_of(const Line& line, double open_to, double offset) const {
     const auto passes = passage(line, end_);
-    if (!passes) return;
+    if (!passes) return {};
     double enter = std::max(passes->x, in_view());
     double leave = passes->y;
     if (plane_) {
       const bool enters_kept = plane_->above(line.at(enter)) >= 0.0;
       const bool leaves_kept = plane_->above(line.at(leave)) >= 0.0;
-      if (!enters_kept && (!leaves_kept || scene_.clip_open)) return;
+      if (!enters_kept && (!leaves_kept || scene_.clip_open)) return {};
       if (!enters_kept) enter = plane_->meets(line);
       if (!leaves_kept) leave = plane_->meets(line);
     }
     const bool to_surface = open_to < leave;
     if (to_surface) leave = open_to;
-    if (enter < leave)
-      found.push_back(Ray(scene_, line.at(enter), line.at(leave), to_surface, offset).color());
+    if (!(enter < leave)) return {};
+    return Ray(scene_, line.at(enter), line.at(leave), to_surface, offset);
   }
 
   // The faces of what the plane cuts off.
@@ -442,7 +522,7 @@ class Layers {
       const double place = 2.0 * slice.position - 1.0;
       const double t = (place - line.origin[axis]) / line.direction[axis];
       const bool there = slice.shown && (axis != 2 || place <= end_) && in_filled(line.at(t), axis);
-      if (there && t > in_view() && !(first && first->t < t)) first = Hit{t, slice_color(line.at(t))};
+      if (there && t > in_view() && !(first && first->t < t)) first = Hit{t, slice_color(line.at(t)), true};
     }
     return first;
   }
@@ -499,6 +579,15 @@ double distance(const Picture& a, const Picture& b) {
 }
 
 }  // namespace
+
+ReferencePick reference_pick(const VolumeScene& scene, int column, int row) {
+  return Layers(scene).pick(column, row);
+}
+
+double reference_value(const Volume& volume, const glm::dvec3& voxel) {
+  return voxel_at(volume, (voxel + 0.5) / glm::dvec3(volume.width, volume.height, volume.depth),
+                  Surroundings::edge);
+}
 
 ReferencePicture reference_picture(const VolumeScene& scene) {
   constexpr double line_reach = 1.6;  // pixels

@@ -24,6 +24,20 @@ struct ReferencePicture {
 
 ReferencePicture reference_picture(const VolumeScene& scene);
 
+// What lies under a pixel, in voxels (depth, A-scan, B-scan). Of what is seen as strongly as what hides it, or hardly
+// seen, either is right.
+struct ReferencePick {
+  int kind = 0;  // of OctPickKind
+  glm::dvec3 voxel{0.0};
+  double value = 0.0;
+  double step = 0.0;  // of the ray, in voxels
+  bool doubtful = false;
+};
+ReferencePick reference_pick(const VolumeScene& scene, int column, int row);
+
+// Linear between voxels, at a place in voxels.
+double reference_value(const Volume& volume, const glm::dvec3& voxel);
+
 // Compares with the closer of the two pictures, where no line may touch. Silhouettes are excepted from
 // `nearly`, within its fraction.
 testing::AssertionResult agree(const Picture& actual, const ReferencePicture& expected, Tolerance tolerance);

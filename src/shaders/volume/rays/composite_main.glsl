@@ -1,3 +1,14 @@
+#ifdef PICKING
+#include "volume/rays/pick_composite.glsl"
+
+void main() {
+  if (clip_dist < 0.0) discard;
+  Ray ray = cast_ray();
+  prepare_samples(ray);
+  float all = opacity_along(ray);
+  pick_half(ray, all, all);
+}
+#else
 #include "volume/rays/skip.glsl"
 
 // One loop with one way out, so that pixels which go on together do not wait for each other: two samples, then a look
@@ -17,3 +28,4 @@ void main() {
   vec4 color = composite_color();
   frag_color = final.a > opaque ? vec4(color.rgb, 1.0) : color;
 }
+#endif

@@ -1,3 +1,10 @@
+#ifdef PICKING
+float shown_value(float maximum, float sum, Ray ray) {
+  return maximum;
+}
+
+#include "volume/rays/pick_brightest.glsl"
+#else
 #include "volume/rays/limits.glsl"
 
 // One loop with one way out, so that pixels which go on together do not wait for each other: three samples, then a
@@ -19,3 +26,4 @@ void main() {
   }
   frag_color = color_at(colorTex, normalised(maximum));
 }
+#endif

@@ -21,6 +21,30 @@ void composite(vec3 current) {
   overlay = max(normalised_overlay(value), overlay);
 }
 
+#ifdef PICKING
+#include "volume/rays/pick_composite.glsl"
+
+// Whichever weighs more: the composite, or the overlay where it has its maximum.
+void main() {
+  if (clip_dist < 0.0) discard;
+  Ray ray = cast_ray();
+  prepare_samples(ray);
+  int brightest = 0;
+  for (int i = 0; i <= ray.last; ++i) {
+    float before = overlay_value;
+    composite(place(ray, i));
+    if (overlay_value > before) brightest = i;
+  }
+  float all = final.a;
+  float shown = clamp(mix(all, overlay, overlay), 0.0, 1.0);
+  float maximum = overlay_value;
+  if (overlay > 0.5 || all == 0.0) {
+    pick(place(ray, brightest), maximum, shown);
+  } else {
+    pick_half(ray, all, shown);
+  }
+}
+#else
 #include "volume/rays/limits.glsl"
 
 // The loop of the plain composites, but to the end of the ray: the overlay's maximum needs all of it. Before the
@@ -41,3 +65,4 @@ void main() {
   vec4 over = vec4(color_at(colorOverlayTex, overlay).rgb, overlay);
   frag_color = mix(composite_color(), over, over.a);
 }
+#endif

@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Two builds of the same sources are the same, byte for byte: builds and packs what is shipped once more, in another
+# folder, with other settings of the user, and compares the packages with those in BUILD/packages. Arguments: build folder
+# (BUILD), source folder.
+# Linking, packing and what CMake makes are done anew. Of the objects an eighth is compiled anew, another one with each
+# commit, because all of them take more than a minute; OCT_COMPILE_TWICE=all (./check --twice) compiles all. What could
+# differ in the others is held by two other means: no compiler may use a clock (-Werror=date-time), and no file that is
+# shipped names the folder that it was built in.
+set -euo pipefail
+build=$1 source=$2
+preset=$(basename "$build")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+again=$work/another/folder
+mkdir -p "$again/build"
+(cd "$source" && git ls-files -z --cached --others --exclude-standard | tar -c --null -T -) | tar -x -C "$again"
+ln -s "$(realpath "$source/build/deps")" "$again/build/deps"
+
+commit=$(git -C "$source" rev-parse HEAD)
+export OCT_FIRST_BUILD=$build OCT_COMPILED=$work/compiled OCT_SHARE=${OCT_COMPILE_TWICE:-$((16#${commit:0:4} % 8))}
+SOURCE_DATE_EPOCH=$(git -C "$source" log -1 --format=%ct)
+export SOURCE_DATE_EPOCH CCACHE_DISABLE=1 TZ=Asia/Kathmandu LC_ALL=C.UTF-8 USER=somebody
+umask 0027
+unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
+launcher=$(realpath "$(dirname "$0")/reuse_object")
+{
+  cmake --preset "$preset" -S "$again" -DOCT_BUILD_TESTS=OFF -DOCT_BUILD_BENCHMARKS=OFF \
+    "-DCMAKE_C_COMPILER_LAUNCHER=$launcher" "-DCMAKE_CXX_COMPILER_LAUNCHER=$launcher" &&
+    cmake --build "$again/build/$preset" --target shipped &&
+    cpack --config "$again/build/$preset/CPackConfig.cmake" -B "$work/packages"
+} >"$work/log" 2>&1 || { tail -n 30 "$work/log" >&2; exit 1; }
+echo "$(wc -l <"$OCT_COMPILED") objects compiled anew"
+
+# Unpacks a package, without PDB files: GNU's linker writes the full names of object files into them.
+unpack() { # PACKAGE FOLDER
+  mkdir "$2"
+  case $1 in
+    *deb) dpkg-deb -x "$1" "$2" ;;
+    *) (cd "$2" && cmake -E tar xf "$1" && find . -name '*.pdb' -delete) ;;
+  esac
+}
+cd "$build/packages"
+failed=
+for package in *deb *.zip; do
+  [ -e "$package" ] || continue
+  unpack "$PWD/$package" "$work/first"
+  unpack "$work/packages/$package" "$work/second"
+  diff -rq "$work/first" "$work/second" || failed=yes
+  [[ $package == *-symbols.zip ]] || cmp "$package" "$work/packages/$package" || failed=yes
+  if grep -rlaF -e "$(realpath "$source")" "$work/first"; then
+    echo "these files of $package name the folder that they were built in" >&2
+    failed=yes
+  fi
+  rm -rf "$work/first" "$work/second"
+done
+[ -z "$failed" ]
