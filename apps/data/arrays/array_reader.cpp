@@ -1,7 +1,6 @@
 #include "data/arrays/array_reader.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 #include <vector>
 
