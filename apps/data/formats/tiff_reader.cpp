@@ -91,8 +91,10 @@ class TiffReader : public FrameReader {
                                   size_of_file, nullptr, nullptr, options.get()));
     if (!tiff_) throw damaged();
     spacing_ = tiff_spacing(description(), resolution(TIFFTAG_XRESOLUTION), resolution(TIFFTAG_YRESOLUTION));
+    // Where the chain of pages breaks the count ends, with a complaint only.
+    error_.clear();
     pages_ = TIFFNumberOfDirectories(tiff_.get());
-    if (pages_ == 0) throw damaged();
+    if (pages_ == 0 || !error_.empty()) throw damaged();
   }
 
   std::size_t frame_count() const override { return pages_; }
