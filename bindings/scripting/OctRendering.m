@@ -119,10 +119,9 @@ classdef OctRendering < handle
                 calllib(self.Alias, 'finishOffscreenFrame', self.Target, libpointer);
                 rethrow(problem);
             end
-            self.call('finishOffscreenFrame', self.Target, pixels);
-            % Blue, green, red, alpha of each pixel; the bottom row first.
+            self.call('finishOffscreenFrameAs', self.Target, 3, pixels); % red first, the top row first
             picture = permute(reshape(pixels.Value, 4, width, height), [3 2 1]);
-            picture = flipud(picture(:, :, [3 2 1]));
+            picture = picture(:, :, 1:3);
         end
     end
 

@@ -17,7 +17,7 @@ typedef struct OctPick {
   int kind;              /**< an OctPickKind; where it is OCT_PICK_NOTHING the rest is 0 */
   double voxel[3];       /**< depth, A-scan, B-scan (OctAxis); the centres of voxels lie at whole numbers */
   double millimetres[3]; /**< the same from the corner of the box on, by the extents of setRange() */
-  float value;           /**< of the volume there, between voxels interpolated; of a surface its depth, in the unit of
+  float value; /**< of the volume there, between voxels interpolated; of a surface its depth, in the unit of
                               its values */
 } OctPick;
 

@@ -3,7 +3,6 @@
 #include <array>
 
 #include "core/exception.h"
-
 #include "gl/trace/debugging.h"
 
 namespace oct::gl {

@@ -2,7 +2,6 @@
 #include <filesystem>
 
 #include "core/platform.h"
-#include "core/trace/thread_name.h"
 #include "oct_rendering/oct_rendering.h"
 #include "support/test_loop.h"
 #include "support/trace_reader.h"

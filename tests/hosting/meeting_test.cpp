@@ -22,7 +22,7 @@ TEST(SnapshotDeskTest, AnOrderIsTakenAndFinishedOrFails) {
   SnapshotDesk desk;
   int pixel = 0;
   const auto order = [&] {
-    EXPECT_TRUE(desk.place({3, 4, &pixel}));
+    EXPECT_TRUE(desk.place({3, 4, gl::PixelFormat::bgra, &pixel}));
     return std::async(std::launch::async, [&] { return failure_of([&] { desk.wait(); }); });
   };
   EXPECT_FALSE(desk.take());
@@ -30,7 +30,7 @@ TEST(SnapshotDeskTest, AnOrderIsTakenAndFinishedOrFails) {
   for (const std::string reason : {"(none)", "No paint. ", "(none)"}) {
     auto client = order();
     EXPECT_TRUE(desk.has_order());
-    EXPECT_FALSE(desk.place({1, 1, &pixel}));
+    EXPECT_FALSE(desk.place({1, 1, gl::PixelFormat::bgra, &pixel}));
     const auto taken = desk.take();
     ASSERT_TRUE(taken);
     EXPECT_EQ(taken->height, 4U);
@@ -49,7 +49,7 @@ TEST(SnapshotDeskTest, AnOrderIsTakenAndFinishedOrFails) {
   desk.fail(ErrorKind::opengl, "Too late. ");  // not even taken
   EXPECT_EQ(last.get(), "Too late. ");
   drained.get();
-  EXPECT_EQ(failure_of([&] { desk.place({1, 1, &pixel}); }), "Closed. ");
+  EXPECT_EQ(failure_of([&] { desk.place({1, 1, gl::PixelFormat::bgra, &pixel}); }), "Closed. ");
 }
 
 TEST(SignalEventTest, StaysSignalledUntilItIsPassedOrForGood) {

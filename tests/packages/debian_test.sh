@@ -4,6 +4,7 @@
 # through pkg-config. Arguments: build folder, source folder. The packages stay in BUILD/packages.
 set -euo pipefail
 build=$1 source=$2
+umask 0022
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 rm -rf "$build/packages"
@@ -44,10 +45,13 @@ compile() { # NAME LIBRARY...
   # shellcheck disable=SC2046
   cc -std=c99 -Wall -Werror "$work/client/$1.c" -o "$work/$1" $(pkg-config --cflags --libs "${@:2}") -lm
 }
-compile readme oct_rendering && says "$bright" "$work/readme"
+compile readme oct_rendering
+says "$bright" "$work/readme"
 compile live oct_rendering oct_device
-compile vendor oct_rendering && "$work/vendor" >/dev/null 2>&1
-compile draw_bscan oct_rendering && "$work/draw_bscan" "$work/bscan.ppm" >/dev/null
+compile vendor oct_rendering
+"$work/vendor" >/dev/null 2>&1
+compile draw_bscan oct_rendering
+"$work/draw_bscan" "$work/bscan.ppm" >/dev/null
 [ "$(stat -c %s "$work/bscan.ppm")" -gt 900000 ]
 "$prefix/bin/octrender" --help >/dev/null
 # The installed program finds the installed device library.

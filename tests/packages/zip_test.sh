@@ -32,8 +32,10 @@ compile() { # NAME LIBRARY...
   x86_64-w64-mingw32-gcc-posix -std=c99 -Wall -Werror "$work/client/$1.c" -o "$work/bin/$1_plain.exe" \
     $(pkg-config --cflags --libs "${@:2}")
 }
-compile readme oct_rendering && says "$bright" "$wine" "$work/bin/readme_plain.exe"
-compile draw_bscan oct_rendering && "$wine" "$work/bin/draw_bscan_plain.exe" "$work/bscan.ppm" >/dev/null
+compile readme oct_rendering
+says "$bright" "$wine" "$work/bin/readme_plain.exe"
+compile draw_bscan oct_rendering
+"$wine" "$work/bin/draw_bscan_plain.exe" "$work/bscan.ppm" >/dev/null
 [ "$(stat -c %s "$work/bscan.ppm")" -gt 900000 ]
 
 # What MSVC would make of a program: its object format and calling convention, its linker's stand-in, no run-time library.

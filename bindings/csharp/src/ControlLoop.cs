@@ -16,7 +16,8 @@ public struct Frame {
   public IntPtr Surface;
 
   /// <summary>The pixels of a frame in host memory.</summary>
-  /// <returns>Rows, the bottom one first; four bytes a pixel: blue, green, red, alpha.</returns>
+  /// <returns>Four bytes a pixel: blue, green, red, alpha, the bottom row first, unless Native.setHostPixelFormat said
+  /// otherwise before the loop was made.</returns>
   public byte[] CopyPixels() {
     var surface = (HostSurface)Marshal.PtrToStructure(Surface, typeof(HostSurface));
     var pixels = new byte[Width * Height * 4];
@@ -115,16 +116,16 @@ public sealed class ControlLoop : IDisposable {
   /// <summary>Draws a frame of any size and waits for it. Not on the loop's render thread.</summary>
   /// <param name="width">Pixels.</param>
   /// <param name="height">Pixels.</param>
-  /// <returns>Rows, the top one first; four bytes a pixel: blue, green, red, alpha.</returns>
-  public byte[] Snapshot(int width, int height) {
+  /// <param name="format">At first that of bitmaps: blue, green, red, alpha, the top row first.</param>
+  /// <returns>Four bytes a pixel, without gaps between the rows.</returns>
+  public byte[] Snapshot(int width, int height, PixelFormat format = PixelFormat.BgraTopDown) {
     guard.ThrowPending();
     var pixels = new byte[checked(width * height * 4)];
     using (var pinned = new Pinned(pixels)) {
-      Native.snapshotOpenGLControlLoop(Handle, width, height, pinned.Pointer);
+      Native.snapshotOpenGLControlLoopAs(Handle, width, height, (int)format, pinned.Pointer);
     }
     Library.Check();
     guard.ThrowPending();
-    Picture.TurnOver(pixels, width, height);
     return pixels;
   }
 

@@ -55,17 +55,4 @@ public sealed class Pinned : IDisposable {
     if (handle.IsAllocated) handle.Free();
   }
 }
-
-internal static class Picture {
-  // The library's bottom row comes first, that of bitmaps last.
-  public static void TurnOver(byte[] pixels, int width, int height) {
-    int stride = width * 4;
-    var row = new byte[stride];
-    for (int top = 0, bottom = (height - 1) * stride; top < bottom; top += stride, bottom -= stride) {
-      Buffer.BlockCopy(pixels, top, row, 0, stride);
-      Buffer.BlockCopy(pixels, bottom, pixels, top, stride);
-      Buffer.BlockCopy(row, 0, pixels, bottom, stride);
-    }
-  }
-}
 }

@@ -20,8 +20,9 @@ public sealed class OffscreenTarget : IDisposable {
   /// <param name="width">Pixels.</param>
   /// <param name="height">Pixels.</param>
   /// <param name="draw">Draws it, by Display.Render and the like. What it throws comes out of this function.</param>
-  /// <returns>Rows, the top one first; four bytes a pixel: blue, green, red, alpha.</returns>
-  public byte[] Draw(int width, int height, Action draw) {
+  /// <param name="format">At first that of bitmaps: blue, green, red, alpha, the top row first.</param>
+  /// <returns>Four bytes a pixel, without gaps between the rows.</returns>
+  public byte[] Draw(int width, int height, Action draw, PixelFormat format = PixelFormat.BgraTopDown) {
     Handle.RequireThread();
     OwnThread.FreeWhatWasLeft();
     Native.beginOffscreenFrame(Handle, (uint)width, (uint)height);
@@ -31,11 +32,12 @@ public sealed class OffscreenTarget : IDisposable {
       draw();
       pixels = new byte[checked(width * height * 4)];
     } finally {
-      using (var pinned = new Pinned(pixels)) Native.finishOffscreenFrame(Handle, pinned.Pointer);
+      using (var pinned = new Pinned(pixels)) {
+        Native.finishOffscreenFrameAs(Handle, (int)format, pinned.Pointer);
+      }
       if (pixels == null) Library.DiscardErrors();
     }
     Library.Check();
-    Picture.TurnOver(pixels, width, height);
     return pixels;
   }
 

@@ -1,6 +1,7 @@
 // The binding against the programs that draw the same in C++, and against what may go wrong between two languages.
 // BindingTest.exe OCTRENDER DEVICE_LIBRARY FOLDER
 using System;
+using System.Collections.Concurrent;
 using System.Collections.Generic;
 using System.Diagnostics;
 using System.IO;
@@ -12,6 +13,7 @@ using System.Threading;
 using System.Windows.Media.Imaging;
 using OctRendering;
 using OctRendering.Wpf;
+using PixelFormat = OctRendering.PixelFormat;
 
 internal static class BindingTest {
   private static string octrender, deviceLibrary, folder;
@@ -134,6 +136,10 @@ internal static class BindingTest {
       }
       Expect(worst <= 0, "red is the place in the map, and differs by " + worst);
       ExpectSame(ByOctrender("bscan", "--size 26x34", image), own, "a B-scan");
+      byte[] other = target.Draw(26, 34, display.Render, PixelFormat.Rgba);
+      byte[] expected = Enumerable.Range(0, 34).Reverse().SelectMany(y => Enumerable.Range(y * 26, 26)).SelectMany(
+          pixel => new[] { own[pixel * 4 + 2], own[pixel * 4 + 1], own[pixel * 4], own[pixel * 4 + 3] }).ToArray();
+      ExpectSame(expected, other, "red first and the bottom row first");
 
       display.SetData(34, 26, image.Cast<float>().ToArray());
       display.SetFilters(true, true, false);
@@ -310,8 +316,9 @@ internal static class BindingTest {
       var displays = new List<IntPtr>();
       var renderers = new List<IntPtr>();
       Forget(50, () => {
-        for (int i = 0; i < 1000; ++i) displays.Add(Native.createDisplayRendering().DangerousGetHandle());
         for (int i = 0; i < 50; ++i) renderers.Add(new Volume().Renderer.Handle.DangerousGetHandle());
+        // Last, because who makes a renderer frees what was left.
+        for (int i = 0; i < 1000; ++i) displays.Add(Native.createDisplayRendering().DangerousGetHandle());
       });
       Collect();
       int left = Living(displays, handle => setDisplayFlip(handle, 1));
@@ -370,8 +377,7 @@ internal static class BindingTest {
         Expect(Until(() => frames > before), "a frame");
       }
       byte[] snapshot = loop.Snapshot(64, 48);
-      byte[] turned = Enumerable.Range(0, 48).Reverse().SelectMany(y => shown.Skip(y * 256).Take(256)).ToArray();
-      ExpectSame(snapshot, turned, "a frame of a loop");
+      ExpectSame(loop.Snapshot(64, 48, PixelFormat.Bgra), shown, "a frame of a loop");
       using (var target = new OffscreenTarget())
       using (var own = new Display()) {
         Apply(own);
@@ -460,10 +466,7 @@ internal static class BindingTest {
         drawn = bitmap == null ? null : bitmap.Written;
         return bitmap != null && bitmap.PixelWidth == columns && bitmap.PixelHeight == 30;
       }), "a picture in pixels of the screen");
-      byte[] snapshot = control.Loop.Snapshot(columns, 30);
-      byte[] turned = Enumerable.Range(0, 30).Reverse().SelectMany(
-          y => drawn.Skip(y * columns * 4).Take(columns * 4)).ToArray();
-      ExpectSame(snapshot, turned, "the control's picture");
+      ExpectSame(control.Loop.Snapshot(columns, 30, PixelFormat.Bgra), drawn, "the control's picture");
     }
     control.Close();
     control.RequestFrame();
@@ -516,7 +519,7 @@ internal static class BindingTest {
     IntPtr device = createSimulatedDevice(0, 128, 1);
     IntPtr processing = createSimulatedProcessing(device);
     IntPtr pattern = createSimulatedScanPattern(device, 12, 10, 4.0, 4.0);
-    var thrown = new List<string>();
+    var thrown = new ConcurrentQueue<string>();
     using (var target = new OffscreenTarget())
     using (var renderer = new VolumeRenderer()) {
       renderer.SetMode(VolumeMode.Maximum);
@@ -528,7 +531,7 @@ internal static class BindingTest {
           intensity = value;
           throw new FormatException("of the intensity");
         };
-        source.Threw += exception => thrown.Add(exception.Message);
+        source.Threw += exception => thrown.Enqueue(exception.Message);
         source.MeasureReference(true);
         source.Start(volume, pattern);
         byte[] picture = null;

@@ -47,7 +47,7 @@ static void draw_volume(OffscreenTargetHandle target, VolumeRendererHandle rende
   uploadOfflineVolume(volume, samples);
   beginOffscreenFrame(target, WIDTH, HEIGHT);
   renderOfflineVolume(volume, OCT_CONTENT_VOLUME);
-  finishOffscreenFrame(target, pixels);
+  finishOffscreenFrameAs(target, OCT_PIXELS_RGBA_TOP_DOWN, pixels);
   expect(getRendererErrorKind() == OCT_ERROR_NONE && values() > 100, "a picture");
   uploadOfflineVolumeSlice(volume, B_SCANS, samples);
   expect(getRendererErrorKind() == OCT_ERROR_ARGUMENT, "the kind of an error");
