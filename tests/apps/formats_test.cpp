@@ -84,7 +84,8 @@ TEST_F(Formats, CutFilesAreRefused) {
       continue;
     }
     // At the end of compressed data are the end of the block and a sum.
-    const bool has_sum = written.name == "nii.gz" || written.name == "mha compressed";
+    const bool has_sum =
+        written.name == "nii.gz" || written.name == "mha compressed" || written.name == "tiff in deflate";
     for (std::size_t length = 1; length < whole.size() - (has_sum ? 12 : 0); ++length) {
       EXPECT_NE(error_of<ReadError>([&] { read_frames(whole.substr(0, length)); }), "no error") << length;
     }
@@ -189,7 +190,7 @@ TEST_F(Formats, RefuseWhatTheyCannotRead) {
     return std::string();
   };
   const auto page = [](std::size_t entry, const std::string& value) {
-    return tiff({1, 2, 3}, false, {}).replace(8 + 2 + entry * 12 + 8, value.size(), value);
+    return tiff({1, 2, 3}, {}).replace(8 + 2 + entry * 12 + 8, value.size(), value);
   };
   const std::pair<std::string, std::string> refusals[] = {
       {nrrd + "raw\n\n", "truncated: 0 data bytes are too few"},
@@ -240,7 +241,7 @@ TEST_F(Formats, RefuseWhatTheyCannotRead) {
   write_file(folder_ / "slices/scan3.png", png({1, 3, 5}, 0));
   expect_in("scan3.png: the image is 3 rows of 5 samples, those before it 3 rows of 4 samples",
             error("slices"));
-  write_file(folder_ / "slices/scan3.png", tiff({2, 3, 4}, false, {}));
+  write_file(folder_ / "slices/scan3.png", tiff({2, 3, 4}, {}));
   expect_in("scan3.png: it holds 2 frames", error("slices"));
   std::filesystem::create_directory(folder_ / "empty");
   expect_in("empty: the folder holds no .png", error("empty"));

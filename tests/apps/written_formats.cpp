@@ -77,6 +77,33 @@ std::string deflated(const std::string& bytes, int window_bits) {
   return result;
 }
 
+// As TIFF keeps the bytes of a strip. LZW: codes of nine bits, each behind one that clears the table.
+std::string packed(const std::string& bytes, unsigned compression, std::size_t row_bytes) {
+  if (compression == 8) return deflated(bytes, 15);
+  std::string result;
+  if (compression == 5) {
+    std::string bits;
+    const auto put_code = [&](unsigned code) {
+      for (unsigned bit = 9; bit-- > 0;) bits += static_cast<char>('0' + (code >> bit & 1));
+    };
+    for (const char byte : bytes) {
+      put_code(256);
+      put_code(static_cast<unsigned char>(byte));
+    }
+    put_code(257);
+    bits.resize((bits.size() + 7) / 8 * 8, '0');
+    for (std::size_t i = 0; i < bits.size(); i += 8)
+      result += static_cast<char>(std::stoi(bits.substr(i, 8), nullptr, 2));
+    return result;
+  }
+  if (compression == 1) return bytes;
+  for (std::size_t i = 0; i < bytes.size(); i += row_bytes) {
+    const std::string run = bytes.substr(i, row_bytes);
+    result += static_cast<char>(run.size() - 1) + run;
+  }
+  return result;
+}
+
 // As Python writes them: sizes of 64 bits in the local headers only.
 std::string zip(const std::map<std::string, std::string>& members, bool packed) {
   Bytes archive, directory;
@@ -154,45 +181,57 @@ std::string npy(const std::string& descr, bool fortran_order, const std::string&
   return Bytes().text(std::string("\x93NUMPY\1\0", 8)).put(text.size(), 2).text(text + data).bytes();
 }
 
-std::string tiff(const Sampled& volume, bool big_endian, const TiffText& text, bool one_directory) {
-  Bytes file(big_endian);
-  file.text(big_endian ? "MM" : "II").put(42, 2);
-  const std::string samples = encoded(volume.samples(), "u1");
-  const std::size_t page_bytes = volume.depth * volume.ascans;
-  const std::string description = text.description + std::string(1, '\0');
-  const std::size_t pages = one_directory ? 1 : volume.bscans;
-  const std::size_t data_bytes = one_directory ? samples.size() : page_bytes;
+std::string tiff(const Sampled& volume, const TiffForm& form) {
+  Bytes file(form.big_endian);
+  const std::size_t width = form.wide ? 8 : 4,
+                    directory_bytes = form.wide ? 8 + 12 * 20 + 8 : 2 + 12 * 12 + 4;
+  file.text(form.big_endian ? "MM" : "II").put(form.wide ? 43 : 42, 2);
+  if (form.wide) file.put(8, 2).put(0, 2);
+  std::string samples = encoded(volume.samples(), "u1");
+  if (form.white_is_zero) {
+    for (char& sample : samples) sample = static_cast<char>(~sample);
+  }
+  const std::size_t pages = form.one_directory ? 1 : volume.bscans,
+                    page_bytes = samples.size() / volume.bscans;
+  const std::string description = form.description + std::string(9, '\0');
   for (std::size_t page = 0; page < pages; ++page) {
-    const std::size_t directory = file.size() + 4, description_place = directory + 2 + 12 * 12 + 4;
-    const std::size_t numbers = description_place + description.size(), data = numbers + 16;
+    const std::string first =
+        packed(samples.substr(page * page_bytes, page_bytes), form.compression, volume.ascans);
+    const std::string data = form.one_directory ? samples : first;
+    if (page == 0) file.put(file.size() + width, width);  // where the first directory is
+    const std::size_t description_place = file.size() + directory_bytes;
+    const std::size_t numbers = description_place + description.size(), data_place = numbers + 16;
     const auto entry = [&](unsigned tag, unsigned type, std::size_t count, std::size_t value) {
-      file.put(tag, 2).put(type, 2).put(count, 4);
+      file.put(tag, 2).put(type, 2).put(count, width);
       if (type == 3) {
-        file.put(value, 2).put(0, 2);
+        file.put(value, 2).put(0, width - 2);
       } else {
-        file.put(value, 4);
+        file.put(value, type == 4 ? 4 : width).put(0, type == 4 ? width - 4 : 0);
       }
     };
-    file.put(directory, 4).put(12, 2);
+    const auto fraction = [&](unsigned tag, unsigned value, std::size_t place) {
+      file.put(tag, 2).put(5, 2).put(1, width);
+      if (form.wide) {
+        file.put(1, 4).put(value, 4);
+      } else {
+        file.put(place, 4);
+      }
+    };
+    file.put(12, form.wide ? 8 : 2);
     entry(256, 4, 1, volume.ascans);
     entry(257, 4, 1, volume.depth);
     entry(258, 3, 1, 8);
-    entry(259, 3, 1, 1);
-    entry(262, 3, 1, 1);
+    entry(259, 3, 1, form.compression);
+    entry(262, 3, 1, form.white_is_zero ? 0 : 1);
     entry(270, 2, description.size(), description_place);
-    entry(273, 4, 1, data);
+    entry(273, 4, 1, data_place);
     entry(277, 3, 1, 1);
     entry(278, 4, 1, volume.depth);
-    entry(279, 4, 1, page_bytes);
-    entry(282, 5, 1, numbers);
-    entry(283, 5, 1, numbers + 8);
-    if (page + 1 == pages) {
-      file.put(0, 4);
-    } else {
-      file.put(data + data_bytes + 4, 4);
-    }
-    file.text(description).put(1, 4).put(text.column_units, 4).put(1, 4).put(text.row_units, 4);
-    file.text(samples.substr(page * page_bytes, data_bytes));
+    entry(279, 4, 1, first.size());
+    fraction(282, form.column_units, numbers);
+    fraction(283, form.row_units, numbers + 8);
+    file.put(page + 1 == pages ? 0 : data_place + data.size(), width);  // where the next one is
+    file.text(description).put(1, 4).put(form.column_units, 4).put(1, 4).put(form.row_units, 4).text(data);
   }
   return file.bytes();
 }
@@ -270,17 +309,19 @@ std::vector<WrittenFile> every_format(const Sampled& volume) {
   written.back().files["x.hdr"].replace(112, 8,
                                         std::string(8, '\0'));  // no slope: the samples are the values
   const std::string imagej = "ImageJ=1.53\nimages=" + b + "\nslices=" + b + "\nunit=\\u00B5m\nspacing=30.0\n";
-  add("tiff of ImageJ", {{"x", tiff(volume, true, {imagej + "loop=false\n", 10, 20})}}, {0.02, 0.01, 0.03},
+  add("tiff of ImageJ", {{"x", tiff(volume, {imagej + "loop=false\n", 10, 20, true})}}, {0.02, 0.01, 0.03},
       "ImageJ tags");
-  add("tiff of ImageJ with one directory", {{"x", tiff(volume, true, {imagej, 10, 20}, true)}},
+  add("tiff of ImageJ with one directory", {{"x", tiff(volume, {imagej, 10, 20, true, true})}},
       {0.02, 0.01, 0.03}, "ImageJ tags");
-  add("tiff with OME tags",
-      {{"x",
-        tiff(volume, false,
-             {"<?xml version=\"1.0\"?><OME><Image><Pixels PhysicalSizeX=\"10\" PhysicalSizeY=\"0.02\" "
-              "PhysicalSizeYUnit=\"mm\" PhysicalSizeZ=\"30000\" PhysicalSizeZUnit=\"nm\"/></Image></OME>",
-              72, 72})}},
-      {0.02, 0.01, 0.03}, "OME tags");
+  const std::string ome =
+      "<?xml version=\"1.0\"?><OME><Image><Pixels PhysicalSizeX=\"10\" PhysicalSizeY=\"0.02\" "
+      "PhysicalSizeYUnit=\"mm\" "
+      "PhysicalSizeZ=\"30000\" PhysicalSizeZUnit=\"nm\"/></Image></OME>";
+  add("tiff with OME tags", {{"x", tiff(volume, {ome})}}, {0.02, 0.01, 0.03}, "OME tags");
+  add("tiff with 64-bit offsets", {{"x", tiff(volume, {.wide = true})}});
+  add("tiff in LZW, white is zero", {{"x", tiff(volume, {.compression = 5, .white_is_zero = true})}});
+  add("tiff in deflate", {{"x", tiff(volume, {.compression = 8})}});
+  add("tiff in PackBits", {{"x", tiff(volume, {.compression = 32773})}});
   std::map<std::string, std::string> slices{{"slices/notes.txt", "?"}, {"slices/.scan0.png", "?"}};
   for (std::size_t i = 0; i < volume.bscans; ++i) {
     slices["slices/scan" + text(6 * i * i) + ".PNG"] = png(volume, i);  // 0, 6, 24, 54

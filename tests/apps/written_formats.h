@@ -30,13 +30,18 @@ std::string encoded(const std::vector<float>& samples, const std::string& type, 
 std::string npy(const std::string& descr, bool fortran_order, const std::string& shape,
                 const std::string& data);
 
-struct TiffText {
-  std::string description;
-  unsigned column_units = 0;  // between columns and between rows
-  unsigned row_units = 0;
+struct TiffForm {
+  std::string description{};
+  unsigned column_units = 1;  // between columns and between rows
+  unsigned row_units = 1;
+  bool big_endian = false;
+  bool one_directory = false;  // the first page alone has tags
+  bool wide = false;           // offsets of 64 bits
+  unsigned compression = 1;    // none; 5 LZW, 8 deflate, 32773 PackBits
+  bool white_is_zero = false;
 };
-// Pages of bytes; of many with one_directory the first alone is told of.
-std::string tiff(const Sampled& volume, bool big_endian, const TiffText& text, bool one_directory = false);
+// Pages of bytes.
+std::string tiff(const Sampled& volume, const TiffForm& form);
 
 std::string png(const Sampled& volume, std::size_t bscan);
 
