@@ -105,7 +105,7 @@ TEST_P(LoopFailuresGLTest, NoMemoryToDeleteALoop) {
         EXPECT_EQ(pending_error(), "(none)");
         ASSERT_LT(i, 1000U);
       }
-      inits = 0;
+      inits = uninits_ = 0;
       errors.clear();
     }
   }
