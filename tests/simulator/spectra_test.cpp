@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "data/formats/npy_header.h"
+#include "data/arrays/npy_header.h"
 #include "data/image_reader.h"
 #include "phantoms/mirror.h"
 #include "signals/resampler.h"
@@ -132,10 +132,10 @@ const std::filesystem::path folder = OCT_SHARED_DATA;
 // The elements of an array, all axes in one row. Positions and phases want all of their 64 bits, which an image has not.
 template <class Element>
 std::vector<Element> elements_of(const char* name) {
-  app::InputFile file(folder / name);
-  const auto offset = app::read_npy_header(file).data_offset;
-  std::vector<Element> elements((file.size() - offset) / sizeof(Element));
-  file.read(elements.data(), elements.size() * sizeof(Element));
+  const auto file = app::open_bytes(std::make_shared<app::InputFile>(folder / name), app::Compression::none);
+  const auto offset = app::read_npy_header(*file).data_offset;
+  std::vector<Element> elements((file->most_bytes() - offset) / sizeof(Element));
+  file->read(elements.data(), elements.size() * sizeof(Element));
   return elements;
 }
 
