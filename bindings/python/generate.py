@@ -44,6 +44,14 @@ class Types:
         raise headers.InterfaceError("no type of Python for " + c_type)
 
 
+def stub_type(field, types):
+    """Of a field: an array of characters is bytes, another one an array of ctypes."""
+    if field.type == "char":
+        return "bytes"
+    single = types.of(field.type)
+    return f"ctypes.Array[{single[0]}]" if field.length else single[1]
+
+
 def docstring(doc, indent, since=""):
     parts = [doc.brief]
     if doc.parameters:
@@ -96,7 +104,7 @@ def write_module(target, interface, about, version, table):
                          for field in item.fields)
         code.append(f"\nclass {item.name}(ctypes.Structure):\n    {docstring(item.doc, 4)}\n\n    _fields_ = [\n{fields}    ]\n")
         stub.append(f"class {item.name}(ctypes.Structure):\n" + "".join(
-            f"    {field.name}: {'bytes' if field.type == 'char' else types.of(field.type)[1]}\n" for field in item.fields))
+            f"    {field.name}: {stub_type(field, types)}\n" for field in item.fields))
     for item in interface.callbacks:
         arguments = [types.of(item.result)[0]] + [types.of(parameter.type)[0] for parameter in item.parameters]
         code.append(f"\n{item.name} = ctypes.CFUNCTYPE({', '.join(arguments)})\n")

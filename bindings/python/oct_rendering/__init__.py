@@ -14,6 +14,7 @@ from . import raw
 from ._calls import is_forked as _is_forked
 from ._contexts import leave_the_rest as _leave_the_rest
 from ._library import library as _library
+from ._scene import Pick
 from .colors import colormap_names
 from .display import Display
 from .errors import (ArgumentError, DeviceError, EmptyPicture, ErrorKind, LibraryNotFound, OctError, OpenGLError, OutOfMemory, StateError,
@@ -27,7 +28,7 @@ from .volume import Volume
 
 __version__ = raw.VERSION
 __all__ = ["ArgumentError", "DeviceError", "Display", "EmptyPicture", "ErrorKind", "LibraryNotFound", "Live", "Loop", "OctError",
-           "OpenGLError", "OutOfMemory", "Picture", "SimulatedDevice", "StateError", "SystemFailure", "Volume",
+           "OpenGLError", "OutOfMemory", "Pick", "Picture", "SimulatedDevice", "StateError", "SystemFailure", "Volume",
            "colormap_names", "library_path", "raw", "render_bscan", "render_turntable", "render_volume"]
 
 

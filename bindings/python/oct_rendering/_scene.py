@@ -1,14 +1,15 @@
 """What volumes and live volumes share: a renderer of volumes, its view and its colours."""
+import ctypes
 import functools
 import threading
-from typing import Any, Callable, Dict, Optional, Sequence, Tuple, TypeVar
+from typing import Any, Callable, Dict, NamedTuple, Optional, Sequence, Tuple, TypeVar
 
 from . import raw
 from ._calls import Handle, checked, explanation, is_forked
 from ._contexts import Home, own_context
 from .arrays import Range
 from .colors import Color, Colormap, colormap, packed, with_opacity_ramp
-from .errors import ArgumentError
+from .errors import ArgumentError, StateError
 from .pictures import Picture
 
 Size = Tuple[int, int]
@@ -17,6 +18,17 @@ _Scene = TypeVar("_Scene", bound="Scene")
 _PERSPECTIVE_ZOOM = 52.0  # the box with its labels, whatever the angles
 _ORTHOGRAPHIC_ZOOM = 30.0
 _MODES = ("composite", "maximum", "mean", "sections")
+_KINDS = ("nothing", "volume", "slice", "surface")
+
+
+class Pick(NamedTuple):
+    """What lies under a pixel. Positions are in the order of the array: B-scan, A-scan, depth; the centres of voxels are at
+    whole numbers."""
+
+    kind: str  # "volume", "slice" or "surface"
+    voxel: Tuple[float, float, float]
+    millimetres: Tuple[float, float, float]  # from the corner of the box
+    value: float  # the sample's; a surface's depth
 
 
 class Owner:
@@ -55,6 +67,7 @@ class Scene:
         self._range: Optional[Range] = None
         self._opacity = 0.25
         self._stale: Dict[str, Callable[[], None]] = {}
+        self._rows: Optional[int] = None  # of the last picture
         self.set_view()
         self.set_look()
         self.set_box()
@@ -150,7 +163,25 @@ class Scene:
 
     def render(self, size: Size = (1024, 768)) -> Picture:
         """A picture of so many pixels, width and height."""
-        return own_context().picture(*size, self.draw)
+        self._rows = None
+        picture = own_context().picture(*size, self.draw)
+        self._rows = size[1]
+        return picture
+
+    def pick(self, column: int, row: int) -> Optional[Pick]:
+        """What lies under a pixel of the last picture that render() gave, the top row being 0; None for nothing. On the thread of
+        the pictures."""
+        if self._rows is None:
+            raise StateError("Draw a picture by render() before picking.")
+        found = raw.OctPick()
+        found.size = ctypes.sizeof(found)
+        with own_context().frame():
+            self._renderer.call(raw.pickVolume, column, self._rows - 1 - row, ctypes.pointer(found))
+        if found.kind == 0:
+            return None
+        depth, a_scan, b_scan = found.voxel
+        along_depth, along_a_scans, along_b_scans = found.millimetres
+        return Pick(_KINDS[found.kind], (b_scan, a_scan, depth), (along_b_scans, along_a_scans, along_depth), found.value)
 
     # What the two kinds of volumes do in their own way.
 

@@ -97,6 +97,22 @@ def test_an_empty_picture_comes_with_its_reason():
         oct.render_volume(VOLUME, (60, 40), range=(500, 600))
 
 
+def test_a_pixel_leads_back_to_its_voxel():
+    samples = np.zeros((20, 24, 32), np.float32)
+    samples[5, 17, 9] = 3
+    with oct.Volume(samples, (3.2, 2.4, 2.0), range=(0, 4)) as volume:
+        volume.set_look("maximum", slices=400)
+        volume.set_box(edges=False, scale_marks=False)
+        with pytest.raises(oct.StateError, match="Draw a picture"):
+            volume.pick(0, 0)
+        picture = volume.render((200, 160)).astype(int)[:, :, 0]
+        row, column = np.unravel_index(picture.argmax(), picture.shape)
+        pick = volume.pick(int(column), int(row))
+        assert pick.kind == "volume" and np.allclose(pick.voxel, (5, 17, 9), atol=0.6) and 2 < pick.value <= 3
+        assert np.allclose(pick.millimetres, np.add(pick.voxel, 0.5) * 0.1, atol=1e-3)
+        assert volume.pick(0, 0) is None and volume.pick(999, 0) is None
+
+
 @pytest.mark.parametrize("call, words", [
     (lambda: oct.render_bscan(VOLUME), "shape (20, 24, 32)"),
     (lambda: oct.render_bscan(IMAGE.astype(complex)), "complex64" if IMAGE.dtype == "c8" else "complex128"),
