@@ -86,3 +86,6 @@ else()
   find_package(Fontconfig REQUIRED)
   target_link_libraries(oct_fonts INTERFACE Freetype::Freetype Fontconfig::Fontconfig)
 endif()
+
+# TIFF images and compressed data, for the programs.
+include("${CMAKE_CURRENT_LIST_DIR}/Tiff.cmake")

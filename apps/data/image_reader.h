@@ -1,11 +1,9 @@
-// Loads an image from any of the known file formats. The first bytes tell the format, not the name.
+// Loads a B-scan from any of the known file formats.
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
-#include <functional>
 
-#include "data/formats/raster.h"
+#include "data/data_file.h"
 #include "data/image.h"
 #include "data/progress_function.h"
 
@@ -13,16 +11,11 @@ namespace oct::app {
 
 struct LoadedImage {
   Image image;
-  std::size_t frame = 0;
-  std::size_t frame_count = 1;
+  std::size_t frame = 0;        // which B-scan of the file this is, counted from 0
+  std::size_t frame_count = 1;  // how many the file holds
 };
 
-LoadedImage load_image(const std::filesystem::path& path, const FrameChoice& choice, bool rows_are_ascans,
+LoadedImage load_image(const DataFile& file, const FrameChoice& choice,
                        const ProgressFunction& progress = no_progress);
-
-// Every frame of the file, which is opened once.
-void load_images(const std::filesystem::path& path, bool rows_are_ascans,
-                 const std::function<void(LoadedImage)>& take,
-                 const ProgressFunction& progress = no_progress);
 
 }  // namespace oct::app

@@ -1,8 +1,11 @@
 // A volume in memory, and what lies over its lateral axes.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <vector>
+
+#include "data/voxel_spacing.h"
 
 namespace oct::app {
 
@@ -12,6 +15,13 @@ struct VolumeData {
   std::size_t ascans = 0;
   std::size_t bscans = 0;
   std::vector<float> voxels;
+  // Between the samples of the file, of which so many along each axis became one voxel.
+  VoxelSpacing spacing{};
+  std::array<std::size_t, 3> reduction{1, 1, 1};
+  // Depth, A-scans and B-scans in the file; of a volume that is from no file zeros.
+  std::array<std::size_t, 3> file_size{};
+
+  bool is_reduced() const { return reduction != std::array<std::size_t, 3>{1, 1, 1}; }
 };
 
 // Values over the two lateral axes: rows along the B-scans, columns along the A-scans.

@@ -1,9 +1,9 @@
 #include "data/volume_reader.h"
 
-#include <cstring>
+#include <array>
 #include <utility>
 
-#include "data/formats/input_file.h"
+#include "data/block_means.h"
 #include "data/image_reader.h"
 
 namespace oct::app {
@@ -11,101 +11,103 @@ namespace {
 
 constexpr std::uint64_t max_voxels = std::uint64_t{1} << 33;  // 32 GiB of floats
 
-void check_voxel_count(const std::filesystem::path& file, std::uint64_t frame_samples, std::uint64_t frames) {
-  if (frames > max_voxels / frame_samples) {
-    throw ReadError(file, "the volume is too large (" + std::to_string(frames) + " B-scans of " +
-                              std::to_string(frame_samples) + " samples)");
-  }
-}
+using Sizes = std::array<std::size_t, 3>;
 
-template <class T>
-void append_samples(const std::vector<char>& bytes, std::vector<float>& samples) {
-  for (std::size_t i = 0; i < bytes.size(); i += sizeof(T)) {
-    T value;
-    std::memcpy(&value, bytes.data() + i, sizeof(T));
-    samples.push_back(static_cast<float>(value));
-  }
-}
+class VolumeReading {
+ public:
+  VolumeReading(const DataFile& file, const VolumeLimits& limits)
+      : file_(file), limits_(limits), data_(open_data(file)) {}
 
-struct RawSample {
-  std::size_t bytes;
-  void (*append)(const std::vector<char>& bytes, std::vector<float>& samples);
+  VolumeData read(const ProgressFunction& progress) {
+    const std::size_t frames = data_.frames->frame_count();
+    for (std::size_t frame = 0; frame < frames; ++frame) {
+      const Raster raster = data_.frames->read(frame, no_progress);
+      progress(frame * raster.samples.size(), frames * raster.samples.size());
+      if (frame == 0) prepare(raster.columns, raster.rows, frames);
+      if (raster.columns != sizes_[0] || raster.rows != sizes_[1]) throw other_size(file_.path, frame);
+      add(raster, frame);
+    }
+    volume_.spacing = voxel_spacing(*data_.frames, data_.axes);
+    return std::move(volume_);
+  }
+
+ private:
+  void prepare(std::size_t columns, std::size_t rows, std::size_t frames) {
+    sizes_ = {columns, rows, frames};
+    for (std::size_t i = 0; i < 3; ++i) {
+      if (data_.axes[i] == Axis::bscan && sizes_[i] < 2) {
+        throw NoVolumeError(file_.path, "this is one image; a volume has three axes (B-scan, depth, A-scan)");
+      }
+    }
+    factors_ = reduction_of(sizes_, limits_.voxels_per_axis, limits_.bytes / sizeof(float));
+    means_ = BlockMeans(factors_);
+    Sizes small{};
+    for (std::size_t i = 0; i < 3; ++i) {
+      const unsigned axis = number_of(data_.axes[i]);
+      small[axis] = (sizes_[i] - 1) / factors_[i] + 1;
+      volume_.reduction[axis] = factors_[i];
+      volume_.file_size[axis] = sizes_[i];
+    }
+    if (small[2] > max_voxels / small[0] / small[1]) {
+      throw ReadError(file_.path, "the volume is too large (" + std::to_string(small[2]) + " B-scans of " +
+                                      std::to_string(small[0]) + " x " + std::to_string(small[1]) +
+                                      " samples)");
+    }
+    volume_.depth = small[0];
+    volume_.ascans = small[1];
+    volume_.bscans = small[2];
+    volume_.voxels.resize(small[0] * small[1] * small[2]);
+    const Sizes steps{1, small[0], small[0] * small[1]};
+    for (std::size_t i = 0; i < 3; ++i) steps_[i] = steps[number_of(data_.axes[i])];
+  }
+
+  void add(const Raster& raster, std::size_t frame) {
+    if (!volume_.is_reduced()) {
+      place(raster, &volume_.voxels[frame * steps_[2]], steps_[0], steps_[1]);
+      return;
+    }
+    means_.add(raster);
+    if (!means_.is_complete() && frame + 1 < sizes_[2]) return;
+    place(means_.take(), &volume_.voxels[frame / factors_[2] * steps_[2]], steps_[0], steps_[1]);
+  }
+
+  const DataFile& file_;
+  const VolumeLimits& limits_;
+  OpenData data_;
+  VolumeData volume_;
+  // Of columns, rows and frames.
+  Sizes sizes_{};
+  Sizes factors_{1, 1, 1};
+  Sizes steps_{};  // from one to the next in the volume
+  BlockMeans means_{factors_};
 };
-
-RawSample raw_sample(RawLayout::Type type) {
-  switch (type) {
-    case RawLayout::Type::uint8:
-      return {1, append_samples<std::uint8_t>};
-    case RawLayout::Type::uint16:
-      return {2, append_samples<std::uint16_t>};
-    default:
-      return {4, append_samples<float>};
-  }
-}
 
 }  // namespace
 
-VolumeData load_volume(const std::filesystem::path& path, bool rows_are_ascans,
-                       const ProgressFunction& progress) {
-  VolumeData volume;
-  const auto take = [&](const LoadedImage& loaded) {
-    const Image& image = loaded.image;
-    if (loaded.frame == 0) {
-      if (loaded.frame_count < 2) {
-        throw NoVolumeError(path, "this is one image; a volume has three axes (B-scan, depth, A-scan)");
-      }
-      volume = {image.depth, image.ascans, loaded.frame_count, {}};
-      check_voxel_count(path, image.samples.size(), volume.bscans);
-      volume.voxels.reserve(image.samples.size() * volume.bscans);
-    }
-    if (image.depth != volume.depth || image.ascans != volume.ascans) {
-      throw ReadError(path, "frame " + std::to_string(loaded.frame) + " has another size than the first");
-    }
-    volume.voxels.insert(volume.voxels.end(), image.samples.begin(), image.samples.end());
-  };
-  load_images(path, rows_are_ascans, take, progress);
-  return volume;
+VolumeData load_volume(const DataFile& file, const VolumeLimits& limits, const ProgressFunction& progress) {
+  return VolumeReading(file, limits).read(progress);
 }
 
-VolumeData load_raw_volume(const std::filesystem::path& path, const RawLayout& layout,
-                           const ProgressFunction& progress) {
-  InputFile file(path);
-  const RawSample sample = raw_sample(layout.type);
-  const std::size_t frame_samples = layout.depth * layout.ascans;
-  check_voxel_count(path, frame_samples, layout.bscans);
-  const std::uint64_t wanted = std::uint64_t{frame_samples} * layout.bscans * sample.bytes;
-  if (file.size() != wanted) {
-    throw ReadError(path, "the file has " + std::to_string(file.size()) + " bytes; " + layout.origin +
-                              " describes " + std::to_string(wanted));
-  }
-  VolumeData volume{layout.depth, layout.ascans, layout.bscans, {}};
-  volume.voxels.reserve(frame_samples * layout.bscans);
-  std::vector<char> bytes(frame_samples * sample.bytes);
-  for (std::size_t frame = 0; frame < layout.bscans; ++frame) {
-    progress(frame * frame_samples, layout.bscans * frame_samples);
-    file.read(bytes.data(), bytes.size());
-    sample.append(bytes, volume.voxels);
-  }
-  return volume;
-}
-
-LateralMap load_lateral_map(const std::filesystem::path& path) {
+LateralMap load_lateral_map(const DataFile& file) {
   FrameChoice choice;
   choice.single_fits = true;
   // Rows as A-scans: what lies in a row of the file stays together in memory.
-  Image image = load_image(path, choice, true).image;
+  DataFile map = file;
+  map.axes = memory_order;
+  Image image = load_image(map, choice).image;
   return {image.depth, image.ascans, std::move(image.samples)};
 }
 
-std::vector<float> load_height_map(const std::filesystem::path& path, const VolumeData& volume) {
-  LateralMap map = load_lateral_map(path);
-  if (map.bscans != volume.bscans || map.ascans != volume.ascans) {
-    throw ReadError(path, "the height map has " + std::to_string(map.bscans) + " rows of " +
-                              std::to_string(map.ascans) + " samples; the volume has " +
-                              std::to_string(volume.bscans) + " B-scans of " + std::to_string(volume.ascans) +
-                              " A-scans");
+LateralMap load_height_map(const DataFile& file, const VolumeData& volume) {
+  LateralMap map = load_lateral_map(file);
+  const std::size_t ascans = volume.file_size[1], bscans = volume.file_size[2];
+  if (map.bscans != bscans || map.ascans != ascans) {
+    throw ReadError(file.path, "the height map has " + std::to_string(map.bscans) + " rows of " +
+                                   std::to_string(map.ascans) + " samples; the volume has " +
+                                   std::to_string(bscans) + " B-scans of " + std::to_string(ascans) +
+                                   " A-scans");
   }
-  return std::move(map.values);
+  return map;
 }
 
 }  // namespace oct::app

@@ -3,10 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <string>
 #include <vector>
 
+#include "data/data_file.h"
 #include "data/file_errors.h"
 #include "data/progress_function.h"
 #include "data/volume.h"
@@ -18,28 +17,18 @@ class NoVolumeError : public ReadError {
   using ReadError::ReadError;
 };
 
-// The frames of a .npy array or the pages of a TIFF file are B-scans; their rows are depth, or with
-// rows_are_ascans A-scans.
-VolumeData load_volume(const std::filesystem::path& path, bool rows_are_ascans,
-                       const ProgressFunction& progress = no_progress);
-
-// How a file without a header is to be read: samples of one type, depth fastest, B-scans slowest.
-struct RawLayout {
-  enum class Type { float32, uint8, uint16 };
-
-  std::size_t depth = 0;
-  std::size_t ascans = 0;
-  std::size_t bscans = 0;
-  Type type = Type::float32;
-  std::string origin = "the layout";  // who says so, for messages
+// What a volume in memory may take. A larger one is reduced while it is read.
+struct VolumeLimits {
+  std::size_t voxels_per_axis = std::size_t{1} << 20;
+  std::uint64_t bytes = std::uint64_t{1} << 35;
 };
 
-VolumeData load_raw_volume(const std::filesystem::path& path, const RawLayout& layout,
-                           const ProgressFunction& progress = no_progress);
+VolumeData load_volume(const DataFile& file, const VolumeLimits& limits = {},
+                       const ProgressFunction& progress = no_progress);
 
-LateralMap load_lateral_map(const std::filesystem::path& path);  // of several frames the middle one
+LateralMap load_lateral_map(const DataFile& file);  // of several frames the middle one
 
-// A height map, one row per B-scan and one column per A-scan.
-std::vector<float> load_height_map(const std::filesystem::path& path, const VolumeData& volume);
+// A height map, one row per B-scan and one column per A-scan of the volume's file.
+LateralMap load_height_map(const DataFile& file, const VolumeData& volume);
 
 }  // namespace oct::app

@@ -1,5 +1,6 @@
 #include "octrender/option_values.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <string_view>
@@ -27,11 +28,26 @@ bool take_number(std::string_view& text, unsigned highest, char separator, Numbe
   return true;
 }
 
-std::optional<RawLayout::Type> raw_type(std::string_view name) {
-  if (name == "f4") return RawLayout::Type::float32;
-  if (name == "u1") return RawLayout::Type::uint8;
-  if (name == "u2") return RawLayout::Type::uint16;
-  return std::nullopt;
+// Takes "u2", "u2le" or "u2be" off the text.
+bool take_sample_format(std::string_view& text, SampleFormat& format) {
+  const std::optional<SampleType> type = find_sample_type(text.substr(0, 2));
+  if (!type) return false;
+  text.remove_prefix(2);
+  format = {*type, text.starts_with("be")};
+  if (text.starts_with("be") || text.starts_with("le")) text.remove_prefix(2);
+  return true;
+}
+
+// Takes "+128", if anything, off the text.
+bool take_offset(std::string_view text, std::optional<std::uint64_t>& offset) {
+  if (text.empty()) return true;
+  if (text[0] != '+') return false;
+  std::uint64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data() + 1, end, number);
+  if (error != std::errc() || stop != end) return false;
+  offset = number;
+  return true;
 }
 
 }  // namespace
@@ -49,8 +65,8 @@ std::optional<ValueRange> parse_range(const std::string& option, const std::opti
   return range;
 }
 
-Spacing parse_spacing(const std::optional<NumberPair>& numbers) {
-  if (!numbers) return {};
+std::optional<Spacing> parse_spacing(const std::optional<NumberPair>& numbers) {
+  if (!numbers) return std::nullopt;
   const Spacing spacing{numbers->first, numbers->second};
   const auto valid = [](double value) { return std::isfinite(value) && value > 0; };
   if (!valid(spacing.depth) || !valid(spacing.lateral)) {
@@ -87,16 +103,37 @@ RawLayout parse_raw_layout(const std::string& text) {
   RawLayout layout;
   layout.origin = "--raw";
   std::string_view rest = text;
-  const bool sized = take_number(rest, max_raw_side, 'x', layout.depth) &&
-                     take_number(rest, max_raw_side, 'x', layout.ascans) &&
-                     take_number(rest, max_raw_side, ':', layout.bscans);
-  const std::optional<RawLayout::Type> type = raw_type(rest);
-  if (!sized || !type) {
+  const bool sized = take_number(rest, max_raw_side, 'x', layout.depth) && [&] {
+    std::string_view two = rest;
+    if (take_number(two, max_raw_side, ':', layout.ascans)) {
+      rest = two;
+      return true;
+    }
+    return take_number(rest, max_raw_side, 'x', layout.ascans) &&
+           take_number(rest, max_raw_side, ':', layout.bscans);
+  }();
+  if (!sized || !take_sample_format(rest, layout.format) || !take_offset(rest, layout.offset)) {
     throw CommandLineError("--raw: '" + text + "' is not DEPTHxASCANSxBSCANS:TYPE with sides from 1 to " +
-                           std::to_string(max_raw_side) + " and one of the types f4, u1, u2");
+                           std::to_string(max_raw_side) + ", one of the types " + sample_type_names() +
+                           ", and perhaps le or be and +OFFSET behind it");
   }
-  layout.type = *type;
   return layout;
+}
+
+AxisOrder parse_axes(const std::string& text) {
+  constexpr std::string_view letters = "dab";  // in the order of the enumeration
+  AxisOrder axes{};
+  std::array<bool, 3> seen{};
+  bool valid = text.size() == 3;
+  for (std::size_t i = 0; valid && i < 3; ++i) {
+    const std::size_t axis = letters.find(text[i]);
+    valid = axis < 3 && !seen[axis];
+    if (!valid) break;
+    seen[axis] = true;
+    axes[2 - i] = static_cast<Axis>(axis);
+  }
+  if (!valid) throw CommandLineError("--axes: '" + text + "' is not d, a and b in some order, such as bda");
+  return axes;
 }
 
 PolarizationMode parse_polarization_mode(const std::string& text) {

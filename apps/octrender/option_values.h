@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "data/colormap.h"
+#include "data/data_file.h"
 #include "data/picture.h"
 #include "data/samples.h"
-#include "data/volume_reader.h"
 #include "scene/polarization_mode.h"
 
 namespace oct::app {
@@ -26,8 +26,8 @@ using NumberPair = std::pair<double, double>;
 // "LO HI", two different finite numbers. Without them the range is to be found from the samples.
 std::optional<ValueRange> parse_range(const std::string& option, const std::optional<NumberPair>& numbers);
 
-// "DEPTH LATERAL", both above 0; without them equal spacing.
-Spacing parse_spacing(const std::optional<NumberPair>& numbers);
+// "DEPTH LATERAL", both above 0.
+std::optional<Spacing> parse_spacing(const std::optional<NumberPair>& numbers);
 
 // RRGGBB in hexadecimal digits.
 std::uint32_t parse_color(const std::string& option, const std::string& text);
@@ -35,8 +35,11 @@ std::uint32_t parse_color(const std::string& option, const std::string& text);
 // "WxH".
 PictureSize parse_picture_size(const std::string& text);
 
-// "DEPTHxASCANSxBSCANS:TYPE".
+// "DEPTHxASCANSxBSCANS:TYPE", with "le" or "be" and "+OFFSET" behind it; without the B-scans there is one.
 RawLayout parse_raw_layout(const std::string& text);
+
+// "bda": the slowest axis first.
+AxisOrder parse_axes(const std::string& text);
 
 // A name or a number from 0 to 8.
 PolarizationMode parse_polarization_mode(const std::string& text);

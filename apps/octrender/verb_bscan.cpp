@@ -8,10 +8,12 @@
 #include "command_line/warning.h"
 #include "data/formats/png_writer.h"
 #include "data/image_reader.h"
+#include "octrender/data_options.h"
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
 #include "octrender/picture_files.h"
 #include "octrender/verbs.h"
+#include "octrender/volume_input.h"
 #include "scene/bscan_scene.h"
 
 namespace oct::app {
@@ -21,11 +23,8 @@ namespace {
 constexpr char description_text[] = "Draw one B-scan as a PNG picture, depth downwards, A-scans to the right";
 
 constexpr char footer_text[] = R"(
-Input: a .npy array (float32, float64, uint8, uint16 or bool; little-endian; either
-memory order), a PNG image (8 or 16 bits; colours count by their luminance) or, in the
-Linux build, a gray TIFF image (8 or 16 bits or 32-bit float, in strips). Rows are depth
-and columns A-scans. The first axis of a three-dimensional array and the pages of a TIFF
-file are frames. Samples keep their values: a 16-bit image goes from 0 to 65535.
+Of a volume one B-scan is drawn, --frame. Samples keep their aspect where the file tells
+their spacing, or --spacing or --size do.
 
 NaN and infinite samples do not count for an automatic range. NaN and minus infinity are
 drawn in the first colour, infinity in the last. An automatic range without extent is
@@ -55,7 +54,7 @@ struct Options {
   std::string input;
   std::string output;
   std::optional<std::size_t> frame;
-  bool transpose = false;
+  DataOptions data;
   bool decibels = false;
   std::string size;
   std::optional<NumberPair> spacing;
@@ -79,7 +78,7 @@ void add_input_options(CLI::App& verb, Options& options) {
   verb.add_option("--frame", options.frame, "Frame of a volume, from 0 (default: the middle one)")
       ->type_name("N")
       ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""));
-  verb.add_flag("--transpose", options.transpose, "Rows of the files are A-scans, columns depth");
+  add_data_options(verb, options.data);
   verb.add_flag("--db", options.decibels,
                 "Draw 20 log10 of the samples, for linear data. --range\n"
                 "and --overlay-threshold are then in decibels");
@@ -92,7 +91,7 @@ void add_display_options(CLI::App& verb, Options& options) {
   size->type_name("WxH");
   verb.add_option("--spacing", options.spacing,
                   "Distance between samples along depth and between\n"
-                  "A-scans, in one unit: gives the true aspect")
+                  "A-scans, in one unit: gives the true aspect\n(default: what the file tells, or equal)")
       ->type_name("DEPTH LATERAL")
       ->excludes(size);
   verb.add_option("--range", options.range,
@@ -132,10 +131,6 @@ void add_overlay_options(CLI::App& verb, Options& options) {
       ->needs(overlay);
 }
 
-void note(const std::string& file, const std::string& text) {
-  std::cerr << "octrender: " << file << ": " << text << std::endl;
-}
-
 ValueRange finish_range(const std::string& file, const Image& image, const std::optional<ValueRange>& given) {
   if (given) return *given;
   const Progress progress("finding the display range", image.samples.size());
@@ -146,15 +141,17 @@ ValueRange finish_range(const std::string& file, const Image& image, const std::
 
 Layer make_base(const Options& options, LoadedImage& loaded, const std::optional<ValueRange>& given_range) {
   if (loaded.frame_count > 1 && !options.frame) {
-    note(options.input, "showing frame " + std::to_string(loaded.frame) + " of 0 to " +
-                            std::to_string(loaded.frame_count - 1) + "; choose another with --frame");
+    note(from_utf8(options.input), "showing frame " + std::to_string(loaded.frame) + " of 0 to " +
+                                       std::to_string(loaded.frame_count - 1) +
+                                       "; choose another with --frame");
   }
   Layer layer;
   layer.image = std::move(loaded.image);
   if (options.decibels) to_decibels(layer.image.samples);
   layer.range = finish_range(options.input, layer.image, given_range);
   if (!options.decibels && !given_range && looks_linear(layer.image.samples, layer.range)) {
-    note(options.input, "most samples are very dark beside the brightest; for linear data try --db");
+    note(from_utf8(options.input),
+         "most samples are very dark beside the brightest; for linear data try --db");
   }
   replace_non_finite(layer.image.samples, layer.range);
   return layer;
@@ -164,11 +161,11 @@ Overlay make_overlay(const Options& options, const LoadedImage& base, Colormap c
                      const std::optional<ValueRange>& given_range) {
   FrameChoice frame{options.frame, true};
   if (base.frame_count > 1) frame.number = base.frame;
-  const std::filesystem::path path = from_utf8(options.overlay);
+  const DataFile file = data_file(options.overlay, options.data);
   Overlay overlay;
   overlay.threshold = options.overlay_threshold;
   Layer& layer = overlay.layer;
-  layer.image = load_image(path, frame, options.transpose, reading_progress(path)).image;
+  layer.image = load_image(file, frame, reading_progress(file.path)).image;
   layer.colormap = std::move(colormap);
   scale_alpha(layer.colormap, options.overlay_opacity);
   layer.range = finish_range(options.overlay, layer.image, given_range);
@@ -176,12 +173,21 @@ Overlay make_overlay(const Options& options, const LoadedImage& base, Colormap c
   return overlay;
 }
 
+// As the file tells, and where it tells nothing equal.
+Spacing spacing_of(const std::filesystem::path& file, const Image& image) {
+  const auto [depth, lateral, ignored] = image.spacing.mm;
+  if (!(depth > 0 && lateral > 0)) return {};
+  note(file, "samples of " + spacing_text(image.spacing));
+  return {depth, lateral};
+}
+
 void run(const Options& options) {
   // Everything that can be refused by the command line alone comes before the files are read.
   const std::filesystem::path output = picture_file(options.output, {options.input, options.overlay});
   const std::optional<ValueRange> range = parse_range("--range", options.range);
   const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_range);
-  const Spacing spacing = parse_spacing(options.spacing);
+  const std::optional<Spacing> spacing = parse_spacing(options.spacing);
+  const DataFile input = data_file(options.input, options.data);
   BscanScene scene;
   if (!options.size.empty()) scene.size = parse_picture_size(options.size);
   scene.background = parse_color("--background", options.background);
@@ -190,10 +196,10 @@ void run(const Options& options) {
   if (options.reverse) std::reverse(colormap.begin(), colormap.end());
   flatten_onto(colormap, scene.background);
 
-  const std::filesystem::path input = from_utf8(options.input);
-  LoadedImage loaded = load_image(input, {options.frame}, options.transpose, reading_progress(input));
+  LoadedImage loaded = load_image(input, {options.frame}, reading_progress(input.path));
   if (options.size.empty()) {
-    scene.size = natural_picture_size(loaded.image.depth, loaded.image.ascans, spacing);
+    scene.size = natural_picture_size(loaded.image.depth, loaded.image.ascans,
+                                      spacing ? *spacing : spacing_of(input.path, loaded.image));
   }
   scene.base = make_base(options, loaded, range);
   scene.base.colormap = std::move(colormap);
@@ -218,7 +224,7 @@ void add_bscan_verb(CLI::App& program) {
   add_input_options(*verb, *options);
   add_display_options(*verb, *options);
   add_overlay_options(*verb, *options);
-  verb->footer(footer_text);
+  verb->footer(std::string(data_help) + footer_text);
   verb->callback([options] { run(*options); });
 }
 

@@ -4,7 +4,7 @@
 
 #include "client/offscreen_target.h"
 #include "client/renderers.h"
-#include "octrender/option_values.h"
+#include "octrender/data_options.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 
@@ -30,8 +30,7 @@ constexpr unsigned int max_renderbuffer_size = 0x84E8;
 
 struct Options {
   std::string input;
-  std::string raw;
-  bool transpose = false;
+  DataOptions data;
 };
 
 std::string text(unsigned int name) {
@@ -78,12 +77,11 @@ void show_driver() {
 
 // Asks the library itself: the driver's word on an extent is not yet a texture.
 void show_volume(const Options& options) {
-  VolumeInput input{options.input, {}, options.transpose};
-  if (!options.raw.empty()) input.raw = parse_raw_layout(options.raw);
-  const VolumeData volume = read_volume(input);
+  const VolumeData volume = read_volume(data_file(options.input, options.data), drawable_limits());
   std::cout << options.input << ": depth " << volume.depth << ", A-scans " << volume.ascans << ", B-scans "
             << volume.bscans << "; " << (volume.voxels.size() * 2 + 999'999) / 1'000'000
             << " MB on the graphics device\n";
+  if (!volume.spacing.source.empty()) std::cout << "Voxels of " << spacing_text(volume.spacing) << "\n";
   const OfflineRendering rendering;
   checked(allocateOfflineVolume, rendering.offline(), static_cast<int>(volume.depth),
           static_cast<int>(volume.ascans), static_cast<int>(volume.bscans));
@@ -104,8 +102,7 @@ void add_info_verb(CLI::App& program) {
   CLI::App* verb = program.add_subcommand("info", description_text);
   const auto options = std::make_shared<Options>();
   verb->add_option("IN", options->input, "Volume to check, as octrender volume reads it")->type_name("");
-  verb->add_option("--raw", options->raw, "As for octrender volume")->type_name("DEPTHxASCANSxBSCANS:TYPE");
-  verb->add_flag("--transpose", options->transpose, "As for octrender volume");
+  add_data_options(*verb, options->data);
   verb->footer(footer_text);
   verb->callback([options] { run(*options); });
 }

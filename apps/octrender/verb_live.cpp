@@ -172,7 +172,7 @@ DeviceSetup device_setup(const Options& options, const std::optional<Polarizatio
   setup.rate = options.rate;
   setup.polarization = mode;
   if (!options.playback.empty()) {
-    setup.playback = read_volume({options.playback, {}, false});
+    setup.playback = read_volume({from_utf8(options.playback), {}, {}});
     std::vector<float>& voxels = setup.playback->voxels;
     replace_non_finite(voxels, volume_range(options.playback, voxels, {}, {0, 1}));
   }

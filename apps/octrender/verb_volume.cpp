@@ -5,6 +5,7 @@
 #include "command_line/progress.h"
 #include "command_line/warning.h"
 #include "data/formats/png_writer.h"
+#include "octrender/data_options.h"
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
 #include "octrender/picture_files.h"
@@ -20,9 +21,9 @@ namespace {
 constexpr char description_text[] = "Draw a volume as a PNG picture, or as a series that turns it once round";
 
 constexpr char footer_text[] = R"(
-Input: a .npy array of three axes (B-scan, depth, A-scan), in the Linux build a TIFF file
-of several gray pages (one B-scan each), or with --raw a file of samples without a header,
-depth fastest and B-scans slowest. Samples keep their values.
+The volume keeps the proportions that --extent gives, else those of the spacing in its
+file, which is shown; else its voxels are cubes. A volume past what the driver draws
+is reduced by whole numbers, and the factors are shown.
 
 Modes: composite shows voxels with the opacity of the ramp, maximum and mean what a ray
 meets on its way, sections three slices. The opacity of a composite rises with the square
@@ -42,15 +43,15 @@ Examples:
   octrender volume skin.npy -o skin.png --extent 2.5 6 6 --clip 0.4 --colormap inferno
   octrender volume skin.npy -o skin.png --extent 2.5 6 6 --light 0.3 0.7 0.2 --opacity-length 0.05
   octrender volume skin.npy -o skin.png --mode sections --sections 0.5 off 0.5
-  octrender volume scan.raw -o scan.png --raw 512x400x300:u2 --mode maximum
+  octrender volume scan.raw -o scan.png --raw 512x400x300:u2be+128 --mode maximum
+  octrender volume slices/ -o scan.png --mode maximum
   octrender volume skin.npy -o turn.png --turntable 72
 )";
 
 struct Options : VolumeOptions {
   std::string input;
   std::string output;
-  std::string raw;
-  bool transpose = false;
+  DataOptions data;
   bool decibels = false;
   std::vector<double> extent;
   std::string surface;
@@ -68,16 +69,14 @@ struct Options : VolumeOptions {
 void add_input_options(CLI::App& verb, Options& options) {
   verb.add_option("IN", options.input, "Volume to read")->type_name("")->required();
   add_output_option(verb, options.output)->required();
-  verb.add_option("--raw", options.raw, "Read samples without a header; types f4, u1, u2")
-      ->type_name("DEPTHxASCANSxBSCANS:TYPE");
-  verb.add_flag("--transpose", options.transpose, "The array's axes are B-scan, A-scan, depth");
+  add_data_options(verb, options.data);
   verb.add_flag("--db", options.decibels, "Draw 20 log10 of the samples, for linear data");
 }
 
 void add_placing_options(CLI::App& verb, Options& options) {
-  verb.add_option(
-          "--extent", options.extent,
-          "Physical extent in millimetres; without it voxels\ncount as cubes and there are no scale marks")
+  verb.add_option("--extent", options.extent,
+                  "Physical extent in millimetres (default: that of the\nfile's spacing; without one voxels "
+                  "count as cubes and\nthere are no scale marks)")
       ->type_name("DEPTH ASCANS BSCANS")
       ->expected(3);
   verb.add_option("--turntable", options.turntable, "Draw N pictures, one turn about the depth axis")
@@ -85,7 +84,7 @@ void add_placing_options(CLI::App& verb, Options& options) {
       ->check(CLI::Range(2, 3600).description(""));
 }
 
-void add_data_options(CLI::App& verb, Options& options) {
+void add_layer_options(CLI::App& verb, Options& options) {
   auto* surface =
       verb.add_option("--surface", options.surface, "Height map of depths in samples, one row per B-scan");
   surface->type_name("FILE");
@@ -102,14 +101,21 @@ void add_data_options(CLI::App& verb, Options& options) {
   add_layer_color_options(verb, secondary, "the map", options.secondary_range, options.secondary_colormap);
 }
 
-std::array<float, 3> parse_extent(const std::vector<double>& numbers, const VolumeData& volume) {
-  if (numbers.empty()) {
-    return {static_cast<float>(volume.depth), static_cast<float>(volume.ascans),
-            static_cast<float>(volume.bscans)};
+// From the command line, else from the file. Says where the spacing came from.
+std::array<float, 3> extent_of(const Options& options, VolumeData& volume) {
+  std::array<double, 3> extent{};
+  for (std::size_t i = 0; i < 3; ++i) extent[i] = static_cast<double>(volume.file_size[i]);
+  if (!options.extent.empty()) {
+    for (std::size_t i = 0; i < 3; ++i) volume.spacing.mm[i] = options.extent[i] / extent[i];
+    volume.spacing.source = "command line";
+  } else if (volume.spacing.is_known()) {
+    note(from_utf8(options.input), "voxels of " + spacing_text(volume.spacing));
   }
-  std::array<float, 3> extent{};
-  for (std::size_t i = 0; i < 3; ++i) extent[i] = static_cast<float>(numbers[i]);
-  return extent;
+  std::array<float, 3> result{};
+  for (std::size_t i = 0; i < 3; ++i) {
+    result[i] = static_cast<float>(extent[i] * (volume.spacing.is_known() ? volume.spacing.mm[i] : 1.0));
+  }
+  return result;
 }
 
 void check_extent(const std::vector<double>& numbers) {
@@ -125,7 +131,6 @@ VolumeScene scene_of(const Options& options) {
   VolumeScene scene;
   static_cast<VolumeView&>(scene) = view_of(options);
   check_extent(options.extent);
-  scene.scale_marks = scene.scale_marks && !options.extent.empty();
   scene.show_volume = !options.surface_only;
   if (!options.secondary.empty() && scene.look != VolumeLook::composite) {
     throw CommandLineError("--secondary colours composites only; it needs --mode composite");
@@ -136,23 +141,23 @@ VolumeScene scene_of(const Options& options) {
   return scene;
 }
 
-void load_base(const Options& options, const std::optional<RawLayout>& raw,
-               const std::optional<ValueRange>& range, VolumeScene& scene) {
+void load_base(const Options& options, const DataFile& file, const std::optional<ValueRange>& range,
+               VolumeScene& scene) {
   VolumeLayer& base = scene.base;
-  base.data = read_volume({options.input, raw, options.transpose});
+  base.data = read_volume(file, drawable_limits());
   if (options.decibels) to_decibels(base.data.voxels);
   base.range = volume_range(options.input, base.data.voxels, range, range_shares(scene.look));
   replace_non_finite(base.data.voxels, base.range);
-  scene.extent = parse_extent(options.extent, base.data);
+  scene.extent = extent_of(options, base.data);
+  scene.scale_marks = scene.scale_marks && base.data.spacing.is_known();
 }
 
-void load_overlay(const Options& options, const std::optional<RawLayout>& raw,
-                  const std::optional<ValueRange>& range, Colormap colormap, VolumeScene& scene) {
+void load_overlay(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
+                  VolumeScene& scene) {
   VolumeLayer overlay;
-  overlay.data = read_volume({options.overlay, raw, options.transpose});
+  overlay.data = read_volume(data_file(options.overlay, options.data), drawable_limits());
   const VolumeData& base = scene.base.data;
-  if (overlay.data.depth != base.depth || overlay.data.ascans != base.ascans ||
-      overlay.data.bscans != base.bscans) {
+  if (overlay.data.file_size != base.file_size) {
     throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
   }
   overlay.range = volume_range(options.overlay, overlay.data.voxels, range, {0.6, 0.998});
@@ -163,9 +168,9 @@ void load_overlay(const Options& options, const std::optional<RawLayout>& raw,
 
 void load_surface(const Options& options, Colormap colormap, VolumeScene& scene) {
   HeightMap surface;
-  surface.depths = load_height_map(from_utf8(options.surface), scene.base.data);
-  surface.range = volume_range(options.surface, surface.depths, {}, {0.01, 0.99});
-  replace_non_finite(surface.depths, surface.range);
+  surface.depths = load_height_map({from_utf8(options.surface), {}, {}}, scene.base.data);
+  surface.range = volume_range(options.surface, surface.depths.values, {}, {0.01, 0.99});
+  replace_non_finite(surface.depths.values, surface.range);
   surface.colormap = std::move(colormap);
   scene.surface = std::move(surface);
 }
@@ -173,7 +178,7 @@ void load_surface(const Options& options, Colormap colormap, VolumeScene& scene)
 void load_secondary(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                     VolumeScene& scene) {
   SecondaryColoring secondary;
-  secondary.map = load_lateral_map(from_utf8(options.secondary));
+  secondary.map = load_lateral_map({from_utf8(options.secondary), {}, {}});
   secondary.range = volume_range(options.secondary, secondary.map.values, range, {0.01, 0.99});
   replace_non_finite(secondary.map.values, secondary.range);
   secondary.colormap = std::move(colormap);
@@ -209,16 +214,15 @@ void run(const Options& options) {
   const std::optional<ValueRange> range = parse_range("--range", options.range);
   const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_range);
   const std::optional<ValueRange> secondary_range = parse_range("--secondary-range", options.secondary_range);
-  const std::optional<RawLayout> raw =
-      options.raw.empty() ? std::optional<RawLayout>() : parse_raw_layout(options.raw);
+  const DataFile file = data_file(options.input, options.data);
   VolumeScene scene = scene_of(options);
   Colormap overlay_colormap = load_colormap(options.overlay_colormap);
   if (!is_own_colormap(options.overlay_colormap)) add_opacity_ramp(overlay_colormap, 1.0);
   const Colormap surface_colormap = load_colormap(options.surface_colormap);
   const Colormap secondary_colormap = load_colormap(options.secondary_colormap);
 
-  load_base(options, raw, range, scene);
-  if (!options.overlay.empty()) load_overlay(options, raw, overlay_range, std::move(overlay_colormap), scene);
+  load_base(options, file, range, scene);
+  if (!options.overlay.empty()) load_overlay(options, overlay_range, std::move(overlay_colormap), scene);
   if (!options.surface.empty()) load_surface(options, surface_colormap, scene);
   if (!options.secondary.empty()) load_secondary(options, secondary_range, secondary_colormap, scene);
   draw(scene, output, options.turntable);
@@ -236,9 +240,9 @@ void add_volume_verb(CLI::App& program) {
   add_placing_options(*verb, *options);
   add_color_options(*verb, *options, "inferno; gray for sections and below --secondary");
   add_cut_options(*verb, *options);
-  add_data_options(*verb, *options);
+  add_layer_options(*verb, *options);
   add_box_options(*verb, *options);
-  verb->footer(footer_text);
+  verb->footer(std::string(data_help) + footer_text);
   verb->callback([options] { run(*options); });
 }
 

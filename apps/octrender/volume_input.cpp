@@ -1,18 +1,76 @@
 #include "octrender/volume_input.h"
 
+#include <algorithm>
+#include <array>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+#include "client/checked.h"
 #include "command_line/progress.h"
+#include "oct_rendering/oct_rendering.h"
 
 namespace oct::app {
+namespace {
 
-VolumeData read_volume(const VolumeInput& input) {
-  const std::filesystem::path path = from_utf8(input.file);
-  const ProgressFunction progress = reading_progress(path);
-  if (input.raw) return load_raw_volume(path, *input.raw, progress);
+// Bytes of floats, of which graphics devices keep half.
+constexpr std::uint64_t largest_volume = std::uint64_t{1} << 33;
+
+std::string product_of(const std::array<std::size_t, 3>& numbers) {
+  return std::to_string(numbers[0]) + " x " + std::to_string(numbers[1]) + " x " + std::to_string(numbers[2]);
+}
+
+// The driver answers from a context that is made for the question.
+VolumeLimits ask_driver() {
+  OctRendererInfo driver{};
+  driver.size = sizeof driver;
+  checked(getRendererInfo, &driver);
+  VolumeLimits limits{driver.max_3d_texture_size, largest_volume};
+  // A voxel takes two bytes there and four here; a quarter is left for what else is drawn.
+  if (driver.free_video_memory > 0)
+    limits.bytes = std::min<std::uint64_t>(limits.bytes, driver.free_video_memory / 4 * 6);
+  return limits;
+}
+
+}  // namespace
+
+VolumeLimits drawable_limits() {
+  static const VolumeLimits limits = ask_driver();
+  return limits;
+}
+
+VolumeData read_volume(const DataFile& file, const VolumeLimits& limits) {
   try {
-    return load_volume(path, input.transpose, progress);
+    VolumeData volume = load_volume(file, limits, reading_progress(file.path));
+    if (volume.is_reduced()) {
+      note(file.path, "reduced " + product_of(volume.reduction) + " times, from " +
+                          product_of(volume.file_size) + " to " +
+                          product_of({volume.depth, volume.ascans, volume.bscans}) +
+                          " voxels (depth, A-scans, B-scans)");
+    }
+    return volume;
   } catch (const NoVolumeError& error) {
     throw ReadError(error, "Draw it with octrender bscan");
   }
+}
+
+std::string spacing_text(const VoxelSpacing& spacing) {
+  std::ostringstream text;
+  text << std::setprecision(6);
+  for (std::size_t i = 0; i < 3; ++i) {
+    text << (i ? " x " : "");
+    if (spacing.mm[i] > 0) {
+      text << spacing.mm[i];
+    } else {
+      text << "?";
+    }
+  }
+  text << " mm (depth, A-scan, B-scan; " << spacing.source << ")";
+  return text.str();
+}
+
+void note(const std::filesystem::path& file, const std::string& text) {
+  std::cerr << "octrender: " << to_utf8(file) << ": " << text << std::endl;
 }
 
 ValueRange volume_range(const std::string& origin, const std::vector<float>& voxels,

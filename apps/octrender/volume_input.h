@@ -1,6 +1,8 @@
-// Volumes as the verbs read them, with progress on the error stream.
+// Volumes as the verbs read them, with progress and notes on the error stream.
 #pragma once
 
+#include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,13 +12,16 @@
 
 namespace oct::app {
 
-struct VolumeInput {
-  std::string file;
-  std::optional<RawLayout> raw;  // for a file without a header
-  bool transpose = false;
-};
+// What the OpenGL driver in use can draw.
+VolumeLimits drawable_limits();
 
-VolumeData read_volume(const VolumeInput& input);
+// What exceeds the limits comes reduced, with a note on the error stream.
+VolumeData read_volume(const DataFile& file, const VolumeLimits& limits = {});
+
+// "0.002 x 0.01 x 0.01 mm (depth, A-scan, B-scan; NRRD header)".
+std::string spacing_text(const VoxelSpacing& spacing);
+
+void note(const std::filesystem::path& file, const std::string& text);
 
 // What was given, or that of an automatic range. Without any finite voxel, fails with
 // the name of where they came from.

@@ -26,8 +26,9 @@ void set_scene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, co
   }
   if (scene.surface) {
     const HeightMap& surface = *scene.surface;
-    checked(setSurface, renderer, static_cast<int>(data.ascans), static_cast<int>(data.bscans),
-            static_cast<double>(data.depth), surface.depths.data());
+    checked(setSurface, renderer, static_cast<int>(surface.depths.ascans),
+            static_cast<int>(surface.depths.bscans), static_cast<double>(data.file_size[0]),
+            surface.depths.values.data());
     set_colors(renderer, ColoredData::surface, surface.colormap, surface.range);
   }
   checked(setRenderElements, renderer, int{scene.show_volume}, int{scene.surface.has_value()});

@@ -23,7 +23,7 @@ struct VolumeLayer {
 };
 
 struct HeightMap {
-  std::vector<float> depths;  // in samples, one row per B-scan
+  LateralMap depths;  // in samples of the volume's file
   ValueRange range;
   Colormap colormap;
 };

@@ -121,6 +121,23 @@ TEST_F(Bscan, PicksFrames) {
   EXPECT_EQ(error_text_, "");
 }
 
+TEST_F(Bscan, ReadsRawFilesPipesAndOtherAxes) {
+  write_file("in.npy", std::string("\0\40\0\170\0\50\0\240\0\120\0\310", 12));  // depth fastest, big-endian
+  expect_picture("--range 0 255 --raw 2x3:u2be", 3, 2, {32, 40, 80, 120, 160, 200});
+  expect_picture("--range 0 255 --raw 3x2:u2be --axes bda", 2, 3, {32, 120, 40, 160, 80, 200});
+  write_npy("in.npy", "1, 2, 3", {0, 40, 80, 120, 160, 200});  // one en-face picture: two B-scans
+  expect_picture("--range 0 255 --axes dba --frame 1", 3, 1, {120, 160, 200});
+  std::istringstream pipe(InputFile("in.npy").whole() + "more");
+  auto* const before = std::cin.rdbuf(pipe.rdbuf());
+  EXPECT_EQ(run_bare("bscan - -o out.png --range 0 255"), 0) << error_text_;
+  std::cin.clear();
+  EXPECT_EQ(run_bare("bscan - -o out.png"), 3);
+  EXPECT_EQ(error_text_, "octrender: standard input: the file is empty\n");
+  std::cin.rdbuf(before);
+  std::cin.clear();
+  EXPECT_EQ(read_picture("out.png").pixels[6], 80);
+}
+
 // One bright sample: a blur before the pepper filter leaves it less to raise.
 TEST_F(Bscan, FiltersInTheirOrder) {
   write_npy("in.npy", "5, 5", {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 255, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});

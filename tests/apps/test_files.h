@@ -94,7 +94,7 @@ class ReaderTest : public testing::Test {
  protected:
   LoadedImage load(const std::string& bytes, std::optional<std::size_t> frame = std::nullopt) {
     write_file(path_, bytes);
-    return load_image(path_, {frame}, false);
+    return load_image({path_, {}, {}}, {frame});
   }
 
   // Bytes, and words of the error.

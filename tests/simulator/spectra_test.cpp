@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "data/formats/npy_header.h"
+#include "data/arrays/npy_header.h"
 #include "data/image_reader.h"
 #include "phantoms/mirror.h"
 #include "signals/resampler.h"
@@ -132,10 +132,10 @@ const std::filesystem::path folder = OCT_SHARED_DATA;
 // The elements of an array, all axes in one row. Positions and phases want all of their 64 bits, which an image has not.
 template <class Element>
 std::vector<Element> elements_of(const char* name) {
-  app::InputFile file(folder / name);
-  const auto offset = app::read_npy_header(file).data_offset;
-  std::vector<Element> elements((file.size() - offset) / sizeof(Element));
-  file.read(elements.data(), elements.size() * sizeof(Element));
+  const auto file = app::open_bytes(std::make_shared<app::InputFile>(folder / name), app::Compression::none);
+  const auto offset = app::read_npy_header(*file).data_offset;
+  std::vector<Element> elements((file->most_bytes() - offset) / sizeof(Element));
+  file->read(elements.data(), elements.size() * sizeof(Element));
   return elements;
 }
 
@@ -149,7 +149,7 @@ double grey(float decibels) {
 TEST(RecordedSpectra, GiveTheReferencePicture) {
   if (!std::filesystem::exists(folder / "spectra_wood.npy"))
     GTEST_SKIP() << "no recorded spectra: set OCT_SHARED_DATA to the folder that holds spectra_wood.npy";
-  const auto picture = app::load_image(folder / "spectra_wood_reference.png", {}, false).image;
+  const auto picture = app::load_image({folder / "spectra_wood_reference.png", {}, {}}, {}).image;
   const auto counts = elements_of<std::uint16_t>("spectra_wood.npy");
   RawData raw;
   raw.resize(pixels, static_cast<int>(picture.ascans), 1, 1.0, 1.0);

@@ -1,11 +1,13 @@
 // PNG images of 8 or 16 bits: gray values as they are, colours as their luminance, transparency ignored.
 #pragma once
 
+#include <memory>
+
+#include "data/formats/frames.h"
 #include "data/formats/input_file.h"
-#include "data/formats/raster.h"
 
 namespace oct::app {
 
-Raster read_png(InputFile& file, const FrameChoice& choice);
+std::unique_ptr<FrameReader> open_png(std::shared_ptr<InputFile> file);
 
 }  // namespace oct::app

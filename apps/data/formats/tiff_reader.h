@@ -1,12 +1,13 @@
-// Gray TIFF images of 8 or 16 bits or 32-bit floats; each page is a frame.
+// Gray TIFF images of integers or floats; each page is a frame.
 #pragma once
 
+#include <memory>
+
+#include "data/formats/frames.h"
 #include "data/formats/input_file.h"
-#include "data/formats/raster.h"
 
 namespace oct::app {
 
-Raster read_tiff(InputFile& file, const FrameChoice& choice);
-void read_tiff_frames(InputFile& file, const TakeRaster& take);  // every page
+std::unique_ptr<FrameReader> open_tiff(std::shared_ptr<InputFile> file);
 
 }  // namespace oct::app

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "data/formats/input_file.h"
+#include "data/arrays/byte_stream.h"
 
 namespace oct::app {
 
@@ -16,7 +16,7 @@ struct NpyHeader {
   std::uint64_t data_offset = 0;
 };
 
-// Leaves the file at the first data byte.
-NpyHeader read_npy_header(InputFile& file);
+// Leaves the stream at the first data byte.
+NpyHeader read_npy_header(ByteStream& stream);
 
 }  // namespace oct::app

@@ -1,4 +1,4 @@
-#include "data/formats/npy_header.h"
+#include "data/arrays/npy_header.h"
 
 #include <array>
 #include <charconv>
@@ -8,6 +8,8 @@
 
 namespace oct::app {
 namespace {
+
+constexpr std::uint32_t max_npy_header_bytes = 1 << 20;
 
 // Reads the one dictionary form that the format allows.
 class DictionaryParser {
@@ -114,7 +116,7 @@ class DictionaryParser {
   std::string_view text_;
 };
 
-std::uint32_t read_little_endian(InputFile& file, std::size_t bytes) {
+std::uint32_t read_little_endian(ByteStream& file, std::size_t bytes) {
   std::array<unsigned char, 4> raw{};
   file.read(raw.data(), bytes);
   return raw[0] | raw[1] << 8 | raw[2] << 16 | static_cast<std::uint32_t>(raw[3]) << 24;
@@ -122,7 +124,7 @@ std::uint32_t read_little_endian(InputFile& file, std::size_t bytes) {
 
 }  // namespace
 
-NpyHeader read_npy_header(InputFile& file) {
+NpyHeader read_npy_header(ByteStream& file) {
   constexpr std::string_view magic = "\x93NUMPY";
   std::array<char, 8> start{};
   file.seek(0);
@@ -135,7 +137,7 @@ NpyHeader read_npy_header(InputFile& file) {
   const std::size_t length_bytes = version == 1 ? 2 : 4;
   const std::uint32_t length = read_little_endian(file, length_bytes);
   const std::uint64_t data_offset = start.size() + length_bytes + length;
-  if (data_offset > file.size()) {
+  if (data_offset > file.most_bytes() || length > max_npy_header_bytes) {
     throw ReadError(file.path(), "the .npy header is truncated or its length is wrong");
   }
   std::string text(length, '\0');

@@ -1,10 +1,6 @@
-#include "data/formats/raster.h"
+#include "data/formats/frames.h"
 
 #include <algorithm>
-#include <string>
-#include <utility>
-
-#include "data/file_errors.h"
 
 namespace oct::app {
 namespace {
@@ -16,27 +12,38 @@ constexpr std::uint64_t max_samples = std::uint64_t{1} << 28;  // 1 GiB of float
 // the writes miss on each sample.
 constexpr std::size_t block_size = 32;
 
-std::vector<float> transposed(const std::vector<float>& source, std::size_t rows, std::size_t columns) {
-  std::vector<float> result(source.size());
-  for (std::size_t row_block = 0; row_block < rows; row_block += block_size) {
-    for (std::size_t column_block = 0; column_block < columns; column_block += block_size) {
-      const std::size_t row_end = std::min(rows, row_block + block_size);
-      const std::size_t column_end = std::min(columns, column_block + block_size);
-      for (std::size_t row = row_block; row < row_end; ++row) {
-        for (std::size_t column = column_block; column < column_end; ++column) {
-          result[column * rows + row] = source[row * columns + column];
+}  // namespace
+
+AxisOrder file_order(const FrameReader& reader, const AxisOrder& order) {
+  const std::array<std::uint8_t, 3> axes = reader.picture_axes();
+  return {order[axes[0]], order[axes[1]], order[axes[2]]};
+}
+
+VoxelSpacing voxel_spacing(const FrameReader& reader, const AxisOrder& file_order) {
+  const FileSpacing in_file = reader.spacing();
+  VoxelSpacing spacing{{}, in_file.source};
+  for (std::size_t i = 0; i < 3; ++i) spacing.mm[number_of(file_order[i])] = in_file.mm[i];
+  return spacing;
+}
+
+void place(const Raster& raster, float* destination, std::size_t column_step, std::size_t row_step) {
+  const float* const source = raster.samples.data();
+  if (column_step == 1) {
+    for (std::size_t row = 0; row < raster.rows; ++row)
+      std::copy_n(source + row * raster.columns, raster.columns, destination + row * row_step);
+    return;
+  }
+  for (std::size_t row_block = 0; row_block < raster.rows; row_block += block_size) {
+    for (std::size_t column_block = 0; column_block < raster.columns; column_block += block_size) {
+      const std::size_t row_end = std::min(raster.rows, row_block + block_size);
+      const std::size_t column_end = std::min(raster.columns, column_block + block_size);
+      for (std::size_t column = column_block; column < column_end; ++column) {
+        for (std::size_t row = row_block; row < row_end; ++row) {
+          destination[column * column_step + row * row_step] = source[row * raster.columns + column];
         }
       }
     }
   }
-  return result;
-}
-
-}  // namespace
-
-Image to_image(Raster raster, bool rows_are_ascans) {
-  if (rows_are_ascans) return {raster.columns, raster.rows, std::move(raster.samples)};
-  return {raster.rows, raster.columns, transposed(raster.samples, raster.rows, raster.columns)};
 }
 
 void check_raster_size(const std::filesystem::path& file, std::uint64_t rows, std::uint64_t columns) {
@@ -47,6 +54,10 @@ void check_raster_size(const std::filesystem::path& file, std::uint64_t rows, st
                               std::to_string(max_side) + " a side and " + std::to_string(max_samples) +
                               " in all)");
   }
+}
+
+ReadError other_size(const std::filesystem::path& file, std::size_t frame) {
+  return {file, "frame " + std::to_string(frame) + " has another size than the first"};
 }
 
 std::size_t choose_frame(const std::filesystem::path& file, std::uint64_t frame_count,
