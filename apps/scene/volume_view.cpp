@@ -43,6 +43,7 @@ Shares range_shares(VolumeLook look) {
 }
 
 void set_view(VolumeRendererHandle renderer, const VolumeView& view) {
+  checked(setTranslation, renderer, view.translation[0], view.translation[1], view.translation[2]);
   checked(setZoom, renderer, view.zoom);
   checked(setUsePerspective, renderer, view.perspective);
   checked(setRenderingSlices, renderer, view.slices);

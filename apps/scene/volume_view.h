@@ -24,7 +24,8 @@ struct VolumeView {
   VolumeLook look = VolumeLook::composite;
   bool secondary_colors = false;  // a composite is coloured by the secondary data
   PictureSize size;
-  std::array<double, 2> angles{};  // degrees, about the horizontal axis and the depth axis
+  std::array<double, 2> angles{};       // degrees, about the horizontal axis and the depth axis
+  std::array<double, 3> translation{};  // right, up, towards the viewer; the box's half diagonal is 2
   double zoom = 40;
   bool perspective = true;
   int slices = 256;

@@ -1,0 +1,57 @@
+// Everything that a session keeps: what is shown, and how. No data, no OpenGL.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "data/data_file.h"
+#include "data/opacity.h"
+#include "data/samples.h"
+#include "data/slices.h"
+#include "scene/volume_view.h"
+
+namespace oct::app {
+
+// The files that were opened. Empty paths: none.
+struct SessionFiles {
+  DataFile base;
+  DataFile overlay;
+  DataFile surface;    // height map: depths in samples, one row per B-scan
+  DataFile secondary;  // map over the lateral axes that colours composites
+  bool decibels = false;
+  std::optional<std::array<double, 3>> extent;  // depth, A-scans, B-scans in millimetres, by the user
+};
+
+struct LayerLook {
+  std::string colormap = "gray";
+  bool reverse = false;
+  std::optional<Shares> shares;  // the range follows the data; none: it is the user's
+  ValueRange range;
+  OpacityRule opacity;
+  bool visible = true;
+};
+
+enum class Pane { bscan, enface, third, volume };
+
+// The part of a slice that its pane shows.
+struct SliceWindow {
+  double zoom = 1;                         // 1: the whole slice fits
+  std::array<double, 2> centre{0.5, 0.5};  // in parts of the slice: to the right, downwards
+};
+
+struct ViewState {
+  VolumeView volume;  // without the size, which is the pane's
+  LayerLook base;
+  LayerLook overlay;
+  LayerLook surface;
+  LayerLook secondary;
+  std::array<double, 3>
+      cursor{};  // the voxel of the crosshair: depth, A-scan, B-scan; all slices go through it
+  EnFace enface;
+  std::array<SliceWindow, 3> windows;  // of the B-scan, en face, and the third section
+  std::optional<Pane> large;           // the one that fills the window
+  bool crosshair = true;
+};
+
+}  // namespace oct::app
