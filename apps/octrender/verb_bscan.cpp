@@ -180,7 +180,7 @@ Spacing spacing_of(const std::filesystem::path& file, const Image& image) {
   return {depth, lateral};
 }
 
-void run(const Options& options) {
+void run(const Options& options, const PngTexts& texts) {
   // Everything that can be refused by the command line alone comes before the files are read.
   const std::filesystem::path output = picture_file(options.output, {options.input, options.overlay});
   const std::optional<ValueRange> range = parse_range("--range", options.range);
@@ -210,14 +210,14 @@ void run(const Options& options) {
   scene.pepper_filter = options.pepper;
   scene.flip = options.flip;
   const BscanPicture drawn = render_bscan(scene);
-  write_png(output, drawn.picture);
+  write_png(output, drawn.picture, texts);
   warn("octrender", drawn.explanation);
 }
 
 }  // namespace
 }  // namespace bscan_verb
 
-void add_bscan_verb(CLI::App& program) {
+void add_bscan_verb(CLI::App& program, const PngTexts& texts) {
   using namespace bscan_verb;
   CLI::App* verb = program.add_subcommand("bscan", description_text);
   const auto options = std::make_shared<Options>();
@@ -225,7 +225,7 @@ void add_bscan_verb(CLI::App& program) {
   add_display_options(*verb, *options);
   add_overlay_options(*verb, *options);
   verb->footer(std::string(data_help) + footer_text);
-  verb->callback([options] { run(*options); });
+  verb->callback([options, texts] { run(*options, texts); });
 }
 
 }  // namespace oct::app

@@ -268,7 +268,7 @@ void print_json(const LiveResult& result) {
             << "}, \"frames\": " << result.frames << ", \"worst_frame_ms\": " << result.worst_frame << "}\n";
 }
 
-void run(const Options& options) {
+void run(const Options& options, const PngTexts& texts) {
   const std::filesystem::path output =
       options.output.empty() ? std::filesystem::path() : picture_file(options.output, {});
   const std::optional<ValueRange> range = parse_range("--range", options.range);
@@ -288,7 +288,7 @@ void run(const Options& options) {
     LiveEvents events;
     events.snapshot = [&](unsigned number, const Picture& picture) {
       if (output.empty()) return;
-      write_png(options.snapshots > 1 ? numbered(output, number) : output, picture);
+      write_png(options.snapshots > 1 ? numbered(output, number) : output, picture, texts);
     };
     events.progress = [&](double seconds) {
       constexpr double steps = 1000;
@@ -304,7 +304,7 @@ void run(const Options& options) {
 }  // namespace
 }  // namespace live_verb
 
-void add_live_verb(CLI::App& program) {
+void add_live_verb(CLI::App& program, const PngTexts& texts) {
   using namespace live_verb;
   CLI::App* verb = program.add_subcommand("live", description_text);
   const auto options = std::make_shared<Options>();
@@ -319,7 +319,7 @@ void add_live_verb(CLI::App& program) {
   add_cut_options(*verb, *options);
   add_box_options(*verb, *options);
   verb->footer(footer_text);
-  verb->callback([options] { run(*options); });
+  verb->callback([options, texts] { run(*options, texts); });
 }
 
 }  // namespace oct::app

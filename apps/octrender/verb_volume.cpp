@@ -9,6 +9,7 @@
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
 #include "octrender/picture_files.h"
+#include "octrender/picture_series.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 #include "octrender/volume_options.h"
@@ -33,7 +34,8 @@ of the value, or goes through --opacity-points, up to --opacity per step of a ra
 An automatic range starts where most voxels are noise or air: at the 60th percentile for
 a composite, at the 1st otherwise; it ends at the 99.8th, of a mean at the 98th.
 
-With --turntable N the pictures are OUT-000.png, OUT-001.png, ...
+A turntable's animation repeats for ever. Its pictures are written as they are drawn; when
+one fails there is no file, and one that was there before stays.
 
 Exit codes: 0 written, 1 rendering failed, 2 wrong command line, 3 input cannot be read or
 understood, 4 output cannot be written.
@@ -46,6 +48,7 @@ Examples:
   octrender volume scan.raw -o scan.png --raw 512x400x300:u2be+128 --mode maximum
   octrender volume slices/ -o scan.png --mode maximum
   octrender volume skin.npy -o turn.png --turntable 72
+  octrender volume skin.npy -o turn.apng --turntable 72 --fps 24 --size 640x480
 )";
 
 struct Options : VolumeOptions {
@@ -62,6 +65,7 @@ struct Options : VolumeOptions {
   std::string secondary;
   LayerColorOptions secondary_colors{{}, "viridis"};
   unsigned turntable = 0;
+  unsigned frames_per_second = 30;
 };
 
 void add_input_options(CLI::App& verb, Options& options) {
@@ -77,9 +81,16 @@ void add_placing_options(CLI::App& verb, Options& options) {
                   "count as cubes and\nthere are no scale marks)")
       ->type_name("DEPTH ASCANS BSCANS")
       ->expected(3);
-  verb.add_option("--turntable", options.turntable, "Draw N pictures, one turn about the depth axis")
+  auto* turntable = verb.add_option("--turntable", options.turntable,
+                                    "Draw N pictures, one turn about the depth axis: OUT-000.png,\n"
+                                    "OUT-001.png, ..., or an animation, OUT.apng, and OUT.mp4,\n"
+                                    "OUT.webm or OUT.gif where there is ffmpeg");
+  turntable->type_name("N")->check(CLI::Range(2, 3600).description(""));
+  verb.add_option("--fps", options.frames_per_second, "Pictures per second of an animation")
       ->type_name("N")
-      ->check(CLI::Range(2, 3600).description(""));
+      ->check(CLI::Range(1, 240).description(""))
+      ->capture_default_str()
+      ->needs(turntable);
 }
 
 void add_layer_options(CLI::App& verb, Options& options) {
@@ -184,32 +195,40 @@ void load_secondary(const Options& options, const std::optional<ValueRange>& ran
   scene.secondary = std::move(secondary);
 }
 
-void draw(const VolumeScene& scene, const std::filesystem::path& output, unsigned turntable) {
-  if (turntable == 0) {
-    render_volume(scene, 1, [&](unsigned, const Picture& picture, const std::string& explanation) {
-      write_png(output, picture);
-      warn("octrender", explanation);
-    });
-    return;
+// Of one picture nothing but the PNG.
+std::filesystem::path output_of(const Options& options) {
+  const std::initializer_list<std::string> inputs = {options.input, options.overlay, options.surface,
+                                                     options.secondary};
+  if (options.turntable > 0) return series_file(options.output, inputs);
+  if (is_animation(from_utf8(options.output))) {
+    throw CommandLineError("the output '" + options.output + "' is an animation; it needs --turntable N");
   }
-  const std::size_t samples = std::size_t{turntable} * scene.size.width * scene.size.height;
-  std::string last_explanation;
-  {
-    Progress progress("drawing " + std::to_string(turntable) + " pictures", samples);
-    render_volume(scene, turntable,
-                  [&](unsigned number, const Picture& picture, const std::string& explanation) {
-                    progress.update(number, turntable);
-                    write_png(numbered(output, number), picture);
-                    last_explanation = explanation;
-                  });
-  }
-  warn("octrender", last_explanation);
+  return picture_file(options.output, inputs);
 }
 
-void run(const Options& options) {
+void draw(const VolumeScene& scene, const std::filesystem::path& output, const Options& options,
+          const PngTexts& texts) {
+  std::string explanation;
+  if (options.turntable == 0) {
+    explanation =
+        render_volume(scene, 1, [&](unsigned, const Picture& picture) { write_png(output, picture, texts); });
+  } else {
+    const unsigned count = options.turntable;
+    Progress progress("drawing " + std::to_string(count) + " pictures",
+                      std::size_t{count} * scene.size.width * scene.size.height);
+    const auto series = open_series({output, count, options.frames_per_second, texts});
+    explanation = render_volume(scene, count, [&](unsigned number, const Picture& picture) {
+      progress.update(number, count);
+      series->add(picture);
+    });
+    series->finish();
+  }
+  warn("octrender", explanation);
+}
+
+void run(const Options& options, const PngTexts& texts) {
   // Everything that can be refused by the command line alone comes before the files are read.
-  const std::filesystem::path output =
-      picture_file(options.output, {options.input, options.overlay, options.surface, options.secondary});
+  const std::filesystem::path output = output_of(options);
   const std::optional<ValueRange> range = parse_range("--range", options.range);
   const std::optional<ValueRange> overlay_range =
       parse_range("--overlay-range", options.overlay_colors.range);
@@ -230,13 +249,13 @@ void run(const Options& options) {
   if (!options.overlay.empty()) load_overlay(options, overlay_range, std::move(overlay_colormap), scene);
   if (!options.surface.empty()) load_surface(options, surface_range, surface_colormap, scene);
   if (!options.secondary.empty()) load_secondary(options, secondary_range, secondary_colormap, scene);
-  draw(scene, output, options.turntable);
+  draw(scene, output, options, texts);
 }
 
 }  // namespace
 }  // namespace volume_verb
 
-void add_volume_verb(CLI::App& program) {
+void add_volume_verb(CLI::App& program, const PngTexts& texts) {
   using namespace volume_verb;
   CLI::App* verb = program.add_subcommand("volume", description_text);
   const auto options = std::make_shared<Options>();
@@ -248,7 +267,7 @@ void add_volume_verb(CLI::App& program) {
   add_layer_options(*verb, *options);
   add_box_options(*verb, *options);
   verb->footer(std::string(data_help) + footer_text);
-  verb->callback([options] { run(*options); });
+  verb->callback([options, texts] { run(*options, texts); });
 }
 
 }  // namespace oct::app

@@ -34,18 +34,18 @@ void set_scene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, co
   checked(setRenderElements, renderer, int{scene.show_volume}, int{scene.surface.has_value()});
 }
 
-void render_volume(const VolumeScene& scene, unsigned count,
-                   const std::function<void(unsigned, const Picture&, const std::string&)>& take) {
+std::string render_volume(const VolumeScene& scene, unsigned count,
+                          const std::function<void(unsigned, const Picture&)>& take) {
   OffscreenTarget target;
   const OfflineRendering rendering;
   set_scene(rendering.offline(), rendering.renderer(), scene);
   const int content = scene.overlay ? 2 : 0;
   for (unsigned i = 0; i < count; ++i) {
     checked(setAngles, rendering.renderer(), scene.angles[0], scene.angles[1] + 360.0 * i / count);
-    const Picture picture =
-        draw_picture(target, scene.size, [&] { checked(renderOfflineVolume, rendering.offline(), content); });
-    take(i, picture, explanation_of(explainFrame, rendering.renderer()));
+    take(i, draw_picture(target, scene.size,
+                         [&] { checked(renderOfflineVolume, rendering.offline(), content); }));
   }
+  return explanation_of(explainFrame, rendering.renderer());
 }
 
 }  // namespace oct::app

@@ -11,6 +11,7 @@
 #include "data/samples.h"
 #include "data/slices.h"
 #include "octview/model/measurements.h"
+#include "scene/slice_window.h"
 #include "scene/volume_view.h"
 
 namespace oct::app {
@@ -35,12 +36,6 @@ struct LayerLook {
 };
 
 enum class Pane { bscan, enface, third, volume };
-
-// The part of a slice that its pane shows.
-struct SliceWindow {
-  double zoom = 1;                         // 1: the whole slice fits
-  std::array<double, 2> centre{0.5, 0.5};  // in parts of the slice: to the right, downwards
-};
 
 struct ViewState {
   VolumeView volume;  // without the size, which is the pane's
