@@ -11,6 +11,8 @@ namespace oct::app {
 struct ValueRange {
   double lower = 0;
   double upper = 1;
+
+  bool operator==(const ValueRange&) const = default;
 };
 
 // The value below which this share (0 to 1) of the values lies, linear between neighbours in rank. Reorders

@@ -152,25 +152,25 @@ VolumeScene scene_of(const Options& options) {
 
 void load_base(const Options& options, const DataFile& file, const std::optional<ValueRange>& range,
                const Shares& shares, VolumeScene& scene) {
-  VolumeLayer& base = scene.base;
-  base.data = read_volume(file, drawable_limits());
-  if (options.decibels) to_decibels(base.data.voxels);
-  base.range = volume_range(options.input, base.data.voxels, range, shares);
-  replace_non_finite(base.data.voxels);
-  scene.extent = extent_of(options, base.data);
-  scene.scale_marks = scene.scale_marks && base.data.spacing.is_known();
+  VolumeData data = read_volume(file, drawable_limits());
+  if (options.decibels) to_decibels(data.voxels);
+  scene.base.range = volume_range(options.input, data.voxels, range, shares);
+  replace_non_finite(data.voxels);
+  scene.extent = extent_of(options, data);
+  scene.scale_marks = scene.scale_marks && data.spacing.is_known();
+  scene.base.data = std::make_shared<const VolumeData>(std::move(data));
 }
 
 void load_overlay(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                   VolumeScene& scene) {
   VolumeLayer overlay;
-  overlay.data = read_volume(data_file(options.overlay, options.data), drawable_limits());
-  const VolumeData& base = scene.base.data;
-  if (overlay.data.file_size != base.file_size) {
+  VolumeData data = read_volume(data_file(options.overlay, options.data), drawable_limits());
+  if (data.file_size != scene.base.data->file_size) {
     throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
   }
-  overlay.range = volume_range(options.overlay, overlay.data.voxels, range, {0.6, 0.998});
-  replace_non_finite(overlay.data.voxels);
+  overlay.range = volume_range(options.overlay, data.voxels, range, {0.6, 0.998});
+  replace_non_finite(data.voxels);
+  overlay.data = std::make_shared<const VolumeData>(std::move(data));
   overlay.colormap = std::move(colormap);
   scene.overlay = std::move(overlay);
 }
@@ -178,9 +178,10 @@ void load_overlay(const Options& options, const std::optional<ValueRange>& range
 void load_surface(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                   VolumeScene& scene) {
   HeightMap surface;
-  surface.depths = load_height_map({from_utf8(options.surface), {}, {}}, scene.base.data);
-  surface.range = volume_range(options.surface, surface.depths.values, range, {0.01, 0.99});
-  replace_non_finite(surface.depths.values, surface.range);
+  std::vector<float> depths = load_height_map({from_utf8(options.surface), {}, {}}, *scene.base.data).values;
+  surface.range = volume_range(options.surface, depths, range, {0.01, 0.99});
+  replace_non_finite(depths, surface.range);
+  surface.depths = std::make_shared<const std::vector<float>>(std::move(depths));
   surface.colormap = std::move(colormap);
   scene.surface = std::move(surface);
 }
@@ -188,9 +189,10 @@ void load_surface(const Options& options, const std::optional<ValueRange>& range
 void load_secondary(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                     VolumeScene& scene) {
   SecondaryColoring secondary;
-  secondary.map = load_lateral_map({from_utf8(options.secondary), {}, {}});
-  secondary.range = volume_range(options.secondary, secondary.map.values, range, {0.01, 0.99});
-  replace_non_finite(secondary.map.values, secondary.range);
+  LateralMap map = load_lateral_map({from_utf8(options.secondary), {}, {}});
+  secondary.range = volume_range(options.secondary, map.values, range, {0.01, 0.99});
+  replace_non_finite(map.values, secondary.range);
+  secondary.map = std::make_shared<const LateralMap>(std::move(map));
   secondary.colormap = std::move(colormap);
   scene.secondary = std::move(secondary);
 }
