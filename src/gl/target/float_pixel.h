@@ -15,8 +15,6 @@ class FloatReading {
  public:
   explicit FloatReading(const Framebuffer& framebuffer, GLenum attachment = GL_COLOR_ATTACHMENT0) {
     reset_pixel_pack();
-    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &bound_);
-    glGetIntegerv(GL_CLAMP_READ_COLOR, &clamps_);
     if (clamps_ == GL_TRUE) glClampColor(GL_CLAMP_READ_COLOR, GL_FIXED_ONLY);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer.get());
     glReadBuffer(attachment);
@@ -30,8 +28,8 @@ class FloatReading {
 
  private:
   const ClientPack pack_;
-  GLint bound_ = 0;
-  GLint clamps_ = 0;
+  const GLint bound_ = integer(GL_READ_FRAMEBUFFER_BINDING);
+  const GLint clamps_ = integer(GL_CLAMP_READ_COLOR);
 };
 
 // One pixel of an attachment.

@@ -12,7 +12,7 @@ class RowOrder {
  public:
   explicit RowOrder(bool top_down) {
     if (!GLEW_MESA_pack_invert) return;
-    glGetIntegerv(GL_PACK_INVERT_MESA, &before_);
+    before_ = integer(GL_PACK_INVERT_MESA);
     changed_ = (before_ != 0) != top_down;
     if (changed_) glPixelStorei(GL_PACK_INVERT_MESA, top_down);
   }

@@ -33,12 +33,6 @@ bool has_debug_functions() {
   return loaded && (current_driver().version >= Version{4, 3} || GLEW_KHR_debug);
 }
 
-GLint integer_of(GLenum query) {
-  GLint value = 0;
-  glGetIntegerv(query, &value);
-  return value;
-}
-
 const char* text_of_type(GLenum type) {
   switch (type) {
     case GL_DEBUG_TYPE_ERROR:
@@ -93,12 +87,12 @@ void log_opengl_messages() {
 
 DebugGroup::DebugGroup(std::string_view name) {
   if (!debugging() || !has_debug_functions()) return;
-  const GLint depth = integer_of(GL_DEBUG_GROUP_STACK_DEPTH);
-  if (depth >= integer_of(GL_MAX_DEBUG_GROUP_STACK_DEPTH)) return;  // the client's groups are that deep
+  const GLint depth = integer(GL_DEBUG_GROUP_STACK_DEPTH);
+  if (depth >= integer(GL_MAX_DEBUG_GROUP_STACK_DEPTH)) return;  // the client's groups are that deep
   const auto length = static_cast<GLsizei>(std::min(name.size(), longest_text));
   glPushDebugGroup(GL_DEBUG_SOURCE_APPLICATION, 0, length, name.data());
   // Whatever became of it: only what was begun is ended.
-  open_ = integer_of(GL_DEBUG_GROUP_STACK_DEPTH) > depth;
+  open_ = integer(GL_DEBUG_GROUP_STACK_DEPTH) > depth;
   context_ = current_context();
 }
 
