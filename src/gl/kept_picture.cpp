@@ -2,6 +2,7 @@
 
 #include "core/exception.h"
 #include "gl/pixel_store.h"
+#include "gl/target/reading.h"
 #include "gl/trace/debugging.h"
 #include "gl/trace/pass_mark.h"
 
@@ -110,12 +111,8 @@ void KeptPicture::copy_to(const std::array<GLint, 4>& viewport) const {
 std::vector<std::uint8_t> KeptPicture::pixels() const {
   std::vector<std::uint8_t> bytes(std::size_t{4} * static_cast<std::size_t>(width_) *
                                   static_cast<std::size_t>(height_));
-  const ClientPack pack;
-  reset_pixel_pack();
-  const auto before = static_cast<GLuint>(integer(GL_READ_FRAMEBUFFER_BINDING));
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_.get());
+  const Reading reading(framebuffer_);
   glReadPixels(0, 0, width_, height_, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, before);
   return bytes;
 }
 
