@@ -175,10 +175,7 @@ void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index) {
 
 int explainFrame(VolumeRendererHandle Handle, char* Text, int Size) {
   return guarded_drawing(__func__, [&] {
-    oct::api::give_text("", Text, Size);
-    const std::string explanation = renderer(Handle).explain_frame();
-    oct::api::give_text(explanation, Text, Size);
-    return explanation.empty() ? 0 : 1;
+    return oct::api::give_explanation([&] { return renderer(Handle).explain_frame(); }, Text, Size);
   });
 }
 
