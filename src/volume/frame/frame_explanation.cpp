@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "core/last_frame.h"
 #include "core/number_text.h"
 #include "volume/layout/box_view.h"
 #include "volume/skipping/visibility.h"
@@ -24,7 +25,7 @@ class Question {
   Question(const FrameRecord& record, const LowestValue& lowest) : record_(record), lowest_(lowest) {}
 
   std::string certain_cause() const {
-    if (!record_.has_area()) return no_area();
+    if (!record_.has_area()) return no_area_text(record_.drawn.viewport.width, record_.drawn.viewport.height);
     if (surface_shown()) return {};  // where it is, only the picture tells
     if (source_.volume == 0 || source_.lack != VolumeLack::none) return no_volume();
     if (!settings_.render_volume) return switched_off();
@@ -116,12 +117,6 @@ class Question {
   std::string values_text() const {
     const bool known = record_.values && std::isfinite(record_.values->value);
     return " (" + (known ? range_text() + ", " : std::string()) + boundaries_text() + ")";
-  }
-
-  std::string no_area() const {
-    return "The viewport of the last frame has no area: " + std::to_string(record_.drawn.viewport.width) +
-           " x " + std::to_string(record_.drawn.viewport.height) +
-           " pixels. Give it a size (setViewportSize). ";
   }
 
   std::string no_volume() const {
