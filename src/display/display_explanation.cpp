@@ -14,10 +14,6 @@ double share_of(float value, float lower, float upper) {
   return (static_cast<double>(value) - lower) / (static_cast<double>(upper) - lower);
 }
 
-bool has_opacity(const Colormap& colors) {
-  return std::ranges::any_of(colors, [](std::uint32_t color) { return color >> 24U != 0; });
-}
-
 }  // namespace
 
 std::string DisplayRenderer::explain() const {

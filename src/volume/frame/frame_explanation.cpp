@@ -274,14 +274,14 @@ class Question {
     const float lower = colors().lower;
     const float upper = colors().upper;
     if (overlay_shows()) return {};
-    if (std::ranges::all_of(map, [](std::uint32_t color) { return color >> 24U == 0; })) {
+    if (!has_opacity(map)) {
       return "The volume's colour map has no opacity: the fourth byte of each of its " +
              std::to_string(map.size()) + " colours is 0. Give it some (" + colormap_setter() + "). ";
     }
     if (!is_composite()) return even_colour("Every ray");
     if (std::isnan(lower))
       return "The lower colouring boundary is not a number. Set another one" + by_boundaries();
-    if (lower > upper && map.front() >> 24U == 0) {
+    if (lower > upper && alpha_of(map.front()) == 0) {
       return "The colouring boundaries are the wrong way round (" + boundaries_text() +
              "): all that is above the lower one has the first colour, which is transparent. Swap them" +
              by_boundaries();
