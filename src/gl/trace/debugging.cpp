@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <exception>
 #include <string>
 
 #include "core/log.h"
+#include "core/platform.h"
 #include "gl/context/context_identity.h"
 #include "gl/context/current_context.h"
 #include "gl/context/opengl_loader.h"
@@ -17,13 +17,8 @@ namespace {
 constexpr std::size_t longest_text = 200;
 constexpr unsigned most_messages = 1000;  // a frame that fails fails in every frame
 
-bool asked_by_environment() {
-  const char* const value = std::getenv("OCT_RENDERING_DEBUG_CONTEXT");
-  return value && *value && std::string_view(value) != "0";
-}
-
 std::atomic<bool>& debugging_flag() {
-  static std::atomic<bool> flag{asked_by_environment()};
+  static std::atomic<bool> flag{is_switched_on("OCT_RENDERING_DEBUG_CONTEXT")};
   return flag;
 }
 
