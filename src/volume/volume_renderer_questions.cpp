@@ -1,6 +1,5 @@
 // What the volume renderer is asked about its last frame.
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 
 #include "core/exception.h"
@@ -48,10 +47,8 @@ bool differ(const std::vector<std::uint8_t>& one, const std::vector<std::uint8_t
 
 std::optional<float> lowest_value_of(const FrameRecord& record) {
   const VolumeSource& source = record.drawn.source;
-  const double filled = std::min(static_cast<double>(source.filled_fraction), 1.0);
   return gl::lowest_value(source.volume, static_cast<GLsizei>(source.extent.depth),
-                          static_cast<GLsizei>(source.extent.a_scans),
-                          static_cast<GLint>(std::lround(filled * source.slice_count)));
+                          static_cast<GLsizei>(source.extent.a_scans), record.filled_slices());
 }
 
 }  // namespace

@@ -152,9 +152,8 @@ class Question {
   }
 
   std::string not_filled() const {
-    const auto parts = static_cast<double>(source_.slice_count);
-    const double filled = std::round(static_cast<double>(source_.filled_fraction) * parts);
-    return "Of the volume's " + oct::text_of(parts) + " B-scans " + oct::text_of(filled) +
+    return "Of the volume's " + std::to_string(source_.slice_count) + " B-scans " +
+           std::to_string(record_.filled_slices()) +
            " count as uploaded, and that many show nothing. An upload of slice n fills the volume up to n, "
            "and "
            "without it: upload a later slice (uploadOfflineVolumeSlice), or a block "
