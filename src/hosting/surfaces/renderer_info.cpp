@@ -31,10 +31,9 @@ std::uint32_t sharings() {
   return bits;
 }
 
-// Either extension counts in kilobytes.
+// Either extension counts in kilobytes. ATI's: all, the largest block, of main memory all, of that the largest block.
 std::uint64_t free_video_memory() {
-  std::array<GLint, 4>
-      kilobytes{};  // ATI: all, the largest block, of main memory all, of that the largest block
+  std::array<GLint, 4> kilobytes{};
   if (GLEW_NVX_gpu_memory_info) {
     glGetIntegerv(GL_GPU_MEMORY_INFO_CURRENT_AVAILABLE_VIDMEM_NVX, kilobytes.data());
   } else if (GLEW_ATI_meminfo) {

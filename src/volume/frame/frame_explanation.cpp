@@ -144,9 +144,9 @@ class Question {
 
   std::string switched_off() const {
     if (settings_.render_surface) {
-      return "The volume is switched off, and the surface, which is switched on, has no triangles. Show the "
-             "volume "
-             "(setRenderElements) or set a surface of 2 x 2 finite samples or more (setSurface). ";
+      return "The volume is switched off, and the surface, which is switched on, has no triangles. "
+             "Show the volume (setRenderElements) or set a surface of 2 x 2 finite samples or more "
+             "(setSurface). ";
     }
     return "The volume is switched off, and so is the surface. Show one of them (setRenderElements). ";
   }
@@ -154,10 +154,9 @@ class Question {
   std::string not_filled() const {
     return "Of the volume's " + std::to_string(source_.slice_count) + " B-scans " +
            std::to_string(record_.filled_slices()) +
-           " count as uploaded, and that many show nothing. An upload of slice n fills the volume up to n, "
-           "and "
-           "without it: upload a later slice (uploadOfflineVolumeSlice), or a block "
-           "(uploadOfflineSubVolume). ";
+           " count as uploaded, and that many show nothing. "
+           "An upload of slice n fills the volume up to n, and without it: "
+           "upload a later slice (uploadOfflineVolumeSlice), or a block (uploadOfflineSubVolume). ";
   }
 
   std::string outside() const {
@@ -219,9 +218,8 @@ class Question {
     }
     if (!shown)
       return "All three slices of the sectional view are switched off. Show one (setSectionalView). ";
-    return "The slice that is shown lies in the part of the volume that has not been uploaded yet. Move it "
-           "to a "
-           "smaller position (setSectionalView). ";
+    return "The slice that is shown lies in the part of the volume that has not been uploaded yet. "
+           "Move it to a smaller position (setSectionalView). ";
   }
 
   std::string no_secondary() const {
@@ -232,8 +230,7 @@ class Question {
     return "Volume mode 3 uses image " + std::to_string(settings_.secondary_slice_index) +
            " of the secondary data, which has images 0 to " +
            std::to_string(source_.secondary_slice_count - 1) +
-           ". Choose one of them "
-           "(setRendererSecondarySliceIndex). ";
+           ". Choose one of them (setRendererSecondarySliceIndex). ";
   }
 
   // Rays begin on the faces of the box that look at the viewer, on a closed cut that does, and right before an eye in
@@ -263,8 +260,7 @@ class Question {
       }
     }
     return "The clip plane cuts away every face of the volume that looks at the viewer, and its cut is open: "
-           "its "
-           "value is " +
+           "its value is " +
            oct::text_of(settings_.clip_plane.value) + ". Raise it, or close the cut (setClipPlane). ";
   }
 
@@ -304,8 +300,7 @@ class Question {
 
   static std::string no_numbers() {
     return "The volume holds no number that could be drawn: all of its voxels are NaN or minus infinity. "
-           "Check "
-           "the data. ";
+           "Check the data. ";
   }
 
   // What counts all values alike, at or below the lower boundary, is one patch of the first colour. A mean counts its
