@@ -30,7 +30,7 @@ class LastFrame {
   void remember(Pointer record) {
     const std::lock_guard lock(mutex_);
     record_.swap(record);
-    failure_.reset();
+    error_.reset();
   }
 
   // Without memory for the text it is known all the same that the frame has failed.
@@ -39,9 +39,9 @@ class LastFrame {
     const std::lock_guard lock(mutex_);
     if (after_failure_ == AfterFailure::forget) record_.swap(gone);
     try {
-      failure_ = text;
+      error_ = text;
     } catch (const std::bad_alloc&) {
-      failure_.emplace();
+      error_.emplace();
     }
   }
 
@@ -53,7 +53,7 @@ class LastFrame {
     Pointer record;
     {
       const std::lock_guard lock(mutex_);
-      if (failure_) return "The last frame failed: " + *failure_;
+      if (error_) return "The last frame failed: " + *error_;
       record = record_;
     }
     return record ? cause(*record) : "No frame has been drawn yet. ";
@@ -63,7 +63,7 @@ class LastFrame {
   const AfterFailure after_failure_;
   mutable std::mutex mutex_;  // held for assignments only
   Pointer record_;            // null: there was none
-  std::optional<std::string> failure_;
+  std::optional<std::string> error_;
 };
 
 // The cause of a frame without pixels.
