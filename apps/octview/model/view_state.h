@@ -4,11 +4,13 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "data/data_file.h"
 #include "data/opacity.h"
 #include "data/samples.h"
 #include "data/slices.h"
+#include "octview/model/measurements.h"
 #include "scene/slice_window.h"
 #include "scene/volume_view.h"
 
@@ -47,6 +49,7 @@ struct ViewState {
   std::array<SliceWindow, 3> windows;  // of the B-scan, en face, and the third section
   std::optional<Pane> large;           // the one that fills the window
   bool crosshair = true;
+  std::vector<Measurement> measurements;
 };
 
 }  // namespace oct::app
