@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
@@ -9,6 +10,7 @@
 #include "client/checked.h"
 #include "command_line/progress.h"
 #include "oct_rendering/oct_rendering.h"
+#include "octrender/option_values.h"
 
 namespace oct::app {
 namespace {
@@ -52,6 +54,22 @@ VolumeData read_volume(const DataFile& file, const VolumeLimits& limits) {
   } catch (const NoVolumeError& error) {
     throw ReadError(error, "Draw it with octrender bscan");
   }
+}
+
+void check_extent(const std::vector<double>& extent) {
+  for (const double number : extent) {
+    if (!(std::isfinite(number) && number >= 1e-6 && number <= 1e6)) {
+      throw CommandLineError("--extent: each extent must be from 0.000001 to 1000000 millimetres");
+    }
+  }
+}
+
+void take_extent(VolumeData& volume, const std::vector<double>& extent) {
+  if (extent.empty()) return;
+  for (std::size_t i = 0; i < 3; ++i) {
+    volume.spacing.mm[i] = extent[i] / static_cast<double>(volume.file_size[i]);
+  }
+  volume.spacing.source = "command line";
 }
 
 std::string spacing_text(const VoxelSpacing& spacing) {

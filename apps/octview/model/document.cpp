@@ -80,7 +80,7 @@ Document load_document(const SessionFiles& files, const ProgressFunction& progre
   }
   if (!files.surface.path.empty()) {
     LateralMap map = load_height_map(files.surface, *document.volume);
-    document.surface = std::make_shared<const std::vector<float>>(map.values);
+    document.surface = std::make_shared<const LateralMap>(map);
     make_finite(map.values, files.surface);
     document.drawn_surface = std::make_shared<const std::vector<float>>(std::move(map.values));
   }
