@@ -21,10 +21,11 @@ struct Spacing {
   double lateral = 1;
 };
 
-// 8-bit red, green, blue, top row first.
+// 8-bit red, green, blue, top row first; with four channels alpha as well, which multiplies none of them.
 struct Picture {
   PictureSize size;
   std::vector<std::uint8_t> pixels;
+  unsigned channels = 3;
 };
 
 // One pixel per sample along the axis with the finer spacing, so that no sample is lost, and as many along

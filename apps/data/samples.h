@@ -1,6 +1,7 @@
 // Arithmetic on samples before they are drawn.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <vector>
@@ -44,5 +45,9 @@ void to_decibels(std::span<float> samples);
 // Shaders may do anything with NaN and infinity. NaN and minus infinity become the lower end of the range,
 // infinity the upper.
 void replace_non_finite(std::span<float> samples, const ValueRange& range);
+
+// The same by the lowest and the highest finite sample, whatever range is shown later. Returns how many there were; without
+// any finite sample nothing is replaced.
+std::size_t replace_non_finite(std::span<float> samples);
 
 }  // namespace oct::app

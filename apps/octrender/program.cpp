@@ -4,12 +4,14 @@
 #include <new>
 
 #include "client/checked.h"
+#include "command_line/shell_words.h"
 #include "data/file_errors.h"
 #include "oct_rendering/oct_rendering.h"
 #include "octrender/exit_code.h"
 #include "octrender/option_values.h"
 #include "octrender/verbs.h"
 #include "scene/device_error.h"
+#include "scene/picture_texts.h"
 
 namespace oct::app {
 namespace {
@@ -50,9 +52,10 @@ int report(ExitCode code, const std::string& text) {
 int run_program(const std::vector<std::string>& arguments) {
   CLI::App program(program_description);
   describe(program);
-  add_bscan_verb(program);
-  add_volume_verb(program);
-  add_live_verb(program);
+  const PngTexts texts = picture_texts("octrender " + shell_words(arguments));
+  add_bscan_verb(program, texts);
+  add_volume_verb(program, texts);
+  add_live_verb(program, texts);
   add_info_verb(program);
   try {
     std::vector<std::string> words = without_automatic_ranges(arguments);

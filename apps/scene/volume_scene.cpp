@@ -115,8 +115,8 @@ void VolumeDrawing::draw() {
   checked(renderOfflineVolume, rendering_.offline(), overlaid ? 2 : 0);
 }
 
-void render_volume(const VolumeScene& scene, unsigned count,
-                   const std::function<void(unsigned, const Picture&, const std::string&)>& take) {
+std::string render_volume(const VolumeScene& scene, unsigned count,
+                          const std::function<void(unsigned, const Picture&)>& take) {
   OffscreenTarget target;
   VolumeDrawing drawing;
   VolumeScene turned = scene;
@@ -125,9 +125,9 @@ void render_volume(const VolumeScene& scene, unsigned count,
     drawing.set(turned);
     while (drawing.upload()) {
     }
-    const Picture picture = draw_picture(target, scene.size, [&] { drawing.draw(); });
-    take(i, picture, explanation_of(explainFrame, drawing.renderer()));
+    take(i, draw_picture(target, scene.size, [&] { drawing.draw(); }));
   }
+  return explanation_of(explainFrame, drawing.renderer());
 }
 
 }  // namespace oct::app

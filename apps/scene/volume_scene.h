@@ -91,9 +91,9 @@ class VolumeDrawing {
 };
 
 // Draws the scene once, or as often as `count` says, turned further about the depth axis each time so that
-// the last picture is followed by the first. Each picture is handed over as it is finished, with why it shows nothing;
-// empty when it shows something.
-void render_volume(const VolumeScene& scene, unsigned count,
-                   const std::function<void(unsigned, const Picture&, const std::string& explanation)>& take);
+// the last picture is followed by the first. Each picture is handed over as it is finished. Returns why the last one shows
+// nothing; empty when it shows something.
+std::string render_volume(const VolumeScene& scene, unsigned count,
+                          const std::function<void(unsigned, const Picture&)>& take);
 
 }  // namespace oct::app
