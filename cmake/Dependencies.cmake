@@ -89,3 +89,4 @@ endif()
 
 # TIFF images and compressed data, for the programs.
 include("${CMAKE_CURRENT_LIST_DIR}/Tiff.cmake")
+include("${CMAKE_CURRENT_LIST_DIR}/Viewer.cmake")
