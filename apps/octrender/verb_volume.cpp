@@ -113,27 +113,16 @@ void add_layer_options(CLI::App& verb, Options& options) {
 
 // From the command line, else from the file. Says where the spacing came from.
 std::array<float, 3> extent_of(const Options& options, VolumeData& volume) {
-  std::array<double, 3> extent{};
-  for (std::size_t i = 0; i < 3; ++i) extent[i] = static_cast<double>(volume.file_size[i]);
-  if (!options.extent.empty()) {
-    for (std::size_t i = 0; i < 3; ++i) volume.spacing.mm[i] = options.extent[i] / extent[i];
-    volume.spacing.source = "command line";
-  } else if (volume.spacing.is_known()) {
+  take_extent(volume, options.extent);
+  if (options.extent.empty() && volume.spacing.is_known()) {
     note(from_utf8(options.input), "voxels of " + spacing_text(volume.spacing));
   }
   std::array<float, 3> result{};
   for (std::size_t i = 0; i < 3; ++i) {
-    result[i] = static_cast<float>(extent[i] * (volume.spacing.is_known() ? volume.spacing.mm[i] : 1.0));
+    result[i] = static_cast<float>(static_cast<double>(volume.file_size[i]) *
+                                   (volume.spacing.is_known() ? volume.spacing.mm[i] : 1.0));
   }
   return result;
-}
-
-void check_extent(const std::vector<double>& numbers) {
-  for (const double number : numbers) {
-    if (!(std::isfinite(number) && number >= 1e-6 && number <= 1e6)) {
-      throw CommandLineError("--extent: each extent must be from 0.000001 to 1000000 millimetres");
-    }
-  }
 }
 
 // Settings that the command line alone decides and can refuse.

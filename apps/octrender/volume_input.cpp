@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
 
 #include "command_line/progress.h"
+#include "octrender/option_values.h"
 
 namespace oct::app {
 namespace {
@@ -30,6 +32,22 @@ VolumeData read_volume(const DataFile& file, const VolumeLimits& limits) {
   } catch (const NoVolumeError& error) {
     throw ReadError(error, "Draw it with octrender bscan");
   }
+}
+
+void check_extent(const std::vector<double>& extent) {
+  for (const double number : extent) {
+    if (!(std::isfinite(number) && number >= 1e-6 && number <= 1e6)) {
+      throw CommandLineError("--extent: each extent must be from 0.000001 to 1000000 millimetres");
+    }
+  }
+}
+
+void take_extent(VolumeData& volume, const std::vector<double>& extent) {
+  if (extent.empty()) return;
+  for (std::size_t i = 0; i < 3; ++i) {
+    volume.spacing.mm[i] = extent[i] / static_cast<double>(volume.file_size[i]);
+  }
+  volume.spacing.source = "command line";
 }
 
 std::string spacing_text(const VoxelSpacing& spacing) {
