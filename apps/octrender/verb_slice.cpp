@@ -79,8 +79,7 @@ struct Options {
   std::string background = "000000";
   std::string overlay;
   std::optional<double> overlay_threshold;
-  std::optional<NumberPair> overlay_range;
-  std::string overlay_colormap = "inferno";
+  LayerColorOptions overlay_colors{{}, "inferno"};
   double overlay_opacity = 0.5;
 };
 
@@ -173,7 +172,7 @@ void add_picture_options(CLI::App& verb, Options& options) {
 void add_overlay_options(CLI::App& verb, Options& options) {
   auto* overlay = verb.add_option("--overlay", options.overlay, "Second volume of the same size, laid over");
   overlay->type_name("FILE");
-  add_layer_color_options(verb, overlay, "the overlay", options.overlay_range, options.overlay_colormap);
+  add_layer_color_options(verb, overlay, "the overlay", options.overlay_colors);
   verb.add_option("--overlay-threshold", options.overlay_threshold,
                   "Draw the overlay only where the section is at least\nthis (default: everywhere)")
       ->type_name("T")
@@ -349,7 +348,7 @@ SliceScene scene_of(const Options& options) {
   flatten_onto(scene.base.colormap, scene.background);
   if (options.overlay.empty()) return scene;
   scene.overlay =
-      SliceOverlay{{nullptr, {}, load_colormap(options.overlay_colormap)}, options.overlay_threshold};
+      SliceOverlay{{nullptr, {}, layer_colormap(options.overlay_colors)}, options.overlay_threshold};
   scale_alpha(scene.overlay->layer.colormap, options.overlay_opacity);
   return scene;
 }
@@ -398,7 +397,7 @@ void run(const Options& options, const PngTexts& texts) {
   parse_sweep(options.sweep);
   if (!options.size.empty()) parse_picture_size(options.size);
   const std::optional<ValueRange> range = parse_range("--range", options.range);
-  const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_range);
+  const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_colors.range);
   data_file(options.input, options.data);
   SliceScene scene = scene_of(options);
 

@@ -84,10 +84,8 @@ Document load_document(const SessionFiles& files, const ProgressFunction& progre
     make_finite(overlay.voxels, files.overlay);
     document.overlay = std::make_shared<const VolumeData>(std::move(overlay));
   }
-  if (!files.surface.path.empty()) {
-    LateralMap map = load_height_map(files.surface, *document.volume);
-    document.surface = std::make_shared<const std::vector<float>>(std::move(map.values));
-  }
+  if (!files.surface.path.empty())
+    document.surface = std::make_shared<const LateralMap>(load_height_map(files.surface, *document.volume));
   if (!files.secondary.path.empty())
     document.secondary = std::make_shared<const LateralMap>(load_lateral_map(files.secondary));
   document.revision = next_revision();
