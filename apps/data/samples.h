@@ -23,6 +23,8 @@ double quantile(std::vector<float>& values, double share);
 struct Shares {
   double lower = 0;
   double upper = 1;
+
+  bool operator==(const Shares&) const = default;
 };
 
 // For images: speckle has few very bright samples, and more than one percent of dark ones carry no tissue.

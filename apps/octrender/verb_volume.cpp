@@ -170,7 +170,7 @@ void load_surface(const Options& options, const std::optional<ValueRange>& range
   HeightMap surface;
   std::vector<float> depths = load_height_map({from_utf8(options.surface), {}, {}}, *scene.base.data).values;
   surface.range = volume_range(options.surface, depths, range, {0.01, 0.99});
-  replace_non_finite(depths, surface.range);
+  replace_non_finite(depths);
   surface.depths = std::make_shared<const std::vector<float>>(std::move(depths));
   surface.colormap = std::move(colormap);
   scene.surface = std::move(surface);

@@ -22,7 +22,7 @@ std::shared_ptr<const VolumeData> some_volume(std::size_t bscans, std::size_t pe
 
 Colormap colors_of(const char* name, double opacity) {
   Colormap colors = *find_colormap(name);
-  add_opacity_ramp(colors, opacity);
+  set_opacity(colors, {.highest = opacity, .shift = 0, .points = {}});
   return colors;
 }
 

@@ -39,8 +39,8 @@ Colormap overlay_colors(const LayerLook& look) {
 
 DrawnLayers drawn_layers(const SessionFiles& files, const ViewState& state) {
   DrawnLayers drawn;
-  drawn.secondary = !files.secondary.path.empty() && state.secondary.visible && state.volume.secondary_colors &&
-                    state.volume.look == VolumeLook::composite;
+  drawn.secondary = !files.secondary.path.empty() && state.secondary.visible &&
+                    state.volume.secondary_colors && state.volume.look == VolumeLook::composite;
   drawn.overlay = !files.overlay.path.empty() && state.overlay.visible && !drawn.secondary;
   drawn.surface = !files.surface.path.empty() && state.surface.visible;
   drawn.volume = state.base.visible || !drawn.surface;

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "data/colormap.h"
-#include "octview/model/view_state.h"
 #include "octview/model/statistics.h"
+#include "octview/model/view_state.h"
 
 namespace oct::app {
 

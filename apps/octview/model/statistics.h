@@ -13,11 +13,12 @@
 namespace oct::app {
 
 struct Statistics {
-  ValueRange extremes;     // the lowest and the highest finite sample
-  std::size_t count = 0;   // finite samples
-  ValueRange domain;       // of the histogram: where all but a few samples are
-  std::vector<std::uint64_t> histogram;  // exact counts in bins of equal width; one per value where those are integers
-  std::size_t below = 0;   // the domain
+  ValueRange extremes;    // the lowest and the highest finite sample
+  std::size_t count = 0;  // finite samples
+  ValueRange domain;      // of the histogram: where all but a few samples are
+  std::vector<std::uint64_t>
+      histogram;          // exact counts in bins of equal width; one per value where those are integers
+  std::size_t below = 0;  // the domain
   std::size_t above = 0;
   std::vector<float> ordered;  // some of the samples, by value
 

@@ -33,6 +33,8 @@ struct LayerLook {
   ValueRange range;
   OpacityRule opacity;
   bool visible = true;
+
+  bool operator==(const LayerLook&) const = default;
 };
 
 enum class Pane { bscan, enface, third, volume };
