@@ -13,6 +13,7 @@
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 #include "octrender/volume_options.h"
+#include "scene/drawable_limits.h"
 #include "scene/volume_scene.h"
 
 namespace oct::app {
