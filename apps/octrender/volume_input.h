@@ -12,9 +12,6 @@
 
 namespace oct::app {
 
-// What the OpenGL driver in use can draw.
-VolumeLimits drawable_limits();
-
 // What exceeds the limits comes reduced, with a note on the error stream.
 VolumeData read_volume(const DataFile& file, const VolumeLimits& limits = {});
 

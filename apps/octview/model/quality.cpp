@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace oct::app {
 namespace {
@@ -26,6 +27,22 @@ double cost(const Quality& quality) {
 }
 
 }  // namespace
+
+VolumeView in_quality(const VolumeView& view, const Quality& quality, const BoxExtent& extent) {
+  VolumeView result = view;
+  if (quality.is_full()) return result;
+  const auto pixels = static_cast<unsigned>(quality.pixels);
+  result.size.width = std::max(1U, (view.size.width + pixels - 1) / pixels);
+  result.size.height = std::max(1U, (view.size.height + pixels - 1) / pixels);
+  result.slices = std::max(1, static_cast<int>(std::lround(view.slices * quality.steps)));
+  // Of fewer steps each is longer, and would have to be more opaque.
+  if (view.opacity_length == 0)
+    result.opacity_length = std::hypot(extent[0], extent[1], extent[2]) / view.slices;
+  result.jitter = true;
+  // Labels have a least size in pixels of the picture, and would grow and shrink under the hand.
+  if (quality.pixels > 1) result.scale_marks = false;
+  return result;
+}
 
 void QualityControl::moved(double now) {
   moved_at_ = now;

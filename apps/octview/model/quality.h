@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <optional>
 
+#include "octview/model/camera.h"
+
 namespace oct::app {
 
 struct Quality {
@@ -14,6 +16,10 @@ struct Quality {
   bool is_full() const { return steps == 1 && pixels == 1; }
   bool operator==(const Quality&) const = default;
 };
+
+// The view in this quality, of the same colours and density. Its size is that of the picture to be drawn, which is shown
+// as large as the view's.
+VolumeView in_quality(const VolumeView& view, const Quality& quality, const BoxExtent& extent);
 
 // All times are in seconds.
 class QualityControl {
