@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 
+#include "core/picture_part.h"
 #include "display/filters.h"
 #include "display/simple_data_provider.h"
 #include "gl/colormap.h"
@@ -48,6 +49,7 @@ class DisplayRenderer {
   void set_pepper_filter(bool enabled);
   void set_median_filter(int median_filter) const;
   void set_flip(bool flip);
+  void set_part(std::optional<PicturePart> part);  // what frames show; none: the whole picture
   void set_background_color(int color);
   void set_colormap(const void* colors, int count);
   void set_coloring_boundaries(double lower, double upper);
@@ -83,6 +85,7 @@ class DisplayRenderer {
     std::array<float, 4> backgroundColor{0.0F, 0.0F, 0.0F, 1.0F};
     float threshold = 0.0F;
     FilterSwitches filters;
+    std::optional<PicturePart> part;
 
     bool operator==(const Settings&) const = default;
   };
@@ -98,6 +101,7 @@ class DisplayRenderer {
     GLsizei width = 0;  // of the viewport
     GLsizei height = 0;
 
+    PicturePart shown() const { return common.part.value_or(PicturePart{width, height, 0, 0}); }
     bool operator==(const Content&) const = default;
   };
 
@@ -114,7 +118,7 @@ class DisplayRenderer {
   struct DisplayProgram {
     gl::Shader shader;
     GLint lowerValue, upperValue, displayTex, colorTex, textureSize, texel_count, displaySize, dpp, gamma,
-        flip;
+        flip, part;
 
     void build(TexelLayout layout);
   };
@@ -122,7 +126,7 @@ class DisplayRenderer {
   struct OverlayProgram {
     gl::Shader shader;
     GLint lowerValue, upperValue, displayTex, overlayTex, colorTex, textureSize, texel_count, displaySize,
-        threshold, flip;
+        threshold, flip, part;
 
     void build(TexelLayout layout);
   };
@@ -146,6 +150,8 @@ class DisplayRenderer {
   void clear(const Frame& frame) const;
   void draw(const Frame& frame, const TextureView& image);
   void draw_base(const Frame& frame, const TextureView& image);
+  template <class Program>
+  static void set_part(const Program& program, const Content& content);
   void draw_overlays(const Frame& frame, const TextureView& image);
   void draw_overlay(const Frame& frame, const OverlayProgram& program, std::size_t index);
 
