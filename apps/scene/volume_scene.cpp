@@ -35,17 +35,25 @@ void set_scene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, co
 }
 
 std::string render_volume(const VolumeScene& scene, unsigned count,
-                          const std::function<void(unsigned, const Picture&)>& take) {
+                          const std::function<void(unsigned, const Picture&)>& take, unsigned tile) {
   OffscreenTarget target;
   const OfflineRendering rendering;
-  set_scene(rendering.offline(), rendering.renderer(), scene);
+  const VolumeRendererHandle renderer = rendering.renderer();
+  set_scene(rendering.offline(), renderer, scene);
   const int content = scene.overlay ? 2 : 0;
+  const auto draw = [&] {
+    return draw_picture(target, scene.size, tile, &setRendererPart, renderer,
+                        [&] { checked(renderOfflineVolume, rendering.offline(), content); });
+  };
+  const auto draw_on = [&](std::uint32_t background) {
+    set_background(renderer, background, background);
+    return draw();
+  };
   for (unsigned i = 0; i < count; ++i) {
-    checked(setAngles, rendering.renderer(), scene.angles[0], scene.angles[1] + 360.0 * i / count);
-    take(i, draw_picture(target, scene.size,
-                         [&] { checked(renderOfflineVolume, rendering.offline(), content); }));
+    checked(setAngles, renderer, scene.angles[0], scene.angles[1] + 360.0 * i / count);
+    take(i, scene.transparent ? without_background(draw_on(0x000000), draw_on(0xFFFFFF)) : draw());
   }
-  return explanation_of(explainFrame, rendering.renderer());
+  return explanation_of(explainFrame, renderer);
 }
 
 }  // namespace oct::app

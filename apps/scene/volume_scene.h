@@ -11,6 +11,7 @@
 #include "data/picture.h"
 #include "data/samples.h"
 #include "data/volume.h"
+#include "scene/offscreen_picture.h"
 #include "scene/volume_view.h"
 
 namespace oct::app {
@@ -41,6 +42,7 @@ struct VolumeScene : VolumeView {
   std::optional<HeightMap> surface;
   std::optional<SecondaryColoring> secondary;
   bool show_volume = true;
+  bool transparent = false;  // alpha in place of the background; the picture then has four channels
   std::array<float, 3> extent{1, 1, 1};  // depth, A-scans, B-scans
 };
 
@@ -51,6 +53,7 @@ void set_scene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, co
 // the last picture is followed by the first. Each picture is handed over as it is finished. Returns why the last one shows
 // nothing; empty when it shows something.
 std::string render_volume(const VolumeScene& scene, unsigned count,
-                          const std::function<void(unsigned, const Picture&)>& take);
+                          const std::function<void(unsigned, const Picture&)>& take,
+                          unsigned tile = largest_tile);
 
 }  // namespace oct::app
