@@ -181,7 +181,7 @@ void load_secondary(const Options& options, const std::optional<ValueRange>& ran
   SecondaryColoring secondary;
   LateralMap map = load_lateral_map({from_utf8(options.secondary), {}, {}});
   secondary.range = volume_range(options.secondary, map.values, range, {0.01, 0.99});
-  replace_non_finite(map.values, secondary.range);
+  replace_non_finite(map.values);
   secondary.map = std::make_shared<const LateralMap>(std::move(map));
   secondary.colormap = std::move(colormap);
   scene.secondary = std::move(secondary);

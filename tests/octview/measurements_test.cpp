@@ -39,7 +39,8 @@ TEST(Measurements, AnglesAreThoseOfTheTissueNotOfTheVoxels) {
   EXPECT_NEAR(angle_at(millimetres, {4, 0, 0}, {0, 0, 0}, {4, 1, 0}), 45, 1e-12);
   EXPECT_NEAR(angle_at(voxels, {4, 0, 0}, {0, 0, 0}, {4, 4, 0}), 45, 1e-12);
   EXPECT_NEAR(angle_at(millimetres, {0, 0, 1}, {0, 1, 1}, {0, 3, 1}), 180, 1e-12);
-  EXPECT_NEAR(angle_at(millimetres, {0, 1, 0}, {0, 0, 0}, {1e-6, 1, 0}), 2.5e-7 * 180 / std::numbers::pi, 1e-12);
+  EXPECT_NEAR(angle_at(millimetres, {0, 1, 0}, {0, 0, 0}, {1e-6, 1, 0}), 2.5e-7 * 180 / std::numbers::pi,
+              1e-12);
   EXPECT_TRUE(std::isnan(angle_at(millimetres, {1, 1, 1}, {1, 1, 1}, {0, 0, 0})));
 }
 

@@ -295,6 +295,7 @@ void describe(Archive& archive, T& state) requires std::same_as<std::remove_cons
   archive("secondary", state.secondary);
   archive("cursor", state.cursor, Bounds{-1e9, 1e9});
   archive("enface", state.enface);
+  archive("below_surface", state.below_surface, Bounds{-1e9, 1e9});
   archive("windows", state.windows);
   archive("large", state.large);
   archive("crosshair", state.crosshair);
