@@ -81,7 +81,8 @@ TEST_F(LiveSessionTest, VolumesComeAsTheDeviceMeasuresThem) {
       const auto latest = session_->latest();
       return latest && latest->data.depth == static_cast<std::size_t>(kept);
     }));
-    const VolumeData& seen = session_->latest()->data;
+    const auto latest = session_->latest();
+    const VolumeData& seen = latest->data;
     const VolumeData& played = *setup.recording;
     ASSERT_EQ(seen.voxels.size(), kept * 12U * 10U);
     for (std::size_t i = 0; i < seen.voxels.size(); ++i) {
@@ -89,7 +90,8 @@ TEST_F(LiveSessionTest, VolumesComeAsTheDeviceMeasuresThem) {
     }
     const std::array expected{2.0 / 16 / 1.25, 3.0 / 12, 1.5 / 10};
     for (std::size_t axis = 0; axis < 3; ++axis) EXPECT_DOUBLE_EQ(seen.spacing.mm[axis], expected[axis]);
-    EXPECT_LE(session_->statistics().shown, session_->statistics().acquired);
+    const OctLiveStatistics statistics = session_->statistics();
+    EXPECT_LE(statistics.shown, statistics.acquired);
   }
   session_->stop();
   EXPECT_EQ(session_->state(), State::off);
