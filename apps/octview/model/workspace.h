@@ -1,0 +1,32 @@
+// What the panes and panels of the viewer share.
+#pragma once
+
+#include <string>
+
+#include "octview/model/document.h"
+#include "octview/model/view_state.h"
+
+namespace oct::app {
+
+struct Workspace {
+  Document document;
+  ViewState state;
+  std::string under_cursor;  // value, voxel and millimetres, in the frame that is built; empty: nothing
+  std::string message;       // the last failure, or what just happened
+  bool message_is_error = false;
+  double now = 0;  // seconds, of the frame that is built
+
+  void say(std::string text) {
+    message = std::move(text);
+    message_is_error = false;
+  }
+  void fail(std::string text) {
+    message = std::move(text);
+    message_is_error = true;
+  }
+};
+
+// The state that shows a document that was just opened: automatic ranges, the crosshair in the middle.
+ViewState start_state(const Document& document);
+
+}  // namespace oct::app

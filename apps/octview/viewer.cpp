@@ -1,0 +1,167 @@
+#include "octview/viewer.h"
+
+#include <imgui.h>
+#include <nlohmann/json.hpp>
+
+#include "data/file_errors.h"
+#include "octview/window/item_index.h"
+#include "octview/window/keys.h"
+
+namespace oct::app {
+namespace {
+
+constexpr std::array<const char*, 4> pane_names{"B-scan", "En face", "Section", "Volume"};
+
+// Lengths of the interface follow the size of its letters.
+float em(float count) {
+  return ImGui::GetFontSize() * count;
+}
+
+}  // namespace
+
+Viewer::Viewer(Window& window)
+    : window_(window),
+      slices_{SlicePane(window.gl(), SliceAxis::bscan), SlicePane(window.gl(), SliceAxis::enface),
+              SlicePane(window.gl(), SliceAxis::third)},
+      volume_(window.gl()) {}
+
+void Viewer::open(const std::vector<std::filesystem::path>& files) {
+  if (files.empty()) return;
+  SessionFiles wanted;
+  wanted.base.path = files.front();
+  loading_.start("Reading " + to_utf8(files.front().filename()),
+                 [wanted](const ProgressFunction& progress) { return load_document(wanted, progress); });
+}
+
+void Viewer::take_loaded() {
+  auto outcome = loading_.take();
+  if (!outcome) return;
+  if (!outcome->result) {
+    if (!outcome->error.empty()) workspace_.fail(outcome->error);
+    return;
+  }
+  workspace_.document = std::move(*outcome->result);
+  workspace_.state = start_state(workspace_.document);
+  workspace_.say("");
+  window_.set_title(workspace_.document.title + " - octview");
+}
+
+bool Viewer::is_busy() const {
+  return loading_.is_running() || volume_.is_coarse();
+}
+
+void Viewer::build(double now) {
+  workspace_.now = now;
+  workspace_.under_cursor.clear();
+  open(window_.take_dropped());
+  take_loaded();
+  handle_keys();
+  const ImGuiViewport& screen = *ImGui::GetMainViewport();
+  ImGui::SetNextWindowPos(screen.Pos);
+  ImGui::SetNextWindowSize(screen.Size);
+  ImGui::Begin("octview", nullptr,
+               ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings |
+                   ImGuiWindowFlags_NoBringToFrontOnFocus);
+  const float status_height = ImGui::GetFrameHeightWithSpacing();
+  ImGui::BeginChild("##everything", {0, -status_height});
+  show_sidebar(em(19));
+  ImGui::SameLine();
+  ImGui::BeginChild("##panes");
+  show_panes();
+  ImGui::EndChild();
+  ImGui::EndChild();
+  show_status();
+  ImGui::End();
+  show_progress();
+  show_keys();
+}
+
+void Viewer::show_sidebar(float width) {
+  ImGui::BeginChild("##sidebar", {width, 0}, true);
+  ImGui::TextUnformatted(workspace_.document ? workspace_.document.title.c_str()
+                                             : "Drop a file on the window");
+  ImGui::EndChild();
+}
+
+void Viewer::show_panes() {
+  if (workspace_.state.large) {
+    show_pane(*workspace_.state.large);
+    return;
+  }
+  const ImVec2 space = ImGui::GetContentRegionAvail();
+  const ImVec2 gap = ImGui::GetStyle().ItemSpacing;
+  const ImVec2 size{std::floor((space.x - gap.x) / 2), std::floor((space.y - gap.y) / 2)};
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (i % 2) ImGui::SameLine();
+    ImGui::BeginChild(pane_names[i], size, false,
+                      ImGuiWindowFlags_NoScrollbar | ImGuiWindowFlags_NoScrollWithMouse);
+    show_pane(static_cast<Pane>(i));
+    ImGui::EndChild();
+  }
+}
+
+// A pane that cannot be drawn says why in its place.
+void Viewer::show_pane(Pane pane) {
+  try {
+    if (pane == Pane::volume) {
+      volume_.show(workspace_);
+    } else {
+      slices_[static_cast<std::size_t>(pane)].show(workspace_);
+    }
+  } catch (const std::exception& error) {
+    ImGui::PushTextWrapPos(0);
+    ImGui::TextUnformatted(error.what());
+    ImGui::PopTextWrapPos();
+  }
+}
+
+void Viewer::show_status() {
+  if (!workspace_.message.empty()) {
+    if (workspace_.message_is_error) ImGui::PushStyleColor(ImGuiCol_Text, IM_COL32(230, 80, 70, 255));
+    ImGui::TextUnformatted(workspace_.message.c_str());
+    if (workspace_.message_is_error) ImGui::PopStyleColor();
+  } else {
+    ImGui::TextUnformatted(workspace_.under_cursor.c_str());
+  }
+  const char* hint = "? keys";
+  ImGui::SameLine(ImGui::GetWindowContentRegionMax().x - ImGui::CalcTextSize(hint).x);
+  ImGui::TextDisabled("%s", hint);
+}
+
+void Viewer::show_progress() {
+  if (!loading_.is_running()) return;
+  const ImVec2 middle = ImGui::GetMainViewport()->GetCenter();
+  ImGui::SetNextWindowPos(middle, ImGuiCond_Always, {0.5F, 0.5F});
+  ImGui::Begin(
+      "##progress", nullptr,
+      ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoSavedSettings);
+  ImGui::TextUnformatted(loading_.activity().c_str());
+  ImGui::ProgressBar(static_cast<float>(loading_.share()), {em(20), 0});
+  ImGui::SameLine();
+  if (ImGui::Button("Stop")) loading_.cancel();
+  ImGui::End();
+}
+
+void Viewer::handle_keys() {
+  if (is_question_mark_pressed()) keys_shown_ = !keys_shown_;
+  if (is_pressed(Key::escape)) keys_shown_ = false;
+}
+
+void Viewer::show_keys() {
+  if (!keys_shown_) return;
+}
+
+std::string Viewer::description() const {
+  nlohmann::json json;
+  json["title"] = workspace_.document.title;
+  json["cursor"] = workspace_.state.cursor;
+  json["under_cursor"] = workspace_.under_cursor;
+  json["message"] = workspace_.message;
+  json["angles"] = workspace_.state.volume.angles;
+  json["zoom"] = workspace_.state.volume.zoom;
+  json["mode"] = static_cast<int>(workspace_.state.volume.look);
+  json["large"] = workspace_.state.large ? pane_names[static_cast<std::size_t>(*workspace_.state.large)] : "";
+  return json.dump(1);
+}
+
+}  // namespace oct::app

@@ -1,0 +1,49 @@
+// The program: what is open, its panes and panels.
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "octview/model/background_task.h"
+#include "octview/model/workspace.h"
+#include "octview/views/slice_pane.h"
+#include "octview/views/volume_pane.h"
+#include "octview/window/window.h"
+
+namespace oct::app {
+
+class Viewer {
+ public:
+  // In the window's context, which has to outlive it.
+  explicit Viewer(Window& window);
+
+  // The first file is the volume, a session, or a B-scan; it replaces what is open once it has been read.
+  void open(const std::vector<std::filesystem::path>& files);
+  // Builds the interface of a frame. now: seconds.
+  void build(double now);
+  // Something is read or written, or is not yet drawn in full quality.
+  bool is_busy() const;
+  // What is shown, as JSON, for scripts.
+  std::string description() const;
+
+ private:
+  void take_loaded();
+  void show_sidebar(float width);
+  void show_panes();
+  void show_pane(Pane pane);
+  void show_status();
+  void show_progress();
+  void show_keys();
+  void handle_keys();
+
+  Window& window_;
+  Workspace workspace_;
+  BackgroundTask<Document> loading_;
+  std::array<SlicePane, 3> slices_;
+  VolumePane volume_;
+  bool keys_shown_ = false;
+};
+
+}  // namespace oct::app
