@@ -112,10 +112,7 @@ LiveSession::~LiveSession() {
 void LiveSession::start(const LiveSetup& setup) {
   end();
   error_.clear();
-  if (!renderer_) {
-    renderer_.emplace();
-    checked(setRenderElements, renderer_->handle(), 1, 0);
-  }
+  if (!renderer_) renderer_.emplace();
   recorder_.clear();
   state_ = State::opening;
   opening_ = std::make_shared<Opening>();
@@ -192,8 +189,10 @@ void LiveSession::watch() {
   if (std::chrono::steady_clock::now() - requested_ > copy_interval) request_volume();
 }
 
-void LiveSession::draw() {
-  if (live_) checked(::renderVolume, live_->get());
+void LiveSession::draw(const LiveScene& scene) {
+  if (!live_) return;
+  set_scene(renderer_->handle(), scene);
+  checked(::renderVolume, live_->get());
 }
 
 VolumeRendererHandle LiveSession::renderer() const {

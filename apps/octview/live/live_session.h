@@ -12,6 +12,7 @@
 #include "octview/live/live_volume.h"
 #include "octview/live/volume_recorder.h"
 #include "scene/live_source.h"
+#include "scene/live_view.h"
 
 namespace oct::app {
 
@@ -44,7 +45,7 @@ class LiveSession {
   }  // why it failed, or what the running device says; empty: nothing
 
   // OpenGL. Draws the latest volume into the framebuffer that is bound. Throws the library's error.
-  void draw();
+  void draw(const LiveScene& scene);
   // Null unless volumes run. Of one start.
   VolumeRendererHandle renderer() const;
   OctLiveStatistics statistics() const;  // of the latest start, the end included

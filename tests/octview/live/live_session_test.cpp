@@ -46,7 +46,7 @@ class LiveSessionTest : public testing::Test {
 
   void frame() {
     session_->update();
-    target_.render(24, 16, pixels_, [&] { session_->draw(); });
+    target_.render(24, 16, pixels_, [&] { session_->draw(scene_); });
   }
   // Frames, for twenty seconds at most, until the condition holds.
   bool frames_until(const std::function<bool()>& condition) {
@@ -63,6 +63,7 @@ class LiveSessionTest : public testing::Test {
   }
 
   OffscreenTarget target_;  // the viewer's context
+  LiveScene scene_;
   std::vector<std::uint8_t> pixels_;
   std::optional<LiveSession> session_{std::in_place};
 };
