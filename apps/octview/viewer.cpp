@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "data/file_errors.h"
+#include "octview/panels/keys_panel.h"
 #include "octview/window/item_index.h"
 #include "octview/window/keys.h"
 
@@ -98,7 +99,7 @@ void Viewer::build(double now) {
   show_status();
   ImGui::End();
   show_progress();
-  show_keys();
+  show_keys_panel(keys_shown_);
 }
 
 void Viewer::show_sidebar(float width) {
@@ -177,10 +178,7 @@ void Viewer::show_progress() {
 void Viewer::handle_keys() {
   if (is_question_mark_pressed()) keys_shown_ = !keys_shown_;
   if (is_pressed(Key::escape)) keys_shown_ = false;
-}
-
-void Viewer::show_keys() {
-  if (!keys_shown_) return;
+  if (is_pressed(letter('Q'), true)) window_.close();
 }
 
 std::string Viewer::description() const {
@@ -194,6 +192,14 @@ std::string Viewer::description() const {
   json["zoom"] = workspace_.state.volume.zoom;
   json["mode"] = static_cast<int>(workspace_.state.volume.look);
   json["large"] = workspace_.state.large ? pane_names[static_cast<std::size_t>(*workspace_.state.large)] : "";
+  json["items"] = nlohmann::json::array();
+  const float scale = window_.scale();
+  for (const IndexedItem& item : all_items()) {
+    if (!item.visible) continue;
+    json["items"].push_back({{"label", item.label},
+                             {"from", {item.from.x / scale, item.from.y / scale}},
+                             {"to", {item.to.x / scale, item.to.y / scale}}});
+  }
   return json.dump(1);
 }
 

@@ -42,7 +42,6 @@ class Viewer {
   void show_pane(Pane pane);
   void show_status();
   void show_progress();
-  void show_keys();
   void handle_keys();
 
   Window& window_;

@@ -212,10 +212,8 @@ bool isDataSourceRunning(LiveDataSourceHandle DataSource) {
 
 int getDataSourceError(LiveDataSourceHandle DataSource, char* Message, int Size) {
   return guarded(__func__, [&] {
-    const auto error = checked<BrennickDataSource>(DataSource, invalid_source).take_error();
-    if (!error) return 0;
-    oct::api::give_text(*error, Message, Size);
-    return OCT_RENDERER_ERROR;
+    return oct::api::give_error(checked<BrennickDataSource>(DataSource, invalid_source).take_error(), Message,
+                                Size);
   });
 }
 
