@@ -3,11 +3,13 @@
 
 #include <array>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "octview/model/background_task.h"
 #include "octview/model/workspace.h"
+#include "octview/panels/sidebar.h"
 #include "octview/views/slice_pane.h"
 #include "octview/views/volume_pane.h"
 #include "octview/window/window.h"
@@ -29,6 +31,7 @@ class Viewer {
   std::string description() const;
 
  private:
+  void start(Opening opening);
   void take_loaded();
   void show_sidebar(float width);
   void show_panes();
@@ -40,6 +43,8 @@ class Viewer {
   Window& window_;
   Workspace workspace_;
   BackgroundTask<Document> loading_;
+  std::optional<ViewState> state_to_come_;  // of what is being read
+  Sidebar sidebar_;
   std::array<SlicePane, 3> slices_;
   VolumePane volume_;
   bool keys_shown_ = false;

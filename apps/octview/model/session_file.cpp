@@ -427,6 +427,7 @@ void write_session(const std::filesystem::path& path, const Session& session) {
 }
 
 bool is_session(const std::filesystem::path& path) {
+  if (path == "-" || !std::filesystem::is_regular_file(path)) return false;
   InputFile file(path);
   return file.start(4096).find(std::string("\"") + version_field + "\"") != std::string::npos;
 }

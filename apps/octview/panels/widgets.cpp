@@ -44,7 +44,8 @@ void leave_for_labels(float ems) {
 }
 
 bool slide(const char* label, double& value, double lowest, double highest, const char* format) {
-  return ImGui::SliderScalar(label, ImGuiDataType_Double, &value, &lowest, &highest, format, ImGuiSliderFlags_AlwaysClamp);
+  return ImGui::SliderScalar(label, ImGuiDataType_Double, &value, &lowest, &highest, format,
+                             ImGuiSliderFlags_AlwaysClamp);
 }
 
 void hint(const char* text) {
@@ -88,7 +89,8 @@ bool choose_colors(LayerLook& look) {
   if (ImGui::BeginCombo("Colours", look.colormap.c_str(), ImGuiComboFlags_HeightLarge)) {
     for (const std::string& name : known_maps()) {
       const ImVec2 corner = ImGui::GetCursorScreenPos();
-      if (ImGui::Selectable(("      " + std::string(16, ' ') + name + "##map " + name).c_str(), name == look.colormap)) {
+      if (ImGui::Selectable(("      " + std::string(16, ' ') + name + "##map " + name).c_str(),
+                            name == look.colormap)) {
         look.colormap = name;
         changed = true;
       }
