@@ -47,6 +47,27 @@ void Viewer::start(Opening opening) {
                      const ProgressFunction& progress) { return load_document(files, progress, before); });
 }
 
+void Viewer::show_live() {
+  live_panel_.start(live_, workspace_);
+}
+
+// What was shown before stays until the first volume has come, and where none comes.
+void Viewer::take_live() {
+  const LiveSession::State before = live_.state();
+  live_.update();
+  if (live_.state() == LiveSession::State::failed && before != LiveSession::State::failed) {
+    workspace_.fail(live_.error());
+  }
+  if (!is_live()) return;
+  const bool began = !live_document_.is_shown(workspace_);
+  live_document_.show(live_.latest(), live_panel_.title(), workspace_);
+  if (began && live_document_.is_shown(workspace_)) {
+    workspace_.say("");
+    window_.set_title(workspace_.document.title + " - octview");
+  }
+  if (workspace_.state.large != Pane::volume) live_.request_volume();
+}
+
 void Viewer::take_loaded() {
   auto outcome = loading_.take();
   if (!outcome) return;
@@ -54,6 +75,7 @@ void Viewer::take_loaded() {
     if (!outcome->error.empty()) workspace_.fail(outcome->error);
     return;
   }
+  live_.stop();
   workspace_.document = std::move(*outcome->result);
   if (state_to_come_) {
     workspace_.state = *std::exchange(state_to_come_, std::nullopt);
@@ -66,7 +88,9 @@ void Viewer::take_loaded() {
 }
 
 bool Viewer::is_busy() const {
-  return loading_.is_running() || sidebar_.is_busy() || volume_.is_coarse();
+  const bool live_begins =
+      live_.state() == LiveSession::State::opening || (is_live() && !live_document_.is_shown(workspace_));
+  return loading_.is_running() || sidebar_.is_busy() || volume_.is_coarse() || live_begins;
 }
 
 void Viewer::build(double now) {
@@ -75,6 +99,7 @@ void Viewer::build(double now) {
   open(window_.take_dropped());
   if (workspace_.wanted) start(*std::exchange(workspace_.wanted, std::nullopt));
   take_loaded();
+  take_live();
   handle_keys();
   const ImGuiViewport& screen = *ImGui::GetMainViewport();
   ImGui::SetNextWindowPos(screen.Pos);
@@ -98,6 +123,9 @@ void Viewer::build(double now) {
 
 void Viewer::show_sidebar(float width) {
   ImGui::BeginChild("##sidebar", {width, 0}, true);
+  if (ImGui::CollapsingHeader("Live", is_live() ? ImGuiTreeNodeFlags_DefaultOpen : 0)) {
+    live_panel_.show(live_, workspace_);
+  }
   sidebar_.show(workspace_);
   ImGui::EndChild();
 }
@@ -124,9 +152,13 @@ void Viewer::show_pane(Pane pane) {
   const ImVec2 space = ImGui::GetContentRegionAvail();
   workspace_.pane_sizes[static_cast<std::size_t>(pane)] = {static_cast<unsigned>(std::max(space.x, 1.0F)),
                                                            static_cast<unsigned>(std::max(space.y, 1.0F))};
+  if (!workspace_.document && !live_.error().empty()) {
+    ImGui::TextWrapped("%s", live_.error().c_str());
+    return;
+  }
   try {
     if (pane == Pane::volume) {
-      volume_.show(workspace_);
+      volume_.show(workspace_, is_live() && live_document_.is_shown(workspace_) ? &live_ : nullptr);
     } else {
       slices_[static_cast<std::size_t>(pane)].show(workspace_);
     }
@@ -173,6 +205,7 @@ void Viewer::handle_keys() {
 std::string Viewer::description() const {
   nlohmann::json json;
   json["title"] = workspace_.document.title;
+  json["live"] = {{"running", is_live()}, {"shown", live_.statistics().shown}, {"error", live_.error()}};
   json["cursor"] = workspace_.state.cursor;
   json["under_cursor"] = workspace_.under_cursor;
   json["message"] = workspace_.message;

@@ -7,8 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "octview/live/live_document.h"
+#include "octview/live/live_session.h"
 #include "octview/model/background_task.h"
 #include "octview/model/workspace.h"
+#include "octview/panels/live_panel.h"
 #include "octview/panels/sidebar.h"
 #include "octview/views/slice_pane.h"
 #include "octview/views/volume_pane.h"
@@ -23,14 +26,18 @@ class Viewer {
 
   // The first file is the volume, a session, or a B-scan; it replaces what is open once it has been read.
   void open(const std::vector<std::filesystem::path>& files);
+  void show_live();
   // Builds the interface of a frame. now: seconds.
   void build(double now);
   // Something is read or written, or is not yet drawn in full quality.
   bool is_busy() const;
   // What is shown, as JSON, for scripts.
   std::string description() const;
+  // Volumes come, without an end: new frames are wanted all the time.
+  bool is_live() const { return live_.state() == LiveSession::State::running; }
 
  private:
+  void take_live();
   void start(Opening opening);
   void take_loaded();
   void show_sidebar(float width);
@@ -47,6 +54,9 @@ class Viewer {
   Sidebar sidebar_;
   std::array<SlicePane, 3> slices_;
   VolumePane volume_;
+  LiveSession live_;
+  LiveDocument live_document_;
+  LivePanel live_panel_;
   bool keys_shown_ = false;
 };
 

@@ -33,6 +33,8 @@ struct Document {
   std::array<double, 3> extent() const;
 };
 
+std::uint64_t next_revision();  // another one each time
+
 // Reads everything that the files name, but the volume where it is that of the document before. Throws a ReadError; what the
 // progress function throws passes through.
 Document load_document(const SessionFiles& files, const ProgressFunction& progress,

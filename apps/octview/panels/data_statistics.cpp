@@ -5,6 +5,8 @@
 namespace oct::app {
 namespace {
 
+constexpr double live_interval = 2;  // seconds
+
 LayerStatistics find_statistics(const Document& document, const ProgressFunction& progress) {
   LayerStatistics layers;
   layers.base = statistics_of(document.volume->voxels, document.not_finite, progress);
@@ -16,14 +18,19 @@ LayerStatistics find_statistics(const Document& document, const ProgressFunction
 
 }  // namespace
 
-bool DataStatistics::follow(const Document& document) {
-  if (revision_ != document.revision) {
+bool DataStatistics::follow(const Document& document, double now) {
+  const bool live = document.files.base.path.empty();
+  const bool rests = live && live_ && (task_.is_running() || now < started_ + live_interval);
+  if (revision_ != document.revision && !rests) {
+    if (!(live && live_)) layers_ = {};
     revision_ = document.revision;
-    layers_ = {};
-    // What it reads is shared with the task, whatever is opened meanwhile.
-    if (document)
-      task_.start("Counting values",
-                  [document](const ProgressFunction& progress) { return find_statistics(document, progress); });
+    live_ = live;
+    started_ = now;
+    if (document) {  // what it reads is shared with the task, whatever is opened meanwhile
+      task_.start("Counting values", [document](const ProgressFunction& progress) {
+        return find_statistics(document, progress);
+      });
+    }
   }
   std::optional<BackgroundTask<LayerStatistics>::Outcome> outcome = task_.take();
   if (!outcome || !outcome->result) return false;

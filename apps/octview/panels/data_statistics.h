@@ -19,14 +19,17 @@ struct LayerStatistics {
 
 class DataStatistics {
  public:
-  // Once a frame. Of another document everything is found anew. True when it has just been found.
-  bool follow(const Document& document);
+  // Once a frame. Of another file everything is found anew, of live volumes now and then. True when it has just been found.
+  // now: seconds.
+  bool follow(const Document& document, double now);
 
-  bool is_busy() const { return task_.is_running(); }
+  bool is_busy() const { return task_.is_running() && !live_; }
   const LayerStatistics& layers() const { return layers_; }
 
  private:
   std::uint64_t revision_ = 0;
+  bool live_ = false;
+  double started_ = 0;
   LayerStatistics layers_;
   BackgroundTask<LayerStatistics> task_;
 };

@@ -5,6 +5,7 @@
 #include "octview/model/layer_colors.h"
 #include "octview/model/presets.h"
 #include "octview/panels/widgets.h"
+#include "octview/window/item_index.h"
 
 namespace oct::app {
 namespace {
@@ -17,6 +18,8 @@ constexpr double orthographic_zoom = 30;
 void show_mode(VolumeView& view) {
   constexpr std::array<const char*, 4> names{"Composite", "Maximum", "Mean", "Sections"};
   leave_for_labels(5.5F);
+  const ImVec2 field = ImGui::GetCursorScreenPos();
+  mark_item("Mode", field, {field.x + em(4), field.y + ImGui::GetFrameHeight()});
   if (ImGui::BeginCombo("Mode", names[static_cast<std::size_t>(view.look)])) {
     for (std::size_t i = 0; i < names.size(); ++i) {
       if (ImGui::Selectable(names[i], static_cast<std::size_t>(view.look) == i))

@@ -12,7 +12,8 @@ namespace oct::app {
 namespace {
 
 std::filesystem::path proposed(const Workspace& workspace, const std::string& ending) {
-  std::filesystem::path path = std::filesystem::absolute(workspace.document.files.base.path);
+  const std::filesystem::path& base = workspace.document.files.base.path;
+  std::filesystem::path path = std::filesystem::absolute(base.empty() ? "live" : base);
   const std::filesystem::path name = path.stem();
   return path.replace_filename(name).concat(ending);
 }

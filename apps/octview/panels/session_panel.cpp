@@ -57,8 +57,8 @@ void attempt(Workspace& workspace, Action action) {
 void SessionPanel::show(Workspace& workspace) {
   const bool open = static_cast<bool>(workspace.document);
   if (ImGui::CollapsingHeader("Session")) {
-    const std::filesystem::path base =
-        std::filesystem::absolute(open ? workspace.document.files.base.path : "x");
+    const std::filesystem::path base = std::filesystem::absolute(
+        workspace.document.files.base.path.empty() ? "live" : workspace.document.files.base.path);
     if (ImGui::Button("Open ...")) {
       purpose_ = FileChooser::Purpose::open;
       chooser_.ask("Session to open", purpose_, base.parent_path());

@@ -6,6 +6,7 @@
 #include "data/colormap_tables.h"
 #include "data/file_errors.h"
 #include "octview/model/layer_colors.h"
+#include "octview/window/item_index.h"
 
 namespace oct::app {
 namespace {
@@ -86,6 +87,8 @@ bool choose_colors(LayerLook& look) {
   const float height = ImGui::GetFontSize();
   const float picture = em(4);
   leave_for_labels(5.5F);
+  const ImVec2 field = ImGui::GetCursorScreenPos();
+  mark_item("Colours", field, {field.x + em(4), field.y + ImGui::GetFrameHeight()});
   if (ImGui::BeginCombo("Colours", look.colormap.c_str(), ImGuiComboFlags_HeightLarge)) {
     for (const std::string& name : known_maps()) {
       const ImVec2 corner = ImGui::GetCursorScreenPos();
