@@ -16,7 +16,9 @@ namespace oct::app {
 struct Document {
   std::shared_ptr<const VolumeData> volume;  // none: nothing is open. Every voxel is finite
   std::shared_ptr<const VolumeData> overlay;
-  std::shared_ptr<const std::vector<float>> surface;  // depths in samples, one row per B-scan
+  std::shared_ptr<const LateralMap> surface;  // depths in samples of the file, one per A-scan of it; NaN: none
+  std::shared_ptr<const std::vector<float>>
+      drawn_surface;  // the same, all of it finite, as volumes are drawn with it
   std::shared_ptr<const LateralMap> secondary;
   SessionFiles files;
   std::string title;
