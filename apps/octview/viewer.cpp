@@ -106,9 +106,8 @@ void Viewer::show_sidebar(float width) {
   ImGui::BeginChild("##sidebar", {width, 0}, true);
   ImGui::TextUnformatted(workspace_.document ? workspace_.document.title.c_str()
                                              : "Drop a file on the window");
-  if (ImGui::CollapsingHeader("Live", is_live() ? ImGuiTreeNodeFlags_DefaultOpen : 0)) {
-    live_panel_.show(live_, workspace_);
-  }
+  if (live_.state() != LiveSession::State::off) ImGui::SetNextItemOpen(true, ImGuiCond_Once);
+  if (ImGui::CollapsingHeader("Live")) live_panel_.show(live_, workspace_);
   ImGui::EndChild();
 }
 
