@@ -39,7 +39,8 @@ finer axis; with it the section fits into the picture, --zoom times, and --backg
 beside it. A pixel that covers several samples shows their mean.
 
 An automatic range goes from the 1st to the 99.5th percentile of the section, of a sweep
-from those of the volume. What is no number is drawn in the first colour.
+from those of the volume. In pictures NaN and minus infinity count as the lowest finite
+sample of the volume, infinity as the highest; where there are no values is the first colour.
 
 Values: OUT.tif and, with --depth 16, OUT.png hold integers of 16 bits, the --range as 0 to
 65535 and what lies beyond as its ends, with spacing in OUT.tif; OUT.npy holds the samples
@@ -283,14 +284,10 @@ class Sections {
   LateralMap surface_;
 };
 
-VolumeData load(const Options& options, const std::string& name) {
-  VolumeData volume = read_volume(data_file(name, options.data));
-  if (options.decibels && name == options.input) to_decibels(volume.voxels);
-  return volume;
-}
-
-VolumeData load_base(const Options& options) {
-  VolumeData volume = load(options, options.input);
+VolumeData load_base(const Options& options, bool finite) {
+  VolumeData volume = read_volume(data_file(options.input, options.data));
+  if (options.decibels) to_decibels(volume.voxels);
+  if (finite) replace_non_finite(volume.voxels);
   take_extent(volume, options.extent);
   if (options.extent.empty() && volume.spacing.is_known()) {
     note(from_utf8(options.input), "voxels of " + spacing_text(volume.spacing));
@@ -299,7 +296,8 @@ VolumeData load_base(const Options& options) {
 }
 
 VolumeData load_overlay(const Options& options, const VolumeData& base) {
-  VolumeData overlay = load(options, options.overlay);
+  VolumeData overlay = read_volume(data_file(options.overlay, options.data));
+  replace_non_finite(overlay.voxels);
   if (overlay.file_size != base.file_size) {
     throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
   }
@@ -397,11 +395,12 @@ void run(const Options& options, const PngTexts& texts) {
   parse_sweep(options.sweep);
   if (!options.size.empty()) parse_picture_size(options.size);
   const std::optional<ValueRange> range = parse_range("--range", options.range);
-  const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_colors.range);
+  const std::optional<ValueRange> overlay_range =
+      parse_range("--overlay-range", options.overlay_colors.range);
   data_file(options.input, options.data);
   SliceScene scene = scene_of(options);
 
-  Inputs inputs{{options, load_base(options)}, {}};
+  Inputs inputs{{options, load_base(options, !holds_values(options, output))}, {}};
   const Sweep sweep = inputs.sections.positions(options);
   if (!options.overlay.empty()) inputs.overlay = load_overlay(options, inputs.sections.volume());
   const bool alone = options.sweep.empty();
