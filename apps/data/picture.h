@@ -32,6 +32,10 @@ struct Picture {
 // the other as the aspect asks for; scaled down where a side would be longer than 4096 pixels.
 PictureSize natural_picture_size(std::size_t depth, std::size_t ascans, const Spacing& spacing);
 
+// What shows on any background, from the same picture on black and on white: colours with alpha, four channels. On black and
+// on white it gives the two pictures again, to within rounding.
+Picture without_background(const Picture& on_black, const Picture& on_white);
+
 // Turns what an offscreen frame delivers, red, green, blue, alpha and the top row first, into a picture.
 Picture to_picture(PictureSize size, std::span<const std::uint8_t> rgba);
 

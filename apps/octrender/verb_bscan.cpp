@@ -194,7 +194,6 @@ void run(const Options& options, const PngTexts& texts) {
   Colormap colormap = load_colormap(options.colormap);
   const Colormap overlay_colormap = layer_colormap(options.overlay_colors);
   if (options.reverse) std::reverse(colormap.begin(), colormap.end());
-  flatten_onto(colormap, scene.background);
 
   LoadedImage loaded = load_image(input, {options.frame}, reading_progress(input.path));
   if (options.size.empty()) {

@@ -14,7 +14,7 @@
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
 #include "octrender/picture_files.h"
-#include "octrender/picture_series.h"
+#include "octrender/output/picture_series.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 #include "scene/slice_scene.h"

@@ -65,12 +65,12 @@ int show(const Options& options) {
   Viewer viewer(window);
   std::vector<std::filesystem::path> files;
   for (const std::string& file : options.files) files.push_back(from_utf8(file));
-  viewer.open(files);
+  files.empty() ? viewer.show_live() : viewer.open(files);
   gather_items(script.has_value());
   const auto start = std::chrono::steady_clock::now();
   double now = 0;
   while (!window.wants_to_close()) {
-    window.wait_for_events(script || viewer.is_busy() ? 0 : 0.05);
+    window.wait_for_events(script || viewer.is_busy() ? 0 : viewer.is_live() ? 0.004 : 0.05);
     window.begin_frame([&] {
       if (script) script->feed(window.scale());
     });

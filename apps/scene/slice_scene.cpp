@@ -13,8 +13,6 @@
 namespace oct::app {
 namespace {
 
-constexpr unsigned largest_tile = 4096;  // any driver draws that
-
 // Pixels and samples along one axis.
 class Scale {
  public:
@@ -219,8 +217,9 @@ SlicePicture render_slice(const SliceScene& scene) {
                                 std::min(largest_tile, whole.width - left),
                                 std::min(largest_tile, whole.height - top)};
       set_scene(renderer.handle(), scene, tile);
-      const Picture drawn =
-          draw_picture(target, {tile.width, tile.height}, [&] { checked(renderDisplay, renderer.handle()); });
+      std::vector<std::uint8_t> rgba;
+      target.render(tile.width, tile.height, rgba, [&] { checked(renderDisplay, renderer.handle()); });
+      const Picture drawn = to_picture({tile.width, tile.height}, rgba);
       for (unsigned row = 0; row < tile.height; ++row) {
         std::copy_n(&drawn.pixels[std::size_t{row} * tile.width * 3], std::size_t{tile.width} * 3,
                     &pixels[(std::size_t{tile.top + row} * scene.size.width + tile.left) * 3]);

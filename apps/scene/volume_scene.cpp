@@ -116,16 +116,24 @@ void VolumeDrawing::draw() {
 }
 
 std::string render_volume(const VolumeScene& scene, unsigned count,
-                          const std::function<void(unsigned, const Picture&)>& take) {
+                          const std::function<void(unsigned, const Picture&)>& take, unsigned tile) {
   OffscreenTarget target;
   VolumeDrawing drawing;
   VolumeScene turned = scene;
-  for (unsigned i = 0; i < count; ++i) {
-    turned.angles[1] = scene.angles[1] + 360.0 * i / count;
+  const auto draw = [&] {
     drawing.set(turned);
     while (drawing.upload()) {
     }
-    take(i, draw_picture(target, scene.size, [&] { drawing.draw(); }));
+    return draw_picture(target, scene.size, tile, &setRendererPart, drawing.renderer(),
+                        [&] { drawing.draw(); });
+  };
+  const auto draw_on = [&](std::uint32_t background) {
+    turned.background_bottom = turned.background_top = background;
+    return draw();
+  };
+  for (unsigned i = 0; i < count; ++i) {
+    turned.angles[1] = scene.angles[1] + 360.0 * i / count;
+    take(i, scene.transparent ? without_background(draw_on(0x000000), draw_on(0xFFFFFF)) : draw());
   }
   return explanation_of(explainFrame, drawing.renderer());
 }

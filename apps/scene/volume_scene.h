@@ -15,6 +15,7 @@
 #include "data/picture.h"
 #include "data/samples.h"
 #include "data/volume.h"
+#include "scene/offscreen_picture.h"
 #include "scene/volume_view.h"
 
 namespace oct::app {
@@ -55,6 +56,7 @@ struct VolumeScene : VolumeView {
   bool show_volume = true;
   bool show_overlay = true;
   bool show_surface = true;
+  bool transparent = false;  // alpha in place of the background; the picture then has four channels
   std::array<float, 3> extent{1, 1, 1};  // depth, A-scans, B-scans
 
   bool operator==(const VolumeScene&) const = default;
@@ -94,6 +96,7 @@ class VolumeDrawing {
 // the last picture is followed by the first. Each picture is handed over as it is finished. Returns why the last one shows
 // nothing; empty when it shows something.
 std::string render_volume(const VolumeScene& scene, unsigned count,
-                          const std::function<void(unsigned, const Picture&)>& take);
+                          const std::function<void(unsigned, const Picture&)>& take,
+                          unsigned tile = largest_tile);
 
 }  // namespace oct::app

@@ -59,8 +59,12 @@ void set_view(VolumeRendererHandle renderer, const VolumeView& view) {
   checked(setClipPlane, renderer, int{view.clip.has_value()}, int{clip.open}, static_cast<float>(clip.value));
   checked(setRemoveSegment, renderer, int{clip.ghost});
   checked(setBorder, renderer, int{view.scale_marks}, int{view.edges}, int{view.box});
-  checked(setRenderBackground, renderer, packed(view.background_bottom), packed(view.background_top));
+  set_background(renderer, view.background_bottom, view.background_top);
   checked(setRenderForeground, renderer, packed(view.foreground));
+}
+
+void set_background(VolumeRendererHandle renderer, std::uint32_t bottom, std::uint32_t top) {
+  checked(setRenderBackground, renderer, packed(bottom), packed(top));
 }
 
 void set_colors(VolumeRendererHandle renderer, ColoredData data, const Colormap& colors,

@@ -53,6 +53,9 @@ Shares range_shares(VolumeLook look);
 // Everything but the angles, which may change from picture to picture.
 void set_view(VolumeRendererHandle renderer, const VolumeView& view);
 
+// 0xRRGGBB, as in the view.
+void set_background(VolumeRendererHandle renderer, std::uint32_t bottom, std::uint32_t top);
+
 enum class ColoredData { volume, overlay, secondary, surface };
 
 void set_colors(VolumeRendererHandle renderer, ColoredData data, const Colormap& colors,

@@ -9,11 +9,6 @@
 namespace oct::app {
 namespace {
 
-std::uint64_t next_revision() {
-  static std::atomic<std::uint64_t> last{0};
-  return ++last;
-}
-
 VolumeData load_any(const DataFile& file, const ProgressFunction& progress) {
   try {
     return load_volume(file, {}, progress);
@@ -38,6 +33,11 @@ std::size_t make_finite(std::vector<float>& samples, const DataFile& file) {
 }
 
 }  // namespace
+
+std::uint64_t next_revision() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
 
 VoxelSpacing Document::spacing() const {
   if (!volume) return {};

@@ -32,6 +32,8 @@ struct Document {
   std::array<double, 3> extent() const;
 };
 
+std::uint64_t next_revision();  // another one each time
+
 // Reads everything that the files name. Throws a ReadError; what the progress function throws passes through.
 Document load_document(const SessionFiles& files, const ProgressFunction& progress);
 

@@ -1,10 +1,10 @@
-#include "octrender/picture_series.h"
+#include "octrender/output/picture_series.h"
 
 #include <optional>
 #include <string>
 
 #include "octrender/picture_files.h"
-#include "octrender/video_writer.h"
+#include "octrender/output/video_writer.h"
 
 namespace oct::app {
 namespace {

@@ -1,4 +1,4 @@
-#include "octrender/video_writer.h"
+#include "octrender/output/video_writer.h"
 
 #include <system_error>
 #include <utility>
