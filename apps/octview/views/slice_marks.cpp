@@ -127,10 +127,7 @@ class Marks {
           }))
         continue;
       draw_points(measurement.points);
-      const VoxelPoint& second = measurement.points[1];
-      ImVec2 place = screen(geometry_.screen_of(second));
-      place.x += em_ * 0.6F;
-      draw_label(list_, place, value_text(ruler_, measurement), measured, {0, 0.5F});
+      draw_value(measurement);
     }
     const auto last =
         std::find_if(state_.measurements.rbegin(), state_.measurements.rend(), [&](const Measurement& one) {
@@ -156,6 +153,15 @@ class Marks {
   }
 
  private:
+  // Beside the second point, where there is space.
+  void draw_value(const Measurement& measurement) {
+    const ImVec2 place = screen(geometry_.screen_of(measurement.points[1]));
+    const std::string text = value_text(ruler_, measurement);
+    const float away = em_ * 0.6F;
+    const bool fits = place.x + away + ImGui::CalcTextSize(text.c_str()).x < to_.x;
+    draw_label(list_, {place.x + (fits ? away : -away), place.y}, text, measured, {fits ? 0.0F : 1.0F, 0.5F});
+  }
+
   void draw_broken_line(ImVec2 a, ImVec2 b, ImVec2 c, ImVec2 d, ImU32 color) {
     list_.AddLine(a, b, color, 1);
     list_.AddLine(c, d, color, 1);
