@@ -14,7 +14,7 @@ namespace oct::app {
 namespace {
 
 constexpr ImU32 bright = IM_COL32(255, 255, 255, 255);
-constexpr ImU32 shade = IM_COL32(0, 0, 0, 150);
+constexpr ImU32 shade = IM_COL32(0, 0, 0, 190);
 constexpr ImU32 measured = IM_COL32(255, 140, 220, 255);
 constexpr ImU32 surface_color = IM_COL32(255, 120, 60, 220);
 
@@ -116,7 +116,7 @@ class Marks {
       std::snprintf(text.data(), text.size(), "%.4g %s", length, ruler_.unit());
     }
     draw_label(list_, {right.x, right.y - thick - em_ * 1.3F}, text.data(), bright, {1, 0});
-    draw_label(list_, {right.x, right.y - thick - em_ * 2.5F}, ruler_.note, IM_COL32(200, 200, 200, 255),
+    draw_label(list_, {right.x, right.y - thick - em_ * 2.5F}, ruler_.note, IM_COL32(225, 225, 225, 255),
                {1, 0});
   }
 
@@ -149,7 +149,7 @@ class Marks {
     const std::size_t missing = point_count(*workspace_.tool) - workspace_.clicked.size();
     const std::string text = std::string(name_of(*workspace_.tool)) + ": click " + std::to_string(missing) +
                              (missing == 1 ? " point" : " points") + ", Escape ends";
-    draw_label(list_, {(from_.x + to_.x) / 2, from_.y + em_ * 0.3F}, text, measured, {0.5F, 0});
+    draw_label(list_, {from_.x + em_ * 0.4F, from_.y + em_ * 2.7F}, text, measured);
   }
 
  private:
@@ -163,8 +163,9 @@ class Marks {
   }
 
   void draw_broken_line(ImVec2 a, ImVec2 b, ImVec2 c, ImVec2 d, ImU32 color) {
-    list_.AddLine(a, b, color, 1);
-    list_.AddLine(c, d, color, 1);
+    const float thin = std::max(1.0F, std::round(em_ / 16));
+    list_.AddLine(a, b, color, thin);
+    list_.AddLine(c, d, color, thin);
   }
 
   void draw_points(const std::vector<VoxelPoint>& points) {
