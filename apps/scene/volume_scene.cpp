@@ -1,5 +1,7 @@
 #include "scene/volume_scene.h"
 
+#include <cmath>
+
 #include "client/explanation.h"
 #include "client/renderers.h"
 #include "scene/offscreen_picture.h"
@@ -32,6 +34,14 @@ void set_scene(OfflineRenderingHandle offline, VolumeRendererHandle renderer, co
     set_colors(renderer, ColoredData::surface, surface.colormap, surface.range);
   }
   checked(setRenderElements, renderer, int{scene.show_volume}, int{scene.surface.has_value()});
+}
+
+std::optional<double> pixel_mm(const VolumeScene& scene) {
+  if (scene.perspective) return std::nullopt;
+  // The picture is a fifth of the zoom wide where the box's diagonal is 4.
+  const auto& [depth, a_scans, b_scans] = scene.extent;
+  const double diagonal = std::hypot(double{depth}, double{a_scans}, double{b_scans});
+  return scene.zoom / 5 * diagonal / 4 / scene.size.width;
 }
 
 std::string render_volume(const VolumeScene& scene, unsigned count,
