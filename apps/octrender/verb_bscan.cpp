@@ -212,6 +212,9 @@ void run(const Options& options, const PngTexts& texts) {
   const std::optional<ValueRange> range = parse_range("--range", options.range);
   const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_range);
   const std::optional<Spacing> spacing = parse_spacing(options.spacing);
+  if (spacing && !options.size.empty() && options.spacing_unit.empty()) {
+    throw CommandLineError("--spacing: --size tells the aspect; with both, --spacing-unit is needed");
+  }
   const DataFile input = data_file(options.input, options.data);
   BscanScene scene;
   if (!options.size.empty()) scene.size = parse_picture_size(options.size);

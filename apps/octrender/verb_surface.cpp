@@ -31,7 +31,7 @@ cannot be written.
 
 Examples:
   octrender surface heights.npy -o skin.stl --spacing 0.0031 0.0117 0.0117
-  octrender surface heights.npy -o skin.glb --extent 2.5 6 6 --depth 800 --colormap turbo
+  octrender surface heights.npy -o skin.glb --extent 2.5 6 6 --depth 800 --colormap inferno
 )";
 
 struct Options {

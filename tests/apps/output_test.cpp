@@ -212,7 +212,7 @@ Layer some_layer(std::size_t depth, std::size_t a_scans, const char* colormap) {
 
 TEST(Tiles, OfABscanShowTheSameSamples) {
   BscanScene scene;
-  scene.base = some_layer(50, 40, "turbo");
+  scene.base = some_layer(50, 40, "viridis");
   scene.overlay.emplace();
   scene.overlay->layer = some_layer(25, 20, "gray");
   scene.overlay->threshold = 0.7;
