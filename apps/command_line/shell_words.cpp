@@ -1,6 +1,7 @@
 #include "command_line/shell_words.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
 
 namespace oct::app {
@@ -27,15 +28,42 @@ std::string quoted(const std::string& word) {
   return text + "'";
 }
 
-}  // namespace
-
-std::string shell_words(const std::vector<std::string>& words) {
+std::string joined(const std::vector<std::string>& words, std::string (*quote)(const std::string&)) {
   std::string text;
   for (const std::string& word : words) {
     if (!text.empty()) text += ' ';
-    text += quoted(word);
+    text += quote(word);
   }
   return text;
+}
+
+// A backslash stands for itself, but before a quote.
+std::string windows_quoted(const std::string& word) {
+  const auto is_plain_there = [](char letter) {
+    return letter == '\\' ||
+           (is_plain(letter) && letter != '^' && letter != '%' && letter != '=' && letter != ',');
+  };
+  if (!word.empty() && std::ranges::all_of(word, is_plain_there)) return word;
+  std::string text = "\"";
+  std::size_t backslashes = 0;
+  for (const char letter : word) {
+    if (letter == '"') text.append(backslashes + 1, '\\');
+    backslashes = letter == '\\' ? backslashes + 1 : 0;
+    text += letter;
+  }
+  text.append(backslashes, '\\');
+  text += '"';
+  return text;
+}
+
+}  // namespace
+
+std::string shell_words(const std::vector<std::string>& words) {
+  return joined(words, quoted);
+}
+
+std::string windows_shell_words(const std::vector<std::string>& words) {
+  return joined(words, windows_quoted);
 }
 
 }  // namespace oct::app

@@ -11,6 +11,8 @@ namespace oct::app {
 struct PictureSize {
   unsigned width = 0;
   unsigned height = 0;
+
+  bool operator==(const PictureSize&) const = default;
 };
 
 // Distance between two samples, both in the same unit.

@@ -22,6 +22,12 @@ CLI::Option* add_output_option(CLI::App& verb, std::string& output) {
   return verb.add_option("-o,--output", output, "Picture to write; must end in .png")->type_name("OUT.png");
 }
 
+std::filesystem::path checked_output(const std::string& output, std::initializer_list<std::string> inputs) {
+  const std::filesystem::path path = from_utf8(output);
+  refuse_inputs(path, inputs);
+  return path;
+}
+
 std::filesystem::path picture_file(const std::string& output, std::initializer_list<std::string> inputs) {
   const std::filesystem::path path = from_utf8(output);
   if (path.extension() != ".png") throw CommandLineError("the output '" + output + "' must end in .png");

@@ -11,6 +11,9 @@ namespace oct::app {
 
 CLI::Option* add_output_option(CLI::App& verb, std::string& output);
 
+// Throws a CommandLineError when the name is that of an input.
+std::filesystem::path checked_output(const std::string& output, std::initializer_list<std::string> inputs);
+
 // Throws a CommandLineError unless the name ends in .png and is that of none of the
 // inputs, some of which may be empty.
 std::filesystem::path picture_file(const std::string& output, std::initializer_list<std::string> inputs);

@@ -30,6 +30,7 @@ constexpr char program_footer[] =
     "  5  the device failed (octrender live)\n\n"
     "Examples:\n"
     "  octrender bscan skin.npy -o skin.png\n"
+    "  octrender slice skin.npy -o enface.png --axis enface --position 80\n"
     "  octrender volume skin.npy -o skin.png --extent 2.5 6 6\n"
     "  octrender live -o finger.png --motion drift\n"
     "  octrender info\n"
@@ -54,6 +55,7 @@ int run_program(const std::vector<std::string>& arguments) {
   describe(program);
   const PngTexts texts = picture_texts("octrender " + shell_words(arguments));
   add_bscan_verb(program, texts);
+  add_slice_verb(program, texts);
   add_volume_verb(program, texts);
   add_live_verb(program, texts);
   add_surface_verb(program, texts);

@@ -69,8 +69,7 @@ struct Options {
   std::string background = "000000";
   std::string overlay;
   std::optional<double> overlay_threshold;
-  std::string overlay_colormap = "inferno";
-  std::optional<NumberPair> overlay_range;
+  LayerColorOptions overlay_colors{{}, "inferno"};
   double overlay_opacity = 0.5;
   std::string spacing_unit;
   FigureOptions figure;
@@ -131,7 +130,7 @@ void add_overlay_options(CLI::App& verb, Options& options) {
                   "least this (default: everywhere)")
       ->type_name("T")
       ->needs(overlay);
-  add_layer_color_options(verb, overlay, "the overlay", options.overlay_range, options.overlay_colormap);
+  add_layer_color_options(verb, overlay, "the overlay", options.overlay_colors);
   verb.add_option("--overlay-opacity", options.overlay_opacity, "0 (invisible) to 1 (opaque)")
       ->type_name("A")
       ->check(CLI::Range(0.0, 1.0).description(""))
@@ -210,7 +209,8 @@ void run(const Options& options, const PngTexts& texts) {
   // Everything that can be refused by the command line alone comes before the files are read.
   const std::filesystem::path output = picture_file(options.output, {options.input, options.overlay});
   const std::optional<ValueRange> range = parse_range("--range", options.range);
-  const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_range);
+  const std::optional<ValueRange> overlay_range =
+      parse_range("--overlay-range", options.overlay_colors.range);
   const std::optional<Spacing> spacing = parse_spacing(options.spacing);
   if (spacing && !options.size.empty() && options.spacing_unit.empty()) {
     throw CommandLineError("--spacing: --size tells the aspect; with both, --spacing-unit is needed");
@@ -222,7 +222,7 @@ void run(const Options& options, const PngTexts& texts) {
   const FigureStyle style = style_of(options.figure);
   scene.background = parse_color("--background", options.background);
   Colormap colormap = load_colormap(options.colormap);
-  const Colormap overlay_colormap = load_colormap(options.overlay_colormap);
+  const Colormap overlay_colormap = layer_colormap(options.overlay_colors);
   if (options.reverse) std::reverse(colormap.begin(), colormap.end());
 
   LoadedImage loaded = load_image(input, {options.frame}, reading_progress(input.path));

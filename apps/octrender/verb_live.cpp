@@ -211,8 +211,8 @@ LiveSettings settings_of(const Options& options, const std::optional<Polarizatio
 }
 
 // What only the device's volumes can tell: boundaries and the threshold.
-void adapt(const Options& options, const std::optional<ValueRange>& range, LiveDevice& device,
-           LiveScene& scene, SourceSettings& source) {
+void adapt(const Options& options, const std::optional<ValueRange>& range, const Shares& shares,
+           LiveDevice& device, LiveScene& scene, SourceSettings& source) {
   const bool intensity = is_intensity(source.polarization);
   scene.volume.range = range ? *range : intensity ? ValueRange{} : *natural_range(*source.polarization);
   if (options.threshold) source.threshold = *options.threshold;
@@ -223,8 +223,7 @@ void adapt(const Options& options, const std::optional<ValueRange>& range, LiveD
   const Progress progress("measuring a first volume", Progress::unknown_length);
   MeasuredVolume first = device.measure(scene.surface.has_value());
   if (wants_range) {
-    scene.volume.range =
-        volume_range("the device's first volume", first.samples, {}, range_shares(scene.view.look));
+    scene.volume.range = volume_range("the device's first volume", first.samples, {}, shares);
   }
   if (scene.surface) {
     const double whole_depth = device.depth_range() / source.refractive_index;
@@ -278,10 +277,11 @@ void run(const Options& options, const PngTexts& texts) {
                                                    : parse_polarization_mode(options.polarization);
   LiveScene scene = scene_of(options, mode);
   LiveSettings settings = settings_of(options, mode);
+  const Shares shares = shares_of(options, scene.view.look);
 
   LiveDevice device(device_setup(options, mode));
   checked(setDeviceLibrary, options.library.c_str());
-  adapt(options, range, device, scene, settings.source);
+  adapt(options, range, shares, device, scene, settings.source);
   LiveResult result;
   {
     Progress progress("live", Progress::unknown_length);

@@ -14,6 +14,7 @@
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 #include "octrender/volume_options.h"
+#include "scene/drawable_limits.h"
 #include "scene/volume_scene.h"
 
 namespace oct::app {
@@ -29,8 +30,8 @@ is reduced by whole numbers, and the factors are shown.
 
 Modes: composite shows voxels with the opacity of the ramp, maximum and mean what a ray
 meets on its way, sections three slices. The opacity of a composite rises with the square
-of the value, up to --opacity per step of a ray, or per --opacity-length, whatever the
-number of --slices. --light shows its shapes: it shades where values change.
+of the value, or goes through --opacity-points, up to --opacity per step of a ray, or per
+--opacity-length, whatever the number of --slices. --light shows its shapes: it shades where values change.
 
 An automatic range starts where most voxels are noise or air: at the 60th percentile for
 a composite, at the 1st otherwise; it ends at the 99.8th, of a mean at the 98th.
@@ -59,14 +60,12 @@ struct Options : VolumeOptions {
   bool decibels = false;
   std::vector<double> extent;
   std::string surface;
-  std::string surface_colormap = "viridis";
+  LayerColorOptions surface_colors{{}, "viridis"};
   bool surface_only = false;
   std::string overlay;
-  std::optional<NumberPair> overlay_range;
-  std::string overlay_colormap = "inferno";
+  LayerColorOptions overlay_colors{{}, "inferno"};
   std::string secondary;
-  std::optional<NumberPair> secondary_range;
-  std::string secondary_colormap = "viridis";
+  LayerColorOptions secondary_colors{{}, "viridis"};
   unsigned turntable = 0;
   unsigned frames_per_second = 30;
   FigureOptions figure;
@@ -101,42 +100,31 @@ void add_layer_options(CLI::App& verb, Options& options) {
   auto* surface =
       verb.add_option("--surface", options.surface, "Height map of depths in samples, one row per B-scan");
   surface->type_name("FILE");
-  add_layer_colormap_option(verb, surface, "the surface", options.surface_colormap);
+  add_layer_color_options(verb, surface, "the surface", options.surface_colors);
   verb.add_flag("--surface-only", options.surface_only, "Draw the surface without the volume")
       ->needs(surface);
   auto* overlay = verb.add_option("--overlay", options.overlay, "Second volume of the same size, laid over");
   overlay->type_name("FILE");
-  add_layer_color_options(verb, overlay, "the overlay", options.overlay_range, options.overlay_colormap);
+  add_layer_color_options(verb, overlay, "the overlay", options.overlay_colors);
   auto* secondary = verb.add_option(
       "--secondary", options.secondary,
       "Map of a second quantity over the lateral axes, one row\nper B-scan, that colours a composite");
   secondary->type_name("FILE")->excludes(overlay);
-  add_layer_color_options(verb, secondary, "the map", options.secondary_range, options.secondary_colormap);
+  add_layer_color_options(verb, secondary, "the map", options.secondary_colors);
 }
 
 // From the command line, else from the file. Says where the spacing came from.
 std::array<float, 3> extent_of(const Options& options, VolumeData& volume) {
-  std::array<double, 3> extent{};
-  for (std::size_t i = 0; i < 3; ++i) extent[i] = static_cast<double>(volume.file_size[i]);
-  if (!options.extent.empty()) {
-    for (std::size_t i = 0; i < 3; ++i) volume.spacing.mm[i] = options.extent[i] / extent[i];
-    volume.spacing.source = "command line";
-  } else if (volume.spacing.is_known()) {
+  take_extent(volume, options.extent);
+  if (options.extent.empty() && volume.spacing.is_known()) {
     note(from_utf8(options.input), "voxels of " + spacing_text(volume.spacing));
   }
   std::array<float, 3> result{};
   for (std::size_t i = 0; i < 3; ++i) {
-    result[i] = static_cast<float>(extent[i] * (volume.spacing.is_known() ? volume.spacing.mm[i] : 1.0));
+    result[i] = static_cast<float>(static_cast<double>(volume.file_size[i]) *
+                                   (volume.spacing.is_known() ? volume.spacing.mm[i] : 1.0));
   }
   return result;
-}
-
-void check_extent(const std::vector<double>& numbers) {
-  for (const double number : numbers) {
-    if (!(std::isfinite(number) && number >= 1e-6 && number <= 1e6)) {
-      throw CommandLineError("--extent: each extent must be from 0.000001 to 1000000 millimetres");
-    }
-  }
 }
 
 // Settings that the command line alone decides and can refuse.
@@ -156,35 +144,37 @@ VolumeScene scene_of(const Options& options) {
 }
 
 void load_base(const Options& options, const DataFile& file, const std::optional<ValueRange>& range,
-               VolumeScene& scene) {
-  VolumeLayer& base = scene.base;
-  base.data = read_volume(file, drawable_limits());
-  if (options.decibels) to_decibels(base.data.voxels);
-  base.range = volume_range(options.input, base.data.voxels, range, range_shares(scene.look));
-  replace_non_finite(base.data.voxels, base.range);
-  scene.extent = extent_of(options, base.data);
-  scene.scale_marks = scene.scale_marks && base.data.spacing.is_known();
+               const Shares& shares, VolumeScene& scene) {
+  VolumeData data = read_volume(file, drawable_limits());
+  if (options.decibels) to_decibels(data.voxels);
+  scene.base.range = volume_range(options.input, data.voxels, range, shares);
+  replace_non_finite(data.voxels);
+  scene.extent = extent_of(options, data);
+  scene.scale_marks = scene.scale_marks && data.spacing.is_known();
+  scene.base.data = std::make_shared<const VolumeData>(std::move(data));
 }
 
 void load_overlay(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                   VolumeScene& scene) {
   VolumeLayer overlay;
-  overlay.data = read_volume(data_file(options.overlay, options.data), drawable_limits());
-  const VolumeData& base = scene.base.data;
-  if (overlay.data.file_size != base.file_size) {
+  VolumeData data = read_volume(data_file(options.overlay, options.data), drawable_limits());
+  if (data.file_size != scene.base.data->file_size) {
     throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
   }
-  overlay.range = volume_range(options.overlay, overlay.data.voxels, range, {0.6, 0.998});
-  replace_non_finite(overlay.data.voxels, overlay.range);
+  overlay.range = volume_range(options.overlay, data.voxels, range, {0.6, 0.998});
+  replace_non_finite(data.voxels);
+  overlay.data = std::make_shared<const VolumeData>(std::move(data));
   overlay.colormap = std::move(colormap);
   scene.overlay = std::move(overlay);
 }
 
-void load_surface(const Options& options, Colormap colormap, VolumeScene& scene) {
+void load_surface(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
+                  VolumeScene& scene) {
   HeightMap surface;
-  surface.depths = load_height_map({from_utf8(options.surface), {}, {}}, scene.base.data);
-  surface.range = volume_range(options.surface, surface.depths.values, {}, {0.01, 0.99});
-  replace_non_finite(surface.depths.values, surface.range);
+  std::vector<float> depths = load_height_map({from_utf8(options.surface), {}, {}}, *scene.base.data).values;
+  surface.range = volume_range(options.surface, depths, range, {0.01, 0.99});
+  replace_non_finite(depths);
+  surface.depths = std::make_shared<const std::vector<float>>(std::move(depths));
   surface.colormap = std::move(colormap);
   scene.surface = std::move(surface);
 }
@@ -192,9 +182,10 @@ void load_surface(const Options& options, Colormap colormap, VolumeScene& scene)
 void load_secondary(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                     VolumeScene& scene) {
   SecondaryColoring secondary;
-  secondary.map = load_lateral_map({from_utf8(options.secondary), {}, {}});
-  secondary.range = volume_range(options.secondary, secondary.map.values, range, {0.01, 0.99});
-  replace_non_finite(secondary.map.values, secondary.range);
+  LateralMap map = load_lateral_map({from_utf8(options.secondary), {}, {}});
+  secondary.range = volume_range(options.secondary, map.values, range, {0.01, 0.99});
+  replace_non_finite(map.values);
+  secondary.map = std::make_shared<const LateralMap>(std::move(map));
   secondary.colormap = std::move(colormap);
   scene.secondary = std::move(secondary);
 }
@@ -222,7 +213,7 @@ class Finish {
     if (!options.figure.figure) return;
     frame_.emplace();
     frame_->color_bar = color_bar_of(options.figure, scene.base.colormap, scene.base.range, options.decibels);
-    const std::optional<double> mm = scene.base.data.spacing.is_known() ? pixel_mm(scene) : std::nullopt;
+    const std::optional<double> mm = scene.base.data->spacing.is_known() ? pixel_mm(scene) : std::nullopt;
     if (mm) frame_->pixel_mm = {*mm, *mm};
   }
 
@@ -262,19 +253,25 @@ void run(const Options& options, const PngTexts& texts) {
   // Everything that can be refused by the command line alone comes before the files are read.
   const std::filesystem::path output = output_of(options);
   const std::optional<ValueRange> range = parse_range("--range", options.range);
-  const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_range);
-  const std::optional<ValueRange> secondary_range = parse_range("--secondary-range", options.secondary_range);
+  const std::optional<ValueRange> overlay_range =
+      parse_range("--overlay-range", options.overlay_colors.range);
+  const std::optional<ValueRange> surface_range =
+      parse_range("--surface-range", options.surface_colors.range);
+  const std::optional<ValueRange> secondary_range =
+      parse_range("--secondary-range", options.secondary_colors.range);
   const DataFile file = data_file(options.input, options.data);
   style_of(options.figure);
   VolumeScene scene = scene_of(options);
-  Colormap overlay_colormap = load_colormap(options.overlay_colormap);
-  if (!is_own_colormap(options.overlay_colormap)) add_opacity_ramp(overlay_colormap, 1.0);
-  const Colormap surface_colormap = load_colormap(options.surface_colormap);
-  const Colormap secondary_colormap = load_colormap(options.secondary_colormap);
+  const Shares shares = shares_of(options, scene.look);
+  Colormap overlay_colormap = layer_colormap(options.overlay_colors);
+  if (!is_own_colormap(options.overlay_colors.colormap))
+    set_opacity(overlay_colormap, {.highest = 1, .shift = 0, .points = {}});
+  const Colormap surface_colormap = layer_colormap(options.surface_colors);
+  const Colormap secondary_colormap = layer_colormap(options.secondary_colors);
 
-  load_base(options, file, range, scene);
+  load_base(options, file, range, shares, scene);
   if (!options.overlay.empty()) load_overlay(options, overlay_range, std::move(overlay_colormap), scene);
-  if (!options.surface.empty()) load_surface(options, surface_colormap, scene);
+  if (!options.surface.empty()) load_surface(options, surface_range, surface_colormap, scene);
   if (!options.secondary.empty()) load_secondary(options, secondary_range, secondary_colormap, scene);
   draw(scene, output, options, texts);
 }

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "data/file_errors.h"
+#include "octview/panels/keys_panel.h"
 #include "octview/window/item_index.h"
 #include "octview/window/keys.h"
 
@@ -33,6 +34,27 @@ void Viewer::open(const std::vector<std::filesystem::path>& files) {
                  [wanted](const ProgressFunction& progress) { return load_document(wanted, progress); });
 }
 
+void Viewer::show_live() {
+  live_panel_.start(live_, workspace_);
+}
+
+// What was shown before stays until the first volume has come, and where none comes.
+void Viewer::take_live() {
+  const LiveSession::State before = live_.state();
+  live_.update();
+  if (live_.state() == LiveSession::State::failed && before != LiveSession::State::failed) {
+    workspace_.fail(live_.error());
+  }
+  if (!is_live()) return;
+  const bool began = !live_document_.is_shown(workspace_);
+  live_document_.show(live_.latest(), live_panel_.title(), workspace_);
+  if (began && live_document_.is_shown(workspace_)) {
+    workspace_.say("");
+    window_.set_title(workspace_.document.title + " - octview");
+  }
+  if (workspace_.state.large != Pane::volume) live_.request_volume();
+}
+
 void Viewer::take_loaded() {
   auto outcome = loading_.take();
   if (!outcome) return;
@@ -40,6 +62,7 @@ void Viewer::take_loaded() {
     if (!outcome->error.empty()) workspace_.fail(outcome->error);
     return;
   }
+  live_.stop();
   workspace_.document = std::move(*outcome->result);
   workspace_.state = start_state(workspace_.document);
   workspace_.say("");
@@ -47,7 +70,9 @@ void Viewer::take_loaded() {
 }
 
 bool Viewer::is_busy() const {
-  return loading_.is_running() || volume_.is_coarse();
+  const bool live_begins =
+      live_.state() == LiveSession::State::opening || (is_live() && !live_document_.is_shown(workspace_));
+  return loading_.is_running() || volume_.is_coarse() || live_begins;
 }
 
 void Viewer::build(double now) {
@@ -55,6 +80,7 @@ void Viewer::build(double now) {
   workspace_.under_cursor.clear();
   open(window_.take_dropped());
   take_loaded();
+  take_live();
   handle_keys();
   const ImGuiViewport& screen = *ImGui::GetMainViewport();
   ImGui::SetNextWindowPos(screen.Pos);
@@ -73,13 +99,16 @@ void Viewer::build(double now) {
   show_status();
   ImGui::End();
   show_progress();
-  show_keys();
+  show_keys_panel(keys_shown_);
 }
 
 void Viewer::show_sidebar(float width) {
   ImGui::BeginChild("##sidebar", {width, 0}, true);
   ImGui::TextUnformatted(workspace_.document ? workspace_.document.title.c_str()
                                              : "Drop a file on the window");
+  if (ImGui::CollapsingHeader("Live", is_live() ? ImGuiTreeNodeFlags_DefaultOpen : 0)) {
+    live_panel_.show(live_, workspace_);
+  }
   ImGui::EndChild();
 }
 
@@ -102,9 +131,13 @@ void Viewer::show_panes() {
 
 // A pane that cannot be drawn says why in its place.
 void Viewer::show_pane(Pane pane) {
+  if (!workspace_.document && !live_.error().empty()) {
+    ImGui::TextWrapped("%s", live_.error().c_str());
+    return;
+  }
   try {
     if (pane == Pane::volume) {
-      volume_.show(workspace_);
+      volume_.show(workspace_, is_live() && live_document_.is_shown(workspace_) ? &live_ : nullptr);
     } else {
       slices_[static_cast<std::size_t>(pane)].show(workspace_);
     }
@@ -145,15 +178,13 @@ void Viewer::show_progress() {
 void Viewer::handle_keys() {
   if (is_question_mark_pressed()) keys_shown_ = !keys_shown_;
   if (is_pressed(Key::escape)) keys_shown_ = false;
-}
-
-void Viewer::show_keys() {
-  if (!keys_shown_) return;
+  if (is_pressed(letter('Q'), true)) window_.close();
 }
 
 std::string Viewer::description() const {
   nlohmann::json json;
   json["title"] = workspace_.document.title;
+  json["live"] = {{"running", is_live()}, {"shown", live_.statistics().shown}, {"error", live_.error()}};
   json["cursor"] = workspace_.state.cursor;
   json["under_cursor"] = workspace_.under_cursor;
   json["message"] = workspace_.message;
@@ -161,6 +192,14 @@ std::string Viewer::description() const {
   json["zoom"] = workspace_.state.volume.zoom;
   json["mode"] = static_cast<int>(workspace_.state.volume.look);
   json["large"] = workspace_.state.large ? pane_names[static_cast<std::size_t>(*workspace_.state.large)] : "";
+  json["items"] = nlohmann::json::array();
+  const float scale = window_.scale();
+  for (const IndexedItem& item : all_items()) {
+    if (!item.visible) continue;
+    json["items"].push_back({{"label", item.label},
+                             {"from", {item.from.x / scale, item.from.y / scale}},
+                             {"to", {item.to.x / scale, item.to.y / scale}}});
+  }
   return json.dump(1);
 }
 

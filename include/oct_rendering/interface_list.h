@@ -169,7 +169,8 @@
   FUNCTION(0.1, live, void, setOnlineDOPU_PS, (LiveDataSourceHandle DataSource, int Depth, int AScans, int BScans, int Reserved)) \
   FUNCTION(0.1, live, void, setOnlineDataThreshold_PS, (LiveDataSourceHandle DataSource, double Threshold, bool Enable)) \
   FUNCTION(0.1, live, void, setRefIntensityCallback, (LiveDataSourceHandle DataSource, OctIntensityFunction Callback)) \
-  FUNCTION(0.2, live, void, setRefIntensityCallbackWithUser, (LiveDataSourceHandle DataSource, OctIntensityFunctionWithUser Callback, void* user))
+  FUNCTION(0.2, live, void, setRefIntensityCallbackWithUser, (LiveDataSourceHandle DataSource, OctIntensityFunctionWithUser Callback, void* user)) \
+  FUNCTION(0.2, live, void, setVolumeCallbackWithUser, (LiveDataSourceHandle DataSource, OctVolumeFunctionWithUser Callback, void* user))
 
 /* clang-format on */
 

@@ -117,9 +117,6 @@ void setDisplayOveralyThreshold(DisplayRenderingHandle Handle, double Threshold)
 
 int explainDisplay(DisplayRenderingHandle Handle, char* Text, int Size) {
   return guarded(__func__, [&] {
-    oct::api::give_text("", Text, Size);
-    const std::string explanation = renderer(Handle).explain();
-    oct::api::give_text(explanation, Text, Size);
-    return explanation.empty() ? 0 : 1;
+    return oct::api::give_explanation([&] { return renderer(Handle).explain(); }, Text, Size);
   });
 }

@@ -1,6 +1,4 @@
 // Exports of the library itself: version, errors, log.
-#include <optional>
-#include <string>
 #include <utility>
 
 #include "api/guard.h"
@@ -21,12 +19,6 @@ using oct::api::guarded;
 using oct::api::guarded_unposted;
 
 namespace {
-
-int give_error(const std::optional<std::string>& error, char* message, int size) {
-  if (!error) return 0;
-  oct::api::give_text(*error, message, size);
-  return OCT_RENDERER_ERROR;
-}
 
 void set_error_callback(LiveDataSourceHandle handle, oct::ErrorCallback::Function function) {
   auto& source =
@@ -54,11 +46,13 @@ int isRendererError(void) {
 }
 
 int getRendererError(char* Message, int Size) {
-  return guarded_unposted([&] { return give_error(oct::error_store().takeError(), Message, Size); });
+  return guarded_unposted(
+      [&] { return oct::api::give_error(oct::error_store().takeError(), Message, Size); });
 }
 
 int getOwnRendererError(char* Message, int Size) {
-  return guarded_unposted([&] { return give_error(oct::error_store().take_own_error(), Message, Size); });
+  return guarded_unposted(
+      [&] { return oct::api::give_error(oct::error_store().take_own_error(), Message, Size); });
 }
 
 int getRendererErrorKind(void) {

@@ -1,9 +1,7 @@
 // Exports of the volume renderer.
-#include <algorithm>
-#include <cstring>
-
 #include "api/guard_opengl.h"
 #include "api/handles.h"
+#include "api/sized.h"
 #include "api/texts.h"
 #include "core/object_lock.h"
 #include "core/timing_mark.h"
@@ -181,10 +179,7 @@ void setRendererSecondarySliceIndex(VolumeRendererHandle Handle, int Index) {
 
 int explainFrame(VolumeRendererHandle Handle, char* Text, int Size) {
   return guarded_drawing(__func__, [&] {
-    oct::api::give_text("", Text, Size);
-    const std::string explanation = renderer(Handle).explain_frame();
-    oct::api::give_text(explanation, Text, Size);
-    return explanation.empty() ? 0 : 1;
+    return oct::api::give_explanation([&] { return renderer(Handle).explain_frame(); }, Text, Size);
   });
 }
 
@@ -196,16 +191,14 @@ static_assert(static_cast<int>(oct::PickedKind::nothing) == OCT_PICK_NOTHING &&
 int pickVolume(VolumeRendererHandle Handle, int X, int Y, OctPick* Pick) {
   return guarded_drawing(__func__, [&] {
     VolumeRenderer& object = renderer(Handle);
-    constexpr std::size_t smallest = 2 * sizeof(unsigned);
-    if (!Pick || Pick->size < smallest) throw std::invalid_argument("The size of the pick must be set. ");
+    const unsigned int size = oct::api::size_of(Pick, "The size of the pick must be set. ");
     const VolumeRenderer::Pick found = object.pick(X, Y);
-    const OctPick all{Pick->size,
+    const OctPick all{size,
                       static_cast<int>(found.kind),
                       {found.voxel.x, found.voxel.y, found.voxel.z},
                       {found.millimetres.x, found.millimetres.y, found.millimetres.z},
                       found.value};
-    // A client of an older header has room for fewer fields.
-    std::memcpy(Pick, &all, std::min<std::size_t>(Pick->size, sizeof all));
+    oct::api::give(all, *Pick);
     return all.kind;
   });
 }

@@ -16,9 +16,13 @@ std::uint32_t current_thread_id() {
   return static_cast<std::uint32_t>(gettid());
 }
 
+bool is_switched_on(const char* variable) {
+  const char* const value = std::getenv(variable);
+  return value && *value && std::strcmp(value, "0") != 0;
+}
+
 bool is_quiet_program() {
-  const char* const wish = std::getenv("OCT_RENDERING_QUIET");
-  if (wish && *wish && std::strcmp(wish, "0") != 0) return true;
+  if (is_switched_on("OCT_RENDERING_QUIET")) return true;
   return &oct_rendering_quiet && oct_rendering_quiet != 0;
 }
 

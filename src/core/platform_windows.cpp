@@ -10,11 +10,15 @@ std::uint32_t current_thread_id() {
   return GetCurrentThreadId();
 }
 
-bool is_quiet_program() {
-  char wish[2] = "";
+bool is_switched_on(const char* variable) {
+  char value[2] = "";
   // What does not fit has a length above 1 and leaves the buffer undefined.
-  const DWORD length = GetEnvironmentVariableA("OCT_RENDERING_QUIET", wish, sizeof wish);
-  if (length > 1 || (length == 1 && wish[0] != '0')) return true;
+  const DWORD length = GetEnvironmentVariableA(variable, value, sizeof value);
+  return length > 1 || (length == 1 && value[0] != '0');
+}
+
+bool is_quiet_program() {
+  if (is_switched_on("OCT_RENDERING_QUIET")) return true;
   const auto mark =
       reinterpret_cast<const int*>(GetProcAddress(GetModuleHandleA(nullptr), "oct_rendering_quiet"));
   return mark && *mark != 0;

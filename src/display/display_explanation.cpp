@@ -14,21 +14,13 @@ double share_of(float value, float lower, float upper) {
   return (static_cast<double>(value) - lower) / (static_cast<double>(upper) - lower);
 }
 
-bool has_opacity(const Colormap& colors) {
-  return std::ranges::any_of(colors, [](std::uint32_t color) { return color >> 24U != 0; });
-}
-
 }  // namespace
 
 std::string DisplayRenderer::explain() const {
-  std::shared_ptr<const Frame> frame;
-  {
-    const std::lock_guard lock(settings_mutex_);
-    const bool no_image = last_ && last_->image->samples.empty();  // no frame takes that
-    if (last_error_ && !no_image) return "The last frame failed: " + *last_error_;
-    frame = last_;
-  }
-  return frame ? cause(*frame) : "No frame has been drawn yet. ";
+  const std::shared_ptr<const Frame> last = last_frame_.record();
+  if (last && last->image->samples.empty())
+    return cause(*last);  // no frame takes that: the cause of its failure
+  return last_frame_.explain(cause);
 }
 
 // An overlay is drawn where the image reaches the threshold.
@@ -42,10 +34,7 @@ bool DisplayRenderer::overlay_shows(const Frame& frame) {
 
 std::string DisplayRenderer::cause(const Frame& frame) {
   const Content& content = frame.content;
-  if (content.width <= 0 || content.height <= 0) {
-    return "The viewport of the last frame has no area: " + std::to_string(content.width) + " x " +
-           std::to_string(content.height) + " pixels. Give it a size (setViewportSize). ";
-  }
+  if (content.width <= 0 || content.height <= 0) return no_area_text(content.width, content.height);
   if (overlay_shows(frame)) return {};
   const std::vector<float>& samples = frame.image->samples;
   if (samples.empty()) return "There is no image. Set one of one sample or more (setDisplayData). ";

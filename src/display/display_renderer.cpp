@@ -136,7 +136,8 @@ void DisplayRenderer::uninit() {
 void DisplayRenderer::render() {
   if (!initialized_) {
     log() << "Renderer has not yet been initialized. Aborting rendering";
-    note_failure("it was drawn before initDisplayRendering() or after uninitDisplayRendering(). ");
+    last_frame_.note_failure(
+        "it was drawn before initDisplayRendering() or after uninitDisplayRendering(). ");
     return;
   }
   try {
@@ -145,7 +146,7 @@ void DisplayRenderer::render() {
     const gl::PassMark mark("DisplayRenderer::render");
     draw_or_forget();
   } catch (const std::exception& error) {
-    note_failure(error.what());
+    last_frame_.note_failure(error.what());
     throw;
   }
 }
@@ -160,15 +161,6 @@ void DisplayRenderer::draw_or_forget() {
   }
 }
 
-void DisplayRenderer::note_failure(const char* text) noexcept {
-  const std::lock_guard lock(settings_mutex_);
-  try {
-    last_error_ = text;
-  } catch (const std::bad_alloc&) {
-    last_error_.emplace();
-  }
-}
-
 void DisplayRenderer::draw_frame() {
   gl::throwOnGLError("render: init");
   quad_.create("Could not create OpenGL buffer.");
@@ -176,7 +168,7 @@ void DisplayRenderer::draw_frame() {
   glGetIntegerv(GL_VIEWPORT, viewport.data());
   const auto taken = std::make_shared<const Frame>(take_frame(viewport[2], viewport[3]));
   const Frame& frame = *taken;
-  remember(taken);
+  last_frame_.remember(taken);
   const Content& content = frame.content;
   if (shown_ == content && gl::KeptPicture::suits_target(content.width, content.height)) {
     if (!picture_) {
@@ -195,12 +187,6 @@ void DisplayRenderer::draw_frame() {
   gl::throwOnGLError("DisplayRenderer::render");
   if (content.width > 0 && content.height > 0) shown_ = content;
   record_timing_mark("frame end");
-}
-
-void DisplayRenderer::remember(std::shared_ptr<const Frame> frame) {
-  const std::lock_guard lock(settings_mutex_);
-  last_.swap(frame);  // the image of the one before goes after the lock
-  last_error_.reset();
 }
 
 DisplayRenderer::Frame DisplayRenderer::take_frame(GLsizei width, GLsizei height) {

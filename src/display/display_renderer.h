@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 
+#include "core/last_frame.h"
 #include "core/picture_part.h"
 #include "display/filters.h"
 #include "display/simple_data_provider.h"
@@ -144,8 +145,6 @@ class DisplayRenderer {
   static bool overlay_shows(const Frame& frame);
   void draw_frame();
   void draw_or_forget();
-  void remember(std::shared_ptr<const Frame> frame);
-  void note_failure(const char* text) noexcept;
   TextureView upload(const Frame& frame);
   void clear(const Frame& frame) const;
   void draw(const Frame& frame, const TextureView& image);
@@ -169,9 +168,7 @@ class DisplayRenderer {
   std::array<ColormapTexture, layer_count> colormap_textures_;
   std::optional<Content> shown_;  // by the last frame
   gl::KeptPicture picture_;       // of that
-  // Of the last frame, under the mutex of the settings.
-  std::shared_ptr<const Frame> last_;      // null: there was none
-  std::optional<std::string> last_error_;  // none: it did not fail
+  LastFrame<Frame> last_frame_{LastFrame<Frame>::AfterFailure::keep};
   std::atomic<bool> initialized_{false};
   gl::ContextIdentity home_ = gl::no_context;  // where it was initialised
 };

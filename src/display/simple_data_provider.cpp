@@ -106,8 +106,7 @@ void SimpleDataProvider::release() {
 }
 
 void SimpleDataProvider::resize(const ImageExtent& extent, TexelLayout layout) {
-  GLint limit = 0;
-  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+  const GLint limit = gl::integer(GL_MAX_TEXTURE_SIZE);
   if (extent.depth > limit || extent.a_scans > limit)
     write_error("Warning max texture size is likely exceeded. ");
 

@@ -1,5 +1,6 @@
 #include "gl/colormap.h"
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 #include <utility>
@@ -15,6 +16,10 @@ Colormap default_colormap() {
   Colormap colors;
   for (std::uint32_t grey = 0; grey < 256; ++grey) colors.push_back(0xFF000000U | grey * 0x010101U);
   return colors;
+}
+
+bool has_opacity(const Colormap& colors) {
+  return std::ranges::any_of(colors, [](std::uint32_t color) { return alpha_of(color) != 0; });
 }
 
 Colormap copy_colormap(const void* colors, int count) {

@@ -11,6 +11,13 @@ namespace oct {
 
 using Colormap = std::vector<std::uint32_t>;
 
+constexpr std::uint32_t alpha_of(std::uint32_t color) {
+  return color >> 24U;
+}
+
+// Whether any colour of it shows.
+bool has_opacity(const Colormap& colors);
+
 // Black to white, opaque, in steps that eight bits do not tell apart: what a renderer shows until it is
 // given a map.
 Colormap default_colormap();

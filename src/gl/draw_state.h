@@ -11,10 +11,7 @@ namespace oct::gl {
 // Puts back the draw framebuffer and the viewport.
 class DrawTargetGuard {
  public:
-  DrawTargetGuard() {
-    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &framebuffer_);
-    glGetIntegerv(GL_VIEWPORT, viewport_.data());
-  }
+  DrawTargetGuard() { glGetIntegerv(GL_VIEWPORT, viewport_.data()); }
   ~DrawTargetGuard() {
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(framebuffer_));
     glViewport(viewport_[0], viewport_[1], viewport_[2], viewport_[3]);
@@ -23,7 +20,7 @@ class DrawTargetGuard {
   DrawTargetGuard& operator=(const DrawTargetGuard&) = delete;
 
  private:
-  GLint framebuffer_ = 0;
+  const GLint framebuffer_ = integer(GL_DRAW_FRAMEBUFFER_BINDING);
   std::array<GLint, 4> viewport_{};
 };
 

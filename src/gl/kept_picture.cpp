@@ -2,6 +2,7 @@
 
 #include "core/exception.h"
 #include "gl/pixel_store.h"
+#include "gl/target/reading.h"
 #include "gl/trace/debugging.h"
 #include "gl/trace/pass_mark.h"
 
@@ -10,16 +11,10 @@ namespace {
 
 constexpr GLsizei most_pixels_a_side = 4096;
 
-GLint asked(GLenum query) {
-  GLint value = 0;
-  glGetIntegerv(query, &value);
-  return value;
-}
-
 // Of the draw framebuffer's first buffer; 0 for those that nobody draws a picture to, and for a window's that is not
 // there. No error is pending.
 GLint bits_of_red() {
-  auto buffer = static_cast<GLenum>(asked(GL_DRAW_BUFFER0));
+  auto buffer = static_cast<GLenum>(integer(GL_DRAW_BUFFER0));
   if (buffer == GL_BACK) buffer = GL_BACK_LEFT;
   if (buffer == GL_FRONT) buffer = GL_FRONT_LEFT;
   const bool of_window = buffer == GL_BACK_LEFT || buffer == GL_FRONT_LEFT;
@@ -33,12 +28,12 @@ GLint bits_of_red() {
 }  // namespace
 
 bool KeptPicture::suits_target(GLsizei width, GLsizei height) {
-  return width <= most_pixels_a_side && height <= most_pixels_a_side && asked(GL_SAMPLE_BUFFERS) == 0 &&
+  return width <= most_pixels_a_side && height <= most_pixels_a_side && integer(GL_SAMPLE_BUFFERS) == 0 &&
          bits_of_red() == 8;
 }
 
 std::optional<GLenum> KeptPicture::depth_of_target() {
-  const bool window = asked(GL_DRAW_FRAMEBUFFER_BINDING) == 0;
+  const bool window = integer(GL_DRAW_FRAMEBUFFER_BINDING) == 0;
   const auto value_of = [](GLenum attachment, GLenum name) {
     GLint value = 0;
     glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, attachment, name, &value);
@@ -106,7 +101,7 @@ void KeptPicture::copy_to(const std::array<GLint, 4>& viewport) const {
   const PassMark mark("copy the kept picture");
   const GLint x = viewport[0];
   const GLint y = viewport[1];
-  const auto before = static_cast<GLuint>(asked(GL_READ_FRAMEBUFFER_BINDING));
+  const auto before = static_cast<GLuint>(integer(GL_READ_FRAMEBUFFER_BINDING));
   glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_.get());
   glBlitFramebuffer(0, 0, width_, height_, x, y, x + width_, y + height_,
                     GL_COLOR_BUFFER_BIT | (depth_ ? GL_DEPTH_BUFFER_BIT : 0U), GL_NEAREST);
@@ -116,12 +111,8 @@ void KeptPicture::copy_to(const std::array<GLint, 4>& viewport) const {
 std::vector<std::uint8_t> KeptPicture::pixels() const {
   std::vector<std::uint8_t> bytes(std::size_t{4} * static_cast<std::size_t>(width_) *
                                   static_cast<std::size_t>(height_));
-  const ClientPack pack;
-  reset_pixel_pack();
-  const auto before = static_cast<GLuint>(asked(GL_READ_FRAMEBUFFER_BINDING));
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_.get());
+  const Reading reading(framebuffer_);
   glReadPixels(0, 0, width_, height_, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, before);
   return bytes;
 }
 

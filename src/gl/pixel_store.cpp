@@ -17,12 +17,6 @@ constexpr PixelSettings initial{0, 0, 0, 0, 0, 0, 0, 4};
 // Of the thread that uploads.
 thread_local ClientUnpack* innermost = nullptr;
 
-GLint integer(GLenum query) {
-  GLint value = 0;
-  glGetIntegerv(query, &value);
-  return value;
-}
-
 PixelSettings current(const Names& names) {
   PixelSettings settings{};
   for (std::size_t i = 0; i < names.size(); ++i) settings[i] = integer(names[i]);

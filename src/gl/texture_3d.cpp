@@ -48,8 +48,7 @@ void Texture3D::require(const VolumeExtent& extent, GLenum internal_format) {
   if (extent.depth < 0 || extent.a_scans < 0 || extent.b_scans < 0) {
     throw std::invalid_argument("Volume sizes must not be negative. ");
   }
-  GLint limit = 0;
-  glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &limit);
+  const GLint limit = integer(GL_MAX_3D_TEXTURE_SIZE);
   if (extent.depth > limit || extent.a_scans > limit || extent.b_scans > limit) {
     throw std::invalid_argument("A volume of " + text_of(extent) +
                                 " voxels is too large: this OpenGL driver allows " + std::to_string(limit) +

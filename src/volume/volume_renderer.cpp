@@ -76,9 +76,7 @@ void VolumeRenderer::release() {
   surface_.release();
   picker_.release();
   picture_.release();
-  const std::lock_guard lock(record_mutex_);
-  record_.reset();
-  last_error_.reset();
+  last_frame_.forget();
 }
 
 void VolumeRenderer::render(const VolumeSource& source) {
@@ -87,7 +85,7 @@ void VolumeRenderer::render(const VolumeSource& source) {
   try {
     draw_frame(source);
   } catch (const std::exception& error) {
-    note_failure(error.what());
+    last_frame_.note_failure(error.what());
     throw;
   }
 }
@@ -108,7 +106,8 @@ void VolumeRenderer::draw_frame(const VolumeSource& source) {
       part ? camera_of(settings.view, range, *part, target) : camera_of(settings.view, range, target));
   wanted->plane = frame.cutting_plane();
   if (wanted->has_area()) {
-    const bool again = !part && record_ && record_->drawn == wanted->drawn;
+    const std::shared_ptr<const FrameRecord> last = last_frame_.record();
+    const bool again = !part && last && last->drawn == wanted->drawn;
     if (!again || !show_again(frame, area)) {
       picture_.forget();
       draw(frame);
@@ -116,25 +115,8 @@ void VolumeRenderer::draw_frame(const VolumeSource& source) {
     finish_frame();
     if (source.volume_maxima) wanted->values = source.volume_maxima->greatest(filled_b_scans(source));
   }
-  remember(wanted);
+  last_frame_.remember(wanted);
   if (wanted->has_area()) record_timing_mark("frame end");
-}
-
-void VolumeRenderer::remember(std::shared_ptr<const FrameRecord> record) {
-  const std::lock_guard lock(record_mutex_);
-  record_.swap(record);
-  last_error_.reset();
-}
-
-// Nothing is known of what the target shows now.
-void VolumeRenderer::note_failure(const char* text) noexcept {
-  const std::lock_guard lock(record_mutex_);
-  record_.reset();
-  try {
-    last_error_ = text;
-  } catch (const std::bad_alloc&) {
-    last_error_.emplace();
-  }
 }
 
 // Kept the first time that a frame equals the one before, so that a view that turns does no more than draw. False where

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 
+#include "core/last_frame.h"
 #include "gl/context/context_identity.h"
 #include "gl/kept_picture.h"
 #include "volume/frame/frame_record.h"
@@ -101,9 +101,6 @@ class VolumeRenderer {
   void set_boundaries(ColormapRole role, double lower, double upper);
 
   void draw_frame(const VolumeSource& source);
-  void remember(std::shared_ptr<const FrameRecord> record);
-  void note_failure(const char* text) noexcept;
-  std::shared_ptr<const FrameRecord> record() const;
   bool can_be_drawn_again(const FrameRecord& record) const;
   bool shows_something(const FrameRecord& record);
 
@@ -139,9 +136,8 @@ class VolumeRenderer {
   Picker picker_;
   gl::KeptPicture picture_;  // of the last frame, once it was asked for a second time
 
-  mutable std::mutex record_mutex_;            // held for assignments only
-  std::shared_ptr<const FrameRecord> record_;  // of the last frame; null: there was none, or it failed
-  std::optional<std::string> last_error_;      // of the last frame
+  // After a failure nothing is known of what the target shows.
+  LastFrame<FrameRecord> last_frame_{LastFrame<FrameRecord>::AfterFailure::forget};
 };
 
 }  // namespace oct

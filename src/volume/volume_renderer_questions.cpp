@@ -1,6 +1,5 @@
 // What the volume renderer is asked about its last frame.
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 
 #include "core/exception.h"
@@ -48,18 +47,11 @@ bool differ(const std::vector<std::uint8_t>& one, const std::vector<std::uint8_t
 
 std::optional<float> lowest_value_of(const FrameRecord& record) {
   const VolumeSource& source = record.drawn.source;
-  const double filled = std::min(static_cast<double>(source.filled_fraction), 1.0);
   return gl::lowest_value(source.volume, static_cast<GLsizei>(source.extent.depth),
-                          static_cast<GLsizei>(source.extent.a_scans),
-                          static_cast<GLint>(std::lround(filled * source.slice_count)));
+                          static_cast<GLsizei>(source.extent.a_scans), record.filled_slices());
 }
 
 }  // namespace
-
-std::shared_ptr<const FrameRecord> VolumeRenderer::record() const {
-  const std::lock_guard lock(record_mutex_);
-  return record_;
-}
 
 // Where its context is current, no other thread draws.
 bool VolumeRenderer::can_be_drawn_again(const FrameRecord& record) const {
@@ -68,20 +60,15 @@ bool VolumeRenderer::can_be_drawn_again(const FrameRecord& record) const {
 }
 
 std::string VolumeRenderer::explain_frame() {
-  std::shared_ptr<const FrameRecord> last;
-  {
-    const std::lock_guard lock(record_mutex_);
-    if (last_error_) return "The last frame failed: " + *last_error_;
-    last = record_;
-  }
-  if (!last) return "No frame has been drawn yet. ";
-  const bool at_home = can_be_drawn_again(*last);
-  const LowestValue lowest = [&] { return at_home ? lowest_value_of(*last) : std::nullopt; };
-  std::string cause = certain_cause(*last, lowest);
-  if (!cause.empty() || !at_home) return cause;
-  const auto [width, height] = last->drawn.viewport;
-  if (std::max(width, height) > most_pixels_a_side || shows_something(*last)) return {};
-  return likely_cause(*last, lowest);
+  return last_frame_.explain([this](const FrameRecord& last) {
+    const bool at_home = can_be_drawn_again(last);
+    const LowestValue lowest = [&] { return at_home ? lowest_value_of(last) : std::nullopt; };
+    std::string cause = certain_cause(last, lowest);
+    if (!cause.empty() || !at_home) return cause;
+    const auto [width, height] = last.drawn.viewport;
+    if (std::max(width, height) > most_pixels_a_side || shows_something(last)) return std::string();
+    return likely_cause(last, lowest);
+  });
 }
 
 VolumeRenderer::Pick VolumeRenderer::pick(int x, int y) {
@@ -89,7 +76,7 @@ VolumeRenderer::Pick VolumeRenderer::pick(int x, int y) {
   const TimingMark mark("VolumeRenderer::pick");
   gl::require_opengl();
   gl::throwOnGLError("pickVolume");
-  const std::shared_ptr<const FrameRecord> last = record();
+  const std::shared_ptr<const FrameRecord> last = last_frame_.record();
   if (!last) throw StateError("Draw a frame before picking. ");
   gl::require_home(last->home);
   if (!last->textures_are_unchanged())

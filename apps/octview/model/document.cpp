@@ -1,8 +1,6 @@
 #include "octview/model/document.h"
 
-#include <algorithm>
 #include <atomic>
-#include <cmath>
 #include <utility>
 
 #include "data/image_reader.h"
@@ -10,11 +8,6 @@
 
 namespace oct::app {
 namespace {
-
-std::uint64_t next_revision() {
-  static std::atomic<std::uint64_t> last{0};
-  return ++last;
-}
 
 VolumeData load_any(const DataFile& file, const ProgressFunction& progress) {
   try {
@@ -32,18 +25,19 @@ VolumeData load_any(const DataFile& file, const ProgressFunction& progress) {
   }
 }
 
-// NaN and what is below all values become the lowest value, infinity the highest.
+// Returns how many samples were not.
 std::size_t make_finite(std::vector<float>& samples, const DataFile& file) {
-  const auto is_finite = [](float value) { return std::isfinite(value); };
-  const auto count = static_cast<std::size_t>(std::count_if(samples.begin(), samples.end(), is_finite));
-  if (count == samples.size()) return 0;
-  if (count == 0) throw ReadError(file.path, "the volume holds no finite sample");
-  const std::optional<ValueRange> range = automatic_range(samples, {0, 1});
-  replace_non_finite(samples, *range);
-  return samples.size() - count;
+  const std::size_t count = replace_non_finite(samples);
+  if (count == samples.size()) throw ReadError(file.path, "there is no finite sample");
+  return count;
 }
 
 }  // namespace
+
+std::uint64_t next_revision() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
 
 VoxelSpacing Document::spacing() const {
   if (!volume) return {};
@@ -86,10 +80,15 @@ Document load_document(const SessionFiles& files, const ProgressFunction& progre
   }
   if (!files.surface.path.empty()) {
     LateralMap map = load_height_map(files.surface, *document.volume);
-    document.surface = std::make_shared<const std::vector<float>>(std::move(map.values));
+    document.surface = std::make_shared<const LateralMap>(map);
+    make_finite(map.values, files.surface);
+    document.drawn_surface = std::make_shared<const std::vector<float>>(std::move(map.values));
   }
-  if (!files.secondary.path.empty())
-    document.secondary = std::make_shared<const LateralMap>(load_lateral_map(files.secondary));
+  if (!files.secondary.path.empty()) {
+    LateralMap map = load_lateral_map(files.secondary);
+    make_finite(map.values, files.secondary);
+    document.secondary = std::make_shared<const LateralMap>(std::move(map));
+  }
   document.revision = next_revision();
   return document;
 }

@@ -16,7 +16,9 @@ namespace oct::app {
 struct Document {
   std::shared_ptr<const VolumeData> volume;  // none: nothing is open. Every voxel is finite
   std::shared_ptr<const VolumeData> overlay;
-  std::shared_ptr<const std::vector<float>> surface;  // depths in samples, one row per B-scan
+  std::shared_ptr<const LateralMap> surface;  // depths in samples of the file, one per A-scan of it; NaN: none
+  std::shared_ptr<const std::vector<float>>
+      drawn_surface;  // the same, all of it finite, as volumes are drawn with it
   std::shared_ptr<const LateralMap> secondary;
   SessionFiles files;
   std::string title;
@@ -29,6 +31,8 @@ struct Document {
   // Of the whole volume: depth, A-scans, B-scans; in millimetres, or in voxels where their spacing is not known.
   std::array<double, 3> extent() const;
 };
+
+std::uint64_t next_revision();  // another one each time
 
 // Reads everything that the files name. Throws a ReadError; what the progress function throws passes through.
 Document load_document(const SessionFiles& files, const ProgressFunction& progress);

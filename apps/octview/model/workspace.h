@@ -1,7 +1,9 @@
 // What the panes and panels of the viewer share.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "octview/model/document.h"
 #include "octview/model/view_state.h"
@@ -14,6 +16,9 @@ struct Workspace {
   std::string under_cursor;  // value, voxel and millimetres, in the frame that is built; empty: nothing
   std::string message;       // the last failure, or what just happened
   bool message_is_error = false;
+  // What clicks measure, and the points of it so far.
+  std::optional<MeasurementKind> tool;
+  std::vector<VoxelPoint> clicked;
   double now = 0;  // seconds, of the frame that is built
 
   void say(std::string text) {

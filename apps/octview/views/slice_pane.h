@@ -1,29 +1,23 @@
 // A pane that shows a section of the volume.
 #pragma once
 
-#include <array>
-#include <cstdint>
-#include <vector>
-
-#include "client/renderers.h"
 #include "octview/model/workspace.h"
-#include "octview/window/pane_texture.h"
+#include "octview/views/slice_drawing.h"
+#include "octview/views/slice_hands.h"
 
 namespace oct::app {
 
 class SlicePane {
  public:
-  SlicePane(const GlFunctions& gl, SliceAxis axis);
+  SlicePane(const GlFunctions& gl, SliceAxis axis) : axis_(axis), drawing_(gl, axis), hands_(axis) {}
 
   // Builds the pane in ImGui's current window, which it fills.
   void show(Workspace& workspace);
 
  private:
-  PaneTexture texture_;
-  SliceAxis axis_;
-  DisplayRenderer renderer_;
-  std::uint64_t drawn_revision_ = 0;
-  double drawn_position_ = -1;
+  const SliceAxis axis_;
+  SliceDrawing drawing_;
+  SliceHands hands_;
 };
 
 }  // namespace oct::app

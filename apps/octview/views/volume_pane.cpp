@@ -11,12 +11,19 @@ namespace oct::app {
 
 VolumePane::VolumePane(const GlFunctions& gl) : texture_(gl) {}
 
-void VolumePane::show(Workspace& workspace) {
+void VolumePane::show(Workspace& workspace, LiveSession* live) {
   const ImVec2 size = ImGui::GetContentRegionAvail();
   const ImVec2 corner = ImGui::GetCursorScreenPos();
   const Document& document = workspace.document;
   if (!document || size.x < 1 || size.y < 1) return;
-  if (uploaded_revision_ != document.revision) {
+  if (live) {
+    LiveScene scene;
+    scene.view = workspace.state.volume;
+    scene.volume = {find_colormap(workspace.state.base.colormap).value_or(Colormap()),
+                    workspace.state.base.range};
+    set_opacity(scene.volume.colormap, workspace.state.base.opacity);
+    texture_.draw(static_cast<int>(size.x), static_cast<int>(size.y), [&] { live->draw(scene); });
+  } else if (uploaded_revision_ != document.revision) {
     const VolumeData& data = *document.volume;
     const std::array<double, 3> extent = document.extent();
     checked(setOfflineAspectRatio, rendering_.offline(), static_cast<float>(extent[0]),

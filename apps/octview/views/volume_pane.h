@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "client/renderers.h"
+#include "octview/live/live_session.h"
 #include "octview/model/workspace.h"
 #include "octview/window/pane_texture.h"
 
@@ -14,7 +15,8 @@ class VolumePane {
   explicit VolumePane(const GlFunctions& gl);
 
   // Builds the pane in ImGui's current window, which it fills.
-  void show(Workspace& workspace);
+  // The volumes of a running session in place of the document's.
+  void show(Workspace& workspace, LiveSession* live);
 
   // Drawn coarsely, because something moves; full quality follows.
   bool is_coarse() const { return false; }

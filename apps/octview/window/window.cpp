@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 #include <GLFW/glfw3.h>
 #include <backends/imgui_impl_glfw.h>

@@ -1,8 +1,9 @@
 """Calls of the library that raise its errors, handles that are freed, and processes that were forked."""
+import contextlib
 import ctypes
 import os
 import threading
-from typing import Any, Callable, Optional, Set, Tuple
+from typing import Any, Callable, Optional, Protocol, Set, Tuple
 
 from . import raw
 from .errors import StateError, error_of
@@ -185,6 +186,29 @@ class Reports:
         first = self._take()
         if first is not None:
             _report(first)
+
+
+class _Closable(Protocol):
+    _reports: Reports
+
+    def close(self) -> None: ...
+
+
+class Reporting:
+    """The end of what has callbacks: their exceptions that no call has raised are raised or told then."""
+
+    def __exit__(self: _Closable, kind: object = None, *_: object) -> None:
+        self.close()
+        if kind is None:
+            self._reports.raise_first()
+        else:
+            self._reports.report_first()
+
+    def finish(self: _Closable) -> None:
+        """At the end of the program: closes, and lets no exception out."""
+        with contextlib.suppress(Exception):
+            self.close()
+        self._reports.report_first()
 
 
 def _report(error: BaseException) -> None:

@@ -5,7 +5,7 @@ import time
 from typing import Any, Callable, Dict, Optional, Set, Tuple
 
 from . import raw
-from ._calls import Handle, Reports, checked, is_forked, use_process
+from ._calls import Handle, Reporting, Reports, checked, is_forked, use_process
 from ._scene import Owner, Scene, Size
 from .arrays import COMPOSITE_SHARES, MEAN_SHARES, VOLUME_SHARES, Range, automatic_range
 from .colors import Colormap
@@ -27,7 +27,7 @@ class _LiveRendering(Owner):
         raw.clearLiveRendering(self._value)
 
 
-class Live(Scene):
+class Live(Reporting, Scene):
     """Draws the volumes of a device while it measures.
 
     `device`: a SimulatedDevice, or the handles of another device library: device, processing and scan pattern as numbers, with
@@ -129,19 +129,6 @@ class Live(Scene):
         self._live.close()
         super().close()
         open_lives.discard(self)
-
-    def __exit__(self, kind: object = None, *_: object) -> None:
-        self.close()
-        if kind is None:
-            self._reports.raise_first()
-        else:
-            self._reports.report_first()
-
-    def finish(self) -> None:
-        """At the end of the program: closes, and lets no exception out."""
-        with contextlib.suppress(Exception):
-            self.close()
-        self._reports.report_first()
 
     def _show(self) -> None:
         self._renderer.call(raw.setRenderElements, 1, 0)

@@ -7,7 +7,7 @@ from typing import Any, Callable, Iterator, Optional, Set, Union
 import numpy as np
 
 from . import raw
-from ._calls import Handle, Reports, checked, is_forked, use_process
+from ._calls import Handle, Reporting, Reports, checked, is_forked, use_process
 from ._contexts import Context
 from .errors import ArgumentError, ErrorKind, OctError, StateError, error_of
 from .pictures import Picture, new_picture
@@ -21,7 +21,7 @@ open_loops: Set["Loop"] = set()
 _inside = threading.local()  # the loop whose callback this thread is in
 
 
-class Loop:
+class Loop(Reporting):
     """Draws frames on a thread of its own, in a context of its own.
 
     `draw` draws a frame: a Display, a Volume or a Live, or a function that gets the id of the request and calls their draw().
@@ -66,13 +66,6 @@ class Loop:
     def __enter__(self) -> "Loop":
         return self
 
-    def __exit__(self, kind: object = None, *_: object) -> None:
-        self.close()
-        if kind is None:
-            self._reports.raise_first()
-        else:
-            self._reports.report_first()
-
     def request(self, id: int = 0) -> None:
         """Asks for a frame and returns at once. An id that waits already is not added again."""
         self._reports.raise_first()
@@ -107,12 +100,6 @@ class Loop:
         self._handle.wait_until_freed()
         self._context.end()
         open_loops.discard(self)
-
-    def finish(self) -> None:
-        """At the end of the program: closes, and lets no exception out."""
-        with contextlib.suppress(StateError):
-            self.close()
-        self._reports.report_first()
 
     def _inside(self) -> bool:
         return getattr(_inside, "loop", None) is self

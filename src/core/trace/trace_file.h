@@ -10,7 +10,7 @@
 namespace oct {
 
 // Ends the trace that is being written, and begins another one unless the path is empty. "%p" in the path stands for the
-// number of the process. Throws std::runtime_error when the file cannot be written; then the trace before goes on.
+// number of the process. Throws a SystemError when the file cannot be written; then the trace before goes on.
 void set_trace_file(const std::string& path);
 
 // Counts the traces of the process while one is being written; 0: none is.

@@ -19,7 +19,7 @@ class TraceStream {
  public:
   using Time = TimingListener::Time;
 
-  // Throws std::runtime_error when the file cannot be written.
+  // Throws a SystemError when the file cannot be written.
   explicit TraceStream(const std::string& path);
   ~TraceStream();  // closes what is open
   TraceStream(const TraceStream&) = delete;
@@ -28,7 +28,7 @@ class TraceStream {
   // A file that another one is about to be written to.
   bool is_file(const std::string& path) const;
 
-  // Each throws std::runtime_error when the file can no longer be written, and leaves what there was until then.
+  // Each throws a SystemError when the file can no longer be written, and leaves what there was until then.
   void name_track(std::uint32_t track, std::string_view name);
   void begin(std::uint32_t track, std::string_view name, Time time);
   void end(std::uint32_t track, Time time);  // nothing where none is open

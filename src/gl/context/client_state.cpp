@@ -55,12 +55,6 @@ constexpr std::array<GLenum, 21> capabilities{GL_BLEND,
 constexpr std::array<GLenum, 3> compatibility_capabilities{GL_ALPHA_TEST, GL_POLYGON_STIPPLE,
                                                            GL_LINE_STIPPLE};
 
-GLint integer(GLenum query) {
-  GLint value = 0;
-  glGetIntegerv(query, &value);
-  return value;
-}
-
 GLuint name_of(GLint binding) {
   return static_cast<GLuint>(binding);
 }

@@ -54,16 +54,13 @@ constexpr std::ptrdiff_t most_without_handle = 64;
 // OpenGL keeps without looking at them.
 class VertexArrayBinding {
  public:
-  explicit VertexArrayBinding(GLuint name) {
-    glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &before_);
-    glBindVertexArray(name);
-  }
+  explicit VertexArrayBinding(GLuint name) { glBindVertexArray(name); }
   ~VertexArrayBinding() { glBindVertexArray(static_cast<GLuint>(before_)); }
   VertexArrayBinding(const VertexArrayBinding&) = delete;
   VertexArrayBinding& operator=(const VertexArrayBinding&) = delete;
 
  private:
-  GLint before_ = 0;
+  const GLint before_ = integer(GL_VERTEX_ARRAY_BINDING);
 };
 
 constexpr GLuint low_attribute = 1;

@@ -23,8 +23,9 @@ OpenGLContext::~OpenGLContext() {
       collect_gpu_times();
       forget_gpu_track(identity_);
       window_.makeUncurrent();
+    } else {
+      forget_gpu_track(identity_);
     }
-    forget_gpu_track(identity_);
     unregister_context(identity_);
     window_.deleteContext(handle_);
   } catch (const std::exception& error) {

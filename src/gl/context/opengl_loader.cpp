@@ -66,9 +66,7 @@ void checkOpenGLVersion(int required_major, int required_minor) {
 }
 
 Version current_version() {
-  Version version;
-  glGetIntegerv(GL_MAJOR_VERSION, &version.major);
-  glGetIntegerv(GL_MINOR_VERSION, &version.minor);
+  Version version{integer(GL_MAJOR_VERSION), integer(GL_MINOR_VERSION)};
   if (version.major == 0 && is_context_current()) {
     discard_gl_errors();  // below 3.0 OpenGL does not know the question
     std::sscanf(opengl_text(GL_VERSION).data(), "%d.%d", &version.major, &version.minor);

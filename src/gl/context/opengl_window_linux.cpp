@@ -30,9 +30,8 @@ std::string text_of(EGLint code) {
     case EGL_NOT_INITIALIZED:
       return "EGL is not initialised (EGL_NOT_INITIALIZED)";
     case EGL_BAD_ACCESS:
-      return "The context is current on another thread, or one of another window system is current on this "
-             "one "
-             "(EGL_BAD_ACCESS)";
+      return "The context is current on another thread, "
+             "or one of another window system is current on this one (EGL_BAD_ACCESS)";
     case EGL_BAD_ALLOC:
       return "Not enough memory (EGL_BAD_ALLOC)";
     case EGL_BAD_CONFIG:

@@ -5,33 +5,26 @@
 #include <glm/gtc/type_ptr.hpp>
 
 #include "gl/gl_names.h"
-#include "gl/pixel_store.h"
+#include "gl/target/reading.h"
 
 namespace oct::gl {
 
-// Reads from the framebuffer, without rounding and tightly packed, as long as it lives. What the client has bound and set
-// comes back.
+// Reading without rounding to what a colour may be.
 class FloatReading {
  public:
-  explicit FloatReading(const Framebuffer& framebuffer, GLenum attachment = GL_COLOR_ATTACHMENT0) {
-    reset_pixel_pack();
-    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &bound_);
-    glGetIntegerv(GL_CLAMP_READ_COLOR, &clamps_);
+  explicit FloatReading(const Framebuffer& framebuffer, GLenum attachment = GL_COLOR_ATTACHMENT0)
+      : reading_(framebuffer, attachment) {
     if (clamps_ == GL_TRUE) glClampColor(GL_CLAMP_READ_COLOR, GL_FIXED_ONLY);
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer.get());
-    glReadBuffer(attachment);
   }
   ~FloatReading() {
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(bound_));
     if (clamps_ == GL_TRUE) glClampColor(GL_CLAMP_READ_COLOR, GL_TRUE);
   }
   FloatReading(const FloatReading&) = delete;
   FloatReading& operator=(const FloatReading&) = delete;
 
  private:
-  const ClientPack pack_;
-  GLint bound_ = 0;
-  GLint clamps_ = 0;
+  const Reading reading_;
+  const GLint clamps_ = integer(GL_CLAMP_READ_COLOR);
 };
 
 // One pixel of an attachment.

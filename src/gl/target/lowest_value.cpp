@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "gl/target/float_pixel.h"
+#include "vec/vec.h"
 
 namespace oct::gl {
 
@@ -18,7 +19,7 @@ std::optional<float> lowest_value(GLuint texture, GLsizei width, GLsizei height,
     glFramebufferTextureLayer(GL_READ_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, texture, 0, slice);
     if (glCheckFramebufferStatus(GL_READ_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) return std::nullopt;
     glReadPixels(0, 0, width, height, GL_RED, GL_FLOAT, values.data());
-    for (const float value : values) lowest = value < lowest ? value : lowest;
+    lowest = std::min(lowest, vec::extremes(values.data(), values.size()).lowest);
   }
   if (lowest == none) return std::nullopt;
   return lowest;

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "gl/draw_state.h"
 #include "gl/pixel_store.h"
 
 namespace oct::gl {
@@ -12,7 +13,7 @@ class RowOrder {
  public:
   explicit RowOrder(bool top_down) {
     if (!GLEW_MESA_pack_invert) return;
-    glGetIntegerv(GL_PACK_INVERT_MESA, &before_);
+    before_ = integer(GL_PACK_INVERT_MESA);
     changed_ = (before_ != 0) != top_down;
     if (changed_) glPixelStorei(GL_PACK_INVERT_MESA, top_down);
   }
@@ -25,22 +26,6 @@ class RowOrder {
  private:
   GLint before_ = 0;
   bool changed_ = false;
-};
-
-// A copy within the card is cut by it, reading is not.
-class NoScissor {
- public:
-  NoScissor() : enabled_(glIsEnabled(GL_SCISSOR_TEST) == GL_TRUE) {
-    if (enabled_) glDisable(GL_SCISSOR_TEST);
-  }
-  ~NoScissor() {
-    if (enabled_) glEnable(GL_SCISSOR_TEST);
-  }
-  NoScissor(const NoScissor&) = delete;
-  NoScissor& operator=(const NoScissor&) = delete;
-
- private:
-  const bool enabled_;
 };
 
 }  // namespace
@@ -76,7 +61,7 @@ void ReadBack::copy_upside_down(const Framebuffer& framebuffer, GLsizei width, G
     glBindFramebuffer(GL_FRAMEBUFFER, copy_.get());
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color_.get());
   }
-  const NoScissor no_scissor;
+  const ScopedDisable whole{GL_SCISSOR_TEST};  // it cuts a copy within the card, and not what is read
   glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer.get());
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, copy_.get());
   glBlitFramebuffer(0, 0, width, height, 0, height, width, 0, GL_COLOR_BUFFER_BIT, GL_NEAREST);

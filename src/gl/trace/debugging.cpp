@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <exception>
 #include <string>
 
 #include "core/log.h"
+#include "core/platform.h"
 #include "gl/context/context_identity.h"
 #include "gl/context/current_context.h"
 #include "gl/context/opengl_loader.h"
@@ -17,13 +17,8 @@ namespace {
 constexpr std::size_t longest_text = 200;
 constexpr unsigned most_messages = 1000;  // a frame that fails fails in every frame
 
-bool asked_by_environment() {
-  const char* const value = std::getenv("OCT_RENDERING_DEBUG_CONTEXT");
-  return value && *value && std::string_view(value) != "0";
-}
-
 std::atomic<bool>& debugging_flag() {
-  static std::atomic<bool> flag{asked_by_environment()};
+  static std::atomic<bool> flag{is_switched_on("OCT_RENDERING_DEBUG_CONTEXT")};
   return flag;
 }
 
@@ -31,12 +26,6 @@ bool has_debug_functions() {
   const bool loaded =
       is_loaded_for_current_driver() && glPushDebugGroup && glObjectLabel && glDebugMessageCallback;
   return loaded && (current_driver().version >= Version{4, 3} || GLEW_KHR_debug);
-}
-
-GLint integer_of(GLenum query) {
-  GLint value = 0;
-  glGetIntegerv(query, &value);
-  return value;
 }
 
 const char* text_of_type(GLenum type) {
@@ -93,12 +82,12 @@ void log_opengl_messages() {
 
 DebugGroup::DebugGroup(std::string_view name) {
   if (!debugging() || !has_debug_functions()) return;
-  const GLint depth = integer_of(GL_DEBUG_GROUP_STACK_DEPTH);
-  if (depth >= integer_of(GL_MAX_DEBUG_GROUP_STACK_DEPTH)) return;  // the client's groups are that deep
+  const GLint depth = integer(GL_DEBUG_GROUP_STACK_DEPTH);
+  if (depth >= integer(GL_MAX_DEBUG_GROUP_STACK_DEPTH)) return;  // the client's groups are that deep
   const auto length = static_cast<GLsizei>(std::min(name.size(), longest_text));
   glPushDebugGroup(GL_DEBUG_SOURCE_APPLICATION, 0, length, name.data());
   // Whatever became of it: only what was begun is ended.
-  open_ = integer_of(GL_DEBUG_GROUP_STACK_DEPTH) > depth;
+  open_ = integer(GL_DEBUG_GROUP_STACK_DEPTH) > depth;
   context_ = current_context();
 }
 

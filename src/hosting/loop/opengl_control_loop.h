@@ -57,8 +57,8 @@ class OpenGLControlLoop {
   void set_rendering_callback(RenderingCallback callback);
   void set_image_ready_callback(std::optional<ImageReadyCallback> callback);
 
-  // Draws a frame of the given size into client memory and returns when it is there. The frame begins after the call. Does nothing while another snapshot is running. Throws when the picture
-  // cannot be drawn.
+  // Draws a frame of the given size into client memory and returns when it is there. The frame begins after the
+  // call. Does nothing while another snapshot is running. Throws when the picture cannot be drawn.
   void snapshot(std::uint32_t width, std::uint32_t height, void* data,
                 gl::PixelFormat format = gl::PixelFormat::bgra);
 

@@ -34,8 +34,8 @@ class SnapshotDesk {
   bool has_order() const;
   std::optional<Order> take();
   void finish() noexcept;
-  void fail(ErrorKind kind,
-            const char* reason) noexcept;  // whether it was taken yet or not; does nothing without an order
+  // Whether it was taken yet or not; does nothing without an order.
+  void fail(ErrorKind kind, const char* reason) noexcept;
 
   bool busy() const;  // from the placing of an order until it is finished or has failed
 

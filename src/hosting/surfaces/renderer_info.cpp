@@ -15,12 +15,6 @@
 namespace oct {
 namespace {
 
-GLint asked(GLenum query) {
-  GLint value = 0;
-  glGetIntegerv(query, &value);
-  return value;
-}
-
 // Opened and closed again, as the buffers of a control open it: that a driver has the extension does not mean that it
 // opens the device.
 bool works(const SurfaceKind& kind) {
@@ -37,10 +31,9 @@ std::uint32_t sharings() {
   return bits;
 }
 
-// Either extension counts in kilobytes.
+// Either extension counts in kilobytes. ATI's: all, the largest block, of main memory all, of that the largest block.
 std::uint64_t free_video_memory() {
-  std::array<GLint, 4>
-      kilobytes{};  // ATI: all, the largest block, of main memory all, of that the largest block
+  std::array<GLint, 4> kilobytes{};
   if (GLEW_NVX_gpu_memory_info) {
     glGetIntegerv(GL_GPU_MEMORY_INFO_CURRENT_AVAILABLE_VIDMEM_NVX, kilobytes.data());
   } else if (GLEW_ATI_meminfo) {
@@ -55,9 +48,9 @@ RendererInfo info_of_current() {
   info.renderer = gl::opengl_text(GL_RENDERER);
   info.version = gl::opengl_text(GL_VERSION);
   const gl::Version version = gl::current_driver().version;
-  info.max_texture_size = static_cast<std::uint32_t>(asked(GL_MAX_TEXTURE_SIZE));
+  info.max_texture_size = static_cast<std::uint32_t>(gl::integer(GL_MAX_TEXTURE_SIZE));
   if (version >= gl::Version{1, 2})
-    info.max_3d_texture_size = static_cast<std::uint32_t>(asked(GL_MAX_3D_TEXTURE_SIZE));
+    info.max_3d_texture_size = static_cast<std::uint32_t>(gl::integer(GL_MAX_3D_TEXTURE_SIZE));
   if (version < gl::Version{3, 3}) return info;  // the library draws nothing there
   gl::require_opengl();
   info.sharings = sharings();

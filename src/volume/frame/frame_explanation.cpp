@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "core/last_frame.h"
 #include "core/number_text.h"
 #include "volume/layout/box_view.h"
 #include "volume/skipping/visibility.h"
@@ -24,7 +25,7 @@ class Question {
   Question(const FrameRecord& record, const LowestValue& lowest) : record_(record), lowest_(lowest) {}
 
   std::string certain_cause() const {
-    if (!record_.has_area()) return no_area();
+    if (!record_.has_area()) return no_area_text(record_.drawn.viewport.width, record_.drawn.viewport.height);
     if (surface_shown()) return {};  // where it is, only the picture tells
     if (source_.volume == 0 || source_.lack != VolumeLack::none) return no_volume();
     if (!settings_.render_volume) return switched_off();
@@ -118,12 +119,6 @@ class Question {
     return " (" + (known ? range_text() + ", " : std::string()) + boundaries_text() + ")";
   }
 
-  std::string no_area() const {
-    return "The viewport of the last frame has no area: " + std::to_string(record_.drawn.viewport.width) +
-           " x " + std::to_string(record_.drawn.viewport.height) +
-           " pixels. Give it a size (setViewportSize). ";
-  }
-
   std::string no_volume() const {
     switch (source_.lack) {
       case VolumeLack::no_live_volume:
@@ -149,21 +144,19 @@ class Question {
 
   std::string switched_off() const {
     if (settings_.render_surface) {
-      return "The volume is switched off, and the surface, which is switched on, has no triangles. Show the "
-             "volume "
-             "(setRenderElements) or set a surface of 2 x 2 finite samples or more (setSurface). ";
+      return "The volume is switched off, and the surface, which is switched on, has no triangles. "
+             "Show the volume (setRenderElements) or set a surface of 2 x 2 finite samples or more "
+             "(setSurface). ";
     }
     return "The volume is switched off, and so is the surface. Show one of them (setRenderElements). ";
   }
 
   std::string not_filled() const {
-    const auto parts = static_cast<double>(source_.slice_count);
-    const double filled = std::round(static_cast<double>(source_.filled_fraction) * parts);
-    return "Of the volume's " + oct::text_of(parts) + " B-scans " + oct::text_of(filled) +
-           " count as uploaded, and that many show nothing. An upload of slice n fills the volume up to n, "
-           "and "
-           "without it: upload a later slice (uploadOfflineVolumeSlice), or a block "
-           "(uploadOfflineSubVolume). ";
+    return "Of the volume's " + std::to_string(source_.slice_count) + " B-scans " +
+           std::to_string(record_.filled_slices()) +
+           " count as uploaded, and that many show nothing. "
+           "An upload of slice n fills the volume up to n, and without it: "
+           "upload a later slice (uploadOfflineVolumeSlice), or a block (uploadOfflineSubVolume). ";
   }
 
   std::string outside() const {
@@ -225,9 +218,8 @@ class Question {
     }
     if (!shown)
       return "All three slices of the sectional view are switched off. Show one (setSectionalView). ";
-    return "The slice that is shown lies in the part of the volume that has not been uploaded yet. Move it "
-           "to a "
-           "smaller position (setSectionalView). ";
+    return "The slice that is shown lies in the part of the volume that has not been uploaded yet. "
+           "Move it to a smaller position (setSectionalView). ";
   }
 
   std::string no_secondary() const {
@@ -238,8 +230,7 @@ class Question {
     return "Volume mode 3 uses image " + std::to_string(settings_.secondary_slice_index) +
            " of the secondary data, which has images 0 to " +
            std::to_string(source_.secondary_slice_count - 1) +
-           ". Choose one of them "
-           "(setRendererSecondarySliceIndex). ";
+           ". Choose one of them (setRendererSecondarySliceIndex). ";
   }
 
   // Rays begin on the faces of the box that look at the viewer, on a closed cut that does, and right before an eye in
@@ -269,8 +260,7 @@ class Question {
       }
     }
     return "The clip plane cuts away every face of the volume that looks at the viewer, and its cut is open: "
-           "its "
-           "value is " +
+           "its value is " +
            oct::text_of(settings_.clip_plane.value) + ". Raise it, or close the cut (setClipPlane). ";
   }
 
@@ -279,14 +269,14 @@ class Question {
     const float lower = colors().lower;
     const float upper = colors().upper;
     if (overlay_shows()) return {};
-    if (std::ranges::all_of(map, [](std::uint32_t color) { return color >> 24U == 0; })) {
+    if (!has_opacity(map)) {
       return "The volume's colour map has no opacity: the fourth byte of each of its " +
              std::to_string(map.size()) + " colours is 0. Give it some (" + colormap_setter() + "). ";
     }
     if (!is_composite()) return even_colour("Every ray");
     if (std::isnan(lower))
       return "The lower colouring boundary is not a number. Set another one" + by_boundaries();
-    if (lower > upper && map.front() >> 24U == 0) {
+    if (lower > upper && alpha_of(map.front()) == 0) {
       return "The colouring boundaries are the wrong way round (" + boundaries_text() +
              "): all that is above the lower one has the first colour, which is transparent. Swap them" +
              by_boundaries();
@@ -310,8 +300,7 @@ class Question {
 
   static std::string no_numbers() {
     return "The volume holds no number that could be drawn: all of its voxels are NaN or minus infinity. "
-           "Check "
-           "the data. ";
+           "Check the data. ";
   }
 
   // What counts all values alike, at or below the lower boundary, is one patch of the first colour. A mean counts its

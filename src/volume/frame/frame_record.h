@@ -1,7 +1,9 @@
 // What is known of the last frame by those who ask about it later, on any thread.
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <memory>
 #include <optional>
 
@@ -42,6 +44,11 @@ class FrameRecord {
   bool has_area() const { return drawn.viewport.width > 0 && drawn.viewport.height > 0; }
   const Range& range() const { return drawn.source.range ? *drawn.source.range : drawn.settings.range; }
   FilledBox box() const { return FilledBox::of(drawn.source.filled_fraction, drawn.source.slice_count); }
+  // How many of the parts in which the volume fills have been.
+  int filled_slices() const {
+    const double filled = std::min(static_cast<double>(drawn.source.filled_fraction), 1.0);
+    return static_cast<int>(std::lround(filled * drawn.source.slice_count));
+  }
   Camera camera() const { return camera_of(drawn.settings.view, range(), drawn.viewport); }
 
   DrawnFrame drawn;

@@ -35,8 +35,7 @@ void Picker::release() {
 
 // With the framebuffer bound.
 void Picker::make_target() {
-  GLint bound = 0;
-  glGetIntegerv(GL_RENDERBUFFER_BINDING, &bound);
+  const GLint bound = gl::integer(GL_RENDERBUFFER_BINDING);
   framebuffer_ = gl::Framebuffer::create();
   place_ = gl::Renderbuffer::create();
   value_ = gl::Renderbuffer::create();

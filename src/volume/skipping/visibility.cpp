@@ -23,7 +23,7 @@ Ways ways_of(float eye, float w) {
 }  // namespace
 
 float composite_limit(const Colormap& colors, float lower, float upper) {
-  const auto visible = std::ranges::find_if(colors, [](std::uint32_t color) { return color >> 24U != 0; });
+  const auto visible = std::ranges::find_if(colors, [](std::uint32_t color) { return alpha_of(color) != 0; });
   if (visible == colors.end()) return std::numeric_limits<float>::infinity();
   const auto clear = static_cast<double>(visible - colors.begin());
   if (clear < 1.0) return lower;

@@ -9,8 +9,7 @@ namespace {
 // all limits, one behind the other, would be deeper than the driver allows a texture to be.
 int brick_side(const VolumeExtent& extent) {
   constexpr int side = 4;
-  GLint deepest = 0;
-  glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &deepest);
+  const GLint deepest = gl::integer(GL_MAX_3D_TEXTURE_SIZE);
   const std::int64_t tables = 2 * Visibility::most_limits * (extent.b_scans / side + 1);
   return tables > deepest ? 2 * side : side;
 }
