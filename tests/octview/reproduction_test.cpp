@@ -7,6 +7,8 @@
 #include "command_line/shell_words.h"
 #include "octview/model/octrender_command.h"
 #include "octview/model/session_file.h"
+#include "octview/model/slice_picture.h"
+#include "octview/model/slice_position.h"
 #include "octview/model/volume_picture.h"
 #include "octview/model/workspace.h"
 
@@ -30,11 +32,11 @@ class Reproduction : public ProgramTest {
     write_file("own.csv", "0,0,0,0\n0,90,255,20\n255,0,0,200\n");
   }
 
-  std::vector<std::uint8_t> drawn_by_command(const SessionFiles& files, const ViewState& state) {
+  static std::vector<std::uint8_t> drawn_by(const std::vector<std::string>& command) {
     std::filesystem::remove("out.png");
     std::ostringstream error;
     auto* const before = std::cerr.rdbuf(error.rdbuf());
-    const int code = run_program(volume_command(files, state, size, "out.png"));
+    const int code = run_program(command);
     std::cerr.rdbuf(before);
     EXPECT_EQ(code, 0) << error.str();
     return code == 0 ? read_picture("out.png").pixels : std::vector<std::uint8_t>();
@@ -127,7 +129,7 @@ TEST_F(Reproduction, CommandsDrawWhatIsShownByteForByte) {
     ViewState state = start_state(document);
     changes[i](files, state);
     const std::vector<std::uint8_t> shown = drawn(document, state);
-    EXPECT_TRUE(drawn_by_command(files, state) == shown);
+    EXPECT_TRUE(drawn_by(volume_command(files, state, size, "out.png")) == shown);
     // By way of a session, too.
     write_session("a.json", {files, state});
     const Session session = read_session("a.json");
@@ -143,6 +145,30 @@ TEST_F(Reproduction, CommandsDrawWhatIsShownByteForByte) {
   EXPECT_NE(
       error_of<std::runtime_error>([&] { volume_command(other, {}, size, "out.png"); }).find("the overlay"),
       std::string::npos);
+}
+
+TEST_F(Reproduction, CommandsDrawSectionsByteForByte) {
+  SessionFiles files = opened("the volume's.npy");
+  files.overlay.path = "the volume's.npy";
+  files.surface.path = "heights.npy";
+  files.extent = {3, 2, 2.5};
+  const Document document = load_document(files, no_progress);
+  ViewState state = start_state(document);
+  state.base.colormap = "own.csv";
+  state.base.reverse = true;
+  state.base.range = {5.5, 30};
+  state.overlay.opacity.highest = 1.0 / 3;
+  state.enface = {3, Projection::maximum, true};
+  state.windows = {SliceWindow{1, {0.5, 0.5}}, {2.3, {0.3, 0.61}}, {0.7, {0.9, 0.2}}};
+  for (const SliceAxis axis : {SliceAxis::bscan, SliceAxis::enface, SliceAxis::third}) {
+    SCOPED_TRACE(static_cast<int>(axis));
+    const std::ptrdiff_t position = slice_position(document, state, axis).position;
+    const SliceScene scene = slice_scene(state, axis, slice_images(document, state, axis), size);
+    EXPECT_TRUE(drawn_by(slice_command(files, state, axis, position, size, "out.png")) ==
+                render_slice(scene).picture.pixels);
+  }
+  files.base.path.clear();  // live
+  EXPECT_THROW(slice_command(files, state, SliceAxis::bscan, 0, size, "out.png"), std::runtime_error);
 }
 
 TEST(ShellWords, AreTakenApartAgain) {
