@@ -123,9 +123,8 @@ void Viewer::build(double now) {
 
 void Viewer::show_sidebar(float width) {
   ImGui::BeginChild("##sidebar", {width, 0}, true);
-  if (ImGui::CollapsingHeader("Live", is_live() ? ImGuiTreeNodeFlags_DefaultOpen : 0)) {
-    live_panel_.show(live_, workspace_);
-  }
+  if (live_.state() != LiveSession::State::off) ImGui::SetNextItemOpen(true, ImGuiCond_Once);
+  if (ImGui::CollapsingHeader("Live")) live_panel_.show(live_, workspace_);
   sidebar_.show(workspace_);
   ImGui::EndChild();
 }
