@@ -79,7 +79,7 @@ void Viewer::take_loaded() {
   workspace_.document = std::move(*outcome->result);
   if (state_to_come_) {
     workspace_.state = *std::exchange(state_to_come_, std::nullopt);
-    find_ranges(workspace_.document, workspace_.state);
+    fit_state(workspace_.document, workspace_.state);
   } else {
     workspace_.state = start_state(workspace_.document);
   }
