@@ -56,6 +56,8 @@ class LiveSession {
   // Of the running device, or else of the last one that gave any; null: none yet.
   std::shared_ptr<const LiveVolume> latest() const;
 
+  unsigned starts() const { return starts_; }  // so far
+
   VolumeRecorder& recorder() { return recorder_; }
 
  private:
@@ -70,6 +72,7 @@ class LiveSession {
 
   VolumeRecorder recorder_;
   State state_ = State::off;
+  unsigned starts_ = 0;
   std::string error_;
   std::shared_ptr<Opening> opening_;
   std::unique_ptr<Device> device_;
