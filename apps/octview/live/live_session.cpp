@@ -114,6 +114,7 @@ void LiveSession::start(const LiveSetup& setup) {
   error_.clear();
   if (!renderer_) renderer_.emplace();
   recorder_.clear();
+  statistics_ = {};
   ++starts_;
   state_ = State::opening;
   opening_ = std::make_shared<Opening>();
