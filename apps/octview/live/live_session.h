@@ -78,6 +78,7 @@ class LiveSession {
   std::unique_ptr<Device> device_;
   std::optional<VolumeRenderer> renderer_;  // made by the first start
   std::optional<RenderingHandle<LiveVolumeRenderingHandle>> live_;
+  std::optional<LiveScene> scene_;  // as the renderer has it; none: it draws no volumes, or something failed
   bool drawn_ = false;              // since the last update
   OctLiveStatistics statistics_{};  // at the end of the latest start
   std::shared_ptr<const LiveVolume> latest_;
