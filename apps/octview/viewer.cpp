@@ -60,7 +60,7 @@ void Viewer::take_live() {
   }
   if (!is_live()) return;
   const bool began = !live_document_.is_shown(workspace_);
-  live_document_.show(live_.latest(), live_panel_.title(), workspace_);
+  live_document_.show(live_, live_panel_.title(), workspace_);
   if (began && live_document_.is_shown(workspace_)) {
     workspace_.say("");
     window_.set_title(workspace_.document.title + " - octview");
