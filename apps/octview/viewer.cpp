@@ -7,6 +7,7 @@
 #include "octview/panels/keys_panel.h"
 #include "octview/window/item_index.h"
 #include "octview/window/keys.h"
+#include "scene/drawable_limits.h"
 
 namespace oct::app {
 namespace {
@@ -31,7 +32,9 @@ void Viewer::open(const std::vector<std::filesystem::path>& files) {
   SessionFiles wanted;
   wanted.base.path = files.front();
   loading_.start("Reading " + to_utf8(files.front().filename()),
-                 [wanted](const ProgressFunction& progress) { return load_document(wanted, progress); });
+                 [wanted, drawable = drawable_limits()](const ProgressFunction& progress) {
+                   return load_document(wanted, progress, drawable);
+                 });
 }
 
 void Viewer::show_live() {
@@ -72,7 +75,7 @@ void Viewer::take_loaded() {
 bool Viewer::is_busy() const {
   const bool live_begins =
       live_.state() == LiveSession::State::opening || (is_live() && !live_document_.is_shown(workspace_));
-  return loading_.is_running() || volume_.is_coarse() || live_begins;
+  return loading_.is_running() || save_.is_busy() || volume_.is_coarse() || live_begins;
 }
 
 void Viewer::build(double now) {
@@ -99,6 +102,7 @@ void Viewer::build(double now) {
   show_status();
   ImGui::End();
   show_progress();
+  save_.show(workspace_);
   show_keys_panel(keys_shown_);
 }
 
@@ -179,6 +183,8 @@ void Viewer::handle_keys() {
   if (is_question_mark_pressed()) keys_shown_ = !keys_shown_;
   if (is_pressed(Key::escape)) keys_shown_ = false;
   if (is_pressed(letter('Q'), true)) window_.close();
+  if (is_pressed(letter('S'), true)) save_.open(workspace_);
+  if (is_pressed(letter('C'), true)) save_.copy(workspace_);
 }
 
 std::string Viewer::description() const {

@@ -1,6 +1,7 @@
 #include "scene/volume_scene.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "client/explanation.h"
@@ -8,6 +9,9 @@
 
 namespace oct::app {
 namespace {
+
+// Bytes between two reports of progress.
+constexpr std::size_t upload_block = std::size_t{1} << 26;
 
 template <class Layer, class Member>
 bool differs(const std::optional<Layer>& layer, const std::optional<Layer>& before, Member Layer::*member) {
@@ -115,17 +119,29 @@ void VolumeDrawing::draw() {
   checked(renderOfflineVolume, rendering_.offline(), overlaid ? 2 : 0);
 }
 
+std::optional<double> pixel_mm(const VolumeScene& scene) {
+  if (scene.perspective) return std::nullopt;
+  // The picture is a fifth of the zoom wide where the box's diagonal is 4.
+  const auto& [depth, a_scans, b_scans] = scene.extent;
+  const double diagonal = std::hypot(double{depth}, double{a_scans}, double{b_scans});
+  return scene.zoom / 5 * diagonal / 4 / scene.size.width;
+}
+
 std::string render_volume(const VolumeScene& scene, unsigned count,
-                          const std::function<void(unsigned, const Picture&)>& take, unsigned tile) {
+                          const std::function<void(unsigned, const Picture&)>& take, unsigned tile,
+                          const ProgressFunction& progress) {
   OffscreenTarget target;
   VolumeDrawing drawing;
   VolumeScene turned = scene;
+  std::size_t done = 0;  // tiles
+  const std::size_t total = tiles_of(scene.size, tile).size() * count * (scene.transparent ? 2 : 1);
   const auto draw = [&] {
     drawing.set(turned);
-    while (drawing.upload()) {
-    }
-    return draw_picture(target, scene.size, tile, &setRendererPart, drawing.renderer(),
-                        [&] { drawing.draw(); });
+    while (drawing.upload(upload_block)) progress(done, total);
+    return draw_picture(target, scene.size, tile, &setRendererPart, drawing.renderer(), [&] {
+      progress(done++, total);
+      drawing.draw();
+    });
   };
   const auto draw_on = [&](std::uint32_t background) {
     turned.background_bottom = turned.background_top = background;

@@ -1,6 +1,7 @@
 // What the panes and panels of the viewer share.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +20,8 @@ struct Workspace {
   // What clicks measure, and the points of it so far.
   std::optional<MeasurementKind> tool;
   std::vector<VoxelPoint> clicked;
+  Pane pane = Pane::volume;  // that the mouse was over last
+  std::array<PictureSize, 4> pane_sizes{};
   double now = 0;  // seconds, of the frame that is built
 
   void say(std::string text) {
