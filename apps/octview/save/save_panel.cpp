@@ -80,7 +80,8 @@ void SavePanel::show_form(Workspace& workspace) {
   ImGui::PushItemWidth(em * 22);
   if (ImGui::IsWindowAppearing()) ImGui::SetKeyboardFocusHere();
   const bool entered =
-      ImGui::InputText("File", file_.data(), file_.size(), ImGuiInputTextFlags_EnterReturnsTrue);
+      ImGui::InputText("File", file_.data(), file_.size(),
+                       ImGuiInputTextFlags_EnterReturnsTrue | ImGuiInputTextFlags_AutoSelectAll);
   if (ImGui::Combo("Pane", &pane, pane_texts.data(), static_cast<int>(pane_texts.size())))
     pane_ = static_cast<Pane>(pane);
   ImGui::Combo("Size", &scale_,
