@@ -11,6 +11,7 @@
 #include "data/figure/figure.h"
 #include "data/formats/png_reader.h"
 #include "data/formats/png_writer.h"
+#include "data/opacity.h"
 #include "library/dynamic_library.h"
 #include "scene/bscan_scene.h"
 #include "scene/volume_scene.h"
@@ -137,15 +138,16 @@ TEST_F(Output, VideosAreWhatFfmpegMakesOfThePictures) {
 // A scene with everything that is laid out for a picture as a whole.
 VolumeScene full_scene(PictureSize size) {
   VolumeScene scene;
-  VolumeData& data = scene.base.data;
+  VolumeData data;
   data.depth = 12, data.ascans = 10, data.bscans = 9;
   data.file_size = {12, 10, 9};
   std::mt19937 random(3);
   for (int i = 0; i < 12 * 10 * 9; ++i) data.voxels.push_back(static_cast<float>(random() % 1000) / 1000);
+  scene.base.data = std::make_shared<const VolumeData>(std::move(data));
   scene.base.colormap = *find_colormap("inferno");
-  add_opacity_ramp(scene.base.colormap, 0.3);
+  set_opacity(scene.base.colormap, {0.3, 0, {}});
   HeightMap surface;
-  surface.depths = {10, 9, std::vector<float>(90, 8.0F)};
+  surface.depths = std::make_shared<const std::vector<float>>(90, 8.0F);
   surface.range = {0, 12};
   surface.colormap = *find_colormap("viridis");
   scene.surface = surface;
@@ -322,7 +324,9 @@ TEST(FigureScale, OfAVolumeHoldsWhereThereIsNoPerspective) {
   scene.clip.reset();
   scene.surface.reset();
   scene.look = VolumeLook::maximum;
-  scene.base.data.voxels.assign(12 * 10 * 9, 1.0F);
+  VolumeData bright = *scene.base.data;
+  bright.voxels.assign(bright.voxels.size(), 1.0F);
+  scene.base.data = std::make_shared<const VolumeData>(std::move(bright));
   scene.background_bottom = scene.background_top = 0;
   const Picture picture = drawn(scene);
   const auto is_lit = [&](std::size_t x, std::size_t y) { return picture.pixels[(y * 400 + x) * 3] > 0; };

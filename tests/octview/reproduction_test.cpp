@@ -7,6 +7,8 @@
 #include "command_line/shell_words.h"
 #include "octview/model/octrender_command.h"
 #include "octview/model/session_file.h"
+#include "octview/model/slice_picture.h"
+#include "octview/model/slice_position.h"
 #include "octview/model/volume_picture.h"
 #include "octview/model/workspace.h"
 
@@ -143,6 +145,36 @@ TEST_F(Reproduction, CommandsDrawWhatIsShownByteForByte) {
   EXPECT_NE(
       error_of<std::runtime_error>([&] { volume_command(other, {}, size, "out.png"); }).find("the overlay"),
       std::string::npos);
+}
+
+TEST_F(Reproduction, CommandsOfSectionsDrawWhatIsShownByteForByte) {
+  SessionFiles files = opened("the volume's.npy");
+  files.surface.path = "heights.npy";
+  files.overlay.path = "the volume's.npy";
+  const Document document = load_document(files, no_progress);
+  ViewState state = start_state(document);
+  state.overlay.range = {20, 44};
+  state.overlay.opacity.highest = 1.0 / 3;
+  std::vector<std::vector<std::uint8_t>> pictures;
+  for (const bool changed : {false, true}) {
+    if (changed) {
+      state.enface = {3, Projection::maximum, true};
+      state.below_surface = -1;
+      state.cursor = {2, 3, 1};
+      state.windows = {SliceWindow{3.7, {0.4, 1.0 / 3}}, {0.5, {0.9, 0.1}}, {2.2, {0.1, 0.5}}};
+      state.base.colormap = "own.csv";
+      state.overlay.visible = false;
+    }
+    for (const SliceAxis axis : {SliceAxis::bscan, SliceAxis::enface, SliceAxis::third}) {
+      const SliceScene scene = slice_scene(state, axis, slice_images(document, state, axis), size);
+      const std::vector<std::uint8_t> shown = render_slice(scene).picture.pixels;
+      const std::ptrdiff_t position = slice_position(document, state, axis).position;
+      EXPECT_EQ(run_program(slice_command(files, state, axis, position, size, "out.png")), 0);
+      EXPECT_TRUE(read_picture("out.png").pixels == shown);
+      EXPECT_EQ(std::ranges::count(pictures, shown), 0);
+      pictures.push_back(shown);
+    }
+  }
 }
 
 TEST(ShellWords, AreTakenApartAgain) {

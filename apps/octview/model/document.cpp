@@ -100,15 +100,21 @@ std::array<double, 3> Document::extent() const {
   return extent;
 }
 
-Document load_document(const SessionFiles& files, const ProgressFunction& progress,
+Document load_document(const SessionFiles& files, const ProgressFunction& progress, const Document& before,
                        const VolumeLimits& drawable) {
   Document document;
   document.files = files;
   document.title = to_utf8(files.base.path.filename());
-  LoadedVolume volume = load_whole(files.base, files.decibels, progress, drawable);
-  document.not_finite = volume.not_finite;
-  document.volume = std::move(volume.whole);
-  document.drawn_volume = std::move(volume.drawn);
+  if (before && before.files.base == files.base && before.files.decibels == files.decibels) {
+    document.volume = before.volume;
+    document.drawn_volume = before.drawn_volume;
+    document.not_finite = before.not_finite;
+  } else {
+    LoadedVolume volume = load_whole(files.base, files.decibels, progress, drawable);
+    document.not_finite = volume.not_finite;
+    document.volume = std::move(volume.whole);
+    document.drawn_volume = std::move(volume.drawn);
+  }
   if (!files.overlay.path.empty()) {
     LoadedVolume overlay = load_whole(files.overlay, false, progress, drawable);
     const VolumeData& base = *document.volume;

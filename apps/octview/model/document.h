@@ -39,9 +39,9 @@ struct Document {
 
 std::uint64_t next_revision();  // another one each time
 
-// Reads everything that the files name. drawable: what the driver draws. Throws a ReadError; what the progress function throws
-// passes through.
+// Reads everything that the files name, but the volume where it is that of the document before. drawable: what the driver draws.
+// Throws a ReadError; what the progress function throws passes through.
 Document load_document(const SessionFiles& files, const ProgressFunction& progress,
-                       const VolumeLimits& drawable = {});
+                       const Document& before = {}, const VolumeLimits& drawable = {});
 
 }  // namespace oct::app

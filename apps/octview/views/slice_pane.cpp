@@ -67,7 +67,7 @@ void SlicePane::show(Workspace& workspace) {
   if (mouse) workspace.under_cursor = text_under(workspace, geometry, drawing_.image(), *mouse);
   if (!drawing_.explanation().empty()) {
     const float margin = ImGui::GetFontSize();
-    list.AddText(nullptr, 0, {corner.x + margin, corner.y + 4 * margin}, IM_COL32(255, 200, 120, 255),
+    list.AddText(nullptr, 0, {corner.x + margin, corner.y + 4.5F * margin}, IM_COL32(255, 200, 120, 255),
                  drawing_.explanation().c_str(), nullptr, std::max(size.x - 2 * margin, margin));
   }
 }
