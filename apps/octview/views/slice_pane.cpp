@@ -47,7 +47,7 @@ void SlicePane::show(Workspace& workspace) {
   ImGui::InvisibleButton(title_of(axis_), size,
                          ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight |
                              ImGuiButtonFlags_MouseButtonMiddle);
-  mark_item(title_of(axis_), corner, {corner.x + size.x, corner.y + size.y});
+  mark_item(title_of(axis_) + std::string("##pane"), corner, {corner.x + size.x, corner.y + size.y});
   const SliceGeometry geometry{axis_, drawing_.area(), {corner.x, corner.y}, {size.x, size.y}};
   const bool hovered = ImGui::IsItemHovered();
   if (hovered) workspace.pane = static_cast<Pane>(axis_);
