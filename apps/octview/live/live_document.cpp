@@ -23,6 +23,7 @@ void LiveDocument::show(const LiveSession& session, const std::string& title, Wo
   const bool goes_on = is_shown(workspace) && same_size(shown_->data, volume->data);
   Document document;
   document.volume = std::shared_ptr<const VolumeData>(volume, &volume->data);
+  document.drawn_volume = document.volume;
   document.title = title;
   document.revision = next_revision();
   workspace.document = std::move(document);

@@ -412,7 +412,8 @@ Session session_of(const Json& json, const std::filesystem::path& folder) {
 
 void write_session(const std::filesystem::path& path, const Session& session) {
   try {
-    if (session.files.base.path.empty()) throw FieldError("what is shown is in no file that a session could name");
+    if (session.files.base.path.empty())
+      throw FieldError("what is shown is in no file that a session could name");
     Writer archive(folder_of(path));
     archive(version_field, version);
     archive("files", session.files);
