@@ -14,13 +14,8 @@ namespace oct::app {
 namespace {
 
 constexpr ImU32 bright = IM_COL32(255, 255, 255, 255);
-<<<<<<< HEAD
 constexpr ImU32 shade = IM_COL32(0, 0, 0, 190);
-constexpr ImU32 measured = IM_COL32(255, 140, 220, 255);
-=======
-constexpr ImU32 shade = IM_COL32(0, 0, 0, 150);
 constexpr ImU32 measured = measured_color;
->>>>>>> view
 constexpr ImU32 surface_color = IM_COL32(255, 120, 60, 220);
 
 ImVec2 screen(const ScreenPoint& point) {
