@@ -46,7 +46,7 @@ void SlicePane::show(Workspace& workspace) {
   ImGui::InvisibleButton(title_of(axis_), size,
                          ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight |
                              ImGuiButtonFlags_MouseButtonMiddle);
-  mark_item(title_of(axis_), corner, {corner.x + size.x, corner.y + size.y});
+  mark_item(title_of(axis_) + std::string("##pane"), corner, {corner.x + size.x, corner.y + size.y});
   const SliceGeometry geometry{axis_, drawing_.area(), {corner.x, corner.y}, {size.x, size.y}};
   const bool hovered = ImGui::IsItemHovered();
   hands_.handle(workspace, geometry, {drawing_.image().depth, drawing_.image().ascans});
