@@ -4,7 +4,9 @@
 #include <nlohmann/json.hpp>
 
 #include "data/file_errors.h"
+#include "octview/model/session_file.h"
 #include "octview/panels/keys_panel.h"
+#include "octview/panels/widgets.h"
 #include "octview/window/item_index.h"
 #include "octview/window/keys.h"
 
@@ -12,11 +14,6 @@ namespace oct::app {
 namespace {
 
 constexpr std::array<const char*, 4> pane_names{"B-scan", "En face", "Section", "Volume"};
-
-// Lengths of the interface follow the size of its letters.
-float em(float count) {
-  return ImGui::GetFontSize() * count;
-}
 
 }  // namespace
 
@@ -28,10 +25,26 @@ Viewer::Viewer(Window& window)
 
 void Viewer::open(const std::vector<std::filesystem::path>& files) {
   if (files.empty()) return;
-  SessionFiles wanted;
-  wanted.base.path = files.front();
-  loading_.start("Reading " + to_utf8(files.front().filename()),
-                 [wanted](const ProgressFunction& progress) { return load_document(wanted, progress); });
+  try {
+    if (is_session(files.front())) {
+      Session session = read_session(files.front());
+      start({std::move(session.files), std::move(session.state)});
+      return;
+    }
+  } catch (const ReadError& error) {
+    workspace_.fail(error.what());
+    return;
+  }
+  Opening opening;
+  opening.files.base.path = files.front();
+  start(std::move(opening));
+}
+
+void Viewer::start(Opening opening) {
+  state_to_come_ = std::move(opening.state);
+  loading_.start("Reading " + to_utf8(opening.files.base.path.filename()),
+                 [files = std::move(opening.files), before = workspace_.document](
+                     const ProgressFunction& progress) { return load_document(files, progress, before); });
 }
 
 void Viewer::show_live() {
@@ -64,7 +77,12 @@ void Viewer::take_loaded() {
   }
   live_.stop();
   workspace_.document = std::move(*outcome->result);
-  workspace_.state = start_state(workspace_.document);
+  if (state_to_come_) {
+    workspace_.state = *std::exchange(state_to_come_, std::nullopt);
+    find_ranges(workspace_.document, workspace_.state);
+  } else {
+    workspace_.state = start_state(workspace_.document);
+  }
   workspace_.say("");
   window_.set_title(workspace_.document.title + " - octview");
 }
@@ -72,13 +90,14 @@ void Viewer::take_loaded() {
 bool Viewer::is_busy() const {
   const bool live_begins =
       live_.state() == LiveSession::State::opening || (is_live() && !live_document_.is_shown(workspace_));
-  return loading_.is_running() || volume_.is_coarse() || live_begins;
+  return loading_.is_running() || sidebar_.is_busy() || volume_.is_coarse() || live_begins;
 }
 
 void Viewer::build(double now) {
   workspace_.now = now;
   workspace_.under_cursor.clear();
   open(window_.take_dropped());
+  if (workspace_.wanted) start(*std::exchange(workspace_.wanted, std::nullopt));
   take_loaded();
   take_live();
   handle_keys();
@@ -104,11 +123,9 @@ void Viewer::build(double now) {
 
 void Viewer::show_sidebar(float width) {
   ImGui::BeginChild("##sidebar", {width, 0}, true);
-  ImGui::TextUnformatted(workspace_.document ? workspace_.document.title.c_str()
-                                             : "Drop a file on the window");
-  if (ImGui::CollapsingHeader("Live", is_live() ? ImGuiTreeNodeFlags_DefaultOpen : 0)) {
-    live_panel_.show(live_, workspace_);
-  }
+  if (live_.state() != LiveSession::State::off) ImGui::SetNextItemOpen(true, ImGuiCond_Once);
+  if (ImGui::CollapsingHeader("Live")) live_panel_.show(live_, workspace_);
+  sidebar_.show(workspace_);
   ImGui::EndChild();
 }
 
@@ -131,6 +148,9 @@ void Viewer::show_panes() {
 
 // A pane that cannot be drawn says why in its place.
 void Viewer::show_pane(Pane pane) {
+  const ImVec2 space = ImGui::GetContentRegionAvail();
+  workspace_.pane_sizes[static_cast<std::size_t>(pane)] = {static_cast<unsigned>(std::max(space.x, 1.0F)),
+                                                           static_cast<unsigned>(std::max(space.y, 1.0F))};
   if (!workspace_.document && !live_.error().empty()) {
     ImGui::TextWrapped("%s", live_.error().c_str());
     return;
@@ -156,9 +176,9 @@ void Viewer::show_status() {
   } else {
     ImGui::TextUnformatted(workspace_.under_cursor.c_str());
   }
-  const char* hint = "? keys";
-  ImGui::SameLine(ImGui::GetWindowContentRegionMax().x - ImGui::CalcTextSize(hint).x);
-  ImGui::TextDisabled("%s", hint);
+  const char* const keys = "? keys";
+  ImGui::SameLine(ImGui::GetWindowContentRegionMax().x - ImGui::CalcTextSize(keys).x);
+  ImGui::TextDisabled("%s", keys);
 }
 
 void Viewer::show_progress() {
@@ -188,6 +208,10 @@ std::string Viewer::description() const {
   json["cursor"] = workspace_.state.cursor;
   json["under_cursor"] = workspace_.under_cursor;
   json["message"] = workspace_.message;
+  json["range"] = {workspace_.state.base.range.lower, workspace_.state.base.range.upper};
+  json["opacity_points"] = workspace_.state.base.opacity.points;
+  const char* const clipboard = ImGui::GetClipboardText();
+  json["clipboard"] = clipboard ? clipboard : "";
   json["angles"] = workspace_.state.volume.angles;
   json["zoom"] = workspace_.state.volume.zoom;
   json["mode"] = static_cast<int>(workspace_.state.volume.look);

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "octview/model/background_task.h"
 #include "octview/model/workspace.h"
 #include "octview/panels/live_panel.h"
+#include "octview/panels/sidebar.h"
 #include "octview/views/slice_pane.h"
 #include "octview/views/volume_pane.h"
 #include "octview/window/window.h"
@@ -36,6 +38,7 @@ class Viewer {
 
  private:
   void take_live();
+  void start(Opening opening);
   void take_loaded();
   void show_sidebar(float width);
   void show_panes();
@@ -47,6 +50,8 @@ class Viewer {
   Window& window_;
   Workspace workspace_;
   BackgroundTask<Document> loading_;
+  std::optional<ViewState> state_to_come_;  // of what is being read
+  Sidebar sidebar_;
   std::array<SlicePane, 3> slices_;
   VolumePane volume_;
   LiveSession live_;

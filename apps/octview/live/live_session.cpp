@@ -151,6 +151,17 @@ void LiveSession::end() {
 void LiveSession::update() {
   if (opening_) take_over();
   if (device_) watch();
+  if (live_ && !std::exchange(drawn_, false)) hide();
+}
+
+// The source waits with its first volume for a frame. Later ones that are hidden come without any.
+void LiveSession::hide() {
+  try {
+    checked(setRenderElements, renderer_->handle(), 0, 0);
+    if (!device_->tap().latest()) checked(::renderVolume, live_->get());
+  } catch (const RenderingError& failure) {
+    error_ = failure.what();
+  }
 }
 
 void LiveSession::take_over() {
@@ -191,6 +202,7 @@ void LiveSession::watch() {
 
 void LiveSession::draw(const LiveScene& scene) {
   if (!live_) return;
+  drawn_ = true;
   set_scene(renderer_->handle(), scene);
   checked(::renderVolume, live_->get());
 }
@@ -217,10 +229,7 @@ void LiveSession::request_volume() {
 }
 
 std::shared_ptr<const LiveVolume> LiveSession::latest() const {
-  if (device_) {
-    if (auto latest = device_->tap().latest()) return latest;
-  }
-  return latest_;
+  return device_ ? device_->tap().latest() : latest_;
 }
 
 }  // namespace oct::app

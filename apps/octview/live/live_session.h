@@ -36,7 +36,8 @@ class LiveSession {
   // OpenGL. What runs is ended first; its latest volume stays.
   void start(const LiveSetup& setup);
   void stop();
-  // OpenGL. Once per frame: goes on with what the other threads have done. Throws nothing that is the device's.
+  // OpenGL. Once per frame: goes on with what the other threads have done. Throws nothing that is the device's. Frames
+  // that nobody draws are no reason to wait for the source: then its volumes are hidden.
   void update();
 
   State state() const { return state_; }
@@ -52,7 +53,8 @@ class LiveSession {
 
   // Asks for a copy of the next volume; update() asks twice a second.
   void request_volume();
-  std::shared_ptr<const LiveVolume> latest() const;  // of the latest start that gave one; null: none
+  // Of the running device, or else of the last one that gave any; null: none yet.
+  std::shared_ptr<const LiveVolume> latest() const;
 
   VolumeRecorder& recorder() { return recorder_; }
 
@@ -63,6 +65,7 @@ class LiveSession {
   void end();
   void take_over();
   void watch();
+  void hide();
   OctLiveStatistics current_statistics() const;
 
   VolumeRecorder recorder_;
@@ -72,6 +75,7 @@ class LiveSession {
   std::unique_ptr<Device> device_;
   std::optional<VolumeRenderer> renderer_;  // made by the first start
   std::optional<RenderingHandle<LiveVolumeRenderingHandle>> live_;
+  bool drawn_ = false;              // since the last update
   OctLiveStatistics statistics_{};  // at the end of the latest start
   std::shared_ptr<const LiveVolume> latest_;
   std::chrono::steady_clock::time_point requested_;

@@ -62,14 +62,19 @@ std::array<double, 3> Document::extent() const {
   return extent;
 }
 
-Document load_document(const SessionFiles& files, const ProgressFunction& progress) {
+Document load_document(const SessionFiles& files, const ProgressFunction& progress, const Document& before) {
   Document document;
   document.files = files;
   document.title = to_utf8(files.base.path.filename());
-  VolumeData volume = load_any(files.base, progress);
-  if (files.decibels) to_decibels(volume.voxels);
-  document.not_finite = make_finite(volume.voxels, files.base);
-  document.volume = std::make_shared<const VolumeData>(std::move(volume));
+  if (before && before.files.base == files.base && before.files.decibels == files.decibels) {
+    document.volume = before.volume;
+    document.not_finite = before.not_finite;
+  } else {
+    VolumeData volume = load_any(files.base, progress);
+    if (files.decibels) to_decibels(volume.voxels);
+    document.not_finite = make_finite(volume.voxels, files.base);
+    document.volume = std::make_shared<const VolumeData>(std::move(volume));
+  }
   if (!files.overlay.path.empty()) {
     VolumeData overlay = load_any(files.overlay, progress);
     const VolumeData& base = *document.volume;

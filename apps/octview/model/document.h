@@ -16,7 +16,8 @@ namespace oct::app {
 struct Document {
   std::shared_ptr<const VolumeData> volume;  // none: nothing is open. Every voxel is finite
   std::shared_ptr<const VolumeData> overlay;
-  std::shared_ptr<const LateralMap> surface;  // depths in samples of the file, one per A-scan of it; NaN: none
+  std::shared_ptr<const LateralMap>
+      surface;  // depths in samples of the file, one per A-scan of it; NaN: none
   std::shared_ptr<const std::vector<float>>
       drawn_surface;  // the same, all of it finite, as volumes are drawn with it
   std::shared_ptr<const LateralMap> secondary;
@@ -34,7 +35,9 @@ struct Document {
 
 std::uint64_t next_revision();  // another one each time
 
-// Reads everything that the files name. Throws a ReadError; what the progress function throws passes through.
-Document load_document(const SessionFiles& files, const ProgressFunction& progress);
+// Reads everything that the files name, but the volume where it is that of the document before. Throws a ReadError; what the
+// progress function throws passes through.
+Document load_document(const SessionFiles& files, const ProgressFunction& progress,
+                       const Document& before = {});
 
 }  // namespace oct::app

@@ -412,6 +412,7 @@ Session session_of(const Json& json, const std::filesystem::path& folder) {
 
 void write_session(const std::filesystem::path& path, const Session& session) {
   try {
+    if (session.files.base.path.empty()) throw FieldError("what is shown is in no file that a session could name");
     Writer archive(folder_of(path));
     archive(version_field, version);
     archive("files", session.files);
@@ -427,6 +428,7 @@ void write_session(const std::filesystem::path& path, const Session& session) {
 }
 
 bool is_session(const std::filesystem::path& path) {
+  if (path == "-" || !std::filesystem::is_regular_file(path)) return false;
   InputFile file(path);
   return file.start(4096).find(std::string("\"") + version_field + "\"") != std::string::npos;
 }

@@ -16,7 +16,7 @@ struct Session {
 // a WriteError, and leaves what was there before.
 void write_session(const std::filesystem::path& path, const Session& session);
 
-// True when the file is one, whatever is wrong with it.
+// True when the file is one, whatever is wrong with it; false also where there is no such file.
 bool is_session(const std::filesystem::path& path);
 
 // Fields that are not known are passed over, and what is missing has its default. Throws a ReadError that names the field where

@@ -48,7 +48,7 @@ struct ViewState {
   std::array<double, 3>
       cursor{};  // the voxel of the crosshair: depth, A-scan, B-scan; all slices go through it
   EnFace enface;
-  double below_surface = 0;  // samples; where en-face sections follow it
+  double below_surface = 0;            // samples; where en-face sections follow it
   std::array<SliceWindow, 3> windows;  // of the B-scan, en face, and the third section
   std::optional<Pane> large;           // the one that fills the window
   bool crosshair = true;

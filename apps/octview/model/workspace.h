@@ -1,6 +1,7 @@
 // What the panes and panels of the viewer share.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,6 +10,12 @@
 #include "octview/model/view_state.h"
 
 namespace oct::app {
+
+// What is to be read, and how it is then shown; without a state as start_state says.
+struct Opening {
+  SessionFiles files;
+  std::optional<ViewState> state;
+};
 
 struct Workspace {
   Document document;
@@ -19,7 +26,10 @@ struct Workspace {
   // What clicks measure, and the points of it so far.
   std::optional<MeasurementKind> tool;
   std::vector<VoxelPoint> clicked;
-  double now = 0;  // seconds, of the frame that is built
+  // What a panel wants opened. What is open stays until it has been read.
+  std::optional<Opening> wanted;
+  std::array<PictureSize, 4> pane_sizes{};  // in pixels, by Pane
+  double now = 0;                           // seconds, of the frame that is built
 
   void say(std::string text) {
     message = std::move(text);
@@ -30,6 +40,12 @@ struct Workspace {
     message_is_error = true;
   }
 };
+
+// Of a layer that is new.
+LayerLook first_look(DataFile SessionFiles::*layer);
+
+// Ranges that follow the data, where it is.
+void find_ranges(const Document& document, ViewState& state);
 
 // The state that shows a document that was just opened: automatic ranges, the crosshair in the middle.
 ViewState start_state(const Document& document);

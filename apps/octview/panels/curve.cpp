@@ -14,7 +14,7 @@ namespace {
 
 using Points = std::vector<std::array<double, 2>>;
 
-constexpr float height = 7;  // letters
+constexpr float height = 7;    // letters
 constexpr float reach = 0.7F;  // letters around a point in which it is taken hold of
 
 // The curve without points, as one with points.
@@ -30,7 +30,8 @@ struct Canvas {
   ImVec2 to;
 
   ImVec2 at(const std::array<double, 2>& point) const {
-    return {from.x + static_cast<float>(point[0]) * (to.x - from.x), to.y - static_cast<float>(point[1]) * (to.y - from.y)};
+    return {from.x + static_cast<float>(point[0]) * (to.x - from.x),
+            to.y - static_cast<float>(point[1]) * (to.y - from.y)};
   }
   std::array<double, 2> point(ImVec2 place) const {
     return {std::clamp((place.x - from.x) / (to.x - from.x), 0.0F, 1.0F),
@@ -110,8 +111,10 @@ bool CurveEditor::show(LayerLook& look) {
   const ImVec2 from = ImGui::GetCursorScreenPos();
   const ImVec2 size{std::max(ImGui::GetContentRegionAvail().x, em(4)), em(height)};
   const float margin = em(0.4F);
-  const Canvas canvas{{from.x + margin, from.y + margin}, {from.x + size.x - margin, from.y + size.y - margin}};
-  ImGui::InvisibleButton("Opacity curve", size, ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight);
+  const Canvas canvas{{from.x + margin, from.y + margin},
+                      {from.x + size.x - margin, from.y + size.y - margin}};
+  ImGui::InvisibleButton("Opacity curve", size,
+                         ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight);
   mark_item("Opacity curve", canvas.from, canvas.to);
   hint("Click to add a point, drag to move it, right click to remove it");
   const ImVec2 mouse = ImGui::GetIO().MousePos;

@@ -12,7 +12,7 @@
 namespace oct::app {
 namespace {
 
-constexpr float bars_height = 5;  // letters
+constexpr float bars_height = 5;    // letters
 constexpr double narrowest = 1e-3;  // range, as a part of what is shown
 
 // The domain of the counts, and the range where it lies outside of it.
@@ -36,8 +36,8 @@ ImU32 color_at(const Colormap& colors, double place) {
 }
 
 // Bars that are narrower than a pixel share one: the highest shows.
-void draw_bars(ImDrawList& list, ImVec2 from, ImVec2 to, const ValueRange& shown, const Statistics& statistics,
-               const LayerLook& look, bool log_counts) {
+void draw_bars(ImDrawList& list, ImVec2 from, ImVec2 to, const ValueRange& shown,
+               const Statistics& statistics, const LayerLook& look, bool log_counts) {
   const Colormap colors = colors_of(look);
   const auto height_of = [&](double count) { return log_counts ? std::log1p(count) : count; };
   const double highest = height_of(static_cast<double>(std::ranges::max(statistics.histogram)));
@@ -49,9 +49,11 @@ void draw_bars(ImDrawList& list, ImVec2 from, ImVec2 to, const ValueRange& shown
     const double begin = shown.lower + per_column * column;
     const double middle = begin + per_column / 2;
     const double first = std::floor((begin - statistics.domain.lower) / bin_width);
-    const double last = std::max(first, std::ceil((begin + per_column - statistics.domain.lower) / bin_width) - 1);
+    const double last =
+        std::max(first, std::ceil((begin + per_column - statistics.domain.lower) / bin_width) - 1);
     std::uint64_t count = 0;
-    for (double bin = std::max(first, 0.0); bin <= last && bin < static_cast<double>(statistics.histogram.size()); ++bin)
+    for (double bin = std::max(first, 0.0);
+         bin <= last && bin < static_cast<double>(statistics.histogram.size()); ++bin)
       count = std::max(count, statistics.histogram[static_cast<std::size_t>(bin)]);
     if (count == 0) continue;
     const auto height = static_cast<float>(height_of(static_cast<double>(count)) / highest) * (to.y - from.y);
@@ -95,16 +97,20 @@ bool Histogram::show_bars(LayerLook& look, const Statistics& statistics) {
   mark_item("Histogram", from, to);
   const ValueRange shown = shown_values(statistics, look.range);
   const double per_point = (shown.upper - shown.lower) / size.x;
-  const auto x_of = [&](double value) { return from.x + static_cast<float>((value - shown.lower) / per_point); };
+  const auto x_of = [&](double value) {
+    return from.x + static_cast<float>((value - shown.lower) / per_point);
+  };
   const double value = shown.lower + (ImGui::GetIO().MousePos.x - from.x) * per_point;
   bool changed = false;
   if (ImGui::IsItemActivated()) {
-    held_ = std::abs(value - look.range.lower) < std::abs(value - look.range.upper) ? Held::lower : Held::upper;
+    held_ =
+        std::abs(value - look.range.lower) < std::abs(value - look.range.upper) ? Held::lower : Held::upper;
   } else if (!ImGui::IsItemActive()) {
     held_ = Held::nothing;
   }
   // A click alone moves nothing.
-  if (held_ != Held::nothing && ImGui::IsMouseDragging(ImGuiMouseButton_Left, 0) && ImGui::GetIO().MouseDelta.x != 0) {
+  if (held_ != Held::nothing && ImGui::IsMouseDragging(ImGuiMouseButton_Left, 0) &&
+      ImGui::GetIO().MouseDelta.x != 0) {
     const double gap = (shown.upper - shown.lower) * narrowest;
     if (held_ == Held::lower) {
       look.range.lower = std::clamp(value, shown.lower, std::max(look.range.upper - gap, shown.lower));
@@ -125,7 +131,8 @@ bool Histogram::show_bars(LayerLook& look, const Statistics& statistics) {
   draw_handle(list, x_of(look.range.lower), from, to, true, held_ == Held::lower);
   draw_handle(list, x_of(look.range.upper), from, to, false, held_ == Held::upper);
   list.PopClipRect();
-  for (const auto& [name, end] : {std::pair{"Lower end", look.range.lower}, {"Upper end", look.range.upper}}) {
+  for (const auto& [name, end] :
+       {std::pair{"Lower end", look.range.lower}, {"Upper end", look.range.upper}}) {
     const float x = std::clamp(x_of(end), from.x + 1, to.x - 1);
     mark_item(name, {x - 1, from.y}, {x + 1, to.y});
   }
@@ -164,7 +171,8 @@ bool Histogram::show_numbers(LayerLook& look, const Statistics* statistics) {
   if (look.shares) {
     double percents[2] = {100 * look.shares->lower, 100 * look.shares->upper};
     ImGui::SetNextItemWidth(ImGui::GetContentRegionAvail().x);
-    if (ImGui::InputScalarN("##percentiles", ImGuiDataType_Double, percents, 2, nullptr, nullptr, "%.5g %%") &&
+    if (ImGui::InputScalarN("##percentiles", ImGuiDataType_Double, percents, 2, nullptr, nullptr,
+                            "%.5g %%") &&
         percents[0] >= 0 && percents[0] < percents[1] && percents[1] <= 100) {
       look.shares = Shares{percents[0] / 100, percents[1] / 100};
       changed = true;

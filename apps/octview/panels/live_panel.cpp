@@ -24,7 +24,7 @@ void assign(std::array<char, Size>& text, std::string_view value) {
 void label(const char* text) {
   ImGui::AlignTextToFramePadding();
   ImGui::TextUnformatted(text);
-  ImGui::SameLine(ImGui::GetFontSize() * 6.5F);
+  ImGui::SameLine(ImGui::GetFontSize() * 5);
   ImGui::SetNextItemWidth(-1);
 }
 
@@ -40,10 +40,15 @@ void millimetres(const char* name, const char* id, double& value) {
   if (ImGui::InputDouble(id, &value, 0, 0, "%.3g mm")) value = std::clamp(value, 0.001, 1000.0);
 }
 
-void number(const char* name, unsigned long long value) {
+template <class... Values>
+void row(const char* name, const char* format, Values... values) {
   label(name);
-  ImGui::Text("%llu", value);
+  ImGui::Text(format, values...);
 }
+
+// Not indented: the sidebar is narrow.
+constexpr ImGuiTreeNodeFlags heading =
+    ImGuiTreeNodeFlags_DefaultOpen | ImGuiTreeNodeFlags_NoTreePushOnOpen | ImGuiTreeNodeFlags_SpanAvailWidth;
 
 void show_error(const std::string& text) {
   if (text.empty()) return;
@@ -166,26 +171,20 @@ void LivePanel::show_scan() {
 }
 
 void LivePanel::show_numbers(const LiveSession& session) const {
-  if (!ImGui::TreeNodeEx("Volumes##numbers", ImGuiTreeNodeFlags_DefaultOpen)) return;
+  if (!ImGui::TreeNodeEx("Volumes##numbers", heading)) return;
   const OctLiveStatistics numbers = session.statistics();
-  label("Rate");
-  ImGui::Text("%.1f per second", numbers.volumes_per_second);
-  number("Acquired", numbers.acquired);
-  number("Shown", numbers.shown);
-  label("Latency");
-  ImGui::Text("%.0f ms (median)", numbers.latency_median_ms);
-  label("");
-  ImGui::Text("%.0f ms (99 %%), %.0f ms (worst)", numbers.latency_p99_ms, numbers.latency_worst_ms);
-  ImGui::TextDisabled("Dropped");
-  number("  no frame", numbers.dropped_no_frame);
-  number("  withdrawn", numbers.dropped_withdrawn);
-  number("  by driver", numbers.dropped_by_driver);
-  number("  by device", numbers.dropped_by_device);
-  ImGui::TreePop();
+  row("Shown", "%llu, %.1f per second", numbers.shown, numbers.volumes_per_second);
+  row("Acquired", "%llu", numbers.acquired);
+  row("Dropped", "%llu without a frame", numbers.dropped_no_frame);
+  row("", "%llu withdrawn", numbers.dropped_withdrawn);
+  row("", "%llu by the driver", numbers.dropped_by_driver);
+  row("", "%llu by the device", numbers.dropped_by_device);
+  row("Latency", "median %.0f ms", numbers.latency_median_ms);
+  row("", "99 %% %.0f ms, worst %.0f ms", numbers.latency_p99_ms, numbers.latency_worst_ms);
 }
 
 void LivePanel::show_recorder(LiveSession& session, Workspace& workspace) {
-  if (!ImGui::TreeNodeEx("Recording", ImGuiTreeNodeFlags_DefaultOpen)) return;
+  if (!ImGui::TreeNodeEx("Recording", heading)) return;
   VolumeRecorder& recorder = session.recorder();
   bool changed = ImGui::Checkbox("Keep the last", &records_);
   ImGui::SameLine();
@@ -215,7 +214,6 @@ void LivePanel::show_recorder(LiveSession& session, Workspace& workspace) {
     }
     show_error(writing.error);
   }
-  ImGui::TreePop();
 }
 
 void LivePanel::write(VolumeRecorder& recorder, Workspace& workspace) {

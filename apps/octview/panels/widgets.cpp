@@ -6,6 +6,7 @@
 #include "data/colormap_tables.h"
 #include "data/file_errors.h"
 #include "octview/model/layer_colors.h"
+#include "octview/window/item_index.h"
 
 namespace oct::app {
 namespace {
@@ -44,7 +45,8 @@ void leave_for_labels(float ems) {
 }
 
 bool slide(const char* label, double& value, double lowest, double highest, const char* format) {
-  return ImGui::SliderScalar(label, ImGuiDataType_Double, &value, &lowest, &highest, format, ImGuiSliderFlags_AlwaysClamp);
+  return ImGui::SliderScalar(label, ImGuiDataType_Double, &value, &lowest, &highest, format,
+                             ImGuiSliderFlags_AlwaysClamp);
 }
 
 void hint(const char* text) {
@@ -85,10 +87,13 @@ bool choose_colors(LayerLook& look) {
   const float height = ImGui::GetFontSize();
   const float picture = em(4);
   leave_for_labels(5.5F);
+  const ImVec2 field = ImGui::GetCursorScreenPos();
+  mark_item("Colours", field, {field.x + em(4), field.y + ImGui::GetFrameHeight()});
   if (ImGui::BeginCombo("Colours", look.colormap.c_str(), ImGuiComboFlags_HeightLarge)) {
     for (const std::string& name : known_maps()) {
       const ImVec2 corner = ImGui::GetCursorScreenPos();
-      if (ImGui::Selectable(("      " + std::string(16, ' ') + name + "##map " + name).c_str(), name == look.colormap)) {
+      if (ImGui::Selectable(("      " + std::string(16, ' ') + name + "##map " + name).c_str(),
+                            name == look.colormap)) {
         look.colormap = name;
         changed = true;
       }

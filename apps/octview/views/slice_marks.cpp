@@ -15,21 +15,11 @@ namespace {
 
 constexpr ImU32 bright = IM_COL32(255, 255, 255, 255);
 constexpr ImU32 shade = IM_COL32(0, 0, 0, 150);
-constexpr ImU32 measured = IM_COL32(255, 140, 220, 255);
+constexpr ImU32 measured = measured_color;
 constexpr ImU32 surface_color = IM_COL32(255, 120, 60, 220);
 
 ImVec2 screen(const ScreenPoint& point) {
   return {static_cast<float>(point[0]), static_cast<float>(point[1])};
-}
-
-// Readable on bright pictures and dark ones. The place is the text's upper left corner, moved back by parts of its size.
-void draw_label(ImDrawList& list, ImVec2 place, const std::string& text, ImU32 color, ImVec2 back = {0, 0}) {
-  const ImVec2 size = ImGui::CalcTextSize(text.c_str());
-  const float margin = ImGui::GetFontSize() * 0.2F;
-  place = {std::round(place.x - back.x * size.x), std::round(place.y - back.y * size.y)};
-  list.AddRectFilled({place.x - margin, place.y}, {place.x + size.x + margin, place.y + size.y}, shade,
-                     margin);
-  list.AddText(place, color, text.c_str());
 }
 
 class Marks {
@@ -212,6 +202,15 @@ class Marks {
 };
 
 }  // namespace
+
+void draw_label(ImDrawList& list, ImVec2 place, const std::string& text, ImU32 color, ImVec2 back) {
+  const ImVec2 size = ImGui::CalcTextSize(text.c_str());
+  const float margin = ImGui::GetFontSize() * 0.2F;
+  place = {std::round(place.x - back.x * size.x), std::round(place.y - back.y * size.y)};
+  list.AddRectFilled({place.x - margin, place.y}, {place.x + size.x + margin, place.y + size.y}, shade,
+                     margin);
+  list.AddText(place, color, text.c_str());
+}
 
 ImU32 color_of(SliceAxis axis) {
   if (axis == SliceAxis::bscan) return IM_COL32(90, 160, 255, 255);

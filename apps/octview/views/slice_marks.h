@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include <imgui.h>
 
@@ -12,6 +13,11 @@ namespace oct::app {
 
 // Of the lines of a section in the other panes, and of the name of its own.
 ImU32 color_of(SliceAxis axis);
+
+constexpr ImU32 measured_color = IM_COL32(255, 140, 220, 255);
+
+// Readable on bright pictures and dark ones. The place is the text's upper left corner, moved back by parts of its size.
+void draw_label(ImDrawList& list, ImVec2 place, const std::string& text, ImU32 color, ImVec2 back = {0, 0});
 
 // Whether the point lies in the section that the pane shows.
 bool lies_in_section(const Document& document, const ViewState& state, SliceAxis axis,

@@ -1,47 +1,145 @@
 #include "octview/views/volume_pane.h"
 
+#include <algorithm>
+#include <cmath>
+#include <string>
+
 #include <imgui.h>
 
-#include "client/checked.h"
-#include "data/colormap.h"
+#include "octview/views/slice_marks.h"
+#include "octview/views/volume_marks.h"
 #include "octview/window/item_index.h"
-#include "scene/volume_view.h"
 
 namespace oct::app {
+namespace {
 
-VolumePane::VolumePane(const GlFunctions& gl) : texture_(gl) {}
+constexpr const char* title = "Volume";
+constexpr ImU32 noted = IM_COL32(255, 200, 120, 255);
+
+ImVec2 place_in(const VolumeGeometry& geometry, double right, double down) {
+  return {static_cast<float>(geometry.corner[0] + geometry.size.width * right),
+          static_cast<float>(geometry.corner[1] + geometry.size.height * down)};
+}
+
+// The slices that are shown are those of the panes beside.
+void follow_cursor(Workspace& workspace) {
+  if (workspace.state.volume.look != VolumeLook::sections) return;
+  const BoxPoint cursor = box_point(workspace.document, workspace.state.cursor);
+  constexpr std::array<std::size_t, 3> axes{1, 0, 2};
+  for (std::size_t i = 0; i < 3; ++i) {
+    std::optional<float>& section = workspace.state.volume.sections[i];
+    if (section) section = static_cast<float>(std::clamp(cursor[axes[i]], 0.0, 1.0));
+  }
+}
+
+void show_volume_controls(Workspace& workspace) {
+  VolumeView& view = workspace.state.volume;
+  ImGui::AlignTextToFramePadding();
+  ImGui::TextUnformatted(title);
+  ImGui::SameLine();
+  int look = static_cast<int>(view.look);
+  ImGui::SetNextItemWidth(ImGui::GetFontSize() * 8);
+  if (ImGui::Combo("##look", &look, "composite\0maximum\0mean\0sections\0"))
+    view.look = static_cast<VolumeLook>(look);
+  ImGui::SameLine();
+  bool cut = view.clip.has_value();
+  if (ImGui::Checkbox("Clip", &cut)) VolumeHands::toggle_clip_plane(workspace);
+}
+
+std::string reduction_text(const VolumeData& drawn) {
+  return "Shown reduced " + std::to_string(drawn.reduction[0]) + " x " + std::to_string(drawn.reduction[1]) +
+         " x " + std::to_string(drawn.reduction[2]) + " times (depth, A-scans, B-scans)";
+}
+
+void show_notes(ImDrawList& list, const Workspace& workspace, const VolumeGeometry& geometry,
+                const VolumeImage& image) {
+  const float em = ImGui::GetFontSize();
+  const Document& document = workspace.document;
+  std::string text;
+  if (document.volume->is_reduced()) text = reduction_text(*document.volume);
+  if (image.is_partial())
+    text += (text.empty() ? "" : "\n") + std::string("Shown in part: stopped while it was handed over");
+  if (!text.empty()) draw_label(list, place_in(geometry, 0.5, 1), text, noted, {0.5F, 1.2F});
+  if (image.explanation().empty()) return;
+  const ImVec2 corner = place_in(geometry, 0, 0);
+  list.AddText(nullptr, 0, {corner.x + em, corner.y + 2 * em}, noted, image.explanation().c_str(), nullptr,
+               std::max(static_cast<float>(geometry.size.width) - 2 * em, em));
+}
+
+}  // namespace
+
+bool VolumePane::is_coarse() const {
+  return shown_in_ == ImGui::GetFrameCount() && image_.is_owed();
+}
 
 void VolumePane::show(Workspace& workspace, LiveSession* live) {
-  const ImVec2 size = ImGui::GetContentRegionAvail();
+  if (!workspace.document) return;
+  show_volume_controls(workspace);
+  follow_cursor(workspace);
   const ImVec2 corner = ImGui::GetCursorScreenPos();
-  const Document& document = workspace.document;
-  if (!document || size.x < 1 || size.y < 1) return;
+  const ImVec2 space = ImGui::GetContentRegionAvail();
+  const ImVec2 size{std::floor(space.x), std::floor(space.y)};
+  if (size.x < 1 || size.y < 1) return;
+  const VolumeGeometry geometry{{static_cast<double>(corner.x), static_cast<double>(corner.y)},
+                                {static_cast<unsigned>(size.x), static_cast<unsigned>(size.y)}};
+  shown_in_ = ImGui::GetFrameCount();
+
+  ImGui::InvisibleButton(title, size,
+                         ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight |
+                             ImGuiButtonFlags_MouseButtonMiddle);
+  ImGui::SetItemAllowOverlap();
+  mark_item(title, corner, {corner.x + size.x, corner.y + size.y});
+  const bool hovered = ImGui::IsItemHovered();
+  hands_.handle(workspace, geometry, image_);
+  const ImVec2 below = ImGui::GetCursorScreenPos();
+  follow_cursor(workspace);
+
+  ImGui::SetCursorScreenPos(corner);
   if (live) {
-    LiveScene scene;
-    scene.view = workspace.state.volume;
-    scene.volume = {find_colormap(workspace.state.base.colormap).value_or(Colormap()),
-                    workspace.state.base.range};
-    set_opacity(scene.volume.colormap, workspace.state.base.opacity);
-    texture_.draw(static_cast<int>(size.x), static_cast<int>(size.y), [&] { live->draw(scene); });
-  } else if (uploaded_revision_ != document.revision) {
-    const VolumeData& data = *document.volume;
-    const std::array<double, 3> extent = document.extent();
-    checked(setOfflineAspectRatio, rendering_.offline(), static_cast<float>(extent[0]),
-            static_cast<float>(extent[1]), static_cast<float>(extent[2]));
-    checked(allocateOfflineVolume, rendering_.offline(), static_cast<int>(data.depth),
-            static_cast<int>(data.ascans), static_cast<int>(data.bscans));
-    checked(uploadOfflineVolume, rendering_.offline(), data.voxels.data());
-    uploaded_revision_ = document.revision;
-    const LayerLook& look = workspace.state.base;
-    Colormap colors = find_colormap(look.colormap).value_or(Colormap());
-    set_opacity(colors, look.opacity);
-    set_view(rendering_.renderer(), workspace.state.volume);
-    set_colors(rendering_.renderer(), ColoredData::volume, colors, look.range);
-    texture_.draw(static_cast<int>(size.x), static_cast<int>(size.y),
-                  [&] { checked(renderOfflineVolume, rendering_.offline(), 0); });
+    image_.update(workspace, *live, geometry.size);
+  } else {
+    image_.update(workspace, geometry.size);
   }
-  ImGui::Image(texture_.id(), size, {0, 1}, {1, 0});
-  mark_item("Volume", corner, {corner.x + size.x, corner.y + size.y});
+  ImDrawList& list = *ImGui::GetWindowDrawList();
+  if (image_.is_drawn()) {
+    list.AddImage(image_.texture(), corner, {corner.x + size.x, corner.y + size.y}, {0, 1}, {1, 0});
+    draw_volume_marks(list, workspace, geometry, hovered);
+  }
+  show_notes(list, workspace, geometry, image_);
+  if (workspace.state.volume.clip) show_clip_handle(workspace, geometry);
+  if (image_.is_uploading()) show_upload(geometry);
+  ImGui::SetCursorScreenPos(below);
+}
+
+void VolumePane::show_upload(const VolumeGeometry& geometry) {
+  const float em = ImGui::GetFontSize();
+  const ImVec2 middle = place_in(geometry, 0.5, 0.5);
+  ImGui::SetCursorScreenPos({middle.x - em * 8, middle.y - em});
+  ImGui::ProgressBar(static_cast<float>(image_.uploaded()), {em * 12, 0});
+  ImGui::SameLine();
+  if (ImGui::Button("Stop##upload")) image_.stop_upload();
+}
+
+// On the right edge: at the top the plane is far away and leaves nothing, at the bottom it has not yet cut anything.
+void VolumePane::show_clip_handle(Workspace& workspace, const VolumeGeometry& geometry) {
+  ClipSetting& clip = *workspace.state.volume.clip;
+  const float em = ImGui::GetFontSize();
+  const ImVec2 top = place_in(geometry, 1, 0.1), bottom = place_in(geometry, 1, 0.9);
+  const float x = top.x - em * 1.2F;
+  const float y = top.y + static_cast<float>(clip.value) * (bottom.y - top.y);
+  const ImVec2 from{x - em * 0.7F, y - em * 0.45F}, to{x + em * 0.7F, y + em * 0.45F};
+  ImGui::SetCursorScreenPos(from);
+  ImGui::InvisibleButton("Clip handle", {to.x - from.x, to.y - from.y});
+  mark_item("Clip handle", from, to);
+  if (ImGui::IsItemActive() && bottom.y > top.y) {
+    const float mouse = ImGui::GetIO().MousePos.y;
+    clip.value = std::clamp(static_cast<double>((mouse - top.y) / (bottom.y - top.y)), 0.0, 1.0);
+  }
+  ImDrawList& list = *ImGui::GetWindowDrawList();
+  list.AddLine({x, top.y}, {x, bottom.y}, IM_COL32(255, 255, 255, 120), em * 0.15F);
+  const bool held = ImGui::IsItemActive() || ImGui::IsItemHovered();
+  list.AddRectFilled(from, to, held ? IM_COL32(255, 220, 90, 255) : IM_COL32(235, 235, 235, 255), em * 0.2F);
+  if (held) draw_label(list, {from.x - em * 0.4F, y}, "clip plane: up to the back", noted, {1, 0.5F});
 }
 
 }  // namespace oct::app

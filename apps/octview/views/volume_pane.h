@@ -1,30 +1,30 @@
 // The pane that shows the volume.
 #pragma once
 
-#include <cstdint>
-
-#include "client/renderers.h"
-#include "octview/live/live_session.h"
 #include "octview/model/workspace.h"
-#include "octview/window/pane_texture.h"
+#include "octview/views/volume_hands.h"
+#include "octview/views/volume_image.h"
 
 namespace oct::app {
 
 class VolumePane {
  public:
-  explicit VolumePane(const GlFunctions& gl);
+  explicit VolumePane(const GlFunctions& gl) : image_(gl) {}
 
   // Builds the pane in ImGui's current window, which it fills.
   // The volumes of a running session in place of the document's.
   void show(Workspace& workspace, LiveSession* live);
 
-  // Drawn coarsely, because something moves; full quality follows.
-  bool is_coarse() const { return false; }
+  // Drawn coarsely, because something moves, or not yet; full quality follows. A pane that is not shown owes nothing.
+  bool is_coarse() const;
 
  private:
-  PaneTexture texture_;
-  OfflineRendering rendering_;
-  std::uint64_t uploaded_revision_ = 0;
+  void show_upload(const VolumeGeometry& geometry);
+  void show_clip_handle(Workspace& workspace, const VolumeGeometry& geometry);
+
+  VolumeImage image_;
+  VolumeHands hands_;
+  int shown_in_ = -1;  // the number of the interface's frame
 };
 
 }  // namespace oct::app

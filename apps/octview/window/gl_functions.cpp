@@ -42,6 +42,7 @@ GlFunctions load_gl_functions() {
   load(gl.pixel_store_i, "glPixelStorei");
   load(gl.read_pixels, "glReadPixels");
   load(gl.get_integer_v, "glGetIntegerv");
+  load(gl.finish, "glFinish");
   return gl;
 }
 

@@ -31,6 +31,7 @@ struct GlFunctions {
   PFNGLPIXELSTOREIPROC pixel_store_i;
   PFNGLREADPIXELSPROC read_pixels;
   PFNGLGETINTEGERVPROC get_integer_v;
+  PFNGLFINISHPROC finish;
 };
 
 // Throws std::runtime_error when one is missing.

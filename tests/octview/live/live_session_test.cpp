@@ -45,8 +45,10 @@ class LiveSessionTest : public testing::Test {
   }
 
   void frame() {
-    session_->update();
-    target_.render(24, 16, pixels_, [&] { session_->draw(scene_); });
+    target_.render(24, 16, pixels_, [&] {
+      session_->update();
+      if (draws_) session_->draw(scene_);
+    });
   }
   // Frames, for twenty seconds at most, until the condition holds.
   bool frames_until(const std::function<bool()>& condition) {
@@ -64,6 +66,7 @@ class LiveSessionTest : public testing::Test {
 
   OffscreenTarget target_;  // the viewer's context
   LiveScene scene_;
+  bool draws_ = true;
   std::vector<std::uint8_t> pixels_;
   std::optional<LiveSession> session_{std::in_place};
 };
@@ -99,6 +102,28 @@ TEST_F(LiveSessionTest, VolumesComeAsTheDeviceMeasuresThem) {
   EXPECT_EQ(session_->renderer(), nullptr);
   EXPECT_GT(session_->statistics().shown, 2U);
   EXPECT_EQ(session_->latest()->data.depth, 4U) << "the last volume stays";
+}
+
+// Sections alone are looked at: their volumes come without the picture of the volume, and none is dropped for it.
+TEST_F(LiveSessionTest, VolumesComeWhileNobodyDrawsThem) {
+  draws_ = false;
+  session_->start(playback());
+  const auto come_to = [&](std::uint64_t index) {
+    return frames_until([&] {
+      session_->request_volume();
+      return session_->latest() && session_->latest()->index > index;
+    });
+  };
+  ASSERT_TRUE(come_to(20));
+  EXPECT_EQ(session_->statistics().shown, 0U);
+  draws_ = true;
+  ASSERT_TRUE(frames_until_shown());
+  draws_ = false;
+  frame(), frame();
+  const auto before = session_->statistics();
+  ASSERT_TRUE(come_to(session_->latest()->index + 20));
+  EXPECT_EQ(session_->statistics().shown, before.shown);
+  EXPECT_LE(session_->statistics().dropped_no_frame, before.dropped_no_frame + 1);
 }
 
 // Nobody waits for a device: neither whoever stops it nor the frames; what comes next waits for its end.
