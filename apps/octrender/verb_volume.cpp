@@ -217,15 +217,17 @@ class Finish {
     if (mm) frame_->pixel_mm = {*mm, *mm};
   }
 
-  Picture operator()(const Picture& picture) {
+  // Valid until the next call, or the picture's end.
+  const Picture& operator()(const Picture& picture) {
     if (!frame_) return picture;
     frame_->picture = picture;
-    return figure_of(*frame_, style_);
+    return finished_ = figure_of(*frame_, style_);
   }
 
  private:
   const FigureStyle style_;
   std::optional<Figure> frame_;
+  Picture finished_;
 };
 
 void draw(const VolumeScene& scene, const std::filesystem::path& output, const Options& options,
