@@ -56,7 +56,7 @@ endfunction()
 # the machine's C headers.
 set(OCT_HEADERS "${CMAKE_BINARY_DIR}/headers")
 file(MAKE_DIRECTORY "${OCT_HEADERS}")
-foreach(library boost glm CLI stb)
+foreach(library boost glm CLI stb nlohmann)
   if(NOT EXISTS "/usr/include/${library}")
     message(FATAL_ERROR "The headers of ${library} are missing; ./check installs them")
   endif()
@@ -104,3 +104,4 @@ endif()
 
 # TIFF images and compressed data, for the programs.
 include("${CMAKE_CURRENT_LIST_DIR}/Tiff.cmake")
+include("${CMAKE_CURRENT_LIST_DIR}/Viewer.cmake")

@@ -11,4 +11,7 @@ std::vector<std::string> command_line_arguments(int argc, char** argv);
 
 bool error_stream_is_terminal();
 
+// Words quoted for the shell that people of this system use.
+std::string native_shell_words(const std::vector<std::string>& words);
+
 }  // namespace oct::app

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include "command_line/shell_words.h"
+
 namespace oct::app {
 
 std::vector<std::string> command_line_arguments(int argc, char** argv) {
@@ -10,6 +12,10 @@ std::vector<std::string> command_line_arguments(int argc, char** argv) {
 
 bool error_stream_is_terminal() {
   return isatty(STDERR_FILENO) != 0;
+}
+
+std::string native_shell_words(const std::vector<std::string>& words) {
+  return shell_words(words);
 }
 
 }  // namespace oct::app

@@ -6,6 +6,7 @@
 #include <io.h>
 #include <shellapi.h>
 
+#include "command_line/shell_words.h"
 #include "data/file_errors.h"
 
 namespace oct::app {
@@ -22,6 +23,10 @@ std::vector<std::string> command_line_arguments(int, char**) {
 
 bool error_stream_is_terminal() {
   return _isatty(2) != 0;
+}
+
+std::string native_shell_words(const std::vector<std::string>& words) {
+  return windows_shell_words(words);
 }
 
 }  // namespace oct::app

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "data/formats/frames.h"
+#include "data/progress_function.h"
+#include "data/volume.h"
 
 namespace oct::app {
 
@@ -35,5 +37,10 @@ class BlockMeans {
   std::vector<std::uint32_t> counts_;
   std::size_t frames_ = 0;
 };
+
+// The volume reduced by these factors of depth, A-scans and B-scans: what load_volume makes of the file with limits that ask for
+// them.
+VolumeData reduced(const VolumeData& volume, const std::array<std::size_t, 3>& factors,
+                   const ProgressFunction& progress = no_progress);
 
 }  // namespace oct::app

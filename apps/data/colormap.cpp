@@ -51,13 +51,6 @@ std::optional<Colormap> find_colormap(std::string_view name) {
   return std::nullopt;
 }
 
-void add_opacity_ramp(Colormap& colors, double opacity) {
-  for (std::size_t i = 0; i < colors.size(); ++i) {
-    const double t = static_cast<double>(i) / static_cast<double>(colors.size() - 1);
-    colors[i][3] = to_byte(255 * opacity * t * t);
-  }
-}
-
 void scale_alpha(Colormap& colors, double factor) {
   for (Rgba& color : colors) color[3] = to_byte(color[3] * factor);
 }

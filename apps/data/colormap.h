@@ -18,9 +18,6 @@ std::string colormap_names();
 
 std::optional<Colormap> find_colormap(std::string_view name);
 
-// Opacity that rises with the square of the value.
-void add_opacity_ramp(Colormap& colors, double opacity);
-
 void scale_alpha(Colormap& colors, double factor);
 
 // What shows when the map lies on this background (0xRRGGBB); the result is opaque.

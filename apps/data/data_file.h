@@ -23,6 +23,8 @@ struct RawLayout {
   SampleFormat format;
   std::optional<std::uint64_t> offset;  // bytes before the samples; without it the file holds nothing else
   std::string origin = "the layout";    // who says so, for messages
+
+  bool operator==(const RawLayout&) const = default;
 };
 
 // What to read: a file, a folder of B-scans, "-" for the standard input, or "file.npz:name".
@@ -31,6 +33,8 @@ struct DataFile {
   std::optional<RawLayout> raw;
   // Without it picture_order, of a raw file memory_order.
   std::optional<AxisOrder> axes;
+
+  bool operator==(const DataFile&) const = default;
 };
 
 // Frames with what lies along their axes.

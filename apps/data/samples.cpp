@@ -80,4 +80,19 @@ void replace_non_finite(std::span<float> samples, const ValueRange& range) {
   }
 }
 
+std::size_t replace_non_finite(std::span<float> samples) {
+  ValueRange finite{std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+  std::size_t count = 0;
+  for (const float sample : samples) {
+    if (!is_finite(sample)) {
+      ++count;
+      continue;
+    }
+    finite.lower = std::min<double>(finite.lower, sample);
+    finite.upper = std::max<double>(finite.upper, sample);
+  }
+  if (count > 0 && count < samples.size()) replace_non_finite(samples, finite);
+  return count;
+}
+
 }  // namespace oct::app

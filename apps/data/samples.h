@@ -1,6 +1,7 @@
 // Arithmetic on samples before they are drawn.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <vector>
@@ -10,6 +11,8 @@ namespace oct::app {
 struct ValueRange {
   double lower = 0;
   double upper = 1;
+
+  bool operator==(const ValueRange&) const = default;
 };
 
 // The value below which this share (0 to 1) of the values lies, linear between neighbours in rank. Reorders
@@ -20,6 +23,8 @@ double quantile(std::vector<float>& values, double share);
 struct Shares {
   double lower = 0;
   double upper = 1;
+
+  bool operator==(const Shares&) const = default;
 };
 
 // For images: speckle has few very bright samples, and more than one percent of dark ones carry no tissue.
@@ -42,5 +47,9 @@ void to_decibels(std::span<float> samples);
 // Shaders may do anything with NaN and infinity. NaN and minus infinity become the lower end of the range,
 // infinity the upper.
 void replace_non_finite(std::span<float> samples, const ValueRange& range);
+
+// The same by the lowest and the highest finite sample, whatever range is shown later. Returns how many there were; without
+// any finite sample nothing is replaced.
+std::size_t replace_non_finite(std::span<float> samples);
 
 }  // namespace oct::app

@@ -3,8 +3,7 @@
 
 #include <cstddef>
 #include <optional>
-#include <string>
-#include <vector>
+#include <string_view>
 
 #include "data/image.h"
 #include "data/volume.h"
@@ -14,6 +13,19 @@ namespace oct::app {
 // A B-scan has depth downwards and A-scans to the right; an en-face section A-scans to the right and B-scans downwards;
 // the third one B-scans to the right and depth downwards.
 enum class SliceAxis { bscan, enface, third };
+
+// "bscan", "enface" or "third".
+std::optional<SliceAxis> find_slice_axis(std::string_view name);
+
+// Which axes of a volume (0 depth, 1 A-scans, 2 B-scans) go downwards, to the right, and through the section.
+struct SliceAxes {
+  std::size_t down;
+  std::size_t right;
+  std::size_t across;
+};
+SliceAxes axes_of(SliceAxis axis);
+
+std::size_t slice_count(const VolumeData& volume, SliceAxis axis);
 
 enum class Projection { mean, maximum };
 
@@ -26,10 +38,11 @@ struct EnFace {
   bool operator==(const EnFace&) const = default;
 };
 
-// The image's first axis goes downwards, its second to the right; its spacing is that of the axes it shows. Layers outside of
-// the volume do not count; where none is left, and where the surface has no depth, samples are NaN. The surface has one depth in
-// samples for each A-scan, one row per B-scan, and is only needed along it.
+// The image's first axis goes downwards, its second to the right; its spacing is that between its samples: downwards, to the
+// right, across. A mean is that of the finite samples; layers outside of the volume and NaN do not count; where none is left,
+// and where the surface has no depth, the sample is NaN, as all of a section outside of the volume. The surface, which is
+// needed along it only, has depths in samples of the volume's file, and may be larger or smaller than the volume.
 Image slice_of(const VolumeData& volume, SliceAxis axis, std::ptrdiff_t position, const EnFace& enface = {},
-               const std::vector<float>* surface = nullptr);
+               const LateralMap* surface = nullptr);
 
 }  // namespace oct::app

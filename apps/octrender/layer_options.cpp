@@ -1,5 +1,7 @@
 #include "octrender/layer_options.h"
 
+#include <algorithm>
+
 namespace oct::app {
 
 void add_layer_colormap_option(CLI::App& verb, CLI::Option* option, const std::string& what,
@@ -11,11 +13,18 @@ void add_layer_colormap_option(CLI::App& verb, CLI::Option* option, const std::s
 }
 
 void add_layer_color_options(CLI::App& verb, CLI::Option* option, const std::string& what,
-                             std::optional<NumberPair>& range, std::string& colormap) {
-  verb.add_option(option->get_name() + "-range", range, "As --range, for " + what)
+                             LayerColorOptions& options) {
+  verb.add_option(option->get_name() + "-range", options.range, "As --range, for " + what)
       ->type_name("LO HI | auto")
       ->needs(option);
-  add_layer_colormap_option(verb, option, what, colormap);
+  add_layer_colormap_option(verb, option, what, options.colormap);
+  verb.add_flag(option->get_name() + "-reverse", options.reverse, "As --reverse, for " + what)->needs(option);
+}
+
+Colormap layer_colormap(const LayerColorOptions& options) {
+  Colormap colors = load_colormap(options.colormap);
+  if (options.reverse) std::ranges::reverse(colors);
+  return colors;
 }
 
 }  // namespace oct::app

@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <sstream>
 #include <string_view>
 
 #include "data/colormap_reader.h"
@@ -73,6 +74,33 @@ std::optional<Spacing> parse_spacing(const std::optional<NumberPair>& numbers) {
     throw CommandLineError("--spacing: both distances must be finite and above 0");
   }
   return spacing;
+}
+
+std::optional<Shares> parse_percentiles(const std::optional<NumberPair>& numbers) {
+  if (!numbers) return std::nullopt;
+  const auto& [lower, upper] = *numbers;
+  if (!(lower >= 0 && lower < upper && upper <= 100)) {
+    throw CommandLineError("--percentiles: both must be from 0 to 100, the first below the second");
+  }
+  return Shares{lower / 100, upper / 100};
+}
+
+std::vector<std::array<double, 2>> parse_opacity_points(const std::string& text) {
+  std::vector<std::array<double, 2>> points;
+  std::istringstream stream(text);
+  bool valid = true;
+  for (std::string word; valid && std::getline(stream, word, ',');) {
+    std::istringstream numbers(word);
+    double place = 0, part = 0;
+    char colon = '\0';
+    valid = numbers >> place >> colon >> part && colon == ':' && numbers.eof();
+    points.push_back({place, part});
+  }
+  if (!valid || !is_opacity_curve(points)) {
+    throw CommandLineError("--opacity-points: '" + text +
+                           "' is not PLACE:PART,PLACE:PART,... of numbers from 0 to 1 with rising places");
+  }
+  return points;
 }
 
 std::uint32_t parse_color(const std::string& option, const std::string& text) {
@@ -160,8 +188,8 @@ bool is_own_colormap(const std::string& name_or_file) {
 std::vector<std::string> without_automatic_ranges(const std::vector<std::string>& arguments) {
   std::vector<std::string> result;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const bool is_range =
-        arguments[i] == "--range" || arguments[i] == "--overlay-range" || arguments[i] == "--secondary-range";
+    const bool is_range = arguments[i] == "--range" || arguments[i] == "--overlay-range" ||
+                          arguments[i] == "--surface-range" || arguments[i] == "--secondary-range";
     if (is_range && i + 1 < arguments.size() && arguments[i + 1] == "auto") {
       ++i;
     } else {

@@ -2,6 +2,7 @@
 // that names the option.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -11,6 +12,7 @@
 
 #include "data/colormap.h"
 #include "data/data_file.h"
+#include "data/opacity.h"
 #include "data/picture.h"
 #include "data/samples.h"
 #include "scene/polarization_mode.h"
@@ -28,6 +30,12 @@ std::optional<ValueRange> parse_range(const std::string& option, const std::opti
 
 // "DEPTH LATERAL", both above 0.
 std::optional<Spacing> parse_spacing(const std::optional<NumberPair>& numbers);
+
+// "LO HI", percents from 0 to 100 in rising order.
+std::optional<Shares> parse_percentiles(const std::optional<NumberPair>& numbers);
+
+// "0:0,0.5:0.1,1:1": the points of an opacity curve.
+std::vector<std::array<double, 2>> parse_opacity_points(const std::string& text);
 
 // RRGGBB in hexadecimal digits.
 std::uint32_t parse_color(const std::string& option, const std::string& text);

@@ -4,12 +4,14 @@
 #include <new>
 
 #include "client/checked.h"
+#include "command_line/shell_words.h"
 #include "data/file_errors.h"
 #include "oct_rendering/oct_rendering.h"
 #include "octrender/exit_code.h"
 #include "octrender/option_values.h"
 #include "octrender/verbs.h"
 #include "scene/device_error.h"
+#include "scene/picture_texts.h"
 
 namespace oct::app {
 namespace {
@@ -28,6 +30,7 @@ constexpr char program_footer[] =
     "  5  the device failed (octrender live)\n\n"
     "Examples:\n"
     "  octrender bscan skin.npy -o skin.png\n"
+    "  octrender slice skin.npy -o enface.png --axis enface --position 80\n"
     "  octrender volume skin.npy -o skin.png --extent 2.5 6 6\n"
     "  octrender live -o finger.png --motion drift\n"
     "  octrender info\n"
@@ -50,9 +53,11 @@ int report(ExitCode code, const std::string& text) {
 int run_program(const std::vector<std::string>& arguments) {
   CLI::App program(program_description);
   describe(program);
-  add_bscan_verb(program);
-  add_volume_verb(program);
-  add_live_verb(program);
+  const PngTexts texts = picture_texts("octrender " + shell_words(arguments));
+  add_bscan_verb(program, texts);
+  add_slice_verb(program, texts);
+  add_volume_verb(program, texts);
+  add_live_verb(program, texts);
   add_info_verb(program);
   try {
     std::vector<std::string> words = without_automatic_ranges(arguments);

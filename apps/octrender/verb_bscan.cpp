@@ -67,8 +67,7 @@ struct Options {
   std::string background = "000000";
   std::string overlay;
   std::optional<double> overlay_threshold;
-  std::string overlay_colormap = "inferno";
-  std::optional<NumberPair> overlay_range;
+  LayerColorOptions overlay_colors{{}, "inferno"};
   double overlay_opacity = 0.5;
 };
 
@@ -123,7 +122,7 @@ void add_overlay_options(CLI::App& verb, Options& options) {
                   "least this (default: everywhere)")
       ->type_name("T")
       ->needs(overlay);
-  add_layer_color_options(verb, overlay, "the overlay", options.overlay_range, options.overlay_colormap);
+  add_layer_color_options(verb, overlay, "the overlay", options.overlay_colors);
   verb.add_option("--overlay-opacity", options.overlay_opacity, "0 (invisible) to 1 (opaque)")
       ->type_name("A")
       ->check(CLI::Range(0.0, 1.0).description(""))
@@ -181,20 +180,20 @@ Spacing spacing_of(const std::filesystem::path& file, const Image& image) {
   return {depth, lateral};
 }
 
-void run(const Options& options) {
+void run(const Options& options, const PngTexts& texts) {
   // Everything that can be refused by the command line alone comes before the files are read.
   const std::filesystem::path output = picture_file(options.output, {options.input, options.overlay});
   const std::optional<ValueRange> range = parse_range("--range", options.range);
-  const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_range);
+  const std::optional<ValueRange> overlay_range =
+      parse_range("--overlay-range", options.overlay_colors.range);
   const std::optional<Spacing> spacing = parse_spacing(options.spacing);
   const DataFile input = data_file(options.input, options.data);
   BscanScene scene;
   if (!options.size.empty()) scene.size = parse_picture_size(options.size);
   scene.background = parse_color("--background", options.background);
   Colormap colormap = load_colormap(options.colormap);
-  const Colormap overlay_colormap = load_colormap(options.overlay_colormap);
+  const Colormap overlay_colormap = layer_colormap(options.overlay_colors);
   if (options.reverse) std::reverse(colormap.begin(), colormap.end());
-  flatten_onto(colormap, scene.background);
 
   LoadedImage loaded = load_image(input, {options.frame}, reading_progress(input.path));
   if (options.size.empty()) {
@@ -210,14 +209,14 @@ void run(const Options& options) {
   scene.pepper_filter = options.pepper;
   scene.flip = options.flip;
   const BscanPicture drawn = render_bscan(scene);
-  write_png(output, drawn.picture);
+  write_png(output, drawn.picture, texts);
   warn("octrender", drawn.explanation);
 }
 
 }  // namespace
 }  // namespace bscan_verb
 
-void add_bscan_verb(CLI::App& program) {
+void add_bscan_verb(CLI::App& program, const PngTexts& texts) {
   using namespace bscan_verb;
   CLI::App* verb = program.add_subcommand("bscan", description_text);
   const auto options = std::make_shared<Options>();
@@ -225,7 +224,7 @@ void add_bscan_verb(CLI::App& program) {
   add_display_options(*verb, *options);
   add_overlay_options(*verb, *options);
   verb->footer(std::string(data_help) + footer_text);
-  verb->callback([options] { run(*options); });
+  verb->callback([options, texts] { run(*options, texts); });
 }
 
 }  // namespace oct::app

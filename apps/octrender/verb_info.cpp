@@ -7,6 +7,7 @@
 #include "octrender/data_options.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
+#include "scene/drawable_limits.h"
 
 // OpenGL 1.0, which every system's own OpenGL library has. Both platforms know one calling convention.
 extern "C" const unsigned char* glGetString(unsigned int name);

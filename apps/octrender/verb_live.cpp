@@ -211,8 +211,8 @@ LiveSettings settings_of(const Options& options, const std::optional<Polarizatio
 }
 
 // What only the device's volumes can tell: boundaries and the threshold.
-void adapt(const Options& options, const std::optional<ValueRange>& range, LiveDevice& device,
-           LiveScene& scene, SourceSettings& source) {
+void adapt(const Options& options, const std::optional<ValueRange>& range, const Shares& shares,
+           LiveDevice& device, LiveScene& scene, SourceSettings& source) {
   const bool intensity = is_intensity(source.polarization);
   scene.volume.range = range ? *range : intensity ? ValueRange{} : *natural_range(*source.polarization);
   if (options.threshold) source.threshold = *options.threshold;
@@ -223,8 +223,7 @@ void adapt(const Options& options, const std::optional<ValueRange>& range, LiveD
   const Progress progress("measuring a first volume", Progress::unknown_length);
   MeasuredVolume first = device.measure(scene.surface.has_value());
   if (wants_range) {
-    scene.volume.range =
-        volume_range("the device's first volume", first.samples, {}, range_shares(scene.view.look));
+    scene.volume.range = volume_range("the device's first volume", first.samples, {}, shares);
   }
   if (scene.surface) {
     const double whole_depth = device.depth_range() / source.refractive_index;
@@ -269,7 +268,7 @@ void print_json(const LiveResult& result) {
             << "}, \"frames\": " << result.frames << ", \"worst_frame_ms\": " << result.worst_frame << "}\n";
 }
 
-void run(const Options& options) {
+void run(const Options& options, const PngTexts& texts) {
   const std::filesystem::path output =
       options.output.empty() ? std::filesystem::path() : picture_file(options.output, {});
   const std::optional<ValueRange> range = parse_range("--range", options.range);
@@ -278,17 +277,18 @@ void run(const Options& options) {
                                                    : parse_polarization_mode(options.polarization);
   LiveScene scene = scene_of(options, mode);
   LiveSettings settings = settings_of(options, mode);
+  const Shares shares = shares_of(options, scene.view.look);
 
   LiveDevice device(device_setup(options, mode));
   checked(setDeviceLibrary, options.library.c_str());
-  adapt(options, range, device, scene, settings.source);
+  adapt(options, range, shares, device, scene, settings.source);
   LiveResult result;
   {
     Progress progress("live", Progress::unknown_length);
     LiveEvents events;
     events.snapshot = [&](unsigned number, const Picture& picture) {
       if (output.empty()) return;
-      write_png(options.snapshots > 1 ? numbered(output, number) : output, picture);
+      write_png(options.snapshots > 1 ? numbered(output, number) : output, picture, texts);
     };
     events.progress = [&](double seconds) {
       constexpr double steps = 1000;
@@ -304,7 +304,7 @@ void run(const Options& options) {
 }  // namespace
 }  // namespace live_verb
 
-void add_live_verb(CLI::App& program) {
+void add_live_verb(CLI::App& program, const PngTexts& texts) {
   using namespace live_verb;
   CLI::App* verb = program.add_subcommand("live", description_text);
   const auto options = std::make_shared<Options>();
@@ -319,7 +319,7 @@ void add_live_verb(CLI::App& program) {
   add_cut_options(*verb, *options);
   add_box_options(*verb, *options);
   verb->footer(footer_text);
-  verb->callback([options] { run(*options); });
+  verb->callback([options, texts] { run(*options, texts); });
 }
 
 }  // namespace oct::app

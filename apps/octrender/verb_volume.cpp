@@ -9,9 +9,11 @@
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
 #include "octrender/picture_files.h"
+#include "octrender/output/picture_series.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 #include "octrender/volume_options.h"
+#include "scene/drawable_limits.h"
 #include "scene/volume_scene.h"
 
 namespace oct::app {
@@ -27,13 +29,14 @@ is reduced by whole numbers, and the factors are shown.
 
 Modes: composite shows voxels with the opacity of the ramp, maximum and mean what a ray
 meets on its way, sections three slices. The opacity of a composite rises with the square
-of the value, up to --opacity per step of a ray, or per --opacity-length, whatever the
-number of --slices. --light shows its shapes: it shades where values change.
+of the value, or goes through --opacity-points, up to --opacity per step of a ray, or per
+--opacity-length, whatever the number of --slices. --light shows its shapes: it shades where values change.
 
 An automatic range starts where most voxels are noise or air: at the 60th percentile for
 a composite, at the 1st otherwise; it ends at the 99.8th, of a mean at the 98th.
 
-With --turntable N the pictures are OUT-000.png, OUT-001.png, ...
+A turntable's animation repeats for ever. Its pictures are written as they are drawn; when
+one fails there is no file, and one that was there before stays.
 
 Exit codes: 0 written, 1 rendering failed, 2 wrong command line, 3 input cannot be read or
 understood, 4 output cannot be written.
@@ -46,6 +49,7 @@ Examples:
   octrender volume scan.raw -o scan.png --raw 512x400x300:u2be+128 --mode maximum
   octrender volume slices/ -o scan.png --mode maximum
   octrender volume skin.npy -o turn.png --turntable 72
+  octrender volume skin.npy -o turn.apng --turntable 72 --fps 24 --size 640x480
 )";
 
 struct Options : VolumeOptions {
@@ -55,15 +59,14 @@ struct Options : VolumeOptions {
   bool decibels = false;
   std::vector<double> extent;
   std::string surface;
-  std::string surface_colormap = "viridis";
+  LayerColorOptions surface_colors{{}, "viridis"};
   bool surface_only = false;
   std::string overlay;
-  std::optional<NumberPair> overlay_range;
-  std::string overlay_colormap = "inferno";
+  LayerColorOptions overlay_colors{{}, "inferno"};
   std::string secondary;
-  std::optional<NumberPair> secondary_range;
-  std::string secondary_colormap = "viridis";
+  LayerColorOptions secondary_colors{{}, "viridis"};
   unsigned turntable = 0;
+  unsigned frames_per_second = 30;
 };
 
 void add_input_options(CLI::App& verb, Options& options) {
@@ -79,51 +82,47 @@ void add_placing_options(CLI::App& verb, Options& options) {
                   "count as cubes and\nthere are no scale marks)")
       ->type_name("DEPTH ASCANS BSCANS")
       ->expected(3);
-  verb.add_option("--turntable", options.turntable, "Draw N pictures, one turn about the depth axis")
+  auto* turntable = verb.add_option("--turntable", options.turntable,
+                                    "Draw N pictures, one turn about the depth axis: OUT-000.png,\n"
+                                    "OUT-001.png, ..., or an animation, OUT.apng, and OUT.mp4,\n"
+                                    "OUT.webm or OUT.gif where there is ffmpeg");
+  turntable->type_name("N")->check(CLI::Range(2, 3600).description(""));
+  verb.add_option("--fps", options.frames_per_second, "Pictures per second of an animation")
       ->type_name("N")
-      ->check(CLI::Range(2, 3600).description(""));
+      ->check(CLI::Range(1, 240).description(""))
+      ->capture_default_str()
+      ->needs(turntable);
 }
 
 void add_layer_options(CLI::App& verb, Options& options) {
   auto* surface =
       verb.add_option("--surface", options.surface, "Height map of depths in samples, one row per B-scan");
   surface->type_name("FILE");
-  add_layer_colormap_option(verb, surface, "the surface", options.surface_colormap);
+  add_layer_color_options(verb, surface, "the surface", options.surface_colors);
   verb.add_flag("--surface-only", options.surface_only, "Draw the surface without the volume")
       ->needs(surface);
   auto* overlay = verb.add_option("--overlay", options.overlay, "Second volume of the same size, laid over");
   overlay->type_name("FILE");
-  add_layer_color_options(verb, overlay, "the overlay", options.overlay_range, options.overlay_colormap);
+  add_layer_color_options(verb, overlay, "the overlay", options.overlay_colors);
   auto* secondary = verb.add_option(
       "--secondary", options.secondary,
       "Map of a second quantity over the lateral axes, one row\nper B-scan, that colours a composite");
   secondary->type_name("FILE")->excludes(overlay);
-  add_layer_color_options(verb, secondary, "the map", options.secondary_range, options.secondary_colormap);
+  add_layer_color_options(verb, secondary, "the map", options.secondary_colors);
 }
 
 // From the command line, else from the file. Says where the spacing came from.
 std::array<float, 3> extent_of(const Options& options, VolumeData& volume) {
-  std::array<double, 3> extent{};
-  for (std::size_t i = 0; i < 3; ++i) extent[i] = static_cast<double>(volume.file_size[i]);
-  if (!options.extent.empty()) {
-    for (std::size_t i = 0; i < 3; ++i) volume.spacing.mm[i] = options.extent[i] / extent[i];
-    volume.spacing.source = "command line";
-  } else if (volume.spacing.is_known()) {
+  take_extent(volume, options.extent);
+  if (options.extent.empty() && volume.spacing.is_known()) {
     note(from_utf8(options.input), "voxels of " + spacing_text(volume.spacing));
   }
   std::array<float, 3> result{};
   for (std::size_t i = 0; i < 3; ++i) {
-    result[i] = static_cast<float>(extent[i] * (volume.spacing.is_known() ? volume.spacing.mm[i] : 1.0));
+    result[i] = static_cast<float>(static_cast<double>(volume.file_size[i]) *
+                                   (volume.spacing.is_known() ? volume.spacing.mm[i] : 1.0));
   }
   return result;
-}
-
-void check_extent(const std::vector<double>& numbers) {
-  for (const double number : numbers) {
-    if (!(std::isfinite(number) && number >= 1e-6 && number <= 1e6)) {
-      throw CommandLineError("--extent: each extent must be from 0.000001 to 1000000 millimetres");
-    }
-  }
 }
 
 // Settings that the command line alone decides and can refuse.
@@ -142,35 +141,37 @@ VolumeScene scene_of(const Options& options) {
 }
 
 void load_base(const Options& options, const DataFile& file, const std::optional<ValueRange>& range,
-               VolumeScene& scene) {
-  VolumeLayer& base = scene.base;
-  base.data = read_volume(file, drawable_limits());
-  if (options.decibels) to_decibels(base.data.voxels);
-  base.range = volume_range(options.input, base.data.voxels, range, range_shares(scene.look));
-  replace_non_finite(base.data.voxels, base.range);
-  scene.extent = extent_of(options, base.data);
-  scene.scale_marks = scene.scale_marks && base.data.spacing.is_known();
+               const Shares& shares, VolumeScene& scene) {
+  VolumeData data = read_volume(file, drawable_limits());
+  if (options.decibels) to_decibels(data.voxels);
+  scene.base.range = volume_range(options.input, data.voxels, range, shares);
+  replace_non_finite(data.voxels);
+  scene.extent = extent_of(options, data);
+  scene.scale_marks = scene.scale_marks && data.spacing.is_known();
+  scene.base.data = std::make_shared<const VolumeData>(std::move(data));
 }
 
 void load_overlay(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                   VolumeScene& scene) {
   VolumeLayer overlay;
-  overlay.data = read_volume(data_file(options.overlay, options.data), drawable_limits());
-  const VolumeData& base = scene.base.data;
-  if (overlay.data.file_size != base.file_size) {
+  VolumeData data = read_volume(data_file(options.overlay, options.data), drawable_limits());
+  if (data.file_size != scene.base.data->file_size) {
     throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
   }
-  overlay.range = volume_range(options.overlay, overlay.data.voxels, range, {0.6, 0.998});
-  replace_non_finite(overlay.data.voxels, overlay.range);
+  overlay.range = volume_range(options.overlay, data.voxels, range, {0.6, 0.998});
+  replace_non_finite(data.voxels);
+  overlay.data = std::make_shared<const VolumeData>(std::move(data));
   overlay.colormap = std::move(colormap);
   scene.overlay = std::move(overlay);
 }
 
-void load_surface(const Options& options, Colormap colormap, VolumeScene& scene) {
+void load_surface(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
+                  VolumeScene& scene) {
   HeightMap surface;
-  surface.depths = load_height_map({from_utf8(options.surface), {}, {}}, scene.base.data);
-  surface.range = volume_range(options.surface, surface.depths.values, {}, {0.01, 0.99});
-  replace_non_finite(surface.depths.values, surface.range);
+  std::vector<float> depths = load_height_map({from_utf8(options.surface), {}, {}}, *scene.base.data).values;
+  surface.range = volume_range(options.surface, depths, range, {0.01, 0.99});
+  replace_non_finite(depths);
+  surface.depths = std::make_shared<const std::vector<float>>(std::move(depths));
   surface.colormap = std::move(colormap);
   scene.surface = std::move(surface);
 }
@@ -178,60 +179,75 @@ void load_surface(const Options& options, Colormap colormap, VolumeScene& scene)
 void load_secondary(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                     VolumeScene& scene) {
   SecondaryColoring secondary;
-  secondary.map = load_lateral_map({from_utf8(options.secondary), {}, {}});
-  secondary.range = volume_range(options.secondary, secondary.map.values, range, {0.01, 0.99});
-  replace_non_finite(secondary.map.values, secondary.range);
+  LateralMap map = load_lateral_map({from_utf8(options.secondary), {}, {}});
+  secondary.range = volume_range(options.secondary, map.values, range, {0.01, 0.99});
+  replace_non_finite(map.values);
+  secondary.map = std::make_shared<const LateralMap>(std::move(map));
   secondary.colormap = std::move(colormap);
   scene.secondary = std::move(secondary);
 }
 
-void draw(const VolumeScene& scene, const std::filesystem::path& output, unsigned turntable) {
-  if (turntable == 0) {
-    render_volume(scene, 1, [&](unsigned, const Picture& picture, const std::string& explanation) {
-      write_png(output, picture);
-      warn("octrender", explanation);
-    });
-    return;
+// Of one picture nothing but the PNG.
+std::filesystem::path output_of(const Options& options) {
+  const std::initializer_list<std::string> inputs = {options.input, options.overlay, options.surface,
+                                                     options.secondary};
+  if (options.turntable > 0) return series_file(options.output, inputs);
+  if (is_animation(from_utf8(options.output))) {
+    throw CommandLineError("the output '" + options.output + "' is an animation; it needs --turntable N");
   }
-  const std::size_t samples = std::size_t{turntable} * scene.size.width * scene.size.height;
-  std::string last_explanation;
-  {
-    Progress progress("drawing " + std::to_string(turntable) + " pictures", samples);
-    render_volume(scene, turntable,
-                  [&](unsigned number, const Picture& picture, const std::string& explanation) {
-                    progress.update(number, turntable);
-                    write_png(numbered(output, number), picture);
-                    last_explanation = explanation;
-                  });
-  }
-  warn("octrender", last_explanation);
+  return picture_file(options.output, inputs);
 }
 
-void run(const Options& options) {
+void draw(const VolumeScene& scene, const std::filesystem::path& output, const Options& options,
+          const PngTexts& texts) {
+  std::string explanation;
+  if (options.turntable == 0) {
+    explanation =
+        render_volume(scene, 1, [&](unsigned, const Picture& picture) { write_png(output, picture, texts); });
+  } else {
+    const unsigned count = options.turntable;
+    Progress progress("drawing " + std::to_string(count) + " pictures",
+                      std::size_t{count} * scene.size.width * scene.size.height);
+    const auto series = open_series({output, count, options.frames_per_second, texts});
+    explanation = render_volume(scene, count, [&](unsigned number, const Picture& picture) {
+      progress.update(number, count);
+      series->add(picture);
+    });
+    series->finish();
+  }
+  warn("octrender", explanation);
+}
+
+void run(const Options& options, const PngTexts& texts) {
   // Everything that can be refused by the command line alone comes before the files are read.
-  const std::filesystem::path output =
-      picture_file(options.output, {options.input, options.overlay, options.surface, options.secondary});
+  const std::filesystem::path output = output_of(options);
   const std::optional<ValueRange> range = parse_range("--range", options.range);
-  const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_range);
-  const std::optional<ValueRange> secondary_range = parse_range("--secondary-range", options.secondary_range);
+  const std::optional<ValueRange> overlay_range =
+      parse_range("--overlay-range", options.overlay_colors.range);
+  const std::optional<ValueRange> surface_range =
+      parse_range("--surface-range", options.surface_colors.range);
+  const std::optional<ValueRange> secondary_range =
+      parse_range("--secondary-range", options.secondary_colors.range);
   const DataFile file = data_file(options.input, options.data);
   VolumeScene scene = scene_of(options);
-  Colormap overlay_colormap = load_colormap(options.overlay_colormap);
-  if (!is_own_colormap(options.overlay_colormap)) add_opacity_ramp(overlay_colormap, 1.0);
-  const Colormap surface_colormap = load_colormap(options.surface_colormap);
-  const Colormap secondary_colormap = load_colormap(options.secondary_colormap);
+  const Shares shares = shares_of(options, scene.look);
+  Colormap overlay_colormap = layer_colormap(options.overlay_colors);
+  if (!is_own_colormap(options.overlay_colors.colormap))
+    set_opacity(overlay_colormap, {.highest = 1, .shift = 0, .points = {}});
+  const Colormap surface_colormap = layer_colormap(options.surface_colors);
+  const Colormap secondary_colormap = layer_colormap(options.secondary_colors);
 
-  load_base(options, file, range, scene);
+  load_base(options, file, range, shares, scene);
   if (!options.overlay.empty()) load_overlay(options, overlay_range, std::move(overlay_colormap), scene);
-  if (!options.surface.empty()) load_surface(options, surface_colormap, scene);
+  if (!options.surface.empty()) load_surface(options, surface_range, surface_colormap, scene);
   if (!options.secondary.empty()) load_secondary(options, secondary_range, secondary_colormap, scene);
-  draw(scene, output, options.turntable);
+  draw(scene, output, options, texts);
 }
 
 }  // namespace
 }  // namespace volume_verb
 
-void add_volume_verb(CLI::App& program) {
+void add_volume_verb(CLI::App& program, const PngTexts& texts) {
   using namespace volume_verb;
   CLI::App* verb = program.add_subcommand("volume", description_text);
   const auto options = std::make_shared<Options>();
@@ -243,7 +259,7 @@ void add_volume_verb(CLI::App& program) {
   add_layer_options(*verb, *options);
   add_box_options(*verb, *options);
   verb->footer(std::string(data_help) + footer_text);
-  verb->callback([options] { run(*options); });
+  verb->callback([options, texts] { run(*options, texts); });
 }
 
 }  // namespace oct::app

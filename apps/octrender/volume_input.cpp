@@ -2,42 +2,22 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
 
-#include "client/checked.h"
 #include "command_line/progress.h"
-#include "oct_rendering/oct_rendering.h"
+#include "octrender/option_values.h"
 
 namespace oct::app {
 namespace {
-
-// Bytes of floats, of which graphics devices keep half.
-constexpr std::uint64_t largest_volume = std::uint64_t{1} << 33;
 
 std::string product_of(const std::array<std::size_t, 3>& numbers) {
   return std::to_string(numbers[0]) + " x " + std::to_string(numbers[1]) + " x " + std::to_string(numbers[2]);
 }
 
-// The driver answers from a context that is made for the question.
-VolumeLimits ask_driver() {
-  OctRendererInfo driver{};
-  driver.size = sizeof driver;
-  checked(getRendererInfo, &driver);
-  VolumeLimits limits{driver.max_3d_texture_size, largest_volume};
-  // A voxel takes two bytes there and four here; a quarter is left for what else is drawn.
-  if (driver.free_video_memory > 0)
-    limits.bytes = std::min<std::uint64_t>(limits.bytes, driver.free_video_memory / 4 * 6);
-  return limits;
-}
-
 }  // namespace
-
-VolumeLimits drawable_limits() {
-  static const VolumeLimits limits = ask_driver();
-  return limits;
-}
 
 VolumeData read_volume(const DataFile& file, const VolumeLimits& limits) {
   try {
@@ -52,6 +32,22 @@ VolumeData read_volume(const DataFile& file, const VolumeLimits& limits) {
   } catch (const NoVolumeError& error) {
     throw ReadError(error, "Draw it with octrender bscan");
   }
+}
+
+void check_extent(const std::vector<double>& extent) {
+  for (const double number : extent) {
+    if (!(std::isfinite(number) && number >= 1e-6 && number <= 1e6)) {
+      throw CommandLineError("--extent: each extent must be from 0.000001 to 1000000 millimetres");
+    }
+  }
+}
+
+void take_extent(VolumeData& volume, const std::vector<double>& extent) {
+  if (extent.empty()) return;
+  for (std::size_t i = 0; i < 3; ++i) {
+    volume.spacing.mm[i] = extent[i] / static_cast<double>(volume.file_size[i]);
+  }
+  volume.spacing.source = "command line";
 }
 
 std::string spacing_text(const VoxelSpacing& spacing) {

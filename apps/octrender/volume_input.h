@@ -12,11 +12,14 @@
 
 namespace oct::app {
 
-// What the OpenGL driver in use can draw.
-VolumeLimits drawable_limits();
-
 // What exceeds the limits comes reduced, with a note on the error stream.
 VolumeData read_volume(const DataFile& file, const VolumeLimits& limits = {});
+
+// Throws a CommandLineError where one of the millimetres along depth, A-scans and B-scans makes no sense.
+void check_extent(const std::vector<double>& extent);
+
+// The spacing that follows from an extent on the command line, if there is one.
+void take_extent(VolumeData& volume, const std::vector<double>& extent);
 
 // "0.002 x 0.01 x 0.01 mm (depth, A-scan, B-scan; NRRD header)".
 std::string spacing_text(const VoxelSpacing& spacing);

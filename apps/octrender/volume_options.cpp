@@ -48,6 +48,13 @@ void add_view_options(CLI::App& verb, VolumeOptions& options) {
       ->type_name("X Y")
       ->expected(2)
       ->capture_default_str();
+  verb.add_option(
+          "--translate", options.translation,
+          "Move the volume to the right, upwards, and towards the\nviewer; the box's half diagonal is 2")
+      ->type_name("X Y Z")
+      ->expected(3)
+      ->check(CLI::Range(-1e6, 1e6).description(""))
+      ->capture_default_str();
   verb.add_option("--zoom", options.zoom,
                   "Smaller is closer: the field of view less 5 degrees,\nor, orthographic, five times the "
                   "visible width, the\n"
@@ -68,16 +75,30 @@ void add_view_options(CLI::App& verb, VolumeOptions& options) {
 }
 
 void add_color_options(CLI::App& verb, VolumeOptions& options, const std::string& default_colors) {
-  verb.add_option("--range", options.range, "Values of the first and the last colour\n(default: auto)")
-      ->type_name("LO HI | auto");
+  auto* range =
+      verb.add_option("--range", options.range, "Values of the first and the last colour\n(default: auto)");
+  range->type_name("LO HI | auto");
+  verb.add_option("--percentiles", options.percentiles,
+                  "Ends of an automatic range: percents of the samples\nthat lie below")
+      ->type_name("LO HI")
+      ->excludes(range);
   verb.add_option("--colormap", options.colormap,
                   colormap_names() + "\nor a .csv file, whose own alpha then counts (default:\n" +
                       default_colors + ")")
       ->type_name("MAP");
   verb.add_flag("--reverse", options.reverse, "Turn the colours of the map round, not its opacity");
-  verb.add_option("--opacity", options.opacity, "Highest opacity of one step of a ray, 0 to 1")
+  verb.add_option("--opacity", options.opacity.highest, "Highest opacity of one step of a ray, 0 to 1")
       ->check(CLI::Range(0.0, 1.0).description(""))
       ->capture_default_str();
+  verb.add_option("--opacity-shift", options.opacity.shift,
+                  "Move the curve of opacities along the map, by this\npart of it; above 0 less is opaque")
+      ->check(CLI::Range(-1.0, 1.0).description(""))
+      ->capture_default_str();
+  verb.add_option(
+          "--opacity-points", options.opacity_points,
+          "The curve in place of the square of the value: places\non the map with parts of the highest "
+          "opacity, both 0 to\n1, such as 0:0,0.4:0.1,1:1; linear in between")
+      ->type_name("PLACE:PART,...");
   verb.add_option(
           "--opacity-length", options.opacity_length,
           "Make it the opacity of so many millimetres of tissue\n(of voxels, where they count as cubes)")
@@ -116,6 +137,7 @@ VolumeView view_of(const VolumeOptions& options) {
   view.look = parse_mode(options.mode);
   view.size = parse_picture_size(options.size);
   view.angles = {options.angles[0], options.angles[1]};
+  std::ranges::copy(options.translation, view.translation.begin());
   view.zoom = options.zoom.value_or(options.orthographic ? orthographic_zoom : perspective_zoom);
   view.perspective = !options.orthographic;
   view.slices = options.slices;
@@ -133,11 +155,17 @@ VolumeView view_of(const VolumeOptions& options) {
   return view;
 }
 
+Shares shares_of(const VolumeOptions& options, VolumeLook look) {
+  return parse_percentiles(options.percentiles).value_or(range_shares(look));
+}
+
 Colormap volume_colormap(const VolumeOptions& options, VolumeLook look, const std::string& default_name) {
   const std::string& name = options.colormap.empty() ? default_name : options.colormap;
   Colormap colors = load_colormap(name);
   if (options.reverse) std::reverse(colors.begin(), colors.end());
-  if (look == VolumeLook::composite && !is_own_colormap(name)) add_opacity_ramp(colors, options.opacity);
+  OpacityRule opacity = options.opacity;
+  if (!options.opacity_points.empty()) opacity.points = parse_opacity_points(options.opacity_points);
+  if (look == VolumeLook::composite && !is_own_colormap(name)) set_opacity(colors, opacity);
   return colors;
 }
 

@@ -17,6 +17,7 @@ struct VolumeOptions {
   std::string mode = "composite";
   std::string size = "1024x768";
   std::vector<double> angles{25, -35};
+  std::vector<double> translation{0, 0, 0};
   std::optional<double> zoom;
   bool orthographic = false;
   int slices = 256;
@@ -24,9 +25,11 @@ struct VolumeOptions {
   bool jitter = false;
   double opacity_length = 0;
   std::optional<NumberPair> range;
+  std::optional<NumberPair> percentiles;
   std::string colormap;
   bool reverse = false;
-  double opacity = 0.25;
+  OpacityRule opacity;
+  std::string opacity_points;
   std::vector<std::string> background{"000066", "000019"};
   std::string foreground = "FFFFFF";
   std::optional<double> clip;
@@ -50,6 +53,9 @@ void add_box_options(CLI::App& verb, VolumeOptions& options);
 VolumeView view_of(const VolumeOptions& options);
 
 // The map of the options, or this one where they name none; with the opacity that the look wants.
+// Of an automatic range: what the command line says, else what suits the look.
+Shares shares_of(const VolumeOptions& options, VolumeLook look);
+
 Colormap volume_colormap(const VolumeOptions& options, VolumeLook look, const std::string& default_name);
 
 }  // namespace oct::app

@@ -18,8 +18,14 @@ void set_image(void (*setter)(DisplayRenderingHandle, int, int, const float*),
 
 void set_base(DisplayRenderingHandle renderer, const Layer& layer) {
   set_image(setDisplayData, renderer, layer.image);
-  checked(setDisplayColormap, renderer, layer.colormap.data(), static_cast<int>(layer.colormap.size()));
   checked(setDisplayColoringBoundaries, renderer, layer.range.lower, layer.range.upper);
+}
+
+// The library draws the base opaque.
+void set_background(DisplayRenderingHandle renderer, Colormap colors, std::uint32_t background) {
+  flatten_onto(colors, background);
+  checked(setDisplayColormap, renderer, colors.data(), static_cast<int>(colors.size()));
+  checked(setBackgroundColor, renderer, static_cast<int>(background));
 }
 
 void set_overlay(DisplayRenderingHandle renderer, const Overlay& overlay) {
@@ -38,19 +44,28 @@ void set_overlay(DisplayRenderingHandle renderer, const Overlay& overlay) {
 
 void set_scene(DisplayRenderingHandle renderer, const BscanScene& scene) {
   set_base(renderer, scene.base);
+  set_background(renderer, scene.base.colormap, scene.background);
   if (scene.overlay) set_overlay(renderer, *scene.overlay);
-  checked(setBackgroundColor, renderer, static_cast<int>(scene.background));
   checked(setDisplayBlur, renderer, int{scene.first_blur}, int{scene.second_blur});
   checked(setDisplayPepperFilter, renderer, int{scene.pepper_filter});
   checked(setDisplayFlip, renderer, int{scene.flip});
 }
 
-BscanPicture render_bscan(const BscanScene& scene) {
+BscanPicture render_bscan(const BscanScene& scene, unsigned tile) {
   OffscreenTarget target;
-  const DisplayRenderer renderer;
-  set_scene(renderer.handle(), scene);
-  Picture picture = draw_picture(target, scene.size, [&] { checked(renderDisplay, renderer.handle()); });
-  return {std::move(picture), explanation_of(explainDisplay, renderer.handle())};
+  const DisplayRenderer owner;
+  const DisplayRenderingHandle renderer = owner.handle();
+  set_scene(renderer, scene);
+  const auto draw = [&] {
+    return draw_picture(target, scene.size, tile, &setDisplayPart, renderer,
+                        [&] { checked(renderDisplay, renderer); });
+  };
+  const auto draw_on = [&](std::uint32_t background) {
+    set_background(renderer, scene.base.colormap, background);
+    return draw();
+  };
+  Picture picture = scene.transparent ? without_background(draw_on(0x000000), draw_on(0xFFFFFF)) : draw();
+  return {std::move(picture), explanation_of(explainDisplay, renderer)};
 }
 
 }  // namespace oct::app

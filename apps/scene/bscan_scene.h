@@ -10,6 +10,7 @@
 #include "data/picture.h"
 #include "data/samples.h"
 #include "oct_rendering/oct_rendering.h"
+#include "scene/offscreen_picture.h"
 
 namespace oct::app {
 
@@ -29,7 +30,9 @@ struct BscanScene {
   Layer base;
   std::optional<Overlay> overlay;
   PictureSize size;
-  std::uint32_t background = 0;  // 0xRRGGBB
+  // 0xRRGGBB: shows around the image, and through transparent colours of the base's map.
+  std::uint32_t background = 0;
+  bool transparent = false;  // alpha in place of the background; the picture then has four channels
   bool first_blur = false;
   bool second_blur = false;
   bool pepper_filter = false;
@@ -42,6 +45,6 @@ struct BscanPicture {
   Picture picture;
   std::string explanation;  // why it shows nothing; empty when it shows something
 };
-BscanPicture render_bscan(const BscanScene& scene);
+BscanPicture render_bscan(const BscanScene& scene, unsigned tile = largest_tile);
 
 }  // namespace oct::app

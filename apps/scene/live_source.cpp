@@ -27,8 +27,12 @@ LiveSource::LiveSource(const LiveDevice& device, const SourceSettings& settings)
   }
 }
 
-void LiveSource::announce(OctErrorFunction on_error) {
-  checked(setErrorCallback, handle_.get(), on_error);
+void LiveSource::announce(OctErrorFunctionWithUser on_error, void* user) {
+  checked(setErrorCallbackWithUser, handle_.get(), on_error, user);
+}
+
+void LiveSource::hand_volumes_to(OctVolumeFunctionWithUser on_volume, void* user) {
+  checked(setVolumeCallbackWithUser, handle_.get(), on_volume, user);
 }
 
 void LiveSource::start(LiveVolumeRenderingHandle live) {
@@ -37,6 +41,14 @@ void LiveSource::start(LiveVolumeRenderingHandle live) {
 
 void LiveSource::stop() {
   checked(stopDataSource, handle_.get());
+}
+
+void LiveSource::cancel() {
+  checked(cancelDataSource, handle_.get());
+}
+
+bool LiveSource::is_running() const {
+  return checked(isDataSourceRunning, handle_.get());
 }
 
 }  // namespace oct::app

@@ -25,11 +25,15 @@ class LiveSource {
  public:
   LiveSource(const LiveDevice& device, const SourceSettings& settings);
 
-  // Called on the acquisition thread when acquisition fails.
-  void announce(OctErrorFunction on_error);
+  // Called on the acquisition thread: when acquisition fails, and with each volume. What user points to outlives the
+  // source.
+  void announce(OctErrorFunctionWithUser on_error, void* user);
+  void hand_volumes_to(OctVolumeFunctionWithUser on_volume, void* user);
 
   void start(LiveVolumeRenderingHandle live);
   void stop();
+  void cancel();  // without waiting for the volume that is being measured
+  bool is_running() const;
 
  private:
   const LiveDevice& device_;

@@ -68,12 +68,9 @@ class Exchange {
   std::vector<std::vector<std::uint8_t>> pictures_;
 };
 
-// What the acquisition thread's function works with; it takes no pointer of the program's.
-std::atomic<Exchange*> exchange_of_errors = nullptr;
-
-void on_error(const char* message) {
+void on_error(const char* message, void* exchange) {
   const DeviceError error("acquisition failed: " + std::string(message));
-  exchange_of_errors.load()->fail(std::make_exception_ptr(error));
+  static_cast<Exchange*>(exchange)->fail(std::make_exception_ptr(error));
 }
 
 OctLiveStatistics statistics_of(LiveVolumeRenderingHandle live) {
@@ -217,9 +214,8 @@ LiveResult show_live(const LiveDevice& device, const LiveScene& scene, const Liv
                      const LiveEvents& events) {
   Exchange exchange;
   RenderingThread rendering(scene, settings, exchange);
-  exchange_of_errors = &exchange;
   LiveSource source(device, settings.source);
-  source.announce(&on_error);
+  source.announce(&on_error, &exchange);
   source.start(rendering.live());
   for (unsigned taken = 0; taken < settings.snapshots;) {
     for (const std::vector<std::uint8_t>& pixels : exchange.wait()) {

@@ -51,7 +51,7 @@ struct LiveResult {
   std::string explanation;    // why the last snapshot shows nothing; empty when it shows something
 };
 
-// Runs until the time is over. Throws a failure when acquisition or rendering fails. One call at a time.
+// Runs until the time is over. Throws a failure when acquisition or rendering fails.
 LiveResult show_live(const LiveDevice& device, const LiveScene& scene, const LiveSettings& settings,
                      const LiveEvents& events);
 

@@ -55,13 +55,16 @@ void set_view(VolumeRendererHandle renderer, const VolumeView& view) {
   const auto& [first, second, third] = view.sections;
   checked(setSectionalView, renderer, int{first.has_value()}, first.value_or(0.5F), int{second.has_value()},
           second.value_or(0.5F), int{third.has_value()}, third.value_or(0.5F));
-  if (view.clip) {
-    checked(setClipPlane, renderer, 1, int{view.clip->open}, static_cast<float>(view.clip->value));
-    checked(setRemoveSegment, renderer, int{view.clip->ghost});
-  }
+  const ClipSetting clip = view.clip.value_or(ClipSetting{});
+  checked(setClipPlane, renderer, int{view.clip.has_value()}, int{clip.open}, static_cast<float>(clip.value));
+  checked(setRemoveSegment, renderer, int{clip.ghost});
   checked(setBorder, renderer, int{view.scale_marks}, int{view.edges}, int{view.box});
-  checked(setRenderBackground, renderer, packed(view.background_bottom), packed(view.background_top));
+  set_background(renderer, view.background_bottom, view.background_top);
   checked(setRenderForeground, renderer, packed(view.foreground));
+}
+
+void set_background(VolumeRendererHandle renderer, std::uint32_t bottom, std::uint32_t top) {
+  checked(setRenderBackground, renderer, packed(bottom), packed(top));
 }
 
 void set_colors(VolumeRendererHandle renderer, ColoredData data, const Colormap& colors,

@@ -18,6 +18,8 @@ struct ClipSetting {
   double value = 0.5;
   bool open = false;
   bool ghost = false;  // shows where the part that is cut away was
+
+  bool operator==(const ClipSetting&) const = default;
 };
 
 struct VolumeView {
@@ -41,6 +43,8 @@ struct VolumeView {
   std::uint32_t background_bottom = 0x000066;  // 0xRRGGBB
   std::uint32_t background_top = 0x000019;
   std::uint32_t foreground = 0xFFFFFF;
+
+  bool operator==(const VolumeView&) const = default;
 };
 
 // Those of the automatic range that suits the look.
@@ -48,6 +52,9 @@ Shares range_shares(VolumeLook look);
 
 // Everything but the angles, which may change from picture to picture.
 void set_view(VolumeRendererHandle renderer, const VolumeView& view);
+
+// 0xRRGGBB, as in the view.
+void set_background(VolumeRendererHandle renderer, std::uint32_t bottom, std::uint32_t top);
 
 enum class ColoredData { volume, overlay, secondary, surface };
 

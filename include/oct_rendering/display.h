@@ -157,6 +157,23 @@ OCT_API void setDisplayBlur(DisplayRenderingHandle Handle, int First, int Second
 OCT_API void setDisplayFlip(DisplayRenderingHandle Handle, int Flip);
 
 /**
+ * @brief Lets frames show a part of a picture that is larger than what the driver draws at once. Each pixel shows the samples
+ * that it shows in the whole picture.
+ * @param Handle The renderer.
+ * @param Width Width of the whole picture in pixels, 1 to 1048576. 0, with a height of 0: frames show the whole picture (the
+ * start).
+ * @param Height Its height, likewise.
+ * @param X Column of the whole picture at the left of the viewport, which lies within 1048576 of 0.
+ * @param Y Row at the bottom of the viewport, 0 at the bottom of the picture, likewise.
+ * @par Errors
+ * "Invalid DisplayRenderingHandle specified. "; "A picture in parts must have 1 to 1048576 pixels a side. "
+ * @thread Any thread; takes effect at the next frame.
+ * @since 0.2
+ */
+OCT_API void setDisplayPart(DisplayRenderingHandle Handle, unsigned int Width, unsigned int Height, int X,
+                            int Y);
+
+/**
  * @brief Checks the handle and does nothing else: a pixel always shows the mean
  * of the samples that it covers.
  * @param Handle The renderer.

@@ -43,6 +43,7 @@
   FUNCTION(0.1, display, void, setGammaCorrection, (DisplayRenderingHandle Handle, float Gamma)) \
   FUNCTION(0.1, display, void, setDisplayBlur, (DisplayRenderingHandle Handle, int First, int Second)) \
   FUNCTION(0.1, display, void, setDisplayFlip, (DisplayRenderingHandle Handle, int Flip)) \
+  FUNCTION(0.2, display, void, setDisplayPart, (DisplayRenderingHandle Handle, unsigned int Width, unsigned int Height, int X, int Y)) \
   FUNCTION(0.1, display, void, setDisplayDynamicReduction, (DisplayRenderingHandle Handle, int Reduction)) \
   FUNCTION(0.1, display, void, setDisplayPepperFilter, (DisplayRenderingHandle Handle, int Enable)) \
   FUNCTION(0.1, display, void, setDisplayMedianFilter, (DisplayRenderingHandle Handle, int MedianFilter)) \
@@ -81,6 +82,7 @@
   FUNCTION(0.1, volume, void, setRenderElements, (VolumeRendererHandle Handle, int Volume, int Surface)) \
   FUNCTION(0.1, volume, void, setRenderBackground, (VolumeRendererHandle Handle, unsigned int Bottom, unsigned int Top)) \
   FUNCTION(0.1, volume, void, setRenderForeground, (VolumeRendererHandle Handle, unsigned int Color)) \
+  FUNCTION(0.2, volume, void, setRendererPart, (VolumeRendererHandle Handle, unsigned int Width, unsigned int Height, int X, int Y)) \
   FUNCTION(0.1, volume, void, setRendererColormap, (VolumeRendererHandle Handle, const void* Colormap, int Count)) \
   FUNCTION(0.1, volume, void, setRendererSecondaryColormap, (VolumeRendererHandle Handle, const void* Colormap, int Count)) \
   FUNCTION(0.1, volume, void, setOverlayRendererColormap, (VolumeRendererHandle Handle, const void* Colormap, int Count)) \
@@ -167,7 +169,8 @@
   FUNCTION(0.1, live, void, setOnlineDOPU_PS, (LiveDataSourceHandle DataSource, int Depth, int AScans, int BScans, int Reserved)) \
   FUNCTION(0.1, live, void, setOnlineDataThreshold_PS, (LiveDataSourceHandle DataSource, double Threshold, bool Enable)) \
   FUNCTION(0.1, live, void, setRefIntensityCallback, (LiveDataSourceHandle DataSource, OctIntensityFunction Callback)) \
-  FUNCTION(0.2, live, void, setRefIntensityCallbackWithUser, (LiveDataSourceHandle DataSource, OctIntensityFunctionWithUser Callback, void* user))
+  FUNCTION(0.2, live, void, setRefIntensityCallbackWithUser, (LiveDataSourceHandle DataSource, OctIntensityFunctionWithUser Callback, void* user)) \
+  FUNCTION(0.2, live, void, setVolumeCallbackWithUser, (LiveDataSourceHandle DataSource, OctVolumeFunctionWithUser Callback, void* user))
 
 /* clang-format on */
 

@@ -24,6 +24,19 @@ typedef void (*OctIntensityFunction)(double intensity);
 typedef void (*OctIntensityFunctionWithUser)(double intensity, void* user);
 
 /**
+ * @brief Receives the samples of a live volume; see setVolumeCallbackWithUser().
+ *
+ * The samples are 32-bit floats, depth fastest, then A-scans, then B-scans, as they are drawn: decibels or a polarization's
+ * quantity, of each A-scan as many samples as setSizeZ() keeps. They may be read until the function returns. The index counts
+ * the volumes that the device has given without an error since startDataSource(), from 0 on; one that is missing came while
+ * another function was set, or none. The time is that of the end of the volume's processing, in nanoseconds of the system's
+ * monotonic clock (CLOCK_MONOTONIC, QueryPerformanceCounter).
+ */
+typedef void (*OctVolumeFunctionWithUser)(const float* samples, int depth, int a_scans, int b_scans,
+                                          unsigned long long index, unsigned long long nanoseconds,
+                                          void* user);
+
+/**
  * @brief What became of the volumes of a live renderer; see getLiveStatistics().
  */
 typedef struct OctLiveStatistics {
@@ -425,6 +438,25 @@ OCT_API void setRefIntensityCallback(LiveDataSourceHandle DataSource, OctIntensi
  */
 OCT_API void setRefIntensityCallbackWithUser(LiveDataSourceHandle DataSource,
                                              OctIntensityFunctionWithUser Callback, void* user);
+
+/**
+ * @brief Sets the function that receives the samples of every volume, the first one included, once it has been handed to the
+ * live renderer or dropped: the picture does not wait for the function. Volumes with an error of the device are left out, and
+ * so are those of polarization outputs of which nothing is made. Volumes come as well while setRenderElements() hides them.
+ * @param DataSource The source.
+ * @param Callback Called on the acquisition thread, which acquires no volume meanwhile; stopDataSource() waits for it. Null
+ * removes the one set before, which may still be running when this returns. Without a function nothing is copied or asked of
+ * the device; with one, samples are copied only where setSizeZ() keeps a part. Exceptions must not leave it; one of C++ that
+ * does ends the source, and is told as its error.
+ * @param user Handed to the callback; it must last until no call with it is running any more, which is certain once the
+ * source has been stopped or cleared.
+ * @par Errors
+ * "The specified LiveDataSourceHandle is invalid. "
+ * @thread Any thread.
+ * @since 0.2
+ */
+OCT_API void setVolumeCallbackWithUser(LiveDataSourceHandle DataSource, OctVolumeFunctionWithUser Callback,
+                                       void* user);
 
 /** @} */
 

@@ -367,6 +367,25 @@ OCT_API void setRenderBackground(VolumeRendererHandle Handle, unsigned int Botto
 OCT_API void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color);
 
 /**
+ * @brief Lets frames show a part of a picture that is larger than what the driver draws at once, so that the parts fit
+ * without seams: lines, labels and scale marks are laid out for the whole, and each frame shows what lies in its viewport.
+ * Parts agree with the whole to within rounding. Lines that end at the viewport's edge may lack half of their width: let
+ * parts overlap by some pixels. pickVolume() and explainFrame() answer for the whole picture, as if that had been the frame.
+ * @param Handle The renderer.
+ * @param Width Width of the whole picture in pixels, 1 to 1048576. 0, with a height of 0: frames show the whole picture (the
+ * start).
+ * @param Height Its height, likewise.
+ * @param X Column of the whole picture at the left of the viewport, which lies within 1048576 of 0.
+ * @param Y Row at the bottom of the viewport, 0 at the bottom of the picture, likewise.
+ * @par Errors
+ * "The specified VolumeRendererHandle is invalid. "; "A picture in parts must have 1 to 1048576 pixels a side. "
+ * @thread Any thread; waits for no frame.
+ * @since 0.2
+ */
+OCT_API void setRendererPart(VolumeRendererHandle Handle, unsigned int Width, unsigned int Height, int X,
+                             int Y);
+
+/**
  * @brief Sets the colour map of the volume.
  * @param Handle The renderer.
  * @param Colormap @p Count colours of four bytes each: red, green, blue, alpha (opacity of one step of a

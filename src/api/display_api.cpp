@@ -66,6 +66,10 @@ void setDisplayFlip(DisplayRenderingHandle Handle, int Flip) {
   guarded(__func__, [&] { renderer(Handle).set_flip(Flip != 0); });
 }
 
+void setDisplayPart(DisplayRenderingHandle Handle, unsigned int Width, unsigned int Height, int X, int Y) {
+  guarded(__func__, [&] { renderer(Handle).set_part(oct::PicturePart::of(Width, Height, X, Y)); });
+}
+
 void setDisplayDynamicReduction(DisplayRenderingHandle Handle, int) {
   guarded(__func__, [&] { renderer(Handle); });
 }

@@ -168,6 +168,20 @@ void setRefIntensityCallbackWithUser(LiveDataSourceHandle Handle, OctIntensityFu
   });
 }
 
+void setVolumeCallbackWithUser(LiveDataSourceHandle DataSource, OctVolumeFunctionWithUser Callback,
+                               void* user) {
+  guarded(__func__, [&] {
+    auto& source = checked<BrennickDataSource>(DataSource, invalid_source);
+    if (!Callback) return source.set_volume_callback({});
+    source.set_volume_callback([Callback, user](const oct::MeasuredSamples& samples) {
+      const auto [depth, a_scans, b_scans] = samples.extent;
+      const auto time = std::chrono::nanoseconds(samples.processed.time_since_epoch()).count();
+      Callback(samples.first, static_cast<int>(depth), static_cast<int>(a_scans), static_cast<int>(b_scans),
+               samples.index, static_cast<unsigned long long>(time), user);
+    });
+  });
+}
+
 void startDataSource(LiveVolumeRenderingHandle Renderer, LiveDataSourceHandle DataSource,
                      ScanPatternHandle Pattern) {
   guarded(

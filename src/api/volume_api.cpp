@@ -141,6 +141,10 @@ void setRenderForeground(VolumeRendererHandle Handle, unsigned int Color) {
   guarded(__func__, [&] { renderer(Handle).set_foreground(Color); });
 }
 
+void setRendererPart(VolumeRendererHandle Handle, unsigned int Width, unsigned int Height, int X, int Y) {
+  guarded(__func__, [&] { renderer(Handle).set_part(oct::PicturePart::of(Width, Height, X, Y)); });
+}
+
 void setRendererColormap(VolumeRendererHandle Handle, const void* Colormap, int Count) {
   guarded(__func__, [&] { renderer(Handle).set_colormap(ColormapRole::main, Colormap, Count); });
 }

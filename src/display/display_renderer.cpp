@@ -70,6 +70,7 @@ void DisplayRenderer::DisplayProgram::build(TexelLayout layout) {
   dpp = shader.uniform("DPP");
   gamma = shader.uniform("gamma");
   flip = shader.uniform("flip");
+  part = shader.uniform("part");
 }
 
 void DisplayRenderer::OverlayProgram::build(TexelLayout layout) {
@@ -88,6 +89,7 @@ void DisplayRenderer::OverlayProgram::build(TexelLayout layout) {
   displaySize = shader.uniform("displaySize");
   threshold = shader.uniform("threshold");
   flip = shader.uniform("flip");
+  part = shader.uniform("part");
 }
 
 // The program for a layout, built when it is first asked for.
@@ -227,6 +229,14 @@ void DisplayRenderer::draw(const Frame& frame, const TextureView& image) {
   draw_overlays(frame, image);
 }
 
+template <class Program>
+void DisplayRenderer::set_part(const Program& program, const Content& content) {
+  const PicturePart part = content.shown();
+  const auto [scale, offset] = part.to_target(content.width, content.height);
+  glUniform2f(program.displaySize, static_cast<float>(part.width), static_cast<float>(part.height));
+  glUniform4f(program.part, scale[0], scale[1], offset[0], offset[1]);
+}
+
 void DisplayRenderer::draw_base(const Frame& frame, const TextureView& image) {
   // Whole samples: a driver that draws with the processor compiles anew for each number of them.
   const auto samples = [](std::int64_t texels, GLsizei pixels) {
@@ -247,8 +257,9 @@ void DisplayRenderer::draw_base(const Frame& frame, const TextureView& image) {
   glUniform1f(program.upperValue, layer.upperValue);
   set_extent(program.textureSize, extent);
   set_extent(program.texel_count, texels_of(extent, image.layout));
-  glUniform2f(program.displaySize, static_cast<float>(content.width), static_cast<float>(content.height));
-  glUniform2f(program.dpp, samples(extent.depth, content.height), samples(extent.a_scans, content.width));
+  set_part(program, content);
+  glUniform2f(program.dpp, samples(extent.depth, content.shown().height),
+              samples(extent.a_scans, content.shown().width));
   glUniform1f(program.gamma, 1.0F);
   glUniform1i(program.flip, content.common.flip);
   quad_.draw();
@@ -283,7 +294,7 @@ void DisplayRenderer::draw_overlay(const Frame& frame, const OverlayProgram& pro
   glUniform1f(program.lowerValue, layer.lowerValue);
   glUniform1f(program.upperValue, layer.upperValue);
   glUniform1f(program.threshold, content.common.threshold);
-  glUniform2f(program.displaySize, static_cast<float>(content.width), static_cast<float>(content.height));
+  set_part(program, content);
   glUniform1i(program.flip, content.common.flip);
   quad_.draw();
 }

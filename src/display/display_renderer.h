@@ -11,6 +11,7 @@
 #include <string>
 
 #include "core/last_frame.h"
+#include "core/picture_part.h"
 #include "display/filters.h"
 #include "display/simple_data_provider.h"
 #include "gl/colormap.h"
@@ -49,6 +50,7 @@ class DisplayRenderer {
   void set_pepper_filter(bool enabled);
   void set_median_filter(int median_filter) const;
   void set_flip(bool flip);
+  void set_part(std::optional<PicturePart> part);  // what frames show; none: the whole picture
   void set_background_color(int color);
   void set_colormap(const void* colors, int count);
   void set_coloring_boundaries(double lower, double upper);
@@ -84,6 +86,7 @@ class DisplayRenderer {
     std::array<float, 4> backgroundColor{0.0F, 0.0F, 0.0F, 1.0F};
     float threshold = 0.0F;
     FilterSwitches filters;
+    std::optional<PicturePart> part;
 
     bool operator==(const Settings&) const = default;
   };
@@ -99,6 +102,7 @@ class DisplayRenderer {
     GLsizei width = 0;  // of the viewport
     GLsizei height = 0;
 
+    PicturePart shown() const { return common.part.value_or(PicturePart{width, height, 0, 0}); }
     bool operator==(const Content&) const = default;
   };
 
@@ -115,7 +119,7 @@ class DisplayRenderer {
   struct DisplayProgram {
     gl::Shader shader;
     GLint lowerValue, upperValue, displayTex, colorTex, textureSize, texel_count, displaySize, dpp, gamma,
-        flip;
+        flip, part;
 
     void build(TexelLayout layout);
   };
@@ -123,7 +127,7 @@ class DisplayRenderer {
   struct OverlayProgram {
     gl::Shader shader;
     GLint lowerValue, upperValue, displayTex, overlayTex, colorTex, textureSize, texel_count, displaySize,
-        threshold, flip;
+        threshold, flip, part;
 
     void build(TexelLayout layout);
   };
@@ -145,6 +149,8 @@ class DisplayRenderer {
   void clear(const Frame& frame) const;
   void draw(const Frame& frame, const TextureView& image);
   void draw_base(const Frame& frame, const TextureView& image);
+  template <class Program>
+  static void set_part(const Program& program, const Content& content);
   void draw_overlays(const Frame& frame, const TextureView& image);
   void draw_overlay(const Frame& frame, const OverlayProgram& program, std::size_t index);
 

@@ -28,6 +28,11 @@ void DisplayRenderer::set_flip(bool flip) {
   settings_.flip = flip;
 }
 
+void DisplayRenderer::set_part(std::optional<PicturePart> part) {
+  const std::lock_guard lock(settings_mutex_);
+  settings_.part = part;
+}
+
 void DisplayRenderer::set_background_color(int color) {
   const auto channel = [color](int shift) {
     return static_cast<float>((color >> shift) & 0xFF) * 0.003921569F;

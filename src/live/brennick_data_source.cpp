@@ -94,6 +94,11 @@ void BrennickDataSource::set_error_callback(const ErrorCallback& callback) {
   error_callback_ = callback;
 }
 
+void BrennickDataSource::set_volume_callback(VolumeCallback callback) {
+  const std::lock_guard lock(callback_mutex_);
+  volume_callback_ = std::move(callback);
+}
+
 std::optional<std::string> BrennickDataSource::take_error() {
   const std::lock_guard lock(callback_mutex_);
   if (!has_unread_error_) return std::nullopt;
@@ -159,15 +164,33 @@ void BrennickDataSource::report_reference_intensity() {
   if (callback) callback(intensity);
 }
 
+// After the volume has been handed over, so that the picture does not wait for the client.
+void BrennickDataSource::report_volume(Measurement& measurement, LiveTime processed) {
+  VolumeCallback callback;
+  {
+    const std::lock_guard lock(callback_mutex_);
+    callback = volume_callback_;
+  }
+  if (!callback) return;
+  const TimingMark mark("volume callback");
+  if (const auto samples = measurement.samples(processed)) callback(*samples);
+}
+
 void BrennickDataSource::run() {
   try {
     acquire();
   } catch (const std::exception& error) {
-    thread_.end();
-    report_error(error.what());
-    report_device_error();  // the cause, maybe; left pending it would end the next measurement
+    fail(error.what());
+  } catch (...) {  // from a client's callback
+    fail("An unknown error. ");
   }
   acquiring_ = false;
+}
+
+void BrennickDataSource::fail(const std::string& message) {
+  thread_.end();
+  report_error(message);
+  report_device_error();  // the cause, maybe; left pending it would end the next measurement
 }
 
 void BrennickDataSource::acquire() {
@@ -180,7 +203,10 @@ void BrennickDataSource::acquire() {
   if (thread_.going_on()) sequence.process_first();
   LiveTime processed = std::chrono::steady_clock::now();
   measurement.read_geometry({size_z_, refractive_index_});
-  if (thread_.going_on() && prepare(measurement)) measurement.hand_over(*feed_, claim_, processed);
+  if (thread_.going_on() && prepare(measurement)) {
+    measurement.hand_over(*feed_, claim_, processed);
+    report_volume(measurement, processed);
+  }
 
   ErrorPause pause;
   while (thread_.going_on()) {
@@ -201,6 +227,7 @@ void BrennickDataSource::acquire() {
     report_reference_intensity();
     if (!thread_.going_on()) break;
     if (!failed && measurement.hand_over(*feed_, claim_, processed)) {
+      report_volume(measurement, processed);
       pause.reset();
     } else {
       thread_.pause(pause.next());

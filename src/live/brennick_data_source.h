@@ -18,6 +18,7 @@
 namespace oct {
 
 using RefIntensityCallback = std::function<void(double intensity)>;
+using VolumeCallback = std::function<void(const MeasuredSamples&)>;
 
 // What sequences for one sensor are made with.
 struct StandardSettings {
@@ -49,6 +50,7 @@ class BrennickDataSource {
   // An empty callback removes the one before, which may be running when this returns.
   void set_ref_intensity_callback(RefIntensityCallback callback);
   void set_error_callback(const ErrorCallback& callback);
+  void set_volume_callback(VolumeCallback callback);
   // For clients that cannot be called back: the earliest error that nobody has read, and the reference intensity of
   // the latest volume since somebody asked for it, -1 before.
   std::optional<std::string> take_error();
@@ -79,6 +81,8 @@ class BrennickDataSource {
   void report_error(const std::string& message);
   void keep_error(const std::string& message);
   void report_reference_intensity();
+  void report_volume(Measurement& measurement, LiveTime processed);
+  void fail(const std::string& message);
 
   const StandardDeviceFunctions& sdk() const { return library_->standard; }
 
@@ -96,6 +100,7 @@ class BrennickDataSource {
   mutable std::mutex callback_mutex_;  // not held during a callback
   RefIntensityCallback ref_intensity_callback_;
   ErrorCallback error_callback_;
+  VolumeCallback volume_callback_;
   std::array<char, 512> unread_error_{};  // of fixed size: a shortage of memory is an error, too
   bool has_unread_error_ = false;
 

@@ -41,7 +41,7 @@ class Loan {
 // Of a cube. Smaller bricks take longer than the copy that they are made with allows.
 constexpr int live_brick_side = 8;
 
-std::size_t samples(std::int64_t depth, const VolumeExtent& extent) {
+std::size_t sample_count(std::int64_t depth, const VolumeExtent& extent) {
   return static_cast<std::size_t>(depth) * static_cast<std::size_t>(extent.a_scans) *
          static_cast<std::size_t>(extent.b_scans);
 }
@@ -110,6 +110,7 @@ bool Measurement::hand_over(LiveFeed& feed, LiveClaim claim, LiveTime processed)
   const int lost = device_.lost_volumes();
   feed.count_acquired(claim, static_cast<std::uint64_t>(std::max(lost - lost_volumes_, 0)));
   lost_volumes_ = lost;
+  ++volumes_;
   if (!sequence_->has_volume(acquired_.depth)) return true;
   bool volume = false;
   bool surface = false;
@@ -148,7 +149,7 @@ const float* Measurement::volume_samples() const {
     const int bytes = sdk_.getDataPropertyInt(data, OCT_DATA_BYTE_COUNT);
     const float* const source = sdk_.getDataPtr(data);
     if (bytes == 0 || !source) return nullptr;
-    const std::size_t wanted = samples(kept_.depth, kept_) * sizeof(float);
+    const std::size_t wanted = sample_count(kept_.depth, kept_) * sizeof(float);
     if (bytes < 0 || static_cast<std::size_t>(bytes) != wanted) throw insufficient();
     return source;
   }
@@ -161,10 +162,26 @@ const float* Measurement::volume_samples() const {
   return sdk_.getDataPtr(data);
 }
 
+std::optional<MeasuredSamples> Measurement::samples(LiveTime processed) {
+  if (!sequence_->has_volume(acquired_.depth)) return std::nullopt;
+  const float* const source = volume_samples();
+  if (!source) return std::nullopt;
+  return MeasuredSamples{kept_ == acquired_ ? source : cropped(source), kept_, volumes_ - 1, processed};
+}
+
+const float* Measurement::cropped(const float* source) {
+  cropped_.clear();
+  for (std::int64_t a_scan = 0; a_scan < kept_.a_scans * kept_.b_scans; ++a_scan) {
+    const float* const first = source + a_scan * acquired_.depth;
+    cropped_.insert(cropped_.end(), first, first + kept_.depth);
+  }
+  return cropped_.data();
+}
+
 // Copied, as the device writes the next ones while this volume waits to be drawn.
 void Measurement::collect_secondary() {
   if (secondary_width_ == 0) return;
-  const std::size_t count = samples(secondary_width_, kept_);
+  const std::size_t count = sample_count(secondary_width_, kept_);
   const int bytes = sdk_.getDataPropertyInt(sequence_->analog(), OCT_DATA_BYTE_COUNT);
   if (bytes < 0 || static_cast<std::size_t>(bytes) < count * sizeof(float)) throw insufficient();
   delivery_.secondary.assign(analog_samples_, analog_samples_ + count);

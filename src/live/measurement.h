@@ -1,9 +1,11 @@
 // What lasts for one measurement: the device that measures, the objects it fills, and what of them is drawn.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "core/extent.h"
@@ -37,6 +39,14 @@ struct Cut {
   double refractive_index = 1.0;
 };
 
+// A volume's kept samples, depth fastest, then A-scans, then B-scans. They are the measurement's, until the next volume.
+struct MeasuredSamples {
+  const float* first = nullptr;
+  VolumeExtent extent;
+  std::uint64_t index = 0;  // counts the volumes of a measurement
+  LiveTime processed;
+};
+
 // Acquisition thread only. Ends its measurement and frees the device library's objects.
 class Measurement {
  public:
@@ -60,12 +70,15 @@ class Measurement {
   // Copies volume and surface to where they are wanted. False when the device gave no samples. Throws an
   // Exception when it gave fewer than are drawn.
   bool hand_over(LiveFeed& feed, LiveClaim claim, LiveTime processed);
+  // Of the volume that was handed over last, or would have been; none without samples. Throws as hand_over does.
+  std::optional<MeasuredSamples> samples(LiveTime processed);
 
  private:
   bool hand_over_volume(LiveFeed& feed, LiveClaim claim, LiveTime processed);
   void hand_over_surface(LiveFeed& feed, LiveClaim claim);
   void crop_depths(float scale);
   const float* volume_samples() const;
+  const float* cropped(const float* source);
   void collect_secondary();
 
   const StandardDeviceFunctions& sdk_;
@@ -82,6 +95,8 @@ class Measurement {
   LiveDelivery delivery_;      // of the next volume
   int lost_volumes_ = 0;       // that have been counted
   std::vector<float> depths_;  // of the surface
+  std::uint64_t volumes_ = 0;
+  std::vector<float> cropped_;  // what is kept of a volume, where it is not the whole
 };
 
 }  // namespace oct

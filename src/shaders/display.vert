@@ -4,7 +4,8 @@
 layout(location = 0) in vec2 vertex;
 
 uniform bool flip;
-uniform vec2 displaySize;  // pixels
+uniform vec2 displaySize;  // of the whole picture in pixels
+uniform vec4 part;         // factors and summands that lead to the part of it that is drawn
 uniform vec2 textureSize;  // samples along depth, A-scans
 uniform vec2 texelCount;   // of the texture that holds them
 uniform float lowerValue;
@@ -26,5 +27,5 @@ void main() {
   samples = ivec2(textureSize);
   texel_size = 1.0 / texelCount;
   range = vec2(lowerValue, upperValue - lowerValue);
-  gl_Position = vec4(vertex, 1.0, 1.0);
+  gl_Position = vec4(vertex * part.xy + part.zw, 1.0, 1.0);
 }

@@ -95,13 +95,19 @@ void VolumeRenderer::draw_frame(const VolumeSource& source) {
   if (home_ != gl::no_context) gl::require_home(home_);
   const VolumeSettings settings = this->settings();
   const std::array<GLint, 4> area = current_viewport();
-  const Viewport viewport{area[2], area[3]};
-  const VolumeFrame frame = begin_frame(settings, source, viewport);
-  const auto wanted = std::make_shared<FrameRecord>(settings, source, viewport, home_);
+  const Viewport target{area[2], area[3]};
+  const std::optional<PicturePart> part = target.width > 0 && target.height > 0 ? this->part() : std::nullopt;
+  // Whoever asks about a frame asks about the whole picture.
+  const auto wanted = std::make_shared<FrameRecord>(
+      settings, source, part ? Viewport{part->width, part->height} : target, home_);
+  const Range range = wanted->range();
+  const VolumeFrame frame = begin_frame(
+      settings, source,
+      part ? camera_of(settings.view, range, *part, target) : camera_of(settings.view, range, target));
   wanted->plane = frame.cutting_plane();
   if (wanted->has_area()) {
     const std::shared_ptr<const FrameRecord> last = last_frame_.record();
-    const bool again = last && last->drawn == wanted->drawn;
+    const bool again = !part && last && last->drawn == wanted->drawn;
     if (!again || !show_again(frame, area)) {
       picture_.forget();
       draw(frame);
@@ -149,13 +155,12 @@ void VolumeRenderer::draw(const VolumeFrame& frame) {
 }
 
 VolumeFrame VolumeRenderer::begin_frame(const VolumeSettings& settings, const VolumeSource& source,
-                                        Viewport viewport) {
+                                        const Camera& camera) {
   const TimingMark mark("render: init");
   VolumeFrame frame{settings,    source,
                     colormaps_,  programs_,
                     clip_plane_, source.range.value_or(settings.range),
-                    {},          FilledBox::of(source.filled_fraction, source.slice_count)};
-  frame.camera = camera_of(settings.view, frame.range, viewport);
+                    camera,      FilledBox::of(source.filled_fraction, source.slice_count)};
   clip_plane_.update(settings.clip_plane, settings.view, frame.box);
   gl::throwOnGLError("render: init");
   return frame;
@@ -169,7 +174,7 @@ void VolumeRenderer::clear_target() {
 void VolumeRenderer::draw_background(const VolumeFrame& frame) {
   const gl::PassMark mark("VolumeRenderer::render_background");
   background_.set_colors(frame.settings.background_bottom, frame.settings.background_top);
-  background_.draw(programs_.background());
+  background_.draw(programs_.background(), frame.camera.to_target);
 }
 
 void VolumeRenderer::draw_opaque(const VolumeFrame& frame) {

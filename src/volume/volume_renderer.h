@@ -78,6 +78,8 @@ class VolumeRenderer {
   void set_remove_segment(bool remove);
   void set_background(std::uint32_t bottom, std::uint32_t top);
   void set_foreground(std::uint32_t color);
+  // What the next frames show; none: the whole picture. Whoever asks about a frame asks about the whole.
+  void set_part(std::optional<PicturePart> part);
 
   // Colours. Before init there is nothing to set, and nothing happens.
   void set_colormap(ColormapRole role, const void* colors, int count);
@@ -90,6 +92,7 @@ class VolumeRenderer {
   void clear();  // shows neither volume nor surface
 
   VolumeSettings settings() const;
+  std::optional<PicturePart> part() const;
 
  private:
   void create_colormaps();
@@ -102,7 +105,7 @@ class VolumeRenderer {
   bool shows_something(const FrameRecord& record);
 
   // The steps of a frame, in their order.
-  VolumeFrame begin_frame(const VolumeSettings& settings, const VolumeSource& source, Viewport viewport);
+  VolumeFrame begin_frame(const VolumeSettings& settings, const VolumeSource& source, const Camera& camera);
   void clear_target();
   void draw_background(const VolumeFrame& frame);
   void draw_opaque(const VolumeFrame& frame);
@@ -117,6 +120,7 @@ class VolumeRenderer {
 
   mutable std::mutex settings_mutex_;  // held for assignments only
   VolumeSettings settings_;
+  std::optional<PicturePart> part_;  // none: frames are whole pictures
 
   // Of the thread that draws.
   gl::ContextIdentity home_ = gl::no_context;  // where it was initialised; none: it is not

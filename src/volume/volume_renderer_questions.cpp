@@ -84,7 +84,7 @@ VolumeRenderer::Pick VolumeRenderer::pick(int x, int y) {
   const Viewport& viewport = last->drawn.viewport;
   if (x < 0 || y < 0 || x >= viewport.width || y >= viewport.height) return {};
   const VolumeSource source = last->source_again();
-  const VolumeFrame frame = begin_frame(last->drawn.settings, source, viewport);
+  const VolumeFrame frame = begin_frame(last->drawn.settings, source, last->camera());
   colormaps_.update(frame.settings);
   const VolumePick found =
       picker_.pick(frame, {box_, raycaster_, elements_.sectional_view, surface_}, glm::uvec2(x, y));
@@ -106,7 +106,7 @@ bool VolumeRenderer::shows_something(const FrameRecord& record) {
   gl::throwOnGLError("explainFrame");
   const Viewport viewport = record.drawn.viewport;
   const VolumeSource source = record.source_again();
-  const VolumeFrame frame = begin_frame(record.drawn.settings, source, record.drawn.viewport);
+  const VolumeFrame frame = begin_frame(record.drawn.settings, source, record.camera());
   colormaps_.update(frame.settings);
   gl::KeptPicture picture;
   const auto pixels_with = [&](const Area& area, bool contents) {

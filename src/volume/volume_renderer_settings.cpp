@@ -178,6 +178,16 @@ void VolumeRenderer::clear() {
   settings_.render_surface = false;
 }
 
+void VolumeRenderer::set_part(std::optional<PicturePart> part) {
+  const std::lock_guard lock(settings_mutex_);
+  part_ = part;
+}
+
+std::optional<PicturePart> VolumeRenderer::part() const {
+  const std::lock_guard lock(settings_mutex_);
+  return part_;
+}
+
 VolumeSettings VolumeRenderer::settings() const {
   const std::lock_guard lock(settings_mutex_);
   return settings_;

@@ -9,6 +9,7 @@
 
 #include "apps/test_files.h"
 #include "data/colormap.h"
+#include "data/opacity.h"
 #include "data/picture.h"
 #include "data/samples.h"
 
@@ -74,8 +75,16 @@ TEST(NamedColormaps, GetBrighterEvenlyBetweenTheirKnownEnds) {
 
 TEST(ColormapArithmetic, SetsAlphaAndFlattensOntoTheBackground) {
   Colormap ramp(3, {1, 2, 3, 255});
-  add_opacity_ramp(ramp, 0.5);
+  set_opacity(ramp, {.highest = 0.5, .shift = 0, .points = {}});
   EXPECT_EQ(ramp, (Colormap{{1, 2, 3, 0}, {1, 2, 3, 32}, {1, 2, 3, 128}}));
+  // Moved to the right, its curve begins later; points are linear in between, and hold outside.
+  set_opacity(ramp, {.highest = 1, .shift = 0.5, .points = {}});
+  EXPECT_EQ(ramp, (Colormap{{1, 2, 3, 0}, {1, 2, 3, 0}, {1, 2, 3, 64}}));
+  const OpacityRule curve{
+      .highest = 0.5, .shift = 0.1, .points = {{0.2, 0}, {0.6, 1}, {0.6, 0.2}, {0.8, 0.4}}};
+  for (const auto& [place, opacity] :
+       {std::pair{0.0, 0.0}, {0.3, 0.0}, {0.5, 0.25}, {0.7, 0.1}, {0.8, 0.15}, {1.0, 0.2}})
+    EXPECT_NEAR(opacity_at(curve, place), opacity, 1e-12) << place;
   Colormap flat{{200, 100, 0, 0}, {200, 100, 0, 255}, {200, 100, 0, 51}};
   flatten_onto(flat, 0x0A141E);
   EXPECT_EQ(flat, (Colormap{{10, 20, 30, 255}, {200, 100, 0, 255}, {48, 36, 24, 255}}));

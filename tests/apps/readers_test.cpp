@@ -104,7 +104,7 @@ TEST_F(Npy, ReadsWhatItWrites) {
   write_npy(path_, VolumeData{2, 2, 1, {1, 3, 2, 4}});
   EXPECT_EQ(load_image({path_, {}, {}}, {}).image.samples, (std::vector<float>{1, 3, 2, 4}));
   EXPECT_TRUE(InputFile(path_).whole().ends_with(bytes_of(std::vector<float>{1, 2, 3, 4})));
-  expect_in("none/a.npy: cannot be written",
+  expect_in("none/a.npy: cannot be opened for writing",
             error_of<WriteError>([&] { write_npy(folder_ / "none/a.npy", volume); }));
 }
 

@@ -101,12 +101,19 @@ TEST_F(Volume, EveryOptionDrawsAnotherPicture) {
                              "--zoom 20",
                              "--extent 1 2 3",
                              "--opacity 0.9",
+                             "--opacity-shift 0.4",
+                             "--opacity-points 0:0.2,1:0.8",
+                             "--percentiles 0 75",
+                             "--translate 0.3 0.2 -0.5",
                              "--reverse",
                              "--light 0.3 0.7 0.2",
                              "--jitter",
                              "--opacity-length 2",
                              "--surface heights.npy --surface-only",
+                             "--surface heights.npy --surface-only --surface-range 0 3",
+                             "--surface heights.npy --surface-only --surface-range 0 3 --surface-reverse",
                              "--overlay in.npy",
+                             "--overlay in.npy --overlay-reverse",
                              "--box",
                              "--no-edges",
                              "--background FFFFFF FFFFFF",
@@ -153,6 +160,10 @@ TEST_F(Volume, RefusesWhatMakesNoSense) {
   expect_wrong("--clip", {"1.5"});
   expect_wrong("--light", {"0.3 0.7", "0.3 -1 0"});
   expect_wrong("--opacity-length", {"-1"});
+  expect_wrong("--opacity-shift", {"1.5"});
+  expect_wrong("--opacity-points", {"0.5:0,0.4:1", "0:1.5", "0;1", "nan:1"});
+  expect_wrong("--percentiles", {"50 50", "-1 50", "0 101", "1 99 --range 0 1"});
+  expect_wrong("--translate", {"0 0", "0 0 1e9"});
   expect_wrong("--turntable", {"1"});
   expect_wrong("--secondary", {"in.npy --mode mean", "in.npy --overlay in.npy"});
   expect_error(2, "--clip-open", "--clip");

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 
+#define STBI_WRITE_NO_STDIO
+#define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <stb/stb_image_write.h>
 #include <zlib.h>
 

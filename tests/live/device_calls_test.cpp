@@ -434,6 +434,8 @@ TEST_F(DeviceEndsTest, PolarizationSourceWithoutVolumeRenderer) {
 // The quantity that a volume shows is its whole part. Modes change while the source runs.
 TEST_F(DeviceEndsTest, ModesChangeWithTheNextVolume) {
   make_polarization_source();
+  ToldVolumes told;
+  told.listen_to(source_);
   start();
   const int quantities[] = {PatternDevice::intensity, 1, 2, 3, 4, 5, 6, PatternDevice::sensor0,
                             PatternDevice::sensor1};
@@ -443,8 +445,11 @@ TEST_F(DeviceEndsTest, ModesChangeWithTheNextVolume) {
       return !voxels_.empty() && static_cast<int>(voxels_[0]) == quantities[mode];
     })) << mode;
     EXPECT_TRUE(uniform(voxels_));
+    EXPECT_TRUE(
+        frames_until([&] { return static_cast<int>(told.all().back().samples[0]) == quantities[mode]; }));
   }
   EXPECT_TRUE(client_errors.all().empty());
+  stopDataSource(source_);
 }
 
 // A source that starts on a live renderer in use takes it over, whatever the size of its volumes: nothing of

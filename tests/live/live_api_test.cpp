@@ -27,7 +27,7 @@ TEST_F(LiveApiTest, NullHandles) {
   expect_null_refused("Invalid Live Rendering Handle specified. ", setLiveVolumeRenderingRenderer);
   expect_null_refused(invalid_source, stopDataSource, cancelDataSource, isDataSourceRunning,
                       getLiveVolumeRenderingSize, getDataSourceError, getRefIntensity, setSizeZ,
-                      setRefIntensityCallback, setErrorCallback);
+                      setRefIntensityCallback, setVolumeCallbackWithUser, setErrorCallback);
   expect_null_refused(invalid_renderer, renderVolume, getRenderedVolumesPerSec, getLiveVolumeCounts,
                       getLiveStatistics);
   const auto create_ps = [&](ProcessingHandle first, ProcessingHandle second) {
@@ -246,6 +246,79 @@ TEST_P(LiveSurfaceTest, LiesOnTheTissue) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Live, LiveSurfaceTest, testing::Values(16, 8));
+
+// ---- The samples of volumes
+
+TEST_F(LiveApiTest, VolumesAreToldAsTheyAreDrawn) {
+  const Volume volume = test_volume(16, 12, 10);
+  device_.set_volume(volume.voxels.data());
+  for (const int kept : {16, 5}) {
+    for (const bool polarization : {false, true}) {
+      polarization ? make_polarization_source() : make_source();
+      setSizeZ(source_, kept);
+      ToldVolumes told;
+      told.listen_to(source_);
+      start();
+      EXPECT_TRUE(frames_until([&] { return !voxels_.empty() && told.all().size() > 2; }));
+      stopDataSource(source_);
+      const std::vector<ToldVolume> volumes = told.all();
+      for (std::size_t i = 0; i < volumes.size(); ++i) {
+        EXPECT_EQ(volumes[i].size, (std::array{kept, 12, 10}));
+        EXPECT_EQ(volumes[i].samples, voxels_);
+        EXPECT_EQ(volumes[i].index, i);
+        EXPECT_GT(volumes[i].nanoseconds, i > 0 ? volumes[i - 1].nanoseconds : 0);
+      }
+      clearDataSource(std::exchange(source_, nullptr));
+      frame();
+    }
+  }
+}
+
+// Functions take turns while volumes come, hidden ones as well; after the last one nobody is told.
+TEST_F(LiveApiTest, VolumeCallbacksTakeTurns) {
+  make_source();
+  ToldVolumes first;
+  ToldVolumes second;
+  first.listen_to(source_);
+  start();
+  EXPECT_TRUE(frames_until([&] { return first.all().size() > 1; }));
+  setRenderElements(renderer_, 0, 0);
+  second.listen_to(source_);
+  EXPECT_TRUE(frames_until([&] { return !second.all().empty(); }));
+  const auto ended = first.all();
+  EXPECT_TRUE(frames_until([&] { return second.all().size() > 3; }));
+  EXPECT_EQ(first.all().size(), ended.size());
+  EXPECT_EQ(second.all()[0].index, ended.back().index + 1);
+  setVolumeCallbackWithUser(source_, nullptr, nullptr);
+  const int before = device_.volumes();
+  EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 2; }));  // past a call that was running
+  const std::size_t last = second.all().size();
+  EXPECT_TRUE(frames_until([&] { return device_.volumes() > before + 6; }));
+  EXPECT_EQ(second.all().size(), last);
+}
+
+TEST_F(LiveApiTest, AVolumeCallbackThatThrowsEndsItsSource) {
+  using Function = OctVolumeFunctionWithUser;
+  constexpr auto throws_text = +[](const float*, int, int, int, unsigned long long, unsigned long long,
+                                   void*) { throw std::runtime_error("no room left"); };
+  constexpr auto throws_number =
+      +[](const float*, int, int, int, unsigned long long, unsigned long long, void*) { throw 1; };
+  make_source();
+  const std::pair<Function, const char*> throwing[] = {{throws_text, "no room left"},
+                                                       {throws_number, "An unknown error. "}};
+  for (const auto& [function, text] : throwing) {
+    client_errors.clear();
+    setVolumeCallbackWithUser(source_, function, nullptr);
+    start();
+    EXPECT_TRUE(frames_until([&] { return !isDataSourceRunning(source_); }));
+    EXPECT_EQ(client_errors.all(), std::vector<std::string>{text});
+    EXPECT_EQ(device_.objects(), 0);
+    stopDataSource(source_);
+  }
+  setVolumeCallbackWithUser(source_, nullptr, nullptr);
+  start();
+  EXPECT_TRUE(frames_until_shown());
+}
 
 }  // namespace
 }  // namespace oct::test

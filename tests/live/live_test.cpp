@@ -17,6 +17,17 @@ std::function<void()> intensity_action;
 
 }  // namespace
 
+void ToldVolumes::listen_to(LiveDataSourceHandle source) {
+  setVolumeCallbackWithUser(
+      source,
+      [](const float* samples, int depth, int a_scans, int b_scans, unsigned long long index,
+         unsigned long long nanoseconds, void* volumes) {
+        static_cast<ToldVolumes*>(volumes)->add(
+            {{depth, a_scans, b_scans}, {samples, samples + depth * a_scans * b_scans}, index, nanoseconds});
+      },
+      this);
+}
+
 LiveTest::LiveTest() {
   client_errors.clear();
   intensities.clear();

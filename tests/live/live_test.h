@@ -1,6 +1,7 @@
 // A live renderer, a source with the pattern device, and a client that renders.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <functional>
 #include <string>
@@ -17,6 +18,18 @@ namespace oct::test {
 // What arrived at the functions of setErrorCallback and setRefIntensityCallback.
 inline Recorded<std::string> client_errors;
 inline Recorded<double> intensities;
+
+// What arrived at a function of setVolumeCallbackWithUser.
+struct ToldVolume {
+  std::array<int, 3> size;  // depth, A-scans, B-scans
+  std::vector<float> samples;
+  unsigned long long index;
+  unsigned long long nanoseconds;
+};
+class ToldVolumes : public Recorded<ToldVolume> {
+ public:
+  void listen_to(LiveDataSourceHandle source);
+};
 
 // Expects at its end that nothing is left: objects of the device, errors, misuse of its handles.
 class LiveTest : public testing::Test {

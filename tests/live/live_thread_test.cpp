@@ -111,6 +111,7 @@ TEST_F(LiveThreadTest, RestartsWhileNobodyDraws) {
 }
 
 TEST_F(LiveThreadTest, SettersWhileRunning) {
+  ToldVolumes told;
   make_polarization_source();
   selectOnlineDataSource_PS(source_, 7);
   start();
@@ -127,6 +128,7 @@ TEST_F(LiveThreadTest, SettersWhileRunning) {
           source_, i % 2 ? nullptr : +[](const char* text) { client_errors.add(text); });
       setRefIntensityCallback(
           source_, i % 3 ? nullptr : +[](double value) { intensities.add(value); });
+      i % 2 ? told.listen_to(source_) : setVolumeCallbackWithUser(source_, nullptr, nullptr);
       EXPECT_GE(getRefIntensity(source_), -1.0);
       EXPECT_EQ(getDataSourceError(source_, nullptr, 0), 0);
       int size = 0;
@@ -140,6 +142,8 @@ TEST_F(LiveThreadTest, SettersWhileRunning) {
   };
   draw_while({call_everything, call_everything, call_everything, call_everything});
   EXPECT_GT(shown_, 20);
+  stopDataSource(source_);
+  EXPECT_FALSE(told.all().empty());
 }
 
 // ---- While the acquisition thread is somewhere in particular
@@ -263,6 +267,34 @@ TEST_F(LiveThreadTest, StopWakesTheWaitingSource) {
   }
   std::sort(waits.begin(), waits.end());
   EXPECT_LT(waits[4], std::chrono::milliseconds(30));
+}
+
+// A client that takes its time with a volume holds up its source, not the frames; a stop waits for it.
+TEST_F(LiveThreadTest, AVolumeCallbackThatBlocks) {
+  struct Gate {
+    std::atomic<bool> reached = false;
+    std::atomic<bool> open = false;
+  } gate;
+  make_source();
+  setVolumeCallbackWithUser(
+      source_,
+      [](const float*, int, int, int, unsigned long long, unsigned long long, void* user) {
+        auto& here = *static_cast<Gate*>(user);
+        here.reached = true;
+        while (!here.open) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      },
+      &gate);
+  start();
+  ASSERT_TRUE(frames_until([&] { return gate.reached && !voxels_.empty(); }));
+  const int volumes = device_.volumes();
+  std::atomic<bool> stopped = false;
+  std::thread stopping([&] { stopDataSource(source_), stopped = true; });
+  for (int i = 0; i < 20; ++i) frame(), std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  EXPECT_FALSE(stopped);
+  EXPECT_EQ(device_.volumes(), volumes);
+  gate.open = true;
+  stopping.join();
+  EXPECT_EQ(device_.objects(), 0);
 }
 
 // What a source's own callback asks of it, it cannot wait for.

@@ -13,6 +13,8 @@ enum class SampleType { int8, uint8, int16, uint16, int32, uint32, int64, uint64
 struct SampleFormat {
   SampleType type = SampleType::float32;
   bool big_endian = false;
+
+  bool operator==(const SampleFormat&) const = default;
 };
 
 std::size_t bytes_of(SampleType type);

@@ -1,11 +1,9 @@
 #include "data/formats/npy_writer.h"
 
-#include <fstream>
 #include <string>
-#include <system_error>
 #include <vector>
 
-#include "data/file_errors.h"
+#include "data/formats/output_file.h"
 
 namespace oct::app {
 namespace {
@@ -23,16 +21,15 @@ std::string header_of(const VolumeData& volume) {
 }
 
 // In the file depth runs along the rows of each B-scan, as in a picture.
-void write(std::ofstream& stream, const VolumeData& volume) {
-  stream << header_of(volume);
+void write(OutputFile& file, const VolumeData& volume) {
+  file.write(header_of(volume));
   std::vector<float> row(volume.ascans);
   for (std::size_t b = 0; b < volume.bscans; ++b) {
     for (std::size_t z = 0; z < volume.depth; ++z) {
       for (std::size_t a = 0; a < volume.ascans; ++a) {
         row[a] = volume.voxels[(b * volume.ascans + a) * volume.depth + z];
       }
-      stream.write(reinterpret_cast<const char*>(row.data()),
-                   static_cast<std::streamsize>(row.size() * sizeof(float)));
+      file.write(row.data(), row.size() * sizeof(float));
     }
   }
 }
@@ -40,13 +37,9 @@ void write(std::ofstream& stream, const VolumeData& volume) {
 }  // namespace
 
 void write_npy(const std::filesystem::path& path, const VolumeData& volume) {
-  std::ofstream stream(path, std::ios::binary);
-  write(stream, volume);
-  stream.close();
-  if (stream) return;
-  std::error_code ignored;
-  std::filesystem::remove(path, ignored);
-  throw WriteError(path, "cannot be written");
+  OutputFile file(path);
+  write(file, volume);
+  file.commit();
 }
 
 }  // namespace oct::app

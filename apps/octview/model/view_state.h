@@ -4,11 +4,14 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "data/data_file.h"
 #include "data/opacity.h"
 #include "data/samples.h"
 #include "data/slices.h"
+#include "octview/model/measurements.h"
+#include "scene/slice_window.h"
 #include "scene/volume_view.h"
 
 namespace oct::app {
@@ -30,15 +33,11 @@ struct LayerLook {
   ValueRange range;
   OpacityRule opacity;
   bool visible = true;
+
+  bool operator==(const LayerLook&) const = default;
 };
 
 enum class Pane { bscan, enface, third, volume };
-
-// The part of a slice that its pane shows.
-struct SliceWindow {
-  double zoom = 1;                         // 1: the whole slice fits
-  std::array<double, 2> centre{0.5, 0.5};  // in parts of the slice: to the right, downwards
-};
 
 struct ViewState {
   VolumeView volume;  // without the size, which is the pane's
@@ -49,9 +48,11 @@ struct ViewState {
   std::array<double, 3>
       cursor{};  // the voxel of the crosshair: depth, A-scan, B-scan; all slices go through it
   EnFace enface;
+  double below_surface = 0;            // samples; where en-face sections follow it
   std::array<SliceWindow, 3> windows;  // of the B-scan, en face, and the third section
   std::optional<Pane> large;           // the one that fills the window
   bool crosshair = true;
+  std::vector<Measurement> measurements;
 };
 
 }  // namespace oct::app

@@ -164,7 +164,7 @@ class Question {
     const std::array<glm::vec3, 8> corners = box_corners();
     const auto all = [&](auto beyond) {
       return std::ranges::all_of(corners, [&](const glm::vec3& corner) {
-        return beyond(camera.projection * camera.modelview * glm::vec4(corner, 1.0F));
+        return beyond(camera.whole_projection * camera.modelview * glm::vec4(corner, 1.0F));
       });
     };
     constexpr float rounding = 1e-4F;

@@ -53,7 +53,7 @@ void RaycastingProgram::load(const std::string& name, const std::string& vertexS
   locations_.lengthScale = uniform("lengthScale");
   locations_.lighting = uniform("lighting");
   locations_.extent = uniform("extent");
-  locations_.pickedPixel = uniform("pickedPixel");
+  locations_.firstPixel = uniform("firstPixel");
   glUniform1i(locations_.backTex, volume_unit::surface);
   glUniform1i(locations_.emptyTex, volume_unit::empty);
   glUniform1i(locations_.sampleColorTex, volume_unit::sample_color);

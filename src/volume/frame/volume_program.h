@@ -46,7 +46,7 @@ class RaycastingProgram : public VolumeRenderingProgram {
   struct RayLocations {
     GLint backTex = -1, slices = -1, stepSize = -1, clipPlane = -1, eye = -1, endsOnSurface = -1, boxEnd = -1;
     GLint emptyTex = -1, grid = -1, brickScale = -1, brickOffset = -1, limitCount = -1, limits = -1;
-    GLint sampleColorTex = -1, lengthScale = -1, lighting = -1, extent = -1, pickedPixel = -1;
+    GLint sampleColorTex = -1, lengthScale = -1, lighting = -1, extent = -1, firstPixel = -1;
   };
 
   void load(const std::string& name, const std::string& vertexSource,

@@ -15,7 +15,7 @@ std::vector<glm::vec3> face_before_eye(const FilledBox& box, const Camera& camer
 }
 
 std::optional<glm::vec3> on_screen(const Camera& camera, const glm::vec3& point) {
-  const glm::vec4 clip = camera.projection * camera.modelview * glm::vec4(point, 1.0F);
+  const glm::vec4 clip = camera.whole_projection * camera.modelview * glm::vec4(point, 1.0F);
   if (clip.w <= 0.0F) return std::nullopt;
   const glm::vec3 device = glm::vec3(clip) / clip.w;
   return glm::vec3((device.x + 1.0F) * 0.5F * static_cast<float>(camera.viewport.width),

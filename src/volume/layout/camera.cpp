@@ -81,15 +81,30 @@ double wrapped_angle(double degrees) {
 Camera camera_of(const View& view, const Range& range, Viewport viewport) {
   Camera camera;
   camera.viewport = viewport;
+  camera.target = viewport;
   glm::mat4 modelview = glm::translate(glm::mat4(1.0F), glm::vec3(0.0F, 0.0F, -5.0F));
   modelview = glm::translate(modelview, view.translation);
   modelview = glm::rotate(modelview, radians_of(view.angle_x), glm::vec3(1.0F, 0.0F, 0.0F));
   modelview = glm::rotate(modelview, radians_of(view.angle_y), glm::vec3(0.0F, 1.0F, 0.0F));
   camera.modelview = glm::scale(modelview, not_flat(range.model_scale));
   camera.element_modelview = camera.modelview;
-  camera.projection = view.perspective ? perspective_projection(view.zoom, viewport, camera.modelview)
-                                       : orthographic_projection(view.zoom, viewport, camera.modelview);
+  camera.whole_projection = view.perspective ? perspective_projection(view.zoom, viewport, camera.modelview)
+                                             : orthographic_projection(view.zoom, viewport, camera.modelview);
+  camera.projection = camera.whole_projection;
   camera.normal = glm::transpose(glm::inverse(glm::mat3(camera.modelview)));
+  return camera;
+}
+
+Camera camera_of(const View& view, const Range& range, const PicturePart& part, Viewport target) {
+  Camera camera = camera_of(view, range, {part.width, part.height});
+  camera.target = target;
+  camera.first_pixel = {part.x, part.y};
+  const auto [scale, offset] = part.to_target(target.width, target.height);
+  for (int axis = 0; axis < 2; ++axis) {
+    camera.to_target[axis][axis] = scale[static_cast<std::size_t>(axis)];
+    camera.to_target[3][axis] = offset[static_cast<std::size_t>(axis)];
+  }
+  camera.projection = camera.to_target * camera.whole_projection;
   return camera;
 }
 

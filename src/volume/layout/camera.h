@@ -3,6 +3,8 @@
 
 #include <glm/glm.hpp>
 
+#include "core/picture_part.h"
+
 namespace oct {
 
 inline float radians_of(float degrees) {
@@ -44,16 +46,24 @@ double wrapped_angle(double degrees);
 // How far before the eye sight begins.
 constexpr float sight_begins = 0.01F;
 
+// The picture is laid out as a whole, and drawn where the target shows it.
 struct Camera {
-  Viewport viewport;
+  Viewport viewport;  // of the picture
+  Viewport target;
+  glm::ivec2 first_pixel{0};  // of the target, in the picture
   glm::mat4 modelview{1.0F};
   glm::mat4 element_modelview{1.0F};
-  glm::mat4 projection{1.0F};
+  glm::mat4 whole_projection{1.0F};
+  glm::mat4 to_target{1.0F};   // from device coordinates of the picture
+  glm::mat4 projection{1.0F};  // both
   glm::mat3 normal{1.0F};
 };
 
 // The near plane lies at 3 and the far one at 8 before the viewer, with the orthographic projection at -10 and
 // 10, and farther apart where the box needs it.
 Camera camera_of(const View& view, const Range& range, Viewport viewport);
+
+// The camera of the part's whole, drawing on a target that shows the part.
+Camera camera_of(const View& view, const Range& range, const PicturePart& part, Viewport target);
 
 }  // namespace oct

@@ -12,14 +12,17 @@ void Background::set_colors(const glm::vec4& bottom, const glm::vec4& top) {
   top_ = top;
 }
 
-void Background::draw(const gl::Shader& program) {
+void Background::draw(const gl::Shader& program, const glm::mat4& to_target) {
+  changed_ = changed_ || to_target != to_target_;
+  to_target_ = to_target;
   program.use();
   if (changed_) upload();
   quad_.draw(GL_TRIANGLE_STRIP, 0, 4);
 }
 
 void Background::upload() {
-  const std::array<glm::vec2, 4> corners{{{-1.0F, -1.0F}, {-1.0F, 1.0F}, {1.0F, -1.0F}, {1.0F, 1.0F}}};
+  std::array<glm::vec2, 4> corners{{{-1.0F, -1.0F}, {-1.0F, 1.0F}, {1.0F, -1.0F}, {1.0F, 1.0F}}};
+  for (glm::vec2& corner : corners) corner = glm::vec2(to_target_ * glm::vec4(corner, 0.0F, 1.0F));
   const std::array<glm::vec4, 4> colors{bottom_, top_, bottom_, top_};
   quad_.set_vertices(corners);
   quad_.set_attribute(colors);

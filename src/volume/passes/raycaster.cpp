@@ -66,7 +66,7 @@ void Raycaster::pick(const VolumeFrame& frame, Box& box, const glm::uvec2& pixel
   const auto drawn = RaycastingVariant::of(frame.settings, frame.source.overlay_present);
   const RaycastingProgram& program = frame.programs.raycasting_of(drawn.for_picking());
   prepare(program, frame);
-  glUniform2ui(program.ray().pickedPixel, pixel.x, pixel.y);
+  glUniform2i(program.ray().firstPixel, static_cast<GLint>(pixel.x), static_cast<GLint>(pixel.y));
   draw_front_faces(program, frame, box);
 }
 
@@ -86,6 +86,7 @@ void Raycaster::set_uniforms(const RaycastingProgram& program, const VolumeFrame
   const int slices = std::min(frame.settings.slices, most_slices);
   glUniform1i(program.ray().slices, slices);
   glUniform1f(program.ray().stepSize, 1.7320508F / static_cast<float>(slices));
+  glUniform2i(program.ray().firstPixel, frame.camera.first_pixel.x, frame.camera.first_pixel.y);
   glUniform4fv(program.ray().clipPlane, 1, glm::value_ptr(frame.clip_plane.plane()));
   const glm::vec4 eye = eye_in_model(frame.camera);
   glUniform4fv(program.ray().eye, 1, glm::value_ptr(glm::vec4(0.5F * (glm::vec3(eye) + eye.w), eye.w)));

@@ -127,7 +127,7 @@ void SceneElements::update_marks(const VolumeFrame& frame) {
   const Camera& camera = frame.camera;
   const glm::vec3& extent = frame.range.extent;
   const bool known = marks_ && marks_->extent == extent && marks_->camera.modelview == camera.modelview &&
-                     marks_->camera.projection == camera.projection &&
+                     marks_->camera.whole_projection == camera.whole_projection &&
                      marks_->camera.viewport.width == camera.viewport.width &&
                      marks_->camera.viewport.height == camera.viewport.height;
   if (known) return;
@@ -205,10 +205,10 @@ void SceneElements::draw_removed_segment(Brush& brush) const {
 void SceneElements::draw_scale_marks(const VolumeFrame& frame, Brush& brush) const {
   const gl::PassMark mark("draw scale marks");
   ticks_.bind();
-  brush.set_matrices(glm::mat4(1.0F), glm::mat4(1.0F));
+  brush.set_matrices(frame.camera.to_target, glm::mat4(1.0F));
   brush.draw(GL_LINES, {0, static_cast<GLsizei>(marks_->marks.ticks.size())}, 1.0F);
-  const Viewport& viewport = frame.camera.viewport;
-  const LabelView view{frame.camera.projection, frame.camera.modelview, {viewport.width, viewport.height}};
+  const Viewport& target = frame.camera.target;
+  const LabelView view{frame.camera.projection, frame.camera.modelview, {target.width, target.height}};
   if (fonts_) fonts_->draw(glm::vec3(frame.settings.foreground), view);
 }
 

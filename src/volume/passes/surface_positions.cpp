@@ -60,7 +60,7 @@ void SurfacePositions::attach() const {
 
 void SurfacePositions::draw(const VolumeFrame& frame, Surface& surface) {
   const gl::PassMark mark("positions of the surface");
-  const Viewport viewport = frame.camera.viewport;
+  const Viewport viewport = frame.camera.target;
   positions_.fit(viewport);
   depth_.fit(viewport);
   if (!framebuffer_) framebuffer_ = gl::Framebuffer::create();

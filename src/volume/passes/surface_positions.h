@@ -1,4 +1,4 @@
-// Where view rays meet the surface: a texture of the viewport's size with positions in texture space.
+// Where view rays meet the surface: a texture of the target's size with positions in texture space.
 #pragma once
 
 #include <optional>

@@ -4,12 +4,12 @@ in vec4 clip_pos;
 in vec3 front;
 in float clip_dist;  // to the clip plane; negative on the side that is cut away
 #ifdef PICKING
-uniform uvec2 pickedPixel;  // that lies at the target's lower left corner
 #include "volume/pick.glsl"
 #else
 out vec4 frag_color;
 #endif
 
+uniform ivec2 firstPixel;  // of the picture, that lies at the target's lower left corner
 uniform vec4 eye;        // homogeneous: w = 0 is the direction to the viewer
 uniform float boxEnd;    // of the filled part along z; along the other axes it ends at 1
 uniform vec4 clipPlane;  // model coordinates; zero where nothing is cut
@@ -58,10 +58,7 @@ float way_to_surface(vec3 direction, float otherwise) {
 // 2^32, so that every driver has the same: neighbours differ much, and any few pixels spread evenly.
 float start_offset() {
 #ifdef JITTERED
-  uvec2 pixel = uvec2(gl_FragCoord.xy);
-#ifdef PICKING
-  pixel += pickedPixel;
-#endif
+  uvec2 pixel = uvec2(ivec2(gl_FragCoord.xy) + firstPixel);
   return float((pixel.x * 3242174889u + pixel.y * 2447445414u) >> 8u) / 16777216.0;
 #else
   return 0.0;

@@ -1,0 +1,43 @@
+// The data that is looked at. What was loaded never changes; a new file makes a new document.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "data/progress_function.h"
+#include "data/volume.h"
+#include "octview/model/view_state.h"
+
+namespace oct::app {
+
+struct Document {
+  std::shared_ptr<const VolumeData> volume;  // none: nothing is open. Every voxel is finite
+  std::shared_ptr<const VolumeData> overlay;
+  std::shared_ptr<const LateralMap>
+      surface;  // depths in samples of the file, one per A-scan of it; NaN: none
+  std::shared_ptr<const std::vector<float>>
+      drawn_surface;  // the same, all of it finite, as volumes are drawn with it
+  std::shared_ptr<const LateralMap> secondary;
+  SessionFiles files;
+  std::string title;
+  std::size_t not_finite = 0;  // samples of the volume that were NaN or infinite
+  std::uint64_t revision = 0;  // another number for other data
+
+  explicit operator bool() const { return volume != nullptr; }
+  // Between voxels, with who says so; zeros where nobody does.
+  VoxelSpacing spacing() const;
+  // Of the whole volume: depth, A-scans, B-scans; in millimetres, or in voxels where their spacing is not known.
+  std::array<double, 3> extent() const;
+};
+
+std::uint64_t next_revision();  // another one each time
+
+// Reads everything that the files name, but the volume where it is that of the document before. Throws a ReadError; what the
+// progress function throws passes through.
+Document load_document(const SessionFiles& files, const ProgressFunction& progress,
+                       const Document& before = {});
+
+}  // namespace oct::app

@@ -1,0 +1,30 @@
+#include "octview/model/volume_picture.h"
+
+#include "octview/model/layer_colors.h"
+
+namespace oct::app {
+
+VolumeScene volume_scene(const Document& document, const ViewState& state, PictureSize size) {
+  const DrawnLayers drawn = drawn_layers(document.files, state);
+  VolumeScene scene;
+  static_cast<VolumeView&>(scene) = state.volume;
+  scene.size = size;
+  scene.secondary_colors = drawn.secondary;
+  scene.scale_marks = state.volume.scale_marks && document.spacing().is_known();
+  const std::array<double, 3> extent = document.extent();
+  for (std::size_t i = 0; i < 3; ++i) scene.extent[i] = static_cast<float>(extent[i]);
+  scene.base = {document.volume, state.base.range, base_colors(state.base, state.volume.look)};
+  scene.show_volume = drawn.volume;
+  if (drawn.overlay)
+    scene.overlay = VolumeLayer{document.overlay, state.overlay.range, overlay_colors(state.overlay)};
+  if (drawn.surface) {
+    scene.surface = HeightMap{document.drawn_surface, state.surface.range, plain_colors(state.surface)};
+  }
+  if (drawn.secondary) {
+    scene.secondary =
+        SecondaryColoring{document.secondary, state.secondary.range, plain_colors(state.secondary)};
+  }
+  return scene;
+}
+
+}  // namespace oct::app

@@ -1,0 +1,54 @@
+#include "octview/model/workspace.h"
+
+#include <span>
+
+namespace oct::app {
+namespace {
+
+void find_range(LayerLook& look, std::span<const float> samples) {
+  if (look.shares) look.range = quick_range(samples, *look.shares).value_or(ValueRange{});
+}
+
+}  // namespace
+
+LayerLook first_look(DataFile SessionFiles::*layer) {
+  LayerLook look;
+  if (layer == &SessionFiles::base) {
+    look.shares = image_shares;
+  } else if (layer == &SessionFiles::overlay) {
+    look.colormap = "inferno";
+    look.shares = Shares{0.6, 0.998};
+    look.opacity.highest = 0.5;
+  } else {
+    look.colormap = "viridis";
+    look.shares = Shares{0.01, 0.99};
+  }
+  return look;
+}
+
+void find_ranges(const Document& document, ViewState& state) {
+  if (document.volume) find_range(state.base, document.volume->voxels);
+  if (document.overlay) find_range(state.overlay, document.overlay->voxels);
+  if (document.surface) find_range(state.surface, document.surface->values);
+  if (document.secondary) find_range(state.secondary, document.secondary->values);
+}
+
+ViewState start_state(const Document& document) {
+  ViewState state;
+  if (!document) return state;
+  const VolumeData& volume = *document.volume;
+  state.base = first_look(&SessionFiles::base);
+  state.base.opacity.shift = 0.35;  // most values of a section are darker than tissue
+  state.overlay = first_look(&SessionFiles::overlay);
+  state.surface = first_look(&SessionFiles::surface);
+  state.secondary = first_look(&SessionFiles::secondary);
+  find_ranges(document, state);
+  state.cursor = {static_cast<double>(volume.depth / 2), static_cast<double>(volume.ascans / 2),
+                  static_cast<double>(volume.bscans / 2)};
+  state.volume.angles = {25, -35};
+  state.volume.zoom = 52;
+  state.volume.scale_marks = document.spacing().is_known();
+  return state;
+}
+
+}  // namespace oct::app

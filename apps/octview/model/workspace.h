@@ -1,0 +1,53 @@
+// What the panes and panels of the viewer share.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "octview/model/document.h"
+#include "octview/model/view_state.h"
+
+namespace oct::app {
+
+// What is to be read, and how it is then shown; without a state as start_state says.
+struct Opening {
+  SessionFiles files;
+  std::optional<ViewState> state;
+};
+
+struct Workspace {
+  Document document;
+  ViewState state;
+  std::string under_cursor;  // value, voxel and millimetres, in the frame that is built; empty: nothing
+  std::string message;       // the last failure, or what just happened
+  bool message_is_error = false;
+  // What clicks measure, and the points of it so far.
+  std::optional<MeasurementKind> tool;
+  std::vector<VoxelPoint> clicked;
+  // What a panel wants opened. What is open stays until it has been read.
+  std::optional<Opening> wanted;
+  std::array<PictureSize, 4> pane_sizes{};  // in pixels, by Pane
+  double now = 0;                           // seconds, of the frame that is built
+
+  void say(std::string text) {
+    message = std::move(text);
+    message_is_error = false;
+  }
+  void fail(std::string text) {
+    message = std::move(text);
+    message_is_error = true;
+  }
+};
+
+// Of a layer that is new.
+LayerLook first_look(DataFile SessionFiles::*layer);
+
+// Ranges that follow the data, where it is.
+void find_ranges(const Document& document, ViewState& state);
+
+// The state that shows a document that was just opened: automatic ranges, the crosshair in the middle.
+ViewState start_state(const Document& document);
+
+}  // namespace oct::app

@@ -1,0 +1,89 @@
+#include "octview/panels/session_panel.h"
+
+#include <array>
+#include <stdexcept>
+#include <string>
+
+#include "command_line/platform.h"
+#include "data/file_errors.h"
+#include "octview/model/octrender_command.h"
+#include "octview/model/session_file.h"
+#include "octview/model/slice_position.h"
+#include "octview/panels/widgets.h"
+
+namespace oct::app {
+namespace {
+
+constexpr std::array<const char*, 4> panes_to_copy{"B-scan", "En face", "Section", "Volume"};
+
+void open_session(Workspace& workspace, const std::filesystem::path& file) {
+  Session session = read_session(file);
+  workspace.wanted = Opening{std::move(session.files), std::move(session.state)};
+}
+
+void save_session(Workspace& workspace, const std::filesystem::path& file) {
+  write_session(file, {workspace.document.files, workspace.state});
+  workspace.say("Saved " + to_utf8(file));
+}
+
+void copy_command(Workspace& workspace, Pane pane) {
+  const Document& document = workspace.document;
+  const PictureSize size = workspace.pane_sizes[static_cast<std::size_t>(pane)];
+  std::vector<std::string> words;
+  if (pane == Pane::volume) {
+    words = volume_command(document.files, workspace.state, size, "picture.png");
+  } else {
+    const auto axis = static_cast<SliceAxis>(pane);
+    words = slice_command(document.files, workspace.state, axis,
+                          slice_position(document, workspace.state, axis).position, size, "picture.png");
+  }
+  words.insert(words.begin(), "octrender");
+  ImGui::SetClipboardText(native_shell_words(words).c_str());
+  workspace.say("Copied the octrender command");
+}
+
+// What fails is told; everything stays as it was.
+template <class Action>
+void attempt(Workspace& workspace, Action action) {
+  try {
+    action();
+  } catch (const std::runtime_error& error) {
+    workspace.fail(error.what());
+  }
+}
+
+}  // namespace
+
+void SessionPanel::show(Workspace& workspace) {
+  const bool open = static_cast<bool>(workspace.document);
+  if (ImGui::CollapsingHeader("Session")) {
+    const std::filesystem::path base = std::filesystem::absolute(
+        workspace.document.files.base.path.empty() ? "live" : workspace.document.files.base.path);
+    if (ImGui::Button("Open ...")) {
+      purpose_ = FileChooser::Purpose::open;
+      chooser_.ask("Session to open", purpose_, base.parent_path());
+    }
+    if (open) {
+      ImGui::SameLine();
+      if (ImGui::Button("Save ...")) {
+        purpose_ = FileChooser::Purpose::save;
+        chooser_.ask("Session to save", purpose_,
+                     std::filesystem::path(base).replace_extension(".octview.json"));
+      }
+      if (ImGui::Button("Copy as octrender command"))
+        attempt(workspace, [&] { copy_command(workspace, pane_); });
+      hint("The command line that draws the pane's picture as a file, pixel for pixel");
+      leave_for_labels(5.5F);
+      int pane = static_cast<int>(pane_);
+      if (ImGui::Combo("of pane", &pane, panes_to_copy.data(), static_cast<int>(panes_to_copy.size())))
+        pane_ = static_cast<Pane>(pane);
+    }
+  }
+  const std::optional<std::filesystem::path> file = chooser_.show();
+  if (!file) return;
+  attempt(workspace, [&] {
+    purpose_ == FileChooser::Purpose::open ? open_session(workspace, *file) : save_session(workspace, *file);
+  });
+}
+
+}  // namespace oct::app

@@ -1,0 +1,231 @@
+#include "octview/viewer.h"
+
+#include <imgui.h>
+#include <nlohmann/json.hpp>
+
+#include "data/file_errors.h"
+#include "octview/model/session_file.h"
+#include "octview/panels/keys_panel.h"
+#include "octview/panels/widgets.h"
+#include "octview/window/item_index.h"
+#include "octview/window/keys.h"
+
+namespace oct::app {
+namespace {
+
+constexpr std::array<const char*, 4> pane_names{"B-scan", "En face", "Section", "Volume"};
+
+}  // namespace
+
+Viewer::Viewer(Window& window)
+    : window_(window),
+      slices_{SlicePane(window.gl(), SliceAxis::bscan), SlicePane(window.gl(), SliceAxis::enface),
+              SlicePane(window.gl(), SliceAxis::third)},
+      volume_(window.gl()) {}
+
+void Viewer::open(const std::vector<std::filesystem::path>& files) {
+  if (files.empty()) return;
+  try {
+    if (is_session(files.front())) {
+      Session session = read_session(files.front());
+      start({std::move(session.files), std::move(session.state)});
+      return;
+    }
+  } catch (const ReadError& error) {
+    workspace_.fail(error.what());
+    return;
+  }
+  Opening opening;
+  opening.files.base.path = files.front();
+  start(std::move(opening));
+}
+
+void Viewer::start(Opening opening) {
+  state_to_come_ = std::move(opening.state);
+  loading_.start("Reading " + to_utf8(opening.files.base.path.filename()),
+                 [files = std::move(opening.files), before = workspace_.document](
+                     const ProgressFunction& progress) { return load_document(files, progress, before); });
+}
+
+void Viewer::show_live() {
+  live_panel_.start(live_, workspace_);
+}
+
+// What was shown before stays until the first volume has come, and where none comes.
+void Viewer::take_live() {
+  const LiveSession::State before = live_.state();
+  live_.update();
+  if (live_.state() == LiveSession::State::failed && before != LiveSession::State::failed) {
+    workspace_.fail(live_.error());
+  }
+  if (!is_live()) return;
+  const bool began = !live_document_.is_shown(workspace_);
+  live_document_.show(live_.latest(), live_panel_.title(), workspace_);
+  if (began && live_document_.is_shown(workspace_)) {
+    workspace_.say("");
+    window_.set_title(workspace_.document.title + " - octview");
+  }
+  if (workspace_.state.large != Pane::volume) live_.request_volume();
+}
+
+void Viewer::take_loaded() {
+  auto outcome = loading_.take();
+  if (!outcome) return;
+  if (!outcome->result) {
+    if (!outcome->error.empty()) workspace_.fail(outcome->error);
+    return;
+  }
+  live_.stop();
+  workspace_.document = std::move(*outcome->result);
+  if (state_to_come_) {
+    workspace_.state = *std::exchange(state_to_come_, std::nullopt);
+    find_ranges(workspace_.document, workspace_.state);
+  } else {
+    workspace_.state = start_state(workspace_.document);
+  }
+  workspace_.say("");
+  window_.set_title(workspace_.document.title + " - octview");
+}
+
+bool Viewer::is_busy() const {
+  const bool live_begins =
+      live_.state() == LiveSession::State::opening || (is_live() && !live_document_.is_shown(workspace_));
+  return loading_.is_running() || sidebar_.is_busy() || volume_.is_coarse() || live_begins;
+}
+
+void Viewer::build(double now) {
+  workspace_.now = now;
+  workspace_.under_cursor.clear();
+  open(window_.take_dropped());
+  if (workspace_.wanted) start(*std::exchange(workspace_.wanted, std::nullopt));
+  take_loaded();
+  take_live();
+  handle_keys();
+  const ImGuiViewport& screen = *ImGui::GetMainViewport();
+  ImGui::SetNextWindowPos(screen.Pos);
+  ImGui::SetNextWindowSize(screen.Size);
+  ImGui::Begin("octview", nullptr,
+               ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings |
+                   ImGuiWindowFlags_NoBringToFrontOnFocus);
+  const float status_height = ImGui::GetFrameHeightWithSpacing();
+  ImGui::BeginChild("##everything", {0, -status_height});
+  show_sidebar(em(19));
+  ImGui::SameLine();
+  ImGui::BeginChild("##panes");
+  show_panes();
+  ImGui::EndChild();
+  ImGui::EndChild();
+  show_status();
+  ImGui::End();
+  show_progress();
+  show_keys_panel(keys_shown_);
+}
+
+void Viewer::show_sidebar(float width) {
+  ImGui::BeginChild("##sidebar", {width, 0}, true);
+  if (ImGui::CollapsingHeader("Live", is_live() ? ImGuiTreeNodeFlags_DefaultOpen : 0)) {
+    live_panel_.show(live_, workspace_);
+  }
+  sidebar_.show(workspace_);
+  ImGui::EndChild();
+}
+
+void Viewer::show_panes() {
+  if (workspace_.state.large) {
+    show_pane(*workspace_.state.large);
+    return;
+  }
+  const ImVec2 space = ImGui::GetContentRegionAvail();
+  const ImVec2 gap = ImGui::GetStyle().ItemSpacing;
+  const ImVec2 size{std::floor((space.x - gap.x) / 2), std::floor((space.y - gap.y) / 2)};
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (i % 2) ImGui::SameLine();
+    ImGui::BeginChild(pane_names[i], size, false,
+                      ImGuiWindowFlags_NoScrollbar | ImGuiWindowFlags_NoScrollWithMouse);
+    show_pane(static_cast<Pane>(i));
+    ImGui::EndChild();
+  }
+}
+
+// A pane that cannot be drawn says why in its place.
+void Viewer::show_pane(Pane pane) {
+  const ImVec2 space = ImGui::GetContentRegionAvail();
+  workspace_.pane_sizes[static_cast<std::size_t>(pane)] = {static_cast<unsigned>(std::max(space.x, 1.0F)),
+                                                           static_cast<unsigned>(std::max(space.y, 1.0F))};
+  if (!workspace_.document && !live_.error().empty()) {
+    ImGui::TextWrapped("%s", live_.error().c_str());
+    return;
+  }
+  try {
+    if (pane == Pane::volume) {
+      volume_.show(workspace_, is_live() && live_document_.is_shown(workspace_) ? &live_ : nullptr);
+    } else {
+      slices_[static_cast<std::size_t>(pane)].show(workspace_);
+    }
+  } catch (const std::exception& error) {
+    ImGui::PushTextWrapPos(0);
+    ImGui::TextUnformatted(error.what());
+    ImGui::PopTextWrapPos();
+  }
+}
+
+void Viewer::show_status() {
+  if (!workspace_.message.empty()) {
+    if (workspace_.message_is_error) ImGui::PushStyleColor(ImGuiCol_Text, IM_COL32(230, 80, 70, 255));
+    ImGui::TextUnformatted(workspace_.message.c_str());
+    if (workspace_.message_is_error) ImGui::PopStyleColor();
+  } else {
+    ImGui::TextUnformatted(workspace_.under_cursor.c_str());
+  }
+  const char* const keys = "? keys";
+  ImGui::SameLine(ImGui::GetWindowContentRegionMax().x - ImGui::CalcTextSize(keys).x);
+  ImGui::TextDisabled("%s", keys);
+}
+
+void Viewer::show_progress() {
+  if (!loading_.is_running()) return;
+  const ImVec2 middle = ImGui::GetMainViewport()->GetCenter();
+  ImGui::SetNextWindowPos(middle, ImGuiCond_Always, {0.5F, 0.5F});
+  ImGui::Begin(
+      "##progress", nullptr,
+      ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoSavedSettings);
+  ImGui::TextUnformatted(loading_.activity().c_str());
+  ImGui::ProgressBar(static_cast<float>(loading_.share()), {em(20), 0});
+  ImGui::SameLine();
+  if (ImGui::Button("Stop")) loading_.cancel();
+  ImGui::End();
+}
+
+void Viewer::handle_keys() {
+  if (is_question_mark_pressed()) keys_shown_ = !keys_shown_;
+  if (is_pressed(Key::escape)) keys_shown_ = false;
+  if (is_pressed(letter('Q'), true)) window_.close();
+}
+
+std::string Viewer::description() const {
+  nlohmann::json json;
+  json["title"] = workspace_.document.title;
+  json["live"] = {{"running", is_live()}, {"shown", live_.statistics().shown}, {"error", live_.error()}};
+  json["cursor"] = workspace_.state.cursor;
+  json["under_cursor"] = workspace_.under_cursor;
+  json["message"] = workspace_.message;
+  json["range"] = {workspace_.state.base.range.lower, workspace_.state.base.range.upper};
+  json["opacity_points"] = workspace_.state.base.opacity.points;
+  const char* const clipboard = ImGui::GetClipboardText();
+  json["clipboard"] = clipboard ? clipboard : "";
+  json["angles"] = workspace_.state.volume.angles;
+  json["zoom"] = workspace_.state.volume.zoom;
+  json["mode"] = static_cast<int>(workspace_.state.volume.look);
+  json["large"] = workspace_.state.large ? pane_names[static_cast<std::size_t>(*workspace_.state.large)] : "";
+  json["items"] = nlohmann::json::array();
+  const float scale = window_.scale();
+  for (const IndexedItem& item : all_items()) {
+    if (!item.visible) continue;
+    json["items"].push_back({{"label", item.label},
+                             {"from", {item.from.x / scale, item.from.y / scale}},
+                             {"to", {item.to.x / scale, item.to.y / scale}}});
+  }
+  return json.dump(1);
+}
+
+}  // namespace oct::app
