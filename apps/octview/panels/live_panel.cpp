@@ -193,7 +193,7 @@ void LivePanel::show_numbers(const LiveSession& session) const {
   row("", "%llu by the driver", numbers.dropped_by_driver);
   row("", "%llu by the device", numbers.dropped_by_device);
   row("Latency", "median %.0f ms", numbers.latency_median_ms);
-  row("", "99 %% %.0f ms, worst %.0f ms", numbers.latency_p99_ms, numbers.latency_worst_ms);
+  row("", "99 %% %.0f, worst %.0f ms", numbers.latency_p99_ms, numbers.latency_worst_ms);
 }
 
 void LivePanel::show_recorder(LiveSession& session, Workspace& workspace) {
