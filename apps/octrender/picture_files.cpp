@@ -8,7 +8,6 @@
 #include "octrender/option_values.h"
 
 namespace oct::app {
-namespace {
 
 void refuse_inputs(const std::filesystem::path& output, std::initializer_list<std::string> inputs) {
   for (const std::string& input : inputs) {
@@ -18,8 +17,6 @@ void refuse_inputs(const std::filesystem::path& output, std::initializer_list<st
     }
   }
 }
-
-}  // namespace
 
 CLI::Option* add_output_option(CLI::App& verb, std::string& output) {
   return verb.add_option("-o,--output", output, "Picture to write; must end in .png")->type_name("OUT.png");

@@ -18,6 +18,9 @@ std::filesystem::path checked_output(const std::string& output, std::initializer
 // inputs, some of which may be empty.
 std::filesystem::path picture_file(const std::string& output, std::initializer_list<std::string> inputs);
 
+// Throws a CommandLineError where the output is one of these files.
+void refuse_inputs(const std::filesystem::path& output, std::initializer_list<std::string> inputs);
+
 // The same for a series, which may be an animation.
 std::filesystem::path series_file(const std::string& output, std::initializer_list<std::string> inputs);
 

@@ -58,6 +58,8 @@ int run_program(const std::vector<std::string>& arguments) {
   add_slice_verb(program, texts);
   add_volume_verb(program, texts);
   add_live_verb(program, texts);
+  add_surface_verb(program, texts);
+  add_panels_verb(program, texts);
   add_info_verb(program);
   try {
     std::vector<std::string> words = without_automatic_ranges(arguments);

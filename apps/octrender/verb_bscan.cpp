@@ -11,6 +11,7 @@
 #include "octrender/data_options.h"
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
+#include "octrender/output/figure_options.h"
 #include "octrender/picture_files.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
@@ -47,6 +48,7 @@ Examples:
   octrender bscan skin.npy -o skin.png --spacing 5.75 3.1
   octrender bscan retina_linear.npy -o retina.png --db --range -80 -10
   octrender bscan artery.npy -o artery.png --frame 20 --colormap inferno --blur first
+  octrender bscan skin.npy -o skin.png --spacing 3.1 11.7 --spacing-unit um --figure --unit dB
   octrender bscan skin.npy -o flow.png --overlay flow.npy --overlay-threshold 60
 )";
 
@@ -69,6 +71,8 @@ struct Options {
   std::optional<double> overlay_threshold;
   LayerColorOptions overlay_colors{{}, "inferno"};
   double overlay_opacity = 0.5;
+  std::string spacing_unit;
+  FigureOptions figure;
 };
 
 void add_input_options(CLI::App& verb, Options& options) {
@@ -88,11 +92,15 @@ void add_display_options(CLI::App& verb, Options& options) {
                                "Size of the picture in pixels (default: one\n"
                                "pixel per sample, at most 4096 a side)");
   size->type_name("WxH");
-  verb.add_option("--spacing", options.spacing,
-                  "Distance between samples along depth and between\n"
-                  "A-scans, in one unit: gives the true aspect\n(default: what the file tells, or equal)")
-      ->type_name("DEPTH LATERAL")
-      ->excludes(size);
+  auto* spacing = verb.add_option(
+      "--spacing", options.spacing,
+      "Distance between samples along depth and between\n"
+      "A-scans, in one unit: gives the true aspect\n(default: what the file tells, or equal)");
+  spacing->type_name("DEPTH LATERAL");
+  verb.add_option("--spacing-unit", options.spacing_unit, "That unit, for the scale bar of --figure")
+      ->type_name("um|mm")
+      ->check(CLI::IsMember({"um", "mm"}).description(""))
+      ->needs(spacing);
   verb.add_option("--range", options.range,
                   "Sample values of the first and the last colour\n"
                   "(default: auto, the 1st and the 99.5th\n"
@@ -180,6 +188,23 @@ Spacing spacing_of(const std::filesystem::path& file, const Image& image) {
   return {depth, lateral};
 }
 
+// Millimetres, as far as they are known.
+VoxelSpacing length_spacing_of(const Options& options, const Image& image) {
+  if (!options.spacing) return image.spacing;
+  const double mm = options.spacing_unit.empty() ? 0.0 : options.spacing_unit == "mm" ? 1.0 : 0.001;
+  return {{options.spacing->first * mm, options.spacing->second * mm, 0.0}, "command line"};
+}
+
+Figure figure_of(const Options& options, const BscanScene& scene, Picture picture) {
+  Figure figure{std::move(picture), pixel_mm(scene), {}};
+  if (!figure.pixel_mm) {
+    note(from_utf8(options.input),
+         "no scale bar: neither the file nor --spacing with --spacing-unit tells the distance of samples");
+  }
+  figure.color_bar = color_bar_of(options.figure, scene.base.colormap, scene.base.range, options.decibels);
+  return figure;
+}
+
 void run(const Options& options, const PngTexts& texts) {
   // Everything that can be refused by the command line alone comes before the files are read.
   const std::filesystem::path output = picture_file(options.output, {options.input, options.overlay});
@@ -187,9 +212,14 @@ void run(const Options& options, const PngTexts& texts) {
   const std::optional<ValueRange> overlay_range =
       parse_range("--overlay-range", options.overlay_colors.range);
   const std::optional<Spacing> spacing = parse_spacing(options.spacing);
+  if (spacing && !options.size.empty() && options.spacing_unit.empty()) {
+    throw CommandLineError("--spacing: --size tells the aspect; with both, --spacing-unit is needed");
+  }
   const DataFile input = data_file(options.input, options.data);
   BscanScene scene;
   if (!options.size.empty()) scene.size = parse_picture_size(options.size);
+  scene.transparent = options.figure.transparent;
+  const FigureStyle style = style_of(options.figure);
   scene.background = parse_color("--background", options.background);
   Colormap colormap = load_colormap(options.colormap);
   const Colormap overlay_colormap = layer_colormap(options.overlay_colors);
@@ -201,6 +231,7 @@ void run(const Options& options, const PngTexts& texts) {
                                       spacing ? *spacing : spacing_of(input.path, loaded.image));
   }
   scene.base = make_base(options, loaded, range);
+  scene.base.image.spacing = length_spacing_of(options, scene.base.image);
   scene.base.colormap = std::move(colormap);
   if (!options.overlay.empty())
     scene.overlay = make_overlay(options, loaded, overlay_colormap, overlay_range);
@@ -208,8 +239,11 @@ void run(const Options& options, const PngTexts& texts) {
   scene.second_blur = options.blur == "second" || options.blur == "both";
   scene.pepper_filter = options.pepper;
   scene.flip = options.flip;
-  const BscanPicture drawn = render_bscan(scene);
-  write_png(output, drawn.picture, texts);
+  BscanPicture drawn = render_bscan(scene);
+  write_png(output,
+            options.figure.figure ? figure_of(figure_of(options, scene, std::move(drawn.picture)), style)
+                                  : drawn.picture,
+            texts);
   warn("octrender", drawn.explanation);
 }
 
@@ -223,6 +257,7 @@ void add_bscan_verb(CLI::App& program, const PngTexts& texts) {
   add_input_options(*verb, *options);
   add_display_options(*verb, *options);
   add_overlay_options(*verb, *options);
+  add_figure_options(*verb, options->figure, "where samples\nhave a distance in millimetres");
   verb->footer(std::string(data_help) + footer_text);
   verb->callback([options, texts] { run(*options, texts); });
 }

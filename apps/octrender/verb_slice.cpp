@@ -13,8 +13,8 @@
 #include "octrender/data_options.h"
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
-#include "octrender/picture_files.h"
 #include "octrender/output/picture_series.h"
+#include "octrender/picture_files.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 #include "scene/slice_scene.h"
@@ -39,7 +39,8 @@ finer axis; with it the section fits into the picture, --zoom times, and --backg
 beside it. A pixel that covers several samples shows their mean.
 
 An automatic range goes from the 1st to the 99.5th percentile of the section, of a sweep
-from those of the volume. What is no number is drawn in the first colour.
+from those of the volume. In pictures NaN and minus infinity count as the lowest finite
+sample of the volume, infinity as the highest; where there are no values is the first colour.
 
 Values: OUT.tif and, with --depth 16, OUT.png hold integers of 16 bits, the --range as 0 to
 65535 and what lies beyond as its ends, with spacing in OUT.tif; OUT.npy holds the samples
@@ -81,6 +82,7 @@ struct Options {
   std::optional<double> overlay_threshold;
   LayerColorOptions overlay_colors{{}, "inferno"};
   double overlay_opacity = 0.5;
+  FigureOptions figure;
 };
 
 // Positions of the first and the last section, and the step between them.
@@ -193,6 +195,8 @@ std::filesystem::path output_of(const Options& options) {
   const std::filesystem::path output = from_utf8(options.output);
   if (!options.sweep.empty()) {
     if (holds_values(options, output)) throw CommandLineError("--sweep draws pictures of 8 bits, not values");
+    if (options.figure.transparent && is_animation(output) && output.extension() != ".apng")
+      throw CommandLineError("--transparent: of animations .apng alone has alpha");
     return series_file(options.output, inputs);
   }
   if (is_animation(output)) {
@@ -203,6 +207,9 @@ std::filesystem::path output_of(const Options& options) {
   }
   if (holds_values(options, output) && !options.overlay.empty()) {
     throw CommandLineError("--overlay is for pictures of 8 bits; the output holds values");
+  }
+  if (holds_values(options, output) && (options.figure.figure || options.figure.transparent)) {
+    throw CommandLineError("--figure and --transparent are for pictures of 8 bits; the output holds values");
   }
   if (!is_value_file(output)) return picture_file(options.output, inputs);
   return checked_output(options.output, inputs);
@@ -283,14 +290,10 @@ class Sections {
   LateralMap surface_;
 };
 
-VolumeData load(const Options& options, const std::string& name) {
-  VolumeData volume = read_volume(data_file(name, options.data));
-  if (options.decibels && name == options.input) to_decibels(volume.voxels);
-  return volume;
-}
-
-VolumeData load_base(const Options& options) {
-  VolumeData volume = load(options, options.input);
+VolumeData load_base(const Options& options, bool finite) {
+  VolumeData volume = read_volume(data_file(options.input, options.data));
+  if (options.decibels) to_decibels(volume.voxels);
+  if (finite) replace_non_finite(volume.voxels);
   take_extent(volume, options.extent);
   if (options.extent.empty() && volume.spacing.is_known()) {
     note(from_utf8(options.input), "voxels of " + spacing_text(volume.spacing));
@@ -299,7 +302,8 @@ VolumeData load_base(const Options& options) {
 }
 
 VolumeData load_overlay(const Options& options, const VolumeData& base) {
-  VolumeData overlay = load(options, options.overlay);
+  VolumeData overlay = read_volume(data_file(options.overlay, options.data));
+  replace_non_finite(overlay.voxels);
   if (overlay.file_size != base.file_size) {
     throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
   }
@@ -345,12 +349,20 @@ SliceScene scene_of(const Options& options) {
   scene.background = parse_color("--background", options.background);
   scene.base.colormap = load_colormap(options.colormap);
   if (options.reverse) std::reverse(scene.base.colormap.begin(), scene.base.colormap.end());
-  flatten_onto(scene.base.colormap, scene.background);
+  scene.transparent = options.figure.transparent;
   if (options.overlay.empty()) return scene;
   scene.overlay =
       SliceOverlay{{nullptr, {}, layer_colormap(options.overlay_colors)}, options.overlay_threshold};
   scale_alpha(scene.overlay->layer.colormap, options.overlay_opacity);
   return scene;
+}
+
+// The picture as it is, or on paper.
+Picture finished(const Options& options, const SliceScene& scene, Picture picture) {
+  if (!options.figure.figure) return picture;
+  Figure figure{std::move(picture), pixel_mm(scene), {}};
+  figure.color_bar = color_bar_of(options.figure, scene.base.colormap, scene.base.range, options.decibels);
+  return figure_of(figure, style_of(options.figure));
 }
 
 struct Inputs {
@@ -364,7 +376,9 @@ SlicePicture draw(const Options& options, const Inputs& inputs, std::ptrdiff_t p
     scene.overlay->layer.image = std::make_shared<const Image>(inputs.sections.of(*inputs.overlay, position));
   scene.size = size_of(options, *scene.base.image, false);
   scene.area = area_of(options, *scene.base.image, scene.size);
-  return render_slice(scene);
+  SlicePicture drawn = render_slice(scene);
+  drawn.picture = finished(options, scene, std::move(drawn.picture));
+  return drawn;
 }
 
 void draw_sweep(const Options& options, const Inputs& inputs, const Sweep& sweep, SliceScene& scene,
@@ -397,11 +411,13 @@ void run(const Options& options, const PngTexts& texts) {
   parse_sweep(options.sweep);
   if (!options.size.empty()) parse_picture_size(options.size);
   const std::optional<ValueRange> range = parse_range("--range", options.range);
-  const std::optional<ValueRange> overlay_range = parse_range("--overlay-range", options.overlay_colors.range);
+  const std::optional<ValueRange> overlay_range =
+      parse_range("--overlay-range", options.overlay_colors.range);
   data_file(options.input, options.data);
+  style_of(options.figure);
   SliceScene scene = scene_of(options);
 
-  Inputs inputs{{options, load_base(options)}, {}};
+  Inputs inputs{{options, load_base(options, !holds_values(options, output))}, {}};
   const Sweep sweep = inputs.sections.positions(options);
   if (!options.overlay.empty()) inputs.overlay = load_overlay(options, inputs.sections.volume());
   const bool alone = options.sweep.empty();
@@ -436,6 +452,7 @@ void add_slice_verb(CLI::App& program, const PngTexts& texts) {
   add_section_options(*verb, *options);
   add_picture_options(*verb, *options);
   add_overlay_options(*verb, *options);
+  add_figure_options(*verb, options->figure, "where samples\nhave a distance in millimetres");
   verb->footer(std::string(data_help) + footer_text);
   verb->callback([options, texts] { run(*options, texts); });
 }

@@ -8,8 +8,9 @@
 #include "octrender/data_options.h"
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
-#include "octrender/picture_files.h"
+#include "octrender/output/figure_options.h"
 #include "octrender/output/picture_series.h"
+#include "octrender/picture_files.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 #include "octrender/volume_options.h"
@@ -67,6 +68,7 @@ struct Options : VolumeOptions {
   LayerColorOptions secondary_colors{{}, "viridis"};
   unsigned turntable = 0;
   unsigned frames_per_second = 30;
+  FigureOptions figure;
 };
 
 void add_input_options(CLI::App& verb, Options& options) {
@@ -131,6 +133,7 @@ VolumeScene scene_of(const Options& options) {
   static_cast<VolumeView&>(scene) = view_of(options);
   check_extent(options.extent);
   scene.show_volume = !options.surface_only;
+  scene.transparent = options.figure.transparent;
   if (!options.secondary.empty() && scene.look != VolumeLook::composite) {
     throw CommandLineError("--secondary colours composites only; it needs --mode composite");
   }
@@ -191,19 +194,47 @@ void load_secondary(const Options& options, const std::optional<ValueRange>& ran
 std::filesystem::path output_of(const Options& options) {
   const std::initializer_list<std::string> inputs = {options.input, options.overlay, options.surface,
                                                      options.secondary};
-  if (options.turntable > 0) return series_file(options.output, inputs);
+  if (options.turntable > 0) {
+    const std::filesystem::path output = series_file(options.output, inputs);
+    if (options.figure.transparent && is_animation(output) && output.extension() != ".apng")
+      throw CommandLineError("--transparent: of animations .apng alone has alpha");
+    return output;
+  }
   if (is_animation(from_utf8(options.output))) {
     throw CommandLineError("the output '" + options.output + "' is an animation; it needs --turntable N");
   }
   return picture_file(options.output, inputs);
 }
 
+// The picture as it is, or on paper.
+class Finish {
+ public:
+  Finish(const VolumeScene& scene, const Options& options) : style_(style_of(options.figure)) {
+    if (!options.figure.figure) return;
+    frame_.emplace();
+    frame_->color_bar = color_bar_of(options.figure, scene.base.colormap, scene.base.range, options.decibels);
+    const std::optional<double> mm = scene.base.data->spacing.is_known() ? pixel_mm(scene) : std::nullopt;
+    if (mm) frame_->pixel_mm = {*mm, *mm};
+  }
+
+  Picture operator()(const Picture& picture) {
+    if (!frame_) return picture;
+    frame_->picture = picture;
+    return figure_of(*frame_, style_);
+  }
+
+ private:
+  const FigureStyle style_;
+  std::optional<Figure> frame_;
+};
+
 void draw(const VolumeScene& scene, const std::filesystem::path& output, const Options& options,
           const PngTexts& texts) {
+  Finish finish(scene, options);
   std::string explanation;
   if (options.turntable == 0) {
-    explanation =
-        render_volume(scene, 1, [&](unsigned, const Picture& picture) { write_png(output, picture, texts); });
+    explanation = render_volume(
+        scene, 1, [&](unsigned, const Picture& picture) { write_png(output, finish(picture), texts); });
   } else {
     const unsigned count = options.turntable;
     Progress progress("drawing " + std::to_string(count) + " pictures",
@@ -211,7 +242,7 @@ void draw(const VolumeScene& scene, const std::filesystem::path& output, const O
     const auto series = open_series({output, count, options.frames_per_second, texts});
     explanation = render_volume(scene, count, [&](unsigned number, const Picture& picture) {
       progress.update(number, count);
-      series->add(picture);
+      series->add(finish(picture));
     });
     series->finish();
   }
@@ -229,6 +260,7 @@ void run(const Options& options, const PngTexts& texts) {
   const std::optional<ValueRange> secondary_range =
       parse_range("--secondary-range", options.secondary_colors.range);
   const DataFile file = data_file(options.input, options.data);
+  style_of(options.figure);
   VolumeScene scene = scene_of(options);
   const Shares shares = shares_of(options, scene.look);
   Colormap overlay_colormap = layer_colormap(options.overlay_colors);
@@ -258,6 +290,8 @@ void add_volume_verb(CLI::App& program, const PngTexts& texts) {
   add_cut_options(*verb, *options);
   add_layer_options(*verb, *options);
   add_box_options(*verb, *options);
+  add_figure_options(*verb, options->figure,
+                     "without perspective, whose lengths differ from\nplace to place");
   verb->footer(std::string(data_help) + footer_text);
   verb->callback([options, texts] { run(*options, texts); });
 }

@@ -11,6 +11,8 @@ namespace oct::app {
 void add_bscan_verb(CLI::App& program, const PngTexts& texts);
 void add_info_verb(CLI::App& program);
 void add_live_verb(CLI::App& program, const PngTexts& texts);
+void add_panels_verb(CLI::App& program, const PngTexts& texts);
+void add_surface_verb(CLI::App& program, const PngTexts& texts);
 void add_slice_verb(CLI::App& program, const PngTexts& texts);
 void add_volume_verb(CLI::App& program, const PngTexts& texts);
 

@@ -208,6 +208,7 @@ std::string Viewer::description() const {
   json["cursor"] = workspace_.state.cursor;
   json["under_cursor"] = workspace_.under_cursor;
   json["message"] = workspace_.message;
+  json["message_is_error"] = workspace_.message_is_error;
   json["range"] = {workspace_.state.base.range.lower, workspace_.state.base.range.upper};
   json["opacity_points"] = workspace_.state.base.opacity.points;
   const char* const clipboard = ImGui::GetClipboardText();

@@ -51,6 +51,14 @@ void set_scene(DisplayRenderingHandle renderer, const BscanScene& scene) {
   checked(setDisplayFlip, renderer, int{scene.flip});
 }
 
+std::optional<std::array<double, 2>> pixel_mm(const BscanScene& scene) {
+  const Image& image = scene.base.image;
+  const auto [depth, lateral, ignored] = image.spacing.mm;
+  if (!(depth > 0 && lateral > 0)) return std::nullopt;
+  return std::array{lateral * static_cast<double>(image.ascans) / scene.size.width,
+                    depth * static_cast<double>(image.depth) / scene.size.height};
+}
+
 BscanPicture render_bscan(const BscanScene& scene, unsigned tile) {
   OffscreenTarget target;
   const DisplayRenderer owner;

@@ -1,6 +1,7 @@
 // Everything that makes the picture of a B-scan, ready to be drawn.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -40,6 +41,9 @@ struct BscanScene {
 };
 
 void set_scene(DisplayRenderingHandle renderer, const BscanScene& scene);
+
+// Of a pixel of the picture, to the right and downwards; none where the base does not tell the distances of its samples.
+std::optional<std::array<double, 2>> pixel_mm(const BscanScene& scene);
 
 struct BscanPicture {
   Picture picture;

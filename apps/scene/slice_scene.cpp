@@ -156,6 +156,54 @@ void set_overlay(DisplayRenderingHandle renderer, const SliceScene& scene, const
   checked(setDisplayOveralyThreshold, renderer, scene.overlay->threshold.value_or(everywhere));
 }
 
+// Each tile has its own samples, and with them its place in the picture.
+class SliceRendering {
+ public:
+  explicit SliceRendering(const SliceScene& scene) : scene_(scene) {
+    const PictureSize size = scene.size;
+    picture_ = {size, std::vector<std::uint8_t>(std::size_t{size.width} * size.height * 3)};
+    for (std::size_t i = 0; i < picture_.pixels.size(); ++i)
+      picture_.pixels[i] = static_cast<std::uint8_t>(scene.background >> (16 - 8 * (i % 3)));
+  }
+
+  SlicePicture take() {
+    const PixelRectangle whole = visible_pixels(*scene_.base.image, scene_.area, scene_.size);
+    for (unsigned top = 0; top < whole.height; top += largest_tile) {
+      for (unsigned left = 0; left < whole.width; left += largest_tile) {
+        draw({whole.left + left, whole.top + top, std::min(largest_tile, whole.width - left),
+              std::min(largest_tile, whole.height - top)});
+      }
+    }
+    if (whole.is_empty()) explanation_ = "The slice lies beside the picture. ";
+    return {std::move(picture_), shows_ ? std::string() : explanation_};
+  }
+
+ private:
+  void draw(const PixelRectangle& tile) {
+    set_scene(renderer_.handle(), scene_, tile);
+    target_.render(tile.width, tile.height, rgba_, [&] { checked(renderDisplay, renderer_.handle()); });
+    const Picture drawn = to_picture({tile.width, tile.height}, rgba_);
+    for (unsigned row = 0; row < tile.height; ++row) {
+      std::copy_n(&drawn.pixels[std::size_t{row} * tile.width * 3], std::size_t{tile.width} * 3,
+                  &picture_.pixels[(std::size_t{tile.top + row} * scene_.size.width + tile.left) * 3]);
+    }
+    explanation_ = explanation_of(explainDisplay, renderer_.handle());
+    shows_ = shows_ || explanation_.empty();
+  }
+
+  const SliceScene& scene_;
+  OffscreenTarget target_;
+  const DisplayRenderer renderer_;
+  std::vector<std::uint8_t> rgba_;
+  Picture picture_;
+  std::string explanation_;
+  bool shows_ = false;
+};
+
+SlicePicture render_opaque(const SliceScene& scene) {
+  return SliceRendering(scene).take();
+}
+
 }  // namespace
 
 SliceArea whole_area(const Image& slice) {
@@ -189,46 +237,29 @@ Image sample_area(const Image& slice, const SliceArea& area, PictureSize size, c
 void set_scene(DisplayRenderingHandle renderer, const SliceScene& scene, const PixelRectangle& pixels) {
   const SliceLayer& base = scene.base;
   set_image(setDisplayData, renderer, sample_area(*base.image, scene.area, scene.size, pixels, base.range));
-  checked(setDisplayColormap, renderer, base.colormap.data(), static_cast<int>(base.colormap.size()));
+  Colormap colormap = base.colormap;
+  flatten_onto(colormap, scene.background);
+  checked(setDisplayColormap, renderer, colormap.data(), static_cast<int>(colormap.size()));
   checked(setDisplayColoringBoundaries, renderer, base.range.lower, base.range.upper);
   if (scene.overlay) set_overlay(renderer, scene, pixels);
   checked(setDisplayNumberOverlays, renderer, 0, int{scene.overlay.has_value()});
   checked(setBackgroundColor, renderer, static_cast<int>(scene.background));
 }
 
+std::optional<std::array<double, 2>> pixel_mm(const SliceScene& scene) {
+  const auto [down, right, ignored] = scene.base.image->spacing.mm;
+  if (!(down > 0 && right > 0)) return std::nullopt;
+  return std::array{right * scene.area.width / scene.size.width,
+                    down * scene.area.height / scene.size.height};
+}
+
 SlicePicture render_slice(const SliceScene& scene) {
-  SlicePicture result{{scene.size, {}}, {}};
-  std::vector<std::uint8_t>& pixels = result.picture.pixels;
-  pixels.resize(std::size_t{scene.size.width} * scene.size.height * 3);
-  for (std::size_t i = 0; i < pixels.size(); ++i) {
-    pixels[i] = static_cast<std::uint8_t>(scene.background >> (16 - 8 * (i % 3)));
-  }
-  const PixelRectangle whole = visible_pixels(*scene.base.image, scene.area, scene.size);
-  if (whole.is_empty()) {
-    result.explanation = "the slice lies beside the picture";
-    return result;
-  }
-  OffscreenTarget target;
-  const DisplayRenderer renderer;
-  bool shows = false;
-  for (unsigned top = 0; top < whole.height; top += largest_tile) {
-    for (unsigned left = 0; left < whole.width; left += largest_tile) {
-      const PixelRectangle tile{whole.left + left, whole.top + top,
-                                std::min(largest_tile, whole.width - left),
-                                std::min(largest_tile, whole.height - top)};
-      set_scene(renderer.handle(), scene, tile);
-      std::vector<std::uint8_t> rgba;
-      target.render(tile.width, tile.height, rgba, [&] { checked(renderDisplay, renderer.handle()); });
-      const Picture drawn = to_picture({tile.width, tile.height}, rgba);
-      for (unsigned row = 0; row < tile.height; ++row) {
-        std::copy_n(&drawn.pixels[std::size_t{row} * tile.width * 3], std::size_t{tile.width} * 3,
-                    &pixels[(std::size_t{tile.top + row} * scene.size.width + tile.left) * 3]);
-      }
-      const std::string explanation = explanation_of(explainDisplay, renderer.handle());
-      shows = shows || explanation.empty();
-      result.explanation = shows ? "" : explanation;
-    }
-  }
+  if (!scene.transparent) return render_opaque(scene);
+  SliceScene on_paper = scene;
+  on_paper.background = 0;
+  SlicePicture result = render_opaque(on_paper);
+  on_paper.background = 0xFFFFFF;
+  result.picture = without_background(result.picture, render_opaque(on_paper).picture);
   return result;
 }
 

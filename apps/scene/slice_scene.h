@@ -1,6 +1,7 @@
 // Everything that makes the picture of a slice, ready to be drawn.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -34,7 +35,8 @@ struct SliceScene {
   std::optional<SliceOverlay> overlay;
   SliceArea area;
   PictureSize size;
-  std::uint32_t background = 0;  // 0xRRGGBB; what shows beside the slice
+  std::uint32_t background = 0;  // 0xRRGGBB; what shows beside the slice and through transparent colours
+  bool transparent = false;      // pictures have alpha in place of the background
 };
 
 // Pixels from the top left.
@@ -59,6 +61,9 @@ Image sample_area(const Image& slice, const SliceArea& area, PictureSize size, c
 
 // Hands over these pixels of the scene, for a viewport of their size.
 void set_scene(DisplayRenderingHandle renderer, const SliceScene& scene, const PixelRectangle& pixels);
+
+// Of a pixel, to the right and downwards; none where the spacing is not known.
+std::optional<std::array<double, 2>> pixel_mm(const SliceScene& scene);
 
 struct SlicePicture {
   Picture picture;

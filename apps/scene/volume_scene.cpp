@@ -1,6 +1,7 @@
 #include "scene/volume_scene.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "client/explanation.h"
@@ -113,6 +114,14 @@ void VolumeDrawing::draw() {
           int{scene_.surface.has_value() && scene_.show_surface});
   const bool overlaid = scene_.overlay && scene_.show_overlay && !overlay_awaited_;
   checked(renderOfflineVolume, rendering_.offline(), overlaid ? 2 : 0);
+}
+
+std::optional<double> pixel_mm(const VolumeScene& scene) {
+  if (scene.perspective) return std::nullopt;
+  // The picture is a fifth of the zoom wide where the box's diagonal is 4.
+  const auto& [depth, a_scans, b_scans] = scene.extent;
+  const double diagonal = std::hypot(double{depth}, double{a_scans}, double{b_scans});
+  return scene.zoom / 5 * diagonal / 4 / scene.size.width;
 }
 
 std::string render_volume(const VolumeScene& scene, unsigned count,

@@ -92,6 +92,9 @@ class VolumeDrawing {
   bool overlay_awaited_ = false;  // to be handed over after it
 };
 
+// Of a pixel of the picture, the same everywhere in it; none with perspective. Counts extents as millimetres.
+std::optional<double> pixel_mm(const VolumeScene& scene);
+
 // Draws the scene once, or as often as `count` says, turned further about the depth axis each time so that
 // the last picture is followed by the first. Each picture is handed over as it is finished. Returns why the last one shows
 // nothing; empty when it shows something.

@@ -31,7 +31,7 @@ TEST_F(Bscan, RefusesWrongCommandLines) {
   expect_wrong("--spacing", {"1", "0 1", "1 nan"});
   expect_wrong("--range", {"1", "1 1", "1 1.000000000001", "0 inf", "low high"});
   expect_wrong("--blur", {"third"});
-  expect_wrong("--size", {"12", "2x", "x2", "2X2", "0x2", "2x0", "-2x2", "2x2x2", "1.5x2", "16385x1",
+  expect_wrong("--size", {"12", "2x", "x2", "2X2", "0x2", "2x0", "-2x2", "2x2x2", "1.5x2", "65537x1",
                           "99999999999x1", "16384x16384"});
   expect_wrong("--background", {"red", "12345", "1234567", "12345g", "-12345", "0x1234"});
   expect_wrong("--overlay-threshold", {"1"});

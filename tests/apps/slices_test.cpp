@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "apps/program_test.h"
 #include "scene/slice_scene.h"
 #include "support/reference/display_reference.h"
 
@@ -33,7 +34,7 @@ VolumeData odd_volume(std::size_t depth, std::size_t ascans, std::size_t bscans)
 
 // One voxel at a time, by the words of the interface.
 float one_projected(const VolumeData& volume, std::ptrdiff_t first, const EnFace& enface, std::size_t a,
-                std::size_t b) {
+                    std::size_t b) {
   double sum = 0;
   float highest = no_value, only = no_value;
   int count = 0, inside = 0;
@@ -194,6 +195,87 @@ TEST(SliceWindows, FitTheSliceAndKeepItsAspectAndWhatIsNotFiniteShowsTheEndsOfTh
             (std::vector<float>{1, 5, 1, 3}));
   const Image mean = sample_area(odd, whole_area(odd), {1, 1}, {0, 0, 1, 1}, ValueRange{1, 5});
   EXPECT_EQ(mean.samples, std::vector<float>{3});  // the box begins at the last sample
+}
+
+// "octrender slice": two B-scans of two samples of depth and three A-scans.
+class Slice : public ProgramTest {
+ protected:
+  Slice() : ProgramTest("slice in.npy -o out.png --range 0 255") {
+    write_npy("in.npy", "2, 2, 3", {0, 20, 40, 60, 80, 100, 120, 140, 160, 180, 200, 220});
+    write_npy("heights.npy", "2, 3", {0, 1, no_value, 0, 0, 1});
+  }
+
+  Image written(const std::string& further, const std::string& output) {
+    EXPECT_EQ(run_bare("slice in.npy -o " + output + " --range 0 220 " + further), 0) << error_text_;
+    return load_image({output, {}, {}}, {}).image;
+  }
+};
+
+TEST_F(Slice, ShowsSectionsAndProjections) {
+  expect_picture("--position 1", 3, 2, {120, 140, 160, 180, 200, 220});
+  EXPECT_EQ(error_text_, "");
+  expect_picture("--axis enface --position 1", 3, 2, {60, 80, 100, 180, 200, 220});
+  expect_picture("--axis third", 2, 2, {20, 140, 80, 200});
+  expect_in("in.npy: showing position 1 of 0 to 2; choose another with --position", error_text_);
+  expect_picture("--axis enface --position 1 --layers 2", 3, 2, {30, 50, 70, 150, 170, 190});
+  expect_picture("--axis enface --position 0 --layers 3 --projection maximum", 3, 2,
+                 {60, 80, 100, 180, 200, 220});
+  expect_picture("--axis enface --surface heights.npy", 3, 2, {0, 80, 0, 120, 140, 220});
+  expect_picture("--axis enface --surface heights.npy --position -1", 3, 2, {0, 20, 0, 0, 0, 160});
+  expect_picture("--axis third --position 2 --size 4x2 --background 0A0A0A", 4, 2,
+                 {10, 40, 160, 10, 10, 100, 220, 10});
+  expect_picture("--axis third --position 2 --size 2x2 --zoom 2 --center 0.75 0.25", 2, 2,
+                 {160, 160, 160, 160});
+  expect_picture("--position 0 --extent 4 3 2", 3, 4, {0, 20, 40, 0, 20, 40, 60, 80, 100, 60, 80, 100});
+  expect_picture(
+      "--position 1 --overlay in.npy --overlay-colormap gray --overlay-opacity 1 --overlay-range 220 0 "
+      "--overlay-threshold 190",
+      3, 2, {120, 140, 160, 180, 23, 0});
+}
+
+TEST_F(Slice, SweepsInOneRange) {
+  EXPECT_EQ(run_bare("slice in.npy -o turn.png --axis third --sweep 2:0:-2"), 0) << error_text_;
+  EXPECT_FALSE(std::filesystem::exists("turn-002.png"));
+  EXPECT_EQ(run_bare("slice in.npy -o out.png --axis third --position 0 --range 2.2 218.9"), 0)
+      << error_text_;
+  EXPECT_EQ(read_picture("turn-001.png").pixels, read_picture("out.png").pixels);
+  EXPECT_EQ(run_bare("slice in.npy -o out.apng --axis enface --sweep all --range 0 255"), 0) << error_text_;
+  EXPECT_EQ(read_picture("out.apng").pixels, draw("--axis enface --position 0"));
+}
+
+TEST_F(Slice, WritesValues) {
+  const Image png = written("--depth 16 --position 0", "out.png");
+  EXPECT_EQ(png.samples, (std::vector<float>{0, 17873, 5958, 23831, 11915, 29789}));
+  const Image tiff = written("--axis third --position 1 --extent 0.01 3 0.5", "out.tif");
+  EXPECT_EQ(tiff.samples, (std::vector<float>{5958, 23831, 41704, 59577}));
+  EXPECT_NEAR(tiff.spacing.mm[0], 0.005, 1e-9);
+  EXPECT_NEAR(tiff.spacing.mm[1], 0.25, 1e-7);
+  const Image npy = written("--axis enface --surface heights.npy --position 1", "out.npy");
+  ASSERT_EQ(npy.samples.size(), 6U);
+  const std::vector<float> wanted{60, 180, no_value, 200, no_value, no_value};
+  for (std::size_t i = 0; i < 6; ++i) EXPECT_PRED2(same_value, npy.samples[i], wanted[i]) << i;
+  EXPECT_EQ(written("--position 1 --size 6x4", "out.npy").samples.size(), 24U);
+}
+
+TEST_F(Slice, RefusesWhatMakesNoSense) {
+  expect_wrong("--axis", {"depth"});
+  expect_wrong("--layers", {"0", "2", "2 --axis third"});
+  expect_wrong("--surface", {"heights.npy"});
+  expect_wrong("--projection", {"median"});
+  expect_wrong("--zoom", {"2", "0 --size 2x2"});
+  expect_wrong("--depth", {"12"});
+  expect_error(2, "--depth 16 --overlay in.npy", "--overlay is for pictures of 8 bits");
+  expect_error(2, "--depth 16 --sweep all", "--sweep draws pictures of 8 bits");
+  expect_wrong("--sweep", {"", "1", "1:", "0:1:0", "0:1:-1", "1:0", "0:1:1:1", "a:b", "0:1 --position 1"});
+  expect_wrong("--extent", {"1 2", "0 1 1", "1 1 nan"});
+  expect_error(3, "--position 2", "in.npy: there is no position 2 along this axis; they go from 0 to 1");
+  expect_error(3, "--axis third --sweep 0:3", "there is no position 3");
+  EXPECT_EQ(run_bare("slice in.npy -o out.tif --depth 16"), 2);
+  EXPECT_EQ(run_bare("slice in.npy -o out.apng"), 2);
+  EXPECT_EQ(run_bare("slice in.npy -o in.npy"), 2);
+  EXPECT_EQ(run_bare("slice in.npy -o none/out.tif"), 4);
+  EXPECT_EQ(run_bare("slice in.npy -o none/out.npy"), 4);
+  EXPECT_EQ(run_bare("slice in.npy -o out.txt"), 2);
 }
 
 }  // namespace

@@ -39,7 +39,9 @@ VolumeScene first_scene() {
 std::vector<std::uint8_t> drawn(OffscreenTarget& target, VolumeDrawing& drawing) {
   while (drawing.upload(1)) {
   }
-  return draw_picture(target, size, [&] { drawing.draw(); }).pixels;
+  return draw_picture(target, size, largest_tile, &setRendererPart, drawing.renderer(),
+                      [&] { drawing.draw(); })
+      .pixels;
 }
 
 std::vector<std::uint8_t> drawn_anew(OffscreenTarget& target, const VolumeScene& scene) {

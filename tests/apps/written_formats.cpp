@@ -149,7 +149,7 @@ std::string nifti_header(const Sampled& volume, bool big_endian, int type, float
   return header.pad_to(in_one_file ? 352 : 348).bytes();
 }
 
-void append(void* text, void* bytes, int count) {
+void append_bytes(void* text, void* bytes, int count) {
   static_cast<std::string*>(text)->append(static_cast<const char*>(bytes), static_cast<std::size_t>(count));
 }
 
@@ -242,8 +242,8 @@ std::string png(const Sampled& volume, std::size_t bscan) {
   const std::size_t page_bytes = volume.depth * volume.ascans;
   const std::string pixels = encoded(volume.samples(), "u1").substr(bscan * page_bytes, page_bytes);
   std::string bytes;
-  stbi_write_png_to_func(append, &bytes, static_cast<int>(volume.ascans), static_cast<int>(volume.depth), 1,
-                         pixels.data(), static_cast<int>(volume.ascans));
+  stbi_write_png_to_func(append_bytes, &bytes, static_cast<int>(volume.ascans),
+                         static_cast<int>(volume.depth), 1, pixels.data(), static_cast<int>(volume.ascans));
   return bytes;
 }
 

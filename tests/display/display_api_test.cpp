@@ -14,7 +14,7 @@ namespace {
 TEST(DisplayApiTest, EveryFunctionRefusesNull) {
   expect_null_refused("Invalid DisplayRenderingHandle specified. ", initDisplayRendering,
                       uninitDisplayRendering, renderDisplay, setDisplayData, setDisplayBounds,
-                      clearDisplayData, setGammaCorrection, setDisplayBlur, setDisplayFlip,
+                      clearDisplayData, setGammaCorrection, setDisplayBlur, setDisplayFlip, setDisplayPart,
                       setDisplayDynamicReduction, setDisplayPepperFilter, setDisplayMedianFilter,
                       setBackgroundColor, setDisplayColormap, setDisplayColoringBoundaries,
                       setDisplayNumberOverlays, setDisplayOverlayData, setDisplayOverlayColormap,

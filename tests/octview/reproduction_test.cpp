@@ -147,25 +147,33 @@ TEST_F(Reproduction, CommandsDrawWhatIsShownByteForByte) {
       std::string::npos);
 }
 
-TEST_F(Reproduction, CommandsDrawSectionsByteForByte) {
+TEST_F(Reproduction, CommandsOfSectionsDrawWhatIsShownByteForByte) {
   SessionFiles files = opened("the volume's.npy");
-  files.overlay.path = "the volume's.npy";
   files.surface.path = "heights.npy";
-  files.extent = {3, 2, 2.5};
+  files.overlay.path = "the volume's.npy";
   const Document document = load_document(files, no_progress);
   ViewState state = start_state(document);
-  state.base.colormap = "own.csv";
-  state.base.reverse = true;
-  state.base.range = {5.5, 30};
+  state.overlay.range = {20, 44};
   state.overlay.opacity.highest = 1.0 / 3;
-  state.enface = {3, Projection::maximum, true};
-  state.windows = {SliceWindow{1, {0.5, 0.5}}, {2.3, {0.3, 0.61}}, {0.7, {0.9, 0.2}}};
-  for (const SliceAxis axis : {SliceAxis::bscan, SliceAxis::enface, SliceAxis::third}) {
-    SCOPED_TRACE(static_cast<int>(axis));
-    const std::ptrdiff_t position = slice_position(document, state, axis).position;
-    const SliceScene scene = slice_scene(state, axis, slice_images(document, state, axis), size);
-    EXPECT_TRUE(drawn_by(slice_command(files, state, axis, position, size, "out.png")) ==
-                render_slice(scene).picture.pixels);
+  std::vector<std::vector<std::uint8_t>> pictures;
+  for (const bool changed : {false, true}) {
+    if (changed) {
+      state.enface = {3, Projection::maximum, true};
+      state.below_surface = -1;
+      state.cursor = {2, 3, 1};
+      state.windows = {SliceWindow{3.7, {0.4, 1.0 / 3}}, {0.5, {0.9, 0.1}}, {2.2, {0.1, 0.5}}};
+      state.base.colormap = "own.csv";
+      state.overlay.visible = false;
+    }
+    for (const SliceAxis axis : {SliceAxis::bscan, SliceAxis::enface, SliceAxis::third}) {
+      const SliceScene scene = slice_scene(state, axis, slice_images(document, state, axis), size);
+      const std::vector<std::uint8_t> shown = render_slice(scene).picture.pixels;
+      const std::ptrdiff_t position = slice_position(document, state, axis).position;
+      EXPECT_EQ(run_program(slice_command(files, state, axis, position, size, "out.png")), 0);
+      EXPECT_TRUE(read_picture("out.png").pixels == shown);
+      EXPECT_EQ(std::ranges::count(pictures, shown), 0);
+      pictures.push_back(shown);
+    }
   }
   files.base.path.clear();  // live
   EXPECT_THROW(slice_command(files, state, SliceAxis::bscan, 0, size, "out.png"), std::runtime_error);
@@ -192,6 +200,7 @@ TEST_F(Reproduction, SessionsKeepEverythingAndMoveWithTheirFiles) {
   }
   state.cursor = {1, 2.5, 3};
   state.enface = {7, Projection::maximum, true};
+  state.below_surface = -2.5;
   state.windows[1] = {3.5, {0.1, 0.9}};
   state.large = Pane::third;
   state.crosshair = false;
@@ -206,6 +215,7 @@ TEST_F(Reproduction, SessionsKeepEverythingAndMoveWithTheirFiles) {
   for (LayerLook ViewState::*look :
        {&ViewState::base, &ViewState::overlay, &ViewState::surface, &ViewState::secondary})
     EXPECT_EQ(session.state.*look, state.*look);
+  EXPECT_EQ(session.state.below_surface, state.below_surface);
   EXPECT_EQ(session.state.windows, state.windows);
   EXPECT_EQ(session.state.enface, state.enface);
   EXPECT_EQ(session.state.cursor, state.cursor);

@@ -31,6 +31,7 @@ TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
                       setLateralVoxelsPerPixel, setRenderingMode, setVolumeMode, setVolumeLighting,
                       setRayJitter, setOpacityLength, setSectionalView, setClipPlane, fixClipPlane, setBorder,
                       setRemoveSegment, setRenderElements, setRenderBackground, setRenderForeground,
+                      setRendererPart,
                       setRendererColormap, setRendererSecondaryColormap, setOverlayRendererColormap,
                       setSurfaceColormap, setRendererColoringBoundaries,
                       setRendererSecondaryColoringBoundaries, setOverlayRendererColoringBoundaries,
@@ -46,6 +47,7 @@ TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
       "Slice positions of sectional view are out of range. Values must be in range from 0.0 to 1.0. ";
   const std::string factor = "The factors of the lighting must be numbers from 0 to 1000000. ";
   const std::string length = "The opacity length must be a finite number of millimetres, 0 or more. ";
+  const std::string part = "A picture in parts must have 1 to 1048576 pixels a side. ";
   const float value = 1.0F;
   const auto h = renderer_;
   setVolumeLighting(h, 1e6, 0.0, 0.5), setOpacityLength(h, 0.25), setRayJitter(h, -1);
@@ -58,6 +60,9 @@ TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
       {length, [h] { setOpacityLength(h, std::nan("")); }},
       {length, [h] { setOpacityLength(h, HUGE_VAL); }},
       {mode, [h] { setVolumeMode(h, -1); }},
+      {part, [h] { setRendererPart(h, 0, 1, 0, 0); }},
+      {part, [h] { setRendererPart(h, 1048577, 1, 0, 0); }},
+      {part, [h] { setRendererPart(h, 1, 1, 0, -1048577); }},
       {mode, [h] { setVolumeMode(h, 4); }},
       {mode, [h] { setRenderingMode(h, -1); }},
       {mode, [h] { setRenderingMode(h, 2); }},

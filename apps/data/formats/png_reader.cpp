@@ -61,6 +61,30 @@ class PngReader : public FrameReader {
 
 }  // namespace
 
+Picture read_png_picture(const std::filesystem::path& path) {
+  InputFile file(path);
+  if (file.size() > INT_MAX) throw ReadError(path, "PNG files over 2 GiB are not supported");
+  const std::string content = file.whole();
+  const auto* bytes = reinterpret_cast<const stbi_uc*>(content.data());
+  const int size = static_cast<int>(content.size());
+  int width = 0, height = 0, channels = 0;
+  const auto damaged = [&] {
+    return ReadError(path, std::string("not a readable PNG picture: ") + stbi_failure_reason());
+  };
+  if (!stbi_info_from_memory(bytes, size, &width, &height, &channels)) throw damaged();
+  check_raster_size(path, static_cast<std::uint64_t>(height), static_cast<std::uint64_t>(width));
+  // Gray with alpha has two channels.
+  Picture picture{
+      {static_cast<unsigned>(width), static_cast<unsigned>(height)}, {}, channels % 2 == 0 ? 4U : 3U};
+  const Pixels<stbi_uc> pixels(
+      stbi_load_from_memory(bytes, size, &width, &height, &channels, static_cast<int>(picture.channels)),
+      stbi_image_free);
+  if (!pixels) throw damaged();
+  picture.pixels.assign(
+      pixels.get(), pixels.get() + std::size_t{picture.size.width} * picture.size.height * picture.channels);
+  return picture;
+}
+
 std::unique_ptr<FrameReader> open_png(std::shared_ptr<InputFile> file) {
   return std::make_unique<PngReader>(std::move(file));
 }

@@ -296,6 +296,7 @@ void describe(Archive& archive, T& state) requires std::same_as<std::remove_cons
   archive("cursor", state.cursor, Bounds{-1e9, 1e9});
   archive("enface", state.enface);
   archive("below_surface", state.below_surface, Bounds{-1e9, 1e9});
+  archive("below_surface", state.below_surface, Bounds{-1e6, 1e6});
   archive("windows", state.windows);
   archive("large", state.large);
   archive("crosshair", state.crosshair);
@@ -412,7 +413,8 @@ Session session_of(const Json& json, const std::filesystem::path& folder) {
 
 void write_session(const std::filesystem::path& path, const Session& session) {
   try {
-    if (session.files.base.path.empty()) throw FieldError("what is shown is in no file that a session could name");
+    if (session.files.base.path.empty())
+      throw FieldError("what is shown is in no file that a session could name");
     Writer archive(folder_of(path));
     archive(version_field, version);
     archive("files", session.files);

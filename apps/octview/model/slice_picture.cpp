@@ -28,7 +28,6 @@ SliceImages slice_images(const Document& document, const ViewState& state, Slice
 SliceScene slice_scene(const ViewState& state, SliceAxis axis, const SliceImages& images, PictureSize size) {
   SliceScene scene;
   scene.base = {images.base, state.base.range, plain_colors(state.base)};
-  flatten_onto(scene.base.colormap, scene.background);
   if (images.overlay) {
     scene.overlay = SliceOverlay{{images.overlay, state.overlay.range, plain_colors(state.overlay)}, {}};
     scale_alpha(scene.overlay->layer.colormap, state.overlay.opacity.highest);

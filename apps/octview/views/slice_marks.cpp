@@ -14,7 +14,7 @@ namespace oct::app {
 namespace {
 
 constexpr ImU32 bright = IM_COL32(255, 255, 255, 255);
-constexpr ImU32 shade = IM_COL32(0, 0, 0, 150);
+constexpr ImU32 shade = IM_COL32(0, 0, 0, 190);
 constexpr ImU32 measured = measured_color;
 constexpr ImU32 surface_color = IM_COL32(255, 120, 60, 220);
 
@@ -106,7 +106,7 @@ class Marks {
       std::snprintf(text.data(), text.size(), "%.4g %s", length, ruler_.unit());
     }
     draw_label(list_, {right.x, right.y - thick - em_ * 1.3F}, text.data(), bright, {1, 0});
-    draw_label(list_, {right.x, right.y - thick - em_ * 2.5F}, ruler_.note, IM_COL32(200, 200, 200, 255),
+    draw_label(list_, {right.x, right.y - thick - em_ * 2.5F}, ruler_.note, IM_COL32(225, 225, 225, 255),
                {1, 0});
   }
 
@@ -117,10 +117,7 @@ class Marks {
           }))
         continue;
       draw_points(measurement.points);
-      const VoxelPoint& second = measurement.points[1];
-      ImVec2 place = screen(geometry_.screen_of(second));
-      place.x += em_ * 0.6F;
-      draw_label(list_, place, value_text(ruler_, measurement), measured, {0, 0.5F});
+      draw_value(measurement);
     }
     const auto last =
         std::find_if(state_.measurements.rbegin(), state_.measurements.rend(), [&](const Measurement& one) {
@@ -142,13 +139,23 @@ class Marks {
     const std::size_t missing = point_count(*workspace_.tool) - workspace_.clicked.size();
     const std::string text = std::string(name_of(*workspace_.tool)) + ": click " + std::to_string(missing) +
                              (missing == 1 ? " point" : " points") + ", Escape ends";
-    draw_label(list_, {(from_.x + to_.x) / 2, from_.y + em_ * 0.3F}, text, measured, {0.5F, 0});
+    draw_label(list_, {from_.x + em_ * 0.4F, from_.y + em_ * 2.7F}, text, measured);
   }
 
  private:
+  // Beside the second point, where there is space.
+  void draw_value(const Measurement& measurement) {
+    const ImVec2 place = screen(geometry_.screen_of(measurement.points[1]));
+    const std::string text = value_text(ruler_, measurement);
+    const float away = em_ * 0.6F;
+    const bool fits = place.x + away + ImGui::CalcTextSize(text.c_str()).x < to_.x;
+    draw_label(list_, {place.x + (fits ? away : -away), place.y}, text, measured, {fits ? 0.0F : 1.0F, 0.5F});
+  }
+
   void draw_broken_line(ImVec2 a, ImVec2 b, ImVec2 c, ImVec2 d, ImU32 color) {
-    list_.AddLine(a, b, color, 1);
-    list_.AddLine(c, d, color, 1);
+    const float thin = std::max(1.0F, std::round(em_ / 16));
+    list_.AddLine(a, b, color, thin);
+    list_.AddLine(c, d, color, thin);
   }
 
   void draw_points(const std::vector<VoxelPoint>& points) {

@@ -46,7 +46,7 @@ void SlicePane::show(Workspace& workspace) {
   ImGui::InvisibleButton(title_of(axis_), size,
                          ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight |
                              ImGuiButtonFlags_MouseButtonMiddle);
-  mark_item(title_of(axis_), corner, {corner.x + size.x, corner.y + size.y});
+  mark_item(title_of(axis_) + std::string("##pane"), corner, {corner.x + size.x, corner.y + size.y});
   const SliceGeometry geometry{axis_, drawing_.area(), {corner.x, corner.y}, {size.x, size.y}};
   const bool hovered = ImGui::IsItemHovered();
   hands_.handle(workspace, geometry, {drawing_.image().depth, drawing_.image().ascans});
@@ -65,7 +65,7 @@ void SlicePane::show(Workspace& workspace) {
   if (mouse) workspace.under_cursor = text_under(workspace, geometry, drawing_.image(), *mouse);
   if (!drawing_.explanation().empty()) {
     const float margin = ImGui::GetFontSize();
-    list.AddText(nullptr, 0, {corner.x + margin, corner.y + 4 * margin}, IM_COL32(255, 200, 120, 255),
+    list.AddText(nullptr, 0, {corner.x + margin, corner.y + 4.5F * margin}, IM_COL32(255, 200, 120, 255),
                  drawing_.explanation().c_str(), nullptr, std::max(size.x - 2 * margin, margin));
   }
 }

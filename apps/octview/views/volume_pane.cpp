@@ -88,7 +88,7 @@ void VolumePane::show(Workspace& workspace, LiveSession* live) {
                          ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight |
                              ImGuiButtonFlags_MouseButtonMiddle);
   ImGui::SetItemAllowOverlap();
-  mark_item(title, corner, {corner.x + size.x, corner.y + size.y});
+  mark_item(title + std::string("##pane"), corner, {corner.x + size.x, corner.y + size.y});
   const bool hovered = ImGui::IsItemHovered();
   hands_.handle(workspace, geometry, image_);
   const ImVec2 below = ImGui::GetCursorScreenPos();

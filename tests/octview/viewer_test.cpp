@@ -1,0 +1,214 @@
+// The whole viewer, used as a person would: scripts of mouse and keys, and what the window then shows.
+#include <array>
+#include <cmath>
+#include <regex>
+
+#include <nlohmann/json.hpp>
+
+#include "apps/program_test.h"
+#include "octview/program.h"
+
+namespace oct::app::test {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr int depth = 24, a_scans = 30, b_scans = 20;
+
+// Different in every voxel, and brighter with depth.
+float value_at(int z, int a, int b) {
+  return static_cast<float>(z * 1000 + a * 30 + b);
+}
+
+// What the window says of the place under the mouse.
+struct Reading {
+  float value;
+  std::array<int, 3> voxel;  // depth, A-scan, B-scan
+};
+
+Reading reading_of(const Json& state) {
+  const std::string text = state.at("under_cursor");
+  std::smatch found;
+  const std::regex pattern(R"(value (\S+)\s+voxel (\d+), (\d+), (\d+) )");
+  if (!std::regex_search(text, found, pattern)) throw std::runtime_error("no voxel in '" + text + "'");
+  return {std::stof(found[1]), {std::stoi(found[2]), std::stoi(found[3]), std::stoi(found[4])}};
+}
+
+class Viewer : public ProgramTest {
+ protected:
+  Viewer() : ProgramTest("") {
+    std::vector<float> values;
+    for (int b = 0; b < b_scans; ++b)
+      for (int z = 0; z < depth; ++z)
+        for (int a = 0; a < a_scans; ++a) values.push_back(value_at(z, a, b));
+    write_npy("ramp.npy", "20, 24, 30", values);
+  }
+
+  // Plays the lines on a window of 1024 x 700 points, and returns its state at their end.
+  Json play(const std::string& lines, std::vector<std::string> arguments = {"ramp.npy"}) {
+    write_file("input.txt", "wait\n" + lines + "\nstate state.json\nquit\n");
+    const std::vector<std::string> common{"--script", "input.txt", "--size", "1024x700"};
+    arguments.insert(arguments.begin(), common.begin(), common.end());
+    if (std::ranges::count(arguments, "--scale") == 0) arguments.insert(arguments.end(), {"--scale", "1"});
+    std::filesystem::remove("state.json");
+    std::ostringstream error;
+    auto* const before = std::cerr.rdbuf(error.rdbuf());
+    const int code = run_viewer(arguments);
+    std::cerr.rdbuf(before);
+    EXPECT_EQ(code, 0) << error.str();
+    std::ifstream stream("state.json");
+    return code == 0 ? Json::parse(stream) : Json();
+  }
+
+  static Json item(const Json& state, const std::string& label) {
+    for (const Json& candidate : state.at("items"))
+      if (candidate.at("label") == label) return candidate;
+    throw std::runtime_error("no item " + label);
+  }
+};
+
+TEST_F(Viewer, SectionsShowTheirVoxelsUnderOneCrosshair) {
+  // Places off the crosshair, the labels and the scale bar.
+  const std::vector<std::pair<std::string, std::array<double, 2>>> places{
+      {"B-scan##pane", {0.4, 0.3}},  {"B-scan##pane", {0.7, 0.7}},  {"En face##pane", {0.4, 0.4}},
+      {"En face##pane", {0.6, 0.6}}, {"Section##pane", {0.4, 0.3}}, {"Section##pane", {0.6, 0.7}}};
+  std::string lines;
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const auto& [pane, at] = places[i];
+    lines += "move \"" + pane + "\" " + std::to_string(at[0]) + " " + std::to_string(at[1]) +
+             "\nframes 2\nstate " + std::to_string(i) + ".json\n";
+  }
+  const Json last = play(lines + "move 5 5\nframes 2\ncapture out.png");
+  const Picture shown = read_picture("out.png");
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    SCOPED_TRACE(places[i].first + " " + std::to_string(i));
+    std::ifstream stream(std::to_string(i) + ".json");
+    const auto [value, voxel] = reading_of(Json::parse(stream));
+    EXPECT_FLOAT_EQ(value, value_at(voxel[0], voxel[1], voxel[2]));
+    const Json pane = item(last, places[i].first);
+    const double x = pane["from"][0].get<double>() +
+                     places[i].second[0] * (pane["to"][0].get<double>() - pane["from"][0].get<double>());
+    const double y = pane["from"][1].get<double>() +
+                     places[i].second[1] * (pane["to"][1].get<double>() - pane["from"][1].get<double>());
+    const double gray = 255 * (value - last["range"][0].get<double>()) /
+                        (last["range"][1].get<double>() - last["range"][0].get<double>());
+    const std::size_t pixel = static_cast<std::size_t>(y) * shown.size.width + static_cast<std::size_t>(x);
+    EXPECT_NEAR(shown.pixels[pixel * 3], std::clamp(gray, 0.0, 255.0), 2);
+  }
+}
+
+TEST_F(Viewer, CrosshairIsLinkedAndSectionsStep) {
+  const Json moved =
+      play("hold Shift\nmove \"B-scan\" 0.35 0.3\nmove \"B-scan\" 0.4 0.3\nframes 1\nlet Shift\nframes 2");
+  const Reading reading = reading_of(moved);
+  EXPECT_EQ(std::lround(moved["cursor"][0].get<double>()), reading.voxel[0]);
+  EXPECT_EQ(std::lround(moved["cursor"][1].get<double>()), reading.voxel[1]);
+  EXPECT_EQ(moved["cursor"][2], b_scans / 2);
+
+  const Json stepped =
+      play("move \"B-scan\" 0.4 0.3\nframes 2\nkey Right\nkey Right\nkey PageDown\nframes 2");
+  EXPECT_EQ(stepped["cursor"][2], b_scans - 1) << "two and ten further, but there is a last one";
+  EXPECT_EQ(reading_of(stepped).voxel[2], b_scans - 1);
+  EXPECT_EQ(reading_of(stepped).voxel[0], reading.voxel[0]);
+
+  const Json large = play("double Section\nframes 3\nstate 0.json\ndouble Section\nframes 3");
+  std::ifstream stream("0.json");
+  EXPECT_EQ(Json::parse(stream)["large"], "Section");
+  EXPECT_EQ(large["large"], "");
+}
+
+TEST_F(Viewer, SectionsZoomTowardsTheCursorAndMove) {
+  const std::string at = "move \"B-scan\" 0.3 0.35\nframes 2\n";
+  const Reading before = reading_of(play(at));
+  EXPECT_EQ(reading_of(play(at + "wheel 3\nframes 2")).voxel, before.voxel);
+  // What was under the mouse goes with it.
+  const Json dragged = play(at + "wheel 3\nframes 1\ndrag \"B-scan\" 0.3 0.35 \"B-scan\" 0.5 0.6\nframes 2");
+  EXPECT_EQ(reading_of(dragged).voxel, before.voxel);
+  const Json reset = play(at + "wheel 3\ndrag \"B-scan\" 0.3 0.35 \"B-scan\" 0.5 0.6\nkey F\n" + at);
+  EXPECT_EQ(reading_of(reset).voxel, before.voxel);
+}
+
+TEST_F(Viewer, LooksAreSetByHandAndComeBackWithASession) {
+  const Json start = play("frames 1");
+  const Json set = play(
+      "drag \"Upper end\" Histogram 0.6 0.5\nclick Curve\nframes 3\nclick \"Opacity curve\" 0.37 0.9\nframes "
+      "2\n"
+      "drag \"Point 3\" \"Opacity curve\" 0.4 0.2\nclick Opacity\nclick \"Values and colours\"\n"
+      "click \"View of the volume\"\nframes 3\nclick Session\nframes 2\nclick \"Copy as octrender command\"\n"
+      "click \"Save ...\"\nframes 3\ntype look.json\nframes 2\nkey Enter\nframes 3");
+  EXPECT_EQ(set["range"][0], start["range"][0]);
+  EXPECT_LT(set["range"][1], start["range"][1]);
+  EXPECT_GT(set["range"][1].get<double>(), 0.4 * start["range"][1].get<double>());
+  ASSERT_EQ(set["opacity_points"].size(), 6U);
+  EXPECT_NEAR(set["opacity_points"][2][0].get<double>(), 0.4, 0.02);
+  EXPECT_NEAR(set["opacity_points"][2][1].get<double>(), 0.8, 0.02);
+  const std::string command = set["clipboard"];
+  ASSERT_EQ(command.find("octrender volume ramp.npy -o picture.png "), 0U) << command;
+  EXPECT_EQ(run_bare(command.substr(command.find(' ') + 1)), 0) << error_text_;
+
+  const Json preset = play("click Needle\nwait");
+  EXPECT_EQ(preset["mode"], 1);
+  EXPECT_EQ(preset["angles"], start["angles"]);
+  const Json again = play("open look.json\nwait", {});
+  for (const char* const what : {"title", "range", "opacity_points", "angles", "cursor"})
+    EXPECT_EQ(again[what], set[what]);
+}
+
+TEST_F(Viewer, VolumeTurnsUprightAndTakesItsKeys) {
+  const Json start = play("move Volume\nkey R\nwait");
+  const Json turned = play("drag Volume 0.5 0.5 Volume 0.75 0.5\nwait");
+  EXPECT_EQ(turned["angles"][0], start["angles"][0]) << "a drag to the side leaves depth upright";
+  EXPECT_GT(std::abs(turned["angles"][1].get<double>() - start["angles"][1].get<double>()), 20);
+  const Json over = play("drag Volume 0.5 0.1 Volume 0.5 0.9\ndrag Volume 0.5 0.1 Volume 0.5 0.9\nwait");
+  EXPECT_LE(std::abs(over["angles"][0].get<double>()), 90);
+  const Json reset = play("drag Volume 0.5 0.5 Volume 0.75 0.6\nwheel 2\nkey R\nwait");
+  EXPECT_EQ(reset["angles"], start["angles"]);
+  EXPECT_EQ(reset["zoom"], start["zoom"]);
+  EXPECT_LT(play("move Volume 0.5 0.5\nwheel 2\nwait")["zoom"], start["zoom"]);
+  for (int mode = 0; mode < 4; ++mode)
+    EXPECT_EQ(play("move Volume\nkey " + std::to_string(mode + 1) + "\nwait")["mode"], mode);
+}
+
+TEST_F(Viewer, AFileThatCannotBeReadLeavesTheOldOne) {
+  write_file("broken.npy", npy_array("<f4", "20, 24, 30", "too short"));
+  const Json state = play("open broken.npy\nwait\nmove \"B-scan\" 0.4 0.3\nframes 2");
+  EXPECT_EQ(state["title"], "ramp.npy");
+  expect_in("broken.npy", state["message"].get<std::string>());
+  EXPECT_FLOAT_EQ(reading_of(state).value,
+                  value_at(reading_of(state).voxel[0], reading_of(state).voxel[1], b_scans / 2));
+}
+
+TEST_F(Viewer, NothingOverlapsAtItsSmallestSize) {
+  for (const std::string scale : {"1", "2"}) {
+    for (const std::string theme : {"dark", "light"}) {
+      SCOPED_TRACE(scale + " " + theme);
+      const Json state = play("frames 3\ncapture out.png", {"ramp.npy", "--scale", scale, "--theme", theme});
+      const Picture shown = read_picture("out.png");
+      const auto factor = static_cast<unsigned>(scale[0] - '0');
+      EXPECT_EQ(std::pair(shown.size.width, shown.size.height), std::pair(1024 * factor, 700 * factor));
+      const Json& items = state.at("items");
+      for (std::size_t i = 0; i < items.size(); ++i) {
+        const auto from = items[i]["from"].get<std::array<double, 2>>();
+        const auto to = items[i]["to"].get<std::array<double, 2>>();
+        EXPECT_TRUE(from[0] >= 0 && from[1] >= 0 && to[0] <= 1024 && to[1] <= 700) << items[i];
+        for (std::size_t j = 0; j < i; ++j) {
+          const auto other = items[j]["from"].get<std::array<double, 2>>();
+          const auto end = items[j]["to"].get<std::array<double, 2>>();
+          EXPECT_FALSE(from[0] + 1 < end[0] && other[0] + 1 < to[0] && from[1] + 1 < end[1] &&
+                       other[1] + 1 < to[1])
+              << items[i] << items[j];
+        }
+      }
+    }
+  }
+}
+
+TEST_F(Viewer, ShowsTheSimulatedDeviceLive) {
+  const Json state = play("frames 10\nclick Stop##live\nwait\nmove \"B-scan\" 0.5 0.4\nframes 3", {});
+  expect_in("live", state["title"].get<std::string>());
+  EXPECT_FALSE(state["message_is_error"].get<bool>()) << state["message"];
+  EXPECT_GT(reading_of(state).value, 0) << "what came last stays";
+}
+
+}  // namespace
+}  // namespace oct::app::test
