@@ -129,13 +129,15 @@ TEST_F(Viewer, SectionsZoomTowardsTheCursorAndMove) {
 }
 
 TEST_F(Viewer, LooksAreSetByHandAndComeBackWithASession) {
-  const Json start = play("frames 1");
   const Json set = play(
-      "drag \"Upper end\" Histogram 0.6 0.5\nclick Curve\nframes 3\nclick \"Opacity curve\" 0.37 0.9\nframes "
+      "state 0.json\ndrag \"Upper end\" Histogram 0.6 0.5\nclick Curve\nframes 3\nclick \"Opacity curve\" "
+      "0.37 0.9\nframes "
       "2\n"
       "drag \"Point 3\" \"Opacity curve\" 0.4 0.2\nclick Opacity\nclick \"Values and colours\"\n"
       "click \"View of the volume\"\nframes 3\nclick Session\nframes 2\nclick \"Copy as octrender command\"\n"
       "click \"Save ...\"\nframes 3\ntype look.json\nframes 2\nkey Enter\nframes 3");
+  std::ifstream first("0.json");
+  const Json start = Json::parse(first);
   EXPECT_EQ(set["range"][0], start["range"][0]);
   EXPECT_LT(set["range"][1], start["range"][1]);
   EXPECT_GT(set["range"][1].get<double>(), 0.4 * start["range"][1].get<double>());
@@ -146,12 +148,13 @@ TEST_F(Viewer, LooksAreSetByHandAndComeBackWithASession) {
   ASSERT_EQ(command.find("octrender volume ramp.npy -o picture.png "), 0U) << command;
   EXPECT_EQ(run_bare(command.substr(command.find(' ') + 1)), 0) << error_text_;
 
-  const Json preset = play("click Needle\nwait");
-  EXPECT_EQ(preset["mode"], 1);
-  EXPECT_EQ(preset["angles"], start["angles"]);
-  const Json again = play("open look.json\nwait", {});
+  const Json preset = play("state 0.json\nclick Needle\nwait", {"look.json"});
+  std::ifstream second("0.json");
+  const Json again = Json::parse(second);
   for (const char* const what : {"title", "range", "opacity_points", "angles", "cursor"})
     EXPECT_EQ(again[what], set[what]);
+  EXPECT_EQ(preset["mode"], 1);
+  EXPECT_EQ(preset["angles"], start["angles"]);
 }
 
 TEST_F(Viewer, VolumeTurnsUprightAndTakesItsKeys) {
