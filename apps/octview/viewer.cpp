@@ -9,6 +9,7 @@
 #include "octview/panels/widgets.h"
 #include "octview/window/item_index.h"
 #include "octview/window/keys.h"
+#include "scene/drawable_limits.h"
 
 namespace oct::app {
 namespace {
@@ -42,9 +43,10 @@ void Viewer::open(const std::vector<std::filesystem::path>& files) {
 
 void Viewer::start(Opening opening) {
   state_to_come_ = std::move(opening.state);
-  loading_.start("Reading " + to_utf8(opening.files.base.path.filename()),
-                 [files = std::move(opening.files), before = workspace_.document](
-                     const ProgressFunction& progress) { return load_document(files, progress, before); });
+  loading_.start(
+      "Reading " + to_utf8(opening.files.base.path.filename()),
+      [files = std::move(opening.files), before = workspace_.document, drawable = drawable_limits()](
+          const ProgressFunction& progress) { return load_document(files, progress, before, drawable); });
 }
 
 void Viewer::show_live() {
@@ -60,7 +62,7 @@ void Viewer::take_live() {
   }
   if (!is_live()) return;
   const bool began = !live_document_.is_shown(workspace_);
-  live_document_.show(live_.latest(), live_panel_.title(), workspace_);
+  live_document_.show(live_, live_panel_.title(), workspace_);
   if (began && live_document_.is_shown(workspace_)) {
     workspace_.say("");
     window_.set_title(workspace_.document.title + " - octview");
@@ -90,7 +92,7 @@ void Viewer::take_loaded() {
 bool Viewer::is_busy() const {
   const bool live_begins =
       live_.state() == LiveSession::State::opening || (is_live() && !live_document_.is_shown(workspace_));
-  return loading_.is_running() || sidebar_.is_busy() || volume_.is_coarse() || live_begins;
+  return loading_.is_running() || sidebar_.is_busy() || save_.is_busy() || volume_.is_coarse() || live_begins;
 }
 
 void Viewer::build(double now) {
@@ -118,6 +120,7 @@ void Viewer::build(double now) {
   show_status();
   ImGui::End();
   show_progress();
+  save_.show(workspace_);
   show_keys_panel(keys_shown_);
 }
 
@@ -199,6 +202,8 @@ void Viewer::handle_keys() {
   if (is_question_mark_pressed()) keys_shown_ = !keys_shown_;
   if (is_pressed(Key::escape)) keys_shown_ = false;
   if (is_pressed(letter('Q'), true)) window_.close();
+  if (is_pressed(letter('S'), true)) save_.open(workspace_);
+  if (is_pressed(letter('C'), true)) save_.copy(workspace_);
 }
 
 std::string Viewer::description() const {

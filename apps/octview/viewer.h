@@ -11,6 +11,7 @@
 #include "octview/live/live_session.h"
 #include "octview/model/background_task.h"
 #include "octview/model/workspace.h"
+#include "octview/save/save_panel.h"
 #include "octview/panels/live_panel.h"
 #include "octview/panels/sidebar.h"
 #include "octview/views/slice_pane.h"
@@ -54,6 +55,7 @@ class Viewer {
   Sidebar sidebar_;
   std::array<SlicePane, 3> slices_;
   VolumePane volume_;
+  SavePanel save_;
   LiveSession live_;
   LiveDocument live_document_;
   LivePanel live_panel_;

@@ -10,6 +10,9 @@
 namespace oct::app {
 namespace {
 
+// Bytes between two reports of progress.
+constexpr std::size_t upload_block = std::size_t{1} << 26;
+
 template <class Layer, class Member>
 bool differs(const std::optional<Layer>& layer, const std::optional<Layer>& before, Member Layer::*member) {
   if (layer.has_value() != before.has_value()) return true;
@@ -125,16 +128,20 @@ std::optional<double> pixel_mm(const VolumeScene& scene) {
 }
 
 std::string render_volume(const VolumeScene& scene, unsigned count,
-                          const std::function<void(unsigned, const Picture&)>& take, unsigned tile) {
+                          const std::function<void(unsigned, const Picture&)>& take, unsigned tile,
+                          const ProgressFunction& progress) {
   OffscreenTarget target;
   VolumeDrawing drawing;
   VolumeScene turned = scene;
+  std::size_t done = 0;  // tiles
+  const std::size_t total = tiles_of(scene.size, tile).size() * count * (scene.transparent ? 2 : 1);
   const auto draw = [&] {
     drawing.set(turned);
-    while (drawing.upload()) {
-    }
-    return draw_picture(target, scene.size, tile, &setRendererPart, drawing.renderer(),
-                        [&] { drawing.draw(); });
+    while (drawing.upload(upload_block)) progress(done, total);
+    return draw_picture(target, scene.size, tile, &setRendererPart, drawing.renderer(), [&] {
+      progress(done++, total);
+      drawing.draw();
+    });
   };
   const auto draw_on = [&](std::uint32_t background) {
     turned.background_bottom = turned.background_top = background;

@@ -13,6 +13,7 @@
 #include "client/renderers.h"
 #include "data/colormap.h"
 #include "data/picture.h"
+#include "data/progress_function.h"
 #include "data/samples.h"
 #include "data/volume.h"
 #include "scene/offscreen_picture.h"
@@ -97,9 +98,9 @@ std::optional<double> pixel_mm(const VolumeScene& scene);
 
 // Draws the scene once, or as often as `count` says, turned further about the depth axis each time so that
 // the last picture is followed by the first. Each picture is handed over as it is finished. Returns why the last one shows
-// nothing; empty when it shows something.
+// nothing; empty when it shows something. What the progress function throws passes through.
 std::string render_volume(const VolumeScene& scene, unsigned count,
                           const std::function<void(unsigned, const Picture&)>& take,
-                          unsigned tile = largest_tile);
+                          unsigned tile = largest_tile, const ProgressFunction& progress = no_progress);
 
 }  // namespace oct::app

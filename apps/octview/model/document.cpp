@@ -3,6 +3,7 @@
 #include <atomic>
 #include <utility>
 
+#include "data/block_means.h"
 #include "data/image_reader.h"
 #include "data/volume_reader.h"
 
@@ -30,6 +31,43 @@ std::size_t make_finite(std::vector<float>& samples, const DataFile& file) {
   const std::size_t count = replace_non_finite(samples);
   if (count == samples.size()) throw ReadError(file.path, "there is no finite sample");
   return count;
+}
+
+struct LoadedVolume {
+  std::shared_ptr<const VolumeData> whole;
+  std::shared_ptr<const VolumeData> drawn;
+  std::size_t not_finite = 0;
+};
+
+// Reduced in the order in which files are read, so that of equal axes the same is reduced.
+std::array<std::size_t, 3> reduction_for(const VolumeData& volume, const DataFile& file,
+                                         const VolumeLimits& drawable) {
+  const AxisOrder order = file.axes.value_or(file.raw ? memory_order : picture_order);
+  const std::array<std::size_t, 3> sizes{volume.depth, volume.ascans, volume.bscans};
+  std::array<std::size_t, 3> ordered{}, factors{};
+  for (std::size_t i = 0; i < 3; ++i) ordered[i] = sizes[number_of(order[i])];
+  const auto reduction = reduction_of(ordered, drawable.voxels_per_axis, drawable.bytes / sizeof(float));
+  for (std::size_t i = 0; i < 3; ++i) factors[number_of(order[i])] = reduction[i];
+  return factors;
+}
+
+// Means are those of the samples in the file: decibels come after them.
+LoadedVolume load_whole(const DataFile& file, bool decibels, const ProgressFunction& progress,
+                        const VolumeLimits& drawable) {
+  VolumeData volume = load_any(file, progress);
+  LoadedVolume result;
+  const std::array<std::size_t, 3> factors = reduction_for(volume, file, drawable);
+  if (factors != std::array<std::size_t, 3>{1, 1, 1}) {
+    VolumeData small = reduced(volume, factors, progress);
+    if (decibels) to_decibels(small.voxels);
+    make_finite(small.voxels, file);
+    result.drawn = std::make_shared<const VolumeData>(std::move(small));
+  }
+  if (decibels) to_decibels(volume.voxels);
+  result.not_finite = make_finite(volume.voxels, file);
+  result.whole = std::make_shared<const VolumeData>(std::move(volume));
+  if (!result.drawn) result.drawn = result.whole;
+  return result;
 }
 
 }  // namespace
@@ -62,26 +100,29 @@ std::array<double, 3> Document::extent() const {
   return extent;
 }
 
-Document load_document(const SessionFiles& files, const ProgressFunction& progress, const Document& before) {
+Document load_document(const SessionFiles& files, const ProgressFunction& progress, const Document& before,
+                       const VolumeLimits& drawable) {
   Document document;
   document.files = files;
   document.title = to_utf8(files.base.path.filename());
   if (before && before.files.base == files.base && before.files.decibels == files.decibels) {
     document.volume = before.volume;
+    document.drawn_volume = before.drawn_volume;
     document.not_finite = before.not_finite;
   } else {
-    VolumeData volume = load_any(files.base, progress);
-    if (files.decibels) to_decibels(volume.voxels);
-    document.not_finite = make_finite(volume.voxels, files.base);
-    document.volume = std::make_shared<const VolumeData>(std::move(volume));
+    LoadedVolume volume = load_whole(files.base, files.decibels, progress, drawable);
+    document.not_finite = volume.not_finite;
+    document.volume = std::move(volume.whole);
+    document.drawn_volume = std::move(volume.drawn);
   }
   if (!files.overlay.path.empty()) {
-    VolumeData overlay = load_any(files.overlay, progress);
+    LoadedVolume overlay = load_whole(files.overlay, false, progress, drawable);
     const VolumeData& base = *document.volume;
-    if (overlay.depth != base.depth || overlay.ascans != base.ascans || overlay.bscans != base.bscans)
+    const VolumeData& laid_over = *overlay.whole;
+    if (laid_over.depth != base.depth || laid_over.ascans != base.ascans || laid_over.bscans != base.bscans)
       throw ReadError(files.overlay.path, "the overlay has another size than the volume");
-    make_finite(overlay.voxels, files.overlay);
-    document.overlay = std::make_shared<const VolumeData>(std::move(overlay));
+    document.overlay = std::move(overlay.whole);
+    document.drawn_overlay = std::move(overlay.drawn);
   }
   if (!files.surface.path.empty()) {
     LateralMap map = load_height_map(files.surface, *document.volume);

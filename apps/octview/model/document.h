@@ -9,6 +9,7 @@
 
 #include "data/progress_function.h"
 #include "data/volume.h"
+#include "data/volume_reader.h"
 #include "octview/model/view_state.h"
 
 namespace oct::app {
@@ -16,6 +17,9 @@ namespace oct::app {
 struct Document {
   std::shared_ptr<const VolumeData> volume;  // none: nothing is open. Every voxel is finite
   std::shared_ptr<const VolumeData> overlay;
+  // What the driver gets of them: the same, or reduced to its limits.
+  std::shared_ptr<const VolumeData> drawn_volume;
+  std::shared_ptr<const VolumeData> drawn_overlay;
   std::shared_ptr<const LateralMap>
       surface;  // depths in samples of the file, one per A-scan of it; NaN: none
   std::shared_ptr<const std::vector<float>>
@@ -35,9 +39,9 @@ struct Document {
 
 std::uint64_t next_revision();  // another one each time
 
-// Reads everything that the files name, but the volume where it is that of the document before. Throws a ReadError; what the
-// progress function throws passes through.
+// Reads everything that the files name, but the volume where it is that of the document before. drawable: what the driver draws.
+// Throws a ReadError; what the progress function throws passes through.
 Document load_document(const SessionFiles& files, const ProgressFunction& progress,
-                       const Document& before = {});
+                       const Document& before = {}, const VolumeLimits& drawable = {});
 
 }  // namespace oct::app

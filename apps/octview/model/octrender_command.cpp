@@ -67,7 +67,8 @@ Words reading_options(const DataFile& file) {
 }
 
 void add_base(Words& words, const SessionFiles& files, PictureSize size, const std::string& output) {
-  if (files.base.path.empty()) throw std::runtime_error("What is shown is in no file that octrender could read");
+  if (files.base.path.empty())
+    throw std::runtime_error("What is shown is in no file that octrender could read");
   words.insert(words.end(), {path_text(files.base.path), "-o", output});
   std::ranges::copy(reading_options(files.base), std::back_inserter(words));
   if (files.decibels) words.emplace_back("--db");

@@ -10,4 +10,7 @@ namespace oct::app {
 // colours that cannot be read.
 VolumeScene volume_scene(const Document& document, const ViewState& state, PictureSize size);
 
+// The sections of the volume are those of the panes beside it: through the crosshair. Hidden ones stay hidden.
+void follow_cursor(const Document& document, ViewState& state);
+
 }  // namespace oct::app

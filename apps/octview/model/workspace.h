@@ -26,6 +26,7 @@ struct Workspace {
   // What clicks measure, and the points of it so far.
   std::optional<MeasurementKind> tool;
   std::vector<VoxelPoint> clicked;
+  Pane pane = Pane::volume;  // that the mouse was over last
   // What a panel wants opened. What is open stays until it has been read.
   std::optional<Opening> wanted;
   std::array<PictureSize, 4> pane_sizes{};  // in pixels, by Pane

@@ -42,6 +42,7 @@ void SlicePane::show(Workspace& workspace) {
   if (size.x < 1 || size.y < 1) return;
   const PictureSize pixels{static_cast<unsigned>(size.x), static_cast<unsigned>(size.y)};
   drawing_.update(workspace.document, workspace.state, pixels);
+  workspace.pane_sizes[static_cast<std::size_t>(axis_)] = pixels;
 
   ImGui::InvisibleButton(title_of(axis_), size,
                          ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight |
@@ -49,6 +50,7 @@ void SlicePane::show(Workspace& workspace) {
   mark_item(title_of(axis_) + std::string("##pane"), corner, {corner.x + size.x, corner.y + size.y});
   const SliceGeometry geometry{axis_, drawing_.area(), {corner.x, corner.y}, {size.x, size.y}};
   const bool hovered = ImGui::IsItemHovered();
+  if (hovered) workspace.pane = static_cast<Pane>(axis_);
   hands_.handle(workspace, geometry, {drawing_.image().depth, drawing_.image().ascans});
 
   ImDrawList& list = *ImGui::GetWindowDrawList();

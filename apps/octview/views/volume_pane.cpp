@@ -6,6 +6,7 @@
 
 #include <imgui.h>
 
+#include "octview/model/volume_picture.h"
 #include "octview/views/slice_marks.h"
 #include "octview/views/volume_marks.h"
 #include "octview/window/item_index.h"
@@ -19,17 +20,6 @@ constexpr ImU32 noted = IM_COL32(255, 200, 120, 255);
 ImVec2 place_in(const VolumeGeometry& geometry, double right, double down) {
   return {static_cast<float>(geometry.corner[0] + geometry.size.width * right),
           static_cast<float>(geometry.corner[1] + geometry.size.height * down)};
-}
-
-// The slices that are shown are those of the panes beside.
-void follow_cursor(Workspace& workspace) {
-  if (workspace.state.volume.look != VolumeLook::sections) return;
-  const BoxPoint cursor = box_point(workspace.document, workspace.state.cursor);
-  constexpr std::array<std::size_t, 3> axes{1, 0, 2};
-  for (std::size_t i = 0; i < 3; ++i) {
-    std::optional<float>& section = workspace.state.volume.sections[i];
-    if (section) section = static_cast<float>(std::clamp(cursor[axes[i]], 0.0, 1.0));
-  }
 }
 
 void show_volume_controls(Workspace& workspace) {
@@ -56,7 +46,7 @@ void show_notes(ImDrawList& list, const Workspace& workspace, const VolumeGeomet
   const float em = ImGui::GetFontSize();
   const Document& document = workspace.document;
   std::string text;
-  if (document.volume->is_reduced()) text = reduction_text(*document.volume);
+  if (document.drawn_volume->is_reduced()) text = reduction_text(*document.drawn_volume);
   if (image.is_partial())
     text += (text.empty() ? "" : "\n") + std::string("Shown in part: stopped while it was handed over");
   if (!text.empty()) draw_label(list, place_in(geometry, 0.5, 1), text, noted, {0.5F, 1.2F});
@@ -75,7 +65,7 @@ bool VolumePane::is_coarse() const {
 void VolumePane::show(Workspace& workspace, LiveSession* live) {
   if (!workspace.document) return;
   show_volume_controls(workspace);
-  follow_cursor(workspace);
+  follow_cursor(workspace.document, workspace.state);
   const ImVec2 corner = ImGui::GetCursorScreenPos();
   const ImVec2 space = ImGui::GetContentRegionAvail();
   const ImVec2 size{std::floor(space.x), std::floor(space.y)};
@@ -83,6 +73,7 @@ void VolumePane::show(Workspace& workspace, LiveSession* live) {
   const VolumeGeometry geometry{{static_cast<double>(corner.x), static_cast<double>(corner.y)},
                                 {static_cast<unsigned>(size.x), static_cast<unsigned>(size.y)}};
   shown_in_ = ImGui::GetFrameCount();
+  workspace.pane_sizes[static_cast<std::size_t>(Pane::volume)] = geometry.size;
 
   ImGui::InvisibleButton(title, size,
                          ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight |
@@ -90,9 +81,10 @@ void VolumePane::show(Workspace& workspace, LiveSession* live) {
   ImGui::SetItemAllowOverlap();
   mark_item(title + std::string("##pane"), corner, {corner.x + size.x, corner.y + size.y});
   const bool hovered = ImGui::IsItemHovered();
+  if (hovered) workspace.pane = Pane::volume;
   hands_.handle(workspace, geometry, image_);
   const ImVec2 below = ImGui::GetCursorScreenPos();
-  follow_cursor(workspace);
+  follow_cursor(workspace.document, workspace.state);
 
   ImGui::SetCursorScreenPos(corner);
   if (live) {

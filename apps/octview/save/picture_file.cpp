@@ -1,0 +1,78 @@
+#include "octview/save/picture_file.h"
+
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include "command_line/shell_words.h"
+#include "data/figure/figure.h"
+#include "data/formats/png_writer.h"
+#include "octview/model/octrender_command.h"
+#include "octview/model/slice_picture.h"
+#include "octview/model/slice_position.h"
+#include "octview/model/volume_picture.h"
+#include "scene/offscreen_picture.h"
+#include "scene/picture_texts.h"
+
+namespace oct::app {
+namespace {
+
+Picture on_paper(const Document& document, const VolumeScene& scene, const Picture& picture) {
+  Figure figure;
+  figure.picture = picture;
+  figure.color_bar = {scene.base.colormap, scene.base.range, document.files.decibels ? "dB" : ""};
+  const std::optional<double> mm = document.spacing().is_known() ? pixel_mm(scene) : std::nullopt;
+  if (mm) figure.pixel_mm = {*mm, *mm};
+  return figure_of(figure, {});
+}
+
+}  // namespace
+
+std::vector<std::string> command_of(const Document& document, const ViewState& state,
+                                    const PictureOrder& order) {
+  const std::string output = to_utf8(order.file);
+  if (order.pane != Pane::volume) {
+    const auto axis = static_cast<SliceAxis>(order.pane);
+    return slice_command(document.files, state, axis, slice_position(document, state, axis).position,
+                         order.size, output);
+  }
+  ViewState shown = state;
+  follow_cursor(document, shown);
+  std::vector<std::string> words = volume_command(document.files, shown, order.size, output);
+  if (order.figure) words.emplace_back("--figure");
+  return words;
+}
+
+DrawnPicture draw_picture_of(const Document& document, const ViewState& state, const PictureOrder& order,
+                             const ProgressFunction& progress) {
+  if (order.pane != Pane::volume) {
+    const auto axis = static_cast<SliceAxis>(order.pane);
+    progress(0, 1);
+    SlicePicture drawn =
+        render_slice(slice_scene(state, axis, slice_images(document, state, axis), order.size));
+    return {std::move(drawn.picture), std::move(drawn.explanation)};
+  }
+  ViewState shown = state;
+  follow_cursor(document, shown);
+  const VolumeScene scene = volume_scene(document, shown, order.size);
+  DrawnPicture result;
+  result.explanation = render_volume(
+      scene, 1, [&](unsigned, const Picture& picture) { result.picture = picture; }, largest_tile, progress);
+  if (order.figure) result.picture = on_paper(document, scene, result.picture);
+  return result;
+}
+
+std::string save_picture(const Document& document, const ViewState& state, const PictureOrder& order,
+                         const ProgressFunction& progress) {
+  PngTexts texts;
+  try {
+    texts = picture_texts("octrender " + shell_words(command_of(document, state, order)));
+  } catch (const std::runtime_error&) {
+    texts = picture_texts("octview");  // nothing that octrender can be told
+  }
+  const DrawnPicture drawn = draw_picture_of(document, state, order, progress);
+  write_png(order.file, drawn.picture, texts);
+  return drawn.explanation;
+}
+
+}  // namespace oct::app
