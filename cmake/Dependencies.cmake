@@ -13,21 +13,36 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:SHELL:-Xclang -fno-pch-timestamp>")
 endif()
 
-# oct_compile_together(target)
-# Compiles several files of a target at once, most of which is reading the same headers. A file for one platform stays
-# alone: what its system's headers define is not for others. Files meet whose names never do, so names may hide each
-# other. Without the option each file is compiled alone, has to include what it names, and hides none: scripts/lint naming
-# builds so.
+# oct_compile_together(target [ALL])
+# Compiles several files of a target at once, most of which is reading the same headers; ALL: all of them. Files for one
+# platform meet their own kind only: what its system's headers define is not for others. Files meet whose names never do,
+# so names may hide each other. Without the option each file is compiled alone, has to include what it names, and hides
+# none: scripts/lint naming builds so.
 option(OCT_COMPILE_TOGETHER "Compile several files of a target at once" ON)
 function(oct_compile_together target)
   if(NOT OCT_COMPILE_TOGETHER)
     return()
   endif()
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
-  target_compile_options(${target} PRIVATE -Wno-shadow)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+  # Nor does a warning hold that takes every file but the first for a header.
+  target_compile_options(${target} PRIVATE -Wno-shadow $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+  set(together 6)
+  if("ALL" IN_LIST ARGN)
+    set(together 1000)
+  endif()
   get_target_property(sources ${target} SOURCES)
-  list(FILTER sources INCLUDE REGEX "_(windows|linux)[.]cpp$")
-  set_source_files_properties(${sources} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  list(FILTER sources INCLUDE REGEX "[.]cpp$")
+  set(platform_sources ${sources})
+  list(FILTER platform_sources INCLUDE REGEX "_(windows|linux)[.]cpp$")
+  list(FILTER sources EXCLUDE REGEX "_(windows|linux)[.]cpp$")
+  foreach(kind sources platform_sources)
+    set(count 0)
+    foreach(source IN LISTS ${kind})
+      math(EXPR group "${count} / ${together}")
+      math(EXPR count "${count} + 1")
+      set_source_files_properties("${source}" PROPERTIES UNITY_GROUP "${kind}_${group}")
+    endforeach()
+  endforeach()
 endfunction()
 
 # oct_precompile_headers(target header...)

@@ -240,10 +240,9 @@ void run(const Options& options, const PngTexts& texts) {
   scene.pepper_filter = options.pepper;
   scene.flip = options.flip;
   BscanPicture drawn = render_bscan(scene);
-  write_png(output,
-            options.figure.figure ? figure_of(figure_of(options, scene, std::move(drawn.picture)), style)
-                                  : drawn.picture,
-            texts);
+  if (options.figure.figure)
+    drawn.picture = figure_of(figure_of(options, scene, std::move(drawn.picture)), style);
+  write_png(output, drawn.picture, texts);
   warn("octrender", drawn.explanation);
 }
 

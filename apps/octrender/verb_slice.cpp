@@ -13,6 +13,7 @@
 #include "octrender/data_options.h"
 #include "octrender/layer_options.h"
 #include "octrender/option_values.h"
+#include "octrender/output/figure_options.h"
 #include "octrender/output/picture_series.h"
 #include "octrender/picture_files.h"
 #include "octrender/verbs.h"

@@ -206,26 +206,37 @@ std::filesystem::path output_of(const Options& options) {
   return picture_file(options.output, inputs);
 }
 
+// Of the data whose colours are seen.
+ColorBar color_bar(const VolumeScene& scene, const Options& options) {
+  if (scene.secondary)
+    return color_bar_of(options.figure, scene.secondary->colormap, scene.secondary->range, false);
+  if (scene.surface && !scene.show_volume)
+    return color_bar_of(options.figure, scene.surface->colormap, scene.surface->range, false);
+  return color_bar_of(options.figure, scene.base.colormap, scene.base.range, options.decibels);
+}
+
 // The picture as it is, or on paper.
 class Finish {
  public:
   Finish(const VolumeScene& scene, const Options& options) : style_(style_of(options.figure)) {
     if (!options.figure.figure) return;
     frame_.emplace();
-    frame_->color_bar = color_bar_of(options.figure, scene.base.colormap, scene.base.range, options.decibels);
+    frame_->color_bar = color_bar(scene, options);
     const std::optional<double> mm = scene.base.data->spacing.is_known() ? pixel_mm(scene) : std::nullopt;
     if (mm) frame_->pixel_mm = {*mm, *mm};
   }
 
-  Picture operator()(const Picture& picture) {
+  // Valid until the next call, or the picture's end.
+  const Picture& operator()(const Picture& picture) {
     if (!frame_) return picture;
     frame_->picture = picture;
-    return figure_of(*frame_, style_);
+    return finished_ = figure_of(*frame_, style_);
   }
 
  private:
   const FigureStyle style_;
   std::optional<Figure> frame_;
+  Picture finished_;
 };
 
 void draw(const VolumeScene& scene, const std::filesystem::path& output, const Options& options,

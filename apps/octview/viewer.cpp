@@ -62,7 +62,7 @@ void Viewer::take_live() {
   }
   if (!is_live()) return;
   const bool began = !live_document_.is_shown(workspace_);
-  live_document_.show(live_.latest(), live_panel_.title(), workspace_);
+  live_document_.show(live_, live_panel_.title(), workspace_);
   if (began && live_document_.is_shown(workspace_)) {
     workspace_.say("");
     window_.set_title(workspace_.document.title + " - octview");
@@ -81,7 +81,7 @@ void Viewer::take_loaded() {
   workspace_.document = std::move(*outcome->result);
   if (state_to_come_) {
     workspace_.state = *std::exchange(state_to_come_, std::nullopt);
-    find_ranges(workspace_.document, workspace_.state);
+    fit_state(workspace_.document, workspace_.state);
   } else {
     workspace_.state = start_state(workspace_.document);
   }

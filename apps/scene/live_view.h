@@ -18,6 +18,8 @@ namespace oct::app {
 struct LayerColors {
   Colormap colormap;
   ValueRange range;
+
+  bool operator==(const LayerColors&) const = default;
 };
 
 struct LiveScene {
@@ -26,6 +28,8 @@ struct LiveScene {
   std::optional<LayerColors> surface;  // depths in the unit of the device's range; none: not drawn
   std::optional<LayerColors> analog;   // volts; needs a source with the analog input
   int analog_channel = 0;
+
+  bool operator==(const LiveScene&) const = default;
 };
 
 void set_scene(VolumeRendererHandle renderer, const LiveScene& scene);

@@ -333,7 +333,7 @@ TEST_P(ControlLoopGLTest, DeletionWhileFramesWait) {
 // Many frames through the ring, with a client that is slow now and then.
 TEST_P(ControlLoopGLTest, FramesArriveInOrderWithTheirPixels) {
   // Sanitizers are slow; a surface of Direct3D even more so, and its ring takes the same way.
-  const std::uint32_t slow_count = GetParam() == SurfaceSharing::host_memory ? 1000 : 330;
+  const std::uint32_t slow_count = GetParam() == SurfaceSharing::host_memory ? 1000 : 110;
   const std::uint32_t count =
       measures_memory && GetParam() == SurfaceSharing::host_memory ? 10000 : slow_count;
   auto loop = make_recording_loop(12, 9);

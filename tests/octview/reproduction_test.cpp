@@ -32,11 +32,11 @@ class Reproduction : public ProgramTest {
     write_file("own.csv", "0,0,0,0\n0,90,255,20\n255,0,0,200\n");
   }
 
-  std::vector<std::uint8_t> drawn_by_command(const SessionFiles& files, const ViewState& state) {
+  static std::vector<std::uint8_t> drawn_by(const std::vector<std::string>& command) {
     std::filesystem::remove("out.png");
     std::ostringstream error;
     auto* const before = std::cerr.rdbuf(error.rdbuf());
-    const int code = run_program(volume_command(files, state, size, "out.png"));
+    const int code = run_program(command);
     std::cerr.rdbuf(before);
     EXPECT_EQ(code, 0) << error.str();
     return code == 0 ? read_picture("out.png").pixels : std::vector<std::uint8_t>();
@@ -129,7 +129,7 @@ TEST_F(Reproduction, CommandsDrawWhatIsShownByteForByte) {
     ViewState state = start_state(document);
     changes[i](files, state);
     const std::vector<std::uint8_t> shown = drawn(document, state);
-    EXPECT_TRUE(drawn_by_command(files, state) == shown);
+    EXPECT_TRUE(drawn_by(volume_command(files, state, size, "out.png")) == shown);
     // By way of a session, too.
     write_session("a.json", {files, state});
     const Session session = read_session("a.json");
@@ -175,6 +175,8 @@ TEST_F(Reproduction, CommandsOfSectionsDrawWhatIsShownByteForByte) {
       pictures.push_back(shown);
     }
   }
+  files.base.path.clear();  // live
+  EXPECT_THROW(slice_command(files, state, SliceAxis::bscan, 0, size, "out.png"), std::runtime_error);
 }
 
 TEST(ShellWords, AreTakenApartAgain) {

@@ -60,6 +60,13 @@ class Viewer : public ProgramTest {
     return code == 0 ? Json::parse(stream) : Json();
   }
 
+  // Handles lie upon what they belong to.
+  static bool is_handle_of(const Json& handle, const Json& area) {
+    const std::string label = area.at("label");
+    if (label != "Histogram" && label != "Opacity curve" && !label.ends_with("##pane")) return false;
+    return !handle.at("label").get<std::string>().ends_with("##pane");
+  }
+
   static Json item(const Json& state, const std::string& label) {
     for (const Json& candidate : state.at("items"))
       if (candidate.at("label") == label) return candidate;
@@ -92,8 +99,14 @@ TEST_F(Viewer, SectionsShowTheirVoxelsUnderOneCrosshair) {
                      places[i].second[1] * (pane["to"][1].get<double>() - pane["from"][1].get<double>());
     const double gray = 255 * (value - last["range"][0].get<double>()) /
                         (last["range"][1].get<double>() - last["range"][0].get<double>());
-    const std::size_t pixel = static_cast<std::size_t>(y) * shown.size.width + static_cast<std::size_t>(x);
-    EXPECT_NEAR(shown.pixels[pixel * 3], std::clamp(gray, 0.0, 255.0), 2);
+    // The mouse may be on the edge of a voxel, within its pixel.
+    double nearest = 255;
+    for (const auto [right, down] : {std::pair(0, 0), {-1, 0}, {1, 0}, {0, -1}, {0, 1}}) {
+      const std::size_t pixel =
+          (static_cast<std::size_t>(y) + down) * shown.size.width + static_cast<std::size_t>(x) + right;
+      nearest = std::min(nearest, std::abs(shown.pixels[pixel * 3] - std::clamp(gray, 0.0, 255.0)));
+    }
+    EXPECT_LE(nearest, 2);
   }
 }
 
@@ -217,8 +230,9 @@ TEST_F(Viewer, NothingOverlapsAtItsSmallestSize) {
         for (std::size_t j = 0; j < i; ++j) {
           const auto other = items[j]["from"].get<std::array<double, 2>>();
           const auto end = items[j]["to"].get<std::array<double, 2>>();
-          EXPECT_FALSE(from[0] + 1 < end[0] && other[0] + 1 < to[0] && from[1] + 1 < end[1] &&
-                       other[1] + 1 < to[1])
+          const bool overlap =
+              from[0] + 1 < end[0] && other[0] + 1 < to[0] && from[1] + 1 < end[1] && other[1] + 1 < to[1];
+          EXPECT_FALSE(overlap && !is_handle_of(items[i], items[j]) && !is_handle_of(items[j], items[i]))
               << items[i] << items[j];
         }
       }

@@ -2,7 +2,7 @@
 # Two builds of the same sources are the same, byte for byte: builds and packs what is shipped once more, in another
 # folder, with other settings of the user, and compares the packages with those in BUILD/packages. Arguments: build folder
 # (BUILD), source folder.
-# Linking, packing and what CMake makes are done anew. Of the objects an eighth is compiled anew, another one with each
+# Linking, packing and what CMake makes are done anew. Of the objects a sixteenth is compiled anew, another one with each
 # commit, because all of them take more than a minute; OCT_COMPILE_TWICE=all (./check --twice) compiles all. What could
 # differ in the others is held by two other means: no compiler may use a clock (-Werror=date-time), and no file that is
 # shipped names the folder that it was built in.
@@ -17,7 +17,7 @@ mkdir -p "$again/build"
 ln -s "$(realpath "$source/build/deps")" "$again/build/deps"
 
 commit=$(git -C "$source" rev-parse HEAD)
-export OCT_FIRST_BUILD=$build OCT_COMPILED=$work/compiled OCT_SHARE=${OCT_COMPILE_TWICE:-$((16#${commit:0:4} % 8))}
+export OCT_FIRST_BUILD=$build OCT_COMPILED=$work/compiled OCT_SHARE=${OCT_COMPILE_TWICE:-$((16#${commit:0:4} % 16))}
 SOURCE_DATE_EPOCH=$(git -C "$source" log -1 --format=%ct)
 export SOURCE_DATE_EPOCH CCACHE_DISABLE=1 TZ=Asia/Kathmandu LC_ALL=C.UTF-8 USER=somebody
 umask 0022  # cpack writes it into packages for Debian

@@ -9,7 +9,7 @@ namespace oct::app {
 // The largest of 1, 2, 5, 10, 20, 50, ... (and tenths, ...) that is not larger; the number is above 0.
 double round_below(double number);
 
-// Some four to six round numbers from the lower to the upper end.
+// Three to eight round numbers from the lower to the upper end.
 std::vector<double> round_numbers(double lower, double upper);
 
 // As many digits behind the point as the step between the numbers has.

@@ -114,6 +114,8 @@ void LiveSession::start(const LiveSetup& setup) {
   error_.clear();
   if (!renderer_) renderer_.emplace();
   recorder_.clear();
+  statistics_ = {};
+  ++starts_;
   state_ = State::opening;
   opening_ = std::make_shared<Opening>();
   work_.add([this, setup, opening = opening_] {
@@ -157,7 +159,7 @@ void LiveSession::update() {
 // The source waits with its first volume for a frame. Later ones that are hidden come without any.
 void LiveSession::hide() {
   try {
-    checked(setRenderElements, renderer_->handle(), 0, 0);
+    if (std::exchange(scene_, std::nullopt)) checked(setRenderElements, renderer_->handle(), 0, 0);
     if (!device_->tap().latest()) checked(::renderVolume, live_->get());
   } catch (const RenderingError& failure) {
     error_ = failure.what();
@@ -203,7 +205,11 @@ void LiveSession::watch() {
 void LiveSession::draw(const LiveScene& scene) {
   if (!live_) return;
   drawn_ = true;
-  set_scene(renderer_->handle(), scene);
+  if (scene_ != scene) {
+    scene_.reset();
+    set_scene(renderer_->handle(), scene);
+    scene_ = scene;
+  }
   checked(::renderVolume, live_->get());
 }
 

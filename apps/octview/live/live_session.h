@@ -56,6 +56,8 @@ class LiveSession {
   // Of the running device, or else of the last one that gave any; null: none yet.
   std::shared_ptr<const LiveVolume> latest() const;
 
+  unsigned starts() const { return starts_; }  // so far
+
   VolumeRecorder& recorder() { return recorder_; }
 
  private:
@@ -70,11 +72,13 @@ class LiveSession {
 
   VolumeRecorder recorder_;
   State state_ = State::off;
+  unsigned starts_ = 0;
   std::string error_;
   std::shared_ptr<Opening> opening_;
   std::unique_ptr<Device> device_;
   std::optional<VolumeRenderer> renderer_;  // made by the first start
   std::optional<RenderingHandle<LiveVolumeRenderingHandle>> live_;
+  std::optional<LiveScene> scene_;  // as the renderer has it; none: it draws no volumes, or something failed
   bool drawn_ = false;              // since the last update
   OctLiveStatistics statistics_{};  // at the end of the latest start
   std::shared_ptr<const LiveVolume> latest_;

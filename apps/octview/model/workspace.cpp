@@ -1,5 +1,6 @@
 #include "octview/model/workspace.h"
 
+#include <algorithm>
 #include <span>
 
 namespace oct::app {
@@ -26,11 +27,16 @@ LayerLook first_look(DataFile SessionFiles::*layer) {
   return look;
 }
 
-void find_ranges(const Document& document, ViewState& state) {
+void fit_state(const Document& document, ViewState& state) {
   if (document.volume) find_range(state.base, document.volume->voxels);
   if (document.overlay) find_range(state.overlay, document.overlay->voxels);
   if (document.surface) find_range(state.surface, document.surface->values);
   if (document.secondary) find_range(state.secondary, document.secondary->values);
+  if (!document.volume) return;
+  const std::array<std::size_t, 3> size{document.volume->depth, document.volume->ascans,
+                                        document.volume->bscans};
+  for (std::size_t i = 0; i < 3; ++i)
+    state.cursor[i] = std::clamp(state.cursor[i], 0.0, static_cast<double>(size[i]) - 1);
 }
 
 ViewState start_state(const Document& document) {
@@ -42,12 +48,12 @@ ViewState start_state(const Document& document) {
   state.overlay = first_look(&SessionFiles::overlay);
   state.surface = first_look(&SessionFiles::surface);
   state.secondary = first_look(&SessionFiles::secondary);
-  find_ranges(document, state);
   state.cursor = {static_cast<double>(volume.depth / 2), static_cast<double>(volume.ascans / 2),
                   static_cast<double>(volume.bscans / 2)};
   state.volume.angles = {25, -35};
   state.volume.zoom = 52;
   state.volume.scale_marks = document.spacing().is_known();
+  fit_state(document, state);
   return state;
 }
 

@@ -45,8 +45,8 @@ struct Workspace {
 // Of a layer that is new.
 LayerLook first_look(DataFile SessionFiles::*layer);
 
-// Ranges that follow the data, where it is.
-void find_ranges(const Document& document, ViewState& state);
+// Puts ranges that follow the data where it is, and the crosshair into the volume.
+void fit_state(const Document& document, ViewState& state);
 
 // The state that shows a document that was just opened: automatic ranges, the crosshair in the middle.
 ViewState start_state(const Document& document);

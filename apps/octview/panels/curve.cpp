@@ -24,6 +24,12 @@ Points square_points() {
   return points;
 }
 
+// 0 to 1, in thousandths: nobody points more precisely, and commands are to be read.
+double part(float length, float whole) {
+  return std::round(1000 * std::clamp(static_cast<double>(length) / static_cast<double>(whole), 0.0, 1.0)) /
+         1000;
+}
+
 // Places of the curve on the screen.
 struct Canvas {
   ImVec2 from;
@@ -34,8 +40,7 @@ struct Canvas {
             to.y - static_cast<float>(point[1]) * (to.y - from.y)};
   }
   std::array<double, 2> point(ImVec2 place) const {
-    return {std::clamp((place.x - from.x) / (to.x - from.x), 0.0F, 1.0F),
-            std::clamp((to.y - place.y) / (to.y - from.y), 0.0F, 1.0F)};
+    return {part(place.x - from.x, to.x - from.x), part(to.y - place.y, to.y - from.y)};
   }
 };
 

@@ -27,6 +27,7 @@ void FileChooser::ask(std::string title, Purpose purpose, const std::filesystem:
   title_ = std::move(title);
   purpose_ = purpose;
   wanted_ = true;
+  to_replace_.clear();
   std::error_code ignored;
   std::filesystem::path whole =
       std::filesystem::absolute(start.empty() ? "." : start, ignored).lexically_normal();
@@ -118,6 +119,11 @@ std::optional<std::filesystem::path> FileChooser::finish() {
   if (purpose_ == Purpose::open && std::filesystem::is_directory(path, ignored)) {
     name_.fill('\0');
     enter(path);
+    return {};
+  }
+  if (purpose_ == Purpose::save && std::filesystem::exists(path, ignored) && to_replace_ != path) {
+    to_replace_ = path;
+    problem_ = "There is such a file. Save again to replace it.";
     return {};
   }
   return path;

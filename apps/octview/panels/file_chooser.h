@@ -37,6 +37,7 @@ class FileChooser {
   std::array<char, 1024> name_{};
   std::string problem_;
   std::optional<std::filesystem::path> chosen_;
+  std::filesystem::path to_replace_;  // a file that is there, for which it was asked
 };
 
 }  // namespace oct::app

@@ -72,6 +72,13 @@ void draw_handle(ImDrawList& list, float x, ImVec2 from, ImVec2 to, bool points_
   list.AddTriangleFilled({x, from.y}, {x + side, from.y}, {x, from.y + em(0.8F)}, color);
 }
 
+// To a decimal no coarser than a fifth of the step.
+double rounded(double value, double step) {
+  const double digits = std::ceil(-std::log10(step / 5));
+  const double scale = std::pow(10, std::abs(digits));
+  return digits >= 0 ? std::round(value * scale) / scale : std::round(value / scale) * scale;
+}
+
 bool edit_number(const char* label, double& value) {
   return ImGui::InputDouble(label, &value, 0, 0, "%.6g", ImGuiInputTextFlags_EnterReturnsTrue);
 }
@@ -100,7 +107,7 @@ bool Histogram::show_bars(LayerLook& look, const Statistics& statistics) {
   const auto x_of = [&](double value) {
     return from.x + static_cast<float>((value - shown.lower) / per_point);
   };
-  const double value = shown.lower + (ImGui::GetIO().MousePos.x - from.x) * per_point;
+  const double value = rounded(shown.lower + (ImGui::GetIO().MousePos.x - from.x) * per_point, per_point);
   bool changed = false;
   if (ImGui::IsItemActivated()) {
     held_ =

@@ -7,6 +7,7 @@
 #include <imgui.h>
 
 #include "data/file_errors.h"
+#include "octview/window/item_index.h"
 
 namespace oct::app {
 namespace {
@@ -26,6 +27,14 @@ void label(const char* text) {
   ImGui::TextUnformatted(text);
   ImGui::SameLine(ImGui::GetFontSize() * 5);
   ImGui::SetNextItemWidth(-1);
+}
+
+// A list of choices, which has no label of ImGui's own for scripts.
+bool begin_choice(const char* name, const char* id, const char* shown) {
+  label(name);
+  const ImVec2 from = ImGui::GetCursorScreenPos();
+  mark_item(id, from, {from.x + ImGui::GetContentRegionAvail().x, from.y + ImGui::GetFrameHeight()});
+  return ImGui::BeginCombo(id, shown);
 }
 
 bool whole_number(const char* name, const char* id, int& value, int least, int most) {
@@ -123,9 +132,8 @@ void LivePanel::show_state(LiveSession& session, const Workspace& workspace) {
 void LivePanel::show_device(const Workspace& workspace) {
   label("Library");
   ImGui::InputText("##library", library_.data(), library_.size());
-  label("Shows");
   const int shown = plays_back_ ? played : setup_.device.phantom;
-  if (ImGui::BeginCombo("##phantom", phantoms[static_cast<std::size_t>(shown)])) {
+  if (begin_choice("Shows", "##phantom", phantoms[static_cast<std::size_t>(shown)])) {
     for (int i = 0; i <= played; ++i) {
       if (i == played && !workspace.document) continue;
       if (!ImGui::Selectable(phantoms[static_cast<std::size_t>(i)], i == shown)) continue;
@@ -144,9 +152,8 @@ void LivePanel::show_device(const Workspace& workspace) {
 
 void LivePanel::show_scan() {
   ScanSettings& scan = setup_.device.scan;
-  label("Depth");
   const std::string depth = std::to_string(depth_) + " samples";
-  if (ImGui::BeginCombo("##depth", depth.c_str())) {
+  if (begin_choice("Depth", "##depth", depth.c_str())) {
     for (const int samples : {64, 128, 256, 512, 1024, 2048}) {
       if (ImGui::Selectable((std::to_string(samples) + " samples").c_str(), samples == depth_))
         depth_ = samples;
@@ -157,8 +164,14 @@ void LivePanel::show_scan() {
   whole_number("B-scans", "##bscans", scan.b_scans, 1, 8192);
   millimetres("Width", "##width", scan.width);
   millimetres("Length", "##length", scan.length);
-  label("Motion");
-  ImGui::Combo("##motion", &setup_.device.motion, motions.data(), static_cast<int>(motions.size()));
+  if (begin_choice("Motion", "##motion", motions[static_cast<std::size_t>(setup_.device.motion)])) {
+    for (int i = 0; i < static_cast<int>(motions.size()); ++i) {
+      if (ImGui::Selectable(motions[static_cast<std::size_t>(i)], i == setup_.device.motion)) {
+        setup_.device.motion = i;
+      }
+    }
+    ImGui::EndCombo();
+  }
   label("Seed");
   int seed = static_cast<int>(scan.seed);
   if (ImGui::InputInt("##seed", &seed, 0)) scan.seed = static_cast<unsigned>(std::max(seed, 0));

@@ -10,13 +10,20 @@
 #include "octview/model/session_file.h"
 #include "octview/model/slice_position.h"
 #include "octview/panels/widgets.h"
+#include "octview/window/keys.h"
 
 namespace oct::app {
 namespace {
 
 constexpr std::array<const char*, 4> panes_to_copy{"B-scan", "En face", "Section", "Volume"};
 
-void open_session(Workspace& workspace, const std::filesystem::path& file) {
+void open_file(Workspace& workspace, const std::filesystem::path& file) {
+  Opening opening;
+  opening.files.base.path = file;
+  if (!is_session(file)) {
+    workspace.wanted = std::move(opening);
+    return;
+  }
   Session session = read_session(file);
   workspace.wanted = Opening{std::move(session.files), std::move(session.state)};
 }
@@ -56,13 +63,12 @@ void attempt(Workspace& workspace, Action action) {
 
 void SessionPanel::show(Workspace& workspace) {
   const bool open = static_cast<bool>(workspace.document);
+  const std::filesystem::path& shown = workspace.document.files.base.path;
+  const std::filesystem::path base = std::filesystem::absolute(shown.empty() ? "live" : shown);
+  bool wants_to_open = is_pressed(letter('O'), true);
   if (ImGui::CollapsingHeader("Session")) {
-    const std::filesystem::path base = std::filesystem::absolute(
-        workspace.document.files.base.path.empty() ? "live" : workspace.document.files.base.path);
-    if (ImGui::Button("Open ...")) {
-      purpose_ = FileChooser::Purpose::open;
-      chooser_.ask("Session to open", purpose_, base.parent_path());
-    }
+    wants_to_open |= ImGui::Button("Open ...");
+    hint("A session, or a file (Ctrl+O)");
     if (open) {
       ImGui::SameLine();
       if (ImGui::Button("Save ...")) {
@@ -79,10 +85,14 @@ void SessionPanel::show(Workspace& workspace) {
         pane_ = static_cast<Pane>(pane);
     }
   }
+  if (wants_to_open) {
+    purpose_ = FileChooser::Purpose::open;
+    chooser_.ask("File or session to open", purpose_, base.parent_path());
+  }
   const std::optional<std::filesystem::path> file = chooser_.show();
   if (!file) return;
   attempt(workspace, [&] {
-    purpose_ == FileChooser::Purpose::open ? open_session(workspace, *file) : save_session(workspace, *file);
+    purpose_ == FileChooser::Purpose::open ? open_file(workspace, *file) : save_session(workspace, *file);
   });
 }
 

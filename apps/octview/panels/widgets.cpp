@@ -92,12 +92,13 @@ bool choose_colors(LayerLook& look) {
   if (ImGui::BeginCombo("Colours", look.colormap.c_str(), ImGuiComboFlags_HeightLarge)) {
     for (const std::string& name : known_maps()) {
       const ImVec2 corner = ImGui::GetCursorScreenPos();
-      if (ImGui::Selectable(("      " + std::string(16, ' ') + name + "##map " + name).c_str(),
-                            name == look.colormap)) {
+      draw_map(name, look.reverse, corner, {corner.x + picture, corner.y + height});
+      ImGui::Dummy({picture, height});
+      ImGui::SameLine();
+      if (ImGui::Selectable(name.c_str(), name == look.colormap)) {
         look.colormap = name;
         changed = true;
       }
-      draw_map(name, look.reverse, corner, {corner.x + picture, corner.y + height});
     }
     ImGui::EndCombo();
   }

@@ -64,9 +64,9 @@ class Window {
   void load_font();
 
   Glfw glfw_;
+  float scale_ = 1;  // found with the window, and so before it
   std::unique_ptr<GLFWwindow, void (*)(GLFWwindow*)> window_;
   GlFunctions gl_{};
-  float scale_ = 1;
   std::unique_ptr<Interface> interface_;
   std::vector<std::filesystem::path> dropped_;
 };
