@@ -101,7 +101,7 @@ TEST_F(Viewer, SectionsShowTheirVoxelsUnderOneCrosshair) {
                         (last["range"][1].get<double>() - last["range"][0].get<double>());
     // The mouse may be on the edge of a voxel, within its pixel.
     double nearest = 255;
-    for (const auto [right, down] : {std::pair(0, 0), {-1, 0}, {1, 0}, {0, -1}, {0, 1}}) {
+    for (const auto& [right, down] : {std::pair(0, 0), {-1, 0}, {1, 0}, {0, -1}, {0, 1}}) {
       const std::size_t pixel =
           (static_cast<std::size_t>(y) + down) * shown.size.width + static_cast<std::size_t>(x) + right;
       nearest = std::min(nearest, std::abs(shown.pixels[pixel * 3] - std::clamp(gray, 0.0, 255.0)));
