@@ -63,8 +63,12 @@ std::optional<ValueRange> automatic_range(std::span<const float> samples, Shares
   return range_of_finite(select(samples, is_finite), shares);
 }
 
+std::size_t percentile_stride(std::size_t samples) {
+  return samples / enough_samples + 1;
+}
+
 std::optional<ValueRange> quick_range(std::span<const float> samples, Shares shares) {
-  const std::size_t stride = samples.size() / enough_samples + 1;
+  const std::size_t stride = percentile_stride(samples.size());
   std::vector<float> finite;
   for (std::size_t i = 0; i < samples.size(); i += stride) {
     if (is_finite(samples[i])) finite.push_back(samples[i]);

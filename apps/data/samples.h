@@ -34,7 +34,10 @@ constexpr Shares image_shares{0.01, 0.995};
 // samples are equal, one unit upwards. Nothing when no sample is finite.
 std::optional<ValueRange> automatic_range(std::span<const float> samples, Shares shares);
 
-// The same from every nth sample where there are millions: enough for a percentile.
+// Every which sample is enough for percentiles of so many.
+std::size_t percentile_stride(std::size_t samples);
+
+// The same from every nth sample where there are millions.
 std::optional<ValueRange> quick_range(std::span<const float> samples, Shares shares);
 
 // True when half of the positive samples lie in the lowest fiftieth of the range: linear reflectivity spans

@@ -83,7 +83,11 @@ TEST(Presets, ChangeWhatTheyCarryAndNothingElse) {
     VolumeView& view = state.volume;
     view.look = before.volume.look;
     view.lighting = before.volume.lighting;
-    if (preset.angles) view.angles = before.volume.angles;
+    if (preset.from_above) {
+      view.angles = before.volume.angles;
+      view.perspective = before.volume.perspective;
+      view.zoom = before.volume.zoom;
+    }
     EXPECT_EQ(view, before.volume);
     EXPECT_EQ(state.overlay, before.overlay);
   }

@@ -200,6 +200,7 @@ TEST_F(Reproduction, SessionsKeepEverythingAndMoveWithTheirFiles) {
   }
   state.cursor = {1, 2.5, 3};
   state.enface = {7, Projection::maximum, true};
+  state.below_surface = -2.5;
   state.windows[1] = {3.5, {0.1, 0.9}};
   state.large = Pane::third;
   state.crosshair = false;
@@ -214,6 +215,7 @@ TEST_F(Reproduction, SessionsKeepEverythingAndMoveWithTheirFiles) {
   for (LayerLook ViewState::*look :
        {&ViewState::base, &ViewState::overlay, &ViewState::surface, &ViewState::secondary})
     EXPECT_EQ(session.state.*look, state.*look);
+  EXPECT_EQ(session.state.below_surface, state.below_surface);
   EXPECT_EQ(session.state.windows, state.windows);
   EXPECT_EQ(session.state.enface, state.enface);
   EXPECT_EQ(session.state.cursor, state.cursor);

@@ -141,6 +141,35 @@ TEST_F(Viewer, SectionsZoomTowardsTheCursorAndMove) {
   EXPECT_EQ(reading_of(reset).voxel, before.voxel);
 }
 
+TEST_F(Viewer, LooksAreSetByHandAndComeBackWithASession) {
+  const Json set = play(
+      "state 0.json\ndrag \"Upper end\" Histogram 0.6 0.5\nclick Curve\nframes 3\nclick \"Opacity curve\" "
+      "0.37 0.9\nframes "
+      "2\n"
+      "drag \"Point 3\" \"Opacity curve\" 0.4 0.2\nclick Opacity\nclick \"Values and colours\"\n"
+      "click \"View of the volume\"\nframes 3\nclick Session\nframes 2\nclick \"Copy as octrender command\"\n"
+      "click \"Save ...\"\nframes 3\ntype look.json\nframes 2\nkey Enter\nframes 3");
+  std::ifstream first("0.json");
+  const Json start = Json::parse(first);
+  EXPECT_EQ(set["range"][0], start["range"][0]);
+  EXPECT_LT(set["range"][1], start["range"][1]);
+  EXPECT_GT(set["range"][1].get<double>(), 0.4 * start["range"][1].get<double>());
+  ASSERT_EQ(set["opacity_points"].size(), 6U);
+  EXPECT_NEAR(set["opacity_points"][2][0].get<double>(), 0.4, 0.02);
+  EXPECT_NEAR(set["opacity_points"][2][1].get<double>(), 0.8, 0.02);
+  const std::string command = set["clipboard"];
+  ASSERT_EQ(command.find("octrender volume ramp.npy -o picture.png "), 0U) << command;
+  EXPECT_EQ(run_bare(command.substr(command.find(' ') + 1)), 0) << error_text_;
+
+  const Json preset = play("state 0.json\nclick Needle\nwait", {"look.json"});
+  std::ifstream second("0.json");
+  const Json again = Json::parse(second);
+  for (const char* const what : {"title", "range", "opacity_points", "angles", "cursor"})
+    EXPECT_EQ(again[what], set[what]);
+  EXPECT_EQ(preset["mode"], 1);
+  EXPECT_EQ(preset["angles"], start["angles"]);
+}
+
 TEST_F(Viewer, VolumeTurnsUprightAndTakesItsKeys) {
   const Json start = play("move Volume\nkey R\nwait");
   const Json turned = play("drag Volume 0.5 0.5 Volume 0.75 0.5\nwait");
@@ -154,6 +183,55 @@ TEST_F(Viewer, VolumeTurnsUprightAndTakesItsKeys) {
   EXPECT_LT(play("move Volume 0.5 0.5\nwheel 2\nwait")["zoom"], start["zoom"]);
   for (int mode = 0; mode < 4; ++mode)
     EXPECT_EQ(play("move Volume\nkey " + std::to_string(mode + 1) + "\nwait")["mode"], mode);
+}
+
+// The crosshair goes where the volume is seen, and its sections with it.
+TEST_F(Viewer, VolumeTellsWhatIsSeenInItAndTakesTheCrosshairThere) {
+  const Json shown = play(
+      "move Volume\nkey 4\nwait\nmove Volume 0.02 0.02\nframes 2\nstate 0.json\n"
+      "hold Shift\nmove Volume 0.45 0.5\nmove Volume 0.46 0.5\nlet Shift\nwait\n"
+      "move Volume 0.5 0.5\nmove Volume 0.46 0.5\nframes 2");
+  const Reading reading = reading_of(shown);
+  // Half floats, and places between voxels.
+  EXPECT_NEAR(reading.value, value_at(reading.voxel[0], reading.voxel[1], reading.voxel[2]), 560);
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(shown["cursor"][i].get<double>(), reading.voxel[i], 1);
+  std::ifstream stream("0.json");
+  EXPECT_EQ(Json::parse(stream)["under_cursor"], "") << "beside the box";
+}
+
+std::string comment_of(const std::string& png) {
+  const std::string key = std::string("Comment") + '\0';
+  const std::size_t at = png.find(key);
+  if (at == std::string::npos) return {};
+  std::uint32_t size = 0;
+  for (std::size_t i = at - 8; i < at - 4; ++i) size = size << 8 | static_cast<std::uint8_t>(png[i]);
+  return png.substr(at + key.size(), size - key.size());
+}
+
+std::string bytes_of(const std::string& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+TEST_F(Viewer, SavedPicturesAreThoseOfOctrender) {
+  const std::string save = "key Ctrl+S\nframes 2\ntype saved.png\nframes 2\nclick Save\nwait";
+  for (const auto& [view, words] : std::vector<std::pair<std::string, std::vector<std::string>>>{
+           {"drag Volume 0.5 0.5 Volume 0.7 0.6\nkey C\nframes 2\n"
+            "drag \"Clip handle\" 0.5 0.5 \"Clip handle\" 0.5 4\nmove Volume\n",
+            {"volume", "--mode composite", "--clip 0."}},
+           {"move Volume\nkey 4\nhold Shift\nmove Volume 0.45 0.5\nmove Volume 0.46 0.5\nlet Shift\n",
+            {"volume", "--mode sections"}},
+           {"move \"En face##pane\"\nwheel 2\n", {"slice", "--axis enface"}}}) {
+    const Json state = play(view + save);
+    expect_in("saved.png", state["message"].get<std::string>());
+    const std::string saved = bytes_of("saved.png"), comment = comment_of(saved);
+    for (const std::string& word : words) expect_in(word, comment);
+    EXPECT_EQ(comment.find("--clip 0.5 "), std::string::npos) << "the handle was dragged";
+    std::filesystem::remove("saved.png");
+    ASSERT_TRUE(comment.starts_with("octrender "));
+    EXPECT_EQ(run_bare(comment.substr(10)), 0) << error_text_;
+    EXPECT_TRUE(bytes_of("saved.png") == saved) << comment;
+  }
 }
 
 TEST_F(Viewer, AFileThatCannotBeReadLeavesTheOldOne) {

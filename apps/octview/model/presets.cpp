@@ -3,6 +3,11 @@
 #include <algorithm>
 
 namespace oct::app {
+namespace {
+
+constexpr double whole_box = 30;  // shown without perspective, with its labels
+
+}  // namespace
 
 std::span<const Preset> presets() {
   using enum VolumeLook;
@@ -14,7 +19,7 @@ std::span<const Preset> presets() {
              {0.3, 0, {}},
              "inferno",
              {0.3, 0.7, 0.2},
-             {}},
+             false},
       Preset{"Retina",
              "thin layers, through which others show",
              composite,
@@ -22,7 +27,7 @@ std::span<const Preset> presets() {
              {0.4, 0.2, {}},
              "viridis",
              {0.3, 0.7, 0.2},
-             {}},
+             false},
       Preset{"Vessel",
              "the wall of a tube, from inside or cut open",
              composite,
@@ -30,7 +35,7 @@ std::span<const Preset> presets() {
              {0.6, 0.1, {}},
              "magma",
              {0.3, 0.7, 0.1},
-             {}},
+             false},
       Preset{"Needle",
              "few very bright things in something faint",
              maximum,
@@ -38,7 +43,7 @@ std::span<const Preset> presets() {
              {0.9, 0, {{0, 0}, {0.5, 0}, {1, 1}}},
              "gray",
              {0, 0, 0},
-             {}},
+             false},
       Preset{"En face",
              "the mean of all depths, from above",
              mean,
@@ -46,7 +51,7 @@ std::span<const Preset> presets() {
              {0.25, 0, {}},
              "gray",
              {0, 0, 0},
-             std::array{90.0, 0.0}},
+             true},
   };
   return table;
 }
@@ -54,7 +59,11 @@ std::span<const Preset> presets() {
 void apply_preset(const Preset& preset, ViewState& state) {
   state.volume.look = preset.look;
   state.volume.lighting = preset.lighting;
-  if (preset.angles) state.volume.angles = *preset.angles;
+  if (preset.from_above) {
+    state.volume.angles = {90, 0};
+    state.volume.perspective = false;
+    state.volume.zoom = whole_box;
+  }
   state.base.shares = preset.shares;
   state.base.opacity = preset.opacity;
   state.base.colormap = preset.colormap;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <optional>
 #include <span>
 
 #include "octview/model/view_state.h"
@@ -18,7 +17,7 @@ struct Preset {
   OpacityRule opacity;
   const char* colormap;
   std::array<double, 3> lighting;
-  std::optional<std::array<double, 2>> angles;  // where it makes sense from one side only
+  bool from_above;  // and without perspective, so that each place lies over its depths
 };
 
 std::span<const Preset> presets();

@@ -296,6 +296,7 @@ void describe(Archive& archive, T& state) requires std::same_as<std::remove_cons
   archive("cursor", state.cursor, Bounds{-1e9, 1e9});
   archive("enface", state.enface);
   archive("below_surface", state.below_surface, Bounds{-1e9, 1e9});
+  archive("below_surface", state.below_surface, Bounds{-1e6, 1e6});
   archive("windows", state.windows);
   archive("large", state.large);
   archive("crosshair", state.crosshair);

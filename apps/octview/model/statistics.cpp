@@ -7,7 +7,6 @@
 namespace oct::app {
 namespace {
 
-constexpr std::size_t enough_ordered = 1'000'003;  // as many as quick_range takes, so that both find the same
 constexpr std::size_t most_bins = 512;
 constexpr double shown_share = 0.0005;  // of the samples may lie outside of the domain at either end
 constexpr std::size_t block = std::size_t{1} << 20;
@@ -35,7 +34,7 @@ Survey survey_of(std::span<const float> samples, double above) {
 }
 
 std::vector<float> some_in_order(std::span<const float> samples, double lowest) {
-  const std::size_t stride = samples.size() / enough_ordered + 1;
+  const std::size_t stride = percentile_stride(samples.size());
   std::vector<float> ordered;
   ordered.reserve(samples.size() / stride + 1);
   for (std::size_t i = 0; i < samples.size(); i += stride) {

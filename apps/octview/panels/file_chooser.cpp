@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstddef>
 #include <system_error>
+#include <utility>
 
 #include "data/file_errors.h"
 #include "octview/panels/widgets.h"
