@@ -136,7 +136,7 @@ TEST_P(Hands, ShiftMovesTheCrosshairAndKeysStepSections) {
   const SliceAxes axes = axes_of(axis_);
   ImGui::GetIO().KeyShift = true;
   move({120, 100});
-  VoxelPoint wanted = voxel_at({120, 100});
+  VoxelPoint wanted = voxel_at({120.5, 100.5});
   const std::array<double, 3> last{29, 39, 49};
   for (std::size_t i = 0; i < 3; ++i) wanted[i] = std::clamp(std::round(wanted[i]), 0.0, last[i]);
   EXPECT_EQ(state().cursor, wanted);

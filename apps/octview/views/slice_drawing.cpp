@@ -26,6 +26,10 @@ void SliceDrawing::update(const Document& document, const ViewState& state, Pict
   texture_.draw(static_cast<int>(pixels.width), static_cast<int>(pixels.height),
                 [&] { checked(renderDisplay, renderer_.handle()); });
   explanation_ = explanation_of(explainDisplay, renderer_.handle());
+  const SliceArea whole = whole_area(*images_.base);
+  const bool is_part = area_.left > 0 || area_.top > 0 || area_.left + area_.width < whole.width ||
+                       area_.top + area_.height < whole.height;
+  if (is_part && !explanation_.empty()) explanation_ = "Of the part that is shown: " + explanation_;
   pixels_ = pixels;
 }
 

@@ -112,7 +112,10 @@ void SliceHands::handle_mouse(Workspace& workspace, const SliceGeometry& geometr
          std::pow(zoom_of_notch, static_cast<double>(io.MouseWheel)));
   }
   const bool moved = io.MouseDelta.x != 0 || io.MouseDelta.y != 0;
-  if (io.KeyShift && moved && !ImGui::IsAnyMouseDown()) move_cursor(workspace, mouse, geometry);
+  if (io.KeyShift && moved && !ImGui::IsAnyMouseDown()) {
+    // To the sample that the pixel under the mouse shows.
+    move_cursor(workspace, {std::floor(mouse[0]) + 0.5, std::floor(mouse[1]) + 0.5}, geometry);
+  }
   if (ImGui::IsMouseDoubleClicked(ImGuiMouseButton_Left) && !workspace.tool && !placing_) {
     std::optional<Pane>& large = workspace.state.large;
     large = large ? std::nullopt : std::optional(pane_of(axis_));

@@ -19,7 +19,9 @@ std::string text_under(const Workspace& workspace, const SliceGeometry& geometry
                        const ScreenPoint& mouse) {
   const SliceAxes axes = axes_of(geometry.axis);
   const SlicePosition place = slice_position(workspace.document, workspace.state, geometry.axis);
-  VoxelPoint voxel = geometry.voxel_at(mouse, static_cast<double>(place.position));
+  // As the pixel under the mouse, which has its sample at its centre.
+  VoxelPoint voxel = geometry.voxel_at({std::floor(mouse[0]) + 0.5, std::floor(mouse[1]) + 0.5},
+                                       static_cast<double>(place.position));
   const double right = std::round(voxel[axes.right]), down = std::round(voxel[axes.down]);
   if (right < 0 || down < 0 || right >= static_cast<double>(image.ascans) ||
       down >= static_cast<double>(image.depth))
@@ -36,7 +38,8 @@ std::string text_under(const Workspace& workspace, const SliceGeometry& geometry
 void SlicePane::show(Workspace& workspace) {
   if (!workspace.document) return;
   show_slice_controls(workspace, axis_);
-  const ImVec2 corner = ImGui::GetCursorScreenPos();
+  const ImVec2 cursor = ImGui::GetCursorScreenPos();
+  const ImVec2 corner{std::floor(cursor.x), std::floor(cursor.y)};  // pixel by pixel
   const ImVec2 space = ImGui::GetContentRegionAvail();
   const ImVec2 size{std::floor(space.x), std::floor(space.y)};
   if (size.x < 1 || size.y < 1) return;
