@@ -37,8 +37,8 @@ Picture without_background(const Picture& on_black, const Picture& on_white) {
     const int alpha = 255 - share;
     std::uint8_t* const pixel = &result.pixels[i * 4];
     for (std::size_t channel = 0; channel < 3; ++channel) {
-      pixel[channel] =
-          static_cast<std::uint8_t>(alpha == 0 ? 0 : std::min(255, (black[channel] * 255 + alpha / 2) / alpha));
+      pixel[channel] = static_cast<std::uint8_t>(
+          alpha == 0 ? 0 : std::min(255, (black[channel] * 255 + alpha / 2) / alpha));
     }
     pixel[3] = static_cast<std::uint8_t>(alpha);
   }

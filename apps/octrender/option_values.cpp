@@ -12,7 +12,8 @@ namespace oct::app {
 namespace {
 
 constexpr unsigned max_picture_side = 65536;
-constexpr std::uint64_t max_picture_pixels = 1U << 27;  // three bytes each, and as many more while one is written
+constexpr std::uint64_t max_picture_pixels =
+    1U << 27;  // three bytes each, and as many more while one is written
 constexpr unsigned max_raw_side = 65536;
 
 // Takes a number from 1 to the highest off the text, with the separator behind it. Without a separator the

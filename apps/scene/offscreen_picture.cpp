@@ -36,9 +36,8 @@ std::vector<Tile> tiles_of(PictureSize size, unsigned largest) {
     const Stretch frame_rows = with_margin(rows, size.height);
     for (const Stretch columns : cut(size.width, largest)) {
       const Stretch frame_columns = with_margin(columns, size.width);
-      tiles.push_back(
-          {{frame_columns.first, frame_rows.first, {frame_columns.length, frame_rows.length}},
-           {columns.first, rows.first, {columns.length, rows.length}}});
+      tiles.push_back({{frame_columns.first, frame_rows.first, {frame_columns.length, frame_rows.length}},
+                       {columns.first, rows.first, {columns.length, rows.length}}});
     }
   }
   return tiles;
@@ -47,8 +46,7 @@ std::vector<Tile> tiles_of(PictureSize size, unsigned largest) {
 void copy_tile(const Tile& tile, std::span<const std::uint8_t> rgba, Picture& picture) {
   const auto& [frame, kept] = tile;
   for (unsigned row = 0; row < kept.size.height; ++row) {
-    const std::size_t from =
-        std::size_t{kept.y + row - frame.y} * frame.size.width + (kept.x - frame.x);
+    const std::size_t from = std::size_t{kept.y + row - frame.y} * frame.size.width + (kept.x - frame.x);
     const std::size_t to = std::size_t{kept.y + row} * picture.size.width + kept.x;
     for (std::size_t column = 0; column < kept.size.width; ++column) {
       std::copy_n(&rgba[(from + column) * 4], 3, &picture.pixels[(to + column) * 3]);

@@ -31,9 +31,8 @@ TEST_F(VolumeRendererApiTest, WhatIsWrongIsRefusedAndWhatIsRightIsKept) {
                       setLateralVoxelsPerPixel, setRenderingMode, setVolumeMode, setVolumeLighting,
                       setRayJitter, setOpacityLength, setSectionalView, setClipPlane, fixClipPlane, setBorder,
                       setRemoveSegment, setRenderElements, setRenderBackground, setRenderForeground,
-                      setRendererPart,
-                      setRendererColormap, setRendererSecondaryColormap, setOverlayRendererColormap,
-                      setSurfaceColormap, setRendererColoringBoundaries,
+                      setRendererPart, setRendererColormap, setRendererSecondaryColormap,
+                      setOverlayRendererColormap, setSurfaceColormap, setRendererColoringBoundaries,
                       setRendererSecondaryColoringBoundaries, setOverlayRendererColoringBoundaries,
                       setRendererSecondarySliceIndex, explainFrame, pickVolume, setSurface, setSurfaceDepths);
   setVolumeMode(renderer_, 2);

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "octrender/picture_files.h"
 #include "octrender/output/video_writer.h"
+#include "octrender/picture_files.h"
 
 namespace oct::app {
 namespace {
