@@ -9,6 +9,8 @@
 
 #include "data/file_errors.h"
 #include "oct_rendering/oct_rendering.h"
+#include "octrender/data_options.h"
+#include "octrender/option_values.h"
 #include "octview/script/input_script.h"
 #include "octview/viewer.h"
 #include "octview/window/item_index.h"
@@ -22,22 +24,48 @@ live.
 
 The window tells its keys: press ?.
 
-Exit codes: 0 closed, 1 no window or no OpenGL 3.3, 2 wrong command line, 3 the script failed.
+Exit codes: 0 closed, 1 no window or no OpenGL 3.3, 2 wrong command line, 3 the script or a session
+cannot be read.
 )";
 
 struct Options {
   std::vector<std::string> files;
+  DataOptions data;
+  bool decibels = false;
+  std::vector<double> extent;
+  std::string overlay;
+  std::string surface;
+  std::string secondary;
   WindowSettings window;
   std::string size = "1280x800";
   std::string theme = "dark";
   std::string script;
 };
 
+void add_data_options(CLI::App& program, Options& options) {
+  program
+      .add_option("FILE", options.files, "Volumes or B-scans; the first is opened, the others can be chosen")
+      ->type_name("");
+  add_data_options(program, options.data);
+  program.add_flag("--db", options.decibels, "Show 20 log10 of the samples, for linear data");
+  program
+      .add_option("--extent", options.extent, "Physical extent in millimetres (default: what the file tells)")
+      ->type_name("DEPTH ASCANS BSCANS")
+      ->expected(3)
+      ->check(CLI::Range(1e-6, 1e6).description(""));
+  program.add_option("--overlay", options.overlay, "Second volume of the same size, laid over")
+      ->type_name("FILE");
+  program.add_option("--surface", options.surface, "Height map of depths in samples, one row per B-scan")
+      ->type_name("FILE");
+  program.add_option("--secondary", options.secondary, "Map over the lateral axes that colours composites")
+      ->type_name("FILE");
+}
+
 void parse(CLI::App& program, Options& options, const std::vector<std::string>& arguments) {
   program.name("octview");
   program.footer(footer_text);
   program.set_version_flag("--version", getRendererVersion());
-  program.add_option("FILE", options.files, "Volume or B-scan to open")->type_name("");
+  add_data_options(program, options);
   program.add_option("--size", options.size, "Size of the window in points")
       ->type_name("WxH")
       ->capture_default_str();
@@ -58,14 +86,33 @@ void parse(CLI::App& program, Options& options, const std::vector<std::string>& 
   options.window.dark = options.theme == "dark";
 }
 
+// A session tells itself how its files are read.
+void open(Viewer& viewer, const Options& options) {
+  std::vector<std::filesystem::path> paths;
+  for (const std::string& file : options.files) paths.push_back(from_utf8(file));
+  if (paths.empty()) {
+    viewer.show_live();
+    return;
+  }
+  Opening opening = opening_of(paths.front());
+  if (!opening.state) {
+    opening.files.base = data_file(options.files.front(), options.data);
+    opening.files.decibels = options.decibels;
+    if (!options.extent.empty())
+      opening.files.extent = {options.extent[0], options.extent[1], options.extent[2]};
+    if (!options.overlay.empty()) opening.files.overlay = data_file(options.overlay, options.data);
+    opening.files.surface.path = from_utf8(options.surface);
+    opening.files.secondary.path = from_utf8(options.secondary);
+  }
+  viewer.open(std::move(opening), std::move(paths));
+}
+
 int show(const Options& options) {
   std::optional<InputScript> script;
   if (!options.script.empty()) script.emplace(from_utf8(options.script));
   Window window(options.window);
   Viewer viewer(window);
-  std::vector<std::filesystem::path> files;
-  for (const std::string& file : options.files) files.push_back(from_utf8(file));
-  files.empty() ? viewer.show_live() : viewer.open(files);
+  open(viewer, options);
   gather_items(script.has_value());
   const auto start = std::chrono::steady_clock::now();
   double now = 0;
@@ -96,6 +143,9 @@ int run_viewer(const std::vector<std::string>& arguments) {
     return program.exit(request);
   } catch (const CLI::Error& error) {
     std::cerr << "octview: " << error.what() << "\nRun octview --help for more." << std::endl;
+    return 2;
+  } catch (const CommandLineError& error) {
+    std::cerr << "octview: " << error.what() << std::endl;
     return 2;
   } catch (const FileError& error) {
     std::cerr << "octview: " << error.what() << std::endl;

@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include "data/file_errors.h"
-#include "octview/model/session_file.h"
 #include "octview/panels/keys_panel.h"
 #include "octview/panels/widgets.h"
 #include "octview/window/item_index.h"
@@ -27,17 +26,14 @@ Viewer::Viewer(Window& window)
 void Viewer::open(const std::vector<std::filesystem::path>& files) {
   if (files.empty()) return;
   try {
-    if (is_session(files.front())) {
-      Session session = read_session(files.front());
-      start({std::move(session.files), std::move(session.state)});
-      return;
-    }
+    open(opening_of(files.front()), files);
   } catch (const ReadError& error) {
     workspace_.fail(error.what());
-    return;
   }
-  Opening opening;
-  opening.files.base.path = files.front();
+}
+
+void Viewer::open(Opening opening, std::vector<std::filesystem::path> offered) {
+  workspace_.offered = std::move(offered);
   start(std::move(opening));
 }
 
@@ -113,7 +109,8 @@ void Viewer::build(double now) {
   ImGui::BeginChild("##everything", {0, -status_height});
   show_sidebar(em(19));
   ImGui::SameLine();
-  ImGui::BeginChild("##panes");
+  ImGui::BeginChild("##panes", {0, 0}, false,
+                    ImGuiWindowFlags_NoScrollbar | ImGuiWindowFlags_NoScrollWithMouse);
   show_panes();
   ImGui::EndChild();
   ImGui::EndChild();
@@ -171,8 +168,11 @@ void Viewer::show_pane(Pane pane) {
   }
 }
 
+// A message stays until it was read and something else is under the cursor.
 void Viewer::show_status() {
-  if (!workspace_.message.empty()) {
+  constexpr double reading_seconds = 6;
+  const bool fresh = workspace_.now - workspace_.said_at < reading_seconds;
+  if (!workspace_.message.empty() && (fresh || workspace_.under_cursor.empty())) {
     if (workspace_.message_is_error) ImGui::PushStyleColor(ImGuiCol_Text, IM_COL32(230, 80, 70, 255));
     ImGui::TextUnformatted(workspace_.message.c_str());
     if (workspace_.message_is_error) ImGui::PopStyleColor();

@@ -27,6 +27,8 @@ class Viewer {
 
   // The first file is the volume, a session, or a B-scan; it replaces what is open once it has been read.
   void open(const std::vector<std::filesystem::path>& files);
+  // The same with all that is known of the files; what else can be opened is offered.
+  void open(Opening opening, std::vector<std::filesystem::path> offered);
   void show_live();
   // Builds the interface of a frame. now: seconds.
   void build(double now);

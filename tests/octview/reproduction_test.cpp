@@ -179,6 +179,25 @@ TEST_F(Reproduction, CommandsOfSectionsDrawWhatIsShownByteForByte) {
   EXPECT_THROW(slice_command(files, state, SliceAxis::bscan, 0, size, "out.png"), std::runtime_error);
 }
 
+// What the driver cannot draw as it is comes reduced, as octrender reduces it; sections keep every voxel.
+TEST_F(Reproduction, LargeVolumesAreDrawnReducedAndCutWhole) {
+  VolumeLimits drawable;
+  drawable.voxels_per_axis = 3;
+  write_npy("finite.npy", "5, 6, 4",
+            volume_where(6, 4, 5, [](int z, int a, int b) { return z * z + 3 * a * b; }));
+  SessionFiles files = opened("finite.npy");
+  files.overlay.path = "finite.npy";
+  const Document document = load_document(files, no_progress, {}, drawable);
+  const VolumeData reduced = load_volume(files.base, drawable);
+  ASSERT_TRUE(document.drawn_volume);
+  EXPECT_EQ(document.drawn_volume->reduction, (std::array<std::size_t, 3>{2, 2, 2}));
+  EXPECT_EQ(document.drawn_volume->depth, reduced.depth);
+  EXPECT_EQ(document.drawn_overlay->ascans, reduced.ascans);
+  EXPECT_EQ(document.drawn_volume->voxels, reduced.voxels);
+  EXPECT_EQ(document.volume->depth, 6U);
+  EXPECT_EQ(document.extent(), (std::array<double, 3>{6, 4, 5})) << "the box stays that of the whole volume";
+}
+
 TEST(ShellWords, AreTakenApartAgain) {
   const std::vector<std::string> words{"it's",    "",          "two words",   "a\"b\\",
                                        "c:\\d\\", "plain-1.5", "$HOME `x` !", "h\xC3\xA4ut"};

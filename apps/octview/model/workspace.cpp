@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <span>
 
+#include "octview/model/session_file.h"
+
 namespace oct::app {
 namespace {
 
@@ -11,6 +13,16 @@ void find_range(LayerLook& look, std::span<const float> samples) {
 }
 
 }  // namespace
+
+Opening opening_of(const std::filesystem::path& path) {
+  Opening opening;
+  if (is_session(path)) {
+    Session session = read_session(path);
+    return {std::move(session.files), std::move(session.state)};
+  }
+  opening.files.base.path = path;
+  return opening;
+}
 
 LayerLook first_look(DataFile SessionFiles::*layer) {
   LayerLook look;

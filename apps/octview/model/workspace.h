@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,12 +18,18 @@ struct Opening {
   std::optional<ViewState> state;
 };
 
+// What opening this path means: a session, or data of one's own. Throws a ReadError.
+Opening opening_of(const std::filesystem::path& path);
+
 struct Workspace {
   Document document;
   ViewState state;
   std::string under_cursor;  // value, voxel and millimetres, in the frame that is built; empty: nothing
   std::string message;       // the last failure, or what just happened
   bool message_is_error = false;
+  double said_at = 0;  // when the message came
+  // What the user named, to choose from; the first one is opened.
+  std::vector<std::filesystem::path> offered;
   // What clicks measure, and the points of it so far.
   std::optional<MeasurementKind> tool;
   std::vector<VoxelPoint> clicked;
@@ -35,10 +42,12 @@ struct Workspace {
   void say(std::string text) {
     message = std::move(text);
     message_is_error = false;
+    said_at = now;
   }
   void fail(std::string text) {
     message = std::move(text);
     message_is_error = true;
+    said_at = now;
   }
 };
 

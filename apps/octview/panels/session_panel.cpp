@@ -17,17 +17,6 @@ namespace {
 
 constexpr std::array<const char*, 4> panes_to_copy{"B-scan", "En face", "Section", "Volume"};
 
-void open_file(Workspace& workspace, const std::filesystem::path& file) {
-  Opening opening;
-  opening.files.base.path = file;
-  if (!is_session(file)) {
-    workspace.wanted = std::move(opening);
-    return;
-  }
-  Session session = read_session(file);
-  workspace.wanted = Opening{std::move(session.files), std::move(session.state)};
-}
-
 void save_session(Workspace& workspace, const std::filesystem::path& file) {
   write_session(file, {workspace.document.files, workspace.state});
   workspace.say("Saved " + to_utf8(file));
@@ -92,7 +81,11 @@ void SessionPanel::show(Workspace& workspace) {
   const std::optional<std::filesystem::path> file = chooser_.show();
   if (!file) return;
   attempt(workspace, [&] {
-    purpose_ == FileChooser::Purpose::open ? open_file(workspace, *file) : save_session(workspace, *file);
+    if (purpose_ == FileChooser::Purpose::open) {
+      workspace.wanted = opening_of(*file);
+    } else {
+      save_session(workspace, *file);
+    }
   });
 }
 

@@ -16,8 +16,7 @@ void Sidebar::show(Workspace& workspace) {
     session_.show(workspace);
     return;
   }
-  ImGui::TextUnformatted(document.title.c_str());
-  hint(document.title.c_str());
+  data_.show(workspace);
   looks_.show(workspace, statistics_.layers());
   if (in_file) layers_.show(workspace, statistics_.layers());
   measurements_.show(workspace);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "octview/model/workspace.h"
+#include "octview/panels/data_panel.h"
 #include "octview/panels/data_statistics.h"
 #include "octview/panels/layers_panel.h"
 #include "octview/panels/looks_panel.h"
@@ -19,6 +20,7 @@ class Sidebar {
 
  private:
   DataStatistics statistics_;
+  DataPanel data_;
   LooksPanel looks_;
   LayersPanel layers_;
   MeasurementsPanel measurements_;
