@@ -81,6 +81,11 @@ Window::Window(const WindowSettings& settings) : window_(open(settings, scale_),
     auto& self = *static_cast<Window*>(glfwGetWindowUserPointer(window));
     for (int i = 0; i < count; ++i) self.dropped_.push_back(from_utf8(paths[i]));
   });
+  // The interface's backend passes on to this what it gets.
+  glfwSetKeyCallback(window_.get(), [](GLFWwindow* window, int key, int, int action, int modifiers) {
+    auto& self = *static_cast<Window*>(glfwGetWindowUserPointer(window));
+    if (action == GLFW_PRESS && key >= 0) self.taps_.push_back({key, modifiers});
+  });
   interface_ = std::make_unique<Interface>(window_.get());
   load_font();
   set_dark(settings.dark);
@@ -128,15 +133,41 @@ void Window::wait_for_events(double seconds) {
   }
 }
 
+// The interface looks at keys once a frame, and would not see those that were tapped in between.
+void Window::show_taps() {
+  ImGuiIO& io = ImGui::GetIO();
+  for (const auto& [key, modifiers] : taps_) {
+    if (io.KeysDown[key]) continue;
+    io.KeysDown[key] = true;
+    tapped_.push_back(key);
+    io.KeyCtrl |= (modifiers & GLFW_MOD_CONTROL) != 0;
+    io.KeyShift |= (modifiers & GLFW_MOD_SHIFT) != 0;
+    io.KeyAlt |= (modifiers & GLFW_MOD_ALT) != 0;
+  }
+  taps_.clear();
+}
+
+void Window::end_taps() {
+  if (tapped_.empty()) return;
+  ImGuiIO& io = ImGui::GetIO();
+  for (const int key : tapped_) io.KeysDown[key] = false;
+  tapped_.clear();
+  io.KeyCtrl = io.KeysDown[GLFW_KEY_LEFT_CONTROL] || io.KeysDown[GLFW_KEY_RIGHT_CONTROL];
+  io.KeyShift = io.KeysDown[GLFW_KEY_LEFT_SHIFT] || io.KeysDown[GLFW_KEY_RIGHT_SHIFT];
+  io.KeyAlt = io.KeysDown[GLFW_KEY_LEFT_ALT] || io.KeysDown[GLFW_KEY_RIGHT_ALT];
+}
+
 void Window::begin_frame(const std::function<void()>& feed_input) {
   ImGui_ImplOpenGL3_NewFrame();
   ImGui_ImplGlfw_NewFrame();
+  show_taps();
   if (feed_input) feed_input();
   ImGui::NewFrame();
 }
 
 void Window::end_frame() {
   ImGui::Render();
+  end_taps();
   int width = 0;
   int height = 0;
   glfwGetFramebufferSize(window_.get(), &width, &height);

@@ -61,7 +61,15 @@ class Window {
     ~Interface();
   };
 
+  // A key that went down and up again between two frames.
+  struct Tap {
+    int key;
+    int modifiers;
+  };
+
   void load_font();
+  void show_taps();
+  void end_taps();
 
   Glfw glfw_;
   float scale_ = 1;  // found with the window, and so before it
@@ -69,6 +77,8 @@ class Window {
   GlFunctions gl_{};
   std::unique_ptr<Interface> interface_;
   std::vector<std::filesystem::path> dropped_;
+  std::vector<Tap> taps_;
+  std::vector<int> tapped_;  // that are down for this frame only
 };
 
 }  // namespace oct::app
