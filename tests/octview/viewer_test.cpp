@@ -247,7 +247,9 @@ TEST_F(Viewer, NothingOverlapsAtItsSmallestSize) {
   for (const std::string scale : {"1", "2"}) {
     for (const std::string theme : {"dark", "light"}) {
       SCOPED_TRACE(scale + " " + theme);
-      const Json state = play("frames 3\ncapture out.png", {"ramp.npy", "--scale", scale, "--theme", theme});
+      const Json state =
+          play("click Data\nclick \"Values and colours\"\nclick Layers\nframes 3\ncapture out.png",
+               {"ramp.npy", "--scale", scale, "--theme", theme});
       const Picture shown = read_picture("out.png");
       const auto factor = static_cast<unsigned>(scale[0] - '0');
       EXPECT_EQ(std::pair(shown.size.width, shown.size.height), std::pair(1024 * factor, 700 * factor));
