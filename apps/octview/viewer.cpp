@@ -1,22 +1,14 @@
 #include "octview/viewer.h"
 
 #include <imgui.h>
-#include <nlohmann/json.hpp>
 
 #include "data/file_errors.h"
 #include "octview/panels/keys_panel.h"
 #include "octview/panels/widgets.h"
-#include "octview/window/item_index.h"
 #include "octview/window/keys.h"
 #include "scene/drawable_limits.h"
 
 namespace oct::app {
-namespace {
-
-constexpr std::array<const char*, 4> pane_names{"B-scan", "En face", "Section", "Volume"};
-
-}  // namespace
-
 Viewer::Viewer(Window& window)
     : window_(window),
       slices_{SlicePane(window.gl(), SliceAxis::bscan), SlicePane(window.gl(), SliceAxis::enface),
@@ -204,33 +196,6 @@ void Viewer::handle_keys() {
   if (is_pressed(letter('Q'), true)) window_.close();
   if (is_pressed(letter('S'), true)) save_.open(workspace_);
   if (is_pressed(letter('C'), true)) save_.copy(workspace_);
-}
-
-std::string Viewer::description() const {
-  nlohmann::json json;
-  json["title"] = workspace_.document.title;
-  json["live"] = {{"running", is_live()}, {"shown", live_.statistics().shown}, {"error", live_.error()}};
-  json["cursor"] = workspace_.state.cursor;
-  json["under_cursor"] = workspace_.under_cursor;
-  json["message"] = workspace_.message;
-  json["message_is_error"] = workspace_.message_is_error;
-  json["range"] = {workspace_.state.base.range.lower, workspace_.state.base.range.upper};
-  json["opacity_points"] = workspace_.state.base.opacity.points;
-  const char* const clipboard = ImGui::GetClipboardText();
-  json["clipboard"] = clipboard ? clipboard : "";
-  json["angles"] = workspace_.state.volume.angles;
-  json["zoom"] = workspace_.state.volume.zoom;
-  json["mode"] = static_cast<int>(workspace_.state.volume.look);
-  json["large"] = workspace_.state.large ? pane_names[static_cast<std::size_t>(*workspace_.state.large)] : "";
-  json["items"] = nlohmann::json::array();
-  const float scale = window_.scale();
-  for (const IndexedItem& item : all_items()) {
-    if (!item.visible) continue;
-    json["items"].push_back({{"label", item.label},
-                             {"from", {item.from.x / scale, item.from.y / scale}},
-                             {"to", {item.to.x / scale, item.to.y / scale}}});
-  }
-  return json.dump(1);
 }
 
 }  // namespace oct::app

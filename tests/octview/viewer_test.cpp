@@ -1,7 +1,7 @@
 // The whole viewer, used as a person would: scripts of mouse and keys, and what the window then shows.
 #include <array>
 #include <cmath>
-#include <regex>
+#include <cstdio>
 
 #include <nlohmann/json.hpp>
 
@@ -28,10 +28,12 @@ struct Reading {
 
 Reading reading_of(const Json& state) {
   const std::string text = state.at("under_cursor");
-  std::smatch found;
-  const std::regex pattern(R"(value (\S+)\s+voxel (\d+), (\d+), (\d+) )");
-  if (!std::regex_search(text, found, pattern)) throw std::runtime_error("no voxel in '" + text + "'");
-  return {std::stof(found[1]), {std::stoi(found[2]), std::stoi(found[3]), std::stoi(found[4])}};
+  Reading reading{};
+  auto& [depth_index, a_scan, b_scan] = reading.voxel;
+  if (std::sscanf(text.c_str(), "value %f voxel %d, %d, %d", &reading.value, &depth_index, &a_scan,
+                  &b_scan) != 4)
+    throw std::runtime_error("no voxel in '" + text + "'");
+  return reading;
 }
 
 class Viewer : public ProgramTest {

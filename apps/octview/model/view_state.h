@@ -38,6 +38,7 @@ struct LayerLook {
 };
 
 enum class Pane { bscan, enface, third, volume };
+constexpr std::array<const char*, 4> pane_names{"B-scan", "En face", "Section", "Volume"};
 
 struct ViewState {
   VolumeView volume;  // without the size, which is the pane's

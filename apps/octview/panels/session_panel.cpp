@@ -15,8 +15,6 @@
 namespace oct::app {
 namespace {
 
-constexpr std::array<const char*, 4> panes_to_copy{"B-scan", "En face", "Section", "Volume"};
-
 void save_session(Workspace& workspace, const std::filesystem::path& file) {
   write_session(file, {workspace.document.files, workspace.state});
   workspace.say("Saved " + to_utf8(file));
@@ -70,7 +68,7 @@ void SessionPanel::show(Workspace& workspace) {
       hint("The command line that draws the pane's picture as a file, pixel for pixel");
       leave_for_labels(5.5F);
       int pane = static_cast<int>(pane_);
-      if (ImGui::Combo("of pane", &pane, panes_to_copy.data(), static_cast<int>(panes_to_copy.size())))
+      if (ImGui::Combo("of pane", &pane, pane_names.data(), static_cast<int>(pane_names.size())))
         pane_ = static_cast<Pane>(pane);
     }
   }

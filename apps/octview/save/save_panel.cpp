@@ -17,7 +17,6 @@ namespace {
 
 constexpr const char* form_title = "Save picture";
 constexpr int widest = 32768;
-constexpr std::array<const char*, 4> pane_texts{"B-scan", "En face", "Section", "Volume"};
 
 PictureSize size_of_pane(const Workspace& workspace, Pane pane) {
   const PictureSize size = workspace.pane_sizes[static_cast<std::size_t>(pane)];
@@ -82,7 +81,7 @@ void SavePanel::show_form(Workspace& workspace) {
   const bool entered =
       ImGui::InputText("File", file_.data(), file_.size(),
                        ImGuiInputTextFlags_EnterReturnsTrue | ImGuiInputTextFlags_AutoSelectAll);
-  if (ImGui::Combo("Pane", &pane, pane_texts.data(), static_cast<int>(pane_texts.size())))
+  if (ImGui::Combo("Pane", &pane, pane_names.data(), static_cast<int>(pane_names.size())))
     pane_ = static_cast<Pane>(pane);
   ImGui::Combo("Size", &scale_,
                "width in pixels\0as shown\0twice\0"
