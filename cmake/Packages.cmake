@@ -6,6 +6,9 @@ set(OCT_PACKAGE_CONTACT "OCT rendering authors <oct-rendering@users.noreply.inva
 
 # All that has to be built before.
 add_custom_target(shipped DEPENDS oct_rendering oct_device octrender octsimulate)
+if(TARGET octview)
+  add_dependencies(shipped octview)
+endif()
 if(TARGET scripting_header)
   add_dependencies(shipped scripting_header)
 endif()
@@ -105,10 +108,10 @@ file(WRITE "${CMAKE_BINARY_DIR}/packaging/triggers" "activate-noawait ldconfig\n
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${CMAKE_BINARY_DIR}/packaging/triggers")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_CONTROL_EXTRA "${CMAKE_BINARY_DIR}/packaging/triggers")
 
-install(FILES packaging/octrender.1 packaging/octsimulate.1 DESTINATION share/man/man1 COMPONENT tools EXCLUDE_FROM_ALL)
+install(FILES packaging/octrender.1 packaging/octsimulate.1 packaging/octview.1 DESTINATION share/man/man1 COMPONENT tools EXCLUDE_FROM_ALL)
 oct_debian_package(tools oct-rendering-tools science "programs that draw and simulate optical coherence tomography"
   "octrender draws files (NumPy, PNG, TIFF) and the live volumes of a device,"
-  "octsimulate measures phantoms with a simulated device. The simulated device"
+  "octview shows files and live volumes in a window, octsimulate measures phantoms with a simulated device. The simulated device"
   "is a library of its own, liboct_device, which programs load by its name.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "liboct-rendering${OCT_ABI_VERSION} (= ${PROJECT_VERSION})")
 

@@ -85,8 +85,8 @@ TEST(Slices, AreTheVoxelsOfTheirPlanesAndProjectionsOfLayers) {
           for (std::size_t i = 0; i < image.samples.size(); ++i) {
             const std::size_t a = i / 33, b = i % 33;
             const float depth = along ? surface.values[b * 45 + a] : 0.0F;
-            const auto first = static_cast<std::ptrdiff_t>(std::floor(depth + 0.5F)) + position -
-                               static_cast<std::ptrdiff_t>(layers) / 2;
+            const auto centre = std::isnan(depth) ? 0 : static_cast<std::ptrdiff_t>(std::floor(depth + 0.5F));
+            const auto first = centre + position - static_cast<std::ptrdiff_t>(layers) / 2;
             const float wanted = std::isnan(depth) ? no_value : one_projected(volume, first, enface, a, b);
             ASSERT_PRED2(same_value, image.samples[i], wanted)
                 << layers << " layers at " << position << ", " << a << " " << b;

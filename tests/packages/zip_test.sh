@@ -68,7 +68,7 @@ status=0
 
 "$wine" "$prefix/bin/octrender.exe" --help >/dev/null
 "$wine" "$prefix/bin/octrender.exe" live --seconds 0.05 --size 40x30 --spectrum 64 --ascans 8 --bscans 4 >/dev/null
-for name in oct_rendering.dll oct_device.dll octrender.exe octsimulate.exe; do
+for name in oct_rendering.dll oct_device.dll octrender.exe octsimulate.exe octview.exe; do
   says '\.debug_line' x86_64-w64-mingw32-objdump -h "$work"/symbols/*/bin/$name.debug
   says "format RSDS" x86_64-w64-mingw32-objdump -p "$prefix/bin/$name"
   [ -s "$(echo "$work"/symbols/*/bin/"${name%.*}.pdb")" ]
