@@ -111,8 +111,9 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_CONTROL_EXTRA "${CMAKE_BINARY_DIR}/packaging/trig
 install(FILES packaging/octrender.1 packaging/octsimulate.1 packaging/octview.1 DESTINATION share/man/man1 COMPONENT tools EXCLUDE_FROM_ALL)
 oct_debian_package(tools oct-rendering-tools science "programs that draw and simulate optical coherence tomography"
   "octrender draws files (NumPy, PNG, TIFF) and the live volumes of a device,"
-  "octview shows files and live volumes in a window, octsimulate measures phantoms with a simulated device. The simulated device"
-  "is a library of its own, liboct_device, which programs load by its name.")
+  "octview shows both in a window, octsimulate measures phantoms with a"
+  "simulated device. The simulated device is a library of its own,"
+  "liboct_device, which programs load by its name.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "liboct-rendering${OCT_ABI_VERSION} (= ${PROJECT_VERSION})")
 
 oct_debian_package(development liboct-rendering-dev libdevel "rendering of optical coherence tomography - development files"
