@@ -253,28 +253,27 @@ TEST_F(Viewer, AFileThatCannotBeReadLeavesTheOldOne) {
 }
 
 TEST_F(Viewer, NothingOverlapsAtItsSmallestSize) {
-  for (const std::string scale : {"1", "2"}) {
-    for (const std::string theme : {"dark", "light"}) {
-      SCOPED_TRACE(scale + " " + theme);
-      const Json state =
-          play("click Data\nclick \"Values and colours\"\nclick Layers\nframes 3\ncapture out.png",
-               {"ramp.npy", "--scale", scale, "--theme", theme});
-      const Picture shown = read_picture("out.png");
-      const auto factor = static_cast<unsigned>(scale[0] - '0');
-      EXPECT_EQ(std::pair(shown.size.width, shown.size.height), std::pair(1024 * factor, 700 * factor));
-      const Json& items = state.at("items");
-      for (std::size_t i = 0; i < items.size(); ++i) {
-        const auto from = items[i]["from"].get<std::array<double, 2>>();
-        const auto to = items[i]["to"].get<std::array<double, 2>>();
-        EXPECT_TRUE(from[0] >= 0 && from[1] >= 0 && to[0] <= 1024 && to[1] <= 700) << items[i];
-        for (std::size_t j = 0; j < i; ++j) {
-          const auto other = items[j]["from"].get<std::array<double, 2>>();
-          const auto end = items[j]["to"].get<std::array<double, 2>>();
-          const bool overlap =
-              from[0] + 1 < end[0] && other[0] + 1 < to[0] && from[1] + 1 < end[1] && other[1] + 1 < to[1];
-          EXPECT_FALSE(overlap && !is_handle_of(items[i], items[j]) && !is_handle_of(items[j], items[i]))
-              << items[i] << items[j];
-        }
+  const std::pair<std::string, std::string> screens[]{{"1", "dark"}, {"2", "light"}};
+  for (const auto& [scale, theme] : screens) {
+    SCOPED_TRACE(scale + " " + theme);
+    const Json state =
+        play("click Data\nclick \"Values and colours\"\nclick Layers\nframes 3\ncapture out.png",
+             {"ramp.npy", "--scale", scale, "--theme", theme});
+    const Picture shown = read_picture("out.png");
+    const auto factor = static_cast<unsigned>(scale[0] - '0');
+    EXPECT_EQ(std::pair(shown.size.width, shown.size.height), std::pair(1024 * factor, 700 * factor));
+    const Json& items = state.at("items");
+    for (std::size_t i = 0; i < items.size(); ++i) {
+      const auto from = items[i]["from"].get<std::array<double, 2>>();
+      const auto to = items[i]["to"].get<std::array<double, 2>>();
+      EXPECT_TRUE(from[0] >= 0 && from[1] >= 0 && to[0] <= 1024 && to[1] <= 700) << items[i];
+      for (std::size_t j = 0; j < i; ++j) {
+        const auto other = items[j]["from"].get<std::array<double, 2>>();
+        const auto end = items[j]["to"].get<std::array<double, 2>>();
+        const bool overlap =
+            from[0] + 1 < end[0] && other[0] + 1 < to[0] && from[1] + 1 < end[1] && other[1] + 1 < to[1];
+        EXPECT_FALSE(overlap && !is_handle_of(items[i], items[j]) && !is_handle_of(items[j], items[i]))
+            << items[i] << items[j];
       }
     }
   }
