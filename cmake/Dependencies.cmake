@@ -26,7 +26,7 @@ function(oct_compile_together target)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
   # Nor does a warning hold that takes every file but the first for a header.
   target_compile_options(${target} PRIVATE -Wno-shadow $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
-  set(together 6)
+  set(together 12)
   if("ALL" IN_LIST ARGN)
     set(together 1000)
   endif()

@@ -8,6 +8,7 @@
 
 #include "client/explanation.h"
 #include "client/renderers.h"
+#include "scene/display_layers.h"
 #include "scene/offscreen_picture.h"
 
 namespace oct::app {
@@ -138,22 +139,11 @@ SliceArea stretched(const SliceArea& area, const Image& slice, const Image& othe
   return {area.left * x, area.top * y, area.width * x, area.height * y};
 }
 
-void set_image(void (*setter)(DisplayRenderingHandle, int, int, const float*),
-               DisplayRenderingHandle renderer, const Image& image) {
-  checked(setter, renderer, static_cast<int>(image.depth), static_cast<int>(image.ascans),
-          image.samples.data());
-}
-
 void set_overlay(DisplayRenderingHandle renderer, const SliceScene& scene, const PixelRectangle& pixels) {
   const SliceLayer& layer = scene.overlay->layer;
   const SliceArea area = stretched(scene.area, *scene.base.image, *layer.image);
-  set_image(setDisplayOverlayData, renderer,
-            sample_area(*layer.image, area, scene.size, pixels, layer.range, true));
-  checked(setDisplayOverlayColormap, renderer, 0, layer.colormap.data(),
-          static_cast<int>(layer.colormap.size()));
-  checked(setDisplayOveralyColoringBoundaries, renderer, 0, layer.range.lower, layer.range.upper);
-  const double everywhere = std::numeric_limits<float>::lowest();
-  checked(setDisplayOveralyThreshold, renderer, scene.overlay->threshold.value_or(everywhere));
+  set_display_overlay(renderer, sample_area(*layer.image, area, scene.size, pixels, layer.range, true),
+                      layer.range, layer.colormap, scene.overlay->threshold);
 }
 
 // Each tile has its own samples, and with them its place in the picture.
@@ -236,14 +226,11 @@ Image sample_area(const Image& slice, const SliceArea& area, PictureSize size, c
 
 void set_scene(DisplayRenderingHandle renderer, const SliceScene& scene, const PixelRectangle& pixels) {
   const SliceLayer& base = scene.base;
-  set_image(setDisplayData, renderer, sample_area(*base.image, scene.area, scene.size, pixels, base.range));
-  Colormap colormap = base.colormap;
-  flatten_onto(colormap, scene.background);
-  checked(setDisplayColormap, renderer, colormap.data(), static_cast<int>(colormap.size()));
-  checked(setDisplayColoringBoundaries, renderer, base.range.lower, base.range.upper);
+  set_display_base(renderer, sample_area(*base.image, scene.area, scene.size, pixels, base.range),
+                   base.range);
+  set_display_colors(renderer, base.colormap, scene.background);
   if (scene.overlay) set_overlay(renderer, scene, pixels);
   checked(setDisplayNumberOverlays, renderer, 0, int{scene.overlay.has_value()});
-  checked(setBackgroundColor, renderer, static_cast<int>(scene.background));
 }
 
 std::optional<std::array<double, 2>> pixel_mm(const SliceScene& scene) {

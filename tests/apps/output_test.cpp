@@ -19,12 +19,12 @@
 namespace oct::app::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
+using PixelBytes = std::vector<std::uint8_t>;
 
 // Smooth in parts and noise in others, so that every filter has rows that suit it.
-Bytes some_bytes(std::size_t count, std::size_t row) {
+PixelBytes some_bytes(std::size_t count, std::size_t row) {
   std::mt19937 random(7);
-  Bytes bytes;
+  PixelBytes bytes;
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t y = i / row;
     bytes.push_back(static_cast<std::uint8_t>(y % 5 == 0 ? random() : y % 5 * i / 3 + y * y));
@@ -38,7 +38,7 @@ TEST(PngWriter, KeepsEveryPixelAndText) {
            {1, 1, 3, 8}, {7, 31, 1, 8}, {13, 20, 4, 8}, {5, 40, 1, 16}, {400, 300, 3, 8}}) {
     SCOPED_TRACE(std::to_string(width) + " " + std::to_string(channels) + " " + std::to_string(bits));
     const std::size_t row = std::size_t{width} * channels * bits / 8;
-    const Bytes bytes = some_bytes(row * height, row);
+    const PixelBytes bytes = some_bytes(row * height, row);
     write_png(folder / "a.png", {{width, height}, channels, bits, bytes},
               {{"Software", "x"},
                {"Comment",
@@ -174,7 +174,7 @@ struct Difference {
   int worst = 0;
   double share = 0;  // of the samples that differ by more than three levels
 };
-Difference difference(const Bytes& a, const Bytes& b) {
+Difference difference(const PixelBytes& a, const PixelBytes& b) {
   Difference result;
   if (a.size() != b.size()) return {999, 1};
   for (std::size_t i = 0; i < a.size(); ++i) {
@@ -239,7 +239,7 @@ TEST(TransparentPictures, ShowWhatIsDrawnOnAnyBackground) {
   scene.transparent = false;
   for (const int level : {0, 255}) {
     scene.background_bottom = scene.background_top = level == 0 ? 0x000000 : 0xFFFFFF;
-    Bytes laid;
+    PixelBytes laid;
     for (std::size_t i = 0; i < clear.pixels.size(); ++i) {
       if (i % 4 == 3) continue;
       const int alpha = clear.pixels[i / 4 * 4 + 3];
@@ -262,7 +262,7 @@ TEST_F(Output, TransparentColoursOfABscanHaveAlpha) {
       << error_text_;
   const DecodedPng png = decoded_png("out.png");
   EXPECT_EQ(png.channels, 4U);
-  EXPECT_EQ(png.frames[0], (Bytes{0, 0, 0, 0, 0, 200, 0, 102, 0, 0, 255, 255}));
+  EXPECT_EQ(png.frames[0], (PixelBytes{0, 0, 0, 0, 0, 200, 0, 102, 0, 0, 255, 255}));
 }
 
 class Figures : public ProgramTest {
@@ -340,8 +340,8 @@ TEST(FigureScale, OfAVolumeHoldsWhereThereIsNoPerspective) {
 TEST_F(Figures, PanelsKeepTheirPictures) {
   for (const auto& [name, size, level] :
        {std::tuple{"a.png", PictureSize{60, 40}, 250}, {"b.png", {50, 70}, 120}, {"c.png", {30, 30}, 60}}) {
-    const Picture picture{size,
-                          Bytes(std::size_t{size.width} * size.height * 3, static_cast<std::uint8_t>(level))};
+    const Picture picture{
+        size, PixelBytes(std::size_t{size.width} * size.height * 3, static_cast<std::uint8_t>(level))};
     write_png(name, picture);
   }
   ASSERT_EQ(run_bare("panels a.png b.png c.png -o out.png --text-size 12 --paper 808080"), 0) << error_text_;

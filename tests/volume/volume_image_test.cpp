@@ -146,14 +146,14 @@ VolumeScene smooth_scene() {
 }
 
 // How two pictures differ in the means of 4 by 4 pixels, in levels: on average, and from one to the next.
-struct Difference {
+struct Deviation {
   double mean = 0.0;
   double ripple = 0.0;
 };
 
-Difference difference(const Picture& one, const Picture& other) {
+Deviation deviation(const Picture& one, const Picture& other) {
   constexpr int side = 4;
-  Difference result;
+  Deviation result;
   int count = 0;
   for (int y = 0; y + side <= one.height; y += side) {
     double before = 0.0;
@@ -184,8 +184,8 @@ TEST(VolumeImageTest, OpacityOfALengthKeepsThePictureWhateverTheSlicesAndTheExte
   const Picture fine = with(512, 1.0F, 0.1);
   EXPECT_TRUE(agree(with(64, 1.0F, 0.1), fine, few_levels));
   EXPECT_TRUE(agree(with(512, 7.0F, 0.7), fine, {1, 0.999, 3})) << "tissue of another scale";
-  EXPECT_GT(difference(with(64, 1.0F, 0.0), with(512, 1.0F, 0.0)).mean, 5.0) << "without it";
-  EXPECT_GT(difference(with(512, 7.0F, 0.1), fine).mean, 5.0) << "more tissue of the same kind";
+  EXPECT_GT(deviation(with(64, 1.0F, 0.0), with(512, 1.0F, 0.0)).mean, 5.0) << "without it";
+  EXPECT_GT(deviation(with(512, 7.0F, 0.1), fine).mean, 5.0) << "more tissue of the same kind";
   with(128, 1.0F, 1e-300), with(128, 1.0F, 1e300), with(0, 1.0F, 0.1), with(128, 0.0F, 0.1);
   EXPECT_EQ(pending_error(), "(none)");
 }
@@ -202,9 +202,9 @@ TEST(VolumeImageTest, JitterTurnsRingsIntoEvenGrain) {
     return stage.draw(scene);
   };
   const Picture fine = with(8 * 24, false);
-  const Difference rings = difference(with(24, false), fine);
+  const Deviation rings = deviation(with(24, false), fine);
   const Picture once = with(24, true);
-  const Difference grain = difference(once, fine);
+  const Deviation grain = deviation(once, fine);
   EXPECT_LT(grain.ripple, 0.5 * rings.ripple);
   EXPECT_LT(grain.mean, 1.1 * rings.mean) << "no brighter and no darker";
   with(24, false);

@@ -21,10 +21,10 @@ constexpr int largest_depth = 65536;
 constexpr std::size_t block_size = std::size_t{1} << 18;
 
 // Normal deviates in the table, which a core's own cache holds.
-constexpr std::size_t deviate_count = std::size_t{1} << 14;
+constexpr std::size_t deviates_of_noise = std::size_t{1} << 14;
 
 // Samples in a row that take a row of deviates, which starts at a random place of the table.
-constexpr std::size_t run = 256;
+constexpr std::size_t samples_in_a_row = 256;
 
 std::size_t volume_samples(const std::array<int, 3>& sizes, int volumes) {
   if (sizes[0] < least_depth || sizes[0] > largest_depth)
@@ -53,7 +53,7 @@ Recording::Recording(const float* samples, std::array<int, 3> sizes, int volumes
   if (noise == 0.0) return;
   std::mt19937_64 random(seed_);
   std::normal_distribution<float> normal(0.0F, static_cast<float>(noise));
-  noise_.resize(deviate_count + run);
+  noise_.resize(deviates_of_noise + samples_in_a_row);
   for (auto& deviate : noise_) deviate = normal(random);
 }
 
@@ -76,9 +76,9 @@ void Recording::play(std::uint64_t volume, std::span<float> samples, int workers
 
 void Recording::add_noise(std::uint64_t exposure, const float* recorded, std::span<float> samples) const {
   FastRandom random(exposure);
-  for (std::size_t first = 0; first < samples.size(); first += run) {
-    const float* const deviates = noise_.data() + random() % deviate_count;
-    const std::size_t count = std::min(run, samples.size() - first);
+  for (std::size_t first = 0; first < samples.size(); first += samples_in_a_row) {
+    const float* const deviates = noise_.data() + random() % deviates_of_noise;
+    const std::size_t count = std::min(samples_in_a_row, samples.size() - first);
     float* const sample = samples.data() + first;
     for (std::size_t i = 0; i < count; ++i) sample[i] = recorded[first + i] + deviates[i];
   }

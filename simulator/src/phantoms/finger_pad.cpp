@@ -9,20 +9,20 @@
 namespace oct::simulator {
 namespace {
 
-constexpr double refractive_index = 1.4;
+constexpr double skin_index = 1.4;
 
 // How a kind of tissue looks: scattering as in DepthProfile, loss in nepers of amplitude per millimetre,
 // there and back.
-struct Tissue {
+struct SkinTissue {
   double scattering;
   double loss;
 };
 
-constexpr Tissue horny_layer{0.05, 0.7};
-constexpr Tissue epidermis_tissue{0.038, 1.1};
-constexpr Tissue junction_tissue{0.17, 1.8};
-constexpr Tissue dermis{0.11, 3.0};
-constexpr Tissue blood_tissue{0.035, 4.0};
+constexpr SkinTissue horny_layer{0.05, 0.7};
+constexpr SkinTissue epidermis_tissue{0.038, 1.1};
+constexpr SkinTissue junction_tissue{0.17, 1.8};
+constexpr SkinTissue dermis{0.11, 3.0};
+constexpr SkinTissue blood_tissue{0.035, 4.0};
 
 // Collagen of the dermis: retardation in radians per geometric millimetre, passing once, and the part of
 // scattered light that loses its polarization.
@@ -132,7 +132,7 @@ void FingerPad::describe(double x_mm, double y_mm, double cell_mm, DepthProfile&
   double passed = 1.0;
   const int cells = static_cast<int>(profile.scattering.size());
   for (int m = std::max(0, static_cast<int>(std::ceil(border.surface / cell_mm))); m < cells; ++m) {
-    const double depth = (m * cell_mm - border.surface) / refractive_index;
+    const double depth = (m * cell_mm - border.surface) / skin_index;
     const double texture = grain(depth);
     double scattering = 0.0;
     double loss = 0.0;
@@ -162,11 +162,11 @@ void FingerPad::describe(double x_mm, double y_mm, double cell_mm, DepthProfile&
     profile.scattering[m] = static_cast<float>(scattering * passed);
     if (profile.is_polarized() && depth >= border.epidermis_end) {
       auto& polarization = profile.polarization;
-      polarization.retardance[m] = static_cast<float>(collagen_retardance * cell_mm / refractive_index);
+      polarization.retardance[m] = static_cast<float>(collagen_retardance * cell_mm / skin_index);
       polarization.axis[m] = static_cast<float>(collagen_axis);
       polarization.depolarization[m] = collagen_depolarization;
     }
-    passed /= 1.0 + loss * cell_mm / refractive_index;
+    passed /= 1.0 + loss * cell_mm / skin_index;
   }
 }
 

@@ -9,16 +9,16 @@
 namespace oct::simulator {
 namespace {
 
-constexpr double refractive_index = 1.38;
+constexpr double retina_index = 1.38;
 
 // How a layer looks: scattering as in DepthProfile, loss in nepers of amplitude
 // per millimetre, there and back.
-struct Tissue {
+struct RetinaTissue {
   double scattering;
   double loss;
 };
 
-constexpr std::array<Tissue, Retina::layer_count> tissues{{
+constexpr std::array<RetinaTissue, Retina::layer_count> tissues{{
     {0.150, 2.0},   // nerve fibres
     {0.055, 0.6},   // ganglion cells
     {0.085, 0.6},   // inner plexiform
@@ -34,8 +34,8 @@ constexpr std::array<Tissue, Retina::layer_count> tissues{{
     {0.130, 5.0},   // choroid
 }};
 
-constexpr Tissue sclera{0.11, 6.0};
-constexpr Tissue vitreous{0.002, 0.0};
+constexpr RetinaTissue sclera{0.11, 6.0};
+constexpr RetinaTissue vitreous{0.002, 0.0};
 constexpr double choroid_vessel = 0.05;
 
 // Retardation in radians per geometric millimetre, passing once.
@@ -108,9 +108,9 @@ Retina::Borders Retina::borders(double x_mm, double y_mm) const {
                      0.012 * smooth_noise(mix(seed_, 51), x_mm / 2.0, y_mm / 2.0);
   borders[pigment_epithelium] = eye;
   for (int layer = pigment_epithelium; layer < layer_count; ++layer)
-    borders[layer + 1] = borders[layer] + refractive_index * thickness[layer] * uneven(layer);
+    borders[layer + 1] = borders[layer] + retina_index * thickness[layer] * uneven(layer);
   for (int layer = pigment_epithelium - 1; layer >= 0; --layer)
-    borders[layer] = borders[layer + 1] - refractive_index * thickness[layer] * uneven(layer);
+    borders[layer] = borders[layer + 1] - retina_index * thickness[layer] * uneven(layer);
   return borders;
 }
 
@@ -124,9 +124,9 @@ void Retina::describe(double x_mm, double y_mm, double cell_mm, DepthProfile& pr
   double vessel_bottom = 0.0;
   for (const auto& vessel : vessels_)
     if (const double half = vessel.half_height(x_mm, y_mm); half > 0.0) {
-      const double axis = border[nerve_fibres] + refractive_index * vessel.depth;
-      vessel_top = axis - refractive_index * half;
-      vessel_bottom = axis + refractive_index * half;
+      const double axis = border[nerve_fibres] + retina_index * vessel.depth;
+      vessel_top = axis - retina_index * half;
+      vessel_bottom = axis + retina_index * half;
     }
 
   // Fibres run in arches around the fovea, those of the sclera every way.
@@ -139,7 +139,7 @@ void Retina::describe(double x_mm, double y_mm, double cell_mm, DepthProfile& pr
   for (int m = 0; m < cells; ++m) {
     const double depth = m * cell_mm;
     while (layer < layer_count && depth >= border[layer + 1]) ++layer;
-    Tissue tissue = layer < 0 ? vitreous : layer < layer_count ? tissues[layer] : sclera;
+    RetinaTissue tissue = layer < 0 ? vitreous : layer < layer_count ? tissues[layer] : sclera;
     tissue.scattering *= 1.0 + 0.25 * grain(depth);
     if (layer == choroid) {
       const double blood = std::clamp(4.0 * choroid_vessels(depth) - 0.3, 0.0, 1.0);
@@ -149,7 +149,7 @@ void Retina::describe(double x_mm, double y_mm, double cell_mm, DepthProfile& pr
       // Blood scatters at its surface and swallows light on the way through.
       const double below = (depth - vessel_top) / (vessel_bottom - vessel_top);
       tissue.scattering = 0.17 * std::exp(-2.0 * below);
-      tissue.loss = -std::log(vessel_shadow) * refractive_index / (vessel_bottom - vessel_top);
+      tissue.loss = -std::log(vessel_shadow) * retina_index / (vessel_bottom - vessel_top);
     }
     profile.scattering[m] = static_cast<float>(tissue.scattering * passed);
     if (profile.is_polarized()) {
@@ -157,11 +157,11 @@ void Retina::describe(double x_mm, double y_mm, double cell_mm, DepthProfile& pr
       const double rate = layer == nerve_fibres  ? fibre_retardance
                           : layer == layer_count ? sclera_retardance
                                                  : 0;
-      polarization.retardance[m] = static_cast<float>(rate * cell_mm / refractive_index);
+      polarization.retardance[m] = static_cast<float>(rate * cell_mm / retina_index);
       polarization.axis[m] = static_cast<float>(layer == nerve_fibres ? fibre_axis : sclera_axis);
       polarization.depolarization[m] = layer == pigment_epithelium ? pigment_depolarization : 0.0F;
     }
-    passed /= 1.0 + tissue.loss * cell_mm / refractive_index;
+    passed /= 1.0 + tissue.loss * cell_mm / retina_index;
   }
 }
 
