@@ -14,6 +14,11 @@ bool error_stream_is_terminal() {
   return isatty(STDERR_FILENO) != 0;
 }
 
+std::uint64_t physical_memory() {
+  const long pages = sysconf(_SC_PHYS_PAGES), page = sysconf(_SC_PAGESIZE);
+  return pages > 0 && page > 0 ? static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(page) : 0;
+}
+
 std::string native_shell_words(const std::vector<std::string>& words) {
   return shell_words(words);
 }

@@ -25,6 +25,12 @@ bool error_stream_is_terminal() {
   return _isatty(2) != 0;
 }
 
+std::uint64_t physical_memory() {
+  MEMORYSTATUSEX status{};
+  status.dwLength = sizeof status;
+  return GlobalMemoryStatusEx(&status) ? status.ullTotalPhys : 0;
+}
+
 std::string native_shell_words(const std::vector<std::string>& words) {
   return windows_shell_words(words);
 }

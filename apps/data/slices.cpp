@@ -131,12 +131,12 @@ SliceAxes axes_of(SliceAxis axis) {
 }
 
 std::size_t slice_count(const VolumeData& volume, SliceAxis axis) {
-  return std::array{volume.depth, volume.ascans, volume.bscans}[axes_of(axis).across];
+  return volume.sizes()[axes_of(axis).across];
 }
 
 Image slice_of(const VolumeData& volume, SliceAxis axis, std::ptrdiff_t position, const EnFace& enface,
                const LateralMap* surface) {
-  const std::array<std::size_t, 3> sizes{volume.depth, volume.ascans, volume.bscans};
+  const std::array<std::size_t, 3> sizes = volume.sizes();
   const SliceAxes axes = axes_of(axis);
   Image image{sizes[axes.down], sizes[axes.right], {}, {}};
   image.samples.assign(image.depth * image.ascans, nan);

@@ -21,6 +21,7 @@ struct VolumeData {
   // Depth, A-scans and B-scans in the file; of a volume that is from no file zeros.
   std::array<std::size_t, 3> file_size{};
 
+  std::array<std::size_t, 3> sizes() const { return {depth, ascans, bscans}; }
   bool is_reduced() const { return reduction != std::array<std::size_t, 3>{1, 1, 1}; }
 };
 

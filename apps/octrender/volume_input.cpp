@@ -24,8 +24,7 @@ VolumeData read_volume(const DataFile& file, const VolumeLimits& limits) {
     VolumeData volume = load_volume(file, limits, reading_progress(file.path));
     if (volume.is_reduced()) {
       note(file.path, "reduced " + product_of(volume.reduction) + " times, from " +
-                          product_of(volume.file_size) + " to " +
-                          product_of({volume.depth, volume.ascans, volume.bscans}) +
+                          product_of(volume.file_size) + " to " + product_of(volume.sizes()) +
                           " voxels (depth, A-scans, B-scans)");
     }
     return volume;

@@ -23,6 +23,9 @@ std::string Viewer::description() const {
   json["angles"] = state.volume.angles;
   json["zoom"] = state.volume.zoom;
   json["mode"] = static_cast<int>(state.volume.look);
+  json["measured_points"] = nlohmann::json::array();
+  for (const Measurement& measurement : state.measurements)
+    json["measured_points"].push_back(measurement.points);
   json["large"] = state.large ? pane_names[static_cast<std::size_t>(*state.large)] : "";
   json["items"] = nlohmann::json::array();
   const float scale = window_.scale();

@@ -1,14 +1,31 @@
 #include "octview/viewer.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include <imgui.h>
 
+#include "command_line/platform.h"
 #include "data/file_errors.h"
 #include "octview/panels/keys_panel.h"
 #include "octview/panels/widgets.h"
 #include "octview/window/keys.h"
+#include "octview/window/progress_box.h"
 #include "scene/drawable_limits.h"
 
 namespace oct::app {
+namespace {
+
+// A volume, an overlay, and as much again for all else.
+DocumentLimits limits_of_machine() {
+  DocumentLimits limits{{}, drawable_limits()};
+  if (const std::uint64_t memory = physical_memory())
+    limits.memory.bytes = std::min(limits.memory.bytes, memory / 3);
+  return limits;
+}
+
+}  // namespace
+
 Viewer::Viewer(Window& window)
     : window_(window),
       slices_{SlicePane(window.gl(), SliceAxis::bscan), SlicePane(window.gl(), SliceAxis::enface),
@@ -33,8 +50,8 @@ void Viewer::start(Opening opening) {
   state_to_come_ = std::move(opening.state);
   loading_.start(
       "Reading " + to_utf8(opening.files.base.path.filename()),
-      [files = std::move(opening.files), before = workspace_.document, drawable = drawable_limits()](
-          const ProgressFunction& progress) { return load_document(files, progress, before, drawable); });
+      [files = std::move(opening.files), before = workspace_.document, limits = limits_of_machine()](
+          const ProgressFunction& progress) { return load_document(files, progress, before, limits); });
 }
 
 void Viewer::show_live() {
@@ -108,7 +125,8 @@ void Viewer::build(double now) {
   ImGui::EndChild();
   show_status();
   ImGui::End();
-  show_progress();
+  if (loading_.is_running() && show_progress_box("##reading", loading_.activity(), loading_.share()))
+    loading_.cancel();
   save_.show(workspace_);
   show_keys_panel(keys_shown_);
 }
@@ -140,11 +158,8 @@ void Viewer::show_panes() {
 
 // A pane that cannot be drawn says why in its place.
 void Viewer::show_pane(Pane pane) {
-  const ImVec2 space = ImGui::GetContentRegionAvail();
-  workspace_.pane_sizes[static_cast<std::size_t>(pane)] = {static_cast<unsigned>(std::max(space.x, 1.0F)),
-                                                           static_cast<unsigned>(std::max(space.y, 1.0F))};
   if (!workspace_.document && !live_.error().empty()) {
-    ImGui::TextWrapped("%s", live_.error().c_str());
+    wrapped_text(live_.error().c_str());
     return;
   }
   try {
@@ -154,9 +169,7 @@ void Viewer::show_pane(Pane pane) {
       slices_[static_cast<std::size_t>(pane)].show(workspace_);
     }
   } catch (const std::exception& error) {
-    ImGui::PushTextWrapPos(0);
-    ImGui::TextUnformatted(error.what());
-    ImGui::PopTextWrapPos();
+    wrapped_text(error.what());
   }
 }
 
@@ -165,7 +178,7 @@ void Viewer::show_status() {
   constexpr double reading_seconds = 6;
   const bool fresh = workspace_.now - workspace_.said_at < reading_seconds;
   if (!workspace_.message.empty() && (fresh || workspace_.under_cursor.empty())) {
-    if (workspace_.message_is_error) ImGui::PushStyleColor(ImGuiCol_Text, IM_COL32(230, 80, 70, 255));
+    if (workspace_.message_is_error) ImGui::PushStyleColor(ImGuiCol_Text, error_color);
     ImGui::TextUnformatted(workspace_.message.c_str());
     if (workspace_.message_is_error) ImGui::PopStyleColor();
   } else {
@@ -174,20 +187,6 @@ void Viewer::show_status() {
   const char* const keys = "? keys";
   ImGui::SameLine(ImGui::GetWindowContentRegionMax().x - ImGui::CalcTextSize(keys).x);
   ImGui::TextDisabled("%s", keys);
-}
-
-void Viewer::show_progress() {
-  if (!loading_.is_running()) return;
-  const ImVec2 middle = ImGui::GetMainViewport()->GetCenter();
-  ImGui::SetNextWindowPos(middle, ImGuiCond_Always, {0.5F, 0.5F});
-  ImGui::Begin(
-      "##progress", nullptr,
-      ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoSavedSettings);
-  ImGui::TextUnformatted(loading_.activity().c_str());
-  ImGui::ProgressBar(static_cast<float>(loading_.share()), {em(20), 0});
-  ImGui::SameLine();
-  if (ImGui::Button("Stop")) loading_.cancel();
-  ImGui::End();
 }
 
 void Viewer::handle_keys() {

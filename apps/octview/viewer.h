@@ -47,7 +47,6 @@ class Viewer {
   void show_panes();
   void show_pane(Pane pane);
   void show_status();
-  void show_progress();
   void handle_keys();
 
   Window& window_;

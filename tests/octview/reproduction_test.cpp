@@ -183,11 +183,12 @@ TEST_F(Reproduction, CommandsOfSectionsDrawWhatIsShownByteForByte) {
 TEST_F(Reproduction, LargeVolumesAreDrawnReducedAndCutWhole) {
   VolumeLimits drawable;
   drawable.voxels_per_axis = 3;
+  DocumentLimits limits{{}, drawable};
   write_npy("finite.npy", "5, 6, 4",
             volume_where(6, 4, 5, [](int z, int a, int b) { return z * z + 3 * a * b; }));
   SessionFiles files = opened("finite.npy");
   files.overlay.path = "finite.npy";
-  const Document document = load_document(files, no_progress, {}, drawable);
+  const Document document = load_document(files, no_progress, {}, limits);
   const VolumeData reduced = load_volume(files.base, drawable);
   ASSERT_TRUE(document.drawn_volume);
   EXPECT_EQ(document.drawn_volume->reduction, (std::array<std::size_t, 3>{2, 2, 2}));
@@ -196,6 +197,14 @@ TEST_F(Reproduction, LargeVolumesAreDrawnReducedAndCutWhole) {
   EXPECT_EQ(document.drawn_volume->voxels, reduced.voxels);
   EXPECT_EQ(document.volume->depth, 6U);
   EXPECT_EQ(document.extent(), (std::array<double, 3>{6, 4, 5})) << "the box stays that of the whole volume";
+
+  // What memory does not hold is reduced while it is read, and once more where the driver draws less.
+  limits.memory.voxels_per_axis = 5;
+  const Document less = load_document(files, no_progress, {}, limits);
+  EXPECT_EQ(less.volume->voxels, load_volume(files.base, limits.memory).voxels);
+  EXPECT_EQ(less.volume->reduction, (std::array<std::size_t, 3>{2, 1, 1}));
+  EXPECT_EQ(less.drawn_volume->reduction, (std::array<std::size_t, 3>{2, 2, 2}));
+  EXPECT_EQ(less.extent(), document.extent());
 }
 
 TEST(ShellWords, AreTakenApartAgain) {

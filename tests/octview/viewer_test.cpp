@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "apps/program_test.h"
+#include "data/volume_reader.h"
 #include "octview/program.h"
 
 namespace oct::app::test {
@@ -197,15 +198,28 @@ TEST_F(Viewer, VolumeTurnsUprightAndTakesItsKeys) {
 
 // The crosshair goes where the volume is seen, and its sections with it.
 TEST_F(Viewer, VolumeTellsWhatIsSeenInItAndTakesTheCrosshairThere) {
-  const Json shown = play(
+  const Json last = play(
       "move Volume\nkey 4\nwait\nmove Volume 0.02 0.02\nframes 2\nstate 0.json\n"
       "hold Shift\nmove Volume 0.45 0.5\nmove Volume 0.46 0.5\nlet Shift\nwait\n"
-      "move Volume 0.5 0.5\nmove Volume 0.46 0.5\nframes 2");
+      "move Volume 0.5 0.5\nmove Volume 0.46 0.5\nframes 2\nstate 1.json\n"
+      "click Measure##B-scan\nframes 2\nclick \"Distance between two points\"\nframes 2\n"
+      "click Volume 0.46 0.5\nframes 2\nclick Volume 0.38 0.42\nframes 30\nstate 2.json\n"
+      "drag Volume 0.38 0.42 Volume 0.55 0.6\nwait\nmove Volume 0.5 0.6\nmove Volume 0.55 0.6\nframes 2");
+  const Json shown = state(1);
   const Reading reading = reading_of(shown);
   // Half floats, and places between voxels.
   EXPECT_NEAR(reading.value, value_at(reading.voxel[0], reading.voxel[1], reading.voxel[2]), 560);
   for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(shown["cursor"][i].get<double>(), reading.voxel[i], 1);
   EXPECT_EQ(state(0)["under_cursor"], "") << "beside the box";
+
+  // A measured point is taken along the faces that are seen.
+  ASSERT_EQ(state(2)["measured_points"].size(), 1U);
+  const Json before = state(2)["measured_points"][0], after = last["measured_points"][0];
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(before[0][i].get<double>(), reading.voxel[i], 0.51);
+  EXPECT_EQ(after[0], before[0]);
+  EXPECT_NE(after[1], before[1]);
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(after[1][i].get<double>(), reading_of(last).voxel[i], 0.51);
+  EXPECT_EQ(last["angles"], shown["angles"]) << "the volume stays";
 }
 
 std::string comment_of(const std::string& png) {
@@ -240,6 +254,61 @@ TEST_F(Viewer, SavedPicturesAreThoseOfOctrender) {
     ASSERT_TRUE(comment.starts_with("octrender "));
     EXPECT_EQ(run_bare(comment.substr(10)), 0) << error_text_;
     EXPECT_TRUE(bytes_of("saved.png") == saved) << comment;
+  }
+}
+
+// Radii from the catheter to the wall, clicked where a person sees the wall: at half of its brightness.
+TEST_F(Viewer, TheLumenOfARecordedArteryHasItsDiameter) {
+  const std::filesystem::path folder = OCT_SHARED_DATA;
+  const std::filesystem::path file = folder / "volume_artery.npy";
+  if (!std::filesystem::exists(file))
+    GTEST_SKIP() << "no recorded artery: set OCT_SHARED_DATA to the folder that holds it";
+  std::filesystem::copy_file(file, "artery.npy");
+  const VolumeData artery = load_volume({file, {}, {}});
+  const LateralMap outline = load_lateral_map({folder / "volume_artery_lumen.npy", {}, {}});
+  const std::size_t bscan = artery.bscans / 2;  // which is shown first
+  const auto wall = [&](std::size_t a_scan) {
+    std::vector<double> mean(artery.depth);
+    for (std::size_t z = 2; z + 2 < mean.size(); ++z)
+      for (std::size_t i = 0; i < 25; ++i)
+        mean[z] += artery.voxels[(bscan * artery.ascans + a_scan + i / 5 - 2) * artery.depth + z + i % 5 - 2];
+    std::size_t z = 52;  // behind the rings of the catheter
+    const double half = *std::max_element(mean.begin() + 52, mean.end()) / 2;
+    while (mean[z] < half) ++z;
+    return static_cast<double>(z) - (mean[z] - half) / (mean[z] - mean[z - 1]);
+  };
+  const Json pane = item(play(""), "B-scan##pane");
+  const double width = pane["to"][0].get<double>() - pane["from"][0].get<double>();
+  const double height = pane["to"][1].get<double>() - pane["from"][1].get<double>();
+  const double voxel =
+      std::min(width / static_cast<double>(artery.ascans), height / static_cast<double>(artery.depth));
+  const auto click = [&](std::size_t a_scan, double depth_index) {
+    const double right =
+        0.5 + (static_cast<double>(a_scan) + 0.5 - static_cast<double>(artery.ascans) / 2) * voxel / width;
+    const double down = 0.5 + (depth_index + 0.5 - static_cast<double>(artery.depth) / 2) * voxel / height;
+    return "click \"B-scan##pane\" " + std::to_string(right) + " " + std::to_string(down) + "\nframes 2\n";
+  };
+  const std::array<std::size_t, 3> a_scans_measured{24, 40, 64};
+  std::string lines =
+      "click Opacity\nclick \"Values and colours\"\nclick \"View of the volume\"\nframes 3\n"
+      "click \"Measurements (0)###Measurements\"\nframes 2\n";
+  for (const std::size_t a_scan : a_scans_measured)
+    for (const std::size_t side : {a_scan, a_scan + 128})
+      lines += "click Distance\nframes 2\n" + click(side, 0) + click(side, wall(side));
+  play(lines + "click \"Export CSV ...\"\nframes 3\ntype radii.csv\nframes 2\nkey Enter\nframes 3",
+       {"artery.npy"});
+  std::ifstream table("radii.csv");
+  std::string row;
+  std::getline(table, row);
+  for (const std::size_t a_scan : a_scans_measured) {
+    double diameter = 0;
+    for (int side = 0; side < 2; ++side) {
+      ASSERT_TRUE(std::getline(table, row));
+      diameter += std::stod(row.substr(row.find(',', row.find(',') + 1) + 1));
+    }
+    const float* const drawn = &outline.values[bscan * outline.ascans];
+    const double expected = static_cast<double>(drawn[a_scan]) + static_cast<double>(drawn[a_scan + 128]);
+    EXPECT_NEAR(diameter, expected, 0.02 * expected) << a_scan;
   }
 }
 

@@ -5,14 +5,6 @@
 #include "data/samples.h"
 
 namespace oct::app {
-namespace {
-
-bool same_size(const VolumeData& a, const VolumeData& b) {
-  return a.depth == b.depth && a.ascans == b.ascans && a.bscans == b.bscans;
-}
-
-}  // namespace
-
 bool LiveDocument::is_shown(const Workspace& workspace) const {
   return shown_ && workspace.document.volume.get() == &shown_->data;
 }
@@ -20,7 +12,7 @@ bool LiveDocument::is_shown(const Workspace& workspace) const {
 void LiveDocument::show(const LiveSession& session, const std::string& title, Workspace& workspace) {
   const std::shared_ptr<const LiveVolume> volume = session.latest();
   if (!volume || volume == shown_) return;
-  const bool goes_on = is_shown(workspace) && same_size(shown_->data, volume->data);
+  const bool goes_on = is_shown(workspace) && shown_->data.sizes() == volume->data.sizes();
   Document document;
   document.volume = std::shared_ptr<const VolumeData>(volume, &volume->data);
   document.drawn_volume = document.volume;

@@ -10,9 +10,9 @@
 namespace oct::app {
 namespace {
 
-VolumeData load_any(const DataFile& file, const ProgressFunction& progress) {
+VolumeData load_any(const DataFile& file, const VolumeLimits& limits, const ProgressFunction& progress) {
   try {
-    return load_volume(file, {}, progress);
+    return load_volume(file, limits, progress);
   } catch (const NoVolumeError&) {  // one B-scan
     Image image = load_image(file, {}, progress).image;
     VolumeData volume;
@@ -43,7 +43,7 @@ struct LoadedVolume {
 std::array<std::size_t, 3> reduction_for(const VolumeData& volume, const DataFile& file,
                                          const VolumeLimits& drawable) {
   const AxisOrder order = file.axes.value_or(file.raw ? memory_order : picture_order);
-  const std::array<std::size_t, 3> sizes{volume.depth, volume.ascans, volume.bscans};
+  const std::array<std::size_t, 3> sizes = volume.sizes();
   std::array<std::size_t, 3> ordered{}, factors{};
   for (std::size_t i = 0; i < 3; ++i) ordered[i] = sizes[number_of(order[i])];
   const auto reduction = reduction_of(ordered, drawable.voxels_per_axis, drawable.bytes / sizeof(float));
@@ -53,10 +53,10 @@ std::array<std::size_t, 3> reduction_for(const VolumeData& volume, const DataFil
 
 // Means are those of the samples in the file: decibels come after them.
 LoadedVolume load_whole(const DataFile& file, bool decibels, const ProgressFunction& progress,
-                        const VolumeLimits& drawable) {
-  VolumeData volume = load_any(file, progress);
+                        const DocumentLimits& limits) {
+  VolumeData volume = load_any(file, limits.memory, progress);
   LoadedVolume result;
-  const std::array<std::size_t, 3> factors = reduction_for(volume, file, drawable);
+  const std::array<std::size_t, 3> factors = reduction_for(volume, file, limits.drawable);
   if (factors != std::array<std::size_t, 3>{1, 1, 1}) {
     VolumeData small = reduced(volume, factors, progress);
     if (decibels) to_decibels(small.voxels);
@@ -70,7 +70,18 @@ LoadedVolume load_whole(const DataFile& file, bool decibels, const ProgressFunct
   return result;
 }
 
+// Whose spacing is that of the file: blocks at its end may be smaller.
+std::array<std::size_t, 3> samples_of(const VolumeData& volume) {
+  return volume.is_reduced() ? volume.file_size : volume.sizes();
+}
+
 }  // namespace
+
+std::string reduction_text(const VolumeData& volume) {
+  const std::array<std::size_t, 3>& factors = volume.reduction;
+  return "reduced " + std::to_string(factors[0]) + " x " + std::to_string(factors[1]) + " x " +
+         std::to_string(factors[2]) + " times (depth, A-scans, B-scans)";
+}
 
 std::uint64_t next_revision() {
   static std::atomic<std::uint64_t> last{0};
@@ -79,12 +90,11 @@ std::uint64_t next_revision() {
 
 VoxelSpacing Document::spacing() const {
   if (!volume) return {};
-  const std::array<std::size_t, 3> size{volume->depth, volume->ascans, volume->bscans};
+  const std::array<std::size_t, 3> samples = samples_of(*volume);
   VoxelSpacing spacing = volume->spacing;
   if (files.extent) {
-    for (std::size_t i = 0; i < 3; ++i) spacing.mm[i] = (*files.extent)[i] / static_cast<double>(size[i]);
+    for (std::size_t i = 0; i < 3; ++i) spacing.mm[i] = (*files.extent)[i] / static_cast<double>(samples[i]);
     spacing.source = "given by hand";
-    return spacing;
   }
   for (std::size_t i = 0; i < 3; ++i) spacing.mm[i] *= static_cast<double>(volume->reduction[i]);
   return spacing;
@@ -92,16 +102,16 @@ VoxelSpacing Document::spacing() const {
 
 std::array<double, 3> Document::extent() const {
   if (!volume) return {1, 1, 1};
-  const VoxelSpacing spacing = this->spacing();
-  const std::array<std::size_t, 3> size{volume->depth, volume->ascans, volume->bscans};
+  if (files.extent) return *files.extent;
+  const std::array<std::size_t, 3> samples = samples_of(*volume);
   std::array<double, 3> extent{};
   for (std::size_t i = 0; i < 3; ++i)
-    extent[i] = static_cast<double>(size[i]) * (spacing.is_known() ? spacing.mm[i] : 1.0);
+    extent[i] = static_cast<double>(samples[i]) * (volume->spacing.is_known() ? volume->spacing.mm[i] : 1.0);
   return extent;
 }
 
 Document load_document(const SessionFiles& files, const ProgressFunction& progress, const Document& before,
-                       const VolumeLimits& drawable) {
+                       const DocumentLimits& limits) {
   Document document;
   document.files = files;
   document.title = to_utf8(files.base.path.filename());
@@ -110,16 +120,14 @@ Document load_document(const SessionFiles& files, const ProgressFunction& progre
     document.drawn_volume = before.drawn_volume;
     document.not_finite = before.not_finite;
   } else {
-    LoadedVolume volume = load_whole(files.base, files.decibels, progress, drawable);
+    LoadedVolume volume = load_whole(files.base, files.decibels, progress, limits);
     document.not_finite = volume.not_finite;
     document.volume = std::move(volume.whole);
     document.drawn_volume = std::move(volume.drawn);
   }
   if (!files.overlay.path.empty()) {
-    LoadedVolume overlay = load_whole(files.overlay, false, progress, drawable);
-    const VolumeData& base = *document.volume;
-    const VolumeData& laid_over = *overlay.whole;
-    if (laid_over.depth != base.depth || laid_over.ascans != base.ascans || laid_over.bscans != base.bscans)
+    LoadedVolume overlay = load_whole(files.overlay, false, progress, limits);
+    if (overlay.whole->file_size != document.volume->file_size)
       throw ReadError(files.overlay.path, "the overlay has another size than the volume");
     document.overlay = std::move(overlay.whole);
     document.drawn_overlay = std::move(overlay.drawn);

@@ -15,7 +15,8 @@
 namespace oct::app {
 
 struct Document {
-  std::shared_ptr<const VolumeData> volume;  // none: nothing is open. Every voxel is finite
+  // None: nothing is open. Every voxel is finite. Reduced where the memory does not hold the file.
+  std::shared_ptr<const VolumeData> volume;
   std::shared_ptr<const VolumeData> overlay;
   // What the driver gets of them: the same, or reduced to its limits.
   std::shared_ptr<const VolumeData> drawn_volume;
@@ -37,11 +38,19 @@ struct Document {
   std::array<double, 3> extent() const;
 };
 
+// "reduced 2 x 2 x 1 times (depth, A-scans, B-scans)".
+std::string reduction_text(const VolumeData& volume);
+
 std::uint64_t next_revision();  // another one each time
 
-// Reads everything that the files name, but the volume where it is that of the document before. drawable: what the driver draws.
-// Throws a ReadError; what the progress function throws passes through.
+struct DocumentLimits {
+  VolumeLimits memory;    // larger volumes are reduced while they are read, for sections too
+  VolumeLimits drawable;  // by the driver
+};
+
+// Reads everything that the files name, but the volume where it is that of the document before. Throws a ReadError; what the
+// progress function throws passes through.
 Document load_document(const SessionFiles& files, const ProgressFunction& progress,
-                       const Document& before = {}, const VolumeLimits& drawable = {});
+                       const Document& before = {}, const DocumentLimits& limits = {});
 
 }  // namespace oct::app

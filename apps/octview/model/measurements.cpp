@@ -72,6 +72,19 @@ std::string field_of(double value) {
 
 }  // namespace
 
+std::optional<MeasuredPoint> find_point(
+    const std::vector<Measurement>& list, const std::array<double, 2>& place, double reach,
+    const std::function<std::optional<std::array<double, 2>>(const VoxelPoint&)>& screen_of) {
+  for (std::size_t i = list.size(); i-- > 0;) {
+    for (std::size_t k = 0; k < list[i].points.size(); ++k) {
+      const auto point = screen_of(list[i].points[k]);
+      if (point && std::hypot((*point)[0] - place[0], (*point)[1] - place[1]) <= reach)
+        return MeasuredPoint{i, k};
+    }
+  }
+  return {};
+}
+
 std::size_t point_count(MeasurementKind kind) {
   return kind == MeasurementKind::angle ? 3 : 2;
 }
@@ -129,7 +142,7 @@ std::string value_text(const Ruler& ruler, const Measurement& measurement) {
 
 double value_at(const VolumeData& volume, const VoxelPoint& point) {
   std::array<Neighbours, 3> axes;
-  const std::array<std::size_t, 3> size{volume.depth, volume.ascans, volume.bscans};
+  const std::array<std::size_t, 3> size = volume.sizes();
   for (std::size_t i = 0; i < 3; ++i) {
     if (!find_neighbours(point[i], size[i], axes[i])) return not_a_number;
   }

@@ -3,6 +3,8 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +25,17 @@ struct Measurement {
 
   bool operator==(const Measurement&) const = default;
 };
+
+// One of the points of a list of measurements.
+struct MeasuredPoint {
+  std::size_t measurement;
+  std::size_t point;
+};
+
+// The one that was drawn last of those that lie within reach of a place on the screen. screen_of: where a point is, if it shows.
+std::optional<MeasuredPoint> find_point(
+    const std::vector<Measurement>& list, const std::array<double, 2>& place, double reach,
+    const std::function<std::optional<std::array<double, 2>>(const VoxelPoint&)>& screen_of);
 
 std::size_t point_count(MeasurementKind kind);
 const char* name_of(MeasurementKind kind);  // "distance"

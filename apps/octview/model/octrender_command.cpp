@@ -9,6 +9,8 @@
 #include "data/file_errors.h"
 #include "octview/model/layer_colors.h"
 #include "octview/model/number_text.h"
+#include "octview/model/slice_position.h"
+#include "octview/model/volume_picture.h"
 
 namespace oct::app {
 namespace {
@@ -200,6 +202,20 @@ std::vector<std::string> slice_command(const SessionFiles& files, const ViewStat
     add(words, "--overlay-opacity", state.overlay.opacity.highest);
   }
   return words;
+}
+
+std::vector<std::string> pane_command(const Document& document, const ViewState& state, Pane pane,
+                                      PictureSize size, const std::string& output) {
+  if (document.volume->is_reduced())
+    throw std::runtime_error("octrender cannot be told to reduce the volume as it is here");
+  if (pane != Pane::volume) {
+    const auto axis = static_cast<SliceAxis>(pane);
+    return slice_command(document.files, state, axis, slice_position(document, state, axis).position, size,
+                         output);
+  }
+  ViewState shown = state;
+  follow_cursor(document, shown);
+  return volume_command(document.files, shown, size, output);
 }
 
 }  // namespace oct::app

@@ -7,6 +7,7 @@
 
 #include "data/picture.h"
 #include "data/slices.h"
+#include "octview/model/document.h"
 #include "octview/model/view_state.h"
 
 namespace oct::app {
@@ -19,5 +20,9 @@ std::vector<std::string> volume_command(const SessionFiles& files, const ViewSta
 // A section at this position; along a surface samples below it.
 std::vector<std::string> slice_command(const SessionFiles& files, const ViewState& state, SliceAxis axis,
                                        std::ptrdiff_t position, PictureSize size, const std::string& output);
+
+// What a pane shows.
+std::vector<std::string> pane_command(const Document& document, const ViewState& state, Pane pane,
+                                      PictureSize size, const std::string& output);
 
 }  // namespace oct::app

@@ -6,6 +6,11 @@
 
 namespace oct::app {
 
+BoxExtent extent_of(const Document& document) {
+  const std::array<double, 3> extent = document.extent();
+  return {static_cast<float>(extent[0]), static_cast<float>(extent[1]), static_cast<float>(extent[2])};
+}
+
 VolumeScene volume_scene(const Document& document, const ViewState& state, PictureSize size) {
   const DrawnLayers drawn = drawn_layers(document.files, state);
   VolumeScene scene;
@@ -13,8 +18,7 @@ VolumeScene volume_scene(const Document& document, const ViewState& state, Pictu
   scene.size = size;
   scene.secondary_colors = drawn.secondary;
   scene.scale_marks = state.volume.scale_marks && document.spacing().is_known();
-  const std::array<double, 3> extent = document.extent();
-  for (std::size_t i = 0; i < 3; ++i) scene.extent[i] = static_cast<float>(extent[i]);
+  scene.extent = extent_of(document);
   scene.base = {document.drawn_volume, state.base.range, base_colors(state.base, state.volume.look)};
   scene.show_volume = drawn.volume;
   if (drawn.overlay)

@@ -49,7 +49,19 @@ struct Workspace {
     message_is_error = true;
     said_at = now;
   }
+  // That was clicked. The last one makes the measurement and puts the tool away.
+  void add_point(const VoxelPoint& point);
+  void stop_measuring();
+  void move_point(const MeasuredPoint& which, const VoxelPoint& to);
+  void remove_measurement(std::size_t which);
+  // Over the whole window, or all panes again.
+  void toggle_large(Pane which);
+  PictureSize size_of(Pane which) const;  // of one that was not yet shown a usual one
 };
+
+// Whole numbers, in the volume.
+VoxelPoint nearest_voxel(const VolumeData& volume, const VoxelPoint& point);
+VoxelPoint middle_of(const VolumeData& volume);
 
 // Of a layer that is new.
 LayerLook first_look(DataFile SessionFiles::*layer);

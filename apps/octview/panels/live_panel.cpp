@@ -7,6 +7,7 @@
 #include <imgui.h>
 
 #include "data/file_errors.h"
+#include "octview/panels/widgets.h"
 #include "octview/window/item_index.h"
 
 namespace oct::app {
@@ -61,8 +62,8 @@ constexpr ImGuiTreeNodeFlags heading =
 
 void show_error(const std::string& text) {
   if (text.empty()) return;
-  ImGui::PushStyleColor(ImGuiCol_Text, IM_COL32(230, 80, 70, 255));
-  ImGui::TextWrapped("%s", text.c_str());
+  ImGui::PushStyleColor(ImGuiCol_Text, error_color);
+  wrapped_text(text.c_str());
   ImGui::PopStyleColor();
 }
 

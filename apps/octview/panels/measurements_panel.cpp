@@ -32,8 +32,8 @@ void MeasurementsPanel::show(Workspace& workspace) {
       const bool active = workspace.tool == kind;
       if (active) ImGui::PushStyleColor(ImGuiCol_Button, ImGui::GetStyleColorVec4(ImGuiCol_ButtonActive));
       if (ImGui::Button(name)) {
-        workspace.tool = active ? std::nullopt : std::optional(kind);
-        workspace.clicked.clear();
+        workspace.stop_measuring();
+        if (!active) workspace.tool = kind;
       }
       if (active) ImGui::PopStyleColor();
       hint("Then click the points in a pane; Escape ends it");
@@ -78,7 +78,7 @@ void MeasurementsPanel::show_list(Workspace& workspace, const Ruler& ruler) {
     }
     ImGui::PopID();
   }
-  if (removed) list.erase(list.begin() + static_cast<std::ptrdiff_t>(*removed));
+  if (removed) workspace.remove_measurement(*removed);
 }
 
 void MeasurementsPanel::write(Workspace& workspace, const std::filesystem::path& file) const {

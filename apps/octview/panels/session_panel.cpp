@@ -8,7 +8,6 @@
 #include "data/file_errors.h"
 #include "octview/model/octrender_command.h"
 #include "octview/model/session_file.h"
-#include "octview/model/slice_position.h"
 #include "octview/panels/widgets.h"
 #include "octview/window/keys.h"
 
@@ -21,16 +20,8 @@ void save_session(Workspace& workspace, const std::filesystem::path& file) {
 }
 
 void copy_command(Workspace& workspace, Pane pane) {
-  const Document& document = workspace.document;
-  const PictureSize size = workspace.pane_sizes[static_cast<std::size_t>(pane)];
-  std::vector<std::string> words;
-  if (pane == Pane::volume) {
-    words = volume_command(document.files, workspace.state, size, "picture.png");
-  } else {
-    const auto axis = static_cast<SliceAxis>(pane);
-    words = slice_command(document.files, workspace.state, axis,
-                          slice_position(document, workspace.state, axis).position, size, "picture.png");
-  }
+  std::vector<std::string> words =
+      pane_command(workspace.document, workspace.state, pane, workspace.size_of(pane), "picture.png");
   words.insert(words.begin(), "octrender");
   ImGui::SetClipboardText(native_shell_words(words).c_str());
   workspace.say("Copied the octrender command");

@@ -19,6 +19,7 @@ bool slide(const char* label, double& value, double lowest, double highest, cons
 void hint(const char* text);
 void wrapped_text(const char* text);
 void dimmed_text(const char* text);
+constexpr ImU32 error_color = IM_COL32(230, 80, 70, 255);
 
 void draw_gradient(ImDrawList& list, ImVec2 from, ImVec2 to, const Colormap& colors);
 

@@ -3,6 +3,7 @@
 #include <optional>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 #include "command_line/shell_words.h"
 #include "data/figure/figure.h"
@@ -28,21 +29,6 @@ Picture on_paper(const Document& document, const VolumeScene& scene, const Pictu
 
 }  // namespace
 
-std::vector<std::string> command_of(const Document& document, const ViewState& state,
-                                    const PictureOrder& order) {
-  const std::string output = to_utf8(order.file);
-  if (order.pane != Pane::volume) {
-    const auto axis = static_cast<SliceAxis>(order.pane);
-    return slice_command(document.files, state, axis, slice_position(document, state, axis).position,
-                         order.size, output);
-  }
-  ViewState shown = state;
-  follow_cursor(document, shown);
-  std::vector<std::string> words = volume_command(document.files, shown, order.size, output);
-  if (order.figure) words.emplace_back("--figure");
-  return words;
-}
-
 DrawnPicture draw_picture_of(const Document& document, const ViewState& state, const PictureOrder& order,
                              const ProgressFunction& progress) {
   if (order.pane != Pane::volume) {
@@ -66,7 +52,10 @@ std::string save_picture(const Document& document, const ViewState& state, const
                          const ProgressFunction& progress) {
   PngTexts texts;
   try {
-    texts = picture_texts("octrender " + shell_words(command_of(document, state, order)));
+    std::vector<std::string> words =
+        pane_command(document, state, order.pane, order.size, to_utf8(order.file));
+    if (order.figure) words.emplace_back("--figure");
+    texts = picture_texts("octrender " + shell_words(words));
   } catch (const std::runtime_error&) {
     texts = picture_texts("octview");  // nothing that octrender can be told
   }

@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include "data/picture.h"
 #include "data/progress_function.h"
@@ -18,11 +17,6 @@ struct PictureOrder {
   bool figure = false;  // the volume on paper, with scale bar and colour bar
   std::filesystem::path file;
 };
-
-// Words behind the program's name that draw the same picture, to the byte. Throws a std::runtime_error that says what octrender
-// cannot be told.
-std::vector<std::string> command_of(const Document& document, const ViewState& state,
-                                    const PictureOrder& order);
 
 struct DrawnPicture {
   Picture picture;

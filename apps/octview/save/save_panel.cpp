@@ -11,17 +11,13 @@
 #include "data/file_errors.h"
 #include "data/formats/png_writer.h"
 #include "octview/window/clipboard.h"
+#include "octview/window/progress_box.h"
 
 namespace oct::app {
 namespace {
 
 constexpr const char* form_title = "Save picture";
 constexpr int widest = 32768;
-
-PictureSize size_of_pane(const Workspace& workspace, Pane pane) {
-  const PictureSize size = workspace.pane_sizes[static_cast<std::size_t>(pane)];
-  return size.width == 0 ? PictureSize{1024, 768} : size;
-}
 
 PictureSize scaled(PictureSize size, double factor) {
   const auto side = [&](unsigned pixels) {
@@ -40,7 +36,7 @@ std::filesystem::path copy_file() {
 }  // namespace
 
 PictureOrder SavePanel::order(const Workspace& workspace) const {
-  const PictureSize pane = size_of_pane(workspace, pane_);
+  const PictureSize pane = workspace.size_of(pane_);
   const double factor = scale_ > 0 ? scale_ : static_cast<double>(width_) / pane.width;
   return {pane_, scaled(pane, factor), figure_ && pane_ == Pane::volume, from_utf8(file_.data())};
 }
@@ -53,7 +49,7 @@ void SavePanel::open(const Workspace& workspace) {
 
 void SavePanel::copy(Workspace& workspace) {
   if (!workspace.document || task_.is_running()) return;
-  const PictureOrder order{workspace.pane, size_of_pane(workspace, workspace.pane), false, copy_file()};
+  const PictureOrder order{workspace.pane, workspace.size_of(workspace.pane), false, copy_file()};
   task_.start("Copying the picture", [document = workspace.document, state = workspace.state,
                                       order](const ProgressFunction& progress) {
     DrawnPicture drawn = draw_picture_of(document, state, order, progress);
@@ -70,7 +66,7 @@ void SavePanel::show(Workspace& workspace) {
     ImGui::EndPopup();
   }
   take(workspace);
-  if (task_.is_running()) show_progress();
+  if (task_.is_running() && show_progress_box("##saving", task_.activity(), task_.share())) task_.cancel();
 }
 
 void SavePanel::show_form(Workspace& workspace) {
@@ -113,18 +109,6 @@ void SavePanel::show_form(Workspace& workspace) {
       [document = workspace.document, state = workspace.state, wanted](const ProgressFunction& progress) {
         return Outcome{wanted.file, save_picture(document, state, wanted, progress), {}};
       });
-}
-
-void SavePanel::show_progress() {
-  ImGui::SetNextWindowPos(ImGui::GetMainViewport()->GetCenter(), ImGuiCond_Always, {0.5F, 0.5F});
-  ImGui::Begin(
-      "##saving", nullptr,
-      ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoSavedSettings);
-  ImGui::TextUnformatted(task_.activity().c_str());
-  ImGui::ProgressBar(static_cast<float>(task_.share()), {ImGui::GetFontSize() * 20, 0});
-  ImGui::SameLine();
-  if (ImGui::Button("Stop##saving")) task_.cancel();
-  ImGui::End();
 }
 
 void SavePanel::take(Workspace& workspace) {

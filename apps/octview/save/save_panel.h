@@ -28,7 +28,6 @@ class SavePanel {
   };
 
   void show_form(Workspace& workspace);
-  void show_progress();
   void take(Workspace& workspace);
   PictureOrder order(const Workspace& workspace) const;
 

@@ -20,11 +20,10 @@ void show_tools(Workspace& workspace, SliceAxis axis) {
   const std::string popup = item("tools", axis);
   if (ImGui::Button(item(workspace.tool ? "Stop" : "Measure", axis).c_str())) {
     if (workspace.tool) {
-      workspace.tool.reset();
+      workspace.stop_measuring();
     } else {
       ImGui::OpenPopup(popup.c_str());
     }
-    workspace.clicked.clear();
   }
   if (!ImGui::BeginPopup(popup.c_str())) return;
   for (const auto& [name, kind] : {std::pair("Distance between two points", MeasurementKind::distance),
@@ -67,7 +66,7 @@ void show_enface(Workspace& workspace) {
 }  // namespace
 
 const char* title_of(SliceAxis axis) {
-  return axis == SliceAxis::bscan ? "B-scan" : axis == SliceAxis::enface ? "En face" : "Section";
+  return pane_names[static_cast<std::size_t>(axis)];
 }
 
 void show_slice_controls(Workspace& workspace, SliceAxis axis) {

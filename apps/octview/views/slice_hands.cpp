@@ -19,10 +19,6 @@ ScreenPoint point_of(ImVec2 position) {
   return {static_cast<double>(position.x), static_cast<double>(position.y)};
 }
 
-Pane pane_of(SliceAxis axis) {
-  return static_cast<Pane>(axis);
-}
-
 }  // namespace
 
 std::optional<VoxelPoint> SliceHands::place(const Workspace& workspace, const ScreenPoint& mouse,
@@ -41,26 +37,16 @@ void SliceHands::move_cursor(Workspace& workspace, const ScreenPoint& mouse,
   const SlicePosition section = slice_position(workspace.document, workspace.state, axis_);
   VoxelPoint voxel = geometry.voxel_at(mouse, workspace.state.cursor[axes_of(axis_).across]);
   if (section.below_surface) voxel = place(workspace, mouse, geometry).value_or(voxel);
-  const VolumeData& volume = *workspace.document.volume;
-  const std::array<std::size_t, 3> sizes{volume.depth, volume.ascans, volume.bscans};
-  for (std::size_t i = 0; i < 3; ++i)
-    workspace.state.cursor[i] = std::clamp(std::round(voxel[i]), 0.0, static_cast<double>(sizes[i] - 1));
+  workspace.state.cursor = nearest_voxel(*workspace.document.volume, voxel);
 }
 
-std::optional<SliceHands::PointOfMeasurement> SliceHands::point_at(const Workspace& workspace,
-                                                                   const ScreenPoint& mouse,
-                                                                   const SliceGeometry& geometry) const {
-  const double reach = ImGui::GetFontSize() * 0.6;
-  const std::vector<Measurement>& list = workspace.state.measurements;
-  for (std::size_t i = list.size(); i-- > 0;) {
-    for (std::size_t k = 0; k < list[i].points.size(); ++k) {
-      const ScreenPoint point = geometry.screen_of(list[i].points[k]);
-      if (std::hypot(point[0] - mouse[0], point[1] - mouse[1]) <= reach &&
-          lies_in_section(workspace.document, workspace.state, axis_, list[i].points[k]))
-        return PointOfMeasurement{i, k};
-    }
-  }
-  return {};
+std::optional<MeasuredPoint> SliceHands::point_at(const Workspace& workspace, const ScreenPoint& mouse,
+                                                  const SliceGeometry& geometry) const {
+  const auto screen_of = [&](const VoxelPoint& point) -> std::optional<ScreenPoint> {
+    if (!lies_in_section(workspace.document, workspace.state, axis_, point)) return {};
+    return geometry.screen_of(point);
+  };
+  return find_point(workspace.state.measurements, mouse, reach_of_points(), screen_of);
 }
 
 void SliceHands::press(Workspace& workspace, const ScreenPoint& mouse, const SliceGeometry& geometry) {
@@ -73,16 +59,11 @@ void SliceHands::press(Workspace& workspace, const ScreenPoint& mouse, const Sli
   }
   placing_ = true;
   const std::optional<VoxelPoint> point = place(workspace, mouse, geometry);
-  if (!point) {
+  if (point) {
+    workspace.add_point(*point);
+  } else {
     workspace.say("The surface has no depth here");
-    return;
   }
-  workspace.clicked.push_back(*point);
-  if (workspace.clicked.size() < point_count(*workspace.tool)) return;
-  std::vector<Measurement>& list = workspace.state.measurements;
-  list.push_back({*workspace.tool, next_name(list, *workspace.tool), std::move(workspace.clicked)});
-  workspace.clicked.clear();
-  workspace.tool.reset();
 }
 
 void SliceHands::drag(Workspace& workspace, const ScreenPoint& mouse, const SliceGeometry& geometry,
@@ -93,9 +74,8 @@ void SliceHands::drag(Workspace& workspace, const ScreenPoint& mouse, const Slic
   if (io.MouseDown[1]) {
     const double letters = static_cast<double>(-io.MouseDelta.y) / static_cast<double>(ImGui::GetFontSize());
     zoom(window, geometry, slice, point_of(io.MouseClickedPos[1]), std::exp(zoom_of_drag * letters));
-  } else if (io.MouseDown[0] && dragged_ && dragged_->measurement < workspace.state.measurements.size()) {
-    if (const auto point = place(workspace, mouse, geometry))
-      workspace.state.measurements[dragged_->measurement].points[dragged_->point] = *point;
+  } else if (io.MouseDown[0] && dragged_) {
+    if (const auto point = place(workspace, mouse, geometry)) workspace.move_point(*dragged_, *point);
   } else if (io.MouseDown[2] || (io.MouseDown[0] && !placing_)) {
     pan(window, geometry, slice, point_of(io.MouseDelta));
   }
@@ -116,10 +96,8 @@ void SliceHands::handle_mouse(Workspace& workspace, const SliceGeometry& geometr
     // To the sample that the pixel under the mouse shows.
     move_cursor(workspace, {std::floor(mouse[0]) + 0.5, std::floor(mouse[1]) + 0.5}, geometry);
   }
-  if (ImGui::IsMouseDoubleClicked(ImGuiMouseButton_Left) && !workspace.tool && !placing_) {
-    std::optional<Pane>& large = workspace.state.large;
-    large = large ? std::nullopt : std::optional(pane_of(axis_));
-  }
+  if (ImGui::IsMouseDoubleClicked(ImGuiMouseButton_Left) && !workspace.tool && !placing_)
+    workspace.toggle_large(static_cast<Pane>(axis_));
 }
 
 void SliceHands::handle_keys(Workspace& workspace, const ScreenPoint& mouse, const SliceGeometry& geometry) {
@@ -135,19 +113,14 @@ void SliceHands::handle_keys(Workspace& workspace, const ScreenPoint& mouse, con
   if (is_pressed(letter('F'))) state.windows[static_cast<std::size_t>(axis_)] = {};
   if (is_pressed(letter('R'))) {
     state.windows[static_cast<std::size_t>(axis_)] = {};
-    const VolumeData& volume = *workspace.document.volume;
-    state.cursor = {static_cast<double>(volume.depth / 2), static_cast<double>(volume.ascans / 2),
-                    static_cast<double>(volume.bscans / 2)};
+    state.cursor = middle_of(*workspace.document.volume);
     state.below_surface = 0;
   }
-  if (is_pressed(Key::escape)) {
-    workspace.tool.reset();
-    workspace.clicked.clear();
-  }
+  if (is_pressed(Key::escape)) workspace.stop_measuring();
   if (is_pressed(Key::del)) {
     if (const auto point = point_at(workspace, mouse, geometry)) {
       dragged_.reset();
-      state.measurements.erase(state.measurements.begin() + static_cast<std::ptrdiff_t>(point->measurement));
+      workspace.remove_measurement(point->measurement);
     }
   }
 }

@@ -1,7 +1,6 @@
 // What mouse and keys do in a pane of sections.
 #pragma once
 
-#include <cstddef>
 #include <optional>
 
 #include "octview/model/slice_geometry.h"
@@ -17,25 +16,20 @@ class SliceHands {
   void handle(Workspace& workspace, const SliceGeometry& geometry, const SliceSize& slice);
 
  private:
-  struct PointOfMeasurement {
-    std::size_t measurement;
-    std::size_t point;
-  };
-
   void handle_mouse(Workspace& workspace, const SliceGeometry& geometry, const SliceSize& slice);
   void handle_keys(Workspace& workspace, const ScreenPoint& mouse, const SliceGeometry& geometry);
   void press(Workspace& workspace, const ScreenPoint& mouse, const SliceGeometry& geometry);
   void drag(Workspace& workspace, const ScreenPoint& mouse, const SliceGeometry& geometry,
             const SliceSize& slice);
-  std::optional<PointOfMeasurement> point_at(const Workspace& workspace, const ScreenPoint& mouse,
-                                             const SliceGeometry& geometry) const;
+  std::optional<MeasuredPoint> point_at(const Workspace& workspace, const ScreenPoint& mouse,
+                                        const SliceGeometry& geometry) const;
   // None where the surface that the section follows has no depth.
   std::optional<VoxelPoint> place(const Workspace& workspace, const ScreenPoint& mouse,
                                   const SliceGeometry& geometry) const;
   void move_cursor(Workspace& workspace, const ScreenPoint& mouse, const SliceGeometry& geometry) const;
 
   const SliceAxis axis_;
-  std::optional<PointOfMeasurement> dragged_;
+  std::optional<MeasuredPoint> dragged_;
   bool placing_ = false;  // the button went down to set a point
 };
 

@@ -136,10 +136,7 @@ class Marks {
     if (hovered) points.push_back(geometry_.voxel_at(*hovered, state_.cursor[axes_.across]));
     draw_points(points);
     if (!hovered) return;
-    const std::size_t missing = point_count(*workspace_.tool) - workspace_.clicked.size();
-    const std::string text = std::string(name_of(*workspace_.tool)) + ": click " + std::to_string(missing) +
-                             (missing == 1 ? " point" : " points") + ", Escape ends";
-    draw_label(list_, {from_.x + em_ * 0.4F, from_.y + em_ * 2.7F}, text, measured);
+    draw_label(list_, {from_.x + em_ * 0.4F, from_.y + em_ * 2.7F}, tool_text(workspace_), measured);
   }
 
  private:
@@ -217,6 +214,20 @@ void draw_label(ImDrawList& list, ImVec2 place, const std::string& text, ImU32 c
   list.AddRectFilled({place.x - margin, place.y}, {place.x + size.x + margin, place.y + size.y}, shade,
                      margin);
   list.AddText(place, color, text.c_str());
+}
+
+void draw_note(ImDrawList& list, ImVec2 corner, float width, const std::string& text) {
+  list.AddText(nullptr, 0, corner, note_color, text.c_str(), nullptr, std::max(width, ImGui::GetFontSize()));
+}
+
+std::string tool_text(const Workspace& workspace) {
+  const std::size_t missing = point_count(*workspace.tool) - workspace.clicked.size();
+  return std::string(name_of(*workspace.tool)) + ": click " + std::to_string(missing) +
+         (missing == 1 ? " point" : " points") + ", Escape ends";
+}
+
+double reach_of_points() {
+  return ImGui::GetFontSize() * 0.6;
 }
 
 ImU32 color_of(SliceAxis axis) {

@@ -15,9 +15,19 @@ namespace oct::app {
 ImU32 color_of(SliceAxis axis);
 
 constexpr ImU32 measured_color = IM_COL32(255, 140, 220, 255);
+constexpr ImU32 note_color = IM_COL32(255, 200, 120, 255);
 
 // Readable on bright pictures and dark ones. The place is the text's upper left corner, moved back by parts of its size.
 void draw_label(ImDrawList& list, ImVec2 place, const std::string& text, ImU32 color, ImVec2 back = {0, 0});
+
+// Why there is nothing to see, in lines of at most this width.
+void draw_note(ImDrawList& list, ImVec2 corner, float width, const std::string& text);
+
+// What the tool in hand waits for.
+std::string tool_text(const Workspace& workspace);
+
+// As far from a measured point a hand still takes it.
+double reach_of_points();
 
 // Whether the point lies in the section that the pane shows.
 bool lies_in_section(const Document& document, const ViewState& state, SliceAxis axis,

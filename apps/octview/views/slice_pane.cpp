@@ -68,10 +68,14 @@ void SlicePane::show(Workspace& workspace) {
   if (hovered) mouse = ScreenPoint{ImGui::GetIO().MousePos.x, ImGui::GetIO().MousePos.y};
   draw_slice_marks(list, workspace, geometry, mouse);
   if (mouse) workspace.under_cursor = text_under(workspace, geometry, drawing_.image(), *mouse);
+  if (workspace.document.volume->is_reduced())
+    draw_label(list, {corner.x + size.x / 2, corner.y + size.y},
+               "Read " + reduction_text(*workspace.document.volume) + ": the file is larger than the memory",
+               note_color, {0.5F, 1.2F});
   if (!drawing_.explanation().empty()) {
     const float margin = ImGui::GetFontSize();
-    list.AddText(nullptr, 0, {corner.x + margin, corner.y + 4.5F * margin}, IM_COL32(255, 200, 120, 255),
-                 drawing_.explanation().c_str(), nullptr, std::max(size.x - 2 * margin, margin));
+    draw_note(list, {corner.x + margin, corner.y + 4.5F * margin}, size.x - 2 * margin,
+              drawing_.explanation());
   }
 }
 

@@ -6,6 +6,8 @@
 #include <imgui.h>
 
 #include "octview/model/slice_position.h"
+#include "octview/model/volume_picture.h"
+#include "octview/views/slice_marks.h"
 #include "octview/window/keys.h"
 
 namespace oct::app {
@@ -18,19 +20,10 @@ PixelPoint pixels(ImVec2 place) {
   return {static_cast<double>(place.x), static_cast<double>(place.y)};
 }
 
-std::array<std::size_t, 3> sizes_of(const VolumeData& volume) {
-  return {volume.depth, volume.ascans, volume.bscans};
-}
-
 }  // namespace
 
-BoxExtent extent_of(const Document& document) {
-  const std::array<double, 3> extent = document.extent();
-  return {static_cast<float>(extent[0]), static_cast<float>(extent[1]), static_cast<float>(extent[2])};
-}
-
 BoxPoint box_point(const Document& document, const VoxelPoint& voxel) {
-  const std::array<std::size_t, 3> sizes = sizes_of(*document.volume);
+  const std::array<std::size_t, 3> sizes = document.volume->sizes();
   BoxPoint point{};
   for (std::size_t i = 0; i < 3; ++i) point[i] = (voxel[i] + 0.5) / static_cast<double>(sizes[i]);
   return point;
@@ -41,25 +34,35 @@ void VolumeHands::toggle_clip_plane(Workspace& workspace) {
   clip = clip ? std::nullopt : std::optional(ClipSetting{});
 }
 
+std::optional<MeasuredPoint> VolumeHands::point_at(const Workspace& workspace,
+                                                   const VolumeGeometry& geometry) {
+  const auto pixel = [&](const VoxelPoint& point) {
+    return pixel_of(workspace.state.volume, extent_of(workspace.document),
+                    box_point(workspace.document, point), geometry.size);
+  };
+  return find_point(workspace.state.measurements, geometry.inside(pixels(ImGui::GetIO().MousePos)),
+                    reach_of_points(), pixel);
+}
+
 void VolumeHands::press(Workspace& workspace, const VolumeGeometry& geometry, const VolumeImage& image) {
   const ImGuiIO& io = ImGui::GetIO();
   placing_ = workspace.tool && !io.KeyShift;
   panning_ = io.KeyShift;
-  if (!placing_) return;
-  const auto place = image.place_at(workspace, geometry.part(pixels(io.MousePos)));
-  if (!place) {
-    workspace.say("Nothing of the volume is seen here");
+  dragged_.reset();
+  if (panning_) return;
+  if (!placing_) {
+    dragged_ = point_at(workspace, geometry);
     return;
   }
-  workspace.clicked.push_back(place->voxel);
-  if (workspace.clicked.size() < point_count(*workspace.tool)) return;
-  std::vector<Measurement>& list = workspace.state.measurements;
-  list.push_back({*workspace.tool, next_name(list, *workspace.tool), std::move(workspace.clicked)});
-  workspace.clicked.clear();
-  workspace.tool.reset();
+  const auto place = image.place_at(workspace, geometry.part(pixels(io.MousePos)));
+  if (place) {
+    workspace.add_point(place->voxel);
+  } else {
+    workspace.say("Nothing of the volume is seen here");
+  }
 }
 
-void VolumeHands::drag(Workspace& workspace, const VolumeGeometry& geometry) {
+void VolumeHands::drag(Workspace& workspace, const VolumeGeometry& geometry, const VolumeImage& image) {
   const ImGuiIO& io = ImGui::GetIO();
   if (io.MouseDelta.x == 0 && io.MouseDelta.y == 0) return;
   VolumeView& view = workspace.state.volume;
@@ -69,6 +72,9 @@ void VolumeHands::drag(Workspace& workspace, const VolumeGeometry& geometry) {
             geometry.size);
   } else if (io.MouseDown[2] || (io.MouseDown[0] && panning_)) {
     pan(view, pixels(io.MouseDelta), geometry.size);
+  } else if (io.MouseDown[0] && dragged_) {
+    if (const auto place = image.place_at(workspace, geometry.part(pixels(io.MousePos))))
+      workspace.move_point(*dragged_, place->voxel);
   } else if (io.MouseDown[0] && !placing_) {
     turn(view, pixels(io.MouseDelta), geometry.size);
   }
@@ -89,12 +95,7 @@ void VolumeHands::hover(Workspace& workspace, const VolumeGeometry& geometry, co
     const auto place = image.place_at(workspace, geometry.part(mouse));
     asked_at_ = mouse;
     asked_ = place ? place_text(workspace.document, place->voxel, place->value) : "";
-    if (linked && place) {
-      const std::array<std::size_t, 3> sizes = sizes_of(*workspace.document.volume);
-      for (std::size_t i = 0; i < 3; ++i)
-        workspace.state.cursor[i] =
-            std::clamp(std::round(place->voxel[i]), 0.0, static_cast<double>(sizes[i] - 1));
-    }
+    if (linked && place) workspace.state.cursor = nearest_voxel(*workspace.document.volume, place->voxel);
   }
   workspace.under_cursor = asked_;
 }
@@ -103,9 +104,11 @@ void VolumeHands::handle_keys(Workspace& workspace, const VolumeGeometry& geomet
   VolumeView& view = workspace.state.volume;
   if (is_pressed(letter('R'))) reset_camera(view, geometry.size);
   if (is_pressed(letter('F'))) fit_box(view, extent_of(workspace.document), geometry.size);
-  if (is_pressed(Key::escape)) {
-    workspace.tool.reset();
-    workspace.clicked.clear();
+  if (is_pressed(Key::escape)) workspace.stop_measuring();
+  if (!is_pressed(Key::del)) return;
+  if (const auto point = point_at(workspace, geometry)) {
+    dragged_.reset();
+    workspace.remove_measurement(point->measurement);
   }
 }
 
@@ -116,7 +119,7 @@ void VolumeHands::handle(Workspace& workspace, const VolumeGeometry& geometry, c
       workspace.state.volume.look = static_cast<VolumeLook>(mode);
   if (is_pressed(letter('C'))) toggle_clip_plane(workspace);
   if (ImGui::IsItemClicked(ImGuiMouseButton_Left)) press(workspace, geometry, image);
-  if (ImGui::IsItemActive()) drag(workspace, geometry);
+  if (ImGui::IsItemActive()) drag(workspace, geometry, image);
   if (!ImGui::IsItemHovered()) return;
   if (io.MouseWheel != 0) {
     zoom_at(workspace.state.volume, geometry.inside(pixels(io.MousePos)),
@@ -124,10 +127,8 @@ void VolumeHands::handle(Workspace& workspace, const VolumeGeometry& geometry, c
   }
   handle_keys(workspace, geometry);
   hover(workspace, geometry, image);
-  if (ImGui::IsMouseDoubleClicked(ImGuiMouseButton_Left) && !workspace.tool && !placing_) {
-    std::optional<Pane>& large = workspace.state.large;
-    large = large ? std::nullopt : std::optional(Pane::volume);
-  }
+  if (ImGui::IsMouseDoubleClicked(ImGuiMouseButton_Left) && !workspace.tool && !placing_)
+    workspace.toggle_large(Pane::volume);
 }
 
 }  // namespace oct::app

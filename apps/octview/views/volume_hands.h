@@ -21,8 +21,6 @@ struct VolumeGeometry {
   }
 };
 
-BoxExtent extent_of(const Document& document);
-
 // Of a voxel in the box.
 BoxPoint box_point(const Document& document, const VoxelPoint& voxel);
 
@@ -35,11 +33,13 @@ class VolumeHands {
   static void toggle_clip_plane(Workspace& workspace);
 
  private:
+  static std::optional<MeasuredPoint> point_at(const Workspace& workspace, const VolumeGeometry& geometry);
   void press(Workspace& workspace, const VolumeGeometry& geometry, const VolumeImage& image);
-  void drag(Workspace& workspace, const VolumeGeometry& geometry);
+  void drag(Workspace& workspace, const VolumeGeometry& geometry, const VolumeImage& image);
   void hover(Workspace& workspace, const VolumeGeometry& geometry, const VolumeImage& image);
   void handle_keys(Workspace& workspace, const VolumeGeometry& geometry);
 
+  std::optional<MeasuredPoint> dragged_;
   bool placing_ = false;                // the button went down to set a point
   bool panning_ = false;                // or to pan
   std::optional<PixelPoint> asked_at_;  // where the text is of

@@ -84,13 +84,10 @@ void VolumeImage::update(const Workspace& workspace, LiveSession& live, PictureS
   drawn_with_ = nullptr;
   control_.moved(workspace.now);
   const Quality quality = control_.wanted(workspace.now).value_or(Quality{});
-  const std::array<double, 3> extent = workspace.document.extent();
   LiveScene scene;
   scene.view = workspace.state.volume;
   scene.view.size = size;
-  scene.view = in_quality(
-      scene.view, quality,
-      {static_cast<float>(extent[0]), static_cast<float>(extent[1]), static_cast<float>(extent[2])});
+  scene.view = in_quality(scene.view, quality, extent_of(workspace.document));
   scene.volume = {base_colors(workspace.state.base, scene.view.look), workspace.state.base.range};
   draw_timed(quality, scene.view.size, [&] { live.draw(scene); });
   drawn_with_ = live.renderer();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "octview/model/measurements.h"
+#include "octview/model/volume_picture.h"
 #include "octview/views/slice_marks.h"
 
 namespace oct::app {
@@ -46,13 +47,10 @@ class VolumeMarks {
     if (!workspace_.tool) return;
     draw_points(workspace_.clicked);
     if (!hovered) return;
-    const std::size_t missing = point_count(*workspace_.tool) - workspace_.clicked.size();
-    const std::string text = std::string(name_of(*workspace_.tool)) + ": click " + std::to_string(missing) +
-                             (missing == 1 ? " point" : " points") + ", Escape ends";
     draw_label(list_,
                {static_cast<float>(geometry_.corner[0] + geometry_.size.width / 2.0),
                 static_cast<float>(geometry_.corner[1]) + em() * 0.3F},
-               text, measured_color, {0.5F, 0});
+               tool_text(workspace_), measured_color, {0.5F, 0});
   }
 
  private:

@@ -15,7 +15,6 @@ namespace oct::app {
 namespace {
 
 constexpr const char* title = "Volume";
-constexpr ImU32 noted = IM_COL32(255, 200, 120, 255);
 
 ImVec2 place_in(const VolumeGeometry& geometry, double right, double down) {
   return {static_cast<float>(geometry.corner[0] + geometry.size.width * right),
@@ -36,24 +35,19 @@ void show_volume_controls(Workspace& workspace) {
   if (ImGui::Checkbox("Clip", &cut)) VolumeHands::toggle_clip_plane(workspace);
 }
 
-std::string reduction_text(const VolumeData& drawn) {
-  return "Shown reduced " + std::to_string(drawn.reduction[0]) + " x " + std::to_string(drawn.reduction[1]) +
-         " x " + std::to_string(drawn.reduction[2]) + " times (depth, A-scans, B-scans)";
-}
-
 void show_notes(ImDrawList& list, const Workspace& workspace, const VolumeGeometry& geometry,
                 const VolumeImage& image) {
   const float em = ImGui::GetFontSize();
   const Document& document = workspace.document;
   std::string text;
-  if (document.drawn_volume->is_reduced()) text = reduction_text(*document.drawn_volume);
+  if (document.drawn_volume->is_reduced()) text = "Shown " + reduction_text(*document.drawn_volume);
   if (image.is_partial())
     text += (text.empty() ? "" : "\n") + std::string("Shown in part: stopped while it was handed over");
-  if (!text.empty()) draw_label(list, place_in(geometry, 0.5, 1), text, noted, {0.5F, 1.2F});
+  if (!text.empty()) draw_label(list, place_in(geometry, 0.5, 1), text, note_color, {0.5F, 1.2F});
   if (image.explanation().empty()) return;
   const ImVec2 corner = place_in(geometry, 0, 0);
-  list.AddText(nullptr, 0, {corner.x + em, corner.y + 2 * em}, noted, image.explanation().c_str(), nullptr,
-               std::max(static_cast<float>(geometry.size.width) - 2 * em, em));
+  draw_note(list, {corner.x + em, corner.y + 2 * em}, static_cast<float>(geometry.size.width) - 2 * em,
+            image.explanation());
 }
 
 }  // namespace
@@ -131,7 +125,7 @@ void VolumePane::show_clip_handle(Workspace& workspace, const VolumeGeometry& ge
   list.AddLine({x, top.y}, {x, bottom.y}, IM_COL32(255, 255, 255, 120), em * 0.15F);
   const bool held = ImGui::IsItemActive() || ImGui::IsItemHovered();
   list.AddRectFilled(from, to, held ? IM_COL32(255, 220, 90, 255) : IM_COL32(235, 235, 235, 255), em * 0.2F);
-  if (held) draw_label(list, {from.x - em * 0.4F, y}, "clip plane: up to the back", noted, {1, 0.5F});
+  if (held) draw_label(list, {from.x - em * 0.4F, y}, "clip plane: up to the back", note_color, {1, 0.5F});
 }
 
 }  // namespace oct::app

@@ -7,10 +7,14 @@
 
 namespace {
 
+struct Place {
+  ImRect rectangle;
+  bool visible;
+};
+
 struct Items {
   std::vector<oct::app::IndexedItem> labelled;
-  std::unordered_map<ImGuiID, ImRect> places;
-  std::unordered_map<ImGuiID, bool> visible;
+  std::unordered_map<ImGuiID, Place> places;
 };
 
 // ImGui's hooks are functions without an object.
@@ -19,23 +23,23 @@ Items& items() {
   return gathered;
 }
 
-bool is_visible(const ImRect& place) {
+bool is_visible(const ImRect& rectangle) {
   const ImGuiWindow* window = ImGui::GetCurrentContext()->CurrentWindow;
-  return !window || window->ClipRect.Contains(place.GetCenter());
+  return !window || window->ClipRect.Contains(rectangle.GetCenter());
 }
 
 }  // namespace
 
 // NOLINTBEGIN(readability-identifier-naming): names of ImGui
-void ImGuiTestEngineHook_ItemAdd(ImGuiContext*, const ImRect& place, ImGuiID id) {
-  if (id != 0) items().places[id] = place;
-  if (id != 0) items().visible[id] = is_visible(place);
+void ImGuiTestEngineHook_ItemAdd(ImGuiContext*, const ImRect& rectangle, ImGuiID id) {
+  if (id != 0) items().places[id] = {rectangle, is_visible(rectangle)};
 }
 
 void ImGuiTestEngineHook_ItemInfo(ImGuiContext*, ImGuiID id, const char* label, ImGuiItemStatusFlags) {
   const auto place = items().places.find(id);
   if (place == items().places.end() || !label) return;
-  items().labelled.push_back({label, place->second.Min, place->second.Max, items().visible[id]});
+  const auto& [rectangle, visible] = place->second;
+  items().labelled.push_back({label, rectangle.Min, rectangle.Max, visible});
 }
 
 void ImGuiTestEngineHook_Log(ImGuiContext*, const char*, ...) {}
@@ -54,7 +58,6 @@ void gather_items(bool on) {
 void forget_items() {
   items().labelled.clear();
   items().places.clear();
-  items().visible.clear();
 }
 
 void mark_item(std::string_view label, ImVec2 from, ImVec2 to) {
