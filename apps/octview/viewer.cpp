@@ -16,6 +16,9 @@
 namespace oct::app {
 namespace {
 
+constexpr ImGuiWindowFlags pane_flags =
+    ImGuiWindowFlags_NoScrollbar | ImGuiWindowFlags_NoScrollWithMouse | ImGuiWindowFlags_NoBackground;
+
 // A volume, an overlay, and as much again for all else.
 DocumentLimits limits_of_machine() {
   DocumentLimits limits{{}, drawable_limits()};
@@ -113,13 +116,12 @@ void Viewer::build(double now) {
   ImGui::SetNextWindowSize(screen.Size);
   ImGui::Begin("octview", nullptr,
                ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoSavedSettings |
-                   ImGuiWindowFlags_NoBringToFrontOnFocus);
+                   ImGuiWindowFlags_NoBringToFrontOnFocus | ImGuiWindowFlags_NoBackground);
   const float status_height = ImGui::GetFrameHeightWithSpacing();
-  ImGui::BeginChild("##everything", {0, -status_height});
+  ImGui::BeginChild("##everything", {0, -status_height}, false, ImGuiWindowFlags_NoBackground);
   show_sidebar(em(19));
   ImGui::SameLine();
-  ImGui::BeginChild("##panes", {0, 0}, false,
-                    ImGuiWindowFlags_NoScrollbar | ImGuiWindowFlags_NoScrollWithMouse);
+  ImGui::BeginChild("##panes", {0, 0}, false, pane_flags);
   show_panes();
   ImGui::EndChild();
   ImGui::EndChild();
@@ -149,8 +151,7 @@ void Viewer::show_panes() {
   const ImVec2 size{std::floor((space.x - gap.x) / 2), std::floor((space.y - gap.y) / 2)};
   for (std::size_t i = 0; i < 4; ++i) {
     if (i % 2) ImGui::SameLine();
-    ImGui::BeginChild(pane_names[i], size, false,
-                      ImGuiWindowFlags_NoScrollbar | ImGuiWindowFlags_NoScrollWithMouse);
+    ImGui::BeginChild(pane_names[i], size, false, pane_flags);
     show_pane(static_cast<Pane>(i));
     ImGui::EndChild();
   }

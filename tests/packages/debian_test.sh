@@ -8,7 +8,9 @@ umask 0022
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 rm -rf "$build/packages"
-cpack --config "$build/CPackConfig.cmake" -G DEB -B "$build/packages" >"$work/cpack.log" || { cat "$work/cpack.log"; exit 1; }
+# shellcheck source=tests/packages/compression.sh
+. "$(dirname "$0")/compression.sh"
+cpack --config "$build/CPackConfig.cmake" -G DEB "${compression[@]}" -B "$build/packages" >"$work/cpack.log" || { cat "$work/cpack.log"; exit 1; }
 rm -rf "$build/packages/_CPack_Packages"
 
 lintian --fail-on error,warning --allow-root "$build"/packages/*.deb

@@ -22,12 +22,14 @@ SOURCE_DATE_EPOCH=$(git -C "$source" log -1 --format=%ct)
 export SOURCE_DATE_EPOCH CCACHE_DISABLE=1 TZ=Asia/Kathmandu LC_ALL=C.UTF-8 USER=somebody
 umask 0022  # cpack writes it into packages for Debian
 unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
+# shellcheck source=tests/packages/compression.sh
+. "$(dirname "$0")/compression.sh"
 launcher=$(realpath "$(dirname "$0")/reuse_object")
 {
   cmake --preset "$preset" -S "$again" -DOCT_BUILD_TESTS=OFF -DOCT_BUILD_BENCHMARKS=OFF \
     "-DCMAKE_C_COMPILER_LAUNCHER=$launcher" "-DCMAKE_CXX_COMPILER_LAUNCHER=$launcher" &&
     cmake --build "$again/build/$preset" --target shipped &&
-    cpack --config "$again/build/$preset/CPackConfig.cmake" -B "$work/packages"
+    cpack --config "$again/build/$preset/CPackConfig.cmake" "${compression[@]}" -B "$work/packages"
 } >"$work/log" 2>&1 || { tail -n 30 "$work/log" >&2; exit 1; }
 echo "$(wc -l <"$OCT_COMPILED") objects compiled anew"
 

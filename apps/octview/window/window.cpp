@@ -172,7 +172,9 @@ void Window::end_frame() {
   int height = 0;
   glfwGetFramebufferSize(window_.get(), &width, &height);
   gl_.viewport(0, 0, width, height);
-  gl_.clear_color(0, 0, 0, 1);
+  // Software takes long to fill areas, so that nothing but this is behind the panes.
+  const ImVec4& background = ImGui::GetStyle().Colors[ImGuiCol_ChildBg];
+  gl_.clear_color(background.x, background.y, background.z, 1);
   gl_.clear(GL_COLOR_BUFFER_BIT);
   ImGui_ImplOpenGL3_RenderDrawData(ImGui::GetDrawData());
 }
