@@ -52,7 +52,6 @@ void QualityControl::moved(double now) {
 void QualityControl::replaced() {
   changed_ = owed_ = true;
   moved_at_.reset();
-  previews_ = seconds_[0] == 0 || seconds_[0] > longest;
 }
 
 bool QualityControl::is_moving(double now) const {
@@ -64,7 +63,6 @@ bool QualityControl::is_moving(double now) const {
 
 std::optional<Quality> QualityControl::wanted(double now) const {
   if (!owed_) return std::nullopt;
-  if (previews_) return levels.back();
   if (!is_moving(now)) return Quality{};
   if (changed_) return levels[level_];
   return std::nullopt;
@@ -77,7 +75,7 @@ double QualityControl::expected(std::size_t level) const {
 }
 
 void QualityControl::drawn(const Quality& quality, double seconds) {
-  changed_ = previews_ = false;
+  changed_ = false;
   if (quality.is_full()) owed_ = false;
   const auto level = static_cast<std::size_t>(std::ranges::find(levels, quality) - levels.begin());
   for (double& known : seconds_) known *= memory;

@@ -28,7 +28,7 @@ class QualityControl {
 
   // The picture is another one now. The hand may go on.
   void moved(double now);
-  // The picture is of other data. A full one follows at once; where that takes long, or may, a coarse one is there before it.
+  // The picture is another one, but nobody waits for the next: it is drawn in full.
   void replaced();
 
   // What to draw now. None: what was drawn last is as good as it gets for now.
@@ -47,7 +47,6 @@ class QualityControl {
   std::size_t level_ = 0;
   std::array<double, level_count> seconds_{};  // that pictures of each level took lately; 0: not known
   std::optional<double> moved_at_;
-  bool previews_ = false;
   bool changed_ = false;  // since the last picture
   bool owed_ = false;     // the last picture is coarse, or of before
 };
