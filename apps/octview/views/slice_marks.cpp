@@ -217,7 +217,12 @@ void draw_label(ImDrawList& list, ImVec2 place, const std::string& text, ImU32 c
 }
 
 void draw_note(ImDrawList& list, ImVec2 corner, float width, const std::string& text) {
-  list.AddText(nullptr, 0, corner, note_color, text.c_str(), nullptr, std::max(width, ImGui::GetFontSize()));
+  width = std::max(width, ImGui::GetFontSize());
+  const ImVec2 size = ImGui::CalcTextSize(text.c_str(), nullptr, false, width);
+  const float margin = ImGui::GetFontSize() * 0.2F;
+  list.AddRectFilled({corner.x - margin, corner.y}, {corner.x + size.x + margin, corner.y + size.y}, shade,
+                     margin);
+  list.AddText(nullptr, 0, corner, note_color, text.c_str(), nullptr, width);
 }
 
 std::string tool_text(const Workspace& workspace) {

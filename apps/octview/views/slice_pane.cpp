@@ -69,9 +69,10 @@ void SlicePane::show(Workspace& workspace) {
   draw_slice_marks(list, workspace, geometry, mouse);
   if (mouse) workspace.under_cursor = text_under(workspace, geometry, drawing_.image(), *mouse);
   if (workspace.document.volume->is_reduced())
-    draw_label(list, {corner.x + size.x / 2, corner.y + size.y},
-               "Read " + reduction_text(*workspace.document.volume) + ": all of it would take too much memory",
-               note_color, {0.5F, 1.2F});
+    draw_label(
+        list, {corner.x + size.x / 2, corner.y + size.y},
+        "Read " + reduction_text(*workspace.document.volume) + ": all of it would take too much memory",
+        note_color, {0.5F, 1.2F});
   if (!drawing_.explanation().empty()) {
     const float margin = ImGui::GetFontSize();
     draw_note(list, {corner.x + margin, corner.y + 4.5F * margin}, size.x - 2 * margin,
