@@ -28,13 +28,13 @@ option(OCT_THREAD_TESTS_ONLY "Build and register only tests about threads" OFF)
 # build of them.
 option(OCT_NATIVE_TESTS_ONLY "Build and register only tests that no sanitizer build runs as well" OFF)
 
-# oct_add_test(target [THREADS] [NATIVE] [SHARDS n])
-#   THREADS: the test is about threads. NATIVE: it is about what is released, and sanitizers have others of the same code. SHARDS: it takes long,
-#   and runs as so many processes.
+# oct_add_test(target [THREADS] [NATIVE | CLIENT] [SHARDS n])
+#   THREADS: the test is about threads. NATIVE: it is about what is released, and runs as that, too. CLIENT: it is about a program
+#   that uses the library as others do, and runs as released only. SHARDS: it takes long, and runs as so many processes.
 # An entry of ctest is a process, not a case: starting one costs more than most cases do. Entries are named after the
 # preset, so that several builds can be run as one. Each leaves a list of its cases, NAME.cases.xml.
 function(oct_add_test target)
-  cmake_parse_arguments(test "THREADS;NATIVE" "SHARDS" "" ${ARGN})
+  cmake_parse_arguments(test "THREADS;NATIVE;CLIENT" "SHARDS" "" ${ARGN})
   oct_warnings(${target})
   target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_compile_definitions(${target} PRIVATE OCT_SHARED_DATA="${OCT_SHARED_DATA}")
@@ -53,8 +53,8 @@ function(oct_add_test target)
   if(OCT_LLD)
     target_link_options(${target} PRIVATE -fuse-ld=lld)
   endif()
-  if((OCT_THREAD_TESTS_ONLY AND NOT test_THREADS) OR (OCT_NATIVE_TESTS_ONLY AND NOT test_NATIVE) OR
-      (OCT_SANITIZE AND test_NATIVE))
+  if((OCT_THREAD_TESTS_ONLY AND NOT test_THREADS) OR (OCT_SANITIZE AND test_CLIENT) OR
+      (OCT_NATIVE_TESTS_ONLY AND NOT test_NATIVE AND NOT test_CLIENT))
     set_target_properties(${target} PROPERTIES EXCLUDE_FROM_ALL ON)
     return()
   endif()
