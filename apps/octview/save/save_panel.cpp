@@ -33,6 +33,11 @@ std::filesystem::path copy_file() {
   return (error ? std::filesystem::path(".") : folder) / "octview-copy.png";
 }
 
+bool is_enter_pressed() {
+  return ImGui::IsWindowFocused() && (ImGui::IsKeyPressed(ImGui::GetKeyIndex(ImGuiKey_Enter), false) ||
+                                      ImGui::IsKeyPressed(ImGui::GetKeyIndex(ImGuiKey_KeyPadEnter), false));
+}
+
 }  // namespace
 
 PictureOrder SavePanel::order(const Workspace& workspace) const {
@@ -74,9 +79,7 @@ void SavePanel::show_form(Workspace& workspace) {
   int pane = static_cast<int>(pane_);
   ImGui::PushItemWidth(em * 22);
   if (ImGui::IsWindowAppearing()) ImGui::SetKeyboardFocusHere();
-  const bool entered =
-      ImGui::InputText("File", file_.data(), file_.size(),
-                       ImGuiInputTextFlags_EnterReturnsTrue | ImGuiInputTextFlags_AutoSelectAll);
+  ImGui::InputText("File", file_.data(), file_.size(), ImGuiInputTextFlags_AutoSelectAll);
   if (ImGui::Combo("Pane", &pane, pane_names.data(), static_cast<int>(pane_names.size())))
     pane_ = static_cast<Pane>(pane);
   ImGui::Combo("Size", &scale_,
@@ -98,7 +101,8 @@ void SavePanel::show_form(Workspace& workspace) {
     ImGui::SameLine();
     ImGui::TextUnformatted("- replaces the file");
   }
-  const bool saves = ImGui::Button("Save") || entered;
+  // The field would not see it in the form's first frames.
+  const bool saves = ImGui::Button("Save") || is_enter_pressed();
   ImGui::SameLine();
   if (ImGui::Button("Cancel") || ImGui::IsKeyPressed(ImGui::GetKeyIndex(ImGuiKey_Escape)))
     ImGui::CloseCurrentPopup();

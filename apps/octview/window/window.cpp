@@ -58,7 +58,7 @@ Window::Interface::Interface(GLFWwindow* window) {
   IMGUI_CHECKVERSION();
   ImGui::CreateContext();
   ImGui::GetIO().IniFilename = nullptr;  // sessions keep what is worth keeping
-  if (!ImGui_ImplGlfw_InitForOpenGL(window, true) || !ImGui_ImplOpenGL3_Init("#version 330 core")) {
+  if (!ImGui_ImplGlfw_InitForOpenGL(window, false) || !ImGui_ImplOpenGL3_Init("#version 330 core")) {
     ImGui::DestroyContext();
     throw std::runtime_error("The interface cannot be drawn with this OpenGL");
   }
@@ -81,17 +81,34 @@ Window::Window(const WindowSettings& settings) : window_(open(settings, scale_),
     auto& self = *static_cast<Window*>(glfwGetWindowUserPointer(window));
     for (int i = 0; i < count; ++i) self.dropped_.push_back(from_utf8(paths[i]));
   });
-  // The interface's backend passes on to this what it gets.
-  glfwSetKeyCallback(window_.get(), [](GLFWwindow* window, int key, int, int action, int modifiers) {
-    auto& self = *static_cast<Window*>(glfwGetWindowUserPointer(window));
-    if (action == GLFW_PRESS && key >= 0) self.taps_.push_back({key, modifiers});
-  });
+  listen();
   interface_ = std::make_unique<Interface>(window_.get());
   load_font();
   set_dark(settings.dark);
 }
 
 Window::~Window() = default;
+
+// In place of the interface's backend, which keeps only the last state of what is down.
+void Window::listen() {
+  GLFWwindow* const window = window_.get();
+  glfwSetCursorPosCallback(window, [](GLFWwindow* from, double x, double y) { input_of(from).move(x, y); });
+  glfwSetCursorEnterCallback(window, [](GLFWwindow* from, int entered) {
+    if (!entered) input_of(from).leave();
+  });
+  glfwSetMouseButtonCallback(window, [](GLFWwindow* from, int button, int action, int) {
+    input_of(from).button(button, action == GLFW_PRESS);
+  });
+  glfwSetScrollCallback(window, [](GLFWwindow* from, double x, double y) { input_of(from).wheel(x, y); });
+  glfwSetKeyCallback(window, [](GLFWwindow* from, int key, int, int action, int) {
+    if (key >= 0 && action != GLFW_REPEAT) input_of(from).key(key, action == GLFW_PRESS);
+  });
+  glfwSetCharCallback(window, [](GLFWwindow* from, unsigned code) { input_of(from).character(code); });
+}
+
+InputQueue& Window::input_of(GLFWwindow* window) {
+  return static_cast<Window*>(glfwGetWindowUserPointer(window))->input_;
+}
 
 void Window::load_font() {
   ImGuiIO& io = ImGui::GetIO();
@@ -126,48 +143,23 @@ std::vector<std::filesystem::path> Window::take_dropped() {
 }
 
 void Window::wait_for_events(double seconds) {
-  if (seconds > 0) {
+  if (seconds > 0 && input_.is_empty()) {
     glfwWaitEventsTimeout(seconds);
   } else {
     glfwPollEvents();
   }
 }
 
-// The interface looks at keys once a frame, and would not see those that were tapped in between.
-void Window::show_taps() {
-  ImGuiIO& io = ImGui::GetIO();
-  for (const auto& [key, modifiers] : taps_) {
-    if (io.KeysDown[key]) continue;
-    io.KeysDown[key] = true;
-    tapped_.push_back(key);
-    io.KeyCtrl |= (modifiers & GLFW_MOD_CONTROL) != 0;
-    io.KeyShift |= (modifiers & GLFW_MOD_SHIFT) != 0;
-    io.KeyAlt |= (modifiers & GLFW_MOD_ALT) != 0;
-  }
-  taps_.clear();
-}
-
-void Window::end_taps() {
-  if (tapped_.empty()) return;
-  ImGuiIO& io = ImGui::GetIO();
-  for (const int key : tapped_) io.KeysDown[key] = false;
-  tapped_.clear();
-  io.KeyCtrl = io.KeysDown[GLFW_KEY_LEFT_CONTROL] || io.KeysDown[GLFW_KEY_RIGHT_CONTROL];
-  io.KeyShift = io.KeysDown[GLFW_KEY_LEFT_SHIFT] || io.KeysDown[GLFW_KEY_RIGHT_SHIFT];
-  io.KeyAlt = io.KeysDown[GLFW_KEY_LEFT_ALT] || io.KeysDown[GLFW_KEY_RIGHT_ALT];
-}
-
 void Window::begin_frame(const std::function<void()>& feed_input) {
   ImGui_ImplOpenGL3_NewFrame();
   ImGui_ImplGlfw_NewFrame();
-  show_taps();
+  input_.feed(ImGui::GetIO());
   if (feed_input) feed_input();
   ImGui::NewFrame();
 }
 
 void Window::end_frame() {
   ImGui::Render();
-  end_taps();
   int width = 0;
   int height = 0;
   glfwGetFramebufferSize(window_.get(), &width, &height);

@@ -9,6 +9,7 @@
 
 #include "data/picture.h"
 #include "octview/window/gl_functions.h"
+#include "octview/window/input_queue.h"
 
 struct GLFWwindow;
 
@@ -61,15 +62,9 @@ class Window {
     ~Interface();
   };
 
-  // A key that went down and up again between two frames.
-  struct Tap {
-    int key;
-    int modifiers;
-  };
-
+  static InputQueue& input_of(GLFWwindow* window);
+  void listen();
   void load_font();
-  void show_taps();
-  void end_taps();
 
   Glfw glfw_;
   float scale_ = 1;  // found with the window, and so before it
@@ -77,8 +72,7 @@ class Window {
   GlFunctions gl_{};
   std::unique_ptr<Interface> interface_;
   std::vector<std::filesystem::path> dropped_;
-  std::vector<Tap> taps_;
-  std::vector<int> tapped_;  // that are down for this frame only
+  InputQueue input_;
 };
 
 }  // namespace oct::app
