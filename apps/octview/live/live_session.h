@@ -47,6 +47,7 @@ class LiveSession {
 
   // OpenGL. Draws the latest volume into the framebuffer that is bound. Throws the library's error.
   void draw(const LiveScene& scene);
+  bool draws_volumes() const { return scene_.has_value(); }  // else frames draw nothing of them
   // Null unless volumes run. Of one start.
   VolumeRendererHandle renderer() const;
   OctLiveStatistics statistics() const;  // of the latest start, the end included

@@ -187,7 +187,11 @@ void LivePanel::show_scan() {
 void LivePanel::show_numbers(const LiveSession& session) const {
   if (!ImGui::TreeNodeEx("Volumes##numbers", heading)) return;
   const OctLiveStatistics numbers = session.statistics();
-  row("Shown", "%llu, %.1f per second", numbers.shown, numbers.volumes_per_second);
+  if (session.state() == LiveSession::State::running && !session.draws_volumes()) {
+    row("Shown", "%llu, volume is hidden", numbers.shown);
+  } else {
+    row("Shown", "%llu, %.1f per second", numbers.shown, numbers.volumes_per_second);
+  }
   row("Acquired", "%llu", numbers.acquired);
   row("Dropped", "%llu without a frame", numbers.dropped_no_frame);
   row("", "%llu withdrawn", numbers.dropped_withdrawn);
