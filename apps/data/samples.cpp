@@ -28,15 +28,6 @@ bool is_finite(float value) {
   return std::isfinite(value);
 }
 
-// Without a way out of the loop, so that it takes no longer than reading memory does.
-bool all_finite(std::span<const float> samples) {
-  constexpr std::uint32_t exponent = 0x7F800000U;
-  std::uint32_t others = 0;
-  for (const float sample : samples)
-    others |= static_cast<std::uint32_t>((std::bit_cast<std::uint32_t>(sample) & exponent) == exponent);
-  return others == 0;
-}
-
 std::optional<ValueRange> range_of_finite(std::vector<float> finite, Shares shares) {
   if (finite.empty()) return std::nullopt;
   ValueRange range{quantile(finite, shares.lower), quantile(finite, shares.upper)};
@@ -49,6 +40,26 @@ std::optional<ValueRange> range_of_finite(std::vector<float> finite, Shares shar
 }
 
 }  // namespace
+
+// Without a way out of the loop, so that it takes no longer than reading memory does.
+bool all_finite(std::span<const float> samples) {
+  constexpr std::uint32_t exponent = 0x7F800000U;
+  std::uint32_t others = 0;
+  for (const float sample : samples)
+    others |= static_cast<std::uint32_t>((std::bit_cast<std::uint32_t>(sample) & exponent) == exponent);
+  return others == 0;
+}
+
+std::size_t widen(ValueRange& range, std::span<const float> samples) {
+  std::size_t count = 0;
+  for (const float sample : samples) {
+    if (!is_finite(sample)) continue;
+    ++count;
+    range.lower = std::min<double>(range.lower, sample);
+    range.upper = std::max<double>(range.upper, sample);
+  }
+  return count;
+}
 
 double quantile(std::vector<float>& values, double share) {
   const double rank = share * static_cast<double>(values.size() - 1);
@@ -99,17 +110,9 @@ void replace_non_finite(std::span<float> samples, const ValueRange& range) {
 
 std::size_t replace_non_finite(std::span<float> samples) {
   if (all_finite(samples)) return 0;
-  ValueRange finite{std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
-  std::size_t count = 0;
-  for (const float sample : samples) {
-    if (!is_finite(sample)) {
-      ++count;
-      continue;
-    }
-    finite.lower = std::min<double>(finite.lower, sample);
-    finite.upper = std::max<double>(finite.upper, sample);
-  }
-  if (count > 0 && count < samples.size()) replace_non_finite(samples, finite);
+  ValueRange finite = no_range;
+  const std::size_t count = samples.size() - widen(finite, samples);
+  if (count < samples.size()) replace_non_finite(samples, finite);
   return count;
 }
 

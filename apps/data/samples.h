@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <optional>
 #include <span>
 #include <vector>
@@ -14,6 +15,15 @@ struct ValueRange {
 
   bool operator==(const ValueRange&) const = default;
 };
+
+// Of nothing: any sample widens it to itself.
+constexpr ValueRange no_range{std::numeric_limits<double>::infinity(),
+                              -std::numeric_limits<double>::infinity()};
+
+bool all_finite(std::span<const float> samples);
+
+// So that every finite sample lies in the range. Returns how many there were.
+std::size_t widen(ValueRange& range, std::span<const float> samples);
 
 // The value below which this share (0 to 1) of the values lies, linear between neighbours in rank. Reorders
 // the values, of which there must be at least one.

@@ -73,6 +73,13 @@ void transpose(const std::vector<float>& from, std::size_t rows, std::size_t col
   }
 }
 
+// The voxel, of several samples each; none where the surface has no depth.
+std::optional<std::ptrdiff_t> voxel_of(float depth, std::size_t samples) {
+  if (!(std::abs(depth) < 1e9F)) return std::nullopt;  // infinity neither
+  const double voxel = (static_cast<double>(depth) + 0.5) / static_cast<double>(samples);
+  return static_cast<std::ptrdiff_t>(std::floor(voxel));
+}
+
 // Where en-face sections lie: the depth of each A-scan that a section's own depth counts from.
 class Origin {
  public:
@@ -83,10 +90,7 @@ class Origin {
     if (!surface_) return 0;
     const std::size_t row = (2 * bscan + 1) * surface_->bscans / (2 * volume_.bscans);
     const std::size_t column = (2 * ascan + 1) * surface_->ascans / (2 * volume_.ascans);
-    const float depth = surface_->values[row * surface_->ascans + column];
-    if (!(std::abs(depth) < 1e9F)) return std::nullopt;  // infinity neither
-    const double voxel = (static_cast<double>(depth) + 0.5) / static_cast<double>(volume_.reduction[0]);
-    return static_cast<std::ptrdiff_t>(std::floor(voxel));
+    return voxel_of(surface_->values[row * surface_->ascans + column], volume_.reduction[0]);
   }
 
  private:
@@ -160,6 +164,33 @@ Image slice_of(const VolumeData& volume, SliceAxis axis, std::ptrdiff_t position
     }
   }
   return image;
+}
+
+VolumePart part_of_slice(const std::array<std::size_t, 3>& sizes, SliceAxis axis, std::ptrdiff_t position,
+                         const EnFace& enface, const LateralMap* surface) {
+  std::ptrdiff_t first = position, last = position;
+  if (axis == SliceAxis::enface) {
+    std::ptrdiff_t lowest = 0, highest = 0;
+    if (enface.along_surface) {
+      lowest = std::numeric_limits<std::ptrdiff_t>::max();
+      highest = std::numeric_limits<std::ptrdiff_t>::min();
+      for (const float depth : surface->values) {
+        const std::optional<std::ptrdiff_t> voxel = voxel_of(depth, 1);
+        lowest = std::min(lowest, voxel.value_or(lowest));
+        highest = std::max(highest, voxel.value_or(highest));
+      }
+      if (lowest > highest) lowest = highest = 0;
+    }
+    const auto layers = static_cast<std::ptrdiff_t>(std::min(enface.layers, most_layers));
+    first = lowest + position - layers / 2;
+    last = highest + position - layers / 2 + layers - 1;
+  }
+  const std::size_t across = axes_of(axis).across;
+  const std::ptrdiff_t end = static_cast<std::ptrdiff_t>(sizes[across]) - 1;
+  VolumePart part{{}, sizes};
+  part.begin[across] = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(first, 0, end));
+  part.end[across] = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(last, 0, end)) + 1;
+  return part;
 }
 
 }  // namespace oct::app

@@ -1,6 +1,7 @@
 // Sections of a volume as images.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string_view>
@@ -44,5 +45,10 @@ struct EnFace {
 // needed along it only, has depths in samples of the volume's file, and may be larger or smaller than the volume.
 Image slice_of(const VolumeData& volume, SliceAxis axis, std::ptrdiff_t position, const EnFace& enface = {},
                const LateralMap* surface = nullptr);
+
+// What a volume of these sizes needs to have of its voxels for the section, one layer at least. The section of that part alone is
+// the same where its position counts from the part's begin.
+VolumePart part_of_slice(const std::array<std::size_t, 3>& sizes, SliceAxis axis, std::ptrdiff_t position,
+                         const EnFace& enface = {}, const LateralMap* surface = nullptr);
 
 }  // namespace oct::app

@@ -25,6 +25,12 @@ struct VolumeData {
   bool is_reduced() const { return reduction != std::array<std::size_t, 3>{1, 1, 1}; }
 };
 
+// Voxels from begin on and before end, along depth, A-scans and B-scans.
+struct VolumePart {
+  std::array<std::size_t, 3> begin{};
+  std::array<std::size_t, 3> end{};
+};
+
 // Values over the two lateral axes: rows along the B-scans, columns along the A-scans.
 struct LateralMap {
   std::size_t ascans = 0;

@@ -15,50 +15,41 @@ using Sizes = std::array<std::size_t, 3>;
 
 class VolumeReading {
  public:
-  VolumeReading(const DataFile& file, const VolumeLimits& limits)
-      : file_(file), limits_(limits), data_(open_data(file)) {}
+  VolumeReading(const DataFile& file, const VolumeLimits& limits) : limits_(limits), file_(file) {}
 
   VolumeData read(const ProgressFunction& progress) {
-    const std::size_t frames = data_.frames->frame_count();
-    for (std::size_t frame = 0; frame < frames; ++frame) {
-      const Raster raster = data_.frames->read(frame, no_progress);
-      progress(frame * raster.samples.size(), frames * raster.samples.size());
-      if (frame == 0) prepare(raster.columns, raster.rows, frames);
-      if (raster.columns != sizes_[0] || raster.rows != sizes_[1]) throw other_size(file_.path, frame);
-      add(raster, frame);
-    }
-    volume_.spacing = voxel_spacing(*data_.frames, data_.axes);
+    prepare();
+    const std::size_t frames = sizes_[2];
+    file_.read_frames(0, frames, progress,
+                      [&](std::size_t frame, const Raster& raster) { add(raster, frame); });
+    volume_.spacing = file_.spacing();
     return std::move(volume_);
   }
 
  private:
-  void prepare(std::size_t columns, std::size_t rows, std::size_t frames) {
-    sizes_ = {columns, rows, frames};
-    for (std::size_t i = 0; i < 3; ++i) {
-      if (data_.axes[i] == Axis::bscan && sizes_[i] < 2) {
-        throw NoVolumeError(file_.path, "this is one image; a volume has three axes (B-scan, depth, A-scan)");
-      }
-    }
+  void prepare() {
+    const AxisOrder& axes = file_.axes();
+    for (std::size_t i = 0; i < 3; ++i) sizes_[i] = file_.sizes()[number_of(axes[i])];
     factors_ = reduction_of(sizes_, limits_.voxels_per_axis, limits_.bytes / sizeof(float));
     means_ = BlockMeans(factors_);
     Sizes small{};
     for (std::size_t i = 0; i < 3; ++i) {
-      const unsigned axis = number_of(data_.axes[i]);
+      const unsigned axis = number_of(axes[i]);
       small[axis] = (sizes_[i] - 1) / factors_[i] + 1;
       volume_.reduction[axis] = factors_[i];
-      volume_.file_size[axis] = sizes_[i];
     }
+    volume_.file_size = file_.sizes();
     if (small[2] > max_voxels / small[0] / small[1]) {
-      throw ReadError(file_.path, "the volume is too large (" + std::to_string(small[2]) + " B-scans of " +
-                                      std::to_string(small[0]) + " x " + std::to_string(small[1]) +
-                                      " samples)");
+      throw ReadError(file_.file().path, "the volume is too large (" + std::to_string(small[2]) +
+                                             " B-scans of " + std::to_string(small[0]) + " x " +
+                                             std::to_string(small[1]) + " samples)");
     }
     volume_.depth = small[0];
     volume_.ascans = small[1];
     volume_.bscans = small[2];
     volume_.voxels.resize(small[0] * small[1] * small[2]);
     const Sizes steps{1, small[0], small[0] * small[1]};
-    for (std::size_t i = 0; i < 3; ++i) steps_[i] = steps[number_of(data_.axes[i])];
+    for (std::size_t i = 0; i < 3; ++i) steps_[i] = steps[number_of(axes[i])];
   }
 
   void add(const Raster& raster, std::size_t frame) {
@@ -71,9 +62,8 @@ class VolumeReading {
     place(means_.take(), &volume_.voxels[frame / factors_[2] * steps_[2]], steps_[0], steps_[1]);
   }
 
-  const DataFile& file_;
   const VolumeLimits& limits_;
-  OpenData data_;
+  VolumeFile file_;
   VolumeData volume_;
   // Of columns, rows and frames.
   Sizes sizes_{};
@@ -98,9 +88,9 @@ LateralMap load_lateral_map(const DataFile& file) {
   return {image.depth, image.ascans, std::move(image.samples)};
 }
 
-LateralMap load_height_map(const DataFile& file, const VolumeData& volume) {
+LateralMap load_height_map(const DataFile& file, const std::array<std::size_t, 3>& volume_size) {
   LateralMap map = load_lateral_map(file);
-  const std::size_t ascans = volume.file_size[1], bscans = volume.file_size[2];
+  const std::size_t ascans = volume_size[1], bscans = volume_size[2];
   if (map.bscans != bscans || map.ascans != ascans) {
     throw ReadError(file.path, "the height map has " + std::to_string(map.bscans) + " rows of " +
                                    std::to_string(map.ascans) + " samples; the volume has " +

@@ -1,21 +1,16 @@
 // Reads volumes, and maps that belong to them.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 #include "data/data_file.h"
-#include "data/file_errors.h"
 #include "data/progress_function.h"
 #include "data/volume.h"
+#include "data/volume_file.h"
 
 namespace oct::app {
-
-// The file holds one image only.
-class NoVolumeError : public ReadError {
-  using ReadError::ReadError;
-};
 
 // What a volume in memory may take. A larger one is reduced while it is read.
 struct VolumeLimits {
@@ -28,7 +23,7 @@ VolumeData load_volume(const DataFile& file, const VolumeLimits& limits = {},
 
 LateralMap load_lateral_map(const DataFile& file);  // of several frames the middle one
 
-// A height map, one row per B-scan and one column per A-scan of the volume's file.
-LateralMap load_height_map(const DataFile& file, const VolumeData& volume);
+// A height map, one row per B-scan and one column per A-scan of a volume whose file has these sizes (depth, A-scans, B-scans).
+LateralMap load_height_map(const DataFile& file, const std::array<std::size_t, 3>& volume_size);
 
 }  // namespace oct::app

@@ -1,5 +1,6 @@
 // octrender slice: sections of a volume, as pictures or as values.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -244,18 +245,19 @@ void check_section(const Options& options) {
 // The sections of one run.
 class Sections {
  public:
-  Sections(const Options& options, VolumeData volume) : volume_(std::move(volume)) {
-    axis_ = *find_slice_axis(options.axis);
+  // Sizes of the volume that they are of, and of its file.
+  Sections(const Options& options, const std::array<std::size_t, 3>& sizes,
+           const std::array<std::size_t, 3>& file_size)
+      : axis_(*find_slice_axis(options.axis)), sizes_(sizes) {
     enface_.layers = options.layers;
     enface_.projection = options.projection == "mean" ? Projection::mean : Projection::maximum;
     if (!options.surface.empty()) {
-      surface_ = load_height_map({from_utf8(options.surface), {}, {}}, volume_);
+      surface_ = load_height_map({from_utf8(options.surface), {}, {}}, file_size);
       enface_.along_surface = true;
     }
   }
 
-  const VolumeData& volume() const { return volume_; }
-  std::ptrdiff_t count() const { return static_cast<std::ptrdiff_t>(slice_count(volume_, axis_)); }
+  std::ptrdiff_t count() const { return static_cast<std::ptrdiff_t>(sizes_[axes_of(axis_).across]); }
 
   // Positions that were asked for, all of which exist.
   Sweep positions(const Options& options) const {
@@ -279,36 +281,73 @@ class Sections {
     return sweep;
   }
 
-  Image at(std::ptrdiff_t position) const { return of(volume_, position); }
-  Image of(const VolumeData& other, std::ptrdiff_t position) const {
-    return slice_of(other, axis_, position, enface_, &surface_);
+  // What the section at the position needs. From now on volumes are that part.
+  VolumePart narrow(std::ptrdiff_t position) {
+    const VolumePart part = part_of_slice(sizes_, axis_, position, enface_, &surface_);
+    begin_ = static_cast<std::ptrdiff_t>(part.begin[axes_of(axis_).across]);
+    return part;
+  }
+
+  Image of(const VolumeData& volume, std::ptrdiff_t position) const {
+    return slice_of(volume, axis_, position - begin_, enface_, &surface_);
   }
 
  private:
-  VolumeData volume_;
-  SliceAxis axis_ = SliceAxis::bscan;
+  SliceAxis axis_;
+  std::array<std::size_t, 3> sizes_;
   EnFace enface_;
   LateralMap surface_;
+  std::ptrdiff_t begin_ = 0;  // of the volumes, along the positions
 };
 
-VolumeData load_base(const Options& options, bool finite) {
-  VolumeData volume = read_volume(data_file(options.input, options.data));
-  if (options.decibels) to_decibels(volume.voxels);
-  if (finite) replace_non_finite(volume.voxels);
-  take_extent(volume, options.extent);
-  if (options.extent.empty() && volume.spacing.is_known()) {
-    note(from_utf8(options.input), "voxels of " + spacing_text(volume.spacing));
+struct Inputs {
+  Sections sections;
+  Sweep sweep;
+  VolumeData base;
+  std::optional<VolumeData> overlay;
+};
+
+void take_spacing(const Options& options, VolumeData& base) {
+  take_extent(base, options.extent);
+  if (options.extent.empty() && base.spacing.is_known()) {
+    note(from_utf8(options.input), "voxels of " + spacing_text(base.spacing));
   }
-  return volume;
 }
 
-VolumeData load_overlay(const Options& options, const VolumeData& base) {
-  VolumeData overlay = read_volume(data_file(options.overlay, options.data));
-  replace_non_finite(overlay.voxels);
-  if (overlay.file_size != base.file_size) {
+void check_overlay(const Options& options, const std::array<std::size_t, 3>& overlay,
+                   const std::array<std::size_t, 3>& base) {
+  if (overlay != base)
     throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
-  }
-  return overlay;
+}
+
+Inputs read_volumes(const Options& options) {
+  VolumeData base = read_volume(data_file(options.input, options.data));
+  if (options.decibels) to_decibels(base.voxels);
+  replace_non_finite(base.voxels);
+  take_spacing(options, base);
+  Sections sections(options, base.sizes(), base.file_size);
+  const Sweep sweep = sections.positions(options);
+  Inputs inputs{std::move(sections), sweep, std::move(base), {}};
+  if (options.overlay.empty()) return inputs;
+  inputs.overlay = read_volume(data_file(options.overlay, options.data));
+  replace_non_finite(inputs.overlay->voxels);
+  check_overlay(options, inputs.overlay->file_size, inputs.base.file_size);
+  return inputs;
+}
+
+// Of one section, which may be of a volume that the memory would not hold.
+Inputs read_section(const Options& options, bool finite) {
+  VolumeFile file = open_volume(data_file(options.input, options.data));
+  Sections sections(options, file.sizes(), file.sizes());
+  const Sweep sweep = sections.positions(options);
+  const VolumePart part = sections.narrow(sweep.first);
+  Inputs inputs{std::move(sections), sweep, read_part(file, part, options.decibels, finite), {}};
+  take_spacing(options, inputs.base);
+  if (options.overlay.empty()) return inputs;
+  VolumeFile overlay = open_volume(data_file(options.overlay, options.data));
+  check_overlay(options, overlay.sizes(), file.sizes());
+  inputs.overlay = read_part(overlay, part, false, true);
+  return inputs;
 }
 
 PictureSize size_of(const Options& options, const Image& section, bool values) {
@@ -366,13 +405,8 @@ Picture finished(const Options& options, const SliceScene& scene, Picture pictur
   return figure_of(figure, style_of(options.figure));
 }
 
-struct Inputs {
-  Sections sections;
-  std::optional<VolumeData> overlay;
-};
-
 SlicePicture draw(const Options& options, const Inputs& inputs, std::ptrdiff_t position, SliceScene& scene) {
-  scene.base.image = std::make_shared<const Image>(inputs.sections.at(position));
+  scene.base.image = std::make_shared<const Image>(inputs.sections.of(inputs.base, position));
   if (inputs.overlay)
     scene.overlay->layer.image = std::make_shared<const Image>(inputs.sections.of(*inputs.overlay, position));
   scene.size = size_of(options, *scene.base.image, false);
@@ -382,12 +416,12 @@ SlicePicture draw(const Options& options, const Inputs& inputs, std::ptrdiff_t p
   return drawn;
 }
 
-void draw_sweep(const Options& options, const Inputs& inputs, const Sweep& sweep, SliceScene& scene,
+void draw_sweep(const Options& options, const Inputs& inputs, SliceScene& scene,
                 const std::filesystem::path& output, const PngTexts& texts) {
+  const Sweep& sweep = inputs.sweep;
   std::string explanation;
   {
-    Progress progress("drawing " + std::to_string(sweep.count()) + " pictures",
-                      inputs.sections.volume().voxels.size());
+    Progress progress("drawing " + std::to_string(sweep.count()) + " pictures", inputs.base.voxels.size());
     const auto series = open_series({output, sweep.count(), options.frames_per_second, texts});
     bool shows = false;
     for (unsigned i = 0; i < sweep.count(); ++i) {
@@ -418,25 +452,23 @@ void run(const Options& options, const PngTexts& texts) {
   style_of(options.figure);
   SliceScene scene = scene_of(options);
 
-  Inputs inputs{{options, load_base(options, !holds_values(options, output))}, {}};
-  const Sweep sweep = inputs.sections.positions(options);
-  if (!options.overlay.empty()) inputs.overlay = load_overlay(options, inputs.sections.volume());
   const bool alone = options.sweep.empty();
+  const Inputs inputs = alone ? read_section(options, !holds_values(options, output)) : read_volumes(options);
   const auto range_of = [&](const std::string& name, const VolumeData& volume,
                             const std::optional<ValueRange>& given) {
     const std::vector<float>& samples = volume.voxels;
-    return volume_range(name, alone ? inputs.sections.of(volume, sweep.first).samples : samples, given,
+    return volume_range(name, alone ? inputs.sections.of(volume, inputs.sweep.first).samples : samples, given,
                         image_shares);
   };
-  if (output.extension() != ".npy")
-    scene.base.range = range_of(options.input, inputs.sections.volume(), range);
+  if (output.extension() != ".npy") scene.base.range = range_of(options.input, inputs.base, range);
   if (inputs.overlay) scene.overlay->layer.range = range_of(options.overlay, *inputs.overlay, overlay_range);
   if (!alone) {
-    draw_sweep(options, inputs, sweep, scene, output, texts);
+    draw_sweep(options, inputs, scene, output, texts);
   } else if (holds_values(options, output)) {
-    write_values(output, values_of(options, inputs.sections.at(sweep.first)), scene.base.range, texts);
+    write_values(output, values_of(options, inputs.sections.of(inputs.base, inputs.sweep.first)),
+                 scene.base.range, texts);
   } else {
-    const SlicePicture drawn = draw(options, inputs, sweep.first, scene);
+    const SlicePicture drawn = draw(options, inputs, inputs.sweep.first, scene);
     write_png(output, drawn.picture, texts);
     warn("octrender", drawn.explanation);
   }

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <memory>
 
+#include "command_line/memory_budget.h"
 #include "command_line/progress.h"
 #include "command_line/warning.h"
 #include "data/formats/png_writer.h"
@@ -26,7 +27,7 @@ constexpr char description_text[] = "Draw a volume as a PNG picture, or as a ser
 constexpr char footer_text[] = R"(
 The volume keeps the proportions that --extent gives, else those of the spacing in its
 file, which is shown; else its voxels are cubes. A volume past what the driver draws
-is reduced by whole numbers, and the factors are shown.
+or the memory holds is reduced by whole numbers, and the factors are shown.
 
 Modes: composite shows voxels with the opacity of the ramp, maximum and mean what a ray
 meets on its way, sections three slices. The opacity of a composite rises with the square
@@ -145,7 +146,7 @@ VolumeScene scene_of(const Options& options) {
 
 void load_base(const Options& options, const DataFile& file, const std::optional<ValueRange>& range,
                const Shares& shares, VolumeScene& scene) {
-  VolumeData data = read_volume(file, drawable_limits());
+  VolumeData data = read_volume(file, within_memory(drawable_limits()));
   if (options.decibels) to_decibels(data.voxels);
   scene.base.range = volume_range(options.input, data.voxels, range, shares);
   replace_non_finite(data.voxels);
@@ -157,7 +158,7 @@ void load_base(const Options& options, const DataFile& file, const std::optional
 void load_overlay(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                   VolumeScene& scene) {
   VolumeLayer overlay;
-  VolumeData data = read_volume(data_file(options.overlay, options.data), drawable_limits());
+  VolumeData data = read_volume(data_file(options.overlay, options.data), within_memory(drawable_limits()));
   if (data.file_size != scene.base.data->file_size) {
     throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
   }
@@ -171,7 +172,8 @@ void load_overlay(const Options& options, const std::optional<ValueRange>& range
 void load_surface(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                   VolumeScene& scene) {
   HeightMap surface;
-  std::vector<float> depths = load_height_map({from_utf8(options.surface), {}, {}}, *scene.base.data).values;
+  std::vector<float> depths =
+      load_height_map({from_utf8(options.surface), {}, {}}, scene.base.data->file_size).values;
   surface.range = volume_range(options.surface, depths, range, {0.01, 0.99});
   replace_non_finite(depths);
   surface.depths = std::make_shared<const std::vector<float>>(std::move(depths));

@@ -17,20 +17,40 @@ std::string product_of(const std::array<std::size_t, 3>& numbers) {
   return std::to_string(numbers[0]) + " x " + std::to_string(numbers[1]) + " x " + std::to_string(numbers[2]);
 }
 
-}  // namespace
-
-VolumeData read_volume(const DataFile& file, const VolumeLimits& limits) {
+// Of one image says what draws it.
+template <class Read>
+auto advised(Read read) {
   try {
-    VolumeData volume = load_volume(file, limits, reading_progress(file.path));
-    if (volume.is_reduced()) {
-      note(file.path, "reduced " + product_of(volume.reduction) + " times, from " +
-                          product_of(volume.file_size) + " to " + product_of(volume.sizes()) +
-                          " voxels (depth, A-scans, B-scans)");
-    }
-    return volume;
+    return read();
   } catch (const NoVolumeError& error) {
     throw ReadError(error, "Draw it with octrender bscan");
   }
+}
+
+}  // namespace
+
+VolumeData read_volume(const DataFile& file, const VolumeLimits& limits) {
+  VolumeData volume = advised([&] { return load_volume(file, limits, reading_progress(file.path)); });
+  if (volume.is_reduced()) {
+    note(file.path, "reduced " + product_of(volume.reduction) + " times, from " +
+                        product_of(volume.file_size) + " to " + product_of(volume.sizes()) +
+                        " voxels (depth, A-scans, B-scans)");
+  }
+  return volume;
+}
+
+VolumeFile open_volume(const DataFile& file) {
+  return advised([&] { return VolumeFile(file); });
+}
+
+VolumeData read_part(VolumeFile& file, const VolumePart& part, bool decibels, bool finite) {
+  const ProgressFunction progress = reading_progress(file.file().path);
+  VolumeData volume = file.read(part, progress);
+  if (decibels) to_decibels(volume.voxels);
+  if (!finite || all_finite(volume.voxels)) return volume;
+  const std::optional<ValueRange> bounds = file.finite_bounds(decibels, progress);
+  if (bounds) replace_non_finite(volume.voxels, *bounds);
+  return volume;
 }
 
 void check_extent(const std::vector<double>& extent) {

@@ -15,6 +15,12 @@ namespace oct::app {
 // What exceeds the limits comes reduced, with a note on the error stream.
 VolumeData read_volume(const DataFile& file, const VolumeLimits& limits = {});
 
+VolumeFile open_volume(const DataFile& file);
+
+// As if the whole volume had been read, in decibels where they are wanted, and finite by its lowest and highest samples. A part
+// that has a sample which is not costs a look at the whole file.
+VolumeData read_part(VolumeFile& file, const VolumePart& part, bool decibels, bool finite);
+
 // Throws a CommandLineError where one of the millimetres along depth, A-scans and B-scans makes no sense.
 void check_extent(const std::vector<double>& extent);
 

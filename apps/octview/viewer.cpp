@@ -1,11 +1,10 @@
 #include "octview/viewer.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include <imgui.h>
 
-#include "command_line/platform.h"
+#include "command_line/memory_budget.h"
 #include "data/file_errors.h"
 #include "octview/panels/keys_panel.h"
 #include "octview/panels/widgets.h"
@@ -18,14 +17,6 @@ namespace {
 
 constexpr ImGuiWindowFlags pane_flags =
     ImGuiWindowFlags_NoScrollbar | ImGuiWindowFlags_NoScrollWithMouse | ImGuiWindowFlags_NoBackground;
-
-// A volume, an overlay, and as much again for all else.
-DocumentLimits limits_of_machine() {
-  DocumentLimits limits{{}, drawable_limits()};
-  if (const std::uint64_t memory = physical_memory())
-    limits.memory.bytes = std::min(limits.memory.bytes, memory / 3);
-  return limits;
-}
 
 }  // namespace
 
@@ -53,8 +44,10 @@ void Viewer::start(Opening opening) {
   state_to_come_ = std::move(opening.state);
   loading_.start(
       "Reading " + to_utf8(opening.files.base.path.filename()),
-      [files = std::move(opening.files), before = workspace_.document, limits = limits_of_machine()](
-          const ProgressFunction& progress) { return load_document(files, progress, before, limits); });
+      [files = std::move(opening.files), before = workspace_.document,
+       limits = DocumentLimits{within_memory({}), drawable_limits()}](const ProgressFunction& progress) {
+        return load_document(files, progress, before, limits);
+      });
 }
 
 void Viewer::show_live() {

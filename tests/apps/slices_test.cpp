@@ -233,6 +233,37 @@ TEST_F(Slice, ShowsSectionsAndProjections) {
       3, 2, {120, 140, 160, 180, 23, 0});
 }
 
+// A sweep reads the whole volume, a section by itself no more than it shows. What is not finite takes the volume's ends all the
+// same.
+TEST_F(Slice, ReadsOfOneSectionWhatItShows) {
+  const VolumeData volume = odd_volume(9, 7, 8);
+  std::vector<float> rising = volume.voxels;
+  std::iota(rising.begin(), rising.end(), 1.0F);
+  write_npy("odd.npy", "8, 7, 9", volume.voxels);
+  write_npy("rising.npy", "8, 7, 9", rising);
+  std::vector<float> heights;
+  for (int i = 0; i < 8 * 7; ++i) heights.push_back(i % 5 ? static_cast<float>(i % 11) - 2.2F : no_value);
+  write_npy("odd_heights.npy", "8, 7", heights);
+  const std::string data = "slice odd.npy --range -500 600 --axes ";
+  for (const std::string section :
+       {"bscan", "third", "enface", "enface --layers 4", "enface --layers 5 --projection maximum",
+        "enface --surface odd_heights.npy", "enface --layers 30 --surface odd_heights.npy"}) {
+    for (const std::string order : {"bad", "dab", "abd"}) {
+      if (order != "bad" && section.ends_with("npy")) continue;  // the heights are of another size
+      for (const std::string further : {"", " --db", " --overlay rising.npy --overlay-range 1 504"}) {
+        if (order != "bad" && !further.empty()) continue;
+        const std::string words = data + order + " --axis " + section + further;
+        SCOPED_TRACE(words);
+        ASSERT_EQ(run_bare(words + " -o all.png --sweep 5:5"), 0) << error_text_;
+        ASSERT_EQ(run_bare(words + " -o out.png --position 5"), 0) << error_text_;
+        EXPECT_EQ(read_picture("out.png").pixels, read_picture("all-000.png").pixels);
+      }
+    }
+  }
+  std::filesystem::remove("out.png");
+  expect_error(3, "--overlay odd.npy", "odd.npy: the overlay has another size than the volume");
+}
+
 TEST_F(Slice, SweepsInOneRange) {
   EXPECT_EQ(run_bare("slice in.npy -o turn.png --axis third --sweep 2:0:-2"), 0) << error_text_;
   EXPECT_FALSE(std::filesystem::exists("turn-002.png"));

@@ -133,7 +133,7 @@ Document load_document(const SessionFiles& files, const ProgressFunction& progre
     document.drawn_overlay = std::move(overlay.drawn);
   }
   if (!files.surface.path.empty()) {
-    LateralMap map = load_height_map(files.surface, *document.volume);
+    LateralMap map = load_height_map(files.surface, document.volume->file_size);
     document.surface = std::make_shared<const LateralMap>(map);
     make_finite(map.values, files.surface);
     document.drawn_surface = std::make_shared<const std::vector<float>>(std::move(map.values));
