@@ -171,7 +171,7 @@ VolumePart part_of_slice(const std::array<std::size_t, 3>& sizes, SliceAxis axis
   std::ptrdiff_t first = position, last = position;
   if (axis == SliceAxis::enface) {
     std::ptrdiff_t lowest = 0, highest = 0;
-    if (enface.along_surface) {
+    if (enface.along_surface && surface) {
       lowest = std::numeric_limits<std::ptrdiff_t>::max();
       highest = std::numeric_limits<std::ptrdiff_t>::min();
       for (const float depth : surface->values) {

@@ -29,6 +29,8 @@ struct VolumeData {
 struct VolumePart {
   std::array<std::size_t, 3> begin{};
   std::array<std::size_t, 3> end{};
+
+  std::size_t voxels() const { return (end[0] - begin[0]) * (end[1] - begin[1]) * (end[2] - begin[2]); }
 };
 
 // Values over the two lateral axes: rows along the B-scans, columns along the A-scans.

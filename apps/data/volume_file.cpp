@@ -65,7 +65,17 @@ VolumeData VolumeFile::read(const VolumePart& part, const ProgressFunction& prog
   return volume;
 }
 
+VolumeData VolumeFile::read_finite(const VolumePart& part, bool decibels, const ProgressFunction& progress) {
+  VolumeData volume = read(part, progress);
+  if (decibels) to_decibels(volume.voxels);
+  if (all_finite(volume.voxels)) return volume;
+  if (const auto bounds = finite_bounds(decibels, progress)) replace_non_finite(volume.voxels, *bounds);
+  return volume;
+}
+
 std::optional<ValueRange> VolumeFile::finite_bounds(bool decibels, const ProgressFunction& progress) {
+  std::optional<ValueRange>& known = bounds_[decibels ? 1 : 0];
+  if (known) return known;
   ValueRange bounds = no_range;
   std::vector<float> logarithms;
   read_frames(0, data_.frames->frame_count(), progress, [&](std::size_t, const Raster& raster) {
@@ -77,8 +87,8 @@ std::optional<ValueRange> VolumeFile::finite_bounds(bool decibels, const Progres
     to_decibels(logarithms);
     widen(bounds, logarithms);
   });
-  if (bounds == no_range) return std::nullopt;
-  return bounds;
+  if (bounds != no_range) known = bounds;
+  return known;
 }
 
 }  // namespace oct::app

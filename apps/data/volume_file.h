@@ -39,16 +39,23 @@ class VolumeFile {
   // Reads the frames that have something of the part, and holds one of them at a time.
   VolumeData read(const VolumePart& part, const ProgressFunction& progress = no_progress);
 
-  // The lowest and the highest of all finite samples, or of their decibels; reads the whole file. Nothing: there is none.
-  std::optional<ValueRange> finite_bounds(bool decibels, const ProgressFunction& progress = no_progress);
+  // The part as it is drawn: in decibels if they are wanted, and finite by the lowest and the highest sample of the whole volume,
+  // which costs a pass through the file where the part has one that is not.
+  VolumeData read_finite(const VolumePart& part, bool decibels,
+                         const ProgressFunction& progress = no_progress);
 
  private:
+  // Of all finite samples. Nothing: there is none.
+  std::optional<ValueRange> finite_bounds(bool decibels, const ProgressFunction& progress);
+
   DataFile file_;
   OpenData data_;
   std::optional<Raster> first_;  // until somebody takes it
   std::size_t columns_ = 0;
   std::size_t rows_ = 0;
   std::array<std::size_t, 3> sizes_{};
+  // Of the samples and of their decibels, as far as somebody needed them.
+  std::array<std::optional<ValueRange>, 2> bounds_;
 };
 
 }  // namespace oct::app

@@ -15,7 +15,7 @@ using Sizes = std::array<std::size_t, 3>;
 
 class VolumeReading {
  public:
-  VolumeReading(const DataFile& file, const VolumeLimits& limits) : limits_(limits), file_(file) {}
+  VolumeReading(VolumeFile& file, const VolumeLimits& limits) : limits_(limits), file_(file) {}
 
   VolumeData read(const ProgressFunction& progress) {
     prepare();
@@ -63,7 +63,7 @@ class VolumeReading {
   }
 
   const VolumeLimits& limits_;
-  VolumeFile file_;
+  VolumeFile& file_;
   VolumeData volume_;
   // Of columns, rows and frames.
   Sizes sizes_{};
@@ -75,6 +75,11 @@ class VolumeReading {
 }  // namespace
 
 VolumeData load_volume(const DataFile& file, const VolumeLimits& limits, const ProgressFunction& progress) {
+  VolumeFile open(file);
+  return load_volume(open, limits, progress);
+}
+
+VolumeData load_volume(VolumeFile& file, const VolumeLimits& limits, const ProgressFunction& progress) {
   return VolumeReading(file, limits).read(progress);
 }
 

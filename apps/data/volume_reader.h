@@ -20,6 +20,7 @@ struct VolumeLimits {
 
 VolumeData load_volume(const DataFile& file, const VolumeLimits& limits = {},
                        const ProgressFunction& progress = no_progress);
+VolumeData load_volume(VolumeFile& file, const VolumeLimits& limits, const ProgressFunction& progress);
 
 LateralMap load_lateral_map(const DataFile& file);  // of several frames the middle one
 

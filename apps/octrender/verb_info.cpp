@@ -4,11 +4,9 @@
 
 #include "client/offscreen_target.h"
 #include "client/renderers.h"
-#include "command_line/memory_budget.h"
 #include "octrender/data_options.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
-#include "scene/drawable_limits.h"
 
 // OpenGL 1.0, which every system's own OpenGL library has. Both platforms know one calling convention.
 extern "C" const unsigned char* glGetString(unsigned int name);
@@ -79,8 +77,7 @@ void show_driver() {
 
 // Asks the library itself: the driver's word on an extent is not yet a texture.
 void show_volume(const Options& options) {
-  const VolumeData volume =
-      read_volume(data_file(options.input, options.data), within_memory(drawable_limits()));
+  const VolumeData volume = read_drawable_volume(data_file(options.input, options.data));
   std::cout << options.input << ": depth " << volume.depth << ", A-scans " << volume.ascans << ", B-scans "
             << volume.bscans << "; " << (volume.voxels.size() * 2 + 999'999) / 1'000'000
             << " MB on the graphics device\n";

@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 #include <utility>
+#include <variant>
 
 #include "command_line/progress.h"
 #include "command_line/warning.h"
@@ -17,6 +18,7 @@
 #include "octrender/output/figure_options.h"
 #include "octrender/output/picture_series.h"
 #include "octrender/picture_files.h"
+#include "octrender/sections.h"
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 #include "scene/slice_scene.h"
@@ -242,76 +244,56 @@ void check_section(const Options& options) {
   }
 }
 
-// The sections of one run.
-class Sections {
- public:
-  // Sizes of the volume that they are of, and of its file.
-  Sections(const Options& options, const std::array<std::size_t, 3>& sizes,
-           const std::array<std::size_t, 3>& file_size)
-      : axis_(*find_slice_axis(options.axis)), sizes_(sizes) {
-    enface_.layers = options.layers;
-    enface_.projection = options.projection == "mean" ? Projection::mean : Projection::maximum;
-    if (!options.surface.empty()) {
-      surface_ = load_height_map({from_utf8(options.surface), {}, {}}, file_size);
-      enface_.along_surface = true;
+Sections sections_of(const Options& options, const std::array<std::size_t, 3>& sizes,
+                     const std::array<std::size_t, 3>& file_size) {
+  EnFace enface;
+  enface.layers = options.layers;
+  enface.projection = options.projection == "mean" ? Projection::mean : Projection::maximum;
+  return {*find_slice_axis(options.axis), enface, options.surface, sizes, file_size};
+}
+
+// Positions that were asked for, all of which exist.
+Sweep positions_of(const Options& options, const Sections& sections) {
+  Sweep sweep{0, sections.count() - 1, 1};
+  if (const std::optional<Sweep> given = parse_sweep(options.sweep)) {
+    sweep = *given;
+  } else if (options.sweep.empty()) {
+    sweep.first = sweep.last =
+        options.position.value_or(sections.follow_surface() ? 0 : sections.count() / 2);
+    if (!options.position && !sections.follow_surface()) {
+      note(from_utf8(options.input), "showing position " + std::to_string(sweep.first) + " of 0 to " +
+                                         std::to_string(sections.count() - 1) +
+                                         "; choose another with --position");
     }
   }
-
-  std::ptrdiff_t count() const { return static_cast<std::ptrdiff_t>(sizes_[axes_of(axis_).across]); }
-
-  // Positions that were asked for, all of which exist.
-  Sweep positions(const Options& options) const {
-    Sweep sweep{0, count() - 1, 1};
-    if (const std::optional<Sweep> given = parse_sweep(options.sweep)) {
-      sweep = *given;
-    } else if (options.sweep.empty()) {
-      sweep.first = sweep.last = options.position.value_or(enface_.along_surface ? 0 : count() / 2);
-      if (!options.position && !enface_.along_surface) {
-        note(from_utf8(options.input), "showing position " + std::to_string(sweep.first) + " of 0 to " +
-                                           std::to_string(count() - 1) + "; choose another with --position");
-      }
-    }
-    for (const std::ptrdiff_t position : {sweep.first, sweep.last}) {
-      const bool exists = position >= 0 && position < count();
-      if (exists || enface_.along_surface) continue;
-      throw ReadError(from_utf8(options.input), "there is no position " + std::to_string(position) +
-                                                    " along this axis; they go from 0 to " +
-                                                    std::to_string(count() - 1));
-    }
-    return sweep;
+  for (const std::ptrdiff_t position : {sweep.first, sweep.last}) {
+    const bool exists = position >= 0 && position < sections.count();
+    if (exists || sections.follow_surface()) continue;
+    throw ReadError(from_utf8(options.input), "there is no position " + std::to_string(position) +
+                                                  " along this axis; they go from 0 to " +
+                                                  std::to_string(sections.count() - 1));
   }
+  return sweep;
+}
 
-  // What the section at the position needs. From now on volumes are that part.
-  VolumePart narrow(std::ptrdiff_t position) {
-    const VolumePart part = part_of_slice(sizes_, axis_, position, enface_, &surface_);
-    begin_ = static_cast<std::ptrdiff_t>(part.begin[axes_of(axis_).across]);
-    return part;
-  }
-
-  Image of(const VolumeData& volume, std::ptrdiff_t position) const {
-    return slice_of(volume, axis_, position - begin_, enface_, &surface_);
-  }
-
- private:
-  SliceAxis axis_;
-  std::array<std::size_t, 3> sizes_;
-  EnFace enface_;
-  LateralMap surface_;
-  std::ptrdiff_t begin_ = 0;  // of the volumes, along the positions
-};
+// A volume for a sweep, one image for a section by itself.
+using Samples = std::variant<VolumeData, Image>;
 
 struct Inputs {
   Sections sections;
   Sweep sweep;
-  VolumeData base;
-  std::optional<VolumeData> overlay;
+  Samples base;
+  std::optional<Samples> overlay;
+
+  Image image_of(const Samples& data, std::ptrdiff_t position) const {
+    const auto* const volume = std::get_if<VolumeData>(&data);
+    return volume ? sections.of(*volume, position) : std::get<Image>(data);
+  }
 };
 
-void take_spacing(const Options& options, VolumeData& base) {
-  take_extent(base, options.extent);
-  if (options.extent.empty() && base.spacing.is_known()) {
-    note(from_utf8(options.input), "voxels of " + spacing_text(base.spacing));
-  }
+void note_spacing(const Options& options, const VoxelSpacing& spacing) {
+  if (options.extent.empty() && spacing.is_known())
+    note(from_utf8(options.input), "voxels of " + spacing_text(spacing));
 }
 
 void check_overlay(const Options& options, const std::array<std::size_t, 3>& overlay,
@@ -324,29 +306,34 @@ Inputs read_volumes(const Options& options) {
   VolumeData base = read_volume(data_file(options.input, options.data));
   if (options.decibels) to_decibels(base.voxels);
   replace_non_finite(base.voxels);
-  take_spacing(options, base);
-  Sections sections(options, base.sizes(), base.file_size);
-  const Sweep sweep = sections.positions(options);
+  take_extent(base, options.extent);
+  note_spacing(options, base.spacing);
+  Sections sections = sections_of(options, base.sizes(), base.file_size);
+  const Sweep sweep = positions_of(options, sections);
+  const std::array<std::size_t, 3> size = base.file_size;
   Inputs inputs{std::move(sections), sweep, std::move(base), {}};
   if (options.overlay.empty()) return inputs;
-  inputs.overlay = read_volume(data_file(options.overlay, options.data));
-  replace_non_finite(inputs.overlay->voxels);
-  check_overlay(options, inputs.overlay->file_size, inputs.base.file_size);
+  VolumeData overlay = read_volume(data_file(options.overlay, options.data));
+  replace_non_finite(overlay.voxels);
+  check_overlay(options, overlay.file_size, size);
+  inputs.overlay = std::move(overlay);
   return inputs;
 }
 
-// Of one section, which may be of a volume that the memory would not hold.
 Inputs read_section(const Options& options, bool finite) {
   VolumeFile file = open_volume(data_file(options.input, options.data));
-  Sections sections(options, file.sizes(), file.sizes());
-  const Sweep sweep = sections.positions(options);
-  const VolumePart part = sections.narrow(sweep.first);
-  Inputs inputs{std::move(sections), sweep, read_part(file, part, options.decibels, finite), {}};
-  take_spacing(options, inputs.base);
+  const VoxelSpacing spacing =
+      options.extent.empty() ? file.spacing() : spacing_of(options.extent, file.sizes());
+  note_spacing(options, spacing);
+  const Sections sections = sections_of(options, file.sizes(), file.sizes());
+  const Sweep sweep = positions_of(options, sections);
+  Image section = sections.of(file, sweep.first, options.decibels, finite);
+  section.spacing = sections.turned(spacing);
+  Inputs inputs{sections, sweep, std::move(section), {}};
   if (options.overlay.empty()) return inputs;
   VolumeFile overlay = open_volume(data_file(options.overlay, options.data));
   check_overlay(options, overlay.sizes(), file.sizes());
-  inputs.overlay = read_part(overlay, part, false, true);
+  inputs.overlay = sections.of(overlay, sweep.first, false, true);
   return inputs;
 }
 
@@ -406,9 +393,9 @@ Picture finished(const Options& options, const SliceScene& scene, Picture pictur
 }
 
 SlicePicture draw(const Options& options, const Inputs& inputs, std::ptrdiff_t position, SliceScene& scene) {
-  scene.base.image = std::make_shared<const Image>(inputs.sections.of(inputs.base, position));
+  scene.base.image = std::make_shared<const Image>(inputs.image_of(inputs.base, position));
   if (inputs.overlay)
-    scene.overlay->layer.image = std::make_shared<const Image>(inputs.sections.of(*inputs.overlay, position));
+    scene.overlay->layer.image = std::make_shared<const Image>(inputs.image_of(*inputs.overlay, position));
   scene.size = size_of(options, *scene.base.image, false);
   scene.area = area_of(options, *scene.base.image, scene.size);
   SlicePicture drawn = render_slice(scene);
@@ -421,7 +408,8 @@ void draw_sweep(const Options& options, const Inputs& inputs, SliceScene& scene,
   const Sweep& sweep = inputs.sweep;
   std::string explanation;
   {
-    Progress progress("drawing " + std::to_string(sweep.count()) + " pictures", inputs.base.voxels.size());
+    Progress progress("drawing " + std::to_string(sweep.count()) + " pictures",
+                      std::get<VolumeData>(inputs.base).voxels.size());
     const auto series = open_series({output, sweep.count(), options.frames_per_second, texts});
     bool shows = false;
     for (unsigned i = 0; i < sweep.count(); ++i) {
@@ -454,18 +442,17 @@ void run(const Options& options, const PngTexts& texts) {
 
   const bool alone = options.sweep.empty();
   const Inputs inputs = alone ? read_section(options, !holds_values(options, output)) : read_volumes(options);
-  const auto range_of = [&](const std::string& name, const VolumeData& volume,
+  const auto range_of = [&](const std::string& name, const Samples& data,
                             const std::optional<ValueRange>& given) {
-    const std::vector<float>& samples = volume.voxels;
-    return volume_range(name, alone ? inputs.sections.of(volume, inputs.sweep.first).samples : samples, given,
-                        image_shares);
+    const auto* const volume = std::get_if<VolumeData>(&data);
+    return volume_range(name, volume ? volume->voxels : std::get<Image>(data).samples, given, image_shares);
   };
   if (output.extension() != ".npy") scene.base.range = range_of(options.input, inputs.base, range);
   if (inputs.overlay) scene.overlay->layer.range = range_of(options.overlay, *inputs.overlay, overlay_range);
   if (!alone) {
     draw_sweep(options, inputs, scene, output, texts);
   } else if (holds_values(options, output)) {
-    write_values(output, values_of(options, inputs.sections.of(inputs.base, inputs.sweep.first)),
+    write_values(output, values_of(options, inputs.image_of(inputs.base, inputs.sweep.first)),
                  scene.base.range, texts);
   } else {
     const SlicePicture drawn = draw(options, inputs, inputs.sweep.first, scene);

@@ -2,7 +2,6 @@
 #include <cmath>
 #include <memory>
 
-#include "command_line/memory_budget.h"
 #include "command_line/progress.h"
 #include "command_line/warning.h"
 #include "data/formats/png_writer.h"
@@ -15,7 +14,6 @@
 #include "octrender/verbs.h"
 #include "octrender/volume_input.h"
 #include "octrender/volume_options.h"
-#include "scene/drawable_limits.h"
 #include "scene/volume_scene.h"
 
 namespace oct::app {
@@ -146,7 +144,7 @@ VolumeScene scene_of(const Options& options) {
 
 void load_base(const Options& options, const DataFile& file, const std::optional<ValueRange>& range,
                const Shares& shares, VolumeScene& scene) {
-  VolumeData data = read_volume(file, within_memory(drawable_limits()));
+  VolumeData data = read_drawable_volume(file);
   if (options.decibels) to_decibels(data.voxels);
   scene.base.range = volume_range(options.input, data.voxels, range, shares);
   replace_non_finite(data.voxels);
@@ -158,7 +156,7 @@ void load_base(const Options& options, const DataFile& file, const std::optional
 void load_overlay(const Options& options, const std::optional<ValueRange>& range, Colormap colormap,
                   VolumeScene& scene) {
   VolumeLayer overlay;
-  VolumeData data = read_volume(data_file(options.overlay, options.data), within_memory(drawable_limits()));
+  VolumeData data = read_drawable_volume(data_file(options.overlay, options.data));
   if (data.file_size != scene.base.data->file_size) {
     throw ReadError(from_utf8(options.overlay), "the overlay has another size than the volume");
   }

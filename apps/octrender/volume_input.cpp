@@ -7,8 +7,10 @@
 #include <iostream>
 #include <sstream>
 
+#include "command_line/memory_budget.h"
 #include "command_line/progress.h"
 #include "octrender/option_values.h"
+#include "scene/drawable_limits.h"
 
 namespace oct::app {
 namespace {
@@ -17,40 +19,36 @@ std::string product_of(const std::array<std::size_t, 3>& numbers) {
   return std::to_string(numbers[0]) + " x " + std::to_string(numbers[1]) + " x " + std::to_string(numbers[2]);
 }
 
-// Of one image says what draws it.
-template <class Read>
-auto advised(Read read) {
-  try {
-    return read();
-  } catch (const NoVolumeError& error) {
-    throw ReadError(error, "Draw it with octrender bscan");
+VolumeData read_within(VolumeFile file, const VolumeLimits& limits) {
+  const std::filesystem::path& path = file.file().path;
+  VolumeData volume = load_volume(file, limits, reading_progress(path));
+  if (volume.is_reduced()) {
+    note(path, "reduced " + product_of(volume.reduction) + " times, from " + product_of(volume.file_size) +
+                   " to " + product_of(volume.sizes()) + " voxels (depth, A-scans, B-scans)");
   }
+  return volume;
 }
 
 }  // namespace
 
-VolumeData read_volume(const DataFile& file, const VolumeLimits& limits) {
-  VolumeData volume = advised([&] { return load_volume(file, limits, reading_progress(file.path)); });
-  if (volume.is_reduced()) {
-    note(file.path, "reduced " + product_of(volume.reduction) + " times, from " +
-                        product_of(volume.file_size) + " to " + product_of(volume.sizes()) +
-                        " voxels (depth, A-scans, B-scans)");
-  }
-  return volume;
+VolumeData read_volume(const DataFile& file) {
+  return read_within(open_volume(file), {});
+}
+
+VolumeData read_drawable_volume(const DataFile& file) {
+  VolumeFile open = open_volume(file);
+  const auto& [depth, a_scans, b_scans] = open.sizes();
+  const std::uint64_t voxels = std::uint64_t{depth} * a_scans * b_scans;
+  const VolumeLimits limits = accepted_limits(within_memory(drawable_limits()), voxels);
+  return read_within(std::move(open), limits);
 }
 
 VolumeFile open_volume(const DataFile& file) {
-  return advised([&] { return VolumeFile(file); });
-}
-
-VolumeData read_part(VolumeFile& file, const VolumePart& part, bool decibels, bool finite) {
-  const ProgressFunction progress = reading_progress(file.file().path);
-  VolumeData volume = file.read(part, progress);
-  if (decibels) to_decibels(volume.voxels);
-  if (!finite || all_finite(volume.voxels)) return volume;
-  const std::optional<ValueRange> bounds = file.finite_bounds(decibels, progress);
-  if (bounds) replace_non_finite(volume.voxels, *bounds);
-  return volume;
+  try {
+    return VolumeFile(file);
+  } catch (const NoVolumeError& error) {
+    throw ReadError(error, "Draw it with octrender bscan");
+  }
 }
 
 void check_extent(const std::vector<double>& extent) {
@@ -62,11 +60,13 @@ void check_extent(const std::vector<double>& extent) {
 }
 
 void take_extent(VolumeData& volume, const std::vector<double>& extent) {
-  if (extent.empty()) return;
-  for (std::size_t i = 0; i < 3; ++i) {
-    volume.spacing.mm[i] = extent[i] / static_cast<double>(volume.file_size[i]);
-  }
-  volume.spacing.source = "command line";
+  if (!extent.empty()) volume.spacing = spacing_of(extent, volume.file_size);
+}
+
+VoxelSpacing spacing_of(const std::vector<double>& extent, const std::array<std::size_t, 3>& size) {
+  VoxelSpacing spacing{{}, "command line"};
+  for (std::size_t i = 0; i < 3; ++i) spacing.mm[i] = extent[i] / static_cast<double>(size[i]);
+  return spacing;
 }
 
 std::string spacing_text(const VoxelSpacing& spacing) {

@@ -1,6 +1,7 @@
 // Volumes as the verbs read them, with progress and notes on the error stream.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -12,20 +13,21 @@
 
 namespace oct::app {
 
-// What exceeds the limits comes reduced, with a note on the error stream.
-VolumeData read_volume(const DataFile& file, const VolumeLimits& limits = {});
+// As far as the memory of any machine goes.
+VolumeData read_volume(const DataFile& file);
+
+// To be drawn: what the driver or the machine's memory would not take comes reduced, with a note on the error stream.
+VolumeData read_drawable_volume(const DataFile& file);
 
 VolumeFile open_volume(const DataFile& file);
-
-// As if the whole volume had been read, in decibels where they are wanted, and finite by its lowest and highest samples. A part
-// that has a sample which is not costs a look at the whole file.
-VolumeData read_part(VolumeFile& file, const VolumePart& part, bool decibels, bool finite);
 
 // Throws a CommandLineError where one of the millimetres along depth, A-scans and B-scans makes no sense.
 void check_extent(const std::vector<double>& extent);
 
 // The spacing that follows from an extent on the command line, if there is one.
 void take_extent(VolumeData& volume, const std::vector<double>& extent);
+// The same of a file with these sizes.
+VoxelSpacing spacing_of(const std::vector<double>& extent, const std::array<std::size_t, 3>& size);
 
 // "0.002 x 0.01 x 0.01 mm (depth, A-scan, B-scan; NRRD header)".
 std::string spacing_text(const VoxelSpacing& spacing);

@@ -1,5 +1,6 @@
 #include "octview/viewer.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <imgui.h>
@@ -93,7 +94,9 @@ void Viewer::take_loaded() {
 bool Viewer::is_busy() const {
   const bool live_begins =
       live_.state() == LiveSession::State::opening || (is_live() && !live_document_.is_shown(workspace_));
-  return loading_.is_running() || sidebar_.is_busy() || save_.is_busy() || volume_.is_coarse() || live_begins;
+  const bool reads = std::ranges::any_of(slices_, [](const SlicePane& pane) { return pane.is_reading(); });
+  return reads || loading_.is_running() || sidebar_.is_busy() || save_.is_busy() || volume_.is_coarse() ||
+         live_begins;
 }
 
 void Viewer::build(double now) {

@@ -6,6 +6,7 @@
 #include "data/block_means.h"
 #include "data/image_reader.h"
 #include "data/volume_reader.h"
+#include "scene/drawable_limits.h"
 
 namespace oct::app {
 namespace {
@@ -56,7 +57,8 @@ LoadedVolume load_whole(const DataFile& file, bool decibels, const ProgressFunct
                         const DocumentLimits& limits) {
   VolumeData volume = load_any(file, limits.memory, progress);
   LoadedVolume result;
-  const std::array<std::size_t, 3> factors = reduction_for(volume, file, limits.drawable);
+  const VolumeLimits drawable = accepted_limits(limits.drawable, volume.voxels.size());
+  const std::array<std::size_t, 3> factors = reduction_for(volume, file, drawable);
   if (factors != std::array<std::size_t, 3>{1, 1, 1}) {
     VolumeData small = reduced(volume, factors, progress);
     if (decibels) to_decibels(small.voxels);
@@ -68,11 +70,6 @@ LoadedVolume load_whole(const DataFile& file, bool decibels, const ProgressFunct
   result.whole = std::make_shared<const VolumeData>(std::move(volume));
   if (!result.drawn) result.drawn = result.whole;
   return result;
-}
-
-// Whose spacing is that of the file: blocks at its end may be smaller.
-std::array<std::size_t, 3> samples_of(const VolumeData& volume) {
-  return volume.is_reduced() ? volume.file_size : volume.sizes();
 }
 
 }  // namespace
@@ -88,22 +85,25 @@ std::uint64_t next_revision() {
   return ++last;
 }
 
+std::array<std::size_t, 3> Document::sizes() const {
+  return volume->is_reduced() ? volume->file_size : volume->sizes();
+}
+
 VoxelSpacing Document::spacing() const {
   if (!volume) return {};
-  const std::array<std::size_t, 3> samples = samples_of(*volume);
+  const std::array<std::size_t, 3> samples = sizes();
   VoxelSpacing spacing = volume->spacing;
   if (files.extent) {
     for (std::size_t i = 0; i < 3; ++i) spacing.mm[i] = (*files.extent)[i] / static_cast<double>(samples[i]);
     spacing.source = "given by hand";
   }
-  for (std::size_t i = 0; i < 3; ++i) spacing.mm[i] *= static_cast<double>(volume->reduction[i]);
   return spacing;
 }
 
 std::array<double, 3> Document::extent() const {
   if (!volume) return {1, 1, 1};
   if (files.extent) return *files.extent;
-  const std::array<std::size_t, 3> samples = samples_of(*volume);
+  const std::array<std::size_t, 3> samples = sizes();
   std::array<double, 3> extent{};
   for (std::size_t i = 0; i < 3; ++i)
     extent[i] = static_cast<double>(samples[i]) * (volume->spacing.is_known() ? volume->spacing.mm[i] : 1.0);

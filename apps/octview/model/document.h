@@ -15,7 +15,8 @@
 namespace oct::app {
 
 struct Document {
-  // None: nothing is open. Every voxel is finite. Reduced where the memory does not hold the file.
+  // None: nothing is open. Every voxel is finite. Reduced where the memory does not hold the file; sections are then read from
+  // there.
   std::shared_ptr<const VolumeData> volume;
   std::shared_ptr<const VolumeData> overlay;
   // What the driver gets of them: the same, or reduced to its limits.
@@ -32,9 +33,12 @@ struct Document {
   std::uint64_t revision = 0;  // another number for other data
 
   explicit operator bool() const { return volume != nullptr; }
-  // Between voxels, with who says so; zeros where nobody does.
+  // Voxels of sections, and of every place that anyone speaks of, are the samples of the file, however much the volumes above are
+  // reduced: depth, A-scans, B-scans.
+  std::array<std::size_t, 3> sizes() const;
+  // Between them, with who says so; zeros where nobody does.
   VoxelSpacing spacing() const;
-  // Of the whole volume: depth, A-scans, B-scans; in millimetres, or in voxels where their spacing is not known.
+  // Of the whole volume, in the same order; in millimetres, or in voxels where their spacing is not known.
   std::array<double, 3> extent() const;
 };
 

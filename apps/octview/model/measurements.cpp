@@ -144,7 +144,8 @@ double value_at(const VolumeData& volume, const VoxelPoint& point) {
   std::array<Neighbours, 3> axes;
   const std::array<std::size_t, 3> size = volume.sizes();
   for (std::size_t i = 0; i < 3; ++i) {
-    if (!find_neighbours(point[i], size[i], axes[i])) return not_a_number;
+    const double place = (point[i] + 0.5) / static_cast<double>(volume.reduction[i]) - 0.5;
+    if (!find_neighbours(place, size[i], axes[i])) return not_a_number;
   }
   double sum = 0;
   for (unsigned corner = 0; corner < 8; ++corner) {

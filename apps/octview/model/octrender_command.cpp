@@ -206,13 +206,13 @@ std::vector<std::string> slice_command(const SessionFiles& files, const ViewStat
 
 std::vector<std::string> pane_command(const Document& document, const ViewState& state, Pane pane,
                                       PictureSize size, const std::string& output) {
-  if (document.volume->is_reduced())
-    throw std::runtime_error("octrender cannot be told to reduce the volume as it is here");
   if (pane != Pane::volume) {
     const auto axis = static_cast<SliceAxis>(pane);
     return slice_command(document.files, state, axis, slice_position(document, state, axis).position, size,
                          output);
   }
+  if (document.volume->is_reduced())
+    throw std::runtime_error("octrender cannot be told to reduce the volume as it is here");
   ViewState shown = state;
   follow_cursor(document, shown);
   return volume_command(document.files, shown, size, output);

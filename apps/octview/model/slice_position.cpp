@@ -8,7 +8,7 @@
 namespace oct::app {
 
 SlicePosition slice_position(const Document& document, const ViewState& state, SliceAxis axis) {
-  const auto count = static_cast<std::ptrdiff_t>(slice_count(*document.volume, axis));
+  const auto count = static_cast<std::ptrdiff_t>(document.sizes()[axes_of(axis).across]);
   if (axis == SliceAxis::enface && state.enface.along_surface && document.surface)
     return {std::lround(state.below_surface), -count, count, true};
   return {std::clamp<std::ptrdiff_t>(std::lround(state.cursor[axes_of(axis).across]), 0, count - 1), 0,
@@ -21,7 +21,7 @@ void move_slice(const Document& document, ViewState& state, SliceAxis axis, std:
   (now.below_surface ? state.below_surface : state.cursor[axes_of(axis).across]) = wanted;
   if (!now.below_surface) return;
   if (const auto depth = surface_depth(document, state.cursor[1], state.cursor[2]))
-    state.cursor[0] = std::clamp(*depth + wanted, 0.0, static_cast<double>(document.volume->depth - 1));
+    state.cursor[0] = std::clamp(*depth + wanted, 0.0, static_cast<double>(document.sizes()[0] - 1));
 }
 
 std::optional<double> surface_depth(const Document& document, double ascan, double bscan) {
@@ -31,11 +31,11 @@ std::optional<double> surface_depth(const Document& document, double ascan, doub
     const double place = (voxel + 0.5) / static_cast<double>(voxels) * static_cast<double>(samples);
     return static_cast<std::size_t>(std::clamp(std::floor(place), 0.0, static_cast<double>(samples - 1)));
   };
-  const VolumeData& volume = *document.volume;
-  const float depth = map.values[index(bscan, volume.bscans, map.bscans) * map.ascans +
-                                 index(ascan, volume.ascans, map.ascans)];
+  const std::array<std::size_t, 3> sizes = document.sizes();
+  const float depth =
+      map.values[index(bscan, sizes[2], map.bscans) * map.ascans + index(ascan, sizes[1], map.ascans)];
   if (!std::isfinite(depth)) return {};
-  return (static_cast<double>(depth) + 0.5) / static_cast<double>(volume.reduction[0]) - 0.5;
+  return static_cast<double>(depth);
 }
 
 std::string place_text(const Document& document, const VoxelPoint& voxel, double value) {

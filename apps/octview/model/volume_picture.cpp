@@ -35,12 +35,11 @@ VolumeScene volume_scene(const Document& document, const ViewState& state, Pictu
 
 void follow_cursor(const Document& document, ViewState& state) {
   if (state.volume.look != VolumeLook::sections) return;
-  const VolumeData& volume = *document.volume;
-  const std::array<std::size_t, 3> sizes{volume.ascans, volume.depth, volume.bscans};
+  const std::array<std::size_t, 3> sizes = document.sizes();
   constexpr std::array<std::size_t, 3> axes{1, 0, 2};  // of sections in the cursor
   for (std::size_t i = 0; i < 3; ++i) {
     if (!state.volume.sections[i]) continue;
-    const double part = (state.cursor[axes[i]] + 0.5) / static_cast<double>(sizes[i]);
+    const double part = (state.cursor[axes[i]] + 0.5) / static_cast<double>(sizes[axes[i]]);
     state.volume.sections[i] = static_cast<float>(std::clamp(part, 0.0, 1.0));
   }
 }

@@ -13,21 +13,22 @@ void find_range(LayerLook& look, std::span<const float> samples) {
   if (look.shares) look.range = quick_range(samples, *look.shares).value_or(ValueRange{});
 }
 
-VoxelPoint inside(const VolumeData& volume, VoxelPoint point) {
-  const std::array<std::size_t, 3> sizes = volume.sizes();
+VoxelPoint inside(const Document& document, VoxelPoint point) {
+  const std::array<std::size_t, 3> sizes = document.sizes();
   for (std::size_t i = 0; i < 3; ++i) point[i] = std::clamp(point[i], 0.0, static_cast<double>(sizes[i]) - 1);
   return point;
 }
 
 }  // namespace
 
-VoxelPoint nearest_voxel(const VolumeData& volume, const VoxelPoint& point) {
-  return inside(volume, {std::round(point[0]), std::round(point[1]), std::round(point[2])});
+VoxelPoint nearest_voxel(const Document& document, const VoxelPoint& point) {
+  return inside(document, {std::round(point[0]), std::round(point[1]), std::round(point[2])});
 }
 
-VoxelPoint middle_of(const VolumeData& volume) {
-  return {static_cast<double>(volume.depth / 2), static_cast<double>(volume.ascans / 2),
-          static_cast<double>(volume.bscans / 2)};
+VoxelPoint middle_of(const Document& document) {
+  const std::array<std::size_t, 3> sizes = document.sizes();
+  return {static_cast<double>(sizes[0] / 2), static_cast<double>(sizes[1] / 2),
+          static_cast<double>(sizes[2] / 2)};
 }
 
 void Workspace::add_point(const VoxelPoint& point) {
@@ -91,7 +92,7 @@ void fit_state(const Document& document, ViewState& state) {
   if (document.overlay) find_range(state.overlay, document.overlay->voxels);
   if (document.surface) find_range(state.surface, document.surface->values);
   if (document.secondary) find_range(state.secondary, document.secondary->values);
-  if (document.volume) state.cursor = inside(*document.volume, state.cursor);
+  if (document.volume) state.cursor = inside(document, state.cursor);
 }
 
 ViewState start_state(const Document& document) {
@@ -102,7 +103,7 @@ ViewState start_state(const Document& document) {
   state.overlay = first_look(&SessionFiles::overlay);
   state.surface = first_look(&SessionFiles::surface);
   state.secondary = first_look(&SessionFiles::secondary);
-  state.cursor = middle_of(*document.volume);
+  state.cursor = middle_of(document);
   state.volume.angles = {25, -35};
   state.volume.zoom = 52;
   state.volume.scale_marks = document.spacing().is_known();

@@ -60,8 +60,8 @@ struct Workspace {
 };
 
 // Whole numbers, in the volume.
-VoxelPoint nearest_voxel(const VolumeData& volume, const VoxelPoint& point);
-VoxelPoint middle_of(const VolumeData& volume);
+VoxelPoint nearest_voxel(const Document& document, const VoxelPoint& point);
+VoxelPoint middle_of(const Document& document);
 
 // Of a layer that is new.
 LayerLook first_look(DataFile SessionFiles::*layer);

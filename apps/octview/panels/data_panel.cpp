@@ -37,9 +37,9 @@ void DataPanel::show(Workspace& workspace) {
     hint(document.title.c_str());
   }
   if (!ImGui::CollapsingHeader("Data")) return;
-  const VolumeData& volume = *document.volume;
-  wrapped_text((std::to_string(volume.depth) + " x " + std::to_string(volume.ascans) + " x " +
-                std::to_string(volume.bscans) + " voxels (depth, A-scans, B-scans)")
+  const auto& [depth, a_scans, b_scans] = document.sizes();
+  wrapped_text((std::to_string(depth) + " x " + std::to_string(a_scans) + " x " + std::to_string(b_scans) +
+                " voxels (depth, A-scans, B-scans)")
                    .c_str());
   if (document.not_finite > 0)
     wrapped_text(

@@ -34,8 +34,9 @@ DrawnPicture draw_picture_of(const Document& document, const ViewState& state, c
   if (order.pane != Pane::volume) {
     const auto axis = static_cast<SliceAxis>(order.pane);
     progress(0, 1);
-    SlicePicture drawn =
-        render_slice(slice_scene(state, axis, slice_images(document, state, axis), order.size));
+    SliceFiles files;
+    const SliceImages images = finest_slice_images(document, state, axis, files, progress);
+    SlicePicture drawn = render_slice(slice_scene(state, axis, images, order.size));
     return {std::move(drawn.picture), std::move(drawn.explanation)};
   }
   ViewState shown = state;

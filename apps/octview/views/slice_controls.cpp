@@ -52,7 +52,7 @@ void show_enface(Workspace& workspace) {
   ImGui::SetNextItemWidth(em * 6.5F);
   if (ImGui::InputInt("layers", &layers))
     enface.layers =
-        static_cast<std::size_t>(std::clamp(layers, 1, static_cast<int>(workspace.document.volume->depth)));
+        static_cast<std::size_t>(std::clamp(layers, 1, static_cast<int>(workspace.document.sizes()[0])));
   ImGui::SameLine();
   int projection = static_cast<int>(enface.projection);
   ImGui::SetNextItemWidth(em * 6.5F);

@@ -5,28 +5,21 @@
 namespace oct::app {
 
 void SliceDrawing::update(const Document& document, const ViewState& state, PictureSize size) {
-  const SlicePosition place = slice_position(document, state, axis_);
-  const Samples samples{document.revision,   place.position,        state.enface,
-                        place.below_surface, state.overlay.visible, document.spacing().mm};
-  if (samples_ != samples) {
-    images_ = slice_images(document, state, axis_);
-    samples_ = samples;
-    look_.reset();
-  }
+  if (source_.update(document, state)) look_.reset();
   const Look look{state.base, state.overlay, state.windows[static_cast<std::size_t>(axis_)], size};
   if (look_ == look) return;
   look_ = look;
   explanation_.clear();
   pixels_ = {};
-  const SliceScene scene = slice_scene(state, axis_, images_, size);
+  const SliceScene scene = slice_scene(state, axis_, source_.images(), size);
   area_ = scene.area;
-  const PixelRectangle pixels = visible_pixels(*images_.base, area_, size);
+  const PixelRectangle pixels = visible_pixels(image(), area_, size);
   if (pixels.is_empty()) return;
   set_scene(renderer_.handle(), scene, pixels);
   texture_.draw(static_cast<int>(pixels.width), static_cast<int>(pixels.height),
                 [&] { checked(renderDisplay, renderer_.handle()); });
   explanation_ = explanation_of(explainDisplay, renderer_.handle());
-  const SliceArea whole = whole_area(*images_.base);
+  const SliceArea whole = whole_area(image());
   const bool is_part = area_.left > 0 || area_.top > 0 || area_.left + area_.width < whole.width ||
                        area_.top + area_.height < whole.height;
   if (is_part && !explanation_.empty()) explanation_ = "Of the part that is shown: " + explanation_;

@@ -5,20 +5,20 @@
 #include <string>
 
 #include "client/renderers.h"
-#include "octview/model/slice_picture.h"
-#include "octview/model/slice_position.h"
+#include "octview/model/slice_source.h"
 #include "octview/window/pane_texture.h"
 
 namespace oct::app {
 
 class SliceDrawing {
  public:
-  SliceDrawing(const GlFunctions& gl, SliceAxis axis) : axis_(axis), texture_(gl) {}
+  SliceDrawing(const GlFunctions& gl, SliceAxis axis) : axis_(axis), texture_(gl), source_(axis) {}
 
   // Of a document that is open. After an error it tries again when something changes.
   void update(const Document& document, const ViewState& state, PictureSize size);
 
-  const Image& image() const { return *images_.base; }
+  const SliceSource& source() const { return source_; }
+  const Image& image() const { return *source_.images().base; }
   const SliceArea& area() const { return area_; }
   // The part of the pane that the texture fills.
   const PixelRectangle& pixels() const { return pixels_; }
@@ -27,17 +27,7 @@ class SliceDrawing {
   const std::string& explanation() const { return explanation_; }
 
  private:
-  // What the samples depend on, and what the picture does.
-  struct Samples {
-    std::uint64_t revision = 0;
-    std::ptrdiff_t position = 0;
-    EnFace enface;
-    bool below_surface = false;
-    bool overlay = false;
-    std::array<double, 3> step{};
-
-    bool operator==(const Samples&) const = default;
-  };
+  // What the picture of the samples depends on.
   struct Look {
     LayerLook base;
     LayerLook overlay;
@@ -50,9 +40,8 @@ class SliceDrawing {
   const SliceAxis axis_;
   PaneTexture texture_;
   DisplayRenderer renderer_;
-  std::optional<Samples> samples_;
   std::optional<Look> look_;
-  SliceImages images_;
+  SliceSource source_;
   SliceArea area_;
   PixelRectangle pixels_;
   std::string explanation_;

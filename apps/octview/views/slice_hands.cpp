@@ -37,7 +37,7 @@ void SliceHands::move_cursor(Workspace& workspace, const ScreenPoint& mouse,
   const SlicePosition section = slice_position(workspace.document, workspace.state, axis_);
   VoxelPoint voxel = geometry.voxel_at(mouse, workspace.state.cursor[axes_of(axis_).across]);
   if (section.below_surface) voxel = place(workspace, mouse, geometry).value_or(voxel);
-  workspace.state.cursor = nearest_voxel(*workspace.document.volume, voxel);
+  workspace.state.cursor = nearest_voxel(workspace.document, voxel);
 }
 
 std::optional<MeasuredPoint> SliceHands::point_at(const Workspace& workspace, const ScreenPoint& mouse,
@@ -113,7 +113,7 @@ void SliceHands::handle_keys(Workspace& workspace, const ScreenPoint& mouse, con
   if (is_pressed(letter('F'))) state.windows[static_cast<std::size_t>(axis_)] = {};
   if (is_pressed(letter('R'))) {
     state.windows[static_cast<std::size_t>(axis_)] = {};
-    state.cursor = middle_of(*workspace.document.volume);
+    state.cursor = middle_of(workspace.document);
     state.below_surface = 0;
   }
   if (is_pressed(Key::escape)) workspace.stop_measuring();

@@ -62,8 +62,7 @@ class Marks {
       line.clear();
     };
     // Two points per em at most are enough for an eye, one per sample all there is.
-    const VolumeData& volume = *document_.volume;
-    const double last = static_cast<double>(axes_.right == 1 ? volume.ascans : volume.bscans) - 1;
+    const double last = static_cast<double>(document_.sizes()[axes_.right]) - 1;
     const double step = std::max(1.0, geometry_.area.width / geometry_.size[0]);
     const double begin = std::max(0.0, std::floor(geometry_.area.left) - 1);
     const double end = std::min(last, geometry_.area.left + geometry_.area.width + 1);

@@ -33,10 +33,25 @@ std::string text_under(const Workspace& workspace, const SliceGeometry& geometry
   return place_text(workspace.document, voxel, static_cast<double>(image.samples[index]));
 }
 
+// Of a section that is not yet, or cannot be, in full resolution.
+std::string reduction_note(const VolumeData& volume, const SliceSource& source) {
+  if (source.is_reading())
+    return "Reading all samples: " + std::to_string(static_cast<int>(source.share() * 100)) + " %";
+  std::string note = "Shown " + reduction_text(volume);
+  if (!source.error().empty()) note += "\n" + source.error();
+  return note;
+}
+
 }  // namespace
+
+// A hidden pane takes nothing that has been read.
+bool SlicePane::is_reading() const {
+  return shown_in_ == ImGui::GetFrameCount() && drawing_.source().is_reading();
+}
 
 void SlicePane::show(Workspace& workspace) {
   if (!workspace.document) return;
+  shown_in_ = ImGui::GetFrameCount();
   show_slice_controls(workspace, axis_);
   const ImVec2 cursor = ImGui::GetCursorScreenPos();
   const ImVec2 corner{std::floor(cursor.x), std::floor(cursor.y)};  // pixel by pixel
@@ -68,11 +83,9 @@ void SlicePane::show(Workspace& workspace) {
   if (hovered) mouse = ScreenPoint{ImGui::GetIO().MousePos.x, ImGui::GetIO().MousePos.y};
   draw_slice_marks(list, workspace, geometry, mouse);
   if (mouse) workspace.under_cursor = text_under(workspace, geometry, drawing_.image(), *mouse);
-  if (workspace.document.volume->is_reduced())
-    draw_label(
-        list, {corner.x + size.x / 2, corner.y + size.y},
-        "Read " + reduction_text(*workspace.document.volume) + ": all of it would take too much memory",
-        note_color, {0.5F, 1.2F});
+  if (!drawing_.source().is_finest())
+    draw_label(list, {corner.x + size.x / 2, corner.y + size.y},
+               reduction_note(*workspace.document.volume, drawing_.source()), note_color, {0.5F, 1.2F});
   if (!drawing_.explanation().empty()) {
     const float margin = ImGui::GetFontSize();
     draw_note(list, {corner.x + margin, corner.y + 4.5F * margin}, size.x - 2 * margin,

@@ -14,10 +14,14 @@ class SlicePane {
   // Builds the pane in ImGui's current window, which it fills.
   void show(Workspace& workspace);
 
+  // Samples of what is shown are still being read.
+  bool is_reading() const;
+
  private:
   const SliceAxis axis_;
   SliceDrawing drawing_;
   SliceHands hands_;
+  int shown_in_ = -1;  // the number of the interface's frame
 };
 
 }  // namespace oct::app

@@ -23,7 +23,7 @@ PixelPoint pixels(ImVec2 place) {
 }  // namespace
 
 BoxPoint box_point(const Document& document, const VoxelPoint& voxel) {
-  const std::array<std::size_t, 3> sizes = document.volume->sizes();
+  const std::array<std::size_t, 3> sizes = document.sizes();
   BoxPoint point{};
   for (std::size_t i = 0; i < 3; ++i) point[i] = (voxel[i] + 0.5) / static_cast<double>(sizes[i]);
   return point;
@@ -54,7 +54,7 @@ void VolumeHands::press(Workspace& workspace, const VolumeGeometry& geometry, co
     dragged_ = point_at(workspace, geometry);
     return;
   }
-  const auto place = image.place_at(workspace, geometry.part(pixels(io.MousePos)));
+  const auto place = image.place_at(geometry.part(pixels(io.MousePos)));
   if (place) {
     workspace.add_point(place->voxel);
   } else {
@@ -73,7 +73,7 @@ void VolumeHands::drag(Workspace& workspace, const VolumeGeometry& geometry, con
   } else if (io.MouseDown[2] || (io.MouseDown[0] && panning_)) {
     pan(view, pixels(io.MouseDelta), geometry.size);
   } else if (io.MouseDown[0] && dragged_) {
-    if (const auto place = image.place_at(workspace, geometry.part(pixels(io.MousePos))))
+    if (const auto place = image.place_at(geometry.part(pixels(io.MousePos))))
       workspace.move_point(*dragged_, place->voxel);
   } else if (io.MouseDown[0] && !placing_) {
     turn(view, pixels(io.MouseDelta), geometry.size);
@@ -92,10 +92,10 @@ void VolumeHands::hover(Workspace& workspace, const VolumeGeometry& geometry, co
   }
   if (linked || asked_at_ != mouse) {
     if (!linked && std::hypot(io.MouseDelta.x, io.MouseDelta.y) > ImGui::GetFontSize()) return;
-    const auto place = image.place_at(workspace, geometry.part(mouse));
+    const auto place = image.place_at(geometry.part(mouse));
     asked_at_ = mouse;
     asked_ = place ? place_text(workspace.document, place->voxel, place->value) : "";
-    if (linked && place) workspace.state.cursor = nearest_voxel(*workspace.document.volume, place->voxel);
+    if (linked && place) workspace.state.cursor = nearest_voxel(workspace.document, place->voxel);
   }
   workspace.under_cursor = asked_;
 }

@@ -93,8 +93,7 @@ void VolumeImage::update(const Workspace& workspace, LiveSession& live, PictureS
   drawn_with_ = live.renderer();
 }
 
-std::optional<VolumePlace> VolumeImage::place_at(const Workspace& workspace,
-                                                 const std::array<double, 2>& part) const {
+std::optional<VolumePlace> VolumeImage::place_at(const std::array<double, 2>& part) const {
   if (!drawn_with_) return std::nullopt;
   const auto pixel = [](double share, int count) {
     return std::clamp(static_cast<int>(share * count), 0, count - 1);
@@ -111,8 +110,7 @@ std::optional<VolumePlace> VolumeImage::place_at(const Workspace& workspace,
   if (pick.kind == OCT_PICK_NOTHING) return std::nullopt;
   VolumePlace place{{}, static_cast<double>(pick.value)};
   for (std::size_t i = 0; i < 3; ++i) {
-    const double drawn = is_live_ ? 1 : static_cast<double>(scene_.base.data->reduction[i]);
-    const double factor = drawn / static_cast<double>(workspace.document.volume->reduction[i]);
+    const double factor = is_live_ ? 1 : static_cast<double>(scene_.base.data->reduction[i]);
     place.voxel[i] = (pick.voxel[i] + 0.5) * factor - 0.5;
   }
   return place;

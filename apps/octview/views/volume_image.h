@@ -43,7 +43,7 @@ class VolumeImage {
   const std::string& explanation() const { return explanation_; }
 
   // In parts of the picture, to the right and downwards, 0 to 1. None where the picture shows nothing.
-  std::optional<VolumePlace> place_at(const Workspace& workspace, const std::array<double, 2>& part) const;
+  std::optional<VolumePlace> place_at(const std::array<double, 2>& part) const;
 
  private:
   // What the picture depends on.
