@@ -134,10 +134,6 @@ SliceAxes axes_of(SliceAxis axis) {
   return {0, 2, 1};
 }
 
-std::size_t slice_count(const VolumeData& volume, SliceAxis axis) {
-  return volume.sizes()[axes_of(axis).across];
-}
-
 Image slice_of(const VolumeData& volume, SliceAxis axis, std::ptrdiff_t position, const EnFace& enface,
                const LateralMap* surface) {
   const std::array<std::size_t, 3> sizes = volume.sizes();

@@ -26,8 +26,6 @@ struct SliceAxes {
 };
 SliceAxes axes_of(SliceAxis axis);
 
-std::size_t slice_count(const VolumeData& volume, SliceAxis axis);
-
 enum class Projection { mean, maximum };
 
 // What an en-face section shows: layers around its depth, or around a depth below a surface.

@@ -66,8 +66,8 @@ double value_of(const Ruler& ruler, const Measurement& measurement);
 // "1.234 mm", "45.0°".
 std::string value_text(const Ruler& ruler, const Measurement& measurement);
 
-// point: in samples of the volume's file. Linear between the voxels. As at the nearest in the outer half of a voxel at the border; beyond it, and where a voxel
-// that counts is NaN, NaN.
+// point: in samples of the volume's file. Linear between the voxels. As at the nearest in the outer half of a voxel at the border;
+// beyond it, and where a voxel that counts is NaN, NaN.
 double value_at(const VolumeData& volume, const VoxelPoint& point);
 
 struct ProfileSample {

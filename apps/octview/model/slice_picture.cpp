@@ -14,9 +14,8 @@ namespace {
 Image slice_in_memory(const VolumeData& volume, SliceAxis axis, const SlicePosition& place, EnFace enface,
                       const LateralMap* surface) {
   const auto factor = static_cast<std::ptrdiff_t>(volume.reduction[axes_of(axis).across]);
-  const std::ptrdiff_t voxel = place.position >= 0 ? place.position / factor : -(-place.position / factor);
   enface.layers = std::max<std::size_t>(1, enface.layers / volume.reduction[0]);
-  return slice_of(volume, axis, voxel, enface, surface);
+  return slice_of(volume, axis, place.position / factor, enface, surface);
 }
 
 Image enlarged(const Image& image, std::size_t down, std::size_t right, std::size_t depth,

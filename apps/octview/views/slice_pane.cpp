@@ -33,13 +33,14 @@ std::string text_under(const Workspace& workspace, const SliceGeometry& geometry
   return place_text(workspace.document, voxel, static_cast<double>(image.samples[index]));
 }
 
-// Of a section that is not yet, or cannot be, in full resolution.
-std::string reduction_note(const VolumeData& volume, const SliceSource& source) {
-  if (source.is_reading())
-    return "Reading all samples: " + std::to_string(static_cast<int>(source.share() * 100)) + " %";
-  std::string note = "Shown " + reduction_text(volume);
-  if (!source.error().empty()) note += "\n" + source.error();
-  return note;
+// Why nothing is seen, or not all that there is.
+std::string notes_of(const VolumeData& volume, const SliceDrawing& drawing) {
+  const SliceSource& source = drawing.source();
+  std::string notes = drawing.explanation();
+  if (source.is_finest() || source.is_reading()) return notes;
+  notes += (notes.empty() ? "Shown " : "\nShown ") + reduction_text(volume);
+  if (!source.error().empty()) notes += ": " + source.error();
+  return notes;
 }
 
 }  // namespace
@@ -83,14 +84,15 @@ void SlicePane::show(Workspace& workspace) {
   if (hovered) mouse = ScreenPoint{ImGui::GetIO().MousePos.x, ImGui::GetIO().MousePos.y};
   draw_slice_marks(list, workspace, geometry, mouse);
   if (mouse) workspace.under_cursor = text_under(workspace, geometry, drawing_.image(), *mouse);
-  if (!drawing_.source().is_finest())
-    draw_label(list, {corner.x + size.x / 2, corner.y + size.y},
-               reduction_note(*workspace.document.volume, drawing_.source()), note_color, {0.5F, 1.2F});
-  if (!drawing_.explanation().empty()) {
-    const float margin = ImGui::GetFontSize();
-    draw_note(list, {corner.x + margin, corner.y + 4.5F * margin}, size.x - 2 * margin,
-              drawing_.explanation());
-  }
+  const float margin = ImGui::GetFontSize();
+  if (drawing_.source().is_reading())
+    draw_label(
+        list, {corner.x + size.x - margin * 0.6F, corner.y + margin * 0.3F},
+        "Reading all samples: " + std::to_string(static_cast<int>(drawing_.source().share() * 100)) + " %",
+        note_color, {1, 0});
+  const std::string notes = notes_of(*workspace.document.volume, drawing_);
+  if (!notes.empty())
+    draw_note(list, {corner.x + margin, corner.y + 4.5F * margin}, size.x - 2 * margin, notes);
 }
 
 }  // namespace oct::app
