@@ -1,8 +1,6 @@
 #include "data/file_slices.h"
 
-#include <algorithm>
-#include <array>
-#include <utility>
+#include <vector>
 
 namespace oct::app {
 namespace {

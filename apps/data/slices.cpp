@@ -134,17 +134,20 @@ SliceAxes axes_of(SliceAxis axis) {
   return {0, 2, 1};
 }
 
+VoxelSpacing section_spacing(const VoxelSpacing& volume, SliceAxis axis) {
+  const SliceAxes axes = axes_of(axis);
+  return {{volume.mm[axes.down], volume.mm[axes.right], volume.mm[axes.across]}, volume.source};
+}
+
 Image slice_of(const VolumeData& volume, SliceAxis axis, std::ptrdiff_t position, const EnFace& enface,
                const LateralMap* surface) {
   const std::array<std::size_t, 3> sizes = volume.sizes();
   const SliceAxes axes = axes_of(axis);
   Image image{sizes[axes.down], sizes[axes.right], {}, {}};
   image.samples.assign(image.depth * image.ascans, nan);
-  image.spacing.source = volume.spacing.source;
-  const std::array<std::size_t, 3> order{axes.down, axes.right, axes.across};
-  for (std::size_t i = 0; i < 3; ++i) {
-    image.spacing.mm[i] = volume.spacing.mm[order[i]] * static_cast<double>(volume.reduction[order[i]]);
-  }
+  VoxelSpacing spacing = volume.spacing;
+  for (std::size_t i = 0; i < 3; ++i) spacing.mm[i] *= static_cast<double>(volume.reduction[i]);
+  image.spacing = section_spacing(spacing, axis);
   if (axis == SliceAxis::enface) {
     draw_enface(volume, position, enface, {volume, enface.along_surface ? surface : nullptr}, image.samples);
     return image;

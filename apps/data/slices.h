@@ -26,6 +26,9 @@ struct SliceAxes {
 };
 SliceAxes axes_of(SliceAxis axis);
 
+// Of a section's image, from that of the volume.
+VoxelSpacing section_spacing(const VoxelSpacing& volume, SliceAxis axis);
+
 enum class Projection { mean, maximum };
 
 // What an en-face section shows: layers around its depth, or around a depth below a surface.

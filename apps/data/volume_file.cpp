@@ -1,6 +1,5 @@
 #include "data/volume_file.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace oct::app {
@@ -51,7 +50,7 @@ VolumeData VolumeFile::read(const VolumePart& part, const ProgressFunction& prog
   volume.depth = part.end[0] - part.begin[0];
   volume.ascans = part.end[1] - part.begin[1];
   volume.bscans = part.end[2] - part.begin[2];
-  volume.voxels.resize(volume.depth * volume.ascans * volume.bscans);
+  volume.voxels.resize(part.voxels());
   volume.file_size = sizes_;
   volume.spacing = spacing();
   const std::array<std::size_t, 3> steps{1, volume.depth, volume.depth * volume.ascans};
@@ -69,13 +68,14 @@ VolumeData VolumeFile::read_finite(const VolumePart& part, bool decibels, const 
   VolumeData volume = read(part, progress);
   if (decibels) to_decibels(volume.voxels);
   if (all_finite(volume.voxels)) return volume;
-  if (const auto bounds = finite_bounds(decibels, progress)) replace_non_finite(volume.voxels, *bounds);
+  const ValueRange& bounds = finite_bounds(decibels, progress);
+  if (bounds != no_range) replace_non_finite(volume.voxels, bounds);
   return volume;
 }
 
-std::optional<ValueRange> VolumeFile::finite_bounds(bool decibels, const ProgressFunction& progress) {
+const ValueRange& VolumeFile::finite_bounds(bool decibels, const ProgressFunction& progress) {
   std::optional<ValueRange>& known = bounds_[decibels ? 1 : 0];
-  if (known) return known;
+  if (known) return *known;
   ValueRange bounds = no_range;
   std::vector<float> logarithms;
   read_frames(0, data_.frames->frame_count(), progress, [&](std::size_t, const Raster& raster) {
@@ -87,8 +87,7 @@ std::optional<ValueRange> VolumeFile::finite_bounds(bool decibels, const Progres
     to_decibels(logarithms);
     widen(bounds, logarithms);
   });
-  if (bounds != no_range) known = bounds;
-  return known;
+  return known.emplace(bounds);
 }
 
 }  // namespace oct::app

@@ -45,8 +45,8 @@ class VolumeFile {
                          const ProgressFunction& progress = no_progress);
 
  private:
-  // Of all finite samples. Nothing: there is none.
-  std::optional<ValueRange> finite_bounds(bool decibels, const ProgressFunction& progress);
+  // Of all finite samples; no_range: there is none.
+  const ValueRange& finite_bounds(bool decibels, const ProgressFunction& progress);
 
   DataFile file_;
   OpenData data_;

@@ -26,9 +26,4 @@ Image Sections::of(VolumeFile& file, std::ptrdiff_t position, bool decibels, boo
                        reading_progress(file.file().path));
 }
 
-VoxelSpacing Sections::turned(const VoxelSpacing& volume) const {
-  const SliceAxes axes = axes_of(axis_);
-  return {{volume.mm[axes.down], volume.mm[axes.right], volume.mm[axes.across]}, volume.source};
-}
-
 }  // namespace oct::app

@@ -16,15 +16,13 @@ class Sections {
   Sections(SliceAxis axis, const EnFace& enface, const std::string& surface,
            const std::array<std::size_t, 3>& sizes, const std::array<std::size_t, 3>& file_size);
 
+  SliceAxis axis() const { return axis_; }
   std::ptrdiff_t count() const { return static_cast<std::ptrdiff_t>(sizes_[axes_of(axis_).across]); }
   bool follow_surface() const { return enface_.along_surface; }
 
   Image of(const VolumeData& volume, std::ptrdiff_t position) const;
   // Of a volume that stays in its file. finite: as it is drawn.
   Image of(VolumeFile& file, std::ptrdiff_t position, bool decibels, bool finite) const;
-
-  // That of an image, from that of the volume.
-  VoxelSpacing turned(const VoxelSpacing& volume) const;
 
  private:
   SliceAxis axis_;

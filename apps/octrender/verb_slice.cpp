@@ -328,7 +328,7 @@ Inputs read_section(const Options& options, bool finite) {
   const Sections sections = sections_of(options, file.sizes(), file.sizes());
   const Sweep sweep = positions_of(options, sections);
   Image section = sections.of(file, sweep.first, options.decibels, finite);
-  section.spacing = sections.turned(spacing);
+  section.spacing = section_spacing(spacing, sections.axis());
   Inputs inputs{sections, sweep, std::move(section), {}};
   if (options.overlay.empty()) return inputs;
   VolumeFile overlay = open_volume(data_file(options.overlay, options.data));

@@ -11,11 +11,11 @@ namespace oct::app {
 namespace {
 
 // Which voxels of the memory a section of the file lies in.
-Image slice_in_memory(const VolumeData& volume, SliceAxis axis, const SlicePosition& place, EnFace enface,
+Image slice_in_memory(const VolumeData& volume, SliceAxis axis, std::ptrdiff_t position, EnFace enface,
                       const LateralMap* surface) {
   const auto factor = static_cast<std::ptrdiff_t>(volume.reduction[axes_of(axis).across]);
   enface.layers = std::max<std::size_t>(1, enface.layers / volume.reduction[0]);
-  return slice_of(volume, axis, place.position / factor, enface, surface);
+  return slice_of(volume, axis, position / factor, enface, surface);
 }
 
 Image enlarged(const Image& image, std::size_t down, std::size_t right, std::size_t depth,
@@ -29,15 +29,13 @@ Image enlarged(const Image& image, std::size_t down, std::size_t right, std::siz
 }
 
 std::shared_ptr<const Image> shared_image(const Document& document, SliceAxis axis, Image image) {
-  const SliceAxes axes = axes_of(axis);
-  const VoxelSpacing spacing = document.spacing();
-  image.spacing = {{spacing.mm[axes.down], spacing.mm[axes.right], spacing.mm[axes.across]}, spacing.source};
+  image.spacing = section_spacing(document.spacing(), axis);
   return std::make_shared<const Image>(std::move(image));
 }
 
 std::shared_ptr<const Image> image_of(const Document& document, const VolumeData& volume,
                                       const ViewState& state, SliceAxis axis) {
-  Image image = slice_in_memory(volume, axis, slice_position(document, state, axis), state.enface,
+  Image image = slice_in_memory(volume, axis, slice_position(document, state, axis).position, state.enface,
                                 document.surface.get());
   if (volume.is_reduced()) {
     const SliceAxes axes = axes_of(axis);

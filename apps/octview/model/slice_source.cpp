@@ -26,9 +26,8 @@ bool SliceSource::update(const Document& document, const ViewState& state) {
 
 void SliceSource::read(const Document& document, const ViewState& state) {
   is_owed_ = false;
+  if (!reads_ || reads_->revision != document.revision) files_ = std::make_shared<SliceFiles>();
   reads_ = samples_;
-  if (std::exchange(files_of_, document.revision) != document.revision)
-    files_ = std::make_shared<SliceFiles>();
   task_.start("Reading the section",
               [document, state, axis = axis_, files = files_](const ProgressFunction& progress) {
                 return finest_slice_images(document, state, axis, *files, progress);

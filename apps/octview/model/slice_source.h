@@ -47,8 +47,7 @@ class SliceSource {
   bool is_owed_ = false;  // a reading of these samples
   std::string error_;
   std::optional<Samples> reads_;       // what the task's images are of
-  std::shared_ptr<SliceFiles> files_;  // of the task while it runs
-  std::uint64_t files_of_ = 0;         // revision of the document
+  std::shared_ptr<SliceFiles> files_;  // of that document; of the task while it runs
   BackgroundTask<SliceImages> task_;
 };
 

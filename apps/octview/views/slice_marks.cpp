@@ -204,23 +204,24 @@ class Marks {
   const float em_;
 };
 
+void draw_shade(ImDrawList& list, ImVec2 corner, ImVec2 size) {
+  const float margin = ImGui::GetFontSize() * 0.2F;
+  list.AddRectFilled({corner.x - margin, corner.y}, {corner.x + size.x + margin, corner.y + size.y}, shade,
+                     margin);
+}
+
 }  // namespace
 
 void draw_label(ImDrawList& list, ImVec2 place, const std::string& text, ImU32 color, ImVec2 back) {
   const ImVec2 size = ImGui::CalcTextSize(text.c_str());
-  const float margin = ImGui::GetFontSize() * 0.2F;
   place = {std::round(place.x - back.x * size.x), std::round(place.y - back.y * size.y)};
-  list.AddRectFilled({place.x - margin, place.y}, {place.x + size.x + margin, place.y + size.y}, shade,
-                     margin);
+  draw_shade(list, place, size);
   list.AddText(place, color, text.c_str());
 }
 
 void draw_note(ImDrawList& list, ImVec2 corner, float width, const std::string& text) {
   width = std::max(width, ImGui::GetFontSize());
-  const ImVec2 size = ImGui::CalcTextSize(text.c_str(), nullptr, false, width);
-  const float margin = ImGui::GetFontSize() * 0.2F;
-  list.AddRectFilled({corner.x - margin, corner.y}, {corner.x + size.x + margin, corner.y + size.y}, shade,
-                     margin);
+  draw_shade(list, corner, ImGui::CalcTextSize(text.c_str(), nullptr, false, width));
   list.AddText(nullptr, 0, corner, note_color, text.c_str(), nullptr, width);
 }
 
